@@ -1,0 +1,39 @@
+# A relocatable tree: everything finds its neighbours relative to itself.
+#
+#   bin/plaz                            the program
+#   lib/libplaz.so, lib/libplazhost.so  the libraries
+#   lib/cmake/plaz, lib/pkgconfig       for programs that embed the hub
+#   include/plaz                        headers of the exported classes ("plaz/...", "support/...")
+#   share/plaz/data                     data root: messages, schemas, shipped metadata
+#   share/plaz/tps                      third-party programs: links to the system's
+#   share/man, share/doc/plaz           manual page, guides
+include(CMakePackageConfigHelpers)
+
+install(TARGETS plaz)
+install(TARGETS plazhost plaz_lib EXPORT plazTargets)
+
+set(headers ${CMAKE_INSTALL_INCLUDEDIR}/plaz)
+# What readers and the git parts keep to themselves stays out.
+install(DIRECTORY shared/common/plaz DESTINATION ${headers}
+  FILES_MATCHING PATTERN "*.h" PATTERN "reader" EXCLUDE REGEX "/HSCPlazGit[A-Z]" EXCLUDE)
+install(FILES shared/common/plaz/model/reader/HSCPlazJsonReadWriteUtils.h DESTINATION ${headers}/plaz/model/reader)
+install(DIRECTORY platform/support DESTINATION ${headers}
+  FILES_MATCHING PATTERN "*.h" PATTERN "posix" EXCLUDE PATTERN "win32" EXCLUDE PATTERN "Platform*.h" EXCLUDE
+  PATTERN "HCRapidJsonReadWriteUtils.h" EXCLUDE)
+
+install(DIRECTORY platform/data/ DESTINATION ${CMAKE_INSTALL_DATADIR}/plaz/data/plaz)
+install(DIRECTORY ${PROJECT_BINARY_DIR}/share/plaz/tps DESTINATION ${CMAKE_INSTALL_DATADIR}/plaz)
+
+set(package ${CMAKE_INSTALL_LIBDIR}/cmake/plaz)
+install(EXPORT plazTargets NAMESPACE plaz:: DESTINATION ${package})
+configure_package_config_file(cmake/plazConfig.cmake.in ${PROJECT_BINARY_DIR}/plazConfig.cmake
+  INSTALL_DESTINATION ${package} NO_SET_AND_CHECK_MACRO)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/plazConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/plazConfig.cmake ${PROJECT_BINARY_DIR}/plazConfigVersion.cmake DESTINATION ${package})
+
+configure_file(cmake/plaz.pc.in ${PROJECT_BINARY_DIR}/plaz.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/plaz.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+
+install(FILES docs/man/plaz.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+install(FILES README.md docs/user-guide.md docs/store-authors-guide.md docs/embedding-guide.md
+  DESTINATION ${CMAKE_INSTALL_DOCDIR})
