@@ -1,0 +1,165 @@
+#include "support/ComMsgMgr.h"
+
+#include "support/HCRapidJsonReadWriteUtils.h"
+#include "support/HIOStream.h"
+#include "support/HUTEnv.h"
+
+#include <algorithm>
+#include <iostream>
+#include <map>
+#include <utility>
+
+namespace {
+
+constexpr const char* catalogFile = "plaz/messages.json";
+
+struct CatalogEntry {
+    std::string text;
+    bool isGoodNews = false;
+};
+using Catalog = std::map<std::string, CatalogEntry>;
+
+// A catalog that is missing or damaged is an empty one: messages then show their id and their arguments.
+Catalog readCatalog() {
+    Catalog catalog;
+    std::string text;
+    std::string error;
+    rapidjson::Document document;
+    if (HIOStream::read(HUTEnv::getGDADataDir(catalogFile) + "/" + catalogFile, text) != HIOStream::Status::ok ||
+        !HCRapidJsonReadWriteUtils::parseInPlace(text, document, error))
+        return catalog;
+    const rapidjson::Value* messages = HCRapidJsonReadWriteUtils::FindArray(document, "messages");
+    if (!messages) return catalog;
+    for (const rapidjson::Value& message : messages->GetArray())
+        catalog[HCRapidJsonReadWriteUtils::GetStringProperty(message, "id")] = {
+            HCRapidJsonReadWriteUtils::GetStringProperty(message, "text"),
+            HCRapidJsonReadWriteUtils::GetStringProperty(message, "label") == "info"};
+    return catalog;
+}
+
+const Catalog& getCatalog() {
+    static const Catalog catalog = readCatalog();
+    return catalog;
+}
+
+const CatalogEntry* findEntry(const std::string& id) {
+    const auto found = getCatalog().find(id);
+    return found == getCatalog().end() ? nullptr : &found->second;
+}
+
+std::string idOfKey(const std::string& key) {
+    if (key.empty() || key.front() != '@') return key;
+    return key.substr(1, key.find('@', 1) - 1);
+}
+
+std::string fillIn(const std::string& text, const std::vector<std::string>& args) {
+    std::string result;
+    auto arg = args.begin();
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const char next = text[i] == '%' && i + 1 < text.size() ? text[i + 1] : '\0';
+        if (next == 's' && arg != args.end())
+            result += *arg++;
+        else if (next == '%')
+            result += '%';
+        else {
+            result += text[i];
+            continue;
+        }
+        ++i;
+    }
+    return result;
+}
+
+std::string join(const std::vector<std::string>& args) {
+    std::string result;
+    for (const std::string& arg : args) {
+        if (!result.empty()) result += ' ';
+        result += arg;
+    }
+    return result;
+}
+
+const char* labelOf(MsgSeverity severity, bool isGoodNews) {
+    switch (severity) {
+    case MsgSeverity::error:
+    case MsgSeverity::fileError:
+        return "ERROR";
+    case MsgSeverity::criticalWarning:
+    case MsgSeverity::fileWarning:
+        return "CRITICAL WARNING";
+    case MsgSeverity::warning:
+        return isGoodNews ? "INFO" : "WARNING";
+    case MsgSeverity::info:
+        break;
+    }
+    return "INFO";
+}
+
+void writeToStandardError(const ComMsgMgr::Message& message) {
+    std::cerr << ComMsgMgr::format(message) << std::endl;
+}
+
+struct Service {
+    ComMsgMgr::Sink sink;
+    int verbosity = 0;
+};
+
+Service& getService() {
+    static Service service;
+    return service;
+}
+
+} // namespace
+
+ComMsgMgrInstance::ComMsgMgrInstance(const char* file, int line, const char* facility, const char* key,
+                                     std::vector<std::string> args)
+    : m_file(file), m_line(line), m_facility(facility), m_id(idOfKey(key)), m_args(std::move(args)) {}
+
+std::string ComMsgMgrInstance::getMessage() const {
+    const std::string* text = ComMsgMgr::findText(m_id);
+    return text ? fillIn(*text, m_args) : join(m_args);
+}
+
+HEXAll::HEXAll(ComMsgMgrInstance message) : m_message(std::move(message)), m_text(m_message.getMessage()) {}
+
+void ComMsgMgr::send(const ComMsgMgrInstance& message, MsgSeverity severity) {
+    if (getVerbosity() < 0) return;
+    const CatalogEntry* entry = findEntry(message.getId());
+    const Message sent{message.getId(), severity, message.getArgs(), message.getMessage(),
+                       labelOf(severity, entry && entry->isGoodNews)};
+    // A copy, because a sink may install another one while it runs.
+    const Sink sink = getService().sink;
+    sink ? sink(sent) : writeToStandardError(sent);
+}
+
+ComMsgMgr::Sink ComMsgMgr::setSink(Sink sink) {
+    return std::exchange(getService().sink, std::move(sink));
+}
+
+std::string ComMsgMgr::format(const Message& message) {
+    std::string line = message.label + ": [" + message.id + "] " + message.text;
+    // Arguments may come from a store: no control sequence of theirs reaches the terminal.
+    std::replace_if(
+        line.begin(), line.end(),
+        [](char c) { return (static_cast<unsigned char>(c) < 0x20 && c != '\n' && c != '\t') || c == 0x7f; }, '?');
+    return line;
+}
+
+int ComMsgMgr::getVerbosity() {
+    return getService().verbosity;
+}
+
+void ComMsgMgr::setVerbosity(int verbosity) {
+    getService().verbosity = verbosity;
+}
+
+const std::string* ComMsgMgr::findText(const std::string& id) {
+    const CatalogEntry* entry = findEntry(id);
+    return entry ? &entry->text : nullptr;
+}
+
+std::vector<std::string> ComMsgMgr::getIds() {
+    std::vector<std::string> ids;
+    for (const auto& entry : getCatalog()) ids.push_back(entry.first);
+    return ids;
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "support/HostExport.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+/// A set of preferences: names with a list of texts each.
+class HOST_API HCCXPref {
+public:
+    /// The list of @p name; empty when it is not set.
+    std::vector<std::string> getVal(const std::string& name) const;
+    /// Replaces the list of @p name. It reaches the disk with HCCXPrefUtils::savePreferences.
+    void setVal(const std::string& name, const std::vector<std::string>& values);
+    /// Every name that is set, in the order in which it was first set.
+    std::vector<std::string> getNames() const;
+
+private:
+    std::vector<std::pair<std::string, std::vector<std::string>>> m_values;
+};
+
+/// Holds the user's preferences, read on first use from "preferences.json" in the per-user area.
+/// A file that cannot be read or parsed is reported once and never overwritten silently: the first save keeps it
+/// beside the new one as "preferences.json.bad".
+class HOST_API HCCXPrefMgr {
+public:
+    static HCCXPrefMgr& getInstance();
+    /// The user's own set.
+    HCCXPref& getDefaultXPref();
+    /// The file that holds the preferences.
+    static std::string getFile();
+
+private:
+    friend class HCCXPrefUtils;
+    HCCXPrefMgr();
+    HCCXPref m_default;
+    bool m_fileIsBad = false;
+};
+
+class HOST_API HCCXPrefUtils {
+public:
+    /// Writes the preferences whole and atomically. @return false, with a message, when that failed
+    static bool savePreferences();
+};

@@ -1,0 +1,218 @@
+#include "support/HCRapidJsonReadWriteUtils.h"
+
+#include "support/HIOStream.h"
+#include "support/HostMsg.h"
+
+#include <rapidjson/error/en.h>
+#include <rapidjson/prettywriter.h>
+#include <rapidjson/reader.h>
+#include <rapidjson/stringbuffer.h>
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+using Json = HCRapidJsonReadWriteUtils;
+
+constexpr unsigned parseFlags =
+    rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag;
+
+// Stands between the parser and the document: ends the parsing when the nesting gets too deep, and remembers where
+// decoding in place has put line ends into strings, so that lines can still be counted afterwards.
+class DepthGuard {
+public:
+    explicit DepthGuard(rapidjson::Document& document) : m_document(document) {}
+
+    bool isTooDeep() const { return m_depth > Json::maxDepth; }
+    const std::vector<const char*>& getLineEndsInStrings() const { return m_lineEnds; }
+
+    bool Null() { return m_document.Null(); }
+    bool Bool(bool value) { return m_document.Bool(value); }
+    bool Int(int value) { return m_document.Int(value); }
+    bool Uint(unsigned value) { return m_document.Uint(value); }
+    bool Int64(std::int64_t value) { return m_document.Int64(value); }
+    bool Uint64(std::uint64_t value) { return m_document.Uint64(value); }
+    bool Double(double value) { return m_document.Double(value); }
+    bool RawNumber(const char* text, rapidjson::SizeType size, bool copy) {
+        return m_document.RawNumber(text, size, copy);
+    }
+    bool String(const char* text, rapidjson::SizeType size, bool copy) {
+        noteLineEnds(text, size);
+        return m_document.String(text, size, copy);
+    }
+    bool Key(const char* text, rapidjson::SizeType size, bool copy) {
+        noteLineEnds(text, size);
+        return m_document.Key(text, size, copy);
+    }
+    bool StartObject() { return ++m_depth <= Json::maxDepth && m_document.StartObject(); }
+    bool EndObject(rapidjson::SizeType members) { return --m_depth, m_document.EndObject(members); }
+    bool StartArray() { return ++m_depth <= Json::maxDepth && m_document.StartArray(); }
+    bool EndArray(rapidjson::SizeType elements) { return --m_depth, m_document.EndArray(elements); }
+
+private:
+    void noteLineEnds(const char* text, std::size_t size) {
+        const char* end = text + size;
+        while (const void* found = std::memchr(text, '\n', static_cast<std::size_t>(end - text))) {
+            m_lineEnds.push_back(static_cast<const char*>(found));
+            text = m_lineEnds.back() + 1;
+        }
+    }
+
+    rapidjson::Document& m_document;
+    std::vector<const char*> m_lineEnds;
+    int m_depth = 0;
+};
+
+std::string describePlace(const char* begin, std::size_t offset, const std::vector<const char*>& lineEndsInStrings) {
+    std::size_t line = 1;
+    const char* lineBegin = begin;
+    for (const char* c = begin; c != begin + offset; ++c) {
+        if (*c != '\n' || std::binary_search(lineEndsInStrings.begin(), lineEndsInStrings.end(), c)) continue;
+        ++line;
+        lineBegin = c + 1;
+    }
+    return "line " + std::to_string(line) + ", column " + std::to_string(begin + offset - lineBegin + 1) + ": ";
+}
+
+const rapidjson::Value* find(const rapidjson::Value& object, const char* key) {
+    if (!object.IsObject()) return nullptr;
+    const auto member = object.FindMember(key);
+    return member == object.MemberEnd() ? nullptr : &member->value;
+}
+
+std::string toString(const rapidjson::Value& value) {
+    return {value.GetString(), value.GetStringLength()};
+}
+
+void add(rapidjson::Document& document, rapidjson::Value& object, const char* key, rapidjson::Value& value) {
+    object.AddMember(rapidjson::Value(key, document.GetAllocator()), value, document.GetAllocator());
+}
+
+} // namespace
+
+bool HCRapidJsonReadWriteUtils::parseInPlace(std::string& text, rapidjson::Document& document, std::string& error) {
+    static constexpr const char byteOrderMark[] = "\xEF\xBB\xBF";
+    char* begin = text.data() + (text.compare(0, 3, byteOrderMark) == 0 ? 3 : 0);
+    const auto size = static_cast<std::size_t>(text.data() + text.size() - begin);
+
+    rapidjson::InsituStringStream stream(begin);
+    DepthGuard guard(document);
+    rapidjson::ParseResult result;
+    const auto generate = [&](rapidjson::Document&) {
+        rapidjson::Reader reader;
+        result = reader.Parse<parseFlags>(stream, guard);
+        return !result.IsError();
+    };
+    document.Populate(generate);
+
+    std::string reason;
+    if (guard.isTooDeep())
+        reason = "Nesting deeper than " + std::to_string(maxDepth) + " levels.";
+    else if (result.IsError())
+        reason = rapidjson::GetParseError_En(result.Code());
+    else if (stream.Tell() < size) // the parser takes a null character for the end
+        reason = "Unexpected null character.";
+    else
+        return true;
+    if (reason.back() == '.') reason.pop_back(); // messages put it inside a sentence
+    error =
+        describePlace(begin, result.IsError() ? result.Offset() : stream.Tell(), guard.getLineEndsInStrings()) + reason;
+    document.SetNull();
+    return false;
+}
+
+std::string HCRapidJsonReadWriteUtils::GetStringProperty(const rapidjson::Value& object, const char* key) {
+    const rapidjson::Value* value = find(object, key);
+    return value && value->IsString() ? toString(*value) : std::string();
+}
+
+bool HCRapidJsonReadWriteUtils::GetBooleanProperty(const rapidjson::Value& object, const char* key) {
+    const rapidjson::Value* value = find(object, key);
+    return value && value->IsTrue();
+}
+
+std::vector<std::string> HCRapidJsonReadWriteUtils::GetStringArrayProperty(const rapidjson::Value& object,
+                                                                           const char* key) {
+    std::vector<std::string> strings;
+    if (const rapidjson::Value* array = FindArray(object, key))
+        for (const rapidjson::Value& element : array->GetArray())
+            if (element.IsString()) strings.push_back(toString(element));
+    return strings;
+}
+
+const rapidjson::Value* HCRapidJsonReadWriteUtils::FindObject(const rapidjson::Value& object, const char* key) {
+    const rapidjson::Value* value = find(object, key);
+    return value && value->IsObject() ? value : nullptr;
+}
+
+const rapidjson::Value* HCRapidJsonReadWriteUtils::FindArray(const rapidjson::Value& object, const char* key) {
+    const rapidjson::Value* value = find(object, key);
+    return value && value->IsArray() ? value : nullptr;
+}
+
+void HCRapidJsonReadWriteUtils::AddStringProperty(rapidjson::Document& document, rapidjson::Value& object,
+                                                  const char* key, const std::string& value) {
+    rapidjson::Value text(value.data(), static_cast<rapidjson::SizeType>(value.size()), document.GetAllocator());
+    add(document, object, key, text);
+}
+
+void HCRapidJsonReadWriteUtils::AddBooleanProperty(rapidjson::Document& document, rapidjson::Value& object,
+                                                   const char* key, bool value) {
+    rapidjson::Value boolean(value);
+    add(document, object, key, boolean);
+}
+
+void HCRapidJsonReadWriteUtils::AddIntegerProperty(rapidjson::Document& document, rapidjson::Value& object,
+                                                   const char* key, int value) {
+    rapidjson::Value number(value);
+    add(document, object, key, number);
+}
+
+void HCRapidJsonReadWriteUtils::AddGenericValueProperty(rapidjson::Document& document, rapidjson::Value& object,
+                                                        const char* key, rapidjson::Value& value) {
+    add(document, object, key, value);
+}
+
+std::string HCRapidJsonReadWriteUtils::GetErrorMsgFromDocument(const rapidjson::Document& document) {
+    return document.HasParseError() ? rapidjson::GetParseError_En(document.GetParseError()) : std::string();
+}
+
+std::string HCRapidJsonReadWriteUtils::toText(const rapidjson::Value& value) {
+    rapidjson::StringBuffer buffer;
+    rapidjson::PrettyWriter<rapidjson::StringBuffer> writer(buffer);
+    writer.SetIndent(' ', 2);
+    value.Accept(writer);
+    return std::string(buffer.GetString(), buffer.GetSize()) + "\n";
+}
+
+void HCRapidJsonReadWriteUtils::errorReadingJsonFile(const std::string& file) {
+    ComMsgMgr::send(HostMsg::jsonFileUnreadable, MsgSeverity::fileError, file);
+}
+
+void HCRapidJsonReadWriteUtils::errorParsingJsonFile(const std::string& file, const std::string& message) {
+    ComMsgMgr::send(HostMsg::jsonFileUnparsable, MsgSeverity::fileWarning, file, message);
+}
+
+void HCRapidJsonReadWriteUtils::errorReadingSchemaFile(const std::string& file) {
+    ComMsgMgr::send(HostMsg::schemaFileUnreadable, MsgSeverity::fileError, file);
+}
+
+void HCRapidJsonReadWriteUtils::errorParsingSchemaFile(const std::string& file, const std::string& message) {
+    ComMsgMgr::send(HostMsg::schemaFileUnparsable, MsgSeverity::fileWarning, file, message);
+}
+
+bool HCRapidJsonReadWriteUtils::validateSchemaFile(const std::string& file) {
+    std::string text;
+    if (HIOStream::read(file, text) != HIOStream::Status::ok) {
+        errorReadingSchemaFile(file);
+        return false;
+    }
+    rapidjson::Document document;
+    std::string error;
+    if (!parseInPlace(text, document, error)) {
+        errorParsingSchemaFile(file, error);
+        return false;
+    }
+    return true;
+}

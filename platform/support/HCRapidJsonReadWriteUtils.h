@@ -1,0 +1,56 @@
+#pragma once
+
+#include "support/HostExport.h"
+
+#include <rapidjson/document.h>
+
+#include <string>
+#include <vector>
+
+/// The host's JSON helpers: forgiving typed access, writing of members, and the reports that every reader shares.
+///
+/// Getters take any value: one that is not an object, a missing member and a member of another type all read as empty
+/// (or false). Reports go to the message service.
+class HOST_API HCRapidJsonReadWriteUtils {
+public:
+    /// Nesting beyond this is refused while parsing, so that no file can exhaust the stack.
+    static constexpr int maxDepth = 256;
+
+    /// Parses JSON text in place: @p text is overwritten and must outlive the document. A byte order mark is skipped.
+    /// Never recurses; checks UTF-8; refuses nesting deeper than maxDepth.
+    /// @return false, with @p error holding reason and place ("line 3, column 7: ..."), when the text is not JSON;
+    ///         @p document is then null
+    static bool parseInPlace(std::string& text, rapidjson::Document& document, std::string& error);
+
+    static std::string GetStringProperty(const rapidjson::Value& object, const char* key);
+    static bool GetBooleanProperty(const rapidjson::Value& object, const char* key);
+    /// The strings of an array member; elements of other types are left out.
+    static std::vector<std::string> GetStringArrayProperty(const rapidjson::Value& object, const char* key);
+
+    /// The member if it is there and an object (array); else null.
+    static const rapidjson::Value* FindObject(const rapidjson::Value& object, const char* key);
+    static const rapidjson::Value* FindArray(const rapidjson::Value& object, const char* key);
+
+    static void AddStringProperty(rapidjson::Document& document, rapidjson::Value& object, const char* key,
+                                  const std::string& value);
+    static void AddBooleanProperty(rapidjson::Document& document, rapidjson::Value& object, const char* key,
+                                   bool value);
+    static void AddIntegerProperty(rapidjson::Document& document, rapidjson::Value& object, const char* key, int value);
+    /// Moves @p value in.
+    static void AddGenericValueProperty(rapidjson::Document& document, rapidjson::Value& object, const char* key,
+                                        rapidjson::Value& value);
+
+    /// The parser's error text of a document that failed to parse; empty for one that did not.
+    static std::string GetErrorMsgFromDocument(const rapidjson::Document& document);
+
+    /// The document as indented text with a line end, "\n" on every system.
+    static std::string toText(const rapidjson::Value& value);
+
+    static void errorReadingJsonFile(const std::string& file);
+    static void errorParsingJsonFile(const std::string& file, const std::string& message);
+    static void errorReadingSchemaFile(const std::string& file);
+    static void errorParsingSchemaFile(const std::string& file, const std::string& message);
+
+    /// Checks that a schema document can be read and parsed; reports what is wrong with it otherwise.
+    static bool validateSchemaFile(const std::string& file);
+};

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "support/HostExport.h"
+
+#include <memory>
+#include <string>
+
+/// The host's stream library: reads whole files and recognises its own container for protected files.
+///
+/// A protected file begins with the eight bytes 0x89 'H' 'P' 'F' 0x0D 0x0A 0x1A 0x0A, then
+///
+///     offset  size  content (numbers are little-endian)
+///          8     1  layout version, 1
+///          9     3  zero
+///         12     4  CRC-32 of the plain content
+///         16     8  length of the plain content in bytes
+///         24     n  the content, each byte combined by exclusive or with the low byte of a running
+///                   key k: k starts as the CRC, and k := k * 1664525 + 1013904223 (mod 2^32) before each byte;
+///                   the byte taken is the top one of k
+///
+/// The container keeps casual eyes and editors out; it is no encryption. Readers see the plain content.
+class HOST_API HIOStream {
+public:
+    enum class Status {
+        ok,
+        missing,    ///< no such file, or a directory on the way is missing
+        notRegular, ///< a directory, device or pipe
+        unreadable, ///< no permission, input error, or a damaged container
+        outside ///< the path leads out of the directory that it must stay in, or through an absolute link to nothing
+    };
+
+    /// A directory kept open, below which files are read by relative names.
+    class HOST_API Root {
+    public:
+        /// @param dir  may be missing; every read then gives `missing`
+        explicit Root(const std::string& dir);
+        ~Root();
+        Root(Root&& other) noexcept;
+        Root& operator=(Root&& other) noexcept;
+        const std::string& getDir() const { return m_dir; }
+
+        /// Reads a file below the directory; one open, one read. Links are followed as long as they stay inside.
+        /// @p content is replaced (its capacity is reused), and empty unless the result is ok. Names that hold a null
+        /// character lead to no file.
+        Status read(const std::string& relative, std::string& content) const;
+
+    private:
+        struct Impl;
+        std::string m_dir;
+        std::unique_ptr<Impl> m_impl;
+    };
+
+    /// Reads a whole file into @p content (replaced; its capacity is reused); plain content of a protected file.
+    static Status read(const std::string& file, std::string& content);
+    /// Whether the file begins as a protected file does.
+    static bool isContainer(const std::string& file);
+    /// Writes @p content as a protected file, atomically. @return false when that failed
+    static bool writeContainer(const std::string& file, const std::string& content);
+};

@@ -1,0 +1,121 @@
+#include "support/HUTEnv.h"
+
+#include "support/HUTFile.h"
+#include "support/HUTSysCall.h"
+#include "support/PlatformSystem.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace {
+
+std::string join(const std::string& dir, const std::string& relative) {
+    if (relative.empty()) return dir;
+    return relative.front() == '/' ? dir + relative : dir + "/" + relative;
+}
+
+std::string valueOr(const std::string& name, const std::string& fallback) {
+    const std::string value = HUTEnv::getEnv(name);
+    return value.empty() ? fallback : value;
+}
+
+std::string getAppRoot() {
+    std::string root = HUTEnv::getEnv("GDA_APPROOT");
+    if (root.empty()) root = platform::getLibraryFile() + "/../../share/plaz";
+    return HUTFile::getCanonicalName(root);
+}
+
+// The directories that a variable lists, or the one below the application root that stands in for them.
+std::vector<std::string> getRoots(const std::string& variable, const std::string& belowAppRoot) {
+    const std::string list = HUTEnv::getEnv(variable);
+    std::vector<std::string> roots;
+    for (std::size_t begin = 0; begin < list.size();) {
+        const std::size_t end = std::min(list.find(platform::pathListSeparator, begin), list.size());
+        if (end > begin) roots.push_back(HUTFile::getCanonicalName(list.substr(begin, end - begin)));
+        begin = end + 1;
+    }
+    if (roots.empty()) roots.push_back(join(getAppRoot(), belowAppRoot));
+    return roots;
+}
+
+std::string findRoot(const std::vector<std::string>& roots, const std::string& relative) {
+    const auto found = std::find_if(roots.begin(), roots.end(), [&relative](const std::string& root) {
+        return HUTFile::exists(join(root, relative));
+    });
+    return found == roots.end() ? std::string() : *found;
+}
+
+} // namespace
+
+bool HUTEnv::getEnv(const std::string& name, std::string& value) {
+    const char* text = std::getenv(name.c_str());
+    if (!text) return false;
+    value = text;
+    return true;
+}
+
+std::string HUTEnv::getEnv(const std::string& name) {
+    std::string value;
+    getEnv(name, value);
+    return value;
+}
+
+bool HUTEnv::isYes(const std::string& name) {
+    const std::string value = getEnv(name);
+    return !value.empty() && (value.front() == 'Y' || value.front() == 'y');
+}
+
+std::string HUTEnv::getPWD() {
+    return HUTSysCall::getCurrDir();
+}
+
+std::string HUTEnv::getProductName() {
+    return valueOr("GDA_PRODUCT_NAME", "Solvan");
+}
+
+std::string HUTEnv::getProductVersion() {
+    return valueOr("GDA_PRODUCT_VERSION", PLAZ_VERSION);
+}
+
+std::string HUTEnv::getProductVersionExcludingPatch() {
+    const std::string version = getProductVersion();
+    return version.substr(0, version.find_first_of("_-+"));
+}
+
+std::string HUTEnv::getProductMajorMinorVersion() {
+    const std::string version = getProductVersionExcludingPatch();
+    const std::size_t major = version.find('.');
+    return major == std::string::npos ? version : version.substr(0, version.find('.', major + 1));
+}
+
+void HUTEnv::setProduct(const std::string& name, const std::string& version) {
+    if (!name.empty()) platform::setEnvironment("GDA_PRODUCT_NAME", name);
+    if (!version.empty()) platform::setEnvironment("GDA_PRODUCT_VERSION", version);
+}
+
+std::string HUTEnv::getGDAAppRoot(const std::string& relative) {
+    const std::string path = join(getAppRoot(), relative);
+    return HUTFile::exists(path) ? path : std::string();
+}
+
+std::string HUTEnv::getGDADataDir(const std::string& relative) {
+    return findRoot(getRoots("GDA_DATA_DIR", "data"), relative);
+}
+
+std::string HUTEnv::getGDATpsPath(const std::string& relative) {
+    const std::string root = findRoot(getRoots("GDA_TPS_DIR", "tps"), relative);
+    return root.empty() ? root : join(root, relative);
+}
+
+std::string HUTEnv::getHDIAppDataDir() {
+    const std::string dir = getEnv("GDA_APPDATA_DIR");
+    return HUTFile::getCanonicalName(dir.empty() ? join(platform::getHomeDir(), ".Zentor") : dir);
+}
+
+bool HUTEnv::getRegressMode() {
+    return isYes("GDA_REGRESS_MODE");
+}
+
+std::vector<std::string> HUTEnv::getAll() {
+    return platform::getEnvironment();
+}

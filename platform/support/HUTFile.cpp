@@ -1,0 +1,289 @@
+#include "support/HUTFile.h"
+
+#include "support/PlatformFile.h"
+
+#include <boost/filesystem.hpp>
+
+#include <algorithm>
+
+namespace fs = boost::filesystem;
+using Error = boost::system::error_code;
+
+namespace {
+
+using Linkable = std::function<bool(const std::string&)>;
+
+fs::path makeAbsolute(const std::string& name) {
+    // Two slashes in front have a meaning of their own only where "\\" is the separator.
+    const bool isDoubled = fs::path::preferred_separator == '/' && name.compare(0, 2, "//") == 0;
+    const fs::path path = isDoubled ? "/" + name.substr(std::min(name.find_first_not_of('/'), name.size())) : name;
+    if (path.empty() || path.is_absolute()) return path;
+    Error error;
+    const fs::path base = fs::current_path(error);
+    return error ? fs::path() : base / path;
+}
+
+bool liesBeneath(const fs::path& root, const fs::path& path) {
+    return std::mismatch(root.begin(), root.end(), path.begin(), path.end()).first == root.end();
+}
+
+// The path with every link resolved; components that do not exist follow as they are. Empty when that is impossible.
+fs::path resolve(const std::string& path) {
+    fs::path rest;
+    for (fs::path existing = makeAbsolute(path); !existing.empty(); existing = existing.parent_path()) {
+        Error error;
+        const fs::path real = fs::canonical(existing, error);
+        if (!error) return rest.empty() ? real : real / rest;
+        if (error != boost::system::errc::no_such_file_or_directory && error != boost::system::errc::not_a_directory)
+            return {};
+        // What a dangling link would lead to is anybody's guess, and ".." below nothing has no meaning.
+        if (fs::is_symlink(fs::symlink_status(existing, error)) || existing.filename() == "..") return {};
+        if (existing.filename() != ".") rest = rest.empty() ? existing.filename() : existing.filename() / rest;
+    }
+    return {};
+}
+
+void allowOwner(const fs::path& path, fs::perms permissions) {
+    Error error;
+    fs::permissions(path, fs::add_perms | permissions, error);
+}
+
+bool removeTree(const fs::path& path) {
+    Error error;
+    const fs::file_status status = fs::symlink_status(path, error);
+    if (status.type() == fs::file_not_found) return true;
+    bool isEmpty = true;
+    if (fs::is_directory(status)) {
+        if ((status.permissions() & fs::owner_all) != fs::owner_all) allowOwner(path, fs::owner_all);
+        isEmpty = HUTFile::rmEntriesExcept(path.string(), "");
+    }
+    if (!isEmpty) return false;
+    fs::remove(path, error);
+    if (error && fs::is_regular_file(status)) { // a system that does not remove read-only files
+        allowOwner(path, fs::owner_write);
+        fs::remove(path, error);
+    }
+    return !error;
+}
+
+// Puts a finished file or directory in the place of another by names alone; the old one comes back when that fails.
+bool replaceByRenaming(const fs::path& fresh, const fs::path& dest) {
+    Error error;
+    const fs::path aside = dest.parent_path() / fs::unique_path(".plaz-old-%%%%-%%%%-%%%%");
+    fs::rename(dest, aside, error);
+    if (error) return false;
+    fs::rename(fresh, dest, error);
+    if (error) {
+        fs::rename(aside, dest, error);
+        return false;
+    }
+    removeTree(aside);
+    return true;
+}
+
+bool copyLink(const fs::path& source, const fs::path& dest) {
+    Error error;
+    fs::copy_symlink(source, dest, error);
+    return !error;
+}
+
+bool copyFile(const fs::path& source, const fs::path& dest) {
+    Error error;
+    fs::copy_file(source, dest, fs::copy_option::fail_if_exists, error);
+    const fs::file_status status = error ? fs::file_status() : fs::status(source, error);
+    if (!error) fs::permissions(dest, status.permissions(), error);
+    if (!error) return true;
+    if (error != boost::system::errc::file_exists) fs::remove(dest, error);
+    return false;
+}
+
+bool linkFile(const fs::path& source, const fs::path& dest) {
+    Error error;
+    fs::create_hard_link(source, dest, error);
+    return !error;
+}
+
+using PlaceEntry = std::function<bool(const fs::path& dest)>;
+
+// Lets `place` make the entry at dest; where something stands already, beside it first, so that the old entry goes
+// only when the new one is whole. The old entry is replaced, never written to: it may be a link that leads elsewhere.
+bool placeOver(const fs::path& dest, const PlaceEntry& place) {
+    Error error;
+    const fs::file_type type = fs::symlink_status(dest, error).type();
+    if (type == fs::file_not_found) return place(dest);
+    if (type == fs::directory_file) return false;
+    const fs::path beside = dest.parent_path() / fs::unique_path(".plaz-%%%%-%%%%-%%%%.tmp");
+    if (!place(beside)) return false;
+    fs::rename(beside, dest, error);
+    if (!error) return true;
+    fs::remove(beside, error);
+    return false;
+}
+
+bool copyEntry(const fs::path& source, fs::file_type type, const fs::path& dest, bool mayLink) {
+    if (type == fs::symlink_file)
+        return placeOver(dest, [&source](const fs::path& to) { return copyLink(source, to); });
+    return placeOver(dest, [&source, mayLink](const fs::path& to) {
+        return (mayLink && linkFile(source, to)) || copyFile(source, to);
+    });
+}
+
+// A directory with the permissions of the source's, but writable by its owner. A link in its place is replaced.
+bool copyDirectory(const fs::path& source, const fs::path& dest) {
+    Error error;
+    if (fs::is_symlink(fs::symlink_status(dest, error))) fs::remove(dest, error);
+    fs::create_directory(dest, error);
+    if (error) return false;
+    const fs::file_status status = fs::status(source, error);
+    if (!error) fs::permissions(dest, status.permissions() | fs::owner_all, error);
+    return !error;
+}
+
+bool copyTree(const fs::path& source, const fs::path& dest, const fs::path& relative, const Linkable& linkable) {
+    Error error;
+    fs::directory_iterator entry(source / relative, error);
+    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+        const fs::path inside = relative / entry->path().filename();
+        const fs::file_type type = entry->symlink_status(error).type();
+        bool isDone = true;
+        if (type == fs::directory_file)
+            isDone = copyDirectory(source / inside, dest / inside) && copyTree(source, dest, inside, linkable);
+        else if (type == fs::regular_file || type == fs::symlink_file)
+            isDone = copyEntry(entry->path(), type, dest / inside,
+                               type == fs::regular_file && linkable && linkable(inside.generic_string()));
+        if (!isDone) return false;
+    }
+    return !error;
+}
+
+bool copyWholeTree(const fs::path& source, const fs::path& dest, const Linkable& linkable) {
+    // A copy below its own source would never end.
+    if (HUTFile::isBeneath(source.string(), dest.string())) return false;
+    Error error;
+    const fs::file_status status = fs::status(source, error);
+    if (!fs::is_directory(status) || !HUTFile::mkDirRecursive(dest.string())) return false;
+    fs::permissions(dest, status.permissions() | fs::owner_all, error);
+    return !error && copyTree(source, dest, fs::path(), linkable);
+}
+
+} // namespace
+
+const std::string& HUTFile::getDirSeparator() {
+    static const std::string separator(1, static_cast<char>(fs::path::preferred_separator));
+    return separator;
+}
+
+bool HUTFile::exists(const std::string& path) {
+    Error error;
+    return fs::exists(path, error);
+}
+
+bool HUTFile::isRegularFile(const std::string& path) {
+    Error error;
+    return fs::is_regular_file(path, error);
+}
+
+bool HUTFile::isDirectory(const std::string& path) {
+    Error error;
+    return fs::is_directory(path, error);
+}
+
+bool HUTFile::isWriteable(const std::string& path) {
+    return platform::isWriteable(path);
+}
+
+std::time_t HUTFile::getLastMod(const std::string& path) {
+    Error error;
+    const std::time_t time = fs::last_write_time(path, error);
+    return error ? 0 : time;
+}
+
+std::string HUTFile::getCanonicalName(const std::string& path) {
+    const fs::path absolute = makeAbsolute(path);
+    fs::path canonical = absolute.root_path();
+    for (const fs::path& component : absolute.relative_path()) {
+        if (component == "..") // above the root there is nothing
+            canonical = canonical.has_relative_path() ? canonical.parent_path() : canonical;
+        else if (component != ".")
+            canonical /= component;
+    }
+    return canonical.generic_string();
+}
+
+std::string HUTFile::getNonNativeCanonicalName(const std::string& path) {
+    return getCanonicalName(path);
+}
+
+bool HUTFile::isAKA(const std::string& a, const std::string& b) {
+    Error error;
+    return fs::equivalent(a, b, error);
+}
+
+bool HUTFile::isBeneath(const std::string& root, const std::string& path) {
+    if (root.empty() || path.empty() || (root + path).find('\0') != std::string::npos) return false;
+    const fs::path realRoot = resolve(root);
+    return !realRoot.empty() && liesBeneath(realRoot, resolve(path));
+}
+
+bool HUTFile::mkDirRecursive(const std::string& dir) {
+    Error error;
+    fs::create_directories(dir, error);
+    return isDirectory(dir);
+}
+
+bool HUTFile::rmRecursive(const std::string& path) {
+    return removeTree(path);
+}
+
+bool HUTFile::rmEntriesExcept(const std::string& dir, const std::string& keptName) {
+    bool areGone = true;
+    for (const std::string& name : createFileIter(dir))
+        if (name != keptName) areGone = removeTree(fs::path(dir) / name) && areGone;
+    return areGone;
+}
+
+bool HUTFile::copyTo(const std::string& source, const std::string& dest, int option) {
+    Error error;
+    if (option != copyOver && fs::exists(fs::symlink_status(dest, error))) return false;
+    const fs::file_type type = fs::symlink_status(source, error).type();
+    return (type == fs::regular_file || type == fs::symlink_file) && copyEntry(source, type, dest, false);
+}
+
+bool HUTFile::copyToRecursive(const std::string& source, const std::string& dest, int option) {
+    Error error;
+    if (!fs::is_directory(fs::symlink_status(source, error))) return copyTo(source, dest, option);
+    if (option != copyOver && fs::exists(fs::symlink_status(dest, error))) return false;
+    return copyWholeTree(source, dest, nullptr);
+}
+
+bool HUTFile::cloneTree(const std::string& source, const std::string& dest, const Linkable& linkable) {
+    return copyWholeTree(source, dest, linkable);
+}
+
+std::vector<std::string> HUTFile::createFileIter(const std::string& dir) {
+    std::vector<std::string> names;
+    Error error;
+    fs::directory_iterator entry(dir, error);
+    for (; !error && entry != fs::directory_iterator(); entry.increment(error))
+        names.push_back(entry->path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+bool HUTFile::writeAtomically(const std::string& file, const std::string& content, bool ownerOnly) {
+    return platform::writeAtomically(file, content, ownerOnly);
+}
+
+bool HUTFile::replaceDirectory(const std::string& fresh, const std::string& dest) {
+    Error error;
+    if (!fs::is_directory(fs::symlink_status(fresh, error))) return false;
+    const fs::path target = getCanonicalName(dest);
+    if (!fs::exists(fs::symlink_status(target, error))) {
+        mkDirRecursive(target.parent_path().string());
+        fs::rename(fresh, target, error);
+        return !error;
+    }
+    if (!platform::exchange(fresh, target.string())) return replaceByRenaming(fresh, target);
+    removeTree(fresh);
+    return true;
+}

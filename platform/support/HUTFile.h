@@ -1,0 +1,72 @@
+#pragma once
+
+#include "support/HostExport.h"
+
+#include <ctime>
+#include <functional>
+#include <string>
+#include <vector>
+
+/// Files and directories, by name. Nothing here throws for what the disk says; results tell.
+///
+/// RATIONALE: canonical names are absolute and free of "." and "..", but links in them stay as they are: the
+/// installation lays links to the system's programs, and what stands beside such a link matters, not what stands
+/// beside its target. Where links have to be followed, for containment, isBeneath() does it.
+class HOST_API HUTFile {
+public:
+    /// The system's separator as a string: "/" or "\".
+    static const std::string& getDirSeparator();
+
+    static bool exists(const std::string& path);
+    static bool isRegularFile(const std::string& path);
+    static bool isDirectory(const std::string& path);
+    /// The file or directory exists and this user may write to it (into it).
+    static bool isWriteable(const std::string& path);
+    /// Seconds since the epoch; 0 when there is no such file.
+    static std::time_t getLastMod(const std::string& path);
+
+    /// Absolute, with "." and ".." resolved by name, in generic form; empty for an empty name.
+    static std::string getCanonicalName(const std::string& path);
+    /// The same in generic (forward-slash) form on every system; for comparisons.
+    static std::string getNonNativeCanonicalName(const std::string& path);
+    /// Whether two names lead to one file or directory on disk.
+    static bool isAKA(const std::string& a, const std::string& b);
+
+    /// Whether @p path, every link resolved as far as it exists, lies below @p root (or is it).
+    /// A path whose links cannot be resolved does not.
+    static bool isBeneath(const std::string& root, const std::string& path);
+
+    /// Creates a directory with its parents; true when it is there afterwards.
+    static bool mkDirRecursive(const std::string& dir);
+    /// Removes a file, a link (not its target) or a directory with all it holds, read-only entries included.
+    /// True when it is gone afterwards.
+    static bool rmRecursive(const std::string& path);
+    /// Removes a directory tree entry by entry except one name at its top.
+    /// @return false when something could not be removed
+    static bool rmEntriesExcept(const std::string& dir, const std::string& keptName);
+
+    /// What a copy does with a target that exists: the host's option 3, copy over it.
+    static constexpr int copyOver = 3;
+    /// Copies one file with its permissions. A link is copied as a link.
+    static bool copyTo(const std::string& source, const std::string& dest, int option);
+    /// Copies a file or a directory tree. Links are copied as links, never followed; one that stands in the way below
+    /// @p dest is replaced. Pipes, sockets and devices are left out. False for a @p dest below @p source. After a
+    /// failure @p dest may hold part of the copy.
+    static bool copyToRecursive(const std::string& source, const std::string& dest, int option);
+    /// Copies a directory tree, but gives the files that @p linkable accepts (by their path relative to @p source, in
+    /// generic form) a second name instead of a second body where the file system can; copies them where it cannot.
+    static bool cloneTree(const std::string& source, const std::string& dest,
+                          const std::function<bool(const std::string& relative)>& linkable);
+
+    /// Names of the entries of a directory, sorted, without "." and ".."; empty when it cannot be read.
+    static std::vector<std::string> createFileIter(const std::string& dir);
+
+    /// Writes a file whole: beside it, flushed, then renamed over it. The old file stays until the new one is complete.
+    /// @param ownerOnly  readable by its owner alone
+    /// @return false, with the old file untouched and nothing left beside it, when that failed
+    static bool writeAtomically(const std::string& file, const std::string& content, bool ownerOnly = false);
+    /// Puts the finished directory @p fresh in the place of @p dest (which may be absent) in one step where the system
+    /// can. @return false with @p dest as it was; on success nothing is left at @p fresh, except what of the old
+    /// directory resists removal.
+    static bool replaceDirectory(const std::string& fresh, const std::string& dest);
+};

@@ -1,0 +1,140 @@
+#include "support/HUTFork.h"
+
+#include "support/HUTEnv.h"
+#include "support/PlatformProcess.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <fstream>
+
+namespace {
+
+using How = platform::ProcessEnd::How;
+
+bool isPlain(const std::string& word) {
+    return !word.empty() && std::all_of(word.begin(), word.end(), [](char c) {
+        return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+               std::string("_-+=.,:/@%^~").find(c) != std::string::npos;
+    });
+}
+
+// Control characters are spelled out, so that an argument cannot pass for another line of a log.
+std::string quote(const std::string& word) {
+    if (isPlain(word)) return word;
+    std::string quoted = "'";
+    for (const char c : word) {
+        const auto code = static_cast<unsigned char>(c);
+        char spelled[] = "\\x00";
+        std::snprintf(spelled + 2, sizeof spelled - 2, "%02x", code);
+        if (code < 0x20 || code == 0x7f)
+            quoted += spelled;
+        else
+            quoted += c == '\'' ? "'\\''" : std::string(1, c);
+    }
+    return quoted + "'";
+}
+
+std::string nameOf(const std::string& variable) {
+    return variable.substr(0, variable.find('=', 1));
+}
+
+// Begins a line of its own whatever the child wrote last.
+void appendToLog(const std::string& file, const std::string& reason) {
+    if (!file.empty()) std::ofstream(file, std::ios::app) << "\nfatal: " << reason << std::endl;
+}
+
+bool holdsNull(const std::string& text) {
+    return text.find('\0') != std::string::npos;
+}
+
+} // namespace
+
+void HUTFork::dontUseHDLDPath() {
+    unsetEnv("LD_LIBRARY_PATH");
+}
+
+void HUTFork::setLogFile(const std::string& file) {
+    m_logFile = file;
+}
+
+void HUTFork::setProg(const std::string& path, bool useSearchPath) {
+    m_prog = path;
+    m_useSearchPath = useSearchPath;
+}
+
+void HUTFork::addArg(const std::string& arg) {
+    m_args.push_back(arg);
+}
+
+void HUTFork::setTimeout(int seconds) {
+    m_timeoutSeconds = seconds;
+}
+
+void HUTFork::setDir(const std::string& dir) {
+    m_dir = dir;
+}
+
+void HUTFork::setEnv(const std::string& name, const std::string& value) {
+    unsetEnv(name);
+    m_env.emplace_back(name, value);
+}
+
+void HUTFork::unsetEnv(const std::string& name) {
+    m_env.erase(std::remove_if(m_env.begin(), m_env.end(), [&name](const auto& set) { return set.first == name; }),
+                m_env.end());
+    m_unset.push_back(name);
+}
+
+std::string HUTFork::getCmdLineAsStr() const {
+    std::string line = quote(m_prog);
+    for (const std::string& arg : m_args) line += " " + quote(arg);
+    return line;
+}
+
+int HUTFork::launch(bool wait, bool log, bool kill, bool quiet) {
+    platform::ProcessSpec spec;
+    spec.program = m_prog;
+    spec.useSearchPath = m_useSearchPath;
+    spec.args = m_args;
+    spec.dir = m_dir;
+    spec.logFile = m_logFile;
+    if (m_timeoutSeconds > 0) spec.timeout = std::chrono::seconds(m_timeoutSeconds);
+    for (const std::string& variable : HUTEnv::getAll())
+        if (std::find(m_unset.begin(), m_unset.end(), nameOf(variable)) == m_unset.end())
+            spec.environment.push_back(variable);
+    for (const auto& [name, value] : m_env) spec.environment.push_back(name + "=" + value);
+
+    platform::ProcessEnd end{How::notStarted, 0, {}};
+    if (!(wait && log && kill && quiet))
+        end.reason = "only blocking runs that log and can be killed are served";
+    else if (holdsNull(m_prog) || std::any_of(m_args.begin(), m_args.end(), holdsNull))
+        end.reason = "an argument holds a null character";
+    else
+        end = platform::run(spec);
+
+    switch (end.how) {
+    case How::exited:
+        return end.status;
+    case How::interrupted:
+        return interrupted;
+    case How::timedOut:
+        appendToLog(m_logFile, m_prog + " was stopped after " + std::to_string(m_timeoutSeconds) + " seconds");
+        return timedOut;
+    case How::notStarted:
+        break;
+    }
+    appendToLog(m_logFile, "cannot start " + m_prog + ": " + end.reason);
+    return notStarted;
+}
+
+void HUTFork::interruptAll() noexcept {
+    platform::interruptRuns();
+}
+
+bool HUTFork::isInterrupted() noexcept {
+    return platform::isInterrupted();
+}
+
+void HUTFork::clearInterrupt() noexcept {
+    platform::clearInterrupt();
+}

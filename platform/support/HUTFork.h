@@ -1,0 +1,67 @@
+#pragma once
+
+#include "support/HostExport.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+/// Starts a child process and waits for it: an argument list, never a shell.
+///
+/// The child gets a process group of its own, standard input from the null device and, when a log file is set,
+/// standard output and standard error in that file. It is started without copying the parent's address space.
+/// When the time-out passes or interruptAll() is called, the whole process group is killed.
+class HOST_API HUTFork {
+public:
+    /// Status that launch() returns for a program that could not be started; the reason is in the log as "fatal: ...".
+    static constexpr int notStarted = 127;
+    /// Status of a run that was killed because its time-out passed; the log says so as "fatal: ...".
+    static constexpr int timedOut = 124;
+    /// Status of a run ended, or not begun, because of interruptAll().
+    static constexpr int interrupted = 130;
+
+    /// Leaves the host's own library search path (LD_LIBRARY_PATH) out of the child's environment.
+    void dontUseHDLDPath();
+    /// File for the child's output, truncated at each launch. Empty, or one that cannot be opened: the output goes to
+    /// the null device.
+    void setLogFile(const std::string& file);
+    /// @param path            the program; a relative path counts from the directory in which the child starts
+    /// @param useSearchPath   true looks a bare name up along PATH
+    void setProg(const std::string& path, bool useSearchPath);
+    void addArg(const std::string& arg);
+    /// Seconds until the run is killed; 0 or less waits without limit.
+    void setTimeout(int seconds);
+    /// Directory in which the child starts; empty keeps the parent's.
+    void setDir(const std::string& dir);
+    /// Sets a variable in the child's environment only.
+    void setEnv(const std::string& name, const std::string& value);
+    /// Keeps a variable of the parent from the child.
+    void unsetEnv(const std::string& name);
+
+    /// Program and arguments as one line, quoted where needed, for logs and messages.
+    std::string getCmdLineAsStr() const;
+
+    /// Runs the program and waits for its end. May be called again with the same settings.
+    /// @param wait,log,kill,quiet  the host's launch flags; a blocking run that logs and can be killed has all four
+    /// set,
+    ///                             and no other combination is served here
+    /// @return the exit status; 128 + n for a child that signal n ended; or one of the constants above
+    int launch(bool wait, bool log, bool kill, bool quiet);
+
+    /// Kills the running child, if any, and lets later launches return `interrupted` at once.
+    /// May be called from a signal handler and from another thread.
+    static void interruptAll() noexcept;
+    static bool isInterrupted() noexcept;
+    /// Allows launches again.
+    static void clearInterrupt() noexcept;
+
+private:
+    std::string m_logFile;
+    std::string m_prog;
+    std::string m_dir;
+    std::vector<std::string> m_args;
+    std::vector<std::pair<std::string, std::string>> m_env;
+    std::vector<std::string> m_unset;
+    int m_timeoutSeconds = 0;
+    bool m_useSearchPath = false;
+};

@@ -1,0 +1,37 @@
+#include "support/HUTSysCall.h"
+
+#include "support/PlatformSystem.h"
+
+#include <boost/filesystem.hpp>
+
+#include <cstdio>
+#include <iostream>
+
+namespace fs = boost::filesystem;
+
+std::string HUTSysCall::getCurrDir() {
+    boost::system::error_code error;
+    return fs::current_path(error).generic_string();
+}
+
+bool HUTSysCall::changeDir(const std::string& dir) {
+    boost::system::error_code error;
+    fs::current_path(dir, error);
+    return !error;
+}
+
+int HUTSysCall::divertStandardOutput() {
+    std::cout.flush();
+    std::fflush(stdout);
+    return platform::divertStandardOutput();
+}
+
+void HUTSysCall::restoreStandardOutput(int kept) {
+    std::cout.flush();
+    std::fflush(stdout);
+    platform::restoreStandardOutput(kept);
+}
+
+int HUTSysCall::getTerminalWidth() {
+    return platform::getTerminalWidth();
+}

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "support/HostExport.h"
+
+#include <string>
+
+/// The process's working directory and standard streams.
+class HOST_API HUTSysCall {
+public:
+    /// Absolute; empty when the directory is gone.
+    static std::string getCurrDir();
+    /// @return false, with nothing changed, when @p dir cannot be entered
+    static bool changeDir(const std::string& dir);
+
+    /// Sends what the process and its children write to standard output to standard error from now on.
+    /// @return a handle of the real standard output for restoreStandardOutput(); negative, with nothing changed, when
+    ///         that failed
+    static int divertStandardOutput();
+    /// Brings the real standard output back and ends @p kept.
+    static void restoreStandardOutput(int kept);
+    /// Columns of the terminal that standard error is; 0 when it is none.
+    static int getTerminalWidth();
+};

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "support/ComMsgMgr.h"
+
+/// The messages that the host itself sends, with the arguments each takes.
+namespace HostMsg {
+inline constexpr MsgId<1> jsonFileUnreadable{"@12-101@%s"};      ///< file
+inline constexpr MsgId<2> jsonFileUnparsable{"@12-102@%s%s"};    ///< file, parser's message or offending place
+inline constexpr MsgId<1> schemaFileUnreadable{"@12-103@%s"};    ///< file
+inline constexpr MsgId<2> schemaFileUnparsable{"@12-104@%s%s"};  ///< file, parser's message
+inline constexpr MsgId<1> preferencesNotSaved{"@12-105@%s"};     ///< file
+inline constexpr MsgId<2> preferencesUnreadable{"@12-106@%s%s"}; ///< file, reason
+} // namespace HostMsg

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+/// What the portable sources of the host need from the system beside files and processes.
+namespace platform {
+
+/// Separates the directories of a list such as PATH.
+extern const char pathListSeparator;
+
+/// Absolute name of the file from which this library was loaded, links resolved; empty when it is unknown.
+const std::string& getLibraryFile();
+/// The user's home directory; empty when there is none.
+std::string getHomeDir();
+
+/// Every variable of the environment as "NAME=value".
+std::vector<std::string> getEnvironment();
+/// Sets a variable for this process and its children.
+void setEnvironment(const std::string& name, const std::string& value);
+
+/// Makes standard output a second name of standard error. @return a descriptor of the real one, not inherited by
+/// children; negative when that failed
+int divertStandardOutput();
+/// Makes @p kept standard output again and closes it.
+void restoreStandardOutput(int kept);
+/// Columns of the terminal that standard error is; 0 when it is none.
+int getTerminalWidth();
+
+} // namespace platform

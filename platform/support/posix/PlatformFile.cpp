@@ -1,0 +1,237 @@
+#include "support/PlatformFile.h"
+
+#include "support/HUTFile.h"
+
+#include <algorithm>
+#include <atomic>
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <fcntl.h>
+#include <linux/openat2.h>
+#include <memory>
+#include <optional>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+#include <utility>
+
+namespace platform {
+
+namespace {
+
+using Status = HIOStream::Status;
+
+// Without O_NONBLOCK, opening a pipe would wait for a writer.
+constexpr int readFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+
+// No file that is read whole comes near this; a store that holds one must not take all memory.
+constexpr off_t largestFile = off_t{1} << 30;
+
+class Descriptor {
+public:
+    explicit Descriptor(int fd) : m_fd(fd) {}
+    ~Descriptor() {
+        if (m_fd >= 0) ::close(m_fd);
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    explicit operator bool() const { return m_fd >= 0; }
+    int get() const { return m_fd; }
+    // A delayed write error may show only here.
+    bool close() { return ::close(std::exchange(m_fd, -1)) == 0; }
+
+private:
+    int m_fd;
+};
+
+bool holdsNull(const std::string& name) {
+    return name.find('\0') != std::string::npos;
+}
+
+Status statusOfError(int error) {
+    switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+    case ENAMETOOLONG:
+        return Status::missing;
+    case ENXIO: // a socket
+    case ENODEV:
+        return Status::notRegular;
+    default:
+        return Status::unreadable;
+    }
+}
+
+ssize_t readSome(int fd, char* buffer, std::size_t size) {
+    ssize_t count = 0;
+    do count = ::read(fd, buffer, size);
+    while (count < 0 && errno == EINTR);
+    return count;
+}
+
+// One byte more than the file's size is asked for, so that the first read also tells that it was the last.
+Status readAll(int fd, std::string& content) {
+    struct stat info {};
+    if (fstat(fd, &info) != 0) return Status::unreadable;
+    if (!S_ISREG(info.st_mode)) return Status::notRegular;
+    if (info.st_size > largestFile) return Status::unreadable;
+
+    const auto expected = static_cast<std::size_t>(info.st_size);
+    constexpr std::size_t chunk = 4096; // for files that do not tell their size, or grow
+    content.resize(expected > 0 ? expected + 1 : chunk);
+    std::size_t size = 0;
+    for (;;) {
+        const ssize_t count = readSome(fd, content.data() + size, content.size() - size);
+        if (count < 0) return Status::unreadable;
+        size += static_cast<std::size_t>(count);
+        if (count == 0 || (expected > 0 && size == expected)) break;
+        if (size > static_cast<std::size_t>(largestFile)) return Status::unreadable;
+        if (size == content.size()) content.resize(size + std::max(size, chunk));
+    }
+    content.resize(size);
+    return Status::ok;
+}
+
+Status openAndReadAll(const std::string& file, int extraFlags, std::string& content) {
+    const Descriptor fd(open(file.c_str(), readFlags | extraFlags));
+    return fd ? readAll(fd.get(), content) : statusOfError(errno);
+}
+
+std::optional<std::string> resolveLinks(const std::string& path) {
+    const std::unique_ptr<char, void (*)(void*)> real(realpath(path.c_str(), nullptr), std::free);
+    if (!real) return std::nullopt;
+    return std::string(real.get());
+}
+
+// For systems that cannot confine a look-up, and for absolute links, which may lead back inside.
+Status readBeneathByName(const std::string& dir, const std::string& relative, std::string& content) {
+    if (relative.front() == '/') return Status::outside;
+    const std::string name = dir + "/" + relative;
+    const auto file = resolveLinks(name);
+    const int error = errno;
+    if (!file && error != ENOENT) return statusOfError(error);
+    if (!HUTFile::isBeneath(dir, name)) return Status::outside;
+    return file ? openAndReadAll(*file, O_NOFOLLOW, content) : Status::missing;
+}
+
+int openBeneath(int dir, const std::string& relative) {
+    open_how how{};
+    how.flags = readFlags;
+    how.resolve = RESOLVE_BENEATH | RESOLVE_NO_MAGICLINKS;
+    return static_cast<int>(syscall(SYS_openat2, dir, relative.c_str(), &how, sizeof how));
+}
+
+bool writeAll(int fd, const std::string& content) {
+    const char* next = content.data();
+    std::size_t left = content.size();
+    while (left > 0) {
+        const ssize_t count = ::write(fd, next, left);
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) return false;
+        next += count;
+        left -= static_cast<std::size_t>(count);
+    }
+    return true;
+}
+
+std::string directoryOf(const std::string& file) {
+    const std::size_t slash = file.rfind('/');
+    return slash == std::string::npos ? "." : file.substr(0, slash + 1);
+}
+
+// A file made for this call alone; removed again unless it has been renamed.
+class TemporaryFile {
+public:
+    TemporaryFile(const std::string& dir, mode_t mode) {
+        static std::atomic<unsigned> counter{0};
+        do {
+            m_name = dir + "/.plaz-" + std::to_string(getpid()) + "-" + std::to_string(counter++) + ".tmp";
+            m_fd = open(m_name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, mode);
+        } while (m_fd < 0 && errno == EEXIST);
+        m_exists = m_fd >= 0;
+    }
+    ~TemporaryFile() {
+        if (m_exists) unlink(m_name.c_str());
+    }
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+    int takeDescriptor() { return std::exchange(m_fd, -1); }
+    bool renameTo(const std::string& file) {
+        if (std::rename(m_name.c_str(), file.c_str()) != 0) return false;
+        m_exists = false;
+        return true;
+    }
+
+private:
+    std::string m_name;
+    int m_fd = -1;
+    bool m_exists = false;
+};
+
+} // namespace
+
+OpenDirectory::OpenDirectory(const std::string& dir)
+    : m_dir(dir), m_handle(holdsNull(dir) ? -1 : open(dir.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)) {}
+
+OpenDirectory::~OpenDirectory() {
+    if (m_handle >= 0) close(static_cast<int>(m_handle));
+}
+
+HIOStream::Status OpenDirectory::read(const std::string& relative, std::string& content) const {
+    if (m_handle < 0 || relative.empty() || holdsNull(relative)) return Status::missing;
+    const Descriptor fd(openBeneath(static_cast<int>(m_handle), relative));
+    if (fd) return readAll(fd.get(), content);
+    switch (errno) {
+    case EXDEV:  // leads out, or through an absolute link
+    case EAGAIN: // something on the way was renamed meanwhile
+    case ENOSYS: // older kernels
+    case EPERM:  // sandboxes that do not know the call
+        return readBeneathByName(m_dir, relative, content);
+    default:
+        return statusOfError(errno);
+    }
+}
+
+HIOStream::Status readFile(const std::string& file, std::string& content) {
+    return holdsNull(file) ? Status::missing : openAndReadAll(file, 0, content);
+}
+
+std::string readStart(const std::string& file, std::size_t size) {
+    std::string start(size, '\0');
+    const Descriptor fd(holdsNull(file) ? -1 : open(file.c_str(), readFlags));
+    struct stat info {};
+    if (!fd || fstat(fd.get(), &info) != 0 || !S_ISREG(info.st_mode)) return {};
+    const ssize_t count = readSome(fd.get(), start.data(), size);
+    start.resize(static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+    return start;
+}
+
+bool isWriteable(const std::string& path) {
+    struct stat info {};
+    if (stat(path.c_str(), &info) != 0) return false;
+    return faccessat(AT_FDCWD, path.c_str(), S_ISDIR(info.st_mode) ? W_OK | X_OK : W_OK, AT_EACCESS) == 0;
+}
+
+bool writeAtomically(const std::string& file, const std::string& content, bool ownerOnly) {
+    if (holdsNull(file)) return false;
+    const std::string dir = directoryOf(file);
+    TemporaryFile temporary(dir, ownerOnly ? 0600 : 0644);
+    Descriptor fd(temporary.takeDescriptor());
+    if (!fd) return false;
+    struct stat old {};
+    if (!ownerOnly && stat(file.c_str(), &old) == 0 && fchmod(fd.get(), old.st_mode & 07777) != 0) return false;
+    if (!writeAll(fd.get(), content) || fsync(fd.get()) != 0 || !fd.close() || !temporary.renameTo(file)) return false;
+    // The new name is in force already; a directory that cannot be flushed does not undo it.
+    const Descriptor parent(open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (parent) fsync(parent.get());
+    return true;
+}
+
+bool exchange(const std::string& a, const std::string& b) {
+    return renameat2(AT_FDCWD, a.c_str(), AT_FDCWD, b.c_str(), RENAME_EXCHANGE) == 0;
+}
+
+} // namespace platform

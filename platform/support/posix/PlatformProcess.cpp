@@ -1,0 +1,237 @@
+#include "support/PlatformProcess.h"
+
+#include <algorithm>
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <cstring>
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+
+namespace platform {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Deadline = std::optional<Clock::time_point>;
+using How = ProcessEnd::How;
+
+// The groups of the runs under way, where a signal handler can read them.
+constexpr pid_t freeSlot = 0;
+constexpr pid_t reservedSlot = -1;
+std::array<std::atomic<pid_t>, 64> runningGroups{};
+std::atomic<bool> isInterruptWanted{false};
+static_assert(std::atomic<pid_t>::is_always_lock_free && std::atomic<bool>::is_always_lock_free);
+
+// A run's place among the running groups. Taken before the start, so that a process which is running can be found.
+class GroupSlot {
+public:
+    GroupSlot() {
+        for (auto& group : runningGroups) {
+            pid_t expected = freeSlot;
+            if (!group.compare_exchange_strong(expected, reservedSlot)) continue;
+            m_group = &group;
+            return;
+        }
+    }
+    ~GroupSlot() { clear(); }
+    GroupSlot(const GroupSlot&) = delete;
+    GroupSlot& operator=(const GroupSlot&) = delete;
+
+    explicit operator bool() const { return m_group; }
+    void set(pid_t pid) { *m_group = pid; }
+    void clear() {
+        if (m_group) *m_group = freeSlot;
+        m_group = nullptr;
+    }
+
+private:
+    std::atomic<pid_t>* m_group = nullptr;
+};
+
+void killGroup(pid_t pid) {
+    kill(-pid, SIGKILL);
+}
+
+class FileActions {
+public:
+    FileActions() { posix_spawn_file_actions_init(&m_actions); }
+    ~FileActions() { posix_spawn_file_actions_destroy(&m_actions); }
+    FileActions(const FileActions&) = delete;
+    FileActions& operator=(const FileActions&) = delete;
+    posix_spawn_file_actions_t* get() { return &m_actions; }
+
+private:
+    posix_spawn_file_actions_t m_actions;
+};
+
+class Attributes {
+public:
+    Attributes() { posix_spawnattr_init(&m_attributes); }
+    ~Attributes() { posix_spawnattr_destroy(&m_attributes); }
+    Attributes(const Attributes&) = delete;
+    Attributes& operator=(const Attributes&) = delete;
+    posix_spawnattr_t* get() { return &m_attributes; }
+
+private:
+    posix_spawnattr_t m_attributes;
+};
+
+class Descriptor {
+public:
+    explicit Descriptor(int fd) : m_fd(fd) {}
+    ~Descriptor() {
+        if (m_fd >= 0) close(m_fd);
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+    explicit operator bool() const { return m_fd >= 0; }
+    int get() const { return m_fd; }
+
+private:
+    int m_fd;
+};
+
+// Opened for appending, so that what is added at the end of the run does not meet what a straggler writes.
+int openLog(const std::string& file) {
+    return file.empty() ? -1 : open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0644);
+}
+
+std::vector<char*> toPointers(const std::vector<std::string>& strings) {
+    std::vector<char*> pointers;
+    for (const std::string& string : strings) pointers.push_back(const_cast<char*>(string.c_str()));
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+// Signals that the parent ignores or blocks must not stay so in the child.
+void resetSignals(Attributes& attributes) {
+    sigset_t none;
+    sigset_t all;
+    sigemptyset(&none);
+    sigfillset(&all);
+    posix_spawnattr_setsigmask(attributes.get(), &none);
+    posix_spawnattr_setsigdefault(attributes.get(), &all);
+}
+
+// Returns 0 or the error number.
+int start(const ProcessSpec& spec, pid_t& pid) {
+    const Descriptor log(openLog(spec.logFile));
+    FileActions actions;
+    posix_spawn_file_actions_addopen(actions.get(), 0, "/dev/null", O_RDONLY, 0);
+    if (log)
+        posix_spawn_file_actions_adddup2(actions.get(), log.get(), 1);
+    else
+        posix_spawn_file_actions_addopen(actions.get(), 1, "/dev/null", O_WRONLY, 0);
+    posix_spawn_file_actions_adddup2(actions.get(), 1, 2);
+    if (!spec.dir.empty()) posix_spawn_file_actions_addchdir_np(actions.get(), spec.dir.c_str());
+    posix_spawn_file_actions_addclosefrom_np(actions.get(), 3);
+
+    Attributes attributes;
+    posix_spawnattr_setflags(attributes.get(), POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+    posix_spawnattr_setpgroup(attributes.get(), 0);
+    resetSignals(attributes);
+
+    std::vector<std::string> command{spec.program};
+    command.insert(command.end(), spec.args.begin(), spec.args.end());
+    const auto spawn = spec.useSearchPath ? posix_spawnp : posix_spawn;
+    return spawn(&pid, spec.program.c_str(), actions.get(), attributes.get(), toPointers(command).data(),
+                 toPointers(spec.environment).data());
+}
+
+std::string describeStartError(const ProcessSpec& spec, int error) {
+    struct stat info {};
+    const bool isDirGone = !spec.dir.empty() && (stat(spec.dir.c_str(), &info) != 0 || !S_ISDIR(info.st_mode));
+    return isDirGone ? "there is no directory " + spec.dir : std::strerror(error);
+}
+
+bool hasEnded(pid_t pid) {
+    siginfo_t info{};
+    return waitid(P_PID, static_cast<id_t>(pid), &info, WEXITED | WNOHANG | WNOWAIT) != 0 || info.si_pid == pid;
+}
+
+// Rounded up, so that the last wait does not end a moment too early and turn into many short ones.
+int millisecondsUntil(const Deadline& deadline) {
+    if (!deadline) return -1;
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(*deadline - Clock::now()).count();
+    return static_cast<int>(std::clamp<decltype(left)>(left, 0, INT_MAX));
+}
+
+// Waits without reaping, so that the process id stays ours until its slot is clear. False when the time is over.
+bool waitForEnd(pid_t pid, const Deadline& deadline) {
+    const Descriptor process(static_cast<int>(syscall(SYS_pidfd_open, pid, 0)));
+    while (!hasEnded(pid)) {
+        const int left = millisecondsUntil(deadline);
+        if (left == 0) return false;
+        if (process) {
+            pollfd waited{process.get(), POLLIN, 0};
+            poll(&waited, 1, left);
+        } else { // a kernel without process descriptors
+            constexpr int pause = 10;
+            std::this_thread::sleep_for(std::chrono::milliseconds(left < 0 ? pause : std::min(left, pause)));
+        }
+    }
+    return true;
+}
+
+ProcessEnd reap(pid_t pid) {
+    int status = 0;
+    pid_t reaped = 0;
+    do reaped = waitpid(pid, &status, 0);
+    while (reaped < 0 && errno == EINTR);
+    if (reaped != pid) return {How::notStarted, 0, "its exit status was taken by somebody else"};
+    if (WIFSIGNALED(status)) return {How::exited, 128 + WTERMSIG(status), {}};
+    return {How::exited, WEXITSTATUS(status), {}};
+}
+
+} // namespace
+
+ProcessEnd run(const ProcessSpec& spec) {
+    if (isInterrupted()) return {How::interrupted, 0, {}};
+    GroupSlot slot;
+    if (!slot) return {How::notStarted, 0, "too many processes are running"};
+
+    const Deadline deadline = spec.timeout ? Deadline(Clock::now() + *spec.timeout) : std::nullopt;
+    pid_t pid = 0;
+    if (const int error = start(spec, pid)) return {How::notStarted, 0, describeStartError(spec, error)};
+    slot.set(pid);
+    // An interrupt that came before the slot was set has not met this process.
+    if (isInterrupted()) killGroup(pid);
+
+    const bool isInTime = waitForEnd(pid, deadline);
+    if (!isInTime) killGroup(pid);
+    slot.clear();
+    ProcessEnd end = reap(pid);
+    // A helper may be killed a moment before its parent, which then still exits with a status of its own.
+    if (end.how == How::exited && end.status != 0 && isInterrupted()) end.how = How::interrupted;
+    if (end.how == How::exited && !isInTime) end.how = How::timedOut;
+    return end;
+}
+
+void interruptRuns() noexcept {
+    const int savedError = errno;
+    isInterruptWanted = true;
+    for (const auto& group : runningGroups) {
+        const pid_t pid = group;
+        if (pid > 0) killGroup(pid);
+    }
+    errno = savedError;
+}
+
+bool isInterrupted() noexcept {
+    return isInterruptWanted;
+}
+
+void clearInterrupt() noexcept {
+    isInterruptWanted = false;
+}
+
+} // namespace platform

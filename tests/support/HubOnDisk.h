@@ -1,0 +1,72 @@
+#pragma once
+
+#include "support/GitRepo.h"
+#include "support/TempDir.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+/// A store with a real repository and what the hub ships of it.
+class StoreOnDisk {
+public:
+    /// One dependency as it stands in a metadata file.
+    struct Needs {
+        std::string store;
+        std::string item;
+        std::string revision;
+    };
+
+    StoreOnDisk(const TempDir& dir, std::string name, std::string type, bool multiRevision);
+
+    const std::string& getName() const { return m_name; }
+    GitRepo& getRepo() { return m_repo; }
+    /// Commits a revision of an item; the last one committed is the latest in the catalog.
+    StoreOnDisk& item(const std::string& name, const std::string& revision, const std::vector<Needs>& needs = {});
+    /// Leaves an item out of the catalog; the commits stay.
+    void withdraw(const std::string& name);
+    /// The commit recorded for a revision.
+    std::string commitOf(const std::string& name, const std::string& revision) const;
+    /// Puts another commit into the catalog.
+    void setCommit(const std::string& name, const std::string& revision, const std::string& commit);
+    /// Writes store metadata, catalog and item metadata below @p storesData.
+    void ship(const std::string& storesData) const;
+    /// The store's entry in the hub's metadata file.
+    std::string entry() const;
+
+private:
+    struct Revision {
+        std::string revision;
+        std::string commit;
+        std::string metadata;
+    };
+    struct Item {
+        std::string name;
+        std::vector<Revision> revisions;
+    };
+    Item& find(const std::string& name);
+
+    std::string m_name;
+    std::string m_type;
+    bool m_multiRevision;
+    GitRepo m_repo;
+    std::vector<Item> m_items;
+};
+
+/// A hub's shipped data with its stores, and an environment that leads to it and to nothing of the developer's own.
+class HubOnDisk {
+public:
+    HubOnDisk();
+    StoreOnDisk& addStore(const std::string& name, const std::string& type, bool multiRevision);
+    /// Writes everything; may be called again after changes.
+    void ship() const;
+
+    /// Directory of the store's own area in its default place.
+    std::string area(const std::string& folder) const { return temp.path("appdata/2024.2/plaz/" + folder); }
+
+    TempDir temp;
+    EnvGuard env;
+
+private:
+    std::vector<std::unique_ptr<StoreOnDisk>> m_stores;
+};

@@ -1,0 +1,65 @@
+#include "support/TempDir.h"
+
+#include <boost/filesystem.hpp>
+#include <boost/filesystem/fstream.hpp>
+
+#include <cstdlib>
+#include <iterator>
+
+namespace fs = boost::filesystem;
+
+namespace {
+
+void put(const std::string& name, const std::optional<std::string>& value) {
+    if (value)
+        setenv(name.c_str(), value->c_str(), 1);
+    else
+        unsetenv(name.c_str());
+}
+
+} // namespace
+
+TempDir::TempDir()
+    : m_path((fs::canonical(fs::temp_directory_path()) / fs::unique_path("plaz-test-%%%%-%%%%-%%%%")).string()) {
+    fs::create_directory(m_path);
+}
+
+TempDir::~TempDir() {
+    boost::system::error_code error;
+    fs::remove_all(m_path, error);
+}
+
+std::string TempDir::write(const std::string& relative, const std::string& content) const {
+    fs::create_directories(fs::path(path(relative)).parent_path());
+    fs::ofstream(path(relative), std::ios::binary) << content;
+    return path(relative);
+}
+
+std::string TempDir::makeDir(const std::string& relative) const {
+    fs::create_directories(path(relative));
+    return path(relative);
+}
+
+EnvGuard::~EnvGuard() {
+    for (const auto& [name, value] : m_old) put(name, value);
+}
+
+void EnvGuard::set(const std::string& name, const std::string& value) {
+    keep(name);
+    put(name, value);
+}
+
+void EnvGuard::unset(const std::string& name) {
+    keep(name);
+    put(name, std::nullopt);
+}
+
+void EnvGuard::keep(const std::string& name) {
+    const char* value = std::getenv(name.c_str());
+    m_old.try_emplace(name, value ? std::optional<std::string>(value) : std::nullopt);
+}
+
+std::string readFile(const std::string& file) {
+    fs::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
