@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+
+/// What the metadata files say of a hub, a store or an item alike.
+class HSCPlazBaseModel {
+public:
+    HSCPlazBaseModel() = default;
+    virtual ~HSCPlazBaseModel() = default;
+    HSCPlazBaseModel(const HSCPlazBaseModel&) = delete;
+    HSCPlazBaseModel& operator=(const HSCPlazBaseModel&) = delete;
+
+    const std::string& getName() const { return m_name; }
+    void setName(const std::string& value) { m_name = value; }
+    /// Text shown to users.
+    const std::string& getDisplayName() const { return m_displayName; }
+    void setDisplayName(const std::string& value) { m_displayName = value; }
+    const std::string& getDescription() const { return m_description; }
+    void setDescription(const std::string& value) { m_description = value; }
+    /// Where the repository lives.
+    const std::string& getUrl() const { return m_url; }
+    void setUrl(const std::string& value) { m_url = value; }
+    /// File name of the metadata file, relative to the directory that it describes.
+    const std::string& getMetadataFile() const { return m_metadataFile; }
+    void setMetadataFile(const std::string& value) { m_metadataFile = value; }
+    /// Folder of items (hub, store) or of the item's metadata file (item) inside the repository.
+    const std::string& getItemRoot() const { return m_itemRoot; }
+    void setItemRoot(const std::string& value) { m_itemRoot = value; }
+
+private:
+    std::string m_name;
+    std::string m_displayName;
+    std::string m_description;
+    std::string m_url;
+    std::string m_metadataFile;
+    std::string m_itemRoot;
+};

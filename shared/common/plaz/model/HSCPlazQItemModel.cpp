@@ -1,0 +1,48 @@
+#include "plaz/model/HSCPlazQItemModel.h"
+
+#include <ostream>
+
+HSCPlazQItemModel::~HSCPlazQItemModel() {
+    clearDependencies();
+}
+
+const std::shared_ptr<const std::vector<HSCPlazRevisionModel>>& HSCPlazQItemModel::noRevisions() {
+    static const auto none = std::make_shared<const std::vector<HSCPlazRevisionModel>>();
+    return none;
+}
+
+void HSCPlazQItemModel::addDependency(std::unique_ptr<HSCPlazQItemDependency> dependency) {
+    m_dependencies.push_back(dependency.get());
+    dependency.release();
+}
+
+void HSCPlazQItemModel::clearDependencies() {
+    for (HSCPlazQItemDependency* dependency : m_dependencies) delete dependency;
+    m_dependencies.clear();
+}
+
+void HSCPlazQItemModel::copyDescriptionFrom(const HSCPlazQItemModel& other) {
+    if (&other == this) return;
+    setDisplayName(other.getDisplayName());
+    setDescription(other.getDescription());
+    m_company = other.m_company;
+    m_companyDisplayName = other.m_companyDisplayName;
+    m_author = other.m_author;
+    m_category = other.m_category;
+    m_categories = other.m_categories;
+    m_searchKeywords = other.m_searchKeywords;
+    m_logo = other.m_logo;
+    m_website = other.m_website;
+    m_active = other.m_active;
+    clearDependencies();
+    for (const HSCPlazQItemDependency* dependency : other.m_dependencies)
+        addDependency(std::make_unique<HSCPlazQItemDependency>(*dependency));
+}
+
+std::ostream& operator<<(std::ostream& out, const HSCPlazQItemModel& model) {
+    return out << "name: " << model.getName() << " is_installed: " << model.isInstalled()
+               << " needs_refresh: " << model.needsRefresh() << " local_dir: " << model.getLocalDir()
+               << " installation_mode: " << model.getInstallationMode() << " is_latest: " << model.isLatest()
+               << " latest_rev: " << model.getLatestRevision() << " source: " << model.getSource()
+               << " commit_id: " << model.getCommitId();
+}

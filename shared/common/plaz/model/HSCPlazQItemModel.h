@@ -1,0 +1,136 @@
+#pragma once
+
+#include "plaz/PlazExport.h"
+#include "plaz/model/HSCPlazBaseModel.h"
+#include "plaz/model/HSCPlazQItemDependency.h"
+#include "plaz/model/HSCPlazTypes.h"
+#include "support/HSTVector.h"
+
+#include <cstdint>
+#include <iosfwd>
+#include <memory>
+#include <string>
+#include <vector>
+
+/// One revision that the catalog offers of an item.
+struct HSCPlazRevisionModel {
+    std::string revision;
+    std::string commitId;
+    std::string history; ///< change note shown for the revision
+};
+
+/// What the catalog, the item's own metadata file and the local database say of one revision of one item.
+/// Owned by its store model; owns its dependencies.
+class HSCPlazQItemModel : public HSCPlazBaseModel {
+public:
+    HSCPlazQItemModel() = default;
+    PLAZ_API ~HSCPlazQItemModel() override;
+
+    /// Name as script commands use it; the name itself unless it was set apart.
+    const std::string& getItemName() const { return m_itemName.empty() ? getName() : m_itemName; }
+    void setItemName(const std::string& value) { m_itemName = value; }
+    const std::string& getStoreName() const { return m_storeName; }
+    void setStoreName(const std::string& value) { m_storeName = value; }
+    /// Directory of the item inside the store repository.
+    const std::string& getRoot() const { return m_root; }
+    void setRoot(const std::string& value) { m_root = value; }
+    const std::string& getCompany() const { return m_company; }
+    void setCompany(const std::string& value) { m_company = value; }
+    const std::string& getCompanyDisplayName() const { return m_companyDisplayName; }
+    void setCompanyDisplayName(const std::string& value) { m_companyDisplayName = value; }
+    const std::string& getAuthor() const { return m_author; }
+    void setAuthor(const std::string& value) { m_author = value; }
+    const std::string& getCategory() const { return m_category; }
+    void setCategory(const std::string& value) { m_category = value; }
+    const std::vector<std::string>& getCategories() const { return m_categories; }
+    void setCategories(std::vector<std::string> value) { m_categories = std::move(value); }
+    const std::vector<std::string>& getSearchKeywords() const { return m_searchKeywords; }
+    void setSearchKeywords(std::vector<std::string> value) { m_searchKeywords = std::move(value); }
+    const std::string& getRevision() const { return m_revision; }
+    void setRevision(const std::string& value) { m_revision = value; }
+    const std::string& getLatestRevision() const { return m_latestRevision; }
+    void setLatestRevision(const std::string& value) { m_latestRevision = value; }
+    /// Every revision that the catalog offers of this item, in file order.
+    const std::vector<HSCPlazRevisionModel>& getRevisions() const { return *m_revisions; }
+    void setRevisions(std::vector<HSCPlazRevisionModel> value) {
+        m_revisions = std::make_shared<const std::vector<HSCPlazRevisionModel>>(std::move(value));
+    }
+    /// Takes over the other item's list; both then refer to one, so that an item costs no more for having many
+    /// revisions.
+    void shareRevisionsOf(const HSCPlazQItemModel& other) { m_revisions = other.m_revisions; }
+    const std::string& getLogo() const { return m_logo; }
+    void setLogo(const std::string& value) { m_logo = value; }
+    const std::string& getWebsite() const { return m_website; }
+    void setWebsite(const std::string& value) { m_website = value; }
+    bool isActive() const { return m_active; }
+    void setIsActive(bool value) { m_active = value; }
+    /// Commit of the store repository that holds this revision.
+    const std::string& getCommitId() const { return m_commitId; }
+    void setCommitId(const std::string& value) { m_commitId = value; }
+
+    /// The dependencies, in file order; the model owns them.
+    const HSTVector<HSCPlazQItemDependency*>& getDependencies() const { return m_dependencies; }
+    void addDependency(std::unique_ptr<HSCPlazQItemDependency> dependency);
+    void clearDependencies();
+
+    bool isInstalled() const { return m_installed; }
+    void setIsInstalled(bool value) { m_installed = value; }
+    /// The installed copy is older than what the catalog offers.
+    bool needsRefresh() const { return m_needsRefresh; }
+    void setNeedsRefresh(bool value) { m_needsRefresh = value; }
+    /// The installed revision is the newest.
+    bool isLatest() const { return m_latest; }
+    void setIsLatest(bool value) { m_latest = value; }
+    /// Directory where the item is installed.
+    const std::string& getLocalDir() const { return m_localDir; }
+    void setLocalDir(const std::string& value) { m_localDir = value; }
+    /// "user", "tool" or empty.
+    const std::string& getInstallationMode() const { return m_installationMode; }
+    void setInstallationMode(const std::string& value) { m_installationMode = value; }
+    /// How many dependency edges of installed items hold this one.
+    std::int32_t getReferenceCount() const { return m_referenceCount; }
+    void setReferenceCount(std::int32_t value) { m_referenceCount = value; }
+    HSCPlazTypes::ItemSource getSource() const { return m_source; }
+    void setSource(HSCPlazTypes::ItemSource value) { m_source = value; }
+    /// Commit of the installed files where it is known to differ from the catalog's; else the catalog's.
+    const std::string& getInstalledCommitId() const {
+        return m_installedCommitId.empty() ? m_commitId : m_installedCommitId;
+    }
+    void setInstalledCommitId(const std::string& value) { m_installedCommitId = value; }
+
+    /// Takes over what describes the item to people and to the dependency walk: texts, keywords, categories,
+    /// dependencies, logo. Key (name, revision, commit, place) and installation state stay.
+    void copyDescriptionFrom(const HSCPlazQItemModel& other);
+
+private:
+    PLAZ_API static const std::shared_ptr<const std::vector<HSCPlazRevisionModel>>& noRevisions();
+
+    std::string m_itemName;
+    std::string m_storeName;
+    std::string m_root;
+    std::string m_company;
+    std::string m_companyDisplayName;
+    std::string m_author;
+    std::string m_category;
+    std::vector<std::string> m_categories;
+    std::vector<std::string> m_searchKeywords;
+    std::string m_revision;
+    std::string m_latestRevision;
+    std::shared_ptr<const std::vector<HSCPlazRevisionModel>> m_revisions = noRevisions();
+    std::string m_logo;
+    std::string m_website;
+    HSTVector<HSCPlazQItemDependency*> m_dependencies;
+    std::string m_localDir;
+    std::string m_installationMode;
+    std::string m_commitId;
+    std::string m_installedCommitId;
+    std::int32_t m_referenceCount = 0;
+    HSCPlazTypes::ItemSource m_source = HSCPlazTypes::REPOSITORY;
+    bool m_active = false;
+    bool m_installed = false;
+    bool m_needsRefresh = false;
+    bool m_latest = false;
+};
+
+/// The item's state as one line for the debug log.
+PLAZ_API std::ostream& operator<<(std::ostream& out, const HSCPlazQItemModel& model);

@@ -1,0 +1,112 @@
+#pragma once
+
+#include "plaz/PlazExport.h"
+#include "plaz/model/HSCPlazBaseModel.h"
+#include "plaz/model/HSCPlazQItemModel.h"
+
+#include <memory>
+#include <string>
+#include <vector>
+
+/// One category of a store's catalog with the categories below it.
+struct HSCPlazCategoryModel {
+    std::string name;
+    std::string displayName;
+    std::string description;
+    std::vector<HSCPlazCategoryModel> subCategories;
+};
+
+/// What the hub's and the store's metadata files say of one store. Owns its item models.
+class HSCPlazQStoreModel : public HSCPlazBaseModel {
+public:
+    HSCPlazQStoreModel() = default;
+    PLAZ_API ~HSCPlazQStoreModel() override;
+
+    /// Folder name of the store inside the stores area.
+    const std::string& getRoot() const { return m_root; }
+    void setRoot(const std::string& value) { m_root = value; }
+    /// The store file lists the running product.
+    bool isProductSpecific() const { return m_productSpecific; }
+    void setIsProductSpecific(bool value) { m_productSpecific = value; }
+    /// The repository needs credentials.
+    bool isPrivateRepository() const { return m_private; }
+    void setIsPrivateRepository(bool value) { m_private = value; }
+    /// The store was added by the user rather than shipped.
+    bool isUserRepository() const { return m_userRepository; }
+    void setIsUserRepository(bool value) { m_userRepository = value; }
+    /// Several revisions of one item can be installed side by side.
+    bool isMultiRevisionSupported() const { return m_multiRevision; }
+    void setIsMultiRevisionSupported(bool value) { m_multiRevision = value; }
+    /// "board", "ced" or another kind.
+    const std::string& getStoreType() const { return m_storeType; }
+    void setStoreType(const std::string& value) { m_storeType = value; }
+    const std::string& getScriptRoot() const { return m_scriptRoot; }
+    void setScriptRoot(const std::string& value) { m_scriptRoot = value; }
+    const std::string& getInstallLocation() const { return m_installLocation; }
+    void setInstallLocation(const std::string& value) { m_installLocation = value; }
+    /// Item catalog file, relative to the store root; empty when the store has none for the running product.
+    const std::string& getCatalogFile() const { return m_catalogFile; }
+    void setCatalogFile(const std::string& value) { m_catalogFile = value; }
+    const std::string& getCatalogRevision() const { return m_catalogRevision; }
+    void setCatalogRevision(const std::string& value) { m_catalogRevision = value; }
+    /// The branch to follow: the one set for the store, else the one that its metadata names for the running release.
+    const std::string& getBranch() const { return m_branch.empty() ? m_branchToSync : m_branch; }
+    void setBranch(const std::string& value) { m_branch = value; }
+    /// The branch to follow, "master" where none is named.
+    std::string getBranchOrMaster() const { return getBranch().empty() ? "master" : getBranch(); }
+    const std::string& getBranchToSync() const { return m_branchToSync; }
+    void setBranchToSync(const std::string& value) { m_branchToSync = value; }
+    /// Branch that the local copy is on.
+    const std::string& getCurrentBranch() const { return m_currentBranch; }
+    void setCurrentBranch(const std::string& value) { m_currentBranch = value; }
+    const std::string& getRemote() const { return m_remote; }
+    void setRemote(const std::string& value) { m_remote = value; }
+    const std::string& getRelease() const { return m_release; }
+    void setRelease(const std::string& value) { m_release = value; }
+
+    /// The store's own area on disk; empty when it lives below the user repository root.
+    const std::string& getLocalRootDir() const { return m_localRootDir; }
+    void setLocalRootDir(const std::string& value) { m_localRootDir = value; }
+    const std::string& getInstallDir() const { return m_installDir; }
+    void setInstallDir(const std::string& value) { m_installDir = value; }
+    const std::string& getStagingRootDir() const { return m_stagingRootDir; }
+    void setStagingRootDir(const std::string& value) { m_stagingRootDir = value; }
+    const std::string& getLocalDbFilePath() const { return m_localDbFilePath; }
+    void setLocalDbFilePath(const std::string& value) { m_localDbFilePath = value; }
+    /// The store's data inside the host's data tree; empty when nothing is shipped for it.
+    const std::string& getGdaDataLoc() const { return m_gdaDataLoc; }
+    void setGdaDataLoc(const std::string& value) { m_gdaDataLoc = value; }
+
+    const std::vector<std::unique_ptr<HSCPlazQItemModel>>& getItems() const { return m_items; }
+    /// Appends an item and tells it the store's name. @return the item
+    PLAZ_API HSCPlazQItemModel* addItem(std::unique_ptr<HSCPlazQItemModel> item);
+    /// Top-level categories, in file order.
+    const std::vector<HSCPlazCategoryModel>& getCategories() const { return m_categories; }
+    void setCategories(std::vector<HSCPlazCategoryModel> value) { m_categories = std::move(value); }
+    /// Drops items and categories; what describes the store stays.
+    PLAZ_API void clearCatalog();
+
+private:
+    std::string m_root;
+    std::string m_storeType;
+    std::string m_scriptRoot;
+    std::string m_installLocation;
+    std::string m_catalogFile;
+    std::string m_catalogRevision;
+    std::string m_branch;
+    std::string m_branchToSync;
+    std::string m_currentBranch;
+    std::string m_remote;
+    std::string m_release;
+    std::string m_localRootDir;
+    std::string m_installDir;
+    std::string m_stagingRootDir;
+    std::string m_localDbFilePath;
+    std::string m_gdaDataLoc;
+    std::vector<std::unique_ptr<HSCPlazQItemModel>> m_items;
+    std::vector<HSCPlazCategoryModel> m_categories;
+    bool m_productSpecific = false;
+    bool m_private = false;
+    bool m_userRepository = false;
+    bool m_multiRevision = false;
+};
