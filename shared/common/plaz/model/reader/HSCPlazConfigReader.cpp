@@ -1,0 +1,93 @@
+#include "plaz/model/reader/HSCPlazConfigReader.h"
+
+#include "plaz/model/reader/HSCPlazJsonDocument.h"
+#include "plaz/model/reader/HSCPlazJsonFields.h"
+#include "plaz/model/reader/HSCPlazMetadataKeys.h"
+#include "support/HCRapidJsonReadWriteUtils.h"
+
+#include <utility>
+
+namespace {
+
+namespace Key = HSCPlazKey;
+using Json = HCRapidJsonReadWriteUtils;
+using Config = HSCPlazCfgModel;
+using Repo = HSCPlazRepoCfgModel;
+using rapidjson::Value;
+
+constexpr HSCPlazJson::TextField<Config> dataRootFields[] = {
+    {Key::gdaDataRoot, &Config::setGDADataRoot},
+    {Key::appDataRoot, &Config::setAppDataRoot},
+};
+
+constexpr HSCPlazJson::TextField<Config> layoutFields[] = {
+    {Key::root, &Config::setRoot},
+    {Key::metadataFile, &Config::setMetadataFile},
+    {Key::storesRoot, &Config::setStoresRoot},
+};
+
+constexpr HSCPlazJson::TextField<Repo> repoFields[] = {{Key::url, &Repo::setUrl}};
+
+constexpr HSCPlazJson::TextField<Repo> toolFields[] = {
+    {Key::tool, &Repo::setTool},
+    {Key::version, &Repo::setToolVersion},
+};
+
+constexpr HSCPlazJson::TextField<Repo> authenticationFields[] = {
+    {Key::certificate, &Repo::setCertificate},
+    {Key::userId, &Repo::setUserId},
+    {Key::userToken, &Repo::setUserToken},
+};
+
+HSCPlazTypes::AUTHMODE toAuthMode(const std::string& text) {
+    static constexpr std::pair<const char*, HSCPlazTypes::AUTHMODE> modes[] = {
+        {"BASIC", HSCPlazTypes::BASIC},
+        {"OAUTH_1_0", HSCPlazTypes::OAUTH_1_0},
+        {"OAUTH_2_0", HSCPlazTypes::OAUTH_2_0},
+        {"SSH", HSCPlazTypes::SSH},
+        {"AWS_SIGNATURE", HSCPlazTypes::AWS_SIGNATURE},
+    };
+    for (const auto& [name, mode] : modes)
+        if (HSCPlazJson::equalIgnoringCase(text, name)) return mode;
+    return HSCPlazTypes::NONE;
+}
+
+std::unique_ptr<Repo> readRepository(const Value& entry) {
+    auto repo = std::make_unique<Repo>();
+    HSCPlazJson::fillFields(repoFields, entry, *repo);
+    if (const Value* toolchain = Json::FindObject(entry, Key::toolchain))
+        HSCPlazJson::fillFields(toolFields, *toolchain, *repo);
+    if (const Value* authentication = Json::FindObject(entry, Key::authentication)) {
+        HSCPlazJson::fillFields(authenticationFields, *authentication, *repo);
+        repo->setAuthMode(toAuthMode(Json::GetStringProperty(*authentication, Key::mode)));
+    }
+    return repo;
+}
+
+void readSchemaVersion(const Value& version, Config& config) {
+    for (const HSCPlazJson::Member& member : version.GetObject()) {
+        if (!member.value.IsInt()) continue;
+        if (HSCPlazJson::isNamed(member, Key::majorVersion)) config.setMajor(member.value.GetInt());
+        if (HSCPlazJson::isNamed(member, Key::minorVersion)) config.setMinor(member.value.GetInt());
+    }
+}
+
+} // namespace
+
+bool HSCPlazConfigReader::parse(const std::string& file, HSCPlazCfgModel* model) {
+    if (!model) return false;
+    HSCPlazJsonDocument document;
+    if (!document.load(file)) return false;
+    const Value* plaz = Json::FindObject(document.getRoot(), Key::plaz);
+    if (!plaz) return true;
+
+    if (const Value* repository = Json::FindObject(*plaz, Key::remoteRepository))
+        model->setPlazRepoCfgModel(readRepository(*repository));
+    if (const Value* stores = Json::FindArray(*plaz, Key::qstores))
+        for (const Value& entry : stores->GetArray()) model->addStoreRepoCfgModel(readRepository(entry));
+    HSCPlazJson::fillFields(dataRootFields, *plaz, *model);
+    if (const Value* layout = Json::FindObject(*plaz, Key::config))
+        HSCPlazJson::fillFields(layoutFields, *layout, *model);
+    if (const Value* version = Json::FindObject(*plaz, Key::schemaVersion)) readSchemaVersion(*version, *model);
+    return true;
+}

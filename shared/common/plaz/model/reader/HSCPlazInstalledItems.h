@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+class HSCPlazQItemModel;
+class HSCPlazQStoreModel;
+
+/// Puts what a local database records as installed into a store's catalog.
+class HSCPlazInstalledItems {
+public:
+    /// @param store  must outlive this; its items are looked up, and those that its catalog does not list are added
+    explicit HSCPlazInstalledItems(HSCPlazQStoreModel& store);
+
+    /// Marks the item of the record's name and revision installed. One that the catalog does not list is added,
+    /// described by what the catalog says of the item; one of which it says nothing at all is taken from the record. A
+    /// record whose names may not be used is left out (Msg::itemRefused). A directory outside the store's area is not
+    /// believed.
+    void apply(const HSCPlazQItemModel& record);
+
+private:
+    HSCPlazQItemModel* findRevision(const HSCPlazQItemModel& record) const;
+    /// What the catalog says of the item: its latest revision where it lists that; null for an item it does not know.
+    const HSCPlazQItemModel* findListed(const std::string& name) const;
+    HSCPlazQItemModel& addUnlisted(const HSCPlazQItemModel& record);
+    /// The part of a recorded directory below the store's area; empty when it may not be used.
+    std::string toFolder(const std::string& directory) const;
+    std::string toRoot(const HSCPlazQItemModel& record) const;
+    std::string toLocalDir(const HSCPlazQItemModel& record, const HSCPlazQItemModel& item) const;
+
+    HSCPlazQStoreModel& m_store;
+    std::string m_area; // canonical; empty when the store has none
+    std::unordered_map<std::string_view, std::vector<HSCPlazQItemModel*>> m_itemsOfName;
+};

@@ -1,0 +1,82 @@
+#include "plaz/model/reader/HSCPlazJsonDocument.h"
+
+#include "plaz/model/reader/HSCPlazMetadataKeys.h"
+#include "support/HCRapidJsonReadWriteUtils.h"
+#include "support/HPAParamMgr.h"
+#include "support/HUTFile.h"
+
+namespace {
+
+constexpr std::size_t poolStartSize = 16 * 1024;
+
+int intOf(const rapidjson::Value& root, const char* key) {
+    if (!root.IsObject()) return 0;
+    const auto member = root.FindMember(key);
+    return member != root.MemberEnd() && member->value.IsInt() ? member->value.GetInt() : 0;
+}
+
+} // namespace
+
+HSCPlazJsonDocument::HSCPlazJsonDocument()
+    : m_poolStart(new char[poolStartSize]), m_pool(m_poolStart.get(), poolStartSize), m_document(&m_pool) {}
+
+void HSCPlazJsonDocument::clear() {
+    m_parsed = false;
+    m_document.SetNull();
+    m_pool.Clear();
+}
+
+bool HSCPlazJsonDocument::load(const std::string& file) {
+    clear();
+    m_file = HUTFile::getCanonicalName(file);
+    if (HIOStream::read(m_file, m_text) != HIOStream::Status::ok) {
+        HCRapidJsonReadWriteUtils::errorReadingJsonFile(m_file);
+        return false;
+    }
+    parse();
+    return true;
+}
+
+HIOStream::Status HSCPlazJsonDocument::loadBelow(const HIOStream::Root& root, const std::string& relative) {
+    clear();
+    m_file = root.getDir();
+    m_file += '/';
+    m_file += relative;
+    const HIOStream::Status status = root.read(relative, m_text);
+    if (status == HIOStream::Status::ok)
+        parse();
+    else if (status != HIOStream::Status::missing && status != HIOStream::Status::outside)
+        HCRapidJsonReadWriteUtils::errorReadingJsonFile(m_file);
+    return status;
+}
+
+void HSCPlazJsonDocument::parse() {
+    std::string error;
+    m_parsed = HCRapidJsonReadWriteUtils::parseInPlace(m_text, m_document, error);
+    if (!m_parsed) HCRapidJsonReadWriteUtils::errorParsingJsonFile(m_file, error);
+}
+
+int HSCPlazJsonDocument::getMajor() const {
+    return intOf(m_document, HSCPlazKey::majorVersion);
+}
+int HSCPlazJsonDocument::getMinor() const {
+    return intOf(m_document, HSCPlazKey::minorVersion);
+}
+
+HSCPlazSchema* HSCPlazJsonDocument::findSchema(HSCPlazSchema::Kind kind) {
+    const SchemaKey key{kind, getMajor(), getMinor()};
+    if (!m_schemaKey || m_schemaKey->kind != key.kind || m_schemaKey->major != key.major ||
+        m_schemaKey->minor != key.minor) {
+        m_schemaKey = key;
+        m_schema = HSCPlazSchema::get(HSCPlazSchema::getFile(key.kind, key.major, key.minor));
+    }
+    return m_schema;
+}
+
+void HSCPlazJsonDocument::validate(HSCPlazSchema::Kind kind) {
+    if (!m_parsed || !HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableSchemaValidation")) return;
+    HSCPlazSchema* schema = findSchema(kind);
+    if (!schema) return;
+    const std::string violation = schema->findViolation(m_document);
+    if (!violation.empty()) HCRapidJsonReadWriteUtils::errorParsingJsonFile(m_file, violation);
+}

@@ -1,0 +1,133 @@
+#include "plaz/model/reader/HSCPlazLocalDBReader.h"
+
+#include "plaz/HSCPlazLocalDBMgr.h"
+#include "plaz/HSCPlazMgr.h"
+#include "plaz/HSCPlazUtils.h"
+#include "plaz/model/HSCPlazLogger.h"
+#include "plaz/model/reader/HSCPlazJsonDocument.h"
+#include "plaz/model/reader/HSCPlazJsonFields.h"
+#include "plaz/model/reader/HSCPlazMetadataKeys.h"
+#include "support/HCRapidJsonReadWriteUtils.h"
+
+namespace {
+
+namespace Key = HSCPlazKey;
+using Json = HCRapidJsonReadWriteUtils;
+using Store = HSCPlazQStoreModel;
+using Item = HSCPlazQItemModel;
+using HSCPlazJson::isNamed;
+using rapidjson::Value;
+
+constexpr HSCPlazJson::TextField<Store> storeFields[] = {
+    {Key::displayName, &Store::setDisplayName}, {Key::root, &Store::setRoot},
+    {Key::description, &Store::setDescription}, {Key::storeType, &Store::setStoreType},
+    {Key::catalogFile, &Store::setCatalogFile}, {Key::branch, &Store::setBranch},
+    {Key::scriptRoot, &Store::setScriptRoot},   {Key::itemRoot, &Store::setItemRoot},
+};
+
+constexpr HSCPlazJson::TextField<Item> itemFields[] = {
+    {Key::name, &Item::setName},
+    {Key::company, &Item::setCompany},
+    {Key::revision, &Item::setRevision},
+    {Key::commitId, &Item::setCommitId},
+    {Key::localDirectory, &Item::setLocalDir},
+    {Key::installationMode, &Item::setInstallationMode},
+};
+
+std::unique_ptr<Item> toItem(const Value& record) {
+    auto item = std::make_unique<Item>();
+    item->setIsInstalled(true);
+    item->setSource(HSCPlazTypes::REPOSITORY);
+    std::string scratch;
+    for (const HSCPlazJson::Member& member : record.GetObject()) {
+        if (HSCPlazJson::fillField(itemFields, member, *item, scratch)) continue;
+        if (isNamed(member, Key::referenceCount))
+            item->setReferenceCount(member.value.IsInt() ? member.value.GetInt() : 0);
+        if (isNamed(member, Key::isLatest)) {
+            item->setIsLatest(member.value.IsTrue());
+            item->setNeedsRefresh(!item->isLatest());
+        }
+    }
+    return item;
+}
+
+void readStore(const Value& record, HSCPlazModel& model) {
+    const std::string name = Json::GetStringProperty(record, Key::name);
+    if (name.empty()) return;
+    Store* store = model.findStore(name);
+    if (!store) {
+        store = model.addStore(std::make_shared<Store>());
+        store->setName(name);
+    }
+    HSCPlazJson::fillFields(storeFields, record, *store);
+    if (record.HasMember(Key::userRepository))
+        store->setIsUserRepository(Json::GetBooleanProperty(record, Key::userRepository));
+    if (const Value* items = Json::FindArray(record, Key::items))
+        for (const Value& item : items->GetArray())
+            if (item.IsObject()) store->addItem(toItem(item));
+}
+
+void handOnVersion(const Value& plaz) {
+    HSCPlazLocalDBMgr& manager = *HSCPlazMgr::getInstance().getLocalDBMgr();
+    const std::string major = Json::GetStringProperty(plaz, Key::majorVersion);
+    const std::string minor = Json::GetStringProperty(plaz, Key::minorVersion);
+    if (!major.empty()) manager.setMajorVersion(major);
+    if (!minor.empty()) manager.setMinorVersion(minor);
+}
+
+constexpr const char* checkName = "HSCPlazLocalDBReader::checkIfValidForProductAndRelease";
+
+bool isOfRunningProduct(const Value& plaz) {
+    const std::string product = Json::GetStringProperty(plaz, Key::product);
+    const std::string release = Json::GetStringProperty(plaz, Key::release);
+    HSCPlazLogger::inside(checkName, " local db - ", " product=", product, " release=", release);
+
+    std::string runningProduct;
+    std::string runningRelease;
+    HSCPlazUtils::getProductInfo(runningProduct, runningRelease);
+    if (product == runningProduct && release == runningRelease) return true;
+    HSCPlazLogger::inside(checkName, " sanity check failed");
+    return false;
+}
+
+void fill(const Value& plaz, HSCPlazModel& model) {
+    if (const Value* stores = Json::FindArray(plaz, Key::qstores))
+        for (const Value& record : stores->GetArray()) readStore(record, model);
+    handOnVersion(plaz);
+}
+
+} // namespace
+
+bool HSCPlazLocalDBReader::parse(const std::string& file, HSCPlazModel* model) {
+    if (!model) return false;
+    if (file.empty()) {
+        HSCPlazLogger::inside("HSCPlazLocalDBReader::parse", " file is empty");
+        return false;
+    }
+    HSCPlazJsonDocument document;
+    if (!document.load(file)) return false;
+    document.validate(HSCPlazSchema::Kind::localDb);
+    if (const Value* plaz = Json::FindObject(document.getRoot(), Key::plaz)) fill(*plaz, *model);
+    return true;
+}
+
+HSCPlazLocalDBReader::Outcome HSCPlazLocalDBReader::parseIfValid(const std::string& file, HSCPlazModel* model) {
+    HSCPlazJsonDocument document;
+    if (!document.load(file)) return Outcome::damaged;
+    document.validate(HSCPlazSchema::Kind::localDb);
+    const Value* plaz = Json::FindObject(document.getRoot(), Key::plaz);
+    if (!plaz) return Outcome::damaged;
+    if (!isOfRunningProduct(*plaz)) return Outcome::foreign;
+    fill(*plaz, *model);
+    return Outcome::read;
+}
+
+bool HSCPlazLocalDBReader::checkIfValidForProductAndRelease(const std::string& file) {
+    if (file.empty()) {
+        HSCPlazLogger::inside(checkName, " file is empty");
+        return false;
+    }
+    HSCPlazJsonDocument document;
+    const Value* plaz = document.load(file) ? Json::FindObject(document.getRoot(), Key::plaz) : nullptr;
+    return plaz && isOfRunningProduct(*plaz);
+}

@@ -1,0 +1,100 @@
+#include "plaz/model/reader/HSCPlazLocalDBWriter.h"
+
+#include "plaz/HSCPlazLocalDBMgr.h"
+#include "plaz/HSCPlazMgr.h"
+#include "plaz/HSCPlazUtils.h"
+#include "plaz/model/HSCPlazLogger.h"
+#include "plaz/model/reader/HSCPlazMetadataKeys.h"
+#include "support/HCRapidJsonReadWriteUtils.h"
+#include "support/HUTFile.h"
+
+#include <boost/filesystem/path.hpp>
+#include <rapidjson/memorystream.h>
+#include <rapidjson/stringbuffer.h>
+
+namespace {
+
+namespace Key = HSCPlazKey;
+using Json = HCRapidJsonReadWriteUtils;
+using rapidjson::Document;
+using rapidjson::Value;
+
+constexpr const char* operation = "HSCPlazLocalDBWriter::write";
+
+bool isUtf8(const std::string& text) {
+    rapidjson::MemoryStream input(text.data(), text.size());
+    rapidjson::StringBuffer copy;
+    while (input.Tell() < text.size())
+        if (!rapidjson::UTF8<>::Validate(input, copy)) return false;
+    return true;
+}
+
+void addText(Document& document, Value& object, const char* key, const std::string& text) {
+    Json::AddStringProperty(document, object, key, isUtf8(text) ? text : std::string());
+}
+
+Value toRecord(Document& document, const HSCPlazQItemModel& item) {
+    Value record(rapidjson::kObjectType);
+    addText(document, record, Key::name, item.getName());
+    addText(document, record, Key::company, item.getCompany());
+    addText(document, record, Key::revision, item.getRevision());
+    addText(document, record, Key::commitId, item.getInstalledCommitId());
+    addText(document, record, Key::localDirectory, item.getLocalDir());
+    addText(document, record, Key::installationMode, item.getInstallationMode());
+    Json::AddIntegerProperty(document, record, Key::referenceCount, item.getReferenceCount());
+    Json::AddBooleanProperty(document, record, Key::isLatest, item.isLatest());
+    return record;
+}
+
+Value toRecord(Document& document, const HSCPlazQStoreModel& store) {
+    Value record(rapidjson::kObjectType);
+    addText(document, record, Key::name, store.getName());
+    addText(document, record, Key::displayName, store.getDisplayName());
+    addText(document, record, Key::root, store.getRoot());
+    addText(document, record, Key::description, store.getDescription());
+    addText(document, record, Key::storeType, store.getStoreType());
+    addText(document, record, Key::catalogFile, store.getCatalogFile());
+    addText(document, record, Key::branch, store.getBranch());
+    addText(document, record, Key::scriptRoot, store.getScriptRoot());
+    addText(document, record, Key::itemRoot, store.getItemRoot());
+    Json::AddBooleanProperty(document, record, Key::userRepository, store.isUserRepository());
+    Value items(rapidjson::kArrayType);
+    for (const auto& item : store.getItems())
+        if (item->isInstalled()) items.PushBack(toRecord(document, *item), document.GetAllocator());
+    Json::AddGenericValueProperty(document, record, Key::items, items);
+    return record;
+}
+
+} // namespace
+
+bool HSCPlazLocalDBWriter::write(const std::string& file, HSCPlazQStoreModel* model) {
+    if (!model) {
+        HSCPlazLogger::inside(operation, " model object is null");
+        return false;
+    }
+    if (!model->isProductSpecific()) {
+        HSCPlazLogger::inside(operation, " thes store is not product specific");
+        return false;
+    }
+    std::string product;
+    std::string release;
+    HSCPlazUtils::getProductInfo(product, release);
+    HSCPlazLogger::inside(operation, " found model obj writing the local be file.");
+
+    Document document(rapidjson::kObjectType);
+    Value plaz(rapidjson::kObjectType);
+    addText(document, plaz, Key::product, product);
+    addText(document, plaz, Key::release, release);
+    HSCPlazLogger::inside(operation, " store is product specific writing the local db file.");
+    Value stores(rapidjson::kArrayType);
+    stores.PushBack(toRecord(document, *model), document.GetAllocator());
+    Json::AddGenericValueProperty(document, plaz, Key::qstores, stores);
+    const std::string& major = HSCPlazMgr::getInstance().getLocalDBMgr()->getMajorVersion();
+    addText(document, plaz, Key::majorVersion, major);
+    addText(document, plaz, Key::minorVersion, major);
+    Json::AddGenericValueProperty(document, document, Key::plaz, plaz);
+
+    const boost::filesystem::path dir = boost::filesystem::path(file).parent_path();
+    if (!dir.empty()) HUTFile::mkDirRecursive(dir.string());
+    return HUTFile::writeAtomically(file, Json::toText(document));
+}

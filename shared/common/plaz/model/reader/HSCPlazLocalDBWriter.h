@@ -1,0 +1,18 @@
+#pragma once
+
+#include "plaz/PlazExport.h"
+#include "plaz/model/HSCPlazQStoreModel.h"
+#include "plaz/model/reader/HSCPlazJsonWriter.h"
+
+/// Writes the local installation database of one store.
+///
+/// RATIONALE: "_minor" carries the major version too: tools that read the file compare the two and know no other
+/// layout.
+class PLAZ_API HSCPlazLocalDBWriter : public HSCPlazJsonWriter<HSCPlazQStoreModel> {
+public:
+    /// Writes the store's record with its installed items; missing parent directories are created. Items that are not
+    /// installed have no record. A text that is not UTF-8 is written as empty, so that the file stays readable.
+    /// @return false for a null model and a store that is not product specific, for which nothing is written, and when
+    ///         the file cannot be written; the old file then stays as it was
+    bool write(const std::string& file, HSCPlazQStoreModel* model) override;
+};

@@ -1,0 +1,173 @@
+#include "plaz/model/reader/HSCPlazQItemCatalogReader.h"
+
+#include "plaz/HSCPlazMsg.h"
+#include "plaz/model/HSCPlazQStoreModel.h"
+#include "plaz/model/reader/HSCPlazCategoryTree.h"
+#include "plaz/model/reader/HSCPlazJsonDocument.h"
+#include "plaz/model/reader/HSCPlazJsonFields.h"
+#include "plaz/model/reader/HSCPlazMetadataKeys.h"
+#include "support/HCRapidJsonReadWriteUtils.h"
+
+#include <algorithm>
+#include <unordered_set>
+
+namespace {
+
+namespace Key = HSCPlazKey;
+namespace Rules = HSCPlazTrustRules;
+using Json = HCRapidJsonReadWriteUtils;
+using Item = HSCPlazQItemModel;
+using HSCPlazJson::isNamed;
+using HSCPlazJson::textOf;
+using rapidjson::Value;
+
+constexpr HSCPlazJson::TextField<Item> entryFields[] = {
+    {Key::name, &Item::setName},         {Key::root, &Item::setRoot},
+    {Key::company, &Item::setCompany},   {Key::latestRevision, &Item::setLatestRevision},
+    {Key::commitId, &Item::setCommitId},
+};
+
+constexpr HSCPlazJson::TextField<Item> configFields[] = {
+    {Key::root, &Item::setItemRoot},
+    {Key::metadataFile, &Item::setMetadataFile},
+};
+
+void refuse(const std::string& item, const std::string& reason) {
+    ComMsgMgr::send(Msg::itemRefused, MsgSeverity::criticalWarning, item, reason);
+}
+
+std::string findRefusal(const HSCPlazRevisionModel& revision) {
+    std::string refusal = Rules::findRefusal(Rules::folderName, Key::revision, revision.revision);
+    return refusal.empty() ? Rules::findRefusal(Rules::gitRef, Key::commitId, revision.commitId) : refusal;
+}
+
+/// Why the entry is left out; empty when it may be used.
+std::string findRefusal(const Item& item) {
+    std::string refusal = Rules::findRefusal(Rules::insideStore, Key::root, item.getRoot());
+    if (refusal.empty()) refusal = Rules::findRefusal(Rules::insideStore, "item root", item.getItemRoot());
+    if (refusal.empty()) refusal = Rules::findRefusal(Rules::insideStore, Key::metadataFile, item.getMetadataFile());
+    return refusal.empty() ? findRefusal({item.getRevision(), item.getCommitId(), {}}) : refusal;
+}
+
+std::vector<HSCPlazRevisionModel> toRevisions(const Value& array) {
+    std::vector<HSCPlazRevisionModel> revisions;
+    if (!array.IsArray()) return revisions;
+    revisions.reserve(array.Size());
+    for (const Value& entry : array.GetArray()) {
+        if (!entry.IsObject()) continue;
+        revisions.push_back({Json::GetStringProperty(entry, Key::revision),
+                             Json::GetStringProperty(entry, Key::commitId),
+                             Json::GetStringProperty(entry, Key::history)});
+    }
+    return revisions;
+}
+
+std::unique_ptr<Item> toItem(const Value& entry) {
+    auto item = std::make_unique<Item>();
+    std::string scratch;
+    for (const HSCPlazJson::Member& member : entry.GetObject()) {
+        if (HSCPlazJson::fillField(entryFields, member, *item, scratch)) continue;
+        if (isNamed(member, Key::config)) HSCPlazJson::fillFields(configFields, member.value, *item);
+        if (isNamed(member, Key::revisions)) item->setRevisions(toRevisions(member.value));
+    }
+    return item;
+}
+
+/// Works out what the entry leaves to be understood.
+void complete(Item& item) {
+    if (item.getRoot().empty()) item.setRoot(item.getItemRoot());
+    item.setRevision(item.getLatestRevision());
+    item.setIsLatest(true);
+    if (!item.getCommitId().empty()) return;
+    for (const HSCPlazRevisionModel& revision : item.getRevisions())
+        if (revision.revision == item.getLatestRevision()) {
+            item.setCommitId(revision.commitId);
+            return;
+        }
+}
+
+/// Takes revisions that may not be used off the list; one message tells of all of them.
+void dropUnsafeRevisions(Item& item) {
+    const auto isUnsafe = [](const HSCPlazRevisionModel& revision) { return !findRefusal(revision).empty(); };
+    const auto& all = item.getRevisions();
+    const auto first = std::find_if(all.begin(), all.end(), isUnsafe);
+    if (first == all.end()) return;
+    refuse(item.getName(), "of its older revisions " + findRefusal(*first));
+    std::vector<HSCPlazRevisionModel> safe;
+    std::copy_if(all.begin(), all.end(), std::back_inserter(safe), [&](const auto& each) { return !isUnsafe(each); });
+    item.setRevisions(std::move(safe));
+}
+
+void addOlderRevisions(const Item& newest, HSCPlazQStoreModel& store) {
+    std::unordered_set<std::string_view> known{newest.getRevision(), ""};
+    for (const HSCPlazRevisionModel& revision : newest.getRevisions()) {
+        if (!known.insert(revision.revision).second) continue;
+        auto item = std::make_unique<Item>();
+        item->setName(newest.getName());
+        item->setRoot(newest.getRoot());
+        item->setItemRoot(newest.getItemRoot());
+        item->setMetadataFile(newest.getMetadataFile());
+        item->setCompany(newest.getCompany());
+        item->setLatestRevision(newest.getLatestRevision());
+        item->shareRevisionsOf(newest);
+        item->setRevision(revision.revision);
+        item->setCommitId(revision.commitId);
+        store.addItem(std::move(item));
+    }
+}
+
+void readItems(const Value& entries, HSCPlazQStoreModel& store) {
+    std::size_t nameless = 0;
+    for (const Value& entry : entries.GetArray()) {
+        if (!entry.IsObject()) continue;
+        std::unique_ptr<Item> item = toItem(entry);
+        if (item->getName().empty()) {
+            ++nameless;
+            continue;
+        }
+        complete(*item);
+        if (const std::string refusal = findRefusal(*item); !refusal.empty()) {
+            refuse(item->getName(), refusal);
+            continue;
+        }
+        dropUnsafeRevisions(*item);
+        const Item* newest = store.addItem(std::move(item));
+        if (store.isMultiRevisionSupported()) addOlderRevisions(*newest, store);
+    }
+    if (nameless > 0)
+        refuse(store.getName(), "entries of the store's catalog without a name: " + std::to_string(nameless));
+}
+
+std::vector<HSCPlazCategoryModel> toCategories(const Value& array) {
+    HSCPlazCategoryTree tree;
+    for (const Value& entry : array.GetArray()) {
+        HSCPlazCategoryModel category;
+        category.name = Json::GetStringProperty(entry, Key::name);
+        if (category.name.empty()) continue;
+        category.displayName = Json::GetStringProperty(entry, Key::displayName);
+        category.description = Json::GetStringProperty(entry, Key::description);
+        tree.add(std::move(category), Json::GetStringProperty(entry, Key::parent));
+    }
+    return tree.build();
+}
+
+void readCatalog(const Value& catalog, HSCPlazQStoreModel& store) {
+    // First of all: it decides what the items, which may stand before it, become.
+    store.setIsMultiRevisionSupported(Json::GetBooleanProperty(catalog, Key::multiRevisionSupported));
+    if (const Value* items = Json::FindArray(catalog, Key::items)) readItems(*items, store);
+    store.setCategories({});
+    for (const HSCPlazJson::Member& member : catalog.GetObject())
+        if (HSCPlazJson::equalIgnoringCase(textOf(member.name), Key::categories) && member.value.IsArray())
+            store.setCategories(toCategories(member.value));
+}
+
+} // namespace
+
+bool HSCPlazQItemCatalogReader::parse(const std::string& file, HSCPlazModel* hub, HSCPlazQStoreModel* store) {
+    if (!hub || !store) return false;
+    HSCPlazJsonDocument document;
+    if (!document.load(file)) return false;
+    document.validate(HSCPlazSchema::Kind::qitemCatalog);
+    if (const Value* catalog = Json::FindObject(document.getRoot(), Key::catalog)) readCatalog(*catalog, *store);
+    return true;
+}

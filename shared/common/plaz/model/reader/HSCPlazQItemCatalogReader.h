@@ -1,0 +1,19 @@
+#pragma once
+
+#include "plaz/PlazExport.h"
+
+#include <string>
+
+class HSCPlazModel;
+class HSCPlazQStoreModel;
+
+/// Reads a store's item catalog: which items the store offers in which revisions, and its category tree.
+class PLAZ_API HSCPlazQItemCatalogReader {
+public:
+    /// Appends one item model per catalog entry, which stands for the entry's latest revision; in a store that keeps
+    /// several revisions each other one follows as an item model of its own. Categories are replaced. An entry that has
+    /// no name, or whose names would lead out of the store, is left out (Msg::itemRefused), and so are older revisions.
+    /// @param hub,store  null gives false at once
+    /// @return false when the file cannot be opened; true, with nothing filled, when it is no JSON
+    bool parse(const std::string& file, HSCPlazModel* hub, HSCPlazQStoreModel* store);
+};

@@ -1,0 +1,118 @@
+#include "plaz/model/reader/HSCPlazQItemReader.h"
+
+#include "plaz/HSCPlazMsg.h"
+#include "plaz/model/reader/HSCPlazJsonDocument.h"
+#include "plaz/model/reader/HSCPlazJsonFields.h"
+#include "plaz/model/reader/HSCPlazMetadataKeys.h"
+#include "support/HCRapidJsonReadWriteUtils.h"
+
+namespace {
+
+namespace Key = HSCPlazKey;
+using Item = HSCPlazQItemModel;
+using Dependency = HSCPlazQItemDependency;
+using HSCPlazJson::isNamed;
+using HSCPlazJson::textOf;
+using rapidjson::Value;
+
+constexpr HSCPlazJson::TextField<Item> infraFields[] = {
+    {Key::name, &Item::setName},
+    {Key::display, &Item::setDisplayName},
+    {Key::description, &Item::setDescription},
+    {Key::company, &Item::setCompany},
+    {Key::companyDisplay, &Item::setCompanyDisplayName},
+    {Key::author, &Item::setAuthor},
+    {Key::category, &Item::setCategory},
+    {Key::revision, &Item::setRevision, &HSCPlazTrustRules::folderName},
+    {Key::logo, &Item::setLogo, &HSCPlazTrustRules::insideStore},
+    {Key::website, &Item::setWebsite},
+};
+
+constexpr HSCPlazJson::TextField<Dependency> dependencyFields[] = {
+    {Key::dependencyItem, &Dependency::setItem},
+    {Key::dependencyStore, &Dependency::setStore},
+    {Key::revision, &Dependency::setRevision},
+};
+
+std::vector<std::string> toStrings(const Value& array) {
+    std::vector<std::string> strings;
+    if (!array.IsArray()) return strings;
+    strings.reserve(array.Size());
+    for (const Value& element : array.GetArray())
+        if (element.IsString()) strings.emplace_back(textOf(element));
+    return strings;
+}
+
+void readDependencies(const Value& array, Item& item) {
+    if (!array.IsArray()) return;
+    for (const Value& entry : array.GetArray()) {
+        if (!entry.IsObject()) continue;
+        auto dependency = std::make_unique<Dependency>();
+        HSCPlazJson::fillFields(dependencyFields, entry, *dependency);
+        item.addDependency(std::move(dependency));
+    }
+}
+
+void readText(const HSCPlazJson::TextField<Item>& field, const Value& value, Item& item, std::string& scratch) {
+    scratch = textOf(value);
+    if (field.rule) {
+        const std::string refusal = HSCPlazTrustRules::findRefusal(*field.rule, field.key, scratch);
+        if (!refusal.empty()) {
+            ComMsgMgr::send(Msg::itemRefused, MsgSeverity::criticalWarning, item.getName(), refusal);
+            return;
+        }
+    }
+    // The name is the item's key: without one nobody would find the item again.
+    if (scratch.empty() && field.key == Key::name) return;
+    (item.*field.set)(scratch);
+}
+
+void readInfra(const Value& infra, Item& item, std::string& scratch) {
+    item.clearDependencies();
+    item.setSearchKeywords({});
+    item.setCategories({});
+    item.setIsActive(false);
+    for (const HSCPlazJson::Member& member : infra.GetObject()) {
+        if (const auto* field = HSCPlazJson::findField(infraFields, textOf(member.name)))
+            readText(*field, member.value, item, scratch);
+        else if (isNamed(member, Key::isActive))
+            item.setIsActive(member.value.IsTrue());
+        else if (isNamed(member, Key::searchKeywords))
+            item.setSearchKeywords(toStrings(member.value));
+        else if (isNamed(member, Key::categories))
+            item.setCategories(toStrings(member.value));
+        else if (isNamed(member, Key::dependencies)) {
+            item.clearDependencies();
+            readDependencies(member.value, item);
+        }
+    }
+}
+
+void fill(HSCPlazJsonDocument& document, Item& item) {
+    document.validate(HSCPlazSchema::Kind::qitem);
+    const Value* config = HCRapidJsonReadWriteUtils::FindObject(document.getRoot(), Key::config);
+    const Value* items = config ? HCRapidJsonReadWriteUtils::FindArray(*config, Key::items) : nullptr;
+    if (!items) return;
+    std::string scratch;
+    for (const Value& element : items->GetArray())
+        if (const Value* infra = HCRapidJsonReadWriteUtils::FindObject(element, Key::infra))
+            readInfra(*infra, item, scratch);
+}
+
+} // namespace
+
+bool HSCPlazQItemReader::parse(const std::string& file, HSCPlazQItemModel* model) {
+    if (!model) return false;
+    HSCPlazJsonDocument document;
+    if (!document.load(file)) return false;
+    fill(document, *model);
+    return true;
+}
+
+HIOStream::Status HSCPlazQItemReader::parseBelow(const HIOStream::Root& root, const std::string& relative,
+                                                 HSCPlazJsonDocument& document, HSCPlazQItemModel* model) {
+    if (!model) return HIOStream::Status::missing;
+    const HIOStream::Status status = document.loadBelow(root, relative);
+    if (status == HIOStream::Status::ok) fill(document, *model);
+    return status;
+}

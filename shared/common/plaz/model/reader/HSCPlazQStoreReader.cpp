@@ -1,0 +1,92 @@
+#include "plaz/model/reader/HSCPlazQStoreReader.h"
+
+#include "plaz/HSCPlazMsg.h"
+#include "plaz/HSCPlazUtils.h"
+#include "plaz/model/reader/HSCPlazJsonDocument.h"
+#include "plaz/model/reader/HSCPlazJsonFields.h"
+#include "plaz/model/reader/HSCPlazMetadataKeys.h"
+#include "support/HCRapidJsonReadWriteUtils.h"
+
+namespace {
+
+namespace Key = HSCPlazKey;
+using Json = HCRapidJsonReadWriteUtils;
+using Store = HSCPlazQStoreModel;
+using HSCPlazJson::equalIgnoringCase;
+using HSCPlazJson::textOf;
+using rapidjson::Value;
+
+constexpr HSCPlazJson::TextField<Store> storeFields[] = {
+    {Key::remote, &Store::setRemote, &HSCPlazTrustRules::gitUrl},
+    {Key::release, &Store::setRelease},
+    {Key::scriptRoot, &Store::setScriptRoot, &HSCPlazTrustRules::insideStore},
+    {Key::itemRoot, &Store::setItemRoot, &HSCPlazTrustRules::insideStore},
+    {Key::currentBranch, &Store::setCurrentBranch, &HSCPlazTrustRules::gitRef},
+};
+
+constexpr HSCPlazJson::TextField<Store> releaseFields[] = {
+    {Key::itemCatalogFile, &Store::setCatalogFile, &HSCPlazTrustRules::insideStore},
+    {Key::branchToSync, &Store::setBranchToSync, &HSCPlazTrustRules::gitRef},
+    {Key::catalogRevision, &Store::setCatalogRevision},
+};
+
+/// Sets the field, or empties it and says why its text is not used.
+void setChecked(const HSCPlazJson::TextField<Store>& field, const std::string& text, Store& store) {
+    const std::string refusal =
+        field.rule ? HSCPlazTrustRules::findRefusal(*field.rule, field.key, text) : std::string();
+    if (!refusal.empty()) ComMsgMgr::send(Msg::storeRefused, MsgSeverity::criticalWarning, store.getName(), refusal);
+    (store.*field.set)(refusal.empty() ? text : std::string());
+}
+
+const Value* findProduct(const Value& products, const std::string& name) {
+    for (const Value& product : products.GetArray())
+        if (product.IsObject() && equalIgnoringCase(Json::GetStringProperty(product, Key::productName), name))
+            return &product;
+    return nullptr;
+}
+
+/// The entry of that release, else the last one called "default".
+const Value* chooseRelease(const Value& product, const std::string& release) {
+    const Value* releases = Json::FindArray(product, Key::supportedReleases);
+    if (!releases) return nullptr;
+    const Value* fallback = nullptr;
+    for (const Value& entry : releases->GetArray()) {
+        const std::string version = Json::GetStringProperty(entry, Key::version);
+        if (equalIgnoringCase(version, release)) return &entry;
+        if (equalIgnoringCase(version, "default")) fallback = &entry;
+    }
+    return fallback;
+}
+
+void readProducts(const Value& products, Store& store) {
+    std::string productName;
+    std::string release;
+    HSCPlazUtils::getProductInfo(productName, release);
+    const Value* product = findProduct(products, productName);
+    store.setIsProductSpecific(product != nullptr);
+    const Value* chosen = product ? chooseRelease(*product, release) : nullptr;
+    for (const auto& field : releaseFields)
+        setChecked(field, chosen ? Json::GetStringProperty(*chosen, field.key.data()) : std::string(), store);
+}
+
+void readCatalogMember(const HSCPlazJson::Member& member, Store& store) {
+    if (member.value.IsArray()) {
+        if (equalIgnoringCase(textOf(member.name), Key::supportedProducts)) readProducts(member.value, store);
+        return;
+    }
+    for (const auto& field : storeFields)
+        if (equalIgnoringCase(textOf(member.name), field.key))
+            setChecked(field, std::string(textOf(member.value)), store);
+}
+
+} // namespace
+
+bool HSCPlazQStoreReader::parse(const std::string& file, HSCPlazQStoreModel* model) {
+    if (!model) return false;
+    HSCPlazJsonDocument document;
+    if (!document.load(file)) return false;
+    document.validate(HSCPlazSchema::Kind::qstore);
+    if (const Value* catalog = Json::FindObject(document.getRoot(), Key::catalog))
+        for (const HSCPlazJson::Member& member : catalog->GetObject()) readCatalogMember(member, *model);
+    return true;
+}

@@ -1,0 +1,75 @@
+#include "plaz/model/reader/HSCPlazReader.h"
+
+#include "plaz/HSCPlazMsg.h"
+#include "plaz/model/HSCPlazLogger.h"
+#include "plaz/model/reader/HSCPlazJsonDocument.h"
+#include "plaz/model/reader/HSCPlazJsonFields.h"
+#include "plaz/model/reader/HSCPlazMetadataKeys.h"
+#include "support/HCRapidJsonReadWriteUtils.h"
+
+namespace {
+
+namespace Key = HSCPlazKey;
+using Json = HCRapidJsonReadWriteUtils;
+using Store = HSCPlazQStoreModel;
+using rapidjson::Value;
+
+constexpr HSCPlazJson::TextField<Store> entryFields[] = {
+    {Key::displayName, &Store::setDisplayName},
+    {Key::description, &Store::setDescription},
+    {Key::url, &Store::setUrl, &HSCPlazTrustRules::gitUrl},
+};
+
+constexpr HSCPlazJson::TextField<Store> configFields[] = {
+    {Key::root, &Store::setRoot, &HSCPlazTrustRules::insideStore},
+    {Key::metadataFile, &Store::setMetadataFile, &HSCPlazTrustRules::insideStore},
+    {Key::itemRoot, &Store::setItemRoot, &HSCPlazTrustRules::insideStore},
+    {Key::scriptRoot, &Store::setScriptRoot, &HSCPlazTrustRules::insideStore},
+    {Key::storeType, &Store::setStoreType},
+    {Key::installLocation, &Store::setInstallLocation},
+};
+
+/// Why the entry is left out; empty when it may be used.
+std::string findRefusal(const std::string& name, const Value& entry, const Value* config) {
+    if (name.empty()) return "it has no name";
+    std::string refusal = HSCPlazJson::findRefusal(entryFields, entry);
+    if (refusal.empty() && config) refusal = HSCPlazJson::findRefusal(configFields, *config);
+    return refusal;
+}
+
+void readStore(const Value& entry, HSCPlazModel& hub) {
+    const std::string name = Json::GetStringProperty(entry, Key::name);
+    if (HSCPlazLogger::isEnabled()) HSCPlazLogger::log("Found qstore :" + name);
+    const Value* config = Json::FindObject(entry, Key::config);
+    if (const std::string refusal = findRefusal(name, entry, config); !refusal.empty()) {
+        ComMsgMgr::send(Msg::storeRefused, MsgSeverity::criticalWarning, name, refusal);
+        return;
+    }
+
+    Store* store = hub.findStore(name);
+    if (!store) {
+        store = hub.addStore(std::make_shared<Store>());
+        store->setName(name);
+    }
+    HSCPlazJson::fillFields(entryFields, entry, *store);
+    if (entry.HasMember(Key::isPrivate)) store->setIsPrivateRepository(Json::GetBooleanProperty(entry, Key::isPrivate));
+    if (!config) return;
+    HSCPlazJson::fillFields(configFields, *config, *store);
+    if (HSCPlazLogger::isEnabled()) HSCPlazLogger::log("Found install loc:" + store->getInstallLocation());
+}
+
+} // namespace
+
+bool HSCPlazReader::parse(const std::string& file, HSCPlazModel* model) {
+    if (!model) return false;
+    HSCPlazJsonDocument document;
+    document.load(file);
+    document.validate(HSCPlazSchema::Kind::plaz);
+    const Value* plaz = Json::FindObject(document.getRoot(), Key::plaz);
+    if (!plaz) return true;
+    if (const Value* stores = Json::FindArray(*plaz, Key::qstores))
+        for (const Value& entry : stores->GetArray())
+            if (entry.IsObject()) readStore(entry, *model);
+    if (plaz->HasMember(Key::hubCommitId)) model->setCommitId(Json::GetStringProperty(*plaz, Key::hubCommitId));
+    return true;
+}

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "plaz/PlazExport.h"
+#include "plaz/model/HSCPlazModel.h"
+#include "plaz/model/reader/HSCPlazJsonReader.h"
+
+/// Reads the hub metadata file: the stores that the hub offers.
+class PLAZ_API HSCPlazReader : public HSCPlazJsonReader<HSCPlazModel> {
+public:
+    /// Updates the stores that the model holds already and adds those that are new to it. A store whose directories or
+    /// address may not be used is left out (Msg::storeRefused), whatever else the file holds.
+    /// @return false for a null model only: a file that cannot be used is reported and adds nothing
+    bool parse(const std::string& file, HSCPlazModel* model) override;
+};

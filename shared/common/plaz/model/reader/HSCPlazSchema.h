@@ -1,0 +1,34 @@
+#pragma once
+
+#include <rapidjson/document.h>
+#include <rapidjson/schema.h>
+
+#include <string>
+
+/// The schema of one kind and layout version of metadata file. Each is read and compiled once per process; one that
+/// cannot be used is reported once and then left out. Not safe to use from several threads at once.
+class HSCPlazSchema {
+public:
+    enum class Kind { plaz, qstore, qitemCatalog, qitem, localDb };
+
+    /// Where the schema lies: "<schema root>/schemas/json/qstore_1_0.json". The local database has one for all
+    /// versions.
+    static std::string getFile(Kind kind, int major, int minor);
+    /// The compiled schema, alive until the process ends; null when the file cannot be read or parsed.
+    static HSCPlazSchema* get(const std::string& file);
+
+    /// The first place of @p root that breaks the schema, as text that begins with its JSON pointer and names the
+    /// broken keyword: `"/plaz/qstores/0" breaks the rule "required": "name" is missing`. Empty when all is well.
+    std::string findViolation(const rapidjson::Value& root);
+
+private:
+    explicit HSCPlazSchema(std::string text);
+    static HSCPlazSchema* compile(const std::string& file);
+    std::string findMissingMember(const rapidjson::Value& object) const;
+
+    std::string m_text;
+    std::string m_error;
+    rapidjson::Document m_source;
+    rapidjson::SchemaDocument m_compiled;
+    rapidjson::SchemaValidator m_validator;
+};
