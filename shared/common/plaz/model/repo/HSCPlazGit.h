@@ -1,0 +1,131 @@
+#pragma once
+
+#include "plaz/PlazExport.h"
+#include "plaz/model/HSCPlazLogger.h"
+#include "plaz/model/repo/HSCPlazRepo.h"
+#include "support/HSTVector.h"
+
+#include <string>
+#include <vector>
+
+class HSCPlazPathMgr;
+class HSCPlazQStore;
+class HSCPlazQStoreModel;
+
+/// The repository kept with git: drives the git executable, always as a child process, one command at a time.
+/// Holds no state; what it knows lies on disk:
+///
+///     <store area>/.plaz/.index            the store's long-lived working copy; nothing is ever checked out in it
+///     <store area>/.plaz/.index/.git       objects and one remote, "origin"; fetched, never written to otherwise
+///     <store area>/.plaz/.index/.done      empty; written last, when the first fetch is complete
+///     <store area>/.plaz/.incoming         an item on its way to its place
+///     <store area>/.staging                a fresh copy of the working copy, in which one checkout is made
+///
+/// After a crash: a working copy without ".done" is made afresh by the next run, one with it is rid of the lock files
+/// and half-received packs that a killed git leaves. ".staging" and ".incoming" are removed before they are used, at
+/// the end of an installation and whenever something fails; only a catalog update leaves ".staging", for its caller to
+/// read. An installed item is replaced in one step, so that an interruption leaves the old files or the new ones.
+///
+/// RATIONALE: a checkout happens in a fresh copy, so that no local branch or leftover file of an earlier one can decide
+/// what is found there. The copy is cheap, because git never changes an object in place and objects are linked.
+///
+/// Not safe to use from several threads at once: a command changes the process's working directory and the verbosity of
+/// the message service, and brings both back, also on failure.
+class PLAZ_API HSCPlazGit : public HSCPlazRepo {
+public:
+    /// Places one item (an item model) in its store's area, at the commit recorded for it.
+    ///
+    /// A working copy that is complete is used as it stands; it is fetched only when it lacks the commit.
+    /// @param hub    holds the item's store
+    /// @param model  the item; null, another kind of model or one of an unknown store gives false
+    /// @return false, with what was installed untouched, when nothing was placed
+    /// @throws HEXAll Msg::fetchedItemInvalid when the fetched metadata file cannot be trusted, and as exec_git
+    /// Sends Msg::remoteAccessOff, commitIdMissing, itemRefused, storeRefused, dirNotWritable and what exec_git sends.
+    bool install(HSCPlaz* hub, HSCPlazBaseModel* model) override;
+    /// Does nothing. @return true
+    bool update(HSCPlazBaseModel* model) override;
+    /// Does nothing: the tasks remove what is installed. @return true
+    bool uninstall(HSCPlazBaseModel* model) override;
+    /// Puts every item's metadata file and change log, at the head of the store's branch, into the staging directory.
+    ///
+    /// @param model  a store model; null and other models give false
+    /// @return true also when there is nothing to fetch: a store that is not for the running product, or without items
+    /// @throws HEXAll as exec_git; nothing is left in the staging directory then
+    /// Sends Msg::remoteAccessOff, storeRefused, itemRefused (the item is left out), dirNotWritable and what exec_git
+    /// sends.
+    bool updateCatalog(HSCPlazBaseModel* model) override;
+    virtual ~HSCPlazGit();
+
+    /// Puts @p catalogFiles, at the head of the store's branch, into the staging directory.
+    ///
+    /// @param model         a store model; null and other models give false
+    /// @param pathMgr       null gives false
+    /// @param catalogFiles  repository-relative; none gives false
+    /// @throws HEXAll as exec_git; nothing is left in the staging directory then
+    /// Sends Msg::remoteAccessOff, storeRefused, dirNotWritable and what exec_git sends.
+    bool loadCatalog(HSCPlazBaseModel* model, HSCPlazPathMgr* pathMgr, const HSTVector<std::string>& catalogFiles);
+    /// Whether the store's local root directory holds ".done"; false for null.
+    bool isInstalled(const HSCPlazQStore* store) const;
+    /// The same of any directory: it holds a complete clone.
+    static bool isInstalled(const std::string& dir);
+
+    /// Makes the staging directory a copy of the store's working copy, which is created, made afresh (another URL,
+    /// never completed) or fetched first.
+    ///
+    /// @param store      null gives 0
+    /// @param bInternet  fetch even a complete working copy of the right URL
+    /// @return non-zero when done; 0 leaves no staging directory
+    /// @throws HEXAll as exec_git
+    /// Sends Msg::storeRefused for a URL that git is not given, Msg::dirNotWritable and what exec_git sends.
+    static int cloneOrUpdateRepoForStore(const HSCPlazQStoreModel* store, bool bInternet);
+    /// Registers the store's URL as "origin" in @p dir and fetches. @return false without git access; nothing is done
+    /// then
+    /// @throws HEXAll as exec_git
+    static bool setRemote(const std::string& dir, const HSCPlazQStoreModel& store);
+    /// The URL of "origin" recorded in @p dir; empty when there is none or the file cannot be read. Runs no process.
+    static std::string getRemoteUrl(const std::string& dir);
+    /// Restricts later checkouts in @p dir to its sparse-checkout file. @throws HEXAll as exec_git
+    static void enableSparseCheckout(const std::string& dir);
+    /// Writes the sparse-checkout file of @p dir: @p paths, repository-relative, one a line, in the place of any
+    /// before. Characters that git would read as a pattern are escaped. @return false when the file cannot be written
+    static bool addItemsToSparseCheckout(const std::string& dir, const std::vector<std::string>& paths);
+    /// Checks out a branch or commit in @p dir. @throws HEXAll as exec_git
+    static void checkout(const std::string& dir, const std::string& ref);
+
+    /// Runs one git command and waits for it; a command that fails is run once more.
+    ///
+    /// In a directory that holds ".git" the setting http.sslVerify is false while the command runs and true afterwards.
+    /// @param args          one git argument each, without the program
+    /// @param workDir       where the command runs; must exist
+    /// @param internalCall  leaves http.sslVerify alone
+    /// @param logFile       receives the command's output; empty: a file in @p workDir that is gone afterwards
+    /// @return 0
+    /// @throws HEXAll Msg::gitNotFound, or Msg::gitFailed when the command failed twice or was cancelled
+    /// Sends Msg::gitErrors with the error lines of the output before it throws, unless cancelled.
+    static int exec_git(const std::vector<std::string>& args, const std::string& workDir, bool internalCall,
+                        const std::string& logFile);
+
+    /// Where git is; empty when it is nowhere. Looked up afresh at each call.
+    static std::string getGitExePath();
+    /// Seconds after which a command is killed: the parameter "plaz.gitTimeOut", else 100.
+    static int getGitTimeOut();
+    /// The parameter "plaz.enableDebugGit", or "PLAZ_SHOW_LOG" begins with "Y" or "y".
+    static bool isDebugGit();
+    /// The parameter "plaz.enableGitAccess"; true when it is not registered.
+    static bool isGitAccessEnabled();
+    /// The parameter "plaz.enableRemoteAccess". Sends Msg::remoteAccessOff when it is false.
+    static bool hasRemoteAccess();
+
+    /// Writes a line, joined from its parts, to standard output and to the debug log while git debugging is on.
+    template <typename... Parts> static void debugTrace(const Parts&... parts) {
+        if (!isDebugGit()) return;
+        std::string line;
+        ((line += parts), ...);
+        writeTrace(line);
+    }
+
+private:
+    static void writeTrace(const std::string& line);
+    static void configure(const std::string& dir, const std::string& key, const std::string& value);
+    static void setSslVerify(const std::string& workDir, const std::string& value);
+};

@@ -1,0 +1,315 @@
+#include "plaz/HSCPlazMgr.h"
+#include "plaz/HSCPlazMsg.h"
+#include "plaz/HSCPlazPathMgr.h"
+#include "plaz/HSCPlazTrust.h"
+#include "plaz/HSCPlazUtils.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/repo/HSCPlazGit.h"
+#include "plaz/model/repo/HSCPlazGitEnv.h"
+#include "plaz/model/repo/HSCPlazGitLog.h"
+#include "plaz/model/repo/HSCPlazGitRemoved.h"
+#include "support/HIOStream.h"
+#include "support/HPAParamMgr.h"
+#include "support/HUTFile.h"
+
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/algorithm/string/replace.hpp>
+#include <boost/filesystem.hpp>
+#include <boost/filesystem/fstream.hpp>
+#include <boost/property_tree/ini_parser.hpp>
+
+#include <sstream>
+
+namespace fs = boost::filesystem;
+
+namespace {
+
+constexpr const char* doneMarker = "/.done";
+constexpr const char* defaultBranch = "master";
+
+std::string getStoreUrl(const HSCPlazQStoreModel& store) {
+    if (store.getStoreType() == "board") {
+        const std::string url = HPAParamMgr::getParamMgr().getValueAsString("board.repoURL");
+        if (!url.empty()) return url;
+    }
+    return store.getUrl();
+}
+
+std::string getStoreBranch(const HSCPlazQStoreModel& store) {
+    return store.getBranch().empty() ? defaultBranch : store.getBranch();
+}
+
+bool refuse(const HSCPlazQStoreModel& store, const std::string& reason) {
+    ComMsgMgr::send(Msg::storeRefused, MsgSeverity::error, store.getName(), reason);
+    return false;
+}
+
+bool acceptUrl(const HSCPlazQStoreModel& store, const std::string& url) {
+    if (url.empty()) return refuse(store, "it has no repository URL");
+    if (HSCPlazTrust::isSafeUrl(url)) return true;
+    return refuse(store, "its repository URL \"" + HSCPlazTrust::maskSecrets(url) + "\" is not safe to give to git");
+}
+
+bool acceptBranch(const HSCPlazQStoreModel& store, const std::string& branch) {
+    if (HSCPlazTrust::isSafeRef(branch)) return true;
+    return refuse(store, "its branch \"" + branch + "\" is not the name of a branch");
+}
+
+bool acceptFiles(const HSCPlazQStoreModel& store, const HSTVector<std::string>& files) {
+    for (const std::string& file : files)
+        if (!HSCPlazTrust::isSafeRelativePath(file))
+            return refuse(store, "its catalog file \"" + file + "\" does not lie in its repository");
+    return true;
+}
+
+bool acceptItemFile(const HSCPlazQItemModel& item) {
+    const std::string file = item.getRoot() + "/" + item.getMetadataFile();
+    if (HSCPlazTrust::isSafeRelativePath(item.getRoot()) && HSCPlazTrust::isSafeRelativePath(file)) return true;
+    ComMsgMgr::send(Msg::itemRefused, MsgSeverity::error, item.getName(),
+                    "its file \"" + file + "\" does not lie in the store's repository");
+    return false;
+}
+
+std::vector<std::string> getItemFiles(const HSCPlazQStoreModel& store) {
+    std::vector<std::string> files;
+    for (const auto& item : store.getItems()) {
+        if (!acceptItemFile(*item)) continue;
+        const std::string root = item->getRoot() + HUTFile::getDirSeparator();
+        files.push_back(root + item->getMetadataFile());
+        files.push_back(root + "changelog.txt");
+    }
+    return files;
+}
+
+// Leaves the staging directory's parent, without the staging directory.
+bool clearStaging(const std::string& staging) {
+    if (HUTFile::mkDirRecursive(staging) && HUTFile::rmRecursive(staging)) return true;
+    ComMsgMgr::send(Msg::dirNotWritable, MsgSeverity::error, staging);
+    return false;
+}
+
+// Removes what a killed git leaves: locks, which would make every later command fail, and half-received packs.
+void tidyAfterCrash(const std::string& gitDir) {
+    std::vector<std::string> leftovers;
+    boost::system::error_code error;
+    fs::recursive_directory_iterator entry(gitDir, error);
+    for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
+        if (entry.depth() == 0 && entry->path().filename() == "objects") entry.disable_recursion_pending();
+        if (entry->path().extension() == ".lock") leftovers.push_back(entry->path().string());
+    }
+    for (const std::string& name : HUTFile::createFileIter(gitDir + "/objects/pack"))
+        if (boost::algorithm::starts_with(name, "tmp_")) leftovers.push_back(gitDir + "/objects/pack/" + name);
+    for (const std::string& leftover : leftovers) HUTFile::rmRecursive(leftover);
+}
+
+void discardForeignIndex(const std::string& index, const std::string& url) {
+    HSCPlazGit::debugTrace("Checking cloned repo url matches with store url or not.");
+    HSCPlazGit::debugTrace("Reconstructed git url :", url);
+    const std::string recorded = HSCPlazGit::getRemoteUrl(index);
+    HSCPlazGit::debugTrace("Index remote url: ", recorded);
+    HSCPlazGit::debugTrace("Store remote url: ", url);
+    if (recorded == url) {
+        HSCPlazGit::debugTrace("Cloned repo url matches with store url, no action required.");
+        return;
+    }
+    HSCPlazGit::debugTrace("Cloned repo url doesn't match with store url, deleting cloned repo folder.");
+    HUTFile::rmRecursive(index + doneMarker); // first, so that half a removal counts as no clone
+    HUTFile::rmRecursive(index);
+}
+
+// Whatever an attempt that never came to its end has left is of no use.
+bool createIndex(const std::string& index, const HSCPlazQStoreModel& store) {
+    const std::string gitDir = index + "/.git";
+    HUTFile::rmRecursive(gitDir);
+    HSCPlazGit::exec_git({"init"}, index, false, "");
+    if (!HUTFile::mkDirRecursive(gitDir + "/info") ||
+        !HUTFile::writeAtomically(gitDir + "/info/attributes", HSCPlazGitEnv::plainAttributes)) {
+        ComMsgMgr::send(Msg::dirNotWritable, MsgSeverity::error, index);
+        return false;
+    }
+    return HSCPlazGit::setRemote(index, store) && HUTFile::writeAtomically(index + doneMarker, "");
+}
+
+bool refreshIndex(const std::string& index, const HSCPlazQStoreModel& store, const std::string& url) {
+    discardForeignIndex(index, url);
+    HUTFile::mkDirRecursive(index);
+    if (!HSCPlazGit::isInstalled(index)) return createIndex(index, store);
+    HSCPlazGit::debugTrace("skipping clone... already cloned at: ", index);
+    const int result = HSCPlazGit::exec_git({"fetch"}, index, false, "");
+    HSCPlazGit::debugTrace("cloneOrUpdateRepoForStore - git fetch, git return = ", std::to_string(result),
+                           ", final ret = ", std::to_string(result == 0));
+    return result == 0;
+}
+
+// Files that git and the hub never write to where they stand: a new one is renamed over the old one.
+bool isReplacedWhole(const std::string& relative) {
+    for (const char* dir : {".git/objects/", ".git/refs/"})
+        if (boost::algorithm::starts_with(relative, dir)) return true;
+    for (const char* file : {".done", ".git/HEAD", ".git/config", ".git/packed-refs", ".git/info/attributes"})
+        if (relative == file) return true;
+    return false;
+}
+
+bool copyIndex(const std::string& index, const std::string& staging) {
+    if (HUTFile::cloneTree(index, staging, isReplacedWhole)) return true;
+    HUTFile::rmRecursive(staging);
+    ComMsgMgr::send(Msg::dirNotWritable, MsgSeverity::error, staging);
+    return false;
+}
+
+bool checkOutFiles(const HSCPlazQStoreModel& store, const std::string& staging, const std::vector<std::string>& files) {
+    HSCPlazGitRemoved removed(staging);
+    if (HSCPlazGit::cloneOrUpdateRepoForStore(&store, true) == 0) return false;
+    HSCPlazGit::enableSparseCheckout(staging);
+    if (!HSCPlazGit::addItemsToSparseCheckout(staging, files)) return false;
+    HSCPlazGit::checkout(staging, getStoreBranch(store));
+    removed.keep();
+    return true;
+}
+
+void traceStore(const HSCPlazQStoreModel& store, const std::string& staging) {
+    if (!HSCPlazGit::isDebugGit()) return;
+    std::string product;
+    std::string release;
+    HSCPlazUtils::getProductInfo(product, release);
+    HSCPlazGit::debugTrace("store info.\n Store Path : ", staging, ".\n Store Remote : ", getStoreUrl(store),
+                           ".\n Store Branch : ", getStoreBranch(store), "\n");
+    HSCPlazGit::debugTrace("Product Info :\n\t Product Name: ", product, ".\n\t Product Release : ", release);
+}
+
+// Runs one step of the remote set-up; its failure is noted in the trace before it goes on.
+int runRemoteStep(const std::vector<std::string>& args, const std::string& dir, const char* failureText) {
+    try {
+        return HSCPlazGit::exec_git(args, dir, false, "");
+    } catch (const HEXAll&) {
+        HSCPlazGit::debugTrace(failureText);
+        throw;
+    }
+}
+
+} // namespace
+
+HSCPlazGit::~HSCPlazGit() = default;
+
+bool HSCPlazGit::update(HSCPlazBaseModel*) {
+    return true;
+}
+
+bool HSCPlazGit::uninstall(HSCPlazBaseModel*) {
+    return true;
+}
+
+bool HSCPlazGit::isInstalled(const HSCPlazQStore* store) const {
+    return store && !store->getLocalRootDir().empty() && isInstalled(store->getLocalRootDir());
+}
+
+bool HSCPlazGit::isInstalled(const std::string& dir) {
+    return HUTFile::exists(dir + doneMarker);
+}
+
+int HSCPlazGit::cloneOrUpdateRepoForStore(const HSCPlazQStoreModel* store, bool bInternet) {
+    if (!store) return 0;
+    const std::string url = getStoreUrl(*store);
+    if (!acceptUrl(*store, url)) return 0;
+    const HSCPlazPathMgr& paths = *HSCPlazMgr::getInstance().getPathMgr();
+    const std::string staging = paths.getStoreStagingDir(*store);
+    if (!clearStaging(staging)) return 0;
+    const std::string index = paths.getStoreIndexDir(*store);
+    debugTrace("Temp Dir = ", staging);
+    debugTrace("Store Dir = ", index);
+    debugTrace("bInternet = ", std::to_string(bInternet));
+
+    tidyAfterCrash(index + "/.git");
+    if (!bInternet && isInstalled(index) && getRemoteUrl(index) == url)
+        debugTrace("No need of git init/fetch.");
+    else if (!refreshIndex(index, *store, url))
+        return 0;
+    return copyIndex(index, staging);
+}
+
+bool HSCPlazGit::setRemote(const std::string& dir, const HSCPlazQStoreModel& store) {
+    static constexpr const char* remoteFailed = "Failed to set remote branch origin";
+    debugTrace("Inside setRemote method - setting remote for store - ", store.getName());
+    if (!isGitAccessEnabled()) {
+        debugTrace(remoteFailed);
+        return false;
+    }
+    const int added = runRemoteStep({"remote", "add", "origin", getStoreUrl(store)}, dir, remoteFailed);
+    debugTrace("setRemote - Remote added as origin, ret = ", std::to_string(added));
+    const int fetched = runRemoteStep({"fetch"}, dir, "Failed to fetch the repo contents.");
+    debugTrace("setRemote - Git fetch, ret = ", std::to_string(fetched));
+    return true;
+}
+
+std::string HSCPlazGit::getRemoteUrl(const std::string& dir) {
+    std::string config;
+    HIOStream::read(dir + "/.git/config", config);
+    debugTrace("getRemoteUrl - initial contents - \n", config);
+    // RATIONALE: the parser knows no quoted sub-sections.
+    boost::algorithm::replace_first(config, "remote \"origin\"", "remote_origin");
+    debugTrace("getRemoteUrl - final contents - \n", config);
+    try {
+        std::istringstream text(config);
+        boost::property_tree::ptree tree;
+        boost::property_tree::read_ini(text, tree);
+        const std::string url = HSCPlazGitLog::unquoteConfigValue(tree.get<std::string>("remote_origin.url"));
+        debugTrace("remote.origin.url = ", url);
+        return url;
+    } catch (const boost::property_tree::ptree_error&) {
+        debugTrace("getRemoteUrl - exception while reading git config file");
+        return {};
+    }
+}
+
+void HSCPlazGit::enableSparseCheckout(const std::string& dir) {
+    configure(dir, "core.sparsecheckout", "true");
+}
+
+bool HSCPlazGit::addItemsToSparseCheckout(const std::string& dir, const std::vector<std::string>& paths) {
+    fs::ofstream file(fs::path(dir) / ".git/info/sparse-checkout", std::ios::binary | std::ios::trunc);
+    for (const std::string& path : paths) {
+        debugTrace(" adding ", path, " for sparse checkout");
+        file << HSCPlazGitLog::toSparsePattern(path) << '\n';
+    }
+    file.close();
+    if (file) return true;
+    ComMsgMgr::send(Msg::dirNotWritable, MsgSeverity::error, dir);
+    return false;
+}
+
+void HSCPlazGit::checkout(const std::string& dir, const std::string& ref) {
+    exec_git({"checkout", ref}, dir, false, "");
+}
+
+bool HSCPlazGit::updateCatalog(HSCPlazBaseModel* model) {
+    const auto* store = dynamic_cast<const HSCPlazQStoreModel*>(model);
+    if (!store || !hasRemoteAccess()) return false;
+    if (!store->isProductSpecific()) {
+        debugTrace("it is not specific to product");
+        return true;
+    }
+    if (!acceptBranch(*store, getStoreBranch(*store))) return false;
+    const std::vector<std::string> files = getItemFiles(*store);
+    if (files.empty()) {
+        debugTrace(" No qitems present in the store.");
+        return true;
+    }
+    const std::string staging = HSCPlazMgr::getInstance().getPathMgr()->getStoreStagingDir(*store);
+    debugTrace("qstore local root dir", staging);
+    traceStore(*store, staging);
+    return checkOutFiles(*store, staging, files);
+}
+
+bool HSCPlazGit::loadCatalog(HSCPlazBaseModel* model, HSCPlazPathMgr* pathMgr,
+                             const HSTVector<std::string>& catalogFiles) {
+    const auto* store = dynamic_cast<const HSCPlazQStoreModel*>(model);
+    if (!store || !pathMgr || !hasRemoteAccess()) return false;
+    if (catalogFiles.empty()) {
+        debugTrace("No catalog files provided to fetch.");
+        return false;
+    }
+    if (!acceptBranch(*store, getStoreBranch(*store)) || !acceptFiles(*store, catalogFiles)) return false;
+    const std::string staging = pathMgr->getStoreStagingDir(*store);
+    debugTrace("storePath = ", fs::path(staging).generic_string());
+    return checkOutFiles(*store, staging, catalogFiles);
+}

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+
+class HUTFork;
+
+/// The environment in which git runs. It is of our making, so that neither a user's settings nor a store can change
+/// what a command does: no prompts, hooks, background work, submodules, links or filters. It goes through variables, so
+/// that the command lines stay as they are. The system's settings, certificates above all, stay in force where nothing
+/// here replaces them. Needs git 2.32.
+namespace HSCPlazGitEnv {
+
+/// What a working copy's ".git/info/attributes" holds: it outranks a repository's own ".gitattributes", so that files
+/// are checked out byte by byte as they were committed.
+inline constexpr const char* plainAttributes = "* -text !eol -filter -ident !working-tree-encoding\n";
+
+/// Gives @p git its environment for @p command ("fetch", "checkout" and so on) in @p workDir, which is absolute.
+void apply(HUTFork& git, const std::string& command, const std::string& workDir);
+
+} // namespace HSCPlazGitEnv

@@ -1,0 +1,231 @@
+#include "plaz/HSCPlazMsg.h"
+#include "plaz/HSCPlazTrust.h"
+#include "plaz/model/repo/HSCPlazGit.h"
+#include "plaz/model/repo/HSCPlazGitEnv.h"
+#include "plaz/model/repo/HSCPlazGitLog.h"
+#include "support/HIOStream.h"
+#include "support/HPAParamMgr.h"
+#include "support/HUTEnv.h"
+#include "support/HUTFile.h"
+#include "support/HUTFork.h"
+#include "support/HUTSysCall.h"
+
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/filesystem.hpp>
+
+#include <iostream>
+#include <set>
+
+namespace fs = boost::filesystem;
+
+namespace {
+
+constexpr const char* gitRelativePath = "win64/git-2.45.0/cmd/git.exe";
+constexpr const char* temporaryLogName = "git_fork.log";
+constexpr const char* execGit = "HSCPlazGit::exec_git";
+
+// The error lines of the last command that failed, sorted and distinct.
+std::set<std::string>& capturedErrors() {
+    static std::set<std::string> errors;
+    return errors;
+}
+
+// Adds a log's error lines to the captured errors.
+void setLastError(const std::string& log) {
+    static constexpr const char* self = "`anonymous-namespace'::setLastError";
+    HSCPlazLogger::inside(self, " log file : ", log);
+    if (!HUTFile::exists(log)) {
+        HSCPlazLogger::inside(self, " couldn't find log file ", log);
+        return;
+    }
+    HSCPlazLogger::inside(self, " found log file ", log);
+    try {
+        std::string output;
+        if (HIOStream::read(log, output) != HIOStream::Status::ok) return;
+        HSCPlazLogger::inside(self, " opened log file ", log);
+        for (const std::string& line : HSCPlazGitLog::getErrorLines(output)) {
+            const std::string masked = HSCPlazTrust::maskSecrets(line);
+            capturedErrors().insert(masked);
+            HSCPlazLogger::inside(self, " found error : ", masked);
+        }
+    } catch (const std::exception& failure) {
+        HSCPlazLogger::log(std::string("Failed to capture the errors from log - ") + failure.what());
+    } catch (...) {
+        HSCPlazLogger::log("Failed to capture the errors from log");
+    }
+}
+
+std::string joinCapturedErrors() {
+    std::string text;
+    for (const std::string& line : capturedErrors()) text += line + "\n";
+    return text;
+}
+
+/// Where a command's output goes: the caller's file, or one in the working directory that is gone at the end.
+class CommandLog {
+public:
+    explicit CommandLog(const std::string& callersFile) : m_file(callersFile) {}
+    ~CommandLog() { removeTemporary(); }
+    CommandLog(const CommandLog&) = delete;
+    CommandLog& operator=(const CommandLog&) = delete;
+
+    const std::string& getFile() const { return m_file; }
+
+    // Without a file, should that fail, the command runs without a log.
+    void choose(const fs::path& workDir, const std::string& startDir) {
+        if (!m_file.empty()) return;
+        try {
+            const fs::path file = fs::absolute(workDir / temporaryLogName, startDir);
+            fs::create_directories(file.parent_path());
+            m_file = file.generic_string();
+            m_isTemporary = true;
+            HSCPlazGit::debugTrace("Temp fork logfile:", m_file);
+        } catch (const std::exception& failure) {
+            HSCPlazGit::debugTrace("error: while setting up temporary log file for forked process", failure.what());
+        }
+    }
+
+    void removeTemporary() const {
+        if (m_isTemporary && HUTFile::isRegularFile(m_file)) HUTFile::rmRecursive(m_file);
+    }
+
+private:
+    std::string m_file;
+    bool m_isTemporary = false;
+};
+
+void enter(const std::string& workDir, const std::vector<std::string>& args) {
+    if (HUTSysCall::changeDir(workDir)) return;
+    // A command must never run in whatever directory happens to be the current one.
+    std::string command = "git";
+    for (const std::string& arg : args) command += " " + HSCPlazTrust::maskSecrets(arg);
+    ComMsgMgr::send(Msg::gitErrors, MsgSeverity::error, command, "fatal: cannot change to directory " + workDir);
+    throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::gitFailed));
+}
+
+// One retry, at once. After a cancellation the second launch ends without running anything.
+int launchTwice(HUTFork& git) {
+    const int status = git.launch(true, true, true, true);
+    return status == 0 ? status : git.launch(true, true, true, true);
+}
+
+[[noreturn]] void reportFailure(const std::string& commandLine, const CommandLog& log, int verbosity) {
+    HSCPlazGit::debugTrace("failed to execute: ", commandLine);
+    setLastError(log.getFile());
+    log.removeTemporary();
+    const std::string errors = joinCapturedErrors();
+    if (!errors.empty() && !HUTFork::isInterrupted()) {
+        ComMsgMgr::setVerbosity(verbosity);
+        ComMsgMgr::send(Msg::gitErrors, MsgSeverity::error, commandLine, errors);
+    }
+    throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::gitFailed));
+}
+
+int runGit(const std::vector<std::string>& args, const std::string& workDir, const std::string& startDir,
+           CommandLog& log, int verbosity) {
+    HUTFork git;
+    git.dontUseHDLDPath();
+    const std::string program = HSCPlazGit::getGitExePath();
+    if (program.empty()) throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::gitNotFound));
+    log.choose(workDir, startDir);
+    git.setLogFile(log.getFile());
+    HSCPlazLogger::inside(execGit, " gitdir : ", program);
+
+    git.setProg(program, false);
+    for (const std::string& arg : args) git.addArg(arg);
+    git.setTimeout(HSCPlazGit::getGitTimeOut());
+    HSCPlazGitEnv::apply(git, args.empty() ? "" : args.front(), fs::absolute(workDir, startDir).generic_string());
+
+    capturedErrors().clear();
+    const std::string commandLine = HSCPlazTrust::maskSecrets(git.getCmdLineAsStr());
+    HSCPlazGit::debugTrace("chgdir: ", HUTSysCall::getCurrDir());
+    HSCPlazGit::debugTrace("executing: ", commandLine);
+    HSCPlazLogger::inside(execGit, " executing cmd ", commandLine);
+    if (!HSCPlazGit::isDebugGit()) ComMsgMgr::setVerbosity(-1);
+    const int status = launchTwice(git);
+    if (status != 0) reportFailure(commandLine, log, verbosity);
+    return status;
+}
+
+} // namespace
+
+int HSCPlazGit::exec_git(const std::vector<std::string>& args, const std::string& workDir, bool internalCall,
+                         const std::string& logFile) {
+    HSCPlazLogger::inside(execGit);
+    if (!internalCall) setSslVerify(workDir, "false");
+    const std::string startDir = HUTSysCall::getCurrDir();
+    const int verbosity = ComMsgMgr::getVerbosity();
+    CommandLog log(logFile);
+    try {
+        enter(workDir, args);
+        HSCPlazLogger::inside(execGit, " ", workDir, " ", startDir);
+        const int status = runGit(args, workDir, startDir, log, verbosity);
+        HUTSysCall::changeDir(startDir);
+        debugTrace("restore dir: ", HUTSysCall::getCurrDir());
+        if (!internalCall && isGitAccessEnabled()) setSslVerify(workDir, "true");
+        ComMsgMgr::setVerbosity(verbosity);
+        return status;
+    } catch (const std::exception& failure) {
+        HUTSysCall::changeDir(startDir);
+        debugTrace(failure.what());
+        ComMsgMgr::setVerbosity(verbosity);
+        try {
+            if (!internalCall && isGitAccessEnabled()) setSslVerify(workDir, "true");
+        } catch (const HEXAll&) { // the first failure is the one to tell of
+        }
+        throw;
+    }
+}
+
+void HSCPlazGit::configure(const std::string& dir, const std::string& key, const std::string& value) {
+    exec_git({"config", "--replace-all", key, value}, dir, true, "");
+}
+
+void HSCPlazGit::setSslVerify(const std::string& workDir, const std::string& value) {
+    if (!HUTFile::isDirectory(workDir + "/.git")) return;
+    configure(workDir, "http.sslVerify", value);
+    HSCPlazLogger::log("set ssl verify " + value);
+}
+
+std::string HSCPlazGit::getGitExePath() {
+    const std::string relative = "/../../Solvan/" + HUTEnv::getProductMajorMinorVersion() + "/tps/" + gitRelativePath;
+    std::string path;
+    if (boost::algorithm::iequals(HUTEnv::getProductName(), "solvan")) {
+        path = HUTEnv::getGDATpsPath(gitRelativePath);
+    } else {
+        path = HUTEnv::getGDAAppRoot(relative);
+        if (path.empty())
+            path = (fs::path(HUTEnv::getEnv("HOMEDRIVE") + "/cygwin") / HUTEnv::getEnv("GDA_DEVKIT") / gitRelativePath)
+                       .generic_string();
+    }
+    debugTrace("get exec path:", path);
+    debugTrace("get gitdir path:", path);
+    path = HUTFile::getCanonicalName(path);
+    debugTrace("Git path : ", path);
+    return path;
+}
+
+int HSCPlazGit::getGitTimeOut() {
+    return HPAParamMgr::getParamMgr().getValueIfExistAsInt("plaz.gitTimeOut", 100);
+}
+
+bool HSCPlazGit::isDebugGit() {
+    return HPAParamMgr::getParamMgr().getValueIfExistAsBool("plaz.enableDebugGit", false) ||
+           HUTEnv::isYes("PLAZ_SHOW_LOG");
+}
+
+bool HSCPlazGit::isGitAccessEnabled() {
+    return HPAParamMgr::getParamMgr().getValueIfExistAsBool("plaz.enableGitAccess", true);
+}
+
+bool HSCPlazGit::hasRemoteAccess() {
+    if (HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableRemoteAccess")) return true;
+    ComMsgMgr::send(Msg::remoteAccessOff, MsgSeverity::error);
+    return false;
+}
+
+void HSCPlazGit::writeTrace(const std::string& line) {
+    const std::string masked = HSCPlazTrust::maskSecrets(line);
+    std::cout << masked << std::endl;
+    HSCPlazLogger::log(masked);
+}

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+/// Pure functions that read what git writes.
+namespace HSCPlazGitLog {
+
+/// The lines of a command's output that report an error: those with "fatal:" or "error:" anywhere, in any case.
+std::vector<std::string> getErrorLines(const std::string& output);
+
+/// A value of a configuration file without the quotes and escapes that git puts around special characters.
+std::string unquoteConfigValue(const std::string& value);
+
+/// A sparse-checkout pattern that means @p path and nothing else.
+std::string toSparsePattern(const std::string& path);
+
+} // namespace HSCPlazGitLog

@@ -1,0 +1,160 @@
+#include "git_fixture.h"
+
+namespace fs = boost::filesystem;
+
+namespace {
+
+class GitClone : public GitTest {
+protected:
+    GitClone() {
+        remote.write("catalog.json", "1")
+            .write("a/item.json", "{}")
+            .write("a/changelog.txt", "log")
+            .write("a/big", "x");
+        remote.write("b/item.json", "{}").commit();
+        model.setUrl(remote.getDir());
+    }
+    bool load(const Names& files = {"catalog.json"}) {
+        return git.loadCatalog(&model, HSCPlazMgr::getInstance().getPathMgr(), files);
+    }
+    int stage() { return HSCPlazGit::cloneOrUpdateRepoForStore(&model, false); }
+    std::string staged(const std::string& file) const { return readFile(staging + "/" + file); }
+    // What the working copy loses only when it is made afresh.
+    const std::string mark = "area/.plaz/.index/.git/mark";
+    GitRepo remote{temp.path("remote")};
+};
+
+// Faults: a working tree in the index, objects copied instead of linked, verification left off, no marker.
+TEST_F(GitClone, FreshCloneIsCompleteAndStagedByLinks) {
+    ASSERT_NE(stage(), 0);
+    EXPECT_EQ(HUTFile::createFileIter(index), (Names{".done", ".git"}));
+    EXPECT_EQ(HSCPlazGit::getRemoteUrl(staging), remote.getDir());
+    EXPECT_NE(readFile(index + "/.git/config").find("sslVerify = true"), std::string::npos);
+    const std::string packs = "/.git/objects/pack/";
+    EXPECT_GE(HUTFile::createFileIter(staging + packs).size(), 2U);
+    for (const std::string& pack : HUTFile::createFileIter(staging + packs))
+        EXPECT_TRUE(fs::equivalent(staging + packs + pack, index + packs + pack));
+    EXPECT_EQ(HSCPlazGit::cloneOrUpdateRepoForStore(nullptr, true), 0);
+    EXPECT_FALSE(git.isInstalled(hub.getStore("store"))) << "the area itself is no clone";
+}
+
+// Faults: a whole store on disk for one file, a list that grows, a fetch from scratch, a stale local branch.
+TEST_F(GitClone, CatalogFilesFollowTheBranch) {
+    ASSERT_TRUE(load({"a/item.json", "a/big"}));
+    temp.write(mark, "");
+    ASSERT_TRUE(load());
+    EXPECT_EQ(HUTFile::createFileIter(staging), (Names{".done", ".git", "catalog.json"}));
+    EXPECT_EQ(staged(".git/info/sparse-checkout"), "catalog.json\n");
+    remote.write("catalog.json", "2").commit();
+    ASSERT_TRUE(load());
+    EXPECT_EQ(staged("catalog.json"), "2");
+    EXPECT_TRUE(HUTFile::exists(temp.path(mark)));
+
+    remote.git({"checkout", "-b", "next"});
+    remote.write("catalog.json", "3").commit();
+    model.setBranch("next");
+    ASSERT_TRUE(load());
+    EXPECT_EQ(staged("catalog.json"), "3");
+    remote.git({"branch", "-m", "next", "next/1"}); // a directory of branches in the place of a branch
+    model.setBranch("next/1");
+    EXPECT_TRUE(load());
+    EXPECT_EQ(takeIds(), Names{});
+}
+
+// Fault: a working copy that is not this store's, or not whole, is used; or one that is whole is thrown away.
+TEST_F(GitClone, DamagedOrForeignWorkingCopyIsMadeAfresh) {
+    const auto crash = [this] {
+        for (const char* file : {"/config.lock", "/refs/remotes/origin/master.lock", "/objects/pack/tmp_pack_x"})
+            temp.write("area/.plaz/.index/.git" + std::string(file), "");
+    };
+    const auto loseOrigin = [this] { temp.write("area/.plaz/.index/.git/config", "[core]\n\tbare = false\n"); };
+    const auto loseMarker = [this] { HUTFile::rmRecursive(index + "/.done"); };
+    const auto loseGit = [this] { HUTFile::rmRecursive(index + "/.git"); };
+    const auto moveStore = [this] {
+        fs::rename(temp.path("remote"), temp.path("moved"));
+        model.setUrl(temp.path("moved"));
+    };
+    for (const auto& [damage, isKept] : {std::pair<std::function<void()>, bool>{crash, true},
+                                         {loseOrigin, false},
+                                         {loseMarker, false},
+                                         {loseGit, false},
+                                         {moveStore, false}}) {
+        ASSERT_TRUE(load());
+        temp.write(mark, "");
+        damage();
+        EXPECT_NE(stage(), 0);
+        EXPECT_EQ(HUTFile::exists(temp.path(mark)), isKept);
+        EXPECT_FALSE(HUTFile::exists(index + "/.git/objects/pack/tmp_pack_x"));
+        EXPECT_TRUE(load());
+    }
+    EXPECT_EQ(takeIds(), Names{});
+}
+
+// Fault: a refresh that fails destroys what there was, or leaves half a staging directory.
+TEST_F(GitClone, FailedRefreshLeavesTheWorkingCopy) {
+    ASSERT_TRUE(load());
+    fs::rename(temp.path("remote"), temp.path("gone"));
+    EXPECT_EQ(thrownBy([this] { load(); }), "17-1587");
+    EXPECT_FALSE(HUTFile::exists(staging));
+    EXPECT_NE(stage(), 0) << "a complete working copy needs no remote";
+    fs::rename(temp.path("gone"), temp.path("remote"));
+    model.setBranch("no-such-branch");
+    EXPECT_EQ(thrownBy([this] { load(); }), "17-1587");
+    EXPECT_FALSE(HUTFile::exists(staging));
+}
+
+// Fault: the user's choice of another board repository is ignored, or obeyed for other stores.
+TEST_F(GitClone, BoardStoreFollowsItsParameter) {
+    setParam("board.repoURL", remote.getDir());
+    model.setUrl(temp.path("nowhere"));
+    EXPECT_EQ(thrownBy([this] { load(); }), "17-1587");
+    model.setStoreType("board");
+    EXPECT_TRUE(load());
+}
+
+// Faults: git is given a URL, branch or path that makes it do something else; switched-off access is used.
+TEST_F(GitClone, NothingRunsForARefusedStoreOrWithoutAccess) {
+    const std::string url = remote.getDir();
+    for (const auto& [storeUrl, branch, file] :
+         {std::tuple<std::string, std::string, std::string>{"ext::sh -c x", "", "f"},
+          {"--upload-pack=x", "", "f"},
+          {"", "", "f"},
+          {url, "--orphan", "f"},
+          {url, "", "../f"},
+          {url, "", "f\n/*"}}) {
+        model.setUrl(storeUrl);
+        model.setBranch(branch);
+        EXPECT_FALSE(load({file}));
+        EXPECT_EQ(takeIds(), Names{"17-2161"}) << storeUrl << branch << file;
+    }
+    model.setBranch("");
+    EXPECT_FALSE(load({}));
+    EXPECT_FALSE(HUTFile::exists(index));
+    setParam("plaz.enableGitAccess", "false");
+    EXPECT_FALSE(load());
+    EXPECT_FALSE(HSCPlazGit::isInstalled(index));
+    setParam("plaz.enableRemoteAccess", "false");
+    EXPECT_FALSE(load() || git.updateCatalog(&model));
+    EXPECT_EQ(takeIds(), (Names{"17-1559", "17-1559"}));
+}
+
+// Fault: one bad item hides the others, more than the described files is fetched, or git runs for nothing.
+TEST_F(GitClone, CatalogUpdateFetchesItemFiles) {
+    EXPECT_TRUE(git.updateCatalog(&model)) << "no items";
+    for (const char* root : {"../b", "a", "b"}) {
+        auto item = std::make_unique<HSCPlazQItemModel>();
+        item->setRoot(root);
+        item->setMetadataFile("item.json");
+        model.addItem(std::move(item));
+    }
+    model.setIsProductSpecific(false);
+    EXPECT_TRUE(git.updateCatalog(&model)) << "not for this product";
+    EXPECT_FALSE(HUTFile::exists(index));
+    model.setIsProductSpecific(true);
+    EXPECT_TRUE(git.updateCatalog(&model));
+    EXPECT_EQ(HUTFile::createFileIter(staging), (Names{".done", ".git", "a", "b"}));
+    EXPECT_EQ(HUTFile::createFileIter(staging + "/a"), (Names{"changelog.txt", "item.json"}));
+    EXPECT_EQ(takeIds(), Names{"17-2160"});
+}
+
+} // namespace

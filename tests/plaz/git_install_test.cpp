@@ -1,0 +1,124 @@
+#include "git_fixture.h"
+
+namespace {
+
+class GitInstall : public GitTest {
+protected:
+    GitInstall() {
+        first =
+            remote.write("boards/a/item.json", "{\"v\": 1}").write("boards/a/old", "x").write("other", "x").commit();
+        HUTFile::rmRecursive(remote.getDir() + "/boards/a/old");
+        second = remote.write("boards/a/item.json", "{\"v\": 2}").commit();
+        model.setUrl(remote.getDir());
+    }
+    ~GitInstall() override {
+        EXPECT_FALSE(HUTFile::exists(staging));
+        EXPECT_FALSE(HUTFile::exists(temp.path("area/.plaz/.incoming")));
+    }
+    bool install(const std::string& commit, const std::string& root = "boards/a", const std::string& revision = "") {
+        HSCPlazQItemModel item;
+        item.setName("a");
+        item.setStoreName("store");
+        item.setRoot(root);
+        item.setRevision(revision);
+        item.setMetadataFile("item.json");
+        item.setCommitId(commit);
+        return git.install(&hub, &item);
+    }
+    std::string installed(const std::string& file) const { return readFile(temp.path("area/" + file)); }
+    Names list(const std::string& dir) const { return HUTFile::createFileIter(temp.path(dir)); }
+    GitRepo remote{temp.path("remote")};
+    std::string first;
+    std::string second;
+};
+
+// Fault: files of the old revision mix with those of the new, or more than the item is placed.
+TEST_F(GitInstall, AnotherRevisionReplacesTheFirst) {
+    ASSERT_TRUE(install(first));
+    EXPECT_EQ(list("area/boards/a"), (Names{"item.json", "old"}));
+    ASSERT_TRUE(install(second));
+    EXPECT_EQ(list("area/boards/a"), Names{"item.json"});
+    EXPECT_EQ(installed("boards/a/item.json"), "{\"v\": 2}");
+    EXPECT_EQ(list("area"), (Names{".plaz", "boards"}));
+    EXPECT_EQ(takeIds(), Names{});
+}
+
+// Fault: one revision overwrites the other, or an item without a revision takes the others with it.
+TEST_F(GitInstall, OtherRevisionsStay) {
+    model.setIsMultiRevisionSupported(true);
+    ASSERT_TRUE(install(first, "boards/a", "1.0") && install(second, "boards/a", "2.0"));
+    ASSERT_TRUE(install(second));
+    EXPECT_EQ(installed("boards/a/1.0/item.json"), "{\"v\": 1}");
+    EXPECT_EQ(installed("boards/a/2.0/item.json"), "{\"v\": 2}");
+    EXPECT_EQ(installed("boards/a/item.json"), "{\"v\": 2}");
+}
+
+// Faults: a process that need not be; the network for what is there already; a stale working copy that blocks.
+TEST_F(GitInstall, CompleteWorkingCopyIsFetchedOnlyForAMissingCommit) {
+    ASSERT_TRUE(install(first));
+    replaceGit("exec " + HSCPlazGit::getGitExePath() + " \"$@\"");
+    ASSERT_TRUE(install(second));
+    EXPECT_EQ(takeCalls(), "config --replace-all core.sparsecheckout true\nconfig --replace-all http.sslVerify false\n"
+                           "checkout " +
+                               second + "\nconfig --replace-all http.sslVerify true\n");
+    EXPECT_EQ(readFile(index + "/.git/config").find("sparsecheckout"), std::string::npos) << "files linked, not shared";
+    EXPECT_TRUE(install(remote.write("boards/a/item.json", "{\"v\": 3}").commit()));
+    EXPECT_EQ(installed("boards/a/item.json"), "{\"v\": 3}");
+    EXPECT_EQ(takeIds(), Names{}) << "nobody is told of an attempt that was made good";
+    EXPECT_EQ(thrownBy([this] { install(std::string(40, '1')); }), "17-1587");
+    EXPECT_EQ(takeIds(), Names{"17-1990"});
+}
+
+// Fault: names from a catalog reach git, or lead out of the store's area or into the hub's own directories.
+TEST_F(GitInstall, UnsafeItemIsRefusedBeforeGitRuns) {
+    boost::filesystem::create_symlink(temp.makeDir("outside"), temp.path("area/link"));
+    for (const char* root :
+         {"../../x", "/x", "a/../../x", "link/x", "", ".", ".plaz/x", ".staging", ".git/x", "a\nb"}) {
+        EXPECT_EQ(thrownBy([&] { EXPECT_FALSE(install(first, root)) << root; }), "nothing") << root;
+        EXPECT_EQ(takeIds(), Names{"17-2160"}) << root;
+    }
+    EXPECT_FALSE(install("--detach") || install(""));
+    EXPECT_EQ(takeIds(), (Names{"17-2160", "17-1579"}));
+    model.setUrl("ext::sh -c touch% pwned");
+    EXPECT_FALSE(install(first));
+    setParam("plaz.enableRemoteAccess", "false");
+    EXPECT_FALSE(install(first));
+    EXPECT_EQ(takeIds(), (Names{"17-2161", "17-1559"}));
+    EXPECT_FALSE(HUTFile::exists(index));
+    EXPECT_EQ(list("outside"), Names{});
+}
+
+// Fault: what cannot be trusted replaces what works, or a link in the repository leads the copy elsewhere.
+TEST_F(GitInstall, InvalidItemLeavesTheOldInstallation) {
+    ASSERT_TRUE(install(second));
+    const std::string broken = remote.write("boards/a/item.json", "{").commit();
+    boost::filesystem::create_symlink(temp.makeDir("outside"), remote.getDir() + "/way");
+    temp.write("outside/x/item.json", "{}");
+    const std::string linked = remote.commit();
+    for (const auto& [commit, root] :
+         {std::pair<std::string, std::string>{broken, "boards/a"}, {second, "no/such"}, {linked, "way/x"}})
+        EXPECT_EQ(thrownBy([&, id = commit, folder = root] { install(id, folder); }), "17-2133") << root;
+    EXPECT_EQ(installed("boards/a/item.json"), "{\"v\": 2}");
+    EXPECT_EQ(list("area"), (Names{".plaz", "boards"}));
+}
+
+// Fault: settings of the user or of the store run programs or change files.
+TEST_F(GitInstall, FilesArriveAsTheyWereCommitted) {
+    const std::string content = "line\r\nend\n$Id$\n";
+    const std::string evil = "touch " + temp.path("ran");
+    writeScript("hooks/post-checkout", evil);
+    temp.write("home/.gitconfig", "[core]\n\tautocrlf = true\n\tfsmonitor = " + evil + "\n\thooksPath = " +
+                                      temp.path("hooks") + "\n[filter \"evil\"]\n\tsmudge = " + evil + "\n");
+    remote.write("boards/a/text.txt", content).commit();
+    remote.write("boards/a/.gitattributes", "* text eol=crlf ident filter=evil\n*.txt working-tree-encoding=UTF-16\n");
+    remote.git({"add", "boards/a/.gitattributes"});
+    remote.git({"commit", "--message=attributes"});
+    const std::string commit = remote.git({"rev-parse", "HEAD"});
+    ASSERT_TRUE(install(commit));
+    writeScript("area/.plaz/.index/.git/hooks/post-checkout", evil);
+    ASSERT_TRUE(install(commit));
+    EXPECT_EQ(installed("boards/a/text.txt"), content);
+    EXPECT_FALSE(HUTFile::exists(temp.path("ran")));
+}
+
+} // namespace
