@@ -1,0 +1,78 @@
+#include "plaz/HSCPlazLocalDBMgr.h"
+
+#include "plaz/HSCPlazMgr.h"
+#include "plaz/HSCPlazMsg.h"
+#include "plaz/HSCPlazPathMgr.h"
+#include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazLogger.h"
+#include "plaz/model/HSCPlazModel.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/reader/HSCPlazInstalledItems.h"
+#include "plaz/model/reader/HSCPlazLocalDBReader.h"
+#include "plaz/model/reader/HSCPlazLocalDBWriter.h"
+#include "support/HUTEnv.h"
+#include "support/HUTFile.h"
+
+namespace {
+
+constexpr const char* saveName = "HSCPlazLocalDBMgr::save";
+
+std::string chooseFile(const HSCPlaz* hub, const HSCPlazQStore& store, const std::string& given) {
+    if (const std::string own = store.getLocalDbFilePath(); !own.empty()) return own;
+    if (!given.empty()) return given;
+    const std::string ofHub = hub ? hub->getLocalDBFilePath() : std::string();
+    return ofHub.empty() ? HSCPlazMgr::getInstance().getPathMgr()->getDefaultLocalDbFile() : ofHub;
+}
+
+} // namespace
+
+HSCPlazLocalDBMgr::HSCPlazLocalDBMgr() : m_regressionMode(HUTEnv::getRegressMode()) {}
+
+void HSCPlazLocalDBMgr::init(const std::string& file, HSCPlazModel* model) {
+    if (HUTFile::isRegularFile(file)) HSCPlazLocalDBReader().parse(file, model);
+}
+
+void HSCPlazLocalDBMgr::load(HSCPlazModel* model, const std::string& file) {
+    init(file, model);
+}
+
+void HSCPlazLocalDBMgr::save(HSCPlaz& hub, HSCPlazQStore* store, std::string file) {
+    save(&hub, store, std::move(file));
+}
+
+void HSCPlazLocalDBMgr::save(HSCPlaz* hub, HSCPlazQStore* store, std::string file) {
+    if (m_regressionMode) return;
+    if (!store) {
+        HSCPlazLogger::inside(saveName, " store object is null");
+        return;
+    }
+    file = chooseFile(hub, *store, file);
+    HSCPlazLogger::inside(saveName, " Saving local db file of store ", store->getName());
+    // What could not be read is not lost: it stays beside the new file.
+    if (m_damaged.erase(file) != 0) HUTFile::copyToRecursive(file, file + ".bad", HUTFile::copyOver);
+    if (HSCPlazLocalDBWriter().write(file, store->getModel())) return;
+    if (store->isProductSpecific()) ComMsgMgr::send(Msg::databaseNotSaved, MsgSeverity::error, file);
+}
+
+bool HSCPlazLocalDBMgr::isValidForProductAndRelease(const std::string& file) const {
+    return m_regressionMode || HSCPlazLocalDBReader().checkIfValidForProductAndRelease(file);
+}
+
+HSCPlazLocalDBMgr::Merge HSCPlazLocalDBMgr::merge(const std::string& file, HSCPlazQStoreModel& store) {
+    if (!HUTFile::exists(file)) return Merge::nothing;
+    HSCPlazModel recorded;
+    HSCPlazLocalDBReader reader;
+    using Outcome = HSCPlazLocalDBReader::Outcome;
+    const Outcome outcome = m_regressionMode ? (reader.parse(file, &recorded) ? Outcome::read : Outcome::damaged)
+                                             : reader.parseIfValid(file, &recorded);
+    if (outcome == Outcome::foreign) return Merge::foreign;
+    if (outcome == Outcome::damaged) {
+        m_damaged.insert(file);
+        return Merge::damaged;
+    }
+    const HSCPlazQStoreModel* records = recorded.findStore(store.getName());
+    if (!records) return Merge::nothing;
+    HSCPlazInstalledItems installed(store);
+    for (const auto& record : records->getItems()) installed.apply(*record);
+    return Merge::merged;
+}

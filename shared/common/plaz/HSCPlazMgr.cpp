@@ -1,0 +1,209 @@
+#include "plaz/HSCPlazMgr.h"
+
+#include "plaz/HSCPlazConfigMgr.h"
+#include "plaz/HSCPlazLocalDBMgr.h"
+#include "plaz/HSCPlazMsg.h"
+#include "plaz/HSCPlazPathMgr.h"
+#include "plaz/HSCPlazRepoInfoMgr.h"
+#include "plaz/HSCPlazUtils.h"
+#include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazLogger.h"
+#include "plaz/model/HSCPlazModel.h"
+#include "plaz/model/HSCPlazQItem.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/reader/HSCPlazJsonDocument.h"
+#include "plaz/model/reader/HSCPlazQItemReader.h"
+#include "plaz/model/reader/HSCPlazReader.h"
+#include "plaz/pref/HSCPlazUserPref.h"
+#include "support/HIOStream.h"
+#include "support/HPAParamMgr.h"
+#include "support/HUTEnv.h"
+#include "support/HUTFile.h"
+
+using HSCPlazLogger::inside;
+
+namespace {
+
+constexpr const char* initHubName = "HSCPlazMgr::initHub";
+
+/// Products that keep their catalog in the user area's database.
+bool keepsCatalogInDatabase() {
+    return HUTEnv::getProductName() == "kvq";
+}
+
+/// The hub's remote location as configured; a missing one is told and leaves the hub usable from its files.
+std::string configuredRemote(const HSCPlazUserPref& pref) {
+    try {
+        return pref.getPlazRemoteRepoPath();
+    } catch (const HEXAll& failure) {
+        ComMsgMgr::send(failure.getMsg(), MsgSeverity::warning);
+        return "";
+    }
+}
+
+/// Makes the objects for item models that came after the store was built.
+void addMissingItems(HSCPlazQStore& store) {
+    const auto& models = store.getModel()->getItems();
+    for (std::size_t position = store.getItems().size(); position < models.size(); ++position) {
+        auto item = std::make_unique<HSCPlazQItem>(&store);
+        item->assignItem(models[position].get());
+        store.addItem(item.release());
+    }
+}
+
+/// An installed revision that is not the newest is described by its own files: what it depends on may have changed.
+void describeFromInstalledFiles(const HSCPlazQStoreModel& store, const HSCPlazPathMgr& paths) {
+    const HIOStream::Root root(store.getLocalDbFilePath().empty() ? std::string() : paths.getStoreArea(store));
+    HSCPlazJsonDocument document;
+    for (const auto& item : store.getItems()) {
+        if (!item->isInstalled() || item->getRevision() == item->getLatestRevision()) continue;
+        const std::string file = HSCPlazPathMgr::getItemFolder(store, *item) + "/" + item->getMetadataFile();
+        HSCPlazQItemModel description;
+        const HIOStream::Status status = HSCPlazQItemReader().parseBelow(root, file, document, &description);
+        if (status == HIOStream::Status::ok && description.getName() == item->getName())
+            item->copyDescriptionFrom(description);
+    }
+}
+
+} // namespace
+
+HSCPlazMgr& HSCPlazMgr::getInstance() {
+    // Never destroyed: objects that refer to it may outlive any order of destruction.
+    static HSCPlazMgr* const manager = new HSCPlazMgr;
+    return *manager;
+}
+
+HSCPlazMgr::HSCPlazMgr() {
+    m_userPref = std::make_unique<HSCPlazUserPref>();
+    m_pathMgr = std::make_unique<HSCPlazPathMgr>();
+    m_localDbMgr = std::make_unique<HSCPlazLocalDBMgr>();
+    m_configMgr = std::make_unique<HSCPlazConfigMgr>();
+    m_configMgr->setPathMgr(m_pathMgr.get());
+    m_repoInfoMgr = std::make_unique<HSCPlazRepoInfoMgr>(m_pathMgr->getRepoInfoFile());
+}
+
+HSCPlazMgr::~HSCPlazMgr() = default;
+
+void HSCPlazMgr::setCurrentStore(HSCPlazQStore* store) {
+    if (store) m_currentStore = store;
+}
+
+HSCPlaz& HSCPlazMgr::getHub() {
+    if (m_hubModel) return *m_hub;
+    initHub();
+    buildHub();
+    m_hub->setGlobalMode(true);
+    applyDefaultStoreLocations();
+    restoreInstalledState();
+    return *m_hub;
+}
+
+void HSCPlazMgr::initHub() {
+    inside(initHubName, " ");
+    m_hub = std::make_unique<HSCPlaz>();
+    m_hubModel = std::make_unique<HSCPlazModel>();
+    m_sharedHubModel = std::make_unique<HSCPlazModel>();
+    if (const HSCPlazCfgModel* config = m_configMgr->getConfigModel()) {
+        const std::string remote = configuredRemote(*m_userPref);
+        inside(initHubName, " plaz remote url ", remote);
+        if (!remote.empty()) m_hubModel->setRemoteRepository(remote);
+        for (HSCPlazModel* model : {m_hubModel.get(), m_sharedHubModel.get()}) {
+            model->setRoot(config->getRoot());
+            model->setMetadataFile(config->getMetadataFile());
+        }
+    }
+    const std::string database = m_pathMgr->getUserAreaRoot("", false, HSCPlazUtils::PLAZ_LOCAL_DB_FILE);
+    if (keepsCatalogInDatabase() && HUTFile::exists(database)) {
+        inside(initHubName, " ", database, " found local db file processing it.");
+        m_localDbMgr->init(database, m_hubModel.get());
+    } else if (!readHubMetadata()) {
+        return;
+    }
+    readSharedHubMetadata();
+    loadStores();
+}
+
+bool HSCPlazMgr::readHubMetadata() {
+    const std::string file = m_pathMgr->getHubMetadataFile();
+    inside(initHubName, " plazJsonFilePath ", file);
+    if (!HUTFile::exists(file)) {
+        ComMsgMgr::send(Msg::hubMetadataMissing, MsgSeverity::error);
+        return false;
+    }
+    m_hubModel->setHasMetadataFile(true);
+    m_sharedHubModel->setHasMetadataFile(true);
+    if (!HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableDataAccess")) {
+        ComMsgMgr::send(Msg::dataAccessOff, MsgSeverity::warning);
+        return false;
+    }
+    m_hubModel->setLocalRoot(file);
+    HSCPlazReader().parse(file, m_hubModel.get());
+    return true;
+}
+
+void HSCPlazMgr::readSharedHubMetadata() {
+    const std::string file = m_pathMgr->getHubMetadataFile();
+    if (!HUTFile::exists(file)) return;
+    m_sharedHubModel->setHasMetadataFile(true);
+    if (m_hubModel->getLocalRoot() != file) {
+        HSCPlazReader().parse(file, m_sharedHubModel.get());
+        return;
+    }
+    // The file has just been read, and no store has an area of its own yet: what would be read again is what stands in
+    // the hub model, so both own it.
+    m_sharedHubModel->setCommitId(m_hubModel->getCommitId());
+    for (const auto& store : m_hubModel->getStores()) m_sharedHubModel->addStore(store);
+}
+
+void HSCPlazMgr::loadStores() {
+    for (const auto& store : m_hubModel->getStores()) loadStoreCatalog(m_hubModel.get(), store.get(), false);
+    for (const auto& store : m_sharedHubModel->getStores())
+        if (m_hubModel->findStore(store->getName()) != store.get())
+            loadStoreCatalog(m_sharedHubModel.get(), store.get(), true);
+}
+
+void HSCPlazMgr::buildHub() {
+    m_hub->setModel(m_hubModel.get());
+    for (const auto& model : m_hubModel->getStores()) {
+        auto store = std::make_unique<HSCPlazQStore>(m_hub.get());
+        store->assignModel(model.get());
+        m_hub->addStore(store.release());
+    }
+}
+
+void HSCPlazMgr::restoreInstalledState() {
+    for (HSCPlazQStore* store : m_hub->getStores()) {
+        if (!store->isProductSpecific()) continue;
+        HSCPlazQStoreModel& model = *store->getModel();
+        mergeLocalDb(model);
+        describeFromInstalledFiles(model, *m_pathMgr);
+        addMissingItems(*store);
+    }
+}
+
+void HSCPlazMgr::mergeLocalDb(HSCPlazQStoreModel& store) {
+    const std::string database = store.getLocalDbFilePath();
+    if (m_localDbMgr->merge(database, store) != HSCPlazLocalDBMgr::Merge::foreign) return;
+    ComMsgMgr::send(Msg::databaseForeign, MsgSeverity::warning, store.getName(), database);
+    // What another release installed stays as it is; this one works beside it.
+    std::string product, version;
+    HSCPlazUtils::getProductInfo(product, version);
+    placeStore(store, m_pathMgr->getStoreArea(store) + "_" + product + "_" + version);
+    m_localDbMgr->merge(store.getLocalDbFilePath(), store);
+}
+
+void HSCPlazMgr::loadStoreCatalog(HSCPlaz* hub, HSCPlazQStore* store, bool shared) {
+    inside("HSCPlazMgr::loadStoreCatalog", " ");
+    if (!hub || !store || !store->getModel()) return;
+    HSCPlazQStoreModel* model = store->getModel();
+    const std::string area = model->getLocalRootDir();
+    store->clearQStore();
+    loadStoreFromGdaData(model);
+    loadStoreCatalog(hub->getModel(), model, shared);
+    // Reading what is shipped makes its directory the local root; a store that has an area of its own keeps that.
+    if (!area.empty()) model->setLocalRootDir(area);
+    mergeLocalDb(*model);
+    describeFromInstalledFiles(*model, *m_pathMgr);
+    store->assignModel(model);
+    m_localDbMgr->save(hub, store, "");
+}

@@ -1,0 +1,194 @@
+// Where each store's files come from and where its own area lies.
+
+#include "plaz/HSCPlazConfigMgr.h"
+#include "plaz/HSCPlazMgr.h"
+#include "plaz/HSCPlazMsg.h"
+#include "plaz/HSCPlazPathMgr.h"
+#include "plaz/HSCPlazRepoInfoMgr.h"
+#include "plaz/HSCPlazUtils.h"
+#include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazLogger.h"
+#include "plaz/model/HSCPlazModel.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/reader/HSCPlazJsonDocument.h"
+#include "plaz/model/reader/HSCPlazQItemCatalogReader.h"
+#include "plaz/model/reader/HSCPlazQItemReader.h"
+#include "plaz/model/reader/HSCPlazQStoreReader.h"
+#include "support/HIOStream.h"
+#include "support/HPAParamMgr.h"
+#include "support/HUTFile.h"
+
+#include <boost/algorithm/string/predicate.hpp>
+
+#include <unordered_set>
+
+using HSCPlazLogger::inside;
+
+namespace {
+
+constexpr const char* loadStoreName = "HSCPlazMgr::loadStoreCatalog";
+constexpr const char* boardStoreDir = "board_store";
+constexpr const char* otherStoreDir = "ced_store";
+constexpr const char* hiddenCatalogDir = ".plaz/.catalog/";
+
+std::string joined(const std::string& dir, const std::string& name) {
+    return dir + HUTFile::getDirSeparator() + name;
+}
+
+/// Reads the catalog in the place of what an earlier load left.
+void readCatalog(const std::string& file, HSCPlazModel* hubModel, HSCPlazQStoreModel* storeModel) {
+    storeModel->clearCatalog();
+    HSCPlazQItemCatalogReader().parse(file, hubModel, storeModel);
+}
+
+/// Reads one item's metadata file. The catalog's key stays: look-ups and places on disk hang on it.
+HIOStream::Status readItem(const HIOStream::Root& root, const std::string& relative, HSCPlazJsonDocument& document,
+                           HSCPlazQItemModel& item) {
+    const std::string name = item.getName();
+    const std::string revision = item.getRevision();
+    const HIOStream::Status status = HSCPlazQItemReader().parseBelow(root, relative, document, &item);
+    if (!name.empty()) item.setName(name);
+    if (!revision.empty()) item.setRevision(revision);
+    return status;
+}
+
+/// The plain file below the store's local root directory, else the one below its hidden catalog folder.
+bool readItemMetadata(const HIOStream::Root& root, const HSCPlazQStoreModel& store, HSCPlazJsonDocument& document,
+                      HSCPlazQItemModel& item) {
+    const std::string folder = HSCPlazPathMgr::getItemFolder(store, item);
+    if (folder.empty() || item.getMetadataFile().empty()) return false;
+    const std::string relative = folder + "/" + item.getMetadataFile();
+    HIOStream::Status status = readItem(root, relative, document, item);
+    if (status == HIOStream::Status::missing) status = readItem(root, hiddenCatalogDir + relative, document, item);
+    if (status == HIOStream::Status::outside)
+        ComMsgMgr::send(Msg::itemRefused, MsgSeverity::criticalWarning, item.getName(),
+                        "its metadata file " + relative + " leads out of the store's directory through a link");
+    return status == HIOStream::Status::ok;
+}
+
+} // namespace
+
+void HSCPlazMgr::loadStoreCatalog(HSCPlazModel* hubModel, HSCPlazQStoreModel* storeModel, bool shared) {
+    if (!hubModel || !storeModel || storeModel->getMetadataFile().empty()) return;
+    const std::string& localRoot = storeModel->getLocalRootDir();
+    const std::string& name = storeModel->getName();
+    inside(loadStoreName, " Store ", name, " local root dir ", localRoot);
+    const bool exists = !localRoot.empty() && HUTFile::exists(localRoot);
+    if (!localRoot.empty() && !exists) inside(loadStoreName, " Store ", name, " local root dir doesn't exists ");
+    if (exists && !shared)
+        loadStoreFromArea(hubModel, storeModel);
+    else if (!loadStoreFromData(hubModel, storeModel))
+        return;
+    loadItemCatalog(hubModel, storeModel);
+}
+
+void HSCPlazMgr::loadStoreFromArea(HSCPlazModel* hubModel, HSCPlazQStoreModel* storeModel) {
+    const std::string& localRoot = storeModel->getLocalRootDir();
+    const std::string& name = storeModel->getName();
+    inside(loadStoreName, " Store ", name, " local root dir exists ");
+    const std::string metadata = joined(localRoot, storeModel->getMetadataFile());
+    if (HUTFile::exists(metadata)) {
+        inside(loadStoreName, " Store ", name, " qstore json file found ");
+        HSCPlazQStoreReader().parse(metadata, storeModel);
+    } else {
+        inside(loadStoreName, " Store ", name, " qstore json file not found ");
+    }
+    const std::string catalog = joined(localRoot, storeModel->getCatalogFile());
+    if (storeModel->getCatalogFile().empty() || !HUTFile::exists(catalog) || !storeModel->isProductSpecific()) return;
+    inside(loadStoreName, " Store ", name, " item catalog json file found ");
+    readCatalog(catalog, hubModel, storeModel);
+}
+
+bool HSCPlazMgr::loadStoreFromData(HSCPlazModel* hubModel, HSCPlazQStoreModel* storeModel) {
+    const std::string& name = storeModel->getName();
+    const std::string dataDir = joined(m_pathMgr->getStoresDataDir(), storeModel->getRoot());
+    inside(loadStoreName, " Store ", name, "dataFilePath: ", dataDir);
+    if (!HUTFile::exists(dataDir)) {
+        const std::string metadata =
+            joined(joined(joined(m_pathMgr->getUserAreaRoot(), hubModel->getRoot()), storeModel->getRoot()),
+                   storeModel->getMetadataFile());
+        inside(loadStoreName, " Store ", name, "qstoreJsonFilePath [3]: ", metadata);
+        if (HUTFile::exists(metadata)) HSCPlazQStoreReader().parse(metadata, storeModel);
+        return true;
+    }
+    storeModel->setGdaDataLoc(dataDir);
+    const std::string metadata = joined(dataDir, storeModel->getMetadataFile());
+    inside(loadStoreName, " Store ", name, "qstoreJsonFilePath [1]: ", metadata);
+    if (HUTFile::exists(metadata)) HSCPlazQStoreReader().parse(metadata, storeModel);
+    const std::string catalog = joined(dataDir, storeModel->getCatalogFile());
+    inside(loadStoreName, " Store ", name, "qstoreJsonFilePath [2]: ", catalog);
+    if (storeModel->getCatalogFile().empty()) return false;
+    if (HUTFile::exists(catalog) && storeModel->isProductSpecific()) readCatalog(catalog, hubModel, storeModel);
+    storeModel->setLocalRootDir(dataDir);
+    return true;
+}
+
+void HSCPlazMgr::loadItemCatalog(HSCPlazModel* hubModel, HSCPlazQStoreModel* storeModel) {
+    inside("HSCPlazMgr::loadItemCatalog", " ");
+    if (!hubModel || !storeModel || !storeModel->isProductSpecific()) return;
+    const HIOStream::Root root(storeModel->getLocalRootDir());
+    HSCPlazJsonDocument document;
+    const HSCPlazQItemModel* described = nullptr;
+    for (const auto& item : storeModel->getItems()) {
+        const bool read = readItemMetadata(root, *storeModel, document, *item);
+        if (read) described = item.get();
+        // A revision that has no file of its own here is described by the one that the catalog lists before it.
+        else if (described && described->getName() == item->getName() && item->getDisplayName().empty())
+            item->copyDescriptionFrom(*described);
+    }
+    inside("HSCPlazMgr::loadItemCatalog", "Done ");
+}
+
+void HSCPlazMgr::loadStoreFromGdaData(HSCPlazQStore* store) {
+    if (store) loadStoreFromGdaData(store->getModel());
+}
+
+void HSCPlazMgr::loadStoreFromGdaData(HSCPlazQStoreModel* storeModel) {
+    if (!storeModel || storeModel->getMetadataFile().empty()) return;
+    const std::string dataDir = joined(m_pathMgr->getStoresDataDir(), storeModel->getRoot());
+    if (!HUTFile::isDirectory(dataDir)) {
+        ComMsgMgr::send(Msg::shippedDataMissing, MsgSeverity::warning, storeModel->getName());
+        return;
+    }
+    const std::string metadata = joined(dataDir, storeModel->getMetadataFile());
+    if (!HSCPlazUtils::isInstalledFileValid(metadata)) {
+        ComMsgMgr::send(Msg::shippedDataUnusable, MsgSeverity::warning, storeModel->getName(), metadata);
+        return;
+    }
+    const std::string area = storeModel->getLocalRootDir();
+    if (loadStoreFromData(m_hubModel.get(), storeModel)) loadItemCatalog(m_hubModel.get(), storeModel);
+    storeModel->setLocalRootDir(area);
+}
+
+std::string HSCPlazMgr::defaultStoreDir(const HSCPlazQStoreModel& store) const {
+    const std::string recorded = m_repoInfoMgr->getStoreDirectory(store.getName());
+    if (!recorded.empty()) return store.getRoot().empty() ? recorded : joined(recorded, store.getRoot());
+    if (!HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableBoardStoreDefaultLocation")) return "";
+    const bool holdsBoards = boost::algorithm::iequals(store.getStoreType(), "board");
+    return joined(m_pathMgr->getUserAreaRoot(), holdsBoards ? boardStoreDir : otherStoreDir);
+}
+
+void HSCPlazMgr::applyDefaultStoreLocations() {
+    std::unordered_set<std::string> taken;
+    for (HSCPlazQStore* store : m_hub->getStores()) {
+        if (!store->isProductSpecific()) continue;
+        HSCPlazQStoreModel& model = *store->getModel();
+        std::string dir = defaultStoreDir(model);
+        // Two stores in one directory would take each other's working copy, items and database away.
+        if (!dir.empty() && !taken.insert(dir).second)
+            dir += "_" + (model.getRoot().empty() ? model.getName() : model.getRoot());
+        placeStore(model, dir);
+    }
+}
+
+void HSCPlazMgr::placeStore(HSCPlazQStoreModel& store, const std::string& dir) const {
+    store.setInstallDir(dir);
+    store.setLocalRootDir(dir);
+    try {
+        store.setLocalDbFilePath(m_pathMgr->getStoreDbFile(store));
+    } catch (const HEXAll& failure) {
+        // The store has no area until the environment names one that exists; its catalog can be read all the same.
+        ComMsgMgr::send(failure);
+        store.setLocalDbFilePath("");
+    }
+}

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "support/ComMsgMgr.h"
+
+/// The numbered messages that the hub sends or throws, with the arguments each takes. The texts are shipped data.
+namespace Msg {
+inline constexpr MsgId<2> remoteRepoPathUnset{"@17-1532@%s%s"}; ///< variable, variable
+inline constexpr MsgId<2> userRepoPathMissing{"@17-1538@%s%s"}; ///< variable, variable
+inline constexpr MsgId<1> dependencyRemoved{"@17-1553@%s"};     ///< item
+inline constexpr MsgId<1> dependencyInstalled{"@17-1554@%s"};   ///< item
+inline constexpr MsgId<0> dataAccessOff{"@17-1557@"};
+inline constexpr MsgId<0> remoteAccessOff{"@17-1559@"};
+inline constexpr MsgId<1> dependencyInstallFailed{"@17-1560@%s"}; ///< item
+inline constexpr MsgId<1> itemInstallFailed{"@17-1567@%s"};       ///< display name
+inline constexpr MsgId<1> itemHeld{"@17-1568@%s"};                ///< display name
+inline constexpr MsgId<0> hubMetadataMissing{"@17-1569@"};
+inline constexpr MsgId<2> itemInstalling{"@17-1570@%s%s"};     ///< display name, store URL
+inline constexpr MsgId<1> itemAlreadyInstalled{"@17-1572@%s"}; ///< display name
+inline constexpr MsgId<1> itemInstalled{"@17-1573@%s"};        ///< display name
+inline constexpr MsgId<1> itemRemoved{"@17-1574@%s"};          ///< display name
+inline constexpr MsgId<1> commitIdMissing{"@17-1579@%s"};      ///< item
+inline constexpr MsgId<1> dirNotWritable{"@17-1580@%s"};       ///< directory
+inline constexpr MsgId<1> dirNotCreated{"@17-1581@%s"};        ///< directory
+inline constexpr MsgId<0> gitFailed{"@17-1587@"};
+inline constexpr MsgId<2> dirUsedByOtherStore{"@17-1668@%s%s"}; ///< other store, directory
+inline constexpr MsgId<1> credentialsMissing{"@17-1669@%s"};    ///< store
+inline constexpr MsgId<1> dirCreated{"@17-1670@%s"};            ///< directory
+inline constexpr MsgId<0> gitNotFound{"@17-1928@"};
+inline constexpr MsgId<2> gitErrors{"@17-1990@%s%s"};           ///< command line, git's own words
+inline constexpr MsgId<1> shippedDataMissing{"@17-2001@%s"};    ///< store
+inline constexpr MsgId<2> shippedDataUnusable{"@17-2002@%s%s"}; ///< store, file
+inline constexpr MsgId<2> fetchedItemInvalid{"@17-2133@%s%s"};  ///< item, file
+inline constexpr MsgId<1> fileNameEmpty{"@17-2137@%s"};         ///< the (empty) name
+inline constexpr MsgId<1> fileMissing{"@17-2138@%s"};           ///< file
+inline constexpr MsgId<2> fileNotJson{"@17-2140@%s%s"};         ///< file, parser's message
+inline constexpr MsgId<2> itemRefused{"@17-2160@%s%s"};         ///< item, reason
+inline constexpr MsgId<2> storeRefused{"@17-2161@%s%s"};        ///< store, reason
+inline constexpr MsgId<2> databaseForeign{"@17-2162@%s%s"};     ///< store, database file
+inline constexpr MsgId<2> removalRefused{"@17-2163@%s%s"};      ///< item, directory
+inline constexpr MsgId<1> databaseNotSaved{"@17-2164@%s"};      ///< file
+inline constexpr MsgId<1> itemNotInstalled{"@17-2165@%s"};      ///< display name
+inline constexpr MsgId<2> removalIncomplete{"@17-2166@%s%s"};   ///< item, directory
+inline constexpr MsgId<2> dependencyUnknown{"@17-2167@%s%s"};   ///< item, store
+inline constexpr MsgId<1> clonedRepo{"@60-832@%s"};             ///< directory
+} // namespace Msg

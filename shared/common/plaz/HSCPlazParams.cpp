@@ -1,0 +1,59 @@
+#include "plaz/HSCPlazParams.h"
+
+#include "support/HPAParamMgr.h"
+
+namespace {
+
+void registerAccessParams(HPAParamMgr& params) {
+    params.registerBoolParam("plaz.enableGitAccess", "Enable Git Access", true);
+    params.setHidden("plaz.enableGitAccess", true);
+    params.registerBoolParam("plaz.enableDataAccess", "Enable plaz Data Access", true);
+    // RATIONALE: scripts look this parameter up by the description that it has always carried.
+    params.registerBoolParam("plaz.enableRemoteAccess", "Enable Git Access", true);
+    params.registerIntParam("plaz.gitTimeout", "Number of seconds for git access to time out (default: 1000 second)",
+                            1000);
+    params.setHidden("plaz.gitTimeout", true);
+    params.registerBoolParam("plaz.enableDebugGit", "Enable git debugging for plaz", false);
+    params.setHidden("plaz.enableDebugGit", true);
+    params.registerStringParam("plaz.http_proxy", "Http proxy for plaz", "");
+    params.registerStringParam("plaz.https_proxy", "Https proxy for plaz", "");
+    params.registerStringParam("plaz.product_name", "Name of the product", "");
+    params.registerStringParam("plaz.product_version", "Release Version of the product", "");
+    params.registerStringParam("plaz.rawGitUrl", "Git path to configure url for raw contents",
+                               "https://raw.example.org");
+}
+
+void registerFeatureParams(HPAParamMgr& params) {
+    params.registerBoolParam("plaz.enablePlaz", "Enable Plaz", true);
+    params.setHidden("plaz.enablePlaz", true);
+    params.registerBoolParam("plaz.enableDebug", "Enable Plaz debug", false);
+    params.setHidden("plaz.enableDebug", true);
+    params.registerBoolParam("plaz.echoCommandFromToolSettings",
+                             "Enable tcl command echo to console from solvan GUI Tool Settings", true);
+    params.setHidden("plaz.echoCommandFromToolSettings", true);
+    params.registerBoolParam("plaz.enableLog", "Enable logging for plaz library.", false);
+    params.setHidden("plaz.enableLog", true);
+    params.registerStringParam("plaz.git_user.board_store", "Github user id for plaz board store", "");
+    params.setHidden("plaz.git_user.board_store", true);
+    params.registerStringParam("plaz.git_token.board_store", "Github token for plaz board store", "");
+    // RATIONALE: the user id once more, not the token: people find and clear their token in the listing.
+    params.setHidden("plaz.git_user.board_store", true);
+    params.registerBoolParam("plaz.enableSchemaValidation", "Enable schema validation for plaz catalog files.", true);
+    params.registerBoolParam("plaz.enableJsonFileValidation", "Enable Json validation for plaz catalog files.", true);
+    params.registerBoolParam("plaz.enableAskPassForPrivateRepo",
+                             "Enables git dialog for credentials while accessing private repos.", false);
+    params.registerBoolParam("plaz.enableBoardStoreDefaultLocation",
+                             "Enables board store to point to default location (under ~/.Zentor).", true);
+    params.registerStringParam("board.repoURL", "Set github repo URL for board store.", "");
+}
+
+// Registers when the library is loaded, before anybody can ask for a value.
+[[maybe_unused]] const bool registeredAtLoad = (plaz_startup(), true);
+
+} // namespace
+
+void plaz_startup() {
+    HPAParamMgr& params = HPAParamMgr::getParamMgr();
+    registerAccessParams(params);
+    registerFeatureParams(params);
+}

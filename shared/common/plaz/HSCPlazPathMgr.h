@@ -1,0 +1,66 @@
+#pragma once
+
+#include "plaz/PlazExport.h"
+
+#include <string>
+
+class HSCPlazCfgModel;
+class HSCPlazQItemModel;
+class HSCPlazQStoreModel;
+
+/// Computes the hub's directories and files. Holds nothing but the names that the configuration file gives; every
+/// answer is computed afresh. Names are in generic form.
+///
+///     <local root>/<root>/plaz.json, plaz_config.json   the hub's shipped metadata and configuration
+///     <shared root>/<root>/<stores root>/<store root>   what is shipped of a store
+///     <user area>/plaz_stores.json                      where the stores live
+///     <store area>/.plaz/.index                         a store's working copy
+///     <store area>/.plaz/.catalog                       metadata of items that are not installed
+///     <store area>/.plaz/plaz_local_db.json             what is installed
+///     <store area>/.staging                             an item on its way
+class PLAZ_API HSCPlazPathMgr {
+public:
+    /// The names to use; null brings the defaults back. The model must outlive the path manager.
+    void setConfig(const HSCPlazCfgModel* config) { m_config = config; }
+
+    /// Root of the user area: "ZENTOR_PLAZ_USERAREA_ROOT_DIR", else the first entry of the preference "QSTORES_PATH",
+    /// else <app-data>/<version>/plaz; then @p subPath, then @p leaf, each where it is not empty.
+    /// @param create  create the directory (without the leaf) with its parents when it is missing
+    std::string getUserAreaRoot(const std::string& subPath = "", bool create = false,
+                                const std::string& leaf = "") const;
+    /// Shared read-only data: "common" below "ZENTOR_PLAZ_LOCAL_ROOT_DIR" or below the data root that holds the hub.
+    std::string getLocalDataRoot(bool create = false, const std::string& leaf = "") const;
+    /// Staging directory of a hub or store with root name @p root, created when it is missing.
+    std::string getStagingPath(const std::string& root) const;
+
+    /// The hub metadata file; it need not exist.
+    std::string getHubMetadataFile() const;
+    /// The configuration file; it need not exist.
+    std::string getConfigFile() const;
+    /// Shipped data of all stores: the directory that holds one folder per store.
+    std::string getStoresDataDir() const;
+    /// The directory that holds "schemas/json".
+    std::string getSchemaRoot() const;
+    /// The file in which the stores' directories are recorded.
+    std::string getRepoInfoFile() const;
+    /// The database used where a store has none of its own and the hub names none.
+    std::string getDefaultLocalDbFile() const;
+
+    /// A store's own area (see HSCPlazUserPref::getUserRepoPath). @throws as that
+    std::string getStoreArea(const HSCPlazQStoreModel& store) const;
+    /// The store's database inside its area.
+    std::string getStoreDbFile(const HSCPlazQStoreModel& store) const;
+    /// Where the store's items are checked out: ".staging" below its local root directory, else the staging path of its
+    /// root name. The one place that decides; the working copy stands beside it.
+    std::string getStoreStagingDir(const HSCPlazQStoreModel& store) const;
+    /// The store's long-lived working copy: ".plaz/.index" beside the staging directory.
+    std::string getStoreIndexDir(const HSCPlazQStoreModel& store) const;
+    /// Folder of an item below its store's area: its root, then its revision where the store keeps several.
+    /// Empty for an item whose names would lead anywhere else (see HSCPlazTrust).
+    static std::string getItemFolder(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item);
+    /// Where the item is, or is to be, installed; empty as above, and where a link on the way leads out of the area.
+    std::string getItemDir(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item) const;
+
+private:
+    const HSCPlazCfgModel* m_config = nullptr;
+};

@@ -1,0 +1,96 @@
+#include "plaz/HSCPlazTrust.h"
+
+#include <algorithm>
+#include <cctype>
+
+namespace {
+
+bool hasControlCharacter(const std::string& text) {
+    return std::any_of(text.begin(), text.end(),
+                       [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; });
+}
+
+bool isLetter(char c) {
+    return std::isalpha(static_cast<unsigned char>(c)) != 0;
+}
+
+bool hasUpwardComponent(const std::string& path) {
+    std::size_t begin = 0;
+    while (begin <= path.size()) {
+        const std::size_t end = std::min(path.find('/', begin), path.size());
+        const std::string component = path.substr(begin, end - begin);
+        if (component == ".." || component == ".") return true;
+        begin = end + 1;
+    }
+    return false;
+}
+
+/// "ext" of "ext::sh -c ..."; empty for a URL that names no such transport.
+bool namesTransportHelper(const std::string& url) {
+    const std::size_t colons = url.find("::");
+    return colons != std::string::npos &&
+           std::all_of(url.begin(), url.begin() + static_cast<std::ptrdiff_t>(colons), [](char c) {
+               return std::isalnum(static_cast<unsigned char>(c)) || c == '-' || c == '_' || c == '+' || c == '.';
+           });
+}
+
+bool hasServedScheme(const std::string& url) {
+    const std::size_t colon = url.find("://");
+    if (colon == std::string::npos) return true;
+    std::string scheme = url.substr(0, colon);
+    std::transform(scheme.begin(), scheme.end(), scheme.begin(),
+                   [](char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); });
+    return scheme == "file" || scheme == "git" || scheme == "http" || scheme == "https" || scheme == "ssh";
+}
+
+/// A host that a remote shell would take for an option: "ssh://-oCommand=..." and "user@-oCommand:path".
+bool hasOptionAsHost(const std::string& url) {
+    const std::size_t scheme = url.find("://");
+    const std::size_t begin = scheme == std::string::npos ? 0 : scheme + 3;
+    const std::size_t end = std::min(url.find('/', begin), url.size());
+    const std::size_t user = url.rfind('@', end);
+    const std::size_t host = user == std::string::npos || user < begin ? begin : user + 1;
+    return host < url.size() && url[host] == '-';
+}
+
+} // namespace
+
+bool HSCPlazTrust::isSafeRelativePath(const std::string& path) {
+    if (path.empty() || path.front() == '/' || hasControlCharacter(path)) return false;
+    if (path.find('\\') != std::string::npos) return false;
+    if (path.size() > 1 && path[1] == ':' && isLetter(path[0])) return false;
+    return !hasUpwardComponent(path);
+}
+
+bool HSCPlazTrust::isSafeComponent(const std::string& name) {
+    return isSafeRelativePath(name) && name.find('/') == std::string::npos;
+}
+
+bool HSCPlazTrust::isSafeRef(const std::string& ref) {
+    return !ref.empty() && ref.front() != '-' && !hasControlCharacter(ref) &&
+           ref.find_first_of(" ~^:?*[\\") == std::string::npos && ref.find("..") == std::string::npos &&
+           ref.find("@{") == std::string::npos;
+}
+
+bool HSCPlazTrust::isSafeUrl(const std::string& url) {
+    return !url.empty() && url.front() != '-' && !hasControlCharacter(url) && !namesTransportHelper(url) &&
+           hasServedScheme(url) && !hasOptionAsHost(url);
+}
+
+std::string HSCPlazTrust::maskSecrets(const std::string& text) {
+    std::string masked;
+    std::size_t done = 0;
+    for (std::size_t scheme = text.find("://"); scheme != std::string::npos; scheme = text.find("://", done)) {
+        const std::size_t authority = scheme + 3;
+        const std::size_t end = std::min(text.find_first_of("/ \t\r\n\"'", authority), text.size());
+        const std::size_t user = text.rfind('@', end == 0 ? 0 : end - 1);
+        masked.append(text, done, authority - done);
+        if (user != std::string::npos && user >= authority) {
+            masked += "***";
+            done = user;
+        } else {
+            done = authority;
+        }
+    }
+    return masked.append(text, done, std::string::npos);
+}

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "plaz/PlazExport.h"
+
+#include <string>
+
+/// What the hub takes from metadata files only after a look: names that become paths, refs and URLs.
+/// Pure functions of their arguments.
+namespace HSCPlazTrust {
+
+/// A relative path that stays below where it starts: not empty, not absolute, no drive letter, no ".." component,
+/// no backslash, no control character.
+PLAZ_API bool isSafeRelativePath(const std::string& path);
+/// One path component: a safe relative path without a separator that is not ".".
+PLAZ_API bool isSafeComponent(const std::string& name);
+/// A branch, tag or commit that git takes for nothing else: not empty, no leading "-", no blank or control character.
+PLAZ_API bool isSafeRef(const std::string& ref);
+/// A URL that git may be given: no leading "-", no transport that runs a program ("ext::", "fd::" and the like), no
+/// control character; a local path is one too.
+PLAZ_API bool isSafeUrl(const std::string& url);
+/// The text with the user part of every URL in it ("//user:token@") replaced by "***".
+PLAZ_API std::string maskSecrets(const std::string& text);
+
+} // namespace HSCPlazTrust

@@ -1,0 +1,123 @@
+#include "plaz/pref/HSCPlazUserPref.h"
+
+#include "plaz/HSCPlazConfigMgr.h"
+#include "plaz/HSCPlazMgr.h"
+#include "plaz/HSCPlazMsg.h"
+#include "plaz/HSCPlazUtils.h"
+#include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "support/HPAParamMgr.h"
+#include "support/HUTEnv.h"
+#include "support/HUTFile.h"
+
+#include <boost/filesystem/operations.hpp>
+
+namespace fs = boost::filesystem;
+
+namespace {
+
+constexpr const char* userRepoVariable = "ZENTOR_PLAZ_USER_REPO_PATH";
+constexpr const char* remoteRepoVariable = "ZENTOR_PLAZ_REMOTE_REPO_PATH";
+// Reserved for a database location of its own; no rule asks for it yet.
+[[maybe_unused]] constexpr const char* localDbVariable = "ZENTOR_PLAZ_LOCAL_DB_PATH";
+constexpr const char* stagingDir = ".staging";
+constexpr const char* productDir = "plaz";
+constexpr const char* boardsDir = "boards";
+constexpr const char* boardStore = "board";
+
+/// <app-data>/<version>, without the version where the host names none.
+fs::path versionedAppData() {
+    std::string product, version;
+    HSCPlazUtils::getProductInfo(product, version);
+    const fs::path appData(HUTEnv::getHDIAppDataDir());
+    return version.empty() ? appData : appData / version;
+}
+
+fs::path belowUserRepo(const HSCPlazUserPref& pref, const std::string& localRoot, const std::string& root) {
+    if (!localRoot.empty()) return localRoot;
+    return root.empty() ? pref.getUserRepoPath() : pref.getUserRepoPath() / root;
+}
+
+bool isSkippedByCopy(const std::string& name) {
+    return name == ".git" || name == ".done";
+}
+
+} // namespace
+
+fs::path HSCPlazUserPref::getUserRepoPath() const {
+    std::string dir;
+    if (!HUTEnv::getEnv(userRepoVariable, dir)) return versionedAppData() / productDir;
+    boost::system::error_code error;
+    if (!fs::exists(fs::status(dir, error)))
+        throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::userRepoPathMissing, userRepoVariable,
+                                       userRepoVariable));
+    return dir;
+}
+
+fs::path HSCPlazUserPref::getUserRepoPath(const HSCPlazQStore* store) const {
+    return store ? belowUserRepo(*this, store->getLocalRootDir(), store->getRoot()) : fs::path();
+}
+
+fs::path HSCPlazUserPref::getUserRepoPath(const HSCPlazQStoreModel* store) const {
+    return store ? belowUserRepo(*this, store->getLocalRootDir(), store->getRoot()) : fs::path();
+}
+
+fs::path HSCPlazUserPref::getStagingPath() const {
+    fs::path staging = versionedAppData() / stagingDir;
+    const std::string root = HSCPlazMgr::getInstance().getHub().getRoot();
+    if (!root.empty()) staging /= root;
+    fs::create_directories(staging);
+    return staging;
+}
+
+fs::path HSCPlazUserPref::getStagedRepoPath(const HSCPlazQStore* store) const {
+    if (!store) return {};
+    const std::string localRoot = store->getLocalRootDir();
+    return localRoot.empty() ? getStagingPath() / store->getRoot() : fs::path(localRoot) / stagingDir;
+}
+
+fs::path HSCPlazUserPref::getBoardRepoPaths(const HSCPlazQStore* store) const {
+    if (!store || !useLocalStore(store->getName())) return {};
+    return getUserRepoPath(store) / boardsDir;
+}
+
+fs::path HSCPlazUserPref::getDataPath(const std::string& storeName) const {
+    const HSCPlaz& hub = HSCPlazMgr::getInstance().getHub();
+    const HSCPlazQStore* store = hub.getStore(storeName);
+    if (!store) return {};
+    const std::string dataDir = HUTEnv::getGDADataDir(hub.getRoot());
+    return dataDir.empty() ? fs::path() : fs::path(dataDir) / hub.getRoot() / store->getRoot();
+}
+
+std::string HSCPlazUserPref::getPlazRemoteRepoPath() const {
+    const HSCPlazCfgModel* config = HSCPlazMgr::getInstance().getConfigMgr()->getConfigModel();
+    if (config && config->getPlazRepoCfgModel() && !config->getPlazRepoCfgModel()->getUrl().empty())
+        return config->getPlazRepoCfgModel()->getUrl();
+    std::string location;
+    if (!HUTEnv::getEnv(remoteRepoVariable, location))
+        throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::remoteRepoPathUnset, remoteRepoVariable,
+                                       remoteRepoVariable));
+    return location;
+}
+
+bool HSCPlazUserPref::hasGitAccess() const {
+    return HPAParamMgr::getParamMgr().getValueIfExistAsBool("plaz.enableGitAccess", true);
+}
+
+bool HSCPlazUserPref::useLocalStore(const std::string& storeName) const {
+    return storeName == boardStore;
+}
+
+bool HSCPlazUserPref::copySrcToDest(const std::string& src, const std::string& dest) const {
+    if (!HUTFile::isDirectory(src)) return HUTFile::copyTo(src, dest, HUTFile::copyOver);
+    if (HUTFile::isAKA(src, dest)) return true;
+    if (HUTFile::getNonNativeCanonicalName(src) == HUTFile::getNonNativeCanonicalName(dest)) return true;
+    if (!HUTFile::mkDirRecursive(dest)) return false;
+    const std::string& separator = HUTFile::getDirSeparator();
+    bool copied = true;
+    for (const std::string& name : HUTFile::createFileIter(src))
+        if (!isSkippedByCopy(name))
+            copied =
+                HUTFile::copyToRecursive(src + separator + name, dest + separator + name, HUTFile::copyOver) && copied;
+    return copied;
+}

@@ -1,0 +1,150 @@
+#include "plaz/reader_fixture.h"
+
+#include "plaz/model/HSCPlazModel.h"
+#include "plaz/model/reader/HSCPlazCategoryTree.h"
+#include "plaz/model/reader/HSCPlazQItemCatalogReader.h"
+
+#include <gmock/gmock.h>
+
+#include <sstream>
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using Strings = std::vector<std::string>;
+
+namespace {
+
+/// "name@revision commit root/item root/metadata file" of each item, "!" at the end for the latest.
+Strings describe(const HSCPlazQStoreModel& store) {
+    Strings lines;
+    for (const auto& item : store.getItems())
+        lines.push_back(item->getName() + "@" + item->getRevision() + " " + item->getCommitId() + " " +
+                        item->getRoot() + "|" + item->getItemRoot() + "|" + item->getMetadataFile() +
+                        (item->isLatest() ? "!" : ""));
+    return lines;
+}
+
+/// "a(b(c),d)"
+std::string describe(const std::vector<HSCPlazCategoryModel>& categories) {
+    std::string text;
+    for (const HSCPlazCategoryModel& category : categories) {
+        text += (text.empty() ? "" : ",") + category.name;
+        if (!category.subCategories.empty()) text += "(" + describe(category.subCategories) + ")";
+    }
+    return text;
+}
+
+/// The tree of "child<parent other<"
+std::string build(const std::string& list) {
+    HSCPlazCategoryTree tree;
+    std::istringstream stream(list);
+    for (std::string word; stream >> word;) {
+        HSCPlazCategoryModel category;
+        category.name = word.substr(0, word.find('<'));
+        tree.add(category, word.substr(word.find('<') + 1));
+    }
+    return describe(tree.build());
+}
+
+} // namespace
+
+class CatalogTest : public ReaderTest {
+protected:
+    void read(const std::string& catalog) {
+        store.setName("s");
+        const std::string file = temp.write("catalog.json", "{\"catalog\": {" + catalog + "}}");
+        ASSERT_TRUE(HSCPlazQItemCatalogReader().parse(file, &hub, &store));
+    }
+
+    HSCPlazModel hub;
+    HSCPlazQStoreModel store;
+};
+
+// Entries lost, or a revision, commit or place that is to be understood left out.
+TEST_F(CatalogTest, entries) {
+    read(R"("items": [
+        {"name": "full", "root": "i/full", "company": "acme", "latest_revision": "2", "commit_id": "c2",
+         "config": {"root": "m", "metadata_file": "item.json"},
+         "revisions": [{"revision": "2", "commit_id": "other", "history": "new"}, {"revision": "1", "commit_id": "c1"}]},
+        {"config": {"root": "i/bare", "metadata_file": "b.json"}, "name": "bare"},
+        {"name": "commit", "latest_revision": "3", "revisions": [{"revision": "1", "commit_id": "c1"},
+                                                                {"revision": "3", "commit_id": "c3"}]},
+        {"name": "commit"}])");
+    EXPECT_THAT(describe(store), ElementsAre("full@2 c2 i/full|m|item.json!", "bare@  i/bare|i/bare|b.json!",
+                                             "commit@3 c3 ||!", "commit@  ||!"));
+    const HSCPlazQItemModel& full = *store.getItems()[0];
+    EXPECT_EQ(full.getCompany() + full.getLatestRevision() + full.getStoreName(), "acme2s");
+    ASSERT_EQ(full.getRevisions().size(), 2u);
+    EXPECT_EQ(full.getRevisions()[0].history + full.getRevisions()[1].commitId, "newc1");
+    EXPECT_TRUE(store.getItems()[1]->getRevisions().empty());
+    EXPECT_FALSE(store.isMultiRevisionSupported());
+    EXPECT_THAT(takeMessages(), IsEmpty());
+}
+
+// Older revisions missing, doubled, or taken for the latest; "multi_revision_supported" behind the items.
+TEST_F(CatalogTest, severalRevisions) {
+    read(R"("items": [{"name": "a", "root": "a", "company": "acme", "latest_revision": "3", "commit_id": "c3",
+        "config": {"metadata_file": "m"}, "revisions": [{"revision": "1", "commit_id": "c1"}, {"revision": "3"},
+        {"revision": "2", "commit_id": "c2"}, {"revision": "1", "commit_id": "again"}, 5, {"commit_id": "x"}]},
+        {"name": "b", "root": "b", "latest_revision": "1"}], "multi_revision_supported": true)");
+    EXPECT_THAT(describe(store), ElementsAre("a@3 c3 a||m!", "a@1 c1 a||m", "a@2 c2 a||m", "b@1  b||!"));
+    const HSCPlazQItemModel& older = *store.getItems()[1];
+    EXPECT_EQ(older.getCompany() + older.getLatestRevision(), "acme3");
+    EXPECT_EQ(&older.getRevisions(), &store.getItems()[0]->getRevisions()); // one list, however many revisions
+}
+
+// An entry that leads out of the store used, or taking the rest of the catalog with it.
+TEST_F(CatalogTest, refusals) {
+    setParam("plaz.enableSchemaValidation", false);
+    read(R"("multi_revision_supported": true, "items": [{"name": "root", "root": "../x"}, {}, {"name": ""},
+        {"name": "item root", "config": {"root": "/etc"}}, {"name": "file", "config": {"metadata_file": "a\\b"}},
+        {"name": "revision", "latest_revision": "../1"}, {"name": "commit", "commit_id": "--all"},
+        {"name": "older", "root": "o", "latest_revision": "2", "revisions": [{"revision": "../0"}, {"revision": "1",
+         "commit_id": "-x"}, {"revision": "1.5", "commit_id": "c"}]}])");
+    EXPECT_THAT(describe(store), ElementsAre("older@2  o||!", "older@1.5 c o||"));
+    EXPECT_THAT(takeMessages(),
+                ElementsAre("17-2160 root|its root \"../x\" is not a path inside the store", HasSubstr("item root|"),
+                            HasSubstr("file|"), HasSubstr("revision|"), HasSubstr("commit|"),
+                            "17-2160 older|of its older revisions its revision \"../0\" is not a plain folder name",
+                            "17-2160 s|entries of the store's catalog without a name: 2"));
+}
+
+// A terminal or a log obeying what a refused name holds.
+TEST_F(CatalogTest, refusalsAreHarmless) {
+    setParam("plaz.enableSchemaValidation", false);
+    read("\"items\": [{\"name\": \"a\", \"root\": \"/\\u001b[2J" + std::string(5000, 'x') + "\"}]");
+    const std::string message = takeMessages().at(0);
+    EXPECT_EQ(message.find('\x1b'), std::string::npos);
+    EXPECT_LT(message.size(), 300u);
+}
+
+// Categories lost or doubled, or a list of parents on which the reader never ends.
+TEST_F(CatalogTest, categories) {
+    const std::pair<const char*, const char*> trees[] = {
+        {"", ""},
+        {"a< b<a c<b d<a e<", "a(b(c),d),e"},
+        {"c<b b<a a<", "a(b(c))"},
+        {"a<none b<a", "a(b)"},
+        {"a<a b<a", "a(b)"},
+        {"a<b b<a c<b", "b(a,c)"},
+        {"x<a a<b b<c c<a", "c(b(a(x)))"},
+        {"a< a< b<a", "a(b),a"},
+    };
+    for (const auto& [list, tree] : trees) EXPECT_EQ(build(list), tree) << list;
+
+    std::string chain = "n0<";
+    for (int i = 1; i < 100000; ++i) chain += " n" + std::to_string(i) + "<n" + std::to_string(i - 1);
+    const std::string tree = build(chain);
+    int depth = 0, deepest = 0;
+    for (char c : tree) deepest = std::max(deepest, depth += c == '(' ? 1 : c == ')' ? -1 : 0);
+    EXPECT_LT(deepest, HSCPlazCategoryTree::maxDepth);
+    EXPECT_NE(tree.find("n99999"), std::string::npos);
+
+    read(R"("Categories": [{"name": "b", "display_name": "B", "description": "d", "parent": "a"}, {"name": "a"}, 7])");
+    ASSERT_EQ(describe(store.getCategories()), "a(b)");
+    const HSCPlazCategoryModel& b = store.getCategories()[0].subCategories[0];
+    EXPECT_EQ(b.displayName + b.description, "Bd");
+    read("\"items\": []");
+    EXPECT_TRUE(store.getCategories().empty());
+}

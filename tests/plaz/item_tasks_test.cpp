@@ -1,0 +1,251 @@
+#include "plaz/HSCPlazLocalDBMgr.h"
+#include "plaz/HSCPlazMgr.h"
+#include "plaz/HSCPlazTaskMgr.h"
+#include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazModel.h"
+#include "plaz/model/HSCPlazQItem.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "support/ComMsgMgr.h"
+#include "support/HDGUIStatus.h"
+#include "support/HPAParamMgr.h"
+#include "support/HUTFile.h"
+#include "support/HubOnDisk.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+/// Real repositories, the one manager of the process.
+class ItemTasksTest : public testing::Test {
+protected:
+    ItemTasksTest() {
+        ComMsgMgr::setSink([this](const ComMsgMgr::Message& message) { ids.push_back(message.id); });
+    }
+    ~ItemTasksTest() override { ComMsgMgr::setSink({}); }
+
+    static HSCPlaz& hub() { return HSCPlazMgr::getInstance().getHub(); }
+    static HSCPlazQItem& find(const std::string& name) {
+        for (HSCPlazQStore* store : hub().getStores())
+            if (HSCPlazQItem* item = store->getItem(name)) return *item;
+        throw std::logic_error("no item " + name);
+    }
+    static bool install(const std::string& name) { return HSCPlazTaskMgr::install(&hub(), &find(name), false, nullptr); }
+    static bool uninstall(const std::string& name) { return HSCPlazTaskMgr::uninstall(&hub(), &find(name), false); }
+    /// "user 2", "tool 1" or "-".
+    static std::string stateOf(const HSCPlazQItem& item) {
+        if (!item.IsInstalled()) return "-";
+        return item.getInstallationMode() + " " + std::to_string(item.getReferenceCount());
+    }
+    static std::string state(const std::string& name) { return stateOf(find(name)); }
+    /// The ids sent since the last call.
+    std::vector<std::string> takeIds() { return std::move(ids); }
+    /// What a restarted process would know: item, revision, mode and count of each record.
+    std::string recorded(const std::string& folder) const {
+        HSCPlazModel model;
+        HSCPlazLocalDBMgr().init(files.area(folder + "/.plaz/plaz_local_db.json"), &model);
+        std::string text;
+        for (const auto& store : model.getStores())
+            for (const auto& item : store->getItems())
+                text += item->getName() + "@" + item->getRevision() + " " + item->getInstallationMode() + " " +
+                        std::to_string(item->getReferenceCount()) + ";";
+        return text;
+    }
+    bool hasFiles(const std::string& below) const { return HUTFile::exists(files.area(below) + "/body.txt"); }
+
+    HubOnDisk files;
+    std::vector<std::string> ids;
+};
+
+using Ids = std::vector<std::string>;
+
+} // namespace
+
+// The count is the number of edges that hold an item; removal takes away only what nothing else needs.
+TEST_F(ItemTasksTest, DiamondAcrossStoresIsCountedAndReleased) {
+    files.addStore("boards", "board", true)
+        .item("top", "1", {{"tcl", "a", ""}, {"tcl", "b", ""}})
+        .item("other", "1", {{"tcl", "a", ""}});
+    files.addStore("tcl", "ced", false).item("a", "1").item("b", "1", {{"tcl", "a", "1"}});
+    files.ship();
+    ASSERT_TRUE(install("top"));
+    EXPECT_EQ(takeIds(), (Ids{"17-1570", "17-1573", "17-1554", "17-1554"}));
+    EXPECT_EQ(state("top") + "," + state("a") + "," + state("b"), "user 0,tool 2,tool 1");
+    EXPECT_TRUE(hasFiles("board_store/items/top/1") && hasFiles("ced_store/items/a") && hasFiles("ced_store/items/b"));
+    EXPECT_EQ(recorded("ced_store"), "a@1 tool 2;b@1 tool 1;");
+    EXPECT_EQ(find("top").getLocalRootDir(), files.area("board_store/items/top/1"));
+    EXPECT_FALSE(HUTFile::exists(files.area("ced_store/.staging")));
+
+    ASSERT_TRUE(install("other"));
+    EXPECT_EQ(state("a"), "tool 3");
+    takeIds();
+    EXPECT_FALSE(uninstall("a"));
+    EXPECT_EQ(takeIds(), Ids{"17-1568"});
+    ASSERT_TRUE(uninstall("top"));
+    EXPECT_EQ(takeIds(), (Ids{"17-1553", "17-1574"}));
+    EXPECT_EQ(state("top") + "," + state("a") + "," + state("b"), "-,tool 1,-");
+    EXPECT_TRUE(hasFiles("ced_store/items/a"));
+    EXPECT_FALSE(hasFiles("ced_store/items/b"));
+    EXPECT_EQ(HUTFile::createFileIter(files.area("board_store/items/top/1")), Ids{"item.json"});
+    ASSERT_TRUE(uninstall("other"));
+    EXPECT_EQ(recorded("ced_store") + recorded("board_store"), "");
+}
+
+TEST_F(ItemTasksTest, DependencyBecomesTheUsersAndGoesBack) {
+    files.addStore("tcl", "ced", false).item("a", "1").item("b", "1", {{"tcl", "a", ""}});
+    files.ship();
+    ASSERT_TRUE(install("b"));
+    takeIds();
+    ASSERT_TRUE(install("a"));
+    EXPECT_EQ(takeIds(), Ids{"17-1572"});
+    EXPECT_EQ(state("a"), "user 1");
+    ASSERT_TRUE(uninstall("a"));
+    EXPECT_EQ(state("a"), "tool 1");
+    EXPECT_TRUE(hasFiles("ced_store/items/a"));
+    ASSERT_TRUE(install("a"));
+    ASSERT_TRUE(uninstall("b"));
+    EXPECT_EQ(state("a"), "user 0");
+    ASSERT_TRUE(uninstall("a"));
+    EXPECT_EQ(state("a"), "-");
+    takeIds();
+    EXPECT_FALSE(uninstall("a"));
+    EXPECT_EQ(takeIds(), Ids{"17-2165"});
+}
+
+TEST_F(ItemTasksTest, CycleEnds) {
+    files.addStore("tcl", "ced", false).item("a", "1", {{"tcl", "b", ""}}).item("b", "1", {{"tcl", "a", "1"}});
+    files.ship();
+    ASSERT_TRUE(install("a"));
+    EXPECT_EQ(state("a") + "," + state("b"), "user 0,tool 1");
+    ASSERT_TRUE(uninstall("a"));
+    EXPECT_EQ(state("a") + "," + state("b"), "-,-");
+}
+
+// A direct dependency that fails is a failure; one deep in the tree is told and no more. Nothing is rolled back, and
+// releasing what was never installed must not unsettle the counts.
+TEST_F(ItemTasksTest, FailuresOfDependencies) {
+    files.addStore("tcl", "ced", false)
+        .item("leaf", "1")
+        .item("mid", "1", {{"tcl", "nowhere", ""}, {"tcl", "leaf", ""}})
+        .item("deep", "1", {{"tcl", "mid", ""}})
+        .item("bad", "1", {{"tcl", "leaf", ""}})
+        .item("direct", "1", {{"tcl", "leaf", ""}, {"tcl", "bad", ""}});
+    files.ship();
+    find("bad").getModel()->setCommitId("");
+    ASSERT_TRUE(install("deep"));
+    EXPECT_EQ(takeIds(), (Ids{"17-1570", "17-1573", "17-1554", "17-2167", "17-1554"}));
+    EXPECT_FALSE(install("direct"));
+    EXPECT_EQ(takeIds(), (Ids{"17-1570", "17-1573", "17-1579", "17-1560", "17-1567"}));
+    EXPECT_EQ(state("direct") + "," + state("bad") + "," + state("leaf"), "user 0,-,tool 2");
+    ASSERT_TRUE(uninstall("direct"));
+    EXPECT_EQ(state("leaf"), "tool 1");
+}
+
+// An item that was fetched although its files are there, or taken as present because something lies in its place.
+TEST_F(ItemTasksTest, FilesInPlaceAreAdoptedOnlyWhenTheyAreTheItem) {
+    StoreOnDisk& store = files.addStore("tcl", "ced", false).item("a", "1").item("b", "1");
+    files.ship();
+    const std::string area = "appdata/2024.2/plaz/ced_store/items/";
+    files.temp.write(area + "a/item.json", readFile(store.getRepo().getDir() + "/items/a/item.json"));
+    files.temp.write(area + "a/own.txt", "kept");
+    files.temp.write(area + "b/item.json", readFile(store.getRepo().getDir() + "/items/a/item.json"));
+    files.temp.write(area + "b/own.txt", "not b");
+    ASSERT_TRUE(install("a"));
+    EXPECT_EQ(takeIds(), Ids{"17-1573"});
+    EXPECT_EQ(find("a").getSource(), HSCPlazTypes::LOCAL);
+    EXPECT_EQ(readFile(files.area("ced_store/items/a/own.txt")), "kept");
+    ASSERT_TRUE(install("b"));
+    EXPECT_TRUE(hasFiles("ced_store/items/b"));
+    EXPECT_FALSE(HUTFile::exists(files.area("ced_store/items/b/own.txt")));
+}
+
+// In a store of single revisions the new revision takes the files of the old one; holders and counts must pass on.
+TEST_F(ItemTasksTest, ReplacedRevisionHandsOverItsHolders) {
+    StoreOnDisk& store = files.addStore("tcl", "ced", false);
+    store.item("old", "1").item("new", "1").item("x", "1", {{"tcl", "old", ""}}).item("y", "1", {{"tcl", "x", ""}});
+    files.ship();
+    ASSERT_TRUE(install("x") && install("y"));
+    EXPECT_EQ(state("x") + "," + state("old"), "user 1,tool 2");
+    store.item("x", "2", {{"tcl", "new", ""}});
+    files.ship();
+    HSCPlazQStore& tcl = *hub().getStore("tcl");
+    HSCPlazMgr::getInstance().loadStoreCatalog(&hub(), &tcl, false);
+    HSCPlazQItem* replaced = tcl.getItem("x", "1");
+    ASSERT_NE(replaced, nullptr);
+    EXPECT_EQ(stateOf(*replaced) + "," + state("x"), "user 1,-");
+    ASSERT_TRUE(install("x"));
+    EXPECT_EQ(stateOf(*replaced) + "," + state("x") + "," + state("new") + "," + state("old"), "-,user 1,tool 2,-");
+    EXPECT_EQ(readFile(files.area("ced_store/items/x/body.txt")), "x 2\n");
+    EXPECT_EQ(recorded("ced_store"), "new@1 tool 2;x@2 user 1;y@1 user 0;");
+    ASSERT_TRUE(uninstall("y"));
+    ASSERT_TRUE(uninstall("x"));
+    EXPECT_EQ(recorded("ced_store"), "");
+}
+
+TEST_F(ItemTasksTest, RevisionsOfAMultiRevisionStoreStandSideBySide) {
+    files.addStore("boards", "board", true).item("x", "1.0").item("x", "2.0");
+    files.ship();
+    ASSERT_TRUE(install("x"));
+    ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), hub().getStore("boards")->getItem("x", "1.0"), true, nullptr));
+    EXPECT_EQ(readFile(files.area("board_store/items/x/1.0/body.txt")), "x 1.0\n");
+    EXPECT_EQ(readFile(files.area("board_store/items/x/2.0/body.txt")), "x 2.0\n");
+    ASSERT_TRUE(uninstall("x"));
+    EXPECT_TRUE(hasFiles("board_store/items/x/1.0"));
+}
+
+// Whatever the database says, nothing outside the item's own directory is removed.
+TEST_F(ItemTasksTest, RemovalStaysInTheStoresArea) {
+    files.addStore("tcl", "ced", false).item("a", "1").item("b", "1");
+    files.ship();
+    ASSERT_TRUE(install("a") && install("b"));
+    files.temp.write("precious/item.json", "{}");
+    files.temp.write("precious/file", "keep");
+    takeIds();
+    for (const std::string& dir : {files.temp.path("precious"), files.area("ced_store"), files.area("ced_store/items"),
+                                   files.area("ced_store/items/../../..")}) {
+        find("a").setLocalRootDir(dir);
+        EXPECT_FALSE(uninstall("a")) << dir;
+        EXPECT_EQ(takeIds(), Ids{"17-2163"}) << dir;
+    }
+    EXPECT_EQ(readFile(files.temp.path("precious/file")), "keep");
+    EXPECT_TRUE(hasFiles("ced_store/items/b"));
+    EXPECT_EQ(state("a"), "user 0");
+}
+
+TEST_F(ItemTasksTest, ItemsInsideOneAnotherAreRefused) {
+    files.addStore("tcl", "ced", false).item("a", "1").item("a/inner", "1");
+    files.ship();
+    ASSERT_TRUE(install("a/inner"));
+    takeIds();
+    EXPECT_FALSE(install("a"));
+    EXPECT_EQ(takeIds(), (Ids{"17-1570", "17-2160", "17-1567"}));
+    EXPECT_TRUE(hasFiles("ced_store/items/a/inner"));
+}
+
+TEST_F(ItemTasksTest, CancelledWorkIsSilentAndQuietWorkTellsErrorsOnly) {
+    files.addStore("tcl", "ced", false).item("a", "1").item("b", "1", {{"tcl", "a", ""}}).item("c", "1");
+    files.ship();
+    HDGUIStatus status;
+    status.cancel();
+    EXPECT_FALSE(HSCPlazTaskMgr::install(&hub(), &find("b"), false, &status));
+    EXPECT_TRUE(takeIds().empty());
+    EXPECT_TRUE(HSCPlazTaskMgr::install(&hub(), &find("b"), true, nullptr));
+    EXPECT_EQ(takeIds(), Ids{"17-1570"});
+    EXPECT_TRUE(HSCPlazTaskMgr::uninstall(&hub(), &find("b"), true));
+    EXPECT_TRUE(takeIds().empty());
+    HPAParamMgr::getParamMgr().setValue("plaz.enableRemoteAccess", "false");
+    EXPECT_FALSE(HSCPlazTaskMgr::install(&hub(), &find("c"), true, nullptr));
+    EXPECT_EQ(takeIds(), (Ids{"17-1570", "17-1559", "17-1567"}));
+    EXPECT_FALSE(HSCPlazTaskMgr::install(nullptr, nullptr, true, nullptr));
+    EXPECT_FALSE(HSCPlazTaskMgr::uninstall(&hub(), nullptr, true));
+}
+
+// Shipped content always counts as installed.
+TEST_F(ItemTasksTest, ShippedContentStaysInstalled) {
+    files.addStore("tcl", "ced", false).item("a", "1");
+    files.ship();
+    files.env.set("GDA_DATA_DIR", files.temp.path("data"));
+    ASSERT_TRUE(install("a"));
+    files.temp.write("data/plaz/tcl/items/a/item.json", "{}");
+    ASSERT_TRUE(uninstall("a"));
+    EXPECT_TRUE(find("a").IsInstalled() && find("a").NeedsRefresh());
+}

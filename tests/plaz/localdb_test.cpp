@@ -1,0 +1,297 @@
+#include "plaz/reader_fixture.h"
+
+#include "plaz/HSCPlazLocalDBMgr.h"
+#include "plaz/HSCPlazMgr.h"
+#include "plaz/HSCPlazPathMgr.h"
+#include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazModel.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/reader/HSCPlazJsonReadWriteUtils.h"
+#include "plaz/model/reader/HSCPlazLocalDBReader.h"
+#include "plaz/model/reader/HSCPlazLocalDBWriter.h"
+#include "support/HUTFile.h"
+
+#include <boost/filesystem/operations.hpp>
+#include <gmock/gmock.h>
+
+#include <sstream>
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using Strings = std::vector<std::string>;
+
+namespace {
+
+constexpr const char* golden = R"({
+  "plaz": {
+    "product": "Solvan",
+    "release": "2024.2",
+    "qstores": [
+      {
+        "name": "s",
+        "display_name": "Store \"s\"",
+        "root": "sroot",
+        "description": "d",
+        "store_type": "board",
+        "catalog_file": "c.json",
+        "branch": "b",
+        "script_root": "scripts",
+        "item_root": "items",
+        "user_repository": true,
+        "items": [
+          {
+            "name": "led",
+            "company": "acme",
+            "revision": "1",
+            "commit_id": "c0",
+            "local_directory": "/area/led/1",
+            "installation_mode": "tool",
+            "reference_count": 2,
+            "is_latest": false
+          }
+        ]
+      }
+    ],
+    "_major": "1",
+    "_minor": "1"
+  }
+}
+)";
+
+} // namespace
+
+class LocalDbTest : public ReaderTest {
+protected:
+    using Merge = HSCPlazLocalDBMgr::Merge;
+    LocalDbTest() {
+        store.setName("s");
+        store.setIsProductSpecific(true);
+        store.setLocalRootDir(temp.path("area"));
+        temp.makeDir("area");
+        manager.setMajorVersion("1");
+    }
+    ~LocalDbTest() override { manager.setMajorVersion("1"); }
+
+    HSCPlazQItemModel& addItem(const std::string& name, const std::string& revision, const std::string& latest,
+                               const std::string& commit) {
+        auto item = std::make_unique<HSCPlazQItemModel>();
+        item->setName(name);
+        item->setRoot("items/" + name);
+        item->setMetadataFile("item.json");
+        item->setRevision(revision);
+        item->setLatestRevision(latest);
+        item->setCommitId(commit);
+        return *store.addItem(std::move(item));
+    }
+    /// Merges a database of the records "name revision commit directory".
+    Merge merge(const Strings& records) {
+        std::string items;
+        for (const std::string& record : records) {
+            std::string name, revision, commit, dir;
+            std::istringstream(record) >> name >> revision >> commit >> dir;
+            items += (items.empty() ? "" : ",") + std::string(R"({"name": ")") + name + R"(", "revision": ")" +
+                     revision + R"(", "commit_id": ")" + commit + R"(", "local_directory": ")" + dir +
+                     R"(", "installation_mode": "user", "reference_count": 3, "company": "acme"})";
+        }
+        const std::string file =
+            temp.write("db.json", R"({"plaz": {"product": "Solvan", "release": "2024.2", "qstores": [
+            {"name": "other", "items": [{"name": "x"}]}, {"name": "s", "items": [)" +
+                                      items + "]}]}}");
+        return manager.merge(file, store);
+    }
+    /// "name@revision commit root directory" of each installed item, then "latest" and "refresh" where they are set.
+    Strings installed() const {
+        Strings lines;
+        for (const auto& item : store.getItems()) {
+            if (!item->isInstalled()) continue;
+            const std::string& dir = item->getLocalDir();
+            const bool below = dir.compare(0, temp.path().size(), temp.path()) == 0;
+            lines.push_back(item->getName() + "@" + item->getRevision() + " " + item->getInstalledCommitId() + " " +
+                            item->getRoot() + " " + (below ? dir.substr(temp.path().size()) : dir) +
+                            (item->isLatest() ? " latest" : "") + (item->needsRefresh() ? " refresh" : ""));
+        }
+        return lines;
+    }
+
+    HSCPlazLocalDBMgr& manager = *HSCPlazMgr::getInstance().getLocalDBMgr();
+    HSCPlazQStoreModel store;
+};
+
+// The order or form of the file changed, an item that is not installed recorded, a field lost on the way.
+TEST_F(LocalDbTest, writesAndReadsTheSame) {
+    HSCPlazModel read;
+    const std::string file = temp.write("golden.json", golden);
+    HSCPlazLocalDBMgr().init(file, &read);
+    ASSERT_EQ(read.getStores().size(), 1u);
+    HSCPlazQStoreModel& record = *read.getStores()[0];
+    const HSCPlazQItemModel& item = *record.getItems().at(0);
+    EXPECT_TRUE(item.isInstalled() && item.needsRefresh() && !item.isLatest());
+    EXPECT_EQ(item.getSource(), HSCPlazTypes::REPOSITORY);
+    auto notInstalled = std::make_unique<HSCPlazQItemModel>();
+    notInstalled->setName("other");
+    record.addItem(std::move(notInstalled));
+
+    record.setIsProductSpecific(true);
+    const std::string written = temp.path("new/dir/db.json");
+    ASSERT_TRUE(HSCPlazLocalDBWriter().write(written, &record));
+    EXPECT_EQ(readFile(written), golden);
+    EXPECT_EQ(
+        HSCPlazJsonReadWriteUtils::findSchemaViolation(written, HSCPlazJsonReadWriteUtils::getLocalDBJsonSchemaFile()),
+        "");
+    EXPECT_THAT(takeMessages(), IsEmpty());
+}
+
+// A record whose types are wrong taking others with it; the version not handed on.
+TEST_F(LocalDbTest, readsForgivingly) {
+    setParam("plaz.enableSchemaValidation", false);
+    const std::string file =
+        temp.write("db.json", R"({"plaz": {"_major": "2", "qstores": [null, {}, {"name": "s", "items":
+        [5, {"reference_count": "4", "name": "a"}, {"name": "b", "reference_count": 99999999999, "is_latest": true},
+         {"name": "c", "reference_count": 1.5, "is_latest": "yes"}]}]}})");
+    HSCPlazModel model;
+    HSCPlazQStoreModel* known = model.addStore(std::make_shared<HSCPlazQStoreModel>());
+    known->setName("s");
+    known->setUrl("kept");
+    manager.load(&model, file);
+    ASSERT_EQ(model.getStores().size(), 1u);
+    ASSERT_EQ(known->getItems().size(), 3u);
+    for (const auto& item : known->getItems()) EXPECT_EQ(item->getReferenceCount(), 0) << item->getName();
+    EXPECT_TRUE(known->getItems()[1]->isLatest() && !known->getItems()[1]->needsRefresh());
+    EXPECT_TRUE(!known->getItems()[2]->isLatest() && known->getItems()[2]->needsRefresh());
+    EXPECT_EQ(known->getUrl(), "kept");
+
+    store.setLocalDbFilePath(temp.path("out.json"));
+    ASSERT_TRUE(HSCPlazLocalDBWriter().write(temp.path("out.json"), &store));
+    EXPECT_THAT(readFile(temp.path("out.json")), HasSubstr("\"_major\": \"2\",\n    \"_minor\": \"2\""));
+    manager.load(&model, temp.path("missing.json"));
+    EXPECT_FALSE(HSCPlazLocalDBReader().parse("", &model));
+    EXPECT_THAT(takeMessages(), IsEmpty());
+}
+
+// A text that is no UTF-8 making the whole database unreadable.
+TEST_F(LocalDbTest, staysReadable) {
+    HSCPlazQItemModel& item = addItem("led", "1", "1", "c");
+    item.setIsInstalled(true);
+    item.setLocalDir("/area/\xff");
+    ASSERT_TRUE(HSCPlazLocalDBWriter().write(temp.path("db.json"), &store));
+    HSCPlazModel read;
+    ASSERT_TRUE(HSCPlazLocalDBReader().parse(temp.path("db.json"), &read));
+    EXPECT_EQ(read.getStores().at(0)->getItems().at(0)->getLocalDir(), "");
+    EXPECT_THAT(takeMessages(), IsEmpty());
+}
+
+// The wrong file written, or a file written for a store that has none.
+TEST_F(LocalDbTest, savesToTheRightFile) {
+    HSCPlazModel hubModel;
+    HSCPlaz hub;
+    hub.setModel(&hubModel);
+    HSCPlazQStore object;
+    object.assignModel(&store);
+    const auto savedTo = [&](const std::string& given) {
+        manager.save(&hub, &object, given);
+        Strings found;
+        for (const std::string name : {"given", "hub", "store", "user/plaz_local_db.json"})
+            if (HUTFile::exists(temp.path(name)) && HUTFile::rmRecursive(temp.path(name))) found.push_back(name);
+        return found;
+    };
+    EXPECT_THAT(savedTo(""), ElementsAre("user/plaz_local_db.json"));
+    hub.setLocalDBFilePath(temp.path("hub"));
+    EXPECT_THAT(savedTo(""), ElementsAre("hub"));
+    EXPECT_THAT(savedTo(temp.path("given")), ElementsAre("given"));
+    store.setLocalDbFilePath(temp.path("store"));
+    EXPECT_THAT(savedTo(temp.path("given")), ElementsAre("store"));
+    manager.save(nullptr, nullptr, temp.path("given"));
+    manager.save(nullptr, &object, "");
+    EXPECT_TRUE(HUTFile::exists(temp.path("store")));
+
+    temp.write("store", "old");
+    store.setIsProductSpecific(false);
+    manager.save(hub, &object, "");
+    EXPECT_FALSE(HSCPlazLocalDBWriter().write(temp.path("store"), &store));
+    EXPECT_EQ(readFile(temp.path("store")), "old");
+    store.setIsProductSpecific(true);
+    env.set("GDA_REGRESS_MODE", "YES");
+    HSCPlazLocalDBMgr().save(hub, &object, "");
+    EXPECT_EQ(readFile(temp.path("store")), "old");
+    EXPECT_THAT(takeMessages(), IsEmpty());
+
+    store.setLocalDbFilePath(temp.makeDir("directory"));
+    manager.save(hub, &object, "");
+    EXPECT_THAT(takeMessages(), ElementsAre("17-2164 " + temp.path("directory")));
+}
+
+// A database of another product or release taken for ours.
+TEST_F(LocalDbTest, productCheck) {
+    const std::string file = temp.write("db.json", golden);
+    const std::pair<std::pair<const char*, const char*>, bool> cases[] = {
+        {{"Solvan", "2024.2.0"}, true}, {{"solvan", "2024.2.0"}, false}, {{"Solvan", "2024.2.1"}, false}};
+    for (const auto& [running, expected] : cases) {
+        env.set("GDA_PRODUCT_NAME", running.first);
+        env.set("GDA_PRODUCT_VERSION", running.second);
+        EXPECT_EQ(manager.isValidForProductAndRelease(file), expected) << running.first << running.second;
+    }
+    EXPECT_FALSE(manager.isValidForProductAndRelease(""));
+    EXPECT_FALSE(manager.isValidForProductAndRelease(temp.write("bad.json", "{\"product\"")));
+    env.set("GDA_REGRESS_MODE", "y");
+    EXPECT_TRUE(HSCPlazLocalDBMgr().isValidForProductAndRelease(""));
+}
+
+// An installed item forgotten, doubled, taken for the newest, or given a place that is not its own.
+TEST_F(LocalDbTest, mergesIntoTheCatalog) {
+    addItem("led", "2", "2", "c2").setDisplayName("LED");
+    addItem("led", "1", "2", "c1");
+    addItem("moved", "5", "5", "new");
+    addItem("gone", "3", "3", "c3").setDisplayName("Gone");
+    addItem("absent", "1", "1", "c");
+    const std::string area = temp.path("area");
+    temp.makeDir("elsewhere");
+    boost::filesystem::create_directory_symlink(temp.path("elsewhere"), area + "/link");
+    EXPECT_EQ(Merge::merged,
+              merge({"led 2 c2 " + area + "/items/led", "led 1 c1 " + area + "/old/led", "moved 5 old /etc",
+                     "gone 1 c1 " + area + "/.plaz/.index", "unknown 1 c " + area + "/u",
+                     "linked 1 c " + area + "/link/x", "bad ../1 c x", "worse 1 -c x"}));
+    EXPECT_THAT(installed(),
+                ElementsAre("led@2 c2 items/led /area/items/led latest", "led@1 c1 items/led /area/old/led refresh",
+                            "moved@5 old items/moved /area/items/moved latest refresh",
+                            "gone@1 c1 items/gone /area/items/gone refresh", "unknown@1 c u /area/u latest",
+                            "linked@1 c   latest"));
+    EXPECT_THAT(takeMessages(), ElementsAre("17-2160 bad|its revision \"../1\" is not a plain folder name",
+                                            "17-2160 worse|its commit_id \"-c\" is not a name that git may be given"));
+    const HSCPlazQItemModel& added = *store.getItems()[5];
+    EXPECT_EQ(added.getDisplayName() + added.getMetadataFile() + added.getLatestRevision(), "Goneitem.json3");
+    EXPECT_EQ(added.getInstallationMode() + std::to_string(added.getReferenceCount()), "user3");
+    const std::size_t count = store.getItems().size();
+    EXPECT_EQ(Merge::merged, merge({"gone 1 c1 x"})); // again: found, not added once more
+    EXPECT_EQ(store.getItems().size(), count);
+    EXPECT_EQ(manager.merge(temp.path("missing.json"), store), Merge::nothing);
+}
+
+// What another release installed mixed into this one's; a database that cannot be read overwritten for good.
+TEST_F(LocalDbTest, leavesWhatItCannotMerge) {
+    HSCPlazQStore object;
+    object.assignModel(&store);
+    store.setLocalDbFilePath(temp.path("db.json"));
+    temp.write("db.json", golden);
+    env.set("GDA_PRODUCT_VERSION", "2025.1.0");
+    EXPECT_EQ(manager.merge(temp.path("db.json"), store), Merge::foreign);
+    EXPECT_TRUE(store.getItems().empty());
+    EXPECT_THAT(takeMessages(), IsEmpty());
+    for (const char* damaged : {"{\"plaz\": {\"qst", "{}"}) {
+        temp.write("db.json", damaged);
+        EXPECT_EQ(manager.merge(temp.path("db.json"), store), Merge::damaged);
+        EXPECT_THAT(takeMessages(), ElementsAre(HasSubstr("12-102 " + temp.path("db.json"))));
+        manager.save(nullptr, &object, "");
+        EXPECT_EQ(readFile(temp.path("db.json.bad")), damaged);
+        EXPECT_EQ(manager.merge(temp.path("db.json"), store), Merge::merged);
+    }
+}
+
+// The root of an item that no catalog lists mistaken where each revision has a folder of its own.
+TEST_F(LocalDbTest, mergesRevisionFolders) {
+    store.setIsMultiRevisionSupported(true);
+    const std::string area = temp.path("area");
+    merge({"a 1 c " + area + "/items/a/1", "b 1 c " + area + "/items/b", "c 1 c " + area + "/1"});
+    EXPECT_THAT(installed(), ElementsAre("a@1 c items/a /area/items/a/1 latest", "b@1 c  /area/items/b latest",
+                                         "c@1 c  /area/1 latest"));
+}
