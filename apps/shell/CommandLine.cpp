@@ -1,0 +1,178 @@
+#include "CommandLine.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <cstring>
+#include <sstream>
+
+namespace {
+
+constexpr const char* about = "Lists, installs and updates the items of the content hub's stores.";
+constexpr const char* sharedNote = "The options of plaz itself (see plaz --help) may stand behind a command as well.";
+constexpr const char* notes =
+    R"(An ITEM is a name, with @REVISION behind it for one revision and STORE:: before it where
+several stores have an item of that name: sample_boards::starter@1.0.
+
+Exit status: 0 done, 1 the operation failed, 2 wrong usage, 130 cancelled (Ctrl-C).
+
+Environment: GDA_APPROOT, GDA_DATA_DIR, GDA_TPS_DIR and GDA_APPDATA_DIR move the
+directories that "plaz paths" lists.)";
+
+std::string checkReference(const std::string& text) {
+    return ItemReference::parse(text) ? std::string() : "\"" + text + "\" is no ITEM[@REVISION]";
+}
+
+// The value may be a secret: it is not repeated.
+std::string checkSetting(const std::string& text) {
+    const std::size_t separator = text.find('=');
+    return separator == std::string::npos || separator == 0 ? "PARAM=VALUE is expected" : std::string();
+}
+
+void addSharedOptions(CLI::App& app, Options& options) {
+    app.add_option("--product", options.product, "Serve the stores as this product would see them")->type_name("NAME");
+    app.add_option("--product-version", options.productVersion, "The product's version, such as 2024.2.0")
+        ->type_name("V");
+    app.add_option("--set", options.settings, "Set a parameter for this run; may be repeated (see plaz params)")
+        ->type_name("PARAM=VALUE")
+        ->allow_extra_args(false)
+        ->check(checkSetting);
+    app.add_flag("--json", options.json, "Print one JSON document on standard output, messages on standard error");
+    app.add_flag("--quiet", options.quiet, "Leave out good news; errors and warnings are always shown");
+    app.add_flag("--no-progress", options.noProgress, "Show no progress line");
+}
+
+void addStore(CLI::App& command, std::string& store) {
+    command.add_option("--store", store, "Look in this store only")->type_name("STORE");
+}
+
+void addItems(CLI::App& command, Options& options, bool isRequired) {
+    command.add_option("ITEM", options.items, "The items: [STORE::]NAME[@REVISION]")
+        ->type_name("")
+        ->required(isRequired)
+        ->check(checkReference);
+    addStore(command, options.store);
+}
+
+void addItemsCommand(CLI::App& app, Options& options) {
+    ItemQuery& query = options.query;
+    CLI::App* items = app.add_subcommand("items", "List items: one line for each item, its latest revision");
+    items
+        ->add_option("PATTERN", query.pattern,
+                     "Names to list: a pattern with * ? [a-z]; STORE::NAME to choose stores too")
+        ->type_name("");
+    addStore(*items, query.store);
+    items->add_option("--category", query.category, "Only items of this category and of those below it")
+        ->type_name("CATEGORY");
+    items
+        ->add_option("--search", query.words,
+                     "Only items that mention all these words in name, display name, description, keywords or company")
+        ->type_name("WORDS")
+        ->allow_extra_args(false);
+    items->add_flag("--installed", query.installed, "Only what is installed");
+    items->add_flag("--outdated", query.outdated, "Only what is installed and has an update");
+    items->add_flag("--all-revisions", query.allRevisions, "List every revision");
+    items->footer(std::string("States: installed, dependency (only other items need it), outdated (an update is on "
+                              "offer).\n") +
+                  sharedNote);
+}
+
+void addInstallCommands(CLI::App& app, Options& options) {
+    CLI::App* install = app.add_subcommand("install", "Install items and what they need");
+    addItems(*install, options, true);
+    CLI::App* uninstall = app.add_subcommand("uninstall", "Remove items and what nothing else needs");
+    addItems(*uninstall, options, true);
+    CLI::App* update = app.add_subcommand("update", "Bring installed items up to date");
+    addItems(*update, options, false);
+    update->add_flag("--all", options.all, "Update everything that is outdated");
+    update->footer(std::string("Where a store keeps several revisions, the older one stays beside the new one.\n") +
+                   sharedNote);
+}
+
+void addCommands(CLI::App& app, Options& options) {
+    app.footer(sharedNote); // commands start with their parent's
+    app.add_subcommand("stores", "List the hub's stores");
+    addItemsCommand(app, options);
+    CLI::App* info = app.add_subcommand("info", "Show everything known of an item");
+    addItems(*info, options, true);
+    info->get_option("ITEM")->expected(1);
+    addInstallCommands(app, options);
+    app.add_subcommand("paths", "Show every directory and file in force, and what chose it");
+    CLI::App* params = app.add_subcommand("params", "List parameters with value, default and description");
+    params->add_option("PATTERN", options.pattern, "Names to list: a pattern with * ? [a-z]")->type_name("");
+    params->add_flag("--hidden", options.hidden, "List hidden parameters too");
+    CLI::App* validate = app.add_subcommand("validate", "Check metadata files against their schemas");
+    validate->add_option("FILE", options.files, "Hub, configuration, store, catalog, item or database files")
+        ->type_name("")
+        ->required();
+}
+
+/// Words of all "--search" texts.
+std::vector<std::string> splitWords(const std::vector<std::string>& texts) {
+    std::vector<std::string> words;
+    for (const std::string& text : texts) {
+        std::istringstream stream(text);
+        for (std::string word; stream >> word;) words.push_back(word);
+    }
+    return words;
+}
+
+std::string trimmedEnd(std::string text) {
+    while (!text.empty() && text.back() == '\n') text.pop_back();
+    return text;
+}
+
+std::string describe(const CLI::ParseError& error, const CLI::App& app) {
+    if (!app.get_subcommands().empty() || dynamic_cast<const CLI::RequiredError*>(&error) == nullptr)
+        return error.what();
+    const std::vector<std::string> rest = app.remaining();
+    return rest.empty() ? "a command is required" : "there is no command \"" + rest.front() + "\"";
+}
+
+/// A line that could not be read to its end still tells how the answer is wanted.
+bool asksForJson(int argc, const char* const* argv) {
+    return std::any_of(argv, argv + argc, [](const char* arg) { return std::strcmp(arg, "--json") == 0; });
+}
+
+void checkUpdate(const Options& options) {
+    if (options.all && !options.items.empty()) throw CLI::ValidationError("update", "either items or --all, not both");
+    if (options.all && !options.store.empty())
+        throw CLI::ValidationError("update", "--store goes with items, not with --all");
+    if (!options.all && options.items.empty()) throw CLI::ValidationError("update", "name items, or say --all");
+}
+
+} // namespace
+
+CommandLine CommandLine::parse(int argc, const char* const* argv) {
+    CommandLine line{Kind::command, {}, {}};
+    Options& options = line.options;
+    CLI::App app(about, "plaz");
+    app.set_version_flag("--version", std::string("plaz ") + PLAZ_VERSION, "Show the version and end");
+    app.set_help_flag("-h,--help", "Show this help, or that of a command, and end");
+    app.require_subcommand(1);
+    app.fallthrough();
+    app.get_formatter()->label("SUBCOMMAND", "COMMAND");
+    app.get_formatter()->label("Subcommands", "Commands");
+    addSharedOptions(app, options);
+    addCommands(app, options);
+    app.footer(notes);
+    try {
+        app.parse(argc, argv);
+        options.command = app.get_subcommands().front()->get_name();
+        options.query.words = splitWords(options.query.words);
+        if (options.command == "update") checkUpdate(options);
+        return line;
+    } catch (const CLI::CallForHelp&) {
+        line.kind = Kind::help;
+        line.text = trimmedEnd(app.help());
+    } catch (const CLI::CallForVersion& version) {
+        line.kind = Kind::version;
+        line.text = version.what();
+    } catch (const CLI::ParseError& error) {
+        line.kind = Kind::wrong;
+        line.text = describe(error, app);
+    }
+    options.command.clear();
+    options.json = asksForJson(argc, argv);
+    return line;
+}

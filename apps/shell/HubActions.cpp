@@ -1,0 +1,132 @@
+#include "HubActions.h"
+
+#include "ShellMsg.h"
+#include "UpdateDecision.h"
+
+#include "plaz/HSCPlazLocalDBMgr.h"
+#include "plaz/HSCPlazMgr.h"
+#include "plaz/HSCPlazMsg.h"
+#include "plaz/HSCPlazPathMgr.h"
+#include "plaz/HSCPlazTaskMgr.h"
+#include "plaz/HSCPlazTrust.h"
+#include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazQItem.h"
+#include "plaz/model/HSCPlazQItemModel.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/repo/HSCPlazRepo.h"
+#include "plaz/model/repo/HSCPlazRepoFactory.h"
+#include "support/HDGUIStatus.h"
+#include "support/HUTFork.h"
+
+namespace {
+
+using Outcome = ActionResult::Outcome;
+
+constexpr const char* toolMode = "tool";
+
+ActionResult resultOf(const HSCPlazQItem& item, Outcome outcome) {
+    return {item.getStoreName(),
+            item.getName(),
+            item.getRevision(),
+            {},
+            item.IsInstalled() ? item.getLocalRootDir() : std::string(),
+            outcome};
+}
+
+/// Runs a task; what it throws is sent and counts as a failure.
+template <typename Task> bool succeeds(Task task) {
+    try {
+        return task();
+    } catch (const HEXAll& failure) {
+        if (!HUTFork::isInterrupted()) ComMsgMgr::send(failure);
+    } catch (const std::exception& failure) {
+        ComMsgMgr::send(ShellMsg::unexpectedFailure, MsgSeverity::error, failure.what());
+    }
+    return false;
+}
+
+} // namespace
+
+const char* ActionResult::nameOf(Outcome outcome) {
+    switch (outcome) {
+    case Outcome::installed:
+        return "installed";
+    case Outcome::removed:
+        return "removed";
+    case Outcome::kept:
+        return "kept";
+    case Outcome::updated:
+        return "updated";
+    case Outcome::upToDate:
+        return "up-to-date";
+    case Outcome::failed:
+        break;
+    }
+    return "failed";
+}
+
+ActionResult HubActions::install(HSCPlazQItem& item) {
+    const bool isDone = succeeds([&] { return HSCPlazTaskMgr::install(&m_hub, &item, m_quiet, m_status); });
+    return resultOf(item, isDone ? Outcome::installed : Outcome::failed);
+}
+
+ActionResult HubActions::uninstall(HSCPlazQItem& item) {
+    if (!succeeds([&] { return HSCPlazTaskMgr::uninstall(&m_hub, &item, m_quiet); }))
+        return resultOf(item, Outcome::failed);
+    return resultOf(item, item.IsInstalled() ? Outcome::kept : Outcome::removed);
+}
+
+ActionResult HubActions::update(HSCPlazQItem& item) {
+    const UpdateStep step = decideUpdate(item);
+    if (step == UpdateStep::none) return resultOf(item, Outcome::upToDate);
+    const std::string previous = item.getRevision();
+    HSCPlazQItem& latest = *item.getStore()->getItem(item.getName());
+    const bool isDone =
+        succeeds([&] { return step == UpdateStep::fetchAgain ? fetchAgain(item) : installLatest(item, latest); });
+    ActionResult result = resultOf(latest, isDone ? Outcome::updated : Outcome::failed);
+    result.previousRevision = previous;
+    return result;
+}
+
+bool HubActions::installLatest(HSCPlazQItem& item, HSCPlazQItem& latest) {
+    const bool isTools = item.getInstallationMode() == toolMode;
+    const bool isDone = HSCPlazTaskMgr::install(&m_hub, &latest, m_quiet, m_status);
+    // A dependency may have failed after the item itself was installed: its mode is put right all the same.
+    if (isTools && latest.IsInstalled()) releaseUser(latest);
+    return isDone;
+}
+
+void HubActions::releaseUser(HSCPlazQItem& item) {
+    // Uninstalling what others need as well takes back what the user's wish holds, and nothing else.
+    if (item.getReferenceCount() > 0)
+        HSCPlazTaskMgr::uninstall(&m_hub, &item, true);
+    else
+        item.setInstallationMode(toolMode);
+    item.NeedsRefresh(false); // it is new, whatever is shipped
+    save(item);
+}
+
+bool HubActions::fetchAgain(HSCPlazQItem& item) {
+    HSCPlazRepo* repo = HSCPlazRepoFactory::createRepo(HSCPlazTypes::GIT);
+    if (m_status && m_status->isCanceled()) return false;
+    ComMsgMgr::send(Msg::itemInstalling, MsgSeverity::warning, item.getDisplayName(),
+                    HSCPlazTrust::maskSecrets(item.getStore()->getUrl()));
+    if (!repo->install(&m_hub, item.getModel())) {
+        if (!HUTFork::isInterrupted())
+            ComMsgMgr::send(Msg::itemInstallFailed, MsgSeverity::error, item.getDisplayName());
+        return false;
+    }
+    item.NeedsRefresh(false);
+    item.isLatest(true);
+    item.getModel()->setInstalledCommitId("");
+    // What was shipped lay elsewhere until now.
+    const HSCPlazPathMgr& paths = *HSCPlazMgr::getInstance().getPathMgr();
+    item.setLocalRootDir(paths.getItemDir(*item.getStore()->getModel(), *item.getModel()));
+    save(item);
+    if (!m_quiet) ComMsgMgr::send(ShellMsg::itemFetchedAgain, MsgSeverity::info, item.getDisplayName());
+    return true;
+}
+
+void HubActions::save(HSCPlazQItem& item) {
+    HSCPlazMgr::getInstance().getLocalDBMgr()->save(m_hub, item.getStore(), "");
+}

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+class HDGUIStatus;
+class HSCPlaz;
+class HSCPlazQItem;
+class HSCPlazQStore;
+enum class UpdateStep;
+
+/// What became of one item.
+struct ActionResult {
+    enum class Outcome {
+        installed,
+        removed,
+        kept, ///< its files stay: others need it, or it is shipped
+        updated,
+        upToDate, ///< there was nothing to do
+        failed    ///< messages tell why
+    };
+
+    std::string store;
+    std::string name;
+    std::string revision;         ///< the one installed or removed
+    std::string previousRevision; ///< of an update: the one that was installed before
+    std::string directory;        ///< where the item is installed; empty when it is not
+    Outcome outcome;
+
+    /// "installed", "up-to-date" and so on.
+    static const char* nameOf(Outcome outcome);
+    bool isDone() const { return outcome != Outcome::failed; }
+};
+
+/// Changes what is installed. Failures are sent as messages, thrown ones of a task included, and told by the result;
+/// what was done before a failure stays done. One at a time, on the caller's thread.
+class HubActions {
+public:
+    /// @param quiet   leaves out the good news
+    /// @param status  progress and cancellation; may be null. Both arguments must outlive the object.
+    HubActions(HSCPlaz& hub, bool quiet, HDGUIStatus* status) : m_hub(hub), m_status(status), m_quiet(quiet) {}
+
+    ActionResult install(HSCPlazQItem& item);
+    ActionResult uninstall(HSCPlazQItem& item);
+    /// Brings an installed revision up to date and keeps its installation mode. Where the store keeps several revisions
+    /// the older one stays beside the new one. Sends ShellMsg::itemFetchedAgain unless quiet.
+    ActionResult update(HSCPlazQItem& item);
+
+private:
+    bool installLatest(HSCPlazQItem& item, HSCPlazQItem& latest);
+    /// Makes an item that was just installed for the user one that only others need.
+    void releaseUser(HSCPlazQItem& item);
+    bool fetchAgain(HSCPlazQItem& item);
+    void save(HSCPlazQItem& item);
+
+    HSCPlaz& m_hub;
+    HDGUIStatus* m_status;
+    bool m_quiet;
+};

@@ -1,0 +1,84 @@
+#pragma once
+
+#include "ItemReference.h"
+
+#include <string>
+#include <vector>
+
+class HSCPlaz;
+class HSCPlazQItem;
+class HSCPlazQItemDependency;
+class HSCPlazQStore;
+
+/// What to list. Empty texts and false switches leave everything in.
+struct ItemQuery {
+    std::string pattern;            ///< glob on the name; "STORE::NAME" holds one on the store's name too
+    std::string store;              ///< exact name of a store
+    std::string category;           ///< name of a category; those below it count as well
+    std::vector<std::string> words; ///< each must occur, in any case, in a text that describes the item
+    bool installed = false;         ///< only installed revisions
+    bool outdated = false;          ///< only installed revisions that a newer one could replace
+    bool allRevisions = false;      ///< every revision instead of one for each item
+};
+
+/// One line of a listing: one revision, and how its item stands as a whole.
+struct ListedItem {
+    HSCPlazQItem* item;                          ///< borrowed from its store
+    bool isOutdated;                             ///< an installed revision of the item can be updated
+    std::vector<std::string> installedRevisions; ///< of the item, in catalog order
+};
+
+/// An item that another one needs, and whether it is there.
+struct NeededItem {
+    const HSCPlazQItemDependency* dependency; ///< borrowed from the item
+    bool isInstalled;
+};
+
+/// Everything known of one item. The pointers are borrowed from the hub.
+struct ItemInfo {
+    ListedItem listed;
+    std::string page; ///< web page of the item
+    std::string logo;
+    std::string history; ///< the change log
+    std::vector<NeededItem> needs;
+    std::vector<HSCPlazQItem*> neededBy; ///< installed items that name this one among their dependencies
+};
+
+/// Finds stores and items of a hub. The hub must outlive the object; results are borrowed from it and last until their
+/// store is reloaded. Failures are thrown as HEXAll: ShellMsg::storeUnknown, itemUnknown, itemUnknownNear,
+/// itemAmbiguous, revisionUnknown, severalInstalled or Msg::itemNotInstalled.
+class HubQueries {
+public:
+    explicit HubQueries(HSCPlaz& hub) : m_hub(hub) {}
+
+    /// The first store of exactly that name.
+    HSCPlazQStore& getStore(const std::string& name) const;
+    /// All stores, or the one named.
+    std::vector<HSCPlazQStore*> getScope(const std::string& store) const;
+
+    /// Items that fit @p query, store by store in catalog order. One line for each item: its latest revision, or
+    /// where that does not fit the query an installed one, or the first.
+    std::vector<ListedItem> findItems(const ItemQuery& query) const;
+
+    /// The one catalog entry that a reference means: without a revision the latest, or the installed one, or the first
+    /// where there is no latest.
+    /// @param store  looks in that store alone; empty looks in all (or the one that the reference names)
+    HSCPlazQItem& resolve(const ItemReference& reference, const std::string& store) const;
+    /// The one installed revision that a reference means.
+    HSCPlazQItem& resolveInstalled(const ItemReference& reference, const std::string& store) const;
+    /// The installed revision, of the one item that a reference means, that is to be updated: an outdated one (one that
+    /// the user asked for rather than one that others need), else any.
+    HSCPlazQItem& resolveForUpdate(const ItemReference& reference, const std::string& store) const;
+    /// What resolveForUpdate() gives of every item that has an update.
+    std::vector<HSCPlazQItem*> findOutdated() const;
+
+    ItemInfo describe(HSCPlazQItem& item) const;
+
+private:
+    std::vector<HSCPlazQItem*> findInstalled(const ItemReference& reference, const std::string& store) const;
+    std::vector<HSCPlazQItem*> findDependants(const HSCPlazQItem& item) const;
+    bool isDependencyInstalled(const HSCPlazQItemDependency& dependency) const;
+    [[noreturn]] void throwUnknown(const ItemReference& reference, const std::string& store) const;
+
+    HSCPlaz& m_hub;
+};

@@ -1,0 +1,12 @@
+#pragma once
+
+class HDGUIStatus;
+
+/// Ctrl-C as cancellation: the first one cancels the running operation and kills the git command it waits for; a second
+/// one ends the process as usual.
+namespace Interrupt {
+
+/// From now on Ctrl-C cancels @p status, which must live until the process ends.
+void cancelOnCtrlC(HDGUIStatus& status);
+
+} // namespace Interrupt

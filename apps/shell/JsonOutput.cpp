@@ -1,0 +1,252 @@
+#include "JsonOutput.h"
+
+#include "HubParams.h"
+#include "ItemReference.h"
+#include "StoreSummary.h"
+#include "Utf8.h"
+
+#include "plaz/HSCPlazTrust.h"
+#include "plaz/model/HSCPlazQItem.h"
+#include "plaz/model/HSCPlazQItemModel.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "support/HCRapidJsonReadWriteUtils.h"
+#include "support/HPAParamMgr.h"
+
+#include <ostream>
+
+namespace {
+
+using Json = HCRapidJsonReadWriteUtils;
+using rapidjson::Document;
+using rapidjson::Value;
+
+/// An object that is being filled, with the document that owns its memory.
+class Object {
+public:
+    explicit Object(Document& document) : m_document(document), m_value(rapidjson::kObjectType) {}
+
+    Object& text(const char* key, const std::string& value) {
+        Json::AddStringProperty(m_document, m_value, key, utf8::repaired(value));
+        return *this;
+    }
+    Object& flag(const char* key, bool value) {
+        Json::AddBooleanProperty(m_document, m_value, key, value);
+        return *this;
+    }
+    Object& number(const char* key, int value) {
+        Json::AddIntegerProperty(m_document, m_value, key, value);
+        return *this;
+    }
+    Object& value(const char* key, Value&& value) {
+        Json::AddGenericValueProperty(m_document, m_value, key, value);
+        return *this;
+    }
+    Object& texts(const char* key, const std::vector<std::string>& values) {
+        Value array(rapidjson::kArrayType);
+        for (const std::string& one : values) {
+            const std::string repaired = utf8::repaired(one);
+            array.PushBack(
+                Value(repaired.c_str(), static_cast<rapidjson::SizeType>(repaired.size()), m_document.GetAllocator()),
+                m_document.GetAllocator());
+        }
+        return value(key, std::move(array));
+    }
+    Value& get() { return m_value; }
+
+private:
+    Document& m_document;
+    Value m_value;
+};
+
+/// An array with one element for each of @p list, filled by @p fill(object, element).
+template <typename List, typename Fill> Value arrayOf(Document& document, const List& list, Fill fill) {
+    Value array(rapidjson::kArrayType);
+    for (const auto& element : list) {
+        Object object(document);
+        fill(object, element);
+        array.PushBack(object.get(), document.GetAllocator());
+    }
+    return array;
+}
+
+const char* typeName(HPAParam::Type type) {
+    switch (type) {
+    case HPAParam::Type::boolean:
+        return "bool";
+    case HPAParam::Type::integer:
+        return "int";
+    case HPAParam::Type::string:
+        break;
+    }
+    return "string";
+}
+
+void fillKey(Object& object, const HSCPlazQItem& item) {
+    object.text("store", item.getStoreName()).text("name", item.getName()).text("revision", item.getRevision());
+}
+
+void fillStore(Object& object, const HSCPlazQStore& store) {
+    const StoreSummary summary = StoreSummary::of(store);
+    object.text("name", store.getName())
+        .text("display_name", store.getDisplayName())
+        .text("description", store.getDescription())
+        .text("url", HSCPlazTrust::maskSecrets(store.getUrl()))
+        .flag("is_private", store.isPrivateRepository())
+        .flag("user_repository", store.isUserRepository())
+        .text("root", store.getRoot())
+        .text("metadata_file", store.getMetadataFile())
+        .text("item_root", store.getItemRootDir())
+        .text("store_type", store.getStoreType())
+        .text("branch", store.getBranch())
+        .text("release", store.getRelease())
+        .text("catalog_file", store.getItemCatalogFile())
+        .text("catalog_revision", store.getItemCatalogRevision())
+        .flag("multi_revision_supported", store.IsMultiRevisionSupported())
+        .flag("is_product_specific", store.isProductSpecific())
+        .number("item_count", static_cast<int>(summary.items))
+        .number("installed_count", static_cast<int>(summary.installed));
+}
+
+void fillListedItem(Object& object, const ListedItem& listed) {
+    const HSCPlazQItem& item = *listed.item;
+    fillKey(object, item);
+    object.text("latest_revision", item.getLatestRevision())
+        .text("display", item.getDisplayName())
+        .text("company", item.getCompany())
+        .text("commit_id", item.getCommitId())
+        .flag("is_active", item.isActive())
+        .flag("installed", item.IsInstalled())
+        .flag("outdated", listed.isOutdated)
+        .texts("installed_revisions", listed.installedRevisions);
+    if (!item.IsInstalled()) return;
+    object.flag("is_latest", item.isLatest())
+        .text("installation_mode", item.getInstallationMode())
+        .number("reference_count", item.getReferenceCount())
+        .text("local_directory", item.getLocalRootDir());
+}
+
+void fillDescription(Object& object, const HSCPlazQItem& item) {
+    object.text("description", item.getDescription())
+        .text("company_display", item.getCompanyDisplayName())
+        .text("author", item.getAuthor())
+        .text("category", item.getModel()->getCategory())
+        .texts("categories", item.getCategories())
+        .texts("search-keywords", item.getItemSearchKeywords())
+        .text("website", item.getWebsite())
+        .text("root", item.getRoot())
+        .text("metadata_file", item.getMetadataFile());
+    if (item.IsInstalled()) object.text("installed_commit_id", item.getModel()->getInstalledCommitId());
+}
+
+void fillDependency(Object& object, const NeededItem& needed) {
+    const HSCPlazQItemDependency& dependency = *needed.dependency;
+    object.text("store", dependency.getStore())
+        .text("item", dependency.getItem())
+        .text("revision", dependency.getRevision())
+        .flag("installed", needed.isInstalled);
+}
+
+void fillRevision(Object& object, const HSCPlazRevisionModel& revision) {
+    object.text("revision", revision.revision).text("commit_id", revision.commitId).text("history", revision.history);
+}
+
+void fillAction(Object& object, const ActionResult& result) {
+    object.text("store", result.store).text("name", result.name).text("revision", result.revision);
+    if (!result.previousRevision.empty()) object.text("previous_revision", result.previousRevision);
+    object.text("outcome", ActionResult::nameOf(result.outcome)).text("local_directory", result.directory);
+}
+
+void fillPath(Object& object, const PathInForce& path) {
+    object.text("name", path.name).text("path", path.path).text("chosen_by", path.chosen).flag("exists", path.exists);
+}
+
+void fillParam(Object& object, const HPAParam* param) {
+    object.text("name", param->getName())
+        .text("type", typeName(param->getType()))
+        .text("value", shownValue(*param))
+        .text("default", param->getDefault())
+        .text("description", param->getDescription())
+        .flag("hidden", param->isHidden());
+}
+
+void fillCheck(Object& object, const FileCheck& check) {
+    object.text("file", check.file)
+        .text("kind", check.kind)
+        .text("schema", check.schema)
+        .flag("valid", check.isValid())
+        .texts("findings", check.findings);
+}
+
+void fillMessage(Object& object, const ComMsgMgr::Message& message) {
+    object.text("id", message.id)
+        .text("severity", message.label)
+        .text("text", message.text)
+        .texts("arguments", message.args);
+}
+
+void add(Document& document, const char* key, Value&& value) {
+    Json::AddGenericValueProperty(document, document, key, value);
+}
+
+} // namespace
+
+JsonOutput::JsonOutput(std::ostream& out) : m_out(out) {
+    m_document.SetObject();
+    Json::AddBooleanProperty(m_document, m_document, "ok", false);
+}
+
+void JsonOutput::showStores(const std::vector<HSCPlazQStore*>& stores) {
+    add(m_document, "qstores",
+        arrayOf(m_document, stores, [](Object& object, const HSCPlazQStore* store) { fillStore(object, *store); }));
+}
+
+void JsonOutput::showItems(const std::vector<ListedItem>& items) {
+    add(m_document, "items", arrayOf(m_document, items, fillListedItem));
+}
+
+void JsonOutput::showItem(const ItemInfo& info) {
+    const HSCPlazQItem& item = *info.listed.item;
+    Object object(m_document);
+    fillListedItem(object, info.listed);
+    fillDescription(object, item);
+    object.text("logo", HSCPlazTrust::maskSecrets(info.logo))
+        .text("url", HSCPlazTrust::maskSecrets(info.page))
+        .value("dependencies", arrayOf(m_document, info.needs, fillDependency))
+        .value("dependants", arrayOf(m_document, info.neededBy,
+                                     [](Object& one, const HSCPlazQItem* dependant) { fillKey(one, *dependant); }))
+        .value("revisions", arrayOf(m_document, item.getModel()->getRevisions(), fillRevision))
+        .text("history", info.history);
+    add(m_document, "item", std::move(object.get()));
+}
+
+void JsonOutput::showActions(const std::vector<ActionResult>& results) {
+    add(m_document, "items", arrayOf(m_document, results, fillAction));
+}
+
+void JsonOutput::showPaths(const std::vector<PathInForce>& hub, const std::vector<StorePaths>& stores) {
+    add(m_document, "paths", arrayOf(m_document, hub, fillPath));
+    add(m_document, "qstores", arrayOf(m_document, stores, [this](Object& object, const StorePaths& store) {
+            object.text("name", store.store).value("paths", arrayOf(m_document, store.paths, fillPath));
+        }));
+}
+
+void JsonOutput::showParams(const std::vector<const HPAParam*>& params) {
+    add(m_document, "params", arrayOf(m_document, params, fillParam));
+}
+
+void JsonOutput::showChecks(const std::vector<FileCheck>& checks) {
+    add(m_document, "files", arrayOf(m_document, checks, fillCheck));
+}
+
+void JsonOutput::showText(const std::string& kind, const std::string& text) {
+    Json::AddStringProperty(m_document, m_document, kind.c_str(), text);
+}
+
+bool JsonOutput::finish(const std::string& error, const std::vector<ComMsgMgr::Message>& messages) {
+    m_document["ok"].SetBool(error.empty());
+    if (!error.empty()) Json::AddStringProperty(m_document, m_document, "error", utf8::repaired(error));
+    add(m_document, "messages", arrayOf(m_document, messages, fillMessage));
+    m_out << Json::toText(m_document);
+    m_out.flush();
+    return static_cast<bool>(m_out);
+}

@@ -1,0 +1,27 @@
+#include "MessageLog.h"
+
+#include "ProgressLine.h"
+
+#include <algorithm>
+#include <iostream>
+
+MessageLog::MessageLog(ProgressLine& progress, bool quiet)
+    : m_progress(progress), m_quiet(quiet),
+      m_before(ComMsgMgr::setSink([this](const ComMsgMgr::Message& message) { take(message); })) {}
+
+MessageLog::~MessageLog() {
+    ComMsgMgr::setSink(m_before);
+}
+
+std::string MessageLog::getFirstError() const {
+    const auto found = std::find_if(m_messages.begin(), m_messages.end(),
+                                    [](const ComMsgMgr::Message& message) { return message.label == "ERROR"; });
+    return found == m_messages.end() ? std::string() : found->text;
+}
+
+void MessageLog::take(const ComMsgMgr::Message& message) {
+    if (m_quiet && message.label == "INFO") return;
+    m_messages.push_back(message);
+    m_progress.erase();
+    std::cerr << ComMsgMgr::format(message) << std::endl;
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "HubQueries.h"
+
+#include <string>
+#include <utility>
+#include <vector>
+
+/// What the command line asks for.
+struct Options {
+    std::string command; ///< name of the command; empty when help or version was asked for, or the line is wrong
+    bool json = false;
+    bool quiet = false;
+    bool noProgress = false;
+    std::string product;
+    std::string productVersion;
+    std::vector<std::string> settings; ///< each "PARAM=VALUE"
+
+    ItemQuery query;                ///< items
+    std::vector<std::string> items; ///< references, each well-formed
+    std::string store;
+    bool all = false;               ///< update
+    std::string pattern;            ///< params
+    bool hidden = false;            ///< params
+    std::vector<std::string> files; ///< validate
+};
+
+/// Exit status of the program.
+namespace exitStatus {
+inline constexpr int done = 0;
+inline constexpr int failed = 1;
+inline constexpr int wrongUsage = 2;
+inline constexpr int cancelled = 130;
+} // namespace exitStatus

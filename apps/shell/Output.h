@@ -1,0 +1,35 @@
+#pragma once
+
+#include "FileCheck.h"
+#include "HubActions.h"
+#include "HubPaths.h"
+#include "HubQueries.h"
+
+#include "support/ComMsgMgr.h"
+
+#include <string>
+#include <vector>
+
+class HPAParam;
+
+/// Where the results of a command go. One command calls one of the first group at most, then finish().
+class Output {
+public:
+    virtual ~Output() = default;
+
+    virtual void showStores(const std::vector<HSCPlazQStore*>& stores) = 0;
+    virtual void showItems(const std::vector<ListedItem>& items) = 0;
+    virtual void showItem(const ItemInfo& info) = 0;
+    virtual void showActions(const std::vector<ActionResult>& results) = 0;
+    virtual void showPaths(const std::vector<PathInForce>& hub, const std::vector<StorePaths>& stores) = 0;
+    virtual void showParams(const std::vector<const HPAParam*>& params) = 0;
+    virtual void showChecks(const std::vector<FileCheck>& checks) = 0;
+    /// Help ("help") or version ("version").
+    virtual void showText(const std::string& kind, const std::string& text) = 0;
+
+    /// Ends the output.
+    /// @param error     why the command failed; empty when it did not
+    /// @param messages  what was sent meanwhile
+    /// @return false when the results could not be written
+    virtual bool finish(const std::string& error, const std::vector<ComMsgMgr::Message>& messages) = 0;
+};

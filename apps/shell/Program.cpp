@@ -1,0 +1,205 @@
+#include "Program.h"
+
+#include "HubParams.h"
+#include "JsonOutput.h"
+#include "ShellMsg.h"
+#include "StdoutDiversion.h"
+#include "TextOutput.h"
+
+#include "plaz/HSCPlazMgr.h"
+#include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazModel.h"
+#include "support/HPAParamMgr.h"
+#include "support/HUTEnv.h"
+
+#include <algorithm>
+#include <iostream>
+#include <map>
+#include <optional>
+
+namespace {
+
+/// Ends a command whose failure has been reported already.
+struct Stop {
+    int status;
+};
+
+std::unique_ptr<Output> makeOutput(const Options& options) {
+    if (options.json) return std::make_unique<JsonOutput>(std::cout);
+    return std::make_unique<TextOutput>(std::cout, options.quiet);
+}
+
+int progressColumns(const Options& options) {
+    return options.noProgress ? 0 : HUTSysCall::getTerminalWidth();
+}
+
+/// Sets one "PARAM=VALUE". @return what is wrong; the value, which may be a secret, is not repeated
+std::string applySetting(const std::string& setting) {
+    const std::size_t separator = setting.find('=');
+    const std::string name = setting.substr(0, separator);
+    HPAParamMgr& params = HPAParamMgr::getParamMgr();
+    if (params.setValue(name, setting.substr(separator + 1))) return {};
+    return params.findParam(name) ? "--set: the parameter " + name + " does not take such a value"
+                                  : "--set: there is no parameter " + name + " (see plaz params --hidden)";
+}
+
+} // namespace
+
+Program::Program(CommandLine line, HDGUIStatus& status)
+    : m_line(std::move(line)), m_options(m_line.options), m_status(status), m_progress(progressColumns(m_options)),
+      m_log(m_progress, m_options.quiet), m_output(makeOutput(m_options)) {
+    m_status.setObserver([this](const HDGUIStatus& changed) { m_progress.show(changed); });
+}
+
+Program::~Program() {
+    m_status.setObserver({});
+}
+
+int Program::run() {
+    switch (m_line.kind) {
+    case CommandLine::Kind::help:
+        m_output->showText("help", m_line.text);
+        return finish(exitStatus::done, "");
+    case CommandLine::Kind::version:
+        m_output->showText("version", m_line.text);
+        return finish(exitStatus::done, "");
+    case CommandLine::Kind::wrong:
+        return refuse(m_line.text);
+    case CommandLine::Kind::command:
+        break;
+    }
+    for (const std::string& setting : m_options.settings) {
+        const std::string problem = applySetting(setting);
+        if (!problem.empty()) return refuse(problem);
+    }
+    HUTEnv::setProduct(m_options.product, m_options.productVersion);
+    const int status = runDiverted();
+    return finish(status, status == exitStatus::done ? "" : m_log.getFirstError());
+}
+
+int Program::refuse(const std::string& problem) {
+    const std::string command = m_options.command.empty() ? "" : " " + m_options.command;
+    std::cerr << "plaz: " << problem << "\nTry \"plaz" << command << " --help\"." << std::endl;
+    return finish(exitStatus::wrongUsage, problem);
+}
+
+int Program::finish(int status, const std::string& error) {
+    m_progress.erase();
+    const bool isWritten = m_output->finish(error.empty() && status != exitStatus::done ? "the command failed" : error,
+                                            m_log.getMessages());
+    if (isWritten) return status;
+    std::cerr << "plaz: the results could not be written to standard output" << std::endl;
+    return status == exitStatus::done ? exitStatus::failed : status;
+}
+
+int Program::runDiverted() {
+    std::optional<StdoutDiversion> diversion;
+    if (m_options.json) diversion.emplace();
+    int status = exitStatus::failed;
+    try {
+        status = runCommand();
+    } catch (const Stop& stop) {
+        status = stop.status;
+    } catch (const HEXAll& failure) {
+        ComMsgMgr::send(failure);
+    } catch (const std::exception& failure) {
+        ComMsgMgr::send(ShellMsg::unexpectedFailure, MsgSeverity::error, failure.what());
+    }
+    if (status == exitStatus::done || !m_status.isCanceled()) return status;
+    ComMsgMgr::send(ShellMsg::cancelled, MsgSeverity::error);
+    return exitStatus::cancelled;
+}
+
+int Program::runCommand() {
+    static const std::map<std::string, int (Program::*)()> commands{
+        {"stores", &Program::runStores},   {"items", &Program::runItems},         {"info", &Program::runInfo},
+        {"install", &Program::runInstall}, {"uninstall", &Program::runUninstall}, {"update", &Program::runUpdate},
+        {"paths", &Program::runPaths},     {"params", &Program::runParams},       {"validate", &Program::runValidate}};
+    return (this->*commands.at(m_options.command))();
+}
+
+HSCPlaz& Program::getHub() {
+    HSCPlaz& hub = HSCPlazMgr::getInstance().getHub();
+    if (m_status.isCanceled()) throw Stop{exitStatus::cancelled};
+    const bool isFound = !hub.getStores().empty() || (hub.getModel() && hub.getModel()->hasMetadataFile());
+    if (!isFound) throw Stop{exitStatus::failed};
+    return hub;
+}
+
+int Program::runStores() {
+    m_output->showStores(getHub().getStores());
+    return exitStatus::done;
+}
+
+int Program::runItems() {
+    m_output->showItems(HubQueries(getHub()).findItems(m_options.query));
+    return exitStatus::done;
+}
+
+int Program::runInfo() {
+    const HubQueries queries(getHub());
+    m_output->showItem(
+        queries.describe(queries.resolve(*ItemReference::parse(m_options.items.front()), m_options.store)));
+    return exitStatus::done;
+}
+
+template <typename Resolve> std::vector<HSCPlazQItem*> Program::resolveAll(Resolve resolve) {
+    const HubQueries queries(getHub());
+    std::vector<HSCPlazQItem*> items;
+    for (const std::string& text : m_options.items) {
+        HSCPlazQItem* item = &(queries.*resolve)(*ItemReference::parse(text), m_options.store);
+        if (std::find(items.begin(), items.end(), item) == items.end()) items.push_back(item);
+    }
+    return items;
+}
+
+template <typename Action> int Program::act(const std::vector<HSCPlazQItem*>& items, Action action) {
+    HubActions actions(getHub(), m_options.quiet, &m_status);
+    std::vector<ActionResult> results;
+    for (HSCPlazQItem* item : items) {
+        if (m_status.isCanceled()) break;
+        results.push_back((actions.*action)(*item));
+    }
+    m_progress.erase();
+    m_output->showActions(results);
+    const bool isDone = results.size() == items.size() &&
+                        std::all_of(results.begin(), results.end(), [](const auto& result) { return result.isDone(); });
+    return isDone ? exitStatus::done : exitStatus::failed;
+}
+
+int Program::runInstall() {
+    return act(resolveAll(&HubQueries::resolve), &HubActions::install);
+}
+
+int Program::runUninstall() {
+    return act(resolveAll(&HubQueries::resolveInstalled), &HubActions::uninstall);
+}
+
+int Program::runUpdate() {
+    if (!m_options.all) return act(resolveAll(&HubQueries::resolveForUpdate), &HubActions::update);
+    const std::vector<HSCPlazQItem*> outdated = HubQueries(getHub()).findOutdated();
+    if (outdated.empty()) ComMsgMgr::send(ShellMsg::nothingToUpdate, MsgSeverity::info);
+    return act(outdated, &HubActions::update);
+}
+
+int Program::runPaths() {
+    const std::vector<StorePaths> stores = findStorePaths(HSCPlazMgr::getInstance().getHub());
+    m_output->showPaths(findHubPaths(), stores);
+    return exitStatus::done;
+}
+
+int Program::runParams() {
+    m_output->showParams(findParams(m_options.pattern, m_options.hidden));
+    return exitStatus::done;
+}
+
+int Program::runValidate() {
+    std::vector<FileCheck> checks;
+    for (const std::string& file : m_options.files) checks.push_back(FileCheck::of(file));
+    m_output->showChecks(checks);
+    const auto bad =
+        std::count_if(checks.begin(), checks.end(), [](const FileCheck& check) { return !check.isValid(); });
+    if (bad == 0) return exitStatus::done;
+    ComMsgMgr::send(ShellMsg::filesNotValid, MsgSeverity::error, std::to_string(bad), std::to_string(checks.size()));
+    return exitStatus::failed;
+}

@@ -1,0 +1,36 @@
+#include "ProgressLine.h"
+
+#include "Utf8.h"
+
+#include "support/HDGUIStatus.h"
+
+#include <cmath>
+#include <iostream>
+
+namespace {
+
+std::string textOf(const HDGUIStatus& status) {
+    const std::string& text =
+        status.getStatusMessage().empty() ? status.getAbbrevStatusMessage() : status.getStatusMessage();
+    if (!status.isDeterminate()) return text;
+    const std::string percent = std::to_string(std::lround(status.getPercentComplete()));
+    return std::string(percent.size() < 3 ? 3 - percent.size() : 0, ' ') + percent + "% " + text;
+}
+
+} // namespace
+
+void ProgressLine::show(const HDGUIStatus& status) {
+    if (m_columns == 0) return;
+    // The last column stays free: a full line would make the terminal begin another one.
+    const std::string text = utf8::cutToWidth(utf8::printable(textOf(status)), m_columns - 1);
+    if (text == m_shown) return;
+    erase();
+    m_shown = text;
+    std::cerr << m_shown << std::flush;
+}
+
+void ProgressLine::erase() {
+    if (m_shown.empty()) return;
+    std::cerr << '\r' << std::string(utf8::width(m_shown), ' ') << '\r' << std::flush;
+    m_shown.clear();
+}

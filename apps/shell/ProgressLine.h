@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+class HDGUIStatus;
+
+/// The line on the terminal (standard error) that shows how far long work has come. On anything but a terminal there
+/// is none. Whoever writes to the terminal meanwhile erases the line first.
+class ProgressLine {
+public:
+    /// @param columns  width of the terminal; 0 keeps the line away
+    explicit ProgressLine(int columns) : m_columns(columns > 0 ? static_cast<std::size_t>(columns) : 0) {}
+    ~ProgressLine() { erase(); }
+    ProgressLine(const ProgressLine&) = delete;
+    ProgressLine& operator=(const ProgressLine&) = delete;
+
+    void show(const HDGUIStatus& status);
+    void erase();
+
+private:
+    std::size_t m_columns;
+    std::string m_shown;
+};

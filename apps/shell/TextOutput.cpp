@@ -1,0 +1,176 @@
+#include "TextOutput.h"
+
+#include "HubParams.h"
+#include "ItemReference.h"
+#include "StoreSummary.h"
+#include "TextTable.h"
+#include "Utf8.h"
+
+#include "plaz/HSCPlazTrust.h"
+#include "plaz/model/HSCPlazQItem.h"
+#include "plaz/model/HSCPlazQItemModel.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "support/HPAParamMgr.h"
+
+#include <ostream>
+
+namespace {
+
+std::string join(const std::vector<std::string>& texts) {
+    std::string joined;
+    for (const std::string& text : texts) joined += (joined.empty() ? "" : ", ") + text;
+    return joined;
+}
+
+/// The first text that is not empty.
+std::string firstOf(const std::string& text, const std::string& otherwise) {
+    return text.empty() ? otherwise : text;
+}
+
+/// "outdated", "installed" or "dependency", and which revision where it is not the one shown.
+std::string stateOf(const ListedItem& listed) {
+    const HSCPlazQItem& item = *listed.item;
+    if (listed.installedRevisions.empty()) return {};
+    if (!item.IsInstalled())
+        return (listed.isOutdated ? "outdated (" : "installed (") + join(listed.installedRevisions) + ")";
+    if (listed.isOutdated) return "outdated";
+    return item.getInstallationMode() == "tool" ? "dependency" : "installed";
+}
+
+void addField(TextTable& table, const std::string& name, const std::string& value) {
+    if (!value.empty()) table.addRow({name, value});
+}
+
+} // namespace
+
+void TextOutput::showStores(const std::vector<HSCPlazQStore*>& stores) {
+    TextTable table({"STORE", "TYPE", "ITEMS", "INSTALLED", "DISPLAY NAME", "URL"});
+    for (const HSCPlazQStore* store : stores) {
+        const StoreSummary summary = StoreSummary::of(*store);
+        table.addRow({store->getName(), store->getStoreType(), std::to_string(summary.items),
+                      std::to_string(summary.installed), store->getDisplayName(),
+                      HSCPlazTrust::maskSecrets(store->getUrl())});
+    }
+    table.print(m_out);
+}
+
+void TextOutput::showItems(const std::vector<ListedItem>& items) {
+    TextTable table({"STORE", "ITEM", "REVISION", "STATE", "DISPLAY NAME"});
+    for (const ListedItem& listed : items)
+        table.addRow({listed.item->getStoreName(), listed.item->getName(), listed.item->getRevision(), stateOf(listed),
+                      listed.item->getDisplayName()});
+    table.print(m_out);
+}
+
+void TextOutput::showItem(const ItemInfo& info) {
+    showDescription(info);
+    showRelations(info);
+    showRevisions(*info.listed.item);
+    m_out << "\nHistory\n" << utf8::printable(info.history, true);
+    if (!info.history.empty() && info.history.back() != '\n') m_out << '\n';
+}
+
+void TextOutput::showDescription(const ItemInfo& info) {
+    const HSCPlazQItem& item = *info.listed.item;
+    const HSCPlazQItemModel& model = *item.getModel();
+    const bool isInstalled = item.IsInstalled();
+    TextTable table({});
+    addField(table, "Item", ItemReference::of(item).toText());
+    addField(table, "Name", item.getDisplayName());
+    addField(table, "Description", item.getDescription());
+    addField(table, "Company", firstOf(item.getCompanyDisplayName(), item.getCompany()));
+    addField(table, "Author", item.getAuthor());
+    addField(table, "Category", model.getCategory());
+    addField(table, "Categories", join(item.getCategories()));
+    addField(table, "Keywords", join(item.getItemSearchKeywords()));
+    addField(table, "Latest", item.getLatestRevision());
+    addField(table, "Commit", item.getCommitId());
+    addField(table, "State", firstOf(stateOf(info.listed), "not installed"));
+    addField(table, "Mode", isInstalled ? item.getInstallationMode() : "");
+    addField(table, "References", isInstalled ? std::to_string(item.getReferenceCount()) : "");
+    addField(table, "Directory", isInstalled ? item.getLocalRootDir() : "");
+    addField(table, "Files of",
+             isInstalled && model.getInstalledCommitId() != item.getCommitId() ? model.getInstalledCommitId() : "");
+    addField(table, "Offered", item.isActive() ? "yes" : "no");
+    addField(table, "Logo", HSCPlazTrust::maskSecrets(info.logo));
+    addField(table, "Page", HSCPlazTrust::maskSecrets(info.page));
+    addField(table, "Web site", item.getWebsite());
+    table.print(m_out);
+}
+
+void TextOutput::showRelations(const ItemInfo& info) {
+    if (!info.needs.empty()) m_out << "\nNeeds\n";
+    TextTable needs({});
+    for (const NeededItem& needed : info.needs) {
+        const HSCPlazQItemDependency& dependency = *needed.dependency;
+        needs.addRow(
+            {"  " + ItemReference{dependency.getStore(), dependency.getItem(), dependency.getRevision()}.toText(),
+             needed.isInstalled ? "installed" : "not installed"});
+    }
+    needs.print(m_out);
+    if (!info.neededBy.empty()) m_out << "\nNeeded by\n";
+    TextTable neededBy({});
+    for (const HSCPlazQItem* item : info.neededBy) neededBy.addRow({"  " + ItemReference::of(*item).toText()});
+    neededBy.print(m_out);
+}
+
+void TextOutput::showRevisions(const HSCPlazQItem& item) {
+    const std::vector<HSCPlazRevisionModel>& revisions = item.getModel()->getRevisions();
+    if (!revisions.empty()) m_out << "\nRevisions\n";
+    TextTable table({});
+    for (const HSCPlazRevisionModel& revision : revisions)
+        table.addRow({"  " + revision.revision, revision.commitId.substr(0, 12), revision.history});
+    table.print(m_out);
+}
+
+void TextOutput::showActions(const std::vector<ActionResult>& results) {
+    if (m_quiet) return;
+    TextTable table({});
+    for (const ActionResult& result : results) {
+        std::string what = ItemReference{result.store, result.name, result.revision}.toText();
+        if (!result.previousRevision.empty() && result.previousRevision != result.revision)
+            what += " (was " + result.previousRevision + ")";
+        table.addRow({ActionResult::nameOf(result.outcome), what, result.directory});
+    }
+    table.print(m_out);
+}
+
+void TextOutput::showPaths(const std::vector<PathInForce>& hub, const std::vector<StorePaths>& stores) {
+    showPathList(hub);
+    for (const StorePaths& store : stores) {
+        m_out << "\nStore " << utf8::printable(store.store) << '\n';
+        showPathList(store.paths);
+    }
+}
+
+void TextOutput::showPathList(const std::vector<PathInForce>& paths) {
+    TextTable table({});
+    for (const PathInForce& path : paths)
+        table.addRow({path.name, path.path.empty() ? "-" : path.path + (path.exists ? "" : " (missing)"), path.chosen});
+    table.print(m_out);
+}
+
+void TextOutput::showParams(const std::vector<const HPAParam*>& params) {
+    TextTable table({"PARAMETER", "VALUE", "DEFAULT", "DESCRIPTION"});
+    for (const HPAParam* param : params)
+        table.addRow({param->getName(), shownValue(*param), param->getDefault(), param->getDescription()});
+    table.print(m_out);
+}
+
+void TextOutput::showChecks(const std::vector<FileCheck>& checks) {
+    for (const FileCheck& check : checks) {
+        m_out << utf8::printable(check.file) << ": " << (check.isValid() ? "valid" : "not valid");
+        if (!check.kind.empty()) m_out << " (" << check.kind << ")";
+        m_out << '\n';
+        for (const std::string& finding : check.findings) m_out << "  " << utf8::printable(finding) << '\n';
+    }
+}
+
+void TextOutput::showText(const std::string&, const std::string& text) {
+    m_out << text << '\n';
+}
+
+bool TextOutput::finish(const std::string&, const std::vector<ComMsgMgr::Message>&) {
+    m_out.flush();
+    return static_cast<bool>(m_out);
+}

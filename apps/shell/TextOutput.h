@@ -1,0 +1,32 @@
+#pragma once
+
+#include "Output.h"
+
+#include <iosfwd>
+
+/// Results as text for people.
+class TextOutput : public Output {
+public:
+    /// @param out    where results go; must outlive the object
+    /// @param quiet  leaves out what install, uninstall and update did
+    TextOutput(std::ostream& out, bool quiet) : m_out(out), m_quiet(quiet) {}
+
+    void showStores(const std::vector<HSCPlazQStore*>& stores) override;
+    void showItems(const std::vector<ListedItem>& items) override;
+    void showItem(const ItemInfo& info) override;
+    void showActions(const std::vector<ActionResult>& results) override;
+    void showPaths(const std::vector<PathInForce>& hub, const std::vector<StorePaths>& stores) override;
+    void showParams(const std::vector<const HPAParam*>& params) override;
+    void showChecks(const std::vector<FileCheck>& checks) override;
+    void showText(const std::string& kind, const std::string& text) override;
+    bool finish(const std::string& error, const std::vector<ComMsgMgr::Message>& messages) override;
+
+private:
+    void showPathList(const std::vector<PathInForce>& paths);
+    void showDescription(const ItemInfo& info);
+    void showRelations(const ItemInfo& info);
+    void showRevisions(const HSCPlazQItem& item);
+
+    std::ostream& m_out;
+    bool m_quiet;
+};

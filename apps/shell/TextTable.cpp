@@ -1,0 +1,47 @@
+#include "TextTable.h"
+
+#include "Utf8.h"
+
+#include <algorithm>
+#include <ostream>
+
+namespace {
+
+constexpr std::size_t gap = 2;
+
+using Row = std::vector<std::string>;
+
+void widen(std::vector<std::size_t>& widths, const Row& row) {
+    if (widths.size() < row.size()) widths.resize(row.size());
+    for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], utf8::width(row[i]));
+}
+
+void printRow(std::ostream& out, const Row& row, const std::vector<std::size_t>& widths) {
+    std::string line;
+    std::size_t blanks = 0;
+    for (std::size_t i = 0; i < row.size(); ++i) {
+        // Blanks wait for the next text, so that no line ends in them.
+        if (!row[i].empty()) line.append(blanks, ' ').append(row[i]);
+        blanks = (row[i].empty() ? blanks : 0) + widths[i] - utf8::width(row[i]) + gap;
+    }
+    out << line << '\n';
+}
+
+} // namespace
+
+TextTable::TextTable(std::vector<std::string> header) : m_header(std::move(header)) {}
+
+void TextTable::addRow(const Row& cells) {
+    Row row;
+    for (const std::string& cell : cells) row.push_back(utf8::printable(cell));
+    m_rows.push_back(std::move(row));
+}
+
+void TextTable::print(std::ostream& out) const {
+    if (m_rows.empty()) return;
+    std::vector<std::size_t> widths;
+    widen(widths, m_header);
+    for (const Row& row : m_rows) widen(widths, row);
+    if (!m_header.empty()) printRow(out, m_header, widths);
+    for (const Row& row : m_rows) printRow(out, row, widths);
+}

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+/// Rows of texts in aligned columns. Widths are those on a terminal; the last column is not filled up.
+class TextTable {
+public:
+    /// @param header  titles of the columns; empty for a table without a header
+    explicit TextTable(std::vector<std::string> header);
+    /// Control characters in the cells are replaced. Rows may have fewer cells than there are columns.
+    void addRow(const std::vector<std::string>& cells);
+    /// Writes the table; nothing when it has no rows.
+    void print(std::ostream& out) const;
+
+private:
+    std::vector<std::string> m_header;
+    std::vector<std::vector<std::string>> m_rows;
+};
