@@ -1,0 +1,307 @@
+"""Runs the real program on a sample hub of real git repositories.
+
+    shell_test.py PLAZ MAKE_SAMPLE_HUB PRODUCT_DATA [unittest arguments]
+"""
+
+import json
+import os
+import pathlib
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+PLAZ, MAKE_SAMPLE_HUB, PRODUCT_DATA = (pathlib.Path(arg).resolve() for arg in sys.argv[1:4])
+
+
+def setUpModule():
+    global SAMPLE, SCRATCH
+    SCRATCH = tempfile.TemporaryDirectory(prefix="plaz-shell-")
+    SAMPLE = pathlib.Path(SCRATCH.name) / "sample"
+    subprocess.run([sys.executable, MAKE_SAMPLE_HUB, SAMPLE, "--product-data", PRODUCT_DATA], check=True,
+                   stdout=subprocess.DEVNULL)
+
+
+def tearDownModule():
+    SCRATCH.cleanup()
+
+
+class Result:
+    """What a run left behind: exit status, the two streams, and the document of a run with --json."""
+
+    def __init__(self, process):
+        self.status = process.returncode
+        self.out = process.stdout
+        self.err = process.stderr
+
+    @property
+    def document(self):
+        return json.loads(self.out)
+
+
+class ShellTest(unittest.TestCase):
+    def setUp(self):
+        self.dir = pathlib.Path(tempfile.mkdtemp(dir=SCRATCH.name))
+        self.data = self.dir / "data"
+        shutil.copytree(SAMPLE / "data", self.data)
+        self.catalog_file = self.data / "plaz/storesdata/tcl-store/scripts_catalog.json"
+        home = self.dir / "home"
+        home.mkdir()
+        self.env = {k: v for k, v in os.environ.items() if not k.startswith(("GDA_", "ZENTOR_", "GIT_", "PLAZ_"))}
+        self.env.update(HOME=str(home), GDA_APPDATA_DIR=str(home), LC_ALL="C.UTF-8",
+                        GDA_DATA_DIR=f"{self.data}{os.pathsep}{PRODUCT_DATA}")
+
+    def run_plaz(self, *args, **env):
+        return Result(subprocess.run([PLAZ, *args], cwd=self.dir, env={**self.env, **env}, encoding="utf-8", timeout=120,
+                                     stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE))
+
+    def run_json(self, *args, status=0, **env):
+        result = self.run_plaz("--json", *args, **env)
+        self.assertEqual(result.status, status, result.err)
+        self.assertEqual(result.document["ok"], status == 0)
+        self.assertEqual("error" in result.document, status != 0)
+        return result.document
+
+    def get_installed(self):
+        items = self.run_json("items", "--installed", "--all-revisions")["items"]
+        for item in items:
+            self.assertTrue((pathlib.Path(item["local_directory"]) / "item.json").is_file(), item)
+        return {f"{i['store']}::{i['name']}@{i['revision']}": (i["installation_mode"], i["reference_count"]) for i in items}
+
+    def lay_git(self, script):
+        """Third-party programs of the test's own, with @p script in git's place (none: no git)."""
+        program = self.dir / "tps/win64/git-2.45.0/cmd/git.exe"
+        program.parent.mkdir(parents=True)
+        if script:
+            program.write_text(script)
+            program.chmod(0o755)
+        return str(self.dir / "tps")
+
+    def test_lists_what_the_hub_offers(self):
+        """Catches: stores or items lost on the way, filters that are ignored, columns out of line."""
+        stores = self.run_json("stores")["qstores"]
+        self.assertEqual([(s["name"], s["store_type"], s["item_count"], s["installed_count"]) for s in stores],
+                         [("boards", "board", 8, 0), ("tclscripts", "ced", 8, 0)])
+        names = [(i["store"], i["name"], i["revision"]) for i in self.run_json("items", "*c[ls]*k*")["items"]]
+        self.assertEqual(names, [("boards", "clocking", "1.1"), ("tclscripts", "csv-kit", "1.1"),
+                                 ("tclscripts", "clocking", "1.0")])
+        revisions = self.run_json("items", "boards::aurora", "--all-revisions")["items"]
+        self.assertEqual(sorted(i["revision"] for i in revisions), ["1.0", "1.1", "2.0"])
+        lines = self.run_plaz("items", "--store", "boards").out.splitlines()
+        self.assertEqual(len(lines), 9)
+        self.assertEqual({line.index(text) for line, text in zip(lines[1:2], ["2.0"])}, {lines[0].index("REVISION")})
+        self.assertEqual([line.split()[1] for line in lines if "pr\u00fcf" in line], ["pr\u00fcfadapter"])
+
+        info = self.run_json("info", "aurora")["item"]
+        self.assertEqual([(d["store"], d["item"], d["revision"], d["installed"]) for d in info["dependencies"]],
+                         [("boards", "connectors-common", "", False), ("boards", "io-panel", "1.0", False),
+                          ("tclscripts", "pin-report", "", False), ("tclscripts", "board-check", "", False)])
+        self.assertEqual([r["revision"] for r in info["revisions"]], ["1.0", "1.1", "2.0"])
+        text = self.run_plaz("info", "aurora@1.1").out
+        for part in ("boards::aurora@1.1", "boards::io-panel@1.0", "not installed"):
+            self.assertIn(part, text)
+
+    def test_installs_with_dependencies_and_removes_them_again(self):
+        """Catches: what one process installs unknown to the next, wrong counts, leftovers after the last holder went."""
+        first = self.run_json("install", "aurora")
+        self.assertEqual([(i["name"], i["revision"], i["outcome"]) for i in first["items"]], [("aurora", "2.0", "installed")])
+        self.assertTrue(first["messages"])
+        self.assertEqual(self.get_installed(), {
+            "boards::aurora@2.0": ("user", 0), "boards::connectors-common@1.0": ("tool", 2),
+            "boards::io-panel@1.0": ("tool", 1), "tclscripts::pin-report@1.0": ("tool", 1),
+            "tclscripts::board-check@1.0": ("tool", 1), "tclscripts::csv-kit@1.1": ("tool", 2),
+            "tclscripts::string-kit@1.0": ("tool", 2), "tclscripts::text-tables@1.0": ("tool", 1)})
+        holders = self.run_json("info", "csv-kit")["item"]["dependants"]
+        self.assertEqual([i["name"] for i in holders], ["pin-report", "board-check"])
+        self.assertIn("dependency", self.run_plaz("items", "csv-kit").out)
+
+        held = self.run_plaz("uninstall", "csv-kit")
+        self.assertEqual(held.status, 1)
+        self.assertIn("17-1568", held.err)
+        quiet = self.run_plaz("--quiet", "uninstall", "aurora")
+        self.assertEqual((quiet.status, quiet.out, quiet.err), (0, "", ""))
+        self.assertEqual(self.get_installed(), {})
+
+    def test_updates_and_keeps_modes(self):
+        """Catches: an update that turns a dependency into the user's, drops the older revision, or never ends."""
+        for name in ("aurora@1.1", "hikari"):
+            self.assertEqual(self.run_plaz("install", name).status, 0)
+        self.assertEqual([i["name"] for i in self.run_json("items", "--outdated")["items"]], ["aurora", "io-panel"])
+        updated = self.run_json("update", "aurora")["items"]
+        self.assertEqual([(i["revision"], i["previous_revision"], i["outcome"]) for i in updated], [("2.0", "1.1", "updated")])
+        modes = {item: mode for item, (mode, _) in self.get_installed().items()}
+        self.assertEqual((modes["boards::aurora@1.1"], modes["boards::aurora@2.0"]), ("user", "user"))
+        self.assertEqual(self.run_json("update", "--all")["items"][0]["name"], "io-panel")
+        self.assertEqual(self.get_installed()["boards::io-panel@1.1"][0], "tool")
+        nothing = self.run_plaz("update", "--all")
+        self.assertEqual(nothing.status, 0)
+        self.assertIn("17-2186", nothing.err)
+        several = self.run_plaz("uninstall", "aurora")
+        self.assertEqual(several.status, 1)
+        for candidate in ("boards::aurora@1.1", "boards::aurora@2.0"):
+            self.assertIn(candidate, several.err)
+
+    def test_updates_where_one_revision_is_kept(self):
+        """Catches: mode and count of the replaced revision lost, or both revisions listed as installed."""
+        newest = self.catalog_file.read_text()
+        catalog = json.loads(newest)
+        item = next(i for i in catalog["catalog"]["items"] if i["name"] == "csv-kit")
+        item.update(item["revisions"][0], latest_revision="1.0")
+        self.catalog_file.write_text(json.dumps(catalog))
+        self.assertEqual(self.run_plaz("install", "pin-report").status, 0)
+        self.assertEqual(self.get_installed()["tclscripts::csv-kit@1.0"], ("tool", 1))
+        self.catalog_file.write_text(newest)
+        self.assertEqual([i["name"] for i in self.run_json("items", "--outdated")["items"]], ["csv-kit"])
+        self.assertEqual(self.run_plaz("update", "csv-kit").status, 0)
+        installed = self.get_installed()
+        self.assertEqual(installed["tclscripts::csv-kit@1.1"], ("tool", 1))
+        self.assertEqual(installed["tclscripts::string-kit@1.0"], ("tool", 1))
+        self.assertNotIn("tclscripts::csv-kit@1.0", installed)
+        self.assertEqual(self.run_json("items", "--outdated")["items"], [])
+        self.assertEqual(self.run_plaz("uninstall", "pin-report").status, 0)
+        self.assertEqual(self.get_installed(), {})
+
+    def test_fetches_again_what_moved_under_one_revision(self):
+        """Catches: a commit that changed under an unchanged revision and is never fetched, or is fetched for ever."""
+        self.assertEqual(self.run_plaz("install", "pin-report").status, 0)
+        catalog = json.loads(self.catalog_file.read_text())
+        item = next(i for i in catalog["catalog"]["items"] if i["name"] == "text-tables")
+        head = subprocess.run(["git", "rev-parse", "main"], cwd=SAMPLE / "repos/tcl-store.git", check=True,
+                              encoding="utf-8", stdout=subprocess.PIPE).stdout.strip()
+        item["commit_id"] = item["revisions"][0]["commit_id"] = head
+        self.catalog_file.write_text(json.dumps(catalog))
+        before = self.get_installed()
+        self.assertEqual([i["name"] for i in self.run_json("items", "--outdated")["items"]], ["text-tables"])
+        self.assertNotEqual(self.run_json("info", "text-tables")["item"]["installed_commit_id"], head)
+        self.assertEqual(self.run_json("update", "--all")["items"][0]["outcome"], "updated")
+        self.assertEqual(self.run_json("items", "--outdated")["items"], [])
+        self.assertEqual(self.run_json("info", "text-tables")["item"]["installed_commit_id"], head)
+        self.assertEqual(self.get_installed(), before)
+
+    def test_refuses_wrong_usage(self):
+        """Catches: slips of the command line that count as failures of the hub, or that leave a script without JSON."""
+        for args in ([], ["bogus"], ["stores", "--bogus"], ["items", "a", "b"], ["install"], ["install", "a@"],
+                     ["install", "::a"], ["info", "a", "b"], ["update"], ["update", "--all", "a"], ["validate"],
+                     ["--set", "plaz.gitTimeout", "stores"], ["--set", "no.such=1", "stores"],
+                     ["--set", "plaz.enableLog=perhaps", "stores"]):
+            with self.subTest(args=args):
+                plain = self.run_plaz(*args)
+                self.assertEqual((plain.status, plain.out), (2, ""))
+                self.assertIn("--help", plain.err)
+                self.assertTrue(self.run_json(*args, status=2)["error"])
+        secret = self.run_plaz("--set", "plaz.no_such_token=geheim", "stores")
+        self.assertNotIn("geheim", secret.err)
+        for args in (["--help"], ["install", "--help"], ["--version"]):
+            self.assertEqual(self.run_plaz(*args).status, 0)
+            self.run_json(*args)
+
+    def test_says_why_it_failed(self):
+        """Catches: failures that exit with 0, pick a candidate by themselves or do not name what there is."""
+        for args, told in ((["install", "nonsense"], "nonsense"), (["info", "arora"], "aurora"),
+                           (["install", "clocking"], "boards::clocking@1.1, tclscripts::clocking@1.0"),
+                           (["install", "hikari", "nonsense"], "nonsense"), (["info", "aurora@9"], "boards::aurora@1.1"),
+                           (["uninstall", "hikari"], "not installed"), (["update", "hikari"], "not installed"),
+                           (["items", "--store", "nope"], "tclscripts")):
+            with self.subTest(args=args):
+                plain = self.run_plaz(*args)
+                self.assertEqual(plain.status, 1)
+                self.assertIn(told, plain.err)
+                self.assertIn(told, self.run_json(*args, status=1)["error"])
+        self.assertEqual(self.get_installed(), {})
+        (self.data / "plaz/plaz.json").unlink()
+        self.assertIn("17-1569", self.run_plaz("stores").err)
+        self.run_json("stores", status=1)
+        with open("/dev/full", "w") as full:
+            self.assertEqual(subprocess.run([PLAZ, "params"], env=self.env, stdout=full, stderr=subprocess.DEVNULL).returncode, 1)
+
+    def test_json_stays_alone_on_standard_output(self):
+        """Catches: the debug log or a child writing between the brackets of the document."""
+        document = self.run_json("--set", "plaz.enableLog=true", "install", "string-kit")
+        self.assertEqual(document["items"][0]["outcome"], "installed")
+        result = self.run_plaz("--json", "--set", "plaz.enableLog=true", "items")
+        self.assertEqual(len(result.document["items"]), 16)
+        self.assertIn("Inside HSCPlazMgr::initHub", result.err)
+
+    def test_fails_without_git(self):
+        """Catches: a missing git that ends in a crash, in silence or in an item marked as installed."""
+        tps = self.lay_git(None)
+        result = self.run_plaz("install", "string-kit", GDA_TPS_DIR=tps)
+        self.assertEqual(result.status, 1)
+        self.assertIn("git", result.err)
+        self.assertIn("17-1567", result.err)
+        self.assertEqual(self.get_installed(), {})
+
+    def test_ctrl_c_cancels(self):
+        """Catches: a Ctrl-C that waits for git, leaves git running, or is told as an ordinary failure."""
+        mark = self.dir / "git.pid"
+        tps = self.lay_git(f"#!/bin/sh\necho $$ > {mark}.new && mv {mark}.new {mark}\nexec sleep 100\n")
+        process = subprocess.Popen([PLAZ, "--json", "install", "string-kit", "text-tables"], cwd=self.dir,
+                                   env={**self.env, "GDA_TPS_DIR": tps}, encoding="utf-8", stdout=subprocess.PIPE,
+                                   stderr=subprocess.PIPE)
+        deadline = time.monotonic() + 60
+        while not mark.exists() and process.poll() is None and time.monotonic() < deadline:
+            time.sleep(0.02)
+        self.assertTrue(mark.exists())
+        process.send_signal(signal.SIGINT)
+        out, err = process.communicate(timeout=20)
+        self.assertEqual(process.returncode, 130, err)
+        document = json.loads(out)
+        self.assertFalse(document["ok"])
+        self.assertEqual(len(document["items"]), 1)
+        with self.assertRaises(ProcessLookupError):
+            os.kill(int(mark.read_text()), 0)
+        self.assertEqual(self.get_installed(), {})
+
+    def test_validates_metadata_files(self):
+        """Catches: broken files that pass, whole ones that do not, kinds taken for one another."""
+        self.assertEqual(self.run_plaz("install", "string-kit").status, 0)
+        database = next(self.dir.glob("home/**/plaz_local_db.json"))
+        stores = self.data / "plaz/storesdata"
+        good = {self.data / "plaz/plaz.json": "hub", self.data / "plaz/plaz_config.json": "configuration",
+                stores / "tcl-store/tcl_store.json": "store", self.catalog_file: "item catalog", database: "database",
+                SAMPLE.parent / "item.json": "item"}
+        shutil.copy(next(stores.glob("**/item.json")), SAMPLE.parent / "item.json")
+        files = self.run_json("validate", *good)["files"]
+        self.assertEqual([(f["kind"], f["findings"]) for f in files], [(kind, []) for kind in good.values()])
+
+        hub = json.loads((self.data / "plaz/plaz.json").read_text())
+        del hub["plaz"]["qstores"][1]["name"]
+        bad = {"no.json": ("", "no such file"), "half.json": ("{\"plaz\":", "line 1"), "other.json": ("[1]", "none of"),
+               "hub.json": (json.dumps(hub), "/plaz/qstores/1"),
+               "newer.json": (json.dumps({**hub, "_major": 9}), "plaz_9_0.json")}
+        for name, (text, told) in bad.items():
+            with self.subTest(name=name):
+                if text:
+                    (self.dir / name).write_text(text)
+                file = self.run_json("validate", name, status=1)["files"][0]
+                self.assertFalse(file["valid"])
+                self.assertIn(told, file["findings"][0])
+
+    def test_tells_paths_and_parameters(self):
+        """Catches: a rule that is told but not in force, secrets on the screen, hidden parameters listed."""
+        area = self.dir / "area"
+        document = self.run_json("paths", ZENTOR_PLAZ_USERAREA_ROOT_DIR=str(area))
+        paths = {path["name"]: path for path in document["paths"]}
+        self.assertEqual((paths["user area"]["path"], paths["user area"]["chosen_by"]),
+                         (str(area), "variable ZENTOR_PLAZ_USERAREA_ROOT_DIR"))
+        for name in ("git", "hub metadata", "configuration", "schema root"):
+            self.assertTrue(paths[name]["exists"], name)
+        self.assertEqual([store["name"] for store in document["qstores"]], ["boards", "tclscripts"])
+        broken = self.run_plaz("paths", ZENTOR_PLAZ_USER_REPO_PATH=str(self.dir / "missing"))
+        self.assertEqual(broken.status, 0)
+        self.assertIn("ZENTOR_PLAZ_USER_REPO_PATH", broken.out)
+
+        shown = self.run_plaz("params", "plaz.git*", "--set", "plaz.git_token.board_store=geheim").out
+        self.assertIn("***", shown)
+        self.assertNotIn("geheim", shown)
+        self.assertNotIn("plaz.gitTimeout", shown)
+        params = self.run_json("params", "plaz.gitT*", "--hidden", "--set", "plaz.gitTimeout=7")["params"]
+        self.assertEqual([(p["name"], p["value"], p["default"], p["type"]) for p in params],
+                         [("plaz.gitTimeout", "7", "1000", "int")])
+
+
+if __name__ == "__main__":
+    unittest.main(argv=[sys.argv[0], *sys.argv[4:]])
