@@ -9,6 +9,10 @@
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
 
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/filesystem/path.hpp>
+
+#include <algorithm>
 #include <initializer_list>
 
 namespace {
@@ -54,10 +58,18 @@ std::string hubBase(const std::string& hubRoot) {
     return HUTEnv::getEnv(localRootVariable, base) ? base : HUTEnv::getGDADataDir(hubRoot);
 }
 
-/// Folders of a store's area that belong to the hub, not to items.
+/// Folders of a store's area that belong to the hub, not to items, and git's own. Some disks ignore case.
 bool isReserved(const std::string& itemRoot) {
-    const std::string first = itemRoot.substr(0, itemRoot.find('/'));
-    return first == hiddenDir || first == stagingDir || (itemRoot + "/").find(".git/") != std::string::npos;
+    for (std::size_t begin = 0; begin <= itemRoot.size();) {
+        const std::size_t end = std::min(itemRoot.find('/', begin), itemRoot.size());
+        const std::string component = itemRoot.substr(begin, end - begin);
+        if (boost::algorithm::iequals(component, ".git")) return true;
+        if (begin == 0 &&
+            (boost::algorithm::iequals(component, hiddenDir) || boost::algorithm::iequals(component, stagingDir)))
+            return true;
+        begin = end + 1;
+    }
+    return false;
 }
 
 } // namespace

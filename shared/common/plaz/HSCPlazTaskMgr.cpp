@@ -11,6 +11,7 @@
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/reader/HSCPlazQItemReader.h"
+#include "plaz/model/repo/HSCPlazGit.h"
 #include "plaz/model/repo/HSCPlazRepo.h"
 #include "plaz/model/repo/HSCPlazRepoFactory.h"
 #include "plaz/pref/HSCPlazUserPref.h"
@@ -144,6 +145,13 @@ const HSCPlazQItem* findOverlap(const Found& found) {
     return nullptr;
 }
 
+/// Sends what an exception carries, but not that git failed where git's own words have just been sent, and nothing
+/// about work that was cancelled.
+void reportUnlessTold(const HEXAll& failure) {
+    const bool isGits = failure.getMsg().getId() == ComMsgMgrInstance("", 0, "common", Msg::gitFailed).getId();
+    if (!HUTFork::isInterrupted() && !(isGits && HSCPlazGit::hasToldFailure())) ComMsgMgr::send(failure);
+}
+
 /// Has the repository put the item in its place. What goes wrong has been sent when this returns false.
 bool fetchFromRepository(HSCPlaz& hub, const Found& found) {
     if (const HSCPlazQItem* other = findOverlap(found)) {
@@ -155,7 +163,7 @@ bool fetchFromRepository(HSCPlaz& hub, const Found& found) {
     try {
         if (!repo || !repo->install(&hub, found.item->getModel())) return false;
     } catch (const HEXAll& failure) {
-        if (!HUTFork::isInterrupted()) ComMsgMgr::send(failure);
+        reportUnlessTold(failure);
         return false;
     }
     // Only now are the files of this very revision at hand: they say what it depends on.

@@ -105,6 +105,9 @@ public:
     static int exec_git(const std::vector<std::string>& args, const std::string& workDir, bool internalCall,
                         const std::string& logFile);
 
+    /// Whether git's own words on the last failure have been sent as Msg::gitErrors.
+    static bool hasToldFailure();
+
     /// Where git is; empty when it is nowhere. Looked up afresh at each call.
     static std::string getGitExePath();
     /// Seconds after which a command is killed: the parameter "plaz.gitTimeOut", else 100.

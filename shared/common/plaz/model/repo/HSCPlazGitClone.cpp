@@ -25,7 +25,6 @@ namespace fs = boost::filesystem;
 namespace {
 
 constexpr const char* doneMarker = "/.done";
-constexpr const char* defaultBranch = "master";
 
 std::string getStoreUrl(const HSCPlazQStoreModel& store) {
     if (store.getStoreType() == "board") {
@@ -33,10 +32,6 @@ std::string getStoreUrl(const HSCPlazQStoreModel& store) {
         if (!url.empty()) return url;
     }
     return store.getUrl();
-}
-
-std::string getStoreBranch(const HSCPlazQStoreModel& store) {
-    return store.getBranch().empty() ? defaultBranch : store.getBranch();
 }
 
 bool refuse(const HSCPlazQStoreModel& store, const std::string& reason) {
@@ -162,7 +157,7 @@ bool checkOutFiles(const HSCPlazQStoreModel& store, const std::string& staging, 
     if (HSCPlazGit::cloneOrUpdateRepoForStore(&store, true) == 0) return false;
     HSCPlazGit::enableSparseCheckout(staging);
     if (!HSCPlazGit::addItemsToSparseCheckout(staging, files)) return false;
-    HSCPlazGit::checkout(staging, getStoreBranch(store));
+    HSCPlazGit::checkout(staging, store.getBranchOrMaster());
     removed.keep();
     return true;
 }
@@ -173,7 +168,7 @@ void traceStore(const HSCPlazQStoreModel& store, const std::string& staging) {
     std::string release;
     HSCPlazUtils::getProductInfo(product, release);
     HSCPlazGit::debugTrace("store info.\n Store Path : ", staging, ".\n Store Remote : ", getStoreUrl(store),
-                           ".\n Store Branch : ", getStoreBranch(store), "\n");
+                           ".\n Store Branch : ", store.getBranchOrMaster(), "\n");
     HSCPlazGit::debugTrace("Product Info :\n\t Product Name: ", product, ".\n\t Product Release : ", release);
 }
 
@@ -288,7 +283,7 @@ bool HSCPlazGit::updateCatalog(HSCPlazBaseModel* model) {
         debugTrace("it is not specific to product");
         return true;
     }
-    if (!acceptBranch(*store, getStoreBranch(*store))) return false;
+    if (!acceptBranch(*store, store->getBranchOrMaster())) return false;
     const std::vector<std::string> files = getItemFiles(*store);
     if (files.empty()) {
         debugTrace(" No qitems present in the store.");
@@ -308,7 +303,7 @@ bool HSCPlazGit::loadCatalog(HSCPlazBaseModel* model, HSCPlazPathMgr* pathMgr,
         debugTrace("No catalog files provided to fetch.");
         return false;
     }
-    if (!acceptBranch(*store, getStoreBranch(*store)) || !acceptFiles(*store, catalogFiles)) return false;
+    if (!acceptBranch(*store, store->getBranchOrMaster()) || !acceptFiles(*store, catalogFiles)) return false;
     const std::string staging = pathMgr->getStoreStagingDir(*store);
     debugTrace("storePath = ", fs::path(staging).generic_string());
     return checkOutFiles(*store, staging, catalogFiles);

@@ -30,6 +30,10 @@ std::set<std::string>& capturedErrors() {
     return errors;
 }
 
+// Whether git's own words on the last failure have been sent. The captured errors do not tell: the commands that follow
+// a failure empty them.
+bool failureIsTold = false;
+
 // Adds a log's error lines to the captured errors.
 void setLastError(const std::string& log) {
     static constexpr const char* self = "`anonymous-namespace'::setLastError";
@@ -100,6 +104,7 @@ void enter(const std::string& workDir, const std::vector<std::string>& args) {
     std::string command = "git";
     for (const std::string& arg : args) command += " " + HSCPlazTrust::maskSecrets(arg);
     ComMsgMgr::send(Msg::gitErrors, MsgSeverity::error, command, "fatal: cannot change to directory " + workDir);
+    failureIsTold = true;
     throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::gitFailed));
 }
 
@@ -117,6 +122,7 @@ int launchTwice(HUTFork& git) {
     if (!errors.empty() && !HUTFork::isInterrupted()) {
         ComMsgMgr::setVerbosity(verbosity);
         ComMsgMgr::send(Msg::gitErrors, MsgSeverity::error, commandLine, errors);
+        failureIsTold = true;
     }
     throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::gitFailed));
 }
@@ -152,7 +158,10 @@ int runGit(const std::vector<std::string>& args, const std::string& workDir, con
 int HSCPlazGit::exec_git(const std::vector<std::string>& args, const std::string& workDir, bool internalCall,
                          const std::string& logFile) {
     HSCPlazLogger::inside(execGit);
-    if (!internalCall) setSslVerify(workDir, "false");
+    if (!internalCall) {
+        failureIsTold = false;
+        setSslVerify(workDir, "false");
+    }
     const std::string startDir = HUTSysCall::getCurrDir();
     const int verbosity = ComMsgMgr::getVerbosity();
     CommandLog log(logFile);
@@ -185,6 +194,10 @@ void HSCPlazGit::setSslVerify(const std::string& workDir, const std::string& val
     if (!HUTFile::isDirectory(workDir + "/.git")) return;
     configure(workDir, "http.sslVerify", value);
     HSCPlazLogger::log("set ssl verify " + value);
+}
+
+bool HSCPlazGit::hasToldFailure() {
+    return failureIsTold;
 }
 
 std::string HSCPlazGit::getGitExePath() {
