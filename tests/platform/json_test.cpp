@@ -24,6 +24,7 @@ TEST(JsonTest, RefusesWithPlace) {
         {"{\"a\": \"x\\ny\", oops", "line 1, column 15: "},
         {"[\"\xC3(\"]", "line 1, column 3: "},
         {"[\"\xED\xA0\x80\"]", "line 1, column 3: "},
+        {"[\"" + std::string(40, 'x') + "\xF2", "line 1, column 43: "}, // needs the address sanitizer
         {"[1e999]", "line 1, column 2: "},
         {"[] []", "line 1, column 4: "},
         {std::string("[]\0{", 4), "line 1, column 3: "},

@@ -102,7 +102,8 @@ TEST(StoreTest, SupportUrlIsTheWikiOfAGitUrl) {
 // The category tree losing levels or order on its way from model to object.
 TEST(StoreTest, BuildsTheCategoryTree) {
     HSCPlazQStoreModel model;
-    model.setCategories({{"a", "A", "first", {{"a1", "A1", "", {{"a1x", "", "", {}}}}, {"a2", "", "", {}}}}, {"b", "", "", {}}});
+    model.setCategories(
+        {{"a", "A", "first", {{"a1", "A1", "", {{"a1x", "", "", {}}}}, {"a2", "", "", {}}}}, {"b", "", "", {}}});
     HSCPlazQStore store;
     store.assignModel(&model);
     ASSERT_EQ(store.getCategories().size(), 2U);

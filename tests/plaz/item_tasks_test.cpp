@@ -29,7 +29,9 @@ protected:
             if (HSCPlazQItem* item = store->getItem(name)) return *item;
         throw std::logic_error("no item " + name);
     }
-    static bool install(const std::string& name) { return HSCPlazTaskMgr::install(&hub(), &find(name), false, nullptr); }
+    static bool install(const std::string& name) {
+        return HSCPlazTaskMgr::install(&hub(), &find(name), false, nullptr);
+    }
     static bool uninstall(const std::string& name) { return HSCPlazTaskMgr::uninstall(&hub(), &find(name), false); }
     /// "user 2", "tool 1" or "-".
     static std::string stateOf(const HSCPlazQItem& item) {

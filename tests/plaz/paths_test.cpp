@@ -148,22 +148,36 @@ TEST(TrustTest, RefusesWhatLeadsElsewhere) {
         bool (*rule)(const std::string&);
         const char* text;
         bool expected;
-    } cases[] = {
-        {HSCPlazTrust::isSafeRelativePath, "a/b.json", true},  {HSCPlazTrust::isSafeRelativePath, "a..b/..c", true},
-        {HSCPlazTrust::isSafeRelativePath, "a/../b", false},   {HSCPlazTrust::isSafeRelativePath, "..", false},
-        {HSCPlazTrust::isSafeRelativePath, "/a", false},       {HSCPlazTrust::isSafeRelativePath, "C:x", false},
-        {HSCPlazTrust::isSafeRelativePath, "a\\b", false},     {HSCPlazTrust::isSafeRelativePath, "a\nb", false},
-        {HSCPlazTrust::isSafeRelativePath, "", false},         {HSCPlazTrust::isSafeRelativePath, "Grüße/基板", true},
-        {HSCPlazTrust::isSafeComponent, "1.0", true},          {HSCPlazTrust::isSafeComponent, "1/0", false},
-        {HSCPlazTrust::isSafeComponent, ".", false},           {HSCPlazTrust::isSafeRef, "main", true},
-        {HSCPlazTrust::isSafeRef, "release/1.0", true},        {HSCPlazTrust::isSafeRef, "-x", false},
-        {HSCPlazTrust::isSafeRef, "a b", false},               {HSCPlazTrust::isSafeRef, "HEAD~1", false},
-        {HSCPlazTrust::isSafeRef, "", false},                  {HSCPlazTrust::isSafeUrl, "https://h/r.git", true},
-        {HSCPlazTrust::isSafeUrl, "file:///d/r", true},        {HSCPlazTrust::isSafeUrl, "/d/r", true},
-        {HSCPlazTrust::isSafeUrl, "git@h:o/r.git", true},      {HSCPlazTrust::isSafeUrl, "https://u:t@h/r", true},
-        {HSCPlazTrust::isSafeUrl, "-u/x", false},              {HSCPlazTrust::isSafeUrl, "ext::sh -c id", false},
-        {HSCPlazTrust::isSafeUrl, "fd::7", false},             {HSCPlazTrust::isSafeUrl, "ftp://h/r", false},
-        {HSCPlazTrust::isSafeUrl, "ssh://-oX=y/r", false},     {HSCPlazTrust::isSafeUrl, "u@-oX:r", false}};
+    } cases[] = {{HSCPlazTrust::isSafeRelativePath, "a/b.json", true},
+                 {HSCPlazTrust::isSafeRelativePath, "a..b/..c", true},
+                 {HSCPlazTrust::isSafeRelativePath, "a/../b", false},
+                 {HSCPlazTrust::isSafeRelativePath, "..", false},
+                 {HSCPlazTrust::isSafeRelativePath, "/a", false},
+                 {HSCPlazTrust::isSafeRelativePath, "C:x", false},
+                 {HSCPlazTrust::isSafeRelativePath, "a\\b", false},
+                 {HSCPlazTrust::isSafeRelativePath, "a\nb", false},
+                 {HSCPlazTrust::isSafeRelativePath, "", false},
+                 {HSCPlazTrust::isSafeRelativePath, "Grüße/基板", true},
+                 {HSCPlazTrust::isSafeComponent, "1.0", true},
+                 {HSCPlazTrust::isSafeComponent, "1/0", false},
+                 {HSCPlazTrust::isSafeComponent, ".", false},
+                 {HSCPlazTrust::isSafeRef, "main", true},
+                 {HSCPlazTrust::isSafeRef, "release/1.0", true},
+                 {HSCPlazTrust::isSafeRef, "-x", false},
+                 {HSCPlazTrust::isSafeRef, "a b", false},
+                 {HSCPlazTrust::isSafeRef, "HEAD~1", false},
+                 {HSCPlazTrust::isSafeRef, "", false},
+                 {HSCPlazTrust::isSafeUrl, "https://h/r.git", true},
+                 {HSCPlazTrust::isSafeUrl, "file:///d/r", true},
+                 {HSCPlazTrust::isSafeUrl, "/d/r", true},
+                 {HSCPlazTrust::isSafeUrl, "git@h:o/r.git", true},
+                 {HSCPlazTrust::isSafeUrl, "https://u:t@h/r", true},
+                 {HSCPlazTrust::isSafeUrl, "-u/x", false},
+                 {HSCPlazTrust::isSafeUrl, "ext::sh -c id", false},
+                 {HSCPlazTrust::isSafeUrl, "fd::7", false},
+                 {HSCPlazTrust::isSafeUrl, "ftp://h/r", false},
+                 {HSCPlazTrust::isSafeUrl, "ssh://-oX=y/r", false},
+                 {HSCPlazTrust::isSafeUrl, "u@-oX:r", false}};
     for (const auto& row : cases) EXPECT_EQ(row.rule(row.text), row.expected) << row.text;
 }
 
@@ -178,7 +192,8 @@ TEST_F(PathsTest, ProductVersionDropsAZeroPatchOnly) {
     const struct {
         const char* host;
         const char* expected;
-    } cases[] = {{"2024.2.0", "2024.2"}, {"2024.2.1", "2024.2.1"}, {"2024.2.1_P7", "2024.2.1"}, {"2024.2.0_P7", "2024.2"}};
+    } cases[] = {
+        {"2024.2.0", "2024.2"}, {"2024.2.1", "2024.2.1"}, {"2024.2.1_P7", "2024.2.1"}, {"2024.2.0_P7", "2024.2"}};
     for (const auto& row : cases) {
         files.env.set("GDA_PRODUCT_VERSION", row.host);
         std::string name, version;
@@ -189,7 +204,8 @@ TEST_F(PathsTest, ProductVersionDropsAZeroPatchOnly) {
 }
 
 TEST_F(PathsTest, LocalUserDataIsYesByItsFirstLetter) {
-    for (const auto& [value, expected] : {std::pair("Y", true), {"yes", true}, {"no", false}, {"", false}, {" Y", false}}) {
+    for (const auto& [value, expected] :
+         {std::pair("Y", true), {"yes", true}, {"no", false}, {"", false}, {" Y", false}}) {
         files.env.set("ZENTOR_PLAZ_LOCAL_USER_DATA", value);
         EXPECT_EQ(HSCPlazUtils::useLocalStore(), expected) << value;
     }

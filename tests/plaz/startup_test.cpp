@@ -95,9 +95,11 @@ TEST_F(StartUpTest, WithoutDefaultLocationStoresLiveBelowTheUserRepository) {
 TEST_F(StartUpTest, MergesWhatIsInstalled) {
     files.addStore("boards", "board", true).item("aurora", "1.0").item("aurora", "2.0");
     files.ship();
-    writeDatabase(boardsDb, "2024.2", record("aurora", "1.0") + "," + record("aurora", "0.9") + "," + record("gone", "7"));
-    files.temp.write("appdata/2024.2/plaz/board_store/items/aurora/0.9/item.json",
-                     R"({"_major": 1, "config": {"items": [{"infra": {"name": "aurora", "display": "Old aurora", "revision": "0.9",
+    writeDatabase(boardsDb, "2024.2",
+                  record("aurora", "1.0") + "," + record("aurora", "0.9") + "," + record("gone", "7"));
+    files.temp.write(
+        "appdata/2024.2/plaz/board_store/items/aurora/0.9/item.json",
+        R"({"_major": 1, "config": {"items": [{"infra": {"name": "aurora", "display": "Old aurora", "revision": "0.9",
                      "dependencies": [{"item": "d", "store": "boards", "revision": ""}]}}]}})");
     HSCPlazQStore& boards = *hub().getStore("boards");
     EXPECT_EQ(boards.getItems().size(), 4U);

@@ -7,7 +7,9 @@
 
 namespace {
 
-std::string quoted(const std::string& text) { return "\"" + text + "\""; }
+std::string quoted(const std::string& text) {
+    return "\"" + text + "\"";
+}
 
 std::string metadataOf(const std::string& name, const std::string& revision,
                        const std::vector<StoreOnDisk::Needs>& needs) {
@@ -28,7 +30,8 @@ StoreOnDisk::StoreOnDisk(const TempDir& dir, std::string name, std::string type,
       m_repo(dir.path("repos/" + m_name), "master") {}
 
 StoreOnDisk::Item& StoreOnDisk::find(const std::string& name) {
-    const auto found = std::find_if(m_items.begin(), m_items.end(), [&](const Item& item) { return item.name == name; });
+    const auto found =
+        std::find_if(m_items.begin(), m_items.end(), [&](const Item& item) { return item.name == name; });
     if (found != m_items.end()) return *found;
     m_items.push_back({name, {}});
     return m_items.back();
@@ -74,13 +77,16 @@ void StoreOnDisk::ship(const std::string& storesData) const {
             write(root + "/items/" + item.name + (m_multiRevision ? "/" + entry.revision : "") + "/item.json",
                   entry.metadata);
         }
-        items += (items.empty() ? "" : ",\n") + std::string("{\"name\": ") + quoted(item.name) + ", \"root\": " +
-                 quoted("items/" + item.name) + ", \"latest_revision\": " + quoted(item.revisions.back().revision) +
-                 ", \"commit_id\": " + quoted(item.revisions.back().commit) + ", \"config\": {\"root\": " +
-                 quoted("items/" + item.name) + ", \"metadata_file\": \"item.json\"}, \"revisions\": [" + revisions + "]}";
+        items += (items.empty() ? "" : ",\n") + std::string("{\"name\": ") + quoted(item.name) +
+                 ", \"root\": " + quoted("items/" + item.name) +
+                 ", \"latest_revision\": " + quoted(item.revisions.back().revision) +
+                 ", \"commit_id\": " + quoted(item.revisions.back().commit) +
+                 ", \"config\": {\"root\": " + quoted("items/" + item.name) +
+                 ", \"metadata_file\": \"item.json\"}, \"revisions\": [" + revisions + "]}";
     }
     write(root + "/catalog.json", "{\"_major\": 1, \"_minor\": 0, \"catalog\": {\"multi_revision_supported\": " +
-                                      std::string(m_multiRevision ? "true" : "false") + ", \"items\": [" + items + "]}}");
+                                      std::string(m_multiRevision ? "true" : "false") + ", \"items\": [" + items +
+                                      "]}}");
     write(root + "/store.json",
           "{\"_major\": 1, \"_minor\": 0, \"catalog\": {\"supported_products\": [{\"product_name\": \"Solvan\", "
           "\"supported_releases\": [{\"version\": \"default\", \"qitem_catalogue_file\": \"catalog.json\", "
@@ -88,8 +94,8 @@ void StoreOnDisk::ship(const std::string& storesData) const {
 }
 
 std::string StoreOnDisk::entry() const {
-    return "{\"name\": " + quoted(m_name) + ", \"display_name\": " + quoted("Store " + m_name) + ", \"url\": " +
-           quoted("file://" + m_repo.getDir()) + ", \"config\": {\"root\": " + quoted(m_name) +
+    return "{\"name\": " + quoted(m_name) + ", \"display_name\": " + quoted("Store " + m_name) +
+           ", \"url\": " + quoted("file://" + m_repo.getDir()) + ", \"config\": {\"root\": " + quoted(m_name) +
            ", \"metadata_file\": \"store.json\", \"store_type\": " + quoted(m_type) + "}}";
 }
 
@@ -99,8 +105,9 @@ HubOnDisk::HubOnDisk() {
     env.set("ZENTOR_PLAZ_LOCAL_ROOT_DIR", temp.makeDir("data"));
     env.set("GDA_PRODUCT_NAME", "Solvan");
     env.set("GDA_PRODUCT_VERSION", "2024.2.0");
-    for (const char* name : {"ZENTOR_PLAZ_USER_REPO_PATH", "ZENTOR_PLAZ_USERAREA_ROOT_DIR", "ZENTOR_PLAZ_SHARED_ROOT_DIR",
-                             "ZENTOR_PLAZ_LOCAL_USER_DATA", "ZENTOR_PLAZ_REMOTE_REPO_PATH", "GDA_REGRESS_MODE"})
+    for (const char* name :
+         {"ZENTOR_PLAZ_USER_REPO_PATH", "ZENTOR_PLAZ_USERAREA_ROOT_DIR", "ZENTOR_PLAZ_SHARED_ROOT_DIR",
+          "ZENTOR_PLAZ_LOCAL_USER_DATA", "ZENTOR_PLAZ_REMOTE_REPO_PATH", "GDA_REGRESS_MODE"})
         env.unset(name);
     temp.write("data/plaz/plaz_config.json",
                "{\"plaz\": {\"remote_repository\": {\"url\": \"https://hub.example.org/hub.git\"}}}");
