@@ -10,7 +10,7 @@ enum class UpdateStep {
 };
 
 /// Decides from the item's state and its store's catalog. A revision whose latest one is installed beside it needs
-/// nothing.
+/// nothing, and neither does one that stands beside others only because items need it.
 UpdateStep decideUpdate(const HSCPlazQItem& item);
 
 /// Whether an update would do something for this installed revision.

@@ -129,13 +129,12 @@ class ShellTest(unittest.TestCase):
         """Catches: an update that turns a dependency into the user's, drops the older revision, or never ends."""
         for name in ("aurora@1.1", "hikari"):
             self.assertEqual(self.run_plaz("install", name).status, 0)
-        self.assertEqual([i["name"] for i in self.run_json("items", "--outdated")["items"]], ["aurora", "io-panel"])
+        self.assertEqual([i["name"] for i in self.run_json("items", "--outdated")["items"]], ["aurora"])
         updated = self.run_json("update", "aurora")["items"]
         self.assertEqual([(i["revision"], i["previous_revision"], i["outcome"]) for i in updated], [("2.0", "1.1", "updated")])
         modes = {item: mode for item, (mode, _) in self.get_installed().items()}
         self.assertEqual((modes["boards::aurora@1.1"], modes["boards::aurora@2.0"]), ("user", "user"))
-        self.assertEqual(self.run_json("update", "--all")["items"][0]["name"], "io-panel")
-        self.assertEqual(self.get_installed()["boards::io-panel@1.1"][0], "tool")
+        self.assertEqual(self.get_installed()["boards::io-panel@1.0"], ("tool", 2))  # asked for in that revision
         nothing = self.run_plaz("update", "--all")
         self.assertEqual(nothing.status, 0)
         self.assertIn("17-2186", nothing.err)

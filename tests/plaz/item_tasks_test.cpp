@@ -183,6 +183,20 @@ TEST_F(ItemTasksTest, ReplacedRevisionHandsOverItsHolders) {
     EXPECT_EQ(recorded("ced_store"), "");
 }
 
+// A dependency that stays for ever because the catalog has moved on since it was installed.
+TEST_F(ItemTasksTest, ReleasesTheRevisionThatWasInstalledNotTheLatest) {
+    StoreOnDisk& store = files.addStore("boards", "board", true);
+    store.item("x", "1").item("y", "1", {{"boards", "x", ""}});
+    files.ship();
+    ASSERT_TRUE(install("y"));
+    store.item("x", "2");
+    files.ship();
+    HSCPlazMgr::getInstance().loadStoreCatalog(&hub(), hub().getStore("boards"), false);
+    EXPECT_EQ(state("x"), "-");
+    ASSERT_TRUE(uninstall("y"));
+    EXPECT_EQ(recorded("board_store"), "");
+}
+
 TEST_F(ItemTasksTest, RevisionsOfAMultiRevisionStoreStandSideBySide) {
     files.addStore("boards", "board", true).item("x", "1.0").item("x", "2.0");
     files.ship();

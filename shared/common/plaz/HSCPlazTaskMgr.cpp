@@ -88,6 +88,21 @@ Found findItem(const HSCPlaz& hub, const HSCPlazQItem* item) {
     return findItem(hub, item->getStoreName(), item->getName(), item->getRevision());
 }
 
+bool isHeld(const HSCPlazQItem& item) {
+    return item.IsInstalled() && item.getReferenceCount() > 0;
+}
+
+/// The installed item that a dependency holds. The catalog may have moved on since it was installed: where any revision
+/// serves, and where there is only one at a time, it is the one that is there.
+Found findHeld(const HSCPlaz& hub, const HSCPlazQItemDependency& dependency) {
+    const Found named = findItem(hub, dependency);
+    const bool isExact = !dependency.getRevision().empty() && named.store && named.store->IsMultiRevisionSupported();
+    if (!named.store || isExact || (named && isHeld(*named.item))) return named;
+    for (HSCPlazQItem* item : named.store->getItems())
+        if (isHeld(*item) && item->getName() == dependency.getItem()) return {named.store, item};
+    return named;
+}
+
 bool isProperlyInstalled(const Found& found) {
     return HSCPlazUtils::isItemInstalledProperly(found.item, found.store, HSCPlazMgr::getInstance().getUserPref());
 }
@@ -351,7 +366,7 @@ void restoreShipped(const Found& found) {
 }
 
 void uninstallDependencies(HSCPlaz* hub, const HSCPlazQItemDependency* dependency, Path& path, bool quiet) {
-    const Found found = findItem(*hub, *dependency);
+    const Found found = findHeld(*hub, *dependency);
     // An item that is not installed holds nothing: its installation failed, or it was removed by hand.
     if (!found || !found.item->IsInstalled()) return;
     uninstallDependenciesOf(hub, *found.item, path, quiet);
