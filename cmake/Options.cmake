@@ -11,8 +11,7 @@ endif()
 # Sources name themselves relative to the tree in messages.
 add_compile_options(-fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
 if(PLAZ_SANITIZE)
-  # The check of virtual tables wants type information of classes that the library does not export.
-  add_compile_options(-fsanitize=${PLAZ_SANITIZE} -fno-sanitize=vptr -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_compile_options(-fsanitize=${PLAZ_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${PLAZ_SANITIZE})
   # RapidJSON's stack starts from a null pointer, which clang counts as an overflow.
   if(CMAKE_CXX_COMPILER_ID STREQUAL Clang)

@@ -73,6 +73,7 @@ void holdAgainstSchema(FileCheck& check) {
     }
     const std::string violation = Schemas::findSchemaViolation(check.file, check.schema);
     if (!violation.empty()) check.findings.push_back(violation);
+    for (std::string& refusal : Schemas::findRefusedNames(check.file)) check.findings.push_back(std::move(refusal));
 }
 
 } // namespace

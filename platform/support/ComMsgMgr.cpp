@@ -142,6 +142,10 @@ std::string ComMsgMgr::format(const Message& message) {
     std::replace_if(
         line.begin(), line.end(),
         [](char c) { return (static_cast<unsigned char>(c) < 0x20 && c != '\n' && c != '\t') || c == 0x7f; }, '?');
+    while (line.back() == '\n') line.pop_back();
+    // Nor does a line of theirs look like a message of its own.
+    for (std::size_t end = line.find('\n'); end != std::string::npos; end = line.find('\n', end + 1))
+        line.insert(end + 1, "  ");
     return line;
 }
 

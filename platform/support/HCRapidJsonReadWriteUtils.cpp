@@ -64,6 +64,14 @@ private:
     int m_depth = 0;
 };
 
+// The parser takes the bytes that a lead byte announces without looking for the end of the text in between.
+void padCutOffCharacter(std::string& text) {
+    static constexpr std::size_t longestTail = 3;
+    const auto tail = text.end() - static_cast<std::ptrdiff_t>(std::min(longestTail, text.size()));
+    const auto isLeadByte = [](char c) { return static_cast<unsigned char>(c) >= 0xC0; };
+    if (std::any_of(tail, text.end(), isLeadByte)) text.append(longestTail, '\0');
+}
+
 std::string describePlace(const char* begin, std::size_t offset, const std::vector<const char*>& lineEndsInStrings) {
     std::size_t line = 1;
     const char* lineBegin = begin;
@@ -93,8 +101,10 @@ void add(rapidjson::Document& document, rapidjson::Value& object, const char* ke
 
 bool HCRapidJsonReadWriteUtils::parseInPlace(std::string& text, rapidjson::Document& document, std::string& error) {
     static constexpr const char byteOrderMark[] = "\xEF\xBB\xBF";
-    char* begin = text.data() + (text.compare(0, 3, byteOrderMark) == 0 ? 3 : 0);
-    const auto size = static_cast<std::size_t>(text.data() + text.size() - begin);
+    const std::size_t start = text.compare(0, 3, byteOrderMark) == 0 ? 3 : 0;
+    const std::size_t size = text.size() - start;
+    padCutOffCharacter(text);
+    char* begin = text.data() + start;
 
     rapidjson::InsituStringStream stream(begin);
     DepthGuard guard(document);

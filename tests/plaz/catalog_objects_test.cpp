@@ -70,6 +70,10 @@ TEST(StoreTest, FindsItemsByNameAndRevision) {
     EXPECT_EQ(store.getItem("x"), nullptr);
     EXPECT_EQ(store.getItem("y"), store.getItems()[2]);
 
+    store.getItems()[2]->getModel()->setName("behind its back");
+    EXPECT_EQ(store.getItem("y"), nullptr);
+    EXPECT_EQ(store.getItem("behind its back"), store.getItems()[2]);
+
     store.clearQStore();
     EXPECT_EQ(store.getItem("y"), nullptr);
     EXPECT_TRUE(model.getItems().empty());
@@ -200,6 +204,11 @@ TEST(ItemTest, HistoryComesFromTheInstalledFilesThenFromTheClone) {
     model->setIsInstalled(true);
     model->setLocalDir(temp.path("installed"));
     EXPECT_EQ(item.getHistory(), "from the clone");
+    model->setIsInstalled(false);
+    temp.write("clone2/.plaz/.catalog/boards/x/changelog.txt", "hidden");
+    storeModel.setLocalRootDir(temp.path("clone2"));
+    EXPECT_EQ(item.getHistory(), "hidden");
+    model->setIsInstalled(true);
     temp.write("installed/changelog.txt", "installed");
     EXPECT_EQ(item.getHistory(), "installed");
 }

@@ -96,6 +96,9 @@ TEST_F(PathsTest, WorkingCopyStandsBesideTheStagingDirectory) {
     EXPECT_EQ(paths.getStoreStagingDir(model), appData("plaz/boardroot/.staging"));
     EXPECT_EQ(paths.getStoreIndexDir(model), appData("plaz/boardroot/.plaz/.index"));
     EXPECT_FALSE(fs::exists(appData("plaz")));
+    model.setRoot("");
+    model.setName("../../escaped");
+    EXPECT_EQ(paths.getStoreStagingDir(model).find(appData("plaz/store_")), 0U);
     model.setLocalRootDir("/own");
     EXPECT_EQ(paths.getStoreIndexDir(model), "/own/.plaz/.index");
 }
@@ -130,6 +133,7 @@ TEST_F(PathsTest, ItemDirectoryStaysInTheStoresArea) {
                  {"", "1.0", nullptr},
                  {"link/x", "1.0", nullptr},
                  {"boards/x", "..", nullptr},
+                 {"boards/x", ".git", nullptr},
                  {"boards/x", "a/b", nullptr},
                  {".plaz/.index", "", nullptr},
                  {".staging", "", nullptr},
@@ -157,6 +161,13 @@ TEST(TrustTest, RefusesWhatLeadsElsewhere) {
                  {HSCPlazTrust::isSafeRelativePath, "a\\b", false},
                  {HSCPlazTrust::isSafeRelativePath, "a\nb", false},
                  {HSCPlazTrust::isSafeRelativePath, "", false},
+                 {HSCPlazTrust::isSafeRelativePath, "a/.GIT/b", false},
+                 {HSCPlazTrust::isSafeRelativePath, "a./b", false},
+                 {HSCPlazTrust::isSafeRelativePath, "a/ /b", false},
+                 {HSCPlazTrust::isSafeRelativePath, "x.git", true},
+                 {HSCPlazTrust::isSafeComponent, ".git", false},
+                 {HSCPlazTrust::isSafeUrl, "https://u:p w@h/r", false},
+                 {HSCPlazTrust::isSafeUrl, "file:///my dir/r", true},
                  {HSCPlazTrust::isSafeRelativePath, "Grüße/基板", true},
                  {HSCPlazTrust::isSafeComponent, "1.0", true},
                  {HSCPlazTrust::isSafeComponent, "1/0", false},

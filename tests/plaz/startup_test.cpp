@@ -11,6 +11,7 @@
 #include "support/HUTFile.h"
 #include "support/HubOnDisk.h"
 
+#include <boost/filesystem/operations.hpp>
 #include <gtest/gtest.h>
 
 namespace {
@@ -130,16 +131,47 @@ TEST_F(StartUpTest, LeavesTheDatabaseOfAnotherReleaseAlone) {
     EXPECT_EQ(readFile(files.temp.path(boardsDb)), before);
 }
 
-// A damaged database overwritten before anybody could save what it holds.
+// A damaged database overwritten before anybody could save what it holds, or taken for an empty one or a foreign one.
 TEST_F(StartUpTest, KeepsADamagedDatabase) {
+    const struct {
+        const char* store;
+        const char* type;
+        const char* text;
+    } cases[] = {{"boards", "board", R"({"plaz": {"product": )"},
+                 {"tcl", "ced", R"({"plaz": {}})"},
+                 {"more", "ced", R"({"plaz": {"product": "Solvan", "release": "2024.2", "qstores": {}}})"},
+                 {"last", "ced", R"({"plaz": {"product": "Solvan", "release": "2024.2", "qstores": [{"name": "last",
+                  "items": [{"name": "aurora", "revision": ".git"}]}]}})"}};
+    const auto database = [&](const std::string& store) {
+        const std::string folder = store == "boards" ? "board_store"
+                                   : store == "tcl"  ? "ced_store"
+                                                     : "ced_store_" + store;
+        return "appdata/2024.2/plaz/" + folder + "/.plaz/plaz_local_db.json";
+    };
+    for (const auto& row : cases) {
+        files.addStore(row.store, row.type, true).item("aurora", "1.0");
+        files.temp.write(database(row.store), row.text);
+    }
+    files.ship();
+    hub();
+    EXPECT_EQ(ids, (std::vector<std::string>{"12-102", "12-102", "12-102", "17-2160"}));
+    for (const auto& row : cases) {
+        EXPECT_EQ(readFile(files.temp.path(database(row.store))), row.text);
+        HSCPlazMgr::getInstance().getLocalDBMgr()->save(hub(), hub().getStore(row.store), "");
+        EXPECT_EQ(readFile(files.temp.path(database(row.store) + ".bad")), row.text);
+    }
+}
+
+// Metadata read through a link that leads out of what is shipped.
+TEST_F(StartUpTest, StoreFilesAreNotReadThroughLinks) {
     files.addStore("boards", "board", true).item("aurora", "1.0");
     files.ship();
-    files.temp.write(boardsDb, "{\"plaz\": {\"product\": ");
-    HSCPlazQStore& boards = *hub().getStore("boards");
-    EXPECT_EQ(ids, std::vector<std::string>{"12-102"});
-    EXPECT_EQ(readFile(files.temp.path(boardsDb)), "{\"plaz\": {\"product\": ");
-    HSCPlazMgr::getInstance().getLocalDBMgr()->save(hub(), &boards, "");
-    EXPECT_EQ(readFile(files.temp.path(std::string(boardsDb) + ".bad")), "{\"plaz\": {\"product\": ");
+    const std::string catalog = files.temp.path("data/plaz/storesdata/boards/catalog.json");
+    HUTFile::copyTo(catalog, files.temp.path("outside.json"), HUTFile::copyOver);
+    HUTFile::rmRecursive(catalog);
+    boost::filesystem::create_symlink(files.temp.path("outside.json"), catalog);
+    EXPECT_TRUE(hub().getStore("boards")->getItems().empty());
+    EXPECT_EQ(ids, std::vector<std::string>{"17-2161"});
 }
 
 TEST_F(StartUpTest, RestoresTheDirectoryThatTheUserChose) {
@@ -191,12 +223,16 @@ TEST_F(StartUpTest, ReloadReadsTheAreaFirstAndShippedFilesWhenShared) {
 
 TEST_F(StartUpTest, NullIsIgnored) {
     files.addStore("boards", "board", true);
+    files.addStore("tcl", "ced", true);
     files.ship();
     HSCPlazMgr& manager = HSCPlazMgr::getInstance();
     HSCPlazQStore* store = hub().getStore("boards");
     manager.setCurrentStore(store);
     manager.setCurrentStore(nullptr);
     EXPECT_EQ(manager.getCurrentStore(), store);
+    hub().removeStore(store);
+    EXPECT_EQ(manager.getCurrentStore(), nullptr);
+    store = hub().getStore("tcl");
     manager.loadStoreCatalog(static_cast<HSCPlaz*>(nullptr), store, false);
     manager.loadStoreCatalog(static_cast<HSCPlazModel*>(nullptr), nullptr, false);
     manager.loadItemCatalog(nullptr, nullptr);

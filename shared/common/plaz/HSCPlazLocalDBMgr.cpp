@@ -43,11 +43,11 @@ void HSCPlazLocalDBMgr::save(HSCPlaz& hub, HSCPlazQStore* store, std::string fil
 void HSCPlazLocalDBMgr::save(HSCPlaz* hub, HSCPlazQStore* store, std::string file) {
     if (m_regressionMode) return;
     if (!store) {
-        HSCPlazLogger::inside(saveName, " store object is null");
+        HSCPlazLogger::within(saveName, " store object is null");
         return;
     }
     file = chooseFile(hub, *store, file);
-    HSCPlazLogger::inside(saveName, " Saving local db file of store ", store->getName());
+    HSCPlazLogger::within(saveName, " Saving local db file of store ", store->getName());
     // What could not be read is not lost: it stays beside the new file.
     if (m_damaged.erase(file) != 0) HUTFile::copyToRecursive(file, file + ".bad", HUTFile::copyOver);
     if (HSCPlazLocalDBWriter().write(file, store->getModel())) return;
@@ -73,6 +73,7 @@ HSCPlazLocalDBMgr::Merge HSCPlazLocalDBMgr::merge(const std::string& file, HSCPl
     const HSCPlazQStoreModel* records = recorded.findStore(store.getName());
     if (!records) return Merge::nothing;
     HSCPlazInstalledItems installed(store);
-    for (const auto& record : records->getItems()) installed.apply(*record);
+    for (const auto& record : records->getItems())
+        if (!installed.apply(*record)) m_damaged.insert(file); // so that the record outlives the next save
     return Merge::merged;
 }

@@ -5,6 +5,7 @@
 #include "plaz/HSCPlazMsg.h"
 #include "plaz/HSCPlazPathMgr.h"
 #include "plaz/HSCPlazRepoInfoMgr.h"
+#include "plaz/HSCPlazTrust.h"
 #include "plaz/HSCPlazUtils.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazLogger.h"
@@ -19,6 +20,8 @@
 #include "support/HPAParamMgr.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
+
+#include <algorithm>
 
 using HSCPlazLogger::inside;
 
@@ -84,6 +87,11 @@ HSCPlazMgr::HSCPlazMgr() {
 
 HSCPlazMgr::~HSCPlazMgr() = default;
 
+HSCPlazQStore* HSCPlazMgr::getCurrentStore() const {
+    const bool isThere = m_hub && std::count(m_hub->getStores().begin(), m_hub->getStores().end(), m_currentStore) > 0;
+    return isThere ? m_currentStore : nullptr;
+}
+
 void HSCPlazMgr::setCurrentStore(HSCPlazQStore* store) {
     if (store) m_currentStore = store;
 }
@@ -105,7 +113,7 @@ void HSCPlazMgr::initHub() {
     m_sharedHubModel = std::make_unique<HSCPlazModel>();
     if (const HSCPlazCfgModel* config = m_configMgr->getConfigModel()) {
         const std::string remote = configuredRemote(*m_userPref);
-        inside(initHubName, " plaz remote url ", remote);
+        inside(initHubName, " plaz remote url ", HSCPlazTrust::maskSecrets(remote));
         if (!remote.empty()) m_hubModel->setRemoteRepository(remote);
         for (HSCPlazModel* model : {m_hubModel.get(), m_sharedHubModel.get()}) {
             model->setRoot(config->getRoot());

@@ -36,8 +36,9 @@ public:
     /// Msg::dataAccessOff, and what the readers report.
     HSCPlaz& getHub();
 
-    /// The store that the user interface has selected; null at first. Setting null changes nothing.
-    HSCPlazQStore* getCurrentStore() const { return m_currentStore; }
+    /// The store that the user interface has selected; null at first and once the store is gone from the hub. Setting
+    /// null changes nothing.
+    HSCPlazQStore* getCurrentStore() const;
     void setCurrentStore(HSCPlazQStore* store);
 
     /// Reads one store's metadata file and item catalog into its model. Null models and a store without a metadata

@@ -35,6 +35,16 @@ std::string joined(const std::string& dir, const std::string& name) {
     return dir + HUTFile::getDirSeparator() + name;
 }
 
+/// Whether a store has a file of that name in a directory. One that a link leads out of there is refused.
+bool hasFile(const HSCPlazQStoreModel& store, const std::string& dir, const std::string& name) {
+    const std::string file = joined(dir, name);
+    if (name.empty() || !HUTFile::exists(file)) return false;
+    if (HUTFile::isBeneath(dir, file)) return true;
+    ComMsgMgr::send(Msg::storeRefused, MsgSeverity::criticalWarning, store.getName(),
+                    "its file \"" + name + "\" leads out of the store's directory through a link");
+    return false;
+}
+
 /// Reads the catalog in the place of what an earlier load left.
 void readCatalog(const std::string& file, HSCPlazModel* hubModel, HSCPlazQStoreModel* storeModel) {
     storeModel->clearCatalog();
@@ -86,17 +96,15 @@ void HSCPlazMgr::loadStoreFromArea(HSCPlazModel* hubModel, HSCPlazQStoreModel* s
     const std::string& localRoot = storeModel->getLocalRootDir();
     const std::string& name = storeModel->getName();
     inside(loadStoreName, " Store ", name, " local root dir exists ");
-    const std::string metadata = joined(localRoot, storeModel->getMetadataFile());
-    if (HUTFile::exists(metadata)) {
+    if (hasFile(*storeModel, localRoot, storeModel->getMetadataFile())) {
         inside(loadStoreName, " Store ", name, " qstore json file found ");
-        HSCPlazQStoreReader().parse(metadata, storeModel);
+        HSCPlazQStoreReader().parse(joined(localRoot, storeModel->getMetadataFile()), storeModel);
     } else {
         inside(loadStoreName, " Store ", name, " qstore json file not found ");
     }
-    const std::string catalog = joined(localRoot, storeModel->getCatalogFile());
-    if (storeModel->getCatalogFile().empty() || !HUTFile::exists(catalog) || !storeModel->isProductSpecific()) return;
+    if (!storeModel->isProductSpecific() || !hasFile(*storeModel, localRoot, storeModel->getCatalogFile())) return;
     inside(loadStoreName, " Store ", name, " item catalog json file found ");
-    readCatalog(catalog, hubModel, storeModel);
+    readCatalog(joined(localRoot, storeModel->getCatalogFile()), hubModel, storeModel);
 }
 
 bool HSCPlazMgr::loadStoreFromData(HSCPlazModel* hubModel, HSCPlazQStoreModel* storeModel) {
@@ -104,21 +112,23 @@ bool HSCPlazMgr::loadStoreFromData(HSCPlazModel* hubModel, HSCPlazQStoreModel* s
     const std::string dataDir = joined(m_pathMgr->getStoresDataDir(), storeModel->getRoot());
     inside(loadStoreName, " Store ", name, "dataFilePath: ", dataDir);
     if (!HUTFile::exists(dataDir)) {
-        const std::string metadata =
-            joined(joined(joined(m_pathMgr->getUserAreaRoot(), hubModel->getRoot()), storeModel->getRoot()),
-                   storeModel->getMetadataFile());
+        const std::string userDir =
+            joined(joined(m_pathMgr->getUserAreaRoot(), hubModel->getRoot()), storeModel->getRoot());
+        const std::string metadata = joined(userDir, storeModel->getMetadataFile());
         inside(loadStoreName, " Store ", name, "qstoreJsonFilePath [3]: ", metadata);
-        if (HUTFile::exists(metadata)) HSCPlazQStoreReader().parse(metadata, storeModel);
+        if (hasFile(*storeModel, userDir, storeModel->getMetadataFile()))
+            HSCPlazQStoreReader().parse(metadata, storeModel);
         return true;
     }
     storeModel->setGdaDataLoc(dataDir);
     const std::string metadata = joined(dataDir, storeModel->getMetadataFile());
     inside(loadStoreName, " Store ", name, "qstoreJsonFilePath [1]: ", metadata);
-    if (HUTFile::exists(metadata)) HSCPlazQStoreReader().parse(metadata, storeModel);
+    if (hasFile(*storeModel, dataDir, storeModel->getMetadataFile())) HSCPlazQStoreReader().parse(metadata, storeModel);
     const std::string catalog = joined(dataDir, storeModel->getCatalogFile());
     inside(loadStoreName, " Store ", name, "qstoreJsonFilePath [2]: ", catalog);
     if (storeModel->getCatalogFile().empty()) return false;
-    if (HUTFile::exists(catalog) && storeModel->isProductSpecific()) readCatalog(catalog, hubModel, storeModel);
+    if (storeModel->isProductSpecific() && hasFile(*storeModel, dataDir, storeModel->getCatalogFile()))
+        readCatalog(catalog, hubModel, storeModel);
     storeModel->setLocalRootDir(dataDir);
     return true;
 }
@@ -175,8 +185,7 @@ void HSCPlazMgr::applyDefaultStoreLocations() {
         HSCPlazQStoreModel& model = *store->getModel();
         std::string dir = defaultStoreDir(model);
         // Two stores in one directory would take each other's working copy, items and database away.
-        if (!dir.empty() && !taken.insert(dir).second)
-            dir += "_" + (model.getRoot().empty() ? model.getName() : model.getRoot());
+        while (!dir.empty() && !taken.insert(dir).second) dir += "_" + HSCPlazPathMgr::getStoreFolder(model);
         placeStore(model, dir);
     }
 }

@@ -8,7 +8,7 @@ void registerAccessParams(HPAParamMgr& params) {
     params.registerBoolParam("plaz.enableGitAccess", "Enable Git Access", true);
     params.setHidden("plaz.enableGitAccess", true);
     params.registerBoolParam("plaz.enableDataAccess", "Enable plaz Data Access", true);
-    // RATIONALE: scripts look this parameter up by the description that it has always carried.
+    // RATIONALE: the same description as above, kept for compatibility.
     params.registerBoolParam("plaz.enableRemoteAccess", "Enable Git Access", true);
     params.registerIntParam("plaz.gitTimeout", "Number of seconds for git access to time out (default: 1000 second)",
                             1000);
@@ -36,7 +36,7 @@ void registerFeatureParams(HPAParamMgr& params) {
     params.registerStringParam("plaz.git_user.board_store", "Github user id for plaz board store", "");
     params.setHidden("plaz.git_user.board_store", true);
     params.registerStringParam("plaz.git_token.board_store", "Github token for plaz board store", "");
-    // RATIONALE: the user id once more, not the token: people find and clear their token in the listing.
+    // RATIONALE: the user id once more, not the token, kept for compatibility: the token stays in listings.
     params.setHidden("plaz.git_user.board_store", true);
     params.registerBoolParam("plaz.enableSchemaValidation", "Enable schema validation for plaz catalog files.", true);
     params.registerBoolParam("plaz.enableJsonFileValidation", "Enable Json validation for plaz catalog files.", true);

@@ -12,7 +12,7 @@
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/filesystem/path.hpp>
 
-#include <algorithm>
+#include <functional>
 #include <initializer_list>
 
 namespace {
@@ -58,18 +58,10 @@ std::string hubBase(const std::string& hubRoot) {
     return HUTEnv::getEnv(localRootVariable, base) ? base : HUTEnv::getGDADataDir(hubRoot);
 }
 
-/// Folders of a store's area that belong to the hub, not to items, and git's own. Some disks ignore case.
+/// Folders of a store's area that belong to the hub, not to items. Some disks ignore case.
 bool isReserved(const std::string& itemRoot) {
-    for (std::size_t begin = 0; begin <= itemRoot.size();) {
-        const std::size_t end = std::min(itemRoot.find('/', begin), itemRoot.size());
-        const std::string component = itemRoot.substr(begin, end - begin);
-        if (boost::algorithm::iequals(component, ".git")) return true;
-        if (begin == 0 &&
-            (boost::algorithm::iequals(component, hiddenDir) || boost::algorithm::iequals(component, stagingDir)))
-            return true;
-        begin = end + 1;
-    }
-    return false;
+    const std::string first = itemRoot.substr(0, itemRoot.find('/'));
+    return boost::algorithm::iequals(first, hiddenDir) || boost::algorithm::iequals(first, stagingDir);
 }
 
 } // namespace
@@ -137,10 +129,15 @@ std::string HSCPlazPathMgr::getStoreDbFile(const HSCPlazQStoreModel& store) cons
     return join({getStoreArea(store), hiddenDir, HSCPlazUtils::PLAZ_LOCAL_DB_FILE});
 }
 
+std::string HSCPlazPathMgr::getStoreFolder(const HSCPlazQStoreModel& store) {
+    if (!store.getRoot().empty()) return store.getRoot();
+    if (HSCPlazTrust::isSafeComponent(store.getName())) return store.getName();
+    return "store_" + std::to_string(std::hash<std::string>()(store.getName()));
+}
+
 std::string HSCPlazPathMgr::getStoreStagingDir(const HSCPlazQStoreModel& store) const {
     if (!store.getLocalRootDir().empty()) return join({store.getLocalRootDir(), stagingDir});
-    const std::string& folder = store.getRoot().empty() ? store.getName() : store.getRoot();
-    return getUserAreaRoot(join({folder, stagingDir}));
+    return getUserAreaRoot(join({getStoreFolder(store), stagingDir}));
 }
 
 std::string HSCPlazPathMgr::getStoreIndexDir(const HSCPlazQStoreModel& store) const {

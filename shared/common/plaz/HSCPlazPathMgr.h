@@ -39,7 +39,7 @@ public:
     std::string getConfigFile() const;
     /// Shipped data of all stores: the directory that holds one folder per store.
     std::string getStoresDataDir() const;
-    /// The directory that holds "schemas/json".
+    /// The directory that holds "schemas/json"; empty when no data root has it.
     std::string getSchemaRoot() const;
     /// The file in which the stores' directories are recorded.
     std::string getRepoInfoFile() const;
@@ -50,6 +50,8 @@ public:
     std::string getStoreArea(const HSCPlazQStoreModel& store) const;
     /// The store's database inside its area.
     std::string getStoreDbFile(const HSCPlazQStoreModel& store) const;
+    /// Folder name of a store: its root, else its name, else, where that would lead elsewhere, one made from it.
+    static std::string getStoreFolder(const HSCPlazQStoreModel& store);
     /// Where the store's items are checked out: ".staging" below its local root directory, else the staging path of its
     /// root name. The one place that decides; the working copy stands beside it.
     std::string getStoreStagingDir(const HSCPlazQStoreModel& store) const;

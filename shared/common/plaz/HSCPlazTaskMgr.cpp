@@ -4,6 +4,7 @@
 #include "plaz/HSCPlazMgr.h"
 #include "plaz/HSCPlazMsg.h"
 #include "plaz/HSCPlazPathMgr.h"
+#include "plaz/HSCPlazTrust.h"
 #include "plaz/HSCPlazUtils.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazLogger.h"
@@ -30,10 +31,6 @@ constexpr const char* installDependenciesName = "HSCPlazTaskMgr::install_depende
 constexpr const char* userMode = "user";
 constexpr const char* toolMode = "tool";
 
-/// Keys of the dependencies between the item asked for and the one being worked on. It stops cycles and nothing else:
-/// an item that two paths lead to is counted for each.
-using Path = std::set<std::string>;
-
 std::string dependencyKey(const std::string& store, const std::string& item, const std::string& revision) {
     return store + "::" + item + "::" + revision;
 }
@@ -42,18 +39,37 @@ std::string keyOf(const HSCPlazQItemDependency& dependency) {
     return dependencyKey(dependency.getStore(), dependency.getItem(), dependency.getRevision());
 }
 
-/// The item's own key and those under which dependencies can name it.
-Path pathFrom(const HSCPlazQItemModel& item) {
-    return {item.getCompany() + "::" + item.getName(), dependencyKey(item.getStoreName(), item.getName(), ""),
-            dependencyKey(item.getStoreName(), item.getName(), item.getRevision())};
+void save(HSCPlaz& hub, HSCPlazQStore* store) {
+    HSCPlazMgr::getInstance().getLocalDBMgr()->save(hub, store, "");
 }
+
+/// A walk over what an item depends on.
+struct Path {
+    /// Begins with the item's own key and those under which dependencies can name it.
+    explicit Path(const HSCPlazQItemModel& item)
+        : keys{item.getCompany() + "::" + item.getName(), dependencyKey(item.getStoreName(), item.getName(), ""),
+               dependencyKey(item.getStoreName(), item.getName(), item.getRevision())} {}
+
+    /// Keys of the dependencies between the item asked for and the one being worked on. It stops cycles and nothing
+    /// else: an item that two paths lead to is counted for each.
+    std::set<std::string> keys;
+    /// Stores with counts that have changed since they were saved last. A database is written whole, so writing it for
+    /// each count would make a walk cost the square of what is installed.
+    std::set<HSCPlazQStore*> unsaved;
+
+    void saveCounts(HSCPlaz& hub) {
+        for (HSCPlazQStore* store : unsaved) save(hub, store);
+        unsaved.clear();
+    }
+};
 
 /// Holds a key on the path for as long as it lives.
 class OnPath {
 public:
-    OnPath(Path& path, std::string key) : m_path(path), m_key(std::move(key)), m_isNew(path.insert(m_key).second) {}
+    OnPath(Path& path, std::string key)
+        : m_path(path), m_key(std::move(key)), m_isNew(path.keys.insert(m_key).second) {}
     ~OnPath() {
-        if (m_isNew) m_path.erase(m_key);
+        if (m_isNew) m_path.keys.erase(m_key);
     }
     OnPath(const OnPath&) = delete;
     OnPath& operator=(const OnPath&) = delete;
@@ -109,10 +125,6 @@ bool isProperlyInstalled(const Found& found) {
 
 bool isHeldBy(const HSCPlazQItem& item, const char* mode) {
     return item.getInstallationMode() == mode;
-}
-
-void save(HSCPlaz& hub, HSCPlazQStore* store) {
-    HSCPlazMgr::getInstance().getLocalDBMgr()->save(hub, store, "");
 }
 
 std::string directoryOf(const Found& found) {
@@ -243,11 +255,12 @@ void takeOverFromReplaced(HSCPlaz* hub, const Found& found) {
         found.item->setReferenceCount(found.item->getReferenceCount() + old->getReferenceCount());
         if (wasUsers) found.item->setInstallationMode(userMode);
         markRemoved(*old->getModel());
-        Path path = pathFrom(*found.item->getModel());
+        Path path(*found.item->getModel());
         for (std::int32_t hold = 0; hold < newHolds; ++hold)
             installDependenciesOf(hub, *found.item, path, true, nullptr);
         for (std::int32_t hold = 0; hold < oldHolds; ++hold) uninstallDependenciesOf(hub, *old, path, true);
-        save(*hub, found.store);
+        path.unsaved.insert(found.store);
+        path.saveCounts(*hub);
     }
 }
 
@@ -257,6 +270,7 @@ bool installDependencies(HSCPlaz* hub, const HSCPlazQItemDependency* dependency,
         inside(installDependenciesName, " hub or qitem ptr is nullptr");
         return false;
     }
+    if (isCancelled(status)) return false;
     const Found found = findItem(*hub, *dependency);
     if (!found) {
         inside(installDependenciesName, " couldn't find the qitem ptr");
@@ -268,7 +282,9 @@ bool installDependencies(HSCPlaz* hub, const HSCPlazQItemDependency* dependency,
     if (installed) {
         inside(installDependenciesName, " ", dependency->getItem(), "is already installed");
         found.item->setReferenceCount(found.item->getReferenceCount() + 1);
+        path.unsaved.insert(found.store);
     } else {
+        path.saveCounts(*hub); // git may take long, and be killed
         if (status) status->changeStatus("Installing " + found.item->getDisplayName());
         if (!adoptFilesInPlace(found) && !fetchFromRepository(*hub, found)) {
             inside(installDependenciesName, " couldn't install ", dependency->getItem());
@@ -279,8 +295,8 @@ bool installDependencies(HSCPlaz* hub, const HSCPlazQItemDependency* dependency,
         markInstalled(found, toolMode, 1);
         inside(installDependenciesName, " dest: ", found.item->getLocalRootDir());
         if (!quiet) ComMsgMgr::send(Msg::dependencyInstalled, MsgSeverity::warning, found.item->getName());
+        save(*hub, found.store);
     }
-    save(*hub, found.store);
     installDependenciesOf(hub, *found.item, path, quiet, status);
     if (!installed) takeOverFromReplaced(hub, found);
     return true;
@@ -290,7 +306,8 @@ bool installDependencies(HSCPlaz* hub, const HSCPlazQItemDependency* dependency,
 bool installItem(HSCPlaz& hub, const Found& found, bool quiet, HDGUIStatus* status) {
     HSCPlazQItem& item = *found.item;
     if (!adoptFilesInPlace(found)) {
-        ComMsgMgr::send(Msg::itemInstalling, MsgSeverity::warning, item.getDisplayName(), found.store->getUrl());
+        ComMsgMgr::send(Msg::itemInstalling, MsgSeverity::warning, item.getDisplayName(),
+                        HSCPlazTrust::maskSecrets(found.store->getUrl()));
         inside(installName, " installing ", item.getName(), "...");
         if (!fetchFromRepository(hub, found)) {
             if (!isCancelled(status))

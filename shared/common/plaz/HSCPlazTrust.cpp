@@ -1,5 +1,7 @@
 #include "plaz/HSCPlazTrust.h"
 
+#include <boost/algorithm/string/predicate.hpp>
+
 #include <algorithm>
 #include <cctype>
 
@@ -10,16 +12,19 @@ bool hasControlCharacter(const std::string& text) {
                        [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; });
 }
 
-bool isLetter(char c) {
-    return std::isalpha(static_cast<unsigned char>(c)) != 0;
+/// What leads elsewhere ("..", "."), what some disks take for another name ("x." and "x " for "x"), and git's own
+/// directory: a program that meets it runs what it configures.
+bool isRefusedComponent(const std::string& component) {
+    if (component.empty()) return false;
+    return component.back() == '.' || component.back() == ' ' || boost::algorithm::iequals(component, ".git");
 }
 
-bool hasUpwardComponent(const std::string& path) {
+bool hasRefusedComponent(const std::string& path) {
     std::size_t begin = 0;
     while (begin <= path.size()) {
         const std::size_t end = std::min(path.find('/', begin), path.size());
         const std::string component = path.substr(begin, end - begin);
-        if (component == ".." || component == ".") return true;
+        if (isRefusedComponent(component)) return true;
         begin = end + 1;
     }
     return false;
@@ -43,6 +48,14 @@ bool hasServedScheme(const std::string& url) {
     return scheme == "file" || scheme == "git" || scheme == "http" || scheme == "https" || scheme == "ssh";
 }
 
+/// User, token and host without what would end them early where secrets are masked.
+bool hasPlainAuthority(const std::string& url) {
+    const std::size_t scheme = url.find("://");
+    if (scheme == std::string::npos) return true;
+    const std::size_t end = std::min(url.find('/', scheme + 3), url.size());
+    return url.find_first_of(" \"'", scheme) >= end;
+}
+
 /// A host that a remote shell would take for an option: "ssh://-oCommand=..." and "user@-oCommand:path".
 bool hasOptionAsHost(const std::string& url) {
     const std::size_t scheme = url.find("://");
@@ -57,9 +70,8 @@ bool hasOptionAsHost(const std::string& url) {
 
 bool HSCPlazTrust::isSafeRelativePath(const std::string& path) {
     if (path.empty() || path.front() == '/' || hasControlCharacter(path)) return false;
-    if (path.find('\\') != std::string::npos) return false;
-    if (path.size() > 1 && path[1] == ':' && isLetter(path[0])) return false;
-    return !hasUpwardComponent(path);
+    if (path.find_first_of("\\:") != std::string::npos) return false;
+    return !hasRefusedComponent(path);
 }
 
 bool HSCPlazTrust::isSafeComponent(const std::string& name) {
@@ -74,7 +86,7 @@ bool HSCPlazTrust::isSafeRef(const std::string& ref) {
 
 bool HSCPlazTrust::isSafeUrl(const std::string& url) {
     return !url.empty() && url.front() != '-' && !hasControlCharacter(url) && !namesTransportHelper(url) &&
-           hasServedScheme(url) && !hasOptionAsHost(url);
+           hasServedScheme(url) && hasPlainAuthority(url) && !hasOptionAsHost(url);
 }
 
 std::string HSCPlazTrust::maskSecrets(const std::string& text) {

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "plaz/PlazExport.h"
+
 #include <string>
 
 /// What the metadata files say of a hub, a store or an item alike.
-class HSCPlazBaseModel {
+class PLAZ_API HSCPlazBaseModel {
 public:
     HSCPlazBaseModel() = default;
     virtual ~HSCPlazBaseModel() = default;

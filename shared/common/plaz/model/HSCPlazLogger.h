@@ -24,4 +24,13 @@ template <typename... Parts> void inside(const char* operation, const Parts&... 
     log(line);
 }
 
+/// Logs operation + "Inside" + detail parts: the order in which the lines of the local database have always stood.
+template <typename... Parts> void within(const char* operation, const Parts&... parts) {
+    if (!isEnabled()) return;
+    std::string line = operation;
+    line += "Inside";
+    ((line += parts), ...);
+    log(line);
+}
+
 } // namespace HSCPlazLogger

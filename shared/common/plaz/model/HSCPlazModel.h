@@ -9,10 +9,10 @@
 #include <vector>
 
 /// What the hub's metadata file says: the stores that the hub offers, and where the hub itself lives.
-class HSCPlazModel : public HSCPlazBaseModel {
+class PLAZ_API HSCPlazModel : public HSCPlazBaseModel {
 public:
     HSCPlazModel() = default;
-    PLAZ_API ~HSCPlazModel() override;
+    ~HSCPlazModel() override;
 
     /// Folder name of the hub inside a data root.
     const std::string& getRoot() const { return m_root; }
@@ -35,9 +35,9 @@ public:
     /// The store models in the order in which they were added.
     const std::vector<std::shared_ptr<HSCPlazQStoreModel>>& getStores() const { return m_stores; }
     /// First store model of that name; null when there is none.
-    PLAZ_API HSCPlazQStoreModel* findStore(const std::string& name) const;
+    HSCPlazQStoreModel* findStore(const std::string& name) const;
     /// Appends a store model; the model owns it, together with another hub model where it is shared.
-    PLAZ_API HSCPlazQStoreModel* addStore(std::shared_ptr<HSCPlazQStoreModel> store);
+    HSCPlazQStoreModel* addStore(std::shared_ptr<HSCPlazQStoreModel> store);
 
 private:
     std::string m_root;

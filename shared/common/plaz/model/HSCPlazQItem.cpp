@@ -16,12 +16,22 @@ std::string pathOnHost(const std::string& url) {
     const std::string repository = HSCPlazUtils::stripGitSuffix(url);
     const std::size_t scheme = repository.find("://");
     const std::size_t host = scheme == std::string::npos ? 0 : scheme + 3;
-    const std::size_t path = repository.find('/', host);
+    // "git@host:owner/name" ends its host with a colon.
+    const std::size_t path = repository.find(scheme == std::string::npos ? ':' : '/', host);
     return path == std::string::npos ? repository.substr(host) : repository.substr(path + 1);
 }
 
-bool readChangeLog(const std::string& dir, const std::string& relative, std::string& text) {
-    return !dir.empty() && HIOStream::Root(dir).read(relative, text) == HIOStream::Status::ok;
+bool readChangeLog(const std::string& dir, const std::string& folder, std::string& text) {
+    return !dir.empty() && HIOStream::Root(dir).read(folder + changeLogFile, text) == HIOStream::Status::ok;
+}
+
+/// The change log in a store's directory: in the folder of the item's revision, else in the item's, plain or hidden.
+bool readChangeLogOfStore(const std::string& dir, const HSCPlazQItem& item, std::string& text) {
+    const std::string root = item.getRoot() + "/";
+    const std::string revision = item.getRevision().empty() ? root : root + item.getRevision() + "/";
+    for (const std::string& folder : {revision, root, ".plaz/.catalog/" + revision, ".plaz/.catalog/" + root})
+        if (readChangeLog(dir, folder, text)) return true;
+    return false;
 }
 
 } // namespace
@@ -29,7 +39,9 @@ bool readChangeLog(const std::string& dir, const std::string& relative, std::str
 HSCPlazQItem::~HSCPlazQItem() = default;
 
 void HSCPlazQItem::assignItem(HSCPlazQItemModel* model) {
-    if (model) m_model = model;
+    if (!model) return;
+    if (m_store) m_store->forgetIndex();
+    m_model = model;
 }
 
 std::string HSCPlazQItem::getName() const {
@@ -191,12 +203,9 @@ const std::string& HSCPlazQItem::getLogo() const {
 
 const std::string& HSCPlazQItem::getHistory() const {
     static std::string history;
-    const std::string& separator = HUTFile::getDirSeparator();
-    const bool hasRevisionFolder = m_store && m_store->IsMultiRevisionSupported() && !getRevision().empty();
-    const std::string folder = getRoot() + (hasRevisionFolder ? separator + getRevision() : std::string());
-    const bool found =
-        (IsInstalled() && readChangeLog(getLocalRootDir(), changeLogFile, history)) ||
-        (m_store && readChangeLog(m_store->getLocalRootDir(), folder + separator + changeLogFile, history));
+    const bool found = (IsInstalled() && readChangeLog(getLocalRootDir(), "", history)) ||
+                       (m_store && readChangeLogOfStore(m_store->getLocalRootDir(), *this, history)) ||
+                       (m_store && readChangeLogOfStore(m_store->getGdaDataLoc(), *this, history));
     if (!found) history = "Revision history is not available";
     return history;
 }

@@ -21,10 +21,10 @@ struct HSCPlazRevisionModel {
 
 /// What the catalog, the item's own metadata file and the local database say of one revision of one item.
 /// Owned by its store model; owns its dependencies.
-class HSCPlazQItemModel : public HSCPlazBaseModel {
+class PLAZ_API HSCPlazQItemModel : public HSCPlazBaseModel {
 public:
     HSCPlazQItemModel() = default;
-    PLAZ_API ~HSCPlazQItemModel() override;
+    ~HSCPlazQItemModel() override;
 
     /// Name as script commands use it; the name itself unless it was set apart.
     const std::string& getItemName() const { return m_itemName.empty() ? getName() : m_itemName; }
@@ -103,7 +103,7 @@ public:
     void copyDescriptionFrom(const HSCPlazQItemModel& other);
 
 private:
-    PLAZ_API static const std::shared_ptr<const std::vector<HSCPlazRevisionModel>>& noRevisions();
+    static const std::shared_ptr<const std::vector<HSCPlazRevisionModel>>& noRevisions();
 
     std::string m_itemName;
     std::string m_storeName;

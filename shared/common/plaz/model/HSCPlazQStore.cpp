@@ -198,11 +198,17 @@ void HSCPlazQStore::buildIndex() const {
 }
 
 template <typename Fits> HSCPlazQItem* HSCPlazQStore::findItem(const std::string& name, Fits fits) const {
-    if (m_nextOfName.empty()) buildIndex();
-    const auto first = m_firstOfName.find(name);
-    if (first == m_firstOfName.end()) return nullptr;
-    for (std::size_t position = first->second; position != noPosition; position = m_nextOfName[position])
-        if (fits(*m_items[position]->getModel())) return m_items[position];
+    for (bool isFresh = false; !isFresh;) {
+        isFresh = m_nextOfName.empty();
+        if (isFresh) buildIndex();
+        const auto first = m_firstOfName.find(name);
+        std::size_t position = first == m_firstOfName.end() ? noPosition : first->second;
+        for (; position != noPosition; position = m_nextOfName[position])
+            if (m_items[position]->getModel()->getName() == name && fits(*m_items[position]->getModel()))
+                return m_items[position];
+        // Models can be renamed behind the store's back: only a fresh index knows that there is no such item.
+        forgetIndex();
+    }
     return nullptr;
 }
 

@@ -6,7 +6,6 @@
 
 #include <cstddef>
 #include <string>
-#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -112,6 +111,6 @@ private:
     HSTVector<HSCPlazCategory*> m_categories;
     // Look-up by name without a walk over all items: first position of each name, and for each position the next one
     // of the same name. Made at the first look-up, dropped when items or names change.
-    mutable std::unordered_map<std::string_view, std::size_t> m_firstOfName;
+    mutable std::unordered_map<std::string, std::size_t> m_firstOfName;
     mutable std::vector<std::size_t> m_nextOfName;
 };

@@ -17,10 +17,10 @@ struct HSCPlazCategoryModel {
 };
 
 /// What the hub's and the store's metadata files say of one store. Owns its item models.
-class HSCPlazQStoreModel : public HSCPlazBaseModel {
+class PLAZ_API HSCPlazQStoreModel : public HSCPlazBaseModel {
 public:
     HSCPlazQStoreModel() = default;
-    PLAZ_API ~HSCPlazQStoreModel() override;
+    ~HSCPlazQStoreModel() override;
 
     /// Folder name of the store inside the stores area.
     const std::string& getRoot() const { return m_root; }
@@ -52,6 +52,8 @@ public:
     /// The branch to follow: the one set for the store, else the one that its metadata names for the running release.
     const std::string& getBranch() const { return m_branch.empty() ? m_branchToSync : m_branch; }
     void setBranch(const std::string& value) { m_branch = value; }
+    /// The one set for the store, without the one that its metadata names.
+    const std::string& getOwnBranch() const { return m_branch; }
     /// The branch to follow, "master" where none is named.
     std::string getBranchOrMaster() const { return getBranch().empty() ? "master" : getBranch(); }
     const std::string& getBranchToSync() const { return m_branchToSync; }
@@ -79,12 +81,12 @@ public:
 
     const std::vector<std::unique_ptr<HSCPlazQItemModel>>& getItems() const { return m_items; }
     /// Appends an item and tells it the store's name. @return the item
-    PLAZ_API HSCPlazQItemModel* addItem(std::unique_ptr<HSCPlazQItemModel> item);
+    HSCPlazQItemModel* addItem(std::unique_ptr<HSCPlazQItemModel> item);
     /// Top-level categories, in file order.
     const std::vector<HSCPlazCategoryModel>& getCategories() const { return m_categories; }
     void setCategories(std::vector<HSCPlazCategoryModel> value) { m_categories = std::move(value); }
     /// Drops items and categories; what describes the store stays.
-    PLAZ_API void clearCatalog();
+    void clearCatalog();
 
 private:
     std::string m_root;

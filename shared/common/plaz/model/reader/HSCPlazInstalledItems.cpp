@@ -101,19 +101,19 @@ HSCPlazQItemModel& HSCPlazInstalledItems::addUnlisted(const HSCPlazQItemModel& r
     return *item;
 }
 
-void HSCPlazInstalledItems::apply(const HSCPlazQItemModel& record) {
+bool HSCPlazInstalledItems::apply(const HSCPlazQItemModel& record) {
     if (const std::string refusal = findRefusal(record); !refusal.empty()) {
         ComMsgMgr::send(Msg::itemRefused, MsgSeverity::criticalWarning, record.getName(), refusal);
-        return;
+        return false;
     }
     HSCPlazQItemModel* listed = findRevision(record);
     HSCPlazQItemModel& item = listed ? *listed : addUnlisted(record);
     item.setIsInstalled(true);
-    item.setSource(HSCPlazTypes::REPOSITORY);
     item.setInstalledCommitId(record.getCommitId());
     item.setLocalDir(toLocalDir(record, item));
     item.setInstallationMode(record.getInstallationMode());
     item.setReferenceCount(record.getReferenceCount());
     item.setIsLatest(item.getRevision() == item.getLatestRevision());
     item.setNeedsRefresh(!item.isLatest() || differ(record.getCommitId(), item.getCommitId()));
+    return true;
 }

@@ -18,7 +18,8 @@ public:
     /// described by what the catalog says of the item; one of which it says nothing at all is taken from the record. A
     /// record whose names may not be used is left out (Msg::itemRefused). A directory outside the store's area is not
     /// believed.
-    void apply(const HSCPlazQItemModel& record);
+    /// @return false for a record that was left out
+    bool apply(const HSCPlazQItemModel& record);
 
 private:
     HSCPlazQItemModel* findRevision(const HSCPlazQItemModel& record) const;

@@ -1,7 +1,12 @@
 #include "plaz/model/reader/HSCPlazJsonReadWriteUtils.h"
 
 #include "plaz/HSCPlazMsg.h"
+#include "plaz/model/HSCPlazModel.h"
 #include "plaz/model/reader/HSCPlazJsonDocument.h"
+#include "plaz/model/reader/HSCPlazQItemCatalogReader.h"
+#include "plaz/model/reader/HSCPlazQItemReader.h"
+#include "plaz/model/reader/HSCPlazQStoreReader.h"
+#include "plaz/model/reader/HSCPlazReader.h"
 #include "plaz/model/reader/HSCPlazSchema.h"
 #include "support/HCRapidJsonReadWriteUtils.h"
 #include "support/HIOStream.h"
@@ -73,6 +78,25 @@ std::string HSCPlazJsonReadWriteUtils::findSchemaViolation(const std::string& fi
     if (!document.load(file) || !document.isParsed()) return "the file cannot be read as JSON";
     HSCPlazSchema* compiled = HSCPlazSchema::get(schema);
     return compiled ? compiled->findViolation(document.getRoot()) : "the schema \"" + schema + "\" cannot be used";
+}
+
+std::vector<std::string> HSCPlazJsonReadWriteUtils::findRefusedNames(const std::string& file) {
+    std::vector<std::string> refusals;
+    const auto collect = [&](const ComMsgMgr::Message& message) {
+        for (const char* key : {Msg::itemRefused.key, Msg::storeRefused.key})
+            if (std::string(key).compare(1, message.id.size(), message.id) == 0) refusals.push_back(message.text);
+    };
+    ComMsgMgr::Sink sink = ComMsgMgr::setSink(collect);
+    // Each reader finds nothing in the files of the others.
+    HSCPlazModel hub;
+    HSCPlazQStoreModel store;
+    HSCPlazQItemModel item;
+    HSCPlazReader().parse(file, &hub);
+    HSCPlazQStoreReader().parse(file, &store);
+    HSCPlazQItemCatalogReader().parse(file, &hub, &store);
+    HSCPlazQItemReader().parse(file, &item);
+    ComMsgMgr::setSink(std::move(sink));
+    return refusals;
 }
 
 void HSCPlazJsonReadWriteUtils::validatePlazSchemaFile(const std::string& schema) {

@@ -9,6 +9,8 @@
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
 #include "support/HCRapidJsonReadWriteUtils.h"
 
+#include <algorithm>
+
 namespace {
 
 namespace Key = HSCPlazKey;
@@ -34,15 +36,19 @@ constexpr HSCPlazJson::TextField<Item> itemFields[] = {
     {Key::installationMode, &Item::setInstallationMode},
 };
 
+/// A count that can have come about; counting on from it must not overflow.
+int toCount(const Value& value) {
+    constexpr int most = 1000000;
+    return value.IsInt() ? std::clamp(value.GetInt(), 0, most) : 0;
+}
+
 std::unique_ptr<Item> toItem(const Value& record) {
     auto item = std::make_unique<Item>();
     item->setIsInstalled(true);
-    item->setSource(HSCPlazTypes::REPOSITORY);
     std::string scratch;
     for (const HSCPlazJson::Member& member : record.GetObject()) {
         if (HSCPlazJson::fillField(itemFields, member, *item, scratch)) continue;
-        if (isNamed(member, Key::referenceCount))
-            item->setReferenceCount(member.value.IsInt() ? member.value.GetInt() : 0);
+        if (isNamed(member, Key::referenceCount)) item->setReferenceCount(toCount(member.value));
         if (isNamed(member, Key::isLatest)) {
             item->setIsLatest(member.value.IsTrue());
             item->setNeedsRefresh(!item->isLatest());
@@ -77,16 +83,22 @@ void handOnVersion(const Value& plaz) {
 
 constexpr const char* checkName = "HSCPlazLocalDBReader::checkIfValidForProductAndRelease";
 
+/// Has what every database has; anything else must not be taken for an empty one, or for another release's.
+bool isDatabase(const Value& plaz) {
+    return !Json::GetStringProperty(plaz, Key::product).empty() &&
+           !Json::GetStringProperty(plaz, Key::release).empty() && Json::FindArray(plaz, Key::qstores);
+}
+
 bool isOfRunningProduct(const Value& plaz) {
     const std::string product = Json::GetStringProperty(plaz, Key::product);
     const std::string release = Json::GetStringProperty(plaz, Key::release);
-    HSCPlazLogger::inside(checkName, " local db - ", " product=", product, " release=", release);
+    HSCPlazLogger::within(checkName, " local db - ", " product=", product, " release=", release);
 
     std::string runningProduct;
     std::string runningRelease;
     HSCPlazUtils::getProductInfo(runningProduct, runningRelease);
     if (product == runningProduct && release == runningRelease) return true;
-    HSCPlazLogger::inside(checkName, " sanity check failed");
+    HSCPlazLogger::within(checkName, " sanity check failed");
     return false;
 }
 
@@ -101,7 +113,7 @@ void fill(const Value& plaz, HSCPlazModel& model) {
 bool HSCPlazLocalDBReader::parse(const std::string& file, HSCPlazModel* model) {
     if (!model) return false;
     if (file.empty()) {
-        HSCPlazLogger::inside("HSCPlazLocalDBReader::parse", " file is empty");
+        HSCPlazLogger::within("HSCPlazLocalDBReader::parse", " file is empty");
         return false;
     }
     HSCPlazJsonDocument document;
@@ -116,7 +128,7 @@ HSCPlazLocalDBReader::Outcome HSCPlazLocalDBReader::parseIfValid(const std::stri
     if (!document.load(file)) return Outcome::damaged;
     document.validate(HSCPlazSchema::Kind::localDb);
     const Value* plaz = Json::FindObject(document.getRoot(), Key::plaz);
-    if (!plaz) return Outcome::damaged;
+    if (!plaz || !isDatabase(*plaz)) return Outcome::damaged;
     if (!isOfRunningProduct(*plaz)) return Outcome::foreign;
     fill(*plaz, *model);
     return Outcome::read;
@@ -124,7 +136,7 @@ HSCPlazLocalDBReader::Outcome HSCPlazLocalDBReader::parseIfValid(const std::stri
 
 bool HSCPlazLocalDBReader::checkIfValidForProductAndRelease(const std::string& file) {
     if (file.empty()) {
-        HSCPlazLogger::inside(checkName, " file is empty");
+        HSCPlazLogger::within(checkName, " file is empty");
         return false;
     }
     HSCPlazJsonDocument document;

@@ -1,11 +1,10 @@
 #pragma once
 
-#include "plaz/PlazExport.h"
 #include "plaz/model/HSCPlazModel.h"
 #include "plaz/model/reader/HSCPlazJsonReader.h"
 
 /// Reads the local installation database: what is installed of which store.
-class PLAZ_API HSCPlazLocalDBReader : public HSCPlazJsonReader<HSCPlazModel> {
+class HSCPlazLocalDBReader : public HSCPlazJsonReader<HSCPlazModel> {
 public:
     /// Fills the stores of the model, adding those that are new to it, and appends their installed items. Hands the
     /// layout version on to the manager's local database manager. Names are taken as they stand: whoever makes paths of

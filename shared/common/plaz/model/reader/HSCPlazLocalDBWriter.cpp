@@ -54,7 +54,7 @@ Value toRecord(Document& document, const HSCPlazQStoreModel& store) {
     addText(document, record, Key::description, store.getDescription());
     addText(document, record, Key::storeType, store.getStoreType());
     addText(document, record, Key::catalogFile, store.getCatalogFile());
-    addText(document, record, Key::branch, store.getBranch());
+    addText(document, record, Key::branch, store.getOwnBranch());
     addText(document, record, Key::scriptRoot, store.getScriptRoot());
     addText(document, record, Key::itemRoot, store.getItemRoot());
     Json::AddBooleanProperty(document, record, Key::userRepository, store.isUserRepository());
@@ -69,23 +69,23 @@ Value toRecord(Document& document, const HSCPlazQStoreModel& store) {
 
 bool HSCPlazLocalDBWriter::write(const std::string& file, HSCPlazQStoreModel* model) {
     if (!model) {
-        HSCPlazLogger::inside(operation, " model object is null");
+        HSCPlazLogger::within(operation, " model object is null");
         return false;
     }
     if (!model->isProductSpecific()) {
-        HSCPlazLogger::inside(operation, " thes store is not product specific");
+        HSCPlazLogger::within(operation, " thes store is not product specific");
         return false;
     }
     std::string product;
     std::string release;
     HSCPlazUtils::getProductInfo(product, release);
-    HSCPlazLogger::inside(operation, " found model obj writing the local be file.");
+    HSCPlazLogger::within(operation, " found model obj writing the local be file.");
 
     Document document(rapidjson::kObjectType);
     Value plaz(rapidjson::kObjectType);
     addText(document, plaz, Key::product, product);
     addText(document, plaz, Key::release, release);
-    HSCPlazLogger::inside(operation, " store is product specific writing the local db file.");
+    HSCPlazLogger::within(operation, " store is product specific writing the local db file.");
     Value stores(rapidjson::kArrayType);
     stores.PushBack(toRecord(document, *model), document.GetAllocator());
     Json::AddGenericValueProperty(document, plaz, Key::qstores, stores);

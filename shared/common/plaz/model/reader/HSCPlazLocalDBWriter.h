@@ -1,6 +1,5 @@
 #pragma once
 
-#include "plaz/PlazExport.h"
 #include "plaz/model/HSCPlazQStoreModel.h"
 #include "plaz/model/reader/HSCPlazJsonWriter.h"
 
@@ -8,7 +7,7 @@
 ///
 /// RATIONALE: "_minor" carries the major version too: tools that read the file compare the two and know no other
 /// layout.
-class PLAZ_API HSCPlazLocalDBWriter : public HSCPlazJsonWriter<HSCPlazQStoreModel> {
+class HSCPlazLocalDBWriter : public HSCPlazJsonWriter<HSCPlazQStoreModel> {
 public:
     /// Writes the store's record with its installed items; missing parent directories are created. Items that are not
     /// installed have no record. A text that is not UTF-8 is written as empty, so that the file stays readable.

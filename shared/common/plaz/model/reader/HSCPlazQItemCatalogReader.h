@@ -1,6 +1,5 @@
 #pragma once
 
-#include "plaz/PlazExport.h"
 
 #include <string>
 
@@ -8,7 +7,7 @@ class HSCPlazModel;
 class HSCPlazQStoreModel;
 
 /// Reads a store's item catalog: which items the store offers in which revisions, and its category tree.
-class PLAZ_API HSCPlazQItemCatalogReader {
+class HSCPlazQItemCatalogReader {
 public:
     /// Appends one item model per catalog entry, which stands for the entry's latest revision; in a store that keeps
     /// several revisions each other one follows as an item model of its own. Categories are replaced. An entry that has

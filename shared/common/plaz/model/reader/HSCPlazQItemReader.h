@@ -1,6 +1,5 @@
 #pragma once
 
-#include "plaz/PlazExport.h"
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/reader/HSCPlazJsonReader.h"
 #include "support/HIOStream.h"
@@ -12,7 +11,7 @@ class HSCPlazJsonDocument;
 /// A file that describes the item replaces its dependencies, keywords, categories and active flag; other members
 /// override what the catalog said where the file has them. A logo or revision that may not be used counts as not given
 /// (Msg::itemRefused); so does an empty name.
-class PLAZ_API HSCPlazQItemReader : public HSCPlazJsonReader<HSCPlazQItemModel> {
+class HSCPlazQItemReader : public HSCPlazJsonReader<HSCPlazQItemModel> {
 public:
     /// @return false when the file cannot be opened; true, with nothing filled, when it is no JSON
     bool parse(const std::string& file, HSCPlazQItemModel* model) override;

@@ -1,11 +1,10 @@
 #pragma once
 
-#include "plaz/PlazExport.h"
 #include "plaz/model/HSCPlazQStoreModel.h"
 #include "plaz/model/reader/HSCPlazJsonReader.h"
 
 /// Reads a store's metadata file: which catalog and branch the store has for the running product and release.
-class PLAZ_API HSCPlazQStoreReader : public HSCPlazJsonReader<HSCPlazQStoreModel> {
+class HSCPlazQStoreReader : public HSCPlazJsonReader<HSCPlazQStoreModel> {
 public:
     /// A list of products decides anew whether the store is product specific; a product that it does not name leaves
     /// the store without a catalog. A file, branch or address that may not be used counts as not given

@@ -7,6 +7,8 @@
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
 #include "support/HCRapidJsonReadWriteUtils.h"
 
+#include <unordered_map>
+
 namespace {
 
 namespace Key = HSCPlazKey;
@@ -37,7 +39,10 @@ std::string findRefusal(const std::string& name, const Value& entry, const Value
     return refusal;
 }
 
-void readStore(const Value& entry, HSCPlazModel& hub) {
+/// The hub model's stores by name, so that a long list is not searched for each entry.
+using StoresByName = std::unordered_map<std::string, Store*>;
+
+void readStore(const Value& entry, HSCPlazModel& hub, StoresByName& known) {
     const std::string name = Json::GetStringProperty(entry, Key::name);
     if (HSCPlazLogger::isEnabled()) HSCPlazLogger::log("Found qstore :" + name);
     const Value* config = Json::FindObject(entry, Key::config);
@@ -46,7 +51,7 @@ void readStore(const Value& entry, HSCPlazModel& hub) {
         return;
     }
 
-    Store* store = hub.findStore(name);
+    Store*& store = known[name];
     if (!store) {
         store = hub.addStore(std::make_shared<Store>());
         store->setName(name);
@@ -62,6 +67,8 @@ void readStore(const Value& entry, HSCPlazModel& hub) {
 
 bool HSCPlazReader::parse(const std::string& file, HSCPlazModel* model) {
     if (!model) return false;
+    StoresByName known;
+    for (const auto& store : model->getStores()) known.try_emplace(store->getName(), store.get());
     HSCPlazJsonDocument document;
     document.load(file);
     document.validate(HSCPlazSchema::Kind::plaz);
@@ -69,7 +76,7 @@ bool HSCPlazReader::parse(const std::string& file, HSCPlazModel* model) {
     if (!plaz) return true;
     if (const Value* stores = Json::FindArray(*plaz, Key::qstores))
         for (const Value& entry : stores->GetArray())
-            if (entry.IsObject()) readStore(entry, *model);
+            if (entry.IsObject()) readStore(entry, *model, known);
     if (plaz->HasMember(Key::hubCommitId)) model->setCommitId(Json::GetStringProperty(*plaz, Key::hubCommitId));
     return true;
 }

@@ -1,11 +1,10 @@
 #pragma once
 
-#include "plaz/PlazExport.h"
 #include "plaz/model/HSCPlazModel.h"
 #include "plaz/model/reader/HSCPlazJsonReader.h"
 
 /// Reads the hub metadata file: the stores that the hub offers.
-class PLAZ_API HSCPlazReader : public HSCPlazJsonReader<HSCPlazModel> {
+class HSCPlazReader : public HSCPlazJsonReader<HSCPlazModel> {
 public:
     /// Updates the stores that the model holds already and adds those that are new to it. A store whose directories or
     /// address may not be used is left out (Msg::storeRefused), whatever else the file holds.

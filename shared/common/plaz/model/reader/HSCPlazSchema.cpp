@@ -41,8 +41,10 @@ std::string toText(const rapidjson::Pointer& pointer) {
 
 std::string HSCPlazSchema::getFile(Kind kind, int major, int minor) {
     const std::string& separator = HUTFile::getDirSeparator();
-    return HSCPlazMgr::getInstance().getPathMgr()->getSchemaRoot() + separator + "schemas" + separator + "json" +
-           separator + getFileName(kind, major, minor);
+    const std::string root = HSCPlazMgr::getInstance().getPathMgr()->getSchemaRoot();
+    // Without an installation the name stays relative to nothing, so that no other directory's files are taken.
+    if (root.empty()) return getFileName(kind, major, minor);
+    return root + separator + "schemas" + separator + "json" + separator + getFileName(kind, major, minor);
 }
 
 HSCPlazSchema* HSCPlazSchema::get(const std::string& file) {
