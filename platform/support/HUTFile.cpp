@@ -5,6 +5,7 @@
 #include <boost/filesystem.hpp>
 
 #include <algorithm>
+#include <filesystem>
 
 namespace fs = boost::filesystem;
 using Error = boost::system::error_code;
@@ -49,6 +50,7 @@ void allowOwner(const fs::path& path, fs::perms permissions) {
 }
 
 bool removeTree(const fs::path& path) {
+    if (platform::removeTree(path.string())) return true;
     Error error;
     const fs::file_status status = fs::symlink_status(path, error);
     if (status.type() == fs::file_not_found) return true;
@@ -87,13 +89,13 @@ bool copyLink(const fs::path& source, const fs::path& dest) {
     return !error;
 }
 
+// RATIONALE: Boost's copy waits until each file is on the disk itself, which costs more than all else of an
+// installation. A copy that a power failure can harm is made in a place of its own first.
 bool copyFile(const fs::path& source, const fs::path& dest) {
-    Error error;
-    fs::copy_file(source, dest, fs::copy_option::fail_if_exists, error);
-    const fs::file_status status = error ? fs::file_status() : fs::status(source, error);
-    if (!error) fs::permissions(dest, status.permissions(), error);
-    if (!error) return true;
-    if (error != boost::system::errc::file_exists) fs::remove(dest, error);
+    std::error_code error;
+    if (std::filesystem::copy_file(source.native(), dest.native(), error)) return true;
+    Error ignored;
+    if (error != std::errc::file_exists) fs::remove(dest, ignored);
     return false;
 }
 
@@ -105,13 +107,14 @@ bool linkFile(const fs::path& source, const fs::path& dest) {
 
 using PlaceEntry = std::function<bool(const fs::path& dest)>;
 
-// Lets `place` make the entry at dest; where something stands already, beside it first, so that the old entry goes
-// only when the new one is whole. The old entry is replaced, never written to: it may be a link that leads elsewhere.
+// Lets `place`, which fails where something stands, make the entry at dest; then beside it first, so that the old entry
+// goes only when the new one is whole. The old entry is replaced, never written to: it may be a link that leads
+// elsewhere.
 bool placeOver(const fs::path& dest, const PlaceEntry& place) {
+    if (place(dest)) return true;
     Error error;
     const fs::file_type type = fs::symlink_status(dest, error).type();
-    if (type == fs::file_not_found) return place(dest);
-    if (type == fs::directory_file) return false;
+    if (type == fs::file_not_found || type == fs::directory_file) return false;
     const fs::path beside = dest.parent_path() / fs::unique_path(".plaz-%%%%-%%%%-%%%%.tmp");
     if (!place(beside)) return false;
     fs::rename(beside, dest, error);
@@ -129,13 +132,13 @@ bool copyEntry(const fs::path& source, fs::file_type type, const fs::path& dest,
 }
 
 // A directory with the permissions of the source's, but writable by its owner. A link in its place is replaced.
-bool copyDirectory(const fs::path& source, const fs::path& dest) {
+bool copyDirectory(fs::perms permissions, const fs::path& dest) {
     Error error;
-    if (fs::is_symlink(fs::symlink_status(dest, error))) fs::remove(dest, error);
-    fs::create_directory(dest, error);
-    if (error) return false;
-    const fs::file_status status = fs::status(source, error);
-    if (!error) fs::permissions(dest, status.permissions() | fs::owner_all, error);
+    if (!fs::create_directory(dest, error) && fs::is_symlink(fs::symlink_status(dest, error))) {
+        fs::remove(dest, error);
+        fs::create_directory(dest, error);
+    }
+    if (!error) fs::permissions(dest, permissions | fs::owner_all, error);
     return !error;
 }
 
@@ -144,10 +147,11 @@ bool copyTree(const fs::path& source, const fs::path& dest, const fs::path& rela
     fs::directory_iterator entry(source / relative, error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
         const fs::path inside = relative / entry->path().filename();
-        const fs::file_type type = entry->symlink_status(error).type();
+        const fs::file_status status = entry->symlink_status(error);
+        const fs::file_type type = status.type();
         bool isDone = true;
         if (type == fs::directory_file)
-            isDone = copyDirectory(source / inside, dest / inside) && copyTree(source, dest, inside, linkable);
+            isDone = copyDirectory(status.permissions(), dest / inside) && copyTree(source, dest, inside, linkable);
         else if (type == fs::regular_file || type == fs::symlink_file)
             isDone = copyEntry(entry->path(), type, dest / inside,
                                type == fs::regular_file && linkable && linkable(inside.generic_string()));

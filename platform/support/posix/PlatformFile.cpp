@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
+#include <filesystem>
 #include <linux/openat2.h>
 #include <memory>
 #include <optional>
@@ -213,6 +214,12 @@ bool isWriteable(const std::string& path) {
     struct stat info {};
     if (stat(path.c_str(), &info) != 0) return false;
     return faccessat(AT_FDCWD, path.c_str(), S_ISDIR(info.st_mode) ? W_OK | X_OK : W_OK, AT_EACCESS) == 0;
+}
+
+bool removeTree(const std::string& path) {
+    std::error_code error;
+    std::filesystem::remove_all(path, error);
+    return !error;
 }
 
 bool writeAtomically(const std::string& file, const std::string& content, bool ownerOnly) {

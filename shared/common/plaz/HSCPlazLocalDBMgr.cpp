@@ -36,22 +36,23 @@ void HSCPlazLocalDBMgr::load(HSCPlazModel* model, const std::string& file) {
     init(file, model);
 }
 
-void HSCPlazLocalDBMgr::save(HSCPlaz& hub, HSCPlazQStore* store, std::string file) {
-    save(&hub, store, std::move(file));
+bool HSCPlazLocalDBMgr::save(HSCPlaz& hub, HSCPlazQStore* store, std::string file) {
+    return save(&hub, store, std::move(file));
 }
 
-void HSCPlazLocalDBMgr::save(HSCPlaz* hub, HSCPlazQStore* store, std::string file) {
-    if (m_regressionMode) return;
+bool HSCPlazLocalDBMgr::save(HSCPlaz* hub, HSCPlazQStore* store, std::string file) {
+    if (m_regressionMode) return true;
     if (!store) {
         HSCPlazLogger::within(saveName, " store object is null");
-        return;
+        return true;
     }
     file = chooseFile(hub, *store, file);
     HSCPlazLogger::within(saveName, " Saving local db file of store ", store->getName());
     // What could not be read is not lost: it stays beside the new file.
     if (m_damaged.erase(file) != 0) HUTFile::copyToRecursive(file, file + ".bad", HUTFile::copyOver);
-    if (HSCPlazLocalDBWriter().write(file, store->getModel())) return;
-    if (store->isProductSpecific()) ComMsgMgr::send(Msg::databaseNotSaved, MsgSeverity::error, file);
+    if (HSCPlazLocalDBWriter().write(file, store->getModel()) || !store->isProductSpecific()) return true;
+    ComMsgMgr::send(Msg::databaseNotSaved, MsgSeverity::error, file);
+    return false;
 }
 
 bool HSCPlazLocalDBMgr::isValidForProductAndRelease(const std::string& file) const {

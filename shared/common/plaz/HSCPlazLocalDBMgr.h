@@ -25,8 +25,9 @@ public:
     /// Writes the store's database whole: its own file, else @p file, else the hub's, else the default one.
     /// In regression mode, for a null store and for a store that is not product specific nothing is written.
     /// Sends Msg::databaseNotSaved when the file cannot be written; the old one then stays.
-    void save(HSCPlaz& hub, HSCPlazQStore* store, std::string file);
-    void save(HSCPlaz* hub, HSCPlazQStore* store, std::string file);
+    /// @return false when the file could not be written
+    bool save(HSCPlaz& hub, HSCPlazQStore* store, std::string file);
+    bool save(HSCPlaz* hub, HSCPlazQStore* store, std::string file);
 
     /// Whether a database was written by the running product and release; always so in regression mode.
     bool isValidForProductAndRelease(const std::string& file) const;

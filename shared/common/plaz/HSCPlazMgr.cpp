@@ -54,16 +54,17 @@ void addMissingItems(HSCPlazQStore& store) {
     }
 }
 
-/// An installed revision that is not the newest is described by its own files: what it depends on may have changed.
+/// What is installed is described by its own files: what it depends on may differ from what the catalog says today.
 void describeFromInstalledFiles(const HSCPlazQStoreModel& store, const HSCPlazPathMgr& paths) {
     const HIOStream::Root root(store.getLocalDbFilePath().empty() ? std::string() : paths.getStoreArea(store));
     HSCPlazJsonDocument document;
     for (const auto& item : store.getItems()) {
-        if (!item->isInstalled() || item->getRevision() == item->getLatestRevision()) continue;
+        if (!item->isInstalled()) continue;
         const std::string file = HSCPlazPathMgr::getItemFolder(store, *item) + "/" + item->getMetadataFile();
         HSCPlazQItemModel description;
         const HIOStream::Status status = HSCPlazQItemReader().parseBelow(root, file, document, &description);
-        if (status == HIOStream::Status::ok && description.getName() == item->getName())
+        if (status == HIOStream::Status::ok && description.getName() == item->getName() &&
+            description.getRevision() == item->getRevision())
             item->copyDescriptionFrom(description);
     }
 }

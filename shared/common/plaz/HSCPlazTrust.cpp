@@ -15,8 +15,8 @@ bool hasControlCharacter(const std::string& text) {
 /// What leads elsewhere ("..", "."), what some disks take for another name ("x." and "x " for "x"), and git's own
 /// directory: a program that meets it runs what it configures.
 bool isRefusedComponent(const std::string& component) {
-    if (component.empty()) return false;
-    return component.back() == '.' || component.back() == ' ' || boost::algorithm::iequals(component, ".git");
+    return component.empty() || component.back() == '.' || component.back() == ' ' ||
+           boost::algorithm::iequals(component, ".git");
 }
 
 bool hasRefusedComponent(const std::string& path) {
@@ -82,6 +82,11 @@ bool HSCPlazTrust::isSafeRef(const std::string& ref) {
     return !ref.empty() && ref.front() != '-' && !hasControlCharacter(ref) &&
            ref.find_first_of(" ~^:?*[\\") == std::string::npos && ref.find("..") == std::string::npos &&
            ref.find("@{") == std::string::npos;
+}
+
+bool HSCPlazTrust::isCommitId(const std::string& text) {
+    return text.size() >= 7 && text.size() <= 64 &&
+           std::all_of(text.begin(), text.end(), [](char c) { return std::isxdigit(static_cast<unsigned char>(c)); });
 }
 
 bool HSCPlazTrust::isSafeUrl(const std::string& url) {

@@ -124,7 +124,11 @@ bool HSCPlazUtils::isItemInstalledProperly(HSCPlazQItem* item, HSCPlazQStore* st
     if (!item || !store || !item->IsInstalled() || !store->getModel()) return false;
     const std::string folder = HSCPlazPathMgr::getItemFolder(*store->getModel(), *item->getModel());
     if (folder.empty()) return false;
-    return HUTFile::createFileIter((userPref.getUserRepoPath(store) / folder).string()).size() >= 2;
+    try {
+        return HUTFile::createFileIter((userPref.getUserRepoPath(store) / folder).string()).size() >= 2;
+    } catch (const HEXAll&) {
+        return false; // the store's area does not exist
+    }
 }
 
 bool HSCPlazUtils::validateAndCreateDir(const std::string& dir, bool quiet) {

@@ -21,6 +21,15 @@ void HSCPlazQItemModel::clearDependencies() {
     m_dependencies.clear();
 }
 
+void HSCPlazQItemModel::clearInstallation() {
+    m_installed = false;
+    m_needsRefresh = false;
+    m_installationMode.clear();
+    m_referenceCount = 0;
+    m_localDir.clear();
+    m_installedCommitId.clear();
+}
+
 void HSCPlazQItemModel::copyDescriptionFrom(const HSCPlazQItemModel& other) {
     if (&other == this) return;
     setDisplayName(other.getDisplayName());

@@ -98,6 +98,8 @@ public:
     }
     void setInstalledCommitId(const std::string& value) { m_installedCommitId = value; }
 
+    /// The item is no longer installed; nothing is left of how and where it was.
+    void clearInstallation();
     /// Takes over what describes the item to people and to the dependency walk: texts, keywords, categories,
     /// dependencies, logo. Key (name, revision, commit, place) and installation state stay.
     void copyDescriptionFrom(const HSCPlazQItemModel& other);

@@ -73,6 +73,13 @@ void verifyItem(const HSCPlazQItemModel& item, const std::string& source) {
     throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::fetchedItemInvalid, item.getName(), file));
 }
 
+// The staging directory goes anyway, so its files are moved where both places lie on one file system. What a copy would
+// leave out is left out.
+bool takeIn(const std::string& source, const std::string& incoming, const HSCPlazUserPref& userPref) {
+    HUTFile::rmRecursive(source + "/.done");
+    return HUTFile::replaceDirectory(source, incoming) || userPref.copySrcToDest(source, incoming);
+}
+
 bool placeItem(const HSCPlazQItemModel& item, const HSCPlazQStoreModel& store, const std::string& source,
                const std::string& destination) {
     const HSCPlazMgr& manager = HSCPlazMgr::getInstance();
@@ -84,7 +91,7 @@ bool placeItem(const HSCPlazQItemModel& item, const HSCPlazQStoreModel& store, c
 
     const std::string incoming = manager.getPathMgr()->getStoreArea(store) + "/.plaz/.incoming";
     const HSCPlazGitRemoved removed(incoming);
-    return HUTFile::rmRecursive(incoming) && userPref.copySrcToDest(source, incoming) &&
+    return HUTFile::rmRecursive(incoming) && takeIn(source, incoming, userPref) &&
            HUTFile::mkDirRecursive(fs::path(destination).parent_path().string()) &&
            HUTFile::replaceDirectory(incoming, destination);
 }

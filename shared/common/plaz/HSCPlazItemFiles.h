@@ -1,0 +1,44 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+class HEXAll;
+class HSCPlaz;
+class HSCPlazQItem;
+class HSCPlazQStore;
+
+/// An item of the hub together with its store; false where there is none.
+struct HSCPlazFoundItem {
+    HSCPlazQStore* store = nullptr;
+    HSCPlazQItem* item = nullptr;
+    explicit operator bool() const;
+};
+
+/// Brings an item's files to their place and takes them away: what the item tasks do to the disk.
+namespace HSCPlazItemFiles {
+
+/// The item's display name, or its name where it has none.
+std::string shownName(const HSCPlazQItem& item);
+/// Where the item is, or is to be, installed; empty where its names may not be used.
+std::string directoryOf(const HSCPlazFoundItem& found);
+
+/// Takes over files in place that are this very item, else has the repository fetch them; the item is then described by
+/// them. What goes wrong has been sent when this returns false.
+/// @param isAskedFor  the user asked for the item itself, so that the start of a fetch is told (Msg::itemInstalling)
+bool bring(HSCPlaz& hub, const HSCPlazFoundItem& found, bool isAskedFor);
+/// Sends what an exception carries, but not that git failed where git's own words have just been sent, and nothing
+/// about work that was cancelled.
+void reportUnlessTold(const HEXAll& failure);
+
+/// Whether the item's recorded directory is one that may be emptied; sends Msg::removalRefused when not.
+bool mayBeRemoved(const HSCPlazFoundItem& found);
+/// Takes the item's files from their place in one step, its metadata file excepted, so that the catalog goes on
+/// describing it; discard() then destroys them. Empty, with everything in place and the reason sent, on failure.
+std::optional<std::string> park(const HSCPlazFoundItem& found);
+void discard(const std::string& parked);
+
+/// What interrupted tasks have left in the stores' areas.
+void removeLeftovers(const HSCPlaz& hub);
+
+} // namespace HSCPlazItemFiles
