@@ -274,6 +274,10 @@ std::vector<std::string> HUTFile::createFileIter(const std::string& dir) {
     return names;
 }
 
+std::string HUTFile::getStamp(const std::string& path) {
+    return platform::getStamp(path);
+}
+
 bool HUTFile::writeAtomically(const std::string& file, const std::string& content, bool ownerOnly) {
     return platform::writeAtomically(file, content, ownerOnly);
 }

@@ -25,6 +25,9 @@ public:
     /// Seconds since the epoch; 0 when there is no such file.
     static std::time_t getLastMod(const std::string& path);
 
+    /// A text that changes whenever the file is written or replaced; empty when there is no such file.
+    static std::string getStamp(const std::string& path);
+
     /// Absolute, with "." and ".." resolved by name, in generic form; empty for an empty name.
     static std::string getCanonicalName(const std::string& path);
     /// The same in generic (forward-slash) form on every system; for comparisons.

@@ -33,6 +33,9 @@ std::string readStart(const std::string& file, std::size_t size);
 /// Whether this user may write to the file (make entries in the directory).
 bool isWriteable(const std::string& path);
 
+/// As HUTFile::getStamp says.
+std::string getStamp(const std::string& path);
+
 /// Removes a file, a link (not its target) or a directory with all it holds, as long as nothing resists.
 /// @return false when something may be left
 bool removeTree(const std::string& path);

@@ -13,6 +13,9 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/wait.h>
+#include <unistd.h>
+
 namespace {
 
 /// Real repositories, the one manager of the process.
@@ -206,6 +209,93 @@ TEST_F(ItemTasksTest, RevisionsOfAMultiRevisionStoreStandSideBySide) {
     EXPECT_EQ(readFile(files.area("board_store/items/x/2.0/body.txt")), "x 2.0\n");
     ASSERT_TRUE(uninstall("x"));
     EXPECT_TRUE(hasFiles("board_store/items/x/1.0"));
+}
+
+// What a killed or failed task has left missing must come with the next one, and counts must be right afterwards.
+TEST_F(ItemTasksTest, InstallingAgainBringsWhatIsMissing) {
+    files.addStore("tcl", "ced", false)
+        .item("leaf", "1")
+        .item("mid", "1", {{"tcl", "leaf", ""}})
+        .item("top", "1", {{"tcl", "mid", ""}, {"tcl", "leaf", ""}});
+    files.ship();
+    const std::string commit = find("leaf").getCommitId();
+    find("leaf").getModel()->setCommitId("");
+    EXPECT_FALSE(install("top"));
+    EXPECT_EQ(state("top") + "," + state("mid") + "," + state("leaf"), "user 0,tool 1,-");
+    find("leaf").getModel()->setCommitId(commit);
+    EXPECT_TRUE(install("top"));
+    EXPECT_EQ(state("mid") + "," + state("leaf"), "tool 1,tool 2");
+    HUTFile::rmRecursive(files.area("ced_store/items/leaf"));
+    HUTFile::rmRecursive(files.area("ced_store/items/top"));
+    EXPECT_TRUE(install("top"));
+    EXPECT_TRUE(hasFiles("ced_store/items/leaf") && hasFiles("ced_store/items/top"));
+    EXPECT_EQ(state("top") + "," + state("mid") + "," + state("leaf"), "user 0,tool 1,tool 2");
+    EXPECT_TRUE(uninstall("top"));
+    EXPECT_EQ(recorded("ced_store"), "");
+}
+
+// Files of a dependency that were lost and fetched again for the user, who then does without it.
+TEST_F(ItemTasksTest, RepairedDependencyStaysHeld) {
+    files.addStore("tcl", "ced", false).item("leaf", "1").item("top", "1", {{"tcl", "leaf", ""}});
+    files.ship();
+    ASSERT_TRUE(install("top"));
+    HUTFile::rmRecursive(files.area("ced_store/items/leaf"));
+    ASSERT_TRUE(install("leaf"));
+    EXPECT_EQ(state("leaf"), "user 1");
+    ASSERT_TRUE(uninstall("leaf"));
+    EXPECT_TRUE(hasFiles("ced_store/items/leaf"));
+}
+
+TEST_F(ItemTasksTest, RevisionAskedForIsNotTheOneThatACircleMeans) {
+    files.addStore("boards", "board", true)
+        .item("c", "1", {{"boards", "d", ""}})
+        .item("c", "2")
+        .item("d", "1", {{"boards", "c", ""}});
+    files.ship();
+    ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), hub().getStore("boards")->getItem("c", "1"), false, nullptr));
+    EXPECT_EQ(state("c"), "tool 1");
+}
+
+// A task that reports success although nobody will know of it, or that leaves rubbish of a killed one.
+TEST_F(ItemTasksTest, UnrecordedWorkIsAFailureAndLeftoversGo) {
+    files.addStore("tcl", "ced", false).item("a", "1");
+    files.ship();
+    const std::string area = "appdata/2024.2/plaz/ced_store/";
+    for (const char* leftover : {".staging/x", ".plaz/.incoming/x", ".plaz/.outgoing/0/x"})
+        files.temp.write(area + leftover, "");
+    files.temp.makeDir(area + ".plaz/plaz_local_db.json");
+    EXPECT_FALSE(install("a"));
+    EXPECT_EQ(takeIds(), (Ids{"12-101", "17-1570", "17-1573", "17-2164", "17-1567"}));
+    EXPECT_EQ(HUTFile::createFileIter(files.area("ced_store/.plaz")),
+              (Ids{".index", "plaz_local_db.json", "plaz_local_db.json.bad"}));
+    EXPECT_FALSE(HUTFile::exists(files.area("ced_store/.staging")));
+}
+
+// A working copy that a failing disk has damaged must not fail for ever.
+TEST_F(ItemTasksTest, DamagedWorkingCopyIsMadeAfresh) {
+    files.addStore("tcl", "ced", false).item("a", "1").item("b", "1");
+    files.ship();
+    ASSERT_TRUE(install("a"));
+    const std::string packs = files.area("ced_store/.plaz/.index/.git/objects/pack");
+    for (const std::string& name : HUTFile::createFileIter(packs))
+        if (name.find(".pack") != std::string::npos) HUTFile::writeAtomically(packs + "/" + name, "");
+    takeIds();
+    EXPECT_TRUE(install("b"));
+    EXPECT_EQ(takeIds(), (Ids{"17-1570", "17-1573"}));
+}
+
+// The last of two processes to save taking away what the other one installed.
+TEST_F(ItemTasksTest, TakesOverWhatAnotherProcessInstalled) {
+    files.addStore("tcl", "ced", false).item("a", "1").item("b", "1");
+    files.ship();
+    hub();
+    if (const pid_t other = fork(); other == 0)
+        _exit(install("a") ? 0 : 1);
+    else
+        ASSERT_EQ(waitpid(other, nullptr, 0), other);
+    EXPECT_EQ(state("a"), "-");
+    ASSERT_TRUE(install("b"));
+    EXPECT_EQ(recorded("ced_store"), "a@1 user 0;b@1 user 0;");
 }
 
 // Whatever the database says, nothing outside the item's own directory is removed.

@@ -210,6 +210,13 @@ std::string readStart(const std::string& file, std::size_t size) {
     return start;
 }
 
+std::string getStamp(const std::string& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0) return {};
+    return std::to_string(status.st_ino) + ':' + std::to_string(status.st_size) + ':' +
+           std::to_string(status.st_mtim.tv_sec) + '.' + std::to_string(status.st_mtim.tv_nsec);
+}
+
 bool isWriteable(const std::string& path) {
     struct stat info {};
     if (stat(path.c_str(), &info) != 0) return false;

@@ -50,7 +50,9 @@ bool HSCPlazLocalDBMgr::save(HSCPlaz* hub, HSCPlazQStore* store, std::string fil
     HSCPlazLogger::within(saveName, " Saving local db file of store ", store->getName());
     // What could not be read is not lost: it stays beside the new file.
     if (m_damaged.erase(file) != 0) HUTFile::copyToRecursive(file, file + ".bad", HUTFile::copyOver);
-    if (HSCPlazLocalDBWriter().write(file, store->getModel()) || !store->isProductSpecific()) return true;
+    const bool isWritten = HSCPlazLocalDBWriter().write(file, store->getModel());
+    m_stamps[file] = HUTFile::getStamp(file);
+    if (isWritten || !store->isProductSpecific()) return true;
     ComMsgMgr::send(Msg::databaseNotSaved, MsgSeverity::error, file);
     return false;
 }
@@ -59,8 +61,14 @@ bool HSCPlazLocalDBMgr::isValidForProductAndRelease(const std::string& file) con
     return m_regressionMode || HSCPlazLocalDBReader().checkIfValidForProductAndRelease(file);
 }
 
+bool HSCPlazLocalDBMgr::hasChanged(const std::string& file) const {
+    const auto known = m_stamps.find(file);
+    return known != m_stamps.end() && known->second != HUTFile::getStamp(file);
+}
+
 HSCPlazLocalDBMgr::Merge HSCPlazLocalDBMgr::merge(const std::string& file, HSCPlazQStoreModel& store) {
-    if (!HUTFile::exists(file)) return Merge::nothing;
+    const std::string stamp = m_stamps[file] = HUTFile::getStamp(file);
+    if (stamp.empty()) return Merge::nothing;
     HSCPlazModel recorded;
     HSCPlazLocalDBReader reader;
     using Outcome = HSCPlazLocalDBReader::Outcome;

@@ -2,6 +2,7 @@
 
 #include "plaz/PlazExport.h"
 
+#include <map>
 #include <set>
 #include <string>
 
@@ -44,6 +45,9 @@ public:
     /// lead out of the store's area are refused (Msg::itemRefused).
     Merge merge(const std::string& file, HSCPlazQStoreModel& store);
 
+    /// Whether another process has written the database since it was merged or saved here.
+    bool hasChanged(const std::string& file) const;
+
     /// Layout version that is written.
     const std::string& getMajorVersion() const { return m_major; }
     const std::string& getMinorVersion() const { return m_minor; }
@@ -53,6 +57,7 @@ public:
 private:
     bool m_regressionMode;
     std::set<std::string> m_damaged;
+    std::map<std::string, std::string> m_stamps; // of the databases as they were read or written last
     std::string m_major = "1";
     std::string m_minor = "0";
 };

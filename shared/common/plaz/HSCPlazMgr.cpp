@@ -190,6 +190,17 @@ void HSCPlazMgr::restoreInstalledState() {
     }
 }
 
+void HSCPlazMgr::updateInstalledState() {
+    for (HSCPlazQStore* store : getHub().getStores()) {
+        if (!store->isProductSpecific() || !m_localDbMgr->hasChanged(store->getLocalDbFilePath())) continue;
+        for (const auto& item : store->getModel()->getItems())
+            if (item->isInstalled()) item->clearInstallation();
+        mergeLocalDb(*store->getModel());
+        describeFromInstalledFiles(*store->getModel(), *m_pathMgr);
+        addMissingItems(*store);
+    }
+}
+
 void HSCPlazMgr::mergeLocalDb(HSCPlazQStoreModel& store) {
     const std::string database = store.getLocalDbFilePath();
     if (m_localDbMgr->merge(database, store) != HSCPlazLocalDBMgr::Merge::foreign) return;

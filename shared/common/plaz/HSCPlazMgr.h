@@ -36,6 +36,9 @@ public:
     /// Msg::dataAccessOff, and what the readers report.
     HSCPlaz& getHub();
 
+    /// Takes over what other processes have installed and removed since the hub was built or this was called last.
+    void updateInstalledState();
+
     /// The store that the user interface has selected; null at first and once the store is gone from the hub. Setting
     /// null changes nothing.
     HSCPlazQStore* getCurrentStore() const;

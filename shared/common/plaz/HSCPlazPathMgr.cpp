@@ -24,6 +24,7 @@ constexpr const char* storesPathPreference = "QSTORES_PATH";
 constexpr const char* productDir = "plaz";
 constexpr const char* sharedDataDir = "common";
 constexpr const char* configFile = "plaz_config.json";
+constexpr const char* lockFile = "plaz.lock";
 constexpr const char* repoInfoFile = "plaz_stores.json";
 constexpr const char* hiddenDir = ".plaz";
 constexpr const char* indexDir = ".index";
@@ -115,6 +116,10 @@ std::string HSCPlazPathMgr::getSchemaRoot() const {
 
 std::string HSCPlazPathMgr::getRepoInfoFile() const {
     return getUserAreaRoot("", false, repoInfoFile);
+}
+
+std::string HSCPlazPathMgr::getLockFile() const {
+    return getUserAreaRoot("", true, lockFile);
 }
 
 std::string HSCPlazPathMgr::getDefaultLocalDbFile() const {

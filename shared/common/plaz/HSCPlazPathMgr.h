@@ -13,6 +13,7 @@ class HSCPlazQStoreModel;
 ///
 ///     <local root>/<root>/plaz.json, plaz_config.json   the hub's shipped metadata and configuration
 ///     <shared root>/<root>/<stores root>/<store root>   what is shipped of a store
+///     <user area>/plaz.lock                             held by the process that installs or removes
 ///     <user area>/plaz_stores.json                      where the stores live
 ///     <store area>/.plaz/.index                         a store's working copy
 ///     <store area>/.plaz/.catalog                       metadata of items that are not installed
@@ -43,6 +44,8 @@ public:
     std::string getSchemaRoot() const;
     /// The file in which the stores' directories are recorded.
     std::string getRepoInfoFile() const;
+    /// The file whose lock a task holds while it changes what is installed.
+    std::string getLockFile() const;
     /// The database used where a store has none of its own and the hub names none.
     std::string getDefaultLocalDbFile() const;
 

@@ -3,16 +3,22 @@
 #include "plaz/HSCPlazDependencyWalk.h"
 #include "plaz/HSCPlazMgr.h"
 #include "plaz/HSCPlazMsg.h"
+#include "plaz/HSCPlazPathMgr.h"
 #include "plaz/HSCPlazUtils.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazLogger.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/repo/HSCPlazGit.h"
 #include "plaz/pref/HSCPlazUserPref.h"
 #include "support/ComMsgMgr.h"
 #include "support/HDGUIStatus.h"
+#include "support/HUTFileLock.h"
 #include "support/HUTFork.h"
+
+#include <chrono>
+#include <thread>
 
 using HSCPlazLogger::inside;
 using Walk = HSCPlazDependencyWalk;
@@ -34,9 +40,28 @@ void show(HDGUIStatus* status, const char* step, const HSCPlazQItem& item, doubl
     status->changePercentComplete(percent);
 }
 
+/// Waits until no other process changes what is installed, and takes over what it did. Where no lock can be had, such
+/// as on some network drives, the task goes on without.
+bool lockHub(HUTFileLock& lock, const HDGUIStatus* status) {
+    using Clock = std::chrono::steady_clock;
+    const auto giveUp = Clock::now() + std::chrono::seconds(HSCPlazGit::getGitTimeOut());
+    while (lock.tryLock() == HUTFileLock::Result::busy) {
+        if (isCancelled(status)) return false;
+        if (Clock::now() > giveUp) {
+            ComMsgMgr::send(Msg::hubBusy, MsgSeverity::error, HSCPlazMgr::getInstance().getPathMgr()->getLockFile());
+            return false;
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    }
+    HSCPlazMgr::getInstance().updateInstalledState();
+    return true;
+}
+
 /// Runs a task. An exception, such as that of an area that does not exist, is told and makes it fail.
-template <typename Task> bool run(HSCPlaz& hub, Task task) {
+template <typename Task> bool run(HSCPlaz& hub, const HDGUIStatus* status, Task task) {
     try {
+        HUTFileLock lock(HSCPlazMgr::getInstance().getPathMgr()->getLockFile());
+        if (!lockHub(lock, status)) return false;
         Files::removeLeftovers(hub);
         return task();
     } catch (const HEXAll& failure) {
@@ -92,7 +117,12 @@ bool installItem(HSCPlaz& hub, const HSCPlazFoundItem& found, bool quiet, HDGUIS
     return (complete && walk.isSound()) || fail(*found.item, status);
 }
 
-bool uninstallItem(HSCPlaz& hub, const HSCPlazFoundItem& found, bool quiet) {
+bool uninstallItem(HSCPlaz& hub, const HSCPlazQItem& asked, bool quiet) {
+    const HSCPlazFoundItem found = Walk::find(hub, &asked);
+    if (!found || !found.item->IsInstalled()) {
+        ComMsgMgr::send(Msg::itemNotInstalled, MsgSeverity::error, Files::shownName(asked));
+        return false;
+    }
     HSCPlazQItem& item = *found.item;
     const std::int32_t references = item.getReferenceCount();
     const bool isTools = item.getInstallationMode() == Walk::toolMode;
@@ -125,15 +155,10 @@ bool HSCPlazTaskMgr::install(HSCPlaz* hub, HSCPlazQItem* item, bool quiet, HDGUI
            "\n\tstore name:", item->getStoreName(), "\n\titem revision:", item->getRevision());
     const HSCPlazFoundItem found = Walk::find(*hub, item);
     if (!found) return fail(*item, status);
-    return run(*hub, [&] { return installItem(*hub, found, quiet, status); });
+    return run(*hub, status, [&] { return installItem(*hub, found, quiet, status); });
 }
 
 bool HSCPlazTaskMgr::uninstall(HSCPlaz* hub, HSCPlazQItem* item, bool quiet) {
     if (!hub || !item || !item->getModel()) return false;
-    const HSCPlazFoundItem found = Walk::find(*hub, item);
-    if (!found || !found.item->IsInstalled()) {
-        ComMsgMgr::send(Msg::itemNotInstalled, MsgSeverity::error, Files::shownName(*item));
-        return false;
-    }
-    return run(*hub, [&] { return uninstallItem(*hub, found, quiet); });
+    return run(*hub, nullptr, [&] { return uninstallItem(*hub, *item, quiet); });
 }

@@ -78,6 +78,9 @@ public:
     /// @throws HEXAll as exec_git
     /// Sends Msg::storeRefused for a URL that git is not given, Msg::dirNotWritable and what exec_git sends.
     static int cloneOrUpdateRepoForStore(const HSCPlazQStoreModel* store, bool bInternet);
+    /// Removes a working copy whose objects do not hold together, as after a failing disk, so that the next use makes it
+    /// afresh. Slow: to be asked only when something has failed.
+    static void discardDamagedIndex(const HSCPlazQStoreModel& store);
     /// Registers the store's URL as "origin" in @p dir and fetches. @return false without git access; nothing is done
     /// then
     /// @throws HEXAll as exec_git
@@ -130,5 +133,6 @@ public:
 private:
     static void writeTrace(const std::string& line);
     static void configure(const std::string& dir, const std::string& key, const std::string& value);
+    static void restoreSslVerify(const std::string& workDir);
     static void setSslVerify(const std::string& workDir, const std::string& value);
 };

@@ -11,6 +11,7 @@
 #include "support/HIOStream.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTFile.h"
+#include "support/HUTFork.h"
 
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/algorithm/string/replace.hpp>
@@ -97,6 +98,11 @@ void tidyAfterCrash(const std::string& gitDir) {
     for (const std::string& leftover : leftovers) HUTFile::rmRecursive(leftover);
 }
 
+void removeIndex(const std::string& index) {
+    HUTFile::rmRecursive(index + doneMarker); // first, so that half a removal counts as no clone
+    HUTFile::rmRecursive(index);
+}
+
 void discardForeignIndex(const std::string& index, const std::string& url) {
     HSCPlazGit::debugTrace("Checking cloned repo url matches with store url or not.");
     HSCPlazGit::debugTrace("Reconstructed git url :", url);
@@ -108,8 +114,7 @@ void discardForeignIndex(const std::string& index, const std::string& url) {
         return;
     }
     HSCPlazGit::debugTrace("Cloned repo url doesn't match with store url, deleting cloned repo folder.");
-    HUTFile::rmRecursive(index + doneMarker); // first, so that half a removal counts as no clone
-    HUTFile::rmRecursive(index);
+    removeIndex(index);
 }
 
 // Whatever an attempt that never came to its end has left is of no use.
@@ -127,7 +132,10 @@ bool createIndex(const std::string& index, const HSCPlazQStoreModel& store) {
 
 bool refreshIndex(const std::string& index, const HSCPlazQStoreModel& store, const std::string& url) {
     discardForeignIndex(index, url);
-    HUTFile::mkDirRecursive(index);
+    if (!HUTFile::mkDirRecursive(index)) {
+        ComMsgMgr::send(Msg::dirNotWritable, MsgSeverity::error, index);
+        return false;
+    }
     if (!HSCPlazGit::isInstalled(index)) return createIndex(index, store);
     HSCPlazGit::debugTrace("skipping clone... already cloned at: ", index);
     const int result = HSCPlazGit::exec_git({"fetch"}, index, false, "");
@@ -220,6 +228,18 @@ int HSCPlazGit::cloneOrUpdateRepoForStore(const HSCPlazQStoreModel* store, bool 
     else if (!refreshIndex(index, *store, url))
         return 0;
     return copyIndex(index, staging);
+}
+
+void HSCPlazGit::discardDamagedIndex(const HSCPlazQStoreModel& store) {
+    const std::string index = HSCPlazMgr::getInstance().getPathMgr()->getStoreIndexDir(store);
+    const int verbosity = ComMsgMgr::getVerbosity();
+    ComMsgMgr::setVerbosity(-1);
+    try {
+        exec_git({"fsck", "--connectivity-only", "--no-dangling", "--no-progress"}, index, true, "");
+    } catch (const HEXAll&) {
+        if (!HUTFork::isInterrupted()) removeIndex(index);
+    }
+    ComMsgMgr::setVerbosity(verbosity);
 }
 
 bool HSCPlazGit::setRemote(const std::string& dir, const HSCPlazQStoreModel& store) {

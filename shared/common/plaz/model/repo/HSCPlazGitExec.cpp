@@ -178,16 +178,24 @@ int HSCPlazGit::exec_git(const std::vector<std::string>& args, const std::string
         HUTSysCall::changeDir(startDir);
         debugTrace(failure.what());
         ComMsgMgr::setVerbosity(verbosity);
-        try {
-            if (!internalCall && isGitAccessEnabled()) setSslVerify(workDir, "true");
-        } catch (const HEXAll&) { // the first failure is the one to tell of
-        }
+        if (!internalCall && isGitAccessEnabled()) restoreSslVerify(workDir);
         throw;
     }
 }
 
 void HSCPlazGit::configure(const std::string& dir, const std::string& key, const std::string& value) {
     exec_git({"config", "--replace-all", key, value}, dir, true, "");
+}
+
+// After a failure, which is the one to tell of, and after a cancellation, which lets no other command start.
+void HSCPlazGit::restoreSslVerify(const std::string& workDir) {
+    const bool isInterrupted = HUTFork::isInterrupted();
+    HUTFork::clearInterrupt();
+    try {
+        setSslVerify(workDir, "true");
+    } catch (const HEXAll&) {
+    }
+    if (isInterrupted) HUTFork::interruptAll();
 }
 
 void HSCPlazGit::setSslVerify(const std::string& workDir, const std::string& value) {

@@ -64,6 +64,7 @@ bool checkOutItem(const HSCPlazQItemModel& item, const HSCPlazQStoreModel& store
         return checkOutCommit(item, staging);
     } catch (const HEXAll&) { // also after a cancellation: the fetch then ends before anything runs
     }
+    HSCPlazGit::discardDamagedIndex(store);
     return HSCPlazGit::cloneOrUpdateRepoForStore(&store, true) != 0 && checkOutCommit(item, staging);
 }
 

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "support/HostExport.h"
+
+#include <string>
+
+/// A lock that one process at a time holds, by the name of a file. The system lets go of it when the process ends,
+/// however it ends; the file stays.
+class HOST_API HUTFileLock {
+public:
+    enum class Result {
+        held,
+        busy,       ///< another process holds it
+        unavailable ///< the file cannot be made, or its disk knows no locks
+    };
+
+    explicit HUTFileLock(std::string file) : m_file(std::move(file)) {}
+    ~HUTFileLock();
+    HUTFileLock(const HUTFileLock&) = delete;
+    HUTFileLock& operator=(const HUTFileLock&) = delete;
+
+    /// Takes the lock if it is free; never waits.
+    Result tryLock();
+
+private:
+    std::string m_file;
+    int m_handle = -1;
+};

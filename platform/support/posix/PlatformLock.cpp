@@ -1,0 +1,20 @@
+#include "support/HUTFileLock.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+HUTFileLock::~HUTFileLock() {
+    if (m_handle >= 0) ::close(m_handle);
+}
+
+HUTFileLock::Result HUTFileLock::tryLock() {
+    if (m_handle < 0) m_handle = ::open(m_file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+    if (m_handle < 0) return Result::unavailable;
+    int status = -1;
+    do status = ::flock(m_handle, LOCK_EX | LOCK_NB);
+    while (status != 0 && errno == EINTR);
+    if (status == 0) return Result::held;
+    return errno == EWOULDBLOCK ? Result::busy : Result::unavailable;
+}
