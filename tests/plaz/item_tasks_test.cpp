@@ -13,6 +13,9 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+#include <random>
+#include <set>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -296,6 +299,43 @@ TEST_F(ItemTasksTest, TakesOverWhatAnotherProcessInstalled) {
     EXPECT_EQ(state("a"), "-");
     ASSERT_TRUE(install("b"));
     EXPECT_EQ(recorded("ced_store"), "a@1 user 0;b@1 user 0;");
+}
+
+// Counts that drift apart over a long life: a needed item gone, or one that nobody needs there for ever.
+TEST_F(ItemTasksTest, LongLifeKeepsWhatIsNeededAndNothingElse) {
+    std::mt19937 random(20241124);
+    const auto pick = [&](std::size_t below) { return static_cast<std::size_t>(random() % below); };
+    StoreOnDisk& store = files.addStore("tcl", "ced", false);
+    constexpr std::size_t count = 7;
+    const auto nameOf = [](std::size_t number) { return "i" + std::to_string(number); };
+    for (std::size_t number = 0; number < count; ++number) {
+        std::vector<StoreOnDisk::Needs> needs; // circles included
+        for (std::size_t edge = pick(3); edge > 0; --edge) needs.push_back({"tcl", nameOf(pick(count)), ""});
+        store.item(nameOf(number), "1", needs);
+    }
+    files.ship();
+    const std::function<void(const HSCPlazQItem&, std::set<std::string>&)> reach = [&](const auto& item, auto& needed) {
+        if (!needed.insert(item.getName()).second) return;
+        for (const HSCPlazQItemDependency* next : item.getItemDependencies()) reach(find(next->getItem()), needed);
+    };
+    std::set<std::string> wanted;
+    for (int round = 0; round < 60 || !wanted.empty(); ++round) {
+        const std::string name = round < 60 ? nameOf(pick(count)) : *wanted.begin();
+        if (wanted.count(name) == 0) {
+            ASSERT_TRUE(install(name));
+            wanted.insert(name);
+        } else {
+            ASSERT_TRUE(uninstall(name));
+            wanted.erase(name);
+        }
+        if (round % 7 == 3)
+            HUTFile::rmRecursive(files.area("ced_store/items/" + nameOf(pick(count)))); // lost, repaired
+        std::set<std::string> needed;
+        for (const std::string& want : wanted) reach(find(want), needed);
+        for (std::size_t number = 0; number < count; ++number)
+            ASSERT_EQ(find(nameOf(number)).IsInstalled(), needed.count(nameOf(number)) != 0) << nameOf(number);
+    }
+    EXPECT_EQ(recorded("ced_store"), "");
 }
 
 // Whatever the database says, nothing outside the item's own directory is removed.
