@@ -1,0 +1,10 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+
+/// The least that a start-up can cost: each file opened, read and parsed once, plain records filled from it.
+/// @param dataDir     a data root as BenchData::writeDataRoot makes it
+/// @param schemaDir   where the schemas lie; empty leaves validation out
+/// @return the number of items read
+std::size_t startUpBare(const std::string& dataDir, const std::string& schemaDir);

@@ -1,0 +1,137 @@
+#include "benchmarks.h"
+
+#include "BareInstall.h"
+#include "Comparison.h"
+#include "Workspace.h"
+#include "plaz/HSCPlazMgr.h"
+#include "plaz/HSCPlazPathMgr.h"
+#include "plaz/HSCPlazTaskMgr.h"
+#include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazQItem.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/repo/HSCPlazGit.h"
+#include "plaz/model/repo/HSCPlazGitEnv.h"
+#include "support/HUTFile.h"
+#include "support/HUTFork.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <stdexcept>
+
+namespace {
+
+constexpr int rounds = 21;
+constexpr double ratioOfInstall = 1.15;
+
+// The environment in which the product runs git, as a child sees it.
+std::vector<std::string> environmentOfGit(const std::string& dir) {
+    const std::string output = Workspace::get().path("environment");
+    HUTFork env;
+    env.dontUseHDLDPath();
+    HSCPlazGitEnv::apply(env, "checkout", dir);
+    env.setProg("env", true);
+    env.addArg("-0");
+    env.setLogFile(output);
+    if (env.launch(true, true, true, true) != 0) throw std::runtime_error("env failed");
+    std::vector<std::string> variables;
+    const std::string text = readFile(output);
+    for (std::size_t begin = 0; begin < text.size();) {
+        const std::size_t end = std::min(text.find('\0', begin), text.size());
+        variables.push_back(text.substr(begin, end - begin));
+        begin = end + 1;
+    }
+    return variables;
+}
+
+/// A store of the hub with a complete working copy.
+class InstallableStore {
+public:
+    explicit InstallableStore(const std::string& name)
+        : m_hub(Workspace::get().getHub()), m_store(*m_hub.getStore(name)),
+          m_index(HSCPlazMgr::getInstance().getPathMgr()->getStoreIndexDir(*m_store.getModel())) {
+        if (!HSCPlazGit::isInstalled(m_index) && !HSCPlazGit().install(&m_hub, getItem(0).getModel()))
+            throw std::runtime_error("cannot clone " + name);
+    }
+
+    const std::string& getIndex() const { return m_index; }
+    // Those without dependencies, one after the other.
+    HSCPlazQItem& getItem(int number) const { return *m_store.getItems()[static_cast<std::size_t>(number) * 4 + 1]; }
+
+    void compareInstall(benchmark::State& state, const std::function<bool(HSCPlazQItem&)>& install) const {
+        // Beside ours: how long the file system takes to make an entry depends on the directory.
+        const std::string staging = std::filesystem::path(m_index).parent_path().parent_path() / ".bare-staging";
+        const BareInstall bare(HSCPlazGit::getGitExePath(), m_index, environmentOfGit(staging));
+        const auto ours = [&](int round) {
+            return secondsOf([&] {
+                if (!install(getItem(round))) throw std::runtime_error("the installation failed");
+            });
+        };
+        const auto floor = [&](int round) {
+            const HSCPlazQItem& item = getItem(round);
+            const double seconds = secondsOf([&] { bare.run(staging, item.getRoot(), item.getCommitId()); });
+            if (!HUTFile::exists(staging + "/" + item.getRoot() + "/content.bin"))
+                throw std::runtime_error("nothing was checked out");
+            HUTFile::rmRecursive(staging);
+            return seconds;
+        };
+        compare(state, rounds, {ratioOfInstall}, 0, ours, floor);
+    }
+
+    bool installByGit(HSCPlazQItem& item) const { return HSCPlazGit().install(&m_hub, item.getModel()); }
+    bool installByTask(HSCPlazQItem& item) const { return HSCPlazTaskMgr::install(&m_hub, &item, true, nullptr); }
+    void uninstallAll() const {
+        for (HSCPlazQItem* item : m_store.getItems()) {
+            if (item->IsInstalled()) HSCPlazTaskMgr::uninstall(&m_hub, item, true);
+            HUTFile::rmRecursive(
+                HSCPlazMgr::getInstance().getPathMgr()->getItemDir(*m_store.getModel(), *item->getModel()));
+        }
+    }
+
+private:
+    HSCPlaz& m_hub;
+    HSCPlazQStore& m_store;
+    std::string m_index;
+};
+
+void installByGit(benchmark::State& state, const std::string& storeName) {
+    const InstallableStore store(storeName);
+    store.compareInstall(state, [&](HSCPlazQItem& item) { return store.installByGit(item); });
+    store.uninstallAll();
+}
+
+void installByTask(benchmark::State& state, const std::string& storeName) {
+    const InstallableStore store(storeName);
+    store.uninstallAll();
+    store.compareInstall(state, [&](HSCPlazQItem& item) { return store.installByTask(item); });
+    store.uninstallAll();
+}
+
+void copyIndex(benchmark::State& state, const std::string& storeName) {
+    const InstallableStore store(storeName);
+    const std::string staging = std::filesystem::path(store.getIndex()).parent_path().parent_path() / ".copy";
+    const auto linkable = [](const std::string& relative) { return relative.compare(0, 13, ".git/objects/") == 0; };
+    const auto measure = [&](const std::function<void()>& copy) {
+        const double seconds = secondsOf(copy);
+        std::filesystem::remove_all(staging);
+        return seconds;
+    };
+    compare(
+        state, rounds, {0, 10}, 0,
+        [&](int) { return measure([&] { HUTFile::cloneTree(store.getIndex(), staging, linkable); }); },
+        [&](int) { return measure([&] { copyIndexBare(store.getIndex(), staging); }); });
+}
+
+} // namespace
+
+void addInstallation() {
+    for (const char* store : {"store-100", "store-1000", "store-10000", "large"}) {
+        const auto add = [&](const char* what, void (*run)(benchmark::State&, const std::string&)) {
+            benchmark::RegisterBenchmark((std::string(what) + ", " + store).c_str(), run, std::string(store))
+                ->Iterations(1)
+                ->UseManualTime();
+        };
+        add("copy of the working copy", copyIndex);
+        add("install by git", installByGit);
+        add("install by task", installByTask);
+    }
+}

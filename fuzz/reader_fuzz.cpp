@@ -1,0 +1,103 @@
+// One reader of the hub, named by the macro, fed with any bytes as its file.
+
+#include "plaz/HSCPlazLocalDBMgr.h"
+#include "plaz/HSCPlazMgr.h"
+#include "plaz/HSCPlazTrust.h"
+#include "plaz/model/HSCPlazCfgModel.h"
+#include "plaz/model/HSCPlazModel.h"
+#include "plaz/model/reader/HSCPlazConfigReader.h"
+#include "plaz/model/reader/HSCPlazQItemCatalogReader.h"
+#include "plaz/model/reader/HSCPlazQItemReader.h"
+#include "plaz/model/reader/HSCPlazQStoreReader.h"
+#include "plaz/model/reader/HSCPlazReader.h"
+#include "support/ComMsgMgr.h"
+
+#include <boost/filesystem/operations.hpp>
+
+#include <cstdint>
+#include <cstdlib>
+#include <fstream>
+
+namespace {
+
+namespace fs = boost::filesystem;
+
+/// The input as a file; a directory of the process's own, removed at its end.
+class InputFile {
+public:
+    InputFile() : m_dir(fs::temp_directory_path() / fs::unique_path("plaz-fuzz-%%%%-%%%%")) {
+        fs::create_directory(m_dir);
+        setenv("GDA_APPDATA_DIR", m_dir.c_str(), 1);
+        setenv("GDA_PRODUCT_NAME", "Solvan", 1); // the product and release of the seeds
+        setenv("GDA_PRODUCT_VERSION", "2024.2.0", 1);
+        ComMsgMgr::setSink([](const ComMsgMgr::Message&) {});
+    }
+    ~InputFile() {
+        boost::system::error_code error;
+        fs::remove_all(m_dir, error);
+    }
+    std::string write(const std::uint8_t* data, std::size_t size) const {
+        const std::string name = (m_dir / "input.json").string();
+        std::ofstream(name, std::ios::binary)
+            .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
+        return name;
+    }
+
+private:
+    fs::path m_dir;
+};
+
+/// What the hub relies on: nothing that leads out of the store reaches a model.
+[[maybe_unused]] void check(bool holds) {
+    if (!holds) std::abort();
+}
+
+[[maybe_unused]] bool staysInside(const std::string& path) {
+    return path.empty() || HSCPlazTrust::isSafeRelativePath(path);
+}
+
+void read(const std::string& file) {
+#if defined(FUZZ_HUB)
+    HSCPlazModel hub;
+    check(HSCPlazReader().parse(file, &hub));
+    for (const auto& store : hub.getStores())
+        check(staysInside(store->getRoot()) && staysInside(store->getMetadataFile()) && !store->getName().empty());
+#elif defined(FUZZ_CONFIG)
+    HSCPlazCfgModel config;
+    check(HSCPlazConfigReader().parse(file, &config));
+#elif defined(FUZZ_STORE)
+    HSCPlazQStoreModel store;
+    check(HSCPlazQStoreReader().parse(file, &store));
+    check(staysInside(store.getCatalogFile()) && store.getBranchToSync().substr(0, 1) != "-");
+#elif defined(FUZZ_CATALOG)
+    HSCPlazModel hub;
+    HSCPlazQStoreModel store;
+    check(HSCPlazQItemCatalogReader().parse(file, &hub, &store));
+    for (const auto& item : store.getItems())
+        check(staysInside(item->getRoot()) && staysInside(item->getMetadataFile()) && staysInside(item->getRevision()));
+#elif defined(FUZZ_ITEM)
+    HSCPlazQItemModel item;
+    check(HSCPlazQItemReader().parse(file, &item));
+    check(staysInside(item.getLogo()) && staysInside(item.getRevision()));
+#elif defined(FUZZ_LOCALDB)
+    HSCPlazQStoreModel store;
+    store.setName("board");
+    store.setLocalRootDir(file + ".area");
+    HSCPlazMgr::getInstance().getLocalDBMgr()->merge(file, store);
+    for (const auto& item : store.getItems()) {
+        const std::string& dir = item->getLocalDir();
+        check(staysInside(item->getRoot()));
+        check(dir.empty() || dir.compare(0, file.size() + 6, file + ".area/") == 0);
+    }
+#endif
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    // A protected file's damaged content is no file to the readers; their own bytes are what is tested here.
+    if (size > 0 && data[0] == 0x89) return 0;
+    static const InputFile input;
+    read(input.write(data, size));
+    return 0;
+}
