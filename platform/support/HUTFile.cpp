@@ -32,13 +32,13 @@ bool liesBeneath(const fs::path& root, const fs::path& path) {
 fs::path resolve(const std::string& path) {
     fs::path rest;
     for (fs::path existing = makeAbsolute(path); !existing.empty(); existing = existing.parent_path()) {
-        Error error;
-        const fs::path real = fs::canonical(existing, error);
+        std::error_code error;
+        const fs::path real = platform::resolveLinks(existing.string(), error);
         if (!error) return rest.empty() ? real : real / rest;
-        if (error != boost::system::errc::no_such_file_or_directory && error != boost::system::errc::not_a_directory)
-            return {};
+        if (error != std::errc::no_such_file_or_directory && error != std::errc::not_a_directory) return {};
         // What a dangling link would lead to is anybody's guess, and ".." below nothing has no meaning.
-        if (fs::is_symlink(fs::symlink_status(existing, error)) || existing.filename() == "..") return {};
+        Error ignored;
+        if (fs::is_symlink(fs::symlink_status(existing, ignored)) || existing.filename() == "..") return {};
         if (existing.filename() != ".") rest = rest.empty() ? existing.filename() : existing.filename() / rest;
     }
     return {};

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <system_error>
 
 /// What the portable sources of the host need from the system about files.
 namespace platform {
@@ -35,6 +36,9 @@ bool isWriteable(const std::string& path);
 
 /// As HUTFile::getStamp says.
 std::string getStamp(const std::string& path);
+
+/// The absolute path with every link in it resolved; empty, with @p error set, when it leads to nothing.
+std::string resolveLinks(const std::string& path, std::error_code& error);
 
 /// Removes a file, a link (not its target) or a directory with all it holds, as long as nothing resists.
 /// @return false when something may be left

@@ -12,7 +12,6 @@
 #include <filesystem>
 #include <linux/openat2.h>
 #include <memory>
-#include <optional>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -100,21 +99,15 @@ Status openAndReadAll(const std::string& file, int extraFlags, std::string& cont
     return fd ? readAll(fd.get(), content) : statusOfError(errno);
 }
 
-std::optional<std::string> resolveLinks(const std::string& path) {
-    const std::unique_ptr<char, void (*)(void*)> real(realpath(path.c_str(), nullptr), std::free);
-    if (!real) return std::nullopt;
-    return std::string(real.get());
-}
-
 // For systems that cannot confine a look-up, and for absolute links, which may lead back inside.
 Status readBeneathByName(const std::string& dir, const std::string& relative, std::string& content) {
     if (relative.front() == '/') return Status::outside;
     const std::string name = dir + "/" + relative;
-    const auto file = resolveLinks(name);
-    const int error = errno;
-    if (!file && error != ENOENT) return statusOfError(error);
+    std::error_code error;
+    const std::string file = resolveLinks(name, error);
+    if (error && error != std::errc::no_such_file_or_directory) return statusOfError(error.value());
     if (!HUTFile::isBeneath(dir, name)) return Status::outside;
-    return file ? openAndReadAll(*file, O_NOFOLLOW, content) : Status::missing;
+    return error ? Status::missing : openAndReadAll(file, O_NOFOLLOW, content);
 }
 
 int openBeneath(int dir, const std::string& relative) {
@@ -221,6 +214,12 @@ bool isWriteable(const std::string& path) {
     struct stat info {};
     if (stat(path.c_str(), &info) != 0) return false;
     return faccessat(AT_FDCWD, path.c_str(), S_ISDIR(info.st_mode) ? W_OK | X_OK : W_OK, AT_EACCESS) == 0;
+}
+
+std::string resolveLinks(const std::string& path, std::error_code& error) {
+    const std::unique_ptr<char, void (*)(void*)> real(realpath(path.c_str(), nullptr), std::free);
+    error = real ? std::error_code() : std::error_code(errno, std::generic_category());
+    return real ? real.get() : std::string();
 }
 
 bool removeTree(const std::string& path) {

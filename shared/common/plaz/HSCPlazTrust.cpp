@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <string_view>
 
 namespace {
 
@@ -14,17 +15,17 @@ bool hasControlCharacter(const std::string& text) {
 
 /// What leads elsewhere ("..", "."), what some disks take for another name ("x." and "x " for "x"), and git's own
 /// directory: a program that meets it runs what it configures.
-bool isRefusedComponent(const std::string& component) {
+bool isRefusedComponent(std::string_view component) {
+    static constexpr std::string_view gitDir = ".git";
     return component.empty() || component.back() == '.' || component.back() == ' ' ||
-           boost::algorithm::iequals(component, ".git");
+           (component.size() == gitDir.size() && boost::algorithm::iequals(component, gitDir));
 }
 
-bool hasRefusedComponent(const std::string& path) {
+bool hasRefusedComponent(std::string_view path) {
     std::size_t begin = 0;
     while (begin <= path.size()) {
         const std::size_t end = std::min(path.find('/', begin), path.size());
-        const std::string component = path.substr(begin, end - begin);
-        if (isRefusedComponent(component)) return true;
+        if (isRefusedComponent(path.substr(begin, end - begin))) return true;
         begin = end + 1;
     }
     return false;
@@ -79,6 +80,7 @@ bool HSCPlazTrust::isSafeComponent(const std::string& name) {
 }
 
 bool HSCPlazTrust::isSafeRef(const std::string& ref) {
+    if (isCommitId(ref)) return true; // as nearly all are, in a catalog
     return !ref.empty() && ref.front() != '-' && !hasControlCharacter(ref) &&
            ref.find_first_of(" ~^:?*[\\") == std::string::npos && ref.find("..") == std::string::npos &&
            ref.find("@{") == std::string::npos;

@@ -117,6 +117,12 @@ void discardForeignIndex(const std::string& index, const std::string& url) {
     removeIndex(index);
 }
 
+// Each installation copies them and removes the copies again. git makes those that it needs.
+void dropEmptyDirs(const std::string& gitDir) {
+    boost::system::error_code isUsed;
+    for (const char* dir : {"/objects/info", "/refs/heads", "/refs/tags"}) fs::remove(gitDir + dir, isUsed);
+}
+
 // Whatever an attempt that never came to its end has left is of no use.
 bool createIndex(const std::string& index, const HSCPlazQStoreModel& store) {
     const std::string gitDir = index + "/.git";
@@ -127,7 +133,9 @@ bool createIndex(const std::string& index, const HSCPlazQStoreModel& store) {
         ComMsgMgr::send(Msg::dirNotWritable, MsgSeverity::error, index);
         return false;
     }
-    return HSCPlazGit::setRemote(index, store) && HUTFile::writeAtomically(index + doneMarker, "");
+    if (!HSCPlazGit::setRemote(index, store)) return false;
+    dropEmptyDirs(gitDir);
+    return HUTFile::writeAtomically(index + doneMarker, "");
 }
 
 bool refreshIndex(const std::string& index, const HSCPlazQStoreModel& store, const std::string& url) {
