@@ -41,6 +41,6 @@ inline constexpr MsgId<1> databaseNotSaved{"@17-2164@%s"};      ///< file
 inline constexpr MsgId<1> itemNotInstalled{"@17-2165@%s"};      ///< display name
 inline constexpr MsgId<2> removalIncomplete{"@17-2166@%s%s"};   ///< item, directory
 inline constexpr MsgId<2> dependencyUnknown{"@17-2167@%s%s"};   ///< item, store
-inline constexpr MsgId<1> hubBusy{"@17-2168@%s"};                    ///< lock file
+inline constexpr MsgId<1> hubBusy{"@17-2168@%s"};               ///< lock file
 inline constexpr MsgId<1> clonedRepo{"@60-832@%s"};             ///< directory
 } // namespace Msg

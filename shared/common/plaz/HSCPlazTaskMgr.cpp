@@ -3,24 +3,19 @@
 #include "plaz/HSCPlazDependencyWalk.h"
 #include "plaz/HSCPlazMgr.h"
 #include "plaz/HSCPlazMsg.h"
-#include "plaz/HSCPlazPathMgr.h"
+#include "plaz/HSCPlazTask.h"
 #include "plaz/HSCPlazUtils.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazLogger.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
-#include "plaz/model/repo/HSCPlazGit.h"
 #include "plaz/pref/HSCPlazUserPref.h"
 #include "support/ComMsgMgr.h"
 #include "support/HDGUIStatus.h"
-#include "support/HUTFileLock.h"
-#include "support/HUTFork.h"
-
-#include <chrono>
-#include <thread>
 
 using HSCPlazLogger::inside;
+using HSCPlazTask::isCancelled;
 using Walk = HSCPlazDependencyWalk;
 namespace Files = HSCPlazItemFiles;
 
@@ -28,46 +23,12 @@ namespace {
 
 constexpr const char* installName = "HSCPlazTaskMgr::install";
 
-bool isCancelled(const HDGUIStatus* status) {
-    return (status && status->isCanceled()) || HUTFork::isInterrupted();
-}
-
 /// Progress for people; a null status is allowed.
 void show(HDGUIStatus* status, const char* step, const HSCPlazQItem& item, double percent) {
     if (!status) return;
     status->changeAbbrevStatus(step);
     status->changeStatus(step + std::string(" ") + Files::shownName(item));
     status->changePercentComplete(percent);
-}
-
-/// Waits until no other process changes what is installed, and takes over what it did. Where no lock can be had, such
-/// as on some network drives, the task goes on without.
-bool lockHub(HUTFileLock& lock, const HDGUIStatus* status) {
-    using Clock = std::chrono::steady_clock;
-    const auto giveUp = Clock::now() + std::chrono::seconds(HSCPlazGit::getGitTimeOut());
-    while (lock.tryLock() == HUTFileLock::Result::busy) {
-        if (isCancelled(status)) return false;
-        if (Clock::now() > giveUp) {
-            ComMsgMgr::send(Msg::hubBusy, MsgSeverity::error, HSCPlazMgr::getInstance().getPathMgr()->getLockFile());
-            return false;
-        }
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    }
-    HSCPlazMgr::getInstance().updateInstalledState();
-    return true;
-}
-
-/// Runs a task. An exception, such as that of an area that does not exist, is told and makes it fail.
-template <typename Task> bool run(HSCPlaz& hub, const HDGUIStatus* status, Task task) {
-    try {
-        HUTFileLock lock(HSCPlazMgr::getInstance().getPathMgr()->getLockFile());
-        if (!lockHub(lock, status)) return false;
-        Files::removeLeftovers(hub);
-        return task();
-    } catch (const HEXAll& failure) {
-        Files::reportUnlessTold(failure);
-        return false;
-    }
 }
 
 bool fail(const HSCPlazQItem& item, const HDGUIStatus* status) {
@@ -155,10 +116,10 @@ bool HSCPlazTaskMgr::install(HSCPlaz* hub, HSCPlazQItem* item, bool quiet, HDGUI
            "\n\tstore name:", item->getStoreName(), "\n\titem revision:", item->getRevision());
     const HSCPlazFoundItem found = Walk::find(*hub, item);
     if (!found) return fail(*item, status);
-    return run(*hub, status, [&] { return installItem(*hub, found, quiet, status); });
+    return HSCPlazTask::run(*hub, status, [&] { return installItem(*hub, found, quiet, status); });
 }
 
 bool HSCPlazTaskMgr::uninstall(HSCPlaz* hub, HSCPlazQItem* item, bool quiet) {
     if (!hub || !item || !item->getModel()) return false;
-    return run(*hub, nullptr, [&] { return uninstallItem(*hub, *item, quiet); });
+    return HSCPlazTask::run(*hub, nullptr, [&] { return uninstallItem(*hub, *item, quiet); });
 }

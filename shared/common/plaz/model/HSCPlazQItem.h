@@ -83,9 +83,8 @@ public:
     /// Where the logo is: a file for an installed item, a link to the raw file for another; empty without a logo.
     /// The text lives in one buffer of the process, which the next call overwrites.
     const std::string& getLogo() const;
-    /// The change log of the installed files, else of the store's area, else of what is shipped; or "Revision history is
-    /// not available". The text lives in one buffer of the process, which the
-    /// next call overwrites.
+    /// The change log of the installed files, else of the store's area, else of what is shipped; or "Revision history
+    /// is not available". The text lives in one buffer of the process, which the next call overwrites.
     const std::string& getHistory() const;
 
 private:

@@ -30,8 +30,8 @@ public:
     /// @return the first place that breaks the schema, beginning with its JSON pointer; empty when there is none.
     ///         A file or schema that cannot be used gives a text too, and is reported
     static std::string findSchemaViolation(const std::string& file, const std::string& schema);
-    /// What the hub would refuse to use of a hub, store, catalog or item file, although its schema allows it: names that
-    /// lead out of the store, refs and URLs that are none. One sentence each.
+    /// What the hub would refuse to use of a hub, store, catalog or item file, although its schema allows it: names
+    /// that lead out of the store, refs and URLs that are none. One sentence each.
     static std::vector<std::string> findRefusedNames(const std::string& file);
 
     /// Check that a schema document itself can be read and parsed, and report what is wrong with it otherwise.

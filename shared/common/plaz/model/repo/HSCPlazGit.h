@@ -78,8 +78,8 @@ public:
     /// @throws HEXAll as exec_git
     /// Sends Msg::storeRefused for a URL that git is not given, Msg::dirNotWritable and what exec_git sends.
     static int cloneOrUpdateRepoForStore(const HSCPlazQStoreModel* store, bool bInternet);
-    /// Removes a working copy whose objects do not hold together, as after a failing disk, so that the next use makes it
-    /// afresh. Slow: to be asked only when something has failed.
+    /// Removes a working copy whose objects do not hold together, as after a failing disk, so that the next use makes
+    /// it afresh. Slow: to be asked only when something has failed.
     static void discardDamagedIndex(const HSCPlazQStoreModel& store);
     /// Registers the store's URL as "origin" in @p dir and fetches. @return false without git access; nothing is done
     /// then
