@@ -96,7 +96,14 @@ void addCommands(CLI::App& app, Options& options) {
     CLI::App* info = app.add_subcommand("info", "Show everything known of an item");
     addItems(*info, options, true);
     info->get_option("ITEM")->expected(1);
+    CLI::App* refresh = app.add_subcommand("refresh", "Fetch the stores' catalogs");
+    refresh->add_option("STORE", options.stores, "The stores; all of them when none is named")->type_name("");
     addInstallCommands(app, options);
+    CLI::App* relocate = app.add_subcommand("relocate", "Keep a store below another directory from now on");
+    relocate->add_option("STORE", options.store, "The store")->type_name("")->required();
+    relocate->add_option("DIRECTORY", options.directory, "Where to keep it; its folder is made there")
+        ->type_name("")
+        ->required();
     app.add_subcommand("paths", "Show every directory and file in force, and what chose it");
     CLI::App* params = app.add_subcommand("params", "List parameters with value, default and description");
     params->add_option("PATTERN", options.pattern, "Names to list: a pattern with * ? [a-z]")->type_name("");

@@ -9,6 +9,7 @@
 #include "plaz/HSCPlazPathMgr.h"
 #include "plaz/HSCPlazTaskMgr.h"
 #include "plaz/HSCPlazTrust.h"
+#include "plaz/HSCPlazUtils.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQItemModel.h"
@@ -16,6 +17,7 @@
 #include "plaz/model/repo/HSCPlazRepo.h"
 #include "plaz/model/repo/HSCPlazRepoFactory.h"
 #include "support/HDGUIStatus.h"
+#include "support/HUTFile.h"
 #include "support/HUTFork.h"
 
 namespace {
@@ -31,6 +33,10 @@ ActionResult resultOf(const HSCPlazQItem& item, Outcome outcome) {
             {},
             item.IsInstalled() ? item.getLocalRootDir() : std::string(),
             outcome};
+}
+
+StoreResult resultOf(const HSCPlazQStore& store, const char* outcome, bool isDone) {
+    return {store.getName(), isDone ? outcome : "failed", store.getLocalRootDir(), store.getItems().size(), isDone};
 }
 
 /// Runs a task; what it throws is sent and counts as a failure.
@@ -86,6 +92,25 @@ ActionResult HubActions::update(HSCPlazQItem& item) {
     ActionResult result = resultOf(latest, isDone ? Outcome::updated : Outcome::failed);
     result.previousRevision = previous;
     return result;
+}
+
+StoreResult HubActions::refresh(HSCPlazQStore& store) {
+    const bool isDone = succeeds([&] {
+        return HSCPlazTaskMgr::loadCatalog(&m_hub, &store, m_status) && HSCPlazTaskMgr::updateCatalog(&store, m_status);
+    });
+    if (!isDone && !HUTFork::isInterrupted())
+        ComMsgMgr::send(ShellMsg::storeNotRefreshed, MsgSeverity::error, store.getName());
+    return resultOf(store, "refreshed", isDone);
+}
+
+StoreResult HubActions::relocate(HSCPlazQStore& store, const std::string& directory) {
+    const std::string path = HUTFile::getCanonicalName(directory);
+    const std::string area = path + "/" + store.getRoot();
+    const bool isDone = succeeds([&] {
+        return HSCPlazUtils::isQStoreLocalDirValid(&store, area) && HSCPlazTaskMgr::setQStoreLocalRootDir(&store, path);
+    });
+    if (!isDone) ComMsgMgr::send(ShellMsg::storeNotMoved, MsgSeverity::error, store.getName(), path);
+    return resultOf(store, "moved", isDone);
 }
 
 bool HubActions::installLatest(HSCPlazQItem& item, HSCPlazQItem& latest) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -32,8 +33,17 @@ struct ActionResult {
     bool isDone() const { return outcome != Outcome::failed; }
 };
 
-/// Changes what is installed. Failures are sent as messages, thrown ones of a task included, and told by the result;
-/// what was done before a failure stays done. One at a time, on the caller's thread.
+/// What became of one store.
+struct StoreResult {
+    std::string store;
+    std::string outcome;   ///< "refreshed", "moved" or "failed"
+    std::string directory; ///< the store's area
+    std::size_t items;     ///< how many revisions its catalog lists
+    bool isDone;
+};
+
+/// Changes what is installed and what is known of the stores. Failures are sent as messages, thrown ones of a task
+/// included, and told by the result; what was done before a failure stays done. One at a time, on the caller's thread.
 class HubActions {
 public:
     /// @param quiet   leaves out the good news
@@ -45,6 +55,12 @@ public:
     /// Brings an installed revision up to date and keeps its installation mode. Where the store keeps several revisions
     /// the older one stays beside the new one. Sends ShellMsg::itemFetchedAgain unless quiet.
     ActionResult update(HSCPlazQItem& item);
+
+    /// Fetches the store's catalog and what it says of its items. Until all of the catalog has come the old one stays
+    /// in force. Items of the store are new objects afterwards.
+    StoreResult refresh(HSCPlazQStore& store);
+    /// Puts the store's area below @p directory. What it holds stays where it is.
+    StoreResult relocate(HSCPlazQStore& store, const std::string& directory);
 
 private:
     bool installLatest(HSCPlazQItem& item, HSCPlazQItem& latest);

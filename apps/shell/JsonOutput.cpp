@@ -223,6 +223,15 @@ void JsonOutput::showActions(const std::vector<ActionResult>& results) {
     add(m_document, "items", arrayOf(m_document, results, fillAction));
 }
 
+void JsonOutput::showStoreResults(const std::vector<StoreResult>& results) {
+    add(m_document, "qstores", arrayOf(m_document, results, [](Object& object, const StoreResult& result) {
+            object.text("name", result.store)
+                .text("outcome", result.outcome)
+                .text("local_directory", result.directory)
+                .number("items", static_cast<int>(result.items));
+        }));
+}
+
 void JsonOutput::showPaths(const std::vector<PathInForce>& hub, const std::vector<StorePaths>& stores) {
     add(m_document, "paths", arrayOf(m_document, hub, fillPath));
     add(m_document, "qstores", arrayOf(m_document, stores, [this](Object& object, const StorePaths& store) {

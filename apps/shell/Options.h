@@ -19,10 +19,12 @@ struct Options {
     ItemQuery query;                ///< items
     std::vector<std::string> items; ///< references, each well-formed
     std::string store;
-    bool all = false;               ///< update
-    std::string pattern;            ///< params
-    bool hidden = false;            ///< params
-    std::vector<std::string> files; ///< validate
+    bool all = false;                ///< update
+    std::vector<std::string> stores; ///< refresh: names; empty for all
+    std::string directory;           ///< relocate
+    std::string pattern;             ///< params
+    bool hidden = false;             ///< params
+    std::vector<std::string> files;  ///< validate
 };
 
 /// Exit status of the program.

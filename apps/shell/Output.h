@@ -21,6 +21,7 @@ public:
     virtual void showItems(const std::vector<ListedItem>& items) = 0;
     virtual void showItem(const ItemInfo& info) = 0;
     virtual void showActions(const std::vector<ActionResult>& results) = 0;
+    virtual void showStoreResults(const std::vector<StoreResult>& results) = 0;
     virtual void showPaths(const std::vector<PathInForce>& hub, const std::vector<StorePaths>& stores) = 0;
     virtual void showParams(const std::vector<const HPAParam*>& params) = 0;
     virtual void showChecks(const std::vector<FileCheck>& checks) = 0;

@@ -114,7 +114,8 @@ int Program::runCommand() {
     static const std::map<std::string, int (Program::*)()> commands{
         {"stores", &Program::runStores},   {"items", &Program::runItems},         {"info", &Program::runInfo},
         {"install", &Program::runInstall}, {"uninstall", &Program::runUninstall}, {"update", &Program::runUpdate},
-        {"paths", &Program::runPaths},     {"params", &Program::runParams},       {"validate", &Program::runValidate}};
+        {"refresh", &Program::runRefresh}, {"relocate", &Program::runRelocate},   {"paths", &Program::runPaths},
+        {"params", &Program::runParams},   {"validate", &Program::runValidate}};
     return (this->*commands.at(m_options.command))();
 }
 
@@ -165,6 +166,29 @@ template <typename Action> int Program::act(const std::vector<HSCPlazQItem*>& it
     const bool isDone = results.size() == items.size() &&
                         std::all_of(results.begin(), results.end(), [](const auto& result) { return result.isDone(); });
     return isDone ? exitStatus::done : exitStatus::failed;
+}
+
+int Program::runRefresh() {
+    const HubQueries queries(getHub());
+    std::vector<HSCPlazQStore*> stores =
+        m_options.stores.empty() ? queries.getScope("") : std::vector<HSCPlazQStore*>();
+    for (const std::string& name : m_options.stores) stores.push_back(queries.getScope(name).front());
+    HubActions actions(getHub(), m_options.quiet, &m_status);
+    std::vector<StoreResult> results;
+    for (HSCPlazQStore* store : stores)
+        if (!m_status.isCanceled()) results.push_back(actions.refresh(*store));
+    m_progress.erase();
+    m_output->showStoreResults(results);
+    const bool isDone = results.size() == stores.size() &&
+                        std::all_of(results.begin(), results.end(), [](const auto& result) { return result.isDone; });
+    return isDone ? exitStatus::done : exitStatus::failed;
+}
+
+int Program::runRelocate() {
+    HSCPlazQStore* store = HubQueries(getHub()).getScope(m_options.store).front();
+    const StoreResult result = HubActions(getHub(), m_options.quiet, &m_status).relocate(*store, m_options.directory);
+    m_output->showStoreResults({result});
+    return result.isDone ? exitStatus::done : exitStatus::failed;
 }
 
 int Program::runInstall() {

@@ -31,6 +31,8 @@ private:
     int runStores();
     int runItems();
     int runInfo();
+    int runRefresh();
+    int runRelocate();
     int runInstall();
     int runUninstall();
     int runUpdate();

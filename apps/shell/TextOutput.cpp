@@ -135,6 +135,14 @@ void TextOutput::showActions(const std::vector<ActionResult>& results) {
     table.print(m_out);
 }
 
+void TextOutput::showStoreResults(const std::vector<StoreResult>& results) {
+    if (m_quiet) return;
+    TextTable table({});
+    for (const StoreResult& result : results)
+        table.addRow({result.outcome, result.store, std::to_string(result.items) + " items", result.directory});
+    table.print(m_out);
+}
+
 void TextOutput::showPaths(const std::vector<PathInForce>& hub, const std::vector<StorePaths>& stores) {
     showPathList(hub);
     for (const StorePaths& store : stores) {

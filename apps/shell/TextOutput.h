@@ -15,6 +15,7 @@ public:
     void showItems(const std::vector<ListedItem>& items) override;
     void showItem(const ItemInfo& info) override;
     void showActions(const std::vector<ActionResult>& results) override;
+    void showStoreResults(const std::vector<StoreResult>& results) override;
     void showPaths(const std::vector<PathInForce>& hub, const std::vector<StorePaths>& stores) override;
     void showParams(const std::vector<const HPAParam*>& params) override;
     void showChecks(const std::vector<FileCheck>& checks) override;

@@ -125,6 +125,25 @@ class ShellTest(unittest.TestCase):
         self.assertEqual((quiet.status, quiet.out, quiet.err), (0, "", ""))
         self.assertEqual(self.get_installed(), {})
 
+    def test_refreshed_catalogs_outlive_the_process(self):
+        """Catches: a restart that goes back to what was shipped."""
+        shipped = self.run_json("items", "--all-revisions")["items"]
+        refreshed = self.run_json("refresh")["qstores"]
+        self.assertEqual([store["outcome"] for store in refreshed], ["refreshed", "refreshed"])
+        shutil.rmtree(self.data / "plaz/storesdata")
+        names = [(i["name"], i["revision"]) for i in self.run_json("items", "--all-revisions")["items"]]
+        self.assertEqual(names, [(i["name"], i["revision"]) for i in shipped])
+        self.assertIn("Platinenprüfung", self.run_plaz("items").out)
+        self.assertEqual(self.run_plaz("refresh", "nonsense").status, 1)
+
+    def test_moved_store_stays_where_it_was_put(self):
+        """Catches: a moved store that is forgotten, or moved to a place that cannot hold it."""
+        self.assertEqual(self.run_plaz("relocate", "tclscripts", "elsewhere").status, 0)
+        self.assertEqual(self.run_plaz("refresh", "tclscripts").status, 0)
+        self.assertEqual(self.run_plaz("install", "csv-kit").status, 0)
+        self.assertTrue((self.dir / "elsewhere/tcl-store/scripts/csv-kit/item.json").is_file())
+        self.assertEqual(self.run_plaz("relocate", "boards", "elsewhere/tcl-store/scripts/csv-kit/item.json").status, 1)
+
     def test_updates_and_keeps_modes(self):
         """Catches: an update that turns a dependency into the user's, drops the older revision, or never ends."""
         for name in ("aurora@1.1", "hikari"):

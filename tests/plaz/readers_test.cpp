@@ -293,7 +293,7 @@ TEST_F(ReaderTest, itemFile) {
     EXPECT_EQ(dependency.getStore() + dependency.getItem() + dependency.getRevision(), "si2");
 
     HSCPlazQItemReader().parse(temp.write("bad.json", R"({"config": {"items": [{"infra": {"logo": "../../x",
-        "revision": "a/b", "dependencies": []}}]}})"),
+        "revision": "a/b"}}]}})"),
                                &item);
     EXPECT_THAT(takeMessages(), ElementsAre("17-2160 led|its logo \"../../x\" is not a path inside the store",
                                             "17-2160 led|its revision \"a/b\" is not a plain folder name"));
@@ -323,6 +323,7 @@ TEST_F(ReaderTest, itemFilesBelowADirectory) {
     for (const auto& [name, expected] : files) {
         HSCPlazQItemModel item;
         EXPECT_EQ(HSCPlazQItemReader().parseBelow(root, name, document, &item), expected) << name;
+        EXPECT_EQ(document.getRoot().IsNull(), !document.isParsed()) << name;
         EXPECT_EQ(item.getAuthor().size(), std::string(name) == "a/item.json" ? 100000u : 0u) << name;
     }
     EXPECT_THAT(takeMessages(),

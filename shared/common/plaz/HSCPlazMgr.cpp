@@ -129,6 +129,7 @@ void HSCPlazMgr::initHub() {
         return;
     }
     readSharedHubMetadata();
+    preferRefreshedStores();
     loadStores();
 }
 

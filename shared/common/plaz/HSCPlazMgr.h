@@ -4,6 +4,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 class HSCPlaz;
 class HSCPlazConfigMgr;
@@ -73,6 +74,8 @@ private:
     void loadStoreFromArea(HSCPlazModel* hubModel, HSCPlazQStoreModel* storeModel);
     bool loadStoreFromData(HSCPlazModel* hubModel, HSCPlazQStoreModel* storeModel);
     std::string defaultStoreDir(const HSCPlazQStoreModel& store) const;
+    std::vector<std::string> defaultStoreDirs() const;
+    void preferRefreshedStores();
     void placeStore(HSCPlazQStoreModel& store, const std::string& dir) const;
 
     std::unique_ptr<HSCPlazRepoInfoMgr> m_repoInfoMgr;

@@ -21,6 +21,7 @@
 #include <boost/algorithm/string/predicate.hpp>
 
 #include <unordered_set>
+#include <vector>
 
 using HSCPlazLogger::inside;
 
@@ -178,16 +179,32 @@ std::string HSCPlazMgr::defaultStoreDir(const HSCPlazQStoreModel& store) const {
     return joined(m_pathMgr->getUserAreaRoot(), holdsBoards ? boardStoreDir : otherStoreDir);
 }
 
-void HSCPlazMgr::applyDefaultStoreLocations() {
+std::vector<std::string> HSCPlazMgr::defaultStoreDirs() const {
     std::unordered_set<std::string> taken;
-    for (HSCPlazQStore* store : m_hub->getStores()) {
-        if (!store->isProductSpecific()) continue;
-        HSCPlazQStoreModel& model = *store->getModel();
-        std::string dir = defaultStoreDir(model);
+    std::vector<std::string> dirs;
+    for (const auto& store : m_hubModel->getStores()) {
+        std::string dir = defaultStoreDir(*store);
         // Two stores in one directory would take each other's working copy, items and database away.
-        while (!dir.empty() && !taken.insert(dir).second) dir += "_" + HSCPlazPathMgr::getStoreFolder(model);
-        placeStore(model, dir);
+        while (!dir.empty() && !taken.insert(dir).second) dir += "_" + HSCPlazPathMgr::getStoreFolder(*store);
+        dirs.push_back(dir);
     }
+    return dirs;
+}
+
+void HSCPlazMgr::preferRefreshedStores() {
+    const std::vector<std::string> dirs = defaultStoreDirs();
+    for (std::size_t position = 0; position < dirs.size(); ++position) {
+        HSCPlazQStoreModel& store = *m_hubModel->getStores()[position];
+        if (!dirs[position].empty() && hasFile(store, dirs[position], store.getMetadataFile()))
+            store.setLocalRootDir(dirs[position]);
+    }
+}
+
+void HSCPlazMgr::applyDefaultStoreLocations() {
+    const std::vector<std::string> dirs = defaultStoreDirs();
+    for (std::size_t position = 0; position < dirs.size(); ++position)
+        if (HSCPlazQStoreModel& store = *m_hubModel->getStores()[position]; store.isProductSpecific())
+            placeStore(store, dirs[position]);
 }
 
 void HSCPlazMgr::placeStore(HSCPlazQStoreModel& store, const std::string& dir) const {

@@ -30,6 +30,10 @@ inline constexpr MsgId<2> gitErrors{"@17-1990@%s%s"};           ///< command lin
 inline constexpr MsgId<1> shippedDataMissing{"@17-2001@%s"};    ///< store
 inline constexpr MsgId<2> shippedDataUnusable{"@17-2002@%s%s"}; ///< store, file
 inline constexpr MsgId<2> fetchedItemInvalid{"@17-2133@%s%s"};  ///< item, file
+inline constexpr MsgId<1> storeWithoutCatalogs{"@17-1929@%s"};  ///< store
+inline constexpr MsgId<2> catalogFileInvalid{"@17-2134@%s%s"};  ///< store, file
+inline constexpr MsgId<2> storeFileInvalid{"@17-2135@%s%s"};    ///< store, file
+inline constexpr MsgId<2> itemCatalogInvalid{"@17-2139@%s%s"};  ///< file, item
 inline constexpr MsgId<1> fileNameEmpty{"@17-2137@%s"};         ///< the (empty) name
 inline constexpr MsgId<1> fileMissing{"@17-2138@%s"};           ///< file
 inline constexpr MsgId<2> fileNotJson{"@17-2140@%s%s"};         ///< file, parser's message

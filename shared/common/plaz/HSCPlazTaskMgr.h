@@ -2,9 +2,12 @@
 
 #include "plaz/PlazExport.h"
 
+#include <string>
+
 class HDGUIStatus;
 class HSCPlaz;
 class HSCPlazQItem;
+class HSCPlazQStore;
 
 /// The operations that people ask for. Static only, on the caller's thread.
 ///
@@ -34,4 +37,28 @@ public:
     ///         the result not be recorded (Msg::databaseNotSaved).
     /// Sends Msg::itemRemoved and Msg::dependencyRemoved unless @p quiet.
     static bool uninstall(HSCPlaz* hub, HSCPlazQItem* item, bool quiet);
+
+    /// Fetches a store's metadata file and item catalog, and rebuilds the store from them. Until both have come and are
+    /// whole the old catalog stays in force. Items and categories of the store are new objects afterwards.
+    /// @return false for null arguments, a store without a model, on cancellation and when the fetch failed
+    /// Sends Msg::storeFileInvalid, catalogFileInvalid, dirNotWritable and what the repository sends.
+    static bool loadCatalog(HSCPlaz* hub, HSCPlazQStore* store, HDGUIStatus* status);
+    /// Fetches the metadata files and change logs of a store's items.
+    /// @return true also for a store without items (Msg::storeWithoutCatalogs). An item whose file is not whole keeps
+    ///         what was known of it (Msg::itemCatalogInvalid).
+    static bool updateCatalog(HSCPlazQStore* store, HDGUIStatus* status);
+
+    /// An item of the store is not installed or needs a refresh; false for null and for a store without items.
+    static bool hasUpdate(HSCPlazQStore* store);
+    /// The store's item catalog lies in its area.
+    static bool isRefreshed(HSCPlazQStore* store);
+    /// When it came there, in seconds since the epoch; 0 when it did not.
+    static long getLastRefreshTime(HSCPlazQStore* store);
+    /// The store's area holds a complete catalog.
+    static bool isInstalled(HSCPlazQStore* store);
+    /// Puts the store's area below a directory of the user's choice, and remembers that. A directory that holds a
+    /// database of another product or release is refused; one of this release is read.
+    /// @return false, with the store as it was, for an empty directory, null, a store outside a hub or one that is not
+    ///         for the running product, and when the directory cannot be used (Msg::dirNotWritable, dirNotCreated)
+    static bool setQStoreLocalRootDir(HSCPlazQStore* store, const std::string& dir);
 };

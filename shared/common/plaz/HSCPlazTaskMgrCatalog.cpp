@@ -1,0 +1,236 @@
+// Catalog tasks: bringing a store's catalog up to date and saying how old it is.
+
+#include "plaz/HSCPlazItemFiles.h"
+#include "plaz/HSCPlazLocalDBMgr.h"
+#include "plaz/HSCPlazMgr.h"
+#include "plaz/HSCPlazMsg.h"
+#include "plaz/HSCPlazPathMgr.h"
+#include "plaz/HSCPlazRepoInfoMgr.h"
+#include "plaz/HSCPlazTask.h"
+#include "plaz/HSCPlazTaskMgr.h"
+#include "plaz/HSCPlazUtils.h"
+#include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazLogger.h"
+#include "plaz/model/HSCPlazModel.h"
+#include "plaz/model/HSCPlazQItem.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/reader/HSCPlazQItemReader.h"
+#include "plaz/model/reader/HSCPlazQStoreReader.h"
+#include "plaz/model/repo/HSCPlazGit.h"
+#include "plaz/model/repo/HSCPlazGitHead.h"
+#include "plaz/model/repo/HSCPlazRepoFactory.h"
+#include "plaz/pref/HSCPlazUserPref.h"
+#include "support/HDGUIStatus.h"
+#include "support/HUTEnv.h"
+#include "support/HUTFile.h"
+
+using HSCPlazLogger::inside;
+using HSCPlazTask::isCancelled;
+
+namespace {
+
+constexpr const char* updateName = "HSCPlazTaskMgr::updateCatalog";
+constexpr const char* hiddenCatalogDir = "/.plaz/.catalog/";
+
+const HSCPlazPathMgr& paths() {
+    return *HSCPlazMgr::getInstance().getPathMgr();
+}
+
+HSCPlazGit* gitRepo() {
+    return dynamic_cast<HSCPlazGit*>(HSCPlazRepoFactory::createRepo(HSCPlazTypes::GIT));
+}
+
+void show(HDGUIStatus* status, const std::string& step, const HSCPlazQStoreModel& store, double percent) {
+    if (!status) return;
+    status->changeAbbrevStatus(step);
+    status->changeStatus(step + " " + (store.getDisplayName().empty() ? store.getName() : store.getDisplayName()));
+    status->changePercentComplete(percent);
+}
+
+/// Removes the staging directory of a store at the end, whatever happens.
+class StagingGuard {
+public:
+    explicit StagingGuard(const HSCPlazQStoreModel& store) : m_dir(paths().getStoreStagingDir(store)) {}
+    ~StagingGuard() { HUTFile::rmRecursive(m_dir); }
+    StagingGuard(const StagingGuard&) = delete;
+    StagingGuard& operator=(const StagingGuard&) = delete;
+    std::string file(const std::string& relative) const { return m_dir + "/" + relative; }
+    const std::string& getDir() const { return m_dir; }
+
+private:
+    std::string m_dir;
+};
+
+void requireValid(const MsgId<2>& message, const HSCPlazQStoreModel& store, const std::string& file) {
+    if (!HSCPlazUtils::isInstalledFileValid(file))
+        throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", message, store.getName(), file));
+}
+
+/// What the fetched store metadata says, before anything of it counts.
+void readFetched(const std::string& file, const HSCPlazQStoreModel& store, HSCPlazQStoreModel& fetched) {
+    requireValid(Msg::storeFileInvalid, store, file);
+    fetched.setName(store.getName());
+    HSCPlazQStoreReader().parse(file, &fetched);
+}
+
+/// Fetches the store's metadata file and the item catalog that it names into the store's area. What was there stays
+/// until everything has come and is whole.
+bool fetchCatalogFiles(HSCPlazQStoreModel& store, HDGUIStatus* status) {
+    HSCPlazGit* git = gitRepo();
+    if (!git || isCancelled(status)) return false;
+    const StagingGuard staging(store);
+    HSTVector<std::string> files{store.getMetadataFile()};
+    if (!store.getCatalogFile().empty()) files.push_back(store.getCatalogFile());
+    if (!git->loadCatalog(&store, HSCPlazMgr::getInstance().getPathMgr(), files)) return false;
+    HSCPlazQStoreModel fetched;
+    readFetched(staging.file(store.getMetadataFile()), store, fetched);
+    // The metadata may name another catalog or branch than the one that was known until now.
+    const bool namesOther =
+        fetched.getCatalogFile() != store.getCatalogFile() || fetched.getBranchToSync() != store.getBranchToSync();
+    if (namesOther && !fetched.getCatalogFile().empty()) {
+        if (isCancelled(status)) return false;
+        store.setBranchToSync(fetched.getBranchToSync());
+        if (!git->loadCatalog(&store, HSCPlazMgr::getInstance().getPathMgr(),
+                              {store.getMetadataFile(), fetched.getCatalogFile()}))
+            return false;
+    }
+    if (!fetched.getCatalogFile().empty())
+        requireValid(Msg::catalogFileInvalid, store, staging.file(fetched.getCatalogFile()));
+    const std::string area = paths().getStoreArea(store);
+    if (isCancelled(status) || !HUTFile::mkDirRecursive(area)) return false;
+    if (!HSCPlazMgr::getInstance().getUserPref().copySrcToDest(staging.getDir(), area)) {
+        ComMsgMgr::send(Msg::dirNotWritable, MsgSeverity::error, area);
+        return false;
+    }
+    requireValid(Msg::storeFileInvalid, store, area + "/" + store.getMetadataFile());
+    return HUTFile::writeAtomically(area + "/.done", "");
+}
+
+/// Puts one item's fetched metadata file, and its change log, where the catalog's descriptions lie, and reads it.
+void takeDescription(const StagingGuard& staging, const HSCPlazQStoreModel& store, HSCPlazQItemModel& item) {
+    const std::string fetched = staging.file(item.getRoot() + "/" + item.getMetadataFile());
+    if (!HSCPlazUtils::isInstalledFileValid(fetched)) {
+        ComMsgMgr::send(Msg::itemCatalogInvalid, MsgSeverity::criticalWarning, fetched, item.getName());
+        return;
+    }
+    const std::string dir = paths().getStoreArea(store) + hiddenCatalogDir + HSCPlazPathMgr::getItemFolder(store, item);
+    const HSCPlazUserPref& userPref = HSCPlazMgr::getInstance().getUserPref();
+    HUTFile::mkDirRecursive(dir);
+    const std::string changeLog = staging.file(item.getRoot() + "/changelog.txt");
+    if (HUTFile::exists(changeLog)) userPref.copySrcToDest(changeLog, dir + "/changelog.txt");
+    if (!userPref.copySrcToDest(fetched, dir + "/" + item.getMetadataFile())) {
+        ComMsgMgr::send(Msg::dirNotWritable, MsgSeverity::error, dir);
+        return;
+    }
+    inside(updateName, " metadata file path is ", dir, "/", item.getMetadataFile());
+    HSCPlazQItemModel description;
+    HSCPlazQItemReader().parse(dir + "/" + item.getMetadataFile(), &description);
+    if (!item.isInstalled() && description.getName() == item.getName()) item.copyDescriptionFrom(description);
+}
+
+bool updateItemCatalogs(HSCPlazQStoreModel& store, HDGUIStatus* status) {
+    HSCPlazGit* git = gitRepo();
+    if (!git) {
+        inside(updateName, " couldn't get repo pointer");
+        return false;
+    }
+    if (isCancelled(status)) return false;
+    if (store.getItems().empty()) {
+        ComMsgMgr::send(Msg::storeWithoutCatalogs, MsgSeverity::warning, store.getName());
+        return true;
+    }
+    const StagingGuard staging(store);
+    const bool updated = git->updateCatalog(&store);
+    inside(updateName, updated ? " updated catalog successfully for store " : " failed to update catalog for store ",
+           store.getName());
+    if (!updated || isCancelled(status)) return false;
+    inside(updateName, " store path for store ", store.getName(), staging.getDir());
+    if (!store.isProductSpecific()) return true;
+    // The branch describes the latest revisions; what older ones say of themselves comes with them.
+    for (const auto& item : store.getItems())
+        if (item->getRevision() == item->getLatestRevision() && !HSCPlazPathMgr::getItemFolder(store, *item).empty())
+            takeDescription(staging, store, *item);
+    return HSCPlazGitHead::moveTo(paths().getStoreIndexDir(store), store.getBranchOrMaster());
+}
+
+std::string catalogPath(const HSCPlazQStore* store) {
+    if (!store || store->getLocalRootDir().empty()) return "";
+    return store->getLocalRootDir() + HUTFile::getDirSeparator() + store->getItemCatalogFile();
+}
+
+} // namespace
+
+bool HSCPlazTaskMgr::updateCatalog(HSCPlazQStore* store, HDGUIStatus* status) {
+    if (!store || !store->getModel() || !store->getHub()) return false;
+    return HSCPlazTask::run(*store->getHub(), status, [&] {
+        show(status, "Describing items of", *store->getModel(), 50);
+        return updateItemCatalogs(*store->getModel(), status);
+    });
+}
+
+bool HSCPlazTaskMgr::loadCatalog(HSCPlaz* hub, HSCPlazQStore* store, HDGUIStatus* status) {
+    if (isCancelled(status) || !hub || !store || !store->getModel()) return false;
+    return HSCPlazTask::run(*hub, status, [&] {
+        show(status, "Fetching", *store->getModel(), 0);
+        // RATIONALE: the store is cleared only once the new catalog is there: a failure leaves the old one in force.
+        if (!fetchCatalogFiles(*store->getModel(), status)) return false;
+        HSCPlazMgr::getInstance().loadStoreCatalog(hub, store, false);
+        return true;
+    });
+}
+
+bool HSCPlazTaskMgr::hasUpdate(HSCPlazQStore* store) {
+    if (!store) return false;
+    for (const HSCPlazQItem* item : store->getItems())
+        if (!item->IsInstalled() || item->NeedsRefresh()) return true;
+    return false;
+}
+
+bool HSCPlazTaskMgr::isRefreshed(HSCPlazQStore* store) {
+    return HUTFile::exists(catalogPath(store));
+}
+
+long HSCPlazTaskMgr::getLastRefreshTime(HSCPlazQStore* store) {
+    return static_cast<long>(HUTFile::getLastMod(catalogPath(store)));
+}
+
+bool HSCPlazTaskMgr::isInstalled(HSCPlazQStore* store) {
+    const HSCPlazGit* git = gitRepo();
+    return store && git && git->isInstalled(store);
+}
+
+bool HSCPlazTaskMgr::setQStoreLocalRootDir(HSCPlazQStore* store, const std::string& dir) {
+    static constexpr const char* operation = "HSCPlazTaskMgr::setQStoreLocalRootDir";
+    if (dir.empty() || !store || !store->getHub()) {
+        inside(operation, " sanity checks failed.");
+        return false;
+    }
+    if (!store->isProductSpecific() && HUTEnv::getProductName() != "kvq") {
+        inside(operation, " store ", store->getName(), " is not product specific");
+        return false;
+    }
+    inside(operation, " store - ", store->getName(), " local_root_dir - ", dir);
+    const std::string root = store->getRoot();
+    const std::string newRoot = root.empty() ? dir : dir + "/" + root;
+    const std::string hidden = newRoot + "/.plaz";
+    const std::string database = hidden + "/" + HSCPlazUtils::PLAZ_LOCAL_DB_FILE;
+    HSCPlazMgr& manager = HSCPlazMgr::getInstance();
+    const auto moveThere = [&] {
+        store->setLocalDbFilePath(database);
+        store->setLocalRootDir(newRoot);
+        store->setInstallDir(newRoot);
+    };
+    if (!HUTFile::exists(database)) {
+        if (!HSCPlazUtils::validateAndCreateDir(hidden, true)) return false;
+        moveThere();
+        return manager.getHubRepoInfoMgr()->setStoreDirectory(store->getName(), dir);
+    }
+    if (!manager.getLocalDBMgr()->isValidForProductAndRelease(database)) {
+        inside(operation, " store ", store->getName(), " not compatible for product and release.");
+        return false;
+    }
+    inside(operation, " store ", store->getName(), " compatible for product and release.");
+    moveThere();
+    manager.loadStoreCatalog(store->getHub(), store, false);
+    return manager.getHubRepoInfoMgr()->setStoreDirectory(store->getName(), dir);
+}

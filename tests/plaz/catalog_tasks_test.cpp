@@ -1,0 +1,135 @@
+#include "plaz/HSCPlazMgr.h"
+#include "plaz/HSCPlazTaskMgr.h"
+#include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazQItem.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "support/ComMsgMgr.h"
+#include "support/HDGUIStatus.h"
+#include "support/HPAParamMgr.h"
+#include "support/HUTFile.h"
+#include "support/HubOnDisk.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using Ids = std::vector<std::string>;
+
+/// A store that is shipped with one item; its repository publishes what publish() puts there.
+class CatalogTasksTest : public testing::Test {
+protected:
+    CatalogTasksTest() : tcl(files.addStore("tcl", "ced", false)) {
+        ComMsgMgr::setSink([this](const ComMsgMgr::Message& message) { ids.push_back(message.id); });
+        tcl.item("a", "1");
+        files.ship();
+    }
+    ~CatalogTasksTest() override { ComMsgMgr::setSink({}); }
+
+    /// Commits store metadata and catalog as they are now.
+    void publish() {
+        tcl.ship(files.temp.path("published"));
+        for (const char* file : {"store.json", "catalog.json"})
+            tcl.getRepo().write(file, readFile(files.temp.path("published/tcl/") + file));
+        tcl.getRepo().commit();
+    }
+    static HSCPlaz& hub() { return HSCPlazMgr::getInstance().getHub(); }
+    static HSCPlazQStore& store() { return *hub().getStore("tcl"); }
+    static bool refresh(HDGUIStatus* status = nullptr) {
+        return HSCPlazTaskMgr::loadCatalog(&hub(), &store(), status) && HSCPlazTaskMgr::updateCatalog(&store(), status);
+    }
+    Ids takeIds() { return std::move(ids); }
+
+    HubOnDisk files;
+    StoreOnDisk& tcl;
+    Ids ids;
+};
+
+} // namespace
+
+// New items or revisions that do not arrive, descriptions that do not, and a state that is lost on the way.
+TEST_F(CatalogTasksTest, RefreshBringsWhatIsPublished) {
+    EXPECT_FALSE(HSCPlazTaskMgr::isRefreshed(&store()));
+    EXPECT_EQ(HSCPlazTaskMgr::getLastRefreshTime(&store()), 0);
+    EXPECT_FALSE(HSCPlazTaskMgr::isInstalled(&store()));
+    ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), store().getItem("a"), true, nullptr));
+    EXPECT_FALSE(HSCPlazTaskMgr::hasUpdate(&store()));
+    tcl.item("a", "2").item("b", "1", {{"tcl", "a", ""}});
+    publish();
+    takeIds();
+    ASSERT_TRUE(refresh());
+    EXPECT_TRUE(takeIds().empty());
+    EXPECT_EQ(store().getItem("a")->getRevision(), "2");
+    EXPECT_TRUE(store().getItem("a", "1")->IsInstalled() && store().getItem("a", "1")->NeedsRefresh());
+    EXPECT_EQ(store().getItem("b")->getDisplayName(), "The b");
+    EXPECT_EQ(store().getItem("b")->getItemDependencies().size(), 1U);
+    EXPECT_TRUE(HSCPlazTaskMgr::hasUpdate(&store()));
+    EXPECT_TRUE(HSCPlazTaskMgr::isRefreshed(&store()));
+    EXPECT_GT(HSCPlazTaskMgr::getLastRefreshTime(&store()), 0);
+    EXPECT_TRUE(HSCPlazTaskMgr::isInstalled(&store()));
+    EXPECT_FALSE(HUTFile::exists(files.area("ced_store/.staging")));
+    EXPECT_EQ(readFile(files.area("ced_store/.plaz/.index/.git/HEAD")),
+              tcl.getRepo().git({"rev-parse", "HEAD"}) + "\n");
+    EXPECT_TRUE(HSCPlazTaskMgr::install(&hub(), store().getItem("b"), true, nullptr));
+    EXPECT_EQ(readFile(files.area("ced_store/items/a/body.txt")), "a 2\n");
+}
+
+// A failed or cancelled refresh that takes the known catalog away.
+TEST_F(CatalogTasksTest, WhatFailsLeavesTheOldCatalogInForce) {
+    tcl.item("b", "1");
+    publish();
+    ASSERT_TRUE(refresh());
+    takeIds();
+    tcl.getRepo().write("catalog.json", "{\"catalog\": ");
+    tcl.getRepo().commit();
+    EXPECT_FALSE(refresh());
+    EXPECT_EQ(takeIds(), (Ids{"17-2140", "17-2134"}));
+    HDGUIStatus status;
+    status.cancel();
+    EXPECT_FALSE(refresh(&status));
+    const std::string url = store().getUrl();
+    store().setUrl("file://" + files.temp.path("gone"));
+    EXPECT_FALSE(refresh());
+    EXPECT_EQ(takeIds(), Ids{"17-1990"});
+    store().setUrl(url);
+    HPAParamMgr::getParamMgr().setValue("plaz.enableRemoteAccess", "false");
+    EXPECT_FALSE(refresh());
+    EXPECT_EQ(takeIds(), Ids{"17-1559"});
+    EXPECT_NE(store().getItem("b"), nullptr);
+    EXPECT_FALSE(HUTFile::exists(files.area("ced_store/.staging")));
+}
+
+// One item whose file is damaged must not keep the others from arriving.
+TEST_F(CatalogTasksTest, DamagedItemFileIsLeftOut) {
+    tcl.item("b", "1").item("c", "1");
+    tcl.getRepo().write("items/b/item.json", "not JSON");
+    publish();
+    ASSERT_TRUE(refresh());
+    EXPECT_EQ(takeIds(), (Ids{"17-2140", "17-2139"}));
+    EXPECT_EQ(store().getItem("b")->getDisplayName(), "");
+    EXPECT_EQ(store().getItem("c")->getDisplayName(), "The c");
+}
+
+TEST_F(CatalogTasksTest, EmptyStoreIsNoError) {
+    tcl.withdraw("a");
+    publish();
+    EXPECT_TRUE(refresh());
+    EXPECT_EQ(takeIds(), Ids{"17-1929"});
+    EXPECT_FALSE(HSCPlazTaskMgr::hasUpdate(&store()));
+}
+
+// A store moved into another release's directory, or one that forgets where it was moved to.
+TEST_F(CatalogTasksTest, StoresMoveToADirectoryOfTheUsersChoice) {
+    EXPECT_FALSE(HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), ""));
+    EXPECT_FALSE(HSCPlazTaskMgr::setQStoreLocalRootDir(nullptr, "/x"));
+    files.temp.write("foreign/tcl/.plaz/plaz_local_db.json",
+                     R"({"plaz": {"product": "Solvan", "release": "2020.1", "qstores": []}})");
+    EXPECT_FALSE(HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), files.temp.path("foreign")));
+    EXPECT_EQ(store().getLocalRootDir(), files.area("ced_store"));
+    ASSERT_TRUE(HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), files.temp.path("mine")));
+    ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), store().getItem("a"), true, nullptr));
+    EXPECT_TRUE(HUTFile::exists(files.temp.path("mine/tcl/items/a/body.txt")));
+    EXPECT_NE(readFile(files.area("plaz_stores.json")).find(files.temp.path("mine")), std::string::npos);
+    ASSERT_TRUE(HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), files.temp.path("other")));
+    ASSERT_TRUE(HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), files.temp.path("mine")));
+    EXPECT_TRUE(store().getItem("a")->IsInstalled());
+}
