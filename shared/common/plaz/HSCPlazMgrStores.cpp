@@ -14,6 +14,7 @@
 #include "plaz/model/reader/HSCPlazQItemCatalogReader.h"
 #include "plaz/model/reader/HSCPlazQItemReader.h"
 #include "plaz/model/reader/HSCPlazQStoreReader.h"
+#include "plaz/model/repo/HSCPlazGit.h"
 #include "support/HIOStream.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTFile.h"
@@ -195,7 +196,9 @@ void HSCPlazMgr::preferRefreshedStores() {
     const std::vector<std::string> dirs = defaultStoreDirs();
     for (std::size_t position = 0; position < dirs.size(); ++position) {
         HSCPlazQStoreModel& store = *m_hubModel->getStores()[position];
-        if (!dirs[position].empty() && hasFile(store, dirs[position], store.getMetadataFile()))
+        // The marker tells that a first refresh has come to its end.
+        const bool isRefreshed = !dirs[position].empty() && HSCPlazGit::isInstalled(dirs[position]);
+        if (isRefreshed && hasFile(store, dirs[position], store.getMetadataFile()))
             store.setLocalRootDir(dirs[position]);
     }
 }
