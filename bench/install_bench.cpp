@@ -28,7 +28,7 @@ std::vector<std::string> environmentOfGit(const std::string& dir) {
     const std::string output = Workspace::get().path("environment");
     HUTFork env;
     env.dontUseHDLDPath();
-    HSCPlazGitEnv::apply(env, "checkout", dir);
+    HSCPlazGitEnv::apply(env, "checkout", dir, "");
     env.setProg("env", true);
     env.addArg("-0");
     env.setLogFile(output);

@@ -97,7 +97,9 @@ void addCommands(CLI::App& app, Options& options) {
     addItems(*info, options, true);
     info->get_option("ITEM")->expected(1);
     CLI::App* refresh = app.add_subcommand("refresh", "Fetch the stores' catalogs");
-    refresh->add_option("STORE", options.stores, "The stores; all of them when none is named")->type_name("");
+    CLI::App* check = app.add_subcommand("check", "Ask the stores' remotes for newer catalogs; fetch nothing");
+    for (CLI::App* command : {refresh, check})
+        command->add_option("STORE", options.stores, "The stores; all of them when none is named")->type_name("");
     addInstallCommands(app, options);
     CLI::App* relocate = app.add_subcommand("relocate", "Keep a store below another directory from now on");
     relocate->add_option("STORE", options.store, "The store")->type_name("")->required();

@@ -14,6 +14,7 @@
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/repo/HSCPlazGit.h"
 #include "plaz/model/repo/HSCPlazRepo.h"
 #include "plaz/model/repo/HSCPlazRepoFactory.h"
 #include "support/HDGUIStatus.h"
@@ -101,6 +102,12 @@ StoreResult HubActions::refresh(HSCPlazQStore& store) {
     if (!isDone && !HUTFork::isInterrupted())
         ComMsgMgr::send(ShellMsg::storeNotRefreshed, MsgSeverity::error, store.getName());
     return resultOf(store, "refreshed", isDone);
+}
+
+StoreResult HubActions::check(HSCPlazQStore& store) {
+    const bool isOutdated =
+        !HSCPlazTaskMgr::isRefreshed(&store) || HSCPlazTaskMgr::hasUpdate(&store, HSCPlazGit::getPreferredHttpProxy());
+    return resultOf(store, isOutdated ? "outdated" : "up-to-date", true);
 }
 
 StoreResult HubActions::relocate(HSCPlazQStore& store, const std::string& directory) {

@@ -36,7 +36,7 @@ struct ActionResult {
 /// What became of one store.
 struct StoreResult {
     std::string store;
-    std::string outcome;   ///< "refreshed", "moved" or "failed"
+    std::string outcome;   ///< "refreshed", "outdated", "up-to-date", "moved" or "failed"
     std::string directory; ///< the store's area
     std::size_t items;     ///< how many revisions its catalog lists
     bool isDone;
@@ -59,6 +59,8 @@ public:
     /// Fetches the store's catalog and what it says of its items. Until all of the catalog has come the old one stays
     /// in force. Items of the store are new objects afterwards.
     StoreResult refresh(HSCPlazQStore& store);
+    /// Asks the store's remote whether it has moved since the last refresh; a store that was never refreshed has.
+    StoreResult check(HSCPlazQStore& store);
     /// Puts the store's area below @p directory. What it holds stays where it is.
     StoreResult relocate(HSCPlazQStore& store, const std::string& directory);
 

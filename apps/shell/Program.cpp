@@ -114,8 +114,8 @@ int Program::runCommand() {
     static const std::map<std::string, int (Program::*)()> commands{
         {"stores", &Program::runStores},   {"items", &Program::runItems},         {"info", &Program::runInfo},
         {"install", &Program::runInstall}, {"uninstall", &Program::runUninstall}, {"update", &Program::runUpdate},
-        {"refresh", &Program::runRefresh}, {"relocate", &Program::runRelocate},   {"paths", &Program::runPaths},
-        {"params", &Program::runParams},   {"validate", &Program::runValidate}};
+        {"refresh", &Program::runRefresh}, {"check", &Program::runCheck},         {"relocate", &Program::runRelocate},
+        {"paths", &Program::runPaths},     {"params", &Program::runParams},       {"validate", &Program::runValidate}};
     return (this->*commands.at(m_options.command))();
 }
 
@@ -168,7 +168,7 @@ template <typename Action> int Program::act(const std::vector<HSCPlazQItem*>& it
     return isDone ? exitStatus::done : exitStatus::failed;
 }
 
-int Program::runRefresh() {
+template <typename Action> int Program::actOnStores(Action action) {
     const HubQueries queries(getHub());
     std::vector<HSCPlazQStore*> stores =
         m_options.stores.empty() ? queries.getScope("") : std::vector<HSCPlazQStore*>();
@@ -176,12 +176,20 @@ int Program::runRefresh() {
     HubActions actions(getHub(), m_options.quiet, &m_status);
     std::vector<StoreResult> results;
     for (HSCPlazQStore* store : stores)
-        if (!m_status.isCanceled()) results.push_back(actions.refresh(*store));
+        if (!m_status.isCanceled()) results.push_back((actions.*action)(*store));
     m_progress.erase();
     m_output->showStoreResults(results);
     const bool isDone = results.size() == stores.size() &&
                         std::all_of(results.begin(), results.end(), [](const auto& result) { return result.isDone; });
     return isDone ? exitStatus::done : exitStatus::failed;
+}
+
+int Program::runRefresh() {
+    return actOnStores(&HubActions::refresh);
+}
+
+int Program::runCheck() {
+    return actOnStores(&HubActions::check);
 }
 
 int Program::runRelocate() {

@@ -32,6 +32,9 @@ private:
     int runItems();
     int runInfo();
     int runRefresh();
+    int runCheck();
+    /// Does @p action of HubActions to each store named, or to all, until the run is cancelled.
+    template <typename Action> int actOnStores(Action action);
     int runRelocate();
     int runInstall();
     int runUninstall();

@@ -1,6 +1,7 @@
 #include "support/HUTFork.h"
 
 #include "support/HUTEnv.h"
+#include "support/HUTFile.h"
 #include "support/PlatformProcess.h"
 
 #include <algorithm>
@@ -41,6 +42,14 @@ std::string nameOf(const std::string& variable) {
 // Begins a line of its own whatever the child wrote last.
 void appendToLog(const std::string& file, const std::string& reason) {
     if (!file.empty()) std::ofstream(file, std::ios::app) << "\nfatal: " << reason << std::endl;
+}
+
+std::size_t findProgramEnd(const std::string& line) {
+    const std::size_t firstBlank = line.find(' ');
+    if (line.empty() || line.front() == '"') return 0;
+    for (std::size_t end = firstBlank; end != std::string::npos; end = line.find(' ', end + 1))
+        if (HUTFile::isRegularFile(line.substr(0, end))) return end;
+    return std::min(firstBlank, line.size());
 }
 
 bool holdsNull(const std::string& text) {
@@ -85,6 +94,27 @@ void HUTFork::unsetEnv(const std::string& name) {
     m_unset.push_back(name);
 }
 
+std::vector<std::string> HUTFork::splitCmdLine(const std::string& line) {
+    std::vector<std::string> words;
+    const std::size_t programEnd = findProgramEnd(line);
+    if (programEnd > 0) words.push_back(line.substr(0, programEnd));
+    bool isInWord = false;
+    bool isQuoted = false;
+    for (std::size_t i = programEnd; i < line.size(); ++i) {
+        if (line[i] == ' ' && !isQuoted) {
+            isInWord = false;
+            continue;
+        }
+        if (!isInWord) words.emplace_back();
+        isInWord = true;
+        if (line[i] == '"')
+            isQuoted = !isQuoted;
+        else
+            words.back() += line[i];
+    }
+    return words;
+}
+
 std::string HUTFork::getCmdLineAsStr() const {
     std::string line = quote(m_prog);
     for (const std::string& arg : m_args) line += " " + quote(arg);
@@ -111,6 +141,8 @@ int HUTFork::launch(bool wait, bool log, bool kill, bool quiet) {
         end.reason = "an argument holds a null character";
     else
         end = platform::run(spec);
+
+    m_wasStarted = end.how != How::notStarted;
 
     switch (end.how) {
     case How::exited:

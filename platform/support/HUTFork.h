@@ -22,8 +22,8 @@ public:
 
     /// Leaves the host's own library search path (LD_LIBRARY_PATH) out of the child's environment.
     void dontUseHDLDPath();
-    /// File for the child's output, truncated at each launch. Empty, or one that cannot be opened: the output goes to
-    /// the null device.
+    /// File for the child's output, truncated at each launch; a new one is readable by its owner alone. Empty, or one
+    /// that cannot be opened: the output goes to the null device.
     void setLogFile(const std::string& file);
     /// @param path            the program; a relative path counts from the directory in which the child starts
     /// @param useSearchPath   true looks a bare name up along PATH
@@ -38,6 +38,12 @@ public:
     /// Keeps a variable of the parent from the child.
     void unsetEnv(const std::string& name);
 
+    /// Splits one complete command line into the program and its arguments, without a shell: blanks separate, double
+    /// quotes keep blanks together, and nothing escapes. A program without quotes may hold blanks all the same: the
+    /// shortest beginning of the line that ends before a blank and is a file is the program.
+    /// @return empty for a line that holds nothing
+    static std::vector<std::string> splitCmdLine(const std::string& line);
+
     /// Program and arguments as one line, quoted where needed, for logs and messages.
     std::string getCmdLineAsStr() const;
 
@@ -47,6 +53,10 @@ public:
     ///                             and no other combination is served here
     /// @return the exit status; 128 + n for a child that signal n ended; or one of the constants above
     int launch(bool wait, bool log, bool kill, bool quiet);
+
+    /// Whether the last launch started the program. Tells a program that was not started from one that ended with the
+    /// status `notStarted`.
+    bool wasStarted() const { return m_wasStarted; }
 
     /// Kills the running child, if any, and lets later launches return `interrupted` at once.
     /// May be called from a signal handler and from another thread.
@@ -64,4 +74,5 @@ private:
     std::vector<std::string> m_unset;
     int m_timeoutSeconds = 0;
     bool m_useSearchPath = false;
+    bool m_wasStarted = false;
 };

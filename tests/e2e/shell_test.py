@@ -130,6 +130,7 @@ class ShellTest(unittest.TestCase):
         shipped = self.run_json("items", "--all-revisions")["items"]
         refreshed = self.run_json("refresh")["qstores"]
         self.assertEqual([store["outcome"] for store in refreshed], ["refreshed", "refreshed"])
+        self.assertEqual([store["outcome"] for store in self.run_json("check")["qstores"]], ["up-to-date"] * 2)
         shutil.rmtree(self.data / "plaz/storesdata")
         names = [(i["name"], i["revision"]) for i in self.run_json("items", "--all-revisions")["items"]]
         self.assertEqual(names, [(i["name"], i["revision"]) for i in shipped])

@@ -69,6 +69,9 @@ TEST_F(CatalogTasksTest, RefreshBringsWhatIsPublished) {
     EXPECT_FALSE(HUTFile::exists(files.area("ced_store/.staging")));
     EXPECT_EQ(readFile(files.area("ced_store/.plaz/.index/.git/HEAD")),
               tcl.getRepo().git({"rev-parse", "HEAD"}) + "\n");
+    EXPECT_FALSE(HSCPlazTaskMgr::hasUpdate(&store(), ""));
+    publish(); // a commit more
+    EXPECT_TRUE(HSCPlazTaskMgr::hasUpdate(&store(), ""));
     EXPECT_TRUE(HSCPlazTaskMgr::install(&hub(), store().getItem("b"), true, nullptr));
     EXPECT_EQ(readFile(files.area("ced_store/items/a/body.txt")), "a 2\n");
 }

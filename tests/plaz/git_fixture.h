@@ -1,5 +1,6 @@
 #pragma once
 
+#include "plaz/HSCPlazConfigMgr.h"
 #include "plaz/HSCPlazMgr.h"
 #include "plaz/HSCPlazParams.h"
 #include "plaz/model/HSCPlaz.h"
@@ -65,6 +66,17 @@ protected:
     }
     static void setParam(const char* name, const std::string& value) {
         ASSERT_TRUE(HPAParamMgr::getParamMgr().setValue(name, value)) << name;
+    }
+    /// Makes this the configuration of the manager: members of "plaz".
+    void configure(const std::string& members) {
+        temp.write("root/plaz/plaz_config.json", "{\"plaz\": {" + members + "}}");
+        env.set("ZENTOR_PLAZ_LOCAL_ROOT_DIR", temp.path("root"));
+        HSCPlazMgr::getInstance().getConfigMgr()->setPathMgr(HSCPlazMgr::getInstance().getPathMgr());
+        HUTFile::rmRecursive(temp.path("root"));
+    }
+    static std::string repository(const std::string& url, const std::string& user, const std::string& token) {
+        return "{\"url\": \"" + url + "\", \"authentication\": {\"user_id\": \"" + user + "\", \"user_token\": \"" +
+               token + "\"}}";
     }
     /// @return the id of the message that @p action throws
     template <typename Action> static std::string thrownBy(Action action) {

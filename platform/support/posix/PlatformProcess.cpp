@@ -102,7 +102,7 @@ private:
 
 // Opened for appending, so that what is added at the end of the run does not meet what a straggler writes.
 int openLog(const std::string& file) {
-    return file.empty() ? -1 : open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0644);
+    return file.empty() ? -1 : open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0600);
 }
 
 std::vector<char*> toPointers(const std::vector<std::string>& strings) {

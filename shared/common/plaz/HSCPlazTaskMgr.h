@@ -50,6 +50,10 @@ public:
 
     /// An item of the store is not installed or needs a refresh; false for null and for a store without items.
     static bool hasUpdate(HSCPlazQStore* store);
+    /// The store's remote branch has moved past the commit that its catalog came from. Asks the remote; fetches
+    /// nothing.
+    /// @param proxy  HTTP proxy to ask through; empty changes nothing
+    static bool hasUpdate(HSCPlazQStore* store, const std::string& proxy);
     /// The store's item catalog lies in its area.
     static bool isRefreshed(HSCPlazQStore* store);
     /// When it came there, in seconds since the epoch; 0 when it did not.

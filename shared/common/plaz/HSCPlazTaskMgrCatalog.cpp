@@ -186,6 +186,14 @@ bool HSCPlazTaskMgr::hasUpdate(HSCPlazQStore* store) {
     return false;
 }
 
+bool HSCPlazTaskMgr::hasUpdate(HSCPlazQStore* store, const std::string& proxy) {
+    const HSCPlazGit* git = gitRepo();
+    if (!store || !store->getModel() || !git) return false;
+    // RATIONALE: the working copy stands where refreshing keeps it, not in the store's local root directory.
+    return HSCPlazGit::hasUpdate(paths().getStoreIndexDir(*store->getModel()), store->getUrl(), proxy,
+                                 store->getModel()->getBranchOrMaster()) != 0;
+}
+
 bool HSCPlazTaskMgr::isRefreshed(HSCPlazQStore* store) {
     return HUTFile::exists(catalogPath(store));
 }

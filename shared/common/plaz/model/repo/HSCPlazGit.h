@@ -5,6 +5,7 @@
 #include "plaz/model/repo/HSCPlazRepo.h"
 #include "support/HSTVector.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -56,9 +57,10 @@ public:
     bool updateCatalog(HSCPlazBaseModel* model) override;
     virtual ~HSCPlazGit();
 
-    /// Puts @p catalogFiles, at the head of the store's branch, into the staging directory.
+    /// Puts @p catalogFiles, at the head of the store's branch, into the staging directory; for the hub at the head of
+    /// "master" into the staging path of its root.
     ///
-    /// @param model         a store model; null and other models give false
+    /// @param model         a store model or the hub model; null and other models give false
     /// @param pathMgr       null gives false
     /// @param catalogFiles  repository-relative; none gives false
     /// @throws HEXAll as exec_git; nothing is left in the staging directory then
@@ -81,10 +83,67 @@ public:
     /// Removes a working copy whose objects do not hold together, as after a failing disk, so that the next use makes
     /// it afresh. Slow: to be asked only when something has failed.
     static void discardDamagedIndex(const HSCPlazQStoreModel& store);
-    /// Registers the store's URL as "origin" in @p dir and fetches. @return false without git access; nothing is done
-    /// then
+    /// Makes @p stagingDir afresh: a working copy of the hub's own repository, nothing checked out. On failure it may
+    /// hold a part of one. User id and token may be empty.
+    /// @return false without git access, or when @p stagingDir cannot be written
+    /// @throws HEXAll as exec_git
+    /// Sends Msg::dirNotWritable and what exec_git sends.
+    static bool cloneRepoForHub(const std::string& root, const std::string& stagingDir, const std::string& url,
+                                const std::string& userId, const std::string& token);
+    /// Clones a repository into @p dir, a directory of the hub's own, and checks out @p branch (empty: "master"), or
+    /// "master" where that fails. Nothing is done when @p dir holds a complete clone; what an attempt without end has
+    /// left in its ".git" is removed first, and ".git" is removed on failure.
+    ///
+    /// @param url    without credentials; those of the configuration file are added
+    /// @param proxy  for this clone; empty: the one that setProxy(dir) finds
+    /// @throws HEXAll Msg::storeRefused for a URL or branch that git is not given, Msg::dirNotWritable, Msg::gitFailed
+    /// without git access, and as exec_git
+    /// Sends Msg::clonedRepo and what exec_git sends.
+    static void cloneRepo(const std::string& url, const std::string& dir, const std::string& branch,
+                          const std::string& proxy);
+    /// Pulls @p branch (empty: "master") from @p url into the clone in @p dir, only ever forward, and checks it out, or
+    /// "master" where that fails. A clone of another URL is told the new one.
+    /// @throws HEXAll as cloneRepo; the clone then stands where it stood
+    static void updateRepo(const std::string& dir, const std::string& url, const std::string& branch);
+    /// Whether the remote branch has moved past the last commit of the clone in @p cloneDir. Fetches nothing.
+    ///
+    /// A branch that the remote lacks is looked up as "master". Only the first seven characters of the commits count.
+    /// @param cloneDir  holds ".git" and ".done"; takes "__git1.log" and "__git2.log", which are gone afterwards
+    /// @param url       as a store of the hub has it (then that store's rules and credentials apply), or another
+    /// @param proxy     recorded as the clone's http.proxy; empty leaves the one that is recorded
+    /// @param branch    empty means "master"
+    /// @return 1 when it has; 0 when it has not, when there is no complete clone, and when nothing could be found out
+    static int hasUpdate(const std::string& cloneDir, const std::string& url, const std::string& proxy,
+                         const std::string& branch);
+
+    /// Creates an empty repository in @p dir, which must exist, and gives it its settings: plain attributes,
+    /// certificates, proxy and credential helper. @return false when the attributes cannot be written
+    /// @throws HEXAll as exec_git
+    static bool initWorkingCopy(const std::string& dir);
+    /// Makes the working copy in @p dir use the certificate bundle that comes with git. This and the other settings of
+    /// access never stop an operation: what cannot be set is left unset, and the next command tells.
+    static void setSslCaInfo(const std::string& dir);
+    /// Makes the working copy use the proxies of the running product: the parameters "plaz.http_proxy" and
+    /// "plaz.https_proxy" for "Solvan", the user's preference for "kvq". Without one for HTTP, asks the helper program
+    /// "zenproxy.exe" of the installation, where there is one.
+    static void setProxy(const std::string& dir);
+    /// Makes the working copy use this HTTP proxy; empty changes nothing.
+    static void setProxy(const std::string& dir, const std::string& proxy);
+    /// The user's preference "plaz.http_proxy"; empty when it is not set.
+    static std::string getPreferredHttpProxy();
+    /// Keeps the user's and the system's credential helpers out of the working copy. Nothing without git access.
+    static void config_credential_helper(const std::string& dir);
+    /// Warns of a private store without credentials where git may not ask for them, then registers the remote and
+    /// fetches (setRemote). @param store  null gives false
+    /// Sends Msg::credentialsMissing and what exec_git sends. @throws HEXAll as exec_git
+    static bool checkAskPass(const std::string& dir, const HSCPlazQStoreModel* store);
+
+    /// Registers the store's URL, with its credentials, as "origin" in @p dir and fetches. @return false without git
+    /// access; nothing is done then
     /// @throws HEXAll as exec_git
     static bool setRemote(const std::string& dir, const HSCPlazQStoreModel& store);
+    /// The same for any repository. @param name  as it is called in traces
+    static bool setRemote(const std::string& dir, const std::string& name, const std::string& url);
     /// The URL of "origin" recorded in @p dir; empty when there is none or the file cannot be read. Runs no process.
     static std::string getRemoteUrl(const std::string& dir);
     /// Restricts later checkouts in @p dir to its sparse-checkout file. @throws HEXAll as exec_git
@@ -107,6 +166,25 @@ public:
     /// Sends Msg::gitErrors with the error lines of the output before it throws, unless cancelled.
     static int exec_git(const std::vector<std::string>& args, const std::string& workDir, bool internalCall,
                         const std::string& logFile);
+
+    /// Runs a command that records @p value, its last argument, in the configuration of @p dir. A user part in the
+    /// value
+    /// ("user:token@") is left out of the command and put into the file, which only its owner can read from then on.
+    /// @return 0
+    /// @throws HEXAll as exec_git, and Msg::dirNotWritable when the user part cannot be put there
+    static int execWithValue(std::vector<std::string> args, const std::string& value, const std::string& dir,
+                             bool internalCall);
+    /// Runs one complete command line (see HUTFork::splitCmdLine) in git's environment and waits for its end, without
+    /// a time limit; HUTFork::interruptAll ends it. User parts of web URLs reach git through its environment.
+    ///
+    /// RATIONALE: the process writes into the file itself. The results for pipes that cannot be made (-1 for the first,
+    /// -2 for the second) stay reserved for a system where pipes are needed.
+    /// @param workDir   empty: the current directory
+    /// @param outFile   takes standard output and standard error; replaced
+    /// @param exitCode  the exit status, when the result is 0
+    /// @return 0 when the process ran, -4 when it could not be started
+    static int exec_git_win(const std::string& cmdLine, const std::string& workDir, const std::string& outFile,
+                            std::uint32_t& exitCode);
 
     /// Whether git's own words on the last failure have been sent as Msg::gitErrors.
     static bool hasToldFailure();

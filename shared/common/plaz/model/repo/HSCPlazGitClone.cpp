@@ -1,15 +1,17 @@
+#include "plaz/HSCPlazConfigMgr.h"
 #include "plaz/HSCPlazMgr.h"
 #include "plaz/HSCPlazMsg.h"
 #include "plaz/HSCPlazPathMgr.h"
 #include "plaz/HSCPlazTrust.h"
 #include "plaz/HSCPlazUtils.h"
+#include "plaz/model/HSCPlazModel.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/repo/HSCPlazGit.h"
-#include "plaz/model/repo/HSCPlazGitEnv.h"
+#include "plaz/model/repo/HSCPlazGitCredentials.h"
 #include "plaz/model/repo/HSCPlazGitLog.h"
 #include "plaz/model/repo/HSCPlazGitRemoved.h"
+#include "plaz/model/repo/HSCPlazGitSilence.h"
 #include "support/HIOStream.h"
-#include "support/HPAParamMgr.h"
 #include "support/HUTFile.h"
 #include "support/HUTFork.h"
 
@@ -27,23 +29,14 @@ namespace {
 
 constexpr const char* doneMarker = "/.done";
 
-std::string getStoreUrl(const HSCPlazQStoreModel& store) {
-    if (store.getStoreType() == "board") {
-        const std::string url = HPAParamMgr::getParamMgr().getValueAsString("board.repoURL");
-        if (!url.empty()) return url;
-    }
-    return store.getUrl();
-}
-
-bool refuse(const HSCPlazQStoreModel& store, const std::string& reason) {
-    ComMsgMgr::send(Msg::storeRefused, MsgSeverity::error, store.getName(), reason);
+bool refuse(const HSCPlazBaseModel& owner, const std::string& reason) {
+    ComMsgMgr::send(Msg::storeRefused, MsgSeverity::error, owner.getName(), reason);
     return false;
 }
 
-bool acceptUrl(const HSCPlazQStoreModel& store, const std::string& url) {
-    if (url.empty()) return refuse(store, "it has no repository URL");
-    if (HSCPlazTrust::isSafeUrl(url)) return true;
-    return refuse(store, "its repository URL \"" + HSCPlazTrust::maskSecrets(url) + "\" is not safe to give to git");
+bool acceptUrl(const HSCPlazBaseModel& owner, const std::string& url) {
+    const std::string refusal = HSCPlazGitUrl::findRefusal(url);
+    return refusal.empty() || refuse(owner, refusal);
 }
 
 bool acceptBranch(const HSCPlazQStoreModel& store, const std::string& branch) {
@@ -51,10 +44,10 @@ bool acceptBranch(const HSCPlazQStoreModel& store, const std::string& branch) {
     return refuse(store, "its branch \"" + branch + "\" is not the name of a branch");
 }
 
-bool acceptFiles(const HSCPlazQStoreModel& store, const HSTVector<std::string>& files) {
+bool acceptFiles(const HSCPlazBaseModel& owner, const HSTVector<std::string>& files) {
     for (const std::string& file : files)
         if (!HSCPlazTrust::isSafeRelativePath(file))
-            return refuse(store, "its catalog file \"" + file + "\" does not lie in its repository");
+            return refuse(owner, "its catalog file \"" + file + "\" does not lie in its repository");
     return true;
 }
 
@@ -127,13 +120,11 @@ void dropEmptyDirs(const std::string& gitDir) {
 bool createIndex(const std::string& index, const HSCPlazQStoreModel& store) {
     const std::string gitDir = index + "/.git";
     HUTFile::rmRecursive(gitDir);
-    HSCPlazGit::exec_git({"init"}, index, false, "");
-    if (!HUTFile::mkDirRecursive(gitDir + "/info") ||
-        !HUTFile::writeAtomically(gitDir + "/info/attributes", HSCPlazGitEnv::plainAttributes)) {
+    if (!HSCPlazGit::initWorkingCopy(index)) {
         ComMsgMgr::send(Msg::dirNotWritable, MsgSeverity::error, index);
         return false;
     }
-    if (!HSCPlazGit::setRemote(index, store)) return false;
+    if (!HSCPlazGit::checkAskPass(index, &store)) return false;
     dropEmptyDirs(gitDir);
     return HUTFile::writeAtomically(index + doneMarker, "");
 }
@@ -168,12 +159,34 @@ bool copyIndex(const std::string& index, const std::string& staging) {
     return false;
 }
 
+bool selectFiles(const std::string& staging, const std::vector<std::string>& files, const std::string& branch) {
+    HSCPlazGit::enableSparseCheckout(staging);
+    if (!HSCPlazGit::addItemsToSparseCheckout(staging, files)) return false;
+    HSCPlazGit::checkout(staging, branch);
+    return true;
+}
+
 bool checkOutFiles(const HSCPlazQStoreModel& store, const std::string& staging, const std::vector<std::string>& files) {
     HSCPlazGitRemoved removed(staging);
     if (HSCPlazGit::cloneOrUpdateRepoForStore(&store, true) == 0) return false;
-    HSCPlazGit::enableSparseCheckout(staging);
-    if (!HSCPlazGit::addItemsToSparseCheckout(staging, files)) return false;
-    HSCPlazGit::checkout(staging, store.getBranchOrMaster());
+    if (!selectFiles(staging, files, store.getBranchOrMaster())) return false;
+    removed.keep();
+    return true;
+}
+
+bool loadHubFiles(const HSCPlazModel& hub, const HSCPlazPathMgr& paths, const std::vector<std::string>& files) {
+    const std::string& root = hub.getRoot();
+    const std::string& url = hub.getRemoteRepository();
+    if (!acceptUrl(hub, url) || !acceptFiles(hub, files)) return false;
+    if (!root.empty() && !HSCPlazTrust::isSafeRelativePath(root))
+        return refuse(hub, "its root \"" + root + "\" leads elsewhere");
+    const std::string staging = paths.getStagingPath(root);
+    HSCPlazGit::debugTrace("storePath = ", fs::path(staging).generic_string());
+    const HSCPlazCfgModel* config = HSCPlazMgr::getInstance().getConfigMgr()->getConfigModel();
+    const auto credentials = HSCPlazGitCredentials::ofEntry(config ? config->getPlazRepoCfgModel() : nullptr, url);
+    HSCPlazGitRemoved removed(staging);
+    if (!HSCPlazGit::cloneRepoForHub(root, staging, url, credentials.userId, credentials.token)) return false;
+    if (!selectFiles(staging, files, "master")) return false;
     removed.keep();
     return true;
 }
@@ -183,15 +196,15 @@ void traceStore(const HSCPlazQStoreModel& store, const std::string& staging) {
     std::string product;
     std::string release;
     HSCPlazUtils::getProductInfo(product, release);
-    HSCPlazGit::debugTrace("store info.\n Store Path : ", staging, ".\n Store Remote : ", getStoreUrl(store),
+    HSCPlazGit::debugTrace("store info.\n Store Path : ", staging, ".\n Store Remote : ", HSCPlazGitUrl::ofStore(store),
                            ".\n Store Branch : ", store.getBranchOrMaster(), "\n");
     HSCPlazGit::debugTrace("Product Info :\n\t Product Name: ", product, ".\n\t Product Release : ", release);
 }
 
 // Runs one step of the remote set-up; its failure is noted in the trace before it goes on.
-int runRemoteStep(const std::vector<std::string>& args, const std::string& dir, const char* failureText) {
+template <typename Step> int runRemoteStep(const char* failureText, Step step) {
     try {
-        return HSCPlazGit::exec_git(args, dir, false, "");
+        return step();
     } catch (const HEXAll&) {
         HSCPlazGit::debugTrace(failureText);
         throw;
@@ -220,8 +233,8 @@ bool HSCPlazGit::isInstalled(const std::string& dir) {
 
 int HSCPlazGit::cloneOrUpdateRepoForStore(const HSCPlazQStoreModel* store, bool bInternet) {
     if (!store) return 0;
-    const std::string url = getStoreUrl(*store);
-    if (!acceptUrl(*store, url)) return 0;
+    if (!acceptUrl(*store, HSCPlazGitUrl::ofStore(*store))) return 0;
+    const std::string url = HSCPlazGitUrl::ofStoreWithCredentials(*store);
     const HSCPlazPathMgr& paths = *HSCPlazMgr::getInstance().getPathMgr();
     const std::string staging = paths.getStoreStagingDir(*store);
     if (!clearStaging(staging)) return 0;
@@ -240,26 +253,31 @@ int HSCPlazGit::cloneOrUpdateRepoForStore(const HSCPlazQStoreModel* store, bool 
 
 void HSCPlazGit::discardDamagedIndex(const HSCPlazQStoreModel& store) {
     const std::string index = HSCPlazMgr::getInstance().getPathMgr()->getStoreIndexDir(store);
-    const int verbosity = ComMsgMgr::getVerbosity();
-    ComMsgMgr::setVerbosity(-1);
+    const HSCPlazGitSilence silence;
     try {
         exec_git({"fsck", "--connectivity-only", "--no-dangling", "--no-progress"}, index, true, "");
     } catch (const HEXAll&) {
         if (!HUTFork::isInterrupted()) removeIndex(index);
     }
-    ComMsgMgr::setVerbosity(verbosity);
 }
 
 bool HSCPlazGit::setRemote(const std::string& dir, const HSCPlazQStoreModel& store) {
+    return setRemote(dir, store.getName(), HSCPlazGitUrl::ofStoreWithCredentials(store));
+}
+
+bool HSCPlazGit::setRemote(const std::string& dir, const std::string& name, const std::string& url) {
     static constexpr const char* remoteFailed = "Failed to set remote branch origin";
-    debugTrace("Inside setRemote method - setting remote for store - ", store.getName());
+    debugTrace("Inside setRemote method - setting remote for store - ", name);
     if (!isGitAccessEnabled()) {
         debugTrace(remoteFailed);
         return false;
     }
-    const int added = runRemoteStep({"remote", "add", "origin", getStoreUrl(store)}, dir, remoteFailed);
+    const int added = runRemoteStep(remoteFailed, [&] {
+        return execWithValue({"remote", "add", "origin"}, url, dir, false);
+    });
     debugTrace("setRemote - Remote added as origin, ret = ", std::to_string(added));
-    const int fetched = runRemoteStep({"fetch"}, dir, "Failed to fetch the repo contents.");
+    const int fetched =
+        runRemoteStep("Failed to fetch the repo contents.", [&] { return exec_git({"fetch"}, dir, false, ""); });
     debugTrace("setRemote - Git fetch, ret = ", std::to_string(fetched));
     return true;
 }
@@ -326,11 +344,13 @@ bool HSCPlazGit::updateCatalog(HSCPlazBaseModel* model) {
 bool HSCPlazGit::loadCatalog(HSCPlazBaseModel* model, HSCPlazPathMgr* pathMgr,
                              const HSTVector<std::string>& catalogFiles) {
     const auto* store = dynamic_cast<const HSCPlazQStoreModel*>(model);
-    if (!store || !pathMgr || !hasRemoteAccess()) return false;
+    const auto* hub = dynamic_cast<const HSCPlazModel*>(model);
+    if ((!store && !hub) || !pathMgr || !hasRemoteAccess()) return false;
     if (catalogFiles.empty()) {
         debugTrace("No catalog files provided to fetch.");
         return false;
     }
+    if (hub) return loadHubFiles(*hub, *pathMgr, catalogFiles);
     if (!acceptBranch(*store, store->getBranchOrMaster()) || !acceptFiles(*store, catalogFiles)) return false;
     const std::string staging = pathMgr->getStoreStagingDir(*store);
     debugTrace("storePath = ", fs::path(staging).generic_string());

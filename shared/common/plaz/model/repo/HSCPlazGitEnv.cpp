@@ -1,5 +1,6 @@
 #include "plaz/model/repo/HSCPlazGitEnv.h"
 
+#include "plaz/model/repo/HSCPlazGitCredentials.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFork.h"
@@ -89,16 +90,22 @@ void forbidPrompts(HUTFork& git) {
     git.setEnv("GIT_SSH_COMMAND", "ssh -oBatchMode=yes");
 }
 
-void addSetting(HUTFork& git, std::size_t number, const Setting& setting) {
-    git.setEnv("GIT_CONFIG_KEY_" + std::to_string(number), setting.key);
-    git.setEnv("GIT_CONFIG_VALUE_" + std::to_string(number), setting.value);
+void addSetting(HUTFork& git, std::size_t number, const std::string& key, const std::string& value) {
+    git.setEnv("GIT_CONFIG_KEY_" + std::to_string(number), key);
+    git.setEnv("GIT_CONFIG_VALUE_" + std::to_string(number), value);
 }
 
-void addSettings(HUTFork& git, const std::string& command) {
+void addSettings(HUTFork& git, const std::string& command, const std::string& remoteUrl) {
     std::size_t count = 0;
-    for (const Setting& setting : settings) addSetting(git, count++, setting);
+    for (const Setting& setting : settings) addSetting(git, count++, setting.key, setting.value);
     // The marker of a complete clone must not outlive what was fetched; a checkout is thrown away soon.
-    addSetting(git, count++, {"core.fsync", command == "fetch" ? "committed,reference" : "none"});
+    addSetting(git, count++, "core.fsync", command == "fetch" ? "committed,reference" : "none");
+    const std::string header = HSCPlazGitUrl::toAuthorizationHeader(remoteUrl);
+    if (!header.empty()) {
+        const std::string plain = HSCPlazGitUrl::withoutUserPart(remoteUrl);
+        addSetting(git, count++, "url." + plain + ".insteadOf", remoteUrl);
+        addSetting(git, count++, "http." + plain + ".extraHeader", header);
+    }
     git.setEnv("GIT_CONFIG_COUNT", std::to_string(count));
     git.setEnv("GIT_CONFIG_GLOBAL", nullDevice);
     git.setEnv("GIT_ATTR_NOSYSTEM", "1");
@@ -106,10 +113,11 @@ void addSettings(HUTFork& git, const std::string& command) {
 
 } // namespace
 
-void HSCPlazGitEnv::apply(HUTFork& git, const std::string& command, const std::string& workDir) {
+void HSCPlazGitEnv::apply(HUTFork& git, const std::string& command, const std::string& workDir,
+                          const std::string& remoteUrl) {
     dropInherited(git);
     forbidPrompts(git);
-    addSettings(git, command);
+    addSettings(git, command, remoteUrl);
     git.setEnv("GIT_ALLOW_PROTOCOL", "file:git:http:https:ssh");
     git.setEnv("LC_ALL", "C.UTF-8"); // error lines are recognised by their English words
     // A directory whose ".git" is gone must not be taken for a part of a repository around it.

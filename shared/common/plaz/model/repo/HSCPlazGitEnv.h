@@ -15,6 +15,10 @@ namespace HSCPlazGitEnv {
 inline constexpr const char* plainAttributes = "* -text !eol -filter -ident !working-tree-encoding\n";
 
 /// Gives @p git its environment for @p command ("fetch", "checkout" and so on) in @p workDir, which is absolute.
-void apply(HUTFork& git, const std::string& command, const std::string& workDir);
+///
+/// @param remoteUrl  what the command speaks to; empty for one that stays local. Credentials in it go through the
+///                   environment too, which other users cannot see: git itself would hand the URL, credentials and all,
+///                   to a helper process on its command line.
+void apply(HUTFork& git, const std::string& command, const std::string& workDir, const std::string& remoteUrl);
 
 } // namespace HSCPlazGitEnv

@@ -1,6 +1,7 @@
 #include "plaz/HSCPlazMsg.h"
 #include "plaz/HSCPlazTrust.h"
 #include "plaz/model/repo/HSCPlazGit.h"
+#include "plaz/model/repo/HSCPlazGitCredentials.h"
 #include "plaz/model/repo/HSCPlazGitEnv.h"
 #include "plaz/model/repo/HSCPlazGitLog.h"
 #include "support/HIOStream.h"
@@ -22,6 +23,7 @@ namespace {
 
 constexpr const char* gitRelativePath = "win64/git-2.45.0/cmd/git.exe";
 constexpr const char* temporaryLogName = "git_fork.log";
+constexpr int notStarted = -4;
 constexpr const char* execGit = "HSCPlazGit::exec_git";
 
 // The error lines of the last command that failed, sorted and distinct.
@@ -127,6 +129,10 @@ int launchTwice(HUTFork& git) {
     throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::gitFailed));
 }
 
+bool isRemote(const std::string& command) {
+    return command == "fetch" || command == "pull";
+}
+
 int runGit(const std::vector<std::string>& args, const std::string& workDir, const std::string& startDir,
            CommandLog& log, int verbosity) {
     HUTFork git;
@@ -140,7 +146,9 @@ int runGit(const std::vector<std::string>& args, const std::string& workDir, con
     git.setProg(program, false);
     for (const std::string& arg : args) git.addArg(arg);
     git.setTimeout(HSCPlazGit::getGitTimeOut());
-    HSCPlazGitEnv::apply(git, args.empty() ? "" : args.front(), fs::absolute(workDir, startDir).generic_string());
+    const std::string dir = fs::absolute(workDir, startDir).generic_string();
+    const std::string command = args.empty() ? "" : args.front();
+    HSCPlazGitEnv::apply(git, command, dir, isRemote(command) ? HSCPlazGit::getRemoteUrl(dir) : "");
 
     capturedErrors().clear();
     const std::string commandLine = HSCPlazTrust::maskSecrets(git.getCmdLineAsStr());
@@ -181,6 +189,25 @@ int HSCPlazGit::exec_git(const std::vector<std::string>& args, const std::string
         if (!internalCall && isGitAccessEnabled()) restoreSslVerify(workDir);
         throw;
     }
+}
+
+int HSCPlazGit::exec_git_win(const std::string& cmdLine, const std::string& workDir, const std::string& outFile,
+                             std::uint32_t& exitCode) {
+    std::vector<std::string> words = HUTFork::splitCmdLine(cmdLine);
+    if (words.empty()) return notStarted;
+    std::string remoteUrl;
+    HUTFork process;
+    process.dontUseHDLDPath();
+    process.setProg(words.front(), false);
+    for (auto word = words.begin() + 1; word != words.end(); ++word) {
+        if (HSCPlazGitUrl::isHttp(*word)) remoteUrl = *word;
+        process.addArg(HSCPlazGitUrl::isHttp(*word) ? HSCPlazGitUrl::withoutUserPart(*word) : *word);
+    }
+    process.setDir(workDir);
+    process.setLogFile(fs::absolute(outFile).string());
+    HSCPlazGitEnv::apply(process, words.size() > 1 ? words[1] : "", fs::absolute(workDir).generic_string(), remoteUrl);
+    exitCode = static_cast<std::uint32_t>(process.launch(true, true, true, true));
+    return process.wasStarted() ? 0 : notStarted;
 }
 
 void HSCPlazGit::configure(const std::string& dir, const std::string& key, const std::string& value) {

@@ -7,6 +7,7 @@
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/repo/HSCPlazGit.h"
 #include "plaz/model/repo/HSCPlazGitRemoved.h"
+#include "plaz/model/repo/HSCPlazGitSilence.h"
 #include "plaz/pref/HSCPlazUserPref.h"
 #include "support/HUTFile.h"
 
@@ -15,18 +16,6 @@
 namespace fs = boost::filesystem;
 
 namespace {
-
-/// Silences the message service while it lives.
-class Silence {
-public:
-    Silence() { ComMsgMgr::setVerbosity(-1); }
-    ~Silence() { ComMsgMgr::setVerbosity(m_verbosity); }
-    Silence(const Silence&) = delete;
-    Silence& operator=(const Silence&) = delete;
-
-private:
-    int m_verbosity = ComMsgMgr::getVerbosity();
-};
 
 bool refuse(const HSCPlazQItemModel& item, const std::string& reason) {
     ComMsgMgr::send(Msg::itemRefused, MsgSeverity::error, item.getName(), reason);
@@ -60,7 +49,7 @@ bool checkOutCommit(const HSCPlazQItemModel& item, const std::string& staging) {
 bool checkOutItem(const HSCPlazQItemModel& item, const HSCPlazQStoreModel& store, const std::string& staging) {
     if (HSCPlazGit::cloneOrUpdateRepoForStore(&store, false) == 0) return false;
     try {
-        const Silence silence;
+        const HSCPlazGitSilence silence;
         return checkOutCommit(item, staging);
     } catch (const HEXAll&) { // also after a cancellation: the fetch then ends before anything runs
     }

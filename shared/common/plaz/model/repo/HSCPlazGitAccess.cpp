@@ -1,0 +1,170 @@
+#include "plaz/HSCPlazMsg.h"
+#include "plaz/model/HSCPlazQStoreModel.h"
+#include "plaz/model/repo/HSCPlazGit.h"
+#include "plaz/model/repo/HSCPlazGitCredentials.h"
+#include "plaz/model/repo/HSCPlazGitRemoved.h"
+#include "plaz/model/repo/HSCPlazGitSilence.h"
+#include "support/HCCXPrefMgr.h"
+#include "support/HIOStream.h"
+#include "support/HPAParamMgr.h"
+#include "support/HUTEnv.h"
+#include "support/HUTFile.h"
+#include "support/HUTFork.h"
+
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/filesystem/path.hpp>
+
+namespace fs = boost::filesystem;
+
+namespace {
+
+constexpr const char* httpProxyName = "plaz.http_proxy";
+constexpr const char* httpsProxyName = "plaz.https_proxy";
+constexpr const char* proxyHelper = "bin/zenproxy.exe";
+
+bool isMainProduct() {
+    return boost::algorithm::iequals(HUTEnv::getProductName(), "solvan");
+}
+
+std::string getHttpProxy() {
+    if (isMainProduct()) return HPAParamMgr::getParamMgr().getValueAsString(httpProxyName);
+    if (boost::algorithm::iequals(HUTEnv::getProductName(), "kvq")) return HSCPlazGit::getPreferredHttpProxy();
+    return "";
+}
+
+std::string getHttpsProxy() {
+    return isMainProduct() ? HPAParamMgr::getParamMgr().getValueAsString(httpsProxyName) : std::string();
+}
+
+// Empty when there is none.
+std::string findProxyHelper() {
+    if (isMainProduct()) return HUTEnv::getGDAAppRoot(proxyHelper);
+    return HUTEnv::getGDAAppRoot("/../../Solvan/" + HUTEnv::getProductMajorMinorVersion() + "/" + proxyHelper);
+}
+
+std::string detectProxy(const std::string& dir) {
+    const std::string program = HUTFile::getCanonicalName(findProxyHelper());
+    if (program.empty()) return "";
+    const std::string log = dir + "/proxy.txt";
+    const HSCPlazGitRemoved removed(log);
+    HUTFork helper;
+    helper.dontUseHDLDPath();
+    helper.setProg(program, false);
+    helper.addArg("-exec");
+    helper.setTimeout(HSCPlazGit::getGitTimeOut());
+    helper.setLogFile(log);
+    helper.launch(true, true, true, true);
+    std::string output;
+    HIOStream::read(log, output);
+    return HSCPlazGitUrl::findProxy(output);
+}
+
+// Puts a user part in the place of the "***" that a command has recorded. The file is the owner's alone from the moment
+// it holds the secret; git keeps its mode.
+void recordUserPart(const std::string& dir, const std::string& userPart) {
+    const std::string file = dir + "/.git/config";
+    const std::string mask = "://***@";
+    std::string config;
+    HIOStream::read(file, config);
+    const std::size_t at = config.find(mask);
+    if (at != std::string::npos) config.replace(at, mask.size(), "://" + userPart + "@");
+    if (at == std::string::npos || !HUTFile::writeAtomically(file, config, true))
+        throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::dirNotWritable, dir));
+}
+
+// Runs an access setting, of which none stops the operation that it is made for.
+bool tryInternal(const std::string& dir, const std::vector<std::string>& args, const std::string& value) {
+    const HSCPlazGitSilence silence;
+    try {
+        HSCPlazGit::execWithValue(args, value, dir, true);
+        return true;
+    } catch (const HEXAll&) {
+        return false;
+    }
+}
+
+} // namespace
+
+int HSCPlazGit::execWithValue(std::vector<std::string> args, const std::string& value, const std::string& dir,
+                              bool internalCall) {
+    const std::string userPart = HSCPlazGitUrl::getUserPart(value);
+    std::string shown = value;
+    if (!userPart.empty()) shown.replace(value.find("://") + 3, userPart.size(), "***");
+    args.push_back(shown);
+    const int status = exec_git(args, dir, internalCall, "");
+    if (!userPart.empty()) recordUserPart(dir, userPart);
+    return status;
+}
+
+void HSCPlazGit::setSslCaInfo(const std::string& dir) {
+    if (!HUTFile::exists(dir + "/.git")) return;
+    const std::string program = getGitExePath();
+    if (!HUTFile::exists(program)) return;
+    debugTrace("SSLCAInfo : git exe path - ", program);
+    const fs::path installation = fs::path(program).parent_path().parent_path();
+    debugTrace("SSLCAInfo : git exe parent dir- ", installation.generic_string());
+    const std::string bundle = (installation / "mingw64/etc/ssl/certs/ca-bundle.crt").generic_string();
+    debugTrace("SSLCAInfo : final ssl ca info path - ", bundle);
+    if (!HUTFile::exists(bundle)) {
+        debugTrace("SSLCAInfo doesn't exist - ", bundle);
+        return;
+    }
+    debugTrace("SSLCAInfo exists - ", bundle);
+    tryInternal(dir, {"config", "--replace-all", "http.sslcainfo"}, bundle);
+}
+
+std::string HSCPlazGit::getPreferredHttpProxy() {
+    const std::vector<std::string> values = HCCXPrefMgr::getInstance().getDefaultXPref().getVal(httpProxyName);
+    return values.empty() ? std::string() : values.front();
+}
+
+void HSCPlazGit::setProxy(const std::string& dir) {
+    const std::string http = HSCPlazGitUrl::normalizeProxy(getHttpProxy());
+    const std::string https = HSCPlazGitUrl::normalizeProxy(getHttpsProxy());
+    debugTrace("HTTP_PROXY:", http);
+    debugTrace("HTTPS_PROXY :", https);
+    setProxy(dir, http);
+    if (!https.empty()) {
+        debugTrace("Setting locally git https.proxy to ", https, " at dir ", dir);
+        tryInternal(dir, {"config", "https.proxy"}, https);
+    }
+    if (!http.empty()) return;
+
+    debugTrace("detecting proxy");
+    const std::string detected = detectProxy(dir);
+    debugTrace("finishing detecting proxy");
+    if (detected.empty()) {
+        static constexpr const char* failure = "ERROR: Failed to detect and set the proxy";
+        if (isDebugGit())
+            debugTrace(failure);
+        else
+            HSCPlazLogger::log(failure);
+        return;
+    }
+    debugTrace("Auto detected proxy, setting locally git http.proxy to ", detected);
+    tryInternal(dir, {"config", "http.proxy"}, detected);
+}
+
+void HSCPlazGit::setProxy(const std::string& dir, const std::string& proxy) {
+    if (proxy.empty()) return;
+    const std::string value = HSCPlazGitUrl::normalizeProxy(proxy);
+    debugTrace("Setting locally git http.proxy to ", value, " at dir ", dir);
+    tryInternal(dir, {"config", "http.proxy"}, value);
+}
+
+void HSCPlazGit::config_credential_helper(const std::string& dir) {
+    if (!isGitAccessEnabled()) return;
+    if (tryInternal(dir, {"config", "--local", "credential.helper"}, ""))
+        debugTrace("config_credential_helper - local credential.helper is configured");
+    else
+        debugTrace("config_credential_helper - Error! Failed to config local credential.helper");
+}
+
+bool HSCPlazGit::checkAskPass(const std::string& dir, const HSCPlazQStoreModel* store) {
+    if (!store) return false;
+    const auto credentials = HSCPlazGitCredentials::choose(store->getStoreType(), HSCPlazGitUrl::ofStore(*store));
+    const bool mayAsk = HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableAskPassForPrivateRepo");
+    if (!mayAsk && store->isPrivateRepository() && credentials.isEmpty())
+        ComMsgMgr::send(Msg::credentialsMissing, MsgSeverity::warning, store->getName());
+    return setRemote(dir, *store);
+}

@@ -1,0 +1,94 @@
+#include "plaz/HSCPlazMgr.h"
+#include "plaz/HSCPlazTrust.h"
+#include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/repo/HSCPlazGit.h"
+#include "plaz/model/repo/HSCPlazGitCredentials.h"
+#include "plaz/model/repo/HSCPlazGitRemoved.h"
+#include "support/HIOStream.h"
+
+#include <optional>
+#include <sstream>
+
+namespace {
+
+constexpr const char* mainBranch = "master";
+constexpr std::size_t comparedLength = 7;
+
+// The caller gives a URL alone; which store it belongs to decides on the credentials and on the URL that is asked.
+std::string rebuildUrl(const std::string& url) {
+    for (const HSCPlazQStore* store : HSCPlazMgr::getInstance().getHub().getStores())
+        if (store->getModel() && store->getUrl() == url)
+            return HSCPlazGitUrl::ofStoreWithCredentials(*store->getModel());
+    return HSCPlazGitUrl::withCredentials(url, HSCPlazGitCredentials::choose("", url));
+}
+
+// A double quote cannot be part of an argument there, so it could end one early.
+bool fitsCommandLine(const std::string& url) {
+    return HSCPlazTrust::isSafeUrl(url) && url.find('"') == std::string::npos;
+}
+
+void run(const std::string& arguments, const std::string& dir, const std::string& output) {
+    std::uint32_t exitCode = 0;
+    // RATIONALE: the program stands unquoted, as it always has; the runner finds its end.
+    if (HSCPlazGit::exec_git_win(HSCPlazGit::getGitExePath() + arguments, dir, output, exitCode) != 0)
+        HSCPlazGit::debugTrace("Error : exec_git_win");
+}
+
+std::string readText(const std::string& file) {
+    std::string text;
+    HIOStream::read(file, text);
+    return text;
+}
+
+/// Whether the first head that the branch names differs from the local one; nothing when no line names the branch.
+std::optional<bool> compare(const std::string& localLine, const std::string& heads, const std::string& branch) {
+    const std::string target = "refs/heads/" + branch;
+    std::istringstream lines(heads);
+    for (std::string line; std::getline(lines, line);) {
+        HSCPlazGit::debugTrace("ls-remote = ", line);
+        if (line.find(target) != std::string::npos)
+            return localLine.substr(0, comparedLength) != line.substr(0, comparedLength);
+    }
+    return std::nullopt;
+}
+
+bool isMoved(const std::string& log, const std::string& heads, const std::string& branch) {
+    const std::string localLine = log.substr(0, log.find('\n'));
+    HSCPlazGit::debugTrace("log = ", localLine);
+    if (localLine.empty()) return false;
+    std::optional<bool> moved = compare(localLine, heads, branch);
+    if (!moved && branch == mainBranch)
+        HSCPlazGit::debugTrace("Already checked for ", mainBranch, ", so breaking the loop");
+    else if (!moved)
+        moved = compare(localLine, heads, mainBranch);
+    return moved.value_or(false);
+}
+
+bool ask(const std::string& cloneDir, const std::string& url, const std::string& branch, const std::string& logFile,
+         const std::string& headsFile) {
+    run(" log --oneline -n 1", cloneDir, logFile);
+    run(url.find(' ') == std::string::npos ? " ls-remote " + url : " ls-remote \"" + url + "\"", cloneDir, headsFile);
+    const bool moved = isMoved(readText(logFile), readText(headsFile), branch);
+    HSCPlazGit::debugTrace(url, " ", branch, moved ? " has updates!" : " has no updates!");
+    return moved;
+}
+
+} // namespace
+
+int HSCPlazGit::hasUpdate(const std::string& cloneDir, const std::string& url, const std::string& proxy,
+                          const std::string& branch) {
+    const std::string logFile = cloneDir + "/__git1.log";
+    const std::string headsFile = cloneDir + "/__git2.log";
+    const std::string rebuilt = rebuildUrl(url);
+    if (!isInstalled(cloneDir) || !fitsCommandLine(rebuilt)) return 0;
+    setProxy(cloneDir, proxy);
+    const HSCPlazGitRemoved logRemoved(logFile);
+    const HSCPlazGitRemoved headsRemoved(headsFile);
+    try {
+        return ask(cloneDir, rebuilt, branch.empty() ? mainBranch : branch, logFile, headsFile) ? 1 : 0;
+    } catch (const std::exception&) {
+        debugTrace("Error while fetching log data from git repo ", rebuilt);
+        return 0;
+    }
+}
