@@ -11,40 +11,23 @@
 #include "plaz/model/reader/HSCPlazQStoreReader.h"
 #include "plaz/model/reader/HSCPlazReader.h"
 #include "support/ComMsgMgr.h"
-
-#include <boost/filesystem/operations.hpp>
+#include "support/TempDir.h"
 
 #include <cstdint>
 #include <cstdlib>
-#include <fstream>
 
 namespace {
 
-namespace fs = boost::filesystem;
-
-/// The input as a file; a directory of the process's own, removed at its end.
-class InputFile {
-public:
-    InputFile() : m_dir(fs::temp_directory_path() / fs::unique_path("plaz-fuzz-%%%%-%%%%")) {
-        fs::create_directory(m_dir);
-        setenv("GDA_APPDATA_DIR", m_dir.c_str(), 1);
-        setenv("GDA_PRODUCT_NAME", "Solvan", 1); // the product and release of the seeds
-        setenv("GDA_PRODUCT_VERSION", "2024.2.0", 1);
+/// A directory of the process's own, the product and release of the seeds, and silence.
+struct Scene {
+    Scene() {
+        env.set("GDA_APPDATA_DIR", temp.path());
+        env.set("GDA_PRODUCT_NAME", "Solvan");
+        env.set("GDA_PRODUCT_VERSION", "2024.2.0");
         ComMsgMgr::setSink([](const ComMsgMgr::Message&) {});
     }
-    ~InputFile() {
-        boost::system::error_code error;
-        fs::remove_all(m_dir, error);
-    }
-    std::string write(const std::uint8_t* data, std::size_t size) const {
-        const std::string name = (m_dir / "input.json").string();
-        std::ofstream(name, std::ios::binary)
-            .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
-        return name;
-    }
-
-private:
-    fs::path m_dir;
+    TempDir temp;
+    EnvGuard env;
 };
 
 /// What the hub relies on: nothing that leads out of the store reaches a model.
@@ -97,7 +80,7 @@ void read(const std::string& file) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     // A protected file's damaged content is no file to the readers; their own bytes are what is tested here.
     if (size > 0 && data[0] == 0x89) return 0;
-    static const InputFile input;
-    read(input.write(data, size));
+    static const Scene scene;
+    read(scene.temp.write("input.json", std::string(reinterpret_cast<const char*>(data), size)));
     return 0;
 }

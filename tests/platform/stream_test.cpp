@@ -1,5 +1,4 @@
 #include "support/HIOStream.h"
-#include "support/HUTFile.h"
 #include "support/TempDir.h"
 
 #include <gtest/gtest.h>
@@ -16,43 +15,30 @@ TEST(StreamTest, RootConfinesReading) {
     TempDir temp;
     temp.write("secret", "secret");
     temp.write("root/dir/file", "inside");
-    std::filesystem::create_symlink("dir/file", temp.path("root/link"));
-    std::filesystem::create_symlink(temp.path("root/dir/file"), temp.path("root/absolute_link"));
-    std::filesystem::create_symlink("../secret", temp.path("root/link_out"));
-    std::filesystem::create_symlink(temp.path("secret"), temp.path("root/absolute_link_out"));
-    std::filesystem::create_directory_symlink("..", temp.path("root/dir_out"));
-    std::filesystem::create_symlink("loop", temp.path("root/loop"));
+    for (const auto& [name, target] : {std::pair<std::string, std::string>{"link", "dir/file"},
+                                       {"absolute_link", temp.path("root/dir/file")},
+                                       {"link_out", "../secret"},
+                                       {"absolute_link_out", temp.path("secret")},
+                                       {"dir_out", ".."},
+                                       {"loop", "loop"}})
+        std::filesystem::create_symlink(target, temp.path("root/" + name));
     ASSERT_EQ(mkfifo(temp.path("root/pipe").c_str(), 0600), 0);
 
     const HIOStream::Root root(temp.path("root"));
-    const std::pair<std::string, Status> cases[] = {
-        {"dir/file", Status::ok},
-        {"dir/../dir/./file", Status::ok},
-        {"link", Status::ok},
-        {"absolute_link", Status::ok},
-        {"link_out", Status::outside},
-        {"absolute_link_out", Status::outside},
-        {"dir_out/secret", Status::outside},
-        {"../secret", Status::outside},
-        {"../absent", Status::outside},
-        {"dir/../../root/dir/file", Status::ok}, // out and in again
-        {temp.path("root/dir/file"), Status::outside},
-        {"/proc/self/environ", Status::outside},
-        {"dir", Status::notRegular},
-        {".", Status::notRegular},
-        {"pipe", Status::notRegular},
-        {"absent", Status::missing},
-        {"dir/file/below", Status::missing},
-        {"", Status::missing},
-        {std::string("dir/file\0x", 10), Status::missing},
-        {"loop", Status::unreadable},
-    };
+    const std::pair<Status, std::vector<std::string>> cases[] = {
+        {Status::ok, {"dir/file", "dir/../dir/./file", "link", "absolute_link", "dir/../../root/dir/file"}},
+        {Status::outside,
+         {"link_out", "absolute_link_out", "dir_out/secret", "../secret", "../absent", temp.path("root/dir/file")}},
+        {Status::notRegular, {"dir", ".", "pipe"}},
+        {Status::missing, {"absent", "dir/file/below", "", std::string("dir/file\0x", 10)}},
+        {Status::unreadable, {"loop"}}};
     std::string content;
-    for (const auto& [name, status] : cases) {
-        content = "old";
-        EXPECT_EQ(root.read(name, content), status) << name;
-        EXPECT_EQ(content, status == Status::ok ? "inside" : "") << name;
-    }
+    for (const auto& [status, names] : cases)
+        for (const std::string& name : names) {
+            content = "old";
+            EXPECT_EQ(root.read(name, content), status) << name;
+            EXPECT_EQ(content, status == Status::ok ? "inside" : "") << name;
+        }
     EXPECT_EQ(HIOStream::Root(temp.path("absent")).read("file", content), Status::missing);
 }
 
@@ -60,17 +46,13 @@ TEST(StreamTest, RootConfinesReading) {
 TEST(StreamTest, ReadsWholeFiles) {
     TempDir temp;
     std::string content(100, 'x');
-    for (const std::size_t size : {0u, 1u, 4096u, 4097u, 1000000u}) {
-        const std::string body(size, 'a');
-        EXPECT_EQ(HIOStream::read(temp.write("file", body), content), Status::ok);
-        EXPECT_TRUE(content == body) << size;
+    for (const std::size_t size : {0u, 4096u, 4097u}) {
+        EXPECT_EQ(HIOStream::read(temp.write("file", std::string(size, 'a')), content), Status::ok);
+        EXPECT_EQ(content, std::string(size, 'a'));
     }
     EXPECT_EQ(HIOStream::read("/proc/self/status", content), Status::ok);
     EXPECT_EQ(content.rfind("Name:", 0), 0u);
-    EXPECT_EQ(HIOStream::read(temp.path("absent"), content), Status::missing);
-    EXPECT_EQ(HIOStream::read(temp.path(), content), Status::notRegular);
     EXPECT_EQ(HIOStream::read("/dev/null", content), Status::notRegular);
-
     std::filesystem::resize_file(temp.path("file"), std::uintmax_t{1} << 40); // no bytes on disk
     EXPECT_EQ(HIOStream::read(temp.path("file"), content), Status::unreadable);
 }
@@ -81,8 +63,7 @@ TEST(StreamTest, Container) {
     const std::string file = temp.path("file");
     std::string content;
     for (const std::string& plain : {std::string(), std::string("{\"plaz\": {}}"), std::string(70000, '\0')}) {
-        ASSERT_TRUE(HIOStream::writeContainer(file, plain));
-        EXPECT_TRUE(HIOStream::isContainer(file));
+        ASSERT_TRUE(HIOStream::writeContainer(file, plain) && HIOStream::isContainer(file));
         EXPECT_EQ(HIOStream::read(file, content), Status::ok);
         EXPECT_EQ(content, plain);
     }
@@ -95,17 +76,14 @@ TEST(StreamTest, Container) {
     const std::uint32_t key = 0xcbf43926u * 1664525u + 1013904223u;
     EXPECT_EQ(static_cast<unsigned char>(good[24]), '1' ^ key >> 24);
 
-    std::vector<std::string> damaged{good.substr(0, 20), good.substr(0, good.size() - 1), good + "x"};
-    for (const std::size_t at : {8u, 9u, 12u, 16u, 24u, 32u}) {
-        damaged.push_back(good);
-        damaged.back()[at] = static_cast<char>(damaged.back()[at] ^ 4);
-    }
-    for (std::size_t i = 0; i < damaged.size(); ++i) {
-        EXPECT_EQ(HIOStream::read(temp.write("file", damaged[i]), content), Status::unreadable) << i;
-        EXPECT_EQ(content, "") << i;
-    }
+    const auto check = [&](const std::string& damaged) {
+        EXPECT_EQ(HIOStream::read(temp.write("file", damaged), content), Status::unreadable) << damaged.size();
+        EXPECT_EQ(content, "");
+    };
+    for (const std::string& damaged : {good.substr(0, 20), good.substr(0, good.size() - 1), good + "x"}) check(damaged);
+    for (const std::size_t at : {8u, 9u, 12u, 16u, 24u, 32u})
+        check(good.substr(0, at) + static_cast<char>(good[at] ^ 4) + good.substr(at + 1));
     EXPECT_FALSE(HIOStream::isContainer(temp.write("file", good.substr(0, 7))));
-    EXPECT_FALSE(HIOStream::isContainer(temp.path("absent")));
 }
 
 } // namespace

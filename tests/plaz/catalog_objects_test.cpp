@@ -1,24 +1,17 @@
-#include "plaz/HSCPlazMgr.h"
-#include "plaz/HSCPlazUtils.h"
-#include "plaz/model/HSCPlaz.h"
-#include "plaz/model/HSCPlazCategory.h"
-#include "plaz/model/HSCPlazModel.h"
-#include "plaz/model/HSCPlazQItem.h"
-#include "plaz/model/HSCPlazQStore.h"
-#include "support/HubOnDisk.h"
+#include "hub_fixture.h"
 
-#include <gtest/gtest.h>
+#include "plaz/model/HSCPlazCategory.h"
 
 #include <sstream>
 
 namespace {
 
 HSCPlazQItemModel* addItem(HSCPlazQStoreModel& store, const char* name, const char* revision, const char* latest) {
-    auto item = std::make_unique<HSCPlazQItemModel>();
+    HSCPlazQItemModel* item = store.addItem(std::make_unique<HSCPlazQItemModel>());
     item->setName(name);
     item->setRevision(revision);
     item->setLatestRevision(latest);
-    return store.addItem(std::move(item));
+    return item;
 }
 
 HSCPlazQStore* addStore(HSCPlaz& hub, HSCPlazQStoreModel& model) {
@@ -32,28 +25,21 @@ HSCPlazQStore* addStore(HSCPlaz& hub, HSCPlazQStoreModel& model) {
 
 // A look-up that ignores case, takes the last of two or forgets the next one after a removal.
 TEST(HubTest, FindsTheFirstStoreOfExactlyThatName) {
-    HSCPlazQStoreModel boards, first, second;
-    boards.setName("Boards");
+    HSCPlazQStoreModel first, second;
     first.setName("twin");
     second.setName("twin");
     HSCPlaz hub, other;
-    addStore(hub, boards);
     HSCPlazQStore* one = addStore(hub, first);
     HSCPlazQStore* two = addStore(hub, second);
-    hub.addStore(nullptr);
-    EXPECT_EQ(hub.getStore("boards"), nullptr);
+    EXPECT_EQ(hub.getStore("Twin"), nullptr);
     EXPECT_EQ(hub.getStore("twin"), one);
-    EXPECT_FALSE(other.removeStore(one));
-    EXPECT_FALSE(hub.removeStore(nullptr));
-    EXPECT_TRUE(hub.removeStore(one));
+    EXPECT_TRUE(!other.removeStore(one) && hub.removeStore(one));
     EXPECT_EQ(hub.getStore("twin"), two);
-    EXPECT_EQ(hub.getStores().size(), 2U);
 }
 
 // A look-up by name that takes the first entry instead of the latest, and an index that survives a rename or a reload.
 TEST(StoreTest, FindsItemsByNameAndRevision) {
     HSCPlazQStoreModel model;
-    model.setName("s");
     addItem(model, "x", "1.0", "2.0");
     addItem(model, "stale", "1.0", "3.0");
     addItem(model, "x", "2.0", "2.0");
@@ -64,87 +50,46 @@ TEST(StoreTest, FindsItemsByNameAndRevision) {
     EXPECT_EQ(store.getItem("x", "3.0"), nullptr);
     EXPECT_EQ(store.getItem("stale"), nullptr);
     EXPECT_EQ(store.getItem("X"), nullptr);
-    EXPECT_EQ(store.getItems()[0]->getStoreName(), "s");
-
-    store.getItems()[2]->setName("y");
-    EXPECT_EQ(store.getItem("x"), nullptr);
-    EXPECT_EQ(store.getItem("y"), store.getItems()[2]);
-
     store.getItems()[2]->getModel()->setName("behind its back");
-    EXPECT_EQ(store.getItem("y"), nullptr);
+    EXPECT_EQ(store.getItem("x"), nullptr);
     EXPECT_EQ(store.getItem("behind its back"), store.getItems()[2]);
-
     store.clearQStore();
-    EXPECT_EQ(store.getItem("y"), nullptr);
-    EXPECT_TRUE(model.getItems().empty());
+    EXPECT_TRUE(!store.getItem("x", "1.0") && model.getItems().empty());
     addItem(model, "z", "1", "1");
     store.assignModel(&model);
-    EXPECT_NE(store.getItem("z"), nullptr);
     store.assignModel(nullptr);
-    EXPECT_EQ(store.getModel(), &model);
+    EXPECT_NE(store.getItem("z"), nullptr);
 }
 
-TEST(StoreTest, SupportUrlIsTheWikiOfAGitUrl) {
-    const struct {
-        const char* url;
-        const char* expected;
-    } cases[] = {{"https://h/o/repo.git", "https://h/o/repo/wiki"},
-                 {"https://h/o/repo", "https://h/o/repo"},
-                 {"", ""},
-                 {".git", "/wiki"},
-                 {"git", "git"}};
-    for (const auto& row : cases) {
-        HSCPlazQStoreModel model;
-        HSCPlazQStore store;
-        EXPECT_EQ(store.getSupportUrl(), "");
-        model.setUrl(row.url);
-        store.assignModel(&model);
-        EXPECT_EQ(store.getSupportUrl(), row.expected);
+// A wiki made of what is no git URL; a category tree losing levels on its way from model to object.
+TEST(StoreTest, SupportUrlAndCategories) {
+    HSCPlazQStoreModel model;
+    HSCPlazQStore store;
+    EXPECT_EQ(store.getSupportUrl(), "");
+    model.setCategories({{"a", "A", "first", {{"a1", "A1", "", {{"a1x", "", "", {}}}}, {"a2", "", "", {}}}}});
+    store.assignModel(&model);
+    const HSCPlazCategory& a = *store.getCategories().at(0);
+    EXPECT_EQ(a.getDescription(), "first");
+    ASSERT_EQ(a.getSubCategories().size(), 2U);
+    EXPECT_EQ(a.getSubCategories()[0]->getSubCategories().at(0)->getName(), "a1x");
+    for (const auto& [url, wiki] : {std::pair("https://h/o/repo.git", "https://h/o/repo/wiki"), {"git", "git"}}) {
+        model.setUrl(url);
+        EXPECT_EQ(store.getSupportUrl(), wiki);
     }
 }
 
-// The category tree losing levels or order on its way from model to object.
-TEST(StoreTest, BuildsTheCategoryTree) {
-    HSCPlazQStoreModel model;
-    model.setCategories(
-        {{"a", "A", "first", {{"a1", "A1", "", {{"a1x", "", "", {}}}}, {"a2", "", "", {}}}}, {"b", "", "", {}}});
-    HSCPlazQStore store;
-    store.assignModel(&model);
-    ASSERT_EQ(store.getCategories().size(), 2U);
-    const HSCPlazCategory& a = *store.getCategories()[0];
-    EXPECT_EQ(a.getDescription(), "first");
-    ASSERT_EQ(a.getSubCategories().size(), 2U);
-    EXPECT_EQ(a.getSubCategories()[0]->getSubCategories()[0]->getName(), "a1x");
-    HSCPlazCategory alone;
-    alone.addSubCategory(nullptr);
-    EXPECT_TRUE(alone.getSubCategories().empty());
-}
-
-// Objects without a model must read as empty, not crash.
+// Objects without a model must read as empty, not crash; the log's line of a state out of order.
 TEST(ItemTest, KeepsItsModelAndWorksWithoutOne) {
     HSCPlazQItem item;
     item.IsInstalled(true);
-    EXPECT_FALSE(item.IsInstalled());
-    EXPECT_EQ(item.getName(), "");
-    EXPECT_TRUE(item.getItemDependencies().empty());
-    EXPECT_EQ(item.getLogo(), "");
+    EXPECT_TRUE(!item.IsInstalled() && item.getItemDependencies().empty());
+    EXPECT_EQ(item.getName() + item.getLogo(), "");
     HSCPlazQItemModel model;
     model.setName("x");
     item.assignItem(&model);
     item.assignItem(nullptr);
-    EXPECT_EQ(item.getModel(), &model);
-    EXPECT_EQ(item.getItemName(), "x");
     item.setItemName("script_x");
-    EXPECT_EQ(item.getItemName(), "script_x");
-    EXPECT_EQ(item.getName(), "x");
-    const HSCPlazQItemDependency fresh;
-    EXPECT_EQ(fresh.getRevision() + fresh.getItem() + fresh.getStore() + fresh.getCompany(), "");
-    EXPECT_FALSE(fresh.isOptional());
-}
-
-TEST(ItemTest, PrintsItsStateInTheOrderOfTheLog) {
-    HSCPlazQItemModel model;
-    model.setName("x");
+    EXPECT_EQ(item.getItemName() + item.getName(), "script_xx");
     model.setIsInstalled(true);
     model.setLocalDir("/d");
     model.setInstallationMode("user");
@@ -162,15 +107,13 @@ TEST(ItemTest, LinksFollowTheStoresUrl) {
     HubOnDisk files;
     files.addStore("boards", "board", true);
     files.ship();
-    HSCPlaz& hub = HSCPlazMgr::getInstance().getHub();
-    HSCPlazQStore& store = *hub.getStore("boards");
+    HSCPlazQStore& store = *HSCPlazMgr::getInstance().getHub().getStore("boards");
     HSCPlazQItemModel model;
     model.setStoreName("boards");
     model.setRoot("boards/x");
     model.setLogo("logo.svg");
     HSCPlazQItem item(&store);
     item.assignItem(&model);
-
     store.setUrl("https://h/o/repo.git");
     store.setBranch("main");
     EXPECT_EQ(item.getUrl(), "https://h/o/repo/tree/main/boards/x");
@@ -182,9 +125,6 @@ TEST(ItemTest, LinksFollowTheStoresUrl) {
     EXPECT_EQ(*buffer, "/area/x/logo.svg");
     store.setUrl("https://h/o/repo");
     EXPECT_EQ(item.getUrl(), "https://h/o/repo");
-    store.setUrl("");
-    EXPECT_EQ(item.getUrl(), "");
-    EXPECT_EQ(HSCPlazUtils::getStoreUrl("nowhere"), "");
 }
 
 // History taken from a wrong folder, or from outside the item through a link.
@@ -199,16 +139,13 @@ TEST(ItemTest, HistoryComesFromTheInstalledFilesThenFromTheClone) {
     store.assignModel(&storeModel);
     HSCPlazQItem& item = *store.getItems()[0];
     EXPECT_EQ(item.getHistory(), "Revision history is not available");
+    temp.write("clone/.plaz/.catalog/boards/x/changelog.txt", "hidden");
+    EXPECT_EQ(item.getHistory(), "hidden");
     temp.write("clone/boards/x/1.0/changelog.txt", "from the clone");
     EXPECT_EQ(item.getHistory(), "from the clone");
     model->setIsInstalled(true);
     model->setLocalDir(temp.path("installed"));
     EXPECT_EQ(item.getHistory(), "from the clone");
-    model->setIsInstalled(false);
-    temp.write("clone2/.plaz/.catalog/boards/x/changelog.txt", "hidden");
-    storeModel.setLocalRootDir(temp.path("clone2"));
-    EXPECT_EQ(item.getHistory(), "hidden");
-    model->setIsInstalled(true);
     temp.write("installed/changelog.txt", "installed");
     EXPECT_EQ(item.getHistory(), "installed");
 }

@@ -7,11 +7,8 @@ namespace {
 class GitClone : public GitTest {
 protected:
     GitClone() {
-        remote.write("catalog.json", "1")
-            .write("a/item.json", "{}")
-            .write("a/changelog.txt", "log")
-            .write("a/big", "x");
-        remote.write("b/item.json", "{}").commit();
+        for (const char* file : {"a/item.json", "a/changelog.txt", "a/big", "b/item.json"}) remote.write(file, "{}");
+        remote.write("catalog.json", "1").commit();
         model.setUrl(remote.getDir());
     }
     bool load(const Names& files = {"catalog.json"}) {
@@ -63,28 +60,25 @@ TEST_F(GitClone, CatalogFilesFollowTheBranch) {
 
 // Fault: a working copy that is not this store's, or not whole, is used; or one that is whole is thrown away.
 TEST_F(GitClone, DamagedOrForeignWorkingCopyIsMadeAfresh) {
-    const auto crash = [this] {
-        for (const char* file : {"/config.lock", "/refs/remotes/origin/master.lock", "/objects/pack/tmp_pack_x"})
-            temp.write("area/.plaz/.index/.git" + std::string(file), "");
-    };
-    const auto loseOrigin = [this] { temp.write("area/.plaz/.index/.git/config", "[core]\n\tbare = false\n"); };
-    const auto loseMarker = [this] { HUTFile::rmRecursive(index + "/.done"); };
-    const auto loseGit = [this] { HUTFile::rmRecursive(index + "/.git"); };
-    const auto moveStore = [this] {
-        fs::rename(temp.path("remote"), temp.path("moved"));
-        model.setUrl(temp.path("moved"));
-    };
-    for (const auto& [damage, isKept] : {std::pair<std::function<void()>, bool>{crash, true},
-                                         {loseOrigin, false},
-                                         {loseMarker, false},
-                                         {loseGit, false},
-                                         {moveStore, false}}) {
+    const std::string gitDir = "area/.plaz/.index/.git";
+    const std::function<void()> damages[] = {
+        [&] { // a crash, after which all is whole
+            for (const char* file : {"/config.lock", "/refs/remotes/origin/master.lock", "/objects/pack/tmp_pack_x"})
+                temp.write(gitDir + file, "");
+        },
+        [&] { temp.write(gitDir + "/config", "[core]\n\tbare = false\n"); },
+        [&] { HUTFile::rmRecursive(index + "/.done"); }, [&] { HUTFile::rmRecursive(index + "/.git"); },
+        [&] {
+            fs::rename(temp.path("remote"), temp.path("moved"));
+            model.setUrl(temp.path("moved"));
+        }};
+    for (const auto& damage : damages) {
         ASSERT_TRUE(load());
         temp.write(mark, "");
         damage();
         EXPECT_NE(stage(), 0);
-        EXPECT_EQ(HUTFile::exists(temp.path(mark)), isKept);
-        EXPECT_FALSE(HUTFile::exists(index + "/.git/objects/pack/tmp_pack_x"));
+        EXPECT_EQ(HUTFile::exists(temp.path(mark)), &damage == damages);
+        EXPECT_FALSE(HUTFile::exists(temp.path(gitDir + "/objects/pack/tmp_pack_x")));
         EXPECT_TRUE(load());
     }
     EXPECT_EQ(takeIds(), Names{});
@@ -114,19 +108,15 @@ TEST_F(GitClone, BoardStoreFollowsItsParameter) {
 
 // Faults: git is given a URL, branch or path that makes it do something else; switched-off access is used.
 TEST_F(GitClone, NothingRunsForARefusedStoreOrWithoutAccess) {
-    const std::string url = remote.getDir();
-    for (const auto& [storeUrl, branch, file] :
-         {std::tuple<std::string, std::string, std::string>{"ext::sh -c x", "", "f"},
-          {"--upload-pack=x", "", "f"},
-          {"", "", "f"},
-          {url, "--orphan", "f"},
-          {url, "", "../f"},
-          {url, "", "f\n/*"}}) {
+    const auto refuses = [this](const std::string& storeUrl, const std::string& branch, const std::string& file) {
         model.setUrl(storeUrl);
         model.setBranch(branch);
         EXPECT_FALSE(load({file}));
         EXPECT_EQ(takeIds(), Names{"17-2161"}) << storeUrl << branch << file;
-    }
+    };
+    for (const char* address : {"ext::sh -c x", "--upload-pack=x", ""}) refuses(address, "", "f");
+    for (const char* file : {"../f", "f\n/*"}) refuses(remote.getDir(), "", file);
+    refuses(remote.getDir(), "--orphan", "f");
     model.setBranch("");
     EXPECT_FALSE(load({}));
     EXPECT_FALSE(HUTFile::exists(index));
@@ -142,14 +132,12 @@ TEST_F(GitClone, NothingRunsForARefusedStoreOrWithoutAccess) {
 TEST_F(GitClone, CatalogUpdateFetchesItemFiles) {
     EXPECT_TRUE(git.updateCatalog(&model)) << "no items";
     for (const char* root : {"../b", "a", "b"}) {
-        auto item = std::make_unique<HSCPlazQItemModel>();
+        HSCPlazQItemModel* item = model.addItem(std::make_unique<HSCPlazQItemModel>());
         item->setRoot(root);
         item->setMetadataFile("item.json");
-        model.addItem(std::move(item));
     }
     model.setIsProductSpecific(false);
-    EXPECT_TRUE(git.updateCatalog(&model)) << "not for this product";
-    EXPECT_FALSE(HUTFile::exists(index));
+    EXPECT_TRUE(git.updateCatalog(&model) && !HUTFile::exists(index)) << "not for this product";
     model.setIsProductSpecific(true);
     EXPECT_TRUE(git.updateCatalog(&model));
     EXPECT_EQ(HUTFile::createFileIter(staging), (Names{".done", ".git", "a", "b"}));

@@ -5,10 +5,15 @@
 #include "support/HPAParamMgr.h"
 #include "support/TempDir.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <string>
 #include <vector>
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using Strings = std::vector<std::string>;
 
 /// Files in a directory of the test's own, the running product fixed, and every message caught.
 class ReaderTest : public ::testing::Test {
@@ -34,8 +39,8 @@ protected:
         HPAParamMgr::getParamMgr().setValue(name, value ? "true" : "false");
     }
     /// "12-102 file|place" of each message caught since the last call.
-    std::vector<std::string> takeMessages() {
-        std::vector<std::string> taken;
+    Strings takeMessages() {
+        Strings taken;
         for (const auto& message : messages) {
             std::string line = message.id;
             for (std::size_t i = 0; i < message.args.size(); ++i) line += (i == 0 ? " " : "|") + message.args[i];

@@ -3,7 +3,6 @@
 #include "support/HUTFile.h"
 
 #include <algorithm>
-#include <stdexcept>
 
 namespace {
 
@@ -30,11 +29,9 @@ StoreOnDisk::StoreOnDisk(const TempDir& dir, std::string name, std::string type,
       m_repo(dir.path("repos/" + m_name), "master") {}
 
 StoreOnDisk::Item& StoreOnDisk::find(const std::string& name) {
-    const auto found =
-        std::find_if(m_items.begin(), m_items.end(), [&](const Item& item) { return item.name == name; });
-    if (found != m_items.end()) return *found;
-    m_items.push_back({name, {}});
-    return m_items.back();
+    for (Item& item : m_items)
+        if (item.name == name) return item;
+    return m_items.emplace_back(Item{name, {}});
 }
 
 StoreOnDisk& StoreOnDisk::item(const std::string& name, const std::string& revision, const std::vector<Needs>& needs) {
@@ -48,18 +45,6 @@ StoreOnDisk& StoreOnDisk::item(const std::string& name, const std::string& revis
 void StoreOnDisk::withdraw(const std::string& name) {
     m_items.erase(std::remove_if(m_items.begin(), m_items.end(), [&](const Item& item) { return item.name == name; }),
                   m_items.end());
-}
-
-std::string StoreOnDisk::commitOf(const std::string& name, const std::string& revision) const {
-    for (const Item& item : m_items)
-        for (const Revision& entry : item.revisions)
-            if (item.name == name && entry.revision == revision) return entry.commit;
-    throw std::logic_error("no such revision: " + name + "@" + revision);
-}
-
-void StoreOnDisk::setCommit(const std::string& name, const std::string& revision, const std::string& commit) {
-    for (Revision& entry : find(name).revisions)
-        if (entry.revision == revision) entry.commit = commit;
 }
 
 void StoreOnDisk::ship(const std::string& storesData) const {

@@ -25,10 +25,6 @@ public:
     StoreOnDisk& item(const std::string& name, const std::string& revision, const std::vector<Needs>& needs = {});
     /// Leaves an item out of the catalog; the commits stay.
     void withdraw(const std::string& name);
-    /// The commit recorded for a revision.
-    std::string commitOf(const std::string& name, const std::string& revision) const;
-    /// Puts another commit into the catalog.
-    void setCommit(const std::string& name, const std::string& revision, const std::string& commit);
     /// Writes store metadata, catalog and item metadata below @p storesData.
     void ship(const std::string& storesData) const;
     /// The store's entry in the hub's metadata file.

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "plaz/HSCPlazMgr.h"
+#include "plaz/HSCPlazPathMgr.h"
+#include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazModel.h"
+#include "plaz/model/HSCPlazQItem.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "support/ComMsgMgr.h"
+#include "support/HPAParamMgr.h"
+#include "support/HUTFile.h"
+#include "support/HubOnDisk.h"
+
+#include <boost/filesystem.hpp>
+#include <gtest/gtest.h>
+
+using Ids = std::vector<std::string>;
+
+/// A hub on disk, and the ids of the messages sent. Each test starts the one manager of its process.
+class HubOnDiskTest : public testing::Test {
+protected:
+    HubOnDiskTest() {
+        ComMsgMgr::setSink([this](const ComMsgMgr::Message& message) { ids.push_back(message.id); });
+    }
+    ~HubOnDiskTest() override { ComMsgMgr::setSink({}); }
+
+    HubOnDisk files;
+    Ids ids;
+};
