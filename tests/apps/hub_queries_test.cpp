@@ -22,7 +22,7 @@ struct Entry {
     bool isInstalled = false;
     bool needsRefresh = false;
     const char* mode = "user";
-    std::string category = "";
+    const char* category = "";
     const char* displayName = "";
 };
 
