@@ -100,7 +100,7 @@ StoreResult HubActions::refresh(HSCPlazQStore& store) {
         return HSCPlazTaskMgr::loadCatalog(&m_hub, &store, m_status) && HSCPlazTaskMgr::updateCatalog(&store, m_status);
     });
     if (!isDone && !HUTFork::isInterrupted())
-        ComMsgMgr::send(ShellMsg::storeNotRefreshed, MsgSeverity::error, store.getName());
+        ComMsgMgr::send(Msg::storeNotRefreshed, MsgSeverity::error, store.getName());
     return resultOf(store, "refreshed", isDone);
 }
 

@@ -14,7 +14,6 @@ inline constexpr MsgId<0> nothingToUpdate{"@17-2186@"};
 inline constexpr MsgId<2> filesNotValid{"@17-2187@%s%s"};   ///< how many, of how many
 inline constexpr MsgId<1> itemFetchedAgain{"@17-2188@%s"};  ///< display name
 inline constexpr MsgId<1> unexpectedFailure{"@17-2189@%s"}; ///< what the system or a library said
-inline constexpr MsgId<1> storeNotRefreshed{"@17-2191@%s"}; ///< store
 inline constexpr MsgId<2> storeNotMoved{"@17-2192@%s%s"};   ///< store, directory
 inline constexpr MsgId<0> cancelled{"@17-2190@"};
 } // namespace ShellMsg

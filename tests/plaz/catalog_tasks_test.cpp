@@ -11,6 +11,8 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
+
 namespace {
 
 using Ids = std::vector<std::string>;
@@ -26,11 +28,12 @@ protected:
     ~CatalogTasksTest() override { ComMsgMgr::setSink({}); }
 
     /// Commits store metadata and catalog as they are now.
-    void publish() {
-        tcl.ship(files.temp.path("published"));
+    void publish() { publish(tcl); }
+    void publish(StoreOnDisk& published) {
+        published.ship(files.temp.path("published"));
         for (const char* file : {"store.json", "catalog.json"})
-            tcl.getRepo().write(file, readFile(files.temp.path("published/tcl/") + file));
-        tcl.getRepo().commit();
+            published.getRepo().write(file, readFile(files.temp.path("published/" + published.getName() + "/") + file));
+        published.getRepo().commit();
     }
     static HSCPlaz& hub() { return HSCPlazMgr::getInstance().getHub(); }
     static HSCPlazQStore& store() { return *hub().getStore("tcl"); }
@@ -38,6 +41,15 @@ protected:
         return HSCPlazTaskMgr::loadCatalog(&hub(), &store(), status) && HSCPlazTaskMgr::updateCatalog(&store(), status);
     }
     Ids takeIds() { return std::move(ids); }
+    /// The id of the message that a task throws; "" when it throws none.
+    static std::string thrownBy(const std::function<void()>& task) {
+        try {
+            task();
+        } catch (const HEXAll& failure) {
+            return failure.getMsg().getId();
+        }
+        return "";
+    }
 
     HubOnDisk files;
     StoreOnDisk& tcl;
@@ -84,8 +96,8 @@ TEST_F(CatalogTasksTest, WhatFailsLeavesTheOldCatalogInForce) {
     takeIds();
     tcl.getRepo().write("catalog.json", "{\"catalog\": ");
     tcl.getRepo().commit();
-    EXPECT_FALSE(refresh());
-    EXPECT_EQ(takeIds(), (Ids{"17-2140", "17-2134"}));
+    EXPECT_EQ(thrownBy([] { refresh(); }), "17-2134");
+    EXPECT_EQ(takeIds(), Ids{"17-2140"});
     HDGUIStatus status;
     status.cancel();
     EXPECT_FALSE(refresh(&status));
@@ -135,4 +147,89 @@ TEST_F(CatalogTasksTest, StoresMoveToADirectoryOfTheUsersChoice) {
     ASSERT_TRUE(HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), files.temp.path("other")));
     ASSERT_TRUE(HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), files.temp.path("mine")));
     EXPECT_TRUE(store().getItem("a")->IsInstalled());
+}
+
+/// A hub whose own repository publishes what publishHub() puts there.
+class HubRefreshTest : public CatalogTasksTest {
+protected:
+    HubRefreshTest() {
+        files.temp.write("data/plaz/plaz_config.json",
+                         R"({"plaz": {"remote_repository": {"url": "file://)" + repository.getDir() + R"("}}})");
+    }
+    void publishHub(const std::string& metadata) { repository.write("plaz.json", metadata).commit(); }
+    static bool refreshHub(HDGUIStatus* status = nullptr) { return HSCPlazTaskMgr::updateCatalog(&hub(), status); }
+
+    GitRepo repository{files.temp.path("hub")};
+    const std::string refreshed = files.area("plaz/plaz.json");
+};
+
+// A new store, put before the others, takes the place of the one that was there; objects that outlive a refresh.
+TEST_F(HubRefreshTest, RebuildsTheHubFromWhatIsPublished) {
+    ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), store().getItem("a"), true, nullptr));
+    HSCPlazMgr::getInstance().setCurrentStore(&store());
+    const HSCPlaz* const before = &hub();
+    StoreOnDisk extra(files.temp, "extra", "ced", false);
+    StoreOnDisk broken(files.temp, "broken", "ced", false);
+    extra.item("b", "1", {{"tcl", "a", ""}});
+    tcl.item("a", "2");
+    publish(extra);
+    publish();
+    publishHub(R"({"_major": 1, "_minor": 0, "plaz": {"qstores": [)" + extra.entry() + "," + broken.entry() + "," +
+               tcl.entry() + "]}}");
+    takeIds();
+    HDGUIStatus status;
+    std::vector<double> percents;
+    status.setObserver([&](const HDGUIStatus& changed) { percents.push_back(changed.getPercentComplete()); });
+    ASSERT_TRUE(refreshHub(&status));
+    EXPECT_EQ(takeIds().back(), "17-2191"); // the broken one, and it alone
+    EXPECT_TRUE(std::is_sorted(percents.begin(), percents.end()) && percents.back() == 100);
+    EXPECT_EQ(&hub(), before);
+    ASSERT_EQ(hub().getStores().size(), 3U);
+    EXPECT_EQ(HSCPlazMgr::getInstance().getCurrentStore(), &store());
+    EXPECT_EQ(store().getLocalRootDir(), files.area("ced_store"));
+    EXPECT_TRUE(store().getItem("a", "1")->IsInstalled() && store().getItem("a", "1")->NeedsRefresh());
+    EXPECT_EQ(store().getItem("a")->getRevision(), "2");
+    ASSERT_NE(hub().getStore("extra")->getItem("b"), nullptr);
+    EXPECT_EQ(hub().getStore("extra")->getLocalRootDir(), files.area("ced_store_extra"));
+    EXPECT_TRUE(HUTFile::exists(refreshed));
+    EXPECT_FALSE(HUTFile::exists(files.area("plaz/.staging")));
+    EXPECT_TRUE(HSCPlazTaskMgr::install(&hub(), hub().getStore("extra")->getItem("b"), true, nullptr));
+
+    publishHub(R"({"_major": 1, "_minor": 0, "plaz": {"qstores": [)" + extra.entry() + "]}}");
+    ASSERT_TRUE(refreshHub());
+    EXPECT_EQ(takeIds().back(), "17-2178");
+    EXPECT_EQ(hub().getStores().size(), 1U);
+    EXPECT_EQ(HSCPlazMgr::getInstance().getCurrentStore(), nullptr);
+    EXPECT_EQ(hub().getStore("extra")->getLocalRootDir(), files.area("ced_store_extra"));
+}
+
+// A hub refresh that fails and leaves half of a new hub.
+TEST_F(HubRefreshTest, WhatFailsLeavesTheHubAsItWas) {
+    const HSCPlazQStore* const before = &store();
+    publishHub(R"({"_major": 1, "plaz": {"qstores": [)");
+    EXPECT_EQ(thrownBy([] { refreshHub(); }), "17-2136");
+    EXPECT_EQ(takeIds(), Ids{"17-2140"});
+    HDGUIStatus status;
+    status.cancel();
+    EXPECT_FALSE(refreshHub(&status));
+    EXPECT_EQ(takeIds(), Ids{});
+    HPAParamMgr::getParamMgr().setValue("plaz.enableRemoteAccess", "false");
+    EXPECT_FALSE(refreshHub() || HSCPlazTaskMgr::updateCatalog(static_cast<HSCPlaz*>(nullptr), nullptr));
+    EXPECT_EQ(takeIds(), Ids{"17-1571"});
+    EXPECT_EQ(&store(), before);
+    EXPECT_FALSE(HUTFile::exists(refreshed));
+}
+
+// A start that forgets the refreshed hub, or that a damaged file of it keeps from the shipped one.
+TEST_F(HubRefreshTest, StartsFromTheRefreshedMetadata) {
+    StoreOnDisk extra(files.temp, "extra", "ced", false);
+    files.temp.write("appdata/2024.2/plaz/plaz/plaz.json",
+                     R"({"_major": 1, "_minor": 0, "plaz": {"qstores": [)" + extra.entry() + "]}}");
+    EXPECT_EQ(hub().getStores().size(), 1U);
+    EXPECT_NE(hub().getStore("extra"), nullptr);
+}
+
+TEST_F(HubRefreshTest, StartsFromTheShippedMetadataWhereTheRefreshedIsDamaged) {
+    files.temp.write("appdata/2024.2/plaz/plaz/plaz.json", "{");
+    EXPECT_NE(hub().getStore("tcl"), nullptr);
 }

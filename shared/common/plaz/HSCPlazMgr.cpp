@@ -101,10 +101,22 @@ HSCPlaz& HSCPlazMgr::getHub() {
     if (m_hubModel) return *m_hub;
     initHub();
     buildHub();
-    m_hub->setGlobalMode(true);
-    applyDefaultStoreLocations();
-    restoreInstalledState();
     return *m_hub;
+}
+
+void HSCPlazMgr::rebuildHub(std::unique_ptr<HSCPlazModel> model) {
+    if (!model) return;
+    const HSCPlazQStore* current = getCurrentStore();
+    const std::string currentName = current ? current->getName() : std::string();
+    while (!m_hub->getStores().empty()) m_hub->removeStore(m_hub->getStores().back());
+    m_hubModel = std::move(model);
+    for (const auto& store : m_hubModel->getStores()) store->setLocalRootDir("");
+    m_sharedHubModel = std::make_unique<HSCPlazModel>();
+    m_sharedHubModel->setRoot(m_hubModel->getRoot());
+    m_sharedHubModel->setMetadataFile(m_hubModel->getMetadataFile());
+    readStores();
+    buildHub();
+    m_currentStore = current ? m_hub->getStore(currentName) : nullptr;
 }
 
 void HSCPlazMgr::initHub() {
@@ -128,13 +140,19 @@ void HSCPlazMgr::initHub() {
     } else if (!readHubMetadata()) {
         return;
     }
+    readStores();
+}
+
+void HSCPlazMgr::readStores() {
     readSharedHubMetadata();
     preferRefreshedStores();
     loadStores();
 }
 
 bool HSCPlazMgr::readHubMetadata() {
-    const std::string file = m_pathMgr->getHubMetadataFile();
+    const std::string shipped = m_pathMgr->getHubMetadataFile();
+    const std::string refreshed = m_pathMgr->getRefreshedHubMetadataFile();
+    const std::string file = HUTFile::exists(refreshed) ? refreshed : shipped;
     inside(initHubName, " plazJsonFilePath ", file);
     if (!HUTFile::exists(file)) {
         ComMsgMgr::send(Msg::hubMetadataMissing, MsgSeverity::error);
@@ -148,6 +166,11 @@ bool HSCPlazMgr::readHubMetadata() {
     }
     m_hubModel->setLocalRoot(file);
     HSCPlazReader().parse(file, m_hubModel.get());
+    if (file == refreshed && m_hubModel->getStores().empty()) {
+        // It is damaged: what is shipped still stands.
+        m_hubModel->setLocalRoot(shipped);
+        HSCPlazReader().parse(shipped, m_hubModel.get());
+    }
     return true;
 }
 
@@ -167,12 +190,19 @@ void HSCPlazMgr::readSharedHubMetadata() {
 
 void HSCPlazMgr::loadStores() {
     for (const auto& store : m_hubModel->getStores()) loadStoreCatalog(m_hubModel.get(), store.get(), false);
+    // What is shipped of a store that the hub knows is not read a second time: nobody asks for it.
     for (const auto& store : m_sharedHubModel->getStores())
-        if (m_hubModel->findStore(store->getName()) != store.get())
-            loadStoreCatalog(m_sharedHubModel.get(), store.get(), true);
+        if (!m_hubModel->findStore(store->getName())) loadStoreCatalog(m_sharedHubModel.get(), store.get(), true);
 }
 
 void HSCPlazMgr::buildHub() {
+    buildObjects();
+    m_hub->setGlobalMode(true);
+    applyDefaultStoreLocations();
+    restoreInstalledState();
+}
+
+void HSCPlazMgr::buildObjects() {
     m_hub->setModel(m_hubModel.get());
     for (const auto& model : m_hubModel->getStores()) {
         auto store = std::make_unique<HSCPlazQStore>(m_hub.get());

@@ -37,6 +37,16 @@ public:
     /// Msg::dataAccessOff, and what the readers report.
     HSCPlaz& getHub();
 
+    /// Builds the hub anew from a model that holds what the refreshed hub metadata says, and takes the model. The
+    /// stores are read and placed as at start-up. The hub stays the object that it is; its stores and items are new
+    /// ones. The selected store is the one of the same name, or null when that is gone. Null is ignored.
+    void rebuildHub(std::unique_ptr<HSCPlazModel> model);
+    /// Gives the stores of another hub model the places on disk that they have, or will have, in this hub, and tells
+    /// them which catalog file and branch have been known until now. The places of today's stores are recorded first,
+    /// so that no other order of the stores moves them.
+    /// @return false when they could not be recorded
+    bool placeStores(HSCPlazModel& model);
+
     /// Takes over what other processes have installed and removed since the hub was built or this was called last.
     void updateInstalledState();
 
@@ -65,16 +75,20 @@ private:
     ~HSCPlazMgr();
     void initHub();
     bool readHubMetadata();
+    void readStores();
     void readSharedHubMetadata();
     void loadStores();
     void buildHub();
+    void buildObjects();
+    bool keepDefaultFolders();
     void applyDefaultStoreLocations();
     void restoreInstalledState();
     void mergeLocalDb(HSCPlazQStoreModel& store);
     void loadStoreFromArea(HSCPlazModel* hubModel, HSCPlazQStoreModel* storeModel);
     bool loadStoreFromData(HSCPlazModel* hubModel, HSCPlazQStoreModel* storeModel);
+    std::string keptFolder(const HSCPlazQStoreModel& store) const;
     std::string defaultStoreDir(const HSCPlazQStoreModel& store) const;
-    std::vector<std::string> defaultStoreDirs() const;
+    std::vector<std::string> defaultStoreDirs(const HSCPlazModel& hubModel) const;
     void preferRefreshedStores();
     void placeStore(HSCPlazQStoreModel& store, const std::string& dir) const;
 

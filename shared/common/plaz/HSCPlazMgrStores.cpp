@@ -20,8 +20,9 @@
 #include "support/HUTFile.h"
 
 #include <boost/algorithm/string/predicate.hpp>
+#include <boost/filesystem/path.hpp>
 
-#include <unordered_set>
+#include <unordered_map>
 #include <vector>
 
 using HSCPlazLogger::inside;
@@ -172,28 +173,69 @@ void HSCPlazMgr::loadStoreFromGdaData(HSCPlazQStoreModel* storeModel) {
     storeModel->setLocalRootDir(area);
 }
 
+/// The folder of the user area that was recorded as the store's default place; empty when none was.
+std::string HSCPlazMgr::keptFolder(const HSCPlazQStoreModel& store) const {
+    for (const auto& kept : m_repoInfoMgr->getDefaultFolders())
+        if (kept.store == store.getName()) return kept.directory;
+    return "";
+}
+
 std::string HSCPlazMgr::defaultStoreDir(const HSCPlazQStoreModel& store) const {
     const std::string recorded = m_repoInfoMgr->getStoreDirectory(store.getName());
     if (!recorded.empty()) return store.getRoot().empty() ? recorded : joined(recorded, store.getRoot());
     if (!HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableBoardStoreDefaultLocation")) return "";
+    const std::string kept = keptFolder(store);
+    if (!kept.empty()) return joined(m_pathMgr->getUserAreaRoot(), kept);
     const bool holdsBoards = boost::algorithm::iequals(store.getStoreType(), "board");
     return joined(m_pathMgr->getUserAreaRoot(), holdsBoards ? boardStoreDir : otherStoreDir);
 }
 
-std::vector<std::string> HSCPlazMgr::defaultStoreDirs() const {
-    std::unordered_set<std::string> taken;
+std::vector<std::string> HSCPlazMgr::defaultStoreDirs(const HSCPlazModel& hubModel) const {
+    // A folder that became a store's default place is no other store's, whatever the order of the hub's metadata is
+    // now.
+    std::unordered_map<std::string, std::string> owners;
+    for (const auto& kept : m_repoInfoMgr->getDefaultFolders())
+        owners.try_emplace(joined(m_pathMgr->getUserAreaRoot(), kept.directory), kept.store);
     std::vector<std::string> dirs;
-    for (const auto& store : m_hubModel->getStores()) {
+    for (const auto& store : hubModel.getStores()) {
         std::string dir = defaultStoreDir(*store);
         // Two stores in one directory would take each other's working copy, items and database away.
-        while (!dir.empty() && !taken.insert(dir).second) dir += "_" + HSCPlazPathMgr::getStoreFolder(*store);
+        while (!dir.empty() && owners.try_emplace(dir, store->getName()).first->second != store->getName())
+            dir += "_" + HSCPlazPathMgr::getStoreFolder(*store);
         dirs.push_back(dir);
     }
     return dirs;
 }
 
+bool HSCPlazMgr::keepDefaultFolders() {
+    if (!HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableBoardStoreDefaultLocation")) return true;
+    std::vector<HSCPlazRepoInfoMgr::Record> folders = m_repoInfoMgr->getDefaultFolders();
+    const std::vector<std::string> dirs = defaultStoreDirs(*m_hubModel);
+    for (std::size_t position = 0; position < dirs.size(); ++position) {
+        const HSCPlazQStoreModel& store = *m_hubModel->getStores()[position];
+        if (m_repoInfoMgr->getStoreDirectory(store.getName()).empty() && keptFolder(store).empty())
+            folders.push_back({store.getName(), boost::filesystem::path(dirs[position]).filename().string()});
+    }
+    return m_repoInfoMgr->setDefaultFolders(folders);
+}
+
+bool HSCPlazMgr::placeStores(HSCPlazModel& model) {
+    if (!keepDefaultFolders()) return false;
+    const std::vector<std::string> dirs = defaultStoreDirs(model);
+    for (std::size_t position = 0; position < dirs.size(); ++position) {
+        HSCPlazQStoreModel& store = *model.getStores()[position];
+        store.setLocalRootDir(dirs[position]);
+        const HSCPlazQStoreModel* known = m_hubModel->findStore(store.getName());
+        if (!known) continue;
+        store.setLocalRootDir(known->getLocalRootDir());
+        store.setBranchToSync(known->getBranchToSync());
+        store.setCatalogFile(known->getCatalogFile());
+    }
+    return true;
+}
+
 void HSCPlazMgr::preferRefreshedStores() {
-    const std::vector<std::string> dirs = defaultStoreDirs();
+    const std::vector<std::string> dirs = defaultStoreDirs(*m_hubModel);
     for (std::size_t position = 0; position < dirs.size(); ++position) {
         HSCPlazQStoreModel& store = *m_hubModel->getStores()[position];
         // The marker tells that a first refresh has come to its end.
@@ -204,7 +246,7 @@ void HSCPlazMgr::preferRefreshedStores() {
 }
 
 void HSCPlazMgr::applyDefaultStoreLocations() {
-    const std::vector<std::string> dirs = defaultStoreDirs();
+    const std::vector<std::string> dirs = defaultStoreDirs(*m_hubModel);
     for (std::size_t position = 0; position < dirs.size(); ++position)
         if (HSCPlazQStoreModel& store = *m_hubModel->getStores()[position]; store.isProductSpecific())
             placeStore(store, dirs[position]);

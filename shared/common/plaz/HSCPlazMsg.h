@@ -15,6 +15,7 @@ inline constexpr MsgId<1> itemInstallFailed{"@17-1567@%s"};       ///< display n
 inline constexpr MsgId<1> itemHeld{"@17-1568@%s"};                ///< display name
 inline constexpr MsgId<0> hubMetadataMissing{"@17-1569@"};
 inline constexpr MsgId<2> itemInstalling{"@17-1570@%s%s"};     ///< display name, store URL
+inline constexpr MsgId<1> hubRemoteAccessOff{"@17-1571@%s"};   ///< hub root
 inline constexpr MsgId<1> itemAlreadyInstalled{"@17-1572@%s"}; ///< display name
 inline constexpr MsgId<1> itemInstalled{"@17-1573@%s"};        ///< display name
 inline constexpr MsgId<1> itemRemoved{"@17-1574@%s"};          ///< display name
@@ -33,6 +34,7 @@ inline constexpr MsgId<2> fetchedItemInvalid{"@17-2133@%s%s"};  ///< item, file
 inline constexpr MsgId<1> storeWithoutCatalogs{"@17-1929@%s"};  ///< store
 inline constexpr MsgId<2> catalogFileInvalid{"@17-2134@%s%s"};  ///< store, file
 inline constexpr MsgId<2> storeFileInvalid{"@17-2135@%s%s"};    ///< store, file
+inline constexpr MsgId<1> hubFileInvalid{"@17-2136@%s"};        ///< file
 inline constexpr MsgId<2> itemCatalogInvalid{"@17-2139@%s%s"};  ///< file, item
 inline constexpr MsgId<1> fileNameEmpty{"@17-2137@%s"};         ///< the (empty) name
 inline constexpr MsgId<1> fileMissing{"@17-2138@%s"};           ///< file
@@ -46,5 +48,7 @@ inline constexpr MsgId<1> itemNotInstalled{"@17-2165@%s"};      ///< display nam
 inline constexpr MsgId<2> removalIncomplete{"@17-2166@%s%s"};   ///< item, directory
 inline constexpr MsgId<2> dependencyUnknown{"@17-2167@%s%s"};   ///< item, store
 inline constexpr MsgId<1> hubBusy{"@17-2168@%s"};               ///< lock file
+inline constexpr MsgId<2> storeWithdrawn{"@17-2178@%s%s"};      ///< store, its area
+inline constexpr MsgId<1> storeNotRefreshed{"@17-2191@%s"};     ///< store
 inline constexpr MsgId<1> clonedRepo{"@60-832@%s"};             ///< directory
 } // namespace Msg

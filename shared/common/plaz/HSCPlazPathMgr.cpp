@@ -94,6 +94,11 @@ std::string HSCPlazPathMgr::getHubMetadataFile() const {
     return base.empty() ? std::string() : join({base, config.getRoot(), config.getMetadataFile()});
 }
 
+std::string HSCPlazPathMgr::getRefreshedHubMetadataFile() const {
+    const HSCPlazCfgModel& config = configOrDefaults(m_config);
+    return getUserAreaRoot(config.getRoot(), false, config.getMetadataFile());
+}
+
 std::string HSCPlazPathMgr::getConfigFile() const {
     const std::string base = hubBase(productDir);
     const std::string own = base.empty() ? std::string() : join({base, productDir, configFile});

@@ -15,6 +15,7 @@ class HSCPlazQStoreModel;
 ///     <shared root>/<root>/<stores root>/<store root>   what is shipped of a store
 ///     <user area>/plaz.lock                             held by the process that installs or removes
 ///     <user area>/plaz_stores.json                      where the stores live
+///     <user area>/<root>/plaz.json                      the hub's metadata as it was refreshed last
 ///     <store area>/.plaz/.index                         a store's working copy
 ///     <store area>/.plaz/.catalog                       metadata of items that are not installed
 ///     <store area>/.plaz/plaz_local_db.json             what is installed
@@ -34,8 +35,10 @@ public:
     /// Staging directory of a hub or store with root name @p root, created when it is missing.
     std::string getStagingPath(const std::string& root) const;
 
-    /// The hub metadata file; it need not exist.
+    /// The shipped hub metadata file; it need not exist.
     std::string getHubMetadataFile() const;
+    /// Where a refresh of the hub puts its metadata; goes before the shipped file where it exists.
+    std::string getRefreshedHubMetadataFile() const;
     /// The configuration file; it need not exist.
     std::string getConfigFile() const;
     /// Shipped data of all stores: the directory that holds one folder per store.

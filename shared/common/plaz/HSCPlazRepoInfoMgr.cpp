@@ -10,6 +10,45 @@
 
 using Json = HCRapidJsonReadWriteUtils;
 
+namespace {
+
+constexpr const char* chosenKey = "qstores";
+constexpr const char* defaultsKey = "default_folders";
+
+using Records = std::vector<HSCPlazRepoInfoMgr::Record>;
+
+Records readRecords(const rapidjson::Value& plaz, const char* key) {
+    Records records;
+    const rapidjson::Value* stores = Json::FindArray(plaz, key);
+    if (!stores) return records;
+    for (const rapidjson::Value& store : stores->GetArray())
+        records.push_back({Json::GetStringProperty(store, "name"), Json::GetStringProperty(store, "directory")});
+    return records;
+}
+
+void addRecords(rapidjson::Document& document, rapidjson::Value& plaz, const char* key, const Records& records) {
+    rapidjson::Value stores(rapidjson::kArrayType);
+    for (const auto& record : records) {
+        rapidjson::Value store(rapidjson::kObjectType);
+        Json::AddStringProperty(document, store, "name", record.store);
+        Json::AddStringProperty(document, store, "directory", record.directory);
+        stores.PushBack(store, document.GetAllocator());
+    }
+    Json::AddGenericValueProperty(document, plaz, key, stores);
+}
+
+template <typename List> auto findStore(List& records, const std::string& store) {
+    return std::find_if(records.begin(), records.end(), [&](const auto& record) { return record.store == store; });
+}
+
+bool isSame(const Records& left, const Records& right) {
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(), [](const auto& one, const auto& other) {
+        return one.store == other.store && one.directory == other.directory;
+    });
+}
+
+} // namespace
+
 void HSCPlazRepoInfoMgr::readOnce() {
     if (m_read) return;
     m_read = true;
@@ -24,49 +63,52 @@ void HSCPlazRepoInfoMgr::readOnce() {
         Json::errorParsingJsonFile(m_file, error);
     if (m_damaged) return;
     const rapidjson::Value* plaz = Json::FindObject(document, "plaz");
-    const rapidjson::Value* stores = plaz ? Json::FindArray(*plaz, "qstores") : nullptr;
-    if (!stores) return;
-    for (const rapidjson::Value& store : stores->GetArray())
-        m_records.push_back({Json::GetStringProperty(store, "name"), Json::GetStringProperty(store, "directory")});
+    if (plaz) m_content = {readRecords(*plaz, chosenKey), readRecords(*plaz, defaultsKey)};
 }
 
 std::string HSCPlazRepoInfoMgr::getStoreDirectory(const std::string& storeName) {
     readOnce();
-    const auto found = std::find_if(m_records.begin(), m_records.end(),
-                                    [&](const Record& record) { return record.store == storeName; });
-    return found == m_records.end() ? std::string() : found->directory;
+    const auto found = findStore(m_content.chosen, storeName);
+    return found == m_content.chosen.end() ? std::string() : found->directory;
 }
 
 bool HSCPlazRepoInfoMgr::setStoreDirectory(const std::string& storeName, const std::string& directory) {
     readOnce();
-    std::vector<Record> records = m_records;
-    const auto found =
-        std::find_if(records.begin(), records.end(), [&](const Record& record) { return record.store == storeName; });
-    if (found == records.end())
-        records.push_back({storeName, directory});
+    Content content = m_content;
+    const auto found = findStore(content.chosen, storeName);
+    if (found == content.chosen.end())
+        content.chosen.push_back({storeName, directory});
     else
         found->directory = directory;
+    return replace(std::move(content));
+}
+
+const Records& HSCPlazRepoInfoMgr::getDefaultFolders() {
+    readOnce();
+    return m_content.defaults;
+}
+
+bool HSCPlazRepoInfoMgr::setDefaultFolders(const Records& folders) {
+    readOnce();
+    return isSame(folders, m_content.defaults) || replace({m_content.chosen, folders});
+}
+
+bool HSCPlazRepoInfoMgr::replace(Content content) {
     // What could not be read is not lost: it stays beside the new file.
     if (m_damaged && !HUTFile::copyTo(m_file, m_file + ".bad", HUTFile::copyOver)) return false;
-    if (!write(records)) return false;
+    if (!write(content)) return false;
     m_damaged = false;
-    m_records = std::move(records);
+    m_content = std::move(content);
     return true;
 }
 
-bool HSCPlazRepoInfoMgr::write(const std::vector<Record>& records) const {
+bool HSCPlazRepoInfoMgr::write(const Content& content) const {
     rapidjson::Document document(rapidjson::kObjectType);
-    rapidjson::Value stores(rapidjson::kArrayType);
-    for (const Record& record : records) {
-        rapidjson::Value store(rapidjson::kObjectType);
-        Json::AddStringProperty(document, store, "name", record.store);
-        Json::AddStringProperty(document, store, "directory", record.directory);
-        stores.PushBack(store, document.GetAllocator());
-    }
     rapidjson::Value plaz(rapidjson::kObjectType);
     Json::AddStringProperty(document, plaz, "_major", "1");
     Json::AddStringProperty(document, plaz, "_minor", "0");
-    Json::AddGenericValueProperty(document, plaz, "qstores", stores);
+    addRecords(document, plaz, chosenKey, content.chosen);
+    if (!content.defaults.empty()) addRecords(document, plaz, defaultsKey, content.defaults);
     Json::AddGenericValueProperty(document, document, "plaz", plaz);
     return HUTFile::mkDirRecursive(boost::filesystem::path(m_file).parent_path().string()) &&
            HUTFile::writeAtomically(m_file, Json::toText(document));

@@ -40,11 +40,15 @@ bool HSCPlazTask::isCancelled(const HDGUIStatus* status) {
 }
 
 bool HSCPlazTask::run(HSCPlaz& hub, const HDGUIStatus* status, const std::function<bool()>& task) {
+    HUTFileLock lock(HSCPlazMgr::getInstance().getPathMgr()->getLockFile());
+    if (!lockHub(lock, status)) return false;
+    HSCPlazItemFiles::removeLeftovers(hub);
+    return task();
+}
+
+bool HSCPlazTask::report(const std::function<bool()>& action) {
     try {
-        HUTFileLock lock(HSCPlazMgr::getInstance().getPathMgr()->getLockFile());
-        if (!lockHub(lock, status)) return false;
-        HSCPlazItemFiles::removeLeftovers(hub);
-        return task();
+        return action();
     } catch (const HEXAll& failure) {
         HSCPlazItemFiles::reportUnlessTold(failure);
         return false;

@@ -14,8 +14,10 @@ namespace HSCPlazTask {
 bool isCancelled(const HDGUIStatus* status);
 
 /// Runs a task while this process holds the hub's lock. What other processes have done is taken over first, and what
-/// interrupted tasks have left is removed. An exception, such as that of an area that does not exist, is told and makes
-/// the task fail.
+/// interrupted tasks have left is removed.
+/// @throws HEXAll what the task throws, and when the hub has no area that exists
 bool run(HSCPlaz& hub, const HDGUIStatus* status, const std::function<bool()>& task);
+/// Does something whose exceptions go no further: they are told, and the result is false.
+bool report(const std::function<bool()>& action);
 
 } // namespace HSCPlazTask

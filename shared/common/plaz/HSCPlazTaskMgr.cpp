@@ -116,10 +116,12 @@ bool HSCPlazTaskMgr::install(HSCPlaz* hub, HSCPlazQItem* item, bool quiet, HDGUI
            "\n\tstore name:", item->getStoreName(), "\n\titem revision:", item->getRevision());
     const HSCPlazFoundItem found = Walk::find(*hub, item);
     if (!found) return fail(*item, status);
-    return HSCPlazTask::run(*hub, status, [&] { return installItem(*hub, found, quiet, status); });
+    return HSCPlazTask::report(
+        [&] { return HSCPlazTask::run(*hub, status, [&] { return installItem(*hub, found, quiet, status); }); });
 }
 
 bool HSCPlazTaskMgr::uninstall(HSCPlaz* hub, HSCPlazQItem* item, bool quiet) {
     if (!hub || !item || !item->getModel()) return false;
-    return HSCPlazTask::run(*hub, nullptr, [&] { return uninstallItem(*hub, *item, quiet); });
+    return HSCPlazTask::report(
+        [&] { return HSCPlazTask::run(*hub, nullptr, [&] { return uninstallItem(*hub, *item, quiet); }); });
 }

@@ -38,10 +38,20 @@ public:
     /// Sends Msg::itemRemoved and Msg::dependencyRemoved unless @p quiet.
     static bool uninstall(HSCPlaz* hub, HSCPlazQItem* item, bool quiet);
 
+    /// Fetches the hub's own metadata into the user area, from where the next start reads it, then the metadata file
+    /// and item catalog of every store that it lists, and rebuilds the hub. The hub stays the object that it is; its
+    /// stores and items are new ones. A store that fails keeps the catalog that it has.
+    /// @return false for null, with remote access off (Msg::hubRemoteAccessOff), on cancellation and when the metadata
+    ///         could not be fetched; the hub is as it was then. Stores that had been fetched by then stay fetched.
+    /// @throws HEXAll Msg::hubFileInvalid when the fetched metadata is not whole
+    /// Sends Msg::storeNotRefreshed for each store that fails, after the reason, and Msg::storeWithdrawn for each that
+    /// is no longer offered while something of it is installed.
+    static bool updateCatalog(HSCPlaz* hub, HDGUIStatus* status);
     /// Fetches a store's metadata file and item catalog, and rebuilds the store from them. Until both have come and are
     /// whole the old catalog stays in force. Items and categories of the store are new objects afterwards.
     /// @return false for null arguments, a store without a model, on cancellation and when the fetch failed
-    /// Sends Msg::storeFileInvalid, catalogFileInvalid, dirNotWritable and what the repository sends.
+    /// @throws HEXAll Msg::storeFileInvalid, catalogFileInvalid when what was fetched is not whole
+    /// Sends Msg::dirNotWritable and what the repository sends.
     static bool loadCatalog(HSCPlaz* hub, HSCPlazQStore* store, HDGUIStatus* status);
     /// Fetches the metadata files and change logs of a store's items.
     /// @return true also for a store without items (Msg::storeWithoutCatalogs). An item whose file is not whole keeps

@@ -16,13 +16,17 @@
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/reader/HSCPlazQItemReader.h"
 #include "plaz/model/reader/HSCPlazQStoreReader.h"
+#include "plaz/model/reader/HSCPlazReader.h"
 #include "plaz/model/repo/HSCPlazGit.h"
 #include "plaz/model/repo/HSCPlazGitHead.h"
 #include "plaz/model/repo/HSCPlazRepoFactory.h"
 #include "plaz/pref/HSCPlazUserPref.h"
 #include "support/HDGUIStatus.h"
+#include "support/HPAParamMgr.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
+
+#include <algorithm>
 
 using HSCPlazLogger::inside;
 using HSCPlazTask::isCancelled;
@@ -30,6 +34,7 @@ using HSCPlazTask::isCancelled;
 namespace {
 
 constexpr const char* updateName = "HSCPlazTaskMgr::updateCatalog";
+constexpr const char* loadName = "HSCPlazTaskMgr::loadStoreModelCatalog";
 constexpr const char* hiddenCatalogDir = "/.plaz/.catalog/";
 
 const HSCPlazPathMgr& paths() {
@@ -40,17 +45,30 @@ HSCPlazGit* gitRepo() {
     return dynamic_cast<HSCPlazGit*>(HSCPlazRepoFactory::createRepo(HSCPlazTypes::GIT));
 }
 
-void show(HDGUIStatus* status, const std::string& step, const HSCPlazQStoreModel& store, double percent) {
+HSCPlazGit* gitRepoFor(const char* operation) {
+    inside(operation, " going to get git repo pointer");
+    HSCPlazGit* git = gitRepo();
+    inside(operation, " after repo pointer req");
+    inside(operation, git ? " found repo pointer" : " couldn't get repo pointer");
+    return git;
+}
+
+void show(HDGUIStatus* status, const std::string& step, const std::string& owner, double percent) {
     if (!status) return;
     status->changeAbbrevStatus(step);
-    status->changeStatus(step + " " + (store.getDisplayName().empty() ? store.getName() : store.getDisplayName()));
+    status->changeStatus(step + " " + owner);
     status->changePercentComplete(percent);
 }
 
-/// Removes the staging directory of a store at the end, whatever happens.
+const std::string& shownName(const HSCPlazQStoreModel& store) {
+    return store.getDisplayName().empty() ? store.getName() : store.getDisplayName();
+}
+
+/// Removes a staging directory at the end, whatever happens.
 class StagingGuard {
 public:
-    explicit StagingGuard(const HSCPlazQStoreModel& store) : m_dir(paths().getStoreStagingDir(store)) {}
+    explicit StagingGuard(std::string dir) : m_dir(std::move(dir)) {}
+    explicit StagingGuard(const HSCPlazQStoreModel& store) : StagingGuard(paths().getStoreStagingDir(store)) {}
     ~StagingGuard() { HUTFile::rmRecursive(m_dir); }
     StagingGuard(const StagingGuard&) = delete;
     StagingGuard& operator=(const StagingGuard&) = delete;
@@ -60,6 +78,17 @@ public:
 private:
     std::string m_dir;
 };
+
+/// Puts what was fetched into the place where it counts.
+bool takeFetched(const StagingGuard& staging, const std::string& area) {
+    if (HSCPlazMgr::getInstance().getUserPref().copySrcToDest(staging.getDir(), area)) return true;
+    ComMsgMgr::send(Msg::dirNotWritable, MsgSeverity::error, area);
+    return false;
+}
+
+bool loadFiles(HSCPlazGit& git, HSCPlazBaseModel& owner, const HSTVector<std::string>& files) {
+    return HSCPlazTask::report([&] { return git.loadCatalog(&owner, HSCPlazMgr::getInstance().getPathMgr(), files); });
+}
 
 void requireValid(const MsgId<2>& message, const HSCPlazQStoreModel& store, const std::string& file) {
     if (!HSCPlazUtils::isInstalledFileValid(file))
@@ -75,13 +104,13 @@ void readFetched(const std::string& file, const HSCPlazQStoreModel& store, HSCPl
 
 /// Fetches the store's metadata file and the item catalog that it names into the store's area. What was there stays
 /// until everything has come and is whole.
-bool fetchCatalogFiles(HSCPlazQStoreModel& store, HDGUIStatus* status) {
-    HSCPlazGit* git = gitRepo();
+bool loadStoreModelCatalog(HSCPlazQStoreModel& store, HDGUIStatus* status) {
+    HSCPlazGit* git = gitRepoFor(loadName);
     if (!git || isCancelled(status)) return false;
     const StagingGuard staging(store);
     HSTVector<std::string> files{store.getMetadataFile()};
     if (!store.getCatalogFile().empty()) files.push_back(store.getCatalogFile());
-    if (!git->loadCatalog(&store, HSCPlazMgr::getInstance().getPathMgr(), files)) return false;
+    if (!loadFiles(*git, store, files)) return false;
     HSCPlazQStoreModel fetched;
     readFetched(staging.file(store.getMetadataFile()), store, fetched);
     // The metadata may name another catalog or branch than the one that was known until now.
@@ -90,18 +119,12 @@ bool fetchCatalogFiles(HSCPlazQStoreModel& store, HDGUIStatus* status) {
     if (namesOther && !fetched.getCatalogFile().empty()) {
         if (isCancelled(status)) return false;
         store.setBranchToSync(fetched.getBranchToSync());
-        if (!git->loadCatalog(&store, HSCPlazMgr::getInstance().getPathMgr(),
-                              {store.getMetadataFile(), fetched.getCatalogFile()}))
-            return false;
+        if (!loadFiles(*git, store, {store.getMetadataFile(), fetched.getCatalogFile()})) return false;
     }
     if (!fetched.getCatalogFile().empty())
         requireValid(Msg::catalogFileInvalid, store, staging.file(fetched.getCatalogFile()));
     const std::string area = paths().getStoreArea(store);
-    if (isCancelled(status) || !HUTFile::mkDirRecursive(area)) return false;
-    if (!HSCPlazMgr::getInstance().getUserPref().copySrcToDest(staging.getDir(), area)) {
-        ComMsgMgr::send(Msg::dirNotWritable, MsgSeverity::error, area);
-        return false;
-    }
+    if (isCancelled(status) || !HUTFile::mkDirRecursive(area) || !takeFetched(staging, area)) return false;
     requireValid(Msg::storeFileInvalid, store, area + "/" + store.getMetadataFile());
     return HUTFile::writeAtomically(area + "/.done", "");
 }
@@ -129,18 +152,14 @@ void takeDescription(const StagingGuard& staging, const HSCPlazQStoreModel& stor
 }
 
 bool updateItemCatalogs(HSCPlazQStoreModel& store, HDGUIStatus* status) {
-    HSCPlazGit* git = gitRepo();
-    if (!git) {
-        inside(updateName, " couldn't get repo pointer");
-        return false;
-    }
-    if (isCancelled(status)) return false;
+    HSCPlazGit* git = gitRepoFor(updateName);
+    if (!git || isCancelled(status)) return false;
     if (store.getItems().empty()) {
         ComMsgMgr::send(Msg::storeWithoutCatalogs, MsgSeverity::warning, store.getName());
         return true;
     }
     const StagingGuard staging(store);
-    const bool updated = git->updateCatalog(&store);
+    const bool updated = HSCPlazTask::report([&] { return git->updateCatalog(&store); });
     inside(updateName, updated ? " updated catalog successfully for store " : " failed to update catalog for store ",
            store.getName());
     if (!updated || isCancelled(status)) return false;
@@ -153,6 +172,69 @@ bool updateItemCatalogs(HSCPlazQStoreModel& store, HDGUIStatus* status) {
     return HSCPlazGitHead::moveTo(paths().getStoreIndexDir(store), store.getBranchOrMaster());
 }
 
+/// Fetches the hub's metadata into the user area. @return the file there; empty on failure
+std::string fetchHubMetadata(HSCPlazModel& hub, HDGUIStatus* status) {
+    HSCPlazGit* git = gitRepoFor(updateName);
+    if (!git || isCancelled(status)) return "";
+    const StagingGuard staging(paths().getStagingPath(hub.getRoot()));
+    if (!loadFiles(*git, hub, {hub.getMetadataFile()})) return "";
+    const std::string fetched = staging.file(hub.getMetadataFile());
+    if (!HSCPlazUtils::isInstalledFileValid(fetched))
+        throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::hubFileInvalid, fetched));
+    const std::string area = paths().getUserAreaRoot(hub.getRoot(), true);
+    if (isCancelled(status) || !takeFetched(staging, area)) return "";
+    return area + "/" + hub.getMetadataFile();
+}
+
+std::unique_ptr<HSCPlazModel> readHub(const std::string& file, const HSCPlazModel& known) {
+    auto fresh = std::make_unique<HSCPlazModel>();
+    fresh->setRoot(known.getRoot());
+    fresh->setMetadataFile(known.getMetadataFile());
+    fresh->setRemoteRepository(known.getRemoteRepository());
+    fresh->setCommitId(known.getCommitId());
+    fresh->setHasMetadataFile(true);
+    fresh->setLocalRoot(file);
+    HSCPlazReader().parse(file, fresh.get());
+    return fresh;
+}
+
+/// A store that fails does not stop the others. @return false on cancellation
+bool loadStores(const HSCPlazModel& hub, HDGUIStatus* status) {
+    double count = 0;
+    for (const auto& store : hub.getStores()) {
+        show(status, "Fetching", shownName(*store), 10 + 80 * count++ / static_cast<double>(hub.getStores().size()));
+        const bool isLoaded = HSCPlazTask::report([&] { return loadStoreModelCatalog(*store, status); });
+        if (isCancelled(status)) return false;
+        if (!isLoaded) ComMsgMgr::send(Msg::storeNotRefreshed, MsgSeverity::error, store->getName());
+    }
+    return true;
+}
+
+/// Tells of stores that are gone and leave something behind.
+void reportWithdrawn(const HSCPlazModel& known, const HSCPlazModel& fresh) {
+    for (const auto& store : known.getStores()) {
+        const auto& items = store->getItems();
+        const bool holdsSomething =
+            std::any_of(items.begin(), items.end(), [](const auto& i) { return i->isInstalled(); });
+        if (holdsSomething && !fresh.findStore(store->getName()))
+            ComMsgMgr::send(Msg::storeWithdrawn, MsgSeverity::warning, store->getName(), paths().getStoreArea(*store));
+    }
+}
+
+bool updateHub(HSCPlaz& hub, HDGUIStatus* status) {
+    HSCPlazMgr& manager = HSCPlazMgr::getInstance();
+    show(status, "Fetching", hub.getRoot(), 0);
+    const std::string file = fetchHubMetadata(*hub.getModel(), status);
+    if (file.empty()) return false;
+    auto fresh = readHub(file, *hub.getModel());
+    if (!manager.placeStores(*fresh) || !loadStores(*fresh, status)) return false;
+    reportWithdrawn(*hub.getModel(), *fresh);
+    show(status, "Reading", hub.getRoot(), 90);
+    manager.rebuildHub(std::move(fresh));
+    show(status, "Refreshed", hub.getRoot(), 100);
+    return true;
+}
+
 std::string catalogPath(const HSCPlazQStore* store) {
     if (!store || store->getLocalRootDir().empty()) return "";
     return store->getLocalRootDir() + HUTFile::getDirSeparator() + store->getItemCatalogFile();
@@ -160,10 +242,19 @@ std::string catalogPath(const HSCPlazQStore* store) {
 
 } // namespace
 
+bool HSCPlazTaskMgr::updateCatalog(HSCPlaz* hub, HDGUIStatus* status) {
+    if (!hub || !hub->getModel()) return false;
+    if (!HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableRemoteAccess")) {
+        ComMsgMgr::send(Msg::hubRemoteAccessOff, MsgSeverity::error, hub->getRoot());
+        return false;
+    }
+    return HSCPlazTask::run(*hub, status, [&] { return updateHub(*hub, status); });
+}
+
 bool HSCPlazTaskMgr::updateCatalog(HSCPlazQStore* store, HDGUIStatus* status) {
     if (!store || !store->getModel() || !store->getHub()) return false;
     return HSCPlazTask::run(*store->getHub(), status, [&] {
-        show(status, "Describing items of", *store->getModel(), 50);
+        show(status, "Describing items of", shownName(*store->getModel()), 50);
         return updateItemCatalogs(*store->getModel(), status);
     });
 }
@@ -171,9 +262,10 @@ bool HSCPlazTaskMgr::updateCatalog(HSCPlazQStore* store, HDGUIStatus* status) {
 bool HSCPlazTaskMgr::loadCatalog(HSCPlaz* hub, HSCPlazQStore* store, HDGUIStatus* status) {
     if (isCancelled(status) || !hub || !store || !store->getModel()) return false;
     return HSCPlazTask::run(*hub, status, [&] {
-        show(status, "Fetching", *store->getModel(), 0);
+        show(status, "Fetching", shownName(*store->getModel()), 0);
         // RATIONALE: the store is cleared only once the new catalog is there: a failure leaves the old one in force.
-        if (!fetchCatalogFiles(*store->getModel(), status)) return false;
+        if (!loadStoreModelCatalog(*store->getModel(), status)) return false;
+        show(status, "Reading", shownName(*store->getModel()), 40);
         HSCPlazMgr::getInstance().loadStoreCatalog(hub, store, false);
         return true;
     });
