@@ -220,15 +220,22 @@ TEST_F(HubRefreshTest, WhatFailsLeavesTheHubAsItWas) {
     EXPECT_FALSE(HUTFile::exists(refreshed));
 }
 
-// A start that forgets the refreshed hub, or that a damaged file of it keeps from the shipped one.
+// A start that forgets the refreshed hub; a store that is not shipped and, refreshed, stays without a place.
 TEST_F(HubRefreshTest, StartsFromTheRefreshedMetadata) {
     StoreOnDisk extra(files.temp, "extra", "ced", false);
+    publish(extra.item("b", "1"));
     files.temp.write("appdata/2024.2/plaz/plaz/plaz.json",
                      R"({"_major": 1, "_minor": 0, "plaz": {"qstores": [)" + extra.entry() + "]}}");
     EXPECT_EQ(hub().getStores().size(), 1U);
-    EXPECT_NE(hub().getStore("extra"), nullptr);
+    HSCPlazQStore* const store = hub().getStore("extra");
+    ASSERT_TRUE(store && HSCPlazTaskMgr::loadCatalog(&hub(), store, nullptr));
+    EXPECT_EQ(takeIds(), Ids{});
+    ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), store->getItem("b"), true, nullptr));
+    EXPECT_TRUE(HUTFile::exists(files.area("ced_store/items/b/body.txt")));
+    EXPECT_EQ(store->getLocalDbFilePath(), files.area("ced_store/.plaz/plaz_local_db.json"));
 }
 
+// A damaged file that keeps the hub from the shipped one.
 TEST_F(HubRefreshTest, StartsFromTheShippedMetadataWhereTheRefreshedIsDamaged) {
     files.temp.write("appdata/2024.2/plaz/plaz/plaz.json", "{");
     EXPECT_NE(hub().getStore("tcl"), nullptr);

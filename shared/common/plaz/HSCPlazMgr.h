@@ -46,6 +46,8 @@ public:
     /// so that no other order of the stores moves them.
     /// @return false when they could not be recorded
     bool placeStores(HSCPlazModel& model);
+    /// Gives a store of this hub that has no area of its own yet the one that is meant for it.
+    void placeForRefresh(HSCPlazQStoreModel& store);
 
     /// Takes over what other processes have installed and removed since the hub was built or this was called last.
     void updateInstalledState();
@@ -89,6 +91,7 @@ private:
     std::string keptFolder(const HSCPlazQStoreModel& store) const;
     std::string defaultStoreDir(const HSCPlazQStoreModel& store) const;
     std::vector<std::string> defaultStoreDirs(const HSCPlazModel& hubModel) const;
+    std::vector<std::string> refreshDirs(const HSCPlazModel& hubModel) const;
     void preferRefreshedStores();
     void placeStore(HSCPlazQStoreModel& store, const std::string& dir) const;
 

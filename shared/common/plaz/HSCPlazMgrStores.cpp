@@ -15,6 +15,7 @@
 #include "plaz/model/reader/HSCPlazQItemReader.h"
 #include "plaz/model/reader/HSCPlazQStoreReader.h"
 #include "plaz/model/repo/HSCPlazGit.h"
+#include "plaz/pref/HSCPlazUserPref.h"
 #include "support/HIOStream.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTFile.h"
@@ -36,6 +37,11 @@ constexpr const char* hiddenCatalogDir = ".plaz/.catalog/";
 
 std::string joined(const std::string& dir, const std::string& name) {
     return dir + HUTFile::getDirSeparator() + name;
+}
+
+/// What is shipped is read, but never written to.
+bool hasOwnArea(const HSCPlazQStoreModel& store) {
+    return !store.getLocalRootDir().empty() && store.getLocalRootDir() != store.getGdaDataLoc();
 }
 
 /// Whether a store has a file of that name in a directory. One that a link leads out of there is refused.
@@ -160,6 +166,8 @@ void HSCPlazMgr::loadStoreFromGdaData(HSCPlazQStoreModel* storeModel) {
     if (!storeModel || storeModel->getMetadataFile().empty()) return;
     const std::string dataDir = joined(m_pathMgr->getStoresDataDir(), storeModel->getRoot());
     if (!HUTFile::isDirectory(dataDir)) {
+        // A store that came with a refresh of the hub is not shipped and lacks nothing.
+        if (hasOwnArea(*storeModel) && HSCPlazGit::isInstalled(storeModel->getLocalRootDir())) return;
         ComMsgMgr::send(Msg::shippedDataMissing, MsgSeverity::warning, storeModel->getName());
         return;
     }
@@ -221,26 +229,45 @@ bool HSCPlazMgr::keepDefaultFolders() {
 
 bool HSCPlazMgr::placeStores(HSCPlazModel& model) {
     if (!keepDefaultFolders()) return false;
-    const std::vector<std::string> dirs = defaultStoreDirs(model);
+    const std::vector<std::string> dirs = refreshDirs(model);
     for (std::size_t position = 0; position < dirs.size(); ++position) {
         HSCPlazQStoreModel& store = *model.getStores()[position];
         store.setLocalRootDir(dirs[position]);
         const HSCPlazQStoreModel* known = m_hubModel->findStore(store.getName());
         if (!known) continue;
-        store.setLocalRootDir(known->getLocalRootDir());
+        if (hasOwnArea(*known)) store.setLocalRootDir(known->getLocalRootDir());
         store.setBranchToSync(known->getBranchToSync());
         store.setCatalogFile(known->getCatalogFile());
     }
     return true;
 }
 
+void HSCPlazMgr::placeForRefresh(HSCPlazQStoreModel& store) {
+    if (hasOwnArea(store)) return;
+    const std::vector<std::string> dirs = refreshDirs(*m_hubModel);
+    for (std::size_t position = 0; position < dirs.size(); ++position)
+        if (m_hubModel->getStores()[position].get() == &store) placeStore(store, dirs[position]);
+}
+
+std::vector<std::string> HSCPlazMgr::refreshDirs(const HSCPlazModel& hubModel) const {
+    std::vector<std::string> dirs = defaultStoreDirs(hubModel);
+    try {
+        for (std::size_t position = 0; position < dirs.size(); ++position)
+            if (dirs[position].empty())
+                dirs[position] =
+                    (m_userPref->getUserRepoPath() / hubModel.getStores()[position]->getRoot()).generic_string();
+    } catch (const HEXAll&) {
+        // There is no such place until the environment names one that exists; who needs it will be told.
+    }
+    return dirs;
+}
+
 void HSCPlazMgr::preferRefreshedStores() {
-    const std::vector<std::string> dirs = defaultStoreDirs(*m_hubModel);
+    const std::vector<std::string> dirs = refreshDirs(*m_hubModel);
     for (std::size_t position = 0; position < dirs.size(); ++position) {
         HSCPlazQStoreModel& store = *m_hubModel->getStores()[position];
         // The marker tells that a first refresh has come to its end.
-        const bool isRefreshed = !dirs[position].empty() && HSCPlazGit::isInstalled(dirs[position]);
-        if (isRefreshed && hasFile(store, dirs[position], store.getMetadataFile()))
+        if (HSCPlazGit::isInstalled(dirs[position]) && hasFile(store, dirs[position], store.getMetadataFile()))
             store.setLocalRootDir(dirs[position]);
     }
 }

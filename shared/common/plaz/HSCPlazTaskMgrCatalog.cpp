@@ -263,6 +263,7 @@ bool HSCPlazTaskMgr::loadCatalog(HSCPlaz* hub, HSCPlazQStore* store, HDGUIStatus
     if (isCancelled(status) || !hub || !store || !store->getModel()) return false;
     return HSCPlazTask::run(*hub, status, [&] {
         show(status, "Fetching", shownName(*store->getModel()), 0);
+        HSCPlazMgr::getInstance().placeForRefresh(*store->getModel());
         // RATIONALE: the store is cleared only once the new catalog is there: a failure leaves the old one in force.
         if (!loadStoreModelCatalog(*store->getModel(), status)) return false;
         show(status, "Reading", shownName(*store->getModel()), 40);
