@@ -23,20 +23,6 @@ HSCPlazQStore* addStore(HSCPlaz& hub, HSCPlazQStoreModel& model) {
 
 } // namespace
 
-// A look-up that ignores case, takes the last of two or forgets the next one after a removal.
-TEST(HubTest, FindsTheFirstStoreOfExactlyThatName) {
-    HSCPlazQStoreModel first, second;
-    first.setName("twin");
-    second.setName("twin");
-    HSCPlaz hub, other;
-    HSCPlazQStore* one = addStore(hub, first);
-    HSCPlazQStore* two = addStore(hub, second);
-    EXPECT_EQ(hub.getStore("Twin"), nullptr);
-    EXPECT_EQ(hub.getStore("twin"), one);
-    EXPECT_TRUE(!other.removeStore(one) && hub.removeStore(one));
-    EXPECT_EQ(hub.getStore("twin"), two);
-}
-
 // A look-up by name that takes the first entry instead of the latest, and an index that survives a rename or a reload.
 TEST(StoreTest, FindsItemsByNameAndRevision) {
     HSCPlazQStoreModel model;

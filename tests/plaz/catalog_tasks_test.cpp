@@ -1,31 +1,19 @@
-#include "plaz/HSCPlazMgr.h"
-#include "plaz/HSCPlazTaskMgr.h"
-#include "plaz/model/HSCPlaz.h"
-#include "plaz/model/HSCPlazQItem.h"
-#include "plaz/model/HSCPlazQStore.h"
-#include "support/ComMsgMgr.h"
-#include "support/HDGUIStatus.h"
-#include "support/HPAParamMgr.h"
-#include "support/HUTFile.h"
-#include "support/HubOnDisk.h"
+#include "hub_fixture.h"
 
-#include <gtest/gtest.h>
+#include "plaz/HSCPlazTaskMgr.h"
+#include "support/HDGUIStatus.h"
 
 #include <functional>
 
 namespace {
 
-using Ids = std::vector<std::string>;
-
 /// A store that is shipped with one item; its repository publishes what publish() puts there.
-class CatalogTasksTest : public testing::Test {
+class CatalogTasksTest : public HubOnDiskTest {
 protected:
     CatalogTasksTest() : tcl(files.addStore("tcl", "ced", false)) {
-        ComMsgMgr::setSink([this](const ComMsgMgr::Message& message) { ids.push_back(message.id); });
         tcl.item("a", "1");
         files.ship();
     }
-    ~CatalogTasksTest() override { ComMsgMgr::setSink({}); }
 
     /// Commits store metadata and catalog as they are now.
     void publish() { publish(tcl); }
@@ -35,12 +23,10 @@ protected:
             published.getRepo().write(file, readFile(files.temp.path("published/" + published.getName() + "/") + file));
         published.getRepo().commit();
     }
-    static HSCPlaz& hub() { return HSCPlazMgr::getInstance().getHub(); }
     static HSCPlazQStore& store() { return *hub().getStore("tcl"); }
     static bool refresh(HDGUIStatus* status = nullptr) {
         return HSCPlazTaskMgr::loadCatalog(&hub(), &store(), status) && HSCPlazTaskMgr::updateCatalog(&store(), status);
     }
-    Ids takeIds() { return std::move(ids); }
     /// The id of the message that a task throws; "" when it throws none.
     static std::string thrownBy(const std::function<void()>& task) {
         try {
@@ -51,9 +37,7 @@ protected:
         return "";
     }
 
-    HubOnDisk files;
     StoreOnDisk& tcl;
-    Ids ids;
 };
 
 } // namespace

@@ -23,6 +23,9 @@ protected:
         ComMsgMgr::setSink([this](const ComMsgMgr::Message& message) { ids.push_back(message.id); });
     }
     ~HubOnDiskTest() override { ComMsgMgr::setSink({}); }
+    static HSCPlaz& hub() { return HSCPlazMgr::getInstance().getHub(); }
+    /// The ids sent since the last call.
+    Ids takeIds() { return std::move(ids); }
 
     HubOnDisk files;
     Ids ids;

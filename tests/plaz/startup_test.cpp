@@ -13,7 +13,6 @@ protected:
         files.addStore("boards", "board", true).item("aurora", "1.0");
         files.ship();
     }
-    static HSCPlaz& hub() { return HSCPlazMgr::getInstance().getHub(); }
     void writeDatabase(const std::string& release, const std::string& items) const {
         files.temp.write(boardsDb, R"({"plaz": {"product": "Solvan", "release": ")" + release +
                                        R"(", "qstores": [{"name": "boards", "items": [)" + items +
