@@ -6,6 +6,9 @@
 
 /// A lock that one process at a time holds, by the name of a file. The system lets go of it when the process ends,
 /// however it ends; the file stays.
+///
+/// Child processes that HUTFork starts meanwhile hold it too: where the process is killed, the lock stays until those
+/// that outlive it have ended. Where it lets go itself, they hold it no longer.
 class HOST_API HUTFileLock {
 public:
     enum class Result {

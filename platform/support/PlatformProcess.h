@@ -28,6 +28,10 @@ struct ProcessEnd {
 /// Runs a process in a group of its own and waits for its end; at a time-out or an interrupt the whole group is killed.
 ProcessEnd run(const ProcessSpec& spec);
 
+/// Children that are started from now on, and theirs, hold a file lock too. @p handle is the system's.
+void shareLock(int handle);
+void unshareLock(int handle);
+
 /// Kills the groups of all runs under way and lets later runs end at once, until clearInterrupt().
 /// interruptRuns() may be called from a signal handler.
 void interruptRuns() noexcept;

@@ -1,4 +1,5 @@
 #include "support/HUTFileLock.h"
+#include "support/PlatformProcess.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -6,7 +7,10 @@
 #include <unistd.h>
 
 HUTFileLock::~HUTFileLock() {
-    if (m_handle >= 0) ::close(m_handle);
+    if (m_handle < 0) return;
+    platform::unshareLock(m_handle);
+    ::flock(m_handle, LOCK_UN); // also for a child that goes on
+    ::close(m_handle);
 }
 
 HUTFileLock::Result HUTFileLock::tryLock() {
@@ -15,6 +19,9 @@ HUTFileLock::Result HUTFileLock::tryLock() {
     int status = -1;
     do status = ::flock(m_handle, LOCK_EX | LOCK_NB);
     while (status != 0 && errno == EINTR);
-    if (status == 0) return Result::held;
+    if (status == 0) {
+        platform::shareLock(m_handle);
+        return Result::held;
+    }
     return errno == EWOULDBLOCK ? Result::busy : Result::unavailable;
 }

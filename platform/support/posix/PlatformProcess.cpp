@@ -8,7 +8,9 @@
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
+#include <mutex>
 #include <poll.h>
+#include <set>
 #include <spawn.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
@@ -122,6 +124,33 @@ void resetSignals(Attributes& attributes) {
     posix_spawnattr_setsigdefault(attributes.get(), &all);
 }
 
+/// Descriptors of locks that children hold, too.
+class SharedLocks {
+public:
+    void add(int handle) {
+        const std::lock_guard guard(m_mutex);
+        m_handles.insert(handle);
+    }
+    void remove(int handle) {
+        const std::lock_guard guard(m_mutex);
+        m_handles.erase(handle);
+    }
+    // In ascending order, so that none is overwritten before it has been passed on.
+    std::set<int> get() {
+        const std::lock_guard guard(m_mutex);
+        return m_handles;
+    }
+
+private:
+    std::mutex m_mutex;
+    std::set<int> m_handles;
+};
+
+SharedLocks& sharedLocks() {
+    static SharedLocks locks;
+    return locks;
+}
+
 // Returns 0 or the error number.
 int start(const ProcessSpec& spec, pid_t& pid) {
     const Descriptor log(openLog(spec.logFile));
@@ -133,7 +162,9 @@ int start(const ProcessSpec& spec, pid_t& pid) {
         posix_spawn_file_actions_addopen(actions.get(), 1, "/dev/null", O_WRONLY, 0);
     posix_spawn_file_actions_adddup2(actions.get(), 1, 2);
     if (!spec.dir.empty()) posix_spawn_file_actions_addchdir_np(actions.get(), spec.dir.c_str());
-    posix_spawn_file_actions_addclosefrom_np(actions.get(), 3);
+    int next = 3;
+    for (const int lock : sharedLocks().get()) posix_spawn_file_actions_adddup2(actions.get(), lock, next++);
+    posix_spawn_file_actions_addclosefrom_np(actions.get(), next);
 
     Attributes attributes;
     posix_spawnattr_setflags(attributes.get(), POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
@@ -214,6 +245,14 @@ ProcessEnd run(const ProcessSpec& spec) {
     if (end.how == How::exited && end.status != 0 && isInterrupted()) end.how = How::interrupted;
     if (end.how == How::exited && !isInTime) end.how = How::timedOut;
     return end;
+}
+
+void shareLock(int handle) {
+    sharedLocks().add(handle);
+}
+
+void unshareLock(int handle) {
+    sharedLocks().remove(handle);
 }
 
 void interruptRuns() noexcept {
