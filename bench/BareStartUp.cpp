@@ -206,3 +206,12 @@ std::size_t startUpBare(const std::string& dataDir, const std::string& schemaDir
     }
     return items;
 }
+
+std::size_t readStoreBare(const std::string& dir, const std::string& schemaDir) {
+    static const Schemas schemas(schemaDir); // compiled once in a process, as by the product
+    StoreRecord store;
+    store.metadataFile = "store.json";
+    Reader reader;
+    loadStore(store, dir, reader, schemas);
+    return store.items.size();
+}

@@ -44,12 +44,13 @@ std::string catalogOf(const BenchStore& store) {
                   "\"parent\": \"\"}]}}\n";
 }
 
+constexpr const char* storeMetadata =
+    "{\"_major\": 1, \"_minor\": 0, \"catalog\": {\"supported_products\": [{\"product_name\": \"Solvan\", "
+    "\"supported_releases\": [{\"version\": \"default\", \"qitem_catalogue_file\": \"catalog.json\", "
+    "\"remote_repo_branch_to_sync\": \"master\", \"catalog_revision\": \"1\"}]}]}}\n";
+
 void writeStore(const std::string& dir, const BenchStore& store) {
-    BenchData::writeFile(
-        dir + "/store.json",
-        "{\"_major\": 1, \"_minor\": 0, \"catalog\": {\"supported_products\": [{\"product_name\": \"Solvan\", "
-        "\"supported_releases\": [{\"version\": \"default\", \"qitem_catalogue_file\": \"catalog.json\", "
-        "\"remote_repo_branch_to_sync\": \"master\", \"catalog_revision\": \"1\"}]}]}}\n");
+    BenchData::writeFile(dir + "/store.json", storeMetadata);
     BenchData::writeFile(dir + "/catalog.json", catalogOf(store));
     for (std::size_t i = 0; i < store.items; ++i)
         BenchData::writeFile(
@@ -80,6 +81,13 @@ std::string randomBytes(std::mt19937_64& random, std::size_t size) {
     std::string bytes(size, '\0');
     for (char& byte : bytes) byte = static_cast<char>(random() & 0xff);
     return bytes;
+}
+
+constexpr const char* commitCommand =
+    "commit refs/heads/master\nmark :1\ncommitter Bench <bench@example.com> 1700000000 +0000\ndata 5\nitems\n";
+
+std::string gitIn(const std::string& dir) {
+    return "GIT_CONFIG_NOSYSTEM=1 GIT_CONFIG_GLOBAL=/dev/null git -C '" + dir + "' ";
 }
 
 std::string fileCommand(const std::string& path, const std::string& content) {
@@ -139,11 +147,9 @@ void BenchData::writeDataRoot(const std::string& dir, const std::vector<BenchSto
 std::string BenchData::makeRepository(const std::string& dir, const std::string& store, std::size_t items,
                                       std::size_t contentBytes) {
     std::filesystem::create_directories(dir);
-    const std::string git = "GIT_CONFIG_NOSYSTEM=1 GIT_CONFIG_GLOBAL=/dev/null git -C '" + dir + "' ";
-    Pipe import(git + "init --quiet --bare --initial-branch=master && " + git + "fast-import --quiet --export-marks='" +
-                dir + "/marks'");
-    import.write("commit refs/heads/master\nmark :1\ncommitter Bench <bench@example.com> 1700000000 +0000\n"
-                 "data 5\nitems\n");
+    Pipe import(gitIn(dir) + "init --quiet --bare --initial-branch=master && " + gitIn(dir) +
+                "fast-import --quiet --export-marks='" + dir + "/marks'");
+    import.write(commitCommand);
     std::mt19937_64 random(items);
     for (std::size_t i = 0; i < items; ++i) {
         import.write(
@@ -152,12 +158,19 @@ std::string BenchData::makeRepository(const std::string& dir, const std::string&
                                                                    ? "content of " + itemName(i) + "\n"
                                                                    : randomBytes(random, contentBytes / items)));
     }
-    import.write("done\n");
     if (!import.close()) throw std::runtime_error("git could not make " + dir);
 
     std::ifstream marks(dir + "/marks");
     std::string mark;
     std::string commit;
     marks >> mark >> commit;
+    addCommit(dir, {{"store.json", storeMetadata}, {"catalog.json", catalogOf({store, items, "", commit})}});
     return commit;
+}
+
+void BenchData::addCommit(const std::string& dir, const std::map<std::string, std::string>& files) {
+    Pipe import(gitIn(dir) + "fast-import --quiet");
+    import.write(std::string(commitCommand) + "from refs/heads/master^0\n");
+    for (const auto& [path, content] : files) import.write(fileCommand(path, content));
+    if (!import.close()) throw std::runtime_error("git could not add to " + dir);
 }

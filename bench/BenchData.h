@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -26,12 +27,17 @@ std::string itemMetadata(const std::string& store, const std::string& name,
 /// store.json, catalog.json and one items/<name>/item.json per item. Every fourth item depends on three others.
 void writeDataRoot(const std::string& dir, const std::vector<BenchStore>& stores);
 
-/// Makes a bare repository whose one commit holds every item's metadata and content.
+/// Makes a bare repository: one commit holds every item's metadata and content, the next one the store's metadata and
+/// its catalog, which names the first for each item.
 /// @param contentBytes  size of all content together, which cannot be compressed; 0 for a line of text each
-/// @return the commit
+/// @return the first commit
 /// @throws std::runtime_error when git fails
 std::string makeRepository(const std::string& dir, const std::string& store, std::size_t items,
                            std::size_t contentBytes);
+
+/// Adds a commit that gives these files, by path, their content.
+/// @throws std::runtime_error when git fails
+void addCommit(const std::string& dir, const std::map<std::string, std::string>& files);
 
 void writeFile(const std::string& file, const std::string& content);
 

@@ -84,6 +84,10 @@ void TableReporter::ReportRuns(const std::vector<Run>& runs) {
             std::printf("%-38s %s\n", run.run_name.function_name.c_str(), run.error_message.c_str());
             continue;
         }
+        if (!run.report_label.empty()) {
+            std::printf("%-38s %s\n", run.run_name.function_name.c_str(), run.report_label.c_str());
+            continue;
+        }
         const std::string limits = describeLimits(run);
         const bool isWithin = isWithinLimits(run);
         m_allWithinLimits = m_allWithinLimits && isWithin;

@@ -26,7 +26,7 @@ template <typename Action> double secondsOf(Action action) {
 void compare(benchmark::State& state, int rounds, Limit limit, std::size_t items,
              const std::function<double(int round)>& ours, const std::function<double(int round)>& floor);
 
-/// Prints one line per comparison and tells whether each kept its limit.
+/// Prints one line per comparison, or the label of what compares nothing, and tells whether each kept its limit.
 class TableReporter : public benchmark::BenchmarkReporter {
 public:
     bool ReportContext(const Context& context) override;

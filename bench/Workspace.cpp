@@ -7,8 +7,6 @@
 
 #include <iostream>
 
-std::size_t Workspace::largeContentBytes = std::size_t{16} << 20;
-
 Workspace& Workspace::get() {
     static Workspace workspace;
     return workspace;
@@ -46,7 +44,7 @@ HSCPlaz& Workspace::getHub() {
             {"store-100", 100}, {"store-1000", 1000}, {"store-10000", 10000}, {"large", 1000}};
         for (BenchStore& store : stores) {
             const std::string repository = path("repos/" + store.name);
-            const std::size_t content = store.name == "large" ? largeContentBytes : 0;
+            const std::size_t content = store.name == "large" ? std::size_t{184} << 20 : 0;
             store.commit = BenchData::makeRepository(repository, store.name, store.items, content);
             store.url = "file://" + repository;
         }

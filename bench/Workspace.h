@@ -16,17 +16,14 @@ class Workspace {
 public:
     static Workspace& get();
 
-    /// Size of the content of the store "large"; to be set before anything else.
-    static std::size_t largeContentBytes;
-
     std::string path(const std::string& relative) const { return m_dir.path(relative); }
     /// A data root with one store of that many items, made at the first call.
     std::string dataRootOf(std::size_t items);
     /// Environment of a process that starts from a data root.
     void useDataRoot(const std::string& dir);
 
-    /// The hub of this process: stores "store-100", "store-1000", "store-10000" and "large" (1,000 items), each with a
-    /// repository. Made at the first call.
+    /// The hub of this process: stores "store-100", "store-1000", "store-10000" and "large" (1,000 items, 184 MB), each
+    /// with a repository. Made at the first call.
     HSCPlaz& getHub();
 
 private:

@@ -5,6 +5,7 @@ void addStartUp();
 void addChildProcesses();
 void addInstallation();
 void addDependencies();
+void addRefresh();
 
 /// Runs one start-up in this process and prints "<seconds> <bytes per item beyond its texts>".
 /// @param kind      "ours" or "floor"

@@ -10,11 +10,8 @@
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/repo/HSCPlazGit.h"
-#include "plaz/model/repo/HSCPlazGitEnv.h"
 #include "support/HUTFile.h"
-#include "support/HUTFork.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <stdexcept>
 
@@ -22,26 +19,6 @@ namespace {
 
 constexpr int rounds = 21;
 constexpr double ratioOfInstall = 1.15;
-
-// The environment in which the product runs git, as a child sees it.
-std::vector<std::string> environmentOfGit(const std::string& dir) {
-    const std::string output = Workspace::get().path("environment");
-    HUTFork env;
-    env.dontUseHDLDPath();
-    HSCPlazGitEnv::apply(env, "checkout", dir, "");
-    env.setProg("env", true);
-    env.addArg("-0");
-    env.setLogFile(output);
-    if (env.launch(true, true, true, true) != 0) throw std::runtime_error("env failed");
-    std::vector<std::string> variables;
-    const std::string text = readFile(output);
-    for (std::size_t begin = 0; begin < text.size();) {
-        const std::size_t end = std::min(text.find('\0', begin), text.size());
-        variables.push_back(text.substr(begin, end - begin));
-        begin = end + 1;
-    }
-    return variables;
-}
 
 /// A store of the hub with a complete working copy.
 class InstallableStore {
@@ -60,7 +37,7 @@ public:
     void compareInstall(benchmark::State& state, const std::function<bool(HSCPlazQItem&)>& install) const {
         // Beside ours: how long the file system takes to make an entry depends on the directory.
         const std::string staging = std::filesystem::path(m_index).parent_path().parent_path() / ".bare-staging";
-        const BareInstall bare(HSCPlazGit::getGitExePath(), m_index, environmentOfGit(staging));
+        BareInstall bare(m_index);
         const auto ours = [&](int round) {
             return secondsOf([&] {
                 if (!install(getItem(round))) throw std::runtime_error("the installation failed");

@@ -9,18 +9,11 @@ namespace {
 
 constexpr const char* usage =
     "Measures the hub beside the least that the same work can cost, in one run, and prints a table.\n\n"
-    "  plaz_bench [--large] [--data-root DIR ITEMS] [GOOGLE-BENCHMARK-OPTION...]\n\n"
-    "  --large                 give the store with large content 184 MB, not 16\n"
+    "  plaz_bench [--data-root DIR ITEMS] [GOOGLE-BENCHMARK-OPTION...]\n\n"
     "  --data-root DIR ITEMS   only write a data root with one store of that many items\n"
-    "  --benchmark_filter=RE   only what matches, such as start-up, install, child, copy, dependencies\n\n"
+    "  --benchmark_filter=RE   only what matches, such as start-up, install, child, copy, dependencies,\n"
+    "                          refresh, check, commit\n\n"
     "Exit status 1 when a target is missed.\n";
-
-bool takeFlag(int& argc, char** argv, const char* flag) {
-    if (argc < 2 || std::strcmp(argv[1], flag) != 0) return false;
-    for (int i = 1; i < argc; ++i) argv[i] = argv[i + 1];
-    --argc;
-    return true;
-}
 
 int run(int argc, char** argv) {
     if (argc == 5 && std::strcmp(argv[1], "--start-up") == 0) return startUpOnce(argv[2], argv[3], argv[4]);
@@ -32,7 +25,6 @@ int run(int argc, char** argv) {
         std::cout << usage;
         return 0;
     }
-    if (takeFlag(argc, argv, "--large")) Workspace::largeContentBytes = std::size_t{184} << 20;
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 2;
     // RATIONALE: in this order, because some file systems make new entries slowly for a while after many were removed.
@@ -40,6 +32,7 @@ int run(int argc, char** argv) {
     addChildProcesses();
     addInstallation();
     addDependencies();
+    addRefresh();
     TableReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     return reporter.areAllWithinLimits() ? 0 : 1;

@@ -1,6 +1,6 @@
 #include "benchmarks.h"
 
-#include "BareInstall.h"
+#include "BareGit.h"
 #include "Comparison.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFork.h"
