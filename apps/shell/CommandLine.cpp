@@ -98,8 +98,19 @@ void addCommands(CLI::App& app, Options& options) {
     info->get_option("ITEM")->expected(1);
     CLI::App* refresh = app.add_subcommand("refresh", "Fetch the stores' catalogs");
     CLI::App* check = app.add_subcommand("check", "Ask the stores' remotes for newer catalogs; fetch nothing");
-    for (CLI::App* command : {refresh, check})
+    CLI::App* doctor = app.add_subcommand("doctor", "Look for what keeps stores from being fetched, and what to do");
+    for (CLI::App* command : {refresh, check, doctor})
         command->add_option("STORE", options.stores, "The stores; all of them when none is named")->type_name("");
+    refresh->add_flag("--hub", options.hub,
+                      "Fetch the hub's own metadata first, and with it the catalogs of all stores");
+    refresh->footer(std::string("A catalog that does not come whole leaves the one known until now in force.\n") +
+                    sharedNote);
+    check->footer(std::string("Outcomes: up-to-date, outdated (refresh the store), unknown (the remote gave no answer; "
+                              "the exit status is 1 then).\n") +
+                  sharedNote);
+    doctor->footer(std::string("Changes nothing. Remotes are asked, each for plaz.gitTimeout seconds at most. The exit "
+                               "status is 1 when there is a problem; warnings alone leave it at 0.\n") +
+                   sharedNote);
     addInstallCommands(app, options);
     CLI::App* relocate = app.add_subcommand("relocate", "Keep a store below another directory from now on");
     relocate->add_option("STORE", options.store, "The store")->type_name("")->required();

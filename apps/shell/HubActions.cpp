@@ -14,6 +14,7 @@
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/HSCPlazQStoreModel.h"
 #include "plaz/model/repo/HSCPlazGit.h"
 #include "plaz/model/repo/HSCPlazRepo.h"
 #include "plaz/model/repo/HSCPlazRepoFactory.h"
@@ -47,9 +48,13 @@ template <typename Task> bool succeeds(Task task) {
     } catch (const HEXAll& failure) {
         if (!HUTFork::isInterrupted()) ComMsgMgr::send(failure);
     } catch (const std::exception& failure) {
-        ComMsgMgr::send(ShellMsg::unexpectedFailure, MsgSeverity::error, failure.what());
+        ComMsgMgr::send(Msg::unexpectedFailure, MsgSeverity::error, failure.what());
     }
     return false;
+}
+
+void reportNotRefreshed(const HSCPlazQStore& store) {
+    if (!HUTFork::isInterrupted()) ComMsgMgr::send(Msg::storeNotRefreshed, MsgSeverity::error, store.getName());
 }
 
 } // namespace
@@ -96,18 +101,35 @@ ActionResult HubActions::update(HSCPlazQItem& item) {
 }
 
 StoreResult HubActions::refresh(HSCPlazQStore& store) {
-    const bool isDone = succeeds([&] {
-        return HSCPlazTaskMgr::loadCatalog(&m_hub, &store, m_status) && HSCPlazTaskMgr::updateCatalog(&store, m_status);
-    });
-    if (!isDone && !HUTFork::isInterrupted())
-        ComMsgMgr::send(Msg::storeNotRefreshed, MsgSeverity::error, store.getName());
+    const bool hasCatalog = succeeds([&] { return HSCPlazTaskMgr::loadCatalog(&m_hub, &store, m_status); });
+    if (!hasCatalog) reportNotRefreshed(store);
+    return describe(store, hasCatalog);
+}
+
+bool HubActions::refreshHub() {
+    const bool isDone = succeeds([&] { return HSCPlazTaskMgr::updateCatalog(&m_hub, m_status); });
+    if (!isDone && !HUTFork::isInterrupted()) ComMsgMgr::send(ShellMsg::hubNotRefreshed, MsgSeverity::error);
+    return isDone;
+}
+
+StoreResult HubActions::describe(HSCPlazQStore& store, bool hasCatalog) {
+    if (!hasCatalog) return resultOf(store, "refreshed", false);
+    const bool isDone = succeeds([&] { return HSCPlazTaskMgr::updateCatalog(&store, m_status); });
+    if (!isDone) reportNotRefreshed(store);
     return resultOf(store, "refreshed", isDone);
 }
 
 StoreResult HubActions::check(HSCPlazQStore& store) {
-    const bool isOutdated =
-        !HSCPlazTaskMgr::isRefreshed(&store) || HSCPlazTaskMgr::hasUpdate(&store, HSCPlazGit::getPreferredHttpProxy());
-    return resultOf(store, isOutdated ? "outdated" : "up-to-date", true);
+    const HSCPlazQStoreModel& model = *store.getModel();
+    const std::string workingCopy = HSCPlazMgr::getInstance().getPathMgr()->getStoreIndexDir(model);
+    if (!HSCPlazTaskMgr::isRefreshed(&store) || !HSCPlazGit::isInstalled(workingCopy))
+        return resultOf(store, "outdated", true);
+    const HSCPlazGit::UpdateCheck check = HSCPlazGit::checkForUpdate(
+        workingCopy, store.getUrl(), HSCPlazGit::getPreferredHttpProxy(), model.getBranchOrMaster());
+    if (check.moved) return resultOf(store, *check.moved ? "outdated" : "up-to-date", true);
+    if (!HUTFork::isInterrupted())
+        ComMsgMgr::send(ShellMsg::storeNotChecked, MsgSeverity::error, store.getName(), check.reason);
+    return {store.getName(), "unknown", store.getLocalRootDir(), store.getItems().size(), false};
 }
 
 StoreResult HubActions::relocate(HSCPlazQStore& store, const std::string& directory) {

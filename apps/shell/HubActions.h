@@ -36,7 +36,7 @@ struct ActionResult {
 /// What became of one store.
 struct StoreResult {
     std::string store;
-    std::string outcome;   ///< "refreshed", "outdated", "up-to-date", "moved" or "failed"
+    std::string outcome;   ///< "refreshed", "outdated", "up-to-date", "unknown", "moved" or "failed"
     std::string directory; ///< the store's area
     std::size_t items;     ///< how many revisions its catalog lists
     bool isDone;
@@ -59,7 +59,16 @@ public:
     /// Fetches the store's catalog and what it says of its items. Until all of the catalog has come the old one stays
     /// in force. Items of the store are new objects afterwards.
     StoreResult refresh(HSCPlazQStore& store);
-    /// Asks the store's remote whether it has moved since the last refresh; a store that was never refreshed has.
+    /// Fetches the hub's own metadata and the catalogs of all stores that it lists. Afterwards stores and items are new
+    /// objects, and each store whose catalog has not come was named by Msg::storeNotRefreshed. On failure the hub is as
+    /// it was.
+    bool refreshHub();
+    /// The rest of a store's refresh after refreshHub(): what its catalog says of its items.
+    /// @param hasCatalog  the catalog has come; without it the store has failed
+    StoreResult describe(HSCPlazQStore& store, bool hasCatalog);
+    /// Asks the store's remote whether it has moved since the last refresh; a store that was never refreshed, or whose
+    /// working copy is not complete, has. Without an answer the outcome is "unknown", and ShellMsg::storeNotChecked
+    /// says why.
     StoreResult check(HSCPlazQStore& store);
     /// Puts the store's area below @p directory. What it holds stays where it is.
     StoreResult relocate(HSCPlazQStore& store, const std::string& directory);

@@ -19,5 +19,6 @@ std::string shownValue(const HPAParam& param) {
     const std::string name = utf8::lowered(param.getName());
     const bool isSecret = name.rfind("plaz.git_user.", 0) == 0 || name.rfind("plaz.git_token.", 0) == 0;
     if (isSecret && !param.getValue().empty()) return "***";
-    return HSCPlazTrust::maskSecrets(param.getValue());
+    const bool isProxy = name == "plaz.http_proxy" || name == "plaz.https_proxy";
+    return isProxy ? HSCPlazTrust::maskProxy(param.getValue()) : HSCPlazTrust::maskSecrets(param.getValue());
 }

@@ -4,12 +4,17 @@
 #include "plaz/HSCPlazPathMgr.h"
 #include "plaz/HSCPlazRepoInfoMgr.h"
 #include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazModel.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/HSCPlazQStoreModel.h"
+#include "plaz/model/repo/HSCPlazGit.h"
 #include "plaz/pref/HSCPlazUserPref.h"
 #include "support/HCCXPrefMgr.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
+
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/filesystem/path.hpp>
 
 #include <exception>
 #include <functional>
@@ -49,8 +54,15 @@ std::string chooserOfData() {
     return chosenBy("GDA_DATA_DIR", chosenBy("GDA_APPROOT", "default: beside the library"));
 }
 
-std::string chooserOfPrograms() {
+std::string chooserOfGit() {
+    if (!boost::algorithm::iequals(HUTEnv::getProductName(), "solvan")) return "in Solvan's installation";
     return chosenBy("GDA_TPS_DIR", chosenBy("GDA_APPROOT", "default: beside the library"));
+}
+
+std::string findCertificates() {
+    const boost::filesystem::path git(HSCPlazGit::getGitExePath());
+    if (git.empty()) return "";
+    return (git.parent_path().parent_path() / "mingw64/etc/ssl/certs/ca-bundle.crt").generic_string();
 }
 
 std::string chooserOfStoreArea(const HSCPlazQStore& store) {
@@ -59,6 +71,12 @@ std::string chooserOfStoreArea(const HSCPlazQStore& store) {
     if (!HSCPlazMgr::getInstance().getHubRepoInfoMgr()->getStoreDirectory(store.getName()).empty())
         return "chosen for the store (plaz_stores.json)";
     return "default location of the store (parameter plaz.enableBoardStoreDefaultLocation)";
+}
+
+/// Empty where nothing is shipped.
+std::string findShippedData(const HSCPlazQStoreModel& store) {
+    const std::string dir = HSCPlazMgr::getInstance().getPathMgr()->getStoresDataDir() + "/" + store.getRoot();
+    return HUTFile::isDirectory(dir) ? dir : std::string();
 }
 
 StorePaths pathsOf(const HSCPlazQStore& store) {
@@ -76,8 +94,17 @@ StorePaths pathsOf(const HSCPlazQStore& store) {
              inForce(
                  "database", [&] { return own.empty() ? paths.getStoreDbFile(model) : own; }, "in the store area"),
              inForce(
-                 "shipped data", [&] { return model.getGdaDataLoc(); },
-                 model.getGdaDataLoc().empty() ? "nothing is shipped" : "stores data and store root")}};
+                 "shipped data", [&] { return findShippedData(model); }, "stores data and store root")}};
+}
+
+/// What a refresh of the hub has brought goes before what is shipped.
+PathInForce findHubMetadata(const std::string& chooserOfShipped) {
+    const HSCPlazPathMgr& paths = *HSCPlazMgr::getInstance().getPathMgr();
+    const std::string& read = HSCPlazMgr::getInstance().getHub().getModel()->getLocalRoot();
+    const bool isRefreshed = read == paths.getRefreshedHubMetadataFile();
+    return inForce(
+        "hub metadata", [&] { return read.empty() ? paths.getHubMetadataFile() : read; },
+        isRefreshed ? "refreshed, in the user area" : chooserOfShipped);
 }
 
 } // namespace
@@ -86,7 +113,6 @@ std::vector<PathInForce> findHubPaths() {
     const HSCPlazMgr& manager = HSCPlazMgr::getInstance();
     const HSCPlazPathMgr& paths = *manager.getPathMgr();
     const HSCPlazUserPref& preferences = manager.getUserPref();
-    const std::string git = "win64/git-2.45.0/cmd/git.exe";
     const std::string localRoot = chosenBy("ZENTOR_PLAZ_LOCAL_ROOT_DIR", chooserOfData());
     return {inForce("application data", HUTEnv::getHDIAppDataDir, chosenBy("GDA_APPDATA_DIR", "default: ~/.Zentor")),
             inForce(
@@ -96,8 +122,7 @@ std::vector<PathInForce> findHubPaths() {
                 "data root", [] { return HUTEnv::getGDADataDir(); }, chooserOfData()),
             inForce(
                 "shared data root", [&] { return paths.getLocalDataRoot(); }, localRoot),
-            inForce(
-                "hub metadata", [&] { return paths.getHubMetadataFile(); }, localRoot),
+            findHubMetadata(localRoot),
             inForce(
                 "configuration", [&] { return paths.getConfigFile(); }, localRoot),
             inForce(
@@ -111,19 +136,15 @@ std::vector<PathInForce> findHubPaths() {
                 "user repository", [&] { return preferences.getUserRepoPath().generic_string(); },
                 chooserOfUserRepository()),
             inForce(
-                "staging root", [&] { return preferences.getStagingPath().generic_string(); },
+                "staging root", [&] { return preferences.findStagingPath().generic_string(); },
                 std::string("rule: ") + applicationData + "/.staging/<hub root>"),
             inForce("preferences", HCCXPrefMgr::getFile, "in the application data"),
             inForce(
                 "stores' directories", [&] { return paths.getRepoInfoFile(); }, "in the user area"),
             inForce(
                 "hub database", [&] { return paths.getDefaultLocalDbFile(); }, "in the user area"),
-            inForce(
-                "git", [&] { return HUTEnv::getGDATpsPath(git); }, chooserOfPrograms()),
-            inForce(
-                "certificates",
-                [] { return HUTEnv::getGDATpsPath("win64/git-2.45.0/mingw64/etc/ssl/certs/ca-bundle.crt"); },
-                chooserOfPrograms())};
+            inForce("git", HSCPlazGit::getGitExePath, chooserOfGit()),
+            inForce("certificates", findCertificates, "beside git")};
 }
 
 std::vector<StorePaths> findStorePaths(const HSCPlaz& hub) {

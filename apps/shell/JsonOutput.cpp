@@ -177,6 +177,14 @@ void fillCheck(Object& object, const FileCheck& check) {
         .texts("findings", check.findings);
 }
 
+void fillFinding(Object& object, const Finding& finding) {
+    object.text("subject", finding.subject)
+        .text("state", Finding::nameOf(finding.state))
+        .text("found", finding.found)
+        .text("advice", finding.advice);
+    if (finding.milliseconds) object.number("milliseconds", *finding.milliseconds);
+}
+
 void fillMessage(Object& object, const ComMsgMgr::Message& message) {
     object.text("id", message.id)
         .text("severity", message.label)
@@ -241,6 +249,10 @@ void JsonOutput::showPaths(const std::vector<PathInForce>& hub, const std::vecto
 
 void JsonOutput::showParams(const std::vector<const HPAParam*>& params) {
     add(m_document, "params", arrayOf(m_document, params, fillParam));
+}
+
+void JsonOutput::showFindings(const std::vector<Finding>& findings) {
+    add(m_document, "checks", arrayOf(m_document, findings, fillFinding));
 }
 
 void JsonOutput::showChecks(const std::vector<FileCheck>& checks) {

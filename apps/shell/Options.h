@@ -20,7 +20,8 @@ struct Options {
     std::vector<std::string> items; ///< references, each well-formed
     std::string store;
     bool all = false;                ///< update
-    std::vector<std::string> stores; ///< refresh, check: names; empty for all
+    std::vector<std::string> stores; ///< refresh, check, doctor: names; empty for all
+    bool hub = false;                ///< refresh
     std::string directory;           ///< relocate
     std::string pattern;             ///< params
     bool hidden = false;             ///< params

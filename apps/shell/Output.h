@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Doctor.h"
 #include "FileCheck.h"
 #include "HubActions.h"
 #include "HubPaths.h"
@@ -24,6 +25,7 @@ public:
     virtual void showStoreResults(const std::vector<StoreResult>& results) = 0;
     virtual void showPaths(const std::vector<PathInForce>& hub, const std::vector<StorePaths>& stores) = 0;
     virtual void showParams(const std::vector<const HPAParam*>& params) = 0;
+    virtual void showFindings(const std::vector<Finding>& findings) = 0;
     virtual void showChecks(const std::vector<FileCheck>& checks) = 0;
     /// Help ("help") or version ("version").
     virtual void showText(const std::string& kind, const std::string& text) = 0;

@@ -7,15 +7,19 @@
 #include "TextOutput.h"
 
 #include "plaz/HSCPlazMgr.h"
+#include "plaz/HSCPlazMsg.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazModel.h"
+#include "plaz/model/HSCPlazQStore.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTEnv.h"
 
 #include <algorithm>
+#include <functional>
 #include <iostream>
 #include <map>
 #include <optional>
+#include <set>
 
 namespace {
 
@@ -103,7 +107,7 @@ int Program::runDiverted() {
     } catch (const HEXAll& failure) {
         ComMsgMgr::send(failure);
     } catch (const std::exception& failure) {
-        ComMsgMgr::send(ShellMsg::unexpectedFailure, MsgSeverity::error, failure.what());
+        ComMsgMgr::send(Msg::unexpectedFailure, MsgSeverity::error, failure.what());
     }
     if (status == exitStatus::done || !m_status.isCanceled()) return status;
     ComMsgMgr::send(ShellMsg::cancelled, MsgSeverity::error);
@@ -115,7 +119,8 @@ int Program::runCommand() {
         {"stores", &Program::runStores},   {"items", &Program::runItems},         {"info", &Program::runInfo},
         {"install", &Program::runInstall}, {"uninstall", &Program::runUninstall}, {"update", &Program::runUpdate},
         {"refresh", &Program::runRefresh}, {"check", &Program::runCheck},         {"relocate", &Program::runRelocate},
-        {"paths", &Program::runPaths},     {"params", &Program::runParams},       {"validate", &Program::runValidate}};
+        {"paths", &Program::runPaths},     {"params", &Program::runParams},       {"validate", &Program::runValidate},
+        {"doctor", &Program::runDoctor}};
     return (this->*commands.at(m_options.command))();
 }
 
@@ -159,6 +164,7 @@ template <typename Action> int Program::act(const std::vector<HSCPlazQItem*>& it
     std::vector<ActionResult> results;
     for (HSCPlazQItem* item : items) {
         if (m_status.isCanceled()) break;
+        m_progress.beginPart(results.size() + 1, items.size());
         results.push_back((actions.*action)(*item));
     }
     m_progress.erase();
@@ -168,15 +174,22 @@ template <typename Action> int Program::act(const std::vector<HSCPlazQItem*>& it
     return isDone ? exitStatus::done : exitStatus::failed;
 }
 
-template <typename Action> int Program::actOnStores(Action action) {
+std::vector<HSCPlazQStore*> Program::getStores() {
     const HubQueries queries(getHub());
-    std::vector<HSCPlazQStore*> stores =
-        m_options.stores.empty() ? queries.getScope("") : std::vector<HSCPlazQStore*>();
-    for (const std::string& name : m_options.stores) stores.push_back(queries.getScope(name).front());
+    if (m_options.stores.empty()) return queries.getScope("");
+    std::vector<HSCPlazQStore*> stores;
+    for (const std::string& name : m_options.stores) stores.push_back(&queries.getStore(name));
+    return stores;
+}
+
+template <typename Action> int Program::actOnStores(const std::vector<HSCPlazQStore*>& stores, Action action) {
     HubActions actions(getHub(), m_options.quiet, &m_status);
     std::vector<StoreResult> results;
-    for (HSCPlazQStore* store : stores)
-        if (!m_status.isCanceled()) results.push_back((actions.*action)(*store));
+    for (HSCPlazQStore* store : stores) {
+        if (m_status.isCanceled()) break;
+        m_progress.beginPart(results.size() + 1, stores.size());
+        results.push_back(std::invoke(action, actions, *store));
+    }
     m_progress.erase();
     m_output->showStoreResults(results);
     const bool isDone = results.size() == stores.size() &&
@@ -185,11 +198,27 @@ template <typename Action> int Program::actOnStores(Action action) {
 }
 
 int Program::runRefresh() {
-    return actOnStores(&HubActions::refresh);
+    return m_options.hub ? refreshWithHub() : actOnStores(getStores(), &HubActions::refresh);
+}
+
+int Program::refreshWithHub() {
+    if (!HubActions(getHub(), m_options.quiet, &m_status).refreshHub()) {
+        m_output->showStoreResults({});
+        return exitStatus::failed;
+    }
+    const std::set<std::string> failed = m_log.getSubjects(Msg::storeNotRefreshed);
+    std::vector<HSCPlazQStore*> stores = getStores();
+    for (HSCPlazQStore* store :
+         getHub().getStores()) // the hub's refresh was for all: nothing that failed is passed over
+        if (failed.count(store->getName()) != 0 && std::find(stores.begin(), stores.end(), store) == stores.end())
+            stores.push_back(store);
+    return actOnStores(stores, [&](HubActions& actions, HSCPlazQStore& store) {
+        return actions.describe(store, failed.count(store.getName()) == 0);
+    });
 }
 
 int Program::runCheck() {
-    return actOnStores(&HubActions::check);
+    return actOnStores(getStores(), &HubActions::check);
 }
 
 int Program::runRelocate() {
@@ -218,6 +247,21 @@ int Program::runPaths() {
     const std::vector<StorePaths> stores = findStorePaths(HSCPlazMgr::getInstance().getHub());
     m_output->showPaths(findHubPaths(), stores);
     return exitStatus::done;
+}
+
+int Program::runDoctor() {
+    HSCPlaz& hub = HSCPlazMgr::getInstance().getHub(); // one that cannot be read is looked at all the same
+    const std::vector<Finding> findings =
+        Doctor(hub, m_status).examine(m_options.stores.empty() ? HubQueries(hub).getScope("") : getStores());
+    m_progress.erase();
+    m_output->showFindings(findings);
+    const auto problems = std::count_if(findings.begin(), findings.end(), [](const Finding& finding) {
+        return finding.state == Finding::State::problem;
+    });
+    if (m_status.isCanceled()) return exitStatus::failed;
+    if (problems == 0) return exitStatus::done;
+    ComMsgMgr::send(ShellMsg::problemsFound, MsgSeverity::error, std::to_string(problems));
+    return exitStatus::failed;
 }
 
 int Program::runParams() {

@@ -33,8 +33,11 @@ private:
     int runInfo();
     int runRefresh();
     int runCheck();
-    /// Does @p action of HubActions to each store named, or to all, until the run is cancelled.
-    template <typename Action> int actOnStores(Action action);
+    int refreshWithHub();
+    /// The stores named, or all.
+    std::vector<HSCPlazQStore*> getStores();
+    /// Does @p action(HubActions, store) to each store until the run is cancelled.
+    template <typename Action> int actOnStores(const std::vector<HSCPlazQStore*>& stores, Action action);
     int runRelocate();
     int runInstall();
     int runUninstall();
@@ -42,6 +45,7 @@ private:
     int runPaths();
     int runParams();
     int runValidate();
+    int runDoctor();
 
     int refuse(const std::string& problem);
     int finish(int status, const std::string& error);

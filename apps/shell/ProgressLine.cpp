@@ -19,10 +19,14 @@ std::string textOf(const HDGUIStatus& status) {
 
 } // namespace
 
+void ProgressLine::beginPart(std::size_t number, std::size_t count) {
+    if (count > 1) m_part = std::to_string(number) + "/" + std::to_string(count) + " ";
+}
+
 void ProgressLine::show(const HDGUIStatus& status) {
     if (m_columns == 0) return;
     // The last column stays free: a full line would make the terminal begin another one.
-    const std::string text = utf8::cutToWidth(utf8::printable(textOf(status)), m_columns - 1);
+    const std::string text = utf8::cutToWidth(utf8::printable(m_part + textOf(status)), m_columns - 1);
     if (text == m_shown) return;
     erase();
     m_shown = text;

@@ -15,10 +15,13 @@ public:
     ProgressLine(const ProgressLine&) = delete;
     ProgressLine& operator=(const ProgressLine&) = delete;
 
+    /// From now on the line begins with "2/5". One of one is not worth saying.
+    void beginPart(std::size_t number, std::size_t count);
     void show(const HDGUIStatus& status);
     void erase();
 
 private:
     std::size_t m_columns;
+    std::string m_part;
     std::string m_shown;
 };

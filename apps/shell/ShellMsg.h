@@ -13,7 +13,9 @@ inline constexpr MsgId<2> severalInstalled{"@17-2185@%s%s"}; ///< reference, ins
 inline constexpr MsgId<0> nothingToUpdate{"@17-2186@"};
 inline constexpr MsgId<2> filesNotValid{"@17-2187@%s%s"};   ///< how many, of how many
 inline constexpr MsgId<1> itemFetchedAgain{"@17-2188@%s"};  ///< display name
-inline constexpr MsgId<1> unexpectedFailure{"@17-2189@%s"}; ///< what the system or a library said
 inline constexpr MsgId<2> storeNotMoved{"@17-2192@%s%s"};   ///< store, directory
+inline constexpr MsgId<0> hubNotRefreshed{"@17-2194@"};
+inline constexpr MsgId<2> storeNotChecked{"@17-2195@%s%s"}; ///< store, why
+inline constexpr MsgId<1> problemsFound{"@17-2196@%s"};     ///< how many
 inline constexpr MsgId<0> cancelled{"@17-2190@"};
 } // namespace ShellMsg

@@ -12,6 +12,7 @@
 #include "plaz/model/HSCPlazQStore.h"
 #include "support/HPAParamMgr.h"
 
+#include <map>
 #include <ostream>
 
 namespace {
@@ -163,6 +164,20 @@ void TextOutput::showParams(const std::vector<const HPAParam*>& params) {
     for (const HPAParam* param : params)
         table.addRow({param->getName(), shownValue(*param), param->getDefault(), param->getDescription()});
     table.print(m_out);
+}
+
+void TextOutput::showFindings(const std::vector<Finding>& findings) {
+    std::map<Finding::State, int> counts;
+    TextTable table({});
+    for (const Finding& finding : findings) {
+        ++counts[finding.state];
+        if (m_quiet && finding.state == Finding::State::ok) continue;
+        table.addRow({Finding::nameOf(finding.state), finding.subject, finding.found});
+        if (!finding.advice.empty()) table.addRow({"", "", "-> " + finding.advice});
+    }
+    table.print(m_out);
+    m_out << findings.size() << " checks: " << counts[Finding::State::ok] << " ok, " << counts[Finding::State::warning]
+          << " with a warning, " << counts[Finding::State::problem] << " with a problem\n";
 }
 
 void TextOutput::showChecks(const std::vector<FileCheck>& checks) {

@@ -18,6 +18,7 @@ public:
     void showStoreResults(const std::vector<StoreResult>& results) override;
     void showPaths(const std::vector<PathInForce>& hub, const std::vector<StorePaths>& stores) override;
     void showParams(const std::vector<const HPAParam*>& params) override;
+    void showFindings(const std::vector<Finding>& findings) override;
     void showChecks(const std::vector<FileCheck>& checks) override;
     void showText(const std::string& kind, const std::string& text) override;
     bool finish(const std::string& error, const std::vector<ComMsgMgr::Message>& messages) override;

@@ -78,10 +78,14 @@ TEST_F(CatalogTasksTest, WhatFailsLeavesTheOldCatalogInForce) {
     publish();
     ASSERT_TRUE(refresh());
     takeIds();
-    tcl.getRepo().write("catalog.json", "{\"catalog\": ");
-    tcl.getRepo().commit();
-    EXPECT_EQ(thrownBy([] { refresh(); }), "17-2134");
+    for (const auto& [file, text, thrown] : {std::tuple("catalog.json", "{\"catalog\": ", "17-2134"),
+                                             {"catalog.json", "{\"catalog\": []}", "17-2134"},
+                                             {"store.json", "{}", "17-2135"}}) {
+        tcl.getRepo().write(file, text).commit();
+        EXPECT_EQ(thrownBy([] { refresh(); }), thrown) << text;
+    }
     EXPECT_EQ(takeIds(), Ids{"17-2140"});
+    publish();
     HDGUIStatus status;
     status.cancel();
     EXPECT_FALSE(refresh(&status));
@@ -95,6 +99,25 @@ TEST_F(CatalogTasksTest, WhatFailsLeavesTheOldCatalogInForce) {
     EXPECT_EQ(takeIds(), Ids{"17-1559"});
     EXPECT_NE(store().getItem("b"), nullptr);
     EXPECT_FALSE(HUTFile::exists(files.area("ced_store/.staging")));
+}
+
+// Files of the repository that are named like the catalog, or a catalog that is named like what the hub keeps, put over
+// what is installed.
+TEST_F(CatalogTasksTest, RefreshTouchesNothingButTheCatalog) {
+    tcl.getRepo().write("items/a/store.json", "old");
+    tcl.item("a", "2");
+    files.ship();
+    ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), store().getItem("a"), true, nullptr));
+    tcl.getRepo().write("items/a/store.json", "new").write(".plaz/catalog.json", "x");
+    publish();
+    ASSERT_TRUE(refresh());
+    EXPECT_EQ(readFile(files.area("ced_store/items/a/store.json")), "old");
+    EXPECT_FALSE(HUTFile::exists(files.area("ced_store/.plaz/catalog.json")));
+    std::string metadata = readFile(tcl.getRepo().getDir() + "/store.json");
+    metadata.replace(metadata.find("catalog.json"), 12, ".plaz/plaz_local_db.json");
+    tcl.getRepo().write("store.json", metadata).write(".plaz/plaz_local_db.json", "{\"catalog\": {}}").commit();
+    refresh();
+    EXPECT_NE(readFile(files.area("ced_store/.plaz/plaz_local_db.json")).find("\"a\""), std::string::npos);
 }
 
 // One item whose file is damaged must not keep the others from arriving.
@@ -124,7 +147,15 @@ TEST_F(CatalogTasksTest, StoresMoveToADirectoryOfTheUsersChoice) {
                      R"({"plaz": {"product": "Solvan", "release": "2020.1", "qstores": []}})");
     EXPECT_FALSE(HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), files.temp.path("foreign")));
     EXPECT_EQ(store().getLocalRootDir(), files.area("ced_store"));
+    files.temp.makeDir("appdata/2024.2/plaz/plaz_stores.json"); // what cannot be recorded does not move
+    EXPECT_FALSE(HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), files.temp.path("mine")));
+    EXPECT_EQ(store().getLocalRootDir(), files.area("ced_store"));
+    HUTFile::rmRecursive(files.area("plaz_stores.json"));
+    ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), store().getItem("a"), true, nullptr));
+    takeIds();
     ASSERT_TRUE(HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), files.temp.path("mine")));
+    EXPECT_EQ(takeIds(), Ids{"17-2176"});
+    EXPECT_FALSE(store().getItem("a")->IsInstalled());
     ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), store().getItem("a"), true, nullptr));
     EXPECT_TRUE(HUTFile::exists(files.temp.path("mine/tcl/items/a/body.txt")));
     EXPECT_NE(readFile(files.area("plaz_stores.json")).find(files.temp.path("mine")), std::string::npos);
@@ -190,9 +221,15 @@ TEST_F(HubRefreshTest, RebuildsTheHubFromWhatIsPublished) {
 // A hub refresh that fails and leaves half of a new hub.
 TEST_F(HubRefreshTest, WhatFailsLeavesTheHubAsItWas) {
     const HSCPlazQStore* const before = &store();
-    publishHub(R"({"_major": 1, "plaz": {"qstores": [)");
-    EXPECT_EQ(thrownBy([] { refreshHub(); }), "17-2136");
+    for (const char* text : {R"({"_major": 1, "plaz": {"qstores": [)", "{}"}) {
+        publishHub(text);
+        EXPECT_EQ(thrownBy([] { refreshHub(); }), "17-2136") << text;
+    }
     EXPECT_EQ(takeIds(), Ids{"17-2140"});
+    publishHub(R"({"plaz": {"qstores": []}})");
+    files.temp.makeDir("appdata/2024.2/plaz/plaz_stores.json"); // without places recorded nothing may change
+    EXPECT_FALSE(refreshHub());
+    EXPECT_EQ(takeIds().back(), "17-2177");
     HDGUIStatus status;
     status.cancel();
     EXPECT_FALSE(refreshHub(&status));

@@ -1,5 +1,8 @@
 #include "git_fixture.h"
 
+#include "plaz/model/repo/HSCPlazGitHead.h"
+#include "support/HUTFork.h"
+
 namespace fs = boost::filesystem;
 
 namespace {
@@ -46,16 +49,57 @@ TEST_F(GitClone, CatalogFilesFollowTheBranch) {
     ASSERT_TRUE(load());
     EXPECT_EQ(staged("catalog.json"), "2");
     EXPECT_TRUE(HUTFile::exists(temp.path(mark)));
-
-    remote.git({"checkout", "-b", "next"});
-    remote.write("catalog.json", "3").commit();
-    model.setBranch("next");
-    ASSERT_TRUE(load());
-    EXPECT_EQ(staged("catalog.json"), "3");
-    remote.git({"branch", "-m", "next", "next/1"}); // a directory of branches in the place of a branch
-    model.setBranch("next/1");
-    EXPECT_TRUE(load());
     EXPECT_EQ(takeIds(), Names{});
+}
+
+// Faults: a fetch that what the remote has become blocks; the catalog of one branch and the head of another; a store
+// without any catalog for want of a branch; one fault told twice, or in git's words alone;
+// a failure that destroys what there was, or leaves half a staging directory.
+TEST_F(GitClone, RefreshFollowsARemoteThatChanges) {
+    const auto inRemote = [this](const char* line) { remote.git(HUTFork::splitCmdLine(line)); };
+    const auto publish = [this](const char* content) { remote.write("catalog.json", content).commit(); };
+    const auto follow = [this](const char* branch) { model.setBranch(branch); };
+    const auto remove = [this] { HUTFile::rmRecursive(remote.getDir()); };
+    const std::tuple<const char*, std::function<void()>, std::string, Names> cases[] = {
+        {"another branch", [&] { inRemote("checkout -b next"), publish("3"), follow("next"); }, "3", {}},
+        {"a directory in the branch's place", [&] { inRemote("branch -m next/1"), follow("next/1"); }, "3", {}},
+        {"and back", [&] { inRemote("branch -m next"), follow("next"); }, "3", {}},
+        {"packed refs",
+         [&] {
+             GitRepo(index).git({"pack-refs", "--all"});
+         },
+         "3",
+         {}},
+        {"an older commit", [&] { inRemote("reset --hard HEAD~"); }, "1", {}},
+        {"another history",
+         [&] { inRemote("checkout --orphan new"), publish("u"), inRemote("branch -M next"); },
+         "u",
+         {}},
+        {"a tag of the branch's name", [&] { inRemote("tag next"), publish("t"); }, "t", {}},
+        {"no such branch", [&] { inRemote("checkout master"), follow("gone"); }, "1", {"17-2170"}},
+        {"still none", [&] { publish("2"); }, "2", {}},
+        {"no master either", [&] { inRemote("branch -m main"); }, "", {"17-2171"}},
+        {"nor asked for", [&] { follow(""); }, "", {"17-2171"}},
+        {"the branch that is there", [&] { follow("main"); }, "2", {}},
+        {"an empty repository", [&] { remove(), GitRepo(remote.getDir()); }, "", {"17-2172"}},
+        {"none", remove, "", {"17-1990"}},
+        {"another one", [&] { GitRepo(remote.getDir()), publish("n"), follow(""); }, "n", {}}};
+    for (const auto& [what, change, content, ids] : cases) {
+        change();
+        bool isLoaded = false;
+        const std::string thrown = thrownBy([&] { isLoaded = load(); });
+        EXPECT_EQ(isLoaded, !content.empty()) << what;
+        EXPECT_EQ(thrown, ids == Names{"17-1990"} ? "17-1587" : "nothing") << what;
+        EXPECT_EQ(takeIds(), ids) << what;
+        EXPECT_EQ(HUTFile::exists(staging), !content.empty()) << what;
+        if (content.empty()) { // what was fetched before is still there
+            EXPECT_NE(stage(), 0) << what;
+            continue;
+        }
+        EXPECT_EQ(staged("catalog.json"), content) << what;
+        EXPECT_TRUE(HSCPlazGitHead::moveTo(index, model.getBranchOrMaster())) << what;
+        EXPECT_EQ(readFile(index + "/.git/HEAD"), remote.git({"rev-parse", "HEAD"}) + "\n") << what;
+    }
 }
 
 // Fault: a working copy that is not this store's, or not whole, is used; or one that is whole is thrown away.
@@ -82,19 +126,6 @@ TEST_F(GitClone, DamagedOrForeignWorkingCopyIsMadeAfresh) {
         EXPECT_TRUE(load());
     }
     EXPECT_EQ(takeIds(), Names{});
-}
-
-// Fault: a refresh that fails destroys what there was, or leaves half a staging directory.
-TEST_F(GitClone, FailedRefreshLeavesTheWorkingCopy) {
-    ASSERT_TRUE(load());
-    fs::rename(temp.path("remote"), temp.path("gone"));
-    EXPECT_EQ(thrownBy([this] { load(); }), "17-1587");
-    EXPECT_FALSE(HUTFile::exists(staging));
-    EXPECT_NE(stage(), 0) << "a complete working copy needs no remote";
-    fs::rename(temp.path("gone"), temp.path("remote"));
-    model.setBranch("no-such-branch");
-    EXPECT_EQ(thrownBy([this] { load(); }), "17-1587");
-    EXPECT_FALSE(HUTFile::exists(staging));
 }
 
 // Fault: the user's choice of another board repository is ignored, or obeyed for other stores.

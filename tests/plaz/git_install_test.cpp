@@ -1,5 +1,7 @@
 #include "git_fixture.h"
 
+#include <boost/algorithm/string/predicate.hpp>
+
 namespace {
 
 class GitInstall : public GitTest {
@@ -53,8 +55,33 @@ TEST_F(GitInstall, CompleteWorkingCopyIsFetchedOnlyForAMissingCommit) {
     EXPECT_TRUE(install(remote.write("boards/a/item.json", "{\"v\": 3}").commit()));
     EXPECT_EQ(installed("boards/a/item.json"), "{\"v\": 3}");
     EXPECT_EQ(takeIds(), Names{}) << "nobody is told of an attempt that was made good";
-    EXPECT_EQ(thrownBy([this] { install(std::string(40, '1')); }), "17-1587");
-    EXPECT_EQ(takeIds(), Names{"17-1990"});
+}
+
+// Faults: git's noise for a commit that is nowhere, or a long search for damage; damage that nothing mends; an item
+// that cannot be had because of either takes what is installed with it.
+TEST_F(GitInstall, LostCommitIsToldAndDamageIsMended) {
+    ASSERT_TRUE(install(first));
+    remote.git({"reset", "--hard", first});
+    const std::string packs = index + "/.git/objects/pack";
+    const auto empty = [&](const std::string& kind) {
+        for (const std::string& name : HUTFile::createFileIter(packs))
+            if (boost::algorithm::ends_with(name, kind)) boost::filesystem::resize_file(packs + "/" + name, 0);
+    };
+    const std::tuple<const char*, std::function<void()>, std::string, bool, bool> cases[] = {
+        {"never there", [] {}, std::string(40, '1'), false, false},
+        {"never there, shortened", [] {}, "1111111", false, false},
+        {"gone from the remote, still here", [] {}, second, true, false},
+        {"packs lost", [&] { HUTFile::rmRecursive(packs); }, first, true, true},
+        {"gone with the old working copy", [] {}, second, false, false},
+        {"pack emptied", [&] { empty(".pack"); }, first, true, true}};
+    replaceGit("exec " + HSCPlazGit::getGitExePath() + " \"$@\"");
+    for (const auto& [what, change, commit, isPlaced, isSearched] : cases) {
+        change();
+        EXPECT_EQ(install(commit), isPlaced) << what;
+        EXPECT_EQ(takeIds(), isPlaced ? Names{} : Names{"17-2173"}) << what;
+        EXPECT_EQ(takeCalls().find("fsck") != std::string::npos, isSearched) << what;
+        EXPECT_NE(installed("boards/a/item.json"), "") << what;
+    }
 }
 
 // Fault: names from a catalog reach git, or lead out of the store's area or into the hub's own directories.

@@ -42,10 +42,11 @@ public:
     /// ones. The selected store is the one of the same name, or null when that is gone. Null is ignored.
     void rebuildHub(std::unique_ptr<HSCPlazModel> model);
     /// Gives the stores of another hub model the places on disk that they have, or will have, in this hub, and tells
-    /// them which catalog file and branch have been known until now. The places of today's stores are recorded first,
-    /// so that no other order of the stores moves them.
-    /// @return false when they could not be recorded
-    bool placeStores(HSCPlazModel& model);
+    /// them which catalog file and branch have been known until now.
+    void placeStores(HSCPlazModel& model);
+    /// Records the default places of today's stores, so that no other order of the stores moves them.
+    /// @return false when they could not be recorded (Msg::placesNotSaved)
+    bool keepDefaultFolders();
     /// Gives a store of this hub that has no area of its own yet the one that is meant for it.
     void placeForRefresh(HSCPlazQStoreModel& store);
 
@@ -82,7 +83,6 @@ private:
     void loadStores();
     void buildHub();
     void buildObjects();
-    bool keepDefaultFolders();
     void applyDefaultStoreLocations();
     void restoreInstalledState();
     void mergeLocalDb(HSCPlazQStoreModel& store);

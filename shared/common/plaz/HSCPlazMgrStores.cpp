@@ -164,11 +164,11 @@ void HSCPlazMgr::loadStoreFromGdaData(HSCPlazQStore* store) {
 
 void HSCPlazMgr::loadStoreFromGdaData(HSCPlazQStoreModel* storeModel) {
     if (!storeModel || storeModel->getMetadataFile().empty()) return;
+    const bool isRefreshed = hasOwnArea(*storeModel) && HSCPlazGit::isInstalled(storeModel->getLocalRootDir());
     const std::string dataDir = joined(m_pathMgr->getStoresDataDir(), storeModel->getRoot());
     if (!HUTFile::isDirectory(dataDir)) {
         // A store that came with a refresh of the hub is not shipped and lacks nothing.
-        if (hasOwnArea(*storeModel) && HSCPlazGit::isInstalled(storeModel->getLocalRootDir())) return;
-        ComMsgMgr::send(Msg::shippedDataMissing, MsgSeverity::warning, storeModel->getName());
+        if (!isRefreshed) ComMsgMgr::send(Msg::shippedDataMissing, MsgSeverity::warning, storeModel->getName());
         return;
     }
     const std::string metadata = joined(dataDir, storeModel->getMetadataFile());
@@ -177,7 +177,8 @@ void HSCPlazMgr::loadStoreFromGdaData(HSCPlazQStoreModel* storeModel) {
         return;
     }
     const std::string area = storeModel->getLocalRootDir();
-    if (loadStoreFromData(m_hubModel.get(), storeModel)) loadItemCatalog(m_hubModel.get(), storeModel);
+    // What is shipped of the items is not read where the store's own catalog takes their place.
+    if (loadStoreFromData(m_hubModel.get(), storeModel) && !isRefreshed) loadItemCatalog(m_hubModel.get(), storeModel);
     storeModel->setLocalRootDir(area);
 }
 
@@ -227,8 +228,7 @@ bool HSCPlazMgr::keepDefaultFolders() {
     return m_repoInfoMgr->setDefaultFolders(folders);
 }
 
-bool HSCPlazMgr::placeStores(HSCPlazModel& model) {
-    if (!keepDefaultFolders()) return false;
+void HSCPlazMgr::placeStores(HSCPlazModel& model) {
     const std::vector<std::string> dirs = refreshDirs(model);
     for (std::size_t position = 0; position < dirs.size(); ++position) {
         HSCPlazQStoreModel& store = *model.getStores()[position];
@@ -239,7 +239,6 @@ bool HSCPlazMgr::placeStores(HSCPlazModel& model) {
         store.setBranchToSync(known->getBranchToSync());
         store.setCatalogFile(known->getCatalogFile());
     }
-    return true;
 }
 
 void HSCPlazMgr::placeForRefresh(HSCPlazQStoreModel& store) {
@@ -255,7 +254,8 @@ std::vector<std::string> HSCPlazMgr::refreshDirs(const HSCPlazModel& hubModel) c
         for (std::size_t position = 0; position < dirs.size(); ++position)
             if (dirs[position].empty())
                 dirs[position] =
-                    (m_userPref->getUserRepoPath() / hubModel.getStores()[position]->getRoot()).generic_string();
+                    (m_userPref->getUserRepoPath() / HSCPlazPathMgr::getStoreFolder(*hubModel.getStores()[position]))
+                        .generic_string();
     } catch (const HEXAll&) {
         // There is no such place until the environment names one that exists; who needs it will be told.
     }
@@ -276,7 +276,8 @@ void HSCPlazMgr::applyDefaultStoreLocations() {
     const std::vector<std::string> dirs = defaultStoreDirs(*m_hubModel);
     for (std::size_t position = 0; position < dirs.size(); ++position)
         if (HSCPlazQStoreModel& store = *m_hubModel->getStores()[position]; store.isProductSpecific())
-            placeStore(store, dirs[position]);
+            // A store that has been refreshed stays where its catalog is.
+            placeStore(store, dirs[position].empty() && hasOwnArea(store) ? store.getLocalRootDir() : dirs[position]);
 }
 
 void HSCPlazMgr::placeStore(HSCPlazQStoreModel& store, const std::string& dir) const {

@@ -48,7 +48,16 @@ inline constexpr MsgId<1> itemNotInstalled{"@17-2165@%s"};      ///< display nam
 inline constexpr MsgId<2> removalIncomplete{"@17-2166@%s%s"};   ///< item, directory
 inline constexpr MsgId<2> dependencyUnknown{"@17-2167@%s%s"};   ///< item, store
 inline constexpr MsgId<1> hubBusy{"@17-2168@%s"};               ///< lock file
+inline constexpr MsgId<1> credentialsRefused{"@17-2169@%s"};    ///< URL without user part
+inline constexpr MsgId<2> branchReplaced{"@17-2170@%s%s"};      ///< store, branch
+inline constexpr MsgId<3> branchMissing{"@17-2171@%s%s%s"};     ///< store, what it lacks, what it has
+inline constexpr MsgId<1> repositoryEmpty{"@17-2172@%s"};       ///< store
+inline constexpr MsgId<2> commitGone{"@17-2173@%s%s"};          ///< item, commit
+inline constexpr MsgId<1> credentialsWithheld{"@17-2174@%s"};   ///< URL without user part
+inline constexpr MsgId<2> itemsLeftBehind{"@17-2176@%s%s"};     ///< store, directory
+inline constexpr MsgId<1> placesNotSaved{"@17-2177@%s"};        ///< file
 inline constexpr MsgId<2> storeWithdrawn{"@17-2178@%s%s"};      ///< store, its area
+inline constexpr MsgId<1> unexpectedFailure{"@17-2189@%s"};     ///< what the system or a library said
 inline constexpr MsgId<1> storeNotRefreshed{"@17-2191@%s"};     ///< store
 inline constexpr MsgId<1> clonedRepo{"@60-832@%s"};             ///< directory
 } // namespace Msg

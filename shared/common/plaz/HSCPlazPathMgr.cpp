@@ -9,10 +9,9 @@
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
 
-#include <boost/algorithm/string/predicate.hpp>
 #include <boost/filesystem/path.hpp>
 
-#include <functional>
+#include <cstdint>
 #include <initializer_list>
 
 namespace {
@@ -59,10 +58,11 @@ std::string hubBase(const std::string& hubRoot) {
     return HUTEnv::getEnv(localRootVariable, base) ? base : HUTEnv::getGDADataDir(hubRoot);
 }
 
-/// Folders of a store's area that belong to the hub, not to items. Some disks ignore case.
-bool isReserved(const std::string& itemRoot) {
-    const std::string first = itemRoot.substr(0, itemRoot.find('/'));
-    return boost::algorithm::iequals(first, hiddenDir) || boost::algorithm::iequals(first, stagingDir);
+/// Folders on disk are named by it, so it must be the same with every compiler (FNV-1a).
+std::uint64_t hashOf(const std::string& text) {
+    std::uint64_t hash = 14695981039346656037U;
+    for (const char c : text) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211U;
+    return hash;
 }
 
 } // namespace
@@ -132,7 +132,8 @@ std::string HSCPlazPathMgr::getDefaultLocalDbFile() const {
 }
 
 std::string HSCPlazPathMgr::getStoreArea(const HSCPlazQStoreModel& store) const {
-    return HSCPlazUserPref().getUserRepoPath(&store).generic_string();
+    if (!store.getLocalRootDir().empty()) return join({store.getLocalRootDir()});
+    return (HSCPlazUserPref().getUserRepoPath() / getStoreFolder(store)).generic_string();
 }
 
 std::string HSCPlazPathMgr::getStoreDbFile(const HSCPlazQStoreModel& store) const {
@@ -142,7 +143,7 @@ std::string HSCPlazPathMgr::getStoreDbFile(const HSCPlazQStoreModel& store) cons
 std::string HSCPlazPathMgr::getStoreFolder(const HSCPlazQStoreModel& store) {
     if (!store.getRoot().empty()) return store.getRoot();
     if (HSCPlazTrust::isSafeComponent(store.getName())) return store.getName();
-    return "store_" + std::to_string(std::hash<std::string>()(store.getName()));
+    return "store_" + std::to_string(hashOf(store.getName()));
 }
 
 std::string HSCPlazPathMgr::getStoreStagingDir(const HSCPlazQStoreModel& store) const {
@@ -157,7 +158,7 @@ std::string HSCPlazPathMgr::getStoreIndexDir(const HSCPlazQStoreModel& store) co
 
 std::string HSCPlazPathMgr::getItemFolder(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item) {
     const std::string& root = item.getRoot();
-    if (!HSCPlazTrust::isSafeRelativePath(root) || isReserved(root)) return "";
+    if (!HSCPlazTrust::isSafeRelativePath(root)) return "";
     if (!store.isMultiRevisionSupported() || item.getRevision().empty()) return root;
     return HSCPlazTrust::isSafeComponent(item.getRevision()) ? join({root, item.getRevision()}) : std::string();
 }

@@ -52,7 +52,8 @@ public:
     /// The database used where a store has none of its own and the hub names none.
     std::string getDefaultLocalDbFile() const;
 
-    /// A store's own area (see HSCPlazUserPref::getUserRepoPath). @throws as that
+    /// A store's own area: its local root directory, else its folder below the user repository root.
+    /// @throws as HSCPlazUserPref::getUserRepoPath
     std::string getStoreArea(const HSCPlazQStoreModel& store) const;
     /// The store's database inside its area.
     std::string getStoreDbFile(const HSCPlazQStoreModel& store) const;

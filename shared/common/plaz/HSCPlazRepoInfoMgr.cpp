@@ -1,5 +1,6 @@
 #include "plaz/HSCPlazRepoInfoMgr.h"
 
+#include "plaz/HSCPlazMsg.h"
 #include "support/HCRapidJsonReadWriteUtils.h"
 #include "support/HIOStream.h"
 #include "support/HUTFile.h"
@@ -66,6 +67,13 @@ void HSCPlazRepoInfoMgr::readOnce() {
     if (plaz) m_content = {readRecords(*plaz, chosenKey), readRecords(*plaz, defaultsKey)};
 }
 
+// Another process may have changed the file since.
+void HSCPlazRepoInfoMgr::readAgain() {
+    m_read = m_damaged = false;
+    m_content = {};
+    readOnce();
+}
+
 std::string HSCPlazRepoInfoMgr::getStoreDirectory(const std::string& storeName) {
     readOnce();
     const auto found = findStore(m_content.chosen, storeName);
@@ -73,7 +81,7 @@ std::string HSCPlazRepoInfoMgr::getStoreDirectory(const std::string& storeName) 
 }
 
 bool HSCPlazRepoInfoMgr::setStoreDirectory(const std::string& storeName, const std::string& directory) {
-    readOnce();
+    readAgain();
     Content content = m_content;
     const auto found = findStore(content.chosen, storeName);
     if (found == content.chosen.end())
@@ -89,14 +97,17 @@ const Records& HSCPlazRepoInfoMgr::getDefaultFolders() {
 }
 
 bool HSCPlazRepoInfoMgr::setDefaultFolders(const Records& folders) {
-    readOnce();
+    readAgain();
     return isSame(folders, m_content.defaults) || replace({m_content.chosen, folders});
 }
 
 bool HSCPlazRepoInfoMgr::replace(Content content) {
     // What could not be read is not lost: it stays beside the new file.
-    if (m_damaged && !HUTFile::copyTo(m_file, m_file + ".bad", HUTFile::copyOver)) return false;
-    if (!write(content)) return false;
+    const bool isKept = !m_damaged || HUTFile::copyTo(m_file, m_file + ".bad", HUTFile::copyOver);
+    if (!isKept || !write(content)) {
+        ComMsgMgr::send(Msg::placesNotSaved, MsgSeverity::error, m_file);
+        return false;
+    }
     m_damaged = false;
     m_content = std::move(content);
     return true;

@@ -10,7 +10,7 @@
 ///
 /// The file "plaz_stores.json" in the user area: {"plaz": {"_major": "1", "_minor": "0", "qstores": [{"name": ...,
 /// "directory": ...}], "default_folders": [the same]}}. It is read on first use and written whole and atomically at
-/// each change.
+/// each change, upon what stands in it by then.
 class PLAZ_API HSCPlazRepoInfoMgr {
 public:
     struct Record {
@@ -23,7 +23,8 @@ public:
 
     /// The directory recorded for a store; empty when none is.
     std::string getStoreDirectory(const std::string& storeName);
-    /// Records a directory. @return false, with nothing changed, when the file cannot be written
+    /// Records a directory. @return false, with nothing changed and Msg::placesNotSaved sent, when the file cannot be
+    /// written
     bool setStoreDirectory(const std::string& storeName, const std::string& directory);
 
     /// The stores' default places: folder names in the user area. Empty as long as the hub is the shipped one.
@@ -37,6 +38,7 @@ private:
         std::vector<Record> defaults;
     };
     void readOnce();
+    void readAgain();
     bool replace(Content content);
     bool write(const Content& content) const;
 

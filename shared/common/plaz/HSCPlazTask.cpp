@@ -51,6 +51,8 @@ bool HSCPlazTask::report(const std::function<bool()>& action) {
         return action();
     } catch (const HEXAll& failure) {
         HSCPlazItemFiles::reportUnlessTold(failure);
-        return false;
+    } catch (const std::exception& failure) {
+        ComMsgMgr::send(Msg::unexpectedFailure, MsgSeverity::error, failure.what());
     }
+    return false;
 }

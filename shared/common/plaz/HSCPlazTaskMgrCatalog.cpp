@@ -14,6 +14,8 @@
 #include "plaz/model/HSCPlazModel.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/reader/HSCPlazJsonDocument.h"
+#include "plaz/model/reader/HSCPlazMetadataKeys.h"
 #include "plaz/model/reader/HSCPlazQItemReader.h"
 #include "plaz/model/reader/HSCPlazQStoreReader.h"
 #include "plaz/model/reader/HSCPlazReader.h"
@@ -21,10 +23,13 @@
 #include "plaz/model/repo/HSCPlazGitHead.h"
 #include "plaz/model/repo/HSCPlazRepoFactory.h"
 #include "plaz/pref/HSCPlazUserPref.h"
+#include "support/HCRapidJsonReadWriteUtils.h"
 #include "support/HDGUIStatus.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
+
+#include <boost/filesystem.hpp>
 
 #include <algorithm>
 
@@ -35,6 +40,7 @@ namespace {
 
 constexpr const char* updateName = "HSCPlazTaskMgr::updateCatalog";
 constexpr const char* loadName = "HSCPlazTaskMgr::loadStoreModelCatalog";
+constexpr const char* moveName = "HSCPlazTaskMgr::setQStoreLocalRootDir";
 constexpr const char* hiddenCatalogDir = "/.plaz/.catalog/";
 
 const HSCPlazPathMgr& paths() {
@@ -79,25 +85,63 @@ private:
     std::string m_dir;
 };
 
-/// Puts what was fetched into the place where it counts.
-bool takeFetched(const StagingGuard& staging, const std::string& area) {
-    if (HSCPlazMgr::getInstance().getUserPref().copySrcToDest(staging.getDir(), area)) return true;
-    ComMsgMgr::send(Msg::dirNotWritable, MsgSeverity::error, area);
-    return false;
+/// Puts files that were fetched into the place where they count. Files of the same name, deeper in the repository, have
+/// been fetched with them and stay out.
+bool takeFetched(const StagingGuard& staging, const std::string& area, const HSTVector<std::string>& files) {
+    const HSCPlazUserPref& userPref = HSCPlazMgr::getInstance().getUserPref();
+    for (const std::string& file : files) {
+        const std::string dest = area + "/" + file;
+        const std::string dir = dest.substr(0, dest.rfind('/'));
+        if (HUTFile::mkDirRecursive(dir) && userPref.copySrcToDest(staging.file(file), dest)) continue;
+        ComMsgMgr::send(Msg::dirNotWritable, MsgSeverity::error, dir);
+        return false;
+    }
+    return true;
 }
+
+/// Whether a fetched file is whole, and what it should be: an object of that name in it.
+bool isUsable(const std::string& file, const char* object) {
+    if (!HSCPlazUtils::isInstalledFileValid(file)) return false;
+    HSCPlazJsonDocument document;
+    return document.load(file) && HCRapidJsonReadWriteUtils::FindObject(document.getRoot(), object);
+}
+
+/// Puts a store back where it was unless the new place has been filled.
+class PlaceGuard {
+public:
+    explicit PlaceGuard(HSCPlazQStoreModel& store)
+        : m_store(store), m_localRoot(store.getLocalRootDir()), m_installDir(store.getInstallDir()),
+          m_database(store.getLocalDbFilePath()) {}
+    ~PlaceGuard() {
+        if (m_kept) return;
+        m_store.setLocalRootDir(m_localRoot);
+        m_store.setInstallDir(m_installDir);
+        m_store.setLocalDbFilePath(m_database);
+    }
+    PlaceGuard(const PlaceGuard&) = delete;
+    PlaceGuard& operator=(const PlaceGuard&) = delete;
+    void keep() { m_kept = true; }
+
+private:
+    HSCPlazQStoreModel& m_store;
+    std::string m_localRoot;
+    std::string m_installDir;
+    std::string m_database;
+    bool m_kept = false;
+};
 
 bool loadFiles(HSCPlazGit& git, HSCPlazBaseModel& owner, const HSTVector<std::string>& files) {
     return HSCPlazTask::report([&] { return git.loadCatalog(&owner, HSCPlazMgr::getInstance().getPathMgr(), files); });
 }
 
-void requireValid(const MsgId<2>& message, const HSCPlazQStoreModel& store, const std::string& file) {
-    if (!HSCPlazUtils::isInstalledFileValid(file))
+void requireUsable(const MsgId<2>& message, const HSCPlazQStoreModel& store, const std::string& file) {
+    if (!isUsable(file, HSCPlazKey::catalog))
         throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", message, store.getName(), file));
 }
 
 /// What the fetched store metadata says, before anything of it counts.
 void readFetched(const std::string& file, const HSCPlazQStoreModel& store, HSCPlazQStoreModel& fetched) {
-    requireValid(Msg::storeFileInvalid, store, file);
+    requireUsable(Msg::storeFileInvalid, store, file);
     fetched.setName(store.getName());
     HSCPlazQStoreReader().parse(file, &fetched);
 }
@@ -121,33 +165,48 @@ bool loadStoreModelCatalog(HSCPlazQStoreModel& store, HDGUIStatus* status) {
         store.setBranchToSync(fetched.getBranchToSync());
         if (!loadFiles(*git, store, {store.getMetadataFile(), fetched.getCatalogFile()})) return false;
     }
-    if (!fetched.getCatalogFile().empty())
-        requireValid(Msg::catalogFileInvalid, store, staging.file(fetched.getCatalogFile()));
+    files = {store.getMetadataFile()};
+    if (!fetched.getCatalogFile().empty()) {
+        requireUsable(Msg::catalogFileInvalid, store, staging.file(fetched.getCatalogFile()));
+        files.insert(files.begin(), fetched.getCatalogFile()); // what the metadata names is there before it
+    }
     const std::string area = paths().getStoreArea(store);
-    if (isCancelled(status) || !HUTFile::mkDirRecursive(area) || !takeFetched(staging, area)) return false;
-    requireValid(Msg::storeFileInvalid, store, area + "/" + store.getMetadataFile());
+    if (isCancelled(status) || !takeFetched(staging, area, files)) return false;
+    requireUsable(Msg::storeFileInvalid, store, area + "/" + store.getMetadataFile());
     return HUTFile::writeAtomically(area + "/.done", "");
 }
 
+/// Puts a fetched file into its place. The staging directory goes anyway, so the file is moved where both lie on one
+/// file system.
+bool placeFetched(const std::string& fetched, const std::string& file) {
+    boost::system::error_code error;
+    boost::filesystem::rename(fetched, file, error);
+    if (error == boost::system::errc::no_such_file_or_directory &&
+        HUTFile::mkDirRecursive(boost::filesystem::path(file).parent_path().string()))
+        boost::filesystem::rename(fetched, file, error);
+    return !error || HSCPlazMgr::getInstance().getUserPref().copySrcToDest(fetched, file);
+}
+
 /// Puts one item's fetched metadata file, and its change log, where the catalog's descriptions lie, and reads it.
-void takeDescription(const StagingGuard& staging, const HSCPlazQStoreModel& store, HSCPlazQItemModel& item) {
-    const std::string fetched = staging.file(item.getRoot() + "/" + item.getMetadataFile());
+void takeDescription(const HIOStream::Root& staging, HSCPlazJsonDocument& document, const HSCPlazQStoreModel& store,
+                     HSCPlazQItemModel& item) {
+    const std::string relative = item.getRoot() + "/" + item.getMetadataFile();
+    const std::string fetched = staging.getDir() + "/" + relative;
     if (!HSCPlazUtils::isInstalledFileValid(fetched)) {
         ComMsgMgr::send(Msg::itemCatalogInvalid, MsgSeverity::criticalWarning, fetched, item.getName());
         return;
     }
-    const std::string dir = paths().getStoreArea(store) + hiddenCatalogDir + HSCPlazPathMgr::getItemFolder(store, item);
-    const HSCPlazUserPref& userPref = HSCPlazMgr::getInstance().getUserPref();
-    HUTFile::mkDirRecursive(dir);
-    const std::string changeLog = staging.file(item.getRoot() + "/changelog.txt");
-    if (HUTFile::exists(changeLog)) userPref.copySrcToDest(changeLog, dir + "/changelog.txt");
-    if (!userPref.copySrcToDest(fetched, dir + "/" + item.getMetadataFile())) {
+    HSCPlazQItemModel description;
+    HSCPlazQItemReader().parseBelow(staging, relative, document, &description);
+    const std::string dir =
+        paths().getStoreArea(store) + hiddenCatalogDir + HSCPlazPathMgr::getItemFolder(store, item) + "/";
+    if (!placeFetched(fetched, dir + item.getMetadataFile())) {
         ComMsgMgr::send(Msg::dirNotWritable, MsgSeverity::error, dir);
         return;
     }
-    inside(updateName, " metadata file path is ", dir, "/", item.getMetadataFile());
-    HSCPlazQItemModel description;
-    HSCPlazQItemReader().parse(dir + "/" + item.getMetadataFile(), &description);
+    const std::string changeLog = staging.getDir() + "/" + item.getRoot() + "/changelog.txt";
+    if (HUTFile::exists(changeLog)) placeFetched(changeLog, dir + "changelog.txt");
+    inside(updateName, " metadata file path is ", dir, item.getMetadataFile());
     if (!item.isInstalled() && description.getName() == item.getName()) item.copyDescriptionFrom(description);
 }
 
@@ -163,12 +222,15 @@ bool updateItemCatalogs(HSCPlazQStoreModel& store, HDGUIStatus* status) {
     inside(updateName, updated ? " updated catalog successfully for store " : " failed to update catalog for store ",
            store.getName());
     if (!updated || isCancelled(status)) return false;
-    inside(updateName, " store path for store ", store.getName(), staging.getDir());
+    inside(updateName, " store path for store ", store.getName(), " ", staging.getDir());
     if (!store.isProductSpecific()) return true;
+    const HIOStream::Root fetched(staging.getDir());
+    HSCPlazJsonDocument document;
     // The branch describes the latest revisions; what older ones say of themselves comes with them.
     for (const auto& item : store.getItems())
-        if (item->getRevision() == item->getLatestRevision() && !HSCPlazPathMgr::getItemFolder(store, *item).empty())
-            takeDescription(staging, store, *item);
+        if (item->getRevision() == item->getLatestRevision() && !item->getMetadataFile().empty() &&
+            !HSCPlazPathMgr::getItemFolder(store, *item).empty())
+            takeDescription(fetched, document, store, *item);
     return HSCPlazGitHead::moveTo(paths().getStoreIndexDir(store), store.getBranchOrMaster());
 }
 
@@ -179,10 +241,11 @@ std::string fetchHubMetadata(HSCPlazModel& hub, HDGUIStatus* status) {
     const StagingGuard staging(paths().getStagingPath(hub.getRoot()));
     if (!loadFiles(*git, hub, {hub.getMetadataFile()})) return "";
     const std::string fetched = staging.file(hub.getMetadataFile());
-    if (!HSCPlazUtils::isInstalledFileValid(fetched))
+    if (!isUsable(fetched, HSCPlazKey::plaz))
         throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::hubFileInvalid, fetched));
     const std::string area = paths().getUserAreaRoot(hub.getRoot(), true);
-    if (isCancelled(status) || !takeFetched(staging, area)) return "";
+    const bool isPlaced = !isCancelled(status) && HSCPlazMgr::getInstance().keepDefaultFolders();
+    if (!isPlaced || !takeFetched(staging, area, {hub.getMetadataFile()})) return "";
     return area + "/" + hub.getMetadataFile();
 }
 
@@ -210,24 +273,28 @@ bool loadStores(const HSCPlazModel& hub, HDGUIStatus* status) {
     return true;
 }
 
+bool holdsSomething(const HSCPlazQStoreModel& store) {
+    const auto& items = store.getItems();
+    return std::any_of(items.begin(), items.end(), [](const auto& item) { return item->isInstalled(); });
+}
+
 /// Tells of stores that are gone and leave something behind.
 void reportWithdrawn(const HSCPlazModel& known, const HSCPlazModel& fresh) {
-    for (const auto& store : known.getStores()) {
-        const auto& items = store->getItems();
-        const bool holdsSomething =
-            std::any_of(items.begin(), items.end(), [](const auto& i) { return i->isInstalled(); });
-        if (holdsSomething && !fresh.findStore(store->getName()))
+    for (const auto& store : known.getStores())
+        if (holdsSomething(*store) && !fresh.findStore(store->getName()))
             ComMsgMgr::send(Msg::storeWithdrawn, MsgSeverity::warning, store->getName(), paths().getStoreArea(*store));
-    }
 }
 
 bool updateHub(HSCPlaz& hub, HDGUIStatus* status) {
     HSCPlazMgr& manager = HSCPlazMgr::getInstance();
+    inside(updateName, " got user pref pointer");
+    inside(updateName, " got path mgr pointer");
     show(status, "Fetching", hub.getRoot(), 0);
     const std::string file = fetchHubMetadata(*hub.getModel(), status);
     if (file.empty()) return false;
     auto fresh = readHub(file, *hub.getModel());
-    if (!manager.placeStores(*fresh) || !loadStores(*fresh, status)) return false;
+    manager.placeStores(*fresh);
+    if (!loadStores(*fresh, status)) return false;
     reportWithdrawn(*hub.getModel(), *fresh);
     show(status, "Reading", hub.getRoot(), 90);
     manager.rebuildHub(std::move(fresh));
@@ -235,8 +302,35 @@ bool updateHub(HSCPlaz& hub, HDGUIStatus* status) {
     return true;
 }
 
+/// Whether a store can be kept in a directory whose database, if there is one, is @p database.
+bool canBeKept(const HSCPlazQStore& store, const std::string& database) {
+    if (!HUTFile::exists(database))
+        return HSCPlazUtils::validateAndCreateDir(database.substr(0, database.rfind('/')), true);
+    const bool fits = HSCPlazMgr::getInstance().getLocalDBMgr()->isValidForProductAndRelease(database);
+    inside(moveName, " store ", store.getName(), fits ? "" : " not", " compatible for product and release.");
+    return fits;
+}
+
+bool moveStore(HSCPlazQStore& store, const std::string& dir) {
+    inside(moveName, " store - ", store.getName(), " local_root_dir - ", dir);
+    HSCPlazMgr& manager = HSCPlazMgr::getInstance();
+    const std::string newRoot = store.getRoot().empty() ? dir : dir + "/" + store.getRoot();
+    const std::string oldRoot = store.getLocalRootDir();
+    const std::string database = newRoot + "/.plaz/" + HSCPlazUtils::PLAZ_LOCAL_DB_FILE;
+    // Recorded first: a move that the next start does not know of would lose what is installed there.
+    if (!canBeKept(store, database) || !manager.getHubRepoInfoMgr()->setStoreDirectory(store.getName(), dir))
+        return false;
+    if (newRoot != oldRoot && holdsSomething(*store.getModel()))
+        ComMsgMgr::send(Msg::itemsLeftBehind, MsgSeverity::warning, store.getName(), oldRoot);
+    store.setLocalDbFilePath(database);
+    store.setLocalRootDir(newRoot);
+    store.setInstallDir(newRoot);
+    manager.loadStoreCatalog(store.getHub(), &store, false);
+    return true;
+}
+
 std::string catalogPath(const HSCPlazQStore* store) {
-    if (!store || store->getLocalRootDir().empty()) return "";
+    if (!store || store->getLocalRootDir().empty() || store->getItemCatalogFile().empty()) return "";
     return store->getLocalRootDir() + HUTFile::getDirSeparator() + store->getItemCatalogFile();
 }
 
@@ -263,9 +357,11 @@ bool HSCPlazTaskMgr::loadCatalog(HSCPlaz* hub, HSCPlazQStore* store, HDGUIStatus
     if (isCancelled(status) || !hub || !store || !store->getModel()) return false;
     return HSCPlazTask::run(*hub, status, [&] {
         show(status, "Fetching", shownName(*store->getModel()), 0);
+        PlaceGuard place(*store->getModel());
         HSCPlazMgr::getInstance().placeForRefresh(*store->getModel());
         // RATIONALE: the store is cleared only once the new catalog is there: a failure leaves the old one in force.
         if (!loadStoreModelCatalog(*store->getModel(), status)) return false;
+        place.keep();
         show(status, "Reading", shownName(*store->getModel()), 40);
         HSCPlazMgr::getInstance().loadStoreCatalog(hub, store, false);
         return true;
@@ -301,37 +397,16 @@ bool HSCPlazTaskMgr::isInstalled(HSCPlazQStore* store) {
 }
 
 bool HSCPlazTaskMgr::setQStoreLocalRootDir(HSCPlazQStore* store, const std::string& dir) {
-    static constexpr const char* operation = "HSCPlazTaskMgr::setQStoreLocalRootDir";
     if (dir.empty() || !store || !store->getHub()) {
-        inside(operation, " sanity checks failed.");
+        inside(moveName, " sanity checks failed.");
         return false;
     }
     if (!store->isProductSpecific() && HUTEnv::getProductName() != "kvq") {
-        inside(operation, " store ", store->getName(), " is not product specific");
+        inside(moveName, " store ", store->getName(), " is not product specific");
         return false;
     }
-    inside(operation, " store - ", store->getName(), " local_root_dir - ", dir);
-    const std::string root = store->getRoot();
-    const std::string newRoot = root.empty() ? dir : dir + "/" + root;
-    const std::string hidden = newRoot + "/.plaz";
-    const std::string database = hidden + "/" + HSCPlazUtils::PLAZ_LOCAL_DB_FILE;
-    HSCPlazMgr& manager = HSCPlazMgr::getInstance();
-    const auto moveThere = [&] {
-        store->setLocalDbFilePath(database);
-        store->setLocalRootDir(newRoot);
-        store->setInstallDir(newRoot);
-    };
-    if (!HUTFile::exists(database)) {
-        if (!HSCPlazUtils::validateAndCreateDir(hidden, true)) return false;
-        moveThere();
-        return manager.getHubRepoInfoMgr()->setStoreDirectory(store->getName(), dir);
-    }
-    if (!manager.getLocalDBMgr()->isValidForProductAndRelease(database)) {
-        inside(operation, " store ", store->getName(), " not compatible for product and release.");
-        return false;
-    }
-    inside(operation, " store ", store->getName(), " compatible for product and release.");
-    moveThere();
-    manager.loadStoreCatalog(store->getHub(), store, false);
-    return manager.getHubRepoInfoMgr()->setStoreDirectory(store->getName(), dir);
+    return HSCPlazTask::report([&] {
+        return HSCPlazTask::run(*store->getHub(), nullptr,
+                                [&] { return moveStore(*store, HUTFile::getCanonicalName(dir)); });
+    });
 }

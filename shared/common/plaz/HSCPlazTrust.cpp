@@ -13,12 +13,13 @@ bool hasControlCharacter(const std::string& text) {
                        [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; });
 }
 
-/// What leads elsewhere ("..", "."), what some disks take for another name ("x." and "x " for "x"), and git's own
-/// directory: a program that meets it runs what it configures.
+/// What leads elsewhere ("..", "."), what some disks take for another name ("x." and "x " for "x"), git's own directory
+/// (a program that meets it runs what it configures) and the hub's own places in a store's area.
 bool isRefusedComponent(std::string_view component) {
-    static constexpr std::string_view gitDir = ".git";
+    static constexpr std::string_view reserved[] = {".git", ".plaz", ".staging", ".done"};
     return component.empty() || component.back() == '.' || component.back() == ' ' ||
-           (component.size() == gitDir.size() && boost::algorithm::iequals(component, gitDir));
+           std::any_of(std::begin(reserved), std::end(reserved),
+                       [&](std::string_view name) { return boost::algorithm::iequals(component, name); });
 }
 
 bool hasRefusedComponent(std::string_view path) {
@@ -57,6 +58,28 @@ bool hasPlainAuthority(const std::string& url) {
     return url.find_first_of(" \"'", scheme) >= end;
 }
 
+/// The end of the user part of the URL whose authority begins there and which ends at @p end: its "@"; npos without
+/// one. A secret may hold a "/" as it is; what stands before that is then no host, for its port is no number.
+std::size_t findUserEnd(const std::string& text, std::size_t authority, std::size_t end) {
+    const std::size_t slash = std::min(text.find('/', authority), end);
+    const std::string_view place = std::string_view(text).substr(authority, slash - authority);
+    const std::size_t user = place.rfind('@');
+    if (user != std::string_view::npos) return authority + user;
+    const std::size_t colon = place.find(':', place.rfind(']') + 1);
+    if (colon == std::string_view::npos || colon + 1 == place.size()) return std::string::npos;
+    const bool isPort = place.find_first_not_of("0123456789", colon + 1) == std::string_view::npos;
+    const std::size_t last = std::string_view(text).substr(0, end).rfind('@');
+    return isPort || last == std::string_view::npos || last < slash ? std::string::npos : last;
+}
+
+/// A user part that others would read up to its first "/" alone, the rest as a path.
+bool hasTornUserPart(const std::string& url) {
+    const std::size_t scheme = url.find("://");
+    if (scheme == std::string::npos) return false;
+    const std::size_t user = findUserEnd(url, scheme + 3, url.size());
+    return user != std::string::npos && user > url.find('/', scheme + 3);
+}
+
 /// A host that a remote shell would take for an option: "ssh://-oCommand=..." and "user@-oCommand:path".
 bool hasOptionAsHost(const std::string& url) {
     const std::size_t scheme = url.find("://");
@@ -93,7 +116,7 @@ bool HSCPlazTrust::isCommitId(const std::string& text) {
 
 bool HSCPlazTrust::isSafeUrl(const std::string& url) {
     return !url.empty() && url.front() != '-' && !hasControlCharacter(url) && !namesTransportHelper(url) &&
-           hasServedScheme(url) && hasPlainAuthority(url) && !hasOptionAsHost(url);
+           hasServedScheme(url) && hasPlainAuthority(url) && !hasTornUserPart(url) && !hasOptionAsHost(url);
 }
 
 std::string HSCPlazTrust::maskSecrets(const std::string& text) {
@@ -101,15 +124,17 @@ std::string HSCPlazTrust::maskSecrets(const std::string& text) {
     std::size_t done = 0;
     for (std::size_t scheme = text.find("://"); scheme != std::string::npos; scheme = text.find("://", done)) {
         const std::size_t authority = scheme + 3;
-        const std::size_t end = std::min(text.find_first_of("/ \t\r\n\"'", authority), text.size());
-        const std::size_t user = text.rfind('@', end == 0 ? 0 : end - 1);
+        const std::size_t end = std::min(text.find_first_of(" \t\r\n\"'", authority), text.size());
+        const std::size_t user = findUserEnd(text, authority, end);
         masked.append(text, done, authority - done);
-        if (user != std::string::npos && user >= authority) {
-            masked += "***";
-            done = user;
-        } else {
-            done = authority;
-        }
+        if (user != std::string::npos) masked += "***";
+        done = user != std::string::npos ? user : authority;
     }
     return masked.append(text, done, std::string::npos);
+}
+
+std::string HSCPlazTrust::maskProxy(const std::string& proxy) {
+    const std::size_t at = proxy.rfind('@');
+    if (at == std::string::npos || proxy.find("://") != std::string::npos) return maskSecrets(proxy);
+    return "***" + proxy.substr(at);
 }

@@ -9,7 +9,8 @@
 namespace HSCPlazTrust {
 
 /// A relative path that stays below where it starts on every system: not empty, not absolute, no component that is
-/// empty or ends in a dot or blank (".." among them), none named ".git", no backslash, colon or control character.
+/// empty or ends in a dot or blank (".." among them), none named ".git", ".plaz", ".staging" or ".done", whatever the
+/// case, no backslash, colon or control character.
 PLAZ_API bool isSafeRelativePath(const std::string& path);
 /// One path component: a safe relative path without a separator that is not ".".
 PLAZ_API bool isSafeComponent(const std::string& name);
@@ -18,9 +19,11 @@ PLAZ_API bool isSafeRef(const std::string& ref);
 /// A commit id: 7 to 64 hexadecimal digits. A branch of such a name aside, it means one commit for ever.
 PLAZ_API bool isCommitId(const std::string& text);
 /// A URL that git may be given: no leading "-", no transport that runs a program ("ext::", "fd::" and the like), no
-/// control character, no blank or quote in user or host; a local path is one too.
+/// control character, no blank or quote in user or host, no "/" in the user part; a local path is one too.
 PLAZ_API bool isSafeUrl(const std::string& url);
 /// The text with the user part of every URL in it ("//user:token@") replaced by "***".
 PLAZ_API std::string maskSecrets(const std::string& text);
+/// The same of one proxy, which may come without a scheme and with a user part all the same.
+PLAZ_API std::string maskProxy(const std::string& proxy);
 
 } // namespace HSCPlazTrust

@@ -62,10 +62,14 @@ fs::path HSCPlazUserPref::getUserRepoPath(const HSCPlazQStoreModel* store) const
     return store ? belowUserRepo(*this, store->getLocalRootDir(), store->getRoot()) : fs::path();
 }
 
-fs::path HSCPlazUserPref::getStagingPath() const {
-    fs::path staging = versionedAppData() / stagingDir;
+fs::path HSCPlazUserPref::findStagingPath() const {
+    const fs::path staging = versionedAppData() / stagingDir;
     const std::string root = HSCPlazMgr::getInstance().getHub().getRoot();
-    if (!root.empty()) staging /= root;
+    return root.empty() ? staging : staging / root;
+}
+
+fs::path HSCPlazUserPref::getStagingPath() const {
+    fs::path staging = findStagingPath();
     fs::create_directories(staging);
     return staging;
 }

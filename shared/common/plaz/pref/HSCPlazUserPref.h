@@ -25,7 +25,9 @@ public:
     /// Empty for null. @throws as above
     boost::filesystem::path getUserRepoPath(const HSCPlazQStore* store) const;
     boost::filesystem::path getUserRepoPath(const HSCPlazQStoreModel* store) const;
-    /// <app-data>/<version>/.staging/<hub root>, created when it is missing.
+    /// <app-data>/<version>/.staging/<hub root>; it need not exist.
+    boost::filesystem::path findStagingPath() const;
+    /// The same, created when it is missing.
     /// @throws boost::filesystem::filesystem_error when it cannot be created
     boost::filesystem::path getStagingPath() const;
     /// ".staging" below the store's local root directory, else its folder below the staging root. Empty for null.

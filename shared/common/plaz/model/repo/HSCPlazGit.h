@@ -6,6 +6,7 @@
 #include "support/HSTVector.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -41,30 +42,32 @@ public:
     /// @param model  the item; null, another kind of model or one of an unknown store gives false
     /// @return false, with what was installed untouched, when nothing was placed
     /// @throws HEXAll Msg::fetchedItemInvalid when the fetched metadata file cannot be trusted, and as exec_git
-    /// Sends Msg::remoteAccessOff, commitIdMissing, itemRefused, storeRefused, dirNotWritable and what exec_git sends.
+    /// Sends Msg::remoteAccessOff, commitIdMissing, commitGone (in the remote, too), itemRefused, storeRefused,
+    /// dirNotWritable and what exec_git sends.
     bool install(HSCPlaz* hub, HSCPlazBaseModel* model) override;
     /// Does nothing. @return true
     bool update(HSCPlazBaseModel* model) override;
     /// Does nothing: the tasks remove what is installed. @return true
     bool uninstall(HSCPlazBaseModel* model) override;
     /// Puts every item's metadata file and change log, at the head of the store's branch, into the staging directory.
+    /// Where the remote has no such branch (any more) the head of "master" stands in.
     ///
     /// @param model  a store model; null and other models give false
     /// @return true also when there is nothing to fetch: a store that is not for the running product, or without items
     /// @throws HEXAll as exec_git; nothing is left in the staging directory then
-    /// Sends Msg::remoteAccessOff, storeRefused, itemRefused (the item is left out), dirNotWritable and what exec_git
-    /// sends.
+    /// Sends Msg::remoteAccessOff, storeRefused, itemRefused (the item is left out), dirNotWritable, branchReplaced
+    /// (once in a process until the branch is there again), branchMissing, repositoryEmpty and what exec_git sends.
     bool updateCatalog(HSCPlazBaseModel* model) override;
     virtual ~HSCPlazGit();
 
-    /// Puts @p catalogFiles, at the head of the store's branch, into the staging directory; for the hub at the head of
-    /// "master" into the staging path of its root.
+    /// Puts @p catalogFiles, at the head that updateCatalog() follows, into the staging directory; for the hub at the
+    /// head of "master" into the staging path of its root.
     ///
     /// @param model         a store model or the hub model; null and other models give false
     /// @param pathMgr       null gives false
     /// @param catalogFiles  repository-relative; none gives false
     /// @throws HEXAll as exec_git; nothing is left in the staging directory then
-    /// Sends Msg::remoteAccessOff, storeRefused, dirNotWritable and what exec_git sends.
+    /// Sends what updateCatalog() sends.
     bool loadCatalog(HSCPlazBaseModel* model, HSCPlazPathMgr* pathMgr, const HSTVector<std::string>& catalogFiles);
     /// Whether the store's local root directory holds ".done"; false for null.
     bool isInstalled(const HSCPlazQStore* store) const;
@@ -116,6 +119,30 @@ public:
     static int hasUpdate(const std::string& cloneDir, const std::string& url, const std::string& proxy,
                          const std::string& branch);
 
+    /// What a look at a remote found out.
+    struct UpdateCheck {
+        std::optional<bool> moved; ///< nothing when it could not be found out
+        std::string reason;        ///< why not, secrets masked
+    };
+    /// The same as hasUpdate() with the reason where it cannot be told.
+    static UpdateCheck checkForUpdate(const std::string& cloneDir, const std::string& url, const std::string& proxy,
+                                      const std::string& branch);
+
+    /// What git said to a question.
+    struct Answer {
+        int status;       ///< exit status of git, or one of those that HUTFork has for a run without end
+        std::string text; ///< all it wrote, secrets masked
+
+        /// Git's error lines in one, or what to say where there are none.
+        std::string getReason() const;
+    };
+    /// Runs a git command that changes nothing, once and within the time limit of all commands. Sends nothing; what it
+    /// writes stands in the system's temporary directory meanwhile.
+    static Answer ask(const std::vector<std::string>& args, const std::string& workDir);
+    /// Asks the remote for its branches, with the credentials that hasUpdate() uses for the URL and with the settings
+    /// of the working copy @p workDir.
+    static Answer askRemote(const std::string& url, const std::string& workDir);
+
     /// Creates an empty repository in @p dir, which must exist, and gives it its settings: plain attributes,
     /// certificates, proxy and credential helper. @return false when the attributes cannot be written
     /// @throws HEXAll as exec_git
@@ -127,12 +154,25 @@ public:
     /// "plaz.https_proxy" for "Solvan", the user's preference for "kvq". Without one for HTTP, asks the helper program
     /// "zenproxy.exe" of the installation, where there is one.
     static void setProxy(const std::string& dir);
+    /// The same for a working copy that is in use, where what it records is not what is in force now. Starts nothing
+    /// where it is: a proxy that was found out by the helper program stays until one is chosen.
+    static void renewProxy(const std::string& dir);
     /// Makes the working copy use this HTTP proxy; empty changes nothing.
     static void setProxy(const std::string& dir, const std::string& proxy);
+    /// The proxy for "https" remotes, which commands that speak to one are given through their environment: the
+    /// parameter "plaz.https_proxy" for "Solvan"; empty when there is none of their own.
+    static std::string getHttpsProxy();
     /// The user's preference "plaz.http_proxy"; empty when it is not set.
     static std::string getPreferredHttpProxy();
     /// Keeps the user's and the system's credential helpers out of the working copy. Nothing without git access.
     static void config_credential_helper(const std::string& dir);
+    /// Whether the working copy in @p dir fetches from where the store is now, with the credentials that count now. One
+    /// that does not is made afresh when it is used next.
+    static bool isOfStore(const std::string& dir, const HSCPlazQStoreModel& store);
+    /// Whether user id or token are known for the store.
+    static bool hasCredentials(const HSCPlazQStoreModel& store);
+    /// Where the program that detects proxies is; empty when there is none.
+    static std::string findProxyHelper();
     /// Warns of a private store without credentials where git may not ask for them, then registers the remote and
     /// fetches (setRemote). @param store  null gives false
     /// Sends Msg::credentialsMissing and what exec_git sends. @throws HEXAll as exec_git

@@ -2,6 +2,7 @@
 #include "plaz/model/HSCPlazQStoreModel.h"
 #include "plaz/model/repo/HSCPlazGit.h"
 #include "plaz/model/repo/HSCPlazGitCredentials.h"
+#include "plaz/model/repo/HSCPlazGitLog.h"
 #include "plaz/model/repo/HSCPlazGitRemoved.h"
 #include "plaz/model/repo/HSCPlazGitSilence.h"
 #include "support/HCCXPrefMgr.h"
@@ -20,30 +21,31 @@ namespace {
 
 constexpr const char* httpProxyName = "plaz.http_proxy";
 constexpr const char* httpsProxyName = "plaz.https_proxy";
-constexpr const char* proxyHelper = "bin/zenproxy.exe";
 
 bool isMainProduct() {
     return boost::algorithm::iequals(HUTEnv::getProductName(), "solvan");
 }
 
 std::string getHttpProxy() {
-    if (isMainProduct()) return HPAParamMgr::getParamMgr().getValueAsString(httpProxyName);
-    if (boost::algorithm::iequals(HUTEnv::getProductName(), "kvq")) return HSCPlazGit::getPreferredHttpProxy();
-    return "";
+    std::string proxy;
+    if (isMainProduct()) proxy = HPAParamMgr::getParamMgr().getValueAsString(httpProxyName);
+    if (boost::algorithm::iequals(HUTEnv::getProductName(), "kvq")) proxy = HSCPlazGit::getPreferredHttpProxy();
+    return HSCPlazGitUrl::normalizeProxy(proxy);
 }
 
-std::string getHttpsProxy() {
-    return isMainProduct() ? HPAParamMgr::getParamMgr().getValueAsString(httpsProxyName) : std::string();
+std::string readFile(const std::string& file) {
+    std::string content;
+    HIOStream::read(file, content);
+    return content;
 }
 
-// Empty when there is none.
-std::string findProxyHelper() {
-    if (isMainProduct()) return HUTEnv::getGDAAppRoot(proxyHelper);
-    return HUTEnv::getGDAAppRoot("/../../Solvan/" + HUTEnv::getProductMajorMinorVersion() + "/" + proxyHelper);
+// Holds the proxy of a working copy that was found out, not chosen.
+std::string detectedProxyFile(const std::string& dir) {
+    return dir + "/.git/detected_proxy";
 }
 
 std::string detectProxy(const std::string& dir) {
-    const std::string program = HUTFile::getCanonicalName(findProxyHelper());
+    const std::string program = HSCPlazGit::findProxyHelper();
     if (program.empty()) return "";
     const std::string log = dir + "/proxy.txt";
     const HSCPlazGitRemoved removed(log);
@@ -54,9 +56,7 @@ std::string detectProxy(const std::string& dir) {
     helper.setTimeout(HSCPlazGit::getGitTimeOut());
     helper.setLogFile(log);
     helper.launch(true, true, true, true);
-    std::string output;
-    HIOStream::read(log, output);
-    return HSCPlazGitUrl::findProxy(output);
+    return HSCPlazGitUrl::findProxy(readFile(log));
 }
 
 // Puts a user part in the place of the "***" that a command has recorded. The file is the owner's alone from the moment
@@ -64,8 +64,7 @@ std::string detectProxy(const std::string& dir) {
 void recordUserPart(const std::string& dir, const std::string& userPart) {
     const std::string file = dir + "/.git/config";
     const std::string mask = "://***@";
-    std::string config;
-    HIOStream::read(file, config);
+    std::string config = readFile(file);
     const std::size_t at = config.find(mask);
     if (at != std::string::npos) config.replace(at, mask.size(), "://" + userPart + "@");
     if (at == std::string::npos || !HUTFile::writeAtomically(file, config, true))
@@ -118,9 +117,36 @@ std::string HSCPlazGit::getPreferredHttpProxy() {
     return values.empty() ? std::string() : values.front();
 }
 
+std::string HSCPlazGit::findProxyHelper() {
+    static constexpr const char* helper = "bin/zenproxy.exe";
+    const std::string program =
+        isMainProduct()
+            ? HUTEnv::getGDAAppRoot(helper)
+            : HUTEnv::getGDAAppRoot("/../../Solvan/" + HUTEnv::getProductMajorMinorVersion() + "/" + helper);
+    return HUTFile::getCanonicalName(program);
+}
+
+std::string HSCPlazGit::getHttpsProxy() {
+    return isMainProduct() ? HSCPlazGitUrl::normalizeProxy(HPAParamMgr::getParamMgr().getValueAsString(httpsProxyName))
+                           : std::string();
+}
+
+void HSCPlazGit::renewProxy(const std::string& dir) {
+    const std::string config = readFile(dir + "/.git/config");
+    const std::string http = HSCPlazGitLog::findConfigValue(config, "http.proxy").value_or("");
+    const std::string https = HSCPlazGitLog::findConfigValue(config, "https.proxy").value_or("");
+    const std::string wanted = getHttpProxy();
+    const bool isDetected = wanted.empty() && http == readFile(detectedProxyFile(dir));
+    if ((http == wanted || isDetected) && https == getHttpsProxy()) return;
+    HUTFile::rmRecursive(detectedProxyFile(dir));
+    if (!http.empty()) tryInternal(dir, {"config", "--unset-all"}, "http.proxy");
+    if (!https.empty()) tryInternal(dir, {"config", "--unset-all"}, "https.proxy");
+    setProxy(dir);
+}
+
 void HSCPlazGit::setProxy(const std::string& dir) {
-    const std::string http = HSCPlazGitUrl::normalizeProxy(getHttpProxy());
-    const std::string https = HSCPlazGitUrl::normalizeProxy(getHttpsProxy());
+    const std::string http = getHttpProxy();
+    const std::string https = getHttpsProxy();
     debugTrace("HTTP_PROXY:", http);
     debugTrace("HTTPS_PROXY :", https);
     setProxy(dir, http);
@@ -142,7 +168,8 @@ void HSCPlazGit::setProxy(const std::string& dir) {
         return;
     }
     debugTrace("Auto detected proxy, setting locally git http.proxy to ", detected);
-    tryInternal(dir, {"config", "http.proxy"}, detected);
+    if (tryInternal(dir, {"config", "http.proxy"}, detected))
+        HUTFile::writeAtomically(detectedProxyFile(dir), detected, true);
 }
 
 void HSCPlazGit::setProxy(const std::string& dir, const std::string& proxy) {
@@ -160,11 +187,19 @@ void HSCPlazGit::config_credential_helper(const std::string& dir) {
         debugTrace("config_credential_helper - Error! Failed to config local credential.helper");
 }
 
+bool HSCPlazGit::isOfStore(const std::string& dir, const HSCPlazQStoreModel& store) {
+    return getRemoteUrl(dir) == HSCPlazGitUrl::ofStoreWithCredentials(store);
+}
+
+bool HSCPlazGit::hasCredentials(const HSCPlazQStoreModel& store) {
+    return !HSCPlazGitCredentials::choose(store.getStoreType(), HSCPlazGitUrl::ofStore(store)).isEmpty();
+}
+
 bool HSCPlazGit::checkAskPass(const std::string& dir, const HSCPlazQStoreModel* store) {
     if (!store) return false;
-    const auto credentials = HSCPlazGitCredentials::choose(store->getStoreType(), HSCPlazGitUrl::ofStore(*store));
+    const bool isKnown = hasCredentials(*store);
     const bool mayAsk = HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableAskPassForPrivateRepo");
-    if (!mayAsk && store->isPrivateRepository() && credentials.isEmpty())
+    if (!mayAsk && store->isPrivateRepository() && !isKnown)
         ComMsgMgr::send(Msg::credentialsMissing, MsgSeverity::warning, store->getName());
     return setRemote(dir, *store);
 }

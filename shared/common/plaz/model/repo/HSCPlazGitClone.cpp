@@ -8,6 +8,7 @@
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/repo/HSCPlazGit.h"
 #include "plaz/model/repo/HSCPlazGitCredentials.h"
+#include "plaz/model/repo/HSCPlazGitHead.h"
 #include "plaz/model/repo/HSCPlazGitLog.h"
 #include "plaz/model/repo/HSCPlazGitRemoved.h"
 #include "plaz/model/repo/HSCPlazGitSilence.h"
@@ -15,19 +16,21 @@
 #include "support/HUTFile.h"
 #include "support/HUTFork.h"
 
+#include <boost/algorithm/string/join.hpp>
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/algorithm/string/replace.hpp>
 #include <boost/filesystem.hpp>
 #include <boost/filesystem/fstream.hpp>
-#include <boost/property_tree/ini_parser.hpp>
 
-#include <sstream>
+#include <optional>
+#include <set>
 
 namespace fs = boost::filesystem;
 
 namespace {
 
 constexpr const char* doneMarker = "/.done";
+constexpr const char* mainBranch = "master";
 
 bool refuse(const HSCPlazBaseModel& owner, const std::string& reason) {
     ComMsgMgr::send(Msg::storeRefused, MsgSeverity::error, owner.getName(), reason);
@@ -70,11 +73,14 @@ std::vector<std::string> getItemFiles(const HSCPlazQStoreModel& store) {
     return files;
 }
 
+bool tellNotWritable(const std::string& dir) {
+    ComMsgMgr::send(Msg::dirNotWritable, MsgSeverity::error, dir);
+    return false;
+}
+
 // Leaves the staging directory's parent, without the staging directory.
 bool clearStaging(const std::string& staging) {
-    if (HUTFile::mkDirRecursive(staging) && HUTFile::rmRecursive(staging)) return true;
-    ComMsgMgr::send(Msg::dirNotWritable, MsgSeverity::error, staging);
-    return false;
+    return (HUTFile::mkDirRecursive(staging) && HUTFile::rmRecursive(staging)) || tellNotWritable(staging);
 }
 
 // Removes what a killed git leaves: locks, which would make every later command fail, and half-received packs.
@@ -120,10 +126,7 @@ void dropEmptyDirs(const std::string& gitDir) {
 bool createIndex(const std::string& index, const HSCPlazQStoreModel& store) {
     const std::string gitDir = index + "/.git";
     HUTFile::rmRecursive(gitDir);
-    if (!HSCPlazGit::initWorkingCopy(index)) {
-        ComMsgMgr::send(Msg::dirNotWritable, MsgSeverity::error, index);
-        return false;
-    }
+    if (!HSCPlazGit::initWorkingCopy(index)) return tellNotWritable(index);
     if (!HSCPlazGit::checkAskPass(index, &store)) return false;
     dropEmptyDirs(gitDir);
     return HUTFile::writeAtomically(index + doneMarker, "");
@@ -131,12 +134,10 @@ bool createIndex(const std::string& index, const HSCPlazQStoreModel& store) {
 
 bool refreshIndex(const std::string& index, const HSCPlazQStoreModel& store, const std::string& url) {
     discardForeignIndex(index, url);
-    if (!HUTFile::mkDirRecursive(index)) {
-        ComMsgMgr::send(Msg::dirNotWritable, MsgSeverity::error, index);
-        return false;
-    }
+    if (!HUTFile::mkDirRecursive(index)) return tellNotWritable(index);
     if (!HSCPlazGit::isInstalled(index)) return createIndex(index, store);
     HSCPlazGit::debugTrace("skipping clone... already cloned at: ", index);
+    HSCPlazGit::renewProxy(index);
     const int result = HSCPlazGit::exec_git({"fetch"}, index, false, "");
     HSCPlazGit::debugTrace("cloneOrUpdateRepoForStore - git fetch, git return = ", std::to_string(result),
                            ", final ret = ", std::to_string(result == 0));
@@ -155,13 +156,41 @@ bool isReplacedWhole(const std::string& relative) {
 bool copyIndex(const std::string& index, const std::string& staging) {
     if (HUTFile::cloneTree(index, staging, isReplacedWhole)) return true;
     HUTFile::rmRecursive(staging);
-    ComMsgMgr::send(Msg::dirNotWritable, MsgSeverity::error, staging);
+    return tellNotWritable(staging);
+}
+
+// A refresh comes here for the catalog and again for what the items say of themselves; it is told once all the same.
+void warnOnce(const HSCPlazBaseModel& owner, const std::string& staging, const std::string& wanted, bool isThere) {
+    static std::set<std::string> told;
+    const std::string key = staging + '\n' + wanted;
+    if (isThere)
+        told.erase(key);
+    else if (told.insert(key).second)
+        ComMsgMgr::send(Msg::branchReplaced, MsgSeverity::warning, owner.getName(), wanted);
+}
+
+bool tellNoBranch(const HSCPlazBaseModel& owner, const std::string& wanted, std::vector<std::string> branches) {
+    static constexpr std::size_t shownBranches = 10;
+    if (branches.empty()) {
+        ComMsgMgr::send(Msg::repositoryEmpty, MsgSeverity::error, owner.getName());
+        return false;
+    }
+    const bool isCut = branches.size() > shownBranches;
+    if (isCut) branches.resize(shownBranches);
+    const std::string lacked = '"' + wanted + (wanted == mainBranch ? "\"" : "\" and no \"master\" either");
+    const std::string names = boost::algorithm::join(branches, ", ") + (isCut ? ", ..." : "");
+    ComMsgMgr::send(Msg::branchMissing, MsgSeverity::error, owner.getName(), lacked, names);
     return false;
 }
 
-bool selectFiles(const std::string& staging, const std::vector<std::string>& files, const std::string& branch) {
+bool selectFiles(const HSCPlazBaseModel& owner, const std::string& staging, const std::vector<std::string>& files,
+                 const std::string& wanted) {
+    const std::string branch = HSCPlazGitHead::findBranch(staging, wanted);
+    if (branch.empty()) return tellNoBranch(owner, wanted, HSCPlazGitHead::listBranches(staging));
+    warnOnce(owner, staging, wanted, branch == wanted);
     HSCPlazGit::enableSparseCheckout(staging);
     if (!HSCPlazGit::addItemsToSparseCheckout(staging, files)) return false;
+    if (!HSCPlazGitHead::makeLocal(staging, branch)) return tellNotWritable(staging);
     HSCPlazGit::checkout(staging, branch);
     return true;
 }
@@ -169,7 +198,7 @@ bool selectFiles(const std::string& staging, const std::vector<std::string>& fil
 bool checkOutFiles(const HSCPlazQStoreModel& store, const std::string& staging, const std::vector<std::string>& files) {
     HSCPlazGitRemoved removed(staging);
     if (HSCPlazGit::cloneOrUpdateRepoForStore(&store, true) == 0) return false;
-    if (!selectFiles(staging, files, store.getBranchOrMaster())) return false;
+    if (!selectFiles(store, staging, files, store.getBranchOrMaster())) return false;
     removed.keep();
     return true;
 }
@@ -186,7 +215,7 @@ bool loadHubFiles(const HSCPlazModel& hub, const HSCPlazPathMgr& paths, const st
     const auto credentials = HSCPlazGitCredentials::ofEntry(config ? config->getPlazRepoCfgModel() : nullptr, url);
     HSCPlazGitRemoved removed(staging);
     if (!HSCPlazGit::cloneRepoForHub(root, staging, url, credentials.userId, credentials.token)) return false;
-    if (!selectFiles(staging, files, "master")) return false;
+    if (!selectFiles(hub, staging, files, mainBranch)) return false;
     removed.keep();
     return true;
 }
@@ -289,17 +318,12 @@ std::string HSCPlazGit::getRemoteUrl(const std::string& dir) {
     // RATIONALE: the parser knows no quoted sub-sections.
     boost::algorithm::replace_first(config, "remote \"origin\"", "remote_origin");
     debugTrace("getRemoteUrl - final contents - \n", config);
-    try {
-        std::istringstream text(config);
-        boost::property_tree::ptree tree;
-        boost::property_tree::read_ini(text, tree);
-        const std::string url = HSCPlazGitLog::unquoteConfigValue(tree.get<std::string>("remote_origin.url"));
-        debugTrace("remote.origin.url = ", url);
-        return url;
-    } catch (const boost::property_tree::ptree_error&) {
+    const std::optional<std::string> url = HSCPlazGitLog::findConfigValue(config, "remote_origin.url");
+    if (url)
+        debugTrace("remote.origin.url = ", *url);
+    else
         debugTrace("getRemoteUrl - exception while reading git config file");
-        return {};
-    }
+    return url.value_or("");
 }
 
 void HSCPlazGit::enableSparseCheckout(const std::string& dir) {
@@ -313,9 +337,7 @@ bool HSCPlazGit::addItemsToSparseCheckout(const std::string& dir, const std::vec
         file << HSCPlazGitLog::toSparsePattern(path) << '\n';
     }
     file.close();
-    if (file) return true;
-    ComMsgMgr::send(Msg::dirNotWritable, MsgSeverity::error, dir);
-    return false;
+    return file ? true : tellNotWritable(dir);
 }
 
 void HSCPlazGit::checkout(const std::string& dir, const std::string& ref) {

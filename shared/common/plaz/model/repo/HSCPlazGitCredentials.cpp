@@ -10,8 +10,6 @@
 #include <boost/algorithm/string/case_conv.hpp>
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/algorithm/string/trim.hpp>
-#include <boost/archive/iterators/base64_from_binary.hpp>
-#include <boost/archive/iterators/transform_width.hpp>
 
 #include <algorithm>
 #include <cctype>
@@ -85,19 +83,6 @@ std::string decode(const std::string& text) {
     return decoded;
 }
 
-std::string toBase64(const std::string& text) {
-    using namespace boost::archive::iterators;
-    using Encoder = base64_from_binary<transform_width<std::string::const_iterator, 6, 8>>;
-    const std::string encoded(Encoder(text.begin()), Encoder(text.end()));
-    return encoded + std::string((3 - text.size() % 3) % 3, '=');
-}
-
-/// Scheme, host and port.
-std::string getServer(const std::string& url) {
-    const Url parts = split(url);
-    return boost::algorithm::to_lower_copy(parts.scheme + parts.rest.substr(0, parts.rest.find('/')));
-}
-
 HSCPlazGitCredentials getCredentials(const HSCPlazRepoCfgModel& entry) {
     return {entry.getUserId(), entry.getUserToken()};
 }
@@ -130,8 +115,16 @@ HSCPlazGitCredentials HSCPlazGitCredentials::choose(const std::string& storeType
 
 HSCPlazGitCredentials HSCPlazGitCredentials::ofEntry(const HSCPlazRepoCfgModel* entry, const std::string& url) {
     if (!entry) return {};
-    const bool isServed = entry->getUrl().empty() || getServer(entry->getUrl()) == getServer(url);
+    const bool isServed =
+        entry->getUrl().empty() || HSCPlazGitUrl::getServer(entry->getUrl()) == HSCPlazGitUrl::getServer(url);
     return isServed ? getCredentials(*entry) : HSCPlazGitCredentials();
+}
+
+HSCPlazGitCredentials HSCPlazGitCredentials::inUrl(const std::string& url) {
+    if (!HSCPlazGitUrl::isHttp(url)) return {};
+    const std::string user = HSCPlazGitUrl::getUserPart(url);
+    const std::size_t colon = std::min(user.find(':'), user.size());
+    return {decode(user.substr(0, colon)), decode(user.substr(std::min(colon + 1, user.size())))};
 }
 
 std::string HSCPlazGitUrl::findRefusal(const std::string& url) {
@@ -172,20 +165,25 @@ std::string HSCPlazGitUrl::withoutUserPart(const std::string& url) {
 }
 
 bool HSCPlazGitUrl::isHttp(const std::string& url) {
-    return boost::algorithm::istarts_with(url, "http://") || boost::algorithm::istarts_with(url, "https://");
+    return boost::algorithm::istarts_with(url, "http://") || isHttps(url);
 }
 
-std::string HSCPlazGitUrl::toAuthorizationHeader(const std::string& url) {
-    const std::string user = getUserPart(url);
-    if (user.empty() || !isHttp(url)) return "";
-    const std::size_t colon = std::min(user.find(':'), user.size());
-    const std::string token = colon < user.size() ? user.substr(colon + 1) : std::string();
-    return "Authorization: Basic " + toBase64(decode(user.substr(0, colon)) + ":" + decode(token));
+bool HSCPlazGitUrl::isHttps(const std::string& url) {
+    return boost::algorithm::istarts_with(url, "https://");
+}
+
+std::string HSCPlazGitUrl::getServer(const std::string& url) {
+    const Url parts = split(url);
+    return boost::algorithm::to_lower_copy(parts.scheme + parts.rest.substr(0, parts.rest.find('/')));
 }
 
 std::string HSCPlazGitUrl::normalizeProxy(const std::string& proxy) {
-    const bool needsScheme = proxy.find("://") == std::string::npos && proxy.find('@') != std::string::npos;
-    return withCredentials(needsScheme ? "http://" + proxy : proxy, {});
+    const std::size_t at = proxy.rfind('@');
+    if (at == std::string::npos) return proxy;
+    const std::size_t scheme = proxy.find("://");
+    const std::size_t user = scheme == std::string::npos ? 0 : scheme + 3;
+    return join({scheme == std::string::npos ? "http://" : proxy.substr(0, user),
+                 encode(proxy.substr(user, at - user), userPartPunctuation), proxy.substr(at + 1), true});
 }
 
 std::string HSCPlazGitUrl::findProxy(const std::string& output) {

@@ -18,6 +18,8 @@ struct HSCPlazGitCredentials {
     static HSCPlazGitCredentials choose(const std::string& storeType, const std::string& url);
     /// Those of one entry of the configuration file, for @p url; none where the entry is null or names another server.
     static HSCPlazGitCredentials ofEntry(const HSCPlazRepoCfgModel* entry, const std::string& url);
+    /// Those that stand in a web URL, decoded; none in any other.
+    static HSCPlazGitCredentials inUrl(const std::string& url);
 };
 
 /// URLs of repositories and proxies, with and without the user part ("user:token@").
@@ -36,10 +38,10 @@ std::string withCredentials(const std::string& url, const HSCPlazGitCredentials&
 /// What stands between "://" and "@"; empty when there is nothing.
 std::string getUserPart(const std::string& url);
 std::string withoutUserPart(const std::string& url);
-bool isHttp(const std::string& url);
-
-/// The header with which git shows a web server the credentials that stand in @p url; empty when there are none.
-std::string toAuthorizationHeader(const std::string& url);
+bool isHttp(const std::string& url); ///< or "https"
+bool isHttps(const std::string& url);
+/// Scheme, host and port, in lower case.
+std::string getServer(const std::string& url);
 
 /// A proxy as git is given it: one that holds a user part has a scheme too, so that it is masked wherever it appears.
 std::string normalizeProxy(const std::string& proxy);

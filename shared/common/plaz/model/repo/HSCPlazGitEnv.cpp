@@ -1,5 +1,6 @@
 #include "plaz/model/repo/HSCPlazGitEnv.h"
 
+#include "plaz/model/repo/HSCPlazGit.h"
 #include "plaz/model/repo/HSCPlazGitCredentials.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTEnv.h"
@@ -40,6 +41,7 @@ constexpr Setting settings[] = {
     // A working copy belongs to the hub, whoever owns its directory (network drives).
     {"safe.directory", "*"},
     {"init.defaultBranch", "master"},
+    {"init.defaultRefFormat", "files"},
     {"checkout.guess", "true"},
     {"advice.detachedHead", "false"},
     // A branch that was renamed to a directory of branches would block every later fetch.
@@ -48,6 +50,11 @@ constexpr Setting settings[] = {
     {"fetch.unpackLimit", "1"},
     {"core.logAllRefUpdates", "false"},
 };
+
+// RATIONALE: git asks a credential helper by server, wherever it was redirected to. A header that is set for a URL
+// would go with every later request of the command, to other servers too.
+constexpr const char* credentialHelper =
+    "!f() { test \"$1\" != get || printf 'username=%s\\npassword=%s\\n' \"$PLAZ_GIT_USER\" \"$PLAZ_GIT_TOKEN\"; }; f";
 
 bool hasPrefix(std::string_view text, std::string_view prefix) {
     return text.substr(0, prefix.size()) == prefix;
@@ -100,11 +107,20 @@ void addSettings(HUTFork& git, const std::string& command, const std::string& re
     for (const Setting& setting : settings) addSetting(git, count++, setting.key, setting.value);
     // The marker of a complete clone must not outlive what was fetched; a checkout is thrown away soon.
     addSetting(git, count++, "core.fsync", command == "fetch" ? "committed,reference" : "none");
-    const std::string header = HSCPlazGitUrl::toAuthorizationHeader(remoteUrl);
-    if (!header.empty()) {
-        const std::string plain = HSCPlazGitUrl::withoutUserPart(remoteUrl);
+    // A server that falls silent is given up by commands that run without a time limit, too.
+    addSetting(git, count++, "http.lowSpeedLimit", "1");
+    addSetting(git, count++, "http.lowSpeedTime", std::to_string(HSCPlazGit::getGitTimeOut()));
+    const std::string plain = HSCPlazGitUrl::withoutUserPart(remoteUrl);
+    // Git itself asks http.proxy for both protocols.
+    const std::string proxy = HSCPlazGitUrl::isHttps(remoteUrl) ? HSCPlazGit::getHttpsProxy() : std::string();
+    if (!proxy.empty()) addSetting(git, count++, "http." + plain + ".proxy", proxy);
+    const HSCPlazGitCredentials credentials = HSCPlazGitCredentials::inUrl(remoteUrl);
+    if (!credentials.isEmpty()) {
         addSetting(git, count++, "url." + plain + ".insteadOf", remoteUrl);
-        addSetting(git, count++, "http." + plain + ".extraHeader", header);
+        addSetting(git, count++, "credential.helper", ""); // no other helper is asked, or told
+        addSetting(git, count++, "credential." + HSCPlazGitUrl::getServer(remoteUrl) + ".helper", credentialHelper);
+        git.setEnv("PLAZ_GIT_USER", credentials.userId);
+        git.setEnv("PLAZ_GIT_TOKEN", credentials.token);
     }
     git.setEnv("GIT_CONFIG_COUNT", std::to_string(count));
     git.setEnv("GIT_CONFIG_GLOBAL", nullDevice);

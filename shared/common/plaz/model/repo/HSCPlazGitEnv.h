@@ -18,7 +18,7 @@ inline constexpr const char* plainAttributes = "* -text !eol -filter -ident !wor
 ///
 /// @param remoteUrl  what the command speaks to; empty for one that stays local. Credentials in it go through the
 ///                   environment too, which other users cannot see: git itself would hand the URL, credentials and all,
-///                   to a helper process on its command line.
+///                   to a helper process on its command line. They reach no server but the one that the URL names.
 void apply(HUTFork& git, const std::string& command, const std::string& workDir, const std::string& remoteUrl);
 
 } // namespace HSCPlazGitEnv

@@ -4,6 +4,7 @@
 #include "plaz/model/repo/HSCPlazGitCredentials.h"
 #include "plaz/model/repo/HSCPlazGitEnv.h"
 #include "plaz/model/repo/HSCPlazGitLog.h"
+#include "plaz/model/repo/HSCPlazGitRemoved.h"
 #include "support/HIOStream.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTEnv.h"
@@ -116,7 +117,18 @@ int launchTwice(HUTFork& git) {
     return status == 0 ? status : git.launch(true, true, true, true);
 }
 
-[[noreturn]] void reportFailure(const std::string& commandLine, const CommandLog& log, int verbosity) {
+// What became of credentials that git was given and that were not enough.
+void explainDenial(const std::string& errors, const std::string& remoteUrl) {
+    const std::string shown = HSCPlazGitUrl::withoutUserPart(remoteUrl);
+    const bool isAsked = errors.find("could not read Username for") != std::string::npos;
+    if (errors.find("Authentication failed") != std::string::npos)
+        ComMsgMgr::send(Msg::credentialsRefused, MsgSeverity::error, shown);
+    else if (isAsked && errors.find("'" + HSCPlazGitUrl::getServer(remoteUrl) + "'") == std::string::npos)
+        ComMsgMgr::send(Msg::credentialsWithheld, MsgSeverity::error, shown);
+}
+
+[[noreturn]] void reportFailure(const std::string& commandLine, const std::string& remoteUrl, const CommandLog& log,
+                                int verbosity) {
     HSCPlazGit::debugTrace("failed to execute: ", commandLine);
     setLastError(log.getFile());
     log.removeTemporary();
@@ -124,6 +136,7 @@ int launchTwice(HUTFork& git) {
     if (!errors.empty() && !HUTFork::isInterrupted()) {
         ComMsgMgr::setVerbosity(verbosity);
         ComMsgMgr::send(Msg::gitErrors, MsgSeverity::error, commandLine, errors);
+        if (!HSCPlazGitCredentials::inUrl(remoteUrl).isEmpty()) explainDenial(errors, remoteUrl);
         failureIsTold = true;
     }
     throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::gitFailed));
@@ -131,6 +144,21 @@ int launchTwice(HUTFork& git) {
 
 bool isRemote(const std::string& command) {
     return command == "fetch" || command == "pull";
+}
+
+/// Makes a direct run ready. Web URLs go without their user part, which git is told through its environment.
+void prepare(HUTFork& process, const std::vector<std::string>& words, const std::string& workDir,
+             const std::string& outFile) {
+    std::string remoteUrl;
+    process.dontUseHDLDPath();
+    process.setProg(words.front(), false);
+    for (auto word = words.begin() + 1; word != words.end(); ++word) {
+        if (HSCPlazGitUrl::isHttp(*word)) remoteUrl = *word;
+        process.addArg(HSCPlazGitUrl::isHttp(*word) ? HSCPlazGitUrl::withoutUserPart(*word) : *word);
+    }
+    process.setDir(workDir);
+    process.setLogFile(fs::absolute(outFile).string());
+    HSCPlazGitEnv::apply(process, words.size() > 1 ? words[1] : "", fs::absolute(workDir).generic_string(), remoteUrl);
 }
 
 int runGit(const std::vector<std::string>& args, const std::string& workDir, const std::string& startDir,
@@ -148,7 +176,8 @@ int runGit(const std::vector<std::string>& args, const std::string& workDir, con
     git.setTimeout(HSCPlazGit::getGitTimeOut());
     const std::string dir = fs::absolute(workDir, startDir).generic_string();
     const std::string command = args.empty() ? "" : args.front();
-    HSCPlazGitEnv::apply(git, command, dir, isRemote(command) ? HSCPlazGit::getRemoteUrl(dir) : "");
+    const std::string remoteUrl = isRemote(command) ? HSCPlazGit::getRemoteUrl(dir) : "";
+    HSCPlazGitEnv::apply(git, command, dir, remoteUrl);
 
     capturedErrors().clear();
     const std::string commandLine = HSCPlazTrust::maskSecrets(git.getCmdLineAsStr());
@@ -157,7 +186,7 @@ int runGit(const std::vector<std::string>& args, const std::string& workDir, con
     HSCPlazLogger::inside(execGit, " executing cmd ", commandLine);
     if (!HSCPlazGit::isDebugGit()) ComMsgMgr::setVerbosity(-1);
     const int status = launchTwice(git);
-    if (status != 0) reportFailure(commandLine, log, verbosity);
+    if (status != 0) reportFailure(commandLine, remoteUrl, log, verbosity);
     return status;
 }
 
@@ -193,21 +222,32 @@ int HSCPlazGit::exec_git(const std::vector<std::string>& args, const std::string
 
 int HSCPlazGit::exec_git_win(const std::string& cmdLine, const std::string& workDir, const std::string& outFile,
                              std::uint32_t& exitCode) {
-    std::vector<std::string> words = HUTFork::splitCmdLine(cmdLine);
+    const std::vector<std::string> words = HUTFork::splitCmdLine(cmdLine);
     if (words.empty()) return notStarted;
-    std::string remoteUrl;
     HUTFork process;
-    process.dontUseHDLDPath();
-    process.setProg(words.front(), false);
-    for (auto word = words.begin() + 1; word != words.end(); ++word) {
-        if (HSCPlazGitUrl::isHttp(*word)) remoteUrl = *word;
-        process.addArg(HSCPlazGitUrl::isHttp(*word) ? HSCPlazGitUrl::withoutUserPart(*word) : *word);
-    }
-    process.setDir(workDir);
-    process.setLogFile(fs::absolute(outFile).string());
-    HSCPlazGitEnv::apply(process, words.size() > 1 ? words[1] : "", fs::absolute(workDir).generic_string(), remoteUrl);
+    prepare(process, words, workDir, outFile);
     exitCode = static_cast<std::uint32_t>(process.launch(true, true, true, true));
     return process.wasStarted() ? 0 : notStarted;
+}
+
+HSCPlazGit::Answer HSCPlazGit::ask(const std::vector<std::string>& args, const std::string& workDir) {
+    std::vector<std::string> words{getGitExePath()};
+    words.insert(words.end(), args.begin(), args.end());
+    const std::string outFile = (fs::temp_directory_path() / fs::unique_path("plaz-%%%%-%%%%-%%%%.log")).string();
+    const HSCPlazGitRemoved removed(outFile);
+    HUTFork process;
+    prepare(process, words, workDir, outFile);
+    process.setTimeout(getGitTimeOut());
+    Answer answer{process.launch(true, true, true, true), {}};
+    HIOStream::read(outFile, answer.text);
+    answer.text = HSCPlazTrust::maskSecrets(answer.text);
+    return answer;
+}
+
+std::string HSCPlazGit::Answer::getReason() const {
+    std::string reason;
+    for (const std::string& line : HSCPlazGitLog::getErrorLines(text)) reason += (reason.empty() ? "" : "; ") + line;
+    return reason.empty() ? "git ended with status " + std::to_string(status) + " and said nothing" : reason;
 }
 
 void HSCPlazGit::configure(const std::string& dir, const std::string& key, const std::string& value) {

@@ -4,32 +4,80 @@
 #include "support/HIOStream.h"
 #include "support/HUTFile.h"
 
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/filesystem.hpp>
+
+#include <set>
 #include <sstream>
+
+namespace fs = boost::filesystem;
 
 namespace {
 
-/// The commit of a ref that has been packed together with others: lines "<commit> <ref>".
-std::string findPacked(const std::string& packedRefs, const std::string& ref) {
-    std::istringstream lines(packedRefs);
+constexpr const char* mainBranch = "master";
+constexpr const char* branches = "refs/remotes/origin/";
+
+std::string gitFile(const std::string& dir, const std::string& file) {
+    return dir + "/.git/" + file;
+}
+
+std::string readText(const std::string& file) {
+    std::string text;
+    HIOStream::read(file, text);
+    return text;
+}
+
+/// Hands the refs that have been packed together to @p visit: lines "<commit> <ref>".
+template <typename Visit> void visitPacked(const std::string& dir, Visit visit) {
+    std::istringstream lines(readText(gitFile(dir, "packed-refs")));
     for (std::string line; std::getline(lines, line);) {
         const std::size_t blank = line.find(' ');
-        if (blank != std::string::npos && line.substr(blank + 1) == ref) return line.substr(0, blank);
+        if (blank != std::string::npos) visit(line.substr(0, blank), line.substr(blank + 1));
     }
-    return "";
 }
 
 } // namespace
 
-bool HSCPlazGitHead::moveTo(const std::string& dir, const std::string& branch) {
-    const std::string gitDir = dir + "/.git/";
-    const std::string ref = "refs/remotes/origin/" + branch;
-    std::string commit;
-    if (HIOStream::read(gitDir + ref, commit) == HIOStream::Status::ok) {
-        commit = commit.substr(0, commit.find('\n'));
-    } else {
-        std::string packed;
-        HIOStream::read(gitDir + "packed-refs", packed);
-        commit = findPacked(packed, ref);
+std::string HSCPlazGitHead::getCommit(const std::string& dir, const std::string& branch) {
+    if (!HSCPlazTrust::isSafeRelativePath(branch)) return "";
+    const std::string ref = branches + branch;
+    const std::string loose = readText(gitFile(dir, ref));
+    std::string commit = loose.substr(0, loose.find('\n'));
+    if (commit.empty())
+        visitPacked(dir, [&](const std::string& packed, const std::string& name) {
+            if (name == ref) commit = packed;
+        });
+    return HSCPlazTrust::isCommitId(commit) ? commit : std::string();
+}
+
+std::string HSCPlazGitHead::findBranch(const std::string& dir, const std::string& branch) {
+    for (const std::string& name : {branch, std::string(mainBranch)})
+        if (!getCommit(dir, name).empty()) return name;
+    return "";
+}
+
+std::vector<std::string> HSCPlazGitHead::listBranches(const std::string& dir) {
+    std::set<std::string> names;
+    const fs::path root = gitFile(dir, branches);
+    boost::system::error_code error;
+    fs::recursive_directory_iterator entry(root, error);
+    for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
+        const std::string name = entry->path().lexically_relative(root).generic_string();
+        if (!getCommit(dir, name).empty()) names.insert(name);
     }
-    return HSCPlazTrust::isCommitId(commit) && HUTFile::writeAtomically(gitDir + "HEAD", commit + "\n");
+    visitPacked(dir, [&](const std::string&, const std::string& name) {
+        if (boost::algorithm::starts_with(name, branches)) names.insert(name.substr(std::string(branches).size()));
+    });
+    return {names.begin(), names.end()};
+}
+
+bool HSCPlazGitHead::makeLocal(const std::string& dir, const std::string& branch) {
+    const std::string file = gitFile(dir, "refs/heads/" + branch);
+    return HUTFile::mkDirRecursive(fs::path(file).parent_path().string()) &&
+           HUTFile::writeAtomically(file, getCommit(dir, branch) + "\n");
+}
+
+bool HSCPlazGitHead::moveTo(const std::string& dir, const std::string& branch) {
+    const std::string commit = getCommit(dir, findBranch(dir, branch));
+    return !commit.empty() && HUTFile::writeAtomically(gitFile(dir, "HEAD"), commit + "\n");
 }

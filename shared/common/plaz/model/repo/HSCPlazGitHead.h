@@ -1,13 +1,25 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
-/// The commit that a working copy stands at, without a process.
+/// The branches of a working copy as they were fetched last, and the commit that it stands at. Works on git's own
+/// files, without a process.
 namespace HSCPlazGitHead {
 
-/// Makes the head of @p dir the commit that was fetched last for a branch, so that git's log shows what is in force. No
-/// file is checked out.
-/// @return false, with the head as it was, when the branch was never fetched
+/// The commit that was fetched last for a branch; empty when the remote has no such branch.
+std::string getCommit(const std::string& dir, const std::string& branch);
+/// The branch to follow: @p branch, or "master" where the remote lacks it; empty where it lacks both.
+std::string findBranch(const std::string& dir, const std::string& branch);
+/// The names of the remote's branches, sorted.
+std::vector<std::string> listBranches(const std::string& dir);
+
+/// Gives @p dir a local branch that stands where the remote's does, so that a checkout by its name can find nothing
+/// else, such as a tag. @return false when it cannot be written
+bool makeLocal(const std::string& dir, const std::string& branch);
+/// Makes the head of @p dir the commit that was fetched last for the branch to follow, so that git's log shows what is
+/// in force. No file is checked out.
+/// @return false, with the head as it was, when there is no branch to follow
 bool moveTo(const std::string& dir, const std::string& branch);
 
 } // namespace HSCPlazGitHead

@@ -6,10 +6,12 @@
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/repo/HSCPlazGit.h"
+#include "plaz/model/repo/HSCPlazGitHead.h"
 #include "plaz/model/repo/HSCPlazGitRemoved.h"
 #include "plaz/model/repo/HSCPlazGitSilence.h"
 #include "plaz/pref/HSCPlazUserPref.h"
 #include "support/HUTFile.h"
+#include "support/HUTFork.h"
 
 #include <boost/filesystem/path.hpp>
 
@@ -44,6 +46,18 @@ bool checkOutCommit(const HSCPlazQItemModel& item, const std::string& staging) {
     return true;
 }
 
+bool hasCommit(const std::string& dir, const std::string& commit) {
+    return HSCPlazGit::ask({"cat-file", "-e", commit + "^{commit}"}, dir).status == 0;
+}
+
+// A working copy from which a commit that is there cannot be checked out, or which lacks one that it has fetched.
+bool isSuspect(const HSCPlazQItemModel& item, const HSCPlazQStoreModel& store) {
+    const std::string index = HSCPlazMgr::getInstance().getPathMgr()->getStoreIndexDir(store);
+    const std::string branch = HSCPlazGitHead::findBranch(index, store.getBranchOrMaster());
+    const std::string fetched = HSCPlazGitHead::getCommit(index, branch);
+    return hasCommit(index, item.getCommitId()) || (!fetched.empty() && !hasCommit(index, fetched));
+}
+
 // A working copy that is older than the catalog lacks the item's commit. Asking first would cost a process each time,
 // so the checkout itself tells; it is silent then, because the second one, after a fetch, has the last word.
 bool checkOutItem(const HSCPlazQItemModel& item, const HSCPlazQStoreModel& store, const std::string& staging) {
@@ -53,8 +67,11 @@ bool checkOutItem(const HSCPlazQItemModel& item, const HSCPlazQStoreModel& store
         return checkOutCommit(item, staging);
     } catch (const HEXAll&) { // also after a cancellation: the fetch then ends before anything runs
     }
-    HSCPlazGit::discardDamagedIndex(store);
-    return HSCPlazGit::cloneOrUpdateRepoForStore(&store, true) != 0 && checkOutCommit(item, staging);
+    if (isSuspect(item, store)) HSCPlazGit::discardDamagedIndex(store);
+    if (HSCPlazGit::cloneOrUpdateRepoForStore(&store, true) == 0) return false;
+    if (hasCommit(staging, item.getCommitId()) || HUTFork::isInterrupted()) return checkOutCommit(item, staging);
+    ComMsgMgr::send(Msg::commitGone, MsgSeverity::error, item.getName(), item.getCommitId());
+    return false;
 }
 
 void verifyItem(const HSCPlazQItemModel& item, const std::string& source) {

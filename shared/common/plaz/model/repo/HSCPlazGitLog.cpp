@@ -1,6 +1,8 @@
 #include "plaz/model/repo/HSCPlazGitLog.h"
 
 #include <boost/algorithm/string/predicate.hpp>
+#include <boost/algorithm/string/replace.hpp>
+#include <boost/property_tree/ini_parser.hpp>
 
 #include <sstream>
 
@@ -11,6 +13,19 @@ std::vector<std::string> HSCPlazGitLog::getErrorLines(const std::string& output)
         if (boost::algorithm::icontains(line, "fatal:") || boost::algorithm::icontains(line, "error:"))
             found.push_back(line);
     return found;
+}
+
+std::optional<std::string> HSCPlazGitLog::findConfigValue(std::string config, const std::string& key) {
+    // RATIONALE: the parser knows no quoted sub-sections.
+    boost::algorithm::replace_first(config, "remote \"origin\"", "remote_origin");
+    try {
+        std::istringstream text(config);
+        boost::property_tree::ptree tree;
+        boost::property_tree::read_ini(text, tree);
+        return unquoteConfigValue(tree.get<std::string>(key));
+    } catch (const boost::property_tree::ptree_error&) {
+        return std::nullopt;
+    }
 }
 
 std::string HSCPlazGitLog::unquoteConfigValue(const std::string& value) {

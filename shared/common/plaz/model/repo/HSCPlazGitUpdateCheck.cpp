@@ -6,6 +6,7 @@
 #include "plaz/model/repo/HSCPlazGitCredentials.h"
 #include "plaz/model/repo/HSCPlazGitRemoved.h"
 #include "support/HIOStream.h"
+#include "support/HUTFork.h"
 
 #include <optional>
 #include <sstream>
@@ -28,11 +29,13 @@ bool fitsCommandLine(const std::string& url) {
     return HSCPlazTrust::isSafeUrl(url) && url.find('"') == std::string::npos;
 }
 
-void run(const std::string& arguments, const std::string& dir, const std::string& output) {
+/// @return the exit status
+std::uint32_t run(const std::string& arguments, const std::string& dir, const std::string& output) {
     std::uint32_t exitCode = 0;
     // RATIONALE: the program stands unquoted, as it always has; the runner finds its end.
-    if (HSCPlazGit::exec_git_win(HSCPlazGit::getGitExePath() + arguments, dir, output, exitCode) != 0)
-        HSCPlazGit::debugTrace("Error : exec_git_win");
+    if (HSCPlazGit::exec_git_win(HSCPlazGit::getGitExePath() + arguments, dir, output, exitCode) == 0) return exitCode;
+    HSCPlazGit::debugTrace("Error : exec_git_win");
+    return HUTFork::notStarted;
 }
 
 std::string readText(const std::string& file) {
@@ -53,42 +56,65 @@ std::optional<bool> compare(const std::string& localLine, const std::string& hea
     return std::nullopt;
 }
 
-bool isMoved(const std::string& log, const std::string& heads, const std::string& branch) {
+/// Nothing where neither the branch nor the one in its stead is there, or no local commit is.
+std::optional<bool> isMoved(const std::string& log, const std::string& heads, const std::string& branch) {
     const std::string localLine = log.substr(0, log.find('\n'));
     HSCPlazGit::debugTrace("log = ", localLine);
-    if (localLine.empty()) return false;
+    if (localLine.empty()) return std::nullopt;
     std::optional<bool> moved = compare(localLine, heads, branch);
     if (!moved && branch == mainBranch)
         HSCPlazGit::debugTrace("Already checked for ", mainBranch, ", so breaking the loop");
     else if (!moved)
         moved = compare(localLine, heads, mainBranch);
-    return moved.value_or(false);
+    return moved;
 }
 
-bool ask(const std::string& cloneDir, const std::string& url, const std::string& branch, const std::string& logFile,
-         const std::string& headsFile) {
+HSCPlazGit::UpdateCheck askAndCompare(const std::string& cloneDir, const std::string& url, const std::string& branch,
+                                      const std::string& logFile, const std::string& headsFile) {
     run(" log --oneline -n 1", cloneDir, logFile);
-    run(url.find(' ') == std::string::npos ? " ls-remote " + url : " ls-remote \"" + url + "\"", cloneDir, headsFile);
-    const bool moved = isMoved(readText(logFile), readText(headsFile), branch);
-    HSCPlazGit::debugTrace(url, " ", branch, moved ? " has updates!" : " has no updates!");
-    return moved;
+    const std::uint32_t status = run(
+        url.find(' ') == std::string::npos ? " ls-remote " + url : " ls-remote \"" + url + "\"", cloneDir, headsFile);
+    const std::string log = readText(logFile);
+    const std::string heads = readText(headsFile);
+    HSCPlazGit::UpdateCheck check{isMoved(log, heads, branch), {}};
+    HSCPlazGit::debugTrace(url, " ", branch, check.moved.value_or(false) ? " has updates!" : " has no updates!");
+    if (check.moved) return check;
+    if (status != 0)
+        check.reason = HSCPlazGit::Answer{static_cast<int>(status), HSCPlazTrust::maskSecrets(heads)}.getReason();
+    else if (log.empty())
+        check.reason = "the working copy \"" + cloneDir + "\" holds no commit";
+    else
+        check.reason = "the remote has no branch \"" + branch + "\"";
+    return check;
 }
 
 } // namespace
 
-int HSCPlazGit::hasUpdate(const std::string& cloneDir, const std::string& url, const std::string& proxy,
-                          const std::string& branch) {
+HSCPlazGit::UpdateCheck HSCPlazGit::checkForUpdate(const std::string& cloneDir, const std::string& url,
+                                                   const std::string& proxy, const std::string& branch) {
     const std::string logFile = cloneDir + "/__git1.log";
     const std::string headsFile = cloneDir + "/__git2.log";
     const std::string rebuilt = rebuildUrl(url);
-    if (!isInstalled(cloneDir) || !fitsCommandLine(rebuilt)) return 0;
+    if (!isInstalled(cloneDir)) return {std::nullopt, "the working copy \"" + cloneDir + "\" is not complete"};
+    if (!fitsCommandLine(rebuilt)) return {std::nullopt, "its URL is not safe to give to git"};
     setProxy(cloneDir, proxy);
     const HSCPlazGitRemoved logRemoved(logFile);
     const HSCPlazGitRemoved headsRemoved(headsFile);
     try {
-        return ask(cloneDir, rebuilt, branch.empty() ? mainBranch : branch, logFile, headsFile) ? 1 : 0;
-    } catch (const std::exception&) {
+        return askAndCompare(cloneDir, rebuilt, branch.empty() ? mainBranch : branch, logFile, headsFile);
+    } catch (const std::exception& failure) {
         debugTrace("Error while fetching log data from git repo ", rebuilt);
-        return 0;
+        return {std::nullopt, failure.what()};
     }
+}
+
+int HSCPlazGit::hasUpdate(const std::string& cloneDir, const std::string& url, const std::string& proxy,
+                          const std::string& branch) {
+    return checkForUpdate(cloneDir, url, proxy, branch).moved.value_or(false) ? 1 : 0;
+}
+
+HSCPlazGit::Answer HSCPlazGit::askRemote(const std::string& url, const std::string& workDir) {
+    const std::string refusal = HSCPlazGitUrl::findRefusal(url);
+    if (!refusal.empty()) return {HUTFork::notStarted, "fatal: " + refusal};
+    return ask({"ls-remote", "--heads", rebuildUrl(url)}, workDir);
 }

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "Doctor.h"
+#include "HubPaths.h"
+
+class HSCPlazQStoreModel;
+
+/// The checks of which Doctor is made: each looks at one thing.
+namespace doctor {
+
+inline Finding ok(const std::string& subject, const std::string& found) {
+    return {Finding::State::ok, subject, found, {}, {}};
+}
+inline Finding warning(const std::string& subject, const std::string& found, const std::string& advice) {
+    return {Finding::State::warning, subject, found, advice, {}};
+}
+inline Finding problem(const std::string& subject, const std::string& found, const std::string& advice) {
+    return {Finding::State::problem, subject, found, advice, {}};
+}
+
+/// A working copy as a refresh would set it up, empty, in the system's temporary directory; gone with the object.
+class TrialCopy {
+public:
+    TrialCopy();
+    ~TrialCopy();
+    TrialCopy(const TrialCopy&) = delete;
+    TrialCopy& operator=(const TrialCopy&) = delete;
+    const std::string& getDir() const { return m_dir; }
+
+private:
+    std::string m_dir;
+};
+
+/// Whether git can be used.
+Finding checkGit(const PathInForce& git);
+/// @param bundle  the certificates that come with git
+Finding checkCertificates(const PathInForce& bundle);
+/// What git connects through. @param trial  directory of a working copy as a refresh would set it up
+Finding checkProxy(const std::string& trial);
+/// The parameters that switch things off: one finding for each that does, or one that tells that none does.
+std::vector<Finding> checkSwitches();
+
+/// Whether each directory is there and can be used as it is meant, and how much room it has. Of several that the same
+/// obstacle keeps from being written the first is told.
+std::vector<Finding> checkDirectories(const std::vector<PathInForce>& hub, const std::vector<StorePaths>& stores);
+/// What is wrong with a metadata file; empty for nothing. That its schema is not there is not the file's fault.
+std::string findDamage(const std::string& file);
+/// The hub's metadata in force: shipped or refreshed.
+Finding checkHubMetadata();
+Finding checkConfiguration();
+
+/// Metadata and catalog in force, and how old they are.
+Finding checkCatalog(HSCPlazQStore& store);
+/// What is recorded as installed.
+Finding checkDatabase(const HSCPlazQStore& store);
+/// @param trial  as for checkProxy(); empty where there is no git to look with
+Finding checkWorkingCopy(const HSCPlazQStoreModel& store, const std::string& trial);
+/// Whether a private store can be reached at all.
+Finding checkCredentials(const HSCPlazQStoreModel& store);
+
+/// The proxies that git would use in a working copy, "http.proxy=..." each; empty when it connects directly.
+std::string getProxies(const std::string& dir);
+/// Asks a remote. @param branch  what is followed there
+Finding checkRemote(const std::string& subject, const std::string& url, const std::string& branch,
+                    const std::string& trial);
+
+} // namespace doctor

@@ -1,0 +1,140 @@
+"""Real servers for the network tests. Each runs inside a with block and is gone after it, or when this process ends."""
+
+import collections
+import contextlib
+import os
+import signal
+import socket
+import socketserver
+import subprocess
+import threading
+import time
+
+# An address of this process alone, so that no other test comes to the same port. Clients reach it from 127.0.0.1.
+HOST = "127.{}.{}.{}".format(64 + (os.getpid() >> 16), os.getpid() >> 8 & 255, os.getpid() & 255)
+GIT_PROGRAMS = subprocess.check_output(["git", "--exec-path"], encoding="utf-8").strip()
+ENVIRONMENT = {**os.environ, "PATH": f"{os.environ['PATH']}:/usr/bin:/usr/sbin"}
+
+
+def write(file, text):
+    file.write_text(text, encoding="utf-8")
+    file.chmod(0o600)
+    return file
+
+
+@contextlib.contextmanager
+def run_server(directory, make_command):
+    """Runs the command for a port. @return the port, once something answers there"""
+    directory.mkdir()
+    with socket.create_server((HOST, 0)) as probe:
+        port = probe.getsockname()[1]
+    with open(directory / "output", "wb") as output:
+        command = ["setpriv", "--pdeathsig", "TERM", *map(str, make_command(port))]
+        process = subprocess.Popen(command, env=ENVIRONMENT, start_new_session=True, stdin=subprocess.DEVNULL,
+                                   stdout=output, stderr=subprocess.STDOUT)
+    try:
+        deadline = time.monotonic() + 20
+        while True:
+            with contextlib.suppress(OSError), socket.create_connection((HOST, port)):
+                break
+            if process.poll() is not None or time.monotonic() > deadline:
+                raise RuntimeError(f"{command} does not answer: {(directory / 'output').read_text()}")
+            time.sleep(0.02)
+        yield port
+    finally:
+        with contextlib.suppress(ProcessLookupError):
+            os.killpg(process.pid, signal.SIGKILL)
+        process.wait()
+
+
+def serve_web(repositories, directory, certificate=None, credentials=None, only_from=None):
+    """git's http-backend behind lighttpd, with TLS, for one user, or for one client's address alone."""
+    def make_command(port):
+        config = f"""
+            server.document-root = "{directory}"
+            server.bind = "{HOST}"
+            server.port = {port}
+            server.modules = ("mod_access", "mod_alias", "mod_auth", "mod_authn_file", "mod_cgi", "mod_openssl",
+                              "mod_setenv")
+            alias.url = ("/git" => "{GIT_PROGRAMS}/git-http-backend")
+            cgi.assign = ("" => "")
+            setenv.set-environment = ("GIT_PROJECT_ROOT" => "{repositories}", "GIT_HTTP_EXPORT_ALL" => "1")\n"""
+        if certificate:
+            config += f'ssl.engine = "enable"\nssl.pemfile = "{certificate}"\n'
+        if credentials:
+            users = write(directory / "users", ":".join(credentials) + "\n")
+            config += f'auth.backend = "plain"\nauth.backend.plain.userfile = "{users}"\n'
+            config += 'auth.require = ("/git" => ("method" => "basic", "realm" => "git", "require" => "valid-user"))\n'
+        if only_from:
+            config += f'$HTTP["remoteip"] != "{only_from}" {{ url.access-deny = ("") }}\n'
+        return ["lighttpd", "-D", "-f", write(directory / "lighttpd.conf", config)]
+    return run_server(directory, make_command)
+
+
+def serve_git(repositories, directory):
+    """git's own daemon."""
+    return run_server(directory, lambda port: [f"{GIT_PROGRAMS}/git-daemon", f"--listen={HOST}", f"--port={port}",
+                                               "--reuseaddr", "--export-all", f"--base-path={repositories}"])
+
+
+def run_proxy(directory, credentials):
+    """tinyproxy, which servers see at the address HOST. It notes requests in "log"."""
+    def make_command(port):
+        config = f'Port {port}\nListen {HOST}\nBind {HOST}\nTimeout 60\nLogFile "{directory}/log"\nLogLevel Connect\n'
+        if credentials:
+            config += "BasicAuth {} {}\n".format(*credentials)
+        return ["tinyproxy", "-d", "-c", write(directory / "tinyproxy.conf", config)]
+    return run_server(directory, make_command)
+
+
+def make_certificates(directory):
+    """An authority, and a certificate that it has given to HOST. @return their files; the second holds its key too"""
+    directory.mkdir()
+    authority, key, server, server_key = (directory / name for name in ("ca.crt", "ca.key", "server.pem", "server.key"))
+    new = "openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -days 2".split()
+    of_host = ["-subj", f"/CN={HOST}", "-addext", f"subjectAltName=IP:{HOST}", "-addext", "basicConstraints=CA:FALSE"]
+    for command in ([*new, "-subj", "/CN=Test authority", "-keyout", key, "-out", authority],
+                    [*new, *of_host, "-CA", authority, "-CAkey", key, "-keyout", server_key, "-out", server]):
+        subprocess.run(command, check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    return authority, write(server, server.read_text() + server_key.read_text())
+
+
+# What a relay does in place of passing everything on: it passes so many bytes of the server's answers and then sends a
+# reply, or nothing; then it hangs up, or does not.
+Fault = collections.namedtuple("Fault", ["reply", "passed", "stalls"], defaults=[b"", 0, False])
+
+
+class Relay(socketserver.ThreadingTCPServer):
+    """Stands before a server at a port of its own until this process ends. Its fault can be changed at any time."""
+    daemon_threads = True
+
+    def __init__(self, port):
+        super().__init__((HOST, 0), None)
+        self.fault = None
+        self.passed = b""  # what came through while there was a fault
+        self._server = (HOST, port)
+        threading.Thread(target=self.serve_forever, daemon=True).start()
+
+    def finish_request(self, request, client_address):
+        fault = self.fault or Fault(passed=float("inf"))
+        with contextlib.suppress(OSError), socket.create_connection(self._server) as server:
+            if fault.passed:
+                threading.Thread(target=self._pass, args=(request, server), daemon=True).start()
+                passed = self._pass(server, request, fault.passed)
+                if fault is self.fault:
+                    self.passed = passed
+            else:
+                request.recv(65536)
+            request.sendall(fault.reply)
+            if fault.stalls:
+                threading.Event().wait()
+            request.shutdown(socket.SHUT_RDWR)
+
+    @staticmethod
+    def _pass(source, target, most=float("inf")):
+        passed = b""
+        with contextlib.suppress(OSError):
+            while len(passed) < most and (data := source.recv(int(min(most - len(passed), 65536)))):
+                target.sendall(data)
+                passed += data
+        return passed
