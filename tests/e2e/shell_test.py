@@ -440,8 +440,9 @@ class ShellTest(unittest.TestCase):
         self.assertEqual(broken.status, 0)
         self.assertIn("ZENTOR_PLAZ_USER_REPO_PATH", broken.out)
 
-        shown = self.run_plaz("params", "plaz.git*", "--set", "plaz.git_token.board_store=geheim").out
-        self.assertIn("***", shown)
+        shown = self.run_plaz("params", "plaz.*", "--set", "plaz.git_token.board_store=geheim",
+                              "--set", "plaz.http_proxy=me:geheim@proxy").out
+        self.assertEqual(shown.count("***"), 2)
         self.assertNotIn("geheim", shown)
         self.assertNotIn("plaz.gitTimeout", shown)
         params = self.run_json("params", "plaz.gitT*", "--hidden", "--set", "plaz.gitTimeout=7")["params"]

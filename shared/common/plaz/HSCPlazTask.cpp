@@ -10,15 +10,16 @@
 #include "support/HUTFork.h"
 
 #include <chrono>
+#include <memory>
 #include <thread>
 
 using HSCPlazTask::isCancelled;
 
 namespace {
 
-/// Waits until no other process changes what is installed, and takes over what it did. Where no lock can be had, such
-/// as on some network drives, the task goes on without.
-bool lockHub(HUTFileLock& lock, const HDGUIStatus* status) {
+/// Waits until no other process is at work. Where no lock can be had, such as on some network drives, the task goes on
+/// without.
+bool waitForHub(HUTFileLock& lock, const HDGUIStatus* status) {
     using Clock = std::chrono::steady_clock;
     const auto giveUp = Clock::now() + std::chrono::seconds(HSCPlazGit::getGitTimeOut());
     while (lock.tryLock() == HUTFileLock::Result::busy) {
@@ -29,7 +30,6 @@ bool lockHub(HUTFileLock& lock, const HDGUIStatus* status) {
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
     }
-    HSCPlazMgr::getInstance().updateInstalledState();
     return true;
 }
 
@@ -40,10 +40,22 @@ bool HSCPlazTask::isCancelled(const HDGUIStatus* status) {
 }
 
 bool HSCPlazTask::run(HSCPlaz& hub, const HDGUIStatus* status, const std::function<bool()>& task) {
-    HUTFileLock lock(HSCPlazMgr::getInstance().getPathMgr()->getLockFile());
-    if (!lockHub(lock, status)) return false;
-    HSCPlazItemFiles::removeLeftovers(hub);
-    return task();
+    return withLock(status, [&] {
+        HSCPlazMgr::getInstance().updateInstalledState();
+        HSCPlazItemFiles::removeLeftovers(hub);
+        return task();
+    });
+}
+
+bool HSCPlazTask::withLock(const HDGUIStatus* status, const std::function<bool()>& action) {
+    static std::weak_ptr<HUTFileLock> held;
+    std::shared_ptr<HUTFileLock> lock = held.lock();
+    if (!lock) {
+        lock = std::make_shared<HUTFileLock>(HSCPlazMgr::getInstance().getPathMgr()->getLockFile());
+        if (!waitForHub(*lock, status)) return false;
+        held = lock;
+    }
+    return action();
 }
 
 bool HSCPlazTask::report(const std::function<bool()>& action) {

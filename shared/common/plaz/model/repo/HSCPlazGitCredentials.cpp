@@ -180,7 +180,7 @@ std::string HSCPlazGitUrl::getServer(const std::string& url) {
 std::string HSCPlazGitUrl::normalizeProxy(const std::string& proxy) {
     const std::size_t at = proxy.rfind('@');
     if (at == std::string::npos) return proxy;
-    const std::size_t scheme = proxy.find("://");
+    const std::size_t scheme = proxy.rfind("://", at);
     const std::size_t user = scheme == std::string::npos ? 0 : scheme + 3;
     return join({scheme == std::string::npos ? "http://" : proxy.substr(0, user),
                  encode(proxy.substr(user, at - user), userPartPunctuation), proxy.substr(at + 1), true});

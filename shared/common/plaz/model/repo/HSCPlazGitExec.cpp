@@ -68,6 +68,11 @@ std::string joinCapturedErrors() {
     return text;
 }
 
+// The current directory may be gone, which matters to a relative path alone.
+fs::path toAbsolute(const fs::path& path, const std::string& startDir) {
+    return path.is_absolute() ? path : fs::absolute(path, startDir);
+}
+
 /// Where a command's output goes: the caller's file, or one in the working directory that is gone at the end.
 class CommandLog {
 public:
@@ -82,7 +87,7 @@ public:
     void choose(const fs::path& workDir, const std::string& startDir) {
         if (!m_file.empty()) return;
         try {
-            const fs::path file = fs::absolute(workDir / temporaryLogName, startDir);
+            const fs::path file = toAbsolute(workDir / temporaryLogName, startDir);
             fs::create_directories(file.parent_path());
             m_file = file.generic_string();
             m_isTemporary = true;
@@ -101,8 +106,9 @@ private:
     bool m_isTemporary = false;
 };
 
-void enter(const std::string& workDir, const std::vector<std::string>& args) {
-    if (HUTSysCall::changeDir(workDir)) return;
+// Without a current directory there would be no way back, so only git goes there.
+void enter(const std::string& workDir, const std::string& startDir, const std::vector<std::string>& args) {
+    if (startDir.empty() ? HUTFile::isDirectory(workDir) : HUTSysCall::changeDir(workDir)) return;
     // A command must never run in whatever directory happens to be the current one.
     std::string command = "git";
     for (const std::string& arg : args) command += " " + HSCPlazTrust::maskSecrets(arg);
@@ -157,8 +163,10 @@ void prepare(HUTFork& process, const std::vector<std::string>& words, const std:
         process.addArg(HSCPlazGitUrl::isHttp(*word) ? HSCPlazGitUrl::withoutUserPart(*word) : *word);
     }
     process.setDir(workDir);
-    process.setLogFile(fs::absolute(outFile).string());
-    HSCPlazGitEnv::apply(process, words.size() > 1 ? words[1] : "", fs::absolute(workDir).generic_string(), remoteUrl);
+    const std::string startDir = HUTSysCall::getCurrDir();
+    process.setLogFile(toAbsolute(outFile, startDir).string());
+    HSCPlazGitEnv::apply(process, words.size() > 1 ? words[1] : "", toAbsolute(workDir, startDir).generic_string(),
+                         remoteUrl);
 }
 
 int runGit(const std::vector<std::string>& args, const std::string& workDir, const std::string& startDir,
@@ -174,7 +182,8 @@ int runGit(const std::vector<std::string>& args, const std::string& workDir, con
     git.setProg(program, false);
     for (const std::string& arg : args) git.addArg(arg);
     git.setTimeout(HSCPlazGit::getGitTimeOut());
-    const std::string dir = fs::absolute(workDir, startDir).generic_string();
+    const std::string dir = toAbsolute(workDir, startDir).generic_string();
+    git.setDir(dir);
     const std::string command = args.empty() ? "" : args.front();
     const std::string remoteUrl = isRemote(command) ? HSCPlazGit::getRemoteUrl(dir) : "";
     HSCPlazGitEnv::apply(git, command, dir, remoteUrl);
@@ -203,7 +212,7 @@ int HSCPlazGit::exec_git(const std::vector<std::string>& args, const std::string
     const int verbosity = ComMsgMgr::getVerbosity();
     CommandLog log(logFile);
     try {
-        enter(workDir, args);
+        enter(workDir, startDir, args);
         HSCPlazLogger::inside(execGit, " ", workDir, " ", startDir);
         const int status = runGit(args, workDir, startDir, log, verbosity);
         HUTSysCall::changeDir(startDir);
