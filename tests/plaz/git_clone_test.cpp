@@ -81,6 +81,7 @@ TEST_F(GitClone, RefreshFollowsARemoteThatChanges) {
         {"no master either", [&] { inRemote("branch -m main"); }, "", {"17-2171"}},
         {"nor asked for", [&] { follow(""); }, "", {"17-2171"}},
         {"the branch that is there", [&] { follow("main"); }, "2", {}},
+        {"the only one, unasked", [&] { inRemote("branch -D next"), follow(""); }, "2", {}},
         {"an empty repository", [&] { remove(), GitRepo(remote.getDir()); }, "", {"17-2172"}},
         {"none", remove, "", {"17-1990"}},
         {"another one", [&] { GitRepo(remote.getDir()), publish("n"), follow(""); }, "n", {}}};
@@ -97,7 +98,7 @@ TEST_F(GitClone, RefreshFollowsARemoteThatChanges) {
             continue;
         }
         EXPECT_EQ(staged("catalog.json"), content) << what;
-        EXPECT_TRUE(HSCPlazGitHead::moveTo(index, model.getBranchOrMaster())) << what;
+        EXPECT_TRUE(HSCPlazGitHead::moveTo(index, model.getBranch())) << what;
         EXPECT_EQ(readFile(index + "/.git/HEAD"), remote.git({"rev-parse", "HEAD"}) + "\n") << what;
     }
 }

@@ -231,7 +231,7 @@ bool updateItemCatalogs(HSCPlazQStoreModel& store, HDGUIStatus* status) {
         if (item->getRevision() == item->getLatestRevision() && !item->getMetadataFile().empty() &&
             !HSCPlazPathMgr::getItemFolder(store, *item).empty())
             takeDescription(fetched, document, store, *item);
-    return HSCPlazGitHead::moveTo(paths().getStoreIndexDir(store), store.getBranchOrMaster());
+    return HSCPlazGitHead::moveTo(paths().getStoreIndexDir(store), store.getBranch());
 }
 
 /// Fetches the hub's metadata into the user area. @return the file there; empty on failure

@@ -177,7 +177,8 @@ bool tellNoBranch(const HSCPlazBaseModel& owner, const std::string& wanted, std:
     }
     const bool isCut = branches.size() > shownBranches;
     if (isCut) branches.resize(shownBranches);
-    const std::string lacked = '"' + wanted + (wanted == mainBranch ? "\"" : "\" and no \"master\" either");
+    const bool isMain = wanted.empty() || wanted == mainBranch;
+    const std::string lacked = isMain ? "\"master\"" : '"' + wanted + "\" and no \"master\" either";
     const std::string names = boost::algorithm::join(branches, ", ") + (isCut ? ", ..." : "");
     ComMsgMgr::send(Msg::branchMissing, MsgSeverity::error, owner.getName(), lacked, names);
     return false;
@@ -187,7 +188,7 @@ bool selectFiles(const HSCPlazBaseModel& owner, const std::string& staging, cons
                  const std::string& wanted) {
     const std::string branch = HSCPlazGitHead::findBranch(staging, wanted);
     if (branch.empty()) return tellNoBranch(owner, wanted, HSCPlazGitHead::listBranches(staging));
-    warnOnce(owner, staging, wanted, branch == wanted);
+    warnOnce(owner, staging, wanted, wanted.empty() || branch == wanted);
     HSCPlazGit::enableSparseCheckout(staging);
     if (!HSCPlazGit::addItemsToSparseCheckout(staging, files)) return false;
     if (!HSCPlazGitHead::makeLocal(staging, branch)) return tellNotWritable(staging);
@@ -198,7 +199,7 @@ bool selectFiles(const HSCPlazBaseModel& owner, const std::string& staging, cons
 bool checkOutFiles(const HSCPlazQStoreModel& store, const std::string& staging, const std::vector<std::string>& files) {
     HSCPlazGitRemoved removed(staging);
     if (HSCPlazGit::cloneOrUpdateRepoForStore(&store, true) == 0) return false;
-    if (!selectFiles(store, staging, files, store.getBranchOrMaster())) return false;
+    if (!selectFiles(store, staging, files, store.getBranch())) return false;
     removed.keep();
     return true;
 }
@@ -215,7 +216,7 @@ bool loadHubFiles(const HSCPlazModel& hub, const HSCPlazPathMgr& paths, const st
     const auto credentials = HSCPlazGitCredentials::ofEntry(config ? config->getPlazRepoCfgModel() : nullptr, url);
     HSCPlazGitRemoved removed(staging);
     if (!HSCPlazGit::cloneRepoForHub(root, staging, url, credentials.userId, credentials.token)) return false;
-    if (!selectFiles(hub, staging, files, mainBranch)) return false;
+    if (!selectFiles(hub, staging, files, "")) return false;
     removed.keep();
     return true;
 }

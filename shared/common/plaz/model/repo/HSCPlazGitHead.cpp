@@ -53,7 +53,8 @@ std::string HSCPlazGitHead::getCommit(const std::string& dir, const std::string&
 std::string HSCPlazGitHead::findBranch(const std::string& dir, const std::string& branch) {
     for (const std::string& name : {branch, std::string(mainBranch)})
         if (!getCommit(dir, name).empty()) return name;
-    return "";
+    const std::vector<std::string> names = branch.empty() ? listBranches(dir) : std::vector<std::string>();
+    return names.size() == 1 ? names.front() : std::string();
 }
 
 std::vector<std::string> HSCPlazGitHead::listBranches(const std::string& dir) {

@@ -9,7 +9,8 @@ namespace HSCPlazGitHead {
 
 /// The commit that was fetched last for a branch; empty when the remote has no such branch.
 std::string getCommit(const std::string& dir, const std::string& branch);
-/// The branch to follow: @p branch, or "master" where the remote lacks it; empty where it lacks both.
+/// The branch to follow: @p branch, or "master" where the remote lacks it. Where no branch is named (empty), such as
+/// before a store's metadata has been read, also the only one that there is. Empty where there is none to follow.
 std::string findBranch(const std::string& dir, const std::string& branch);
 /// The names of the remote's branches, sorted.
 std::vector<std::string> listBranches(const std::string& dir);

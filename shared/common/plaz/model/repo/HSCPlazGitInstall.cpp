@@ -53,7 +53,7 @@ bool hasCommit(const std::string& dir, const std::string& commit) {
 // A working copy from which a commit that is there cannot be checked out, or which lacks one that it has fetched.
 bool isSuspect(const HSCPlazQItemModel& item, const HSCPlazQStoreModel& store) {
     const std::string index = HSCPlazMgr::getInstance().getPathMgr()->getStoreIndexDir(store);
-    const std::string branch = HSCPlazGitHead::findBranch(index, store.getBranchOrMaster());
+    const std::string branch = HSCPlazGitHead::findBranch(index, store.getBranch());
     const std::string fetched = HSCPlazGitHead::getCommit(index, branch);
     return hasCommit(index, item.getCommitId()) || (!fetched.empty() && !hasCommit(index, fetched));
 }
