@@ -151,11 +151,14 @@ TEST_F(CatalogTasksTest, StoresMoveToADirectoryOfTheUsersChoice) {
     EXPECT_FALSE(HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), files.temp.path("mine")));
     EXPECT_EQ(store().getLocalRootDir(), files.area("ced_store"));
     HUTFile::rmRecursive(files.area("plaz_stores.json"));
-    ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), store().getItem("a"), true, nullptr));
+    tcl.item("b", "1");
+    publish();
+    ASSERT_TRUE(refresh() && HSCPlazTaskMgr::install(&hub(), store().getItem("a"), true, nullptr));
     takeIds();
     ASSERT_TRUE(HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), files.temp.path("mine")));
     EXPECT_EQ(takeIds(), Ids{"17-2176"});
     EXPECT_FALSE(store().getItem("a")->IsInstalled());
+    EXPECT_EQ(store().getItem("b")->getDisplayName(), "The b"); // the refreshed catalog came along
     ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), store().getItem("a"), true, nullptr));
     EXPECT_TRUE(HUTFile::exists(files.temp.path("mine/tcl/items/a/body.txt")));
     EXPECT_NE(readFile(files.area("plaz_stores.json")).find(files.temp.path("mine")), std::string::npos);

@@ -85,14 +85,14 @@ private:
     std::string m_dir;
 };
 
-/// Puts files that were fetched into the place where they count. Files of the same name, deeper in the repository, have
-/// been fetched with them and stay out.
-bool takeFetched(const StagingGuard& staging, const std::string& area, const HSTVector<std::string>& files) {
+/// Puts a catalog's files into the place where they count. Files of the same name, deeper in the repository, have been
+/// fetched with them and stay out.
+bool takeFiles(const std::string& source, const std::string& area, const HSTVector<std::string>& files) {
     const HSCPlazUserPref& userPref = HSCPlazMgr::getInstance().getUserPref();
     for (const std::string& file : files) {
         const std::string dest = area + "/" + file;
         const std::string dir = dest.substr(0, dest.rfind('/'));
-        if (HUTFile::mkDirRecursive(dir) && userPref.copySrcToDest(staging.file(file), dest)) continue;
+        if (HUTFile::mkDirRecursive(dir) && userPref.copySrcToDest(source + "/" + file, dest)) continue;
         ComMsgMgr::send(Msg::dirNotWritable, MsgSeverity::error, dir);
         return false;
     }
@@ -171,7 +171,7 @@ bool loadStoreModelCatalog(HSCPlazQStoreModel& store, HDGUIStatus* status) {
         files.insert(files.begin(), fetched.getCatalogFile()); // what the metadata names is there before it
     }
     const std::string area = paths().getStoreArea(store);
-    if (isCancelled(status) || !takeFetched(staging, area, files)) return false;
+    if (isCancelled(status) || !takeFiles(staging.getDir(), area, files)) return false;
     requireUsable(Msg::storeFileInvalid, store, area + "/" + store.getMetadataFile());
     return HUTFile::writeAtomically(area + "/.done", "");
 }
@@ -245,7 +245,7 @@ std::string fetchHubMetadata(HSCPlazModel& hub, HDGUIStatus* status) {
         throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::hubFileInvalid, fetched));
     const std::string area = paths().getUserAreaRoot(hub.getRoot(), true);
     const bool isPlaced = !isCancelled(status) && HSCPlazMgr::getInstance().keepDefaultFolders();
-    if (!isPlaced || !takeFetched(staging, area, {hub.getMetadataFile()})) return "";
+    if (!isPlaced || !takeFiles(staging.getDir(), area, {hub.getMetadataFile()})) return "";
     return area + "/" + hub.getMetadataFile();
 }
 
@@ -311,6 +311,18 @@ bool canBeKept(const HSCPlazQStore& store, const std::string& database) {
     return fits;
 }
 
+/// Takes the catalog that was refreshed along to a place that has none; the files in the old place stay.
+bool takeCatalogAlong(const HSCPlazQStoreModel& store, const std::string& newRoot) {
+    const std::string& oldRoot = store.getLocalRootDir();
+    if (!HSCPlazGit::isInstalled(oldRoot) || HSCPlazGit::isInstalled(newRoot)) return true;
+    HSTVector<std::string> files{store.getMetadataFile()};
+    if (!store.getCatalogFile().empty()) files.push_back(store.getCatalogFile());
+    const HSCPlazUserPref& userPref = HSCPlazMgr::getInstance().getUserPref();
+    if (HUTFile::exists(oldRoot + hiddenCatalogDir))
+        userPref.copySrcToDest(oldRoot + hiddenCatalogDir, newRoot + hiddenCatalogDir);
+    return takeFiles(oldRoot, newRoot, files) && HUTFile::writeAtomically(newRoot + "/.done", "");
+}
+
 bool moveStore(HSCPlazQStore& store, const std::string& dir) {
     inside(moveName, " store - ", store.getName(), " local_root_dir - ", dir);
     HSCPlazMgr& manager = HSCPlazMgr::getInstance();
@@ -318,7 +330,8 @@ bool moveStore(HSCPlazQStore& store, const std::string& dir) {
     const std::string oldRoot = store.getLocalRootDir();
     const std::string database = newRoot + "/.plaz/" + HSCPlazUtils::PLAZ_LOCAL_DB_FILE;
     // Recorded first: a move that the next start does not know of would lose what is installed there.
-    if (!canBeKept(store, database) || !manager.getHubRepoInfoMgr()->setStoreDirectory(store.getName(), dir))
+    if (!canBeKept(store, database) || !takeCatalogAlong(*store.getModel(), newRoot) ||
+        !manager.getHubRepoInfoMgr()->setStoreDirectory(store.getName(), dir))
         return false;
     if (newRoot != oldRoot && holdsSomething(*store.getModel()))
         ComMsgMgr::send(Msg::itemsLeftBehind, MsgSeverity::warning, store.getName(), oldRoot);
