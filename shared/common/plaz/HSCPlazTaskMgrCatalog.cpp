@@ -188,13 +188,14 @@ bool placeFetched(const std::string& fetched, const std::string& file) {
 }
 
 /// Puts one item's fetched metadata file, and its change log, where the catalog's descriptions lie, and reads it.
-void takeDescription(const HIOStream::Root& staging, HSCPlazJsonDocument& document, const HSCPlazQStoreModel& store,
+/// @return false when it cannot be written there
+bool takeDescription(const HIOStream::Root& staging, HSCPlazJsonDocument& document, const HSCPlazQStoreModel& store,
                      HSCPlazQItemModel& item) {
     const std::string relative = item.getRoot() + "/" + item.getMetadataFile();
     const std::string fetched = staging.getDir() + "/" + relative;
     if (!HSCPlazUtils::isInstalledFileValid(fetched)) {
         ComMsgMgr::send(Msg::itemCatalogInvalid, MsgSeverity::criticalWarning, fetched, item.getName());
-        return;
+        return true;
     }
     HSCPlazQItemModel description;
     HSCPlazQItemReader().parseBelow(staging, relative, document, &description);
@@ -202,12 +203,19 @@ void takeDescription(const HIOStream::Root& staging, HSCPlazJsonDocument& docume
         paths().getStoreArea(store) + hiddenCatalogDir + HSCPlazPathMgr::getItemFolder(store, item) + "/";
     if (!placeFetched(fetched, dir + item.getMetadataFile())) {
         ComMsgMgr::send(Msg::dirNotWritable, MsgSeverity::error, dir);
-        return;
+        return false;
     }
     const std::string changeLog = staging.getDir() + "/" + item.getRoot() + "/changelog.txt";
     if (HUTFile::exists(changeLog)) placeFetched(changeLog, dir + "changelog.txt");
     inside(updateName, " metadata file path is ", dir, item.getMetadataFile());
     if (!item.isInstalled() && description.getName() == item.getName()) item.copyDescriptionFrom(description);
+    return true;
+}
+
+/// The branch describes the latest revisions; what older ones say of themselves comes with them.
+bool isDescribed(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item) {
+    return item.getRevision() == item.getLatestRevision() && !item.getMetadataFile().empty() &&
+           !HSCPlazPathMgr::getItemFolder(store, item).empty();
 }
 
 bool updateItemCatalogs(HSCPlazQStoreModel& store, HDGUIStatus* status) {
@@ -226,11 +234,9 @@ bool updateItemCatalogs(HSCPlazQStoreModel& store, HDGUIStatus* status) {
     if (!store.isProductSpecific()) return true;
     const HIOStream::Root fetched(staging.getDir());
     HSCPlazJsonDocument document;
-    // The branch describes the latest revisions; what older ones say of themselves comes with them.
     for (const auto& item : store.getItems())
-        if (item->getRevision() == item->getLatestRevision() && !item->getMetadataFile().empty() &&
-            !HSCPlazPathMgr::getItemFolder(store, *item).empty())
-            takeDescription(fetched, document, store, *item);
+        if (isDescribed(store, *item) && !takeDescription(fetched, document, store, *item)) return false;
+    show(status, "Refreshed", shownName(store), 100);
     return HSCPlazGitHead::moveTo(paths().getStoreIndexDir(store), store.getBranch());
 }
 
