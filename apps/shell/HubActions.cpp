@@ -124,8 +124,8 @@ StoreResult HubActions::check(HSCPlazQStore& store) {
     const std::string workingCopy = HSCPlazMgr::getInstance().getPathMgr()->getStoreIndexDir(model);
     if (!HSCPlazTaskMgr::isRefreshed(&store) || !HSCPlazGit::isInstalled(workingCopy))
         return resultOf(store, "outdated", true);
-    const HSCPlazGit::UpdateCheck check = HSCPlazGit::checkForUpdate(
-        workingCopy, store.getUrl(), HSCPlazGit::getPreferredHttpProxy(), model.getBranchOrMaster());
+    const HSCPlazGit::UpdateCheck check =
+        HSCPlazGit::checkForUpdate(workingCopy, store.getUrl(), HSCPlazGit::getPreferredHttpProxy(), model.getBranch());
     if (check.moved) return resultOf(store, *check.moved ? "outdated" : "up-to-date", true);
     if (!HUTFork::isInterrupted())
         ComMsgMgr::send(ShellMsg::storeNotChecked, MsgSeverity::error, store.getName(), check.reason);

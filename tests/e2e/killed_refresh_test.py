@@ -3,6 +3,7 @@
     killed_refresh_test.py PLAZ MAKE_SAMPLE_HUB PRODUCT_DATA [unittest arguments]
 """
 
+import contextlib
 import json
 import os
 import pathlib
@@ -79,7 +80,8 @@ class KilledRefreshTest(unittest.TestCase):
                     time.sleep(duration * (point + 0.5) / POINTS)
                     os.kill(process.pid, signal.SIGSTOP)
                     for pid in tree_of(process.pid) if point % 2 else [process.pid]:
-                        os.kill(pid, signal.SIGKILL)
+                        with contextlib.suppress(ProcessLookupError):  # a git may have ended meanwhile
+                            os.kill(pid, signal.SIGKILL)
                 seen.append(self.get_items())
                 self.run_plaz(*command)
                 self.assertEqual((self.get_items(), list(home.rglob(".staging"))), (new, []), f"{command} {point}")

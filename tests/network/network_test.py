@@ -213,7 +213,8 @@ class NetworkTest(unittest.TestCase):
                     if ids is None:
                         self.refresh_twice(store, settings)
                     else:
-                        self.assertEqual(self.fail_to_refresh("could not read Username", store, settings), ids)
+                        words = "Authentication failed" if configured or parameters else "could not read Username"
+                        self.assertEqual(self.fail_to_refresh(words, store, settings), ids)
             configs = list(self.dir.glob("home/**/.index/.git/config"))
             self.assertEqual(len(configs), 2)
             for config in configs:
@@ -223,6 +224,26 @@ class NetworkTest(unittest.TestCase):
             for configured, status in ((WRONG, 1), (CREDENTIALS, 0)):
                 self.lead_to(base, True, configured)
                 self.run_plaz("refresh --hub", status=status)
+
+    def test_redirects(self):
+        """Catches: credentials that follow a redirect to another server, a repository that has moved and is lost."""
+        with servers.serve_web(self.repositories, self.servers / "open") as open_port, \
+                servers.serve_web(self.repositories, self.servers / "locked", credentials=WRONG) as locked_port:
+            open_place, locked_place = (f"http://{HOST}:{port}/git" for port in (open_port, locked_port))
+            for number, (place, credentials, ids) in enumerate((
+                    ("/git", CREDENTIALS, None), (open_place, None, None), (open_place, CREDENTIALS, None),
+                    (locked_place, CREDENTIALS, ["17-2174"]))):
+                with self.subTest(number), servers.serve_web(self.repositories, self.servers / f"first-{number}",
+                                                             credentials=CREDENTIALS, moved_to=place) as port:
+                    self.lead_to(f"http://{HOST}:{port}/moved", credentials=credentials)
+                    if ids is None:
+                        self.refresh_twice()
+                    else:
+                        self.assertEqual(self.fail_to_refresh("could not read Username"), ids)
+            for directory in ("open", "locked"):
+                requests = (self.servers / directory / "output").read_text()
+                self.assertIn("GET /git/tcl-store.git/info/refs", requests)
+                self.assertNotIn("authorization:", requests.lower())
 
     def test_proxies(self):
         """Catches: a proxy that is not used, not found, left out by encrypted connections, or whose password others can

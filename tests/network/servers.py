@@ -47,15 +47,18 @@ def run_server(directory, make_command):
         process.wait()
 
 
-def serve_web(repositories, directory, certificate=None, credentials=None, only_from=None):
-    """git's http-backend behind lighttpd, with TLS, for one user, or for one client's address alone."""
+def serve_web(repositories, directory, certificate=None, credentials=None, only_from=None, moved_to="/git"):
+    """git's http-backend behind lighttpd at "/git", with TLS, for one user, or for one client's address alone. "/moved"
+    leads to another place. It notes the headers of requests in "output"."""
     def make_command(port):
         config = f"""
             server.document-root = "{directory}"
             server.bind = "{HOST}"
             server.port = {port}
             server.modules = ("mod_access", "mod_alias", "mod_auth", "mod_authn_file", "mod_cgi", "mod_openssl",
-                              "mod_setenv")
+                              "mod_redirect", "mod_setenv")
+            debug.log-request-header = "enable"
+            url.redirect = ("^/moved/(.*)" => "{moved_to}/$1")
             alias.url = ("/git" => "{GIT_PROGRAMS}/git-http-backend")
             cgi.assign = ("" => "")
             setenv.set-environment = ("GIT_PROJECT_ROOT" => "{repositories}", "GIT_HTTP_EXPORT_ALL" => "1")\n"""

@@ -1,9 +1,11 @@
 #include "git_fixture.h"
 
 #include "plaz/HSCPlazPathMgr.h"
+#include "plaz/HSCPlazTask.h"
 #include "plaz/model/HSCPlazModel.h"
 #include "plaz/model/repo/HSCPlazGitCredentials.h"
 #include "support/HCCXPrefMgr.h"
+#include "support/HUTFileLock.h"
 #include "support/HUTFork.h"
 #include "support/HubOnDisk.h"
 
@@ -271,18 +273,40 @@ TEST_F(GitAccess, UpdateCheckAsksTheRemote) {
 // Faults: more or fewer than seven characters compared, a second fall-back, no result for a silent git, a fetch.
 TEST_F(GitAccess, UpdateCheckReadsWhatGitPrints) {
     temp.write("clone/.done", "");
-    const std::tuple<std::string, std::string, const char*, int> cases[] = {
-        {"1234567890 x", "1234567aaa\trefs/heads/b\n", "b", 0},
-        {"1234567", "1234568\trefs/heads/b\n1234567\trefs/heads/b\n", "b", 1},
-        {"123456", "1234567\trefs/heads/b\n", "b", 1},
-        {"1234567", "1234567\trefs/tags/b\n7\trefs/heads/master", "b", 1},
-        {"1234567", "7\trefs/heads/b\n", "master", 0},
-        {"", "1234567\trefs/heads/b\n", "b", 0}};
-    for (const auto& [log, heads, branch, result] : cases) {
-        replaceGit("[ $1 = log ] && echo '" + log + "' || printf '" + heads + "'");
+    const std::tuple<std::string, std::string, const char*, int, bool> cases[] = {
+        {"1234567890 x", "1234567aaa\trefs/heads/b\n", "b", 0, true},
+        {"1234567", "1234568\trefs/heads/b\n1234567\trefs/heads/b\n", "b", 1, true},
+        {"123456", "1234567\trefs/heads/b\n", "b", 1, true},
+        {"1234567", "1234567\trefs/tags/b\n7\trefs/heads/master", "b", 1, true},
+        {"1234567", "7\trefs/heads/b\n", "master", 0, false},
+        {"fatal: no commit", "1234567\trefs/heads/b\n", "b", 1, false},
+        {"", "1234567\trefs/heads/b\n", "b", 0, false}};
+    for (const auto& [log, heads, branch, result, isKnown] : cases) {
+        replaceGit("[ $1 = log ] || { printf '" + heads + "'; exit; }; echo '" + log + "'; expr '" + log + "' : [^f]");
         EXPECT_EQ(HSCPlazGit::hasUpdate(clone, "/r", "", branch), result) << log << heads;
         EXPECT_EQ(takeCalls(), "log --oneline -n 1\nls-remote /r\n");
+        const HSCPlazGit::UpdateCheck check = HSCPlazGit::checkForUpdate(clone, "/r", "", branch);
+        EXPECT_TRUE(check.moved.has_value() == isKnown && check.reason.empty() == isKnown) << log << heads;
+        takeCalls();
     }
+}
+
+// Faults: a silent server holds up the check for ever, checks beside each other, a check inside a task waits for it.
+TEST_F(GitAccess, UpdateCheckHoldsTheHubForALimitedTime) {
+    temp.write("clone/.done", "");
+    setParam("plaz.gitTimeout", "1");
+    const auto check = [this] { return HSCPlazGit::checkForUpdate(clone, "/r", "", "b"); };
+    replaceGit("[ $1 = log ] && echo 1234567 || sleep 60");
+    EXPECT_NE(check().reason.find("stopped after 1 second"), std::string::npos);
+    replaceGit("[ $1 = log ] && echo 1234567 || echo '1234568 refs/heads/b'");
+    EXPECT_TRUE(HSCPlazTask::run(hub, nullptr, [&] { return check().moved.value_or(false); }));
+    takeCalls();
+    takeIds();
+    HUTFileLock other(HSCPlazMgr::getInstance().getPathMgr()->getLockFile());
+    ASSERT_EQ(other.tryLock(), HUTFileLock::Result::held);
+    EXPECT_FALSE(check().moved);
+    EXPECT_EQ(takeIds(), Names{"17-2168"});
+    EXPECT_EQ(takeCalls(), "");
 }
 
 // Faults: a half-made clone counts as one, a branch that is missing ends the work, an update goes to the old place.

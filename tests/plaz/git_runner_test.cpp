@@ -78,6 +78,21 @@ TEST_F(GitRunner, NothingRunsWithoutProgramOrDirectory) {
     EXPECT_EQ(HSCPlazGit::getGitExePath(), "/drive/cygwin/kit/win64/git-2.45.0/cmd/git.exe");
 }
 
+// Fault: a current directory that is gone stops every command, or sends one elsewhere.
+TEST_F(GitRunner, RunsWithoutCurrentDirectory) {
+    replaceGit("pwd");
+    HUTFile::rmRecursive(temp.path("cwd"));
+    const std::string out = temp.path("out");
+    std::uint32_t status = 1;
+    EXPECT_EQ(HSCPlazGit::exec_git({"x"}, work, false, out), 0);
+    EXPECT_EQ(readFile(out), work + "\n");
+    EXPECT_EQ(HSCPlazGit::exec_git_win(HSCPlazGit::getGitExePath() + " x", work, out, status), 0);
+    EXPECT_EQ(readFile(out), work + "\n");
+    EXPECT_EQ(thrownBy([this] { HSCPlazGit::exec_git({"x"}, temp.path("missing"), false, ""); }), "17-1587");
+    EXPECT_EQ(takeIds(), Names{"17-1990"});
+    EXPECT_EQ(HUTSysCall::getCurrDir(), "");
+}
+
 // Fault: a hung git hangs the hub. The time-out is registered under another spelling of its name.
 TEST_F(GitRunner, HangingCommandIsKilled) {
     EXPECT_EQ(HSCPlazGit::getGitTimeOut(), 1000);

@@ -399,7 +399,7 @@ bool HSCPlazTaskMgr::hasUpdate(HSCPlazQStore* store, const std::string& proxy) {
     if (!store || !store->getModel() || !git) return false;
     // RATIONALE: the working copy stands where refreshing keeps it, not in the store's local root directory.
     return HSCPlazGit::hasUpdate(paths().getStoreIndexDir(*store->getModel()), store->getUrl(), proxy,
-                                 store->getModel()->getBranchOrMaster()) != 0;
+                                 store->getModel()->getBranch()) != 0;
 }
 
 bool HSCPlazTaskMgr::isRefreshed(HSCPlazQStore* store) {

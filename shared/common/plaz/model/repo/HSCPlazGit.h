@@ -114,8 +114,11 @@ public:
     /// @param cloneDir  holds ".git" and ".done"; takes "__git1.log" and "__git2.log", which are gone afterwards
     /// @param url       as a store of the hub has it (then that store's rules and credentials apply), or another
     /// @param proxy     recorded as the clone's http.proxy; empty leaves the one that is recorded
-    /// @param branch    empty means "master"
-    /// @return 1 when it has; 0 when it has not, when there is no complete clone, and when nothing could be found out
+    /// @param branch    empty means "master", or the only branch of a remote that has none
+    /// Holds the hub's lock meanwhile, for the files in the clone and its settings.
+    /// @return 1 when it has, also when the clone's last commit cannot be told; 0 when it has not, when there is no
+    /// complete clone, and when nothing could be found out
+    /// Sends Msg::hubBusy when the lock is not to be had in time.
     static int hasUpdate(const std::string& cloneDir, const std::string& url, const std::string& proxy,
                          const std::string& branch);
 
@@ -214,17 +217,18 @@ public:
     /// @throws HEXAll as exec_git, and Msg::dirNotWritable when the user part cannot be put there
     static int execWithValue(std::vector<std::string> args, const std::string& value, const std::string& dir,
                              bool internalCall);
-    /// Runs one complete command line (see HUTFork::splitCmdLine) in git's environment and waits for its end, without
-    /// a time limit; HUTFork::interruptAll ends it. User parts of web URLs reach git through its environment.
+    /// Runs one complete command line (see HUTFork::splitCmdLine) in git's environment and waits for its end;
+    /// HUTFork::interruptAll ends it. User parts of web URLs reach git through its environment.
     ///
     /// RATIONALE: the process writes into the file itself. The results for pipes that cannot be made (-1 for the first,
     /// -2 for the second) stay reserved for a system where pipes are needed.
     /// @param workDir   empty: the current directory
     /// @param outFile   takes standard output and standard error; replaced
-    /// @param exitCode  the exit status, when the result is 0
+    /// @param exitCode  the exit status, when the result is 0; HUTFork::timedOut when it was given up
+    /// @param seconds   time limit; 0: none
     /// @return 0 when the process ran, -4 when it could not be started
     static int exec_git_win(const std::string& cmdLine, const std::string& workDir, const std::string& outFile,
-                            std::uint32_t& exitCode);
+                            std::uint32_t& exitCode, int seconds = 0);
 
     /// Whether git's own words on the last failure have been sent as Msg::gitErrors.
     static bool hasToldFailure();

@@ -230,11 +230,12 @@ int HSCPlazGit::exec_git(const std::vector<std::string>& args, const std::string
 }
 
 int HSCPlazGit::exec_git_win(const std::string& cmdLine, const std::string& workDir, const std::string& outFile,
-                             std::uint32_t& exitCode) {
+                             std::uint32_t& exitCode, int seconds) {
     const std::vector<std::string> words = HUTFork::splitCmdLine(cmdLine);
     if (words.empty()) return notStarted;
     HUTFork process;
     prepare(process, words, workDir, outFile);
+    process.setTimeout(seconds);
     exitCode = static_cast<std::uint32_t>(process.launch(true, true, true, true));
     return process.wasStarted() ? 0 : notStarted;
 }

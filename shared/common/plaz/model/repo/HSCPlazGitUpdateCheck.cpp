@@ -1,9 +1,11 @@
 #include "plaz/HSCPlazMgr.h"
+#include "plaz/HSCPlazTask.h"
 #include "plaz/HSCPlazTrust.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/repo/HSCPlazGit.h"
 #include "plaz/model/repo/HSCPlazGitCredentials.h"
+#include "plaz/model/repo/HSCPlazGitHead.h"
 #include "plaz/model/repo/HSCPlazGitRemoved.h"
 #include "support/HIOStream.h"
 #include "support/HUTFork.h"
@@ -33,7 +35,9 @@ bool fitsCommandLine(const std::string& url) {
 std::uint32_t run(const std::string& arguments, const std::string& dir, const std::string& output) {
     std::uint32_t exitCode = 0;
     // RATIONALE: the program stands unquoted, as it always has; the runner finds its end.
-    if (HSCPlazGit::exec_git_win(HSCPlazGit::getGitExePath() + arguments, dir, output, exitCode) == 0) return exitCode;
+    if (HSCPlazGit::exec_git_win(HSCPlazGit::getGitExePath() + arguments, dir, output, exitCode,
+                                 HSCPlazGit::getGitTimeOut()) == 0)
+        return exitCode;
     HSCPlazGit::debugTrace("Error : exec_git_win");
     return HUTFork::notStarted;
 }
@@ -56,7 +60,7 @@ std::optional<bool> compare(const std::string& localLine, const std::string& hea
     return std::nullopt;
 }
 
-/// Nothing where neither the branch nor the one in its stead is there, or no local commit is.
+/// Nothing where neither the branch nor the one in its stead is there, or git's log is empty.
 std::optional<bool> isMoved(const std::string& log, const std::string& heads, const std::string& branch) {
     const std::string localLine = log.substr(0, log.find('\n'));
     HSCPlazGit::debugTrace("log = ", localLine);
@@ -69,22 +73,53 @@ std::optional<bool> isMoved(const std::string& log, const std::string& heads, co
     return moved;
 }
 
+/// What the two outputs say, and why that is not to be relied on, if it is not.
 HSCPlazGit::UpdateCheck askAndCompare(const std::string& cloneDir, const std::string& url, const std::string& branch,
                                       const std::string& logFile, const std::string& headsFile) {
-    run(" log --oneline -n 1", cloneDir, logFile);
+    const std::uint32_t logStatus = run(" log --oneline -n 1", cloneDir, logFile);
     const std::uint32_t status = run(
         url.find(' ') == std::string::npos ? " ls-remote " + url : " ls-remote \"" + url + "\"", cloneDir, headsFile);
     const std::string log = readText(logFile);
     const std::string heads = readText(headsFile);
     HSCPlazGit::UpdateCheck check{isMoved(log, heads, branch), {}};
     HSCPlazGit::debugTrace(url, " ", branch, check.moved.value_or(false) ? " has updates!" : " has no updates!");
-    if (check.moved) return check;
     if (status != 0)
         check.reason = HSCPlazGit::Answer{static_cast<int>(status), HSCPlazTrust::maskSecrets(heads)}.getReason();
-    else if (log.empty())
+    else if (logStatus != 0 || log.empty())
         check.reason = "the working copy \"" + cloneDir + "\" holds no commit";
-    else
+    else if (!check.moved)
         check.reason = "the remote has no branch \"" + branch + "\"";
+    return check;
+}
+
+/// Where none is named: the one that is followed.
+std::string branchToCheck(const std::string& cloneDir, const std::string& branch) {
+    if (!branch.empty()) return branch;
+    const std::string followed = HSCPlazGitHead::findBranch(cloneDir, "");
+    return followed.empty() ? mainBranch : followed;
+}
+
+HSCPlazGit::UpdateCheck lookAt(const std::string& cloneDir, const std::string& url, const std::string& proxy,
+                               const std::string& branch) {
+    const std::string logFile = cloneDir + "/__git1.log";
+    const std::string headsFile = cloneDir + "/__git2.log";
+    const std::string rebuilt = rebuildUrl(url);
+    if (!HSCPlazGit::isInstalled(cloneDir))
+        return {std::nullopt, "the working copy \"" + cloneDir + "\" is not complete"};
+    if (!fitsCommandLine(rebuilt)) return {std::nullopt, "its URL is not safe to give to git"};
+    HSCPlazGit::UpdateCheck check{std::nullopt, "another program is at work on the hub"};
+    try {
+        HSCPlazTask::withLock(nullptr, [&] {
+            HSCPlazGit::setProxy(cloneDir, proxy);
+            const HSCPlazGitRemoved logRemoved(logFile);
+            const HSCPlazGitRemoved headsRemoved(headsFile);
+            check = askAndCompare(cloneDir, rebuilt, branchToCheck(cloneDir, branch), logFile, headsFile);
+            return true;
+        });
+    } catch (const std::exception& failure) {
+        HSCPlazGit::debugTrace("Error while fetching log data from git repo ", rebuilt);
+        check.reason = failure.what();
+    }
     return check;
 }
 
@@ -92,25 +127,15 @@ HSCPlazGit::UpdateCheck askAndCompare(const std::string& cloneDir, const std::st
 
 HSCPlazGit::UpdateCheck HSCPlazGit::checkForUpdate(const std::string& cloneDir, const std::string& url,
                                                    const std::string& proxy, const std::string& branch) {
-    const std::string logFile = cloneDir + "/__git1.log";
-    const std::string headsFile = cloneDir + "/__git2.log";
-    const std::string rebuilt = rebuildUrl(url);
-    if (!isInstalled(cloneDir)) return {std::nullopt, "the working copy \"" + cloneDir + "\" is not complete"};
-    if (!fitsCommandLine(rebuilt)) return {std::nullopt, "its URL is not safe to give to git"};
-    setProxy(cloneDir, proxy);
-    const HSCPlazGitRemoved logRemoved(logFile);
-    const HSCPlazGitRemoved headsRemoved(headsFile);
-    try {
-        return askAndCompare(cloneDir, rebuilt, branch.empty() ? mainBranch : branch, logFile, headsFile);
-    } catch (const std::exception& failure) {
-        debugTrace("Error while fetching log data from git repo ", rebuilt);
-        return {std::nullopt, failure.what()};
-    }
+    UpdateCheck check = lookAt(cloneDir, url, proxy, branch);
+    if (!check.reason.empty()) check.moved.reset();
+    return check;
 }
 
 int HSCPlazGit::hasUpdate(const std::string& cloneDir, const std::string& url, const std::string& proxy,
                           const std::string& branch) {
-    return checkForUpdate(cloneDir, url, proxy, branch).moved.value_or(false) ? 1 : 0;
+    // RATIONALE: as it always has, it goes by the first line of git's log alone, even where that tells of a failure.
+    return lookAt(cloneDir, url, proxy, branch).moved.value_or(false) ? 1 : 0;
 }
 
 HSCPlazGit::Answer HSCPlazGit::askRemote(const std::string& url, const std::string& workDir) {
