@@ -3,8 +3,6 @@
 #include "plaz/HSCPlazLocalDBMgr.h"
 #include "plaz/HSCPlazMgr.h"
 #include "plaz/HSCPlazTrust.h"
-#include "plaz/model/HSCPlazCfgModel.h"
-#include "plaz/model/HSCPlazModel.h"
 #include "plaz/model/reader/HSCPlazConfigReader.h"
 #include "plaz/model/reader/HSCPlazQItemCatalogReader.h"
 #include "plaz/model/reader/HSCPlazQItemReader.h"

@@ -31,6 +31,7 @@ public:
             // A git that was killed says nothing of what it was asked.
             if (!m_status.isCanceled()) m_findings.insert(m_findings.end(), found.begin(), found.end());
         } catch (const std::exception& failure) {
+            if (m_status.isCanceled()) return;
             m_findings.push_back(doctor::problem(subject, HSCPlazTrust::maskSecrets(failure.what()),
                                                  "Mend what it names, and look again."));
         }
@@ -111,13 +112,12 @@ std::vector<Finding> Doctor::examine(const std::vector<HSCPlazQStore*>& stores) 
     if (!trial || !mayAskRemotes()) return round.take();
 
     round.makeOne("hub: remote", [&] {
-        return doctor::checkRemote("hub: remote", m_hub.getModel()->getRemoteRepository(), "master", trial->getDir());
+        return doctor::checkRemote("hub: remote", m_hub.getModel()->getRemoteRepository(), "", trial->getDir());
     });
     for (const HSCPlazQStore* store : stores) {
         const std::string subject = "store " + store->getName() + ": remote";
         round.makeOne(subject, [&] {
-            return doctor::checkRemote(subject, store->getUrl(), store->getModel()->getBranchOrMaster(),
-                                       trial->getDir());
+            return doctor::checkRemote(subject, store->getUrl(), store->getModel()->getBranch(), trial->getDir());
         });
     }
     return round.take();

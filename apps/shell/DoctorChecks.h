@@ -60,7 +60,7 @@ Finding checkCredentials(const HSCPlazQStoreModel& store);
 
 /// The proxies that git would use in a working copy, "http.proxy=..." each; empty when it connects directly.
 std::string getProxies(const std::string& dir);
-/// Asks a remote. @param branch  what is followed there
+/// Asks a remote. @param branch  what is followed there; empty: master, or the only branch that there is
 Finding checkRemote(const std::string& subject, const std::string& url, const std::string& branch,
                     const std::string& trial);
 

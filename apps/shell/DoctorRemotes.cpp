@@ -9,14 +9,34 @@
 
 #include <boost/filesystem/operations.hpp>
 
+#include <algorithm>
 #include <chrono>
+#include <cstring>
+#include <sstream>
 
 namespace fs = boost::filesystem;
 
 namespace {
 
-bool hasBranch(const std::string& heads, const std::string& branch) {
-    return (heads + "\n").find("\trefs/heads/" + branch + "\n") != std::string::npos;
+constexpr const char* mainBranch = "master";
+constexpr const char* branchRef = "refs/heads/";
+
+/// The branches that git lists, one a line, behind the commit of each.
+std::vector<std::string> readBranches(const std::string& heads) {
+    std::vector<std::string> branches;
+    std::istringstream lines(heads);
+    for (std::string line; std::getline(lines, line);) {
+        const std::size_t at = line.find(branchRef);
+        if (at != std::string::npos) branches.push_back(line.substr(at + std::strlen(branchRef)));
+    }
+    return branches;
+}
+
+/// The branch that a refresh would follow; empty for none.
+std::string chooseBranch(const std::vector<std::string>& branches, const std::string& named) {
+    for (const std::string& wanted : {named, std::string(mainBranch)})
+        if (std::count(branches.begin(), branches.end(), wanted) > 0) return wanted;
+    return named.empty() && branches.size() == 1 ? branches.front() : std::string();
 }
 
 } // namespace
@@ -46,18 +66,19 @@ Finding doctor::checkRemote(const std::string& subject, const std::string& url, 
     const auto spent =
         std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start).count();
     const std::string after = std::to_string(spent) + " ms";
+    const std::string followed = chooseBranch(readBranches(answer.text), branch);
     Finding finding;
     if (answer.status != 0)
         finding = problem(subject, shown + " does not answer (" + after + "): " + answer.getReason(),
                           "Check URL, network, proxy and credentials. What was refreshed last stays in force.");
-    else if (hasBranch(answer.text, branch))
-        finding = ok(subject, shown + " answers (" + after + ") and has the branch " + branch);
-    else if (hasBranch(answer.text, "master"))
-        finding = warning(subject, shown + " has no branch " + branch + "; its master is followed",
-                          "Tell the store's maintainer.");
-    else
-        finding = problem(subject, shown + " has neither a branch " + branch + " nor master",
+    else if (followed.empty())
+        finding = problem(subject, shown + " has no branch " + (branch.empty() ? "" : branch + " and no ") + mainBranch,
                           "Check the URL, or tell the store's maintainer.");
+    else if (branch.empty() || followed == branch)
+        finding = ok(subject, shown + " answers (" + after + ") and has the branch " + followed);
+    else
+        finding = warning(subject, shown + " has no branch " + branch + "; its " + followed + " is followed",
+                          "Tell the store's maintainer.");
     finding.milliseconds = static_cast<int>(spent);
     return finding;
 }

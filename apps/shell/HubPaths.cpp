@@ -10,6 +10,7 @@
 #include "plaz/model/repo/HSCPlazGit.h"
 #include "plaz/pref/HSCPlazUserPref.h"
 #include "support/HCCXPrefMgr.h"
+#include "support/HPAParamMgr.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
 
@@ -70,6 +71,8 @@ std::string chooserOfStoreArea(const HSCPlazQStore& store) {
     if (dir.empty()) return "user repository and store root (" + chooserOfUserRepository() + ")";
     if (!HSCPlazMgr::getInstance().getHubRepoInfoMgr()->getStoreDirectory(store.getName()).empty())
         return "chosen for the store (plaz_stores.json)";
+    if (!HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableBoardStoreDefaultLocation"))
+        return "user repository and store root (" + chooserOfUserRepository() + ")";
     return "default location of the store (parameter plaz.enableBoardStoreDefaultLocation)";
 }
 

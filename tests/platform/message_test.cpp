@@ -1,8 +1,6 @@
-#include "support/ComMsgMgr.h"
 #include "support/HostMsg.h"
+#include "support/MessagesTest.h"
 #include "support/TempDir.h"
-
-#include <gtest/gtest.h>
 
 namespace {
 
@@ -10,14 +8,7 @@ constexpr MsgId<1> itemInstalled{"@17-1573@%s"};
 constexpr MsgId<1> itemHeld{"@17-1568@%s"};
 constexpr MsgId<2> unknown{"@99-1@%s%s"};
 
-class MessageTest : public testing::Test {
-protected:
-    MessageTest() {
-        ComMsgMgr::setSink([this](const ComMsgMgr::Message& message) { sent.push_back(message); });
-    }
-    ~MessageTest() override { ComMsgMgr::setSink({}); }
-    std::vector<ComMsgMgr::Message> sent;
-};
+using MessageTest = MessagesTest;
 
 // Fault: a severity shown under another's label, or good news shown as a warning.
 TEST_F(MessageTest, LabelFollowsSeverityAndGoodNews) {
@@ -26,13 +17,13 @@ TEST_F(MessageTest, LabelFollowsSeverityAndGoodNews) {
     std::string labels;
     for (const MsgSeverity severity : severities) {
         ComMsgMgr::send(itemHeld, severity, "x");
-        labels += sent.back().label + ";";
+        labels += messages.back().label + ";";
     }
     EXPECT_EQ(labels, "ERROR;ERROR;CRITICAL WARNING;CRITICAL WARNING;WARNING;INFO;");
     ComMsgMgr::send(itemInstalled, MsgSeverity::warning, "x");
-    EXPECT_EQ(sent.back().label, "INFO");
+    EXPECT_EQ(messages.back().label, "INFO");
     ComMsgMgr::send(itemInstalled, MsgSeverity::error, "x");
-    EXPECT_EQ(sent.back().label, "ERROR");
+    EXPECT_EQ(messages.back().label, "ERROR");
 }
 
 // Fault: an argument that is itself taken for a text with placeholders, or that steers a terminal.
@@ -41,7 +32,7 @@ TEST_F(MessageTest, ArgumentsArePutInAsTheyAre) {
     EXPECT_EQ(message.getId(), "12-106");
     EXPECT_NE(message.getMessage().find("\"%s%d%%\": \x1b[2Jb."), std::string::npos) << message.getMessage();
     ComMsgMgr::send(message, MsgSeverity::error);
-    const std::string line = ComMsgMgr::format(sent.at(0));
+    const std::string line = ComMsgMgr::format(messages.at(0));
     EXPECT_EQ(line.rfind("ERROR: [12-106] ", 0), 0u) << line;
     EXPECT_EQ(line.find('\x1b'), std::string::npos);
     EXPECT_EQ(ComMsgMgrInstance("", 0, "common", unknown, "two", "words").getMessage(), "two words");
@@ -51,7 +42,7 @@ TEST_F(MessageTest, ArgumentsArePutInAsTheyAre) {
 TEST_F(MessageTest, SilenceAndExceptions) {
     ComMsgMgr::setVerbosity(-1);
     ComMsgMgr::send(itemHeld, MsgSeverity::error, "x");
-    EXPECT_TRUE(sent.empty());
+    EXPECT_TRUE(messages.empty());
     ComMsgMgr::setVerbosity(0);
     try {
         throw HEXAll(ComMsgMgrInstance("a.cpp", 7, "common", itemHeld, "Board"));
@@ -59,8 +50,8 @@ TEST_F(MessageTest, SilenceAndExceptions) {
         EXPECT_EQ(std::string(failure.what()).rfind("\"Board\" stays installed", 0), 0u) << failure.what();
         ComMsgMgr::send(failure);
     }
-    EXPECT_EQ(sent.at(0).args, std::vector<std::string>{"Board"});
-    EXPECT_EQ(sent[0].severity, MsgSeverity::error);
+    EXPECT_EQ(messages.at(0).args, std::vector<std::string>{"Board"});
+    EXPECT_EQ(messages[0].severity, MsgSeverity::error);
 }
 
 // Fault: a host message without a text, or a text with another number of placeholders than the message has arguments.

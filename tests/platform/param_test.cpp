@@ -40,8 +40,7 @@ TEST_F(ParamTest, ValuesFitTheirType) {
     EXPECT_TRUE(params.setValue("plaz.proxy", ""));
 }
 
-// Fault: names that differ only in case being two parameters, a fallback used for a parameter that exists, a second
-// registration that resets what the user has set, hidden parameters in listings or unreadable.
+// Fault: names told apart by case, a fallback for what exists, a second registration that resets, hidden ones listed.
 TEST_F(ParamTest, NamesMatchWithoutCaseAndTypesStayApart) {
     EXPECT_EQ(params.getValueIfExistAsInt("plaz.gitTimeOut", 100), 1000);
     EXPECT_EQ(params.getValueIfExistAsInt("plaz.absent", 100), 100);

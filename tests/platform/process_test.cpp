@@ -1,16 +1,14 @@
-#include "support/HUTFile.h"
 #include "support/HUTFileLock.h"
 #include "support/HUTFork.h"
 #include "support/TempDir.h"
 
 #include <gtest/gtest.h>
 
-#include <chrono>
 #include <csignal>
 #include <fcntl.h>
 #include <fstream>
+#include <functional>
 #include <memory>
-#include <sys/time.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -45,9 +43,13 @@ bool isRunning(const std::string& pid) {
     return stat >> name >> name >> state && state != "Z" && state != "X";
 }
 
+bool comesTrueSoon(const std::function<bool()>& condition) {
+    for (int i = 0; i < 500 && !condition(); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    return condition();
+}
+
 bool endsSoon(const std::string& pid) {
-    for (int i = 0; i < 500 && isRunning(pid); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
-    return !isRunning(pid);
+    return comesTrueSoon([&] { return !isRunning(pid); });
 }
 
 // Fault: a shell between us and the program; output streams that overwrite each other; a log that is not emptied.
@@ -59,10 +61,6 @@ TEST_F(ProcessTest, ArgumentsAndOutput) {
     EXPECT_EQ(output(), expected);
     EXPECT_EQ(launch(), 0);
     EXPECT_EQ(output(), expected) << "the second launch starts with an empty log";
-    HUTFork failing;
-    failing.setProg("sh", true);
-    for (const char* arg : {"-c", "exit 255"}) failing.addArg(arg);
-    EXPECT_EQ(failing.launch(true, true, true, true), 255);
     HUTFork shown;
     shown.setProg("/opt/my git/git", false);
     for (const char* arg : {"--opt=a/b", "", "it's", "$HOME", "a\nfatal: b"}) shown.addArg(arg);
@@ -125,24 +123,14 @@ TEST_F(ProcessTest, NotStarted) {
 // Fault: a time-out that waits for a grandchild holding the log, or that leaves it running.
 TEST_F(ProcessTest, TimeoutKillsTheWholeTree) {
     fork.setTimeout(1);
-    const auto begin = std::chrono::steady_clock::now();
     EXPECT_EQ(sh("trap '' TERM INT; sleep 300 & echo $!; wait; sleep 300"), HUTFork::timedOut);
-    EXPECT_LT(std::chrono::steady_clock::now() - begin, std::chrono::seconds(20));
     ASSERT_NE(firstLine(), "");
     EXPECT_TRUE(endsSoon(firstLine()));
     EXPECT_NE(output().find("\nfatal: /bin/sh was stopped after 1 seconds\n"), std::string::npos) << output();
 }
 
-// Fault: a child that ends in time held up by a grandchild that goes on.
-TEST_F(ProcessTest, GrandchildDoesNotHoldUpTheEnd) {
-    fork.setTimeout(100);
-    EXPECT_EQ(sh("sleep 300 & echo $!"), 0);
-    EXPECT_TRUE(isRunning(firstLine())) << "only a time-out or an interrupt kills";
-    kill(std::stoi(firstLine()), SIGKILL);
-}
-
-// Faults: what a killed program has started goes on unseen by the next one; a straggler of one that has ended in order
-// is waited for.
+// Faults: what a killed program has started goes on unseen; a child that has ended, or its lock, held up by a
+// straggler.
 TEST_F(ProcessTest, LockIsHeldUntilAKilledHoldersChildrenHaveEnded) {
     const std::string file = temp.path("lock");
     const pid_t holder = ::fork();
@@ -152,17 +140,17 @@ TEST_F(ProcessTest, LockIsHeldUntilAKilledHoldersChildrenHaveEnded) {
         sh("echo $$; sleep 300");
         _exit(0);
     }
-    for (int i = 0; i < 500 && firstLine().empty(); ++i) std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    ASSERT_TRUE(comesTrueSoon([this] { return !firstLine().empty(); }));
     kill(holder, SIGKILL);
     waitpid(holder, nullptr, 0);
     auto lock = std::make_unique<HUTFileLock>(file);
     EXPECT_EQ(lock->tryLock(), HUTFileLock::Result::busy);
-    ASSERT_NE(firstLine(), "");
     kill(-std::stoi(firstLine()), SIGKILL);
-    for (int i = 0; i < 500 && lock->tryLock() != HUTFileLock::Result::held; ++i)
-        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    EXPECT_TRUE(comesTrueSoon([&] { return lock->tryLock() == HUTFileLock::Result::held; }));
     EXPECT_EQ(HUTFileLock(file).tryLock(), HUTFileLock::Result::busy) << "ours now";
-    EXPECT_EQ(sh("sleep 300 & echo $!"), 0);
+    fork.setTimeout(100);
+    EXPECT_EQ(sh("sleep 300 & echo $!; exit 255"), 255);
+    EXPECT_TRUE(isRunning(firstLine())) << "only a time-out or an interrupt kills";
     lock.reset();
     EXPECT_EQ(HUTFileLock(file).tryLock(), HUTFileLock::Result::held);
     kill(std::stoi(firstLine()), SIGKILL);
@@ -171,8 +159,7 @@ TEST_F(ProcessTest, LockIsHeldUntilAKilledHoldersChildrenHaveEnded) {
 // Fault: an interrupt from a signal handler that misses the child, or that the next launch does not respect.
 TEST_F(ProcessTest, Interrupt) {
     const auto oldHandler = std::signal(SIGALRM, [](int) { HUTFork::interruptAll(); });
-    itimerval timer{{0, 0}, {0, 300000}};
-    setitimer(ITIMER_REAL, &timer, nullptr);
+    alarm(1);
     EXPECT_EQ(sh("sleep 300 & echo $!; wait"), HUTFork::interrupted);
     std::signal(SIGALRM, oldHandler);
     EXPECT_TRUE(endsSoon(firstLine()) && HUTFork::isInterrupted());
@@ -181,7 +168,7 @@ TEST_F(ProcessTest, Interrupt) {
     next.setProg("touch", true);
     next.addArg(temp.path("ran"));
     EXPECT_EQ(next.launch(true, true, true, true), HUTFork::interrupted);
-    EXPECT_FALSE(HUTFile::exists(temp.path("ran")));
+    EXPECT_EQ(access(temp.path("ran").c_str(), F_OK), -1);
     HUTFork::clearInterrupt();
     EXPECT_EQ(next.launch(true, true, true, true), 0);
 }

@@ -4,33 +4,14 @@
 
 #include <sstream>
 
-namespace {
-
-HSCPlazQItemModel* addItem(HSCPlazQStoreModel& store, const char* name, const char* revision, const char* latest) {
-    HSCPlazQItemModel* item = store.addItem(std::make_unique<HSCPlazQItemModel>());
-    item->setName(name);
-    item->setRevision(revision);
-    item->setLatestRevision(latest);
-    return item;
-}
-
-HSCPlazQStore* addStore(HSCPlaz& hub, HSCPlazQStoreModel& model) {
-    auto* store = new HSCPlazQStore(&hub);
-    store->assignModel(&model);
-    hub.addStore(store);
-    return store;
-}
-
-} // namespace
-
 // A look-up by name that takes the first entry instead of the latest, and an index that survives a rename or a reload.
 TEST(StoreTest, FindsItemsByNameAndRevision) {
     HSCPlazQStoreModel model;
     addItem(model, "x", "1.0", "2.0");
     addItem(model, "stale", "1.0", "3.0");
     addItem(model, "x", "2.0", "2.0");
-    HSCPlaz hub;
-    HSCPlazQStore& store = *addStore(hub, model);
+    HSCPlazQStore store;
+    store.assignModel(&model);
     EXPECT_EQ(store.getItem("x"), store.getItems()[2]);
     EXPECT_EQ(store.getItem("x", "1.0"), store.getItems()[0]);
     EXPECT_EQ(store.getItem("x", "3.0"), nullptr);
@@ -119,18 +100,17 @@ TEST(ItemTest, HistoryComesFromTheInstalledFilesThenFromTheClone) {
     HSCPlazQStoreModel storeModel;
     storeModel.setIsMultiRevisionSupported(true);
     storeModel.setLocalRootDir(temp.path("clone"));
-    HSCPlazQItemModel* model = addItem(storeModel, "x", "1.0", "1.0");
-    model->setRoot("boards/x");
+    HSCPlazQItemModel& model = addItem(storeModel, "x", "1.0", "1.0");
     HSCPlazQStore store;
     store.assignModel(&storeModel);
     HSCPlazQItem& item = *store.getItems()[0];
     EXPECT_EQ(item.getHistory(), "Revision history is not available");
-    temp.write("clone/.plaz/.catalog/boards/x/changelog.txt", "hidden");
+    temp.write("clone/.plaz/.catalog/items/x/changelog.txt", "hidden");
     EXPECT_EQ(item.getHistory(), "hidden");
-    temp.write("clone/boards/x/1.0/changelog.txt", "from the clone");
+    temp.write("clone/items/x/1.0/changelog.txt", "from the clone");
     EXPECT_EQ(item.getHistory(), "from the clone");
-    model->setIsInstalled(true);
-    model->setLocalDir(temp.path("installed"));
+    model.setIsInstalled(true);
+    model.setLocalDir(temp.path("installed"));
     EXPECT_EQ(item.getHistory(), "from the clone");
     temp.write("installed/changelog.txt", "installed");
     EXPECT_EQ(item.getHistory(), "installed");

@@ -1,6 +1,5 @@
 #include "plaz/reader_fixture.h"
 
-#include "plaz/model/HSCPlazModel.h"
 #include "plaz/model/reader/HSCPlazCategoryTree.h"
 #include "plaz/model/reader/HSCPlazQItemCatalogReader.h"
 

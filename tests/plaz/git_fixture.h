@@ -1,26 +1,12 @@
 #pragma once
 
 #include "plaz/HSCPlazConfigMgr.h"
-#include "plaz/HSCPlazMgr.h"
-#include "plaz/HSCPlazParams.h"
-#include "plaz/model/HSCPlaz.h"
-#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/hub_fixture.h"
 #include "plaz/model/repo/HSCPlazGit.h"
-#include "support/ComMsgMgr.h"
-#include "support/GitRepo.h"
-#include "support/HPAParamMgr.h"
-#include "support/HUTFile.h"
 #include "support/HUTSysCall.h"
-#include "support/TempDir.h"
 
-#include <boost/filesystem.hpp>
-#include <gtest/gtest.h>
-
-using Names = std::vector<std::string>;
-
-/// Home, application data and working directory below one temporary directory; messages collected; a store with an
-/// area of its own.
-class GitTest : public testing::Test {
+/// Home, application data and working directory below one temporary directory; a store with an area of its own.
+class GitTest : public MessagesTest {
 protected:
     GitTest() {
         plaz_startup();
@@ -29,7 +15,6 @@ protected:
         env.set("HOME", temp.makeDir("home"));
         env.set("GDA_APPDATA_DIR", temp.makeDir("appdata"));
         HUTSysCall::changeDir(temp.makeDir("cwd"));
-        ComMsgMgr::setSink([this](const ComMsgMgr::Message& message) { messages.push_back(message); });
         model.setName("store");
         model.setRoot("store");
         model.setLocalRootDir(temp.makeDir("area"));
@@ -38,18 +23,8 @@ protected:
         store->assignModel(&model);
         hub.addStore(store);
     }
-    ~GitTest() override {
-        ComMsgMgr::setSink({});
-        HUTSysCall::changeDir("/");
-    }
+    ~GitTest() override { HUTSysCall::changeDir("/"); }
 
-    /// The ids of the messages sent since the last call.
-    Names takeIds() {
-        Names ids;
-        for (const auto& message : messages) ids.push_back(message.id);
-        messages.clear();
-        return ids;
-    }
     void writeScript(const std::string& file, const std::string& body) const {
         boost::filesystem::permissions(temp.write(file, "#!/bin/sh\n" + body + "\n"), boost::filesystem::owner_all);
     }
@@ -75,8 +50,7 @@ protected:
         HUTFile::rmRecursive(temp.path("root"));
     }
     static std::string repository(const std::string& url, const std::string& user, const std::string& token) {
-        return "{\"url\": \"" + url + "\", \"authentication\": {\"user_id\": \"" + user + "\", \"user_token\": \"" +
-               token + "\"}}";
+        return filled(R"({"url": "%", "authentication": {"user_id": "%", "user_token": "%"}})", {url, user, token});
     }
     /// @return the id of the message that @p action throws
     template <typename Action> static std::string thrownBy(Action action) {
@@ -93,7 +67,6 @@ protected:
     HSCPlazGit git;
     HSCPlazQStoreModel model;
     HSCPlaz hub;
-    std::vector<ComMsgMgr::Message> messages;
     const std::string staging = temp.path("area/.staging");
     const std::string index = temp.path("area/.plaz/.index");
 };

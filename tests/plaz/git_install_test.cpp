@@ -57,8 +57,8 @@ TEST_F(GitInstall, CompleteWorkingCopyIsFetchedOnlyForAMissingCommit) {
     EXPECT_EQ(takeIds(), Names{}) << "nobody is told of an attempt that was made good";
 }
 
-// Faults: git's noise for a commit that is nowhere, or a long search for damage; damage that nothing mends; an item
-// that cannot be had because of either takes what is installed with it.
+// Faults: noise or a long search for a commit that is nowhere; damage that nothing mends; either costs what is
+// installed.
 TEST_F(GitInstall, LostCommitIsToldAndDamageIsMended) {
     ASSERT_TRUE(install(first));
     remote.git({"reset", "--hard", first});

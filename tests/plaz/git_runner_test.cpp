@@ -1,10 +1,6 @@
 #include "git_fixture.h"
 
 #include "plaz/model/repo/HSCPlazGitLog.h"
-#include "support/HUTFork.h"
-
-#include <chrono>
-#include <thread>
 
 namespace {
 
@@ -91,30 +87,6 @@ TEST_F(GitRunner, RunsWithoutCurrentDirectory) {
     EXPECT_EQ(thrownBy([this] { HSCPlazGit::exec_git({"x"}, temp.path("missing"), false, ""); }), "17-1587");
     EXPECT_EQ(takeIds(), Names{"17-1990"});
     EXPECT_EQ(HUTSysCall::getCurrDir(), "");
-}
-
-// Fault: a hung git hangs the hub. The time-out is registered under another spelling of its name.
-TEST_F(GitRunner, HangingCommandIsKilled) {
-    EXPECT_EQ(HSCPlazGit::getGitTimeOut(), 1000);
-    setParam("plaz.gitTimeout", "1");
-    replaceGit("sleep 60 & wait");
-    const auto start = std::chrono::steady_clock::now();
-    EXPECT_EQ(run("fetch"), "17-1587");
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(30));
-}
-
-// Fault: a cancelled command is run again, or reported as if it had failed.
-TEST_F(GitRunner, CancelledCommandIsNeitherRetriedNorReported) {
-    replaceGit("echo 'fatal: cancelled'; echo x > " + temp.path("started") + "; sleep 60");
-    std::thread user([this] {
-        while (!HUTFile::exists(temp.path("started"))) std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        HUTFork::interruptAll();
-    });
-    EXPECT_EQ(run("fetch"), "17-1587");
-    user.join();
-    HUTFork::clearInterrupt();
-    EXPECT_EQ(takeIds(), Names{});
-    EXPECT_EQ(takeCalls(), "fetch\n");
 }
 
 // Fault: traces without being asked for, none when asked for, or one that shows a token.

@@ -7,6 +7,7 @@
 #include <functional>
 #include <random>
 #include <set>
+#include <sstream>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -15,6 +16,24 @@ namespace {
 /// Real repositories, the one manager of the process.
 class ItemTasksTest : public HubOnDiskTest {
 protected:
+    /// Ships the store "tcl" with items of revision 1: "a b<a" is a, and b that needs it.
+    StoreOnDisk& ship(const std::string& items, bool multiRevision = false) {
+        StoreOnDisk& store = files.addStore("tcl", "ced", multiRevision);
+        std::istringstream words(items);
+        for (std::string word, name, need; words >> word;) {
+            std::istringstream parts(word);
+            std::vector<StoreOnDisk::Needs> needs;
+            std::getline(parts, name, '<');
+            while (std::getline(parts, need, ',')) needs.push_back({"tcl", need, ""});
+            store.item(name, "1", needs);
+        }
+        files.ship();
+        return store;
+    }
+    void reload() const {
+        files.ship();
+        HSCPlazMgr::getInstance().loadStoreCatalog(&hub(), hub().getStore("tcl"), false);
+    }
     static HSCPlazQItem& find(const std::string& name) {
         for (HSCPlazQStore* store : hub().getStores())
             if (HSCPlazQItem* item = store->getItem(name)) return *item;
@@ -24,24 +43,46 @@ protected:
         return HSCPlazTaskMgr::install(&hub(), &find(name), false, nullptr);
     }
     static bool uninstall(const std::string& name) { return HSCPlazTaskMgr::uninstall(&hub(), &find(name), false); }
-    /// "user 2", "tool 1" or "-".
-    static std::string stateOf(const HSCPlazQItem& item) {
-        if (!item.IsInstalled()) return "-";
-        return item.getInstallationMode() + " " + std::to_string(item.getReferenceCount());
+    template <typename Item> static std::string describe(const Item& item) {
+        return item.getName() + "@" + item.getRevision() + " " + item.getInstallationMode() + " " +
+               std::to_string(item.getReferenceCount()) + ";";
     }
-    static std::string state(const std::string& name) { return stateOf(find(name)); }
     /// What a restarted process would know: item, revision, mode and count of each record.
-    std::string recorded(const std::string& folder) const {
-        HSCPlazModel model;
-        HSCPlazLocalDBMgr().init(files.area(folder + "/.plaz/plaz_local_db.json"), &model);
+    static std::string recorded() {
         std::string text;
-        for (const auto& store : model.getStores())
-            for (const auto& item : store->getItems())
-                text += item->getName() + "@" + item->getRevision() + " " + item->getInstallationMode() + " " +
-                        std::to_string(item->getReferenceCount()) + ";";
+        for (const HSCPlazQStore* store : hub().getStores()) {
+            HSCPlazModel model;
+            HSCPlazLocalDBMgr().init(store->getLocalDbFilePath(), &model);
+            for (const auto& record : model.getStores())
+                for (const auto& item : record->getItems()) text += describe(*item);
+        }
         return text;
     }
-    bool hasFiles(const std::string& below) const { return HUTFile::exists(files.area(below) + "/body.txt"); }
+    /// A task ("+x" installs, "-x" uninstalls), "!" where it fails and the ids that it tells, what is installed then.
+    struct Step {
+        const char *task, *told, *installed;
+    };
+    void walk(const std::vector<Step>& steps) {
+        for (const auto& [task, told, expected] : steps) {
+            SCOPED_TRACE(task);
+            takeIds();
+            std::string outcome = (*task == '+' ? install(task + 1) : uninstall(task + 1)) ? "" : "!", installed;
+            for (const std::string& id : takeIds()) outcome += " " + id;
+            EXPECT_EQ(outcome, told);
+            for (HSCPlazQStore* store : hub().getStores())
+                for (const HSCPlazQItem* item : store->getItems()) {
+                    if (!item->IsInstalled()) continue;
+                    installed += describe(*item);
+                    EXPECT_TRUE(HUTFile::exists(item->getLocalRootDir() + "/body.txt")) << item->getName();
+                }
+            EXPECT_EQ(installed, expected);
+            EXPECT_EQ(recorded(), expected);
+        }
+    }
+    std::string body(const std::string& item) const {
+        return readFile(files.area("ced_store/items/" + item) + "/body.txt");
+    }
+    void lose(const std::string& item) const { HUTFile::rmRecursive(files.area("ced_store/items/" + item)); }
 };
 
 } // namespace
@@ -53,186 +94,105 @@ TEST_F(ItemTasksTest, DiamondAcrossStoresIsCountedAndReleased) {
         .item("other", "1", {{"tcl", "a", ""}});
     files.addStore("tcl", "ced", false).item("a", "1").item("b", "1", {{"tcl", "a", "1"}});
     files.ship();
-    ASSERT_TRUE(install("top"));
-    EXPECT_EQ(takeIds(), (Ids{"17-1570", "17-1573", "17-1554", "17-1554"}));
-    EXPECT_EQ(state("top") + "," + state("a") + "," + state("b"), "user 0,tool 2,tool 1");
-    EXPECT_TRUE(hasFiles("board_store/items/top/1") && hasFiles("ced_store/items/a") && hasFiles("ced_store/items/b"));
-    EXPECT_EQ(recorded("ced_store"), "a@1 tool 2;b@1 tool 1;");
+    walk({{"+top", " 17-1570 17-1573 17-1554 17-1554", "top@1 user 0;a@1 tool 2;b@1 tool 1;"}});
     EXPECT_EQ(find("top").getLocalRootDir(), files.area("board_store/items/top/1"));
     EXPECT_FALSE(HUTFile::exists(files.area("ced_store/.staging")));
-
-    ASSERT_TRUE(install("other"));
-    EXPECT_EQ(state("a"), "tool 3");
-    takeIds();
-    EXPECT_FALSE(uninstall("a"));
-    EXPECT_EQ(takeIds(), Ids{"17-1568"});
-    ASSERT_TRUE(uninstall("top"));
-    EXPECT_EQ(takeIds(), (Ids{"17-1553", "17-1574"}));
-    EXPECT_EQ(state("top") + "," + state("a") + "," + state("b"), "-,tool 1,-");
-    EXPECT_TRUE(hasFiles("ced_store/items/a"));
-    EXPECT_FALSE(hasFiles("ced_store/items/b"));
+    walk({{"+other", " 17-1570 17-1573", "top@1 user 0;other@1 user 0;a@1 tool 3;b@1 tool 1;"},
+          {"-a", "! 17-1568", "top@1 user 0;other@1 user 0;a@1 tool 3;b@1 tool 1;"},
+          {"-top", " 17-1553 17-1574", "other@1 user 0;a@1 tool 1;"}});
+    EXPECT_FALSE(HUTFile::exists(files.area("ced_store/items/b/body.txt")));
     EXPECT_EQ(HUTFile::createFileIter(files.area("board_store/items/top/1")), Ids{"item.json"});
-    ASSERT_TRUE(uninstall("other"));
-    EXPECT_EQ(recorded("ced_store") + recorded("board_store"), "");
+    walk({{"-other", " 17-1553 17-1574", ""}});
 }
 
 TEST_F(ItemTasksTest, DependencyBecomesTheUsersAndGoesBack) {
-    files.addStore("tcl", "ced", false).item("a", "1").item("b", "1", {{"tcl", "a", ""}});
-    files.ship();
-    ASSERT_TRUE(install("b"));
-    takeIds();
-    ASSERT_TRUE(install("a"));
-    EXPECT_EQ(takeIds(), Ids{"17-1572"});
-    EXPECT_EQ(state("a"), "user 1");
-    ASSERT_TRUE(uninstall("a"));
-    EXPECT_EQ(state("a"), "tool 1");
-    EXPECT_TRUE(hasFiles("ced_store/items/a"));
-    ASSERT_TRUE(install("a"));
-    ASSERT_TRUE(uninstall("b"));
-    EXPECT_EQ(state("a"), "user 0");
-    ASSERT_TRUE(uninstall("a"));
-    EXPECT_EQ(state("a"), "-");
-    takeIds();
-    EXPECT_FALSE(uninstall("a"));
-    EXPECT_EQ(takeIds(), Ids{"17-2165"});
+    ship("a b<a");
+    walk({{"+b", " 17-1570 17-1573 17-1554", "a@1 tool 1;b@1 user 0;"},
+          {"+a", " 17-1572", "a@1 user 1;b@1 user 0;"},
+          {"-a", "", "a@1 tool 1;b@1 user 0;"},
+          {"+a", " 17-1572", "a@1 user 1;b@1 user 0;"},
+          {"-b", " 17-1574", "a@1 user 0;"},
+          {"-a", " 17-1574", ""},
+          {"-a", "! 17-2165", ""}});
 }
 
-// A direct dependency that fails is a failure; one deep in the tree is told and no more. Nothing is rolled back, and
-// releasing what was never installed must not unsettle the counts.
+// A direct dependency that fails is a failure, one deep in the tree is told; releasing what never came unsettles
+// counts.
 TEST_F(ItemTasksTest, FailuresOfDependencies) {
-    files.addStore("tcl", "ced", false)
-        .item("leaf", "1")
-        .item("mid", "1", {{"tcl", "nowhere", ""}, {"tcl", "leaf", ""}})
-        .item("deep", "1", {{"tcl", "mid", ""}})
-        .item("bad", "1", {{"tcl", "leaf", ""}})
-        .item("direct", "1", {{"tcl", "leaf", ""}, {"tcl", "bad", ""}});
-    files.ship();
+    ship("leaf mid<nowhere,leaf deep<mid bad<leaf direct<leaf,bad");
     find("bad").getModel()->setCommitId("");
-    ASSERT_TRUE(install("deep"));
-    EXPECT_EQ(takeIds(), (Ids{"17-1570", "17-1573", "17-1554", "17-2167", "17-1554"}));
-    EXPECT_FALSE(install("direct"));
-    EXPECT_EQ(takeIds(), (Ids{"17-1570", "17-1573", "17-1579", "17-1560", "17-1567"}));
-    EXPECT_EQ(state("direct") + "," + state("bad") + "," + state("leaf"), "user 0,-,tool 2");
-    ASSERT_TRUE(uninstall("direct"));
-    EXPECT_EQ(state("leaf"), "tool 1");
+    walk({{"+deep", " 17-1570 17-1573 17-1554 17-2167 17-1554", "leaf@1 tool 1;mid@1 tool 1;deep@1 user 0;"},
+          {"+direct", "! 17-1570 17-1573 17-1579 17-1560 17-1567",
+           "leaf@1 tool 2;mid@1 tool 1;deep@1 user 0;direct@1 user 0;"},
+          {"-direct", " 17-1574", "leaf@1 tool 1;mid@1 tool 1;deep@1 user 0;"}});
 }
 
 // An item that was fetched although its files are there, or taken as present because something lies in its place.
 TEST_F(ItemTasksTest, FilesInPlaceAreAdoptedOnlyWhenTheyAreTheItem) {
-    StoreOnDisk& store = files.addStore("tcl", "ced", false).item("a", "1").item("b", "1");
-    files.ship();
-    const std::string area = "appdata/2024.2/plaz/ced_store/items/";
-    files.temp.write(area + "a/item.json", readFile(store.getRepo().getDir() + "/items/a/item.json"));
-    files.temp.write(area + "a/own.txt", "kept");
-    files.temp.write(area + "b/item.json", readFile(store.getRepo().getDir() + "/items/a/item.json"));
-    files.temp.write(area + "b/own.txt", "not b");
+    const std::string metadata = readFile(ship("a b").getRepo().getDir() + "/items/a/item.json");
+    for (const std::string item : {"a", "b"}) {
+        files.temp.write("appdata/2024.2/plaz/ced_store/items/" + item + "/item.json", metadata);
+        files.temp.write("appdata/2024.2/plaz/ced_store/items/" + item + "/own.txt", "kept");
+    }
     ASSERT_TRUE(install("a"));
     EXPECT_EQ(takeIds(), Ids{"17-1573"});
     EXPECT_EQ(find("a").getSource(), HSCPlazTypes::LOCAL);
     EXPECT_EQ(readFile(files.area("ced_store/items/a/own.txt")), "kept");
     ASSERT_TRUE(install("b"));
-    EXPECT_TRUE(hasFiles("ced_store/items/b"));
+    EXPECT_EQ(body("b"), "b 1\n");
     EXPECT_FALSE(HUTFile::exists(files.area("ced_store/items/b/own.txt")));
 }
 
 // In a store of single revisions the new revision takes the files of the old one; holders and counts must pass on.
 TEST_F(ItemTasksTest, ReplacedRevisionHandsOverItsHolders) {
-    StoreOnDisk& store = files.addStore("tcl", "ced", false);
-    store.item("old", "1").item("new", "1").item("x", "1", {{"tcl", "old", ""}}).item("y", "1", {{"tcl", "x", ""}});
-    files.ship();
-    ASSERT_TRUE(install("x") && install("y"));
-    EXPECT_EQ(state("x") + "," + state("old"), "user 1,tool 2");
+    StoreOnDisk& store = ship("old new x<old y<x");
+    walk({{"+x", " 17-1570 17-1573 17-1554", "old@1 tool 1;x@1 user 0;"},
+          {"+y", " 17-1570 17-1573", "old@1 tool 2;x@1 user 1;y@1 user 0;"}});
     store.item("x", "2", {{"tcl", "new", ""}});
-    files.ship();
-    HSCPlazQStore& tcl = *hub().getStore("tcl");
-    HSCPlazMgr::getInstance().loadStoreCatalog(&hub(), &tcl, false);
-    HSCPlazQItem* replaced = tcl.getItem("x", "1");
-    ASSERT_NE(replaced, nullptr);
-    EXPECT_EQ(stateOf(*replaced) + "," + state("x"), "user 1,-");
-    ASSERT_TRUE(install("x"));
-    EXPECT_EQ(stateOf(*replaced) + "," + state("x") + "," + state("new") + "," + state("old"), "-,user 1,tool 2,-");
-    EXPECT_EQ(readFile(files.area("ced_store/items/x/body.txt")), "x 2\n");
-    EXPECT_EQ(recorded("ced_store"), "new@1 tool 2;x@2 user 1;y@1 user 0;");
-    ASSERT_TRUE(uninstall("y"));
-    ASSERT_TRUE(uninstall("x"));
-    EXPECT_EQ(recorded("ced_store"), "");
+    reload();
+    walk({{"+x", " 17-1570 17-1573 17-1554 17-1553", "new@1 tool 2;x@2 user 1;y@1 user 0;"}});
+    EXPECT_EQ(body("x"), "x 2\n");
+    walk({{"-y", " 17-1574", "new@1 tool 1;x@2 user 0;"}, {"-x", " 17-1553 17-1574", ""}});
 }
 
-// A dependency that stays for ever because the catalog has moved on since it was installed.
-TEST_F(ItemTasksTest, ReleasesTheRevisionThatWasInstalledNotTheLatest) {
-    StoreOnDisk& store = files.addStore("boards", "board", true);
-    store.item("x", "1").item("y", "1", {{"boards", "x", ""}});
-    files.ship();
-    ASSERT_TRUE(install("y"));
+// Revisions in each other's way; a dependency that stays for ever because the catalog has moved on meanwhile.
+TEST_F(ItemTasksTest, RevisionsStandSideBySideAndTheInstalledOneIsReleased) {
+    StoreOnDisk& store = ship("x y<x", true);
+    walk({{"+y", " 17-1570 17-1573 17-1554", "x@1 tool 1;y@1 user 0;"}});
     store.item("x", "2");
-    files.ship();
-    HSCPlazMgr::getInstance().loadStoreCatalog(&hub(), hub().getStore("boards"), false);
-    EXPECT_EQ(state("x"), "-");
-    ASSERT_TRUE(uninstall("y"));
-    EXPECT_EQ(recorded("board_store"), "");
-}
-
-TEST_F(ItemTasksTest, RevisionsOfAMultiRevisionStoreStandSideBySide) {
-    files.addStore("boards", "board", true).item("x", "1.0").item("x", "2.0");
-    files.ship();
-    ASSERT_TRUE(install("x"));
-    ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), hub().getStore("boards")->getItem("x", "1.0"), true, nullptr));
-    EXPECT_EQ(readFile(files.area("board_store/items/x/1.0/body.txt")), "x 1.0\n");
-    EXPECT_EQ(readFile(files.area("board_store/items/x/2.0/body.txt")), "x 2.0\n");
-    ASSERT_TRUE(uninstall("x"));
-    EXPECT_TRUE(hasFiles("board_store/items/x/1.0"));
+    reload();
+    walk({{"+x", " 17-1570 17-1573", "x@2 user 0;x@1 tool 1;y@1 user 0;"}});
+    EXPECT_EQ(body("x/1") + body("x/2"), "x 1\nx 2\n");
+    walk({{"-x", " 17-1574", "x@1 tool 1;y@1 user 0;"}, {"-y", " 17-1553 17-1574", ""}});
 }
 
 // What a killed or failed task has left missing must come with the next one, and counts must be right afterwards.
 TEST_F(ItemTasksTest, InstallingAgainBringsWhatIsMissing) {
-    files.addStore("tcl", "ced", false)
-        .item("leaf", "1")
-        .item("mid", "1", {{"tcl", "leaf", ""}})
-        .item("top", "1", {{"tcl", "mid", ""}, {"tcl", "leaf", ""}});
-    files.ship();
-    const std::string commit = find("leaf").getCommitId();
+    ship("leaf mid<leaf top<mid,leaf");
+    const std::string commit = find("leaf").getCommitId(), whole = "leaf@1 tool 2;mid@1 tool 1;top@1 user 0;";
     find("leaf").getModel()->setCommitId("");
-    EXPECT_FALSE(install("top"));
-    EXPECT_EQ(state("top") + "," + state("mid") + "," + state("leaf"), "user 0,tool 1,-");
+    walk({{"+top", "! 17-1570 17-1573 17-1554 17-1579 17-1560 17-1579 17-1560 17-1567", "mid@1 tool 1;top@1 user 0;"}});
     find("leaf").getModel()->setCommitId(commit);
-    EXPECT_TRUE(install("top"));
-    EXPECT_EQ(state("mid") + "," + state("leaf"), "tool 1,tool 2");
-    HUTFile::rmRecursive(files.area("ced_store/items/leaf"));
-    HUTFile::rmRecursive(files.area("ced_store/items/top"));
-    EXPECT_TRUE(install("top"));
-    EXPECT_TRUE(hasFiles("ced_store/items/leaf") && hasFiles("ced_store/items/top"));
-    EXPECT_EQ(state("top") + "," + state("mid") + "," + state("leaf"), "user 0,tool 1,tool 2");
-    EXPECT_TRUE(uninstall("top"));
-    EXPECT_EQ(recorded("ced_store"), "");
-}
-
-// Files of a dependency that were lost and fetched again for the user, who then does without it.
-TEST_F(ItemTasksTest, RepairedDependencyStaysHeld) {
-    files.addStore("tcl", "ced", false).item("leaf", "1").item("top", "1", {{"tcl", "leaf", ""}});
-    files.ship();
-    ASSERT_TRUE(install("top"));
-    HUTFile::rmRecursive(files.area("ced_store/items/leaf"));
-    ASSERT_TRUE(install("leaf"));
-    EXPECT_EQ(state("leaf"), "user 1");
-    ASSERT_TRUE(uninstall("leaf"));
-    EXPECT_TRUE(hasFiles("ced_store/items/leaf"));
+    walk({{"+top", " 17-1572 17-1554", whole.c_str()}});
+    for (const char* item : {"leaf", "top"}) lose(item);
+    walk({{"+top", " 17-1570 17-1573 17-1554", whole.c_str()}});
+    lose("leaf"); // fetched again for the user, who then does without it
+    walk({{"+leaf", " 17-1570 17-1573", "leaf@1 user 2;mid@1 tool 1;top@1 user 0;"},
+          {"-leaf", "", whole.c_str()},
+          {"-top", " 17-1553 17-1553 17-1574", ""}});
 }
 
 // A circle that never ends, or that makes an item hold itself.
 TEST_F(ItemTasksTest, RevisionAskedForIsNotTheOneThatACircleMeans) {
-    files.addStore("boards", "board", true)
-        .item("c", "1", {{"boards", "d", ""}})
-        .item("c", "2")
-        .item("d", "1", {{"boards", "c", ""}});
-    files.ship();
-    ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), hub().getStore("boards")->getItem("c", "1"), false, nullptr));
-    EXPECT_EQ(state("c"), "tool 1");
+    ship("c<d d<c", true).item("c", "2");
+    reload();
+    ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), hub().getStore("tcl")->getItem("c", "1"), false, nullptr));
+    EXPECT_EQ(describe(find("c")), "c@2 tool 1;");
 }
 
 // A task that reports success although nobody will know of it, or that leaves rubbish of a killed one.
 TEST_F(ItemTasksTest, UnrecordedWorkIsAFailureAndLeftoversGo) {
-    files.addStore("tcl", "ced", false).item("a", "1");
-    files.ship();
+    ship("a");
     const std::string area = "appdata/2024.2/plaz/ced_store/";
     for (const char* leftover : {".staging/x", ".plaz/.incoming/x", ".plaz/.outgoing/0/x"})
         files.temp.write(area + leftover, "");
@@ -244,46 +204,31 @@ TEST_F(ItemTasksTest, UnrecordedWorkIsAFailureAndLeftoversGo) {
     EXPECT_FALSE(HUTFile::exists(files.area("ced_store/.staging")));
 }
 
-// A working copy that a failing disk has damaged must not fail for ever.
-TEST_F(ItemTasksTest, DamagedWorkingCopyIsMadeAfresh) {
-    files.addStore("tcl", "ced", false).item("a", "1").item("b", "1");
-    files.ship();
-    ASSERT_TRUE(install("a"));
-    const std::string packs = files.area("ced_store/.plaz/.index/.git/objects/pack");
-    for (const std::string& name : HUTFile::createFileIter(packs))
-        if (name.find(".pack") != std::string::npos) HUTFile::writeAtomically(packs + "/" + name, "");
-    takeIds();
-    EXPECT_TRUE(install("b"));
-    EXPECT_EQ(takeIds(), (Ids{"17-1570", "17-1573"}));
-}
-
 // The last of two processes to save taking away what the other one installed.
 TEST_F(ItemTasksTest, TakesOverWhatAnotherProcessInstalled) {
-    files.addStore("tcl", "ced", false).item("a", "1").item("b", "1");
-    files.ship();
+    ship("a b");
     hub();
     if (const pid_t other = fork(); other == 0)
         _exit(install("a") ? 0 : 1);
     else
         ASSERT_EQ(waitpid(other, nullptr, 0), other);
-    EXPECT_EQ(state("a"), "-");
-    ASSERT_TRUE(install("b"));
-    EXPECT_EQ(recorded("ced_store"), "a@1 user 0;b@1 user 0;");
+    EXPECT_FALSE(find("a").IsInstalled());
+    walk({{"+b", " 17-1570 17-1573", "a@1 user 0;b@1 user 0;"}});
 }
 
 // Counts that drift apart over a long life: a needed item gone, or one that nobody needs there for ever.
 TEST_F(ItemTasksTest, LongLifeKeepsWhatIsNeededAndNothingElse) {
     std::mt19937 random(20241124);
     const auto pick = [&](std::size_t below) { return static_cast<std::size_t>(random() % below); };
-    StoreOnDisk& store = files.addStore("tcl", "ced", false);
     constexpr std::size_t count = 7;
     const auto nameOf = [](std::size_t number) { return "i" + std::to_string(number); };
-    for (std::size_t number = 0; number < count; ++number) {
-        std::vector<StoreOnDisk::Needs> needs; // circles included
-        for (std::size_t edge = pick(3); edge > 0; --edge) needs.push_back({"tcl", nameOf(pick(count)), ""});
-        store.item(nameOf(number), "1", needs);
+    std::string items;
+    for (std::size_t number = 0; number < count; ++number) { // circles included
+        items += " " + nameOf(number);
+        for (std::size_t edge = 0, edges = pick(3); edge < edges; ++edge)
+            items += (edge == 0 ? "<" : ",") + nameOf(pick(count));
     }
-    files.ship();
+    ship(items);
     const std::function<void(const HSCPlazQItem&, std::set<std::string>&)> reach = [&](const auto& item, auto& needed) {
         if (!needed.insert(item.getName()).second) return;
         for (const HSCPlazQItemDependency* next : item.getItemDependencies()) reach(find(next->getItem()), needed);
@@ -291,27 +236,21 @@ TEST_F(ItemTasksTest, LongLifeKeepsWhatIsNeededAndNothingElse) {
     std::set<std::string> wanted;
     for (int round = 0; round < 60 || !wanted.empty(); ++round) {
         const std::string name = round < 60 ? nameOf(pick(count)) : *wanted.begin();
-        if (wanted.count(name) == 0) {
-            ASSERT_TRUE(install(name));
-            wanted.insert(name);
-        } else {
-            ASSERT_TRUE(uninstall(name));
-            wanted.erase(name);
-        }
-        if (round % 7 == 3)
-            HUTFile::rmRecursive(files.area("ced_store/items/" + nameOf(pick(count)))); // lost, repaired
+        const bool isNew = wanted.insert(name).second;
+        ASSERT_TRUE(isNew ? install(name) : uninstall(name));
+        if (!isNew) wanted.erase(name);
+        if (round % 7 == 3) lose(nameOf(pick(count))); // repaired by the next one who needs it
         std::set<std::string> needed;
         for (const std::string& want : wanted) reach(find(want), needed);
         for (std::size_t number = 0; number < count; ++number)
             ASSERT_EQ(find(nameOf(number)).IsInstalled(), needed.count(nameOf(number)) != 0) << nameOf(number);
     }
-    EXPECT_EQ(recorded("ced_store"), "");
+    EXPECT_EQ(recorded(), "");
 }
 
 // Whatever the database says, nothing outside the item's own directory is removed.
 TEST_F(ItemTasksTest, RemovalStaysInTheStoresArea) {
-    files.addStore("tcl", "ced", false).item("a", "1").item("b", "1");
-    files.ship();
+    ship("a b");
     ASSERT_TRUE(install("a") && install("b"));
     files.temp.write("precious/item.json", "{}");
     files.temp.write("precious/file", "keep");
@@ -323,23 +262,18 @@ TEST_F(ItemTasksTest, RemovalStaysInTheStoresArea) {
         EXPECT_EQ(takeIds(), Ids{"17-2163"}) << dir;
     }
     EXPECT_EQ(readFile(files.temp.path("precious/file")), "keep");
-    EXPECT_TRUE(hasFiles("ced_store/items/b"));
-    EXPECT_EQ(state("a"), "user 0");
+    EXPECT_EQ(body("b"), "b 1\n");
+    EXPECT_EQ(recorded(), "a@1 user 0;b@1 user 0;");
 }
 
 TEST_F(ItemTasksTest, ItemsInsideOneAnotherAreRefused) {
-    files.addStore("tcl", "ced", false).item("a", "1").item("a/inner", "1");
-    files.ship();
-    ASSERT_TRUE(install("a/inner"));
-    takeIds();
-    EXPECT_FALSE(install("a"));
-    EXPECT_EQ(takeIds(), (Ids{"17-1570", "17-2160", "17-1567"}));
-    EXPECT_TRUE(hasFiles("ced_store/items/a/inner"));
+    ship("a a/inner");
+    walk({{"+a/inner", " 17-1570 17-1573", "a/inner@1 user 0;"},
+          {"+a", "! 17-1570 17-2160 17-1567", "a/inner@1 user 0;"}});
 }
 
 TEST_F(ItemTasksTest, CancelledWorkIsSilentAndQuietWorkTellsErrorsOnly) {
-    files.addStore("tcl", "ced", false).item("a", "1").item("b", "1", {{"tcl", "a", ""}}).item("c", "1");
-    files.ship();
+    ship("a b<a c");
     HDGUIStatus status;
     status.cancel();
     EXPECT_FALSE(HSCPlazTaskMgr::install(&hub(), &find("b"), false, &status));
@@ -357,8 +291,7 @@ TEST_F(ItemTasksTest, CancelledWorkIsSilentAndQuietWorkTellsErrorsOnly) {
 
 // Shipped content always counts as installed.
 TEST_F(ItemTasksTest, ShippedContentStaysInstalled) {
-    files.addStore("tcl", "ced", false).item("a", "1");
-    files.ship();
+    ship("a");
     files.env.set("GDA_DATA_DIR", files.temp.path("data"));
     ASSERT_TRUE(install("a"));
     files.temp.write("data/plaz/tcl/items/a/item.json", "{}");

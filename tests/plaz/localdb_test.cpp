@@ -1,17 +1,10 @@
 #include "plaz/reader_fixture.h"
 
 #include "plaz/HSCPlazLocalDBMgr.h"
-#include "plaz/HSCPlazMgr.h"
-#include "plaz/model/HSCPlaz.h"
-#include "plaz/model/HSCPlazModel.h"
-#include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/reader/HSCPlazJsonReadWriteUtils.h"
 #include "plaz/model/reader/HSCPlazLocalDBReader.h"
 #include "plaz/model/reader/HSCPlazLocalDBWriter.h"
 #include "support/HCRapidJsonReadWriteUtils.h"
-#include "support/HUTFile.h"
-
-#include <boost/filesystem/operations.hpp>
 
 #include <sstream>
 
@@ -38,32 +31,21 @@ protected:
     }
     ~LocalDbTest() override { manager.setMajorVersion("1"); }
 
-    HSCPlazQItemModel& addItem(const std::string& name, const std::string& revision, const std::string& latest,
-                               const std::string& commit) {
-        HSCPlazQItemModel& item = *store.addItem(std::make_unique<HSCPlazQItemModel>());
-        item.setName(name);
-        item.setRoot("items/" + name);
-        item.setMetadataFile("item.json");
-        item.setRevision(revision);
-        item.setLatestRevision(latest);
-        item.setCommitId(commit);
-        return item;
-    }
     /// Merges a database of the records "name revision commit directory".
     Merge merge(const Strings& records) {
         std::string items;
         for (const std::string& record : records) {
             std::string name, revision, commit, dir;
             std::istringstream(record) >> name >> revision >> commit >> dir;
-            items += (items.empty() ? "" : ",") + std::string(R"({"name": ")") + name + R"(", "revision": ")" +
-                     revision + R"(", "commit_id": ")" + commit + R"(", "local_directory": ")" + dir +
-                     R"(", "installation_mode": "user", "reference_count": 3, "company": "acme"})";
+            items += filled(R"(%{"name": "%", "revision": "%", "commit_id": "%", "local_directory": "%",
+                "installation_mode": "user", "reference_count": 3, "company": "acme"})",
+                            {items.empty() ? "" : ",", name, revision, commit, dir});
         }
-        const std::string file =
-            temp.write("db.json", R"({"plaz": {"product": "Solvan", "release": "2024.2", "qstores": [
-            {"name": "other", "items": [{"name": "x"}]}, {"name": "s", "items": [)" +
-                                      items + "]}]}}");
-        return manager.merge(file, store);
+        return manager.merge(
+            temp.write("db.json", filled(R"({"plaz": {"product": "Solvan", "release": "2024.2", "qstores":
+            [{"name": "other", "items": [{"name": "x"}]}, {"name": "s", "items": [%]}]}})",
+                                         {items})),
+            store);
     }
     /// "name@revision commit root directory" of each installed item, then "latest" and "refresh" where they are set.
     Strings installed() const {
@@ -85,8 +67,7 @@ protected:
     const std::string area = temp.makeDir("area");
 };
 
-// The order or form of the file changed, an item that is not installed recorded, a field lost on the way, or a text
-// that is no UTF-8 making the whole database unreadable.
+// Order or form changed, a field lost, what is not installed recorded, all made unreadable by a text that is no UTF-8.
 TEST_F(LocalDbTest, writesAndReadsTheSame) {
     HSCPlazModel read;
     HSCPlazLocalDBMgr().init(temp.write("golden.json", golden), &read);
@@ -162,11 +143,11 @@ TEST_F(LocalDbTest, savesToTheRightFile) {
 
 // An installed item forgotten, doubled, taken for the newest, or given a place that is not its own.
 TEST_F(LocalDbTest, mergesIntoTheCatalog) {
-    addItem("led", "2", "2", "c2");
-    addItem("led", "1", "2", "c1");
-    addItem("moved", "5", "5", "new");
-    addItem("gone", "3", "3", "c3").setDisplayName("Gone");
-    addItem("absent", "1", "1", "c");
+    addItem(store, "led", "2", "2", "c2");
+    addItem(store, "led", "1", "2", "c1");
+    addItem(store, "moved", "5", "5", "new");
+    addItem(store, "gone", "3", "3", "c3").setDisplayName("Gone");
+    addItem(store, "absent", "1", "1", "c");
     boost::filesystem::create_directory_symlink(temp.makeDir("elsewhere"), area + "/link");
     EXPECT_EQ(Merge::merged,
               merge({"led 2 c2 " + area + "/items/led", "led 1 c1 " + area + "/old/led", "moved 5 old /etc",

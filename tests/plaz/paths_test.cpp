@@ -1,6 +1,5 @@
 #include "hub_fixture.h"
 
-#include "plaz/HSCPlazParams.h"
 #include "plaz/HSCPlazTrust.h"
 #include "plaz/HSCPlazUtils.h"
 #include "plaz/pref/HSCPlazUserPref.h"
@@ -61,11 +60,8 @@ TEST_F(PathsTest, UserAreaFollowsVariableThenPreferenceThenAppData) {
     EXPECT_TRUE(fs::is_directory(files.temp.path("area/sub")) && fs::is_directory(files.temp.path("area/r/.staging")));
 }
 
-// Two stores without a directory of their own sharing one working copy.
+// Two stores without a directory of their own sharing one working copy, or a name that leads out.
 TEST_F(PathsTest, WorkingCopyStandsBesideTheStagingDirectory) {
-    EXPECT_EQ(paths.getStoreStagingDir(model), appData("plaz/boardroot/.staging"));
-    EXPECT_EQ(paths.getStoreIndexDir(model), appData("plaz/boardroot/.plaz/.index"));
-    EXPECT_FALSE(fs::exists(appData("plaz")));
     model.setRoot("");
     model.setName("../../escaped");
     EXPECT_EQ(paths.getStoreStagingDir(model).find(appData("plaz/store_")), 0U);
@@ -154,7 +150,7 @@ TEST_F(PathsTest, LocalUserDataIsYesByItsFirstLetter) {
 TEST_F(PathsTest, ChosenDirectoriesAreCheckedAndCreated) {
     EXPECT_TRUE(HSCPlazUtils::validateAndCreateDir("", false));
     EXPECT_TRUE(HSCPlazUtils::validateAndCreateDir(files.temp.path("new/dir"), true));
-    EXPECT_TRUE(ids.empty());
+    EXPECT_EQ(takeIds(), Ids{});
     EXPECT_TRUE(HSCPlazUtils::validateAndCreateDir(files.temp.path("new/other"), false));
     files.temp.write("file", "");
     EXPECT_FALSE(HSCPlazUtils::validateAndCreateDir(files.temp.path("file/below"), false));
@@ -167,7 +163,7 @@ TEST_F(PathsTest, ChosenDirectoriesAreCheckedAndCreated) {
     other->assignModel(&otherModel);
     for (HSCPlazQStore* each : {own, other}) hub.addStore(each);
     EXPECT_FALSE(HSCPlazUtils::setQStoreLocalDir(own, files.temp.path("new/./dir")));
-    EXPECT_EQ(ids, (Ids{"17-1670", "17-1581", "17-1668"}));
+    EXPECT_EQ(takeIds(), (Ids{"17-1670", "17-1581", "17-1668"}));
     EXPECT_TRUE(HSCPlazUtils::setQStoreLocalDir(own, files.temp.path("new/x/../other")));
     EXPECT_EQ(own->getLocalRootDir(), files.temp.path("new/other"));
 }

@@ -1,36 +1,23 @@
 #pragma once
 
-#include "plaz/HSCPlazParams.h"
-#include "support/ComMsgMgr.h"
-#include "support/HPAParamMgr.h"
-#include "support/TempDir.h"
+#include "plaz/hub_fixture.h"
 
 #include <gmock/gmock.h>
-
-#include <string>
-#include <vector>
 
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using Strings = std::vector<std::string>;
+using Strings = Names;
 
-/// Files in a directory of the test's own, the running product fixed, and every message caught.
-class ReaderTest : public ::testing::Test {
+/// Files in a directory of the test's own, the running product fixed.
+class ReaderTest : public HubOnDiskTest {
 protected:
     ReaderTest() {
         plaz_startup();
-        env.set("HOME", temp.makeDir("home"));
-        env.set("GDA_APPDATA_DIR", temp.path("appdata"));
         env.set("ZENTOR_PLAZ_USERAREA_ROOT_DIR", temp.path("user"));
-        env.set("GDA_PRODUCT_NAME", "Solvan");
-        env.set("GDA_PRODUCT_VERSION", "2024.2.0");
-        for (const char* name : {"ZENTOR_PLAZ_USER_REPO_PATH", "ZENTOR_PLAZ_LOCAL_ROOT_DIR", "GDA_REGRESS_MODE"})
-            env.unset(name);
-        m_oldSink = ComMsgMgr::setSink([this](const ComMsgMgr::Message& message) { messages.push_back(message); });
+        env.unset("ZENTOR_PLAZ_LOCAL_ROOT_DIR");
     }
     ~ReaderTest() override {
-        ComMsgMgr::setSink(m_oldSink);
         for (const char* name : {"plaz.enableSchemaValidation", "plaz.enableJsonFileValidation"})
             HPAParamMgr::getParamMgr().resetValue(name);
     }
@@ -50,10 +37,6 @@ protected:
         return taken;
     }
 
-    TempDir temp;
-    EnvGuard env;
-    std::vector<ComMsgMgr::Message> messages;
-
-private:
-    ComMsgMgr::Sink m_oldSink;
+    TempDir& temp = files.temp;
+    EnvGuard& env = files.env;
 };

@@ -1,14 +1,12 @@
 #include "plaz/reader_fixture.h"
 
-#include "plaz/model/HSCPlazModel.h"
 #include "plaz/model/reader/HSCPlazJsonReadWriteUtils.h"
 #include "plaz/model/reader/HSCPlazReader.h"
 
 using testing::StartsWith;
 using Utils = HSCPlazJsonReadWriteUtils;
 
-// A shipped schema that is damaged, refuses what the hub reads, or lets through what breaks it; shipped data that the
-// hub itself would complain about.
+// A shipped schema that is damaged, refuses what the hub reads or lets through what breaks it; shipped data not valid.
 TEST_F(ReaderTest, shippedSchemas) {
     const std::string databaseSchema = Utils::getLocalDBJsonSchemaFile();
     const auto hub = Utils::getPlazJsonSchemaFile;
@@ -57,8 +55,7 @@ TEST_F(ReaderTest, shippedSchemas) {
     EXPECT_THAT(takeMessages(), IsEmpty());
 }
 
-// Validation that stops the reading, runs although it is off, or reports a missing or damaged schema for each file
-// anew.
+// Validation that stops the reading, runs although it is off, or reports a missing or damaged schema each time.
 TEST_F(ReaderTest, validationReportsAndGoesOn) {
     const std::string bad = temp.write("bad.json", R"({"plaz": {"qstores": [{"name": "a", "display_name": 1}]}})");
     HSCPlazModel hub;

@@ -14,31 +14,16 @@ protected:
         files.ship();
     }
     void writeDatabase(const std::string& release, const std::string& items) const {
-        files.temp.write(boardsDb, R"({"plaz": {"product": "Solvan", "release": ")" + release +
-                                       R"(", "qstores": [{"name": "boards", "items": [)" + items +
-                                       R"(]}], "_major": "1", "_minor": "1"}})");
+        files.temp.write(boardsDb, filled(R"({"plaz": {"product": "Solvan", "release": "%", "qstores": [{"name":
+            "boards", "items": [%]}], "_major": "1", "_minor": "1"}})",
+                                          {release, items}));
     }
     static std::string record(const std::string& name, const std::string& revision) {
-        return R"({"name": ")" + name + R"(", "revision": ")" + revision + R"(", "commit_id": "c1"})";
+        return filled(R"({"name": "%", "revision": "%", "commit_id": "c1"})", {name, revision});
     }
 };
 
 } // namespace
-
-// A failed start-up tried again at each call, with a message each time.
-TEST_F(StartUpTest, MissingHubMetadataIsToldOnceAndLeavesAnEmptyHub) {
-    EXPECT_TRUE(hub().getStores().empty());
-    EXPECT_TRUE(hub().isGlobalMode());
-    EXPECT_EQ(ids, Ids{"17-1569"});
-}
-
-// A switch without effect, or its message at each call.
-TEST_F(StartUpTest, DataAccessCanBeSwitchedOff) {
-    ship();
-    HPAParamMgr::getParamMgr().setValue("plaz.enableDataAccess", "false");
-    EXPECT_EQ(hub().getStores().size() + hub().getStores().size(), 0U);
-    EXPECT_EQ(ids, Ids{"17-1557"});
-}
 
 // Stores, revisions and item metadata lost on the way from the files to the objects; stores in the wrong place.
 TEST_F(StartUpTest, LoadsWhatIsShippedAndPlacesTheStores) {
@@ -46,8 +31,8 @@ TEST_F(StartUpTest, LoadsWhatIsShippedAndPlacesTheStores) {
     files.addStore("tcl", "ced", false).item("util", "1").item("util", "2");
     files.addStore("more", "other", false).item("extra", "1");
     files.ship();
-    ASSERT_EQ(hub().getStores().size(), 3U) << "of " << ids.size() << " messages";
-    EXPECT_TRUE(ids.empty()) << ids.front();
+    ASSERT_EQ(hub().getStores().size(), 3U);
+    EXPECT_EQ(takeIds(), Ids{});
     HSCPlazQStore& boards = *hub().getStore("boards");
     const HSCPlazQItem& latest = *boards.getItem("aurora");
     EXPECT_EQ(latest.getRevision() + latest.getDisplayName(), "2.0The aurora");
@@ -59,6 +44,11 @@ TEST_F(StartUpTest, LoadsWhatIsShippedAndPlacesTheStores) {
     EXPECT_EQ(hub().getStore("more")->getLocalRootDir(), files.area("ced_store_more"));
     EXPECT_EQ(boards.getLocalDbFilePath(), files.temp.path(boardsDb));
     EXPECT_EQ(boards.getBranch(), "master");
+    HSCPlazMgr::getInstance().setCurrentStore(&boards);
+    HSCPlazMgr::getInstance().setCurrentStore(nullptr);
+    EXPECT_EQ(HSCPlazMgr::getInstance().getCurrentStore(), &boards);
+    hub().removeStore(&boards);
+    EXPECT_EQ(HSCPlazMgr::getInstance().getCurrentStore(), nullptr);
 }
 
 // A switch without effect on where a store lives.
@@ -91,7 +81,7 @@ TEST_F(StartUpTest, LeavesTheDatabaseOfAnotherReleaseAlone) {
     writeDatabase("2023.1", record("aurora", "1.0"));
     const std::string before = readFile(files.temp.path(boardsDb));
     HSCPlazQStore& boards = *hub().getStore("boards");
-    EXPECT_EQ(ids, Ids{"17-2162"});
+    EXPECT_EQ(takeIds(), Ids{"17-2162"});
     EXPECT_FALSE(boards.getItem("aurora")->IsInstalled());
     EXPECT_EQ(boards.getLocalRootDir(), files.area("board_store_Solvan_2024.2"));
     HSCPlazMgr::getInstance().getLocalDBMgr()->save(hub(), &boards, "");
@@ -101,11 +91,11 @@ TEST_F(StartUpTest, LeavesTheDatabaseOfAnotherReleaseAlone) {
 // Metadata read through a link that leads out of what is shipped.
 TEST_F(StartUpTest, StoreFilesAreNotReadThroughLinks) {
     ship();
-    const std::string catalog = files.temp.path("data/plaz/storesdata/boards/catalog.json");
-    boost::filesystem::rename(catalog, files.temp.path("outside.json"));
-    boost::filesystem::create_symlink(files.temp.path("outside.json"), catalog);
+    const std::string dir = files.temp.path("data/plaz/storesdata/boards");
+    boost::filesystem::rename(dir + "/catalog.json", files.temp.path("outside.json"));
+    boost::filesystem::create_symlink("../../../../outside.json", dir + "/catalog.json");
     EXPECT_TRUE(hub().getStore("boards")->getItems().empty());
-    EXPECT_EQ(ids, Ids{"17-2161"});
+    EXPECT_EQ(takeIds(), Ids{"17-2161"});
 }
 
 // Directories that the user chose lost with the next one, or with a file that is damaged.
@@ -139,16 +129,4 @@ TEST_F(StartUpTest, ReloadReadsTheAreaFirstAndShippedFilesWhenShared) {
     ASSERT_EQ(reload(false), 2U);
     EXPECT_EQ(boards.getItem("nova")->getDisplayName(), "hidden");
     EXPECT_EQ(reload(true), 1U);
-}
-
-// A current store that is gone.
-TEST_F(StartUpTest, CurrentStoreGoesWithItsStore) {
-    ship();
-    HSCPlazMgr& manager = HSCPlazMgr::getInstance();
-    HSCPlazQStore* store = hub().getStore("boards");
-    manager.setCurrentStore(store);
-    manager.setCurrentStore(nullptr);
-    EXPECT_EQ(manager.getCurrentStore(), store);
-    hub().removeStore(store);
-    EXPECT_EQ(manager.getCurrentStore(), nullptr);
 }

@@ -1,25 +1,18 @@
 #include "support/HubOnDisk.h"
 
-#include "support/HUTFile.h"
-
 #include <algorithm>
 
 namespace {
 
-std::string quoted(const std::string& text) {
-    return "\"" + text + "\"";
-}
-
 std::string metadataOf(const std::string& name, const std::string& revision,
                        const std::vector<StoreOnDisk::Needs>& needs) {
-    std::string dependencies;
-    for (const StoreOnDisk::Needs& need : needs)
-        dependencies += (dependencies.empty() ? "" : ", ") + std::string("{\"store\": ") + quoted(need.store) +
-                        ", \"item\": " + quoted(need.item) + ", \"revision\": " + quoted(need.revision) + "}";
-    return "{\"_major\": 1, \"_minor\": 0, \"config\": {\"_major\": \"1\", \"_minor\": \"0\", \"items\": [{\"infra\": {"
-           "\"name\": " +
-           quoted(name) + ", \"display\": " + quoted("The " + name) + ", \"revision\": " + quoted(revision) +
-           ", \"is_active\": true, \"dependencies\": [" + dependencies + "]}}]}}\n";
+    std::string list;
+    for (const auto& [store, item, needed] : needs)
+        list +=
+            filled(R"(%{"store": "%", "item": "%", "revision": "%"})", {list.empty() ? "" : ",", store, item, needed});
+    return filled(R"({"_major": 1, "_minor": 0, "config": {"_major": "1", "_minor": "0", "items": [{"infra":
+        {"name": "%", "display": "The %", "revision": "%", "is_active": true, "dependencies": [%]}}]}})",
+                  {name, name, revision, list});
 }
 
 } // namespace
@@ -28,60 +21,50 @@ StoreOnDisk::StoreOnDisk(const TempDir& dir, std::string name, std::string type,
     : m_name(std::move(name)), m_type(std::move(type)), m_multiRevision(multiRevision),
       m_repo(dir.path("repos/" + m_name), "master") {}
 
-StoreOnDisk::Item& StoreOnDisk::find(const std::string& name) {
-    for (Item& item : m_items)
-        if (item.name == name) return item;
-    return m_items.emplace_back(Item{name, {}});
-}
-
 StoreOnDisk& StoreOnDisk::item(const std::string& name, const std::string& revision, const std::vector<Needs>& needs) {
     const std::string metadata = metadataOf(name, revision, needs);
     m_repo.write("items/" + name + "/item.json", metadata);
     m_repo.write("items/" + name + "/body.txt", name + " " + revision + "\n");
-    find(name).revisions.push_back({revision, m_repo.commit(), metadata});
+    auto item = std::find_if(m_items.begin(), m_items.end(), [&](const Item& known) { return known.first == name; });
+    if (item == m_items.end()) item = m_items.insert(item, {name, {}});
+    item->second.push_back({revision, m_repo.commit(), metadata});
     return *this;
 }
 
 void StoreOnDisk::withdraw(const std::string& name) {
-    m_items.erase(std::remove_if(m_items.begin(), m_items.end(), [&](const Item& item) { return item.name == name; }),
+    m_items.erase(std::remove_if(m_items.begin(), m_items.end(), [&](const Item& item) { return item.first == name; }),
                   m_items.end());
 }
 
 void StoreOnDisk::ship(const std::string& storesData) const {
     const std::string root = storesData + "/" + m_name;
-    const auto write = [&](const std::string& file, const std::string& text) {
-        HUTFile::mkDirRecursive(file.substr(0, file.rfind('/')));
-        HUTFile::writeAtomically(file, text);
-    };
     std::string items;
-    for (const Item& item : m_items) {
+    for (const auto& [name, entries] : m_items) {
         std::string revisions;
-        for (const Revision& entry : item.revisions) {
-            revisions += (revisions.empty() ? "" : ", ") + std::string("{\"revision\": ") + quoted(entry.revision) +
-                         ", \"commit_id\": " + quoted(entry.commit) + ", \"history\": \"\"}";
-            write(root + "/items/" + item.name + (m_multiRevision ? "/" + entry.revision : "") + "/item.json",
-                  entry.metadata);
+        for (const auto& [revision, commit, metadata] : entries) {
+            revisions += filled(R"(%{"revision": "%", "commit_id": "%", "history": ""})",
+                                {revisions.empty() ? "" : ",", revision, commit});
+            writeFile(root + "/items/" + name + (m_multiRevision ? "/" + revision : "") + "/item.json", metadata);
         }
-        items += (items.empty() ? "" : ",\n") + std::string("{\"name\": ") + quoted(item.name) +
-                 ", \"root\": " + quoted("items/" + item.name) +
-                 ", \"latest_revision\": " + quoted(item.revisions.back().revision) +
-                 ", \"commit_id\": " + quoted(item.revisions.back().commit) +
-                 ", \"config\": {\"root\": " + quoted("items/" + item.name) +
-                 ", \"metadata_file\": \"item.json\"}, \"revisions\": [" + revisions + "]}";
+        const std::string place = "items/" + name;
+        items += filled(
+            R"(%{"name": "%", "root": "%", "latest_revision": "%", "commit_id": "%",
+            "config": {"root": "%", "metadata_file": "item.json"}, "revisions": [%]})",
+            {items.empty() ? "" : ",", name, place, entries.back().revision, entries.back().commit, place, revisions});
     }
-    write(root + "/catalog.json", "{\"_major\": 1, \"_minor\": 0, \"catalog\": {\"multi_revision_supported\": " +
-                                      std::string(m_multiRevision ? "true" : "false") + ", \"items\": [" + items +
-                                      "]}}");
-    write(root + "/store.json",
-          "{\"_major\": 1, \"_minor\": 0, \"catalog\": {\"supported_products\": [{\"product_name\": \"Solvan\", "
-          "\"supported_releases\": [{\"version\": \"default\", \"qitem_catalogue_file\": \"catalog.json\", "
-          "\"remote_repo_branch_to_sync\": \"master\", \"catalog_revision\": \"1\"}]}]}}");
+    writeFile(root + "/catalog.json",
+              filled(R"({"_major": 1, "_minor": 0, "catalog": {"multi_revision_supported": %, "items": [%]}})",
+                     {m_multiRevision ? "true" : "false", items}));
+    writeFile(root + "/store.json",
+              R"({"_major": 1, "_minor": 0, "catalog": {"supported_products": [{"product_name": "Solvan",
+        "supported_releases": [{"version": "default", "qitem_catalogue_file": "catalog.json",
+        "remote_repo_branch_to_sync": "master", "catalog_revision": "1"}]}]}})");
 }
 
 std::string StoreOnDisk::entry() const {
-    return "{\"name\": " + quoted(m_name) + ", \"display_name\": " + quoted("Store " + m_name) +
-           ", \"url\": " + quoted("file://" + m_repo.getDir()) + ", \"config\": {\"root\": " + quoted(m_name) +
-           ", \"metadata_file\": \"store.json\", \"store_type\": " + quoted(m_type) + "}}";
+    return filled(R"({"name": "%", "display_name": "Store %", "url": "file://%",
+        "config": {"root": "%", "metadata_file": "store.json", "store_type": "%"}})",
+                  {m_name, m_name, m_repo.getDir(), m_name, m_type});
 }
 
 HubOnDisk::HubOnDisk() {
@@ -95,7 +78,7 @@ HubOnDisk::HubOnDisk() {
           "ZENTOR_PLAZ_LOCAL_USER_DATA", "ZENTOR_PLAZ_REMOTE_REPO_PATH", "GDA_REGRESS_MODE"})
         env.unset(name);
     temp.write("data/plaz/plaz_config.json",
-               "{\"plaz\": {\"remote_repository\": {\"url\": \"https://hub.example.org/hub.git\"}}}");
+               R"({"plaz": {"remote_repository": {"url": "https://hub.example.org/hub.git"}}})");
 }
 
 StoreOnDisk& HubOnDisk::addStore(const std::string& name, const std::string& type, bool multiRevision) {
@@ -109,5 +92,5 @@ void HubOnDisk::ship() const {
         store->ship(temp.path("data/plaz/storesdata"));
         entries += (entries.empty() ? "" : ", ") + store->entry();
     }
-    temp.write("data/plaz/plaz.json", "{\"_major\": 1, \"_minor\": 0, \"plaz\": {\"qstores\": [" + entries + "]}}");
+    temp.write("data/plaz/plaz.json", filled(R"({"_major": 1, "_minor": 0, "plaz": {"qstores": [%]}})", {entries}));
 }

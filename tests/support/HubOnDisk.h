@@ -4,8 +4,6 @@
 #include "support/TempDir.h"
 
 #include <memory>
-#include <string>
-#include <vector>
 
 /// A store with a real repository and what the hub ships of it.
 class StoreOnDisk {
@@ -36,11 +34,7 @@ private:
         std::string commit;
         std::string metadata;
     };
-    struct Item {
-        std::string name;
-        std::vector<Revision> revisions;
-    };
-    Item& find(const std::string& name);
+    using Item = std::pair<std::string, std::vector<Revision>>; // its name, and what there is of it
 
     std::string m_name;
     std::string m_type;

@@ -30,9 +30,7 @@ TempDir::~TempDir() {
 }
 
 std::string TempDir::write(const std::string& relative, const std::string& content) const {
-    fs::create_directories(fs::path(path(relative)).parent_path());
-    fs::ofstream(path(relative), std::ios::binary) << content;
-    return path(relative);
+    return writeFile(path(relative), content);
 }
 
 std::string TempDir::makeDir(const std::string& relative) const {
@@ -44,19 +42,23 @@ EnvGuard::~EnvGuard() {
     for (const auto& [name, value] : m_old) put(name, value);
 }
 
-void EnvGuard::set(const std::string& name, const std::string& value) {
-    keep(name);
+void EnvGuard::set(const std::string& name, const std::optional<std::string>& value) {
+    const char* old = std::getenv(name.c_str());
+    m_old.try_emplace(name, old ? std::optional<std::string>(old) : std::nullopt);
     put(name, value);
 }
 
-void EnvGuard::unset(const std::string& name) {
-    keep(name);
-    put(name, std::nullopt);
+std::string filled(const std::string& text, const std::vector<std::string>& values) {
+    std::string result;
+    auto value = values.begin();
+    for (const char c : text) result += c == '%' ? *value++ : std::string(1, c);
+    return result;
 }
 
-void EnvGuard::keep(const std::string& name) {
-    const char* value = std::getenv(name.c_str());
-    m_old.try_emplace(name, value ? std::optional<std::string>(value) : std::nullopt);
+std::string writeFile(const std::string& file, const std::string& content) {
+    fs::create_directories(fs::path(file).parent_path());
+    fs::ofstream(file, std::ios::binary) << content;
+    return file;
 }
 
 std::string readFile(const std::string& file) {

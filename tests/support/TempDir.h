@@ -3,6 +3,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 /// A directory of the test's own below $TMPDIR, removed with all it holds at the end.
 class TempDir {
@@ -33,13 +34,18 @@ public:
     EnvGuard(const EnvGuard&) = delete;
     EnvGuard& operator=(const EnvGuard&) = delete;
 
-    void set(const std::string& name, const std::string& value);
-    void unset(const std::string& name);
+    void set(const std::string& name, const std::optional<std::string>& value);
+    void unset(const std::string& name) { set(name, std::nullopt); }
 
 private:
-    void keep(const std::string& name);
     std::map<std::string, std::optional<std::string>> m_old;
 };
+
+/// @p text with each "%" replaced by the next value.
+std::string filled(const std::string& text, const std::vector<std::string>& values);
+
+/// Writes a file, with its parents. @return its path
+std::string writeFile(const std::string& file, const std::string& content);
 
 /// What a file holds; empty when it cannot be read.
 std::string readFile(const std::string& file);

@@ -15,6 +15,7 @@
 #include "plaz/model/reader/HSCPlazJsonDocument.h"
 #include "plaz/model/reader/HSCPlazQItemReader.h"
 #include "plaz/model/reader/HSCPlazReader.h"
+#include "plaz/model/repo/HSCPlazGit.h"
 #include "plaz/pref/HSCPlazUserPref.h"
 #include "support/HIOStream.h"
 #include "support/HPAParamMgr.h"
@@ -215,7 +216,11 @@ void HSCPlazMgr::restoreInstalledState() {
     for (HSCPlazQStore* store : m_hub->getStores()) {
         if (!store->isProductSpecific()) continue;
         HSCPlazQStoreModel& model = *store->getModel();
+        const std::string place = model.getLocalRootDir();
         mergeLocalDb(model);
+        // The store went out of another release's way, to where its own catalog is.
+        if (model.getLocalRootDir() != place && HSCPlazGit::isInstalled(model.getLocalRootDir()))
+            loadStoreCatalog(m_hub.get(), store, false);
         describeFromInstalledFiles(model, *m_pathMgr);
         addMissingItems(*store);
     }

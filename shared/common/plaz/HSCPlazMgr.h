@@ -47,6 +47,8 @@ public:
     /// Records the default places of today's stores, so that no other order of the stores moves them.
     /// @return false when they could not be recorded (Msg::placesNotSaved)
     bool keepDefaultFolders();
+    /// The recorded default place of a store; empty when none is recorded.
+    std::string getDefaultPlace(const HSCPlazQStoreModel& store) const;
     /// Gives a store of this hub that has no area of its own yet the one that is meant for it.
     void placeForRefresh(HSCPlazQStoreModel& store);
 
@@ -88,7 +90,6 @@ private:
     void mergeLocalDb(HSCPlazQStoreModel& store);
     void loadStoreFromArea(HSCPlazModel* hubModel, HSCPlazQStoreModel* storeModel);
     bool loadStoreFromData(HSCPlazModel* hubModel, HSCPlazQStoreModel* storeModel);
-    std::string keptFolder(const HSCPlazQStoreModel& store) const;
     std::string defaultStoreDir(const HSCPlazQStoreModel& store) const;
     std::vector<std::string> defaultStoreDirs(const HSCPlazModel& hubModel) const;
     std::vector<std::string> refreshDirs(const HSCPlazModel& hubModel) const;

@@ -182,10 +182,9 @@ void HSCPlazMgr::loadStoreFromGdaData(HSCPlazQStoreModel* storeModel) {
     storeModel->setLocalRootDir(area);
 }
 
-/// The folder of the user area that was recorded as the store's default place; empty when none was.
-std::string HSCPlazMgr::keptFolder(const HSCPlazQStoreModel& store) const {
+std::string HSCPlazMgr::getDefaultPlace(const HSCPlazQStoreModel& store) const {
     for (const auto& kept : m_repoInfoMgr->getDefaultFolders())
-        if (kept.store == store.getName()) return kept.directory;
+        if (kept.store == store.getName()) return joined(m_pathMgr->getUserAreaRoot(), kept.directory);
     return "";
 }
 
@@ -193,8 +192,8 @@ std::string HSCPlazMgr::defaultStoreDir(const HSCPlazQStoreModel& store) const {
     const std::string recorded = m_repoInfoMgr->getStoreDirectory(store.getName());
     if (!recorded.empty()) return store.getRoot().empty() ? recorded : joined(recorded, store.getRoot());
     if (!HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableBoardStoreDefaultLocation")) return "";
-    const std::string kept = keptFolder(store);
-    if (!kept.empty()) return joined(m_pathMgr->getUserAreaRoot(), kept);
+    const std::string kept = getDefaultPlace(store);
+    if (!kept.empty()) return kept;
     const bool holdsBoards = boost::algorithm::iequals(store.getStoreType(), "board");
     return joined(m_pathMgr->getUserAreaRoot(), holdsBoards ? boardStoreDir : otherStoreDir);
 }
@@ -218,14 +217,16 @@ std::vector<std::string> HSCPlazMgr::defaultStoreDirs(const HSCPlazModel& hubMod
 
 bool HSCPlazMgr::keepDefaultFolders() {
     if (!HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableBoardStoreDefaultLocation")) return true;
-    std::vector<HSCPlazRepoInfoMgr::Record> folders = m_repoInfoMgr->getDefaultFolders();
+    const std::string userArea = m_pathMgr->getUserAreaRoot();
+    std::vector<HSCPlazRepoInfoMgr::Record> folders;
     const std::vector<std::string> dirs = defaultStoreDirs(*m_hubModel);
     for (std::size_t position = 0; position < dirs.size(); ++position) {
         const HSCPlazQStoreModel& store = *m_hubModel->getStores()[position];
-        if (m_repoInfoMgr->getStoreDirectory(store.getName()).empty() && keptFolder(store).empty())
-            folders.push_back({store.getName(), boost::filesystem::path(dirs[position]).filename().string()});
+        const boost::filesystem::path place(dirs[position]);
+        if (m_repoInfoMgr->getStoreDirectory(store.getName()).empty())
+            folders.push_back({store.getName(), place.lexically_relative(userArea).generic_string()});
     }
-    return m_repoInfoMgr->setDefaultFolders(folders);
+    return m_repoInfoMgr->addDefaultFolders(folders);
 }
 
 void HSCPlazMgr::placeStores(HSCPlazModel& model) {
@@ -274,10 +275,13 @@ void HSCPlazMgr::preferRefreshedStores() {
 
 void HSCPlazMgr::applyDefaultStoreLocations() {
     const std::vector<std::string> dirs = defaultStoreDirs(*m_hubModel);
-    for (std::size_t position = 0; position < dirs.size(); ++position)
-        if (HSCPlazQStoreModel& store = *m_hubModel->getStores()[position]; store.isProductSpecific())
-            // A store that has been refreshed stays where its catalog is.
-            placeStore(store, dirs[position].empty() && hasOwnArea(store) ? store.getLocalRootDir() : dirs[position]);
+    for (std::size_t position = 0; position < dirs.size(); ++position) {
+        HSCPlazQStoreModel& store = *m_hubModel->getStores()[position];
+        const bool isChosen = !m_repoInfoMgr->getStoreDirectory(store.getName()).empty();
+        if (!store.isProductSpecific() && !isChosen) continue;
+        // A store that has been refreshed stays where its catalog is.
+        placeStore(store, dirs[position].empty() && hasOwnArea(store) ? store.getLocalRootDir() : dirs[position]);
+    }
 }
 
 void HSCPlazMgr::placeStore(HSCPlazQStoreModel& store, const std::string& dir) const {

@@ -54,6 +54,7 @@ inline constexpr MsgId<3> branchMissing{"@17-2171@%s%s%s"};     ///< store, what
 inline constexpr MsgId<1> repositoryEmpty{"@17-2172@%s"};       ///< store
 inline constexpr MsgId<2> commitGone{"@17-2173@%s%s"};          ///< item, commit
 inline constexpr MsgId<1> credentialsWithheld{"@17-2174@%s"};   ///< URL without user part
+inline constexpr MsgId<1> storeMovedMeanwhile{"@17-2175@%s"};   ///< store
 inline constexpr MsgId<2> itemsLeftBehind{"@17-2176@%s%s"};     ///< store, directory
 inline constexpr MsgId<1> placesNotSaved{"@17-2177@%s"};        ///< file
 inline constexpr MsgId<2> storeWithdrawn{"@17-2178@%s%s"};      ///< store, its area

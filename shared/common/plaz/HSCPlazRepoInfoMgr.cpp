@@ -42,17 +42,12 @@ template <typename List> auto findStore(List& records, const std::string& store)
     return std::find_if(records.begin(), records.end(), [&](const auto& record) { return record.store == store; });
 }
 
-bool isSame(const Records& left, const Records& right) {
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(), [](const auto& one, const auto& other) {
-        return one.store == other.store && one.directory == other.directory;
-    });
-}
-
 } // namespace
 
 void HSCPlazRepoInfoMgr::readOnce() {
     if (m_read) return;
     m_read = true;
+    m_stamp = HUTFile::getStamp(m_file);
     std::string text, error;
     const HIOStream::Status status = HIOStream::read(m_file, text);
     if (status == HIOStream::Status::missing) return;
@@ -96,9 +91,24 @@ const Records& HSCPlazRepoInfoMgr::getDefaultFolders() {
     return m_content.defaults;
 }
 
-bool HSCPlazRepoInfoMgr::setDefaultFolders(const Records& folders) {
+bool HSCPlazRepoInfoMgr::addDefaultFolders(const Records& folders) {
     readAgain();
-    return isSame(folders, m_content.defaults) || replace({m_content.chosen, folders});
+    Content content = m_content;
+    for (const Record& folder : folders)
+        if (findStore(content.defaults, folder.store) == content.defaults.end()) content.defaults.push_back(folder);
+    return content.defaults.size() == m_content.defaults.size() || replace(std::move(content));
+}
+
+std::string HSCPlazRepoInfoMgr::findMovedStore() const {
+    if (!m_read || m_stamp == HUTFile::getStamp(m_file)) return "";
+    HSCPlazRepoInfoMgr today(m_file);
+    today.readOnce();
+    for (const Record& record : today.m_content.chosen) {
+        const auto known = findStore(m_content.chosen, record.store);
+        const std::string before = known == m_content.chosen.end() ? std::string() : known->directory;
+        if (record.directory != before) return record.store;
+    }
+    return "";
 }
 
 bool HSCPlazRepoInfoMgr::replace(Content content) {
@@ -109,6 +119,7 @@ bool HSCPlazRepoInfoMgr::replace(Content content) {
         return false;
     }
     m_damaged = false;
+    m_stamp = HUTFile::getStamp(m_file);
     m_content = std::move(content);
     return true;
 }

@@ -21,7 +21,7 @@ public:
     /// @param file  the file; it need not exist
     explicit HSCPlazRepoInfoMgr(std::string file) : m_file(std::move(file)) {}
 
-    /// The directory recorded for a store; empty when none is.
+    /// The directory recorded for a store; empty when none is, or when the store has gone back to its default place.
     std::string getStoreDirectory(const std::string& storeName);
     /// Records a directory. @return false, with nothing changed and Msg::placesNotSaved sent, when the file cannot be
     /// written
@@ -29,8 +29,12 @@ public:
 
     /// The stores' default places: folder names in the user area. Empty as long as the hub is the shipped one.
     const std::vector<Record>& getDefaultFolders();
-    /// Records them. Nothing is written when they are recorded already. @return as setStoreDirectory
-    bool setDefaultFolders(const std::vector<Record>& folders);
+    /// Records those of stores that have none yet. Nothing is written where there are none. @return as
+    /// setStoreDirectory
+    bool addDefaultFolders(const std::vector<Record>& folders);
+
+    /// A store whose chosen directory another process has changed since it was read here; empty when there is none.
+    std::string findMovedStore() const;
 
 private:
     struct Content {
@@ -44,6 +48,7 @@ private:
 
     std::string m_file;
     Content m_content;
+    std::string m_stamp; ///< of the file when it was read or written
     bool m_read = false;
     bool m_damaged = false;
 };

@@ -4,6 +4,7 @@
 #include "plaz/HSCPlazMgr.h"
 #include "plaz/HSCPlazMsg.h"
 #include "plaz/HSCPlazPathMgr.h"
+#include "plaz/HSCPlazRepoInfoMgr.h"
 #include "plaz/model/repo/HSCPlazGit.h"
 #include "support/HDGUIStatus.h"
 #include "support/HUTFileLock.h"
@@ -41,6 +42,11 @@ bool HSCPlazTask::isCancelled(const HDGUIStatus* status) {
 
 bool HSCPlazTask::run(HSCPlaz& hub, const HDGUIStatus* status, const std::function<bool()>& task) {
     return withLock(status, [&] {
+        const std::string moved = HSCPlazMgr::getInstance().getHubRepoInfoMgr()->findMovedStore();
+        if (!moved.empty()) {
+            ComMsgMgr::send(Msg::storeMovedMeanwhile, MsgSeverity::error, moved);
+            return false;
+        }
         HSCPlazMgr::getInstance().updateInstalledState();
         HSCPlazItemFiles::removeLeftovers(hub);
         return task();

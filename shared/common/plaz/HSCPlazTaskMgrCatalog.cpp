@@ -99,11 +99,11 @@ bool takeFiles(const std::string& source, const std::string& area, const HSTVect
     return true;
 }
 
-/// Whether a fetched file is whole, and what it should be: an object of that name in it.
-bool isUsable(const std::string& file, const char* object) {
+/// Whether a fetched file of a store is whole, and is one at all.
+bool isUsable(const std::string& file) {
     if (!HSCPlazUtils::isInstalledFileValid(file)) return false;
     HSCPlazJsonDocument document;
-    return document.load(file) && HCRapidJsonReadWriteUtils::FindObject(document.getRoot(), object);
+    return document.load(file) && HCRapidJsonReadWriteUtils::FindObject(document.getRoot(), HSCPlazKey::catalog);
 }
 
 /// Puts a store back where it was unless the new place has been filled.
@@ -135,8 +135,7 @@ bool loadFiles(HSCPlazGit& git, HSCPlazBaseModel& owner, const HSTVector<std::st
 }
 
 void requireUsable(const MsgId<2>& message, const HSCPlazQStoreModel& store, const std::string& file) {
-    if (!isUsable(file, HSCPlazKey::catalog))
-        throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", message, store.getName(), file));
+    if (!isUsable(file)) throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", message, store.getName(), file));
 }
 
 /// What the fetched store metadata says, before anything of it counts.
@@ -240,21 +239,7 @@ bool updateItemCatalogs(HSCPlazQStoreModel& store, HDGUIStatus* status) {
     return HSCPlazGitHead::moveTo(paths().getStoreIndexDir(store), store.getBranch());
 }
 
-/// Fetches the hub's metadata into the user area. @return the file there; empty on failure
-std::string fetchHubMetadata(HSCPlazModel& hub, HDGUIStatus* status) {
-    HSCPlazGit* git = gitRepoFor(updateName);
-    if (!git || isCancelled(status)) return "";
-    const StagingGuard staging(paths().getStagingPath(hub.getRoot()));
-    if (!loadFiles(*git, hub, {hub.getMetadataFile()})) return "";
-    const std::string fetched = staging.file(hub.getMetadataFile());
-    if (!isUsable(fetched, HSCPlazKey::plaz))
-        throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::hubFileInvalid, fetched));
-    const std::string area = paths().getUserAreaRoot(hub.getRoot(), true);
-    const bool isPlaced = !isCancelled(status) && HSCPlazMgr::getInstance().keepDefaultFolders();
-    if (!isPlaced || !takeFiles(staging.getDir(), area, {hub.getMetadataFile()})) return "";
-    return area + "/" + hub.getMetadataFile();
-}
-
+/// What a hub metadata file says, in a model that is otherwise like the known one.
 std::unique_ptr<HSCPlazModel> readHub(const std::string& file, const HSCPlazModel& known) {
     auto fresh = std::make_unique<HSCPlazModel>();
     fresh->setRoot(known.getRoot());
@@ -262,8 +247,25 @@ std::unique_ptr<HSCPlazModel> readHub(const std::string& file, const HSCPlazMode
     fresh->setRemoteRepository(known.getRemoteRepository());
     fresh->setCommitId(known.getCommitId());
     fresh->setHasMetadataFile(true);
-    fresh->setLocalRoot(file);
     HSCPlazReader().parse(file, fresh.get());
+    return fresh;
+}
+
+/// Fetches the hub's metadata into the user area. @return what it says; null on failure
+std::unique_ptr<HSCPlazModel> fetchHub(HSCPlazModel& hub, HDGUIStatus* status) {
+    HSCPlazGit* git = gitRepoFor(updateName);
+    if (!git || isCancelled(status)) return nullptr;
+    const StagingGuard staging(paths().getStagingPath(hub.getRoot()));
+    if (!loadFiles(*git, hub, {hub.getMetadataFile()})) return nullptr;
+    const std::string file = staging.file(hub.getMetadataFile());
+    // Read before it counts: a hub that offers no store is of no use, and no start would take it for one.
+    auto fresh = HSCPlazUtils::isInstalledFileValid(file) ? readHub(file, hub) : nullptr;
+    if (!fresh || fresh->getStores().empty())
+        throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::hubFileInvalid, file));
+    const std::string area = paths().getUserAreaRoot(hub.getRoot(), true);
+    const bool isPlaced = !isCancelled(status) && HSCPlazMgr::getInstance().keepDefaultFolders();
+    if (!isPlaced || !takeFiles(staging.getDir(), area, {hub.getMetadataFile()})) return nullptr;
+    fresh->setLocalRoot(area + "/" + hub.getMetadataFile());
     return fresh;
 }
 
@@ -296,9 +298,8 @@ bool updateHub(HSCPlaz& hub, HDGUIStatus* status) {
     inside(updateName, " got user pref pointer");
     inside(updateName, " got path mgr pointer");
     show(status, "Fetching", hub.getRoot(), 0);
-    const std::string file = fetchHubMetadata(*hub.getModel(), status);
-    if (file.empty()) return false;
-    auto fresh = readHub(file, *hub.getModel());
+    auto fresh = fetchHub(*hub.getModel(), status);
+    if (!fresh) return false;
     manager.placeStores(*fresh);
     if (!loadStores(*fresh, status)) return false;
     reportWithdrawn(*hub.getModel(), *fresh);
@@ -332,12 +333,15 @@ bool takeCatalogAlong(const HSCPlazQStoreModel& store, const std::string& newRoo
 bool moveStore(HSCPlazQStore& store, const std::string& dir) {
     inside(moveName, " store - ", store.getName(), " local_root_dir - ", dir);
     HSCPlazMgr& manager = HSCPlazMgr::getInstance();
-    const std::string newRoot = store.getRoot().empty() ? dir : dir + "/" + store.getRoot();
+    // What other stores have must be known before this one leaves its place.
+    if (!manager.keepDefaultFolders()) return false;
+    const bool goesHome = dir == manager.getDefaultPlace(*store.getModel());
+    const std::string newRoot = goesHome || store.getRoot().empty() ? dir : dir + "/" + store.getRoot();
     const std::string oldRoot = store.getLocalRootDir();
     const std::string database = newRoot + "/.plaz/" + HSCPlazUtils::PLAZ_LOCAL_DB_FILE;
     // Recorded first: a move that the next start does not know of would lose what is installed there.
     if (!canBeKept(store, database) || !takeCatalogAlong(*store.getModel(), newRoot) ||
-        !manager.getHubRepoInfoMgr()->setStoreDirectory(store.getName(), dir))
+        !manager.getHubRepoInfoMgr()->setStoreDirectory(store.getName(), goesHome ? "" : dir))
         return false;
     if (newRoot != oldRoot && holdsSomething(*store.getModel()))
         ComMsgMgr::send(Msg::itemsLeftBehind, MsgSeverity::warning, store.getName(), oldRoot);

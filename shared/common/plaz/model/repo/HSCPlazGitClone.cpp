@@ -27,10 +27,11 @@
 
 namespace fs = boost::filesystem;
 
+using HSCPlazGitHead::mainBranch;
+
 namespace {
 
 constexpr const char* doneMarker = "/.done";
-constexpr const char* mainBranch = "master";
 
 bool refuse(const HSCPlazBaseModel& owner, const std::string& reason) {
     ComMsgMgr::send(Msg::storeRefused, MsgSeverity::error, owner.getName(), reason);

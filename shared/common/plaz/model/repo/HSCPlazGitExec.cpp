@@ -5,6 +5,7 @@
 #include "plaz/model/repo/HSCPlazGitEnv.h"
 #include "plaz/model/repo/HSCPlazGitLog.h"
 #include "plaz/model/repo/HSCPlazGitRemoved.h"
+#include "plaz/model/repo/HSCPlazGitSilence.h"
 #include "support/HIOStream.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTEnv.h"
@@ -268,6 +269,7 @@ void HSCPlazGit::configure(const std::string& dir, const std::string& key, const
 void HSCPlazGit::restoreSslVerify(const std::string& workDir) {
     const bool isInterrupted = HUTFork::isInterrupted();
     HUTFork::clearInterrupt();
+    const HSCPlazGitSilence silence;
     try {
         setSslVerify(workDir, "true");
     } catch (const HEXAll&) {

@@ -12,9 +12,10 @@
 
 namespace fs = boost::filesystem;
 
+using HSCPlazGitHead::mainBranch;
+
 namespace {
 
-constexpr const char* mainBranch = "master";
 constexpr const char* branches = "refs/remotes/origin/";
 
 std::string gitFile(const std::string& dir, const std::string& file) {

@@ -3,14 +3,15 @@
 #include "plaz/model/repo/HSCPlazGit.h"
 #include "plaz/model/repo/HSCPlazGitCredentials.h"
 #include "plaz/model/repo/HSCPlazGitEnv.h"
+#include "plaz/model/repo/HSCPlazGitHead.h"
 #include "plaz/model/repo/HSCPlazGitRemoved.h"
 #include "plaz/model/repo/HSCPlazGitSilence.h"
 #include "support/HUTFile.h"
 #include "support/HUTFork.h"
 
-namespace {
+using HSCPlazGitHead::mainBranch;
 
-constexpr const char* mainBranch = "master";
+namespace {
 
 std::string rebuildUrl(const std::string& url) {
     return HSCPlazGitUrl::withCredentials(url, HSCPlazGitCredentials::choose("", url));

@@ -13,9 +13,10 @@
 #include <optional>
 #include <sstream>
 
+using HSCPlazGitHead::mainBranch;
+
 namespace {
 
-constexpr const char* mainBranch = "master";
 constexpr std::size_t comparedLength = 7;
 
 // The caller gives a URL alone; which store it belongs to decides on the credentials and on the URL that is asked.
@@ -76,7 +77,7 @@ std::optional<bool> isMoved(const std::string& log, const std::string& heads, co
 /// What the two outputs say, and why that is not to be relied on, if it is not.
 HSCPlazGit::UpdateCheck askAndCompare(const std::string& cloneDir, const std::string& url, const std::string& branch,
                                       const std::string& logFile, const std::string& headsFile) {
-    const std::uint32_t logStatus = run(" log --oneline -n 1", cloneDir, logFile);
+    run(" log --oneline -n 1", cloneDir, logFile);
     const std::uint32_t status = run(
         url.find(' ') == std::string::npos ? " ls-remote " + url : " ls-remote \"" + url + "\"", cloneDir, headsFile);
     const std::string log = readText(logFile);
@@ -85,7 +86,7 @@ HSCPlazGit::UpdateCheck askAndCompare(const std::string& cloneDir, const std::st
     HSCPlazGit::debugTrace(url, " ", branch, check.moved.value_or(false) ? " has updates!" : " has no updates!");
     if (status != 0)
         check.reason = HSCPlazGit::Answer{static_cast<int>(status), HSCPlazTrust::maskSecrets(heads)}.getReason();
-    else if (logStatus != 0 || log.empty())
+    else if (log.empty())
         check.reason = "the working copy \"" + cloneDir + "\" holds no commit";
     else if (!check.moved)
         check.reason = "the remote has no branch \"" + branch + "\"";
