@@ -131,6 +131,18 @@ TEST_F(CatalogTasksTest, DamagedItemFileIsLeftOut) {
     EXPECT_EQ(store().getItem("c")->getDisplayName(), "The c");
 }
 
+// What is installed hidden without a word.
+TEST_F(CatalogTasksTest, StoreThatLeavesTheProductIsTold) {
+    publish();
+    ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), store().getItem("a"), true, nullptr));
+    takeIds();
+    std::string metadata = readFile(tcl.getRepo().getDir() + "/store.json");
+    metadata.replace(metadata.find("Solvan"), 6, "Others");
+    tcl.getRepo().write("store.json", metadata).commit();
+    EXPECT_TRUE(HSCPlazTaskMgr::loadCatalog(&hub(), &store(), nullptr));
+    EXPECT_EQ(takeIds(), Ids{"17-2178"});
+}
+
 TEST_F(CatalogTasksTest, EmptyStoreIsNoError) {
     tcl.withdraw("a");
     publish();

@@ -45,7 +45,7 @@ public:
     ///         could not be fetched; the hub is as it was then. Stores that had been fetched by then stay fetched.
     /// @throws HEXAll Msg::hubFileInvalid when the fetched metadata is not whole
     /// Sends Msg::storeNotRefreshed for each store that fails, after the reason, and Msg::storeWithdrawn for each that
-    /// is no longer offered while something of it is installed.
+    /// is no longer offered to the product while something of it is installed.
     static bool updateCatalog(HSCPlaz* hub, HDGUIStatus* status);
     /// Fetches a store's metadata file and item catalog, and rebuilds the store from them. Until both have come and are
     /// whole the old catalog stays in force. Items and categories of the store are new objects afterwards.

@@ -286,11 +286,27 @@ bool holdsSomething(const HSCPlazQStoreModel& store) {
     return std::any_of(items.begin(), items.end(), [](const auto& item) { return item->isInstalled(); });
 }
 
-/// Tells of stores that are gone and leave something behind.
-void reportWithdrawn(const HSCPlazModel& known, const HSCPlazModel& fresh) {
-    for (const auto& store : known.getStores())
-        if (holdsSomething(*store) && !fresh.findStore(store->getName()))
-            ComMsgMgr::send(Msg::storeWithdrawn, MsgSeverity::warning, store->getName(), paths().getStoreArea(*store));
+/// A store of which something is installed.
+struct HoldingStore {
+    std::string name;
+    std::string area;
+};
+
+std::vector<HoldingStore> findHoldingStores(const HSCPlaz& hub) {
+    std::vector<HoldingStore> holding;
+    for (const HSCPlazQStore* store : hub.getStores())
+        if (store->getModel() && holdsSomething(*store->getModel()))
+            holding.push_back({store->getName(), paths().getStoreArea(*store->getModel())});
+    return holding;
+}
+
+/// Tells of stores that are gone, or serve this product no longer, and leave something behind.
+void reportWithdrawn(const std::vector<HoldingStore>& holding, const HSCPlaz& hub) {
+    for (const HoldingStore& held : holding) {
+        const HSCPlazQStore* store = hub.getStore(held.name);
+        if (!store || !store->isProductSpecific())
+            ComMsgMgr::send(Msg::storeWithdrawn, MsgSeverity::warning, held.name, held.area);
+    }
 }
 
 bool updateHub(HSCPlaz& hub, HDGUIStatus* status) {
@@ -302,9 +318,10 @@ bool updateHub(HSCPlaz& hub, HDGUIStatus* status) {
     if (!fresh) return false;
     manager.placeStores(*fresh);
     if (!loadStores(*fresh, status)) return false;
-    reportWithdrawn(*hub.getModel(), *fresh);
     show(status, "Reading", hub.getRoot(), 90);
+    const std::vector<HoldingStore> holding = findHoldingStores(hub);
     manager.rebuildHub(std::move(fresh));
+    reportWithdrawn(holding, hub);
     show(status, "Refreshed", hub.getRoot(), 100);
     return true;
 }
@@ -386,7 +403,9 @@ bool HSCPlazTaskMgr::loadCatalog(HSCPlaz* hub, HSCPlazQStore* store, HDGUIStatus
         if (!loadStoreModelCatalog(*store->getModel(), status)) return false;
         place.keep();
         show(status, "Reading", shownName(*store->getModel()), 40);
+        const std::vector<HoldingStore> holding = findHoldingStores(*hub);
         HSCPlazMgr::getInstance().loadStoreCatalog(hub, store, false);
+        reportWithdrawn(holding, *hub);
         return true;
     });
 }
