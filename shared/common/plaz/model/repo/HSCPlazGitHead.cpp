@@ -12,8 +12,6 @@
 
 namespace fs = boost::filesystem;
 
-using HSCPlazGitHead::mainBranch;
-
 namespace {
 
 constexpr const char* branches = "refs/remotes/origin/";
