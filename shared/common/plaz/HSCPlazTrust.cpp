@@ -17,7 +17,9 @@ bool hasControlCharacter(const std::string& text) {
 /// (a program that meets it runs what it configures) and the hub's own places in a store's area.
 bool isRefusedComponent(std::string_view component) {
     static constexpr std::string_view reserved[] = {".git", ".plaz", ".staging", ".done"};
-    return component.empty() || component.back() == '.' || component.back() == ' ' ||
+    if (component.empty() || component.back() == '.' || component.back() == ' ') return true;
+    // Comparing without regard to case is slow, and a start-up looks at every name of every item.
+    return component.front() == '.' &&
            std::any_of(std::begin(reserved), std::end(reserved),
                        [&](std::string_view name) { return boost::algorithm::iequals(component, name); });
 }
