@@ -111,6 +111,7 @@ void HSCPlazMgr::rebuildHub(std::unique_ptr<HSCPlazModel> model) {
     const std::string currentName = current ? current->getName() : std::string();
     while (!m_hub->getStores().empty()) m_hub->removeStore(m_hub->getStores().back());
     m_hubModel = std::move(model);
+    // They were placed for the fetch; where they are read from is decided as at start-up.
     for (const auto& store : m_hubModel->getStores()) store->setLocalRootDir("");
     m_sharedHubModel = std::make_unique<HSCPlazModel>();
     m_sharedHubModel->setRoot(m_hubModel->getRoot());

@@ -61,7 +61,7 @@ public:
     virtual ~HSCPlazGit();
 
     /// Puts @p catalogFiles, at the head that updateCatalog() follows, into the staging directory; for the hub at the
-    /// head of "master" into the staging path of its root.
+    /// head of "master", or of the only branch that there is, into the staging path of its root.
     ///
     /// @param model         a store model or the hub model; null and other models give false
     /// @param pathMgr       null gives false
