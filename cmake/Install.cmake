@@ -21,6 +21,8 @@ install(DIRECTORY platform/support DESTINATION ${headers}
   FILES_MATCHING PATTERN "*.h" PATTERN "posix" EXCLUDE PATTERN "win32" EXCLUDE PATTERN "Platform*.h" EXCLUDE
   PATTERN "HCRapidJsonReadWriteUtils.h" EXCLUDE)
 
+install(DIRECTORY platform/scripting DESTINATION ${headers} FILES_MATCHING PATTERN "*.h" PATTERN "*_impl.h" EXCLUDE)
+
 install(DIRECTORY platform/data/ DESTINATION ${CMAKE_INSTALL_DATADIR}/plaz/data/plaz)
 install(DIRECTORY ${PROJECT_BINARY_DIR}/share/plaz/tps DESTINATION ${CMAKE_INSTALL_DATADIR}/plaz)
 

@@ -3,6 +3,7 @@
 #include "DoctorChecks.h"
 
 #include "plaz/HSCPlazTrust.h"
+#include "plaz/HSCPlazUtils.h"
 #include "plaz/model/repo/HSCPlazGit.h"
 #include "support/HCCXPrefMgr.h"
 #include "support/HIOStream.h"
@@ -38,12 +39,10 @@ std::size_t count(const std::string& text, const std::string& what) {
 
 /// What put a proxy into a new working copy; empty for nothing of ours.
 std::string chooserOfProxy(const std::string& key) {
-    const std::string product = HUTEnv::getProductName();
     const std::string param = key == "http.proxy" ? "plaz.http_proxy" : "plaz.https_proxy";
-    if (boost::algorithm::iequals(product, "solvan") && !HPAParamMgr::getParamMgr().getValueAsString(param).empty())
+    if (HSCPlazUtils::isProduct("solvan") && !HPAParamMgr::getParamMgr().getValueAsString(param).empty())
         return "parameter " + param;
-    if (boost::algorithm::iequals(product, "kvq") && !HSCPlazGit::getPreferredHttpProxy().empty())
-        return "preference " + param;
+    if (HSCPlazUtils::isProduct("kvq") && !HSCPlazGit::getPreferredHttpProxy().empty()) return "preference " + param;
     return "detected by the helper program";
 }
 

@@ -3,6 +3,7 @@
 #include "plaz/HSCPlazMgr.h"
 #include "plaz/HSCPlazPathMgr.h"
 #include "plaz/HSCPlazRepoInfoMgr.h"
+#include "plaz/HSCPlazUtils.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazModel.h"
 #include "plaz/model/HSCPlazQStore.h"
@@ -14,7 +15,6 @@
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
 
-#include <boost/algorithm/string/predicate.hpp>
 #include <boost/filesystem/path.hpp>
 
 #include <exception>
@@ -56,7 +56,7 @@ std::string chooserOfData() {
 }
 
 std::string chooserOfGit() {
-    if (!boost::algorithm::iequals(HUTEnv::getProductName(), "solvan")) return "in Solvan's installation";
+    if (!HSCPlazUtils::isProduct("solvan")) return "in Solvan's installation";
     return chosenBy("GDA_TPS_DIR", chosenBy("GDA_APPROOT", "default: beside the library"));
 }
 

@@ -9,11 +9,12 @@ EXPORTED = {
     "HSCPlaz", "HSCPlazBaseModel", "HSCPlazCategory", "HSCPlazConfigMgr", "HSCPlazGit", "HSCPlazJsonReadWriteUtils",
     "HSCPlazLocalDBMgr", "HSCPlazLogger", "HSCPlazMgr", "HSCPlazModel", "HSCPlazPathMgr", "HSCPlazQItem",
     "HSCPlazQItemModel", "HSCPlazQStore", "HSCPlazQStoreModel", "HSCPlazRepoFactory", "HSCPlazRepoInfoMgr",
-    "HSCPlazTaskMgr", "HSCPlazTrust", "HSCPlazUserPref", "HSCPlazUtils", "operator<<", "plaz_startup"}
+    "HSCPlazSwigIntf", "HSCPlazTaskMgr", "HSCPlazTrust", "HSCPlazUserPref", "HSCPlazUtils",
+    "hdi::pyinfra::py_native_cache", "hdi::tcltasks::native_cache", "operator<<", "plaz_startup"}
 
 lines = subprocess.run(["nm", "-DC", "--defined-only", sys.argv[1]], check=True, capture_output=True,
                        text=True).stdout.splitlines()
-names = {re.match(r"(?:(?:vtable|typeinfo(?: name)?) for )?([\w<]+)", line.split(maxsplit=2)[2]).group(1)
-         for line in lines}
+names = {re.match(r"(?:(?:vtable|typeinfo(?: name)?) for )?(hdi::\w+::\w+|operator<<|\w+)",
+                  line.split(maxsplit=2)[2]).group(1) for line in lines}
 if names != EXPORTED:
     sys.exit(f"unwanted: {sorted(names - EXPORTED)}\nmissing: {sorted(EXPORTED - names)}")

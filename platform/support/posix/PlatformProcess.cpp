@@ -1,5 +1,7 @@
 #include "support/PlatformProcess.h"
 
+#include "support/HUTWait.h"
+
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -196,19 +198,28 @@ int millisecondsUntil(const Deadline& deadline) {
     return static_cast<int>(std::clamp<decltype(left)>(left, 0, INT_MAX));
 }
 
+// The shorter of two waits in milliseconds; a negative one has no limit.
+int atMost(int left, std::chrono::milliseconds::rep pause) {
+    const int limit = static_cast<int>(pause);
+    return left < 0 ? limit : std::min(left, limit);
+}
+
+void waitOnce(const Descriptor& process, int milliseconds) {
+    if (process) {
+        pollfd waited{process.get(), POLLIN, 0};
+        poll(&waited, 1, milliseconds);
+    } else { // a kernel without process descriptors
+        std::this_thread::sleep_for(std::chrono::milliseconds(atMost(milliseconds, 10)));
+    }
+}
+
 // Waits without reaping, so that the process id stays ours until its slot is clear. False when the time is over.
 bool waitForEnd(pid_t pid, const Deadline& deadline) {
     const Descriptor process(static_cast<int>(syscall(SYS_pidfd_open, pid, 0)));
     while (!hasEnded(pid)) {
         const int left = millisecondsUntil(deadline);
         if (left == 0) return false;
-        if (process) {
-            pollfd waited{process.get(), POLLIN, 0};
-            poll(&waited, 1, left);
-        } else { // a kernel without process descriptors
-            constexpr int pause = 10;
-            std::this_thread::sleep_for(std::chrono::milliseconds(left < 0 ? pause : std::min(left, pause)));
-        }
+        HUTWait::wait([&] { waitOnce(process, HUTWait::hasAround() ? atMost(left, HUTWait::slice.count()) : left); });
     }
     return true;
 }

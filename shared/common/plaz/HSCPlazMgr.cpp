@@ -32,7 +32,7 @@ constexpr const char* initHubName = "HSCPlazMgr::initHub";
 
 /// Products that keep their catalog in the user area's database.
 bool keepsCatalogInDatabase() {
-    return HUTEnv::getProductName() == "kvq";
+    return HSCPlazUtils::isProduct("kvq");
 }
 
 /// The hub's remote location as configured; a missing one is told and leaves the hub usable from its files.

@@ -9,6 +9,7 @@
 #include "support/HDGUIStatus.h"
 #include "support/HUTFileLock.h"
 #include "support/HUTFork.h"
+#include "support/HUTWait.h"
 
 #include <chrono>
 #include <memory>
@@ -29,7 +30,7 @@ bool waitForHub(HUTFileLock& lock, const HDGUIStatus* status) {
             ComMsgMgr::send(Msg::hubBusy, MsgSeverity::error, HSCPlazMgr::getInstance().getPathMgr()->getLockFile());
             return false;
         }
-        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        HUTWait::wait([] { std::this_thread::sleep_for(HUTWait::slice); });
     }
     return true;
 }

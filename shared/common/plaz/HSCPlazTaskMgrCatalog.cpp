@@ -443,7 +443,7 @@ bool HSCPlazTaskMgr::setQStoreLocalRootDir(HSCPlazQStore* store, const std::stri
         inside(moveName, " sanity checks failed.");
         return false;
     }
-    if (!store->isProductSpecific() && HUTEnv::getProductName() != "kvq") {
+    if (!store->isProductSpecific() && !HSCPlazUtils::isProduct("kvq")) {
         inside(moveName, " store ", store->getName(), " is not product specific");
         return false;
     }

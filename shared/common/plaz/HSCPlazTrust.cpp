@@ -121,6 +121,20 @@ bool HSCPlazTrust::isSafeUrl(const std::string& url) {
            hasServedScheme(url) && hasPlainAuthority(url) && !hasTornUserPart(url) && !hasOptionAsHost(url);
 }
 
+bool HSCPlazTrust::isPlainTclText(const std::string& text) {
+    if (hasControlCharacter(text) || text.find_first_of("[]$;\\\"{}") != std::string::npos) return false;
+    return text.empty() || (text.front() != ' ' && text.back() != ' ' && text.find("  ") == std::string::npos);
+}
+
+bool HSCPlazTrust::isPlainTclName(const std::string& name) {
+    return !name.empty() && name.front() != '-' && isPlainTclText(name);
+}
+
+bool HSCPlazTrust::isPlainShellWord(const std::string& url) {
+    static constexpr const char* plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~:/@+,=%";
+    return !url.empty() && url.find_first_not_of(plain) == std::string::npos;
+}
+
 std::string HSCPlazTrust::maskSecrets(const std::string& text) {
     std::string masked;
     std::size_t done = 0;

@@ -21,6 +21,13 @@ PLAZ_API bool isCommitId(const std::string& text);
 /// A URL that git may be given: no leading "-", no transport that runs a program ("ext::", "fd::" and the like), no
 /// control character, no blank or quote in user or host, no "/" in the user part; a local path is one too.
 PLAZ_API bool isSafeUrl(const std::string& url);
+/// A text that arrives as it is when it is put into a Tcl command without quotes: no character that Tcl interprets, no
+/// line end, and no blank that parting words would swallow (tabs, several in a row, at either end). It may be empty.
+PLAZ_API bool isPlainTclText(const std::string& text);
+/// The same for the name of a store or an item, which must not be empty nor look like an option.
+PLAZ_API bool isPlainTclName(const std::string& name);
+/// A URL that every shell takes for one word with nothing to interpret. An empty one is none.
+PLAZ_API bool isPlainShellWord(const std::string& url);
 /// The text with the user part of every URL in it ("//user:token@") replaced by "***".
 PLAZ_API std::string maskSecrets(const std::string& text);
 /// The same of one proxy, which may come without a scheme and with a user part all the same.

@@ -14,6 +14,8 @@
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
 
+#include <boost/algorithm/string/predicate.hpp>
+
 namespace {
 
 constexpr const char* fallbackProduct = "Solvan";
@@ -53,6 +55,10 @@ void HSCPlazUtils::getProductInfo(std::string& name, std::string& version) {
     }
     HSCPlazLogger::inside("HSCPlazUtils::getProductInfo", " product name = ", name);
     HSCPlazLogger::inside("HSCPlazUtils::getProductInfo", " product version = ", version);
+}
+
+bool HSCPlazUtils::isProduct(const char* name) {
+    return boost::algorithm::iequals(HUTEnv::getProductName(), name);
 }
 
 std::string HSCPlazUtils::getStoreLocalRootDir(const std::string& storeName) {

@@ -18,6 +18,9 @@ public:
     /// Product name, and its version in the form used in paths: "2024.2" for 2024.2.0, "2024.2.1" as it is.
     static void getProductInfo(std::string& name, std::string& version);
 
+    /// Whether the running product is the one of that name ("solvan" is the main design tool), in any case.
+    static bool isProduct(const char* name);
+
     /// Of the hub's store of that name; empty when there is none.
     static std::string getStoreLocalRootDir(const std::string& storeName);
     static std::string getStoreRootDir(const std::string& storeName);

@@ -1,6 +1,7 @@
 #include "plaz/model/HSCPlazQItem.h"
 
 #include "plaz/HSCPlazUtils.h"
+#include "plaz/bindings/HSCPlazScriptCaches.h"
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "support/HIOStream.h"
@@ -36,7 +37,9 @@ bool readChangeLogOfStore(const std::string& dir, const HSCPlazQItem& item, std:
 
 } // namespace
 
-HSCPlazQItem::~HSCPlazQItem() = default;
+HSCPlazQItem::~HSCPlazQItem() {
+    HSCPlazScriptCaches::nativeDestroyed(this);
+}
 
 void HSCPlazQItem::assignItem(HSCPlazQItemModel* model) {
     if (!model) return;

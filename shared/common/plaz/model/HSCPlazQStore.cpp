@@ -1,6 +1,7 @@
 #include "plaz/model/HSCPlazQStore.h"
 
 #include "plaz/HSCPlazUtils.h"
+#include "plaz/bindings/HSCPlazScriptCaches.h"
 #include "plaz/model/HSCPlazCategory.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "support/HUTFile.h"
@@ -12,6 +13,7 @@ constexpr std::size_t noPosition = static_cast<std::size_t>(-1);
 } // namespace
 
 HSCPlazQStore::~HSCPlazQStore() {
+    HSCPlazScriptCaches::nativeDestroyed(this);
     destroyItems();
     for (HSCPlazCategory* category : m_categories) delete category;
 }

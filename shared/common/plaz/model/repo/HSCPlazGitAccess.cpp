@@ -1,4 +1,5 @@
 #include "plaz/HSCPlazMsg.h"
+#include "plaz/HSCPlazUtils.h"
 #include "plaz/model/HSCPlazQStoreModel.h"
 #include "plaz/model/repo/HSCPlazGit.h"
 #include "plaz/model/repo/HSCPlazGitCredentials.h"
@@ -12,7 +13,6 @@
 #include "support/HUTFile.h"
 #include "support/HUTFork.h"
 
-#include <boost/algorithm/string/predicate.hpp>
 #include <boost/filesystem/path.hpp>
 
 namespace fs = boost::filesystem;
@@ -22,14 +22,10 @@ namespace {
 constexpr const char* httpProxyName = "plaz.http_proxy";
 constexpr const char* httpsProxyName = "plaz.https_proxy";
 
-bool isMainProduct() {
-    return boost::algorithm::iequals(HUTEnv::getProductName(), "solvan");
-}
-
 std::string getHttpProxy() {
     std::string proxy;
-    if (isMainProduct()) proxy = HPAParamMgr::getParamMgr().getValueAsString(httpProxyName);
-    if (boost::algorithm::iequals(HUTEnv::getProductName(), "kvq")) proxy = HSCPlazGit::getPreferredHttpProxy();
+    if (HSCPlazUtils::isProduct("solvan")) proxy = HPAParamMgr::getParamMgr().getValueAsString(httpProxyName);
+    if (HSCPlazUtils::isProduct("kvq")) proxy = HSCPlazGit::getPreferredHttpProxy();
     return HSCPlazGitUrl::normalizeProxy(proxy);
 }
 
@@ -120,15 +116,16 @@ std::string HSCPlazGit::getPreferredHttpProxy() {
 std::string HSCPlazGit::findProxyHelper() {
     static constexpr const char* helper = "bin/zenproxy.exe";
     const std::string program =
-        isMainProduct()
+        HSCPlazUtils::isProduct("solvan")
             ? HUTEnv::getGDAAppRoot(helper)
             : HUTEnv::getGDAAppRoot("/../../Solvan/" + HUTEnv::getProductMajorMinorVersion() + "/" + helper);
     return HUTFile::getCanonicalName(program);
 }
 
 std::string HSCPlazGit::getHttpsProxy() {
-    return isMainProduct() ? HSCPlazGitUrl::normalizeProxy(HPAParamMgr::getParamMgr().getValueAsString(httpsProxyName))
-                           : std::string();
+    return HSCPlazUtils::isProduct("solvan")
+               ? HSCPlazGitUrl::normalizeProxy(HPAParamMgr::getParamMgr().getValueAsString(httpsProxyName))
+               : std::string();
 }
 
 void HSCPlazGit::renewProxy(const std::string& dir) {

@@ -1,5 +1,6 @@
 #include "plaz/HSCPlazMsg.h"
 #include "plaz/HSCPlazTrust.h"
+#include "plaz/HSCPlazUtils.h"
 #include "plaz/model/repo/HSCPlazGit.h"
 #include "plaz/model/repo/HSCPlazGitCredentials.h"
 #include "plaz/model/repo/HSCPlazGitEnv.h"
@@ -13,7 +14,6 @@
 #include "support/HUTFork.h"
 #include "support/HUTSysCall.h"
 
-#include <boost/algorithm/string/predicate.hpp>
 #include <boost/filesystem.hpp>
 
 #include <iostream>
@@ -290,7 +290,7 @@ bool HSCPlazGit::hasToldFailure() {
 std::string HSCPlazGit::getGitExePath() {
     const std::string relative = "/../../Solvan/" + HUTEnv::getProductMajorMinorVersion() + "/tps/" + gitRelativePath;
     std::string path;
-    if (boost::algorithm::iequals(HUTEnv::getProductName(), "solvan")) {
+    if (HSCPlazUtils::isProduct("solvan")) {
         path = HUTEnv::getGDATpsPath(gitRelativePath);
     } else {
         path = HUTEnv::getGDAAppRoot(relative);

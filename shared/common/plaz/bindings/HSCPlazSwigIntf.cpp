@@ -1,0 +1,141 @@
+#include "plaz/bindings/HSCPlazSwigIntf.h"
+
+#include "plaz/HSCPlazMgr.h"
+#include "plaz/HSCPlazMsg.h"
+#include "plaz/HSCPlazTaskMgr.h"
+#include "plaz/HSCPlazTrust.h"
+#include "plaz/HSCPlazUtils.h"
+#include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazLogger.h"
+#include "plaz/model/HSCPlazQItem.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/repo/HSCPlazGit.h"
+#include "plaz/model/repo/HSCPlazGitCredentials.h"
+#include "scripting/task_manager.h"
+#include "support/HCCXPrefMgr.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <memory>
+
+namespace {
+
+constexpr const char* httpProxyName = "plaz.http_proxy";
+constexpr const char* storesPathName = "QSTORES_PATH";
+
+HSCPlaz& hub() {
+    return HSCPlazMgr::getInstance().getHub();
+}
+
+HCCXPref& preferences() {
+    return HCCXPrefMgr::getInstance().getDefaultXPref();
+}
+
+void requirePlain(bool isPlain, const std::string& text) {
+    if (!isPlain)
+        throw HEXAll(
+            ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::textNotForTcl, HSCPlazTrust::maskProxy(text)));
+}
+
+bool evaluate(const std::string& command) {
+    return hdi::tcltasks::task_manager::eval_in_tcl_throw(command, nullptr, false) != 0;
+}
+
+bool evaluateOn(const std::string& prefix, const std::string& name) {
+    requirePlain(HSCPlazTrust::isPlainTclName(name), name);
+    return evaluate(prefix + name + "]");
+}
+
+} // namespace
+
+const HSTVector<HSCPlazQStore*>& HSCPlazSwigIntf::getStores() {
+    const HSTVector<HSCPlazQStore*>& stores = hub().getStores();
+    HSCPlazLogger::inside("HSCPlazSwigIntf::getStores", " no. of stores - ", std::to_string(stores.size()));
+    return stores;
+}
+
+const HSCPlazQStore* HSCPlazSwigIntf::getStore(const std::string& name) {
+    return hub().getStore(name);
+}
+
+const HSTFwdIter<HSCPlazQItem*>* HSCPlazSwigIntf::getItems(const std::string& storeName) {
+    const HSCPlazQStore* store = getStore(storeName);
+    return std::make_unique<HSTFwdIter<HSCPlazQItem*>>(store ? store->getItems() : HSTVector<HSCPlazQItem*>())
+        .release();
+}
+
+bool HSCPlazSwigIntf::install(HSCPlazQItem* item, HDGUIStatus& /*status*/, HSCPlazException& /*exception*/) {
+    return item && evaluateOn("plaz::install [plaz::get_qitems ", item->getItemName());
+}
+
+bool HSCPlazSwigIntf::uninstall(HSCPlazQItem* item, HDGUIStatus& /*status*/, HSCPlazException& /*exception*/) {
+    return item && evaluateOn("plaz::uninstall [plaz::get_qitems ", item->getItemName());
+}
+
+bool HSCPlazSwigIntf::update(HSCPlazQItem* item, HDGUIStatus& /*status*/, HSCPlazException& /*exception*/) {
+    return item && evaluateOn("plaz::update [plaz::get_qitems ", item->getItemName());
+}
+
+bool HSCPlazSwigIntf::refreshCatalog(HSCPlazQStore* store, HDGUIStatus& /*status*/, HSCPlazException& /*exception*/) {
+    if (!store || store->getHub() != &hub()) return false;
+    return evaluateOn("plaz::refresh_catalog [plaz::get_qstores ", store->getName());
+}
+
+bool HSCPlazSwigIntf::hasUpdate(HSCPlazQStore* store, HDGUIStatus& /*status*/, HSCPlazException& exception) {
+    const std::string proxy = getHttpProxy();
+    try {
+        return HSCPlazTaskMgr::hasUpdate(store, proxy);
+    } catch (...) {
+        exception.error_msg = "Error: checking for updates failed" +
+                              (store ? " for store " + store->getDisplayName() : std::string()) +
+                              ", could be due to timeout or proxy settings.\n Current proxy setting: " +
+                              (proxy.empty() ? "null" : HSCPlazTrust::maskProxy(proxy)) + ".\n";
+        return false;
+    }
+}
+
+bool HSCPlazSwigIntf::isInstalled(HSCPlazQStore* store) {
+    return HSCPlazTaskMgr::isInstalled(store);
+}
+
+bool HSCPlazSwigIntf::isRefreshed(HSCPlazQStore* store) {
+    return HSCPlazTaskMgr::isRefreshed(store);
+}
+
+long HSCPlazSwigIntf::getLastRefreshTime(HSCPlazQStore* store) {
+    return HSCPlazTaskMgr::getLastRefreshTime(store);
+}
+
+bool HSCPlazSwigIntf::setQStoreLocalRootDir(HSCPlazQStore* store, const std::string& dir,
+                                            HSCPlazException& /*exception*/) {
+    return HSCPlazTaskMgr::setQStoreLocalRootDir(store, dir);
+}
+
+bool HSCPlazSwigIntf::canAccessRepo(HSCPlazQStore* store) {
+    const std::string url = store ? HSCPlazGitUrl::withoutUserPart(store->getUrl()) : "";
+    return HSCPlazTrust::isPlainShellWord(url) && HSCPlazTrust::isSafeUrl(url) &&
+           std::system(("wget --spider -q " + url).c_str()) == 0; // NOLINT(cert-env33-c): one harmless word
+}
+
+std::string HSCPlazSwigIntf::getHttpProxy() {
+    return HSCPlazGit::getPreferredHttpProxy();
+}
+
+void HSCPlazSwigIntf::setHttpProxy(const std::string& proxy) {
+    const bool isMainProduct = HSCPlazUtils::isProduct("solvan");
+    if (isMainProduct) requirePlain(HSCPlazTrust::isPlainTclText(proxy), proxy);
+    preferences().setVal(httpProxyName, {proxy});
+    HCCXPrefUtils::savePreferences();
+    if (isMainProduct) evaluate("set_param plaz.http_proxy " + proxy);
+}
+
+std::string HSCPlazSwigIntf::getQStoresPath() {
+    const std::vector<std::string> paths = preferences().getVal(storesPathName);
+    const auto found = std::find_if(paths.begin(), paths.end(), [](const std::string& path) { return !path.empty(); });
+    return found == paths.end() ? std::string() : *found;
+}
+
+bool HSCPlazSwigIntf::setQStoresPath(const std::string& path) {
+    requirePlain(HSCPlazTrust::isPlainTclText(path), path);
+    return evaluate("set_property QSTORES_PATH " + path + " [current_solvan_preferences]");
+}

@@ -1,0 +1,161 @@
+#include "scripting/native_cache_impl.h"
+#include "scripting/py_native_cache_impl.h"
+#include "scripting/task_manager.h"
+#include "support/MessagesTest.h"
+
+#include <cstdlib>
+#include <memory>
+#include <tcl.h>
+
+namespace {
+
+using hdi::tcltasks::task_manager;
+
+struct Thing {};
+using TclCache = hdi::tcltasks::native_cache<Thing*>;
+using PyCache = hdi::pyinfra::py_native_cache<Thing*>;
+
+int eval(const std::string& command) {
+    return task_manager::eval_in_tcl_throw(command, nullptr, false);
+}
+
+std::string textOf(const std::string& command) {
+    std::string result;
+    task_manager::eval_in_tcl_throw(command, &result, true);
+    return result;
+}
+
+std::string failureOf(const std::string& command) {
+    try {
+        eval(command);
+    } catch (const HEXAll& failure) {
+        return failure.getMsg().getId() + " " + failure.what();
+    }
+    return "none";
+}
+
+/// A script object that the test holds too, so that it outlives what the cache does.
+class HeldObject {
+public:
+    explicit HeldObject(const char* text) : m_object(Tcl_NewStringObj(text, -1)) { Tcl_IncrRefCount(m_object); }
+    ~HeldObject() { Tcl_DecrRefCount(m_object); }
+    HeldObject(const HeldObject&) = delete;
+    HeldObject& operator=(const HeldObject&) = delete;
+    operator Tcl_Obj*() const { return m_object; }
+
+private:
+    Tcl_Obj* m_object;
+};
+
+class ScriptCacheTest : public MessagesTest {
+protected:
+    ScriptCacheTest() { task_manager::get_interp(); }
+};
+
+} // namespace
+
+// A result that is lost or misread, an error text that is changed, state of one command that leaks into the next.
+TEST(TclEvaluatorTest, GivesIntegersTextsAndErrors) {
+    EXPECT_EQ(eval("set x 41; incr x"), 42);
+    EXPECT_EQ(eval("set y {}"), 0);
+    EXPECT_EQ(textOf("list $x {a b} \xC3\xA9"), "42 {a b} \xC3\xA9");
+    EXPECT_EQ(eval("proc f {} {return [expr {$::x > 1}]}; f"), 1);
+    EXPECT_EQ(failureOf("error {no such thing: [x]}"), "12-108 no such thing: [x]");
+    EXPECT_EQ(failureOf("set z word"), "12-108 expected integer but got \"word\"");
+    EXPECT_EQ(failureOf("set a {"), "12-108 missing close-brace");
+    EXPECT_EQ(failureOf(std::string("nul\0command", 11)).substr(0, 28), "12-108 invalid command name ");
+    EXPECT_EQ(eval("set x"), 42);
+}
+
+// A command that a user does not see, or one that was not meant to be seen.
+TEST(TclEvaluatorTest, EchoesWhatIsNotQuiet) {
+    Names echoed;
+    task_manager::set_echo([&](const std::string& command) { echoed.push_back(command); });
+    eval("expr 1+1");
+    textOf("expr 2+2");
+    EXPECT_EQ(failureOf("nonsense"), "12-108 invalid command name \"nonsense\"");
+    task_manager::set_echo({});
+    eval("expr 3+3");
+    EXPECT_EQ(echoed, (Names{"expr 1+1", "nonsense"}));
+}
+
+// A script object left behind with a dangling pointer, an entry that stays, another native object's entries lost.
+TEST_F(ScriptCacheTest, TclObjectsOfADyingObjectBecomeInvalid) {
+    Thing one, other, never;
+    const HeldObject first("one"), second("one again"), elsewhere("other");
+    TclCache::native_destroyed(&never); // nothing is observed yet
+    TclCache::add(&one, first);
+    TclCache::add(&one, second);
+    TclCache::add(&other, elsewhere);
+    TclCache::native_destroyed(&never);
+    Tcl_ConvertToType(nullptr, second, Tcl_GetObjType("list")); // as a script does by looking into it
+    TclCache::native_destroyed(&one);
+    for (Tcl_Obj* gone : {static_cast<Tcl_Obj*>(first), static_cast<Tcl_Obj*>(second)}) {
+        EXPECT_TRUE(TclCache::is_invalid(gone));
+        EXPECT_EQ(gone->refCount, 1);
+        EXPECT_EQ(TclCache::tables::find_native(TclCache::get_t2n_cache(), gone), nullptr);
+    }
+    EXPECT_STREQ(Tcl_GetString(second), "one again");
+    EXPECT_EQ(TclCache::tables::find_script(TclCache::get_n2t_cache(), &other), elsewhere);
+    EXPECT_EQ(TclCache::get_n2t_cache().size(), 1U);
+    TclCache::native_destroyed(&other);
+    EXPECT_EQ(takeIds(), Names{});
+}
+
+// A damaged pair of tables that goes unnoticed, or that keeps the objects after it valid.
+TEST_F(ScriptCacheTest, CorruptTablesAreReportedAndTheRestIsDone) {
+    Thing one, other;
+    const HeldObject lost("lost"), strayed("strayed"), fine("fine");
+    for (Tcl_Obj* object : {static_cast<Tcl_Obj*>(lost), static_cast<Tcl_Obj*>(strayed), static_cast<Tcl_Obj*>(fine)})
+        TclCache::add(&one, object);
+    TclCache::get_t2n_cache().erase(lost);
+    TclCache::get_t2n_cache()[strayed] = &other;
+    TclCache::native_destroyed(&one);
+    ASSERT_EQ(messages.size(), 2U);
+    EXPECT_EQ(messages[0].id + messages[0].text, "12-109native_cache<> corrupt");
+    EXPECT_TRUE(TclCache::is_invalid(fine));
+    EXPECT_FALSE(TclCache::is_invalid(strayed));
+    EXPECT_EQ(TclCache::get_n2t_cache().count(&one), 0U);
+    EXPECT_EQ(TclCache::get_t2n_cache().size(), 1U);
+}
+
+// The same for Python, whose objects are told through what the module lends.
+TEST_F(ScriptCacheTest, PythonObjectsAreToldThroughTheModule) {
+    static std::vector<PyObject*> invalid;
+    static bool isExiting = false;
+    PyCache::attach({[](PyObject* object) { invalid.push_back(object); }, [] { return isExiting; }});
+    char bodies[4];
+    const auto script = [&](int i) { return reinterpret_cast<PyObject*>(&bodies[i]); };
+    Thing one, other;
+    PyCache::add(&one, script(0));
+    PyCache::add(&one, script(1));
+    PyCache::add(&one, script(2));
+    PyCache::add(&other, script(3));
+    PyCache::remove(script(1));
+    PyCache::get_py2n_cache().erase(script(2));
+    PyCache::native_destroyed(&one);
+    EXPECT_EQ(invalid, std::vector<PyObject*>{script(0)});
+    ASSERT_EQ(messages.size(), 1U);
+    EXPECT_EQ(messages[0].text, "py_native_cache<> corrupt");
+    isExiting = true;
+    PyCache::native_destroyed(&other);
+    EXPECT_EQ(invalid.size() + PyCache::get_n2py_cache().size(), 2U);
+    isExiting = false;
+    EXPECT_FALSE(PyCache::observers()); // for good
+    PyCache::attach({nullptr, nullptr});
+}
+
+// Objects of an interpreter that is being taken down, touched when the hub goes.
+TEST_F(ScriptCacheTest, NothingIsToldWhileTclExits) {
+    EXPECT_EXIT(
+        {
+            static Thing one;
+            TclCache::add(&one, Tcl_NewStringObj("one", -1));
+            std::atexit([] {
+                TclCache::native_destroyed(&one);
+                std::_Exit(TclCache::get_t2n_cache().size() == 1 && !TclCache::observers() ? 7 : 8);
+            });
+            Tcl_Exit(0);
+        },
+        testing::ExitedWithCode(7), "");
+}
