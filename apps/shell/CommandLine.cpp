@@ -121,6 +121,13 @@ void addCommands(CLI::App& app, Options& options) {
     CLI::App* params = app.add_subcommand("params", "List parameters with value, default and description");
     params->add_option("PATTERN", options.pattern, "Names to list: a pattern with * ? [a-z]")->type_name("");
     params->add_flag("--hidden", options.hidden, "List hidden parameters too");
+    CLI::App* shell = app.add_subcommand("shell", "Run Tcl with the hub's commands: plaz shell [SCRIPT [ARG...]]");
+    shell->prefix_command()->fallthrough(false); // what stands behind SCRIPT is the script's
+    addSharedOptions(*shell, options);
+    shell->footer(
+        "Commands: plaz::get_qstores, plaz::get_qitems, plaz::install, plaz::uninstall, plaz::update, "
+        "plaz::refresh_catalog, get_property, set_param and others; each takes -help. Without SCRIPT they are "
+        "read from standard input.");
     CLI::App* validate = app.add_subcommand("validate", "Check metadata files against their schemas");
     validate->add_option("FILE", options.files, "Hub, configuration, store, catalog, item or database files")
         ->type_name("")
@@ -161,6 +168,12 @@ void checkUpdate(const Options& options) {
     if (!options.all && options.items.empty()) throw CLI::ValidationError("update", "name items, or say --all");
 }
 
+std::vector<std::string> readScript(const Options& options, const std::vector<std::string>& words) {
+    if (options.json) throw CLI::ValidationError("shell", "--json does not go with it: scripts print what they want");
+    if (!words.empty() && words.front().rfind('-', 0) == 0) throw CLI::ExtrasError({words.front()});
+    return words;
+}
+
 } // namespace
 
 CommandLine CommandLine::parse(int argc, const char* const* argv) {
@@ -181,6 +194,8 @@ CommandLine CommandLine::parse(int argc, const char* const* argv) {
         options.command = app.get_subcommands().front()->get_name();
         options.query.words = splitWords(options.query.words);
         if (options.command == "update") checkUpdate(options);
+        if (options.command == "shell")
+            options.script = readScript(options, app.get_subcommands().front()->remaining());
         return line;
     } catch (const CLI::CallForHelp&) {
         line.kind = Kind::help;

@@ -1,5 +1,6 @@
 #include "HubActions.h"
 
+#include "MessageWatch.h"
 #include "ShellMsg.h"
 #include "UpdateDecision.h"
 
@@ -106,10 +107,12 @@ StoreResult HubActions::refresh(HSCPlazQStore& store) {
     return describe(store, hasCatalog);
 }
 
-bool HubActions::refreshHub() {
-    const bool isDone = succeeds([&] { return HSCPlazTaskMgr::updateCatalog(&m_hub, m_status); });
-    if (!isDone && !HUTFork::isInterrupted()) ComMsgMgr::send(ShellMsg::hubNotRefreshed, MsgSeverity::error);
-    return isDone;
+std::optional<std::set<std::string>> HubActions::refreshHub() {
+    const MessageWatch watch;
+    if (succeeds([&] { return HSCPlazTaskMgr::updateCatalog(&m_hub, m_status); }))
+        return watch.getSubjects(Msg::storeNotRefreshed);
+    if (!HUTFork::isInterrupted()) ComMsgMgr::send(ShellMsg::hubNotRefreshed, MsgSeverity::error);
+    return std::nullopt;
 }
 
 StoreResult HubActions::describe(HSCPlazQStore& store, bool hasCatalog) {

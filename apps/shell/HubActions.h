@@ -1,6 +1,8 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -60,9 +62,10 @@ public:
     /// in force. Items of the store are new objects afterwards.
     StoreResult refresh(HSCPlazQStore& store);
     /// Fetches the hub's own metadata and the catalogs of all stores that it lists. Afterwards stores and items are new
-    /// objects, and each store whose catalog has not come was named by Msg::storeNotRefreshed. On failure the hub is as
-    /// it was.
-    bool refreshHub();
+    /// objects. What its catalog says of the items of each store is left to describe().
+    /// @return the stores whose catalogs have not come (Msg::storeNotRefreshed); nothing on failure, with the hub as it
+    ///         was
+    std::optional<std::set<std::string>> refreshHub();
     /// The rest of a store's refresh after refreshHub(): what its catalog says of its items.
     /// @param hasCatalog  the catalog has come; without it the store has failed
     StoreResult describe(HSCPlazQStore& store, bool hasCatalog);

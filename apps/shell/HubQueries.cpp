@@ -7,10 +7,13 @@
 
 #include "plaz/HSCPlazMsg.h"
 #include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazModel.h"
 #include "plaz/model/HSCPlazQItem.h"
+#include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
 
 #include <algorithm>
+#include <string_view>
 #include <unordered_map>
 
 namespace {
@@ -33,16 +36,17 @@ std::vector<HSCPlazQItem*> entriesOf(const HSCPlazQStore& store, const std::stri
     return entries;
 }
 
-/// The entry that stands for all of one item: the latest, or an installed one, or the first. Null for no entries.
+/// How well an entry stands for all of its item: the latest revision best, an installed one better than others.
+int rankOf(const HSCPlazQItem& item) {
+    if (item.getModel() && item.getModel()->getRevision() == item.getModel()->getLatestRevision()) return 2;
+    return item.IsInstalled() ? 1 : 0;
+}
+
+/// The entry that stands for all of one item: the first of the highest rank. Null for no entries.
 HSCPlazQItem* pickEntry(const std::vector<HSCPlazQItem*>& entries) {
-    const auto find = [&](auto fits) {
-        const auto found = std::find_if(entries.begin(), entries.end(), fits);
-        return found == entries.end() ? nullptr : *found;
-    };
-    if (HSCPlazQItem* latest = find([](auto* item) { return item->getRevision() == item->getLatestRevision(); }))
-        return latest;
-    if (HSCPlazQItem* installed = find([](auto* item) { return item->IsInstalled(); })) return installed;
-    return entries.empty() ? nullptr : entries.front();
+    const auto isLower = [](const HSCPlazQItem* a, const HSCPlazQItem* b) { return rankOf(*a) < rankOf(*b); };
+    const auto picked = std::max_element(entries.begin(), entries.end(), isLower);
+    return picked == entries.end() ? nullptr : *picked;
 }
 
 /// The entry of one item that is to be updated; null when none has an update.
@@ -94,6 +98,26 @@ void addLines(const ItemQuery& query, const std::vector<HSCPlazQItem*>& entries,
     for (HSCPlazQItem* item : fitting) lines.push_back(listed(*item, entries));
 }
 
+/// Collects one entry for each item of a store, in catalog order, without a list for each.
+class BestEntries {
+public:
+    /// @param count  how many entries there may be
+    BestEntries(std::vector<HSCPlazQItem*>& found, std::size_t count) : m_found(found) { m_positions.reserve(count); }
+
+    void add(HSCPlazQItem& item) {
+        const std::string_view name = item.getModel() ? std::string_view(item.getModel()->getName()) : "";
+        const auto [position, isNew] = m_positions.emplace(name, m_found.size());
+        if (isNew)
+            m_found.push_back(&item);
+        else if (HSCPlazQItem*& best = m_found[position->second]; rankOf(item) > rankOf(*best))
+            best = &item;
+    }
+
+private:
+    std::vector<HSCPlazQItem*>& m_found;
+    std::unordered_map<std::string_view, std::size_t> m_positions;
+};
+
 bool needs(const HSCPlazQItem& item, const HSCPlazQItem& other) {
     const auto& dependencies = item.getItemDependencies();
     return std::any_of(dependencies.begin(), dependencies.end(), [&](const HSCPlazQItemDependency* dependency) {
@@ -103,6 +127,10 @@ bool needs(const HSCPlazQItem& item, const HSCPlazQItem& other) {
 }
 
 } // namespace
+
+bool HubQueries::hasHub() const {
+    return !m_hub.getStores().empty() || (m_hub.getModel() && m_hub.getModel()->hasMetadataFile());
+}
 
 HSCPlazQStore& HubQueries::getStore(const std::string& name) const {
     if (HSCPlazQStore* store = m_hub.getStore(name)) return *store;
@@ -116,6 +144,17 @@ std::vector<HSCPlazQStore*> HubQueries::getScope(const std::string& store) const
     return {&getStore(store)};
 }
 
+std::vector<HSCPlazQStore*> HubQueries::getStores(const std::vector<std::string>& names,
+                                                  const std::set<std::string>& others) const {
+    if (names.empty()) return m_hub.getStores();
+    std::vector<HSCPlazQStore*> stores;
+    for (const std::string& name : names) stores.push_back(&getStore(name));
+    for (HSCPlazQStore* store : m_hub.getStores())
+        if (others.count(store->getName()) != 0 && std::find(stores.begin(), stores.end(), store) == stores.end())
+            stores.push_back(store);
+    return stores;
+}
+
 std::vector<ListedItem> HubQueries::findItems(const ItemQuery& query) const {
     std::vector<ListedItem> lines;
     for (const HSCPlazQStore* store : getScope(query.store)) {
@@ -123,6 +162,23 @@ std::vector<ListedItem> HubQueries::findItems(const ItemQuery& query) const {
         for (const auto& entries : groupByName(store->getItems())) addLines(query, entries, filter, lines);
     }
     return lines;
+}
+
+std::vector<HSCPlazQItem*> HubQueries::selectItems(const ItemQuery& query,
+                                                   const std::function<bool(const HSCPlazQItem&)>& fits) const {
+    std::vector<HSCPlazQItem*> found;
+    for (const HSCPlazQStore* store : getScope(query.store)) {
+        const ItemFilter filter(query, *store);
+        BestEntries best(found, store->getItems().size());
+        for (HSCPlazQItem* item : store->getItems()) {
+            if (!filter.fits(*item) || (fits && !fits(*item))) continue;
+            if (query.allRevisions)
+                found.push_back(item);
+            else
+                best.add(*item);
+        }
+    }
+    return found;
 }
 
 HSCPlazQItem& HubQueries::resolve(const ItemReference& reference, const std::string& store) const {

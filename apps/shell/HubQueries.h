@@ -2,6 +2,8 @@
 
 #include "ItemReference.h"
 
+#include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -51,14 +53,25 @@ class HubQueries {
 public:
     explicit HubQueries(HSCPlaz& hub) : m_hub(hub) {}
 
+    /// Whether there is a hub to ask: its metadata was found, or it has stores all the same.
+    bool hasHub() const;
+
     /// The first store of exactly that name.
     HSCPlazQStore& getStore(const std::string& name) const;
     /// All stores, or the one named.
     std::vector<HSCPlazQStore*> getScope(const std::string& store) const;
+    /// The stores of these names, in their order, and behind them those of @p others that are not among them. Without
+    /// names: all stores.
+    std::vector<HSCPlazQStore*> getStores(const std::vector<std::string>& names,
+                                          const std::set<std::string>& others = {}) const;
 
     /// Items that fit @p query, store by store in catalog order. One line for each item: its latest revision, or
     /// where that does not fit the query an installed one, or the first.
     std::vector<ListedItem> findItems(const ItemQuery& query) const;
+    /// The items of those lines alone.
+    /// @param fits  which entries of the catalogs may be found; empty for all that fit the query
+    std::vector<HSCPlazQItem*> selectItems(const ItemQuery& query,
+                                           const std::function<bool(const HSCPlazQItem&)>& fits) const;
 
     /// The one catalog entry that a reference means: without a revision the latest, or the installed one, or the first
     /// where there is no latest.

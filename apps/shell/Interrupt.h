@@ -6,7 +6,9 @@ class HDGUIStatus;
 /// one ends the process as usual.
 namespace Interrupt {
 
-/// From now on Ctrl-C cancels @p status, which must live until the process ends.
-void cancelOnCtrlC(HDGUIStatus& status);
+/// From now on Ctrl-C cancels @p status, which must live until the process ends. Called again after a cancellation, it
+/// makes the next Ctrl-C another first one.
+/// @param also  is called as well, from the signal handler; may be null
+void cancelOnCtrlC(HDGUIStatus& status, void (*also)() = nullptr);
 
 } // namespace Interrupt

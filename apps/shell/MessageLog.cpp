@@ -19,13 +19,6 @@ std::string MessageLog::getFirstError() const {
     return found == m_messages.end() ? std::string() : found->text;
 }
 
-std::set<std::string> MessageLog::getSubjects(const MsgId<1>& id) const {
-    std::set<std::string> subjects;
-    for (const ComMsgMgr::Message& message : m_messages)
-        if (id.key == "@" + message.id + "@%s") subjects.insert(message.args.front());
-    return subjects;
-}
-
 void MessageLog::take(const ComMsgMgr::Message& message) {
     if (m_quiet && message.label == "INFO") return;
     m_messages.push_back(message);

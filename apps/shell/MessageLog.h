@@ -2,7 +2,6 @@
 
 #include "support/ComMsgMgr.h"
 
-#include <set>
 #include <string>
 #include <vector>
 
@@ -21,9 +20,6 @@ public:
     const std::vector<ComMsgMgr::Message>& getMessages() const { return m_messages; }
     /// Text of the first error; empty when there was none.
     std::string getFirstError() const;
-
-    /// First arguments of the messages of that id.
-    std::set<std::string> getSubjects(const MsgId<1>& id) const;
 
 private:
     void take(const ComMsgMgr::Message& message);

@@ -26,6 +26,7 @@ struct Options {
     std::string pattern;             ///< params
     bool hidden = false;             ///< params
     std::vector<std::string> files;  ///< validate
+    std::vector<std::string> script; ///< shell: a script and its arguments; empty for none
 };
 
 /// Exit status of the program.

@@ -1,9 +1,11 @@
 #include "Program.h"
 
+#include "ActOnEach.h"
 #include "HubParams.h"
 #include "JsonOutput.h"
 #include "ShellMsg.h"
 #include "StdoutDiversion.h"
+#include "TclShell.h"
 #include "TextOutput.h"
 
 #include "plaz/HSCPlazMgr.h"
@@ -120,15 +122,14 @@ int Program::runCommand() {
         {"install", &Program::runInstall}, {"uninstall", &Program::runUninstall}, {"update", &Program::runUpdate},
         {"refresh", &Program::runRefresh}, {"check", &Program::runCheck},         {"relocate", &Program::runRelocate},
         {"paths", &Program::runPaths},     {"params", &Program::runParams},       {"validate", &Program::runValidate},
-        {"doctor", &Program::runDoctor}};
+        {"doctor", &Program::runDoctor},   {"shell", &Program::runShell}};
     return (this->*commands.at(m_options.command))();
 }
 
 HSCPlaz& Program::getHub() {
     HSCPlaz& hub = HSCPlazMgr::getInstance().getHub();
     if (m_status.isCanceled()) throw Stop{exitStatus::cancelled};
-    const bool isFound = !hub.getStores().empty() || (hub.getModel() && hub.getModel()->hasMetadataFile());
-    if (!isFound) throw Stop{exitStatus::failed};
+    if (!HubQueries(hub).hasHub()) throw Stop{exitStatus::failed};
     return hub;
 }
 
@@ -160,41 +161,28 @@ template <typename Resolve> std::vector<HSCPlazQItem*> Program::resolveAll(Resol
 }
 
 template <typename Action> int Program::act(const std::vector<HSCPlazQItem*>& items, Action action) {
-    HubActions actions(getHub(), m_options.quiet, &m_status);
-    std::vector<ActionResult> results;
-    for (HSCPlazQItem* item : items) {
-        if (m_status.isCanceled()) break;
-        m_progress.beginPart(results.size() + 1, items.size());
-        results.push_back((actions.*action)(*item));
-    }
-    m_progress.erase();
+    const auto results = actOnAll(items, action);
     m_output->showActions(results);
-    const bool isDone = results.size() == items.size() &&
-                        std::all_of(results.begin(), results.end(), [](const auto& result) { return result.isDone(); });
-    return isDone ? exitStatus::done : exitStatus::failed;
+    return results.size() == items.size() && areDone(results) ? exitStatus::done : exitStatus::failed;
+}
+
+template <typename Subject, typename Action>
+auto Program::actOnAll(const std::vector<Subject*>& subjects, Action action) {
+    HubActions actions(getHub(), m_options.quiet, &m_status);
+    auto results = actOnEach(actions, subjects, m_status, action,
+                             [this](std::size_t number, std::size_t count) { m_progress.beginPart(number, count); });
+    m_progress.erase();
+    return results;
 }
 
 std::vector<HSCPlazQStore*> Program::getStores() {
-    const HubQueries queries(getHub());
-    if (m_options.stores.empty()) return queries.getScope("");
-    std::vector<HSCPlazQStore*> stores;
-    for (const std::string& name : m_options.stores) stores.push_back(&queries.getStore(name));
-    return stores;
+    return HubQueries(getHub()).getStores(m_options.stores);
 }
 
 template <typename Action> int Program::actOnStores(const std::vector<HSCPlazQStore*>& stores, Action action) {
-    HubActions actions(getHub(), m_options.quiet, &m_status);
-    std::vector<StoreResult> results;
-    for (HSCPlazQStore* store : stores) {
-        if (m_status.isCanceled()) break;
-        m_progress.beginPart(results.size() + 1, stores.size());
-        results.push_back(std::invoke(action, actions, *store));
-    }
-    m_progress.erase();
+    const auto results = actOnAll(stores, action);
     m_output->showStoreResults(results);
-    const bool isDone = results.size() == stores.size() &&
-                        std::all_of(results.begin(), results.end(), [](const auto& result) { return result.isDone; });
-    return isDone ? exitStatus::done : exitStatus::failed;
+    return results.size() == stores.size() && areDone(results) ? exitStatus::done : exitStatus::failed;
 }
 
 int Program::runRefresh() {
@@ -202,19 +190,16 @@ int Program::runRefresh() {
 }
 
 int Program::refreshWithHub() {
-    if (!HubActions(getHub(), m_options.quiet, &m_status).refreshHub()) {
+    const auto failed = HubActions(getHub(), m_options.quiet, &m_status).refreshHub();
+    if (!failed) {
         m_output->showStoreResults({});
         return exitStatus::failed;
     }
-    const std::set<std::string> failed = m_log.getSubjects(Msg::storeNotRefreshed);
-    std::vector<HSCPlazQStore*> stores = getStores();
-    for (HSCPlazQStore* store :
-         getHub().getStores()) // the hub's refresh was for all: nothing that failed is passed over
-        if (failed.count(store->getName()) != 0 && std::find(stores.begin(), stores.end(), store) == stores.end())
-            stores.push_back(store);
-    return actOnStores(stores, [&](HubActions& actions, HSCPlazQStore& store) {
-        return actions.describe(store, failed.count(store.getName()) == 0);
-    });
+    // The hub's refresh was for all: nothing that failed is passed over.
+    return actOnStores(HubQueries(getHub()).getStores(m_options.stores, *failed),
+                       [&](HubActions& actions, HSCPlazQStore& store) {
+                           return actions.describe(store, failed->count(store.getName()) == 0);
+                       });
 }
 
 int Program::runCheck() {
@@ -262,6 +247,10 @@ int Program::runDoctor() {
     if (problems == 0) return exitStatus::done;
     ComMsgMgr::send(ShellMsg::problemsFound, MsgSeverity::error, std::to_string(problems));
     return exitStatus::failed;
+}
+
+int Program::runShell() {
+    return TclShell(m_status, m_log, m_progress).run(m_options.script);
 }
 
 int Program::runParams() {

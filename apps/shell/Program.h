@@ -36,7 +36,7 @@ private:
     int refreshWithHub();
     /// The stores named, or all.
     std::vector<HSCPlazQStore*> getStores();
-    /// Does @p action(HubActions, store) to each store until the run is cancelled.
+    /// Does @p action(HubActions, store) to each store until the run is cancelled, and shows what became of them.
     template <typename Action> int actOnStores(const std::vector<HSCPlazQStore*>& stores, Action action);
     int runRelocate();
     int runInstall();
@@ -46,6 +46,7 @@ private:
     int runParams();
     int runValidate();
     int runDoctor();
+    int runShell();
 
     int refuse(const std::string& problem);
     int finish(int status, const std::string& error);
@@ -53,7 +54,9 @@ private:
     /// Every item of the command line, once each, as @p resolve of HubQueries understands it; all before any is
     /// touched.
     template <typename Resolve> std::vector<HSCPlazQItem*> resolveAll(Resolve resolve);
-    /// Does @p action of HubActions to each item until the run is cancelled, and shows what became of them.
+    /// Does @p action of HubActions to each until the run is cancelled. @return what became of them
+    template <typename Subject, typename Action> auto actOnAll(const std::vector<Subject*>& subjects, Action action);
+    /// Does it to items, and shows what became of them.
     template <typename Action> int act(const std::vector<HSCPlazQItem*>& items, Action action);
 
     CommandLine m_line;

@@ -15,7 +15,22 @@ inline constexpr MsgId<2> filesNotValid{"@17-2187@%s%s"};  ///< how many, of how
 inline constexpr MsgId<1> itemFetchedAgain{"@17-2188@%s"}; ///< display name
 inline constexpr MsgId<2> storeNotMoved{"@17-2192@%s%s"};  ///< store, directory
 inline constexpr MsgId<0> hubNotRefreshed{"@17-2194@"};
-inline constexpr MsgId<2> storeNotChecked{"@17-2195@%s%s"}; ///< store, why
-inline constexpr MsgId<1> problemsFound{"@17-2196@%s"};     ///< how many
+inline constexpr MsgId<2> storeNotChecked{"@17-2195@%s%s"};   ///< store, why
+inline constexpr MsgId<1> problemsFound{"@17-2196@%s"};       ///< how many
+inline constexpr MsgId<2> nothingFits{"@17-2197@%s%s"};       ///< "item" or "store", pattern
+inline constexpr MsgId<2> filterWrong{"@17-2198@%s%s"};       ///< character, what is wrong there
+inline constexpr MsgId<1> objectGone{"@17-2199@%s"};          ///< text of the script object
+inline constexpr MsgId<2> objectOfOtherKind{"@17-2200@%s%s"}; ///< its text, "a store, not an item"
+inline constexpr MsgId<2> propertyUnknown{"@17-2201@%s%s"};   ///< property, the properties there are
+inline constexpr MsgId<1> propertyReadOnly{"@17-2202@%s"};    ///< property
+inline constexpr MsgId<1> paramUnknown{"@17-2203@%s"};        ///< parameter
+inline constexpr MsgId<1> paramRefused{"@17-2204@%s"};        ///< parameter
+inline constexpr MsgId<0> nothingNamed{"@17-2205@"};
+inline constexpr MsgId<1> preferencesNotSaved{"@17-2206@%s"}; ///< file
+inline constexpr MsgId<1> notAReference{"@17-2207@%s"};       ///< text
+inline constexpr MsgId<0> hubNotFound{"@17-2208@"};
+inline constexpr MsgId<0> textHoldsNul{"@17-2209@"};
+inline constexpr MsgId<1> notOneStore{"@17-2210@%s"};  ///< what was named
+inline constexpr MsgId<1> notOneObject{"@17-2211@%s"}; ///< how many were named
 inline constexpr MsgId<0> cancelled{"@17-2190@"};
 } // namespace ShellMsg

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <ostream>
+#include <sstream>
 
 namespace {
 
@@ -44,4 +45,12 @@ void TextTable::print(std::ostream& out) const {
     for (const Row& row : m_rows) widen(widths, row);
     if (!m_header.empty()) printRow(out, m_header, widths);
     for (const Row& row : m_rows) printRow(out, row, widths);
+}
+
+std::string TextTable::toText() const {
+    std::ostringstream out;
+    print(out);
+    std::string text = out.str();
+    if (!text.empty()) text.pop_back();
+    return text;
 }

@@ -13,6 +13,8 @@ public:
     void addRow(const std::vector<std::string>& cells);
     /// Writes the table; nothing when it has no rows.
     void print(std::ostream& out) const;
+    /// What print() writes, without the last line's end.
+    std::string toText() const;
 
 private:
     std::vector<std::string> m_header;

@@ -35,3 +35,7 @@ void HUTSysCall::restoreStandardOutput(int kept) {
 int HUTSysCall::getTerminalWidth() {
     return platform::getTerminalWidth();
 }
+
+bool HUTSysCall::isInputTerminal() {
+    return platform::isInputTerminal();
+}

@@ -20,4 +20,6 @@ public:
     static void restoreStandardOutput(int kept);
     /// Columns of the terminal that standard error is; 0 when it is none.
     static int getTerminalWidth();
+    /// Whether a person may be typing on standard input.
+    static bool isInputTerminal();
 };

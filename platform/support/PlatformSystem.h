@@ -26,5 +26,7 @@ int divertStandardOutput();
 void restoreStandardOutput(int kept);
 /// Columns of the terminal that standard error is; 0 when it is none.
 int getTerminalWidth();
+/// Whether standard input is a terminal.
+bool isInputTerminal();
 
 } // namespace platform

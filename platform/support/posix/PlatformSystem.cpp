@@ -71,4 +71,8 @@ int getTerminalWidth() {
     return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usualWidth;
 }
 
+bool isInputTerminal() {
+    return isatty(STDIN_FILENO) == 1;
+}
+
 } // namespace platform

@@ -1,0 +1,72 @@
+#include "TclCall.h"
+
+#include "ShellMsg.h"
+#include "TclObjects.h"
+
+#include <algorithm>
+
+std::string textOf(Tcl_Obj* object) {
+    int length = 0;
+    const char* bytes = Tcl_GetStringFromObj(object, &length);
+    if (std::all_of(bytes, bytes + length, [](char c) { return c > 0; }))
+        return {bytes, static_cast<std::size_t>(length)};
+    Tcl_DString converted;
+    Tcl_Encoding utf8 = Tcl_GetEncoding(nullptr, "utf-8");
+    Tcl_UtfToExternalDString(utf8, bytes, length, &converted); // Tcl's own form differs for NUL and rare characters
+    std::string text(Tcl_DStringValue(&converted), static_cast<std::size_t>(Tcl_DStringLength(&converted)));
+    Tcl_DStringFree(&converted);
+    Tcl_FreeEncoding(utf8);
+    if (text.find('\0') != std::string::npos) failTcl("", ShellMsg::textHoldsNul);
+    return text;
+}
+
+Tcl_Obj* makeText(const std::string& text) {
+    return Tcl_NewStringObj(text.data(), static_cast<int>(text.size()));
+}
+
+Tcl_Obj* makeList(const std::vector<std::string>& texts) {
+    Tcl_Obj* list = Tcl_NewListObj(0, nullptr);
+    for (const std::string& text : texts) Tcl_ListObjAppendElement(nullptr, list, makeText(text));
+    return list;
+}
+
+TclCall::TclCall(const TclCommand& command, HDGUIStatus& status, Tcl_Interp* interp, int count, Tcl_Obj* const* words)
+    : m_command(command), m_status(status), m_interp(interp), m_all(words) {
+    int i = 1;
+    for (; i < count && *Tcl_GetString(words[i]) == '-' && !isScriptObject(words[i]); ++i) {
+        if (std::string_view(Tcl_GetString(words[i])) == "--") {
+            ++i;
+            break;
+        }
+        int index = 0;
+        if (Tcl_GetIndexFromObjStruct(interp, words[i], command.options.data(), sizeof(TclOption), "option", 0,
+                                      &index) != TCL_OK)
+            throw TclErrorIsSet{};
+        const TclOption& option = command.options[static_cast<std::size_t>(index)];
+        if (option.value && ++i == count) failUsage();
+        m_options.emplace_back(option.name, words[i]);
+    }
+    m_words.assign(words + i, words + count);
+}
+
+Tcl_Obj* TclCall::getValue(std::string_view option) const {
+    Tcl_Obj* value = nullptr;
+    for (const auto& [name, word] : m_options)
+        if (name == option) value = word;
+    return value;
+}
+
+void TclCall::expectWords(std::size_t least, std::size_t most) const {
+    if (m_words.size() < least || m_words.size() > most) failUsage();
+}
+
+std::string TclCall::joinWords(std::size_t first, std::size_t last) const {
+    std::string text;
+    for (std::size_t i = first; i < last; ++i) text += (i == first ? "" : " ") + textOf(m_words[i]);
+    return text;
+}
+
+void TclCall::failUsage() const {
+    Tcl_WrongNumArgs(m_interp, 1, m_all, m_command.arguments);
+    throw TclErrorIsSet{};
+}

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+class HDGUIStatus;
+struct Tcl_Interp;
+
+/// Gives an interpreter the hub's commands: plaz::get_qstores, plaz::get_qitems, plaz::install, plaz::uninstall,
+/// plaz::update, plaz::refresh_catalog, get_property, set_property, list_property, report_property,
+/// current_solvan_preferences, set_param, get_param, list_param, reset_param and report_param. Each takes -help.
+///
+/// Prints the commands that come through HSCPlazSwigIntf from now on, unless the parameter
+/// "plaz.echoCommandFromToolSettings" is off. May be called again.
+///
+/// A command that fails is an error of Tcl with a sentence as its result and an errorCode: "PLAZ" and the number of the
+/// message, "CANCELLED" or "STALE"; for wrong usage Tcl's own.
+///
+/// @param interp  of the thread that uses the hub
+/// @param status  progress and cancellation of all commands; must outlive the interpreter
+void registerPlazCommands(Tcl_Interp* interp, HDGUIStatus& status);
+
+/// What one of the commands takes, for who completes lines.
+struct PlazCommand {
+    /// What the words behind the options name.
+    enum class Subject { nothing, items, stores, objects, params };
+
+    std::string name;
+    std::vector<std::string> options;
+    Subject subject;
+};
+
+/// All commands, in the order of the help.
+std::vector<PlazCommand> listPlazCommands();

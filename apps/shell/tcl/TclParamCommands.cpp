@@ -1,0 +1,80 @@
+#include "HubParams.h"
+#include "ShellMsg.h"
+#include "TclCall.h"
+#include "TextTable.h"
+
+#include "support/HPAParamMgr.h"
+
+namespace {
+
+HPAParamMgr& params() {
+    return HPAParamMgr::getParamMgr();
+}
+
+const HPAParam& requireParam(const std::string& name) {
+    const HPAParam* param = params().findParam(name);
+    if (!param) failTcl("", ShellMsg::paramUnknown, name);
+    return *param;
+}
+
+/// RATIONALE: several words are one value, joined by single blanks, and none is the empty text: user interfaces put
+/// values into the command as they are.
+Tcl_Obj* setParam(const TclCall& call) {
+    const std::size_t count = call.getWords().size();
+    call.expectWords(1, count);
+    const HPAParam& param = requireParam(textOf(call.getWords().front()));
+    if (!params().setValue(param.getName(), call.joinWords(1, count)))
+        failTcl("", ShellMsg::paramRefused, param.getName());
+    return Tcl_NewIntObj(1);
+}
+
+Tcl_Obj* getParam(const TclCall& call) {
+    call.expectWords(1, 1);
+    return makeText(shownValue(requireParam(textOf(call.getWords().front()))));
+}
+
+Tcl_Obj* resetParam(const TclCall& call) {
+    call.expectWords(1, 1);
+    params().resetValue(requireParam(textOf(call.getWords().front())).getName());
+    return Tcl_NewIntObj(1);
+}
+
+std::vector<const HPAParam*> select(const TclCall& call) {
+    call.expectWords(0, 1);
+    return findParams(call.joinWords(0, call.getWords().size()), call.has("-hidden"));
+}
+
+Tcl_Obj* listParam(const TclCall& call) {
+    std::vector<std::string> names;
+    for (const HPAParam* param : select(call)) names.push_back(param->getName());
+    return makeList(names);
+}
+
+Tcl_Obj* reportParam(const TclCall& call) {
+    TextTable table({"PARAMETER", "VALUE", "DEFAULT", "DESCRIPTION"});
+    for (const HPAParam* param : select(call))
+        table.addRow({param->getName(), shownValue(*param), param->getDefault(), param->getDescription()});
+    return makeText(table.toText());
+}
+
+const std::vector<TclOption> onlyHelp{{"-help", nullptr, "Show this help"}, {nullptr, nullptr, nullptr}};
+const std::vector<TclOption> hiddenToo{
+    {"-hidden", nullptr, "Hidden parameters too"}, {"-help", nullptr, "Show this help"}, {nullptr, nullptr, nullptr}};
+
+} // namespace
+
+const std::vector<TclCommand>& paramCommands() {
+    using Subject = PlazCommand::Subject;
+    static const std::vector<TclCommand> commands{
+        {"set_param", "name ?value ...?", "Sets a parameter until the program ends. Several words are one value.",
+         onlyHelp, Subject::params, true, setParam},
+        {"get_param", "name", "The value of a parameter; user ids and tokens read \"***\".", onlyHelp, Subject::params,
+         false, getParam},
+        {"list_param", "?-hidden? ?pattern?", "The names of the parameters.", hiddenToo, Subject::params, false,
+         listParam},
+        {"reset_param", "name", "Brings a parameter's default back.", onlyHelp, Subject::params, false, resetParam},
+        {"report_param", "?-hidden? ?pattern?", "A table of the parameters with value, default and description.",
+         hiddenToo, Subject::params, false, reportParam},
+    };
+    return commands;
+}

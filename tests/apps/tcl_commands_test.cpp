@@ -1,0 +1,183 @@
+#include "TclCommands.h"
+
+#include "plaz/HSCPlazMgr.h"
+#include "plaz/HSCPlazParams.h"
+#include "plaz/bindings/HSCPlazSwigIntf.h"
+#include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazQItem.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "scripting/task_manager.h"
+#include "support/HDGUIStatus.h"
+#include "support/HubOnDisk.h"
+#include "support/MessagesTest.h"
+
+#include <tcl.h>
+
+namespace {
+
+/// A command, and its result or error.
+struct Row {
+    const char* command;
+    const char* expected; ///< an error begins with "!" and its errorCode
+};
+
+/// Two stores that share an item's name, in the process's one interpreter.
+class TclCommandsTest : public MessagesTest {
+protected:
+    TclCommandsTest() {
+        StoreOnDisk& boards = files.addStore("boards", "board", true);
+        boards.item("x", "1").item("x", "2").item("a*b", "1").item("aXb", "1").item("my board", "1").item("both", "1");
+        StoreOnDisk& tcl = files.addStore("tcl", "ced", false);
+        tcl.item("kit", "1").item("tool", "1", {{"tcl", "kit", ""}}).item("both", "2");
+        tcl.ship(files.temp.path("published"));
+        for (const char* file : {"store.json", "catalog.json"})
+            tcl.getRepo().write(file, readFile(files.temp.path("published/tcl/") + file));
+        tcl.getRepo().commit();
+        files.ship();
+        plaz_startup();
+        registerPlazCommands(interp, status);
+        registerPlazCommands(interp, status);
+    }
+
+    std::string eval(const std::string& command) const {
+        const int code = Tcl_EvalEx(interp, command.data(), static_cast<int>(command.size()), TCL_EVAL_GLOBAL);
+        const std::string result = Tcl_GetStringResult(interp);
+        return code == TCL_OK ? result
+                              : std::string("!") + Tcl_GetVar(interp, "errorCode", TCL_GLOBAL_ONLY) + ": " + result;
+    }
+    /// A row whose expectation ends in "..." tells how the result begins.
+    void check(const std::vector<Row>& rows) const {
+        for (const Row& row : rows) {
+            std::string expected = row.expected;
+            std::string result = eval(row.command);
+            if (expected.size() > 3 && expected.compare(expected.size() - 3, 3, "...") == 0) {
+                expected.resize(expected.size() - 3);
+                result.resize(std::min(result.size(), expected.size()));
+            }
+            EXPECT_EQ(result, expected) << row.command;
+        }
+    }
+
+    HubOnDisk files;
+    Tcl_Interp* interp = hdi::tcltasks::task_manager::get_interp();
+    static inline HDGUIStatus status; // outlives the interpreter
+};
+
+// Catches: a name taken for a pattern or for an option, items lost, doubled or out of order, filters that let others
+// in.
+TEST_F(TclCommandsTest, findsStoresAndItems) {
+    check({{"plaz::get_qstores", "boards tcl"},
+           {"plaz::get_qstores t* nix", "tcl"},
+           {"plaz::get_qitems -store boards", "x a*b aXb {my board} boards::both"},
+           {"plaz::get_qitems -store [plaz::get_qstores tcl] k* kit *t", "kit"},
+           {"plaz::get_qitems -all_revisions x", "x x@1"},
+           {"plaz::get_qitems both", "boards::both tcl::both"},
+           {"plaz::get_qitems tcl::*o*", "tool tcl::both"},
+           {"plaz::get_qitems a*b", "a*b"},
+           {"plaz::get_qitems a?b", "a*b aXb"},
+           {"plaz::get_qitems my board", "{my board}"},
+           {"plaz::get_qitems -- -installed", ""},
+           {"plaz::get_qitems kit -installed", "kit"},
+           {"plaz::get_qitems -installed", ""},
+           {"plaz::get_qitems -filter {STORE == tcl && (name =~ ?it || name == \"tool\")}", "kit tool"},
+           {"plaz::get_qitems -filter {!installed && revision >= 2}", "x tcl::both"},
+           {"plaz::get_qitems -filter {revision < 2 && !(name =~ {*b}) && name < n}", "{my board} boards::both kit"},
+           {"plaz::get_qitems -filter {dependencies =~ *kit}", "tool"},
+           {"plaz::get_qitems -filter {dependencies !~ *kit && store != boards}", "kit tcl::both"},
+           {"plaz::get_qitems -filter {reference_count < 10 && installed == FALSE && store == tcl}",
+            "kit tool tcl::both"}});
+    EXPECT_EQ(takeIds(), (Names{"17-2197", "17-2197", "17-2197"}));
+}
+
+// Catches: input that breaks the interpreter, changes something, or is answered by anything but a clean error.
+TEST_F(TclCommandsTest, refusesWhatItCannotUse) {
+    const std::string deep = "plaz::get_qitems -filter {" + std::string(100000, '(') + "}";
+    const std::string longName = "plaz::install " + std::string(1000000, 'n');
+    check(
+        {{"plaz::install", "!TCL WRONGARGS: wrong # args: should be \"plaz::install ?-quiet? items ...\""},
+         {"plaz::get_qitems -bogus",
+          "!TCL LOOKUP INDEX option -bogus: bad option \"-bogus\": must be -store, -filter, ..."},
+         {"plaz::install {}", "!PLAZ 17-2205..."},
+         {"plaz::install nix", "!PLAZ 17-2181..."},
+         {"plaz::install both", "!PLAZ 17-2183..."},
+         {"plaz::install {x nix}", "!PLAZ 17-2181..."},
+         {"plaz::install x@9", "!PLAZ 17-2184..."},
+         {"plaz::install ::x", "!PLAZ 17-2207..."},
+         {"plaz::install [plaz::get_qstores tcl]", "!PLAZ 17-2200: \"tcl\" is a store, not an item."},
+         {"plaz::refresh_catalog [plaz::get_qitems x]", "!PLAZ 17-2200..."},
+         {"plaz::refresh_catalog {}", "!PLAZ 17-2205..."},
+         {"plaz::uninstall x", "!PLAZ 17-2165..."},
+         {"plaz::update [plaz::get_qitems x]", "!PLAZ 17-2165..."},
+         {"plaz::install \\{nix", "!PLAZ 17-2181..."},
+         {"plaz::install {[exit] $x}", "!PLAZ 17-2181..."},
+         {"plaz::install \"x\\0y\"", "!PLAZ 17-2209..."},
+         {"plaz::install \xc3\xa9\xf0\x9f\x98\x80", "!PLAZ 17-2181: There is no item \"\xc3\xa9\xf0\x9f\x98\x80\"..."},
+         {"plaz::get_qitems -filter {name == }",
+          "!PLAZ 17-2198: The filter cannot be used: at character 9, a value..."},
+         {"plaz::get_qitems -filter {\xc3\xa9 == 1}",
+          "!PLAZ 17-2198: The filter cannot be used: at character 1, there..."},
+         {"plaz::get_qitems -filter {installed < 1}", "!PLAZ 17-2198: The filter cannot be used: at character 11..."},
+         {"plaz::get_qitems -filter {name}", "!PLAZ 17-2198..."},
+         {"plaz::get_qitems -filter {installed installed}", "!PLAZ 17-2198..."},
+         {"plaz::get_qitems -filter {reference_count =~ 1}", "!PLAZ 17-2198..."},
+         {deep.c_str(), "!PLAZ 17-2198..."},
+         {longName.c_str(), "!PLAZ 17-2181..."},
+         {"get_property nix x", "!PLAZ 17-2201..."},
+         {"set_property NAME y x", "!PLAZ 17-2202..."},
+         {"list_property {x kit}", "!PLAZ 17-2211..."},
+         {"set_param nix 1", "!PLAZ 17-2203..."},
+         {"plaz::get_qitems -installed", ""}});
+    EXPECT_EQ(takeIds(), Names{});
+}
+
+// Catches: an object that loses its identity or keeps it beyond its item, the wrong revision removed, a failure without
+// its reason, work that goes on after cancellation.
+TEST_F(TclCommandsTest, actsOnObjectsAndNames) {
+    check({{"set old [lindex [plaz::get_qitems -all_revisions x] 1]; llength $old; string length $old", "3"},
+           {"plaz::install -quiet $old [plaz::get_qitems tool]", "2"},
+           {"plaz::get_qitems -installed", "x@1 kit tool"},
+           {"plaz::uninstall kit", "!PLAZ 17-1568..."},
+           {"plaz::uninstall -quiet [plaz::get_qitems x]", "1"},
+           {"plaz::install -quiet {my board}", "1"},
+           {"plaz::install -quiet {x tcl::both}", "2"},
+           {"plaz::uninstall -quiet [plaz::get_qitems both]", "1"},
+           {"set gone [plaz::get_qitems -store tcl]; plaz::refresh_catalog -quiet tcl", "1"},
+           {"plaz::install [lindex $gone 0]", "!PLAZ STALE: \"kit\" is gone..."},
+           {"get_property NAME $gone", "!PLAZ STALE..."},
+           {"plaz::uninstall -quiet tool; plaz::get_qitems -installed", "x {my board}"}});
+    status.cancel();
+    check({{"plaz::uninstall x", "!PLAZ CANCELLED..."}});
+    status.setState(HDGUIStatus::running);
+    check({{"plaz::get_qitems -installed", "x {my board}"}});
+}
+
+// Catches: values of the wrong form, a preference or parameter that is not kept, secrets shown.
+TEST_F(TclCommandsTest, readsAndSetsPropertiesAndParameters) {
+    check({{"get_property name [plaz::get_qitems tool]", "tool"},
+           {"get_property INSTALLED {kit tool}", "0 0"},
+           {"get_property dependencies tool", "tcl::kit"},
+           {"get_property item_count tcl", "3"},
+           {"list_property boards *_count", "ITEM_COUNT INSTALLED_COUNT"},
+           {"set_property QSTORES_PATH /a dir [current_solvan_preferences]", "1"},
+           {"get_property qstores_path [current_solvan_preferences]", "{/a dir}"},
+           {"set_property plaz.http_proxy me:secret@proxy:80 [current_solvan_preferences]", "1"},
+           {"get_property plaz.http_proxy [current_solvan_preferences]", "***@proxy:80"},
+           {"report_property [current_solvan_preferences] Q*", "PROPERTY      VALUE\nQSTORES_PATH  {/a dir}"},
+           {"set_param plaz.HTTP_proxy me:secret@proxy:80", "1"},
+           {"get_param plaz.http_proxy", "***@proxy:80"},
+           {"reset_param plaz.http_proxy; get_param plaz.http_proxy", ""},
+           {"set_param plaz.gitTimeout secret", "!PLAZ 17-2204..."},
+           {"regexp secret $errorInfo", "0"},
+           {"list_param *.git*", "plaz.git_token.board_store"},
+           {"list_param -hidden *gitT*", "plaz.gitTimeout"}});
+    EXPECT_NE(readFile(files.temp.path("appdata/preferences.json")).find("/a dir"), std::string::npos);
+    testing::internal::CaptureStdout();
+    HSCPlazSwigIntf::setQStoresPath("/other place");
+    HSCPlazSwigIntf::setHttpProxy("me:secret@proxy:80");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(),
+              "set_property QSTORES_PATH /other place [current_solvan_preferences]\nset_param plaz.http_proxy "
+              "***@proxy:80\n");
+    EXPECT_EQ(HSCPlazSwigIntf::getQStoresPath(), "/other place");
+}
+
+} // namespace
