@@ -1,4 +1,5 @@
 option(PLAZ_TESTS "Build the tests" ON)
+option(PLAZ_PYTHON "Build the Python module" ON)
 option(PLAZ_BENCH "Build the benchmarks" OFF)
 option(PLAZ_FUZZ "Build the fuzz targets (clang only)" OFF)
 option(PLAZ_WERROR "Treat warnings as errors" OFF)
@@ -17,6 +18,12 @@ if(PLAZ_SANITIZE)
   if(CMAKE_CXX_COMPILER_ID STREQUAL Clang)
     add_compile_options(-fno-sanitize=pointer-overflow)
   endif()
+endif()
+
+# The distribution's Python, where there is one, rather than one that happens to come first in PATH: the packages that
+# setup installs are for it.
+if(EXISTS /usr/bin/python3)
+  set(Python3_EXECUTABLE /usr/bin/python3 CACHE FILEPATH "Python to build and test with")
 endif()
 
 find_program(PLAZ_CCACHE ccache)

@@ -2,7 +2,7 @@
 # Installs the build, moves the result and uses it from there: catches a header or data file that is not installed,
 # a path of the build or of the first prefix that was compiled in, and a package file that leads nowhere.
 set -euo pipefail
-cmake=$1 source=$2 build=$3 compiler=$4 sanitize=$5
+cmake=$1 source=$2 build=$3 compiler=$4 sanitize=$5 python=${6:-}
 
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -41,6 +41,15 @@ done <headers.txt
 eval "'$compiler' -std=c++17 -fsyntax-only $flags header_*.cpp" || fail "an installed header does not stand alone"
 
 "$prefix/bin/plaz" stores | grep -q tclscripts || fail "the installed program does not find the hub"
+
+if [ -n "$python" ]; then # the module was built
+  # The interpreter is not built with the sanitizers: their runtime has to be there before the module is.
+  preload=${sanitize:+$("$compiler" -print-file-name=libasan.so):$("$compiler" -print-file-name=libstdc++.so)}
+  PYTHONPATH="$prefix/lib/python3/dist-packages" LD_PRELOAD=$preload ASAN_OPTIONS=detect_leaks=0 \
+    "$python" -B -c 'import plaz; print(plaz.stores())' | grep -q "plaz.Store tclscripts" ||
+    fail "the installed module does not find the hub"
+fi
+
 find "sample hub/data" "$prefix/share/plaz/data/plaz" -maxdepth 99 -name '*.json' -not -path '*/schemas/*' \
   -not -name messages.json -print0 | xargs -0 "$prefix/bin/plaz" validate >validate.txt || { cat validate.txt; fail "a metadata file is not valid"; }
 [ "$(wc -l <validate.txt)" -ge 20 ] || fail "few metadata files were checked"

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "Queries.h"
+
+// What scripts let the hub do; see the docstrings. What fails raises.
+
+pybind11::list install(const pybind11::object& items, const OptionalText& store, bool quiet, pybind11::object progress);
+pybind11::list uninstall(const pybind11::object& items, const OptionalText& store, bool quiet,
+                         pybind11::object progress);
+pybind11::list update(const pybind11::object& items, const OptionalText& store, bool quiet, pybind11::object progress);
+/// @param stores  None for all
+pybind11::list refresh(const pybind11::object& stores, bool hub, pybind11::object progress);
+pybind11::object checkStore(const StoreHandle& store);
+void setProduct(const Text& name, const Text& version);

@@ -1,0 +1,182 @@
+#include "Actions.h"
+#include "Settings.h"
+
+#include <pybind11/stl.h>
+
+namespace py = pybind11;
+using namespace py::literals;
+
+namespace {
+
+std::vector<std::string> valuesOf(const std::vector<Text>& texts) {
+    std::vector<std::string> values;
+    for (const Text& text : texts) values.push_back(text.value);
+    return values;
+}
+
+std::string valueOf(const OptionalText& text) {
+    return text ? text->value : std::string();
+}
+
+py::list listItems(const OptionalText& pattern, const OptionalText& store, const OptionalText& category,
+                   const std::vector<Text>& words, bool installed, bool outdated, bool allRevisions,
+                   const OptionalText& filter) {
+    return findItems(
+        {valueOf(pattern), valueOf(store), valueOf(category), valuesOf(words), installed, outdated, allRevisions},
+        filter);
+}
+
+py::list listItemsOf(const StoreHandle& self, const OptionalText& pattern, const OptionalText& category,
+                     const std::vector<Text>& words, bool installed, bool outdated, bool allRevisions,
+                     const OptionalText& filter) {
+    return findItemsOf(
+        self, {valueOf(pattern), {}, valueOf(category), valuesOf(words), installed, outdated, allRevisions}, filter);
+}
+
+void defineQueries(py::module_& module) {
+    module.def("stores", &findStores, "pattern"_a = py::none(),
+               "stores(pattern=None)\n--\n\n"
+               "The hub's stores, in its order: all, or those whose names fit the glob pattern.");
+    module.def("store", &findStore, "name"_a,
+               "store(name)\n--\n\nThe store of exactly that name.\n\n"
+               "Raises NotFoundError when there is none.");
+    module.def("items", &listItems, "pattern"_a = py::none(), py::kw_only(), "store"_a = py::none(),
+               "category"_a = py::none(), "words"_a = py::tuple(), "installed"_a = false, "outdated"_a = false,
+               "all_revisions"_a = false, "filter"_a = py::none(),
+               "items(pattern=None, *, store=None, category=None, words=(), installed=False, outdated=False, "
+               "all_revisions=False, filter=None)\n--\n\n"
+               "The items that fit, store by store in catalog order; one for each item, its latest revision where that "
+               "fits.\n\n"
+               "pattern: glob on the name; \"STORE::NAME\" holds one on the store's name too.\n"
+               "store: name of the store to look in.\n"
+               "category: name of a category; those below it count as well.\n"
+               "words: texts that must each occur in what describes the item, in any case.\n"
+               "installed, outdated: only revisions that are installed, or installed and have an update.\n"
+               "all_revisions: every revision.\n"
+               "filter: a condition on properties, such as 'installed && company =~ Sample*'.\n\n"
+               "Raises NotFoundError for an unknown store and Error for a wrong condition.");
+    module.def(
+        "item", &findItem, "reference"_a, "store"_a = py::none(),
+        "item(reference, store=None)\n--\n\n"
+        "The one item that \"ITEM\", \"ITEM@REVISION\" or \"STORE::ITEM@REVISION\" means; without a revision the "
+        "latest.\n\n"
+        "Raises NotFoundError for none and AmbiguousError for several.");
+}
+
+void defineActions(py::module_& module) {
+    module.def("install", &install, "items"_a, py::kw_only(), "store"_a = py::none(), "quiet"_a = false,
+               "progress"_a = py::none(),
+               "install(items, *, store=None, quiet=False, progress=None)\n--\n\n"
+               "Installs items, each with all that it needs.\n\n"
+               "items: one Item or reference, or several; all are found before any is touched.\n"
+               "store: name of the store in which references are looked up.\n"
+               "quiet: leaves out the good news.\n"
+               "progress: called with a text and a percentage; cancels by returning False or raising.\n\n"
+               "Returns an ActionResult for each item. Raises Error when one fails, with what became of each in "
+               "its results; what was done stays done.");
+    module.def("uninstall", &uninstall, "items"_a, py::kw_only(), "store"_a = py::none(), "quiet"_a = false,
+               "progress"_a = py::none(),
+               "uninstall(items, *, store=None, quiet=False, progress=None)\n--\n\n"
+               "Removes installed items with all that nothing else needs. A reference without a revision means the "
+               "one that is installed. Arguments and result are those of install().");
+    module.def("update", &update, "items"_a, py::kw_only(), "store"_a = py::none(), "quiet"_a = false,
+               "progress"_a = py::none(),
+               "update(items, *, store=None, quiet=False, progress=None)\n--\n\n"
+               "Brings installed items up to date. An Item whose revision is not installed means the installed one. "
+               "Arguments and result are those of install().");
+    module.def("refresh", &refresh, "stores"_a = py::none(), py::kw_only(), "hub"_a = false, "progress"_a = py::none(),
+               "refresh(stores=None, *, hub=False, progress=None)\n--\n\n"
+               "Fetches the catalogs of stores, names or Store objects; of all stores without any. Their items are new "
+               "objects afterwards.\n\n"
+               "hub: fetches the hub's own list of stores first; stores are new objects afterwards, too.\n"
+               "progress: as for install().\n\n"
+               "Returns a StoreResult for each store. Raises Error when one fails.");
+    module.def(
+        "set_product", &setProduct, "name"_a, "version"_a,
+        "set_product(name, version)\n--\n\n"
+        "Sets the product and its version for which stores choose their catalogs; empty texts change nothing.\n\n"
+        "Raises Error when the hub has started.");
+}
+
+void defineSettings(py::module_& module) {
+    module.def("get_param", &getParam, "name"_a);
+    module.def("set_param", &setParam, "name"_a, "value"_a);
+    module.def("reset_param", &resetParam, "name"_a);
+    module.def("list_params", &listParams);
+    module.def("get_preference", &getPreference, "name"_a);
+    module.def("set_preference", &setPreference, "name"_a, "values"_a);
+    module.def("list_preferences", &listPreferences);
+}
+
+std::string documented(const std::string& signatureAndText) {
+    return signatureAndText + "\n\nRaises StaleObjectError once the object is gone, because its store was refreshed.";
+}
+
+void defineStore(py::module_& module) {
+    auto store = defineClass<HSCPlazQStore>(
+        module, "Store",
+        "A store: a repository that publishes items. Iterating over it gives one Item for each item, as items() does.");
+    store.def("items", &listItemsOf, "pattern"_a = py::none(), py::kw_only(), "category"_a = py::none(),
+              "words"_a = py::tuple(), "installed"_a = false, "outdated"_a = false, "all_revisions"_a = false,
+              "filter"_a = py::none(),
+              documented("items(self, pattern=None, *, category=None, words=(), installed=False, outdated=False, "
+                         "all_revisions=False, filter=None)\n--\n\n"
+                         "The items of this store that fit, as plaz.items() finds them.")
+                  .c_str());
+    store.def("__iter__", [](const StoreHandle& self) { return py::iter(findItemsOf(self, {}, {})); });
+    store.def("__len__", &countItems);
+    store.def(
+        "refresh",
+        [](const py::object& self, py::object progress) -> py::object {
+            return refresh(self, false, std::move(progress))[0];
+        },
+        "progress"_a = py::none(),
+        documented("refresh(self, progress=None)\n--\n\n"
+                   "Fetches this store's catalog, as plaz.refresh() does. The store stays the same object.")
+            .c_str());
+    store.def(
+        "check", &checkStore,
+        documented("check(self)\n--\n\n"
+                   "Asks the remote whether it has moved since the last refresh: the outcome is \"up-to-date\" or "
+                   "\"outdated\".\n\nRaises Error when it gives no answer.")
+            .c_str());
+}
+
+/// The method of an item that does what the function of that name does to it alone.
+template <typename Act> void defineAction(py::class_<ItemHandle>& type, const char* name, Act act) {
+    type.def(
+        name,
+        [act](const py::object& self, bool quiet, py::object progress) -> py::object {
+            return act(self, {}, quiet, std::move(progress))[0];
+        },
+        py::kw_only(), "quiet"_a = false, "progress"_a = py::none(),
+        documented(std::string(name) + "(self, *, quiet=False, progress=None)\n--\n\nDoes to this item what plaz." +
+                   name + "() does, and returns its ActionResult.")
+            .c_str());
+}
+
+void defineItem(py::module_& module) {
+    auto item = defineClass<HSCPlazQItem>(module, "Item", "One revision of an item of a store's catalog.");
+    defineAction(item, "install", &install);
+    defineAction(item, "uninstall", &uninstall);
+    defineAction(item, "update", &update);
+    item.def("needed_items", &findNeeded,
+             documented("needed_items(self)\n--\n\n"
+                        "The items that its dependencies name, each in the revision asked for, else the latest.\n\n"
+                        "Raises NotFoundError when the hub has no such item.")
+                 .c_str());
+}
+
+} // namespace
+
+PYBIND11_MODULE(_plaz, module) {
+    py::options options;
+    options.disable_function_signatures(); // docstrings begin with signatures that the inspect module reads
+    defineStore(module);
+    defineItem(module);
+    defineQueries(module);
+    defineActions(module);
+    defineSettings(module);
+    serveCaches();
+    Call::serveHub();
+}
