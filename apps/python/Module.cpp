@@ -113,19 +113,21 @@ std::string documented(const std::string& signatureAndText) {
 }
 
 void defineStore(py::module_& module) {
-    auto store = defineClass<HSCPlazQStore>(
+    defineClass<HSCPlazQStore>(
         module, "Store",
         "A store: a repository that publishes items. Iterating over it gives one Item for each item, as items() does.");
-    store.def("items", &listItemsOf, "pattern"_a = py::none(), py::kw_only(), "category"_a = py::none(),
-              "words"_a = py::tuple(), "installed"_a = false, "outdated"_a = false, "all_revisions"_a = false,
-              "filter"_a = py::none(),
-              documented("items(self, pattern=None, *, category=None, words=(), installed=False, outdated=False, "
-                         "all_revisions=False, filter=None)\n--\n\n"
-                         "The items of this store that fit, as plaz.items() finds them.")
-                  .c_str());
-    store.def("__iter__", [](const StoreHandle& self) { return py::iter(findItemsOf(self, {}, {})); });
-    store.def("__len__", &countItems);
-    store.def(
+    defineMethod<HSCPlazQStore>(
+        "items", &listItemsOf, "pattern"_a = py::none(), py::kw_only(), "category"_a = py::none(),
+        "words"_a = py::tuple(), "installed"_a = false, "outdated"_a = false, "all_revisions"_a = false,
+        "filter"_a = py::none(),
+        documented("items(self, pattern=None, *, category=None, words=(), installed=False, outdated=False, "
+                   "all_revisions=False, filter=None)\n--\n\n"
+                   "The items of this store that fit, as plaz.items() finds them.")
+            .c_str());
+    defineMethod<HSCPlazQStore>("__iter__",
+                                [](const StoreHandle& self) { return py::iter(findItemsOf(self, {}, {})); });
+    defineMethod<HSCPlazQStore>("__len__", &countItems);
+    defineMethod<HSCPlazQStore>(
         "refresh",
         [](const py::object& self, py::object progress) -> py::object {
             return refresh(self, false, std::move(progress))[0];
@@ -134,7 +136,7 @@ void defineStore(py::module_& module) {
         documented("refresh(self, progress=None)\n--\n\n"
                    "Fetches this store's catalog, as plaz.refresh() does. The store stays the same object.")
             .c_str());
-    store.def(
+    defineMethod<HSCPlazQStore>(
         "check", &checkStore,
         documented("check(self)\n--\n\n"
                    "Asks the remote whether it has moved since the last refresh: the outcome is \"up-to-date\" or "
@@ -143,8 +145,8 @@ void defineStore(py::module_& module) {
 }
 
 /// The method of an item that does what the function of that name does to it alone.
-template <typename Act> void defineAction(py::class_<ItemHandle>& type, const char* name, Act act) {
-    type.def(
+template <typename Act> void defineAction(const char* name, Act act) {
+    defineMethod<HSCPlazQItem>(
         name,
         [act](const py::object& self, bool quiet, py::object progress) -> py::object {
             return act(self, {}, quiet, std::move(progress))[0];
@@ -156,15 +158,16 @@ template <typename Act> void defineAction(py::class_<ItemHandle>& type, const ch
 }
 
 void defineItem(py::module_& module) {
-    auto item = defineClass<HSCPlazQItem>(module, "Item", "One revision of an item of a store's catalog.");
-    defineAction(item, "install", &install);
-    defineAction(item, "uninstall", &uninstall);
-    defineAction(item, "update", &update);
-    item.def("needed_items", &findNeeded,
-             documented("needed_items(self)\n--\n\n"
-                        "The items that its dependencies name, each in the revision asked for, else the latest.\n\n"
-                        "Raises NotFoundError when the hub has no such item.")
-                 .c_str());
+    defineClass<HSCPlazQItem>(module, "Item", "One revision of an item of a store's catalog.");
+    defineAction("install", &install);
+    defineAction("uninstall", &uninstall);
+    defineAction("update", &update);
+    defineMethod<HSCPlazQItem>(
+        "needed_items", &findNeeded,
+        documented("needed_items(self)\n--\n\n"
+                   "The items that its dependencies name, each in the revision asked for, else the latest.\n\n"
+                   "Raises NotFoundError when the hub has no such item.")
+            .c_str());
 }
 
 } // namespace

@@ -40,8 +40,8 @@ py::list selectItems(Call& call, const ItemQuery& query, const OptionalText& fil
 std::vector<NamedItem> readItems(const py::list& items) {
     std::vector<NamedItem> named;
     for (const py::handle item : items)
-        if (py::isinstance<ItemHandle>(item))
-            named.emplace_back(&item.cast<const ItemHandle&>());
+        if (const ItemHandle* object = ItemHandle::of(item))
+            named.emplace_back(object);
         else if (py::isinstance<py::str>(item))
             named.emplace_back(readReference(item.cast<Text>().value));
         else
@@ -52,8 +52,8 @@ std::vector<NamedItem> readItems(const py::list& items) {
 std::vector<std::string> readStores(const py::list& stores) {
     std::vector<std::string> names;
     for (const py::handle store : stores)
-        if (py::isinstance<StoreHandle>(store))
-            names.push_back(callHub([&](Call&) { return store.cast<const StoreHandle&>().get().getName(); }));
+        if (const StoreHandle* object = StoreHandle::of(store))
+            names.push_back(callHub([&](Call&) { return object->get().getName(); }));
         else if (py::isinstance<py::str>(store))
             names.push_back(store.cast<Text>().value);
         else

@@ -13,8 +13,7 @@ using OptionalText = std::optional<Text>;
 /// A list of what scripts name or hold: @p names itself, where it is one text or object, else what it yields. Runs the
 /// script's code, so it comes before the call.
 template <typename Native> pybind11::list listNamed(const pybind11::object& names) {
-    if (!pybind11::isinstance<pybind11::str>(names) && !pybind11::isinstance<Handle<Native>>(names))
-        return pybind11::list(names);
+    if (!pybind11::isinstance<pybind11::str>(names) && !Handle<Native>::of(names)) return pybind11::list(names);
     pybind11::list one;
     one.append(names);
     return one;

@@ -13,7 +13,6 @@
 #include "plaz/model/HSCPlazQStore.h"
 
 #include <algorithm>
-#include <string_view>
 #include <unordered_map>
 
 namespace {
@@ -98,25 +97,21 @@ void addLines(const ItemQuery& query, const std::vector<HSCPlazQItem*>& entries,
     for (HSCPlazQItem* item : fitting) lines.push_back(listed(*item, entries));
 }
 
-/// Collects one entry for each item of a store, in catalog order, without a list for each.
-class BestEntries {
-public:
-    /// @param count  how many entries there may be
-    BestEntries(std::vector<HSCPlazQItem*>& found, std::size_t count) : m_found(found) { m_positions.reserve(count); }
-
-    void add(HSCPlazQItem& item) {
-        const std::string_view name = item.getModel() ? std::string_view(item.getModel()->getName()) : "";
-        const auto [position, isNew] = m_positions.emplace(name, m_found.size());
-        if (isNew)
-            m_found.push_back(&item);
-        else if (HSCPlazQItem*& best = m_found[position->second]; rankOf(item) > rankOf(*best))
-            best = &item;
+/// Adds one entry for each item of a store, the best of those that are wanted, in catalog order.
+template <typename IsWanted>
+void addBestEntries(const HSCPlazQStore& store, IsWanted isWanted, std::vector<HSCPlazQItem*>& found) {
+    const HSTVector<HSCPlazQItem*>& items = store.getItems();
+    std::vector<bool> isDone(items.size());
+    for (std::size_t first = 0; first < items.size(); ++first) {
+        if (isDone[first]) continue;
+        HSCPlazQItem* best = nullptr;
+        for (std::size_t entry = first; entry < items.size(); entry = store.getNextOfName(entry)) {
+            isDone[entry] = true;
+            if (isWanted(*items[entry]) && (!best || rankOf(*items[entry]) > rankOf(*best))) best = items[entry];
+        }
+        if (best) found.push_back(best);
     }
-
-private:
-    std::vector<HSCPlazQItem*>& m_found;
-    std::unordered_map<std::string_view, std::size_t> m_positions;
-};
+}
 
 bool needs(const HSCPlazQItem& item, const HSCPlazQItem& other) {
     const auto& dependencies = item.getItemDependencies();
@@ -169,14 +164,13 @@ std::vector<HSCPlazQItem*> HubQueries::selectItems(const ItemQuery& query,
     std::vector<HSCPlazQItem*> found;
     for (const HSCPlazQStore* store : getScope(query.store)) {
         const ItemFilter filter(query, *store);
-        BestEntries best(found, store->getItems().size());
-        for (HSCPlazQItem* item : store->getItems()) {
-            if (!filter.fits(*item) || (fits && !fits(*item))) continue;
-            if (query.allRevisions)
-                found.push_back(item);
-            else
-                best.add(*item);
-        }
+        const auto isWanted = [&](const HSCPlazQItem& item) { return filter.fits(item) && (!fits || fits(item)); };
+        const HSTVector<HSCPlazQItem*>& items = store->getItems();
+        if (query.allRevisions)
+            std::copy_if(items.begin(), items.end(), std::back_inserter(found),
+                         [&](const HSCPlazQItem* item) { return isWanted(*item); });
+        else
+            addBestEntries(*store, isWanted, found);
     }
     return found;
 }

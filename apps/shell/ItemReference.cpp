@@ -26,5 +26,9 @@ ItemReference ItemReference::of(const HSCPlazQItem& item) {
 }
 
 std::string ItemReference::toText() const {
-    return (store.empty() ? "" : store + "::") + name + (revision.empty() ? "" : "@" + revision);
+    std::string text = store;
+    if (!store.empty()) text += "::";
+    text += name;
+    if (!revision.empty()) text.append("@").append(revision);
+    return text;
 }

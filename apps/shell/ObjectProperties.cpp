@@ -3,7 +3,6 @@
 #include "ItemReference.h"
 #include "StoreSummary.h"
 #include "UpdateDecision.h"
-#include "Utf8.h"
 
 #include "plaz/HSCPlazTaskMgr.h"
 #include "plaz/HSCPlazTrust.h"
@@ -13,6 +12,7 @@
 #include "plaz/model/HSCPlazQStore.h"
 
 #include <algorithm>
+#include <cstring>
 
 namespace {
 
@@ -34,6 +34,12 @@ PropertyValue dependenciesOf(const Item& item) {
 PropertyValue lastRefreshOf(const Store& store) {
     auto& asked = const_cast<Store&>(store); // the task manager asks nothing of the store but its place
     return HSCPlazTaskMgr::isRefreshed(&asked) ? std::int64_t{HSCPlazTaskMgr::getLastRefreshTime(&asked)} : 0;
+}
+
+/// Whether a name, in any case, is that of a property.
+bool isNameOf(const std::string& name, const char* property) {
+    const auto isSame = [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a - 'A' + 'a' : a) == b; };
+    return std::equal(name.begin(), name.end(), property, property + std::strlen(property), isSame);
 }
 
 } // namespace
@@ -122,9 +128,8 @@ template <> const std::vector<Property<Item>>& propertiesOf() {
 
 template <typename Native> const Property<Native>* findProperty(const std::string& name) {
     const std::vector<Property<Native>>& properties = propertiesOf<Native>();
-    const auto found =
-        std::find_if(properties.begin(), properties.end(),
-                     [lowered = utf8::lowered(name)](const auto& property) { return lowered == property.name; });
+    const auto found = std::find_if(properties.begin(), properties.end(),
+                                    [&](const auto& property) { return isNameOf(name, property.name); });
     return found == properties.end() ? nullptr : &*found;
 }
 

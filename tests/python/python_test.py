@@ -167,7 +167,7 @@ class PythonTest(unittest.TestCase):
         self.assertEqual(plaz.item("csv-kit"), items[10])
         for stale in (items[0], gone):
             for name, member in [(n, m) for n, m in vars(type(stale)).items() if not n.startswith("_")]:
-                use = (lambda: getattr(stale, name)) if isinstance(member, property) else getattr(stale, name)
+                use = (lambda: getattr(stale, name)) if inspect.isdatadescriptor(member) else getattr(stale, name)
                 failure = self.raised(plaz.StaleObjectError, use)
                 self.assertIn(f'"{stale}" is gone', str(failure))
             self.assertIn(" gone>", repr(stale))
@@ -289,7 +289,7 @@ class PythonTest(unittest.TestCase):
             self.assertEqual(fields, set(getattr(cls, "_fields", vars(plaz.Error("")) if cls is plaz.Error else ())))
             self.assertEqual(public(members), public(vars(cls)) - fields, name)
             for member in public(members):
-                if isinstance(vars(cls)[member], property):
+                if inspect.isdatadescriptor(vars(cls)[member]):
                     check_property(members[member], examples[name])
                 else:
                     check_function(members[member], getattr(cls, member))

@@ -54,17 +54,11 @@ bool isInvalid(Tcl_Obj* object) {
     return hdi::tcltasks::native_cache_base::is_invalid(object);
 }
 
-Meant readOne(Tcl_Obj* word) {
-    if (isInvalid(word)) failTcl("STALE", ShellMsg::objectGone, textOf(word));
-    return {word, findNative<HSCPlazQStore>(word), findNative<HSCPlazQItem>(word)};
-}
-
-/// The elements of a word that is a list; the word itself where it is one thing.
+/// The elements of a word that is no object: it may be a list, or one text.
 std::vector<Tcl_Obj*> split(Tcl_Obj* word, bool (*isName)(const std::string& text)) {
     int count = 0;
     Tcl_Obj** elements = nullptr;
-    const bool isOne = isScriptObject(word) || Tcl_ListObjGetElements(nullptr, word, &count, &elements) != TCL_OK;
-    if (isOne) return {word};
+    if (Tcl_ListObjGetElements(nullptr, word, &count, &elements) != TCL_OK) return {word};
     const bool holdsObjects = std::any_of(elements, elements + count, isScriptObject);
     if (!holdsObjects && count != 0 && isName(textOf(word))) return {word};
     return {elements, elements + count};
@@ -104,18 +98,28 @@ template HSCPlazQStore* findNative(Tcl_Obj* object);
 template HSCPlazQItem* findNative(Tcl_Obj* object);
 
 bool isScriptObject(Tcl_Obj* object) {
-    return isInvalid(object) || findNative<HSCPlazQItem>(object) || findNative<HSCPlazQStore>(object);
+    return findNative<HSCPlazQItem>(object) || isInvalid(object) || findNative<HSCPlazQStore>(object);
 }
 
 std::string Meant::getText() const {
     return textOf(word);
 }
 
+Meant readOne(Tcl_Obj* word) {
+    if (HSCPlazQItem* item = findNative<HSCPlazQItem>(word)) return {word, nullptr, item};
+    if (isInvalid(word)) failTcl("STALE", ShellMsg::objectGone, textOf(word));
+    return {word, findNative<HSCPlazQStore>(word), nullptr};
+}
+
 std::vector<Meant> readMeant(const std::vector<Tcl_Obj*>& words, bool (*isName)(const std::string& text)) {
     std::vector<Meant> meant;
     meant.reserve(words.size());
-    for (Tcl_Obj* word : words)
-        for (Tcl_Obj* one : split(word, isName)) meant.push_back(readOne(one));
+    for (Tcl_Obj* word : words) {
+        if (isScriptObject(word))
+            meant.push_back(readOne(word));
+        else
+            for (Tcl_Obj* one : split(word, isName)) meant.push_back(readOne(one));
+    }
     return meant;
 }
 

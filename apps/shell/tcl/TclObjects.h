@@ -38,6 +38,9 @@ struct Meant {
     std::string getText() const;
 };
 
+/// What a word means that is an object, or a text as a whole.
+/// @throws TclFailure for an object whose store or item is gone
+Meant readOne(Tcl_Obj* word);
 /// The things that words of a command mean: each is one of them or a list. A text with blanks is one thing where it is
 /// a name as a whole, else a list.
 /// @param isName  whether a text is one

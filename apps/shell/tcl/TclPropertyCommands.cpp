@@ -111,7 +111,9 @@ struct ToTcl {
 Tcl_Obj* getProperty(const TclCall& call) {
     call.expectWords(2, 2);
     const std::string name = textOf(call.getWords()[0]);
-    const std::vector<Object> objects = readObjects({call.getWords()[1]});
+    Tcl_Obj* const word = call.getWords()[1];
+    if (isScriptObject(word)) return std::visit(ToTcl(), valueOf(readObject(readOne(word)), name));
+    const std::vector<Object> objects = readObjects({word});
     if (objects.size() == 1) return std::visit(ToTcl(), valueOf(objects.front(), name));
     std::vector<PropertyValue> values;
     for (const Object& object : objects) values.push_back(valueOf(object, name));

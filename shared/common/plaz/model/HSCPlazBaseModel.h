@@ -2,6 +2,7 @@
 
 #include "plaz/PlazExport.h"
 
+#include <cstddef>
 #include <string>
 
 /// What the metadata files say of a hub, a store or an item alike.
@@ -13,7 +14,12 @@ public:
     HSCPlazBaseModel& operator=(const HSCPlazBaseModel&) = delete;
 
     const std::string& getName() const { return m_name; }
-    void setName(const std::string& value) { m_name = value; }
+    void setName(const std::string& value) {
+        m_name = value;
+        ++s_namings;
+    }
+    /// How many names this process has set. Whoever keeps an index of names learns from it that one may have changed.
+    static std::size_t getNamings() { return s_namings; }
     /// Text shown to users.
     const std::string& getDisplayName() const { return m_displayName; }
     void setDisplayName(const std::string& value) { m_displayName = value; }
@@ -30,6 +36,8 @@ public:
     void setItemRoot(const std::string& value) { m_itemRoot = value; }
 
 private:
+    inline static std::size_t s_namings = 0;
+
     std::string m_name;
     std::string m_displayName;
     std::string m_description;

@@ -144,9 +144,7 @@ bool HSCPlazQItem::isActive() const {
     return m_model && m_model->isActive();
 }
 void HSCPlazQItem::setName(const std::string& value) {
-    if (!m_model) return;
-    if (m_store) m_store->forgetIndex();
-    m_model->setName(value);
+    if (m_model) m_model->setName(value);
 }
 std::int32_t HSCPlazQItem::getReferenceCount() const {
     return m_model ? m_model->getReferenceCount() : 0;

@@ -185,7 +185,14 @@ void HSCPlazQStore::forgetIndex() const {
     m_nextOfName.clear();
 }
 
+void HSCPlazQStore::requireIndex() const {
+    // Models can be renamed behind the store's back.
+    if (m_nextOfName.size() != m_items.size() || m_indexedNamings != HSCPlazBaseModel::getNamings()) buildIndex();
+}
+
 void HSCPlazQStore::buildIndex() const {
+    m_indexedNamings = HSCPlazBaseModel::getNamings();
+    m_firstOfName.clear();
     m_firstOfName.reserve(m_items.size());
     m_nextOfName.assign(m_items.size(), noPosition);
     // From the back, so that each chain runs in catalog order.
@@ -200,18 +207,17 @@ void HSCPlazQStore::buildIndex() const {
 }
 
 template <typename Fits> HSCPlazQItem* HSCPlazQStore::findItem(const std::string& name, Fits fits) const {
-    for (bool isFresh = false; !isFresh;) {
-        isFresh = m_nextOfName.empty();
-        if (isFresh) buildIndex();
-        const auto first = m_firstOfName.find(name);
-        std::size_t position = first == m_firstOfName.end() ? noPosition : first->second;
-        for (; position != noPosition; position = m_nextOfName[position])
-            if (m_items[position]->getModel()->getName() == name && fits(*m_items[position]->getModel()))
-                return m_items[position];
-        // Models can be renamed behind the store's back: only a fresh index knows that there is no such item.
-        forgetIndex();
-    }
+    requireIndex();
+    const auto first = m_firstOfName.find(name);
+    std::size_t position = first == m_firstOfName.end() ? noPosition : first->second;
+    for (; position != noPosition; position = m_nextOfName[position])
+        if (fits(*m_items[position]->getModel())) return m_items[position];
     return nullptr;
+}
+
+std::size_t HSCPlazQStore::getNextOfName(std::size_t position) const {
+    requireIndex();
+    return m_nextOfName.at(position);
 }
 
 HSCPlazQItem* HSCPlazQStore::getItem(const std::string& name, const std::string& revision) const {

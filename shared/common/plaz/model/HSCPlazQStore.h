@@ -89,6 +89,8 @@ public:
     /// Appends a top-level category and takes ownership.
     void addCategory(HSCPlazCategory* category);
 
+    /// Where in getItems() the next entry of the same name as that at @p position stands; past the end for none.
+    std::size_t getNextOfName(std::size_t position) const;
     /// First item of exactly that name and revision; null when there is none.
     HSCPlazQItem* getItem(const std::string& name, const std::string& revision) const;
     /// First item of exactly that name whose revision is its own latest revision; null when there is none.
@@ -101,6 +103,7 @@ private:
     friend class HSCPlazQItem;
     void destroyItems();
     void forgetIndex() const;
+    void requireIndex() const;
     /// First item of that name at or after a position of the index.
     template <typename Fits> HSCPlazQItem* findItem(const std::string& name, Fits fits) const;
     void buildIndex() const;
@@ -110,7 +113,8 @@ private:
     HSTVector<HSCPlazQItem*> m_items;
     HSTVector<HSCPlazCategory*> m_categories;
     // Look-up by name without a walk over all items: first position of each name, and for each position the next one
-    // of the same name. Made at the first look-up, dropped when items or names change.
+    // of the same name. Made at the first look-up, and again when items or names have changed.
     mutable std::unordered_map<std::string, std::size_t> m_firstOfName;
     mutable std::vector<std::size_t> m_nextOfName;
+    mutable std::size_t m_indexedNamings = 0;
 };
