@@ -1,5 +1,6 @@
 #include "scripting/task_manager.h"
 
+#include "scripting/tcl_text.h"
 #include "support/HostMsg.h"
 
 #include <tcl.h>
@@ -16,12 +17,6 @@ std::atomic<bool> has_begun_to_exit{false};
 std::function<void(const std::string&)>& echo_receiver() {
     static std::function<void(const std::string&)> receiver;
     return receiver;
-}
-
-std::string text_of(Tcl_Obj* object) {
-    int length = 0;
-    const char* bytes = Tcl_GetStringFromObj(object, &length);
-    return {bytes, static_cast<std::size_t>(length)};
 }
 
 [[noreturn]] void fail(const MsgId<1>& id, const std::string& text) {

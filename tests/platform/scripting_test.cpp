@@ -59,6 +59,7 @@ TEST(TclEvaluatorTest, GivesIntegersTextsAndErrors) {
     EXPECT_EQ(eval("set x 41; incr x"), 42);
     EXPECT_EQ(eval("set y {}"), 0);
     EXPECT_EQ(textOf("list $x {a b} \xC3\xA9"), "42 {a b} \xC3\xA9");
+    EXPECT_EQ(textOf("string range a\\0\xF0\x9F\x98\x80 1 end"), std::string("\0\xF0\x9F\x98\x80", 5));
     EXPECT_EQ(eval("proc f {} {return [expr {$::x > 1}]}; f"), 1);
     EXPECT_EQ(failureOf("error {no such thing: [x]}"), "12-108 no such thing: [x]");
     EXPECT_EQ(failureOf("set z word"), "12-108 expected integer but got \"word\"");

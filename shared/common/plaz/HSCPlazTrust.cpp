@@ -151,6 +151,7 @@ std::string HSCPlazTrust::maskSecrets(const std::string& text) {
 
 std::string HSCPlazTrust::maskProxy(const std::string& proxy) {
     const std::size_t at = proxy.rfind('@');
-    if (at == std::string::npos || proxy.find("://") != std::string::npos) return maskSecrets(proxy);
-    return "***" + proxy.substr(at);
+    if (at == std::string::npos) return proxy;
+    const std::size_t scheme = proxy.find("://");
+    return (scheme < at ? proxy.substr(0, scheme + 3) : std::string()) + "***" + proxy.substr(at);
 }

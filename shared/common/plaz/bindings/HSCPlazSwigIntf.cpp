@@ -31,10 +31,9 @@ HCCXPref& preferences() {
     return HCCXPrefMgr::getInstance().getDefaultXPref();
 }
 
-void requirePlain(bool isPlain, const std::string& text) {
-    if (!isPlain)
-        throw HEXAll(
-            ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::textNotForTcl, HSCPlazTrust::maskProxy(text)));
+/// @param shown  the text as a person may see it
+void requirePlain(bool isPlain, const std::string& shown) {
+    if (!isPlain) throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::textNotForTcl, shown));
 }
 
 bool evaluate(const std::string& command) {
@@ -123,7 +122,7 @@ std::string HSCPlazSwigIntf::getHttpProxy() {
 
 void HSCPlazSwigIntf::setHttpProxy(const std::string& proxy) {
     const bool isMainProduct = HSCPlazUtils::isProduct("solvan");
-    if (isMainProduct) requirePlain(HSCPlazTrust::isPlainTclText(proxy), proxy);
+    if (isMainProduct) requirePlain(HSCPlazTrust::isPlainTclText(proxy), HSCPlazTrust::maskProxy(proxy));
     preferences().setVal(httpProxyName, {proxy});
     HCCXPrefUtils::savePreferences();
     if (isMainProduct) evaluate("set_param plaz.http_proxy " + proxy);
