@@ -96,8 +96,7 @@ py::list install(const py::object& items, const OptionalText& store, bool quiet,
 }
 
 py::list uninstall(const py::object& items, const OptionalText& store, bool quiet, py::object progress) {
-    return actOnItems(items, store, quiet, std::move(progress), &HubQueries::resolveInstalled, itself,
-                      &HubActions::uninstall);
+    return actOnItems(items, store, quiet, std::move(progress), &HubQueries::resolveInstalled, itself, removeTogether);
 }
 
 py::list update(const py::object& items, const OptionalText& store, bool quiet, py::object progress) {

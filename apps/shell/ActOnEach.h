@@ -27,6 +27,15 @@ auto actOnEach(HubActions& actions, const std::vector<Subject*>& subjects, const
     return results;
 }
 
+/// The action of removing items together: what holds others goes first, and an item that went with one of them is
+/// removed too.
+struct RemoveTogether {};
+inline constexpr RemoveTogether removeTogether;
+
+/// Does that to items, each given once.
+std::vector<ActionResult> actOnEach(HubActions& actions, const std::vector<HSCPlazQItem*>& items,
+                                    const HDGUIStatus& status, RemoveTogether action, const BeginPart& begin);
+
 /// Whether nothing failed among @p results (of actions or stores).
 template <typename Result> bool areDone(const std::vector<Result>& results) {
     return std::all_of(results.begin(), results.end(), std::mem_fn(&Result::isDone));

@@ -7,5 +7,9 @@ class HPAParam;
 
 /// The parameters whose names fit a glob (empty: all), in the order of registration.
 std::vector<const HPAParam*> findParams(const std::string& pattern, bool withHidden);
+/// Whether its value may hold a user id, token or password whatever it is.
+bool isSecret(const HPAParam& param);
 /// The value as people may see it: user ids, tokens and the user part of a URL read "***".
 std::string shownValue(const HPAParam& param);
+/// The text as people may see it: the same of the values of secret parameters, of the preferred proxy and of URLs.
+std::string withoutSecrets(std::string text);

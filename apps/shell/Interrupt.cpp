@@ -2,6 +2,7 @@
 
 #include "support/HDGUIStatus.h"
 #include "support/HUTFork.h"
+#include "support/HUTSysCall.h"
 
 #include <atomic>
 #include <csignal>
@@ -27,4 +28,5 @@ void Interrupt::cancelOnCtrlC(HDGUIStatus& status, void (*also)()) {
     hook.store(also);
     // A caller that has turned Ctrl-C off for its children, as shells do in the background, keeps it off.
     if (std::signal(SIGINT, onCtrlC) == SIG_IGN) std::signal(SIGINT, SIG_IGN);
+    HUTSysCall::letCtrlCEndReads();
 }

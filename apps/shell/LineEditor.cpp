@@ -7,8 +7,10 @@
 #include <clocale>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <histedit.h>
 #include <iostream>
+#include <string_view>
 
 namespace {
 
@@ -21,16 +23,52 @@ std::string commonBeginning(const std::vector<std::string>& words) {
         const auto end = std::mismatch(common.begin(), common.end(), word.begin(), word.end()).first;
         common.erase(end, common.end());
     }
+    // Two characters may begin with the same bytes.
+    const std::string& first = words.front();
+    while (!common.empty() && common.size() < first.size() && (first[common.size()] & 0xC0) == 0x80) common.pop_back();
     return common;
+}
+
+/// The editor goes by the locale to know where characters end; in one that knows ASCII only it would lose all others.
+void useUtf8() {
+    std::setlocale(LC_CTYPE, "");
+    constexpr std::string_view euro = "\xE2\x82\xAC";
+    if (std::mblen(euro.data(), euro.size()) != static_cast<int>(euro.size())) std::setlocale(LC_CTYPE, "C.UTF-8");
+}
+
+using HistoryList = std::unique_ptr<History, void (*)(History*)>;
+
+/// A history with what the file holds.
+HistoryList loadHistory(const std::string& file) {
+    HistoryList list(history_init(), history_end);
+    HistEvent event{};
+    history(list.get(), &event, H_SETSIZE, historyLength);
+    history(list.get(), &event, H_SETUNIQUE, 1);
+    if (HUTFile::exists(file)) history(list.get(), &event, H_LOAD, file.c_str());
+    return list;
+}
+
+void add(History* list, const std::string& command) {
+    HistEvent event{};
+    history(list, &event, H_ENTER, command.c_str());
+}
+
+/// The history as its file holds it.
+std::string toText(History* list) {
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::tmpfile(), std::fclose);
+    HistEvent event{};
+    if (!file || history(list, &event, H_SAVE_FP, file.get()) < 0) return {};
+    std::string text(static_cast<std::size_t>(std::max(std::ftell(file.get()), 0L)), '\0');
+    std::rewind(file.get());
+    return std::fread(text.data(), 1, text.size(), file.get()) == text.size() ? text : std::string();
 }
 
 class LineEditor : public LineInput {
 public:
     LineEditor(std::function<Completion(const std::string&)> complete, const std::string& historyFile)
-        : m_complete(std::move(complete)), m_historyFile(historyFile), m_history(history_init(), history_end) {
-        std::setlocale(LC_CTYPE, ""); // the editor goes by it to know where characters end
+        : m_complete(std::move(complete)), m_historyFile(historyFile), m_history(loadHistory(historyFile)) {
+        useUtf8();
         m_editor.reset(el_init("plaz", stdin, stdout, stderr));
-        openHistory();
         EditLine* editor = m_editor.get();
         el_set(editor, EL_CLIENTDATA, this);
         el_set(editor, EL_PROMPT, getPrompt);
@@ -63,9 +101,13 @@ public:
     }
 
     void remember(const std::string& command) override {
-        HistEvent event{};
-        history(m_history.get(), &event, H_ENTER, command.c_str());
-        history(m_history.get(), &event, H_SAVE, m_historyFile.c_str());
+        add(m_history.get(), command);
+        // Other shells add to the file as well.
+        const HistoryList all = loadHistory(m_historyFile);
+        add(all.get(), command);
+        const std::string text = toText(all.get());
+        if (!text.empty() && HUTFile::mkDirRecursive(m_historyFile.substr(0, m_historyFile.rfind('/'))))
+            HUTFile::writeAtomically(m_historyFile, text, true);
     }
 
 private:
@@ -89,16 +131,6 @@ private:
         return CC_REDISPLAY;
     }
 
-    void openHistory() {
-        HistEvent event{};
-        history(m_history.get(), &event, H_SETSIZE, historyLength);
-        history(m_history.get(), &event, H_SETUNIQUE, 1);
-        if (HUTFile::exists(m_historyFile))
-            history(m_history.get(), &event, H_LOAD, m_historyFile.c_str());
-        else if (HUTFile::mkDirRecursive(m_historyFile.substr(0, m_historyFile.rfind('/'))))
-            HUTFile::writeAtomically(m_historyFile, "", true); // the editor would make it readable for a moment
-    }
-
     unsigned char completeWord() {
         const LineInfo* info = el_line(m_editor.get());
         const std::string before(info->buffer, info->cursor);
@@ -115,7 +147,7 @@ private:
         const bool goesOn = common.back() == ':' || common.back() == '/';
         if (found.words.size() == 1 && !goesOn) common += ' ';
         el_deletestr(m_editor.get(), static_cast<int>(utf8::decode(typed).size()));
-        el_insertstr(m_editor.get(), common.c_str());
+        if (el_insertstr(m_editor.get(), common.c_str()) != 0) el_insertstr(m_editor.get(), typed.c_str());
         return CC_REFRESH;
     }
 
@@ -123,7 +155,7 @@ private:
     std::string m_historyFile;
     std::string m_prompt;
     bool m_isDropped = false;
-    std::unique_ptr<History, void (*)(History*)> m_history;
+    HistoryList m_history;
     std::unique_ptr<EditLine, void (*)(EditLine*)> m_editor{nullptr, el_end};
 };
 

@@ -218,7 +218,7 @@ int Program::runInstall() {
 }
 
 int Program::runUninstall() {
-    return act(resolveAll(&HubQueries::resolveInstalled), &HubActions::uninstall);
+    return act(resolveAll(&HubQueries::resolveInstalled), removeTogether);
 }
 
 int Program::runUpdate() {

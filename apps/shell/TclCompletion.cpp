@@ -1,8 +1,8 @@
 #include "TclCompletion.h"
 
 #include "HubParams.h"
-#include "ObjectProperties.h"
 #include "TclCommands.h"
+#include "Utf8.h"
 
 #include "plaz/HSCPlazMgr.h"
 #include "plaz/model/HSCPlaz.h"
@@ -12,6 +12,7 @@
 #include "support/HUTFile.h"
 
 #include <algorithm>
+#include <iterator>
 #include <set>
 #include <sstream>
 #include <tcl.h>
@@ -26,6 +27,26 @@ struct OpenCommand {
     std::size_t lastWord;           ///< where the last one begins, in the line
 };
 
+/// The hub's command of that name; null when it is none of them.
+const PlazCommand* findHubCommand(const std::string& name) {
+    static const std::vector<PlazCommand> commands = listPlazCommands();
+    const auto found = std::find_if(commands.begin(), commands.end(), [&](const PlazCommand& command) {
+        return command.name == name || "::" + command.name == name;
+    });
+    return found == commands.end() ? nullptr : &*found;
+}
+
+std::vector<std::string> splitWords(const std::string& text) {
+    std::istringstream stream(text);
+    return {std::istream_iterator<std::string>(stream), {}};
+}
+
+/// Where what stands in a brace begins: another command, or behind one of the hub's commands more of its words.
+std::size_t beginInBrace(const std::string& line, std::size_t begin, std::size_t brace) {
+    const std::vector<std::string> words = splitWords(line.substr(begin, brace - begin));
+    return !words.empty() && findHubCommand(words.front()) ? begin : brace + 1;
+}
+
 OpenCommand findOpenCommand(const std::string& line) {
     std::vector<std::size_t> begins{0};
     std::size_t lastWord = 0;
@@ -34,21 +55,18 @@ OpenCommand findOpenCommand(const std::string& line) {
         if (c == '\\') {
             ++i;
         } else if (c == '[' || c == '{') {
-            begins.push_back(i + 1);
+            begins.push_back(c == '[' ? i + 1 : beginInBrace(line, begins.back(), i));
             lastWord = i + 1;
         } else if ((c == ']' || c == '}') && begins.size() > 1) {
             begins.pop_back();
         } else if (c == ';' || c == '\n') {
             begins.back() = i + 1;
             lastWord = i + 1;
-        } else if (c == ' ' || c == '\t') {
+        } else if (c == ' ' || c == '\t' || (c == '"' && lastWord == i)) {
             lastWord = i + 1;
         }
     }
-    OpenCommand command{{}, lastWord};
-    std::istringstream stream(line.substr(begins.back(), lastWord - begins.back()));
-    for (std::string word; stream >> word;) command.words.push_back(word);
-    return command;
+    return {splitWords(line.substr(begins.back(), lastWord - begins.back())), lastWord};
 }
 
 /// The elements that a Tcl command gives; the interpreter's result stays as it was.
@@ -84,12 +102,22 @@ Words findCommands(Tcl_Interp* interp, const std::string& typed) {
     return names;
 }
 
+/// The directory that Tcl takes a name for, with "~" expanded; empty where there is no such user.
+std::string expanded(const std::string& dir) {
+    Tcl_DString text;
+    const char* name = Tcl_TranslateFileName(nullptr, dir.c_str(), &text);
+    std::string found = name ? name : "";
+    Tcl_DStringFree(&text);
+    return found;
+}
+
 Words findFiles(const std::string& typed) {
     const std::size_t slash = typed.rfind('/');
     const std::string dir = slash == std::string::npos ? "" : typed.substr(0, slash + 1);
+    const std::string place = expanded(dir.empty() ? "." : dir);
     Words names;
-    for (const std::string& name : HUTFile::createFileIter(dir.empty() ? "." : dir))
-        names.insert(dir + name + (HUTFile::isDirectory(dir + name) ? "/" : ""));
+    for (const std::string& name : HUTFile::createFileIter(place))
+        names.insert(dir + name + (HUTFile::isDirectory(place + '/' + name) ? "/" : ""));
     return names;
 }
 
@@ -102,11 +130,13 @@ void addItems(Words& names) {
         for (const HSCPlazQItem* item : store->getItems()) names.insert(item->getName());
 }
 
-template <typename Native> void addProperties(Words& names) {
-    for (const auto& property : propertiesOf<Native>()) names.insert(property.name);
+/// In capitals, as they are listed, or as @p typed begins.
+void addProperties(Words& names, const std::string& typed) {
+    const bool isLow = !typed.empty() && typed.front() >= 'a' && typed.front() <= 'z';
+    for (const std::string& name : listPropertyNames()) names.insert(isLow ? utf8::lowered(name) : name);
 }
 
-Words findSubjects(PlazCommand::Subject subject) {
+Words findSubjects(PlazCommand::Subject subject, const std::string& typed) {
     Words names;
     switch (subject) {
     case PlazCommand::Subject::nothing:
@@ -118,8 +148,7 @@ Words findSubjects(PlazCommand::Subject subject) {
         addStores(names);
         break;
     case PlazCommand::Subject::objects:
-        addProperties<HSCPlazQStore>(names);
-        addProperties<HSCPlazQItem>(names);
+        addProperties(names, typed);
         addStores(names);
         addItems(names);
         break;
@@ -131,16 +160,15 @@ Words findSubjects(PlazCommand::Subject subject) {
 }
 
 Words findWords(Tcl_Interp* interp, const OpenCommand& open, const std::string& typed) {
-    if (open.words.empty()) return findCommands(interp, typed);
-    const std::string& name = open.words.front();
-    const std::vector<PlazCommand> commands = listPlazCommands();
-    const auto command = std::find_if(commands.begin(), commands.end(), [&](const PlazCommand& one) {
-        return one.name == name || "::" + one.name == name;
-    });
-    if (command == commands.end()) return findFiles(typed);
+    if (open.words.empty()) {
+        const Words names = findCommands(interp, typed);
+        return names.empty() ? findFiles(typed) : names;
+    }
+    const PlazCommand* command = findHubCommand(open.words.front());
+    if (!command) return findFiles(typed);
     if (typed.rfind('-', 0) == 0) return {command->options.begin(), command->options.end()};
-    if (open.words.back() == "-store") return findSubjects(PlazCommand::Subject::stores);
-    return findSubjects(command->subject);
+    if (open.words.back() == "-store") return findSubjects(PlazCommand::Subject::stores, typed);
+    return findSubjects(command->subject, typed);
 }
 
 std::string quoted(const std::string& word) {

@@ -1,5 +1,6 @@
 #include "TclShell.h"
 
+#include "HubParams.h"
 #include "Interrupt.h"
 #include "MessageLog.h"
 #include "Options.h"
@@ -9,13 +10,16 @@
 #include "TclCompletion.h"
 #include "Utf8.h"
 
-#include "plaz/HSCPlazTrust.h"
 #include "scripting/task_manager.h"
+#include "scripting/tcl_text.h"
+#include "support/HPAParamMgr.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFork.h"
 #include "support/HUTSysCall.h"
 
 #include <algorithm>
+#include <cctype>
+#include <cerrno>
 #include <iostream>
 #include <tcl.h>
 
@@ -31,8 +35,27 @@ Tcl_Obj* newText(const std::string& text) {
     return Tcl_NewStringObj(text.data(), static_cast<int>(text.size()));
 }
 
-std::string textOf(Tcl_Obj* object) {
-    return object ? Tcl_GetString(object) : "";
+std::string resultOf(Tcl_Interp* interp) {
+    return hdi::tcltasks::text_of(Tcl_GetObjResult(interp));
+}
+
+/// Where and why the last command failed.
+std::string traceOf(Tcl_Interp* interp) {
+    Tcl_Obj* options = Tcl_GetReturnOptions(interp, TCL_ERROR);
+    Tcl_IncrRefCount(options);
+    Tcl_Obj* const name = newText("-errorinfo");
+    Tcl_IncrRefCount(name);
+    Tcl_Obj* trace = nullptr;
+    Tcl_DictObjGet(nullptr, options, name, &trace);
+    const std::string text = trace ? hdi::tcltasks::text_of(trace) : std::string();
+    Tcl_DecrRefCount(name);
+    Tcl_DecrRefCount(options);
+    return text;
+}
+
+/// Scripts may have closed it.
+void flushOutput() {
+    if (Tcl_Channel output = Tcl_GetStdChannel(TCL_STDOUT)) Tcl_Flush(output);
 }
 
 void setVariable(Tcl_Interp* interp, const char* name, Tcl_Obj* value) {
@@ -54,11 +77,16 @@ public:
 
     Outcome read(const std::string& prompt, std::string& line) override {
         if (m_isTerminal) std::cout << prompt << std::flush;
+        line.clear();
+        Tcl_Channel input = Tcl_GetStdChannel(TCL_STDIN);
+        if (!input) return Outcome::end; // a command has closed it
         Tcl_DString text;
         Tcl_DStringInit(&text);
-        const int count = Tcl_Gets(Tcl_GetStdChannel(TCL_STDIN), &text);
+        const int count = Tcl_Gets(input, &text);
+        const bool isInterrupted = count < 0 && Tcl_GetErrno() == EINTR && !Tcl_Eof(input);
         line.assign(Tcl_DStringValue(&text), static_cast<std::size_t>(Tcl_DStringLength(&text)));
         Tcl_DStringFree(&text);
+        if (isInterrupted) return Outcome::dropped;
         return count < 0 ? Outcome::end : Outcome::line;
     }
     void remember(const std::string& /*command*/) override {}
@@ -76,12 +104,40 @@ std::unique_ptr<LineInput> makeInput([[maybe_unused]] Tcl_Interp* interp, bool i
     return std::make_unique<PlainLines>(isTerminal);
 }
 
+bool isHarmlessParam(const std::string& name) {
+    const HPAParam* param = HPAParamMgr::getParamMgr().findParam(name);
+    return param && !isSecret(*param);
+}
+
+bool isHarmlessProperty(const std::string& name) {
+    return utf8::lowered(name) == "qstores_path";
+}
+
+/// Whether @p setter stands in the command, on its own or in another command, with a name behind it that is not,
+/// letter for letter, one whose values are no secrets.
+bool setsMoreThanHarmless(const std::string& command, const std::string& setter,
+                          bool (*isHarmless)(const std::string& name)) {
+    const auto isNamePart = [&](std::size_t at) {
+        return at < command.size() && (std::isalnum(static_cast<unsigned char>(command[at])) || command[at] == '_');
+    };
+    for (std::size_t at = command.find(setter); at != std::string::npos; at = command.find(setter, at + 1)) {
+        const std::size_t end = at + setter.size();
+        if ((at > 0 && isNamePart(at - 1)) || isNamePart(end)) continue; // another command
+        const std::size_t name = std::min(command.find_first_not_of(" \t", end), command.size());
+        const std::size_t nameEnd = std::min(command.find_first_of(" \t\n", name), command.size());
+        if (!isHarmless(command.substr(name, nameEnd - name))) return true;
+    }
+    return false;
+}
+
 /// Whether a command may hold a user id, token or password, which no file keeps.
 bool mayHoldSecret(const std::string& command) {
     const std::string lowered = utf8::lowered(command);
     const auto mentions = [&](const char* name) { return lowered.find(name) != std::string::npos; };
     return mentions("plaz.git_user") || mentions("plaz.git_token") || mentions("http_proxy") ||
-           mentions("https_proxy") || HSCPlazTrust::maskSecrets(command) != command;
+           mentions("https_proxy") || withoutSecrets(command) != command ||
+           setsMoreThanHarmless(command, "set_param", isHarmlessParam) ||
+           setsMoreThanHarmless(command, "set_property", isHarmlessProperty);
 }
 
 /// Reads lines until they make a command. @return what ended the last of them
@@ -180,22 +236,24 @@ bool TclShell::evaluate(const std::string& command) {
 
 void TclShell::showError(std::size_t messagesBefore, bool withTrace) {
     m_progress.erase();
-    Tcl_Flush(Tcl_GetStdChannel(TCL_STDOUT));
+    flushOutput();
     if (m_status.isCanceled()) return;
-    const std::string error = textOf(Tcl_GetObjResult(m_interp));
-    std::string shown = withTrace ? textOf(Tcl_GetVar2Ex(m_interp, "errorInfo", nullptr, TCL_GLOBAL_ONLY)) : error;
+    const std::string error = resultOf(m_interp);
+    std::string shown = withTrace ? traceOf(m_interp) : error;
+    if (shown.compare(0, error.size(), error) != 0) shown.insert(0, error + '\n'); // a script has made the trace
     const auto& messages = m_log.getMessages();
     const bool isKnown = std::any_of(messages.begin() + static_cast<std::ptrdiff_t>(messagesBefore), messages.end(),
                                      [&](const ComMsgMgr::Message& message) { return message.text == error; });
-    if (isKnown && shown.compare(0, error.size(), error) == 0) shown.erase(0, error.size());
+    if (isKnown) shown.erase(0, error.size());
+    shown = shownTrace(shown);
     shown.erase(0, shown.find_first_not_of('\n'));
     if (!shown.empty()) std::cerr << utf8::printable(shown, true) << std::endl;
 }
 
 void TclShell::showResult() {
     m_progress.erase();
-    Tcl_Flush(Tcl_GetStdChannel(TCL_STDOUT));
-    const std::string result = textOf(Tcl_GetObjResult(m_interp));
+    flushOutput();
+    const std::string result = resultOf(m_interp);
     if (!result.empty()) std::cout << utf8::printable(result, true) << std::endl;
 }
 

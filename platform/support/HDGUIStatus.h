@@ -34,6 +34,13 @@ public:
     }
     double getPercentComplete() const { return m_percent; }
 
+    /// Forgets texts and percentage of the operation before; nobody is told.
+    void forgetProgress() {
+        m_status.clear();
+        m_abbrev.clear();
+        m_percent = 0;
+    }
+
     int getState() const { return m_state.load(std::memory_order_relaxed); }
     void setState(int state) { m_state.store(state, std::memory_order_relaxed); }
     void cancel() { setState(cancelled); }

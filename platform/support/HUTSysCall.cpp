@@ -39,3 +39,7 @@ int HUTSysCall::getTerminalWidth() {
 bool HUTSysCall::isInputTerminal() {
     return platform::isInputTerminal();
 }
+
+void HUTSysCall::letCtrlCEndReads() {
+    platform::letCtrlCEndReads();
+}

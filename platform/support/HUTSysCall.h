@@ -22,4 +22,6 @@ public:
     static int getTerminalWidth();
     /// Whether a person may be typing on standard input.
     static bool isInputTerminal();
+    /// Lets a Ctrl-C that the process handles end a read that waits for input. Holds until the handler is set again.
+    static void letCtrlCEndReads();
 };

@@ -28,5 +28,7 @@ void restoreStandardOutput(int kept);
 int getTerminalWidth();
 /// Whether standard input is a terminal.
 bool isInputTerminal();
+/// As HUTSysCall::letCtrlCEndReads() says.
+void letCtrlCEndReads();
 
 } // namespace platform

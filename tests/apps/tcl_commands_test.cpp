@@ -136,6 +136,10 @@ TEST_F(TclCommandsTest, actsOnObjectsAndNames) {
     check({{"set old [lindex [plaz::get_qitems -all_revisions x] 1]; llength $old; string length $old", "3"},
            {"plaz::install -quiet $old [plaz::get_qitems tool]", "2"},
            {"plaz::get_qitems -installed", "x@1 kit tool"},
+           {"plaz::get_qitems $old kit tcl::both boards::x@1", "x@1 kit tcl::both"},
+           {"plaz::uninstall -quiet [list [plaz::get_qitems kit] [list [plaz::get_qitems tool]]]", "2"},
+           {"plaz::install -quiet tool kit; plaz::uninstall -quiet [plaz::get_qitems -installed -store tcl]", "2"},
+           {"plaz::install -quiet tool; plaz::get_qitems -installed", "x@1 kit tool"},
            {"plaz::uninstall kit", "!PLAZ 17-1568..."},
            {"plaz::uninstall -quiet [plaz::get_qitems x]", "1"},
            {"plaz::install -quiet {my board}", "1"},
@@ -144,6 +148,7 @@ TEST_F(TclCommandsTest, actsOnObjectsAndNames) {
            {"set gone [plaz::get_qitems -store tcl]; plaz::refresh_catalog -quiet tcl", "1"},
            {"plaz::install [lindex $gone 0]", "!PLAZ STALE: \"kit\" is gone..."},
            {"get_property NAME $gone", "!PLAZ STALE..."},
+           {"plaz::get_qitems x $gone", "!PLAZ STALE..."},
            {"plaz::uninstall -quiet tool; plaz::get_qitems -installed", "x {my board}"}});
     status.cancel();
     check({{"plaz::uninstall x", "!PLAZ CANCELLED..."}});
@@ -159,18 +164,23 @@ TEST_F(TclCommandsTest, readsAndSetsPropertiesAndParameters) {
            {"get_property item_count tcl", "3"},
            {"list_property boards *_count", "ITEM_COUNT INSTALLED_COUNT"},
            {"set_property QSTORES_PATH /a dir [current_solvan_preferences]", "1"},
-           {"get_property qstores_path [current_solvan_preferences]", "{/a dir}"},
+           {"get_property qstores_path [current_solvan_preferences]", "/a dir"},
            {"set_property plaz.http_proxy me:secret@proxy:80 [current_solvan_preferences]", "1"},
            {"get_property plaz.http_proxy [current_solvan_preferences]", "***@proxy:80"},
-           {"report_property [current_solvan_preferences] Q*", "PROPERTY      VALUE\nQSTORES_PATH  {/a dir}"},
+           {"report_property [current_solvan_preferences] Q*", "PROPERTY      VALUE\nQSTORES_PATH  /a dir"},
            {"set_param plaz.HTTP_proxy me:secret@proxy:80", "1"},
            {"get_param plaz.http_proxy", "***@proxy:80"},
            {"reset_param plaz.http_proxy; get_param plaz.http_proxy", ""},
            {"set_param plaz.gitTimeout secret", "!PLAZ 17-2204..."},
            {"regexp secret $errorInfo", "0"},
+           {"set_param plaz.git_token.b=secret", "!PLAZ 17-2203: There is no parameter \"plaz.git_token.b\"..."},
+           {"set_property plaz.http_proxy http://u:secret@h:2", "!PLAZ 17-2212..."},
+           {"plaz::install http://u:secret@h", "!PLAZ 17-2181: There is no item \"http://***@h\"..."},
            {"list_param *.git*", "plaz.git_token.board_store"},
            {"list_param -hidden *gitT*", "plaz.gitTimeout"}});
     EXPECT_NE(readFile(files.temp.path("appdata/preferences.json")).find("/a dir"), std::string::npos);
+    eval("set_param plaz.git_token.board_store deep; proc f secret {set_param plaz.gitTimeout $secret}; f deep");
+    EXPECT_EQ(shownTrace(Tcl_GetVar(interp, "errorInfo", TCL_GLOBAL_ONLY)).find("deep"), std::string::npos);
     testing::internal::CaptureStdout();
     HSCPlazSwigIntf::setQStoresPath("/other place");
     HSCPlazSwigIntf::setHttpProxy("me:secret@proxy:80");

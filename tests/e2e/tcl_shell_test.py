@@ -51,9 +51,23 @@ class Terminal:
         self.type("\r")
         return self.see("plaz% ").strip()
 
+    def drop(self):
+        """Throws away what is typed."""
+        self.type("\x03")
+        self.see("^C\n")
+        self.see("plaz% ")
+
     def end(self):
+        self.drop()
         self.type("\x04")
-        return os.waitstatus_to_exitcode(os.waitpid(self.pid, 0)[1])
+        try:
+            while shown := os.read(self.fd, 4096):
+                self.seen += shown.decode(errors="replace")
+        except OSError:  # what the system says when the other side is closed
+            pass
+        status = os.waitstatus_to_exitcode(os.waitpid(self.pid, 0)[1])
+        if status != 0:
+            raise AssertionError(f"the shell ends with {status}: {self.seen!r}")
 
 
 class TclShellTest(unittest.TestCase):
@@ -77,8 +91,8 @@ class TclShellTest(unittest.TestCase):
         return self.run_shell("script.tcl", *args)
 
     def test_runs_scripts(self):
-        """Catches: arguments taken by the program, a lost exit status, a failure without its place or told twice, text
-        that depends on the locale."""
+        """Catches: arguments taken by the program, a lost exit status, a failure not told, without its place or told
+        twice, text that depends on the locale, a crash where a channel is closed."""
         self.env["LC_ALL"] = "C"
         result = self.run_script("puts \"$argv0|$argc|$argv|[plaz::get_qitems pr\u00fc*]\"; exit 7", "--quiet", "a b")
         self.assertEqual((result.returncode, result.stdout), (7, "script.tcl|2|--quiet {a b}|pr\u00fcfadapter\n"))
@@ -88,7 +102,10 @@ class TclShellTest(unittest.TestCase):
         self.assertIn('(file "script.tcl" line 3)', result.stderr)
         result = self.run_script("plaz::install aurora; plaz::uninstall csv-kit")
         self.assertEqual((result.returncode, result.stderr.count("stays installed")), (1, 1))
-        self.assertEqual(self.run_shell("missing.tcl").returncode, 1)
+        result = self.run_shell("missing.tcl")
+        self.assertEqual(result.returncode, 1)
+        self.assertIn('couldn\'t read file "missing.tcl"', result.stderr)
+        self.assertEqual(self.run_script("close stdin; close stdout; error told").stderr.split("\n")[0], "told")
         self.assertEqual(self.run_shell("--json").returncode, 2)
 
     def test_runs_what_standard_input_says(self):
@@ -121,12 +138,10 @@ class TclShellTest(unittest.TestCase):
             (self.dir / "script.tcl").touch()
             terminal.type(typed)
             terminal.see(completed)
-            terminal.type("\x03")
-            terminal.see("plaz% ")
+            terminal.drop()
         terminal.type("plaz::get_qitems c\t\t")
         terminal.see("connectors-common\ncsv-kit\n")
-        terminal.type("\x03")
-        terminal.see("plaz% ")
+        terminal.drop()
         self.assertIn("no item", terminal.enter("plaz::install nix"))
         terminal.type("expr {6 *\r")
         terminal.see("> ")
@@ -136,21 +151,23 @@ class TclShellTest(unittest.TestCase):
             terminal.see("begun\n")
             terminal.type("\x03")
             self.assertIn("[17-2190]", terminal.see("plaz% "))
-        terminal.enter("set_param plaz.git_token.board_store abcdef")
+        other = Terminal(self.env, self.dir)
+        other.see("plaz% ")
+        for secret in ("set_param plaz.git_token.board_store abcdef", "set p x; set_param $p abcdef"):
+            terminal.enter(secret)
         terminal.type("\x10")
         terminal.see("puts begun")
-        terminal.type("\x03")
-        terminal.see("plaz% ")
-        self.assertEqual(terminal.end(), 0)
+        terminal.end()
         history = self.dir / "area/plaz_shell_history"
         self.assertEqual(history.stat().st_mode & 0o077, 0)
         self.assertNotIn("abcdef", history.read_text())
+        other.enter("set b 2")
+        other.end()
         terminal = Terminal(self.env, self.dir)
         terminal.see("plaz% ")
-        terminal.type("\x10\x10")
+        terminal.type("\x10\x10\x10")
         terminal.see("expr {6 *")
-        terminal.type("\x03")
-        self.assertEqual(terminal.end(), 0)
+        terminal.end()
 
 
 if __name__ == "__main__":

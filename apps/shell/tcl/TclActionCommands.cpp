@@ -88,7 +88,7 @@ Items resolveInstalled(const TclCall& call, Resolve resolve) {
 }
 
 Tcl_Obj* uninstall(const TclCall& call) {
-    return act(call, resolveInstalled(call, &HubQueries::resolveInstalled), &HubActions::uninstall,
+    return act(call, resolveInstalled(call, &HubQueries::resolveInstalled), removeTogether,
                MessageWatch(call.has("-quiet")));
 }
 

@@ -3,33 +3,16 @@
 #include "ShellMsg.h"
 #include "TclObjects.h"
 
-#include <algorithm>
-
-#include <algorithm>
-
-namespace {
-
-/// A byte that begins what Tcl writes in a form of its own: NUL and characters beyond the basic plane.
-bool isSpecial(char byte) {
-    return byte == '\xC0' || byte == '\xED';
-}
-
-} // namespace
+#include "scripting/tcl_text.h"
 
 std::string textOf(Tcl_Obj* object) {
-    int length = 0;
-    const char* bytes = Tcl_GetStringFromObj(object, &length);
-    if (std::none_of(bytes, bytes + length, isSpecial)) return {bytes, static_cast<std::size_t>(length)};
-    if (std::all_of(bytes, bytes + length, [](char c) { return c > 0; }))
-        return {bytes, static_cast<std::size_t>(length)};
-    Tcl_DString converted;
-    Tcl_Encoding utf8 = Tcl_GetEncoding(nullptr, "utf-8");
-    Tcl_UtfToExternalDString(utf8, bytes, length, &converted);
-    std::string text(Tcl_DStringValue(&converted), static_cast<std::size_t>(Tcl_DStringLength(&converted)));
-    Tcl_DStringFree(&converted);
-    Tcl_FreeEncoding(utf8);
+    const std::string text = hdi::tcltasks::text_of(object);
     if (text.find('\0') != std::string::npos) failTcl("", ShellMsg::textHoldsNul);
     return text;
+}
+
+std::string cutName(const std::string& name) {
+    return name.substr(0, name.find_first_of("= \t\r\n"));
 }
 
 Tcl_Obj* makeText(const std::string& text) {

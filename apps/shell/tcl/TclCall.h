@@ -45,6 +45,9 @@ std::string textOf(Tcl_Obj* object);
 Tcl_Obj* makeText(const std::string& text);
 Tcl_Obj* makeList(const std::vector<std::string>& texts);
 
+/// What an error may repeat of a name that there is not: with a value stuck to it, the value is left out.
+std::string cutName(const std::string& name);
+
 class TclCall;
 
 /// An option of a command. An array of them ends with one without a name, as Tcl wants it.

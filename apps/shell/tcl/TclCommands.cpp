@@ -1,5 +1,6 @@
 #include "TclCommands.h"
 
+#include "HubParams.h"
 #include "ShellMsg.h"
 #include "TclCall.h"
 #include "TextTable.h"
@@ -7,6 +8,7 @@
 #include "plaz/HSCPlazMsg.h"
 #include "plaz/HSCPlazTrust.h"
 #include "scripting/task_manager.h"
+#include "support/HDGUIStatus.h"
 #include "support/HPAParamMgr.h"
 
 #include <iostream>
@@ -40,24 +42,39 @@ Tcl_Obj* makeHelp(const TclCommand& command) {
 
 /// Makes the failure the interpreter's error.
 void setError(Tcl_Interp* interp, const std::string& text, const std::string& code) {
-    Tcl_SetObjResult(interp, makeText(text));
+    Tcl_SetObjResult(interp, makeText(HSCPlazTrust::maskSecrets(text)));
     Tcl_SetObjErrorCode(interp, makeList({"PLAZ", code}));
 }
 
-/// Keeps Tcl from writing the words of a failed command into its trace.
+/// How a command whose words are hidden stands in a trace.
+std::string hiddenFrame(const TclCommand& command) {
+    return std::string("\n    while executing\n\"") + command.name + " ...\"";
+}
+
+/// Keeps Tcl from writing the words of a failed command into its trace and its stack.
 void hideWords(Tcl_Interp* interp, const TclCommand& command) {
-    const std::string trace =
-        std::string(Tcl_GetStringResult(interp)) + "\n    while executing\n\"" + command.name + " ...\"";
+    const std::string trace = Tcl_GetStringResult(interp) + hiddenFrame(command);
     const TclRef options(Tcl_GetReturnOptions(interp, TCL_ERROR));
     Tcl_Obj* changed = Tcl_DuplicateObj(options.get());
     Tcl_DictObjPut(nullptr, changed, Tcl_NewStringObj("-errorinfo", -1), makeText(trace));
+    Tcl_DictObjPut(nullptr, changed, Tcl_NewStringObj("-errorstack", -1), makeList({"INNER", command.name}));
     Tcl_SetReturnOptions(interp, changed);
+}
+
+/// The lines of a trace that tell places: "    (file ... line 3)".
+std::string placesOf(const std::string& trace) {
+    std::istringstream lines(trace);
+    std::string places;
+    for (std::string line; std::getline(lines, line);)
+        if (line.rfind("    (", 0) == 0 && line.back() == ')') places += '\n' + line;
+    return places;
 }
 
 /// Runs a command. Nothing is thrown through Tcl.
 int runCommand(ClientData data, Tcl_Interp* interp, int count, Tcl_Obj* const words[]) {
     const Binding& binding = *static_cast<Binding*>(data);
     const TclCommand& command = *binding.command;
+    binding.status->forgetProgress();
     try {
         const TclCall call(command, *binding.status, interp, count, words);
         Tcl_SetObjResult(interp, call.has("-help") ? makeHelp(command) : command.run(call));
@@ -96,6 +113,18 @@ void registerPlazCommands(Tcl_Interp* interp, HDGUIStatus& status) {
                              std::make_unique<Binding>(Binding{command, &status}).release(),
                              [](ClientData data) { std::unique_ptr<Binding>(static_cast<Binding*>(data)); });
     hdi::tcltasks::task_manager::set_echo(echo);
+}
+
+std::string shownTrace(const std::string& trace) {
+    for (const TclCommand* command : allCommands()) {
+        if (!command->takesSecrets) continue;
+        const std::string frame = hiddenFrame(*command);
+        const std::size_t found = trace.find(frame);
+        if (found == std::string::npos) continue;
+        const std::size_t end = found + frame.size();
+        return withoutSecrets(trace.substr(0, end)) + placesOf(trace.substr(end));
+    }
+    return withoutSecrets(trace);
 }
 
 std::vector<PlazCommand> listPlazCommands() {

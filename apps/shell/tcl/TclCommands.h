@@ -14,11 +14,16 @@ struct Tcl_Interp;
 /// "plaz.echoCommandFromToolSettings" is off. May be called again.
 ///
 /// A command that fails is an error of Tcl with a sentence as its result and an errorCode: "PLAZ" and the number of the
-/// message, "CANCELLED" or "STALE"; for wrong usage Tcl's own.
+/// message, "CANCELLED" or "STALE"; for wrong usage Tcl's own. (Where Ctrl-C ends all that the interpreter does, as in
+/// the shell, no script sees "CANCELLED".)
 ///
 /// @param interp  of the thread that uses the hub
 /// @param status  progress and cancellation of all commands; must outlive the interpreter
 void registerPlazCommands(Tcl_Interp* interp, HDGUIStatus& status);
+
+/// A trace ("errorInfo") as people may see it, secrets masked. Behind a command that takes secrets the commands around
+/// it, which quote its words, are left out.
+std::string shownTrace(const std::string& trace);
 
 /// What one of the commands takes, for who completes lines.
 struct PlazCommand {
@@ -32,3 +37,5 @@ struct PlazCommand {
 
 /// All commands, in the order of the help.
 std::vector<PlazCommand> listPlazCommands();
+/// The properties of stores, items and the preferences, in capitals; some more than once.
+std::vector<std::string> listPropertyNames();

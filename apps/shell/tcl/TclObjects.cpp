@@ -54,14 +54,28 @@ bool isInvalid(Tcl_Obj* object) {
     return hdi::tcltasks::native_cache_base::is_invalid(object);
 }
 
-/// The elements of a word that is no object: it may be a list, or one text.
-std::vector<Tcl_Obj*> split(Tcl_Obj* word, bool (*isName)(const std::string& text)) {
+/// The elements of a list. Nothing for a text that is none.
+std::vector<Tcl_Obj*> elementsOf(Tcl_Obj* list) {
     int count = 0;
     Tcl_Obj** elements = nullptr;
-    if (Tcl_ListObjGetElements(nullptr, word, &count, &elements) != TCL_OK) return {word};
-    const bool holdsObjects = std::any_of(elements, elements + count, isScriptObject);
-    if (!holdsObjects && count != 0 && isName(textOf(word))) return {word};
+    if (Tcl_ListObjGetElements(nullptr, list, &count, &elements) != TCL_OK) return {};
     return {elements, elements + count};
+}
+
+/// Whether it is a list with objects in it, or in lists in it. A text that would only read as a list holds none.
+bool holdsObjects(Tcl_Obj* word) {
+    static const Tcl_ObjType* const listType = Tcl_GetObjType("list");
+    if (word->typePtr != listType) return false;
+    const std::vector<Tcl_Obj*> elements = elementsOf(word);
+    return std::any_of(elements.begin(), elements.end(),
+                       [](Tcl_Obj* element) { return isScriptObject(element) || holdsObjects(element); });
+}
+
+/// What a word stands for that is no object and holds none: the elements of a list, or one text.
+std::vector<Tcl_Obj*> split(Tcl_Obj* word, bool (*isName)(const std::string& text)) {
+    int count = 0;
+    if (Tcl_ListObjLength(nullptr, word, &count) != TCL_OK || (count != 0 && isName(textOf(word)))) return {word};
+    return elementsOf(word);
 }
 
 } // namespace
@@ -105,6 +119,16 @@ std::string Meant::getText() const {
     return textOf(word);
 }
 
+std::vector<Tcl_Obj*> flatten(const std::vector<Tcl_Obj*>& words) {
+    std::vector<Tcl_Obj*> flat;
+    for (Tcl_Obj* word : words) {
+        const std::vector<Tcl_Obj*> parts =
+            holdsObjects(word) ? flatten(elementsOf(word)) : std::vector<Tcl_Obj*>{word};
+        flat.insert(flat.end(), parts.begin(), parts.end());
+    }
+    return flat;
+}
+
 Meant readOne(Tcl_Obj* word) {
     if (HSCPlazQItem* item = findNative<HSCPlazQItem>(word)) return {word, nullptr, item};
     if (isInvalid(word)) failTcl("STALE", ShellMsg::objectGone, textOf(word));
@@ -115,10 +139,8 @@ std::vector<Meant> readMeant(const std::vector<Tcl_Obj*>& words, bool (*isName)(
     std::vector<Meant> meant;
     meant.reserve(words.size());
     for (Tcl_Obj* word : words) {
-        if (isScriptObject(word))
-            meant.push_back(readOne(word));
-        else
-            for (Tcl_Obj* one : split(word, isName)) meant.push_back(readOne(one));
+        const bool isText = !isScriptObject(word) && !holdsObjects(word);
+        for (Tcl_Obj* one : isText ? split(word, isName) : flatten({word})) meant.push_back(readOne(one));
     }
     return meant;
 }

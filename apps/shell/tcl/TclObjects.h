@@ -38,11 +38,13 @@ struct Meant {
     std::string getText() const;
 };
 
+/// The words, with the elements of lists that hold objects, at any depth, in the place of those lists.
+std::vector<Tcl_Obj*> flatten(const std::vector<Tcl_Obj*>& words);
 /// What a word means that is an object, or a text as a whole.
 /// @throws TclFailure for an object whose store or item is gone
 Meant readOne(Tcl_Obj* word);
-/// The things that words of a command mean: each is one of them or a list. A text with blanks is one thing where it is
-/// a name as a whole, else a list.
+/// The things that words of a command mean: each is one of them or a list, of lists where these hold objects. A text
+/// with blanks is one thing where it is a name as a whole, else a list.
 /// @param isName  whether a text is one
 /// @throws TclFailure for an object whose store or item is gone
 std::vector<Meant> readMeant(const std::vector<Tcl_Obj*>& words, bool (*isName)(const std::string& text));

@@ -13,7 +13,7 @@ HPAParamMgr& params() {
 
 const HPAParam& requireParam(const std::string& name) {
     const HPAParam* param = params().findParam(name);
-    if (!param) failTcl("", ShellMsg::paramUnknown, name);
+    if (!param) failTcl("", ShellMsg::paramUnknown, cutName(name));
     return *param;
 }
 

@@ -71,7 +71,7 @@ Texts namesOf(const Object& object) {
 [[noreturn]] void failUnknown(const Object& object, const std::string& name) {
     std::string known;
     for (const std::string& one : namesOf(object)) known += (known.empty() ? "" : ", ") + one;
-    failTcl("", ShellMsg::propertyUnknown, name, known);
+    failTcl("", ShellMsg::propertyUnknown, cutName(name), known);
 }
 
 const std::string& findPreference(const std::string& name) {
@@ -81,12 +81,13 @@ const std::string& findPreference(const std::string& name) {
     return *found;
 }
 
+/// The text that is in force: the first of a preference's list that says something.
 PropertyValue preferenceOf(const std::string& name) {
     const std::string& known = findPreference(name);
-    Texts values = HCCXPrefMgr::getInstance().getDefaultXPref().getVal(known);
-    if (known == proxyPreference)
-        for (std::string& value : values) value = HSCPlazTrust::maskProxy(value);
-    return values;
+    const Texts values = HCCXPrefMgr::getInstance().getDefaultXPref().getVal(known);
+    const auto first = std::find_if(values.begin(), values.end(), [](const auto& value) { return !value.empty(); });
+    const std::string text = first == values.end() ? std::string() : *first;
+    return known == proxyPreference ? HSCPlazTrust::maskProxy(text) : text;
 }
 
 template <typename Native> PropertyValue valueOf(const Object& object, const Native& native, const std::string& name) {
@@ -132,6 +133,18 @@ void setPreference(const std::string& name, const std::string& value) {
     failTcl("", ShellMsg::preferencesNotSaved, HCCXPrefMgr::getFile());
 }
 
+/// The objects that the last word of set_property means.
+/// RATIONALE: where they were forgotten that word is the value, which may be a secret: it is not repeated.
+std::vector<Object> readChangedObjects(Tcl_Obj* word) {
+    std::vector<Object> objects;
+    for (const Meant& meant : readMeant({word}, namesObject)) {
+        if (!meant.store && !meant.item && !namesObject(meant.getText())) failTcl("", ShellMsg::objectsForgotten);
+        objects.push_back(readObject(meant));
+    }
+    if (objects.empty()) failTcl("", ShellMsg::nothingNamed);
+    return objects;
+}
+
 /// RATIONALE: the words between name and objects are one value, joined by single blanks, and none is the empty text:
 /// user interfaces put paths into the command as they are.
 Tcl_Obj* setProperty(const TclCall& call) {
@@ -139,9 +152,7 @@ Tcl_Obj* setProperty(const TclCall& call) {
     call.expectWords(2, words.size());
     const std::string name = textOf(words.front());
     const std::string value = call.joinWords(1, words.size() - 1);
-    const std::vector<Object> objects = readObjects({words.back()});
-    if (objects.empty()) failTcl("", ShellMsg::nothingNamed);
-    for (const Object& object : objects) {
+    for (const Object& object : readChangedObjects(words.back())) {
         valueOf(object, name);
         if (object.store || object.item) failTcl("", ShellMsg::propertyReadOnly, raised(name));
     }
@@ -190,6 +201,13 @@ Tcl_Obj* preferences(const TclCall& call) {
 const std::vector<TclOption> onlyHelp{{"-help", nullptr, "Show this help"}, {nullptr, nullptr, nullptr}};
 
 } // namespace
+
+std::vector<std::string> listPropertyNames() {
+    Texts names = namesOf(Object{});
+    for (const Texts& more : {namesOf<HSCPlazQStore>(), namesOf<HSCPlazQItem>()})
+        names.insert(names.end(), more.begin(), more.end());
+    return names;
+}
 
 const std::vector<TclCommand>& propertyCommands() {
     using Subject = PlazCommand::Subject;

@@ -1,5 +1,6 @@
 #include "support/PlatformSystem.h"
 
+#include <csignal>
 #include <cstdlib>
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -73,6 +74,13 @@ int getTerminalWidth() {
 
 bool isInputTerminal() {
     return isatty(STDIN_FILENO) == 1;
+}
+
+void letCtrlCEndReads() {
+    struct sigaction action {};
+    if (sigaction(SIGINT, nullptr, &action) != 0) return;
+    action.sa_flags &= ~SA_RESTART;
+    sigaction(SIGINT, &action, nullptr);
 }
 
 } // namespace platform
