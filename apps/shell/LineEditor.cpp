@@ -74,13 +74,14 @@ public:
         el_set(editor, EL_PROMPT, getPrompt);
         el_set(editor, EL_EDITOR, "emacs");
         el_set(editor, EL_HIST, history, m_history.get());
-        el_set(editor, EL_ADDFN, "plaz-complete", "complete the word", onTab);
+        // The narrow form would copy the names and never free them.
+        el_wset(editor, EL_ADDFN, L"plaz-complete", L"complete the word", onTab);
         el_set(editor, EL_BIND, "^I", "plaz-complete", nullptr);
         // While a line is edited Ctrl-C and Ctrl-Z are keys like others: a signal would leave the line half read.
         el_set(editor, EL_SETTY, "-d", "-isig", nullptr);
-        el_set(editor, EL_ADDFN, "plaz-drop", "throw the line away", onCtrlC);
+        el_wset(editor, EL_ADDFN, L"plaz-drop", L"throw the line away", onCtrlC);
         el_set(editor, EL_BIND, "^C", "plaz-drop", nullptr);
-        el_set(editor, EL_ADDFN, "plaz-stop", "stop the shell until it is continued", onCtrlZ);
+        el_wset(editor, EL_ADDFN, L"plaz-stop", L"stop the shell until it is continued", onCtrlZ);
         el_set(editor, EL_BIND, "^Z", "plaz-stop", nullptr);
     }
 
