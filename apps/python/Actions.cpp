@@ -33,7 +33,8 @@ py::object toPython(const StoreResult& result) {
 template <typename Native, typename Action>
 py::list act(Call& call, const std::vector<Native*>& natives, bool quiet, Action action) {
     HubActions actions(call.getHub(), quiet, &call.getStatus());
-    const auto results = actOnEach(actions, natives, call.getStatus(), action, {});
+    const auto results = actOnEach(actions, natives, call.getStatus(), action,
+                                   [&](std::size_t, std::size_t) { call.getStatus().forgetProgress(); });
     py::list shown;
     for (const auto& result : results) shown.append(toPython(result));
     if (results.size() < natives.size() || !areDone(results)) call.fail(shown);
@@ -68,7 +69,7 @@ std::vector<HSCPlazQItem*> resolveAll(const HubQueries& queries, const std::vect
 template <typename FromObject, typename Action>
 py::list actOnItems(const py::object& items, const OptionalText& store, bool quiet, py::object progress,
                     Resolve resolve, FromObject fromObject, Action action) {
-    const py::list given = listNamed<HSCPlazQItem>(items);
+    const py::list given = listNamed(items);
     const std::vector<NamedItem> named = readItems(given);
     return callHub(
         [&](Call& call) {
@@ -106,7 +107,7 @@ py::list update(const py::object& items, const OptionalText& store, bool quiet, 
 
 py::list refresh(const py::object& stores, bool hub, py::object progress) {
     std::vector<std::string> names;
-    if (!stores.is_none()) names = readStores(listNamed<HSCPlazQStore>(stores));
+    if (!stores.is_none()) names = readStores(listNamed(stores));
     const bool isNothing = !stores.is_none() && names.empty() && !hub;
     return callHub(
         [&](Call& call) {

@@ -13,11 +13,14 @@
 #include <thread>
 
 namespace py = pybind11;
+using namespace py::literals;
 
 namespace {
 
 Call* current = nullptr;
 bool hasHubStarted = false;
+bool wasForkedAmid = false;
+std::thread::id endingThread; ///< the one that ends the interpreter, once it does
 
 template <std::size_t Arity> ComMsgMgrInstance message(const MsgId<Arity>& id) {
     return {__FILE__, __LINE__, "common", id};
@@ -27,9 +30,30 @@ bool isError(const ComMsgMgr::Message& message) {
     return message.label == "ERROR";
 }
 
+/// Daemon threads must not enter the hub any more once the end has come, functions registered for it may.
+bool isTooLate() {
+    return isPythonEnding() || (endingThread != std::thread::id() && endingThread != std::this_thread::get_id());
+}
+
+/// A child that is forked while a call lasts has the hub as it was in the midst of it.
+void giveUpInChild() {
+    wasForkedAmid = current != nullptr;
+    current = nullptr;
+}
+
 } // namespace
 
+bool isPythonEnding() {
+#if PY_VERSION_HEX >= 0x030D0000
+    return Py_IsInitialized() == 0 || Py_IsFinalizing() != 0;
+#else
+    return Py_IsInitialized() == 0 || _Py_IsFinalizing() != 0;
+#endif
+}
+
 Call::Call(py::object progress) : m_progress(std::move(progress)) {
+    if (wasForkedAmid) throw std::runtime_error("the hub cannot be used in a process forked while a call lasted");
+    if (isTooLate()) throw std::runtime_error("the hub cannot be used any more: Python ends");
     if (current) raiseError(HEXAll(message(PythonMsg::hubInUse)));
     if (!m_progress.is_none()) {
         if (PyCallable_Check(m_progress.ptr()) == 0) throw py::type_error("progress must be callable or None");
@@ -48,11 +72,6 @@ void Call::leave() {
     if (m_status.isCanceled()) HUTFork::clearInterrupt();
 }
 
-void Call::end() {
-    leave();
-    if (m_raised) throw py::error_already_set(*m_raised);
-}
-
 void Call::serveHub() {
     static ComMsgMgr::Sink before;
     before = ComMsgMgr::setSink(receive);
@@ -62,15 +81,23 @@ void Call::serveHub() {
         ComMsgMgr::setSink(before);
         HUTWait::setAround({});
     }));
+    py::module_::import("os").attr("register_at_fork")("after_in_child"_a = py::cpp_function(giveUpInChild));
 }
 
-// A daemon thread may still be at it, and must not wait for the lock of an interpreter that has ended.
-void Call::endOther() {
+bool Call::cancelCurrent() {
     if (current) current->cancel();
-    while (current) {
+    return current != nullptr;
+}
+
+// A daemon thread may still be at it, and must not wait for the lock of an interpreter that has ended. Ctrl-C gives up
+// waiting for one whose callback never comes back.
+void Call::endOther() {
+    endingThread = std::this_thread::get_id();
+    while (cancelCurrent() && PyErr_CheckSignals() == 0) {
         const py::gil_scoped_release unlocked;
         std::this_thread::sleep_for(HUTWait::slice);
     }
+    PyErr_Clear();
 }
 
 HSCPlaz& Call::getHub() {
@@ -85,23 +112,33 @@ bool Call::isHubStarted() {
 }
 
 void Call::finish() {
-    end();
-    for (const ComMsgMgr::Message& sent : m_messages)
-        if (isError(sent)) logMessage(sent);
+    leave();
+    for (const ComMsgMgr::Message& sent : std::exchange(m_messages, {})) {
+        if (!isError(sent)) continue;
+        try {
+            logMessage(sent);
+        } catch (const py::error_already_set& raised) {
+            if (!m_raised) m_raised = raised;
+        }
+    }
+    if (m_raised) throw py::error_already_set(*m_raised);
 }
 
 void Call::fail(const py::list& results) {
-    end();
-    const auto error = std::find_if(m_messages.begin(), m_messages.end(), isError);
-    if (!m_status.isCanceled() && error != m_messages.end()) raiseError(*error, m_messages, results);
+    leave();
+    if (m_raised) finish();
+    const Messages messages = std::exchange(m_messages, {});
+    const auto error = std::find_if(messages.begin(), messages.end(), isError);
+    if (!m_status.isCanceled() && error != messages.end()) raiseError(*error, messages, results);
     const MsgId<0>& reason = m_status.isCanceled() ? ShellMsg::cancelled : PythonMsg::callFailed;
-    raiseError(HEXAll(message(reason)), m_messages, results);
+    raiseError(HEXAll(message(reason)), messages, results);
 }
 
 void Call::fail(const HEXAll& failure) {
     ComMsgMgr::send(failure);
-    end();
-    raiseError(failure, m_messages);
+    leave();
+    if (m_raised) finish();
+    raiseError(failure, std::exchange(m_messages, {}));
 }
 
 void Call::receive(const ComMsgMgr::Message& message) {

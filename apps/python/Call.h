@@ -9,6 +9,9 @@
 
 class HSCPlaz;
 
+/// Whether the interpreter is being taken down, or is not there.
+bool isPythonEnding();
+
 /// One call of a script into the hub: keeps other calls out while it lasts, takes the messages that are sent meanwhile,
 /// tells progress, and can be cancelled.
 ///
@@ -19,6 +22,7 @@ class Call {
 public:
     /// @param progress  called with a text and a percentage; cancels by returning False or raising. None for nobody.
     /// @throws error_already_set BusyError while another call lasts; TypeError for what cannot be called
+    /// @throws std::runtime_error while Python ends, and in a process forked while a call lasted
     explicit Call(pybind11::object progress);
     ~Call();
     Call(const Call&) = delete;
@@ -26,6 +30,8 @@ public:
 
     /// Receives the hub's messages, and lets other Python threads run while the hub waits. Until the interpreter ends.
     static void serveHub();
+    /// Cancels the call that lasts. @return whether there is one
+    static bool cancelCurrent();
 
     /// @throws HEXAll ShellMsg::hubNotFound when there is none
     HSCPlaz& getHub();
@@ -33,7 +39,7 @@ public:
 
     HDGUIStatus& getStatus() { return m_status; }
 
-    /// Ends the call well: what a callback raised is raised, else the errors sent are logged.
+    /// Ends the call: the errors sent are logged, then what a callback or a handler of the log raised is raised.
     void finish();
     /// Ends it with the exception that tells why an action failed: what a callback raised, that the call was cancelled,
     /// or the first error sent.
@@ -49,8 +55,6 @@ private:
     void tell();
     void cancel(const pybind11::error_already_set* raised = nullptr);
     void leave();
-    /// Leaves, and raises what a callback raised.
-    void end();
 
     pybind11::object m_progress;
     HDGUIStatus m_status;
@@ -68,8 +72,10 @@ template <typename Work> auto callHub(Work work, pybind11::object progress = pyb
     } catch (const HEXAll& failure) {
         call.fail(failure);
     } catch (const pybind11::error_already_set&) {
+        call.finish();
         throw;
     } catch (const pybind11::builtin_exception&) {
+        call.finish();
         throw;
     } catch (const std::exception& failure) {
         call.fail(HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::unexpectedFailure, failure.what())));

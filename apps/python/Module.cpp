@@ -71,7 +71,8 @@ void defineActions(py::module_& module) {
                "items: one Item or reference, or several; all are found before any is touched.\n"
                "store: name of the store in which references are looked up.\n"
                "quiet: leaves out the good news.\n"
-               "progress: called with a text and a percentage; cancels by returning False or raising.\n\n"
+               "progress: called with a text and a percentage at each step; cancels by returning False or raising. "
+               "cancel() need not wait for the next step.\n\n"
                "Returns an ActionResult for each item. Raises Error when one fails, with what became of each in "
                "its results; what was done stays done.");
     module.def("uninstall", &uninstall, "items"_a, py::kw_only(), "store"_a = py::none(), "quiet"_a = false,
@@ -91,6 +92,11 @@ void defineActions(py::module_& module) {
                "hub: fetches the hub's own list of stores first; stores are new objects afterwards, too.\n"
                "progress: as for install().\n\n"
                "Returns a StoreResult for each store. Raises Error when one fails.");
+    module.def("cancel", &Call::cancelCurrent,
+               "cancel()\n--\n\n"
+               "Cancels the call that another thread, or the caller of this callback, is in: it ends soon and raises "
+               "Cancelled. The one function that may be called meanwhile.\n\n"
+               "Returns False when there is no such call.");
     module.def(
         "set_product", &setProduct, "name"_a, "version"_a,
         "set_product(name, version)\n--\n\n"
@@ -108,8 +114,16 @@ void defineSettings(py::module_& module) {
     module.def("list_preferences", &listPreferences);
 }
 
-std::string documented(const std::string& signatureAndText) {
-    return signatureAndText + "\n\nRaises StaleObjectError once the object is gone, because its store was refreshed.";
+template <typename Native> std::string documented(const std::string& signatureAndText) {
+    const char* cause = std::is_same_v<Native, HSCPlazQItem> ? "its store was" : "the hub's list of stores was";
+    return signatureAndText + "\n\nRaises StaleObjectError once the object is gone, because " + cause + " refreshed.";
+}
+
+/// The oldest pickle protocols would write an object that cannot be read again.
+template <typename Native> void refuseToPickle() {
+    defineMethod<Native>("__reduce__", [](const Handle<Native>&) -> py::object {
+        throw py::type_error("a store or item cannot be pickled: pickle its text, which finds it again");
+    });
 }
 
 void defineStore(py::module_& module) {
@@ -120,27 +134,32 @@ void defineStore(py::module_& module) {
         "items", &listItemsOf, "pattern"_a = py::none(), py::kw_only(), "category"_a = py::none(),
         "words"_a = py::tuple(), "installed"_a = false, "outdated"_a = false, "all_revisions"_a = false,
         "filter"_a = py::none(),
-        documented("items(self, pattern=None, *, category=None, words=(), installed=False, outdated=False, "
-                   "all_revisions=False, filter=None)\n--\n\n"
-                   "The items of this store that fit, as plaz.items() finds them.")
+        documented<HSCPlazQStore>(
+            "items(self, pattern=None, *, category=None, words=(), installed=False, outdated=False, "
+            "all_revisions=False, filter=None)\n--\n\n"
+            "The items of this store that fit, as plaz.items() finds them.")
             .c_str());
+    refuseToPickle<HSCPlazQStore>();
     defineMethod<HSCPlazQStore>("__iter__",
                                 [](const StoreHandle& self) { return py::iter(findItemsOf(self, {}, {})); });
     defineMethod<HSCPlazQStore>("__len__", &countItems);
+    defineMethod<HSCPlazQStore>("__bool__", [](const StoreHandle&) { return true; }); // whatever its length
     defineMethod<HSCPlazQStore>(
         "refresh",
-        [](const py::object& self, py::object progress) -> py::object {
-            return refresh(self, false, std::move(progress))[0];
+        [](const StoreHandle& self, py::object progress) -> py::object {
+            return refresh(self.toObject(), false, std::move(progress))[0];
         },
         "progress"_a = py::none(),
-        documented("refresh(self, progress=None)\n--\n\n"
-                   "Fetches this store's catalog, as plaz.refresh() does. The store stays the same object.")
+        documented<HSCPlazQStore>(
+            "refresh(self, progress=None)\n--\n\n"
+            "Fetches this store's catalog, as plaz.refresh() does. The store stays the same object.")
             .c_str());
     defineMethod<HSCPlazQStore>(
         "check", &checkStore,
-        documented("check(self)\n--\n\n"
-                   "Asks the remote whether it has moved since the last refresh: the outcome is \"up-to-date\" or "
-                   "\"outdated\".\n\nRaises Error when it gives no answer.")
+        documented<HSCPlazQStore>(
+            "check(self)\n--\n\n"
+            "Asks the remote whether it has moved since the last refresh: the outcome is \"up-to-date\" or "
+            "\"outdated\".\n\nRaises Error when it gives no answer.")
             .c_str());
 }
 
@@ -148,31 +167,36 @@ void defineStore(py::module_& module) {
 template <typename Act> void defineAction(const char* name, Act act) {
     defineMethod<HSCPlazQItem>(
         name,
-        [act](const py::object& self, bool quiet, py::object progress) -> py::object {
-            return act(self, {}, quiet, std::move(progress))[0];
+        [act](const ItemHandle& self, bool quiet, py::object progress) -> py::object {
+            return act(self.toObject(), {}, quiet, std::move(progress))[0];
         },
         py::kw_only(), "quiet"_a = false, "progress"_a = py::none(),
-        documented(std::string(name) + "(self, *, quiet=False, progress=None)\n--\n\nDoes to this item what plaz." +
-                   name + "() does, and returns its ActionResult.")
+        documented<HSCPlazQItem>(std::string(name) +
+                                 "(self, *, quiet=False, progress=None)\n--\n\nDoes to this item what plaz." + name +
+                                 "() does, and returns its ActionResult.")
             .c_str());
 }
 
 void defineItem(py::module_& module) {
     defineClass<HSCPlazQItem>(module, "Item", "One revision of an item of a store's catalog.");
+    refuseToPickle<HSCPlazQItem>();
     defineAction("install", &install);
     defineAction("uninstall", &uninstall);
     defineAction("update", &update);
     defineMethod<HSCPlazQItem>(
         "needed_items", &findNeeded,
-        documented("needed_items(self)\n--\n\n"
-                   "The items that its dependencies name, each in the revision asked for, else the latest.\n\n"
-                   "Raises NotFoundError when the hub has no such item.")
+        documented<HSCPlazQItem>(
+            "needed_items(self)\n--\n\n"
+            "The items that its dependencies name, each in the revision asked for, else the latest.\n\n"
+            "Raises NotFoundError when the hub has no such item.")
             .c_str());
 }
 
 } // namespace
 
 PYBIND11_MODULE(_plaz, module) {
+    static bool isLoaded = false;
+    if (std::exchange(isLoaded, true)) throw py::import_error("a process can load plaz once, in one interpreter");
     py::options options;
     options.disable_function_signatures(); // docstrings begin with signatures that the inspect module reads
     defineStore(module);

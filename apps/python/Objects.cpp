@@ -15,14 +15,6 @@ namespace py = pybind11;
 
 namespace {
 
-bool isPythonExiting() {
-#if PY_VERSION_HEX >= 0x030D0000
-    return Py_IsInitialized() == 0 || Py_IsFinalizing() != 0;
-#else
-    return Py_IsInitialized() == 0 || _Py_IsFinalizing() != 0;
-#endif
-}
-
 std::string referenceOf(const HSCPlazQItem& item) {
     return ItemReference::of(item).toText();
 }
@@ -101,8 +93,8 @@ template <typename Native> PyObject* toRepr(PyObject* self) {
 
 template <typename Native> void end(PyObject* self) {
     Handle<Native>& handle = handleOf<Native>(self);
+    Handle<Native>::Cache::remove(self); // before Python code runs, which could be given the dying object
     if (handle.weakReferences) PyObject_ClearWeakRefs(self);
-    Handle<Native>::Cache::remove(self);
     handle.reference.~basic_string();
     PyTypeObject* type = Py_TYPE(self);
     PyObject_Free(self);
@@ -158,7 +150,7 @@ template <typename Native> void defineClass(py::module_& module, const char* nam
 }
 
 void serveCaches() {
-    hdi::pyinfra::py_native_cache_base::attach({markInvalid, isPythonExiting});
+    hdi::pyinfra::py_native_cache_base::attach({markInvalid, isPythonEnding});
 }
 
 template struct Handle<HSCPlazQItem>;

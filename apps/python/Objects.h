@@ -35,6 +35,9 @@ template <typename Native> struct Handle {
         return Py_TYPE(object.ptr()) == type ? reinterpret_cast<Handle*>(object.ptr()) : nullptr;
     }
 
+    pybind11::object toObject() const {
+        return pybind11::reinterpret_borrow<pybind11::object>(const_cast<PyObject*>(&base));
+    }
     /// @throws HEXAll ShellMsg::objectGone
     Native& get() const;
     /// The reference that finds the same again.

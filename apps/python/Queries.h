@@ -12,8 +12,11 @@ using OptionalText = std::optional<Text>;
 
 /// A list of what scripts name or hold: @p names itself, where it is one text or object, else what it yields. Runs the
 /// script's code, so it comes before the call.
-template <typename Native> pybind11::list listNamed(const pybind11::object& names) {
-    if (!pybind11::isinstance<pybind11::str>(names) && !Handle<Native>::of(names)) return pybind11::list(names);
+inline pybind11::list listNamed(const pybind11::object& names) {
+    // A store yields items, and bytes numbers, but to name one is a slip.
+    const bool isOne = pybind11::isinstance<pybind11::str>(names) || pybind11::isinstance<pybind11::bytes>(names) ||
+                       ItemHandle::of(names) || StoreHandle::of(names);
+    if (!isOne) return pybind11::list(names);
     pybind11::list one;
     one.append(names);
     return one;

@@ -29,11 +29,32 @@ py::object valueOf(const HPAParam& param) {
     return toPython(shownValue(param));
 }
 
-std::string textOf(const py::object& value) {
+std::string textOf(py::handle text, const char* complaint) {
+    if (!py::isinstance<py::str>(text)) throw py::type_error(complaint);
+    return text.cast<Text>().value;
+}
+
+std::string nameOf(const py::object& name) {
+    return textOf(name, "a name is a str");
+}
+
+std::string valueOf(const py::object& value) {
     if (py::isinstance<py::bool_>(value)) return value.cast<bool>() ? "true" : "false";
     if (py::isinstance<py::int_>(value)) return py::str(value).cast<std::string>();
-    if (py::isinstance<py::str>(value)) return value.cast<Text>().value;
-    throw py::type_error("a parameter takes a str, an int or a bool");
+    return textOf(value, "a parameter takes a str, an int or a bool");
+}
+
+std::vector<std::string> valuesOf(const py::object& values) {
+    const char* const complaint = "a preference takes a list of str";
+    if (!py::isinstance<py::list>(values) && !py::isinstance<py::tuple>(values)) throw py::type_error(complaint);
+    std::vector<std::string> texts;
+    for (const py::handle value : values) texts.push_back(textOf(value, complaint));
+    return texts;
+}
+
+/// Refuses the "***" that stands for a secret where it is read: put back, it would take the secret's place.
+void requireWhole(bool isSecret, const std::string& value) {
+    if (isSecret && value.find("***") != std::string::npos) throw py::value_error("the value is masked: give it whole");
 }
 
 } // namespace
@@ -42,13 +63,13 @@ py::object getParam(const Text& name) {
     return callHub([&](Call&) { return valueOf(findParam(name.value)); });
 }
 
-void setParam(const Text& name, const py::object& value) {
-    const std::string text = textOf(value);
+void setParam(const py::object& name, const py::object& value) {
+    const std::string known = nameOf(name);
+    const std::string text = valueOf(value);
     callHub([&](Call&) {
-        findParam(name.value);
-        // The value, which may be a secret, is not repeated.
-        if (!HPAParamMgr::getParamMgr().setValue(name.value, text))
-            throw py::value_error("the parameter " + name.value + " does not take such a value");
+        requireWhole(isSecret(findParam(known)), text);
+        if (!HPAParamMgr::getParamMgr().setValue(known, text))
+            throw py::value_error("the parameter " + known + " does not take such a value");
         return true;
     });
 }
@@ -69,20 +90,21 @@ py::list getPreference(const Text& name) {
     return callHub([&](Call&) {
         py::list values;
         for (const std::string& value : HCCXPrefMgr::getInstance().getDefaultXPref().getVal(name.value))
-            values.append(toPython(value));
+            values.append(toPython(shownPreference(name.value, value)));
         return values;
     });
 }
 
-void setPreference(const Text& name, const std::vector<Text>& values) {
-    std::vector<std::string> wanted;
-    for (const Text& value : values) wanted.push_back(value.value);
+void setPreference(const py::object& name, const py::object& values) {
+    const std::string wanted = nameOf(name);
+    const std::vector<std::string> texts = valuesOf(values);
     callHub([&](Call& call) {
+        for (const std::string& text : texts) requireWhole(wanted == proxyPreference, text);
         HCCXPref& preferences = HCCXPrefMgr::getInstance().getDefaultXPref();
-        const std::vector<std::string> before = preferences.getVal(name.value);
-        preferences.setVal(name.value, wanted);
+        const std::vector<std::string> before = preferences.getVal(wanted);
+        preferences.setVal(wanted, texts);
         if (HCCXPrefUtils::savePreferences()) return true;
-        preferences.setVal(name.value, before);
+        preferences.setVal(wanted, before);
         call.fail();
     });
 }

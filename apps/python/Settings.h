@@ -10,7 +10,8 @@
 /// @throws ShellMsg::paramUnknown, here and below, as the package's exception
 pybind11::object getParam(const Text& name);
 /// @param value  a text, a number or a truth value
-void setParam(const Text& name, const pybind11::object& value);
+/// @throws type_error, value_error, which never repeat what was given: it may be a secret
+void setParam(const pybind11::object& name, const pybind11::object& value);
 void resetParam(const Text& name);
 /// Without those that are hidden.
 std::vector<std::string> listParams();
@@ -18,6 +19,7 @@ std::vector<std::string> listParams();
 /// Empty for one that is not set.
 pybind11::list getPreference(const Text& name);
 /// Sets it and saves all; when they cannot be saved it stays as it was. An empty list takes it away.
-void setPreference(const Text& name, const std::vector<Text>& values);
+/// @throws type_error, value_error  as setParam() does
+void setPreference(const pybind11::object& name, const pybind11::object& values);
 /// The names of those that are set.
 pybind11::list listPreferences();

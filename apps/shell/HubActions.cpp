@@ -84,6 +84,8 @@ ActionResult HubActions::install(HSCPlazQItem& item) {
 }
 
 ActionResult HubActions::uninstall(HSCPlazQItem& item) {
+    if (m_status) m_status->changeStatus("Removing " + item.getDisplayName());
+    if (m_status && m_status->isCanceled()) return resultOf(item, Outcome::failed);
     if (!succeeds([&] { return HSCPlazTaskMgr::uninstall(&m_hub, &item, m_quiet); }))
         return resultOf(item, Outcome::failed);
     return resultOf(item, item.IsInstalled() ? Outcome::kept : Outcome::removed);

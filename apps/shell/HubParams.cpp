@@ -54,10 +54,14 @@ std::string shownValue(const HPAParam& param) {
     return isProxy(param) ? HSCPlazTrust::maskProxy(param.getValue()) : HSCPlazTrust::maskSecrets(param.getValue());
 }
 
+std::string shownPreference(const std::string& name, const std::string& text) {
+    return name == proxyPreference ? HSCPlazTrust::maskProxy(text) : text;
+}
+
 std::string withoutSecrets(std::string text) {
     for (const HPAParam* param : HPAParamMgr::getParamMgr().list(true))
         if (isSecret(*param)) replaceWord(text, param->getValue(), shownValue(*param));
-    for (const std::string& proxy : HCCXPrefMgr::getInstance().getDefaultXPref().getVal("plaz.http_proxy"))
-        replaceWord(text, proxy, HSCPlazTrust::maskProxy(proxy));
+    for (const std::string& proxy : HCCXPrefMgr::getInstance().getDefaultXPref().getVal(proxyPreference))
+        replaceWord(text, proxy, shownPreference(proxyPreference, proxy));
     return HSCPlazTrust::maskSecrets(text);
 }

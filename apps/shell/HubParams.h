@@ -11,5 +11,9 @@ std::vector<const HPAParam*> findParams(const std::string& pattern, bool withHid
 bool isSecret(const HPAParam& param);
 /// The value as people may see it: user ids, tokens and the user part of a URL read "***".
 std::string shownValue(const HPAParam& param);
+/// The preference of a proxy, which may hold a user id and password.
+inline constexpr const char* proxyPreference = "plaz.http_proxy";
+/// One of a preference's texts as people may see it.
+std::string shownPreference(const std::string& name, const std::string& text);
 /// The text as people may see it: the same of the values of secret parameters, of the preferred proxy and of URLs.
 std::string withoutSecrets(std::string text);

@@ -64,6 +64,8 @@ HSCPlazQItem* findEntry(const HSCPlazQStore& store, const ItemReference& referen
 }
 
 const std::string& scopeOf(const ItemReference& reference, const std::string& store) {
+    if (!store.empty() && !reference.store.empty() && store != reference.store)
+        fail(ShellMsg::itemOfOtherStore, reference.toText(), store);
     return store.empty() ? reference.store : store;
 }
 

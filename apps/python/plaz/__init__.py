@@ -7,17 +7,20 @@
     plaz.install("boards::aurora")
 
 Stores and items are objects with their properties as attributes. As long as anybody has such an object, the same store
-or item is the same object; it is gone once its store was refreshed, and its use raises StaleObjectError then.
+or item is the same object. An item's is gone once its store was refreshed, a store's once the hub's list of stores was;
+its use raises StaleObjectError then.
 
 Messages of the hub go to the logger "plaz", each record with its number as message_id. Errors of a call that raises are
 in the exception instead.
 
 Any thread may use the hub, one at a time. Other threads run while a call waits for git; one that enters the hub
-meanwhile gets BusyError, as does a callback. Ctrl-C ends a call with KeyboardInterrupt; what was done stays done.
+meanwhile gets BusyError, as does a callback. Ctrl-C ends a call with KeyboardInterrupt, cancel() ends that of another
+thread; what was done stays done. At its end Python cancels a call that lasts, and waits for its callbacks. A process
+can load the package once, in one interpreter.
 """
 
 from plaz._errors import AmbiguousError, BusyError, Cancelled, Error, NotFoundError, StaleObjectError
-from plaz._plaz import Item, Store, install, item, items, refresh, set_product, store, stores, uninstall, update
+from plaz._plaz import Item, Store, cancel, install, item, items, refresh, set_product, store, stores, uninstall, update
 from plaz._results import ActionResult, Message, StoreResult
 from plaz._settings import Parameters, Preferences
 
@@ -25,6 +28,6 @@ params = Parameters()
 preferences = Preferences()
 
 __all__ = [
-    "ActionResult", "AmbiguousError", "BusyError", "Cancelled", "Error", "Item", "Message", "NotFoundError", "Parameters",
-    "Preferences", "StaleObjectError", "Store", "StoreResult", "install", "item", "items", "params", "preferences",
-    "refresh", "set_product", "store", "stores", "uninstall", "update"]
+    "ActionResult", "AmbiguousError", "BusyError", "Cancelled", "Error", "Item", "Message", "NotFoundError",
+    "Parameters", "Preferences", "StaleObjectError", "Store", "StoreResult", "cancel", "install", "item", "items",
+    "params", "preferences", "refresh", "set_product", "store", "stores", "uninstall", "update"]

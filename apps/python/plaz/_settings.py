@@ -1,15 +1,16 @@
 """Parameters and preferences as mappings."""
 
-from collections.abc import MutableMapping
+from collections.abc import Mapping, MutableMapping
 
 from plaz import _plaz
 
 
-class Parameters(MutableMapping):
+class Parameters(Mapping):
     """The hub's parameters, for the life of the process.
 
-    Values are str, int or bool; credentials read "***". Deleting one brings its default back. Hidden ones are not listed,
-    but can be read and set. An unknown name raises NotFoundError, a value that does not fit ValueError.
+    Values are str, int or bool; credentials read "***", and are not taken in that form. Deleting one brings its default
+    back. Hidden ones are not listed, but can be read, set and deleted. An unknown name raises NotFoundError, a value that
+    does not fit ValueError.
     """
 
     def __getitem__(self, name):
@@ -29,7 +30,7 @@ class Parameters(MutableMapping):
 
 
 class Preferences(MutableMapping):
-    """The user's preferences: a list of texts each. Each change is saved at once."""
+    """The user's preferences: a list of texts each, in which credentials read "***". Each change is saved at once."""
 
     def __getitem__(self, name):
         values = _plaz.get_preference(name)

@@ -1,4 +1,5 @@
 #include "Glob.h"
+#include "HubParams.h"
 #include "ObjectProperties.h"
 #include "ShellMsg.h"
 #include "TclCall.h"
@@ -6,7 +7,6 @@
 #include "TextTable.h"
 #include "Utf8.h"
 
-#include "plaz/HSCPlazTrust.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
@@ -21,7 +21,6 @@ using Texts = std::vector<std::string>;
 
 // What current_solvan_preferences returns. It is no reference, so that no item can be meant by it.
 constexpr const char* preferencesText = "::plaz::preferences";
-constexpr const char* proxyPreference = "plaz.http_proxy";
 const Texts preferenceNames{"QSTORES_PATH", proxyPreference};
 
 /// What properties are asked of: a store, an item or, both null, the preferences.
@@ -86,8 +85,7 @@ PropertyValue preferenceOf(const std::string& name) {
     const std::string& known = findPreference(name);
     const Texts values = HCCXPrefMgr::getInstance().getDefaultXPref().getVal(known);
     const auto first = std::find_if(values.begin(), values.end(), [](const auto& value) { return !value.empty(); });
-    const std::string text = first == values.end() ? std::string() : *first;
-    return known == proxyPreference ? HSCPlazTrust::maskProxy(text) : text;
+    return first == values.end() ? std::string() : shownPreference(known, *first);
 }
 
 template <typename Native> PropertyValue valueOf(const Object& object, const Native& native, const std::string& name) {
