@@ -105,6 +105,7 @@ Words findCommands(Tcl_Interp* interp, const std::string& typed) {
 /// The directory that Tcl takes a name for, with "~" expanded; empty where there is no such user.
 std::string expanded(const std::string& dir) {
     Tcl_DString text;
+    Tcl_DStringInit(&text); // without a user Tcl leaves it alone
     const char* name = Tcl_TranslateFileName(nullptr, dir.c_str(), &text);
     std::string found = name ? name : "";
     Tcl_DStringFree(&text);

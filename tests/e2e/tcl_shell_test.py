@@ -142,6 +142,8 @@ class TclShellTest(unittest.TestCase):
         terminal.type("plaz::get_qitems c\t\t")
         terminal.see("connectors-common\ncsv-kit\n")
         terminal.drop()
+        terminal.type("source ~no-such-user/\t")
+        terminal.drop()
         self.assertIn("no item", terminal.enter("plaz::install nix"))
         terminal.type("expr {6 *\r")
         terminal.see("> ")
