@@ -30,8 +30,8 @@ std::vector<ActionResult> actOnEach(HubActions& actions, const Items& items, con
     std::copy_if(items.begin(), items.end(), std::inserter(installed, installed.end()),
                  [](const HSCPlazQItem* item) { return item->IsInstalled(); });
     const auto isGone = [&](const HSCPlazQItem& item) { return installed.count(&item) != 0 && !item.IsInstalled(); };
-    const auto removed = [](const HSCPlazQItem& item) -> ActionResult {
-        return {item.getStoreName(), item.getName(), item.getRevision(), {}, {}, ActionResult::Outcome::removed};
+    const auto removed = [](const HSCPlazQItem& item) {
+        return ActionResult::of(item, ActionResult::Outcome::removed);
     };
     std::map<const HSCPlazQItem*, ActionResult> done;
     for (Items pending = items; !pending.empty() && !status.isCanceled();) {

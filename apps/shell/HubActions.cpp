@@ -29,15 +29,6 @@ using Outcome = ActionResult::Outcome;
 
 constexpr const char* toolMode = "tool";
 
-ActionResult resultOf(const HSCPlazQItem& item, Outcome outcome) {
-    return {item.getStoreName(),
-            item.getName(),
-            item.getRevision(),
-            {},
-            item.IsInstalled() ? item.getLocalRootDir() : std::string(),
-            outcome};
-}
-
 StoreResult resultOf(const HSCPlazQStore& store, const char* outcome, bool isDone) {
     return {store.getName(), isDone ? outcome : "failed", store.getLocalRootDir(), store.getItems().size(), isDone};
 }
@@ -60,6 +51,15 @@ void reportNotRefreshed(const HSCPlazQStore& store) {
 
 } // namespace
 
+ActionResult ActionResult::of(const HSCPlazQItem& item, Outcome outcome) {
+    return {item.getStoreName(),
+            item.getName(),
+            item.getRevision(),
+            {},
+            item.IsInstalled() ? item.getLocalRootDir() : std::string(),
+            outcome};
+}
+
 const char* ActionResult::nameOf(Outcome outcome) {
     switch (outcome) {
     case Outcome::installed:
@@ -80,25 +80,25 @@ const char* ActionResult::nameOf(Outcome outcome) {
 
 ActionResult HubActions::install(HSCPlazQItem& item) {
     const bool isDone = succeeds([&] { return HSCPlazTaskMgr::install(&m_hub, &item, m_quiet, m_status); });
-    return resultOf(item, isDone ? Outcome::installed : Outcome::failed);
+    return ActionResult::of(item, isDone ? Outcome::installed : Outcome::failed);
 }
 
 ActionResult HubActions::uninstall(HSCPlazQItem& item) {
     if (m_status) m_status->changeStatus("Removing " + item.getDisplayName());
-    if (m_status && m_status->isCanceled()) return resultOf(item, Outcome::failed);
+    if (m_status && m_status->isCanceled()) return ActionResult::of(item, Outcome::failed);
     if (!succeeds([&] { return HSCPlazTaskMgr::uninstall(&m_hub, &item, m_quiet); }))
-        return resultOf(item, Outcome::failed);
-    return resultOf(item, item.IsInstalled() ? Outcome::kept : Outcome::removed);
+        return ActionResult::of(item, Outcome::failed);
+    return ActionResult::of(item, item.IsInstalled() ? Outcome::kept : Outcome::removed);
 }
 
 ActionResult HubActions::update(HSCPlazQItem& item) {
     const UpdateStep step = decideUpdate(item);
-    if (step == UpdateStep::none) return resultOf(item, Outcome::upToDate);
+    if (step == UpdateStep::none) return ActionResult::of(item, Outcome::upToDate);
     const std::string previous = item.getRevision();
     HSCPlazQItem& latest = *item.getStore()->getItem(item.getName());
     const bool isDone =
         succeeds([&] { return step == UpdateStep::fetchAgain ? fetchAgain(item) : installLatest(item, latest); });
-    ActionResult result = resultOf(latest, isDone ? Outcome::updated : Outcome::failed);
+    ActionResult result = ActionResult::of(latest, isDone ? Outcome::updated : Outcome::failed);
     result.previousRevision = previous;
     return result;
 }

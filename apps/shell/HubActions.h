@@ -30,6 +30,8 @@ struct ActionResult {
     std::string directory;        ///< where the item is installed; empty when it is not
     Outcome outcome;
 
+    /// That an item as it is now has come to @p outcome.
+    static ActionResult of(const HSCPlazQItem& item, Outcome outcome);
     /// "installed", "up-to-date" and so on.
     static const char* nameOf(Outcome outcome);
     bool isDone() const { return outcome != Outcome::failed; }
