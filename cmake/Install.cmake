@@ -2,6 +2,8 @@
 #
 #   bin/plaz                            the program
 #   lib/libplaz.so, lib/libplazhost.so  the libraries
+#   lib/libplazi.so, lib/libplazijvm.so the Java binding, the stand-alone host for a Java virtual machine
+#   share/java/plaz.jar                 the Java classes
 #   lib/cmake/plaz, lib/pkgconfig       for programs that embed the hub
 #   include/plaz                        headers of the exported classes ("plaz/...", "support/...")
 #   share/plaz/data                     data root: messages, schemas, shipped metadata

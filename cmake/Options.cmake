@@ -1,5 +1,6 @@
 option(PLAZ_TESTS "Build the tests" ON)
 option(PLAZ_PYTHON "Build the Python module" ON)
+option(PLAZ_JAVA "Build the Java binding and the catalog browser" ON)
 option(PLAZ_BENCH "Build the benchmarks" OFF)
 option(PLAZ_FUZZ "Build the fuzz targets (clang only)" OFF)
 option(PLAZ_WERROR "Treat warnings as errors" OFF)

@@ -1,5 +1,7 @@
 #include "Utf8.h"
 
+#include "support/HI18N.h"
+
 #include <algorithm>
 #include <iterator>
 
@@ -35,38 +37,12 @@ bool isControl(char32_t c) {
     return c < 0x20 || (c >= 0x7F && c < 0xA0);
 }
 
-/// Length of the sequence that a first byte announces; 0 for a byte that begins none.
-std::size_t sequenceLength(unsigned char first) {
-    if (first < 0x80) return 1;
-    if (first >= 0xC2 && first < 0xE0) return 2;
-    if (first >= 0xE0 && first < 0xF0) return 3;
-    return first >= 0xF0 && first < 0xF5 ? 4 : 0;
-}
-
-/// Takes one character off the front of @p text.
-char32_t takeFront(std::string_view& text) {
-    constexpr char32_t smallest[] = {0, 0, 0x80, 0x800, 0x10000};
-    constexpr unsigned char firstByteBits[] = {0, 0x7F, 0x1F, 0x0F, 0x07};
-    const auto first = static_cast<unsigned char>(text.front());
-    const std::size_t length = sequenceLength(first);
-    char32_t c = static_cast<char32_t>(first & firstByteBits[length]);
-    bool isWhole = length > 0 && length <= text.size();
-    for (std::size_t i = 1; isWhole && i < length; ++i) {
-        const auto next = static_cast<unsigned char>(text[i]);
-        isWhole = (next & 0xC0) == 0x80;
-        c = (c << 6) | (next & 0x3Fu);
-    }
-    isWhole = isWhole && c >= smallest[length] && c <= 0x10FFFF && (c < 0xD800 || c > 0xDFFF);
-    text.remove_prefix(isWhole ? length : 1);
-    return isWhole ? c : replacement;
-}
-
 } // namespace
 
 std::u32string decode(std::string_view text) {
     std::u32string characters;
     characters.reserve(text.size());
-    while (!text.empty()) characters += takeFront(text);
+    while (!text.empty()) characters += HI18N::takeCharacter(text);
     return characters;
 }
 
@@ -75,7 +51,7 @@ std::string repaired(const std::string& text) {
     result.reserve(text.size());
     for (std::string_view rest = text; !rest.empty();) {
         const std::string_view before = rest;
-        const char32_t c = takeFront(rest);
+        const char32_t c = HI18N::takeCharacter(rest);
         const std::size_t length = before.size() - rest.size();
         if (c == replacement)
             result += "\xEF\xBF\xBD";
@@ -89,7 +65,7 @@ std::string printable(const std::string& text, bool keepLines) {
     std::string result;
     for (std::string_view rest = text; !rest.empty();) {
         const std::string_view before = rest;
-        const char32_t c = takeFront(rest);
+        const char32_t c = HI18N::takeCharacter(rest);
         if (isControl(c) && !(keepLines && (c == '\n' || c == '\t')))
             result += '?';
         else
@@ -106,7 +82,7 @@ std::string lowered(std::string text) {
 
 std::size_t width(std::string_view text) {
     std::size_t columns = 0;
-    while (!text.empty()) columns += widthOf(takeFront(text));
+    while (!text.empty()) columns += widthOf(HI18N::takeCharacter(text));
     return columns;
 }
 
@@ -115,7 +91,7 @@ std::string cutToWidth(const std::string& text, std::size_t columns) {
     std::size_t used = 0;
     while (!rest.empty()) {
         std::string_view after = rest;
-        used += widthOf(takeFront(after));
+        used += widthOf(HI18N::takeCharacter(after));
         if (used > columns) break;
         rest = after;
     }

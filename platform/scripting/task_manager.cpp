@@ -2,6 +2,7 @@
 
 #include "scripting/tcl_text.h"
 #include "support/HostMsg.h"
+#include "support/PlatformSystem.h"
 
 #include <tcl.h>
 
@@ -24,7 +25,7 @@ std::function<void(const std::string&)>& echo_receiver() {
 }
 
 Tcl_Interp* make_interp() {
-    Tcl_FindExecutable(nullptr);
+    platform::keepBrokenPipeHandler([] { Tcl_FindExecutable(nullptr); }); // the program's first step into Tcl
     Tcl_Interp* interp = Tcl_CreateInterp();
     if (Tcl_Init(interp) != TCL_OK) {
         const std::string reason = text_of(Tcl_GetObjResult(interp));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -28,6 +29,9 @@ void restoreStandardOutput(int kept);
 int getTerminalWidth();
 /// Whether standard input is a terminal.
 bool isInputTerminal();
+/// Does @p work. Where the program handles broken pipes itself, as virtual machines do, its handler is in force again
+/// afterwards, whatever the work has put in its place.
+void keepBrokenPipeHandler(const std::function<void()>& work);
 /// As HUTSysCall::letCtrlCEndReads() says.
 void letCtrlCEndReads();
 

@@ -76,6 +76,13 @@ bool isInputTerminal() {
     return isatty(STDIN_FILENO) == 1;
 }
 
+void keepBrokenPipeHandler(const std::function<void()>& work) {
+    struct sigaction before {};
+    const bool isKnown = sigaction(SIGPIPE, nullptr, &before) == 0;
+    work();
+    if (isKnown && before.sa_handler != SIG_DFL && before.sa_handler != SIG_IGN) sigaction(SIGPIPE, &before, nullptr);
+}
+
 void letCtrlCEndReads() {
     struct sigaction action {};
     if (sigaction(SIGINT, nullptr, &action) != 0) return;

@@ -1,0 +1,223 @@
+package ui.frmwork.plaz;
+
+import static org.junit.jupiter.api.Assertions.assertEquals;
+import static org.junit.jupiter.api.Assertions.assertFalse;
+import static org.junit.jupiter.api.Assertions.assertNotNull;
+import static org.junit.jupiter.api.Assertions.assertThrows;
+import static org.junit.jupiter.api.Assertions.assertTrue;
+
+import java.io.IOException;
+import java.lang.reflect.InvocationTargetException;
+import java.lang.reflect.Method;
+import java.lang.reflect.Modifier;
+import java.nio.file.Files;
+import java.nio.file.Path;
+import java.util.ArrayList;
+import java.util.Arrays;
+import java.util.HashSet;
+import java.util.List;
+import java.util.Set;
+import org.junit.jupiter.api.Test;
+import org.junit.jupiter.params.ParameterizedTest;
+import org.junit.jupiter.params.provider.CsvSource;
+import org.junit.jupiter.params.provider.ValueSource;
+
+class BindingTest {
+    /** Catches: a failure of native code that arrives as another exception, with another text, or ends the program. */
+    @ParameterizedTest
+    @CsvSource({
+        "host, ui.frmwork.cmd.CommandFailedException, größer als 5 €",
+        "memory, ui.frmwork.COutOfMemoryException, Out of memory",
+        "standard, ui.frmwork.cmd.CommandFailedException, Unknown exception occurred",
+        "number, ui.frmwork.cmd.CommandFailedException, Unknown exception occurred",
+        "kind 0, java.lang.OutOfMemoryError, of kind 0",
+        "kind 1, java.io.IOException, of kind 1",
+        "kind 2, java.lang.RuntimeException, of kind 2",
+        "kind 3, java.lang.IndexOutOfBoundsException, of kind 3",
+        "kind 4, java.lang.ArithmeticException, of kind 4",
+        "kind 5, java.lang.IllegalArgumentException, of kind 5",
+        "kind 6, java.lang.NullPointerException, of kind 6",
+        "kind 7, java.lang.UnknownError, of kind 7",
+        "kind 99, java.lang.UnknownError, of kind 99",
+    })
+    void failuresArrive(String how, String type, String text) {
+        Throwable thrown = assertThrows(Throwable.class, () -> Failures.fail(how));
+        assertEquals(type, thrown.getClass().getName());
+        assertEquals(text, thrown.getMessage());
+    }
+
+    /** Catches: a text that changes on its way into the library or out of it, or ends early. */
+    @ParameterizedTest
+    @ValueSource(strings = {"", "plain", "Prüfadapter µ €", "Δοκιμή Проверка בדיקה اختبار परीक्षण", "試験 시험 ทดสอบ",
+        "\ud83d\ude00 \ud835\udd4f\udbff\udfff", "before\0after\0", "\u0001\u007f\u0080\u07ff\u0800\uffff"})
+    void textsCrossUnchanged(String text) {
+        try (PlazException exception = new PlazException(text, 1, 2); TaskStatus status = new TaskStatus();
+                StringVector vector = new StringVector()) {
+            assertEquals(text, exception.getErrorMsg());
+            status.changeStatus(text);
+            assertEquals(text, status.getStatusMessage());
+            vector.push_back(text);
+            assertEquals(text, vector.iterator().next());
+        }
+    }
+
+    @Test
+    void halvesOfCharactersAreReplaced() {
+        try (PlazException exception = new PlazException("a\ud83db\ude00\ud83d", 0, 0)) {
+            assertEquals("a\ufffdb\ufffd\ufffd", exception.getErrorMsg());
+        }
+    }
+
+    /**
+     * Catches: a member that reads what lies at address 0, or takes a null string. Every native method is called with
+     * nothing, and those that take a text once more with something in all other places.
+     */
+    @Test
+    void nothingIsRefused() throws IllegalAccessException {
+        Set<String> harmless = new HashSet<>(List.of("canAccessRepo", "isInstalled", "isRefreshed", "getLastRefreshTime",
+                "getHttpProxy", "getQStoresPath", "getStores"));
+        int refused = 0;
+        for (Method method : plazi.class.getDeclaredMethods()) {
+            if (!Modifier.isNative(method.getModifiers())) continue;
+            String name = method.getName();
+            Throwable thrown = callWithNothing(method);
+            if (name.contains("_new_") && method.getParameterCount() == 0 || name.contains("_delete_")
+                    || harmless.contains(name.substring(name.indexOf('_') + 1))) {
+                assertEquals(null, thrown, name);
+                continue;
+            }
+            refused++;
+            assertNotNull(thrown, name);
+            assertEquals(NullPointerException.class, thrown.getClass(), name);
+            assertEquals(complaintOf(method), thrown.getMessage().replaceFirst("^\\S+ & ", "& "), name);
+        }
+        assertEquals(109, refused);
+    }
+
+    private static String complaintOf(Method method) {
+        if (!Arrays.asList(method.getParameterTypes()).contains(String.class)) return "& reference is null";
+        boolean isOther = method.getName().matches("PlazException_(new_PlazException|set_PlazException_error_msg)");
+        return isOther ? "null string" : "null std::string";
+    }
+
+    private static Throwable callWithNothing(Method method) throws IllegalAccessException {
+        Object[] nothing = Arrays.stream(method.getParameterTypes()).map(BindingTest::nothingOf).toArray();
+        try {
+            method.invoke(null, nothing);
+            return null;
+        } catch (InvocationTargetException failure) {
+            return failure.getCause();
+        }
+    }
+
+    private static Object nothingOf(Class<?> type) {
+        if (type == long.class) return 0L;
+        if (type == int.class) return 0;
+        if (type == double.class) return 0.0;
+        return type == boolean.class ? false : null;
+    }
+
+    /** Catches: the wrong complaint, or a call that is made all the same. */
+    @Test
+    void actionsWantTheirRecords() {
+        try (TaskStatus status = new TaskStatus(); PlazException exception = new PlazException()) {
+            for (Action action : new Action[] {PlazSwigIntf::install, PlazSwigIntf::uninstall, PlazSwigIntf::update}) {
+                assertEquals("HDGUIStatus & reference is null",
+                        assertThrows(NullPointerException.class, () -> action.run(null, null, null)).getMessage());
+                assertEquals("HSCPlazTypes::HSCPlazException & reference is null",
+                        assertThrows(NullPointerException.class, () -> action.run(null, status, null)).getMessage());
+                assertFalse(action.run(null, status, exception));
+            }
+            assertFalse(PlazSwigIntf.refreshCatalog(null, status, exception));
+        }
+    }
+
+    private interface Action {
+        boolean run(PlazItem item, TaskStatus status, PlazException exception);
+    }
+
+    /** Catches: a proxy that passes on an address that is no more, or frees it twice. */
+    @Test
+    void closedProxiesRefuse() {
+        TaskStatus status = new TaskStatus();
+        status.close();
+        status.close();
+        assertThrows(IllegalStateException.class, status::cancel);
+        StringVector vector = new StringVector();
+        vector.push_back("one");
+        StringVectorIter iterator = vector.createIter();
+        vector.close();
+        assertThrows(IllegalStateException.class, vector::size);
+        assertThrows(IllegalStateException.class, () -> vector.push_back("two"));
+        assertEquals("one", iterator.next());
+        assertFalse(iterator.hasNext());
+        assertThrows(java.util.NoSuchElementException.class, iterator::next);
+        iterator.close();
+        assertFalse(iterator.hasNext());
+    }
+
+    /** Catches: fields that are mixed up, and a sequence that does not keep its elements. */
+    @Test
+    void recordsAndSequencesHoldWhatTheyGet() {
+        try (PlazException exception = new PlazException("text", 3, -4); TaskStatus status = new TaskStatus();
+                PlazQStoreVec stores = new PlazQStoreVec()) {
+            assertEquals(List.of("text", 3, -4),
+                    List.of(exception.getErrorMsg(), exception.getErrorCode(), exception.getErrorContext()));
+            exception.setErrorCode(Integer.MIN_VALUE);
+            exception.setErrorContext(Integer.MAX_VALUE);
+            assertEquals(Integer.MIN_VALUE, exception.getErrorCode());
+            assertEquals(Integer.MAX_VALUE, exception.getErrorContext());
+            status.changeAbbrevStatus("short");
+            status.changePercentComplete(12.5);
+            status.setDeterminate(false);
+            assertEquals(List.of("short", "", 12.5, false, 0, false), List.of(status.getAbbrevStatusMessage(),
+                    status.getStatusMessage(), status.getPercentComplete(), status.isDeterminate(), status.getState(),
+                    status.isCanceled()));
+            status.cancel();
+            assertEquals(List.of(4, true, true), List.of(status.getState(), status.isCanceled(), status.canCancel()));
+            List<PlazStore> added = new ArrayList<>();
+            for (PlazStore store : PlazSwigIntf.getStores()) {
+                stores.push_back(store);
+                added.add(store);
+            }
+            List<PlazStore> held = new ArrayList<>();
+            stores.forEach(held::add);
+            assertEquals(added, held);
+            assertEquals(2, stores.size());
+            stores.clear();
+            assertEquals(0, stores.size());
+            assertThrows(UnsupportedOperationException.class, () -> PlazSwigIntf.getStores().clear());
+        }
+    }
+
+    /** Catches: memory that a call, a closed object or a forgotten one leaves behind. */
+    @Test
+    void aMillionCallsLeaveNothingBehind() throws IOException {
+        String text = "a text that takes memory of its own, in each of the calls: größer";
+        useMuch(text, 50_000);
+        long before = residentPages();
+        useMuch(text, 200_000);
+        long grown = residentPages() - before;
+        assertTrue(grown < 4096, () -> grown + " pages more");
+    }
+
+    /** Five calls each round. */
+    private static void useMuch(String text, int rounds) {
+        try (PlazException exception = new PlazException(); StringVector vector = new StringVector()) {
+            vector.push_back(text);
+            for (int i = 0; i < rounds; i++) {
+                exception.setErrorMsg(text);
+                exception.getErrorMsg();
+                vector.createIter().next();
+                assertThrows(NullPointerException.class, () -> exception.setErrorMsg(null));
+                new PlazException(text, 0, 0).close();
+                if (i % 10_000 == 0) System.gc();
+            }
+        }
+    }
+
+    private static long residentPages() throws IOException {
+        System.gc();
+        return Long.parseLong(Files.readString(Path.of("/proc/self/statm")).split(" ")[1]);
+    }
+}
