@@ -1,6 +1,6 @@
 # A relocatable tree: everything finds its neighbours relative to itself.
 #
-#   bin/plaz                            the program
+#   bin/plaz, bin/plaz-browser          the program, the catalog browser
 #   lib/libplaz.so, lib/libplazhost.so  the libraries
 #   lib/libplazi.so, lib/libplazijvm.so the Java binding, the stand-alone host for a Java virtual machine
 #   share/java/plaz.jar                 the Java classes
@@ -41,3 +41,4 @@ install(FILES ${PROJECT_BINARY_DIR}/plaz.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/
 install(FILES docs/man/plaz.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES README.md docs/user-guide.md docs/store-authors-guide.md docs/embedding-guide.md
   DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY docs/images DESTINATION ${CMAKE_INSTALL_DOCDIR})

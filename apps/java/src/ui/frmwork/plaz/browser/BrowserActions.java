@@ -1,0 +1,107 @@
+package ui.frmwork.plaz.browser;
+
+import java.awt.event.ActionEvent;
+import java.util.List;
+import java.util.Locale;
+import java.util.Optional;
+import java.util.function.Function;
+import javax.swing.AbstractAction;
+import javax.swing.Action;
+import javax.swing.JButton;
+import javax.swing.JMenu;
+import javax.swing.JMenuBar;
+import javax.swing.JMenuItem;
+import javax.swing.KeyStroke;
+import ui.frmwork.plaz.browser.Snapshot.Item;
+import ui.frmwork.plaz.browser.Snapshot.Key;
+import ui.frmwork.plaz.browser.Snapshot.State;
+
+/** What a person can do, each once for button, menu and key. */
+final class BrowserActions {
+    final Action install;
+    final Action uninstall;
+    final Action update;
+    final Action refresh;
+    final Action check;
+    final Action cancel;
+    final Action settings;
+    private final JMenuBar menus = new JMenuBar();
+
+    BrowserActions(BrowserWindow window) {
+        install = action("Install", 'N', "control I", () -> window.submitForItem(Operation::install));
+        uninstall = action("Uninstall", 'U', "control DELETE", () -> window.submitForItem(Operation::uninstall));
+        update = action("Update", 'P', "control U", () -> window.submitForItem(Operation::update));
+        refresh = action("Refresh", 'R', "F5", () -> window.submitForStores(Operation::refresh));
+        check = action("Check", 'K', "F6", () -> window.submitForStores(Operation::check));
+        cancel = action("Cancel", 'C', "", window::cancel); // Esc, which also clears the search
+        settings = action("Settings ...", 'S', "control COMMA", window::openSettings);
+        addMenu("File", 'F', settings, action("Quit", 'Q', "control Q", window::close));
+        addMenu("Item", 'I', action("Find", 'F', "control F", window::find), install, uninstall, update);
+        addMenu("Store", 'T', refresh, check, cancel);
+        addMenu("View", 'V', action("Larger text", 'L', "control EQUALS", () -> window.resizeText(10)),
+                action("Smaller text", 'S', "control MINUS", () -> window.resizeText(-10)));
+    }
+
+    JMenuBar menus() {
+        return menus;
+    }
+
+    static JButton button(Action action) {
+        JButton button = Look.plain(new JButton(action));
+        button.setName(((String) action.getValue(Action.ACTION_COMMAND_KEY)).toLowerCase(Locale.ROOT));
+        return button;
+    }
+
+    /**
+     * Enables what makes sense now.
+     *
+     * @param stores those that have an item of the chosen one's name
+     */
+    void enable(HubThread hub, Optional<Item> item, int stores, List<String> chosenStores, boolean isWorking) {
+        enableItem(install, hub, item.filter(it -> !it.isLatestInstalled()), Operation::install, stores);
+        enableItem(uninstall, hub, item.filter(Item::isInstalled), Operation::uninstall, stores);
+        enableItem(update, hub, item.filter(it -> it.state() == State.OUTDATED), Operation::update, stores);
+        refresh.setEnabled(chosenStores.stream().anyMatch(it -> !hub.isUnderway(Operation.refresh(it).title())));
+        check.setEnabled(chosenStores.stream().anyMatch(it -> !hub.isUnderway(Operation.check(it).title())));
+        cancel.setEnabled(isWorking);
+    }
+
+    /** Nothing can be begun any more. */
+    void disable() {
+        for (Action each : List.of(install, uninstall, update, refresh, check, cancel, settings))
+            each.setEnabled(false);
+    }
+
+    /** The hub goes by an item's name alone, so a button says when that means more than the item that is chosen. */
+    private static void enableItem(Action action, HubThread hub, Optional<Item> item,
+            Function<Key, Operation> operation, int stores) {
+        String name = (String) action.getValue(Action.ACTION_COMMAND_KEY);
+        action.putValue(Action.NAME, stores > 1 ? name + " (in " + stores + " stores)" : name);
+        action.setEnabled(item.filter(it -> !hub.isUnderway(operation.apply(it.key()).title())).isPresent());
+    }
+
+    private void addMenu(String name, char mnemonic, Action... actions) {
+        JMenu menu = new JMenu(name);
+        menu.setMnemonic(mnemonic);
+        for (Action action : actions) {
+            JMenuItem item = menu.add(action);
+            item.setName("menu" + action.getValue(Action.ACTION_COMMAND_KEY));
+        }
+        menus.add(menu);
+    }
+
+    private static Action action(String name, char mnemonic, String key, Runnable work) {
+        Action action = new AbstractAction(name) {
+            private static final long serialVersionUID = 1;
+
+            @Override
+            public void actionPerformed(ActionEvent event) {
+                work.run();
+            }
+        };
+        action.putValue(Action.ACTION_COMMAND_KEY, name);
+        action.putValue(Action.MNEMONIC_KEY, (int) mnemonic);
+        if (!key.isEmpty()) action.putValue(Action.ACCELERATOR_KEY, KeyStroke.getKeyStroke(key));
+        return action;
+    }
+}

@@ -1,0 +1,267 @@
+package ui.frmwork.plaz.browser;
+
+import java.awt.Dimension;
+import java.awt.Rectangle;
+import java.awt.event.WindowAdapter;
+import java.awt.event.WindowEvent;
+import java.io.IOException;
+import java.nio.file.Path;
+import java.util.List;
+import java.util.Optional;
+import java.util.function.Function;
+import javax.swing.JComponent;
+import javax.swing.JFrame;
+import javax.swing.KeyStroke;
+import javax.swing.SwingUtilities;
+import javax.swing.event.DocumentEvent;
+import javax.swing.event.DocumentListener;
+import javax.swing.event.ListSelectionEvent;
+import ui.frmwork.plaz.browser.Snapshot.Item;
+import ui.frmwork.plaz.browser.Snapshot.Key;
+import ui.frmwork.plaz.browser.Snapshot.Store;
+
+/** The window: shows the newest {@link Snapshot}, and hands what is to be done to the {@link HubThread}. */
+final class BrowserWindow extends JFrame implements HubListener {
+    private static final long serialVersionUID = 1;
+    private static final String TITLE = "Catalog browser";
+    private static final int LEAST_TEXT_SIZE = 60;
+    private static final int MOST_TEXT_SIZE = 250;
+
+    private final transient HubThread hub;
+    private final transient WindowState state;
+    private final transient BrowserActions actions;
+    private final BrowserPanes panes;
+    private transient Snapshot snapshot;
+    private int textSize;
+    private boolean isWorking;
+    private boolean isEnding;
+    private boolean isChanging;
+
+    /** @param directory where the window's state is kept */
+    BrowserWindow(HubThread hub, Path directory) {
+        super(TITLE);
+        this.hub = hub;
+        state = new WindowState(directory);
+        textSize = state.number("text", LEAST_TEXT_SIZE, MOST_TEXT_SIZE).orElse(100);
+        Look.apply(textSize);
+        actions = new BrowserActions(this);
+        panes = new BrowserPanes(actions, this::jump, page -> told(WebLink.open(page)));
+        setName("browser");
+        setContentPane(panes);
+        setJMenuBar(actions.menus());
+        SwingUtilities.updateComponentTreeUI(this); // what was made before the look was set
+        listen();
+        bindKeys();
+    }
+
+    /** Shows the window and starts the hub. */
+    void open() {
+        Dimension screen = getToolkit().getScreenSize();
+        int width = Math.min(1200, screen.width);
+        int height = Math.min(800, screen.height);
+        setBounds(state.bounds(new Rectangle((screen.width - width) / 2, (screen.height - height) / 2, width, height)));
+        panes.place(state);
+        filter();
+        setVisible(true);
+        panes.search.requestFocusInWindow();
+        hub.start(this);
+    }
+
+    private void listen() {
+        setDefaultCloseOperation(DO_NOTHING_ON_CLOSE);
+        addWindowListener(new WindowAdapter() {
+            @Override
+            public void windowClosing(WindowEvent event) {
+                close();
+            }
+        });
+        panes.stores.addTreeSelectionListener(event -> filter());
+        panes.items.getSelectionModel().addListSelectionListener(this::chosen);
+        panes.installed.addActionListener(event -> filter());
+        panes.outdated.addActionListener(event -> filter());
+        panes.search.getDocument().addDocumentListener(new DocumentListener() {
+            @Override
+            public void insertUpdate(DocumentEvent event) {
+                filter();
+            }
+
+            @Override
+            public void removeUpdate(DocumentEvent event) {
+                filter();
+            }
+
+            @Override
+            public void changedUpdate(DocumentEvent event) {
+                filter();
+            }
+        });
+    }
+
+    private void bindKeys() {
+        bind("ESCAPE", this::escape);
+        for (String plus : List.of("control PLUS", "control ADD", "control shift EQUALS"))
+            bind(plus, () -> resizeText(10));
+        bind("control SUBTRACT", () -> resizeText(-10));
+    }
+
+    private void bind(String key, Runnable work) {
+        getRootPane().registerKeyboardAction(event -> work.run(), KeyStroke.getKeyStroke(key),
+                JComponent.WHEN_IN_FOCUSED_WINDOW);
+    }
+
+    // What a person does.
+
+    void submitForItem(Function<Key, Operation> operation) {
+        panes.items.chosen().ifPresent(item -> submit(operation.apply(item.key())));
+    }
+
+    void submitForStores(Function<String, Operation> operation) {
+        for (String store : chosenStores()) submit(operation.apply(store));
+    }
+
+    private void submit(Operation operation) {
+        if (!hub.isUnderway(operation.title())) hub.submit(operation);
+        enableActions();
+    }
+
+    void cancel() {
+        hub.cancel();
+        panes.status.begin("Cancelling", 0);
+    }
+
+    void openSettings() {
+        if (snapshot != null) new SettingsDialog(this, snapshot, this::submit).setVisible(true);
+    }
+
+    void find() {
+        panes.search.requestFocusInWindow();
+        panes.search.selectAll();
+    }
+
+    void resizeText(int percent) {
+        int size = Math.min(Math.max(textSize + percent, LEAST_TEXT_SIZE), MOST_TEXT_SIZE);
+        panes.items.scaleColumns((double) size / textSize);
+        textSize = size;
+        Look.apply(size);
+        SwingUtilities.updateComponentTreeUI(this);
+        panes.details.build(snapshot == null ? Snapshot.NOTHING : snapshot);
+    }
+
+    /** Asks nothing: what runs is cancelled, and the window goes when the hub has come to rest. */
+    void close() {
+        if (isEnding) return;
+        isEnding = true;
+        keepState();
+        actions.disable();
+        setTitle(TITLE + " - ending");
+        panes.status.begin("Ending", 0);
+        hub.end();
+    }
+
+    private void keepState() {
+        Rectangle bounds = getBounds();
+        state.set("window", bounds.x, bounds.y, bounds.width, bounds.height);
+        state.set("text", textSize);
+        panes.keep(state);
+        try {
+            state.save();
+        } catch (IOException e) {
+            System.err.println("How the window was left cannot be kept: " + e);
+        }
+    }
+
+    private void escape() {
+        if (isWorking) cancel();
+        else panes.search.setText("");
+    }
+
+    /** Chooses an item; when it is filtered away, the filters go. */
+    private void jump(Key key) {
+        if (!panes.items.choose(key)) {
+            panes.search.setText("");
+            panes.installed.setSelected(false);
+            panes.outdated.setSelected(false);
+            panes.stores.choose(Scope.ALL);
+            filter();
+            panes.items.choose(key);
+        }
+        panes.items.requestFocusInWindow();
+    }
+
+    private void chosen(ListSelectionEvent event) {
+        if (!event.getValueIsAdjusting() && !isChanging) showDetails();
+    }
+
+    // What the hub tells.
+
+    @Override
+    public void changed(Snapshot newest) {
+        if (newest.equals(snapshot)) return;
+        snapshot = newest;
+        isChanging = true;
+        panes.stores.show(newest.stores());
+        panes.items.show(newest.items().toList());
+        isChanging = false;
+        filter();
+        showDetails();
+    }
+
+    @Override
+    public void history(Key key, String text) {
+        panes.details.showHistory(key, text);
+    }
+
+    @Override
+    public void told(Message message) {
+        panes.messages.add(message);
+    }
+
+    @Override
+    public void progressed(String text, double percent) {
+        if (isWorking && !isEnding) panes.status.show(text, percent);
+    }
+
+    @Override
+    public void working(String title, int waiting) {
+        isWorking = !title.isEmpty() || waiting > 0;
+        if (isEnding) return;
+        if (!title.isEmpty()) panes.status.begin(title, waiting);
+        else if (!isWorking) panes.status.rest();
+        enableActions();
+    }
+
+    @Override
+    public void ended() {
+        dispose();
+    }
+
+    // What follows from both.
+
+    private void filter() {
+        if (isChanging) return;
+        ItemFilter filter = panes.filter();
+        panes.items.filter(filter);
+        int seen = panes.items.getRowCount();
+        panes.showHints(Hints.above(snapshot, filter.scope(), seen), Hints.instead(snapshot, filter.scope(), seen));
+        enableActions();
+    }
+
+    private void showDetails() {
+        Optional<Item> item = panes.items.chosen();
+        if (panes.details.show(snapshot, item)) hub.readHistory(item.orElseThrow().key());
+        enableActions();
+    }
+
+    private void enableActions() {
+        if (isEnding) return;
+        Optional<Item> item = panes.items.chosen();
+        int sameName = item.map(found -> snapshot.storesWith(found.key().name()).size()).orElse(0);
+        actions.enable(hub, item, sameName, chosenStores(), isWorking);
+    }
+
+    private List<String> chosenStores() {
+        if (snapshot == null) return List.of();
+        String store = panes.stores.chosen().store();
+        return store.isEmpty() ? snapshot.stores().stream().map(Store::name).toList() : List.of(store);
+    }
+}

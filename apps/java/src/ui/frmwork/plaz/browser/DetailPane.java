@@ -1,0 +1,246 @@
+package ui.frmwork.plaz.browser;
+
+import java.awt.BorderLayout;
+import java.awt.Color;
+import java.awt.Component;
+import java.awt.Dimension;
+import java.awt.Font;
+import java.awt.GridBagConstraints;
+import java.awt.GridBagLayout;
+import java.awt.Insets;
+import java.awt.Rectangle;
+import java.awt.image.BufferedImage;
+import java.net.URI;
+import java.util.List;
+import java.util.Optional;
+import java.util.concurrent.ExecutionException;
+import java.util.function.Consumer;
+import javax.swing.BorderFactory;
+import javax.swing.JComponent;
+import javax.swing.JLabel;
+import javax.swing.JPanel;
+import javax.swing.JTextArea;
+import javax.swing.Scrollable;
+import javax.swing.SwingConstants;
+import javax.swing.SwingWorker;
+import javax.swing.UIManager;
+import ui.frmwork.plaz.browser.Snapshot.Dependency;
+import ui.frmwork.plaz.browser.Snapshot.Item;
+import ui.frmwork.plaz.browser.Snapshot.Key;
+import ui.frmwork.plaz.browser.Snapshot.Revision;
+
+/** Everything that is known of the chosen item. */
+final class DetailPane extends JPanel implements Scrollable {
+    private static final long serialVersionUID = 1;
+
+    private final transient Consumer<Key> jump;
+    private final transient Consumer<URI> openPage;
+    private final JTextArea history = Look.readOnlyText("history", "Change log");
+    private transient Optional<Item> shown = Optional.empty();
+    private transient List<String> stores = List.of();
+    private int row;
+
+    /**
+     * @param jump called for a dependency that is followed
+     * @param openPage called for a web page that is followed
+     */
+    DetailPane(Consumer<Key> jump, Consumer<URI> openPage) {
+        super(new GridBagLayout());
+        this.jump = jump;
+        this.openPage = openPage;
+        setBackground(Color.WHITE);
+        setName("details");
+        getAccessibleContext().setAccessibleName("Details of the chosen item");
+        build(Snapshot.NOTHING);
+    }
+
+    /** @return whether there is another item, or the same one changed, so that its change log is to be read */
+    boolean show(Snapshot snapshot, Optional<Item> item) {
+        List<String> others = item.map(found -> snapshot.storesWith(found.key().name())).orElse(List.of());
+        if (item.equals(shown) && others.equals(stores)) return false;
+        if (!item.map(Item::key).equals(shown.map(Item::key))) {
+            history.setText("");
+            scrollRectToVisible(new Rectangle(1, 1));
+        }
+        shown = item;
+        stores = others;
+        build(snapshot);
+        return item.isPresent();
+    }
+
+    void showHistory(Key key, String text) {
+        if (shown.filter(item -> item.key().equals(key)).isPresent()) history.setText(text.strip());
+    }
+
+    /** Builds the same again, in fonts of another size. */
+    void build(Snapshot snapshot) {
+        removeAll();
+        row = 0;
+        int gap = 2 * Look.gap(this);
+        setBorder(BorderFactory.createEmptyBorder(gap, gap, gap, gap));
+        if (shown.isPresent()) build(snapshot, shown.get());
+        else addWide(text("nothing", "Details", "Choose an item."));
+        GridBagConstraints rest = new GridBagConstraints();
+        rest.gridy = row;
+        rest.weighty = 1;
+        add(new JLabel(), rest);
+        revalidate();
+        repaint();
+    }
+
+    private void build(Snapshot snapshot, Item item) {
+        addHead(snapshot, item);
+        if (!item.description().isBlank()) addWide(text("description", "Description", item.description()));
+        if (stores.size() > 1) addWide(warning(item));
+        addField("Company", text("company", "Company", item.company()));
+        addField("Author", text("author", "Author", item.author()));
+        addField("Web page", page(item.website()));
+        addField("Revisions", text("revisions", "Revisions", revisions(item.revisions())));
+        addField("Installed in", text("directory", "Installed in", directories(item.revisions())));
+        addField("Needs", dependencies(snapshot, item.dependencies()));
+        addField("Change log", history);
+    }
+
+    private void addHead(Snapshot snapshot, Item item) {
+        Logo tile = new Logo(item.title(), Optional.empty(), 3 * Look.lineHeight(this));
+        JLabel logo = Look.named("logo", new JLabel(tile));
+        logo.setHorizontalAlignment(SwingConstants.LEADING);
+        GridBagConstraints place = place(0, 1);
+        place.weightx = 0;
+        add(logo, place);
+        JTextArea title = text("title", "Name", item.title());
+        title.setFont(title.getFont().deriveFont(Font.BOLD, title.getFont().getSize2D() * 1.2f));
+        JPanel names = new JPanel(new BorderLayout(0, Look.gap(this)));
+        names.setOpaque(false);
+        names.add(title);
+        names.add(text("name", "Item", item.key().store() + "::" + item.key().name() + "@" + item.revision()),
+                BorderLayout.PAGE_END);
+        GridBagConstraints beside = place(1, 1);
+        beside.anchor = GridBagConstraints.LINE_START;
+        add(names, beside);
+        ++row;
+        snapshot.store(item.key().store()).ifPresent(store -> readLogo(store.directory(), item, logo));
+    }
+
+    private static void readLogo(String directory, Item item, JLabel label) {
+        new SwingWorker<Optional<BufferedImage>, Void>() {
+            @Override
+            protected Optional<BufferedImage> doInBackground() {
+                return Logo.read(directory, item.logo());
+            }
+
+            @Override
+            protected void done() {
+                try {
+                    label.setIcon(new Logo(item.title(), get(), label.getIcon().getIconWidth()));
+                } catch (InterruptedException | ExecutionException e) {
+                    // the tile stays
+                }
+            }
+        }.execute();
+    }
+
+    private JTextArea warning(Item item) {
+        JTextArea area = text("sameName", "Note", "Install, Uninstall and Update go by the name \"" + item.key().name()
+                + "\": they act in every store that has it (" + String.join(", ", stores) + ").");
+        area.setForeground(Look.WARNING);
+        return area;
+    }
+
+    private JComponent page(String website) {
+        return WebLink.of(website)
+                .<JComponent>map(uri -> new LinkButton("website", website, () -> openPage.accept(uri)))
+                .orElseGet(() -> text("website", "Web page", website));
+    }
+
+    private static String revisions(List<Revision> revisions) {
+        return String.join("\n", revisions.stream()
+                .map(each -> each.directory().isEmpty() ? each.text() : each.text() + "  (installed)").toList());
+    }
+
+    private static String directories(List<Revision> revisions) {
+        return String.join("\n", revisions.stream().map(Revision::directory).filter(path -> !path.isEmpty()).toList());
+    }
+
+    private JComponent dependencies(Snapshot snapshot, List<Dependency> needed) {
+        JPanel panel = Look.named("dependencies", new JPanel(new GridBagLayout()));
+        panel.setOpaque(false);
+        GridBagConstraints line = new GridBagConstraints();
+        line.gridx = 0;
+        line.weightx = 1;
+        line.fill = GridBagConstraints.HORIZONTAL;
+        if (needed.isEmpty()) panel.add(text("none", "Needs", "nothing else"), line);
+        for (Dependency each : needed) panel.add(dependency(snapshot, each), line);
+        return panel;
+    }
+
+    private JComponent dependency(Snapshot snapshot, Dependency needed) {
+        Key key = needed.key();
+        String id = key.store() + "::" + key.name();
+        String named = needed.revision().isEmpty() ? id : id + "@" + needed.revision();
+        String shownText = needed.isOptional() ? named + "  (optional)" : named;
+        return snapshot.item(key).<JComponent>map(item -> new LinkButton(id, shownText, () -> jump.accept(key)))
+                .orElseGet(() -> text(id, "Needs", shownText + "  (not in the catalog)"));
+    }
+
+    private static JTextArea text(String name, String accessibleName, String text) {
+        JTextArea area = Look.readOnlyText(name, accessibleName);
+        area.setText(text);
+        return area;
+    }
+
+    private void addField(String name, JComponent value) {
+        boolean isEmpty = value instanceof JTextArea area && area.getText().isEmpty() && area != history;
+        if (isEmpty) return;
+        JLabel label = new JLabel(name);
+        label.setForeground(Look.QUIET);
+        label.setLabelFor(value);
+        GridBagConstraints left = place(0, 1);
+        left.weightx = 0;
+        add(label, left);
+        add(value, place(1, 1));
+        ++row;
+    }
+
+    private void addWide(Component component) {
+        add(component, place(0, 2));
+        ++row;
+    }
+
+    private GridBagConstraints place(int column, int width) {
+        GridBagConstraints place = new GridBagConstraints();
+        place.gridx = column;
+        place.gridy = row;
+        place.gridwidth = width;
+        place.weightx = 1;
+        place.fill = GridBagConstraints.HORIZONTAL;
+        place.anchor = GridBagConstraints.FIRST_LINE_START;
+        place.insets = new Insets(0, 0, 2 * Look.gap(this), column == 0 && width == 1 ? 3 * Look.gap(this) : 0);
+        return place;
+    }
+
+    @Override
+    public Dimension getPreferredScrollableViewportSize() {
+        return getPreferredSize();
+    }
+
+    @Override
+    public int getScrollableUnitIncrement(Rectangle visible, int orientation, int direction) {
+        return UIManager.getFont("Label.font").getSize() * 2;
+    }
+
+    @Override
+    public int getScrollableBlockIncrement(Rectangle visible, int orientation, int direction) {
+        return visible.height;
+    }
+
+    @Override
+    public boolean getScrollableTracksViewportWidth() {
+        return true;
+    }
+
+    @Override
+    public boolean getScrollableTracksViewportHeight() {
+        return getParent().getHeight() > getPreferredSize().height;
+    }
+}

@@ -1,0 +1,27 @@
+package ui.frmwork.plaz.browser;
+
+import ui.frmwork.plaz.browser.Snapshot.Key;
+
+/** Told by {@link HubThread} what happens, on the thread of the windows. */
+interface HubListener {
+    void changed(Snapshot snapshot);
+
+    /** @param text for people */
+    void history(Key key, String text);
+
+    void told(Message message);
+
+    /** An operation has come further. */
+    void progressed(String text, double percent);
+
+    /**
+     * Operations begin and end.
+     *
+     * @param title the operation that runs; empty for none
+     * @param waiting how many are to come
+     */
+    void working(String title, int waiting);
+
+    /** The hub is at rest for good. */
+    void ended();
+}

@@ -1,0 +1,195 @@
+package ui.frmwork.plaz.browser;
+
+import java.nio.file.Path;
+import java.util.HashSet;
+import java.util.List;
+import java.util.Objects;
+import java.util.Queue;
+import java.util.Set;
+import java.util.concurrent.ConcurrentHashMap;
+import java.util.concurrent.ConcurrentLinkedQueue;
+import java.util.concurrent.ExecutionException;
+import java.util.concurrent.ExecutorService;
+import java.util.concurrent.Executors;
+import java.util.concurrent.Future;
+import java.util.concurrent.atomic.AtomicReference;
+import java.util.function.Consumer;
+import javax.swing.SwingUtilities;
+import ui.frmwork.cmd.CommandFailedException;
+import ui.frmwork.plaz.PlazException;
+import ui.frmwork.plaz.PlazItem;
+import ui.frmwork.plaz.TaskStatus;
+import ui.frmwork.plaz.browser.Snapshot.Key;
+import ui.frmwork.plaz.host.PlazHost;
+import ui.frmwork.plaz.host.PlazHost.Severity;
+
+/**
+ * The one thread that uses the hub. Operations wait their turn; what is only read goes before them. Its methods return
+ * at once and may be called from the thread of the windows, on which the {@link HubListener} is told of everything.
+ */
+final class HubThread {
+    private record Progress(String text, double percent) {}
+
+    private final ExecutorService executor = Executors.newSingleThreadExecutor(work -> new Thread(work, "hub"));
+    private final Queue<Runnable> reads = new ConcurrentLinkedQueue<>();
+    private final Queue<Operation> operations = new ConcurrentLinkedQueue<>();
+    private final Set<String> underway = ConcurrentHashMap.newKeySet();
+    private final AtomicReference<Progress> progress = new AtomicReference<>();
+    private final Object running = new Object();
+    private HubListener listener;
+
+    // Of the running operation; what cancels it comes from another thread.
+    private boolean isRunning;
+    private TaskStatus status;
+
+    // Of the hub's thread alone.
+    private final Set<String> toldTexts = new HashSet<>();
+    private boolean hasToldError;
+
+    /**
+     * The directory of the user's own files. Waits for the answer.
+     *
+     * @throws ExecutionException when the hub's libraries cannot be loaded
+     */
+    Path userDirectory() throws ExecutionException, InterruptedException {
+        Future<String> directory = executor.submit(PlazHost::getUserDirectory);
+        return Path.of(directory.get());
+    }
+
+    /** Starts the hub and reads it. Once. */
+    void start(HubListener told) {
+        listener = Objects.requireNonNull(told);
+        read(() -> {
+            status = new TaskStatus();
+            PlazHost.start(new PlazHost.Listener() {
+                @Override
+                public void message(Severity severity, String id, String text) {
+                    tell(new Message(severity, id, text));
+                }
+
+                @Override
+                public void progress(String text, double percent) {
+                    tellProgress(text, percent);
+                }
+            });
+            tellSnapshot();
+        });
+    }
+
+    /** Reads an item's change log. */
+    void readHistory(Key key) {
+        read(() -> {
+            List<PlazItem> entries = SnapshotReader.entries(key);
+            String text = entries.isEmpty() ? "" : entries.get(0).getHistory();
+            post(to -> to.history(key, text));
+        });
+    }
+
+    void submit(Operation operation) {
+        underway.add(operation.title());
+        operations.add(operation);
+        awake();
+    }
+
+    /** Whether an operation of that title runs or waits. */
+    boolean isUnderway(String title) {
+        return underway.contains(title);
+    }
+
+    /** Ends what runs and drops what waits. */
+    void cancel() {
+        synchronized (running) {
+            operations.forEach(dropped -> underway.remove(dropped.title()));
+            operations.clear();
+            if (!isRunning) return;
+            status.cancel(); // before the operation can fail of it
+            PlazHost.cancel();
+        }
+    }
+
+    /** Cancels everything and ends the thread. Nothing may be asked for afterwards. */
+    void end() {
+        cancel();
+        executor.execute(() -> post(HubListener::ended));
+        executor.shutdown();
+    }
+
+    private void read(Runnable work) {
+        reads.add(work);
+        awake();
+    }
+
+    private void awake() {
+        if (!executor.isShutdown()) executor.execute(this::runNext);
+    }
+
+    private void runNext() {
+        Runnable work = reads.poll();
+        try {
+            if (work != null) work.run();
+            else runOperation();
+        } catch (RuntimeException | LinkageError e) {
+            tellFailure(e);
+        }
+    }
+
+    private void runOperation() {
+        Operation operation;
+        synchronized (running) {
+            operation = operations.poll();
+            if (operation == null) return;
+            isRunning = true;
+            PlazHost.begin();
+            status.setState(0);
+        }
+        post(to -> to.working(operation.title(), operations.size()));
+        toldTexts.clear();
+        hasToldError = false;
+        try (PlazException failure = new PlazException()) {
+            String outcome = operation.action().run(status, failure);
+            if (!failure.getErrorMsg().isEmpty()) tell(Message.error(failure.getErrorMsg().strip()));
+            else if (!outcome.isEmpty() && !hasToldError) tell(Message.info(outcome));
+        } catch (RuntimeException e) {
+            tellFailure(e);
+        } finally {
+            synchronized (running) {
+                isRunning = false;
+            }
+            underway.remove(operation.title());
+            tellSnapshot();
+            post(to -> to.working("", operations.size()));
+        }
+    }
+
+    private void tellSnapshot() {
+        Snapshot snapshot = SnapshotReader.read();
+        post(to -> to.changed(snapshot));
+    }
+
+    /** What a command fails with has often been told as a message already. To be cancelled is no failure. */
+    private void tellFailure(Throwable failure) {
+        boolean isOfHub = failure instanceof CommandFailedException;
+        String text = isOfHub ? failure.getMessage() : failure.toString();
+        Message message = isOfHub && status.isCanceled() ? Message.info(text) : Message.error(text);
+        if (!toldTexts.contains(message.text())) tell(message);
+    }
+
+    private void tell(Message message) {
+        toldTexts.add(message.text());
+        hasToldError |= message.severity() == Severity.ERROR;
+        post(to -> to.told(message));
+    }
+
+    /** Only the newest is of interest to a window that has not come to look at the one before. */
+    private void tellProgress(String text, double percent) {
+        if (progress.getAndSet(new Progress(text, percent)) != null) return;
+        post(to -> {
+            Progress newest = progress.getAndSet(null);
+            to.progressed(newest.text(), newest.percent());
+        });
+    }
+
+    private void post(Consumer<HubListener> telling) {
+        SwingUtilities.invokeLater(() -> telling.accept(listener));
+    }
+}

@@ -1,0 +1,124 @@
+package ui.frmwork.plaz.browser;
+
+import java.awt.Color;
+import java.awt.Component;
+import java.awt.Rectangle;
+import java.text.Collator;
+import java.util.Collections;
+import java.util.List;
+import java.util.Optional;
+import java.util.stream.IntStream;
+import javax.swing.BorderFactory;
+import javax.swing.JTable;
+import javax.swing.ListSelectionModel;
+import javax.swing.RowFilter;
+import javax.swing.UIManager;
+import javax.swing.table.DefaultTableCellRenderer;
+import javax.swing.table.TableColumn;
+import javax.swing.table.TableRowSorter;
+import ui.frmwork.plaz.browser.ItemTableModel.Column;
+import ui.frmwork.plaz.browser.Snapshot.Item;
+import ui.frmwork.plaz.browser.Snapshot.Key;
+import ui.frmwork.plaz.browser.Snapshot.State;
+
+/** The items, to be filtered, sorted and chosen from. */
+final class ItemTable extends JTable {
+    private static final long serialVersionUID = 1;
+
+    private final transient TableRowSorter<ItemTableModel> sorter;
+
+    ItemTable() {
+        super(new ItemTableModel());
+        sorter = new TableRowSorter<>(items());
+        for (Column column : Column.values())
+            if (column != Column.STATE) sorter.setComparator(column.ordinal(), Collator.getInstance());
+        sorter.setComparator(Column.REVISION.ordinal(), Revisions.ORDER);
+        setRowSorter(sorter);
+        setDefaultRenderer(String.class, new Cell());
+        setDefaultRenderer(State.class, new Cell());
+        setSelectionMode(ListSelectionModel.SINGLE_SELECTION);
+        setShowVerticalLines(false);
+        setFillsViewportHeight(true);
+        setAutoResizeMode(AUTO_RESIZE_SUBSEQUENT_COLUMNS);
+        setTransferHandler(null); // what it copies would be read as HTML by others
+        getAccessibleContext().setAccessibleName("Items");
+        Look.tabLeaves(this);
+        for (Column column : Column.values())
+            getColumnModel().getColumn(column.ordinal()).setPreferredWidth(column.letters * Look.lineHeight(this) / 2);
+    }
+
+    @Override
+    public void updateUI() {
+        super.updateUI();
+        setRowHeight(Look.lineHeight(this) + 2 * Look.gap(this));
+    }
+
+    /** What is chosen and where one has scrolled to stays, as far as it is there still. */
+    void show(List<Item> shown) {
+        Optional<Item> chosen = chosen();
+        Rectangle place = getVisibleRect();
+        items().show(shown);
+        chosen.ifPresent(item -> select(item.key()));
+        scrollRectToVisible(place);
+    }
+
+    void filter(ItemFilter filter) {
+        sorter.setRowFilter(new RowFilter<ItemTableModel, Integer>() {
+            @Override
+            public boolean include(Entry<? extends ItemTableModel, ? extends Integer> entry) {
+                return filter.test(entry.getModel().item(entry.getIdentifier()));
+            }
+        });
+    }
+
+    Optional<Item> chosen() {
+        int row = getSelectedRow();
+        return row < 0 ? Optional.empty() : Optional.of(items().item(convertRowIndexToModel(row)));
+    }
+
+    /** @return whether the filter lets the item be seen */
+    boolean choose(Key key) {
+        if (!select(key)) return false;
+        scrollRectToVisible(getCellRect(getSelectedRow(), 0, true));
+        return true;
+    }
+
+    void scaleColumns(double factor) {
+        for (TableColumn column : Collections.list(getColumnModel().getColumns()))
+            column.setPreferredWidth((int) Math.round(column.getWidth() * factor));
+    }
+
+    private boolean select(Key key) {
+        List<Item> all = items().items();
+        int row = IntStream.range(0, all.size()).filter(i -> all.get(i).key().equals(key))
+                .map(this::convertRowIndexToView).findFirst().orElse(-1);
+        if (row >= 0) setRowSelectionInterval(row, row);
+        return row >= 0;
+    }
+
+    private ItemTableModel items() {
+        return (ItemTableModel) getModel();
+    }
+
+    private static final class Cell extends DefaultTableCellRenderer {
+        private static final long serialVersionUID = 1;
+
+        Cell() {
+            Look.plain(this);
+        }
+
+        @Override
+        public Component getTableCellRendererComponent(JTable table, Object value, boolean isSelected,
+                boolean hasFocus, int row, int column) {
+            Object shown = value instanceof State state ? state.text : value;
+            super.getTableCellRendererComponent(table, shown, isSelected, false, row, column);
+            Color alternate = UIManager.getColor("Table.alternateRowColor");
+            if (!isSelected) {
+                setForeground(value == State.OUTDATED ? Look.WARNING : table.getForeground());
+                setBackground(row % 2 == 1 && alternate != null ? alternate : table.getBackground());
+            }
+            setBorder(BorderFactory.createEmptyBorder(0, Look.gap(table), 0, Look.gap(table)));
+            return this;
+        }
+    }
+}

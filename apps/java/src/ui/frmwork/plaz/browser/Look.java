@@ -1,0 +1,115 @@
+package ui.frmwork.plaz.browser;
+
+import java.awt.AWTKeyStroke;
+import java.awt.Color;
+import java.awt.Component;
+import java.awt.Font;
+import java.awt.KeyboardFocusManager;
+import java.awt.event.InputEvent;
+import java.awt.event.KeyEvent;
+import java.util.ArrayList;
+import java.util.Map;
+import java.util.Set;
+import javax.swing.BorderFactory;
+import javax.swing.JComponent;
+import javax.swing.JTextArea;
+import javax.swing.UIDefaults;
+import javax.swing.UIManager;
+import javax.swing.UnsupportedLookAndFeelException;
+import javax.swing.plaf.FontUIResource;
+import javax.swing.plaf.nimbus.NimbusLookAndFeel;
+import javax.swing.text.DefaultCaret;
+
+/** Colours, fonts and sizes; and that texts of catalogs are shown as they are. */
+final class Look {
+    static final Color LINK = new Color(0x1a5fb4);
+    static final Color QUIET = new Color(0x5e6670);
+    static final Color WARNING = new Color(0x9a5a00);
+    static final Color ERROR = new Color(0xb3261e);
+
+    /** Names that the virtual machine itself knows: a look chosen there stays, and so does the font. */
+    private static final String CHOSEN_LOOK = "swing.defaultlaf";
+    private static final String CHOSEN_FONT = "swing.plaf.metal.controlFont";
+
+    private static final Map<String, Color> NIMBUS_COLOURS = Map.of(
+            "control", new Color(0xeef1f4),
+            "nimbusBase", new Color(0x2b5d8c),
+            "nimbusBlueGrey", new Color(0xb4bec9),
+            "nimbusSelectionBackground", new Color(0x2f6cab),
+            "nimbusFocus", new Color(0x6ea3d8));
+
+    private Look() {}
+
+    /** @param percent size of all texts, against the look's own */
+    static void apply(int percent) {
+        NIMBUS_COLOURS.forEach(UIManager::put);
+        try {
+            String chosen = System.getProperty(CHOSEN_LOOK);
+            if (chosen == null) UIManager.setLookAndFeel(new NimbusLookAndFeel());
+            else UIManager.setLookAndFeel(chosen);
+        } catch (ReflectiveOperationException | UnsupportedLookAndFeelException e) {
+            // The virtual machine's own will do.
+        }
+        UIDefaults defaults = UIManager.getLookAndFeelDefaults();
+        if (UIManager.getLookAndFeel() instanceof NimbusLookAndFeel) // whose other fonts all follow this one
+            defaults.put("defaultFont", scaled(Font.getFont(CHOSEN_FONT, defaults.getFont("defaultFont")), percent));
+        else
+            for (Object key : new ArrayList<>(defaults.keySet()))
+                if (defaults.get(key) instanceof Font font) defaults.put(key, scaled(font, percent));
+    }
+
+    private static FontUIResource scaled(Font font, int percent) {
+        return new FontUIResource(font.deriveFont(font.getSize2D() * percent / 100));
+    }
+
+    /** A part of the font's height, at least one: what distances are made of. */
+    static int gap(Component component) {
+        return Math.max(1, lineHeight(component) / 3);
+    }
+
+    static int lineHeight(Component component) {
+        return component.getFontMetrics(UIManager.getFont("Label.font")).getHeight();
+    }
+
+    /** Makes texts of a component appear as they are, whatever they look like. */
+    static <C extends JComponent> C plain(C component) {
+        component.putClientProperty("html.disable", true);
+        return component;
+    }
+
+    static <C extends Component> C named(String name, C component) {
+        component.setName(name);
+        return component;
+    }
+
+    /** A text that wraps, to be read, selected and copied. */
+    static JTextArea readOnlyText(String name, String accessibleName) {
+        JTextArea area = named(name, new JTextArea() {
+            private static final long serialVersionUID = 1;
+
+            @Override
+            public void updateUI() {
+                super.updateUI();
+                setFont(UIManager.getFont("Label.font"));
+            }
+        });
+        area.setEditable(false);
+        ((DefaultCaret) area.getCaret()).setUpdatePolicy(DefaultCaret.NEVER_UPDATE); // new text must not scroll
+        area.setLineWrap(true);
+        area.setWrapStyleWord(true);
+        area.setOpaque(false);
+        area.setBackground(new Color(0, 0, 0, 0)); // Nimbus paints one that is not opaque all the same
+        area.setBorder(BorderFactory.createEmptyBorder());
+        area.getAccessibleContext().setAccessibleName(accessibleName);
+        tabLeaves(area);
+        return area;
+    }
+
+    /** Makes the tab key go on to the next component, where it would mean something else. */
+    static void tabLeaves(JComponent component) {
+        AWTKeyStroke tab = AWTKeyStroke.getAWTKeyStroke(KeyEvent.VK_TAB, 0);
+        AWTKeyStroke back = AWTKeyStroke.getAWTKeyStroke(KeyEvent.VK_TAB, InputEvent.SHIFT_DOWN_MASK);
+        component.setFocusTraversalKeys(KeyboardFocusManager.FORWARD_TRAVERSAL_KEYS, Set.of(tab));
+        component.setFocusTraversalKeys(KeyboardFocusManager.BACKWARD_TRAVERSAL_KEYS, Set.of(back));
+    }
+}

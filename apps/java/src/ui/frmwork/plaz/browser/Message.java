@@ -1,0 +1,32 @@
+package ui.frmwork.plaz.browser;
+
+import java.util.regex.Pattern;
+import ui.frmwork.plaz.host.PlazHost.Severity;
+
+/**
+ * What the hub or the window tells.
+ *
+ * @param id the hub's number; empty for the window's own
+ */
+record Message(Severity severity, String id, String text) {
+    private static final Pattern USER_PART = Pattern.compile("://[^\\s/\"]*@");
+
+    /** Nothing that stands before the server in an address is kept: it may be a password. */
+    Message {
+        text = USER_PART.matcher(text).replaceAll("://***@");
+    }
+
+    static Message info(String text) {
+        return new Message(Severity.INFO, "", text);
+    }
+
+    static Message error(String text) {
+        return new Message(Severity.ERROR, "", text);
+    }
+
+    @Override
+    public String toString() {
+        String label = severity.name().replace('_', ' ');
+        return id.isEmpty() ? label + ": " + text : label + ": [" + id + "] " + text;
+    }
+}

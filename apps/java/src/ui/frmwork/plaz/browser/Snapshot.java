@@ -1,0 +1,85 @@
+package ui.frmwork.plaz.browser;
+
+import java.util.List;
+import java.util.Optional;
+import java.util.stream.Stream;
+
+/**
+ * What the hub held at one time. Nothing in it reaches back into the hub, so that any thread may read it.
+ *
+ * @param proxy the user's proxy, empty for none
+ * @param storesPath the directory below which the user keeps stores, empty for the default
+ */
+record Snapshot(List<Store> stores, String proxy, String storesPath) {
+    /** A store, its items each by one entry. */
+    record Store(String name, String displayName, String directory, boolean refreshed, List<Category> categories,
+                 List<Item> items) {}
+
+    /** A node of a store's tree of categories. */
+    record Category(String name, String displayName, List<Category> below) {
+        /** The names of the category and all below it. */
+        Stream<String> names() {
+            return Stream.concat(Stream.of(name), below.stream().flatMap(Category::names));
+        }
+    }
+
+    /** What names an item. */
+    record Key(String store, String name) {}
+
+    /** How an item stands on this machine, in the order in which the table sorts it. */
+    enum State {
+        NONE(""), INSTALLED("installed"), OUTDATED("outdated");
+
+        final String text;
+
+        State(String text) {
+            this.text = text;
+        }
+    }
+
+    /**
+     * An item as its latest revision describes it.
+     *
+     * @param logo a file or an address, as the catalog has it
+     * @param isLatestInstalled whether there is nothing to install
+     * @param revisions all of them, the latest first
+     */
+    record Item(Key key, String displayName, String description, String revision, State state,
+                boolean isLatestInstalled, String company, String author, String website, String logo,
+                List<String> categories, List<String> keywords, List<Revision> revisions,
+                List<Dependency> dependencies) {
+        String title() {
+            return displayName.isBlank() ? key.name() : displayName;
+        }
+
+        boolean isInstalled() {
+            return state != State.NONE;
+        }
+    }
+
+    /** @param directory where it is installed; empty when it is not */
+    record Revision(String text, String directory) {}
+
+    /** @param revision the one that is needed; empty for the latest */
+    record Dependency(Key key, String revision, boolean isOptional) {}
+
+    /** Before anything is known. */
+    static final Snapshot NOTHING = new Snapshot(List.of(), "", "");
+
+    Stream<Item> items() {
+        return stores.stream().flatMap(store -> store.items().stream());
+    }
+
+    Optional<Store> store(String name) {
+        return stores.stream().filter(store -> store.name().equals(name)).findFirst();
+    }
+
+    Optional<Item> item(Key key) {
+        return items().filter(item -> item.key().equals(key)).findFirst();
+    }
+
+    /** The stores that have an item of that name. */
+    List<String> storesWith(String name) {
+        return items().map(Item::key).filter(key -> key.name().equals(name)).map(Key::store).toList();
+    }
+}
