@@ -21,42 +21,51 @@ HDGUIStatus& commandStatus() {
     return status;
 }
 
-/// The class PlazHost, told of what the hub says and does on the thread that started it.
+/// The class PlazHost, told of what the hub says and does.
 class Listener {
 public:
     Listener(JNIEnv* env, jclass host)
-        : m_env(env), m_host(static_cast<jclass>(env->NewGlobalRef(host))),
+        : m_machine(machineOf(env)), m_host(static_cast<jclass>(env->NewGlobalRef(host))),
           m_message(
               env->GetStaticMethodID(host, "message", "(Ljava/lang/String;Ljava/lang/String;Ljava/lang/String;)V")),
           m_progress(m_message ? env->GetStaticMethodID(host, "progress", "(Ljava/lang/String;D)V") : nullptr) {}
 
     void tellMessage(const ComMsgMgr::Message& message) const {
-        tell([&] {
-            jstring label = jni::toJava(m_env, message.label);
-            jstring id = label ? jni::toJava(m_env, message.id) : nullptr;
-            jstring text = id ? jni::toJava(m_env, message.text) : nullptr;
-            if (text) m_env->CallStaticVoidMethod(m_host, m_message, label, id, text);
+        tell([&](JNIEnv* env) {
+            jstring label = jni::toJava(env, message.label);
+            jstring id = label ? jni::toJava(env, message.id) : nullptr;
+            jstring text = id ? jni::toJava(env, message.text) : nullptr;
+            if (text) env->CallStaticVoidMethod(m_host, m_message, label, id, text);
         });
     }
     void tellProgress(const HDGUIStatus& status) const {
-        tell([&] {
-            jstring text = jni::toJava(m_env, status.getStatusMessage());
-            if (text) m_env->CallStaticVoidMethod(m_host, m_progress, text, status.getPercentComplete());
+        tell([&](JNIEnv* env) {
+            jstring text = jni::toJava(env, status.getStatusMessage());
+            if (text) env->CallStaticVoidMethod(m_host, m_progress, text, status.getPercentComplete());
         });
     }
 
 private:
+    static JavaVM* machineOf(JNIEnv* env) {
+        JavaVM* machine = nullptr;
+        env->GetJavaVM(&machine);
+        return machine;
+    }
+
     /// One operation tells a lot, so each telling frees the references that it makes. What Java throws must not stop
     /// the hub's work: it is written to standard error.
     template <typename Work> void tell(Work work) const {
-        if (m_env->PushLocalFrame(4) == JNI_OK) {
-            work();
-            m_env->PopLocalFrame(nullptr);
+        void* attached = nullptr;
+        if (m_machine->GetEnv(&attached, JNI_VERSION_10) != JNI_OK) return; // no thread of Java's
+        auto* const env = static_cast<JNIEnv*>(attached);
+        if (env->PushLocalFrame(4) == JNI_OK) {
+            work(env);
+            env->PopLocalFrame(nullptr);
         }
-        if (m_env->ExceptionCheck()) m_env->ExceptionDescribe();
+        if (env->ExceptionCheck()) env->ExceptionDescribe();
     }
 
-    JNIEnv* m_env;
+    JavaVM* m_machine;
     jclass m_host;
     jmethodID m_message;
     jmethodID m_progress;

@@ -60,8 +60,10 @@ std::string toNative(JNIEnv* env, jstring text, const char* complaint) {
     const auto length = static_cast<std::size_t>(env->GetStringLength(text));
     const jchar* units = env->GetStringChars(text, nullptr);
     if (!units) throw JavaFailure{Failure::memory, "a string cannot be copied"};
+    const auto release = [&](const jchar* copied) { env->ReleaseStringChars(text, copied); };
+    std::unique_ptr<const jchar, decltype(release)> held(units, release);
     const std::wstring wide(units, units + length);
-    env->ReleaseStringChars(text, units);
+    held.reset();
     return HI18N::convert(wide);
 }
 

@@ -3,8 +3,9 @@ package ui.frmwork.plaz;
 /**
  * A native object that belongs to the hub. Two proxies of one object are equal.
  *
- * <p>Items, categories and dependencies are gone once {@link PlazSwigIntf#refreshCatalog} has refreshed their store: ask
- * for them again. A refresh by other ways than this package is not noticed.
+ * <p>Items, categories and dependencies are gone once {@link PlazSwigIntf#refreshCatalog} has refreshed their store or
+ * {@link PlazSwigIntf#setQStoreLocalRootDir} has moved it: ask for them again. What is done by other ways than this
+ * package is not noticed.
  */
 abstract class HubObject extends NativeObject {
     private final long handle;

@@ -41,8 +41,9 @@ abstract class OwnedObject extends NativeObject implements AutoCloseable {
         }
 
         long handle(Class<?> type) {
-            if (handle == 0) throw new IllegalStateException("this " + type.getSimpleName() + " is closed");
-            return handle;
+            long current = handle;
+            if (current == 0) throw new IllegalStateException("this " + type.getSimpleName() + " is closed");
+            return current;
         }
 
         @Override

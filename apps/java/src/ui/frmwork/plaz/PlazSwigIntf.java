@@ -3,7 +3,8 @@ package ui.frmwork.plaz;
 import static ui.frmwork.plaz.NativeObject.handleOf;
 
 /**
- * The hub. One thread at a time may use it and what it gives; only {@link TaskStatus#cancel} may be called meanwhile.
+ * The hub. Only one thread may use it and what it gives: the one that started it. Another one may call
+ * {@link TaskStatus#cancel}.
  *
  * <p>What fails throws {@link ui.frmwork.cmd.CommandFailedException} with the hub's message.
  */
@@ -84,10 +85,17 @@ public final class PlazSwigIntf {
         return plazi.PlazSwigIntf_canAccessRepo(handleOf(store), store);
     }
 
-    /** Keeps the store's working copy and items below another directory from now on. */
+    /**
+     * Keeps the store's working copy and items below another directory from now on. All items and categories that were
+     * got from it before are gone afterwards.
+     */
     public static boolean setQStoreLocalRootDir(PlazStore store, String dir, PlazException exception) {
-        return plazi.PlazSwigIntf_setQStoreLocalRootDir(
-                handleOf(store), store, dir, handleOf(exception), exception);
+        try {
+            return plazi.PlazSwigIntf_setQStoreLocalRootDir(
+                    handleOf(store), store, dir, handleOf(exception), exception);
+        } finally {
+            if (store != null) store.endContents();
+        }
     }
 
     /** The user's proxy; empty for none. */

@@ -43,8 +43,13 @@ public final class TaskStatus extends OwnedObject {
     }
 
     /** Cancels the operation. May be called from another thread. */
-    public void cancel() {
+    public synchronized void cancel() {
         plazi.TaskStatus_cancel(handle(), this);
+    }
+
+    @Override
+    public synchronized void close() {
+        super.close();
     }
 
     /** Tells what is being done. */

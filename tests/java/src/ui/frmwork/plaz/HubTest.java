@@ -214,7 +214,7 @@ class HubTest {
         assertTrue(item("boards", "hikari").IsInstalled());
     }
 
-    /** Catches: settings that are not kept, or a text that Tcl would take apart. */
+    /** Catches: settings that are not kept, a text that Tcl would take apart, items that outlive a move. */
     @Test
     @Order(7)
     void settingsAreKept() {
@@ -228,7 +228,9 @@ class HubTest {
         assertThrows(CommandFailedException.class, () -> PlazSwigIntf.setQStoresPath("[exit 3]"));
         assertEquals(stores.toString(), PlazSwigIntf.getQStoresPath());
         PlazStore boards = store("boards");
+        PlazItem before = item("boards", "aurora");
         assertTrue(PlazSwigIntf.setQStoreLocalRootDir(boards, SAMPLE.resolve("moved").toString(), RECORD));
         assertTrue(store("boards").getLocalRootDir().startsWith(SAMPLE.resolve("moved").toString()));
+        assertThrows(IllegalStateException.class, before::getName);
     }
 }

@@ -130,7 +130,7 @@ final class BrowserWindow extends JFrame implements HubListener {
     }
 
     void openSettings() {
-        if (snapshot != null) new SettingsDialog(this, snapshot, this::submit).setVisible(true);
+        if (snapshot != null) new SettingsDialog(this, snapshot, hub::submit).setVisible(true);
     }
 
     void find() {

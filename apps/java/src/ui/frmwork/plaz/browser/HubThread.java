@@ -96,11 +96,10 @@ final class HubThread {
         return underway.contains(title);
     }
 
-    /** Ends what runs and drops what waits. */
+    /** Ends what runs and drops what waits, but for settings: these are quick, and nobody would miss them in time. */
     void cancel() {
         synchronized (running) {
-            operations.forEach(dropped -> underway.remove(dropped.title()));
-            operations.clear();
+            operations.removeIf(waiting -> !waiting.isSetting() && underway.remove(waiting.title()));
             if (!isRunning) return;
             status.cancel(); // before the operation can fail of it
             PlazHost.cancel();
@@ -128,20 +127,31 @@ final class HubThread {
         try {
             if (work != null) work.run();
             else runOperation();
-        } catch (RuntimeException | LinkageError e) {
+        } catch (RuntimeException | Error e) { // the thread must stay: the hub is entered from no other
             tellFailure(e);
         }
     }
 
     private void runOperation() {
-        Operation operation;
+        Operation operation = begin();
+        if (operation != null) run(operation);
+        else post(to -> to.working("", 0)); // it was dropped
+    }
+
+    /** In one go, so that whatever cancels comes before it or after. */
+    private Operation begin() {
         synchronized (running) {
-            operation = operations.poll();
-            if (operation == null) return;
-            isRunning = true;
-            PlazHost.begin();
-            status.setState(0);
+            Operation operation = operations.poll();
+            isRunning = operation != null;
+            if (isRunning) {
+                PlazHost.begin();
+                status.setState(0);
+            }
+            return operation;
         }
+    }
+
+    private void run(Operation operation) {
         post(to -> to.working(operation.title(), operations.size()));
         toldTexts.clear();
         hasToldError = false;
@@ -149,15 +159,18 @@ final class HubThread {
             String outcome = operation.action().run(status, failure);
             if (!failure.getErrorMsg().isEmpty()) tell(Message.error(failure.getErrorMsg().strip()));
             else if (!outcome.isEmpty() && !hasToldError) tell(Message.info(outcome));
-        } catch (RuntimeException e) {
+        } catch (RuntimeException | Error e) {
             tellFailure(e);
         } finally {
             synchronized (running) {
                 isRunning = false;
             }
             underway.remove(operation.title());
-            tellSnapshot();
-            post(to -> to.working("", operations.size()));
+            try {
+                tellSnapshot();
+            } finally {
+                post(to -> to.working("", operations.size()));
+            }
         }
     }
 

@@ -6,7 +6,10 @@ import java.awt.Frame;
 import java.awt.GridBagConstraints;
 import java.awt.GridBagLayout;
 import java.awt.Insets;
+import java.awt.event.ItemEvent;
 import java.awt.event.KeyEvent;
+import java.util.HashMap;
+import java.util.Map;
 import java.util.function.Consumer;
 import javax.swing.BorderFactory;
 import javax.swing.JButton;
@@ -31,6 +34,7 @@ final class SettingsDialog extends JDialog {
     private final JTextField storesPath = field("storesPath");
     private final JComboBox<String> store = Look.named("movedStore", new JComboBox<>());
     private final JTextField directory = field("storeDirectory");
+    private final transient Map<String, String> typed = new HashMap<>();
     private final JPanel form = new JPanel(new GridBagLayout());
     private int row;
 
@@ -43,8 +47,9 @@ final class SettingsDialog extends JDialog {
         storesPath.setText(snapshot.storesPath());
         snapshot.stores().forEach(each -> store.addItem(each.name()));
         store.setRenderer(Look.plain(new BasicComboBoxRenderer()));
-        store.addActionListener(event -> directory.setText(directoryOfStore()));
-        directory.setText(directoryOfStore());
+        snapshot.stores().forEach(each -> typed.put(each.name(), each.directory()));
+        store.addItemListener(this::changeStore);
+        directory.setText(typed.getOrDefault(store.getSelectedItem(), ""));
         addRow("Proxy:", 'P', proxy, null);
         addRow("Keep all stores below:", 'A', storesPath, browse("browseStoresPath", 'B', storesPath));
         addRow("Store:", 'S', store, null);
@@ -111,15 +116,22 @@ final class SettingsDialog extends JDialog {
         if (isChanged(proxy, snapshot.proxy())) submit.accept(Operation.setProxy(proxy.getText().strip()));
         if (isChanged(storesPath, snapshot.storesPath()))
             submit.accept(Operation.setStoresPath(storesPath.getText().strip()));
-        if (isChanged(directory, directoryOfStore()) && !directory.getText().isBlank())
-            submit.accept(Operation.move((String) store.getSelectedItem(), directory.getText().strip()));
+        typed.put((String) store.getSelectedItem(), directory.getText().strip());
+        for (Store each : snapshot.stores()) {
+            String wanted = typed.get(each.name());
+            if (!wanted.isEmpty() && !wanted.equals(each.directory()))
+                submit.accept(Operation.move(each.name(), wanted));
+        }
     }
 
     private static boolean isChanged(JTextField field, String before) {
         return !field.getText().strip().equals(before);
     }
 
-    private String directoryOfStore() {
-        return snapshot.store((String) store.getSelectedItem()).map(Store::directory).orElse("");
+    /** What was typed for one store is there again when that one is chosen again, and counts in the end. */
+    private void changeStore(ItemEvent event) {
+        String name = (String) event.getItem();
+        if (event.getStateChange() == ItemEvent.DESELECTED) typed.put(name, directory.getText().strip());
+        else directory.setText(typed.get(name));
     }
 }

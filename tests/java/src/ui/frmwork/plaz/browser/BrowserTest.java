@@ -176,7 +176,7 @@ class BrowserTest {
     }
 
     /** Catches: a window that stands still or cannot be used meanwhile, a cancel that waits for git or goes on with the
-        next store, and a selection that is lost. */
+        next store, and a setting or a selection that is lost. */
     @Test @Order(6) @Tag("first")
     void staysAliveAndCancels() throws Exception {
         choose("boards", "aurora");
@@ -187,6 +187,13 @@ class BrowserTest {
         type(find("search"), "clock");
         await("filtered", () -> items().getRowCount() == 2);
         choose("tclscripts", "clocking");
+        press(KeyEvent.VK_CONTROL, KeyEvent.VK_COMMA);
+        await("dialog", () -> exists("settings"));
+        ask(() -> {
+            ((JTextComponent) find("proxy")).setText("http://127.0.0.1:2");
+            return null;
+        });
+        click(find("apply"));
         assertTrue(ask(() -> find("cancel").isEnabled()));
         click(find("cancel"));
         await("rest", () -> !find("cancel").isEnabled());
@@ -197,6 +204,9 @@ class BrowserTest {
         assertTrue(told.contains("Cancelled."), told);
         assertEquals(told.lastIndexOf("Refreshed \"tclscripts\""), told.indexOf("Refreshed \"tclscripts\""), told);
         assertEquals("clocking", chosen());
+        await("the setting, which nothing cancels", () -> text("messages").contains("The proxy is set."));
+        click(find("search")); // without a window manager nobody gives the focus back
+        awaitFocus("search");
         press(KeyEvent.VK_ESCAPE);
         press(KeyEvent.VK_F5);
         await("the next refresh", () -> count("Refreshed \"tclscripts\".") == 2);
