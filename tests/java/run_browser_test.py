@@ -43,8 +43,9 @@ def make_hub(scratch):
 
 
 def run(scratch, env, tag):
+    classes = [f"--select-class=ui.frmwork.plaz.browser.{name}Test" for name in ("Browser", "BrowserParts")]
     command = junit.command(JAVA, [f"-Dscratch={scratch}"], [TESTS_JAR, PLAZ_JAR], LIBRARIES, "--include-tag", tag,
-                            "--select-class", "ui.frmwork.plaz.browser.BrowserTest")
+                            *classes)
     result = subprocess.run(command, env=env, cwd=scratch)
     if result.returncode:
         sys.exit(result.returncode)
