@@ -14,6 +14,7 @@ import java.awt.Rectangle;
 import java.awt.Robot;
 import java.awt.Toolkit;
 import java.awt.Window;
+import java.awt.datatransfer.Clipboard;
 import java.awt.datatransfer.DataFlavor;
 import java.awt.event.InputEvent;
 import java.awt.event.KeyEvent;
@@ -147,8 +148,7 @@ class BrowserTest {
         await("what that needs", () -> chosen().equals("csv-kit"));
         choose("boards", "aurora");
         click(find("website"));
-        await("the address", () -> "https://example.org/boards/aurora".equals(
-                Toolkit.getDefaultToolkit().getSystemClipboard().getData(DataFlavor.stringFlavor)));
+        await("the address", () -> "https://example.org/boards/aurora".equals(copiedText()));
     }
 
     /** Catches: a name in two stores that acts on both without a word, and check results that are not told. */
@@ -325,6 +325,13 @@ class BrowserTest {
             Thread.sleep(50);
         }
         fail("never came: " + what + "\n" + (window == null ? "" : text("messages")));
+    }
+
+    /** What the clipboard holds; null when there is no text, as before the first copy. */
+    private static Object copiedText() throws Exception {
+        Clipboard clipboard = Toolkit.getDefaultToolkit().getSystemClipboard();
+        return clipboard.isDataFlavorAvailable(DataFlavor.stringFlavor) ? clipboard.getData(DataFlavor.stringFlavor)
+                : null;
     }
 
     private static void awaitFocus(String name) throws Exception {
