@@ -3,7 +3,6 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
-#include <cstring>
 #include <sstream>
 
 namespace {
@@ -157,8 +156,8 @@ std::string describe(const CLI::ParseError& error, const CLI::App& app) {
 }
 
 /// A line that could not be read to its end still tells how the answer is wanted.
-bool asksForJson(int argc, const char* const* argv) {
-    return std::any_of(argv, argv + argc, [](const char* arg) { return std::strcmp(arg, "--json") == 0; });
+bool asksForJson(const std::vector<std::string>& args) {
+    return std::find(args.begin(), args.end(), "--json") != args.end();
 }
 
 void checkUpdate(const Options& options) {
@@ -176,13 +175,14 @@ std::vector<std::string> readScript(const Options& options, const std::vector<st
 
 } // namespace
 
-CommandLine CommandLine::parse(int argc, const char* const* argv) {
+CommandLine CommandLine::parse(const std::vector<std::string>& args) {
     CommandLine line{Kind::command, {}, {}};
     Options& options = line.options;
     CLI::App app(about, "plaz");
     app.set_version_flag("--version", std::string("plaz ") + PLAZ_VERSION, "Show the version and end");
     app.set_help_flag("-h,--help", "Show this help, or that of a command, and end");
     app.require_subcommand(1);
+    app.allow_windows_style_options(false); // what begins with "/" may be a path
     app.fallthrough();
     app.get_formatter()->label("SUBCOMMAND", "COMMAND");
     app.get_formatter()->label("Subcommands", "Commands");
@@ -190,7 +190,7 @@ CommandLine CommandLine::parse(int argc, const char* const* argv) {
     addCommands(app, options);
     app.footer(notes);
     try {
-        app.parse(argc, argv);
+        app.parse(std::vector<std::string>(args.rbegin(), std::prev(args.rend()))); // taken from the end
         options.command = app.get_subcommands().front()->get_name();
         options.query.words = splitWords(options.query.words);
         if (options.command == "update") checkUpdate(options);
@@ -208,6 +208,6 @@ CommandLine CommandLine::parse(int argc, const char* const* argv) {
         line.text = describe(error, app);
     }
     options.command.clear();
-    options.json = asksForJson(argc, argv);
+    options.json = asksForJson(args);
     return line;
 }

@@ -3,6 +3,7 @@
 #include "Options.h"
 
 #include <string>
+#include <vector>
 
 /// The command line, taken apart.
 struct CommandLine {
@@ -12,6 +13,6 @@ struct CommandLine {
     Options options;  ///< as far as they could be read
     std::string text; ///< the help, the version or what is wrong
 
-    /// Prints nothing and ends nothing.
-    static CommandLine parse(int argc, const char* const* argv);
+    /// Prints nothing and ends nothing. @param args  the name of the program first, in UTF-8
+    static CommandLine parse(const std::vector<std::string>& args);
 };

@@ -34,8 +34,8 @@ const std::map<std::string, Need> needs{
 /// The nearest path above that is there: what has to be written to where @p path is to be made.
 std::string findExisting(const std::string& path) {
     fs::path existing(path);
-    while (existing.has_parent_path() && !HUTFile::exists(existing.string())) existing = existing.parent_path();
-    return existing.string();
+    while (existing.has_parent_path() && !HUTFile::exists(existing.generic_string())) existing = existing.parent_path();
+    return existing.generic_string();
 }
 
 std::string describe(std::uintmax_t bytes) {

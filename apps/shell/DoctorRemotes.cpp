@@ -41,7 +41,8 @@ std::string chooseBranch(const std::vector<std::string>& branches, const std::st
 
 } // namespace
 
-doctor::TrialCopy::TrialCopy() : m_dir((fs::temp_directory_path() / fs::unique_path("plaz-%%%%-%%%%-%%%%")).string()) {
+doctor::TrialCopy::TrialCopy()
+    : m_dir((fs::temp_directory_path() / fs::unique_path("plaz-%%%%-%%%%-%%%%")).generic_string()) {
     try {
         if (!HUTFile::mkDirRecursive(m_dir) || !HSCPlazGit::initWorkingCopy(m_dir))
             throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::dirNotWritable, m_dir));

@@ -2,8 +2,10 @@
 #include "Interrupt.h"
 #include "Program.h"
 
+#include "support/HUTSysCall.h"
+
 int main(int argc, char** argv) {
     static HDGUIStatus status;
     Interrupt::cancelOnCtrlC(status);
-    return Program(CommandLine::parse(argc, argv), status).run();
+    return Program(CommandLine::parse(HUTSysCall::startProgram(argc, argv)), status).run();
 }

@@ -6,6 +6,7 @@
 #include <boost/crc.hpp>
 
 #include <cstdint>
+#include <filesystem>
 #include <string_view>
 
 namespace {
@@ -81,6 +82,10 @@ HIOStream::Status HIOStream::read(const std::string& file, std::string& content)
 
 bool HIOStream::isContainer(const std::string& file) {
     return platform::readStart(file, magic.size()) == magic;
+}
+
+std::ofstream HIOStream::openForWriting(const std::string& file, std::ios::openmode mode) {
+    return std::ofstream(std::filesystem::path(platform::toSystemName(file).native()), mode | std::ios::binary);
 }
 
 bool HIOStream::writeContainer(const std::string& file, const std::string& content) {

@@ -2,6 +2,7 @@
 
 #include "support/HostExport.h"
 
+#include <fstream>
 #include <memory>
 #include <string>
 
@@ -54,6 +55,10 @@ public:
     static Status read(const std::string& file, std::string& content);
     /// Whether the file begins as a protected file does.
     static bool isContainer(const std::string& file);
+    /// Opens a file for text that comes bit by bit; every byte goes into it as it is.
+    /// @param mode  std::ios::trunc or std::ios::app
+    /// @return not open when that failed
+    static std::ofstream openForWriting(const std::string& file, std::ios::openmode mode);
     /// Writes @p content as a protected file, atomically. @return false when that failed
     static bool writeContainer(const std::string& file, const std::string& content);
 };

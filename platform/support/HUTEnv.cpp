@@ -5,7 +5,6 @@
 #include "support/PlatformSystem.h"
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace {
 
@@ -48,10 +47,9 @@ std::string findRoot(const std::vector<std::string>& roots, const std::string& r
 } // namespace
 
 bool HUTEnv::getEnv(const std::string& name, std::string& value) {
-    const char* text = std::getenv(name.c_str());
-    if (!text) return false;
-    value = text;
-    return true;
+    const std::optional<std::string> found = platform::getVariable(name);
+    if (found) value = *found;
+    return found.has_value();
 }
 
 std::string HUTEnv::getEnv(const std::string& name) {

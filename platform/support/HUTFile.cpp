@@ -5,7 +5,6 @@
 #include <boost/filesystem.hpp>
 
 #include <algorithm>
-#include <filesystem>
 
 namespace fs = boost::filesystem;
 using Error = boost::system::error_code;
@@ -14,6 +13,11 @@ namespace {
 
 using Linkable = std::function<bool(const std::string&)>;
 
+// The name as calls of the system take it, however long it is.
+fs::path sys(const fs::path& name) {
+    return platform::toSystemName(name.string());
+}
+
 fs::path makeAbsolute(const std::string& name) {
     // Two slashes in front have a meaning of their own only where "\\" is the separator.
     const bool isDoubled = fs::path::preferred_separator == '/' && name.compare(0, 2, "//") == 0;
@@ -21,7 +25,7 @@ fs::path makeAbsolute(const std::string& name) {
     if (path.empty() || path.is_absolute()) return path;
     Error error;
     const fs::path base = fs::current_path(error);
-    return error ? fs::path() : base / path;
+    return error ? fs::path() : fs::absolute(path, base);
 }
 
 bool liesBeneath(const fs::path& root, const fs::path& path) {
@@ -38,7 +42,7 @@ fs::path resolve(const std::string& path) {
         if (error != std::errc::no_such_file_or_directory && error != std::errc::not_a_directory) return {};
         // What a dangling link would lead to is anybody's guess, and ".." below nothing has no meaning.
         Error ignored;
-        if (fs::is_symlink(fs::symlink_status(existing, ignored)) || existing.filename() == "..") return {};
+        if (fs::is_symlink(fs::symlink_status(sys(existing), ignored)) || existing.filename() == "..") return {};
         if (existing.filename() != ".") rest = rest.empty() ? existing.filename() : existing.filename() / rest;
     }
     return {};
@@ -70,13 +74,10 @@ bool removeTree(const fs::path& path) {
 
 // Puts a finished file or directory in the place of another by names alone; the old one comes back when that fails.
 bool replaceByRenaming(const fs::path& fresh, const fs::path& dest) {
-    Error error;
     const fs::path aside = dest.parent_path() / fs::unique_path(".plaz-old-%%%%-%%%%-%%%%");
-    fs::rename(dest, aside, error);
-    if (error) return false;
-    fs::rename(fresh, dest, error);
-    if (error) {
-        fs::rename(aside, dest, error);
+    if (!HUTFile::rename(dest.string(), aside.string())) return false;
+    if (!HUTFile::rename(fresh.string(), dest.string())) {
+        HUTFile::rename(aside.string(), dest.string());
         return false;
     }
     removeTree(aside);
@@ -87,16 +88,6 @@ bool copyLink(const fs::path& source, const fs::path& dest) {
     Error error;
     fs::copy_symlink(source, dest, error);
     return !error;
-}
-
-// RATIONALE: Boost's copy waits until each file is on the disk itself, which costs more than all else of an
-// installation. A copy that a power failure can harm is made in a place of its own first.
-bool copyFile(const fs::path& source, const fs::path& dest) {
-    std::error_code error;
-    if (std::filesystem::copy_file(source.native(), dest.native(), error)) return true;
-    Error ignored;
-    if (error != std::errc::file_exists) fs::remove(dest, ignored);
-    return false;
 }
 
 bool linkFile(const fs::path& source, const fs::path& dest) {
@@ -117,8 +108,7 @@ bool placeOver(const fs::path& dest, const PlaceEntry& place) {
     if (type == fs::file_not_found || type == fs::directory_file) return false;
     const fs::path beside = dest.parent_path() / fs::unique_path(".plaz-%%%%-%%%%-%%%%.tmp");
     if (!place(beside)) return false;
-    fs::rename(beside, dest, error);
-    if (!error) return true;
+    if (HUTFile::rename(beside.string(), dest.string())) return true;
     fs::remove(beside, error);
     return false;
 }
@@ -127,7 +117,7 @@ bool copyEntry(const fs::path& source, fs::file_type type, const fs::path& dest,
     if (type == fs::symlink_file)
         return placeOver(dest, [&source](const fs::path& to) { return copyLink(source, to); });
     return placeOver(dest, [&source, mayLink](const fs::path& to) {
-        return (mayLink && linkFile(source, to)) || copyFile(source, to);
+        return (mayLink && linkFile(source, to)) || platform::copyFile(source.string(), to.string());
     });
 }
 
@@ -164,10 +154,10 @@ bool copyWholeTree(const fs::path& source, const fs::path& dest, const Linkable&
     // A copy below its own source would never end.
     if (HUTFile::isBeneath(source.string(), dest.string())) return false;
     Error error;
-    const fs::file_status status = fs::status(source, error);
+    const fs::file_status status = fs::status(sys(source), error);
     if (!fs::is_directory(status) || !HUTFile::mkDirRecursive(dest.string())) return false;
-    fs::permissions(dest, status.permissions() | fs::owner_all, error);
-    return !error && copyTree(source, dest, fs::path(), linkable);
+    fs::permissions(sys(dest), status.permissions() | fs::owner_all, error);
+    return !error && copyTree(sys(source), sys(dest), fs::path(), linkable);
 }
 
 } // namespace
@@ -179,17 +169,17 @@ const std::string& HUTFile::getDirSeparator() {
 
 bool HUTFile::exists(const std::string& path) {
     Error error;
-    return fs::exists(path, error);
+    return fs::exists(sys(path), error);
 }
 
 bool HUTFile::isRegularFile(const std::string& path) {
     Error error;
-    return fs::is_regular_file(path, error);
+    return fs::is_regular_file(sys(path), error);
 }
 
 bool HUTFile::isDirectory(const std::string& path) {
     Error error;
-    return fs::is_directory(path, error);
+    return fs::is_directory(sys(path), error);
 }
 
 bool HUTFile::isWriteable(const std::string& path) {
@@ -198,7 +188,7 @@ bool HUTFile::isWriteable(const std::string& path) {
 
 std::time_t HUTFile::getLastMod(const std::string& path) {
     Error error;
-    const std::time_t time = fs::last_write_time(path, error);
+    const std::time_t time = fs::last_write_time(sys(path), error);
     return error ? 0 : time;
 }
 
@@ -220,7 +210,7 @@ std::string HUTFile::getNonNativeCanonicalName(const std::string& path) {
 
 bool HUTFile::isAKA(const std::string& a, const std::string& b) {
     Error error;
-    return fs::equivalent(a, b, error);
+    return fs::equivalent(sys(a), sys(b), error);
 }
 
 bool HUTFile::isBeneath(const std::string& root, const std::string& path) {
@@ -231,32 +221,32 @@ bool HUTFile::isBeneath(const std::string& root, const std::string& path) {
 
 bool HUTFile::mkDirRecursive(const std::string& dir) {
     Error error;
-    fs::create_directories(dir, error);
+    fs::create_directories(sys(dir), error);
     return isDirectory(dir);
 }
 
 bool HUTFile::rmRecursive(const std::string& path) {
-    return removeTree(path);
+    return removeTree(sys(path));
 }
 
 bool HUTFile::rmEntriesExcept(const std::string& dir, const std::string& keptName) {
     bool areGone = true;
     for (const std::string& name : createFileIter(dir))
-        if (name != keptName) areGone = removeTree(fs::path(dir) / name) && areGone;
+        if (name != keptName) areGone = removeTree(sys(dir) / name) && areGone;
     return areGone;
 }
 
 bool HUTFile::copyTo(const std::string& source, const std::string& dest, int option) {
     Error error;
-    if (option != copyOver && fs::exists(fs::symlink_status(dest, error))) return false;
-    const fs::file_type type = fs::symlink_status(source, error).type();
-    return (type == fs::regular_file || type == fs::symlink_file) && copyEntry(source, type, dest, false);
+    if (option != copyOver && fs::exists(fs::symlink_status(sys(dest), error))) return false;
+    const fs::file_type type = fs::symlink_status(sys(source), error).type();
+    return (type == fs::regular_file || type == fs::symlink_file) && copyEntry(sys(source), type, sys(dest), false);
 }
 
 bool HUTFile::copyToRecursive(const std::string& source, const std::string& dest, int option) {
     Error error;
-    if (!fs::is_directory(fs::symlink_status(source, error))) return copyTo(source, dest, option);
-    if (option != copyOver && fs::exists(fs::symlink_status(dest, error))) return false;
+    if (!fs::is_directory(fs::symlink_status(sys(source), error))) return copyTo(source, dest, option);
+    if (option != copyOver && fs::exists(fs::symlink_status(sys(dest), error))) return false;
     return copyWholeTree(source, dest, nullptr);
 }
 
@@ -267,10 +257,22 @@ bool HUTFile::cloneTree(const std::string& source, const std::string& dest, cons
 std::vector<std::string> HUTFile::createFileIter(const std::string& dir) {
     std::vector<std::string> names;
     Error error;
-    fs::directory_iterator entry(dir, error);
+    fs::directory_iterator entry(sys(dir), error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error))
         names.push_back(entry->path().filename().string());
     std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::vector<std::string> HUTFile::listTree(const std::string& dir, const std::string& skipped) {
+    std::vector<std::string> names;
+    const fs::path root = sys(dir);
+    Error error;
+    fs::recursive_directory_iterator entry(root, error);
+    for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
+        if (entry.depth() == 0 && entry->path().filename() == skipped) entry.disable_recursion_pending();
+        names.push_back(entry->path().lexically_relative(root).generic_string());
+    }
     return names;
 }
 
@@ -282,16 +284,21 @@ bool HUTFile::writeAtomically(const std::string& file, const std::string& conten
     return platform::writeAtomically(file, content, ownerOnly);
 }
 
+bool HUTFile::rename(const std::string& from, const std::string& to) {
+    return platform::rename(from, to);
+}
+
+std::string HUTFile::getNameKey(const std::string& name) {
+    return platform::getNameKey(name);
+}
+
 bool HUTFile::replaceDirectory(const std::string& fresh, const std::string& dest) {
     Error error;
-    if (!fs::is_directory(fs::symlink_status(fresh, error))) return false;
+    if (!fs::is_directory(fs::symlink_status(sys(fresh), error))) return false;
     const fs::path target = getCanonicalName(dest);
-    if (!fs::exists(fs::symlink_status(target, error))) {
-        mkDirRecursive(target.parent_path().string());
-        fs::rename(fresh, target, error);
-        return !error;
-    }
+    if (!fs::exists(fs::symlink_status(sys(target), error)))
+        return mkDirRecursive(target.parent_path().string()) && rename(fresh, target.string());
     if (!platform::exchange(fresh, target.string())) return replaceByRenaming(fresh, target);
-    removeTree(fresh);
+    rmRecursive(fresh);
     return true;
 }

@@ -64,6 +64,10 @@ public:
     /// Names of the entries of a directory, sorted, without "." and ".."; empty when it cannot be read.
     static std::vector<std::string> createFileIter(const std::string& dir);
 
+    /// Names of all that lies below a directory, relative to it and in generic form, without following links. What the
+    /// entry @p skipped at its top holds is left out.
+    static std::vector<std::string> listTree(const std::string& dir, const std::string& skipped = "");
+
     /// Writes a file whole: beside it, flushed, then renamed over it. The old file stays until the new one is complete.
     /// @param ownerOnly  readable by its owner alone
     /// @return false, with the old file untouched and nothing left beside it, when that failed
@@ -72,4 +76,11 @@ public:
     /// can. @return false with @p dest as it was; on success nothing is left at @p fresh, except what of the old
     /// directory resists removal.
     static bool replaceDirectory(const std::string& fresh, const std::string& dest);
+
+    /// Gives a file or directory another name on the same disk. A file of that name is replaced; one that another
+    /// process holds open is tried again for a while where that stands in the way.
+    static bool rename(const std::string& from, const std::string& to);
+
+    /// Equal for two names exactly when the system's disks take one for the other, such as "Led" and "led".
+    static std::string getNameKey(const std::string& name);
 };

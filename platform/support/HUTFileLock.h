@@ -2,13 +2,14 @@
 
 #include "support/HostExport.h"
 
+#include <cstdint>
 #include <string>
 
 /// A lock that one process at a time holds, by the name of a file. The system lets go of it when the process ends,
 /// however it ends; the file stays.
 ///
-/// Child processes that HUTFork starts meanwhile hold it too: where the process is killed, the lock stays until those
-/// that outlive it have ended. Where it lets go itself, they hold it no longer.
+/// Where the process is killed, the lock stays until the child processes that HUTFork started meanwhile, and theirs,
+/// have ended, unless the system ends them as well. Where it lets go itself, they hold it no longer.
 class HOST_API HUTFileLock {
 public:
     enum class Result {
@@ -27,5 +28,5 @@ public:
 
 private:
     std::string m_file;
-    int m_handle = -1;
+    std::intptr_t m_handle = -1;
 };

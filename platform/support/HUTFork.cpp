@@ -1,12 +1,13 @@
 #include "support/HUTFork.h"
 
+#include "support/HIOStream.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
 #include "support/PlatformProcess.h"
+#include "support/PlatformSystem.h"
 
 #include <algorithm>
 #include <cstdio>
-#include <fstream>
 
 namespace {
 
@@ -41,7 +42,7 @@ std::string nameOf(const std::string& variable) {
 
 // Begins a line of its own whatever the child wrote last.
 void appendToLog(const std::string& file, const std::string& reason) {
-    if (!file.empty()) std::ofstream(file, std::ios::app) << "\nfatal: " << reason << std::endl;
+    if (!file.empty()) HIOStream::openForWriting(file, std::ios::app) << "\nfatal: " << reason << std::endl;
 }
 
 std::size_t findProgramEnd(const std::string& line) {
@@ -84,14 +85,19 @@ void HUTFork::setDir(const std::string& dir) {
 }
 
 void HUTFork::setEnv(const std::string& name, const std::string& value) {
-    unsetEnv(name);
-    m_env.emplace_back(name, value);
+    const std::string key = platform::getVariableKey(name);
+    m_edited.insert(key);
+    m_env[key] = name + "=" + value;
 }
 
 void HUTFork::unsetEnv(const std::string& name) {
-    m_env.erase(std::remove_if(m_env.begin(), m_env.end(), [&name](const auto& set) { return set.first == name; }),
-                m_env.end());
-    m_unset.push_back(name);
+    const std::string key = platform::getVariableKey(name);
+    m_edited.insert(key);
+    m_env.erase(key);
+}
+
+void HUTFork::usePipes() {
+    m_throughPipes = true;
 }
 
 std::vector<std::string> HUTFork::splitCmdLine(const std::string& line) {
@@ -129,12 +135,12 @@ int HUTFork::launch(bool wait, bool log, bool kill, bool quiet) {
     spec.dir = m_dir;
     spec.logFile = m_logFile;
     if (m_timeoutSeconds > 0) spec.timeout = std::chrono::seconds(m_timeoutSeconds);
+    spec.throughPipes = m_throughPipes;
     for (const std::string& variable : HUTEnv::getAll())
-        if (std::find(m_unset.begin(), m_unset.end(), nameOf(variable)) == m_unset.end())
-            spec.environment.push_back(variable);
-    for (const auto& [name, value] : m_env) spec.environment.push_back(name + "=" + value);
+        if (m_edited.count(platform::getVariableKey(nameOf(variable))) == 0) spec.environment.push_back(variable);
+    for (const auto& [key, variable] : m_env) spec.environment.push_back(variable);
 
-    platform::ProcessEnd end{How::notStarted, 0, {}};
+    platform::ProcessEnd end{How::notStarted, 0, {}, 0};
     if (!(wait && log && kill && quiet))
         end.reason = "only blocking runs that log and can be killed are served";
     else if (holdsNull(m_prog) || std::any_of(m_args.begin(), m_args.end(), holdsNull))
@@ -143,6 +149,7 @@ int HUTFork::launch(bool wait, bool log, bool kill, bool quiet) {
         end = platform::run(spec);
 
     m_wasStarted = end.how != How::notStarted;
+    m_failedPipe = end.failedPipe;
 
     switch (end.how) {
     case How::exited:

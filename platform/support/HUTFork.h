@@ -2,8 +2,9 @@
 
 #include "support/HostExport.h"
 
+#include <map>
+#include <set>
 #include <string>
-#include <utility>
 #include <vector>
 
 /// Starts a child process and waits for it: an argument list, never a shell.
@@ -37,6 +38,10 @@ public:
     void setEnv(const std::string& name, const std::string& value);
     /// Keeps a variable of the parent from the child.
     void unsetEnv(const std::string& name);
+    /// On Windows, lets the child's output come through a pipe for each of the two streams, from which a thread copies
+    /// it into the log until the pipe is closed; what still holds one belongs to the run. Elsewhere the child writes to
+    /// the log itself, as it does without this.
+    void usePipes();
 
     /// Splits one complete command line into the program and its arguments, without a shell: blanks separate, double
     /// quotes keep blanks together, and nothing escapes. A program without quotes may hold blanks all the same: the
@@ -58,6 +63,9 @@ public:
     /// status `notStarted`.
     bool wasStarted() const { return m_wasStarted; }
 
+    /// Of a launch that did not start the program: 1 or 2 when that pipe could not be made, else 0.
+    int getFailedPipe() const { return m_failedPipe; }
+
     /// Kills the running child, if any, and lets later launches return `interrupted` at once.
     /// May be called from a signal handler and from another thread.
     static void interruptAll() noexcept;
@@ -70,9 +78,11 @@ private:
     std::string m_prog;
     std::string m_dir;
     std::vector<std::string> m_args;
-    std::vector<std::pair<std::string, std::string>> m_env;
-    std::vector<std::string> m_unset;
+    std::map<std::string, std::string> m_env; ///< "NAME=value" by the key of the name
+    std::set<std::string> m_edited;           ///< keys of the variables that the child does not have from the parent
     int m_timeoutSeconds = 0;
+    int m_failedPipe = 0;
     bool m_useSearchPath = false;
+    bool m_throughPipes = false;
     bool m_wasStarted = false;
 };

@@ -20,6 +20,14 @@ bool HUTSysCall::changeDir(const std::string& dir) {
     return !error;
 }
 
+std::vector<std::string> HUTSysCall::startProgram(int argc, const char* const* argv) {
+    return platform::startProgram(argc, argv);
+}
+
+int HUTSysCall::runShell(const std::string& command) {
+    return platform::runShell(command);
+}
+
 int HUTSysCall::divertStandardOutput() {
     std::cout.flush();
     std::fflush(stdout);

@@ -3,6 +3,7 @@
 #include "support/HostExport.h"
 
 #include <string>
+#include <vector>
 
 /// The process's working directory and standard streams.
 class HOST_API HUTSysCall {
@@ -11,6 +12,13 @@ public:
     static std::string getCurrDir();
     /// @return false, with nothing changed, when @p dir cannot be entered
     static bool changeDir(const std::string& dir);
+
+    /// For main(): from now on the standard streams carry bytes as they are, and a terminal takes them as UTF-8.
+    /// @return the arguments in UTF-8, the program's name first
+    static std::vector<std::string> startProgram(int argc, const char* const* argv);
+    /// Has the system's command interpreter carry out a line. Never for a line with words from elsewhere that were not
+    /// looked at. @return 0 when the command was done with success
+    static int runShell(const std::string& command);
 
     /// Sends what the process and its children write to standard output to standard error from now on.
     /// @return a handle of the real standard output for restoreStandardOutput(); negative, with nothing changed, when

@@ -2,12 +2,23 @@
 
 #include "support/HIOStream.h"
 
+#include <boost/filesystem/path.hpp>
+
 #include <cstdint>
 #include <string>
 #include <system_error>
 
 /// What the portable sources of the host need from the system about files.
 namespace platform {
+
+/// No file that is read whole comes near this; a store that holds one must not take all memory.
+constexpr std::uint64_t largestFile = std::uint64_t{1} << 30;
+
+/// The name in the form in which calls of the system and of libraries take it at any length.
+boost::filesystem::path toSystemName(const std::string& name);
+
+/// As HUTFile::getNameKey() says.
+std::string getNameKey(const std::string& name);
 
 /// A directory held open, so that names below it are resolved by the system without leaving it.
 class OpenDirectory {
@@ -22,8 +33,8 @@ public:
     HIOStream::Status read(const std::string& relative, std::string& content) const;
 
 private:
-    std::string m_dir;
-    std::intptr_t m_handle;
+    std::string m_dir;      ///< as it was given, or with its links resolved
+    std::intptr_t m_handle; ///< of the system, where it keeps one for this
 };
 
 /// Reads a whole file as it stands on disk; @p content is replaced, and undefined unless the result is ok.
@@ -44,10 +55,18 @@ std::string resolveLinks(const std::string& path, std::error_code& error);
 /// @return false when something may be left
 bool removeTree(const std::string& path);
 
+/// Copies a file with its permissions to where nothing stands. @return false, with nothing left there, when that failed
+/// or something stands there
+bool copyFile(const std::string& source, const std::string& dest);
+
+/// Gives a file or directory another name. A file there is replaced; one that somebody holds open is tried again for a
+/// while where that stands in the way.
+bool rename(const std::string& from, const std::string& to);
+
 /// Writes a file whole, as HUTFile::writeAtomically says.
 bool writeAtomically(const std::string& file, const std::string& content, bool ownerOnly);
 
-/// Lets two entries change places in one step. @return false, with nothing changed, where that cannot be done
+/// Lets two entries change places in one step. @return false, with nothing changed, where the system cannot do that
 bool exchange(const std::string& a, const std::string& b);
 
 } // namespace platform

@@ -15,6 +15,7 @@ struct ProcessSpec {
     std::vector<std::string> environment; ///< the whole of it, "NAME=value"
     std::string dir;                      ///< empty: the parent's
     std::string logFile;                  ///< takes the output; empty or not to be opened: the null device does
+    bool throughPipes = false;            ///< as HUTFork::usePipes() says
     std::optional<std::chrono::seconds> timeout;
 };
 
@@ -23,14 +24,12 @@ struct ProcessEnd {
     How how;
     int status = 0;     ///< exit status, or 128 + n after signal n; of a process that exited
     std::string reason; ///< why it was not started
+    int failedPipe = 0; ///< of a process that was not started: which of its two pipes could not be made, if that is why
 };
 
-/// Runs a process in a group of its own and waits for its end; at a time-out or an interrupt the whole group is killed.
+/// Runs a process and waits for its end; at a time-out or an interrupt it is killed with all processes that it has
+/// started.
 ProcessEnd run(const ProcessSpec& spec);
-
-/// Children that are started from now on, and theirs, hold a file lock too. @p handle is the system's.
-void shareLock(int handle);
-void unshareLock(int handle);
 
 /// Kills the groups of all runs under way and lets later runs end at once, until clearInterrupt().
 /// interruptRuns() may be called from a signal handler.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -17,8 +18,17 @@ std::string getHomeDir();
 
 /// Every variable of the environment as "NAME=value".
 std::vector<std::string> getEnvironment();
+/// The variable's value; none when it is not set.
+std::optional<std::string> getVariable(const std::string& name);
+/// Equal for two names that mean one variable.
+std::string getVariableKey(const std::string& name);
 /// Sets a variable for this process and its children.
 void setEnvironment(const std::string& name, const std::string& value);
+
+/// As HUTSysCall::startProgram() says.
+std::vector<std::string> startProgram(int argc, const char* const* argv);
+/// As HUTSysCall::runShell() says.
+int runShell(const std::string& command);
 
 /// Makes standard output a second name of standard error. @return a descriptor of the real one, not inherited by
 /// children; negative when that failed

@@ -26,9 +26,6 @@ using Status = HIOStream::Status;
 // Without O_NONBLOCK, opening a pipe would wait for a writer.
 constexpr int readFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 
-// No file that is read whole comes near this; a store that holds one must not take all memory.
-constexpr off_t largestFile = off_t{1} << 30;
-
 class Descriptor {
 public:
     explicit Descriptor(int fd) : m_fd(fd) {}
@@ -76,7 +73,7 @@ Status readAll(int fd, std::string& content) {
     struct stat info {};
     if (fstat(fd, &info) != 0) return Status::unreadable;
     if (!S_ISREG(info.st_mode)) return Status::notRegular;
-    if (info.st_size > largestFile) return Status::unreadable;
+    if (static_cast<std::uint64_t>(info.st_size) > largestFile) return Status::unreadable;
 
     const auto expected = static_cast<std::size_t>(info.st_size);
     constexpr std::size_t chunk = 4096; // for files that do not tell their size, or grow
@@ -87,7 +84,7 @@ Status readAll(int fd, std::string& content) {
         if (count < 0) return Status::unreadable;
         size += static_cast<std::size_t>(count);
         if (count == 0 || (expected > 0 && size == expected)) break;
-        if (size > static_cast<std::size_t>(largestFile)) return Status::unreadable;
+        if (size > largestFile) return Status::unreadable;
         if (size == content.size()) content.resize(size + std::max(size, chunk));
     }
     content.resize(size);
@@ -167,6 +164,14 @@ private:
 
 } // namespace
 
+boost::filesystem::path toSystemName(const std::string& name) {
+    return name;
+}
+
+std::string getNameKey(const std::string& name) {
+    return name;
+}
+
 OpenDirectory::OpenDirectory(const std::string& dir)
     : m_dir(dir), m_handle(holdsNull(dir) ? -1 : open(dir.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)) {}
 
@@ -226,6 +231,18 @@ bool removeTree(const std::string& path) {
     std::error_code error;
     std::filesystem::remove_all(path, error);
     return !error;
+}
+
+bool copyFile(const std::string& source, const std::string& dest) {
+    std::error_code error;
+    if (std::filesystem::copy_file(source, dest, error)) return true;
+    std::error_code ignored;
+    if (error != std::errc::file_exists) std::filesystem::remove(dest, ignored);
+    return false;
+}
+
+bool rename(const std::string& from, const std::string& to) {
+    return std::rename(from.c_str(), to.c_str()) == 0;
 }
 
 bool writeAtomically(const std::string& file, const std::string& content, bool ownerOnly) {

@@ -1,5 +1,5 @@
+#include "SharedLocks.h"
 #include "support/HUTFileLock.h"
-#include "support/PlatformProcess.h"
 
 #include <cerrno>
 #include <fcntl.h>
@@ -8,19 +8,21 @@
 
 HUTFileLock::~HUTFileLock() {
     if (m_handle < 0) return;
-    platform::unshareLock(m_handle);
-    ::flock(m_handle, LOCK_UN); // also for a child that goes on
-    ::close(m_handle);
+    const int file = static_cast<int>(m_handle);
+    platform::unshareLock(file);
+    ::flock(file, LOCK_UN); // also for a child that goes on
+    ::close(file);
 }
 
 HUTFileLock::Result HUTFileLock::tryLock() {
     if (m_handle < 0) m_handle = ::open(m_file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
     if (m_handle < 0) return Result::unavailable;
+    const int file = static_cast<int>(m_handle);
     int status = -1;
-    do status = ::flock(m_handle, LOCK_EX | LOCK_NB);
+    do status = ::flock(file, LOCK_EX | LOCK_NB);
     while (status != 0 && errno == EINTR);
     if (status == 0) {
-        platform::shareLock(m_handle);
+        platform::shareLock(file);
         return Result::held;
     }
     return errno == EWOULDBLOCK ? Result::busy : Result::unavailable;

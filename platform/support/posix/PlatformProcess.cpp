@@ -1,5 +1,6 @@
 #include "support/PlatformProcess.h"
 
+#include "SharedLocks.h"
 #include "support/HUTWait.h"
 
 #include <algorithm>
@@ -229,21 +230,21 @@ ProcessEnd reap(pid_t pid) {
     pid_t reaped = 0;
     do reaped = waitpid(pid, &status, 0);
     while (reaped < 0 && errno == EINTR);
-    if (reaped != pid) return {How::notStarted, 0, "its exit status was taken by somebody else"};
-    if (WIFSIGNALED(status)) return {How::exited, 128 + WTERMSIG(status), {}};
-    return {How::exited, WEXITSTATUS(status), {}};
+    if (reaped != pid) return {How::notStarted, 0, "its exit status was taken by somebody else", 0};
+    if (WIFSIGNALED(status)) return {How::exited, 128 + WTERMSIG(status), {}, 0};
+    return {How::exited, WEXITSTATUS(status), {}, 0};
 }
 
 } // namespace
 
 ProcessEnd run(const ProcessSpec& spec) {
-    if (isInterrupted()) return {How::interrupted, 0, {}};
+    if (isInterrupted()) return {How::interrupted, 0, {}, 0};
     GroupSlot slot;
-    if (!slot) return {How::notStarted, 0, "too many processes are running"};
+    if (!slot) return {How::notStarted, 0, "too many processes are running", 0};
 
     const Deadline deadline = spec.timeout ? Deadline(Clock::now() + *spec.timeout) : std::nullopt;
     pid_t pid = 0;
-    if (const int error = start(spec, pid)) return {How::notStarted, 0, describeStartError(spec, error)};
+    if (const int error = start(spec, pid)) return {How::notStarted, 0, describeStartError(spec, error), 0};
     slot.set(pid);
     // An interrupt that came before the slot was set has not met this process.
     if (isInterrupted()) killGroup(pid);
@@ -258,12 +259,12 @@ ProcessEnd run(const ProcessSpec& spec) {
     return end;
 }
 
-void shareLock(int handle) {
-    sharedLocks().add(handle);
+void shareLock(int file) {
+    sharedLocks().add(file);
 }
 
-void unshareLock(int handle) {
-    sharedLocks().remove(handle);
+void unshareLock(int file) {
+    sharedLocks().remove(file);
 }
 
 void interruptRuns() noexcept {

@@ -47,8 +47,25 @@ std::vector<std::string> getEnvironment() {
     return variables;
 }
 
+std::optional<std::string> getVariable(const std::string& name) {
+    const char* value = std::getenv(name.c_str());
+    return value ? std::optional<std::string>(value) : std::nullopt;
+}
+
+std::string getVariableKey(const std::string& name) {
+    return name;
+}
+
 void setEnvironment(const std::string& name, const std::string& value) {
     setenv(name.c_str(), value.c_str(), 1);
+}
+
+std::vector<std::string> startProgram(int argc, const char* const* argv) {
+    return {argv, argv + argc};
+}
+
+int runShell(const std::string& command) {
+    return std::system(command.c_str()); // NOLINT(cert-env33-c): what it is for
 }
 
 int divertStandardOutput() {

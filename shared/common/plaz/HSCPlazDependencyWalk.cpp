@@ -317,7 +317,7 @@ void HSCPlazDependencyWalk::markTools(const HSCPlazFoundItem& found) {
 void HSCPlazDependencyWalk::restoreShipped(const HSCPlazFoundItem& found) {
     const auto shipped = HSCPlazMgr::getInstance().getUserPref().getDataPath(found.store->getName());
     if (shipped.empty() || found.item->getMetadataFile().empty()) return;
-    if (!HUTFile::exists((shipped / found.item->getRoot() / found.item->getMetadataFile()).string())) return;
+    if (!HUTFile::exists((shipped / found.item->getRoot() / found.item->getMetadataFile()).generic_string())) return;
     found.item->IsInstalled(true);
     found.item->NeedsRefresh(true);
 }

@@ -21,6 +21,7 @@
 #include "support/HPAParamMgr.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
+#include "support/HUTOnce.h"
 
 #include <algorithm>
 
@@ -74,8 +75,8 @@ void describeFromInstalledFiles(const HSCPlazQStoreModel& store, const HSCPlazPa
 
 HSCPlazMgr& HSCPlazMgr::getInstance() {
     // Never destroyed: objects that refer to it may outlive any order of destruction.
-    static HSCPlazMgr* const manager = new HSCPlazMgr;
-    return *manager;
+    static HUTOnce once;
+    return *static_cast<HSCPlazMgr*>(once.get([]() -> void* { return new HSCPlazMgr; }));
 }
 
 HSCPlazMgr::HSCPlazMgr() {

@@ -153,7 +153,7 @@ std::string HSCPlazPathMgr::getStoreStagingDir(const HSCPlazQStoreModel& store) 
 
 std::string HSCPlazPathMgr::getStoreIndexDir(const HSCPlazQStoreModel& store) const {
     const boost::filesystem::path staging(getStoreStagingDir(store));
-    return join({staging.parent_path().string(), hiddenDir, indexDir});
+    return join({staging.parent_path().generic_string(), hiddenDir, indexDir});
 }
 
 std::string HSCPlazPathMgr::getItemFolder(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item) {

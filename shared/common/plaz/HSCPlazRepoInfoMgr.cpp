@@ -132,6 +132,6 @@ bool HSCPlazRepoInfoMgr::write(const Content& content) const {
     addRecords(document, plaz, chosenKey, content.chosen);
     if (!content.defaults.empty()) addRecords(document, plaz, defaultsKey, content.defaults);
     Json::AddGenericValueProperty(document, document, "plaz", plaz);
-    return HUTFile::mkDirRecursive(boost::filesystem::path(m_file).parent_path().string()) &&
+    return HUTFile::mkDirRecursive(boost::filesystem::path(m_file).parent_path().generic_string()) &&
            HUTFile::writeAtomically(m_file, Json::toText(document));
 }

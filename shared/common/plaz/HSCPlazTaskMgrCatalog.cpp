@@ -178,12 +178,9 @@ bool loadStoreModelCatalog(HSCPlazQStoreModel& store, HDGUIStatus* status) {
 /// Puts a fetched file into its place. The staging directory goes anyway, so the file is moved where both lie on one
 /// file system.
 bool placeFetched(const std::string& fetched, const std::string& file) {
-    boost::system::error_code error;
-    boost::filesystem::rename(fetched, file, error);
-    if (error == boost::system::errc::no_such_file_or_directory &&
-        HUTFile::mkDirRecursive(boost::filesystem::path(file).parent_path().string()))
-        boost::filesystem::rename(fetched, file, error);
-    return !error || HSCPlazMgr::getInstance().getUserPref().copySrcToDest(fetched, file);
+    const auto makeDir = [&file] { return HUTFile::mkDirRecursive(file.substr(0, file.rfind('/'))); };
+    return HUTFile::rename(fetched, file) || (makeDir() && HUTFile::rename(fetched, file)) ||
+           HSCPlazMgr::getInstance().getUserPref().copySrcToDest(fetched, file);
 }
 
 /// Puts one item's fetched metadata file, and its change log, where the catalog's descriptions lie, and reads it.

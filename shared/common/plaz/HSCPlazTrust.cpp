@@ -13,11 +13,31 @@ bool hasControlCharacter(const std::string& text) {
                        [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; });
 }
 
-/// What leads elsewhere ("..", "."), what some disks take for another name ("x." and "x " for "x"), git's own directory
-/// (a program that meets it runs what it configures) and the hub's own places in a store's area.
+/// What some systems keep for devices, whatever follows a point and the blanks before it: "aux", "nul.txt", "com1 .x".
+bool isDeviceName(std::string_view component) {
+    static constexpr std::string_view devices[] = {"con", "prn", "aux", "nul", "conin$", "conout$"};
+    static constexpr std::string_view ports[] = {"com", "lpt"};
+    static constexpr std::string_view numbers[] = {
+        "0", "1", "2", "3", "4", "5", "6", "7", "8", "9", "\xC2\xB9", "\xC2\xB2", "\xC2\xB3"}; // superscripts, too
+    static constexpr std::string_view beginnings = "acnplACNPL";
+    if (component.size() < 3 || beginnings.find(component.front()) == std::string_view::npos) return false;
+    std::string_view stem = component.substr(0, component.find('.'));
+    stem = stem.substr(0, stem.find_last_not_of(' ') + 1);
+    const auto isStem = [stem](std::string_view name) { return boost::algorithm::iequals(stem, name); };
+    const auto isPort = [stem](std::string_view port) {
+        return boost::algorithm::iequals(stem.substr(0, port.size()), port) &&
+               std::find(std::begin(numbers), std::end(numbers), stem.substr(port.size())) != std::end(numbers);
+    };
+    return std::any_of(std::begin(devices), std::end(devices), isStem) ||
+           (stem.size() > 3 && std::any_of(std::begin(ports), std::end(ports), isPort));
+}
+
+/// What leads elsewhere ("..", "."), what some systems take for another name ("x." and "x " for "x") or for a device,
+/// git's own directory (a program that meets it runs what it configures) and the hub's own places in a store's area.
 bool isRefusedComponent(std::string_view component) {
     static constexpr std::string_view reserved[] = {".git", ".plaz", ".staging", ".done"};
     if (component.empty() || component.back() == '.' || component.back() == ' ') return true;
+    if (isDeviceName(component)) return true;
     // Comparing without regard to case is slow, and a start-up looks at every name of every item.
     return component.front() == '.' &&
            std::any_of(std::begin(reserved), std::end(reserved),

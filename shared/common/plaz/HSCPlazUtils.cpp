@@ -131,7 +131,7 @@ bool HSCPlazUtils::isItemInstalledProperly(HSCPlazQItem* item, HSCPlazQStore* st
     const std::string folder = HSCPlazPathMgr::getItemFolder(*store->getModel(), *item->getModel());
     if (folder.empty()) return false;
     try {
-        return HUTFile::createFileIter((userPref.getUserRepoPath(store) / folder).string()).size() >= 2;
+        return HUTFile::createFileIter((userPref.getUserRepoPath(store) / folder).generic_string()).size() >= 2;
     } catch (const HEXAll&) {
         return false; // the store's area does not exist
     }

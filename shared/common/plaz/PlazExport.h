@@ -1,12 +1,10 @@
 #pragma once
 
 /// Marks what libplaz exports; everything else stays hidden.
-#if defined(_WIN32)
-#if defined(PLAZ_BUILD)
+#if defined(PLAZ_BUILD) && defined(_WIN32)
 #define PLAZ_API __declspec(dllexport)
-#else
-#define PLAZ_API __declspec(dllimport)
-#endif
+#elif defined(_WIN32)
+#define PLAZ_API // the linker finds what is imported by itself
 #else
 #define PLAZ_API __attribute__((visibility("default")))
 #endif

@@ -13,9 +13,9 @@
 #include "plaz/model/repo/HSCPlazGitCredentials.h"
 #include "scripting/task_manager.h"
 #include "support/HCCXPrefMgr.h"
+#include "support/HUTSysCall.h"
 
 #include <algorithm>
-#include <cstdlib>
 #include <memory>
 
 namespace {
@@ -113,7 +113,7 @@ bool HSCPlazSwigIntf::setQStoreLocalRootDir(HSCPlazQStore* store, const std::str
 bool HSCPlazSwigIntf::canAccessRepo(HSCPlazQStore* store) {
     const std::string url = store ? HSCPlazGitUrl::withoutUserPart(store->getUrl()) : "";
     return HSCPlazTrust::isPlainShellWord(url) && HSCPlazTrust::isSafeUrl(url) &&
-           std::system(("wget --spider -q " + url).c_str()) == 0; // NOLINT(cert-env33-c): one harmless word
+           HUTSysCall::runShell("wget --spider -q " + url) == 0; // one harmless word
 }
 
 std::string HSCPlazSwigIntf::getHttpProxy() {

@@ -1,5 +1,6 @@
 #include "plaz/model/HSCPlazLogger.h"
 
+#include "support/HIOStream.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
@@ -15,7 +16,8 @@ constexpr const char* logFileName = "plaz.log";
 void openLogFile(std::ofstream& file) {
     const std::string dir = HUTEnv::getPWD();
     file.clear();
-    if (HUTFile::isWriteable(dir)) file.open(dir + HUTFile::getDirSeparator() + logFileName, std::ios::trunc);
+    if (HUTFile::isWriteable(dir))
+        file = HIOStream::openForWriting(dir + HUTFile::getDirSeparator() + logFileName, std::ios::trunc);
     if (!file.is_open()) file.setstate(std::ios::failbit);
 }
 

@@ -47,8 +47,7 @@ bool isSkippedByCopy(const std::string& name) {
 fs::path HSCPlazUserPref::getUserRepoPath() const {
     std::string dir;
     if (!HUTEnv::getEnv(userRepoVariable, dir)) return versionedAppData() / productDir;
-    boost::system::error_code error;
-    if (!fs::exists(fs::status(dir, error)))
+    if (!HUTFile::exists(dir))
         throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::userRepoPathMissing, userRepoVariable,
                                        userRepoVariable));
     return dir;

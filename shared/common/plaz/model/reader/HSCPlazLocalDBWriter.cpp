@@ -95,6 +95,6 @@ bool HSCPlazLocalDBWriter::write(const std::string& file, HSCPlazQStoreModel* mo
     Json::AddGenericValueProperty(document, document, Key::plaz, plaz);
 
     const boost::filesystem::path dir = boost::filesystem::path(file).parent_path();
-    if (!dir.empty()) HUTFile::mkDirRecursive(dir.string());
+    if (!dir.empty()) HUTFile::mkDirRecursive(dir.generic_string());
     return HUTFile::writeAtomically(file, Json::toText(document));
 }

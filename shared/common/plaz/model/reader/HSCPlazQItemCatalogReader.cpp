@@ -7,9 +7,10 @@
 #include "plaz/model/reader/HSCPlazJsonFields.h"
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
 #include "support/HCRapidJsonReadWriteUtils.h"
+#include "support/HUTFile.h"
 
 #include <algorithm>
-#include <unordered_set>
+#include <unordered_map>
 
 namespace {
 
@@ -98,10 +99,32 @@ void dropUnsafeRevisions(Item& item) {
     item.setRevisions(std::move(safe));
 }
 
+/// Names of folders as the system tells them apart.
+class FolderNames {
+public:
+    /// @return the name that stands for the same folder, @p name itself where there was none yet
+    const std::string& add(const std::string& name) {
+        return m_names.emplace(HUTFile::getNameKey(name), name).first->second;
+    }
+    std::size_t getCount() const { return m_names.size(); }
+
+private:
+    std::unordered_map<std::string, std::string> m_names;
+};
+
+std::string sameFolder(std::string_view what, const std::string& name, const std::string& other) {
+    return "its " + std::string(what) + " \"" + name + "\" is the same folder as \"" + other + "\" on this system";
+}
+
 void addOlderRevisions(const Item& newest, HSCPlazQStoreModel& store) {
-    std::unordered_set<std::string_view> known{newest.getRevision(), ""};
+    FolderNames folders;
+    folders.add("");
+    folders.add(newest.getRevision());
     for (const HSCPlazRevisionModel& revision : newest.getRevisions()) {
-        if (!known.insert(revision.revision).second) continue;
+        const std::size_t count = folders.getCount();
+        const std::string& folder = folders.add(revision.revision);
+        if (folder != revision.revision) refuse(newest.getName(), sameFolder(Key::revision, revision.revision, folder));
+        if (folders.getCount() == count) continue;
         auto item = std::make_unique<Item>();
         item->setName(newest.getName());
         item->setRoot(newest.getRoot());
@@ -118,6 +141,7 @@ void addOlderRevisions(const Item& newest, HSCPlazQStoreModel& store) {
 
 void readItems(const Value& entries, HSCPlazQStoreModel& store) {
     std::size_t nameless = 0;
+    FolderNames roots;
     for (const Value& entry : entries.GetArray()) {
         if (!entry.IsObject()) continue;
         std::unique_ptr<Item> item = toItem(entry);
@@ -128,6 +152,10 @@ void readItems(const Value& entries, HSCPlazQStoreModel& store) {
         complete(*item);
         if (const std::string refusal = findRefusal(*item); !refusal.empty()) {
             refuse(item->getName(), refusal);
+            continue;
+        }
+        if (const std::string& root = roots.add(item->getRoot()); root != item->getRoot()) {
+            refuse(item->getName(), sameFolder(Key::root, item->getRoot(), root));
             continue;
         }
         dropUnsafeRevisions(*item);

@@ -220,13 +220,13 @@ public:
     /// Runs one complete command line (see HUTFork::splitCmdLine) in git's environment and waits for its end;
     /// HUTFork::interruptAll ends it. User parts of web URLs reach git through its environment.
     ///
-    /// RATIONALE: the process writes into the file itself. The results for pipes that cannot be made (-1 for the first,
-    /// -2 for the second) stay reserved for a system where pipes are needed.
     /// @param workDir   empty: the current directory
     /// @param outFile   takes standard output and standard error; replaced
     /// @param exitCode  the exit status, when the result is 0; HUTFork::timedOut when it was given up
     /// @param seconds   time limit; 0: none
-    /// @return 0 when the process ran, -4 when it could not be started
+    /// @return 0 when the process ran, -1 when the pipe for its output could not be made, -2 that for its error output
+    /// (on
+    ///         Windows; elsewhere it writes into the file itself), -4 when it could not be started
     static int exec_git_win(const std::string& cmdLine, const std::string& workDir, const std::string& outFile,
                             std::uint32_t& exitCode, int seconds = 0);
 

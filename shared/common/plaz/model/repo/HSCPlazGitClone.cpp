@@ -20,7 +20,6 @@
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/algorithm/string/replace.hpp>
 #include <boost/filesystem.hpp>
-#include <boost/filesystem/fstream.hpp>
 
 #include <optional>
 #include <set>
@@ -87,12 +86,8 @@ bool clearStaging(const std::string& staging) {
 // Removes what a killed git leaves: locks, which would make every later command fail, and half-received packs.
 void tidyAfterCrash(const std::string& gitDir) {
     std::vector<std::string> leftovers;
-    boost::system::error_code error;
-    fs::recursive_directory_iterator entry(gitDir, error);
-    for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
-        if (entry.depth() == 0 && entry->path().filename() == "objects") entry.disable_recursion_pending();
-        if (entry->path().extension() == ".lock") leftovers.push_back(entry->path().string());
-    }
+    for (const std::string& name : HUTFile::listTree(gitDir, "objects"))
+        if (boost::algorithm::ends_with(name, ".lock")) leftovers.push_back(gitDir + "/" + name);
     for (const std::string& name : HUTFile::createFileIter(gitDir + "/objects/pack"))
         if (boost::algorithm::starts_with(name, "tmp_")) leftovers.push_back(gitDir + "/objects/pack/" + name);
     for (const std::string& leftover : leftovers) HUTFile::rmRecursive(leftover);
@@ -333,7 +328,7 @@ void HSCPlazGit::enableSparseCheckout(const std::string& dir) {
 }
 
 bool HSCPlazGit::addItemsToSparseCheckout(const std::string& dir, const std::vector<std::string>& paths) {
-    fs::ofstream file(fs::path(dir) / ".git/info/sparse-checkout", std::ios::binary | std::ios::trunc);
+    std::ofstream file = HIOStream::openForWriting(dir + "/.git/info/sparse-checkout", std::ios::trunc);
     for (const std::string& path : paths) {
         debugTrace(" adding ", path, " for sparse checkout");
         file << HSCPlazGitLog::toSparsePattern(path) << '\n';

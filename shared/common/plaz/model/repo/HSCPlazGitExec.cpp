@@ -165,7 +165,7 @@ void prepare(HUTFork& process, const std::vector<std::string>& words, const std:
     }
     process.setDir(workDir);
     const std::string startDir = HUTSysCall::getCurrDir();
-    process.setLogFile(toAbsolute(outFile, startDir).string());
+    process.setLogFile(toAbsolute(outFile, startDir).generic_string());
     HSCPlazGitEnv::apply(process, words.size() > 1 ? words[1] : "", toAbsolute(workDir, startDir).generic_string(),
                          remoteUrl);
 }
@@ -236,15 +236,18 @@ int HSCPlazGit::exec_git_win(const std::string& cmdLine, const std::string& work
     if (words.empty()) return notStarted;
     HUTFork process;
     prepare(process, words, workDir, outFile);
+    process.usePipes();
     process.setTimeout(seconds);
     exitCode = static_cast<std::uint32_t>(process.launch(true, true, true, true));
-    return process.wasStarted() ? 0 : notStarted;
+    if (process.wasStarted()) return 0;
+    return process.getFailedPipe() != 0 ? -process.getFailedPipe() : notStarted;
 }
 
 HSCPlazGit::Answer HSCPlazGit::ask(const std::vector<std::string>& args, const std::string& workDir) {
     std::vector<std::string> words{getGitExePath()};
     words.insert(words.end(), args.begin(), args.end());
-    const std::string outFile = (fs::temp_directory_path() / fs::unique_path("plaz-%%%%-%%%%-%%%%.log")).string();
+    const std::string outFile =
+        (fs::temp_directory_path() / fs::unique_path("plaz-%%%%-%%%%-%%%%.log")).generic_string();
     const HSCPlazGitRemoved removed(outFile);
     HUTFork process;
     prepare(process, words, workDir, outFile);

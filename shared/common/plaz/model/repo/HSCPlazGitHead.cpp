@@ -58,13 +58,8 @@ std::string HSCPlazGitHead::findBranch(const std::string& dir, const std::string
 
 std::vector<std::string> HSCPlazGitHead::listBranches(const std::string& dir) {
     std::set<std::string> names;
-    const fs::path root = gitFile(dir, branches);
-    boost::system::error_code error;
-    fs::recursive_directory_iterator entry(root, error);
-    for (; !error && entry != fs::recursive_directory_iterator(); entry.increment(error)) {
-        const std::string name = entry->path().lexically_relative(root).generic_string();
+    for (const std::string& name : HUTFile::listTree(gitFile(dir, branches)))
         if (!getCommit(dir, name).empty()) names.insert(name);
-    }
     visitPacked(dir, [&](const std::string&, const std::string& name) {
         if (boost::algorithm::starts_with(name, branches)) names.insert(name.substr(std::string(branches).size()));
     });
@@ -73,7 +68,7 @@ std::vector<std::string> HSCPlazGitHead::listBranches(const std::string& dir) {
 
 bool HSCPlazGitHead::makeLocal(const std::string& dir, const std::string& branch) {
     const std::string file = gitFile(dir, "refs/heads/" + branch);
-    return HUTFile::mkDirRecursive(fs::path(file).parent_path().string()) &&
+    return HUTFile::mkDirRecursive(fs::path(file).parent_path().generic_string()) &&
            HUTFile::writeAtomically(file, getCommit(dir, branch) + "\n");
 }
 

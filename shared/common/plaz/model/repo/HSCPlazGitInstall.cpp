@@ -99,7 +99,7 @@ bool placeItem(const HSCPlazQItemModel& item, const HSCPlazQStoreModel& store, c
     const std::string incoming = manager.getPathMgr()->getStoreArea(store) + "/.plaz/.incoming";
     const HSCPlazGitRemoved removed(incoming);
     return HUTFile::rmRecursive(incoming) && takeIn(source, incoming, userPref) &&
-           HUTFile::mkDirRecursive(fs::path(destination).parent_path().string()) &&
+           HUTFile::mkDirRecursive(fs::path(destination).parent_path().generic_string()) &&
            HUTFile::replaceDirectory(incoming, destination);
 }
 
@@ -130,7 +130,7 @@ bool HSCPlazGit::install(HSCPlaz* hub, HSCPlazBaseModel* model) {
     const HSCPlazGitRemoved removed(staging);
     traceItem(*item, *store, staging);
     if (!checkOutItem(*item, *store, staging)) return false;
-    const std::string source = (fs::path(staging) / item->getRoot()).string();
+    const std::string source = (fs::path(staging) / item->getRoot()).generic_string();
     verifyItem(*item, source);
     if (placeItem(*item, *store, source, destination)) return true;
     ComMsgMgr::send(Msg::dirNotWritable, MsgSeverity::error, destination);

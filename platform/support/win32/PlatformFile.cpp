@@ -1,0 +1,317 @@
+#include "support/PlatformFile.h"
+
+#include "Win32.h"
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <filesystem>
+#include <memory>
+#include <sddl.h>
+#include <thread>
+
+namespace platform {
+
+namespace {
+
+using Status = HIOStream::Status;
+using win32::Handle;
+using win32::toLongName;
+
+constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+bool holdsNull(const std::string& name) {
+    return name.find('\0') != std::string::npos;
+}
+
+Handle open(const std::wstring& name, DWORD access) {
+    // With this flag directories open, too; what they are is seen afterwards.
+    return Handle(
+        CreateFileW(name.c_str(), access, shareAll, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr));
+}
+
+Status statusOfError(DWORD error) {
+    switch (error) {
+    case ERROR_FILE_NOT_FOUND:
+    case ERROR_PATH_NOT_FOUND:
+    case ERROR_INVALID_NAME:
+    case ERROR_BAD_PATHNAME:
+    case ERROR_BAD_NETPATH:
+    case ERROR_BAD_NET_NAME:
+    case ERROR_INVALID_DRIVE:
+    case ERROR_DIRECTORY:
+    case ERROR_FILENAME_EXCED_RANGE:
+        return Status::missing;
+    default:
+        return Status::unreadable;
+    }
+}
+
+bool isRegularFile(const Handle& file) {
+    BY_HANDLE_FILE_INFORMATION info{};
+    return GetFileType(file.get()) == FILE_TYPE_DISK && GetFileInformationByHandle(file.get(), &info) &&
+           (info.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+}
+
+/// Fills @p content from its beginning; @return the bytes read, negative when that failed.
+std::int64_t fill(const Handle& file, std::string& content) {
+    std::size_t size = 0;
+    while (size < content.size()) {
+        const auto wanted = static_cast<DWORD>(std::min<std::size_t>(content.size() - size, 1u << 30));
+        DWORD count = 0;
+        if (!ReadFile(file.get(), content.data() + size, wanted, &count, nullptr)) return -1;
+        if (count == 0) break;
+        size += count;
+    }
+    return static_cast<std::int64_t>(size);
+}
+
+Status readAll(const Handle& file, std::string& content) {
+    if (!isRegularFile(file)) return Status::notRegular;
+    LARGE_INTEGER size{};
+    if (!GetFileSizeEx(file.get(), &size) || static_cast<std::uint64_t>(size.QuadPart) > largestFile)
+        return Status::unreadable;
+    content.resize(static_cast<std::size_t>(size.QuadPart));
+    const std::int64_t count = fill(file, content);
+    if (count < 0) return Status::unreadable;
+    content.resize(static_cast<std::size_t>(count));
+    return Status::ok;
+}
+
+bool writeAll(const Handle& file, const std::string& content) {
+    for (std::size_t written = 0; written < content.size();) {
+        const auto wanted = static_cast<DWORD>(std::min<std::size_t>(content.size() - written, 1u << 30));
+        DWORD count = 0;
+        if (!WriteFile(file.get(), content.data() + written, wanted, &count, nullptr) || count == 0) return false;
+        written += count;
+    }
+    return true;
+}
+
+bool isBeneath(const std::wstring& root, const std::wstring& name) {
+    return name.size() > root.size() && name.compare(0, root.size(), root) == 0 &&
+           (root.back() == L'\\' || name[root.size()] == L'\\');
+}
+
+/// The name below the directory with "." and ".." resolved; empty when it leaves the directory or begins elsewhere.
+std::wstring joinBeneath(const std::wstring& root, const std::string& relative) {
+    if (relative.front() == '/' || relative.find_first_of("\\:") != std::string::npos) return {};
+    const std::filesystem::path inside = std::filesystem::path(win32::toWide(relative)).lexically_normal();
+    if (*inside.begin() == L"..") return {};
+    std::wstring name = root + L'\\' + inside.native();
+    std::replace(name.begin(), name.end(), L'/', L'\\');
+    return name;
+}
+
+/// Anything but this user's programs is kept from the file; the owner's own rights are named apart from the owner.
+class OwnerOnly {
+public:
+    OwnerOnly() {
+        PSECURITY_DESCRIPTOR descriptor = nullptr;
+        ConvertStringSecurityDescriptorToSecurityDescriptorW(L"D:P(A;;FA;;;OW)(A;;FA;;;SY)", SDDL_REVISION_1,
+                                                             &descriptor, nullptr);
+        m_descriptor.reset(descriptor);
+        m_attributes = {sizeof m_attributes, descriptor, FALSE};
+    }
+    /// Null when the rights could not be made.
+    SECURITY_ATTRIBUTES* get() { return m_descriptor ? &m_attributes : nullptr; }
+
+private:
+    std::unique_ptr<void, HLOCAL (*)(void*)> m_descriptor{nullptr, LocalFree};
+    SECURITY_ATTRIBUTES m_attributes{};
+};
+
+// What others do to a file passes soon: virus scanners, indexers, a reader.
+bool passes(DWORD error) {
+    return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION || error == ERROR_ACCESS_DENIED ||
+           error == ERROR_USER_MAPPED_FILE;
+}
+
+bool makeWriteable(const std::wstring& name) {
+    const DWORD attributes = GetFileAttributesW(name.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY) != 0 &&
+           SetFileAttributesW(name.c_str(), attributes & ~static_cast<DWORD>(FILE_ATTRIBUTE_READONLY));
+}
+
+bool moveOver(const std::wstring& from, const std::wstring& to) {
+    return MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH);
+}
+
+bool isDirectory(const std::wstring& name) {
+    const DWORD attributes = GetFileAttributesW(name.c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+}
+
+// Tried again for two seconds and a half in all, at growing distances.
+bool moveOverPatiently(const std::wstring& from, const std::wstring& to) {
+    constexpr std::chrono::milliseconds longestPause{1280};
+    if (isDirectory(to)) return false;
+    makeWriteable(to); // a read-only file is replaced like any other
+    for (std::chrono::milliseconds pause{5};; pause *= 2) {
+        if (moveOver(from, to)) return true;
+        if (!passes(GetLastError()) || pause > longestPause) return false;
+        std::this_thread::sleep_for(pause);
+    }
+}
+
+/// A file made for this call alone; removed again unless it has been renamed.
+class TemporaryFile {
+public:
+    TemporaryFile(const std::wstring& beside, bool ownerOnly) {
+        static std::atomic<unsigned> counter{0};
+        OwnerOnly rights;
+        const std::wstring start =
+            beside.substr(0, beside.rfind(L'\\') + 1) + L".plaz-" + std::to_wstring(GetCurrentProcessId()) + L'-';
+        if (ownerOnly && !rights.get()) return;
+        do {
+            m_name = start + std::to_wstring(counter++) + L".tmp";
+            file = Handle(CreateFileW(m_name.c_str(), GENERIC_WRITE, 0, ownerOnly ? rights.get() : nullptr, CREATE_NEW,
+                                      FILE_ATTRIBUTE_NORMAL, nullptr));
+        } while (!file && GetLastError() == ERROR_FILE_EXISTS);
+        m_exists = static_cast<bool>(file);
+    }
+    ~TemporaryFile() {
+        file.close();
+        if (m_exists) DeleteFileW(m_name.c_str());
+    }
+    TemporaryFile(const TemporaryFile&) = delete;
+    TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+    bool renameTo(const std::wstring& name) {
+        file.close();
+        m_exists = !moveOverPatiently(m_name, name);
+        return !m_exists;
+    }
+
+    Handle file;
+
+private:
+    std::wstring m_name;
+    bool m_exists = false;
+};
+
+bool removeEntry(const std::wstring& name, DWORD attributes);
+
+bool removeEntries(const std::wstring& dir) {
+    WIN32_FIND_DATAW entry{};
+    const HANDLE search = FindFirstFileW((dir + L"\\*").c_str(), &entry);
+    if (search == INVALID_HANDLE_VALUE) return false;
+    const std::unique_ptr<void, BOOL (*)(HANDLE)> owned(search, FindClose);
+    bool areGone = true;
+    do {
+        const std::wstring_view name = entry.cFileName;
+        if (name == L"." || name == L"..") continue;
+        areGone = removeEntry(dir + L'\\' + std::wstring(name), entry.dwFileAttributes) && areGone;
+    } while (FindNextFileW(search, &entry));
+    return areGone;
+}
+
+// Read-only files, such as git's objects, are not removed as they are. A link goes, what it leads to stays.
+bool removeEntry(const std::wstring& name, DWORD attributes) {
+    if ((attributes & FILE_ATTRIBUTE_READONLY) != 0) makeWriteable(name);
+    if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return DeleteFileW(name.c_str());
+    const bool isLink = (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+    return (isLink || removeEntries(name)) && RemoveDirectoryW(name.c_str());
+}
+
+} // namespace
+
+boost::filesystem::path toSystemName(const std::string& name) {
+    return toLongName(name);
+}
+
+std::string getNameKey(const std::string& name) {
+    std::wstring key = win32::toWide(name);
+    if (!key.empty()) CharUpperBuffW(key.data(), static_cast<DWORD>(key.size()));
+    return win32::toUtf8(key);
+}
+
+// RATIONALE: a handle of a directory keeps those above it from being renamed, so that none is held; what is read shows
+// by its own handle where it lies.
+OpenDirectory::OpenDirectory(const std::string& dir) : m_handle(0) {
+    if (!holdsNull(dir)) m_dir = win32::toUtf8(win32::getFinalName(open(toLongName(dir), FILE_READ_ATTRIBUTES)));
+}
+
+OpenDirectory::~OpenDirectory() = default;
+
+HIOStream::Status OpenDirectory::read(const std::string& relative, std::string& content) const {
+    if (m_dir.empty() || relative.empty() || holdsNull(relative)) return Status::missing;
+    const std::wstring root = win32::toWide(m_dir);
+    const std::wstring name = joinBeneath(root, relative);
+    if (name.empty()) return Status::outside;
+    const Handle file = open(name, GENERIC_READ);
+    if (!file) return statusOfError(GetLastError());
+    return isBeneath(root, win32::getFinalName(file)) ? readAll(file, content) : Status::outside;
+}
+
+HIOStream::Status readFile(const std::string& file, std::string& content) {
+    if (file.empty() || holdsNull(file)) return Status::missing;
+    const Handle handle = open(toLongName(file), GENERIC_READ);
+    return handle ? readAll(handle, content) : statusOfError(GetLastError());
+}
+
+std::string readStart(const std::string& file, std::size_t size) {
+    if (file.empty() || holdsNull(file)) return {};
+    const Handle handle = open(toLongName(file), GENERIC_READ);
+    if (!handle || !isRegularFile(handle)) return {};
+    std::string start(size, '\0');
+    start.resize(static_cast<std::size_t>(std::max<std::int64_t>(fill(handle, start), 0)));
+    return start;
+}
+
+std::string getStamp(const std::string& path) {
+    const Handle file = open(toLongName(path), FILE_READ_ATTRIBUTES);
+    BY_HANDLE_FILE_INFORMATION info{};
+    if (!file || !GetFileInformationByHandle(file.get(), &info)) return {};
+    const auto whole = [](DWORD high, DWORD low) { return std::to_string(std::uint64_t{high} << 32 | low); };
+    return whole(info.nFileIndexHigh, info.nFileIndexLow) + ':' + whole(info.nFileSizeHigh, info.nFileSizeLow) + ':' +
+           whole(info.ftLastWriteTime.dwHighDateTime, info.ftLastWriteTime.dwLowDateTime);
+}
+
+bool isWriteable(const std::string& path) {
+    const std::wstring name = toLongName(path);
+    const DWORD attributes = GetFileAttributesW(name.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES) return false;
+    const bool isDirectory = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    return static_cast<bool>(open(name, isDirectory ? FILE_ADD_FILE | FILE_ADD_SUBDIRECTORY : FILE_WRITE_DATA));
+}
+
+std::string resolveLinks(const std::string& path, std::error_code& error) {
+    const Handle file = open(toLongName(path), FILE_READ_ATTRIBUTES);
+    const Status status = file ? Status::ok : statusOfError(GetLastError());
+    const std::string name = win32::toGenericName(win32::getFinalName(file));
+    error.clear();
+    if (name.empty())
+        error = std::make_error_code(status == Status::missing ? std::errc::no_such_file_or_directory
+                                                               : std::errc::io_error);
+    return name;
+}
+
+bool removeTree(const std::string& path) {
+    const std::wstring name = toLongName(path);
+    const DWORD attributes = GetFileAttributesW(name.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES) return statusOfError(GetLastError()) == Status::missing;
+    return removeEntry(name, attributes);
+}
+
+bool copyFile(const std::string& source, const std::string& dest) {
+    return CopyFileW(toLongName(source).c_str(), toLongName(dest).c_str(), TRUE);
+}
+
+bool rename(const std::string& from, const std::string& to) {
+    return moveOverPatiently(toLongName(from), toLongName(to));
+}
+
+bool writeAtomically(const std::string& file, const std::string& content, bool ownerOnly) {
+    if (holdsNull(file)) return false;
+    const std::wstring name = toLongName(file);
+    TemporaryFile temporary(name, ownerOnly);
+    return temporary.file && writeAll(temporary.file, content) && FlushFileBuffers(temporary.file.get()) &&
+           temporary.renameTo(name);
+}
+
+bool exchange(const std::string& /*a*/, const std::string& /*b*/) {
+    return false;
+}
+
+} // namespace platform

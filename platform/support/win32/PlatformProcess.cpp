@@ -1,0 +1,288 @@
+#include "support/PlatformProcess.h"
+
+#include "ChildOutput.h"
+#include "Win32.h"
+#include "support/HUTWait.h"
+
+#include <algorithm>
+#include <atomic>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <set>
+#include <thread>
+
+namespace platform {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Deadline = std::optional<Clock::time_point>;
+using How = ProcessEnd::How;
+using win32::Handle;
+using win32::toWide;
+
+std::atomic<bool> isInterruptWanted{false};
+
+/// The process trees of the runs under way.
+class RunningJobs {
+public:
+    void add(HANDLE job) {
+        const std::lock_guard guard(m_mutex);
+        m_jobs.insert(job);
+    }
+    void remove(HANDLE job) {
+        const std::lock_guard guard(m_mutex);
+        m_jobs.erase(job);
+    }
+    void killAll() {
+        const std::lock_guard guard(m_mutex);
+        for (const HANDLE job : m_jobs) TerminateJobObject(job, 1);
+    }
+
+private:
+    std::mutex m_mutex;
+    std::set<HANDLE> m_jobs;
+};
+
+RunningJobs& runningJobs() {
+    static RunningJobs jobs;
+    return jobs;
+}
+
+/// A process with all that it starts. What is left of it ends with this process if that is killed.
+class Job {
+public:
+    Job() : m_job(CreateJobObjectW(nullptr, nullptr)) {
+        letGo(JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE);
+        runningJobs().add(m_job.get());
+    }
+    /// Only a time-out or an interrupt kills: what a program leaves running goes on.
+    ~Job() {
+        runningJobs().remove(m_job.get());
+        letGo(0);
+    }
+    Job(const Job&) = delete;
+    Job& operator=(const Job&) = delete;
+
+    bool take(const Handle& process) { return AssignProcessToJobObject(m_job.get(), process.get()); }
+    /// Waits a moment for the last of them, whose open files would be in the way of whatever comes next.
+    void kill() {
+        TerminateJobObject(m_job.get(), 1);
+        for (int tries = 0; tries < 200 && !isEmpty(); ++tries) Sleep(5);
+    }
+
+private:
+    void letGo(DWORD limits) {
+        JOBOBJECT_EXTENDED_LIMIT_INFORMATION info{};
+        info.BasicLimitInformation.LimitFlags = limits;
+        SetInformationJobObject(m_job.get(), JobObjectExtendedLimitInformation, &info, sizeof info);
+    }
+    bool isEmpty() const {
+        JOBOBJECT_BASIC_ACCOUNTING_INFORMATION info{};
+        return !QueryInformationJobObject(m_job.get(), JobObjectBasicAccountingInformation, &info, sizeof info,
+                                          nullptr) ||
+               info.ActiveProcesses == 0;
+    }
+
+    Handle m_job;
+};
+
+/// What a child may inherit: the handles that are named, and no others that happen to be open.
+class Inheritance {
+public:
+    explicit Inheritance(std::vector<HANDLE> handles) : m_handles(std::move(handles)) {
+        SIZE_T size = 0;
+        InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
+        m_memory.resize(size);
+        m_isMade = InitializeProcThreadAttributeList(get(), 1, 0, &size) &&
+                   UpdateProcThreadAttribute(get(), 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, m_handles.data(),
+                                             m_handles.size() * sizeof(HANDLE), nullptr, nullptr);
+    }
+    ~Inheritance() { DeleteProcThreadAttributeList(get()); }
+    Inheritance(const Inheritance&) = delete;
+    Inheritance& operator=(const Inheritance&) = delete;
+
+    explicit operator bool() const { return m_isMade; }
+    LPPROC_THREAD_ATTRIBUTE_LIST get() { return reinterpret_cast<LPPROC_THREAD_ATTRIBUTE_LIST>(m_memory.data()); }
+
+private:
+    std::vector<HANDLE> m_handles;
+    std::vector<char> m_memory;
+    bool m_isMade = false;
+};
+
+// Programs take their line apart by these rules: backslashes are plain except before a quote.
+void appendQuoted(std::wstring& line, const std::wstring& word) {
+    if (!word.empty() && word.find_first_of(L" \t\n\v\"") == std::wstring::npos) {
+        line += word;
+        return;
+    }
+    line += L'"';
+    std::size_t backslashes = 0;
+    for (const wchar_t c : word) {
+        if (c == L'"') line.append(backslashes + 1, L'\\');
+        backslashes = c == L'\\' ? backslashes + 1 : 0;
+        line += c;
+    }
+    line.append(backslashes, L'\\');
+    line += L'"';
+}
+
+std::wstring toCommandLine(const std::wstring& program, const std::vector<std::string>& args) {
+    std::wstring line = L'"' + program + L'"'; // quoted always, so that no beginning of it is tried
+    for (const std::string& arg : args) {
+        line += L' ';
+        appendQuoted(line, toWide(arg));
+    }
+    return line;
+}
+
+/// Names of variables are taken without regard to case.
+struct IsBefore {
+    bool operator()(const std::wstring& a, const std::wstring& b) const {
+        return CompareStringOrdinal(a.data(), static_cast<int>(a.size()), b.data(), static_cast<int>(b.size()), TRUE) ==
+               CSTR_LESS_THAN;
+    }
+};
+
+std::wstring toEnvironmentBlock(const std::vector<std::string>& environment) {
+    std::map<std::wstring, std::wstring, IsBefore> variables;
+    for (const std::string& variable : environment) {
+        const std::wstring wide = toWide(variable);
+        const std::size_t end = std::min(wide.find(L'=', 1), wide.size());
+        variables.insert_or_assign(wide.substr(0, end), wide.substr(end));
+    }
+    std::wstring block;
+    for (const auto& [name, value] : variables) block += name + value + L'\0';
+    return block.empty() ? std::wstring(2, L'\0') : block + L'\0';
+}
+
+// RATIONALE: the search is made here, along PATH alone: the system would look into the current directory first, and a
+// store's working copy may hold anything.
+std::wstring findProgram(const ProcessSpec& spec) {
+    std::wstring program = toWide(spec.program);
+    std::replace(program.begin(), program.end(), L'/', L'\\');
+    if (spec.useSearchPath && program.find(L'\\') == std::wstring::npos) {
+        std::wstring path(32767, L'\0');
+        path.resize(GetEnvironmentVariableW(L"PATH", path.data(), static_cast<DWORD>(path.size())));
+        std::wstring found(32767, L'\0');
+        found.resize(SearchPathW(path.c_str(), program.c_str(), L".exe", static_cast<DWORD>(found.size()), found.data(),
+                                 nullptr));
+        return found;
+    }
+    const bool isAbsolute = program.size() > 1 && (program[1] == L':' || program.compare(0, 2, LR"(\\)") == 0);
+    return isAbsolute || spec.dir.empty() ? program : toWide(spec.dir) + L'\\' + program;
+}
+
+std::string describeStartError(const ProcessSpec& spec, DWORD error) {
+    const bool isDirGone =
+        !spec.dir.empty() && (GetFileAttributesW(toWide(spec.dir).c_str()) & FILE_ATTRIBUTE_DIRECTORY) == 0;
+    return isDirGone ? "there is no directory " + spec.dir : win32::describe(error);
+}
+
+/// @return 0 or the error; the process waits to be told to run
+DWORD start(const ProcessSpec& spec, const ChildOutput& output, Handle& process, Handle& thread) {
+    const std::wstring program = findProgram(spec);
+    if (program.empty()) return ERROR_FILE_NOT_FOUND;
+    const Handle input = openNull(GENERIC_READ);
+    std::vector<HANDLE> handles{input.get(), output.getOut()};
+    if (output.getErr() != output.getOut()) handles.push_back(output.getErr());
+    Inheritance inheritance(handles);
+    if (!inheritance) return GetLastError();
+
+    STARTUPINFOEXW startup{};
+    startup.StartupInfo.cb = sizeof startup;
+    startup.StartupInfo.dwFlags = STARTF_USESTDHANDLES;
+    startup.StartupInfo.hStdInput = input.get();
+    startup.StartupInfo.hStdOutput = output.getOut();
+    startup.StartupInfo.hStdError = output.getErr();
+    startup.lpAttributeList = inheritance.get();
+
+    std::wstring line = toCommandLine(program, spec.args);
+    std::wstring block = toEnvironmentBlock(spec.environment);
+    const std::wstring dir = toWide(spec.dir);
+    constexpr DWORD flags =
+        CREATE_NO_WINDOW | CREATE_SUSPENDED | CREATE_UNICODE_ENVIRONMENT | EXTENDED_STARTUPINFO_PRESENT;
+    PROCESS_INFORMATION started{};
+    if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, flags, block.data(),
+                        dir.empty() ? nullptr : dir.c_str(), &startup.StartupInfo, &started))
+        return GetLastError();
+    process = Handle(started.hProcess);
+    thread = Handle(started.hThread);
+    return 0;
+}
+
+DWORD millisecondsUntil(const Deadline& deadline) {
+    if (!deadline) return INFINITE;
+    const auto left = std::chrono::ceil<std::chrono::milliseconds>(*deadline - Clock::now()).count();
+    return static_cast<DWORD>(std::clamp<decltype(left)>(left, 0, INFINITE - 1));
+}
+
+/// False when the time is over.
+bool waitFor(const Handle& event, const Deadline& deadline) {
+    for (;;) {
+        const DWORD left = millisecondsUntil(deadline);
+        const DWORD slice = HUTWait::hasAround() ? static_cast<DWORD>(HUTWait::slice.count()) : INFINITE;
+        DWORD result = WAIT_FAILED;
+        HUTWait::wait([&] { result = WaitForSingleObject(event.get(), std::min(left, slice)); });
+        if (result != WAIT_TIMEOUT) return true;
+        if (left <= slice && millisecondsUntil(deadline) == 0) return false;
+    }
+}
+
+ProcessEnd waitAndJudge(const Handle& process, const Deadline& deadline, Job& job, ChildOutput& output) {
+    // An interrupt that came before the process was in its job has not met it.
+    if (isInterrupted()) job.kill();
+    const bool isInTime = waitFor(process, deadline) && waitFor(output.getClosed(), deadline);
+    if (!isInTime) {
+        job.kill();
+        WaitForSingleObject(process.get(), INFINITE);
+    }
+    output.finish();
+    DWORD status = 0;
+    if (!GetExitCodeProcess(process.get(), &status)) status = static_cast<DWORD>(-1);
+    ProcessEnd end{How::exited, static_cast<int>(status), {}, 0};
+    if (end.status != 0 && isInterrupted()) end.how = How::interrupted;
+    if (end.how == How::exited && !isInTime) end.how = How::timedOut;
+    return end;
+}
+
+} // namespace
+
+ProcessEnd run(const ProcessSpec& spec) {
+    if (isInterrupted()) return {How::interrupted, 0, {}, 0};
+    ChildOutput output(spec.logFile, spec.throughPipes);
+    if (output.getFailedPipe() != 0)
+        return {How::notStarted, 0, "a pipe for its output could not be made", output.getFailedPipe()};
+
+    const Deadline deadline = spec.timeout ? Deadline(Clock::now() + *spec.timeout) : std::nullopt;
+    Job job;
+    Handle process;
+    Handle thread;
+    DWORD error = start(spec, output, process, thread);
+    if (error == 0 && !job.take(process)) {
+        error = GetLastError();
+        TerminateProcess(process.get(), 1);
+    }
+    if (error != 0) return {How::notStarted, 0, describeStartError(spec, error), 0};
+    output.begin();
+    ResumeThread(thread.get());
+    return waitAndJudge(process, deadline, job, output);
+}
+
+// The system calls handlers of Ctrl-C on a thread of their own, so that they may wait for a lock.
+void interruptRuns() noexcept {
+    isInterruptWanted = true;
+    runningJobs().killAll();
+}
+
+bool isInterrupted() noexcept {
+    return isInterruptWanted;
+}
+
+void clearInterrupt() noexcept {
+    isInterruptWanted = false;
+}
+
+} // namespace platform

@@ -1,0 +1,113 @@
+#include "support/PlatformSystem.h"
+
+#include "Win32.h"
+#include "support/PlatformFile.h"
+
+#include <cstdlib>
+#include <io.h>
+#include <memory>
+#include <shellapi.h>
+
+namespace platform {
+
+namespace {
+
+constexpr int standardOutput = 1;
+constexpr int standardError = 2;
+
+std::string findLibraryFile() {
+    HMODULE module = nullptr;
+    constexpr DWORD flags = GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT;
+    if (!GetModuleHandleExW(flags, reinterpret_cast<const wchar_t*>(&pathListSeparator), &module)) return {};
+    std::wstring name(32767, L'\0');
+    name.resize(GetModuleFileNameW(module, name.data(), static_cast<DWORD>(name.size())));
+    std::error_code error;
+    return resolveLinks(win32::toUtf8(name), error);
+}
+
+} // namespace
+
+const char pathListSeparator = ';';
+
+const std::string& getLibraryFile() {
+    static const std::string file = findLibraryFile();
+    return file;
+}
+
+std::string getHomeDir() {
+    return getVariable("USERPROFILE").value_or(std::string());
+}
+
+std::vector<std::string> getEnvironment() {
+    const std::unique_ptr<wchar_t, BOOL (*)(wchar_t*)> block(GetEnvironmentStringsW(), FreeEnvironmentStringsW);
+    std::vector<std::string> variables;
+    for (const wchar_t* variable = block.get(); variable && *variable; variable += wcslen(variable) + 1)
+        variables.push_back(win32::toUtf8(variable));
+    return variables;
+}
+
+std::optional<std::string> getVariable(const std::string& name) {
+    const std::wstring wide = win32::toWide(name);
+    SetLastError(ERROR_SUCCESS);
+    std::wstring value(GetEnvironmentVariableW(wide.c_str(), nullptr, 0), L'\0');
+    if (value.empty() && GetLastError() == ERROR_ENVVAR_NOT_FOUND) return std::nullopt;
+    value.resize(GetEnvironmentVariableW(wide.c_str(), value.data(), static_cast<DWORD>(value.size())));
+    return win32::toUtf8(value);
+}
+
+void setEnvironment(const std::string& name, const std::string& value) {
+    _wputenv_s(win32::toWide(name).c_str(), win32::toWide(value).c_str());
+}
+
+std::string getVariableKey(const std::string& name) {
+    return getNameKey(name);
+}
+
+std::vector<std::string> startProgram(int /*argc*/, const char* const* /*argv*/) {
+    SetConsoleCP(CP_UTF8);
+    SetConsoleOutputCP(CP_UTF8);
+    for (const int stream : {standardOutput, standardError}) _setmode(stream, 0x8000); // _O_BINARY
+    int count = 0;
+    const std::unique_ptr<wchar_t*, HLOCAL (*)(void*)> args(CommandLineToArgvW(GetCommandLineW(), &count), LocalFree);
+    std::vector<std::string> texts;
+    for (int i = 0; i < count; ++i) texts.push_back(win32::toUtf8(args.get()[i]));
+    return texts;
+}
+
+int runShell(const std::string& command) {
+    return _wsystem(win32::toWide(command).c_str());
+}
+
+int divertStandardOutput() {
+    const int kept = _dup(standardOutput);
+    if (kept < 0) return -1;
+    SetHandleInformation(reinterpret_cast<HANDLE>(_get_osfhandle(kept)), HANDLE_FLAG_INHERIT, 0);
+    if (_dup2(standardError, standardOutput) == 0) return kept;
+    _close(kept);
+    return -1;
+}
+
+void restoreStandardOutput(int kept) {
+    _dup2(kept, standardOutput);
+    _close(kept);
+}
+
+int getTerminalWidth() {
+    CONSOLE_SCREEN_BUFFER_INFO info{};
+    if (!GetConsoleScreenBufferInfo(GetStdHandle(STD_ERROR_HANDLE), &info)) return 0;
+    return info.srWindow.Right - info.srWindow.Left + 1;
+}
+
+bool isInputTerminal() {
+    DWORD mode = 0;
+    return GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode);
+}
+
+void keepBrokenPipeHandler(const std::function<void()>& work) {
+    work();
+}
+
+// A read of the console ends there by itself.
+void letCtrlCEndReads() {}
+
+} // namespace platform

@@ -1,0 +1,80 @@
+#include "Win32.h"
+
+#include "support/HI18N.h"
+
+#include <algorithm>
+#include <memory>
+
+namespace win32 {
+
+namespace {
+
+constexpr std::wstring_view longPrefix = LR"(\\?\)";
+constexpr std::wstring_view longShare = LR"(\\?\UNC\)";
+
+bool hasPrefix(std::wstring_view text, std::wstring_view prefix) {
+    return text.substr(0, prefix.size()) == prefix;
+}
+
+/// Calls @p fill(buffer, size), which returns the length of the text or the size that it wants; empty on failure.
+template <typename Fill> std::wstring getText(Fill fill) {
+    std::wstring text(MAX_PATH, L'\0');
+    DWORD size = fill(text.data(), static_cast<DWORD>(text.size()));
+    while (size >= text.size()) {
+        text.resize(size + 1);
+        size = fill(text.data(), static_cast<DWORD>(text.size()));
+    }
+    text.resize(size);
+    return text;
+}
+
+} // namespace
+
+std::wstring toWide(const std::string& text) {
+    return HI18N::convert(text);
+}
+
+std::string toUtf8(std::wstring_view text) {
+    return HI18N::convert(std::wstring(text));
+}
+
+std::string toGenericName(std::wstring_view name) {
+    std::wstring plain(name);
+    if (hasPrefix(name, longShare))
+        plain.replace(0, longShare.size(), LR"(\\)");
+    else if (hasPrefix(name, longPrefix))
+        plain.erase(0, longPrefix.size());
+    std::replace(plain.begin(), plain.end(), L'\\', L'/');
+    return toUtf8(plain);
+}
+
+std::wstring toLongName(const std::string& name) {
+    std::wstring wide = toWide(name);
+    std::replace(wide.begin(), wide.end(), L'/', L'\\');
+    if (wide.empty() || hasPrefix(wide, longPrefix)) return wide;
+    const std::wstring full =
+        getText([&wide](wchar_t* text, DWORD size) { return GetFullPathNameW(wide.c_str(), size, text, nullptr); });
+    if (hasPrefix(full, LR"(\\.\)")) return full; // a device
+    if (hasPrefix(full, LR"(\\)")) return std::wstring(longShare) + full.substr(2);
+    return std::wstring(longPrefix) + full;
+}
+
+std::string describe(DWORD error) {
+    wchar_t* text = nullptr;
+    constexpr DWORD flags = FORMAT_MESSAGE_ALLOCATE_BUFFER | FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS;
+    const DWORD size = FormatMessageW(flags, nullptr, error, 0, reinterpret_cast<wchar_t*>(&text), 0, nullptr);
+    const std::unique_ptr<wchar_t, HLOCAL (*)(void*)> owned(text, LocalFree);
+    if (size == 0) return "error " + std::to_string(error);
+    std::wstring_view line(text, size);
+    while (!line.empty() && (line.back() <= L' ' || line.back() == L'.')) line.remove_suffix(1);
+    return toUtf8(line);
+}
+
+std::wstring getFinalName(const Handle& handle) {
+    if (!handle) return {};
+    return getText([&handle](wchar_t* text, DWORD size) {
+        return GetFinalPathNameByHandleW(handle.get(), text, size, FILE_NAME_NORMALIZED | VOLUME_NAME_DOS);
+    });
+}
+
+} // namespace win32

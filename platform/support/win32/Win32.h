@@ -1,0 +1,50 @@
+#pragma once
+
+#define WIN32_LEAN_AND_MEAN
+#define NOMINMAX
+#include <windows.h>
+
+#include <string>
+#include <string_view>
+#include <utility>
+
+/// What the sources of this folder share: texts and names in the system's form, handles, errors.
+namespace win32 {
+
+/// The UTF-16 that the system's calls take.
+std::wstring toWide(const std::string& text);
+std::string toUtf8(std::wstring_view text);
+/// The same with forward slashes, and without the prefix of long names.
+std::string toGenericName(std::wstring_view name);
+
+/// An absolute name that may be longer than 260 characters, in which nothing has a meaning of its own any more: neither
+/// forward slashes nor names of devices. Empty for an empty name.
+std::wstring toLongName(const std::string& name);
+
+/// What the system says of an error, as a part of a sentence.
+std::string describe(DWORD error);
+
+/// Owns a handle of the system; false without one.
+class Handle {
+public:
+    explicit Handle(HANDLE handle = nullptr) : m_handle(handle == INVALID_HANDLE_VALUE ? nullptr : handle) {}
+    ~Handle() { close(); }
+    Handle(Handle&& other) noexcept : m_handle(std::exchange(other.m_handle, nullptr)) {}
+    Handle& operator=(Handle&& other) noexcept {
+        std::swap(m_handle, other.m_handle);
+        return *this;
+    }
+    explicit operator bool() const { return m_handle; }
+    HANDLE get() const { return m_handle; }
+    void close() {
+        if (m_handle) CloseHandle(std::exchange(m_handle, nullptr));
+    }
+
+private:
+    HANDLE m_handle;
+};
+
+/// The name of what a handle leads to, every link resolved, in the form of toLongName(); empty when there is none.
+std::wstring getFinalName(const Handle& handle);
+
+} // namespace win32
