@@ -9,6 +9,9 @@
 #   share/plaz/data                     data root: messages, schemas, shipped metadata
 #   share/plaz/tps                      third-party programs: links to the system's
 #   share/man, share/doc/plaz           manual page, guides
+#
+# On Windows the DLLs lie in bin beside the program, Tcl's scripts in lib, and the third-party programs are the user's to
+# add; "cpack" makes a zip of the tree.
 include(CMakePackageConfigHelpers)
 
 install(TARGETS plaz)
@@ -26,7 +29,9 @@ install(DIRECTORY platform/support DESTINATION ${headers}
 install(DIRECTORY platform/scripting DESTINATION ${headers} FILES_MATCHING PATTERN "*.h" PATTERN "*_impl.h" EXCLUDE)
 
 install(DIRECTORY platform/data/ DESTINATION ${CMAKE_INSTALL_DATADIR}/plaz/data/plaz)
-install(DIRECTORY ${PROJECT_BINARY_DIR}/share/plaz/tps DESTINATION ${CMAKE_INSTALL_DATADIR}/plaz)
+if(NOT WIN32)
+  install(DIRECTORY ${PROJECT_BINARY_DIR}/share/plaz/tps DESTINATION ${CMAKE_INSTALL_DATADIR}/plaz)
+endif()
 
 set(package ${CMAKE_INSTALL_LIBDIR}/cmake/plaz)
 install(EXPORT plazTargets NAMESPACE plaz:: DESTINATION ${package})
@@ -38,7 +43,23 @@ install(FILES ${PROJECT_BINARY_DIR}/plazConfig.cmake ${PROJECT_BINARY_DIR}/plazC
 configure_file(cmake/plaz.pc.in ${PROJECT_BINARY_DIR}/plaz.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/plaz.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 
-install(FILES docs/man/plaz.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+if(NOT WIN32)
+  install(FILES docs/man/plaz.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+endif()
 install(FILES README.md docs/user-guide.md docs/store-authors-guide.md docs/embedding-guide.md
   DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs/images DESTINATION ${CMAKE_INSTALL_DOCDIR})
+
+if(WIN32)
+  install(DIRECTORY ${PLAZ_WINDOWS_DEPS}/bin/ DESTINATION ${CMAKE_INSTALL_BINDIR})
+  install(DIRECTORY ${PLAZ_WINDOWS_DEPS}/lib/tcl8.6 ${PLAZ_WINDOWS_DEPS}/lib/tcl8 DESTINATION lib)
+  install(DIRECTORY ${PLAZ_WINDOWS_DEPS}/licenses DESTINATION ${CMAKE_INSTALL_DOCDIR})
+  install(FILES docs/windows/README.txt DESTINATION .)
+  set(CPACK_GENERATOR ZIP)
+  set(CPACK_PACKAGE_NAME plaz)
+  set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+  set(CPACK_PACKAGE_FILE_NAME plaz-${PROJECT_VERSION}-windows-x64)
+  set(CPACK_STRIP_FILES ON)
+  set(CPACK_VERBATIM_VARIABLES ON)
+  include(CPack)
+endif()

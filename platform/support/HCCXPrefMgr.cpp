@@ -94,7 +94,7 @@ bool HCCXPrefUtils::savePreferences() {
     HCCXPrefMgr& manager = HCCXPrefMgr::getInstance();
     const std::string file = HCCXPrefMgr::getFile();
     HUTFile::mkDirRecursive(HUTEnv::getHDIAppDataDir());
-    if (manager.m_fileIsBad && std::rename(file.c_str(), (file + ".bad").c_str()) == 0) manager.m_fileIsBad = false;
+    if (manager.m_fileIsBad && HUTFile::rename(file, file + ".bad")) manager.m_fileIsBad = false;
     // A proxy's address may hold a password.
     if (!manager.m_fileIsBad && HUTFile::writeAtomically(file, toText(manager.m_default), true)) return true;
     ComMsgMgr::send(HostMsg::preferencesNotSaved, MsgSeverity::error, file);

@@ -163,7 +163,7 @@ bool copyWholeTree(const fs::path& source, const fs::path& dest, const Linkable&
 } // namespace
 
 const std::string& HUTFile::getDirSeparator() {
-    static const std::string separator(1, static_cast<char>(fs::path::preferred_separator));
+    static const std::string separator = "/";
     return separator;
 }
 

@@ -14,7 +14,7 @@
 /// beside its target. Where links have to be followed, for containment, isBeneath() does it.
 class HOST_API HUTFile {
 public:
-    /// The system's separator as a string: "/" or "\".
+    /// What separates the parts of a name: "/" on every system, so that what is recorded reads the same everywhere.
     static const std::string& getDirSeparator();
 
     static bool exists(const std::string& path);

@@ -23,10 +23,11 @@ public:
     HUTFileLock(const HUTFileLock&) = delete;
     HUTFileLock& operator=(const HUTFileLock&) = delete;
 
-    /// Takes the lock if it is free; never waits.
+    /// Takes the lock if it is free, or ours already; never waits.
     Result tryLock();
 
 private:
     std::string m_file;
     std::intptr_t m_handle = -1;
+    bool m_isHeld = false;
 };

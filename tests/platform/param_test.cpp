@@ -1,6 +1,7 @@
 #include "support/HCCXPrefMgr.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTEnv.h"
+#include "support/System.h"
 #include "support/TempDir.h"
 
 #include <gtest/gtest.h>
@@ -118,8 +119,9 @@ TEST(EnvTest, ProductAndRoots) {
     for (const char* file : {"root2/plaz/plaz.json", "app/tps/win64/git", "app/data/x"}) temp.write(file, "");
     for (const char* name : {"GDA_TPS_DIR", "GDA_APPDATA_DIR"}) env.unset(name);
     env.set("GDA_APPROOT", temp.path("app"));
-    env.set("GDA_DATA_DIR", temp.path("absent") + "::" + temp.path("root2/"));
-    env.set("HOME", temp.path("home"));
+    env.set("GDA_DATA_DIR", temp.path("absent") + test_system::pathListSeparator + test_system::pathListSeparator +
+                                temp.path("root2/"));
+    env.set(test_system::homeVariable, temp.path("home"));
     EXPECT_EQ(HUTEnv::getGDADataDir("plaz/plaz.json"), temp.path("root2"));
     EXPECT_EQ(HUTEnv::getGDATpsPath("win64/git"), temp.path("app/tps/win64/git"));
     EXPECT_EQ(HUTEnv::getGDATpsPath("absent") + HUTEnv::getGDADataDir("absent") + HUTEnv::getGDAAppRoot("absent"), "");

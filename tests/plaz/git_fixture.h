@@ -4,6 +4,7 @@
 #include "plaz/hub_fixture.h"
 #include "plaz/model/repo/HSCPlazGit.h"
 #include "support/HUTSysCall.h"
+#include "support/System.h"
 
 /// Home, application data and working directory below one temporary directory; a store with an area of its own.
 class GitTest : public MessagesTest {
@@ -26,7 +27,7 @@ protected:
     ~GitTest() override { HUTSysCall::changeDir("/"); }
 
     void writeScript(const std::string& file, const std::string& body) const {
-        boost::filesystem::permissions(temp.write(file, "#!/bin/sh\n" + body + "\n"), boost::filesystem::owner_all);
+        test_system::writeProgram(temp.path(file), body, temp.path());
     }
     /// Puts a script where git is expected; it logs its arguments and goes on with @p behaviour.
     void replaceGit(const std::string& behaviour) {

@@ -69,9 +69,9 @@ TEST_F(GitRunner, NothingRunsWithoutProgramOrDirectory) {
     env.set("GDA_TPS_DIR", temp.makeDir("empty"));
     EXPECT_EQ(run("fetch"), "17-1928");
     env.set("GDA_PRODUCT_NAME", "kvq");
-    env.set("HOMEDRIVE", "/drive");
+    env.set("HOMEDRIVE", temp.path("drive"));
     env.set("GDA_DEVKIT", "kit");
-    EXPECT_EQ(HSCPlazGit::getGitExePath(), "/drive/cygwin/kit/win64/git-2.45.0/cmd/git.exe");
+    EXPECT_EQ(HSCPlazGit::getGitExePath(), temp.path("drive/cygwin/kit/win64/git-2.45.0/cmd/git.exe"));
 }
 
 // Fault: a current directory that is gone stops every command, or sends one elsewhere.
@@ -81,9 +81,9 @@ TEST_F(GitRunner, RunsWithoutCurrentDirectory) {
     const std::string out = temp.path("out");
     std::uint32_t status = 1;
     EXPECT_EQ(HSCPlazGit::exec_git({"x"}, work, false, out), 0);
-    EXPECT_EQ(readFile(out), work + "\n");
+    EXPECT_EQ(readFile(out), test_system::toShellName(work) + "\n");
     EXPECT_EQ(HSCPlazGit::exec_git_win(HSCPlazGit::getGitExePath() + " x", work, out, status), 0);
-    EXPECT_EQ(readFile(out), work + "\n");
+    EXPECT_EQ(readFile(out), test_system::toShellName(work) + "\n");
     EXPECT_EQ(thrownBy([this] { HSCPlazGit::exec_git({"x"}, temp.path("missing"), false, ""); }), "17-1587");
     EXPECT_EQ(takeIds(), Names{"17-1990"});
     EXPECT_EQ(HUTSysCall::getCurrDir(), "");
@@ -100,9 +100,9 @@ TEST_F(GitRunner, TracesOnlyOnRequest) {
     EXPECT_EQ(printed(), "");
     env.set("PLAZ_SHOW_LOG", "yes");
     const std::string output = printed();
-    for (const char* line : {"get exec path:/", "get gitdir path:/", "Git path : /", "Temp fork logfile:/", "chgdir: /",
-                             "executing: /", "restore dir: /"})
-        EXPECT_NE(output.find(line), std::string::npos) << line;
+    for (const char* label : {"get exec path:", "get gitdir path:", "Git path : ", "Temp fork logfile:", "chgdir: ",
+                              "executing: ", "restore dir: "})
+        EXPECT_NE(output.find(label + temp.path()), std::string::npos) << label;
     EXPECT_EQ(output.find("secret"), std::string::npos);
 }
 

@@ -8,8 +8,6 @@
 #include <random>
 #include <set>
 #include <sstream>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
@@ -202,18 +200,6 @@ TEST_F(ItemTasksTest, UnrecordedWorkIsAFailureAndLeftoversGo) {
     EXPECT_EQ(HUTFile::createFileIter(files.area("ced_store/.plaz")),
               (Ids{".index", "plaz_local_db.json", "plaz_local_db.json.bad"}));
     EXPECT_FALSE(HUTFile::exists(files.area("ced_store/.staging")));
-}
-
-// The last of two processes to save taking away what the other one installed.
-TEST_F(ItemTasksTest, TakesOverWhatAnotherProcessInstalled) {
-    ship("a b");
-    hub();
-    if (const pid_t other = fork(); other == 0)
-        _exit(install("a") ? 0 : 1);
-    else
-        ASSERT_EQ(waitpid(other, nullptr, 0), other);
-    EXPECT_FALSE(find("a").IsInstalled());
-    walk({{"+b", " 17-1570 17-1573", "a@1 user 0;b@1 user 0;"}});
 }
 
 // Counts that drift apart over a long life: a needed item gone, or one that nobody needs there for ever.

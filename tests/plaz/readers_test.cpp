@@ -8,6 +8,7 @@
 #include "plaz/model/reader/HSCPlazQItemReader.h"
 #include "plaz/model/reader/HSCPlazQStoreReader.h"
 #include "plaz/model/reader/HSCPlazReader.h"
+#include "support/System.h"
 
 #include <sstream>
 
@@ -227,7 +228,7 @@ TEST_F(ReaderTest, itemFilesBelowADirectory) {
     temp.write("store/a", infra(std::string(100000, 'x')));
     temp.write("store/b", infra(""));
     temp.write("store/c", "{");
-    boost::filesystem::create_symlink(temp.write("outside", infra("me")), temp.path("store/link"));
+    const bool hasLinks = test_system::makeLink(temp.write("outside", infra("me")), temp.path("store/link"));
     temp.makeDir("store/dir");
     const HIOStream::Root root(temp.path("store"));
     HSCPlazJsonDocument document;
@@ -239,8 +240,8 @@ TEST_F(ReaderTest, itemFilesBelowADirectory) {
         EXPECT_EQ(document.getRoot().IsNull(), !document.isParsed()) << name;
         EXPECT_EQ(item.getAuthor().size(), *name == 'a' ? 100000u : 0u) << name;
     }
-    EXPECT_THAT(results, ElementsAre(Status::ok, Status::ok, Status::ok, Status::ok, Status::missing, Status::outside,
-                                     Status::notRegular));
+    EXPECT_THAT(results, ElementsAre(Status::ok, Status::ok, Status::ok, Status::ok, Status::missing,
+                                     hasLinks ? Status::outside : Status::missing, Status::notRegular));
     EXPECT_THAT(takeMessages(),
                 ElementsAre(HasSubstr("12-102 " + temp.path("store/c")), "12-101 " + temp.path("store/dir")));
 }

@@ -4,6 +4,12 @@
 
 namespace {
 
+// Not every system has files of every name.
+std::string folderOf(std::string name) {
+    std::replace(name.begin(), name.end(), '*', '_');
+    return name;
+}
+
 std::string metadataOf(const std::string& name, const std::string& revision,
                        const std::vector<StoreOnDisk::Needs>& needs) {
     std::string list;
@@ -23,8 +29,8 @@ StoreOnDisk::StoreOnDisk(const TempDir& dir, std::string name, std::string type,
 
 StoreOnDisk& StoreOnDisk::item(const std::string& name, const std::string& revision, const std::vector<Needs>& needs) {
     const std::string metadata = metadataOf(name, revision, needs);
-    m_repo.write("items/" + name + "/item.json", metadata);
-    m_repo.write("items/" + name + "/body.txt", name + " " + revision + "\n");
+    m_repo.write("items/" + folderOf(name) + "/item.json", metadata);
+    m_repo.write("items/" + folderOf(name) + "/body.txt", name + " " + revision + "\n");
     auto item = std::find_if(m_items.begin(), m_items.end(), [&](const Item& known) { return known.first == name; });
     if (item == m_items.end()) item = m_items.insert(item, {name, {}});
     item->second.push_back({revision, m_repo.commit(), metadata});
@@ -44,9 +50,10 @@ void StoreOnDisk::ship(const std::string& storesData) const {
         for (const auto& [revision, commit, metadata] : entries) {
             revisions += filled(R"(%{"revision": "%", "commit_id": "%", "history": ""})",
                                 {revisions.empty() ? "" : ",", revision, commit});
-            writeFile(root + "/items/" + name + (m_multiRevision ? "/" + revision : "") + "/item.json", metadata);
+            writeFile(root + "/items/" + folderOf(name) + (m_multiRevision ? "/" + revision : "") + "/item.json",
+                      metadata);
         }
-        const std::string place = "items/" + name;
+        const std::string place = "items/" + folderOf(name);
         items += filled(
             R"(%{"name": "%", "root": "%", "latest_revision": "%", "commit_id": "%",
             "config": {"root": "%", "metadata_file": "item.json"}, "revisions": [%]})",

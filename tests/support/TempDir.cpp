@@ -1,32 +1,33 @@
 #include "support/TempDir.h"
 
-#include <boost/filesystem.hpp>
-#include <boost/filesystem/fstream.hpp>
+#include "support/HUTEnv.h"
+#include "support/HUTFile.h"
+#include "support/System.h"
 
-#include <cstdlib>
+#include <boost/filesystem.hpp>
+
+#include <filesystem>
+#include <fstream>
 #include <iterator>
 
 namespace fs = boost::filesystem;
 
 namespace {
 
-void put(const std::string& name, const std::optional<std::string>& value) {
-    if (value)
-        setenv(name.c_str(), value->c_str(), 1);
-    else
-        unsetenv(name.c_str());
+std::filesystem::path nativeName(const std::string& file) {
+    return fs::path(file).native();
 }
 
 } // namespace
 
 TempDir::TempDir()
-    : m_path((fs::canonical(fs::temp_directory_path()) / fs::unique_path("plaz-test-%%%%-%%%%-%%%%")).string()) {
+    : m_path(
+          (fs::path(test_system::findTempDirectory()) / fs::unique_path("plaz-test-%%%%-%%%%-%%%%")).generic_string()) {
     fs::create_directory(m_path);
 }
 
 TempDir::~TempDir() {
-    boost::system::error_code error;
-    fs::remove_all(m_path, error);
+    HUTFile::rmRecursive(m_path);
 }
 
 std::string TempDir::write(const std::string& relative, const std::string& content) const {
@@ -39,13 +40,13 @@ std::string TempDir::makeDir(const std::string& relative) const {
 }
 
 EnvGuard::~EnvGuard() {
-    for (const auto& [name, value] : m_old) put(name, value);
+    for (const auto& [name, value] : m_old) test_system::putVariable(name, value);
 }
 
 void EnvGuard::set(const std::string& name, const std::optional<std::string>& value) {
-    const char* old = std::getenv(name.c_str());
-    m_old.try_emplace(name, old ? std::optional<std::string>(old) : std::nullopt);
-    put(name, value);
+    std::string old;
+    m_old.try_emplace(name, HUTEnv::getEnv(name, old) ? std::optional<std::string>(old) : std::nullopt);
+    test_system::putVariable(name, value);
 }
 
 std::string filled(const std::string& text, const std::vector<std::string>& values) {
@@ -57,11 +58,11 @@ std::string filled(const std::string& text, const std::vector<std::string>& valu
 
 std::string writeFile(const std::string& file, const std::string& content) {
     fs::create_directories(fs::path(file).parent_path());
-    fs::ofstream(file, std::ios::binary) << content;
+    std::ofstream(nativeName(file), std::ios::binary) << content;
     return file;
 }
 
 std::string readFile(const std::string& file) {
-    fs::ifstream stream(file, std::ios::binary);
+    std::ifstream stream(nativeName(file), std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
 }

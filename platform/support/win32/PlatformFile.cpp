@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <codecvt>
 #include <filesystem>
+#include <locale>
 #include <memory>
 #include <sddl.h>
 #include <thread>
@@ -142,16 +144,35 @@ bool isDirectory(const std::wstring& name) {
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
-// Tried again for two seconds and a half in all, at growing distances.
-bool moveOverPatiently(const std::wstring& from, const std::wstring& to) {
+/// Calls @p attempt, which returns 0 or an error, until it is done or fails for good: for two seconds and a half in
+/// all, at growing distances.
+template <typename Attempt> bool patiently(Attempt attempt) {
     constexpr std::chrono::milliseconds longestPause{1280};
-    if (isDirectory(to)) return false;
-    makeWriteable(to); // a read-only file is replaced like any other
     for (std::chrono::milliseconds pause{5};; pause *= 2) {
-        if (moveOver(from, to)) return true;
-        if (!passes(GetLastError()) || pause > longestPause) return false;
+        const DWORD error = attempt();
+        if (error == 0) return true;
+        if (!passes(error) || pause > longestPause) return false;
         std::this_thread::sleep_for(pause);
     }
+}
+
+bool moveOverPatiently(const std::wstring& from, const std::wstring& to) {
+    if (isDirectory(to)) return false;
+    makeWriteable(to); // a read-only file is replaced like any other
+    return patiently([&] { return moveOver(from, to) ? 0 : GetLastError(); });
+}
+
+// A file that somebody holds open keeps its name until he lets go of it.
+bool deleteFile(const std::wstring& name) {
+    bool isPending = false;
+    return patiently([&]() -> DWORD {
+        const bool isDeleted = DeleteFileW(name.c_str());
+        const DWORD error = isDeleted ? 0 : GetLastError();
+        if (isPending && statusOfError(error) == Status::missing) return 0;
+        isPending = isPending || isDeleted;
+        if (isPending) return GetFileAttributesW(name.c_str()) == INVALID_FILE_ATTRIBUTES ? 0 : ERROR_SHARING_VIOLATION;
+        return error == ERROR_ACCESS_DENIED ? ERROR_CANNOT_MAKE : error; // it may not be removed at all
+    });
 }
 
 /// A file made for this call alone; removed again unless it has been renamed.
@@ -209,10 +230,14 @@ bool removeEntries(const std::wstring& dir) {
 // Read-only files, such as git's objects, are not removed as they are. A link goes, what it leads to stays.
 bool removeEntry(const std::wstring& name, DWORD attributes) {
     if ((attributes & FILE_ATTRIBUTE_READONLY) != 0) makeWriteable(name);
-    if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return DeleteFileW(name.c_str());
+    if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return deleteFile(name);
     const bool isLink = (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
     return (isLink || removeEntries(name)) && RemoveDirectoryW(name.c_str());
 }
+
+// Texts become names, and names texts, in UTF-8, whatever the system's own narrow texts are in.
+[[maybe_unused]] const std::locale replaced =
+    boost::filesystem::path::imbue(std::locale(std::locale(), new std::codecvt_utf8_utf16<wchar_t>));
 
 } // namespace
 

@@ -26,8 +26,9 @@ HUTFileLock::Result HUTFileLock::tryLock() {
                                                                OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (m_handle == noHandle) return Result::unavailable;
     OVERLAPPED start{};
-    if (LockFileEx(toHandle(m_handle), LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0, &start))
-        return Result::held;
+    m_isHeld = m_isHeld ||
+               LockFileEx(toHandle(m_handle), LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0, &start);
+    if (m_isHeld) return Result::held;
     const DWORD error = GetLastError();
     return error == ERROR_LOCK_VIOLATION || error == ERROR_IO_PENDING ? Result::busy : Result::unavailable;
 }

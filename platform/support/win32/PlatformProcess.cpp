@@ -2,6 +2,7 @@
 
 #include "ChildOutput.h"
 #include "Win32.h"
+#include "support/HUTFile.h"
 #include "support/HUTWait.h"
 
 #include <algorithm>
@@ -176,8 +177,7 @@ std::wstring findProgram(const ProcessSpec& spec) {
 }
 
 std::string describeStartError(const ProcessSpec& spec, DWORD error) {
-    const bool isDirGone =
-        !spec.dir.empty() && (GetFileAttributesW(toWide(spec.dir).c_str()) & FILE_ATTRIBUTE_DIRECTORY) == 0;
+    const bool isDirGone = !spec.dir.empty() && !HUTFile::isDirectory(spec.dir);
     return isDirGone ? "there is no directory " + spec.dir : win32::describe(error);
 }
 

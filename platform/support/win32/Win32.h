@@ -1,7 +1,9 @@
 #pragma once
 
-#define WIN32_LEAN_AND_MEAN
+#ifndef NOMINMAX // the standard library may have it already
 #define NOMINMAX
+#endif
+#define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
 #include <string>

@@ -132,7 +132,7 @@ public:
                                       const std::string& branch);
 
     /// What git said to a question.
-    struct Answer {
+    struct PLAZ_API Answer {
         int status;       ///< exit status of git, or one of those that HUTFork has for a run without end
         std::string text; ///< all it wrote, secrets masked
 

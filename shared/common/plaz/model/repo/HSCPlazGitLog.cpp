@@ -9,9 +9,11 @@
 std::vector<std::string> HSCPlazGitLog::getErrorLines(const std::string& output) {
     std::vector<std::string> found;
     std::istringstream lines(output);
-    for (std::string line; std::getline(lines, line);)
+    for (std::string line; std::getline(lines, line);) {
+        if (!line.empty() && line.back() == '\r') line.pop_back();
         if (boost::algorithm::icontains(line, "fatal:") || boost::algorithm::icontains(line, "error:"))
             found.push_back(line);
+    }
     return found;
 }
 

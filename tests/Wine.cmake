@@ -1,0 +1,17 @@
+# Tests of a build for Windows run under Wine, in a Wine directory of the build's own.
+set(googletest /usr/src/googletest CACHE PATH "Sources of GoogleTest")
+set(CMAKE_POLICY_DEFAULT_CMP0077 NEW)
+set(INSTALL_GTEST OFF)
+add_subdirectory(${googletest} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+foreach(library gtest gtest_main gmock)
+  target_compile_options(${library} PRIVATE -w)
+endforeach()
+
+set(wine WINEPREFIX=${CMAKE_BINARY_DIR}/wine WINEPATH=${CMAKE_RUNTIME_OUTPUT_DIRECTORY} WINEDLLOVERRIDES=mscoree,mshtml=)
+list(INSERT CMAKE_CROSSCOMPILING_EMULATOR 1 ${wine})
+# What Wine cannot show, or Windows does not have: links, processes that begin in the midst of a test, a current directory
+# that is gone.
+string(JOIN ":" PLAZ_NOT_ON_WINDOWS "-PreferencesDeathTest.*" MessageDeathTest.*
+  StartUpTest.StoreFilesAreNotReadThroughLinks GitRunner.RunsWithoutCurrentDirectory)
+# Nothing is started under Wine before the tests are.
+set(CMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE PRE_TEST)

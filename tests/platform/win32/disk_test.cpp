@@ -1,0 +1,131 @@
+#include "support/HIOStream.h"
+#include "support/HUTFile.h"
+#include "support/HUTSysCall.h"
+#include "support/System.h"
+#include "support/TempDir.h"
+
+#include <gtest/gtest.h>
+
+#include <windows.h>
+
+#include <thread>
+
+namespace {
+
+using Names = std::vector<std::string>;
+using Status = HIOStream::Status;
+
+HANDLE openForReading(const std::string& file, DWORD share) {
+    return CreateFileA(file.c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING, 0, nullptr);
+}
+
+// Fault: drives, shares or backslashes taken for parts of a name; names that are not recorded in generic form.
+TEST(DiskTest, CanonicalNames) {
+    TempDir temp;
+    ASSERT_TRUE(HUTSysCall::changeDir(temp.path()));
+    const std::string drive = temp.path().substr(0, 2);
+    const std::pair<std::string, std::string> cases[] = {{"", ""},
+                                                         {"a\\.\\b\\..\\c", temp.path("a/c")},
+                                                         {"C:\\x\\..\\y/z", "C:/y/z"},
+                                                         {"C:/../a", "C:/a"},
+                                                         {"/a/b", drive + "/a/b"},
+                                                         {"//server/share/x/../y", "//server/share/y"}};
+    for (const auto& [name, canonical] : cases) EXPECT_EQ(HUTFile::getCanonicalName(name), canonical) << name;
+    EXPECT_EQ(HUTSysCall::getCurrDir(), temp.path());
+    HUTSysCall::changeDir(drive + "/");
+}
+
+// Fault: a name that only looks as if it stayed inside, or one that does and is written otherwise.
+TEST(DiskTest, Containment) {
+    TempDir temp;
+    temp.makeDir("Root/dir");
+    for (const char* inside : {"Root", "root\\DIR\\new", "Root/dir/../x", "ROOT/new/file"})
+        EXPECT_TRUE(HUTFile::isBeneath(temp.path("root"), temp.path(inside))) << inside;
+    for (const char* outside : {"rooted", "Root/../x", "Root\\..\\x"})
+        EXPECT_FALSE(HUTFile::isBeneath(temp.path("root"), temp.path(outside))) << outside;
+
+    temp.write("Root/dir/file", "inside");
+    temp.write("secret", "secret");
+    const HIOStream::Root root(temp.path("Root"));
+    std::string content;
+    for (const char* name : {"dir/file", "dir/../dir/./FILE"}) EXPECT_EQ(root.read(name, content), Status::ok) << name;
+    for (const std::string& name : {std::string("../secret"), std::string("dir/../../secret"), temp.path("secret"),
+                                    std::string("/x"), std::string("..\\secret"), std::string("dir/file:stream")})
+        EXPECT_EQ(root.read(name, content), Status::outside) << name;
+    EXPECT_EQ(root.read("dir", content), Status::notRegular);
+    for (const char* name : {"absent", "absent/file", ""}) EXPECT_EQ(root.read(name, content), Status::missing) << name;
+}
+
+// Fault: names beyond 260 characters, or beyond the system's own code page, that some operation does not know.
+TEST(DiskTest, LongAndForeignNames) {
+    TempDir temp;
+    std::string deep = temp.path("t");
+    for (int i = 0; i < 4; ++i) deep += "/" + std::string(100, 'x');
+    for (const std::string& dir : {deep, temp.path("\xC3\xBC \xE8\xA8\x88 \xF0\x9F\x98\x80")}) {
+        const std::string file = dir + "/f \xC3\xA4";
+        ASSERT_TRUE(HUTFile::mkDirRecursive(dir) && HUTFile::writeAtomically(file, "old")) << dir;
+        HIOStream::openForWriting(file, std::ios::app) << "\nnew";
+        std::string content;
+        EXPECT_EQ(HIOStream::read(file, content), Status::ok);
+        EXPECT_EQ(content, "old\nnew");
+        EXPECT_NE(HUTFile::getStamp(file), "");
+        EXPECT_NE(HUTFile::getLastMod(file), 0);
+        EXPECT_TRUE(HUTFile::isWriteable(dir) && HUTFile::isWriteable(file));
+        EXPECT_TRUE(HUTFile::copyToRecursive(dir, dir + "2", HUTFile::copyOver));
+        EXPECT_TRUE(HUTFile::rename(dir + "2", dir + "3"));
+        EXPECT_TRUE(HUTFile::replaceDirectory(dir + "3", dir));
+        EXPECT_EQ(HUTFile::listTree(dir), Names{"f \xC3\xA4"});
+        EXPECT_TRUE(HUTFile::rmRecursive(dir) && !HUTFile::exists(dir));
+    }
+}
+
+// Fault: read-only files, as those of git, that stay, or stand in the way of a new one.
+TEST(DiskTest, ReadOnlyFilesAreNoObstacle) {
+    TempDir temp;
+    const auto makeReadOnly = [](const std::string& file) {
+        ASSERT_TRUE(SetFileAttributesA(file.c_str(), FILE_ATTRIBUTE_READONLY));
+    };
+    makeReadOnly(temp.write("tree/objects/ab/cd", "x"));
+    EXPECT_TRUE(HUTFile::rmRecursive(temp.path("tree")) && !HUTFile::exists(temp.path("tree")));
+    makeReadOnly(temp.write("file", "old"));
+    EXPECT_TRUE(HUTFile::writeAtomically(temp.path("file"), "new"));
+    EXPECT_EQ(readFile(temp.path("file")), "new");
+    EXPECT_TRUE(HUTFile::writeAtomically(temp.path("secret"), "s", true));
+    EXPECT_FALSE(test_system::isReadableByOthers(temp.path("secret")));
+    EXPECT_TRUE(test_system::isReadableByOthers(temp.path("file"))) << "the test cannot tell";
+}
+
+// Fault: a file that somebody reads for a moment is not replaced; one that stays open is lost, or leaves rubbish.
+TEST(DiskTest, OpenFilesAreTriedAgain) {
+    TempDir temp;
+    const std::string file = temp.write("file", "old");
+    HANDLE held = openForReading(file, FILE_SHARE_READ);
+    ASSERT_NE(held, INVALID_HANDLE_VALUE);
+    EXPECT_FALSE(HUTFile::writeAtomically(file, "new"));
+    EXPECT_EQ(readFile(file), "old");
+    EXPECT_EQ(HUTFile::createFileIter(temp.path()), Names{"file"});
+    std::thread reader([held] {
+        Sleep(200);
+        CloseHandle(held);
+    });
+    EXPECT_TRUE(HUTFile::writeAtomically(file, "new"));
+    reader.join();
+    EXPECT_EQ(readFile(file), "new");
+
+    held = openForReading(file, FILE_SHARE_READ | FILE_SHARE_DELETE);
+    std::thread other([held] {
+        Sleep(200);
+        CloseHandle(held);
+    });
+    EXPECT_TRUE(HUTFile::rmRecursive(file));
+    EXPECT_FALSE(HUTFile::exists(file)) << "removed later only";
+    other.join();
+}
+
+// Fault: two items that share a folder without a word.
+TEST(DiskTest, NamesThatTheDiskTakesForOne) {
+    EXPECT_EQ(HUTFile::getNameKey("Led \xC3\x84"), HUTFile::getNameKey("lED \xC3\xA4"));
+    EXPECT_NE(HUTFile::getNameKey("led"), HUTFile::getNameKey("led2"));
+}
+
+} // namespace

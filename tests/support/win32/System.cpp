@@ -1,0 +1,78 @@
+#include "support/System.h"
+
+#include "support/HI18N.h"
+#include "support/HUTFile.h"
+#include "support/TempDir.h"
+
+#include <array>
+#include <boost/algorithm/string/replace.hpp>
+#include <memory>
+#include <stdexcept>
+
+#include <windows.h>
+
+#include <aclapi.h>
+
+const char* const test_system::homeVariable = "USERPROFILE";
+const char* const test_system::pathListSeparator = ";";
+const char* const test_system::programSuffix = ".exe";
+
+// Wine's C: lies behind a link of the system that it runs on, which programs there resolve.
+std::string test_system::findTempDirectory() {
+    return "Z:/tmp";
+}
+
+// Wine says that it has made one, and has not.
+bool test_system::makeLink(const std::string& target, const std::string& link) {
+    const std::wstring name = HI18N::convert(link);
+    return CreateSymbolicLinkW(name.c_str(), HI18N::convert(target).c_str(), 0) &&
+           GetFileAttributesW(name.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+bool test_system::isReadableByOthers(const std::string& file) {
+    PACL rights = nullptr;
+    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    if (GetNamedSecurityInfoW(HI18N::convert(file).c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr,
+                              &rights, nullptr, &descriptor) != ERROR_SUCCESS)
+        throw std::runtime_error("the rights of " + file + " cannot be read");
+    const std::unique_ptr<void, HLOCAL (*)(void*)> owned(descriptor, LocalFree);
+    std::array<char, SECURITY_MAX_SID_SIZE> everyone{};
+    auto size = static_cast<DWORD>(everyone.size());
+    CreateWellKnownSid(WinWorldSid, nullptr, everyone.data(), &size);
+    ACCESS_MASK granted = 0;
+    for (DWORD i = 0; rights && i < rights->AceCount; ++i) {
+        void* entry = nullptr;
+        if (!GetAce(rights, i, &entry)) throw std::runtime_error("the rights to " + file + " cannot be read");
+        auto* const allowed = static_cast<ACCESS_ALLOWED_ACE*>(entry);
+        if (allowed->Header.AceType == ACCESS_ALLOWED_ACE_TYPE && EqualSid(&allowed->SidStart, everyone.data()))
+            granted |= allowed->Mask;
+    }
+    return (granted & FILE_READ_DATA) != 0;
+}
+
+void test_system::putVariable(const std::string& name, const std::optional<std::string>& value) {
+    SetEnvironmentVariableW(HI18N::convert(name).c_str(), value ? HI18N::convert(*value).c_str() : nullptr);
+}
+
+// Wine's, and nowhere else's.
+std::string test_system::toShellName(const std::string& path) {
+    using Convert = char*(__cdecl*)(const wchar_t*);
+    const auto convert = reinterpret_cast<Convert>(
+        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32"), "wine_get_unix_file_name")));
+    char* const name = convert ? convert(HI18N::convert(path).c_str()) : nullptr;
+    if (!name) throw std::runtime_error("no name for the shell: " + path);
+    const std::string text = name;
+    HeapFree(GetProcessHeap(), 0, name);
+    return text;
+}
+
+// Beside the script lies the program that hands commands to the system that Wine runs on.
+void test_system::writeProgram(const std::string& file, const std::string& script, const std::string& dir) {
+    writeFile(file, "");
+    HUTFile::writeAtomically(file + ".sh", boost::algorithm::replace_all_copy(script, dir, toShellName(dir)) + "\n",
+                             true);
+    std::wstring helper(32767, L'\0');
+    helper.resize(GetModuleFileNameW(nullptr, helper.data(), static_cast<DWORD>(helper.size())));
+    helper = helper.substr(0, helper.rfind(L'\\') + 1) + L"git.exe";
+    if (!CopyFileW(helper.c_str(), HI18N::convert(file).c_str(), FALSE)) throw std::runtime_error("no " + file);
+}
