@@ -46,7 +46,7 @@ install(FILES ${PROJECT_BINARY_DIR}/plaz.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/
 if(NOT WIN32)
   install(FILES docs/man/plaz.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 endif()
-install(FILES README.md docs/user-guide.md docs/store-authors-guide.md docs/embedding-guide.md
+install(FILES README.md docs/user-guide.md docs/store-authors-guide.md docs/embedding-guide.md docs/windows.md
   DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs/images DESTINATION ${CMAKE_INSTALL_DOCDIR})
 

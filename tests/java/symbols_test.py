@@ -1,6 +1,8 @@
 """Catches: a function of the Java binding that is missing, misnamed, or exported besides the family.
 
-    symbols_test.py LIBPLAZI
+    symbols_test.py LIBPLAZI [OBJDUMP]
+
+With OBJDUMP the library is one for Windows.
 """
 
 import re
@@ -43,9 +45,11 @@ def symbol(owner, method):
 
 def main():
     family = {symbol(owner, method) for owner, methods in FAMILY.items() for method in methods.split()}
-    listed = subprocess.run(["nm", "--dynamic", "--defined-only", sys.argv[1]], check=True, stdout=subprocess.PIPE,
-                            encoding="utf-8").stdout
-    exported = set(re.findall(r" [A-Za-z] (\S+)", listed))
+    library, *objdump = sys.argv[1:]
+    lister, entry = (["nm", "--dynamic", "--defined-only"], r" [A-Za-z] (\S+)") if not objdump else (
+        [*objdump, "--private-headers"], r"\n\t\[ *\d+\] (?!\+base)(\S+)")
+    listed = subprocess.run([*lister, library], check=True, stdout=subprocess.PIPE, encoding="utf-8").stdout
+    exported = set(re.findall(entry, listed))
     for name in sorted(family ^ exported):
         print(name, "is missing" if name in family else "does not belong to the family")
     sys.exit(0 if exported == family else 1)

@@ -10,6 +10,7 @@
 #include "plaz/model/reader/HSCPlazReader.h"
 #include "support/System.h"
 
+#include <boost/algorithm/string/replace.hpp>
 #include <sstream>
 
 using Utils = HSCPlazJsonReadWriteUtils;
@@ -87,7 +88,10 @@ TEST_F(ReaderTest, hubUpdatesStores) {
                     "install_loc": "loc"}},
         {"name": "b"}, {"name": "a", "url": "https://example.org/new.git", "display_name": 5}]}})");
     setParam("plaz.enableSchemaValidation", false);
-    ASSERT_TRUE(HSCPlazReader().parse(file, &hub) && HSCPlazReader().parse(file, &hub)); // again into the same model
+    ASSERT_TRUE(HSCPlazReader().parse(file, &hub));
+    // Again, into the same model, from a file that was edited on Windows.
+    temp.write("plaz.json", boost::algorithm::replace_all_copy(readFile(file), "\n", "\r\n"));
+    ASSERT_TRUE(HSCPlazReader().parse(file, &hub));
     EXPECT_EQ(hub.getCommitId(), "c0ffee");
     ASSERT_EQ(hub.getStores().size(), 2u);
     const HSCPlazQStoreModel& a = *hub.getStores()[0];
