@@ -162,15 +162,20 @@ bool moveOverPatiently(const std::wstring& from, const std::wstring& to) {
     return patiently([&] { return moveOver(from, to) ? 0 : GetLastError(); });
 }
 
+// While the name of a removed file stays, the system denies access to it.
+bool isGone(const std::wstring& name) {
+    return GetFileAttributesW(name.c_str()) == INVALID_FILE_ATTRIBUTES &&
+           statusOfError(GetLastError()) == Status::missing;
+}
+
 // A file that somebody holds open keeps its name until he lets go of it.
 bool deleteFile(const std::wstring& name) {
     bool isPending = false;
     return patiently([&]() -> DWORD {
         const bool isDeleted = DeleteFileW(name.c_str());
         const DWORD error = isDeleted ? 0 : GetLastError();
-        if (isPending && statusOfError(error) == Status::missing) return 0;
         isPending = isPending || isDeleted;
-        if (isPending) return GetFileAttributesW(name.c_str()) == INVALID_FILE_ATTRIBUTES ? 0 : ERROR_SHARING_VIOLATION;
+        if (isPending) return isGone(name) ? 0 : ERROR_SHARING_VIOLATION;
         return error == ERROR_ACCESS_DENIED ? ERROR_CANNOT_MAKE : error; // it may not be removed at all
     });
 }
