@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <unordered_map>
+#include <unordered_set>
 
 namespace {
 
@@ -99,32 +100,32 @@ void dropUnsafeRevisions(Item& item) {
     item.setRevisions(std::move(safe));
 }
 
-/// Names of folders as the system tells them apart.
+/// Names of folders, where the system takes some for one.
 class FolderNames {
 public:
-    /// @return the name that stands for the same folder, @p name itself where there was none yet
-    const std::string& add(const std::string& name) {
-        return m_names.emplace(HUTFile::getNameKey(name), name).first->second;
+    /// @return why the folder is none of its own; empty when it is, or when the same name was there before
+    std::string findClash(std::string_view what, const std::string& name) {
+        static const bool isCaseIgnored = HUTFile::getNameKey("a") == HUTFile::getNameKey("A");
+        if (!isCaseIgnored) return {};
+        const std::string& first = m_names.emplace(HUTFile::getNameKey(name), name).first->second;
+        if (first == name) return {};
+        return "its " + std::string(what) + " \"" + name + "\" is the same folder as \"" + first + "\" on this system";
     }
-    std::size_t getCount() const { return m_names.size(); }
 
 private:
     std::unordered_map<std::string, std::string> m_names;
 };
 
-std::string sameFolder(std::string_view what, const std::string& name, const std::string& other) {
-    return "its " + std::string(what) + " \"" + name + "\" is the same folder as \"" + other + "\" on this system";
-}
-
 void addOlderRevisions(const Item& newest, HSCPlazQStoreModel& store) {
+    std::unordered_set<std::string_view> known{newest.getRevision(), ""};
     FolderNames folders;
-    folders.add("");
-    folders.add(newest.getRevision());
+    folders.findClash(Key::revision, newest.getRevision());
     for (const HSCPlazRevisionModel& revision : newest.getRevisions()) {
-        const std::size_t count = folders.getCount();
-        const std::string& folder = folders.add(revision.revision);
-        if (folder != revision.revision) refuse(newest.getName(), sameFolder(Key::revision, revision.revision, folder));
-        if (folders.getCount() == count) continue;
+        if (!known.insert(revision.revision).second) continue;
+        if (const std::string clash = folders.findClash(Key::revision, revision.revision); !clash.empty()) {
+            refuse(newest.getName(), clash);
+            continue;
+        }
         auto item = std::make_unique<Item>();
         item->setName(newest.getName());
         item->setRoot(newest.getRoot());
@@ -154,8 +155,8 @@ void readItems(const Value& entries, HSCPlazQStoreModel& store) {
             refuse(item->getName(), refusal);
             continue;
         }
-        if (const std::string& root = roots.add(item->getRoot()); root != item->getRoot()) {
-            refuse(item->getName(), sameFolder(Key::root, item->getRoot(), root));
+        if (const std::string clash = roots.findClash(Key::root, item->getRoot()); !clash.empty()) {
+            refuse(item->getName(), clash);
             continue;
         }
         dropUnsafeRevisions(*item);
