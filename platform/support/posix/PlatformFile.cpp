@@ -233,6 +233,8 @@ bool removeTree(const std::string& path) {
     return !error;
 }
 
+// RATIONALE: Boost's copy waits until each file is on the disk itself, which costs more than all else of an
+// installation. A copy that a power failure can harm is made in a place of its own first.
 bool copyFile(const std::string& source, const std::string& dest) {
     std::error_code error;
     if (std::filesystem::copy_file(source, dest, error)) return true;
