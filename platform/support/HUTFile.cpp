@@ -18,16 +18,6 @@ fs::path sys(const fs::path& name) {
     return platform::toSystemName(name.string());
 }
 
-fs::path makeAbsolute(const std::string& name) {
-    // Two slashes in front have a meaning of their own only where "\\" is the separator.
-    const bool isDoubled = fs::path::preferred_separator == '/' && name.compare(0, 2, "//") == 0;
-    const fs::path path = isDoubled ? "/" + name.substr(std::min(name.find_first_not_of('/'), name.size())) : name;
-    if (path.empty() || path.is_absolute()) return path;
-    Error error;
-    const fs::path base = fs::current_path(error);
-    return error ? fs::path() : fs::absolute(path, base);
-}
-
 bool liesBeneath(const fs::path& root, const fs::path& path) {
     return std::mismatch(root.begin(), root.end(), path.begin(), path.end()).first == root.end();
 }
@@ -35,7 +25,7 @@ bool liesBeneath(const fs::path& root, const fs::path& path) {
 // The path with every link resolved; components that do not exist follow as they are. Empty when that is impossible.
 fs::path resolve(const std::string& path) {
     fs::path rest;
-    for (fs::path existing = makeAbsolute(path); !existing.empty(); existing = existing.parent_path()) {
+    for (fs::path existing = platform::makeAbsolute(path); !existing.empty(); existing = existing.parent_path()) {
         std::error_code error;
         const fs::path real = platform::resolveLinks(existing.string(), error);
         if (!error) return rest.empty() ? real : real / rest;
@@ -193,7 +183,7 @@ std::time_t HUTFile::getLastMod(const std::string& path) {
 }
 
 std::string HUTFile::getCanonicalName(const std::string& path) {
-    const fs::path absolute = makeAbsolute(path);
+    const fs::path absolute = platform::makeAbsolute(path);
     fs::path canonical = absolute.root_path();
     for (const fs::path& component : absolute.relative_path()) {
         if (component == "..") // above the root there is nothing

@@ -17,6 +17,10 @@ constexpr std::uint64_t largestFile = std::uint64_t{1} << 30;
 /// The name in the form in which calls of the system and of libraries take it at any length.
 boost::filesystem::path toSystemName(const std::string& name);
 
+/// The name from the root on, as the system understands it; empty for an empty name, or where the current directory is
+/// wanted and gone. "." and ".." may be left in it.
+std::string makeAbsolute(const std::string& name);
+
 /// As HUTFile::getNameKey() says.
 std::string getNameKey(const std::string& name);
 

@@ -168,6 +168,15 @@ boost::filesystem::path toSystemName(const std::string& name) {
     return name;
 }
 
+std::string makeAbsolute(const std::string& name) {
+    if (name.empty()) return {};
+    const std::size_t start = std::min(name.find_first_not_of('/'), name.size());
+    if (start > 0) return "/" + name.substr(start);
+    std::error_code error;
+    const std::filesystem::path base = std::filesystem::current_path(error);
+    return error ? std::string() : (base / name).string();
+}
+
 std::string getNameKey(const std::string& name) {
     return name;
 }

@@ -250,6 +250,10 @@ boost::filesystem::path toSystemName(const std::string& name) {
     return toLongName(name);
 }
 
+std::string makeAbsolute(const std::string& name) {
+    return win32::toGenericName(toLongName(name));
+}
+
 std::string getNameKey(const std::string& name) {
     std::wstring key = win32::toWide(name);
     if (!key.empty()) CharUpperBuffW(key.data(), static_cast<DWORD>(key.size()));
