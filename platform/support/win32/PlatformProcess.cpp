@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <filesystem>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -176,15 +177,22 @@ std::wstring findProgram(const ProcessSpec& spec) {
     return isAbsolute || spec.dir.empty() ? program : toWide(spec.dir) + L'\\' + program;
 }
 
+// The command interpreter would run it, and take parts of arguments for commands of its own.
+bool isCommandFile(const std::wstring& program) {
+    const std::wstring type = std::filesystem::path(win32::toLongName(win32::toUtf8(program))).extension();
+    return _wcsicmp(type.c_str(), L".cmd") == 0 || _wcsicmp(type.c_str(), L".bat") == 0;
+}
+
 std::string describeStartError(const ProcessSpec& spec, DWORD error) {
-    const bool isDirGone = !spec.dir.empty() && !HUTFile::isDirectory(spec.dir);
-    return isDirGone ? "there is no directory " + spec.dir : win32::describe(error);
+    if (!spec.dir.empty() && !HUTFile::isDirectory(spec.dir)) return "there is no directory " + spec.dir;
+    return error == ERROR_NOT_SUPPORTED ? "it is a command file, a program is needed" : win32::describe(error);
 }
 
 /// @return 0 or the error; the process waits to be told to run
 DWORD start(const ProcessSpec& spec, const ChildOutput& output, Handle& process, Handle& thread) {
     const std::wstring program = findProgram(spec);
     if (program.empty()) return ERROR_FILE_NOT_FOUND;
+    if (isCommandFile(program)) return ERROR_NOT_SUPPORTED;
     const Handle input = openNull(GENERIC_READ);
     std::vector<HANDLE> handles{input.get(), output.getOut()};
     if (output.getErr() != output.getOut()) handles.push_back(output.getErr());
