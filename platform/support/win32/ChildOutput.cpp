@@ -62,6 +62,7 @@ void ChildOutput::copy(const Pipe& pipe) {
     DWORD size = 0;
     while (ReadFile(pipe.read.get(), buffer.data(), static_cast<DWORD>(buffer.size()), &size, nullptr)) {
         DWORD written = 0;
+        const std::lock_guard guard(m_writing); // looking for the end and writing there need not be one step
         WriteFile(m_file.get(), buffer.data(), size, &written, nullptr);
     }
     if (--m_readers == 0) SetEvent(m_closed.get());

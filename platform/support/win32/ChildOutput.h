@@ -3,6 +3,7 @@
 #include "Win32.h"
 
 #include <atomic>
+#include <mutex>
 #include <string>
 #include <thread>
 
@@ -44,6 +45,7 @@ private:
     win32::Handle m_closed;
     std::atomic<int> m_readers{0};
     win32::Handle m_file;
+    std::mutex m_writing;
     Pipe m_out;
     Pipe m_err;
     std::thread m_outReader;
