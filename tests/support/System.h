@@ -20,6 +20,9 @@ bool isReadableByOthers(const std::string& file);
 /// Sets a variable of this process, or takes it away.
 void putVariable(const std::string& name, const std::optional<std::string>& value);
 
+/// Starts a program, with this one's streams, that nobody waits for.
+void startAside(const std::string& program, const char* argument);
+
 /// The name of a file or directory as scripts of the shell know it.
 std::string toShellName(const std::string& path);
 /// Makes a program that is a script of the shell. What @p script says of the directory @p dir is meant as a shell knows

@@ -6,7 +6,7 @@
 //
 // Git sees this process's directory and environment, but the native PATH. "Z:/x" and "Z:\x" become native names where
 // an argument, or a value of HOME or GIT_*, starts, and behind "=" or ";" in it. Addresses go into git's configuration,
-// where they are compared, so they stay as they were given; git itself maps the drives in them.
+// where they are compared, so they stay as they were given; git itself maps the drive in them.
 
 #include <winsock2.h>
 
@@ -45,26 +45,10 @@ void check(bool isGood, const char* failure) {
 
 using Texts = std::map<std::wstring, std::wstring>;
 
-/// Native directory of each drive, "Z:" for one, with "/" at its end.
-Texts findDrives() {
-    const auto address = GetProcAddress(GetModuleHandleW(L"kernel32"), "wine_get_unix_file_name");
-    check(address != nullptr, "this is no Wine");
-    const auto askWine = reinterpret_cast<char*(CDECL*)(const wchar_t*)>(reinterpret_cast<void*>(address));
-    Texts drives;
-    for (std::wstring drive = L"A:"; drive[0] <= L'Z'; ++drive[0]) {
-        const char* const native = askWine((drive + L'\\').c_str());
-        if (native != nullptr) drives[drive] = (std::filesystem::path(native) / "").generic_wstring();
-    }
-    return drives;
-}
-
-const Texts drives = findDrives();
-
-/// Native directory of the drive that a name starts with at @p at, or null.
-const std::wstring* findDrive(const std::wstring& text, std::size_t at) {
-    if (text.size() < at + 3 || (text[at + 2] != L'/' && text[at + 2] != L'\\')) return nullptr;
-    const auto drive = drives.find({static_cast<wchar_t>(text[at] & ~0x20), text[at + 1]});
-    return drive == drives.end() ? nullptr : &drive->second;
+/// Whether the name of a file on drive Z, the machine's own tree, starts there.
+bool startsName(const std::wstring& text, std::size_t at) {
+    return text.size() > at + 2 && (text[at] | 0x20) == L'z' && text[at + 1] == L':' &&
+           (text[at + 2] == L'/' || text[at + 2] == L'\\');
 }
 
 std::wstring toNative(const std::wstring& text) {
@@ -75,11 +59,10 @@ std::wstring toNative(const std::wstring& text) {
     for (std::size_t i = 0; i < text.size(); ++i) {
         const bool isStart = i == 0 || text[i - 1] == L'=' || text[i - 1] == L';';
         const std::size_t name = text.compare(i, longName.size(), longName) == 0 ? i + longName.size() : i;
-        const std::wstring* const drive = isStart ? findDrive(text, name) : nullptr;
-        if (drive != nullptr) {
+        if (isStart && startsName(text, name)) {
             if (isName && text[i - 1] == L';') native.back() = L':'; // a list of names
             isName = true;
-            native += *drive;
+            native += L'/';
             i = name + 2;
         } else {
             native += isName && text[i] == L'\\' ? L'/' : text[i];
@@ -103,12 +86,11 @@ Texts readEnvironment() {
 
 void mapAddresses(Texts& environment) {
     unsigned long count = std::wcstoul(environment[L"GIT_CONFIG_COUNT"].c_str(), nullptr, 10);
-    for (const auto& [drive, dir] : drives)
-        for (const std::wstring scheme : {L"", L"file://", L"file:///"}) {
-            const std::wstring number = std::to_wstring(count++);
-            environment[L"GIT_CONFIG_KEY_" + number] = L"url." + scheme.substr(0, 7) + dir + L".insteadOf";
-            environment[L"GIT_CONFIG_VALUE_" + number] = scheme + drive + L"/";
-        }
+    for (const std::wstring scheme : {L"", L"file://", L"file:///"}) {
+        const std::wstring number = std::to_wstring(count++);
+        environment[L"GIT_CONFIG_KEY_" + number] = L"url." + scheme.substr(0, 7) + L"/.insteadOf";
+        environment[L"GIT_CONFIG_VALUE_" + number] = scheme + L"Z:/";
+    }
     environment[L"GIT_CONFIG_COUNT"] = std::to_wstring(count);
 }
 

@@ -157,21 +157,4 @@ TEST(DiskTest, Copy) {
     EXPECT_TRUE(HUTFile::isRegularFile(temp.path("far/poolsize")));
 }
 
-// Fault: an old directory lost before the new one stands, or remains of either left beside it.
-TEST(DiskTest, ReplaceDirectory) {
-    TempDir temp;
-    for (int i = 0; i < 2; ++i) { // dest is absent the first time
-        temp.write("fresh/new", "x");
-        EXPECT_TRUE(HUTFile::replaceDirectory(temp.path("fresh"), temp.path("deep/er/dest/")));
-        EXPECT_EQ(HUTFile::createFileIter(temp.path("deep/er/dest")), Names{"new"});
-        temp.write("deep/er/dest/" + std::string(i == 0 ? "old" : "kept"), "x");
-    }
-    EXPECT_FALSE(HUTFile::replaceDirectory(temp.path("fresh"), temp.path("deep/er/dest"))) << "nothing to put there";
-    // A directory cannot move below itself: the old one, moved aside already, has to come back.
-    EXPECT_FALSE(HUTFile::replaceDirectory(temp.path("deep"), temp.path("deep/er/dest")));
-    EXPECT_EQ(HUTFile::createFileIter(temp.path("deep/er/dest")), (Names{"kept", "new"}));
-    EXPECT_EQ(HUTFile::createFileIter(temp.path("deep/er")), Names{"dest"});
-    EXPECT_EQ(HUTFile::createFileIter(temp.path()), Names{"deep"});
-}
-
 } // namespace

@@ -28,6 +28,7 @@ TEST(DiskTest, CanonicalNames) {
                                                          {"a\\.\\b\\..\\c", temp.path("a/c")},
                                                          {"C:\\x\\..\\y/z", "C:/y/z"},
                                                          {"C:/../a", "C:/a"},
+                                                         {"C:x", "C:/x"},
                                                          {"/a/b", drive + "/a/b"},
                                                          {"//server/share/x/../y", "//server/share/y"}};
     for (const auto& [name, canonical] : cases) EXPECT_EQ(HUTFile::getCanonicalName(name), canonical) << name;

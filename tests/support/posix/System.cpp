@@ -4,6 +4,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <unistd.h>
 
 const char* const test_system::homeVariable = "HOME";
 const char* const test_system::pathListSeparator = ":";
@@ -28,6 +29,10 @@ void test_system::putVariable(const std::string& name, const std::optional<std::
         setenv(name.c_str(), value->c_str(), 1);
     else
         unsetenv(name.c_str());
+}
+
+void test_system::startAside(const std::string& program, const char* argument) {
+    if (fork() == 0) execl(program.c_str(), program.c_str(), argument, nullptr);
 }
 
 std::string test_system::toShellName(const std::string& path) {

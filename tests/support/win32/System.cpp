@@ -7,6 +7,7 @@
 #include <array>
 #include <boost/algorithm/string/replace.hpp>
 #include <memory>
+#include <process.h>
 #include <stdexcept>
 
 #include <windows.h>
@@ -54,16 +55,13 @@ void test_system::putVariable(const std::string& name, const std::optional<std::
     SetEnvironmentVariableW(HI18N::convert(name).c_str(), value ? HI18N::convert(*value).c_str() : nullptr);
 }
 
-// Wine's, and nowhere else's.
+void test_system::startAside(const std::string& program, const char* argument) {
+    _spawnl(_P_NOWAIT, program.c_str(), program.c_str(), argument, nullptr);
+}
+
+// Drive Z is the tree of the system that Wine runs on.
 std::string test_system::toShellName(const std::string& path) {
-    using Convert = char*(__cdecl*)(const wchar_t*);
-    const auto convert = reinterpret_cast<Convert>(
-        reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"kernel32"), "wine_get_unix_file_name")));
-    char* const name = convert ? convert(HI18N::convert(path).c_str()) : nullptr;
-    if (!name) throw std::runtime_error("no name for the shell: " + path);
-    const std::string text = name;
-    HeapFree(GetProcessHeap(), 0, name);
-    return text;
+    return path.substr(2);
 }
 
 // Beside the script lies the program that hands commands to the system that Wine runs on.
