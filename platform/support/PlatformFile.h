@@ -37,8 +37,8 @@ public:
     HIOStream::Status read(const std::string& relative, std::string& content) const;
 
 private:
-    std::string m_dir;      ///< as it was given, or with its links resolved
-    std::intptr_t m_handle; ///< of the system, where it keeps one for this
+    std::string m_dir;                       ///< as it was given, or with its links resolved
+    [[maybe_unused]] std::intptr_t m_handle; ///< of the system, where it keeps one for this
 };
 
 /// Reads a whole file as it stands on disk; @p content is replaced, and undefined unless the result is ok.

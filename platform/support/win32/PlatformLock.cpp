@@ -5,7 +5,7 @@
 namespace {
 
 HANDLE toHandle(std::intptr_t number) {
-    return reinterpret_cast<HANDLE>(number);
+    return reinterpret_cast<HANDLE>(number); // NOLINT(performance-no-int-to-ptr): it has been one
 }
 
 const auto noHandle = reinterpret_cast<std::intptr_t>(INVALID_HANDLE_VALUE);

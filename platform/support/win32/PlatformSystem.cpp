@@ -81,7 +81,8 @@ int runShell(const std::string& command) {
 int divertStandardOutput() {
     const int kept = _dup(standardOutput);
     if (kept < 0) return -1;
-    SetHandleInformation(reinterpret_cast<HANDLE>(_get_osfhandle(kept)), HANDLE_FLAG_INHERIT, 0);
+    const auto handle = reinterpret_cast<HANDLE>(_get_osfhandle(kept)); // NOLINT(performance-no-int-to-ptr)
+    SetHandleInformation(handle, HANDLE_FLAG_INHERIT, 0);
     if (_dup2(standardError, standardOutput) == 0) return kept;
     _close(kept);
     return -1;
