@@ -3,6 +3,7 @@
 #include "plaz/model/reader/HSCPlazCategoryTree.h"
 #include "plaz/model/reader/HSCPlazQItemCatalogReader.h"
 
+#include <fstream>
 #include <sstream>
 
 namespace {
@@ -101,6 +102,23 @@ TEST_F(CatalogTest, refusals) {
     read("\"items\": [{\"name\": \"a\", \"root\": \"/\\u001b[2J" + std::string(5000, 'x') + "\"}]");
     EXPECT_EQ(messages.at(0).args.at(1).find('\x1b'), std::string::npos);
     EXPECT_LT(takeMessages()[0].size(), 300u);
+}
+
+// Two items in one folder, or an item left out for a name that only looks like another one's.
+TEST_F(CatalogTest, foldersThatDifferInCaseAlone) {
+    read(R"("multi_revision_supported": true, "items": [{"name": "a", "root": "Led", "latest_revision": "b",
+        "revisions": [{"revision": "1"}, {"revision": "B"}]}, {"name": "b", "root": "lED"},
+        {"name": "c", "root": "Led"}])");
+    std::ofstream(temp.path("Probe")) << "x";
+    if (HUTFile::exists(temp.path("pROBE"))) {
+        EXPECT_THAT(describe(store), ElementsAre("a@b  Led||!", "a@1  Led||", "c@  Led||!"));
+        EXPECT_THAT(takeMessages(),
+                    ElementsAre("17-2160 a|its revision \"B\" is the same folder as \"b\" on this system",
+                                "17-2160 b|its root \"lED\" is the same folder as \"Led\" on this system"));
+    } else {
+        EXPECT_THAT(describe(store),
+                    ElementsAre("a@b  Led||!", "a@1  Led||", "a@B  Led||", "b@  lED||!", "c@  Led||!"));
+    }
 }
 
 // Categories lost or doubled, or a list of parents on which the reader never ends.
