@@ -28,6 +28,12 @@ int HUTSysCall::runShell(const std::string& command) {
     return platform::runShell(command);
 }
 
+bool HUTSysCall::isPlainShellWord(const std::string& text) {
+    static const std::string plain =
+        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~:/@+,=" + platform::plainInShell;
+    return !text.empty() && text.find_first_not_of(plain) == std::string::npos;
+}
+
 int HUTSysCall::divertStandardOutput() {
     std::cout.flush();
     std::fflush(stdout);

@@ -16,9 +16,11 @@ public:
     /// For main(): from now on the standard streams carry bytes as they are, and a terminal takes them as UTF-8.
     /// @return the arguments in UTF-8, the program's name first
     static std::vector<std::string> startProgram(int argc, const char* const* argv);
-    /// Has the system's command interpreter carry out a line. Never for a line with words from elsewhere that were not
-    /// looked at. @return 0 when the command was done with success
+    /// Has the system's command interpreter carry out a line. Words from elsewhere have no place in it unless they are
+    /// plain. @return 0 when the command was done with success
     static int runShell(const std::string& command);
+    /// Whether the command interpreter takes the text for one word, just as it is.
+    static bool isPlainShellWord(const std::string& text);
 
     /// Sends what the process and its children write to standard output to standard error from now on.
     /// @return a handle of the real standard output for restoreStandardOutput(); negative, with nothing changed, when

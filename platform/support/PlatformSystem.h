@@ -29,6 +29,8 @@ void setEnvironment(const std::string& name, const std::string& value);
 std::vector<std::string> startProgram(int argc, const char* const* argv);
 /// As HUTSysCall::runShell() says.
 int runShell(const std::string& command);
+/// What the shell takes as it is beside letters, digits and what is plain on every system.
+extern const std::string plainInShell;
 
 /// Makes standard output a second name of standard error. @return a descriptor of the real one, not inherited by
 /// children; negative when that failed

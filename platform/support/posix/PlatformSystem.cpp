@@ -64,6 +64,8 @@ std::vector<std::string> startProgram(int argc, const char* const* argv) {
     return {argv, argv + argc};
 }
 
+const std::string plainInShell = "%";
+
 int runShell(const std::string& command) {
     return std::system(command.c_str()); // NOLINT(cert-env33-c): what it is for
 }

@@ -74,6 +74,8 @@ std::vector<std::string> startProgram(int /*argc*/, const char* const* /*argv*/)
     return texts;
 }
 
+const std::string plainInShell; // the values of variables stand for %NAME%
+
 int runShell(const std::string& command) {
     return _wsystem(win32::toWide(command).c_str());
 }

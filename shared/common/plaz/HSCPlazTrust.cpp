@@ -150,11 +150,6 @@ bool HSCPlazTrust::isPlainTclName(const std::string& name) {
     return !name.empty() && name.front() != '-' && isPlainTclText(name);
 }
 
-bool HSCPlazTrust::isPlainShellWord(const std::string& url) {
-    static constexpr const char* plain = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._~:/@+,=%";
-    return !url.empty() && url.find_first_not_of(plain) == std::string::npos;
-}
-
 std::string HSCPlazTrust::maskSecrets(const std::string& text) {
     std::string masked;
     std::size_t done = 0;

@@ -26,8 +26,6 @@ PLAZ_API bool isSafeUrl(const std::string& url);
 PLAZ_API bool isPlainTclText(const std::string& text);
 /// The same for the name of a store or an item, which must not be empty nor look like an option.
 PLAZ_API bool isPlainTclName(const std::string& name);
-/// A URL that every shell takes for one word with nothing to interpret. An empty one is none.
-PLAZ_API bool isPlainShellWord(const std::string& url);
 /// The text with the user part of every URL in it ("//user:token@") replaced by "***".
 PLAZ_API std::string maskSecrets(const std::string& text);
 /// The same of one proxy, which may come without a scheme and with a user part all the same.

@@ -112,7 +112,7 @@ bool HSCPlazSwigIntf::setQStoreLocalRootDir(HSCPlazQStore* store, const std::str
 
 bool HSCPlazSwigIntf::canAccessRepo(HSCPlazQStore* store) {
     const std::string url = store ? HSCPlazGitUrl::withoutUserPart(store->getUrl()) : "";
-    return HSCPlazTrust::isPlainShellWord(url) && HSCPlazTrust::isSafeUrl(url) &&
+    return HUTSysCall::isPlainShellWord(url) && HSCPlazTrust::isSafeUrl(url) &&
            HUTSysCall::runShell("wget --spider -q " + url) == 0; // one harmless word
 }
 
