@@ -116,9 +116,11 @@ TEST(TrustTest, RefusesWhatLeadsElsewhere) {
     const auto check = [](bool (*rule)(const std::string&), bool expected, const std::vector<std::string>& texts) {
         for (const std::string& text : texts) EXPECT_EQ(rule(text), expected) << text;
     };
-    check(HSCPlazTrust::isSafeRelativePath, true, {"a/b.json", "a..b/..c", "x.git", "Grüße/基板"});
+    check(HSCPlazTrust::isSafeRelativePath, true,
+          {"a/b.json", "a..b/..c", "x.git", "Grüße/基板", "a~", "~1a", "much_longer~1"});
     check(HSCPlazTrust::isSafeRelativePath, false,
-          {"a/../b", "..", "/a", "C:x", "a\\b", "a\nb", "", "a/.GIT/b", ".plaz/x", ".Done", "a./b", "a/ /b"});
+          {"a/../b", "..", "/a", "C:x", "a\\b", "a\nb", "", "a/.GIT/b", ".plaz/x", ".Done", "a./b", "a/ /b", "x/PLAZ~1",
+           "git~12.d"});
     check(HSCPlazTrust::isSafeComponent, true, {"1.0"});
     check(HSCPlazTrust::isSafeComponent, false, {".git", "1/0", "."});
     check(HSCPlazTrust::isSafeRef, true, {"main", "release/1.0"});

@@ -32,12 +32,20 @@ bool isDeviceName(std::string_view component) {
            (stem.size() > 3 && std::any_of(std::begin(ports), std::end(ports), isPort));
 }
 
+/// What a disk may take for the short name of another file: "PLAZ~1".
+bool isShortName(std::string_view component) {
+    const std::string_view stem = component.substr(0, component.find('.'));
+    const std::size_t tilde = stem.rfind('~');
+    return tilde != std::string_view::npos && stem.size() <= 8 && tilde + 1 < stem.size() &&
+           stem.find_first_not_of("0123456789", tilde + 1) == std::string_view::npos;
+}
+
 /// What leads elsewhere ("..", "."), what some systems take for another name ("x." and "x " for "x") or for a device,
 /// git's own directory (a program that meets it runs what it configures) and the hub's own places in a store's area.
 bool isRefusedComponent(std::string_view component) {
     static constexpr std::string_view reserved[] = {".git", ".plaz", ".staging", ".done"};
     if (component.empty() || component.back() == '.' || component.back() == ' ') return true;
-    if (isDeviceName(component)) return true;
+    if (isDeviceName(component) || isShortName(component)) return true;
     // Comparing without regard to case is slow, and a start-up looks at every name of every item.
     return component.front() == '.' &&
            std::any_of(std::begin(reserved), std::end(reserved),
