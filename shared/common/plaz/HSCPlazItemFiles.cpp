@@ -48,10 +48,11 @@ bool adopt(const HSCPlazFoundItem& found) {
 
 /// An item that is or holds the directory of another: its files would be replaced together with it.
 const HSCPlazQItem* findOverlap(const HSCPlazFoundItem& found) {
-    const std::string own = found.item->getRoot() + "/";
+    const auto keyOf = [](const HSCPlazQItem& item) { return HUTFile::getNameKey(item.getRoot()) + "/"; };
+    const std::string own = keyOf(*found.item);
     for (const HSCPlazQItem* other : found.store->getItems()) {
         if (!other->IsInstalled() || other->getName() == found.item->getName()) continue;
-        const std::string theirs = other->getRoot() + "/";
+        const std::string theirs = keyOf(*other);
         if (own.compare(0, theirs.size(), theirs) == 0 || theirs.compare(0, own.size(), own) == 0) return other;
     }
     return nullptr;

@@ -203,13 +203,15 @@ std::vector<std::string> HSCPlazMgr::defaultStoreDirs(const HSCPlazModel& hubMod
     // now.
     std::unordered_map<std::string, std::string> owners;
     for (const auto& kept : m_repoInfoMgr->getDefaultFolders())
-        owners.try_emplace(joined(m_pathMgr->getUserAreaRoot(), kept.directory), kept.store);
+        owners.try_emplace(HUTFile::getNameKey(joined(m_pathMgr->getUserAreaRoot(), kept.directory)), kept.store);
     std::vector<std::string> dirs;
     for (const auto& store : hubModel.getStores()) {
         std::string dir = defaultStoreDir(*store);
         // Two stores in one directory would take each other's working copy, items and database away.
-        while (!dir.empty() && owners.try_emplace(dir, store->getName()).first->second != store->getName())
-            dir += "_" + HSCPlazPathMgr::getStoreFolder(*store);
+        const auto isOurs = [&] {
+            return owners.try_emplace(HUTFile::getNameKey(dir), store->getName()).first->second == store->getName();
+        };
+        while (!dir.empty() && !isOurs()) dir += "_" + HSCPlazPathMgr::getStoreFolder(*store);
         dirs.push_back(dir);
     }
     return dirs;

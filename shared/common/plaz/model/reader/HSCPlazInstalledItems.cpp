@@ -57,7 +57,8 @@ const HSCPlazQItemModel* HSCPlazInstalledItems::findListed(const std::string& na
 std::string HSCPlazInstalledItems::toFolder(const std::string& directory) const {
     const std::string prefix = m_area + "/";
     const std::string dir = HUTFile::getNonNativeCanonicalName(directory);
-    if (m_area.empty() || dir.compare(0, prefix.size(), prefix) != 0) return "";
+    const auto keyOf = [](const std::string& name) { return HUTFile::getNameKey(name); };
+    if (m_area.empty() || keyOf(dir.substr(0, prefix.size())) != keyOf(prefix)) return "";
     std::string folder = dir.substr(prefix.size());
     // What begins with a dot is the hub's own: working copy, staging directory.
     if (!HSCPlazTrust::isSafeRelativePath(folder) || folder.front() == '.') return "";
