@@ -157,6 +157,10 @@ const std::string& HUTFile::getDirSeparator() {
     return separator;
 }
 
+const std::string& HUTFile::getNullDevice() {
+    return platform::nullDevice;
+}
+
 bool HUTFile::exists(const std::string& path) {
     Error error;
     return fs::exists(sys(path), error);

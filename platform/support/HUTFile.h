@@ -16,6 +16,9 @@ class HOST_API HUTFile {
 public:
     /// What separates the parts of a name: "/" on every system, so that what is recorded reads the same everywhere.
     static const std::string& getDirSeparator();
+    /// A name under which every program reads nothing. To some of them "/dev/null" is a place of
+    /// their own.
+    static const std::string& getNullDevice();
 
     static bool exists(const std::string& path);
     static bool isRegularFile(const std::string& path);

@@ -14,6 +14,9 @@ namespace platform {
 /// No file that is read whole comes near this; a store that holds one must not take all memory.
 constexpr std::uint64_t largestFile = std::uint64_t{1} << 30;
 
+/// As HUTFile::getNullDevice() says.
+extern const std::string nullDevice;
+
 /// The name in the form in which calls of the system and of libraries take it at any length.
 boost::filesystem::path toSystemName(const std::string& name);
 

@@ -164,6 +164,8 @@ private:
 
 } // namespace
 
+const std::string nullDevice = "/dev/null";
+
 boost::filesystem::path toSystemName(const std::string& name) {
     return name;
 }

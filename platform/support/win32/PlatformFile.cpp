@@ -246,6 +246,8 @@ bool removeEntry(const std::wstring& name, DWORD attributes) {
 
 } // namespace
 
+const std::string nullDevice = "NUL";
+
 boost::filesystem::path toSystemName(const std::string& name) {
     return toLongName(name);
 }

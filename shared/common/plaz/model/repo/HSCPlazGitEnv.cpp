@@ -4,6 +4,7 @@
 #include "plaz/model/repo/HSCPlazGitCredentials.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTEnv.h"
+#include "support/HUTFile.h"
 #include "support/HUTFork.h"
 
 #include <boost/filesystem/path.hpp>
@@ -13,9 +14,6 @@
 
 namespace {
 
-// The name under which git knows the null device on every system.
-constexpr const char* nullDevice = "/dev/null";
-
 struct Setting {
     const char* key;
     const char* value;
@@ -23,7 +21,6 @@ struct Setting {
 
 constexpr Setting settings[] = {
     // Nothing but what was asked for runs.
-    {"core.hooksPath", nullDevice},
     {"init.templateDir", ""},
     {"core.fsmonitor", "false"},
     {"gc.auto", "0"},
@@ -31,7 +28,6 @@ constexpr Setting settings[] = {
     {"submodule.recurse", "false"},
     {"fetch.recurseSubmodules", "false"},
     // Files as they were committed; a link becomes a text file that holds its target.
-    {"core.attributesFile", nullDevice},
     {"core.autocrlf", "false"},
     {"core.symlinks", "false"},
     {"core.protectHFS", "true"},
@@ -105,6 +101,9 @@ void addSetting(HUTFork& git, std::size_t number, const std::string& key, const 
 void addSettings(HUTFork& git, const std::string& command, const std::string& remoteUrl) {
     std::size_t count = 0;
     for (const Setting& setting : settings) addSetting(git, count++, setting.key, setting.value);
+    // The user's hooks and attributes are not ours.
+    for (const char* key : {"core.hooksPath", "core.attributesFile"})
+        addSetting(git, count++, key, HUTFile::getNullDevice());
     // The marker of a complete clone must not outlive what was fetched; a checkout is thrown away soon.
     addSetting(git, count++, "core.fsync", command == "fetch" ? "committed,reference" : "none");
     // A server that falls silent is given up by commands that run without a time limit, too.
@@ -123,7 +122,7 @@ void addSettings(HUTFork& git, const std::string& command, const std::string& re
         git.setEnv("PLAZ_GIT_TOKEN", credentials.token);
     }
     git.setEnv("GIT_CONFIG_COUNT", std::to_string(count));
-    git.setEnv("GIT_CONFIG_GLOBAL", nullDevice);
+    git.setEnv("GIT_CONFIG_GLOBAL", HUTFile::getNullDevice());
     git.setEnv("GIT_ATTR_NOSYSTEM", "1");
 }
 
