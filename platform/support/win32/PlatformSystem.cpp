@@ -4,6 +4,7 @@
 #include "support/PlatformFile.h"
 
 #include <cstdlib>
+#include <fcntl.h>
 #include <io.h>
 #include <memory>
 #include <shellapi.h>
@@ -64,9 +65,14 @@ std::string getVariableKey(const std::string& name) {
 }
 
 std::vector<std::string> startProgram(int /*argc*/, const char* const* /*argv*/) {
+    static const UINT pages[] = {GetConsoleCP(), GetConsoleOutputCP()};
+    std::atexit([] { // the console is there for other programs, too
+        SetConsoleCP(pages[0]);
+        SetConsoleOutputCP(pages[1]);
+    });
     SetConsoleCP(CP_UTF8);
     SetConsoleOutputCP(CP_UTF8);
-    for (const int stream : {standardOutput, standardError}) _setmode(stream, 0x8000); // _O_BINARY
+    for (const int stream : {standardOutput, standardError}) _setmode(stream, _O_BINARY);
     int count = 0;
     const std::unique_ptr<wchar_t*, HLOCAL (*)(void*)> args(CommandLineToArgvW(GetCommandLineW(), &count), LocalFree);
     std::vector<std::string> texts;
