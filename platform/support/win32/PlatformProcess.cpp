@@ -67,7 +67,7 @@ public:
     Job(const Job&) = delete;
     Job& operator=(const Job&) = delete;
 
-    bool take(const Handle& process) { return AssignProcessToJobObject(m_job.get(), process.get()); }
+    HANDLE get() const { return m_job.get(); }
     /// Waits a moment for the last of them, whose open files would be in the way of whatever comes next.
     void kill() {
         TerminateJobObject(m_job.get(), 1);
@@ -90,16 +90,19 @@ private:
     Handle m_job;
 };
 
-/// What a child may inherit: the handles that are named, and no others that happen to be open.
+/// What a child has from its first moment on: the handles that are named, and no others that happen to be open; the
+/// job.
 class Inheritance {
 public:
-    explicit Inheritance(std::vector<HANDLE> handles) : m_handles(std::move(handles)) {
+    Inheritance(std::vector<HANDLE> handles, HANDLE job) : m_handles(std::move(handles)), m_job(job) {
         SIZE_T size = 0;
-        InitializeProcThreadAttributeList(nullptr, 1, 0, &size);
+        InitializeProcThreadAttributeList(nullptr, 2, 0, &size);
         m_memory.resize(size);
-        m_isMade = InitializeProcThreadAttributeList(get(), 1, 0, &size) &&
-                   UpdateProcThreadAttribute(get(), 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, m_handles.data(),
-                                             m_handles.size() * sizeof(HANDLE), nullptr, nullptr);
+        m_isMade =
+            InitializeProcThreadAttributeList(get(), 2, 0, &size) &&
+            UpdateProcThreadAttribute(get(), 0, PROC_THREAD_ATTRIBUTE_HANDLE_LIST, m_handles.data(),
+                                      m_handles.size() * sizeof(HANDLE), nullptr, nullptr) &&
+            UpdateProcThreadAttribute(get(), 0, PROC_THREAD_ATTRIBUTE_JOB_LIST, &m_job, sizeof m_job, nullptr, nullptr);
     }
     ~Inheritance() { DeleteProcThreadAttributeList(get()); }
     Inheritance(const Inheritance&) = delete;
@@ -110,6 +113,7 @@ public:
 
 private:
     std::vector<HANDLE> m_handles;
+    HANDLE m_job;
     std::vector<char> m_memory;
     bool m_isMade = false;
 };
@@ -188,15 +192,15 @@ std::string describeStartError(const ProcessSpec& spec, DWORD error) {
     return error == ERROR_NOT_SUPPORTED ? "it is a command file, a program is needed" : win32::describe(error);
 }
 
-/// @return 0 or the error; the process waits to be told to run
-DWORD start(const ProcessSpec& spec, const ChildOutput& output, Handle& process, Handle& thread) {
+/// @return 0 or the error
+DWORD start(const ProcessSpec& spec, const Job& job, const ChildOutput& output, Handle& process) {
     const std::wstring program = findProgram(spec);
     if (program.empty()) return ERROR_FILE_NOT_FOUND;
     if (isCommandFile(program)) return ERROR_NOT_SUPPORTED;
     const Handle input = openNull(GENERIC_READ);
     std::vector<HANDLE> handles{input.get(), output.getOut()};
     if (output.getErr() != output.getOut()) handles.push_back(output.getErr());
-    Inheritance inheritance(handles);
+    Inheritance inheritance(handles, job.get());
     if (!inheritance) return GetLastError();
 
     STARTUPINFOEXW startup{};
@@ -210,14 +214,13 @@ DWORD start(const ProcessSpec& spec, const ChildOutput& output, Handle& process,
     std::wstring line = toCommandLine(program, spec.args);
     std::wstring block = toEnvironmentBlock(spec.environment);
     const std::wstring dir = toWide(spec.dir);
-    constexpr DWORD flags =
-        CREATE_NO_WINDOW | CREATE_SUSPENDED | CREATE_UNICODE_ENVIRONMENT | EXTENDED_STARTUPINFO_PRESENT;
+    constexpr DWORD flags = CREATE_NO_WINDOW | CREATE_UNICODE_ENVIRONMENT | EXTENDED_STARTUPINFO_PRESENT;
     PROCESS_INFORMATION started{};
     if (!CreateProcessW(nullptr, line.data(), nullptr, nullptr, TRUE, flags, block.data(),
                         dir.empty() ? nullptr : dir.c_str(), &startup.StartupInfo, &started))
         return GetLastError();
     process = Handle(started.hProcess);
-    thread = Handle(started.hThread);
+    CloseHandle(started.hThread);
     return 0;
 }
 
@@ -240,7 +243,7 @@ bool waitFor(const Handle& event, const Deadline& deadline) {
 }
 
 ProcessEnd waitAndJudge(const Handle& process, const Deadline& deadline, Job& job, ChildOutput& output) {
-    // An interrupt that came before the process was in its job has not met it.
+    // An interrupt that came before the process was there has not met it.
     if (isInterrupted()) job.kill();
     const bool isInTime = waitFor(process, deadline) && waitFor(output.getClosed(), deadline);
     if (!isInTime) {
@@ -267,15 +270,9 @@ ProcessEnd run(const ProcessSpec& spec) {
     const Deadline deadline = spec.timeout ? Deadline(Clock::now() + *spec.timeout) : std::nullopt;
     Job job;
     Handle process;
-    Handle thread;
-    DWORD error = start(spec, output, process, thread);
-    if (error == 0 && !job.take(process)) {
-        error = GetLastError();
-        TerminateProcess(process.get(), 1);
-    }
+    const DWORD error = start(spec, job, output, process);
     if (error != 0) return {How::notStarted, 0, describeStartError(spec, error), 0};
     output.begin();
-    ResumeThread(thread.get());
     return waitAndJudge(process, deadline, job, output);
 }
 
