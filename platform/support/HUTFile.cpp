@@ -14,8 +14,8 @@ namespace {
 using Linkable = std::function<bool(const std::string&)>;
 
 // The name as calls of the system take it, however long it is.
-fs::path sys(const fs::path& name) {
-    return platform::toSystemName(name.string());
+fs::path sys(const std::string& name) {
+    return platform::toSystemName(name);
 }
 
 bool liesBeneath(const fs::path& root, const fs::path& path) {
@@ -32,34 +32,11 @@ fs::path resolve(const std::string& path) {
         if (error != std::errc::no_such_file_or_directory && error != std::errc::not_a_directory) return {};
         // What a dangling link would lead to is anybody's guess, and ".." below nothing has no meaning.
         Error ignored;
-        if (fs::is_symlink(fs::symlink_status(sys(existing), ignored)) || existing.filename() == "..") return {};
+        if (fs::is_symlink(fs::symlink_status(sys(existing.string()), ignored)) || existing.filename() == "..")
+            return {};
         if (existing.filename() != ".") rest = rest.empty() ? existing.filename() : existing.filename() / rest;
     }
     return {};
-}
-
-void allowOwner(const fs::path& path, fs::perms permissions) {
-    Error error;
-    fs::permissions(path, fs::add_perms | permissions, error);
-}
-
-bool removeTree(const fs::path& path) {
-    if (platform::removeTree(path.string())) return true;
-    Error error;
-    const fs::file_status status = fs::symlink_status(path, error);
-    if (status.type() == fs::file_not_found) return true;
-    bool isEmpty = true;
-    if (fs::is_directory(status)) {
-        if ((status.permissions() & fs::owner_all) != fs::owner_all) allowOwner(path, fs::owner_all);
-        isEmpty = HUTFile::rmEntriesExcept(path.string(), "");
-    }
-    if (!isEmpty) return false;
-    fs::remove(path, error);
-    if (error && fs::is_regular_file(status)) { // a system that does not remove read-only files
-        allowOwner(path, fs::owner_write);
-        fs::remove(path, error);
-    }
-    return !error;
 }
 
 // Puts a finished file or directory in the place of another by names alone; the old one comes back when that fails.
@@ -70,7 +47,7 @@ bool replaceByRenaming(const fs::path& fresh, const fs::path& dest) {
         HUTFile::rename(aside.string(), dest.string());
         return false;
     }
-    removeTree(aside);
+    platform::removeTree(aside.string());
     return true;
 }
 
@@ -140,12 +117,12 @@ bool copyTree(const fs::path& source, const fs::path& dest, const fs::path& rela
     return !error;
 }
 
-bool copyWholeTree(const fs::path& source, const fs::path& dest, const Linkable& linkable) {
+bool copyWholeTree(const std::string& source, const std::string& dest, const Linkable& linkable) {
     // A copy below its own source would never end.
-    if (HUTFile::isBeneath(source.string(), dest.string())) return false;
+    if (HUTFile::isBeneath(source, dest)) return false;
     Error error;
     const fs::file_status status = fs::status(sys(source), error);
-    if (!fs::is_directory(status) || !HUTFile::mkDirRecursive(dest.string())) return false;
+    if (!fs::is_directory(status) || !HUTFile::mkDirRecursive(dest)) return false;
     fs::permissions(sys(dest), status.permissions() | fs::owner_all, error);
     return !error && copyTree(sys(source), sys(dest), fs::path(), linkable);
 }
@@ -220,13 +197,13 @@ bool HUTFile::mkDirRecursive(const std::string& dir) {
 }
 
 bool HUTFile::rmRecursive(const std::string& path) {
-    return removeTree(sys(path));
+    return platform::removeTree(path);
 }
 
 bool HUTFile::rmEntriesExcept(const std::string& dir, const std::string& keptName) {
     bool areGone = true;
     for (const std::string& name : createFileIter(dir))
-        if (name != keptName) areGone = removeTree(sys(dir) / name) && areGone;
+        if (name != keptName) areGone = platform::removeTree(dir + "/" + name) && areGone;
     return areGone;
 }
 
@@ -290,7 +267,7 @@ bool HUTFile::replaceDirectory(const std::string& fresh, const std::string& dest
     Error error;
     if (!fs::is_directory(fs::symlink_status(sys(fresh), error))) return false;
     const fs::path target = getCanonicalName(dest);
-    if (!fs::exists(fs::symlink_status(sys(target), error)))
+    if (!fs::exists(fs::symlink_status(sys(target.string()), error)))
         return mkDirRecursive(target.parent_path().string()) && rename(fresh, target.string());
     if (!platform::exchange(fresh, target.string())) return replaceByRenaming(fresh, target);
     rmRecursive(fresh);

@@ -58,8 +58,7 @@ std::string getStamp(const std::string& path);
 /// The absolute path with every link in it resolved; empty, with @p error set, when it leads to nothing.
 std::string resolveLinks(const std::string& path, std::error_code& error);
 
-/// Removes a file, a link (not its target) or a directory with all it holds, as long as nothing resists.
-/// @return false when something may be left
+/// As HUTFile::rmRecursive() says.
 bool removeTree(const std::string& path);
 
 /// Copies a file with its permissions to where nothing stands. @return false, with nothing left there, when that failed

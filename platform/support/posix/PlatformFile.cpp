@@ -239,9 +239,17 @@ std::string resolveLinks(const std::string& path, std::error_code& error) {
 }
 
 bool removeTree(const std::string& path) {
+    namespace fs = std::filesystem;
     std::error_code error;
-    std::filesystem::remove_all(path, error);
-    return !error;
+    fs::remove_all(path, error);
+    if (!error) return true;
+    const fs::file_status status = fs::symlink_status(path, error);
+    if (!fs::exists(status)) return true;
+    if (!fs::is_directory(status)) return false;
+    // The owner may take back what keeps him from his own directory.
+    if ((status.permissions() & fs::perms::owner_all) != fs::perms::owner_all)
+        fs::permissions(path, fs::perms::owner_all, fs::perm_options::add, error);
+    return HUTFile::rmEntriesExcept(path, "") && fs::remove(path, error);
 }
 
 // RATIONALE: Boost's copy waits until each file is on the disk itself, which costs more than all else of an

@@ -17,11 +17,12 @@ Handle openLog(const std::string& file) {
     if (file.empty()) return Handle();
     SECURITY_ATTRIBUTES attributes = inherited();
     const std::wstring name = win32::toLongName(file);
-    constexpr DWORD share = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-    Handle truncated(
-        CreateFileW(name.c_str(), GENERIC_WRITE, share, nullptr, CREATE_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
+    win32::OwnerOnly rights;
+    if (!rights.get()) return Handle();
+    Handle truncated(CreateFileW(name.c_str(), GENERIC_WRITE, win32::shareAll, rights.get(), CREATE_ALWAYS,
+                                 FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!truncated) return truncated;
-    return Handle(CreateFileW(name.c_str(), FILE_APPEND_DATA | SYNCHRONIZE, share, &attributes, OPEN_EXISTING,
+    return Handle(CreateFileW(name.c_str(), FILE_APPEND_DATA | SYNCHRONIZE, win32::shareAll, &attributes, OPEN_EXISTING,
                               FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 

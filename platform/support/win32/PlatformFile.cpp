@@ -9,7 +9,6 @@
 #include <filesystem>
 #include <locale>
 #include <memory>
-#include <sddl.h>
 #include <thread>
 
 namespace platform {
@@ -18,9 +17,9 @@ namespace {
 
 using Status = HIOStream::Status;
 using win32::Handle;
+using win32::OwnerOnly;
+using win32::shareAll;
 using win32::toLongName;
-
-constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
 bool holdsNull(const std::string& name) {
     return name.find('\0') != std::string::npos;
@@ -100,33 +99,15 @@ std::wstring joinBeneath(const std::wstring& root, const std::string& relative) 
     if (relative.front() == '/' || relative.find_first_of("\\:") != std::string::npos) return {};
     const std::filesystem::path inside = std::filesystem::path(win32::toWide(relative)).lexically_normal();
     if (*inside.begin() == L"..") return {};
-    std::wstring name = root + L'\\' + inside.native();
+    std::wstring name = root + (root.back() == L'\\' ? L"" : L"\\") + inside.native();
     std::replace(name.begin(), name.end(), L'/', L'\\');
     return name;
 }
 
-/// Anything but this user's programs is kept from the file; the owner's own rights are named apart from the owner.
-class OwnerOnly {
-public:
-    OwnerOnly() {
-        PSECURITY_DESCRIPTOR descriptor = nullptr;
-        ConvertStringSecurityDescriptorToSecurityDescriptorW(L"D:P(A;;FA;;;OW)(A;;FA;;;SY)", SDDL_REVISION_1,
-                                                             &descriptor, nullptr);
-        m_descriptor.reset(descriptor);
-        m_attributes = {sizeof m_attributes, descriptor, FALSE};
-    }
-    /// Null when the rights could not be made.
-    SECURITY_ATTRIBUTES* get() { return m_descriptor ? &m_attributes : nullptr; }
-
-private:
-    std::unique_ptr<void, HLOCAL (*)(void*)> m_descriptor{nullptr, LocalFree};
-    SECURITY_ATTRIBUTES m_attributes{};
-};
-
 // What others do to a file passes soon: virus scanners, indexers, a reader.
 bool passes(DWORD error) {
     return error == ERROR_SHARING_VIOLATION || error == ERROR_LOCK_VIOLATION || error == ERROR_ACCESS_DENIED ||
-           error == ERROR_USER_MAPPED_FILE;
+           error == ERROR_USER_MAPPED_FILE || error == ERROR_DIR_NOT_EMPTY;
 }
 
 bool makeWriteable(const std::wstring& name) {
@@ -144,22 +125,30 @@ bool isDirectory(const std::wstring& name) {
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
 }
 
-/// Calls @p attempt, which returns 0 or an error, until it is done or fails for good: for two seconds and a half in
-/// all, at growing distances.
-template <typename Attempt> bool patiently(Attempt attempt) {
-    constexpr std::chrono::milliseconds longestPause{1280};
-    for (std::chrono::milliseconds pause{5};; pause *= 2) {
-        const DWORD error = attempt();
-        if (error == 0) return true;
-        if (!passes(error) || pause > longestPause) return false;
-        std::this_thread::sleep_for(pause);
+/// Waits for what others do, at growing distances: for two seconds and a half in all, however many files it is about.
+class Patience {
+public:
+    /// Calls @p attempt, which returns 0 or an error, until it is done or fails for good.
+    template <typename Attempt> bool untilDone(Attempt attempt) {
+        constexpr std::chrono::milliseconds longestPause{1280};
+        for (;; m_pause *= 2) {
+            const DWORD error = attempt();
+            if (error == 0) return true;
+            if (!passes(error) || m_pause > longestPause) return false;
+            std::this_thread::sleep_for(m_pause);
+        }
     }
-}
+
+private:
+    std::chrono::milliseconds m_pause{5};
+};
 
 bool moveOverPatiently(const std::wstring& from, const std::wstring& to) {
     if (isDirectory(to)) return false;
-    makeWriteable(to); // a read-only file is replaced like any other
-    return patiently([&] { return moveOver(from, to) ? 0 : GetLastError(); });
+    const bool wasReadOnly = makeWriteable(to); // a read-only file is replaced like any other
+    if (Patience().untilDone([&] { return moveOver(from, to) ? 0 : GetLastError(); })) return true;
+    if (wasReadOnly) SetFileAttributesW(to.c_str(), GetFileAttributesW(to.c_str()) | FILE_ATTRIBUTE_READONLY);
+    return false;
 }
 
 // While the name of a removed file stays, the system denies access to it.
@@ -169,14 +158,10 @@ bool isGone(const std::wstring& name) {
 }
 
 // A file that somebody holds open keeps its name until he lets go of it.
-bool deleteFile(const std::wstring& name) {
-    bool isPending = false;
-    return patiently([&]() -> DWORD {
-        const bool isDeleted = DeleteFileW(name.c_str());
-        const DWORD error = isDeleted ? 0 : GetLastError();
-        isPending = isPending || isDeleted;
-        if (isPending) return isGone(name) ? 0 : ERROR_SHARING_VIOLATION;
-        return error == ERROR_ACCESS_DENIED ? ERROR_CANNOT_MAKE : error; // it may not be removed at all
+bool deleteFile(const std::wstring& name, Patience& patience) {
+    return patience.untilDone([&]() -> DWORD {
+        const DWORD error = DeleteFileW(name.c_str()) ? ERROR_SHARING_VIOLATION : GetLastError();
+        return isGone(name) ? 0 : error;
     });
 }
 
@@ -216,9 +201,9 @@ private:
     bool m_exists = false;
 };
 
-bool removeEntry(const std::wstring& name, DWORD attributes);
+bool removeEntry(const std::wstring& name, DWORD attributes, Patience& patience);
 
-bool removeEntries(const std::wstring& dir) {
+bool removeEntries(const std::wstring& dir, Patience& patience) {
     WIN32_FIND_DATAW entry{};
     const HANDLE search = FindFirstFileW((dir + L"\\*").c_str(), &entry);
     if (search == INVALID_HANDLE_VALUE) return false;
@@ -227,17 +212,18 @@ bool removeEntries(const std::wstring& dir) {
     do {
         const std::wstring_view name = entry.cFileName;
         if (name == L"." || name == L"..") continue;
-        areGone = removeEntry(dir + L'\\' + std::wstring(name), entry.dwFileAttributes) && areGone;
+        areGone = removeEntry(dir + L'\\' + std::wstring(name), entry.dwFileAttributes, patience) && areGone;
     } while (FindNextFileW(search, &entry));
     return areGone;
 }
 
 // Read-only files, such as git's objects, are not removed as they are. A link goes, what it leads to stays.
-bool removeEntry(const std::wstring& name, DWORD attributes) {
+bool removeEntry(const std::wstring& name, DWORD attributes, Patience& patience) {
     if ((attributes & FILE_ATTRIBUTE_READONLY) != 0) makeWriteable(name);
-    if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return deleteFile(name);
+    if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return deleteFile(name, patience);
     const bool isLink = (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
-    return (isLink || removeEntries(name)) && RemoveDirectoryW(name.c_str());
+    if (!isLink && !removeEntries(name, patience)) return false;
+    return patience.untilDone([&] { return RemoveDirectoryW(name.c_str()) ? 0 : GetLastError(); });
 }
 
 // Texts become names, and names texts, in UTF-8, whatever the system's own narrow texts are in.
@@ -327,7 +313,8 @@ bool removeTree(const std::string& path) {
     const std::wstring name = toLongName(path);
     const DWORD attributes = GetFileAttributesW(name.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES) return statusOfError(GetLastError()) == Status::missing;
-    return removeEntry(name, attributes);
+    Patience patience;
+    return removeEntry(name, attributes, patience);
 }
 
 bool copyFile(const std::string& source, const std::string& dest) {

@@ -12,17 +12,16 @@ const auto noHandle = reinterpret_cast<std::intptr_t>(INVALID_HANDLE_VALUE);
 
 } // namespace
 
-// The children of a process that is killed are ended by the system (see the jobs of the processes), so that the lock
-// need not be theirs.
+// The children of a process that is killed are ended by the system within the same moment (see the jobs of the
+// processes), so that the lock need not be theirs.
 HUTFileLock::~HUTFileLock() {
     if (m_handle != noHandle) CloseHandle(toHandle(m_handle));
 }
 
 HUTFileLock::Result HUTFileLock::tryLock() {
-    constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     if (m_handle == noHandle)
         m_handle = reinterpret_cast<std::intptr_t>(CreateFileW(win32::toLongName(m_file).c_str(),
-                                                               GENERIC_READ | GENERIC_WRITE, shareAll, nullptr,
+                                                               GENERIC_READ | GENERIC_WRITE, win32::shareAll, nullptr,
                                                                OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (m_handle == noHandle) return Result::unavailable;
     OVERLAPPED start{};

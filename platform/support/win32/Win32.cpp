@@ -3,7 +3,7 @@
 #include "support/HI18N.h"
 
 #include <algorithm>
-#include <memory>
+#include <sddl.h>
 
 namespace win32 {
 
@@ -68,6 +68,15 @@ std::string describe(DWORD error) {
     std::wstring_view line(text, size);
     while (!line.empty() && (line.back() <= L' ' || line.back() == L'.')) line.remove_suffix(1);
     return toUtf8(line);
+}
+
+// The owner's own rights are named apart from the owner.
+OwnerOnly::OwnerOnly() {
+    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    ConvertStringSecurityDescriptorToSecurityDescriptorW(L"D:P(A;;FA;;;OW)(A;;FA;;;SY)", SDDL_REVISION_1, &descriptor,
+                                                         nullptr);
+    m_descriptor.reset(descriptor);
+    m_attributes = {sizeof m_attributes, descriptor, FALSE};
 }
 
 std::wstring getFinalName(const Handle& handle) {

@@ -6,6 +6,7 @@
 #define WIN32_LEAN_AND_MEAN
 #include <windows.h>
 
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -19,8 +20,8 @@ std::string toUtf8(std::wstring_view text);
 /// The same with forward slashes, and without the prefix of long names.
 std::string toGenericName(std::wstring_view name);
 
-/// An absolute name that may be longer than 260 characters, in which nothing has a meaning of its own any more: neither
-/// forward slashes nor names of devices. Empty for an empty name.
+/// An absolute name that may be longer than 260 characters, with backslashes; the system's name of it for a device.
+/// Empty for an empty name.
 std::wstring toLongName(const std::string& name);
 
 /// What the system says of an error, as a part of a sentence.
@@ -44,6 +45,21 @@ public:
 
 private:
     HANDLE m_handle;
+};
+
+/// Whoever else has a file open may do what he likes with it.
+constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+/// Rights for a file that keep anything but this user's programs from it.
+class OwnerOnly {
+public:
+    OwnerOnly();
+    /// Null when the rights could not be made.
+    SECURITY_ATTRIBUTES* get() { return m_descriptor ? &m_attributes : nullptr; }
+
+private:
+    std::unique_ptr<void, HLOCAL (*)(void*)> m_descriptor{nullptr, LocalFree};
+    SECURITY_ATTRIBUTES m_attributes{};
 };
 
 /// The name of what a handle leads to, every link resolved, in the form of toLongName(); empty when there is none.

@@ -8,6 +8,7 @@
 
 #include <windows.h>
 
+#include <functional>
 #include <thread>
 
 namespace {
@@ -16,7 +17,7 @@ using Names = std::vector<std::string>;
 using Status = HIOStream::Status;
 
 HANDLE openForReading(const std::string& file, DWORD share) {
-    return CreateFileA(file.c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING, 0, nullptr);
+    return CreateFileA(file.c_str(), GENERIC_READ, share, nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
 }
 
 // Fault: drives, shares or backslashes taken for parts of a name; names that are not recorded in generic form.
@@ -96,31 +97,34 @@ TEST(DiskTest, ReadOnlyFilesAreNoObstacle) {
     EXPECT_TRUE(test_system::isReadableByOthers(temp.path("file"))) << "the test cannot tell";
 }
 
-// Fault: a file that somebody reads for a moment is not replaced; one that stays open is lost, or leaves rubbish.
-TEST(DiskTest, OpenFilesAreTriedAgain) {
+// Fault: what somebody reads for a moment is not replaced or removed; what stays open is lost, loses its attributes, or
+// leaves rubbish.
+TEST(DiskTest, WhatIsOpenIsTriedAgain) {
     TempDir temp;
-    const std::string file = temp.write("file", "old");
+    const std::string file = temp.write("dir/file", "old");
+    const auto whileHeld = [](HANDLE held, const std::function<bool()>& act) {
+        EXPECT_NE(held, INVALID_HANDLE_VALUE);
+        std::thread reader([held] {
+            Sleep(200);
+            CloseHandle(held);
+        });
+        const bool isDone = act();
+        reader.join();
+        return isDone;
+    };
+    SetFileAttributesA(file.c_str(), FILE_ATTRIBUTE_READONLY);
     HANDLE held = openForReading(file, FILE_SHARE_READ);
-    ASSERT_NE(held, INVALID_HANDLE_VALUE);
     EXPECT_FALSE(HUTFile::writeAtomically(file, "new"));
     EXPECT_EQ(readFile(file), "old");
-    EXPECT_EQ(HUTFile::createFileIter(temp.path()), Names{"file"});
-    std::thread reader([held] {
-        Sleep(200);
-        CloseHandle(held);
-    });
-    EXPECT_TRUE(HUTFile::writeAtomically(file, "new"));
-    reader.join();
+    EXPECT_EQ(GetFileAttributesA(file.c_str()) & FILE_ATTRIBUTE_READONLY, DWORD{FILE_ATTRIBUTE_READONLY});
+    EXPECT_EQ(HUTFile::createFileIter(temp.path("dir")), Names{"file"});
+    EXPECT_TRUE(whileHeld(held, [&] { return HUTFile::writeAtomically(file, "new"); }));
     EXPECT_EQ(readFile(file), "new");
 
     held = openForReading(file, FILE_SHARE_READ | FILE_SHARE_DELETE);
-    std::thread other([held] {
-        Sleep(200);
-        CloseHandle(held);
-    });
-    EXPECT_TRUE(HUTFile::rmRecursive(file));
-    EXPECT_FALSE(HUTFile::exists(file)) << "removed later only";
-    other.join();
+    EXPECT_TRUE(whileHeld(held, [&] { return HUTFile::rmRecursive(file) && !HUTFile::exists(file); }));
+    held = openForReading(temp.path("dir"), FILE_SHARE_READ);
+    EXPECT_TRUE(whileHeld(held, [&] { return HUTFile::rmRecursive(temp.path("dir")); }));
 }
 
 // Fault: two items that share a folder without a word.

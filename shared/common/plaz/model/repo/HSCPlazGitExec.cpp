@@ -89,7 +89,7 @@ public:
         if (!m_file.empty()) return;
         try {
             const fs::path file = toAbsolute(workDir / temporaryLogName, startDir);
-            fs::create_directories(file.parent_path());
+            HUTFile::mkDirRecursive(file.parent_path().string());
             m_file = file.generic_string();
             m_isTemporary = true;
             HSCPlazGit::debugTrace("Temp fork logfile:", m_file);
