@@ -10,47 +10,15 @@
 #   share/plaz/tps                      third-party programs: links to the system's
 #   share/man, share/doc/plaz           manual page, guides
 #
-# On Windows the DLLs lie in bin beside the program, Tcl's scripts in lib, and the third-party programs are the user's to
-# add; "cpack" makes a zip of the tree.
-include(CMakePackageConfigHelpers)
+# On Windows the DLLs lie in bin beside the program, Tcl's scripts in lib, the third-party programs are the user's to add,
+# and nothing is there for programs that embed the hub; "cpack" makes a zip of the tree.
 
 install(TARGETS plaz)
-install(TARGETS plazhost plaz_lib EXPORT plazTargets)
-
-set(headers ${CMAKE_INSTALL_INCLUDEDIR}/plaz)
-# What readers and the git parts keep to themselves stays out.
-install(DIRECTORY shared/common/plaz DESTINATION ${headers}
-  FILES_MATCHING PATTERN "*.h" PATTERN "reader" EXCLUDE PATTERN "java" EXCLUDE REGEX "/HSCPlazGit[A-Z]" EXCLUDE)
-install(FILES shared/common/plaz/model/reader/HSCPlazJsonReadWriteUtils.h DESTINATION ${headers}/plaz/model/reader)
-install(DIRECTORY platform/support DESTINATION ${headers}
-  FILES_MATCHING PATTERN "*.h" PATTERN "posix" EXCLUDE PATTERN "win32" EXCLUDE PATTERN "Platform*.h" EXCLUDE
-  PATTERN "HCRapidJsonReadWriteUtils.h" EXCLUDE)
-
-install(DIRECTORY platform/scripting DESTINATION ${headers} FILES_MATCHING PATTERN "*.h" PATTERN "*_impl.h" EXCLUDE)
-
 install(DIRECTORY platform/data/ DESTINATION ${CMAKE_INSTALL_DATADIR}/plaz/data/plaz)
-if(NOT WIN32)
-  install(DIRECTORY ${PROJECT_BINARY_DIR}/share/plaz/tps DESTINATION ${CMAKE_INSTALL_DATADIR}/plaz)
-endif()
-
-set(package ${CMAKE_INSTALL_LIBDIR}/cmake/plaz)
-install(EXPORT plazTargets NAMESPACE plaz:: DESTINATION ${package})
-configure_package_config_file(cmake/plazConfig.cmake.in ${PROJECT_BINARY_DIR}/plazConfig.cmake
-  INSTALL_DESTINATION ${package} NO_SET_AND_CHECK_MACRO)
-write_basic_package_version_file(${PROJECT_BINARY_DIR}/plazConfigVersion.cmake COMPATIBILITY SameMajorVersion)
-install(FILES ${PROJECT_BINARY_DIR}/plazConfig.cmake ${PROJECT_BINARY_DIR}/plazConfigVersion.cmake DESTINATION ${package})
-
-configure_file(cmake/plaz.pc.in ${PROJECT_BINARY_DIR}/plaz.pc @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/plaz.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-
-if(NOT WIN32)
-  install(FILES docs/man/plaz.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
-endif()
-install(FILES README.md docs/user-guide.md docs/store-authors-guide.md docs/embedding-guide.md docs/windows.md
-  DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(DIRECTORY docs/images DESTINATION ${CMAKE_INSTALL_DOCDIR})
+set(guides README.md docs/user-guide.md docs/store-authors-guide.md docs/windows.md)
 
 if(WIN32)
+  install(TARGETS plazhost plaz_lib RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
   install(DIRECTORY ${PLAZ_WINDOWS_DEPS}/bin/ DESTINATION ${CMAKE_INSTALL_BINDIR})
   install(DIRECTORY ${PLAZ_WINDOWS_DEPS}/lib/tcl8.6 ${PLAZ_WINDOWS_DEPS}/lib/tcl8 DESTINATION lib)
   install(DIRECTORY ${PLAZ_WINDOWS_DEPS}/licenses DESTINATION ${CMAKE_INSTALL_DOCDIR})
@@ -62,4 +30,34 @@ if(WIN32)
   set(CPACK_STRIP_FILES ON)
   set(CPACK_VERBATIM_VARIABLES ON)
   include(CPack)
+else()
+  install(TARGETS plazhost plaz_lib EXPORT plazTargets)
+  install(DIRECTORY ${PROJECT_BINARY_DIR}/share/plaz/tps DESTINATION ${CMAKE_INSTALL_DATADIR}/plaz)
+  install(FILES docs/man/plaz.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
+  list(APPEND guides docs/embedding-guide.md)
+
+  set(headers ${CMAKE_INSTALL_INCLUDEDIR}/plaz)
+  # What readers and the git parts keep to themselves stays out.
+  install(DIRECTORY shared/common/plaz DESTINATION ${headers}
+    FILES_MATCHING PATTERN "*.h" PATTERN "reader" EXCLUDE PATTERN "java" EXCLUDE REGEX "/HSCPlazGit[A-Z]" EXCLUDE)
+  install(FILES shared/common/plaz/model/reader/HSCPlazJsonReadWriteUtils.h DESTINATION ${headers}/plaz/model/reader)
+  install(DIRECTORY platform/support DESTINATION ${headers}
+    FILES_MATCHING PATTERN "*.h" PATTERN "posix" EXCLUDE PATTERN "win32" EXCLUDE PATTERN "Platform*.h" EXCLUDE
+    PATTERN "HCRapidJsonReadWriteUtils.h" EXCLUDE)
+
+  install(DIRECTORY platform/scripting DESTINATION ${headers} FILES_MATCHING PATTERN "*.h" PATTERN "*_impl.h" EXCLUDE)
+
+  include(CMakePackageConfigHelpers)
+  set(package ${CMAKE_INSTALL_LIBDIR}/cmake/plaz)
+  install(EXPORT plazTargets NAMESPACE plaz:: DESTINATION ${package})
+  configure_package_config_file(cmake/plazConfig.cmake.in ${PROJECT_BINARY_DIR}/plazConfig.cmake
+    INSTALL_DESTINATION ${package} NO_SET_AND_CHECK_MACRO)
+  write_basic_package_version_file(${PROJECT_BINARY_DIR}/plazConfigVersion.cmake COMPATIBILITY SameMajorVersion)
+  install(FILES ${PROJECT_BINARY_DIR}/plazConfig.cmake ${PROJECT_BINARY_DIR}/plazConfigVersion.cmake DESTINATION ${package})
+
+  configure_file(cmake/plaz.pc.in ${PROJECT_BINARY_DIR}/plaz.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/plaz.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 endif()
+
+install(FILES ${guides} DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY docs/images DESTINATION ${CMAKE_INSTALL_DOCDIR})
