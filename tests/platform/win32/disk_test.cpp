@@ -127,10 +127,4 @@ TEST(DiskTest, WhatIsOpenIsTriedAgain) {
     EXPECT_TRUE(whileHeld(held, [&] { return HUTFile::rmRecursive(temp.path("dir")); }));
 }
 
-// Fault: two items that share a folder without a word.
-TEST(DiskTest, NamesThatTheDiskTakesForOne) {
-    EXPECT_EQ(HUTFile::getNameKey("Led \xC3\x84"), HUTFile::getNameKey("lED \xC3\xA4"));
-    EXPECT_NE(HUTFile::getNameKey("led"), HUTFile::getNameKey("led2"));
-}
-
 } // namespace

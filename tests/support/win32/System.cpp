@@ -4,15 +4,14 @@
 #include "support/HUTFile.h"
 #include "support/TempDir.h"
 
-#include <array>
 #include <boost/algorithm/string/replace.hpp>
-#include <memory>
 #include <process.h>
 #include <stdexcept>
 
 #include <windows.h>
 
 #include <aclapi.h>
+#include <sddl.h>
 
 const char* const test_system::homeVariable = "USERPROFILE";
 const char* const test_system::pathListSeparator = ";";
@@ -31,24 +30,17 @@ bool test_system::makeLink(const std::string& target, const std::string& link) {
 }
 
 bool test_system::isReadableByOthers(const std::string& file) {
-    PACL rights = nullptr;
-    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    PSECURITY_DESCRIPTOR rights = nullptr;
+    wchar_t* text = nullptr;
     if (GetNamedSecurityInfoW(HI18N::convert(file).c_str(), SE_FILE_OBJECT, DACL_SECURITY_INFORMATION, nullptr, nullptr,
-                              &rights, nullptr, &descriptor) != ERROR_SUCCESS)
+                              nullptr, nullptr, &rights) != ERROR_SUCCESS ||
+        !ConvertSecurityDescriptorToStringSecurityDescriptorW(rights, SDDL_REVISION_1, DACL_SECURITY_INFORMATION, &text,
+                                                              nullptr))
         throw std::runtime_error("the rights of " + file + " cannot be read");
-    const std::unique_ptr<void, HLOCAL (*)(void*)> owned(descriptor, LocalFree);
-    std::array<char, SECURITY_MAX_SID_SIZE> everyone{};
-    auto size = static_cast<DWORD>(everyone.size());
-    CreateWellKnownSid(WinWorldSid, nullptr, everyone.data(), &size);
-    ACCESS_MASK granted = 0;
-    for (DWORD i = 0; rights && i < rights->AceCount; ++i) {
-        void* entry = nullptr;
-        if (!GetAce(rights, i, &entry)) throw std::runtime_error("the rights to " + file + " cannot be read");
-        auto* const allowed = static_cast<ACCESS_ALLOWED_ACE*>(entry);
-        if (allowed->Header.AceType == ACCESS_ALLOWED_ACE_TYPE && EqualSid(&allowed->SidStart, everyone.data()))
-            granted |= allowed->Mask;
-    }
-    return (granted & FILE_READ_DATA) != 0;
+    const bool isOpenToAll = std::wstring(text).find(L";WD)") != std::wstring::npos;
+    LocalFree(text);
+    LocalFree(rights);
+    return isOpenToAll;
 }
 
 void test_system::putVariable(const std::string& name, const std::optional<std::string>& value) {
