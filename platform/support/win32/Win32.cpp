@@ -81,9 +81,14 @@ OwnerOnly::OwnerOnly() {
 
 std::wstring getFinalName(const Handle& handle) {
     if (!handle) return {};
-    return getText([&handle](wchar_t* text, DWORD size) {
-        return GetFinalPathNameByHandleW(handle.get(), text, size, FILE_NAME_NORMALIZED | VOLUME_NAME_DOS);
-    });
+    const auto ask = [&handle](DWORD form) {
+        return getText([&](wchar_t* text, DWORD size) {
+            return GetFinalPathNameByHandleW(handle.get(), text, size, form | VOLUME_NAME_DOS);
+        });
+    };
+    // Some shares do not tell how their directories spell their names.
+    const std::wstring name = ask(FILE_NAME_NORMALIZED);
+    return name.empty() ? ask(FILE_NAME_OPENED) : name;
 }
 
 } // namespace win32
