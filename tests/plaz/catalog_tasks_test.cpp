@@ -151,6 +151,17 @@ TEST_F(CatalogTasksTest, EmptyStoreIsNoError) {
     EXPECT_FALSE(HSCPlazTaskMgr::hasUpdate(&store()));
 }
 
+// An alarm about an installed item that the catalog offers no more, or its loss.
+TEST_F(CatalogTasksTest, WithdrawnItemStaysUntilItIsRemoved) {
+    ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), store().getItem("a"), true, nullptr));
+    tcl.withdraw("a");
+    publish();
+    takeIds();
+    EXPECT_TRUE(refresh() && refresh());
+    EXPECT_TRUE(HSCPlazTaskMgr::uninstall(&hub(), store().getItem("a"), true));
+    EXPECT_EQ(takeIds(), Ids{});
+}
+
 // A store moved into another release's directory, or one that forgets where it was moved to.
 TEST_F(CatalogTasksTest, StoresMoveToADirectoryOfTheUsersChoice) {
     EXPECT_FALSE(HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), ""));

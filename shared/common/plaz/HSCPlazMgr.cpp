@@ -61,7 +61,7 @@ void describeFromInstalledFiles(const HSCPlazQStoreModel& store, const HSCPlazPa
     const HIOStream::Root root(store.getLocalDbFilePath().empty() ? std::string() : paths.getStoreArea(store));
     HSCPlazJsonDocument document;
     for (const auto& item : store.getItems()) {
-        if (!item->isInstalled()) continue;
+        if (!item->isInstalled() || item->getMetadataFile().empty()) continue; // the catalog has left it out
         const std::string file = HSCPlazPathMgr::getItemFolder(store, *item) + "/" + item->getMetadataFile();
         HSCPlazQItemModel description;
         const HIOStream::Status status = HSCPlazQItemReader().parseBelow(root, file, document, &description);

@@ -65,6 +65,7 @@ bool acceptItemFile(const HSCPlazQItemModel& item) {
 std::vector<std::string> getItemFiles(const HSCPlazQStoreModel& store) {
     std::vector<std::string> files;
     for (const auto& item : store.getItems()) {
+        if (item->isInstalled() && item->getMetadataFile().empty()) continue; // the catalog has left it out
         if (!acceptItemFile(*item)) continue;
         const std::string root = item->getRoot() + HUTFile::getDirSeparator();
         files.push_back(root + item->getMetadataFile());
