@@ -21,8 +21,9 @@ def main():
     with tempfile.TemporaryDirectory(prefix="plaz-java-") as scratch:
         sample = pathlib.Path(scratch) / "sample"
         env = junit.make_hub(MAKE_SAMPLE_HUB, sample, PRODUCT_DATA)
-        command = junit.command(JAVA, ["-Xcheck:jni", "-Xmx128m", f"-Dsample={sample}"], [TESTS_JAR, PLAZ_JAR],
-                                LIBRARIES, "--select-class", sys.argv[7])
+        # The heap takes all its memory at the start: what the process grows by later is native memory.
+        options = ["-Xcheck:jni", "-Xms128m", "-Xmx128m", "-XX:+AlwaysPreTouch", f"-Dsample={sample}"]
+        command = junit.command(JAVA, options, [TESTS_JAR, PLAZ_JAR], LIBRARIES, "--select-class", sys.argv[7])
         result = subprocess.run(command, env=env, cwd=scratch, encoding="utf-8", stdout=subprocess.PIPE,
                                 stderr=subprocess.STDOUT)
     print(result.stdout)
