@@ -120,7 +120,7 @@ TEST(TrustTest, RefusesWhatLeadsElsewhere) {
           {"a/b.json", "a..b/..c", "x.git", "Grüße/基板", "a~", "~1a", "much_longer~1"});
     check(HSCPlazTrust::isSafeRelativePath, false,
           {"a/../b", "..", "/a", "C:x", "a\\b", "a\nb", "", "a/.GIT/b", ".plaz/x", ".Done", "a./b", "a/ /b", "x/PLAZ~1",
-           "git~12.d"});
+           "git~12.d", "a\xED\xB0\x80", "\xC3"});
     check(HSCPlazTrust::isSafeComponent, true, {"1.0"});
     check(HSCPlazTrust::isSafeComponent, false, {".git", "1/0", "."});
     check(HSCPlazTrust::isSafeRef, true, {"main", "release/1.0"});

@@ -1,5 +1,7 @@
 #include "plaz/HSCPlazTrust.h"
 
+#include "support/HI18N.h"
+
 #include <boost/algorithm/string/predicate.hpp>
 
 #include <algorithm>
@@ -11,6 +13,12 @@ namespace {
 bool hasControlCharacter(const std::string& text) {
     return std::any_of(text.begin(), text.end(),
                        [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; });
+}
+
+/// Bytes that are no UTF-8 are left in a name by one system and replaced by another.
+bool isUtf8(const std::string& text) {
+    const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+    return std::all_of(text.begin(), text.end(), isAscii) || HI18N::convert(HI18N::convert(text)) == text;
 }
 
 /// What some systems keep for devices, whatever follows a point and the blanks before it: "aux", "nul.txt", "com1 .x".
@@ -124,7 +132,7 @@ bool hasOptionAsHost(const std::string& url) {
 
 bool HSCPlazTrust::isSafeRelativePath(const std::string& path) {
     if (path.empty() || path.front() == '/' || hasControlCharacter(path)) return false;
-    if (path.find_first_of("\\:") != std::string::npos) return false;
+    if (path.find_first_of("\\:") != std::string::npos || !isUtf8(path)) return false;
     return !hasRefusedComponent(path);
 }
 

@@ -10,7 +10,8 @@ namespace HSCPlazTrust {
 
 /// A relative path that stays below where it starts on every system: not empty, not absolute, no component that is
 /// empty or ends in a dot or blank (".." among them), none named ".git", ".plaz", ".staging" or ".done", whatever the
-/// case, none that some systems keep for a device ("aux", "nul.txt"), no backslash, colon or control character.
+/// case, none that some systems keep for a device ("aux", "nul.txt"), no backslash, colon or control character, nothing
+/// that is no UTF-8.
 PLAZ_API bool isSafeRelativePath(const std::string& path);
 /// One path component: a safe relative path without a separator that is not ".".
 PLAZ_API bool isSafeComponent(const std::string& name);
