@@ -344,12 +344,16 @@ bool takeCatalogAlong(const HSCPlazQStoreModel& store, const std::string& newRoo
     return takeFiles(oldRoot, newRoot, files) && HUTFile::writeAtomically(newRoot + "/.done", "");
 }
 
+bool isSameName(const std::string& a, const std::string& b) {
+    return HUTFile::getNameKey(a) == HUTFile::getNameKey(b);
+}
+
 bool moveStore(HSCPlazQStore& store, const std::string& dir) {
     inside(moveName, " store - ", store.getName(), " local_root_dir - ", dir);
     HSCPlazMgr& manager = HSCPlazMgr::getInstance();
     // What other stores have must be known before this one leaves its place.
     if (!manager.keepDefaultFolders()) return false;
-    const bool goesHome = dir == manager.getDefaultPlace(*store.getModel());
+    const bool goesHome = isSameName(dir, manager.getDefaultPlace(*store.getModel()));
     const std::string newRoot = goesHome || store.getRoot().empty() ? dir : dir + "/" + store.getRoot();
     const std::string oldRoot = store.getLocalRootDir();
     const std::string database = newRoot + "/.plaz/" + HSCPlazUtils::PLAZ_LOCAL_DB_FILE;
@@ -357,7 +361,7 @@ bool moveStore(HSCPlazQStore& store, const std::string& dir) {
     if (!canBeKept(store, database) || !takeCatalogAlong(*store.getModel(), newRoot) ||
         !manager.getHubRepoInfoMgr()->setStoreDirectory(store.getName(), goesHome ? "" : dir))
         return false;
-    if (newRoot != oldRoot && holdsSomething(*store.getModel()))
+    if (!isSameName(newRoot, oldRoot) && holdsSomething(*store.getModel()))
         ComMsgMgr::send(Msg::itemsLeftBehind, MsgSeverity::warning, store.getName(), oldRoot);
     store.setLocalDbFilePath(database);
     store.setLocalRootDir(newRoot);

@@ -39,7 +39,9 @@ void replaceIfEmpty(std::string& text, const std::string& parameter, const char*
 
 bool usesDirectory(const HSCPlazQStore& store, const std::string& dir) {
     for (const std::string& used : {store.getInstallDir(), store.getLocalRootDir()})
-        if (!used.empty() && (HUTFile::getNonNativeCanonicalName(used) == dir || HUTFile::isAKA(used, dir)))
+        if (!used.empty() &&
+            (HUTFile::getNameKey(HUTFile::getNonNativeCanonicalName(used)) == HUTFile::getNameKey(dir) ||
+             HUTFile::isAKA(used, dir)))
             return true;
     return false;
 }
