@@ -4,6 +4,8 @@
 #include "Win32.h"
 #include "support/HUTFile.h"
 #include "support/HUTWait.h"
+#include "support/PlatformFile.h"
+#include "support/PlatformSystem.h"
 
 #include <algorithm>
 #include <atomic>
@@ -12,6 +14,7 @@
 #include <memory>
 #include <mutex>
 #include <set>
+#include <sstream>
 #include <thread>
 
 namespace platform {
@@ -164,21 +167,25 @@ std::wstring toEnvironmentBlock(const std::vector<std::string>& environment) {
     return block.empty() ? std::wstring(2, L'\0') : block + L'\0';
 }
 
-// RATIONALE: the search is made here, along PATH alone: the system would look into the current directory first, and a
+std::wstring searchAlongPath(const std::wstring& program) {
+    std::istringstream dirs(getVariable("PATH").value_or(""));
+    std::wstring found(32767, L'\0');
+    for (std::string dir; std::getline(dirs, dir, pathListSeparator);) {
+        const DWORD size = dir.empty() ? 0
+                                       : SearchPathW(toWide(dir).c_str(), program.c_str(), L".exe",
+                                                     static_cast<DWORD>(found.size()), found.data(), nullptr);
+        if (size != 0) return found.substr(0, size);
+    }
+    return {};
+}
+
+// RATIONALE: the system gets the whole name, for it would look for any other in the current directory, too, and a
 // store's working copy may hold anything.
 std::wstring findProgram(const ProcessSpec& spec) {
-    std::wstring program = toWide(spec.program);
-    std::replace(program.begin(), program.end(), L'/', L'\\');
-    if (spec.useSearchPath && program.find(L'\\') == std::wstring::npos) {
-        std::wstring path(32767, L'\0');
-        path.resize(GetEnvironmentVariableW(L"PATH", path.data(), static_cast<DWORD>(path.size())));
-        std::wstring found(32767, L'\0');
-        found.resize(SearchPathW(path.c_str(), program.c_str(), L".exe", static_cast<DWORD>(found.size()), found.data(),
-                                 nullptr));
-        return found;
-    }
-    const bool isAbsolute = program.size() > 1 && (program[1] == L':' || program.compare(0, 2, LR"(\\)") == 0);
-    return isAbsolute || spec.dir.empty() ? program : toWide(spec.dir) + L'\\' + program;
+    if (spec.useSearchPath && spec.program.find_first_of("/\\") == std::string::npos)
+        return searchAlongPath(toWide(spec.program));
+    const std::filesystem::path program = std::filesystem::path(toWide(spec.dir)) / toWide(spec.program);
+    return std::filesystem::path(toWide(makeAbsolute(win32::toUtf8(program.native())))).make_preferred();
 }
 
 // The command interpreter would run it, and take parts of arguments for commands of its own.
