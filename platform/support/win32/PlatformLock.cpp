@@ -15,7 +15,10 @@ const auto noHandle = reinterpret_cast<std::intptr_t>(INVALID_HANDLE_VALUE);
 // The children of a process that is killed are ended by the system within the same moment (see the jobs of the
 // processes), so that the lock need not be theirs.
 HUTFileLock::~HUTFileLock() {
-    if (m_handle != noHandle) CloseHandle(toHandle(m_handle));
+    if (m_handle == noHandle) return;
+    OVERLAPPED start{};
+    if (m_isHeld) UnlockFileEx(toHandle(m_handle), 0, 1, 0, &start); // closing alone may unlock later
+    CloseHandle(toHandle(m_handle));
 }
 
 HUTFileLock::Result HUTFileLock::tryLock() {
