@@ -1,11 +1,11 @@
 #include "support/PlatformFile.h"
 
 #include "Win32.h"
+#include "support/HI18N.h"
 
 #include <algorithm>
 #include <atomic>
 #include <chrono>
-#include <codecvt>
 #include <filesystem>
 #include <locale>
 #include <memory>
@@ -37,8 +37,6 @@ Status statusOfError(DWORD error) {
     case ERROR_PATH_NOT_FOUND:
     case ERROR_INVALID_NAME:
     case ERROR_BAD_PATHNAME:
-    case ERROR_BAD_NETPATH:
-    case ERROR_BAD_NET_NAME:
     case ERROR_INVALID_DRIVE:
     case ERROR_DIRECTORY:
     case ERROR_FILENAME_EXCED_RANGE:
@@ -157,10 +155,10 @@ bool isGone(const std::wstring& name) {
            statusOfError(GetLastError()) == Status::missing;
 }
 
-// A file that somebody holds open keeps its name until he lets go of it.
-bool deleteFile(const std::wstring& name, Patience& patience) {
+// What somebody holds open keeps its name until he lets go of it.
+bool untilGone(const std::wstring& name, BOOL WINAPI (*remove)(const wchar_t*), Patience& patience) {
     return patience.untilDone([&]() -> DWORD {
-        const DWORD error = DeleteFileW(name.c_str()) ? ERROR_SHARING_VIOLATION : GetLastError();
+        const DWORD error = remove(name.c_str()) ? ERROR_SHARING_VIOLATION : GetLastError();
         return isGone(name) ? 0 : error;
     });
 }
@@ -203,15 +201,15 @@ private:
 
 bool removeEntry(const std::wstring& name, DWORD attributes, Patience& patience);
 
-bool removeEntries(const std::wstring& dir, Patience& patience) {
+bool removeEntries(const std::wstring& dir, const std::string& kept, Patience& patience) {
     WIN32_FIND_DATAW entry{};
     const HANDLE search = FindFirstFileW((dir + L"\\*").c_str(), &entry);
-    if (search == INVALID_HANDLE_VALUE) return false;
+    if (search == INVALID_HANDLE_VALUE) return isGone(dir);
     const std::unique_ptr<void, BOOL (*)(HANDLE)> owned(search, FindClose);
     bool areGone = true;
     do {
         const std::wstring_view name = entry.cFileName;
-        if (name == L"." || name == L"..") continue;
+        if (name == L"." || name == L".." || win32::toUtf8(name) == kept) continue;
         areGone = removeEntry(dir + L'\\' + std::wstring(name), entry.dwFileAttributes, patience) && areGone;
     } while (FindNextFileW(search, &entry));
     return areGone;
@@ -220,15 +218,35 @@ bool removeEntries(const std::wstring& dir, Patience& patience) {
 // Read-only files, such as git's objects, are not removed as they are. A link goes, what it leads to stays.
 bool removeEntry(const std::wstring& name, DWORD attributes, Patience& patience) {
     if ((attributes & FILE_ATTRIBUTE_READONLY) != 0) makeWriteable(name);
-    if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return deleteFile(name, patience);
+    if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return untilGone(name, DeleteFileW, patience);
     const bool isLink = (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
-    if (!isLink && !removeEntries(name, patience)) return false;
-    return patience.untilDone([&] { return RemoveDirectoryW(name.c_str()) ? 0 : GetLastError(); });
+    if (!isLink && !removeEntries(name, "", patience)) return false;
+    return untilGone(name, RemoveDirectoryW, patience);
 }
 
-// Texts become names, and names texts, in UTF-8, whatever the system's own narrow texts are in.
+/// Boost turns texts into names, and names into texts, by the rule of all others here: in UTF-8, and without an error
+/// for what is no text. It gives and wants all of a text at once, with room for it.
+class NameConversion : public std::codecvt<wchar_t, char, std::mbstate_t> {
+    template <typename From, typename To>
+    static result convert(const From* from, const From* end, const From*& next, To* to, To* toEnd, To*& toNext) {
+        const auto text = HI18N::convert(std::basic_string<From>(from, end));
+        if (text.size() > static_cast<std::size_t>(toEnd - to)) return error;
+        next = end;
+        toNext = std::copy(text.begin(), text.end(), to);
+        return ok;
+    }
+    result do_in(std::mbstate_t& /*state*/, const char* from, const char* end, const char*& next, wchar_t* to,
+                 wchar_t* toEnd, wchar_t*& toNext) const override {
+        return convert(from, end, next, to, toEnd, toNext);
+    }
+    result do_out(std::mbstate_t& /*state*/, const wchar_t* from, const wchar_t* end, const wchar_t*& next, char* to,
+                  char* toEnd, char*& toNext) const override {
+        return convert(from, end, next, to, toEnd, toNext);
+    }
+};
+
 [[maybe_unused]] const std::locale replaced =
-    boost::filesystem::path::imbue(std::locale(std::locale(), new std::codecvt_utf8_utf16<wchar_t>));
+    boost::filesystem::path::imbue(std::locale(std::locale(), new NameConversion));
 
 } // namespace
 
@@ -242,9 +260,12 @@ std::string makeAbsolute(const std::string& name) {
     return win32::toGenericName(toLongName(name));
 }
 
+// Without "linguistic" the system applies the rule of its disks, which changes no length.
 std::string getNameKey(const std::string& name) {
-    std::wstring key = win32::toWide(name);
-    if (!key.empty()) CharUpperBuffW(key.data(), static_cast<DWORD>(key.size()));
+    const std::wstring wide = win32::toWide(name);
+    const int size = static_cast<int>(wide.size());
+    std::wstring key(wide.size(), L'\0');
+    LCMapStringEx(LOCALE_NAME_INVARIANT, LCMAP_UPPERCASE, wide.data(), size, key.data(), size, nullptr, nullptr, 0);
     return win32::toUtf8(key);
 }
 

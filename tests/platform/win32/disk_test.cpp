@@ -31,6 +31,7 @@ TEST(DiskTest, CanonicalNames) {
                                                          {"C:/../a", "C:/a"},
                                                          {"C:x", "C:/x"},
                                                          {"/a/b", drive + "/a/b"},
+                                                         {"C:/\xFF", "C:/\xEF\xBF\xBD"}, // no text
                                                          {"//server/share/x/../y", "//server/share/y"}};
     for (const auto& [name, canonical] : cases) EXPECT_EQ(HUTFile::getCanonicalName(name), canonical) << name;
     EXPECT_EQ(HUTSysCall::getCurrDir(), temp.path());
@@ -125,6 +126,7 @@ TEST(DiskTest, WhatIsOpenIsTriedAgain) {
     EXPECT_TRUE(whileHeld(held, [&] { return HUTFile::rmRecursive(file) && !HUTFile::exists(file); }));
     held = openForReading(temp.path("dir"), FILE_SHARE_READ);
     EXPECT_TRUE(whileHeld(held, [&] { return HUTFile::rmRecursive(temp.path("dir")); }));
+    EXPECT_FALSE(HUTFile::rmRecursive("//server.invalid/share/file")) << "what cannot be reached is not gone";
 }
 
 } // namespace
