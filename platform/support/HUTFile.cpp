@@ -76,7 +76,7 @@ bool placeOver(const fs::path& dest, const PlaceEntry& place) {
     const fs::path beside = dest.parent_path() / fs::unique_path(".plaz-%%%%-%%%%-%%%%.tmp");
     if (!place(beside)) return false;
     if (HUTFile::rename(beside.string(), dest.string())) return true;
-    fs::remove(beside, error);
+    platform::removeTree(beside.string());
     return false;
 }
 
@@ -196,15 +196,16 @@ bool HUTFile::mkDirRecursive(const std::string& dir) {
     return isDirectory(dir);
 }
 
+bool HUTFile::mkDirForOwner(const std::string& dir) {
+    return mkDirRecursive(dir) && platform::keepForOwner(dir);
+}
+
 bool HUTFile::rmRecursive(const std::string& path) {
     return platform::removeTree(path);
 }
 
 bool HUTFile::rmEntriesExcept(const std::string& dir, const std::string& keptName) {
-    bool areGone = true;
-    for (const std::string& name : createFileIter(dir))
-        if (name != keptName) areGone = platform::removeTree(dir + "/" + name) && areGone;
-    return areGone;
+    return platform::removeEntriesExcept(dir, keptName);
 }
 
 bool HUTFile::copyTo(const std::string& source, const std::string& dest, int option) {

@@ -44,16 +44,19 @@ public:
 
     /// Creates a directory with its parents; true when it is there afterwards.
     static bool mkDirRecursive(const std::string& dir);
+    /// Creates a directory with its parents, or takes one that is there, and keeps all but its owner from it and from
+    /// what is made in it. @return false when that failed
+    static bool mkDirForOwner(const std::string& dir);
     /// Removes a file, a link (not its target) or a directory with all it holds, read-only entries included.
     /// True when it is gone afterwards.
     static bool rmRecursive(const std::string& path);
-    /// Removes a directory tree entry by entry except one name at its top.
-    /// @return false when something could not be removed
+    /// Removes what lies in a directory except one name at its top. @return false when something could not be removed
     static bool rmEntriesExcept(const std::string& dir, const std::string& keptName);
 
     /// What a copy does with a target that exists: the host's option 3, copy over it.
     static constexpr int copyOver = 3;
-    /// Copies one file with its permissions. A link is copied as a link.
+    /// Copies one file with its permissions (on Windows its read-only mark; who may read a file follows from where it
+    /// lies). A link is copied as a link.
     static bool copyTo(const std::string& source, const std::string& dest, int option);
     /// Copies a file or a directory tree. Links are copied as links, never followed; one that stands in the way below
     /// @p dest is replaced. Pipes, sockets and devices are left out. False for a @p dest below @p source. After a

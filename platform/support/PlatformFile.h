@@ -60,9 +60,14 @@ std::string resolveLinks(const std::string& path, std::error_code& error);
 
 /// As HUTFile::rmRecursive() says.
 bool removeTree(const std::string& path);
+/// As HUTFile::rmEntriesExcept() says.
+bool removeEntriesExcept(const std::string& dir, const std::string& keptName);
 
-/// Copies a file with its permissions to where nothing stands. @return false, with nothing left there, when that failed
-/// or something stands there
+/// Keeps all but its owner from a directory that is there, and from what is made in it later.
+bool keepForOwner(const std::string& dir);
+
+/// As HUTFile::copyTo() says, but only to where nothing stands. @return false, with nothing left there, when that
+/// failed or something stands there
 bool copyFile(const std::string& source, const std::string& dest);
 
 /// Gives a file or directory another name. A file there is replaced; one that somebody holds open is tried again for a

@@ -97,7 +97,8 @@ TEST_F(GitAccess, CredentialsAreRecordedAndNeverSeen) {
     EXPECT_EQ((output + calls + takeCalls()).find("s3cr3t"), std::string::npos);
     EXPECT_EQ(exposing("s3cr3t"), Names{});
     for (const std::string& dir : {index, hubStaging})
-        EXPECT_FALSE(test_system::isReadableByOthers(dir + "/.git/config")) << dir;
+        for (const char* name : {"/.git", "/.git/config"})
+            EXPECT_FALSE(test_system::isReadableByOthers(dir + name)) << dir << name;
     for (const auto& message : messages)
         for (const std::string& arg : message.args) EXPECT_EQ(arg.find("s3cr3t"), std::string::npos) << arg;
 }

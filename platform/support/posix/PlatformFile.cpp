@@ -249,7 +249,18 @@ bool removeTree(const std::string& path) {
     // The owner may take back what keeps him from his own directory.
     if ((status.permissions() & fs::perms::owner_all) != fs::perms::owner_all)
         fs::permissions(path, fs::perms::owner_all, fs::perm_options::add, error);
-    return HUTFile::rmEntriesExcept(path, "") && fs::remove(path, error);
+    return removeEntriesExcept(path, "") && fs::remove(path, error);
+}
+
+bool removeEntriesExcept(const std::string& dir, const std::string& keptName) {
+    bool areGone = true;
+    for (const std::string& name : HUTFile::createFileIter(dir))
+        if (name != keptName) areGone = removeTree(dir + "/" + name) && areGone;
+    return areGone;
+}
+
+bool keepForOwner(const std::string& dir) {
+    return chmod(dir.c_str(), S_IRWXU) == 0;
 }
 
 // RATIONALE: Boost's copy waits until each file is on the disk itself, which costs more than all else of an

@@ -338,6 +338,18 @@ bool removeTree(const std::string& path) {
     return removeEntry(name, attributes, patience);
 }
 
+bool removeEntriesExcept(const std::string& dir, const std::string& keptName) {
+    Patience patience;
+    return removeEntries(toLongName(dir), keptName, patience);
+}
+
+// What lies in it already keeps its rights: a call that changed them would look at all of it.
+bool keepForOwner(const std::string& dir) {
+    OwnerOnly rights;
+    constexpr SECURITY_INFORMATION part = DACL_SECURITY_INFORMATION | PROTECTED_DACL_SECURITY_INFORMATION;
+    return rights.get() && SetFileSecurityW(toLongName(dir).c_str(), part, rights.get()->lpSecurityDescriptor);
+}
+
 bool copyFile(const std::string& source, const std::string& dest) {
     return CopyFileW(toLongName(source).c_str(), toLongName(dest).c_str(), TRUE);
 }

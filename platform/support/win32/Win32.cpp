@@ -3,6 +3,8 @@
 #include "support/HI18N.h"
 
 #include <algorithm>
+#include <array>
+#include <cstddef>
 #include <sddl.h>
 
 namespace win32 {
@@ -25,6 +27,21 @@ template <typename Fill> std::wstring getText(Fill fill) {
         size = fill(text.data(), static_cast<DWORD>(text.size()));
     }
     text.resize(size);
+    return text;
+}
+
+/// The user of this process in the words of security descriptors; empty when that cannot be had.
+std::wstring getUser() {
+    HANDLE opened = nullptr;
+    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &opened)) return {};
+    const Handle token(opened);
+    alignas(TOKEN_USER) std::array<std::byte, sizeof(TOKEN_USER) + SECURITY_MAX_SID_SIZE> buffer{};
+    DWORD size = 0;
+    wchar_t* text = nullptr;
+    if (!GetTokenInformation(token.get(), TokenUser, buffer.data(), static_cast<DWORD>(buffer.size()), &size) ||
+        !ConvertSidToStringSidW(reinterpret_cast<const TOKEN_USER*>(buffer.data())->User.Sid, &text))
+        return {};
+    const std::unique_ptr<wchar_t, HLOCAL (*)(void*)> owned(text, LocalFree);
     return text;
 }
 
@@ -70,11 +87,14 @@ std::string describe(DWORD error) {
     return toUtf8(line);
 }
 
-// The owner's own rights are named apart from the owner.
+// The owner is named apart from the user: on a share he may be known by another name, and what is made with the rights
+// of an administrator belongs to all of them.
 OwnerOnly::OwnerOnly() {
+    const std::wstring user = getUser();
+    if (user.empty()) return;
+    const std::wstring rights = L"D:P(A;OICI;FA;;;OW)(A;OICI;FA;;;SY)(A;OICI;FA;;;" + user + L")";
     PSECURITY_DESCRIPTOR descriptor = nullptr;
-    ConvertStringSecurityDescriptorToSecurityDescriptorW(L"D:P(A;;FA;;;OW)(A;;FA;;;SY)", SDDL_REVISION_1, &descriptor,
-                                                         nullptr);
+    ConvertStringSecurityDescriptorToSecurityDescriptorW(rights.c_str(), SDDL_REVISION_1, &descriptor, nullptr);
     m_descriptor.reset(descriptor);
     m_attributes = {sizeof m_attributes, descriptor, FALSE};
 }

@@ -50,7 +50,8 @@ private:
 /// Whoever else has a file open may do what he likes with it.
 constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-/// Rights for a file that keep anything but this user's programs from it.
+/// Rights for a file that keep anything but this user's programs from it; those of a directory hold for what is made in
+/// it as well.
 class OwnerOnly {
 public:
     OwnerOnly();

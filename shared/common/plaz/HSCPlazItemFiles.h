@@ -34,7 +34,8 @@ void reportUnlessTold(const HEXAll& failure);
 /// Whether the item's recorded directory is one that may be emptied; sends Msg::removalRefused when not.
 bool mayBeRemoved(const HSCPlazFoundItem& found);
 /// Takes the item's files from their place in one step, its metadata file excepted, so that the catalog goes on
-/// describing it; discard() then destroys them. Empty, with everything in place and the reason sent, on failure.
+/// describing it; discard() then destroys them. Empty, with the reason sent, on failure: the item then counts as
+/// installed, though files that could be removed where others could not are gone.
 std::optional<std::string> park(const HSCPlazFoundItem& found);
 void discard(const std::string& parked);
 

@@ -151,7 +151,7 @@ bool isReplacedWhole(const std::string& relative) {
 }
 
 bool copyIndex(const std::string& index, const std::string& staging) {
-    if (HUTFile::cloneTree(index, staging, isReplacedWhole)) return true;
+    if (HUTFile::mkDirForOwner(staging + "/.git") && HUTFile::cloneTree(index, staging, isReplacedWhole)) return true;
     HUTFile::rmRecursive(staging);
     return tellNotWritable(staging);
 }

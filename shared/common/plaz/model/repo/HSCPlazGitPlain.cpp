@@ -64,7 +64,7 @@ std::string shown(const std::string& secret) {
 
 bool HSCPlazGit::initWorkingCopy(const std::string& dir) {
     exec_git({"init"}, dir, false, "");
-    if (!HUTFile::mkDirRecursive(dir + "/.git/info") ||
+    if (!HUTFile::mkDirForOwner(dir + "/.git") || !HUTFile::mkDirRecursive(dir + "/.git/info") ||
         !HUTFile::writeAtomically(dir + "/.git/info/attributes", HSCPlazGitEnv::plainAttributes))
         return false;
     setSslCaInfo(dir);
