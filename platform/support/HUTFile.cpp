@@ -197,7 +197,9 @@ bool HUTFile::mkDirRecursive(const std::string& dir) {
 }
 
 bool HUTFile::mkDirForOwner(const std::string& dir) {
-    return mkDirRecursive(dir) && platform::keepForOwner(dir);
+    if (!mkDirRecursive(dir)) return false;
+    platform::keepForOwner(dir);
+    return true;
 }
 
 bool HUTFile::rmRecursive(const std::string& path) {

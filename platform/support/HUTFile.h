@@ -45,7 +45,7 @@ public:
     /// Creates a directory with its parents; true when it is there afterwards.
     static bool mkDirRecursive(const std::string& dir);
     /// Creates a directory with its parents, or takes one that is there, and keeps all but its owner from it and from
-    /// what is made in it. @return false when that failed
+    /// what is made in it, where the disk knows rights and lets its owner set them. True when it is there afterwards.
     static bool mkDirForOwner(const std::string& dir);
     /// Removes a file, a link (not its target) or a directory with all it holds, read-only entries included.
     /// True when it is gone afterwards.

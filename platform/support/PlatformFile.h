@@ -63,8 +63,8 @@ bool removeTree(const std::string& path);
 /// As HUTFile::rmEntriesExcept() says.
 bool removeEntriesExcept(const std::string& dir, const std::string& keptName);
 
-/// Keeps all but its owner from a directory that is there, and from what is made in it later.
-bool keepForOwner(const std::string& dir);
+/// Keeps all but its owner from a directory that is there, and from what is made in it later, where that is possible.
+void keepForOwner(const std::string& dir);
 
 /// As HUTFile::copyTo() says, but only to where nothing stands. @return false, with nothing left there, when that
 /// failed or something stands there

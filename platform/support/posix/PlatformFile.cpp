@@ -259,8 +259,9 @@ bool removeEntriesExcept(const std::string& dir, const std::string& keptName) {
     return areGone;
 }
 
-bool keepForOwner(const std::string& dir) {
-    return chmod(dir.c_str(), S_IRWXU) == 0;
+void keepForOwner(const std::string& dir) {
+    std::error_code ignored;
+    std::filesystem::permissions(dir, std::filesystem::perms::owner_all, ignored);
 }
 
 // RATIONALE: Boost's copy waits until each file is on the disk itself, which costs more than all else of an

@@ -344,10 +344,10 @@ bool removeEntriesExcept(const std::string& dir, const std::string& keptName) {
 }
 
 // What lies in it already keeps its rights: a call that changed them would look at all of it.
-bool keepForOwner(const std::string& dir) {
+void keepForOwner(const std::string& dir) {
     OwnerOnly rights;
     constexpr SECURITY_INFORMATION part = DACL_SECURITY_INFORMATION | PROTECTED_DACL_SECURITY_INFORMATION;
-    return rights.get() && SetFileSecurityW(toLongName(dir).c_str(), part, rights.get()->lpSecurityDescriptor);
+    if (rights.get()) SetFileSecurityW(toLongName(dir).c_str(), part, rights.get()->lpSecurityDescriptor);
 }
 
 bool copyFile(const std::string& source, const std::string& dest) {
