@@ -287,13 +287,21 @@ class BrowserTest {
     }
 
     private static void click(Component component, int x, int y) throws Exception {
-        Point place = ask(() -> {
+        ask(() -> {
             if (component instanceof JComponent inside && component.getParent() != null)
                 inside.scrollRectToVisible(new Rectangle(0, 0, component.getWidth(), component.getHeight()));
             assertTrue(component.isShowing() && component.isEnabled(), component.getName());
-            return component.getLocationOnScreen();
+            return null;
         });
-        robot.mouseMove(place.x + x, place.y + y);
+        // Without a window manager the toolkit sometimes takes a dialog to be in the corner, not where it was put.
+        await("the mouse on " + component.getName(), () -> {
+            Point place = component.getLocationOnScreen();
+            robot.mouseMove(place.x + x, place.y + y);
+            boolean isThere = ((Container) component).getMousePosition(true) != null;
+            Window of = SwingUtilities.getWindowAncestor(component);
+            if (!isThere && of.getOwner() != null) of.setLocationRelativeTo(of.getOwner());
+            return isThere;
+        });
         robot.mousePress(InputEvent.BUTTON1_DOWN_MASK);
         robot.mouseRelease(InputEvent.BUTTON1_DOWN_MASK);
     }
