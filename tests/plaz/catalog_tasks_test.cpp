@@ -189,6 +189,10 @@ TEST_F(CatalogTasksTest, StoresMoveToADirectoryOfTheUsersChoice) {
     ASSERT_TRUE(HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), files.temp.path("other")));
     ASSERT_TRUE(HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), files.temp.path("mine")));
     EXPECT_TRUE(store().getItem("a")->IsInstalled());
+    takeIds();
+    const bool isCaseIgnored = HUTFile::exists(files.temp.path("MINE"));
+    ASSERT_TRUE(HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), files.temp.path("MINE")));
+    EXPECT_EQ(takeIds(), isCaseIgnored ? Ids{} : Ids{"17-2176"});
     ASSERT_TRUE(HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), files.area("ced_store"))); // home again
     EXPECT_EQ(store().getLocalRootDir(), files.area("ced_store"));
     EXPECT_TRUE(store().getItem("a")->IsInstalled());

@@ -171,6 +171,9 @@ TEST_F(PathsTest, ChosenDirectoriesAreCheckedAndCreated) {
     EXPECT_EQ(takeIds(), (Ids{"17-1670", "17-1581", "17-1668"}));
     EXPECT_TRUE(HSCPlazUtils::setQStoreLocalDir(own, files.temp.path("new/x/../other")));
     EXPECT_EQ(own->getLocalRootDir(), files.temp.path("new/other"));
+    otherModel.setInstallDir(files.temp.path("Absent"));
+    const bool isCaseIgnored = HUTFile::exists(files.temp.path("FILE"));
+    EXPECT_NE(HSCPlazUtils::setQStoreLocalDir(own, files.temp.path("absent")), isCaseIgnored);
 }
 
 // A copy that takes the repository along, or empties what it copies onto itself.
