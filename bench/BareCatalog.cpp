@@ -3,7 +3,7 @@
 #include "BareStartUp.h"
 #include "BenchData.h"
 #include "plaz/model/repo/HSCPlazGit.h"
-#include "plaz/model/repo/HSCPlazGitEnv.h"
+#include "plaz/model/repo/git/HSCPlazGitEnv.h"
 #include "support/HUTEnv.h"
 
 #include <filesystem>

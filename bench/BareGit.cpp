@@ -3,7 +3,7 @@
 #include "BenchData.h"
 #include "Workspace.h"
 #include "plaz/model/repo/HSCPlazGit.h"
-#include "plaz/model/repo/HSCPlazGitEnv.h"
+#include "plaz/model/repo/git/HSCPlazGitEnv.h"
 #include "support/HUTFork.h"
 
 #include <algorithm>

@@ -6,12 +6,12 @@
 #include "WebServer.h"
 #include "Workspace.h"
 #include "plaz/HSCPlazMgr.h"
-#include "plaz/HSCPlazPathMgr.h"
 #include "plaz/HSCPlazTaskMgr.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/repo/HSCPlazGit.h"
+#include "plaz/pref/HSCPlazPathMgr.h"
 #include "support/HUTFile.h"
 
 #include <algorithm>

@@ -39,7 +39,7 @@ else()
   set(headers ${CMAKE_INSTALL_INCLUDEDIR}/plaz)
   # What readers and the git parts keep to themselves stays out.
   install(DIRECTORY shared/common/plaz DESTINATION ${headers}
-    FILES_MATCHING PATTERN "*.h" PATTERN "reader" EXCLUDE PATTERN "java" EXCLUDE REGEX "/HSCPlazGit[A-Z]" EXCLUDE)
+    FILES_MATCHING PATTERN "*.h" PATTERN "reader" EXCLUDE PATTERN "java" EXCLUDE PATTERN "git" EXCLUDE PATTERN "tasks" EXCLUDE)
   install(FILES shared/common/plaz/model/reader/HSCPlazJsonReadWriteUtils.h DESTINATION ${headers}/plaz/model/reader)
   install(DIRECTORY platform/support DESTINATION ${headers}
     FILES_MATCHING PATTERN "*.h" PATTERN "posix" EXCLUDE PATTERN "win32" EXCLUDE PATTERN "Platform*.h" EXCLUDE

@@ -1,13 +1,13 @@
 // One reader of the hub, named by the macro, fed with any bytes as its file.
 
-#include "plaz/HSCPlazLocalDBMgr.h"
 #include "plaz/HSCPlazMgr.h"
-#include "plaz/HSCPlazTrust.h"
+#include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/reader/HSCPlazConfigReader.h"
 #include "plaz/model/reader/HSCPlazQItemCatalogReader.h"
 #include "plaz/model/reader/HSCPlazQItemReader.h"
 #include "plaz/model/reader/HSCPlazQStoreReader.h"
 #include "plaz/model/reader/HSCPlazReader.h"
+#include "plaz/store/HSCPlazLocalDBMgr.h"
 #include "support/ComMsgMgr.h"
 #include "support/TempDir.h"
 

@@ -2,7 +2,7 @@
 
 #include "Errors.h"
 
-#include "plaz/HSCPlazMsg.h"
+#include "plaz/base/HSCPlazMsg.h"
 #include "support/HDGUIStatus.h"
 
 #include <optional>

@@ -4,7 +4,7 @@
 #include "ShellMsg.h"
 #include "Text.h"
 
-#include "plaz/HSCPlazMsg.h"
+#include "plaz/base/HSCPlazMsg.h"
 
 namespace py = pybind11;
 

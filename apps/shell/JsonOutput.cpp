@@ -5,7 +5,7 @@
 #include "StoreSummary.h"
 #include "Utf8.h"
 
-#include "plaz/HSCPlazTrust.h"
+#include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"

@@ -9,7 +9,7 @@
 #include "TextOutput.h"
 
 #include "plaz/HSCPlazMgr.h"
-#include "plaz/HSCPlazMsg.h"
+#include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazModel.h"
 #include "plaz/model/HSCPlazQStore.h"

@@ -6,7 +6,7 @@
 #include "TextTable.h"
 #include "Utf8.h"
 
-#include "plaz/HSCPlazTrust.h"
+#include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"

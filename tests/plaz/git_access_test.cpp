@@ -1,9 +1,9 @@
 #include "git_fixture.h"
 
-#include "plaz/HSCPlazPathMgr.h"
-#include "plaz/HSCPlazTask.h"
 #include "plaz/model/HSCPlazModel.h"
-#include "plaz/model/repo/HSCPlazGitCredentials.h"
+#include "plaz/model/repo/git/HSCPlazGitCredentials.h"
+#include "plaz/pref/HSCPlazPathMgr.h"
+#include "plaz/tasks/HSCPlazTask.h"
 #include "support/HCCXPrefMgr.h"
 #include "support/HUTFileLock.h"
 #include "support/HUTFork.h"

@@ -1,6 +1,6 @@
 #include "git_fixture.h"
 
-#include "plaz/model/repo/HSCPlazGitHead.h"
+#include "plaz/model/repo/git/HSCPlazGitHead.h"
 #include "support/HUTFork.h"
 
 namespace fs = boost::filesystem;

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "plaz/HSCPlazConfigMgr.h"
 #include "plaz/hub_fixture.h"
 #include "plaz/model/repo/HSCPlazGit.h"
+#include "plaz/pref/HSCPlazConfigMgr.h"
 #include "support/HUTSysCall.h"
 #include "support/System.h"
 

@@ -1,6 +1,6 @@
 #include "git_fixture.h"
 
-#include "plaz/model/repo/HSCPlazGitLog.h"
+#include "plaz/model/repo/git/HSCPlazGitLog.h"
 
 namespace {
 

@@ -2,11 +2,11 @@
 
 #include "plaz/HSCPlazMgr.h"
 #include "plaz/HSCPlazParams.h"
-#include "plaz/HSCPlazPathMgr.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazModel.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
+#include "plaz/pref/HSCPlazPathMgr.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTFile.h"
 #include "support/HubOnDisk.h"

@@ -1,7 +1,7 @@
 #include "hub_fixture.h"
 
-#include "plaz/HSCPlazLocalDBMgr.h"
 #include "plaz/HSCPlazTaskMgr.h"
+#include "plaz/store/HSCPlazLocalDBMgr.h"
 #include "support/HDGUIStatus.h"
 
 #include <functional>

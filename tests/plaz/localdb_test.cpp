@@ -1,9 +1,9 @@
 #include "plaz/reader_fixture.h"
 
-#include "plaz/HSCPlazLocalDBMgr.h"
 #include "plaz/model/reader/HSCPlazJsonReadWriteUtils.h"
 #include "plaz/model/reader/HSCPlazLocalDBReader.h"
 #include "plaz/model/reader/HSCPlazLocalDBWriter.h"
+#include "plaz/store/HSCPlazLocalDBMgr.h"
 #include "support/HCRapidJsonReadWriteUtils.h"
 #include "support/System.h"
 

@@ -1,7 +1,7 @@
 #include "hub_fixture.h"
 
-#include "plaz/HSCPlazTrust.h"
 #include "plaz/HSCPlazUtils.h"
+#include "plaz/base/HSCPlazTrust.h"
 #include "plaz/pref/HSCPlazUserPref.h"
 #include "support/HCCXPrefMgr.h"
 #include "support/System.h"

@@ -1,7 +1,7 @@
 #include "hub_fixture.h"
 
-#include "plaz/HSCPlazLocalDBMgr.h"
-#include "plaz/HSCPlazRepoInfoMgr.h"
+#include "plaz/store/HSCPlazLocalDBMgr.h"
+#include "plaz/store/HSCPlazRepoInfoMgr.h"
 
 namespace {
 

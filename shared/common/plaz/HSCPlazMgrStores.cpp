@@ -1,11 +1,8 @@
 // Where each store's files come from and where its own area lies.
 
-#include "plaz/HSCPlazConfigMgr.h"
 #include "plaz/HSCPlazMgr.h"
-#include "plaz/HSCPlazMsg.h"
-#include "plaz/HSCPlazPathMgr.h"
-#include "plaz/HSCPlazRepoInfoMgr.h"
 #include "plaz/HSCPlazUtils.h"
+#include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazLogger.h"
 #include "plaz/model/HSCPlazModel.h"
@@ -15,7 +12,10 @@
 #include "plaz/model/reader/HSCPlazQItemReader.h"
 #include "plaz/model/reader/HSCPlazQStoreReader.h"
 #include "plaz/model/repo/HSCPlazGit.h"
+#include "plaz/pref/HSCPlazConfigMgr.h"
+#include "plaz/pref/HSCPlazPathMgr.h"
 #include "plaz/pref/HSCPlazUserPref.h"
+#include "plaz/store/HSCPlazRepoInfoMgr.h"
 #include "support/HIOStream.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTFile.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "plaz/PlazExport.h"
+#include "plaz/base/PlazExport.h"
 
 /// Registers the hub's parameters with the host's parameter manager. Runs by itself when the library is loaded; hosts
 /// that load it without that call this once. A second run changes nothing.

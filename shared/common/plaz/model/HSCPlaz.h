@@ -1,6 +1,6 @@
 #pragma once
 
-#include "plaz/PlazExport.h"
+#include "plaz/base/PlazExport.h"
 #include "support/HSTVector.h"
 
 #include <string>

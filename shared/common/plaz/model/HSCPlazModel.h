@@ -1,6 +1,6 @@
 #pragma once
 
-#include "plaz/PlazExport.h"
+#include "plaz/base/PlazExport.h"
 #include "plaz/model/HSCPlazBaseModel.h"
 #include "plaz/model/HSCPlazQStoreModel.h"
 

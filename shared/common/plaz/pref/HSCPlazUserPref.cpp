@@ -1,11 +1,11 @@
 #include "plaz/pref/HSCPlazUserPref.h"
 
-#include "plaz/HSCPlazConfigMgr.h"
 #include "plaz/HSCPlazMgr.h"
-#include "plaz/HSCPlazMsg.h"
 #include "plaz/HSCPlazUtils.h"
+#include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQStore.h"
+#include "plaz/pref/HSCPlazConfigMgr.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "plaz/model/reader/HSCPlazTrustRules.h"
+#include "plaz/base/HSCPlazTrustRules.h"
 
 #include <rapidjson/document.h>
 

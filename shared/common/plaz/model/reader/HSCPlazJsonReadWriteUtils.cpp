@@ -1,6 +1,6 @@
 #include "plaz/model/reader/HSCPlazJsonReadWriteUtils.h"
 
-#include "plaz/HSCPlazMsg.h"
+#include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlazModel.h"
 #include "plaz/model/reader/HSCPlazJsonDocument.h"
 #include "plaz/model/reader/HSCPlazQItemCatalogReader.h"

@@ -1,12 +1,12 @@
 #include "plaz/model/reader/HSCPlazLocalDBReader.h"
 
-#include "plaz/HSCPlazLocalDBMgr.h"
 #include "plaz/HSCPlazMgr.h"
 #include "plaz/HSCPlazUtils.h"
 #include "plaz/model/HSCPlazLogger.h"
 #include "plaz/model/reader/HSCPlazJsonDocument.h"
 #include "plaz/model/reader/HSCPlazJsonFields.h"
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
+#include "plaz/store/HSCPlazLocalDBMgr.h"
 #include "support/HCRapidJsonReadWriteUtils.h"
 
 #include <algorithm>

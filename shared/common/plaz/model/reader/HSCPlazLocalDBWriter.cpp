@@ -1,10 +1,10 @@
 #include "plaz/model/reader/HSCPlazLocalDBWriter.h"
 
-#include "plaz/HSCPlazLocalDBMgr.h"
 #include "plaz/HSCPlazMgr.h"
 #include "plaz/HSCPlazUtils.h"
 #include "plaz/model/HSCPlazLogger.h"
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
+#include "plaz/store/HSCPlazLocalDBMgr.h"
 #include "support/HCRapidJsonReadWriteUtils.h"
 #include "support/HUTFile.h"
 

@@ -1,6 +1,6 @@
 #include "plaz/model/reader/HSCPlazQItemCatalogReader.h"
 
-#include "plaz/HSCPlazMsg.h"
+#include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlazQStoreModel.h"
 #include "plaz/model/reader/HSCPlazCategoryTree.h"
 #include "plaz/model/reader/HSCPlazJsonDocument.h"

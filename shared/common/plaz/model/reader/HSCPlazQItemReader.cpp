@@ -1,6 +1,6 @@
 #include "plaz/model/reader/HSCPlazQItemReader.h"
 
-#include "plaz/HSCPlazMsg.h"
+#include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/reader/HSCPlazJsonDocument.h"
 #include "plaz/model/reader/HSCPlazJsonFields.h"
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"

@@ -1,7 +1,7 @@
 #include "plaz/model/reader/HSCPlazQStoreReader.h"
 
-#include "plaz/HSCPlazMsg.h"
 #include "plaz/HSCPlazUtils.h"
+#include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/reader/HSCPlazJsonDocument.h"
 #include "plaz/model/reader/HSCPlazJsonFields.h"
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"

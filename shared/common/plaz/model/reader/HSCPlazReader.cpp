@@ -1,6 +1,6 @@
 #include "plaz/model/reader/HSCPlazReader.h"
 
-#include "plaz/HSCPlazMsg.h"
+#include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlazLogger.h"
 #include "plaz/model/reader/HSCPlazJsonDocument.h"
 #include "plaz/model/reader/HSCPlazJsonFields.h"

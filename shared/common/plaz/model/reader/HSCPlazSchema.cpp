@@ -1,8 +1,8 @@
 #include "plaz/model/reader/HSCPlazSchema.h"
 
 #include "plaz/HSCPlazMgr.h"
-#include "plaz/HSCPlazPathMgr.h"
 #include "plaz/HSCPlazUtils.h"
+#include "plaz/pref/HSCPlazPathMgr.h"
 #include "support/HCRapidJsonReadWriteUtils.h"
 #include "support/HIOStream.h"
 #include "support/HUTFile.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "plaz/PlazExport.h"
+#include "plaz/base/PlazExport.h"
 #include "plaz/model/HSCPlazLogger.h"
 #include "plaz/model/repo/HSCPlazRepo.h"
 #include "support/HSTVector.h"

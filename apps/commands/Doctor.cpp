@@ -1,0 +1,124 @@
+#include "Doctor.h"
+
+#include "DoctorChecks.h"
+
+#include "plaz/HSCPlazMgr.h"
+#include "plaz/base/HSCPlazTrust.h"
+#include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazModel.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/HSCPlazQStoreModel.h"
+#include "support/HDGUIStatus.h"
+#include "support/HPAParamMgr.h"
+
+#include <algorithm>
+#include <exception>
+#include <functional>
+
+namespace {
+
+/// The findings so far. A check that is still to be made when the run is cancelled is not made.
+class Round {
+public:
+    explicit Round(HDGUIStatus& status) : m_status(status) {}
+
+    /// A check that cannot be carried out is a problem of its subject.
+    void make(const std::string& subject, const std::function<std::vector<Finding>()>& check) {
+        if (m_status.isCanceled()) return;
+        m_status.changeStatus("Looking at " + subject);
+        try {
+            const std::vector<Finding> found = check();
+            // A git that was killed says nothing of what it was asked.
+            if (!m_status.isCanceled()) m_findings.insert(m_findings.end(), found.begin(), found.end());
+        } catch (const std::exception& failure) {
+            if (m_status.isCanceled()) return;
+            m_findings.push_back(doctor::problem(subject, HSCPlazTrust::maskSecrets(failure.what()),
+                                                 "Mend what it names, and look again."));
+        }
+    }
+    void makeOne(const std::string& subject, const std::function<Finding()>& check) {
+        make(subject, [&] { return std::vector<Finding>{check()}; });
+    }
+
+    std::vector<Finding> take() { return std::move(m_findings); }
+    bool isLastOk() const { return !m_findings.empty() && m_findings.back().state == Finding::State::ok; }
+
+private:
+    HDGUIStatus& m_status;
+    std::vector<Finding> m_findings;
+};
+
+PathInForce find(const std::vector<PathInForce>& paths, const std::string& name) {
+    return *std::find_if(paths.begin(), paths.end(), [&](const PathInForce& path) { return path.name == name; });
+}
+
+bool mayAskRemotes() {
+    const HPAParamMgr& params = HPAParamMgr::getParamMgr();
+    return params.getValueAsBool("plaz.enableRemoteAccess") && params.getValueAsBool("plaz.enableGitAccess");
+}
+
+std::vector<StorePaths> pathsOf(const HSCPlaz& hub, const std::vector<HSCPlazQStore*>& stores) {
+    std::vector<StorePaths> paths = findStorePaths(hub);
+    const auto isOther = [&](const StorePaths& one) {
+        return std::none_of(stores.begin(), stores.end(), [&](auto* store) { return store->getName() == one.store; });
+    };
+    paths.erase(std::remove_if(paths.begin(), paths.end(), isOther), paths.end());
+    return paths;
+}
+
+void examineStore(Round& round, HSCPlazQStore& store, const std::string& trial) {
+    const std::string name = "store " + store.getName();
+    const HSCPlazQStoreModel& model = *store.getModel();
+    round.makeOne(name + ": catalog", [&] { return doctor::checkCatalog(store); });
+    round.makeOne(name + ": database", [&] { return doctor::checkDatabase(store); });
+    round.makeOne(name + ": working copy", [&] { return doctor::checkWorkingCopy(model, trial); });
+    if (model.isPrivateRepository())
+        round.makeOne(name + ": credentials", [&] { return doctor::checkCredentials(model); });
+}
+
+} // namespace
+
+const char* Finding::nameOf(State state) {
+    switch (state) {
+    case State::ok:
+        return "ok";
+    case State::warning:
+        return "warning";
+    case State::problem:
+        break;
+    }
+    return "problem";
+}
+
+std::vector<Finding> Doctor::examine(const std::vector<HSCPlazQStore*>& stores) const {
+    Round round(m_status);
+    m_status.setDeterminate(false);
+    const std::vector<PathInForce> paths = findHubPaths();
+    const PathInForce git = find(paths, "git");
+    round.makeOne("git", [&] { return doctor::checkGit(git); });
+    std::optional<doctor::TrialCopy> trial;
+    if (round.isLastOk()) {
+        round.makeOne("certificates", [&] { return doctor::checkCertificates(find(paths, "certificates")); });
+        round.makeOne("proxy", [&] {
+            trial.emplace();
+            return doctor::checkProxy(trial->getDir());
+        });
+    }
+    round.make("switches", doctor::checkSwitches);
+    round.make("directories", [&] { return doctor::checkDirectories(paths, pathsOf(m_hub, stores)); });
+    round.makeOne("hub: metadata", doctor::checkHubMetadata);
+    round.makeOne("hub: configuration", doctor::checkConfiguration);
+    for (HSCPlazQStore* store : stores) examineStore(round, *store, trial ? trial->getDir() : "");
+    if (!trial || !mayAskRemotes()) return round.take();
+
+    round.makeOne("hub: remote", [&] {
+        return doctor::checkRemote("hub: remote", m_hub.getModel()->getRemoteRepository(), "", trial->getDir());
+    });
+    for (const HSCPlazQStore* store : stores) {
+        const std::string subject = "store " + store->getName() + ": remote";
+        round.makeOne(subject, [&] {
+            return doctor::checkRemote(subject, store->getUrl(), store->getModel()->getBranch(), trial->getDir());
+        });
+    }
+    return round.take();
+}

@@ -1,0 +1,129 @@
+// Directories and the hub's own files.
+
+#include "DoctorChecks.h"
+
+#include "FileCheck.h"
+
+#include "plaz/HSCPlazMgr.h"
+#include "plaz/pref/HSCPlazPathMgr.h"
+#include "support/HUTFile.h"
+
+#include <boost/filesystem/operations.hpp>
+
+#include <array>
+#include <cmath>
+#include <cstdint>
+#include <map>
+#include <set>
+
+namespace fs = boost::filesystem;
+
+namespace {
+
+constexpr std::uintmax_t fewBytes = 100'000'000;
+
+enum class Need { written, read };
+
+/// What is needed of a directory of that name; other paths are looked at elsewhere, or need not be there.
+const std::map<std::string, Need> needs{
+    {"application data", Need::written}, {"user area", Need::written},  {"user repository", Need::written},
+    {"staging root", Need::written},     {"store area", Need::written}, {"application root", Need::read},
+    {"data root", Need::read},           {"stores data", Need::read},   {"schema root", Need::read},
+};
+
+/// The nearest path above that is there: what has to be written to where @p path is to be made.
+std::string findExisting(const std::string& path) {
+    fs::path existing(path);
+    while (existing.has_parent_path() && !HUTFile::exists(existing.generic_string())) existing = existing.parent_path();
+    return existing.generic_string();
+}
+
+std::string describe(std::uintmax_t bytes) {
+    static constexpr std::array<const char*, 4> units{"kB", "MB", "GB", "TB"};
+    double amount = static_cast<double>(bytes) / 1000;
+    std::size_t unit = 0;
+    for (; amount >= 1000 && unit + 1 < units.size(); ++unit) amount /= 1000;
+    return std::to_string(std::llround(amount)) + " " + units.at(unit) + " free";
+}
+
+Finding checkReadable(const std::string& subject, const PathInForce& path) {
+    if (HUTFile::isDirectory(path.path)) return doctor::ok(subject, path.path + " (" + path.chosen + ")");
+    return doctor::warning(subject,
+                           (path.path.empty() ? "there is none" : path.path + " is missing") + " (" + path.chosen + ")",
+                           "Check what chose it, or repair the installation.");
+}
+
+/// @param existing  what of it is there
+Finding checkWritable(const std::string& subject, const PathInForce& path, const std::string& existing) {
+    if (path.path.empty()) return doctor::problem(subject, path.chosen, "Correct what is named there.");
+    const std::string where = path.path + " (" + path.chosen + ")";
+    if (!HUTFile::isDirectory(existing))
+        return doctor::problem(subject, where + " cannot be used: " + existing + " is no directory",
+                               "Remove it, or choose another place.");
+    if (!HUTFile::isWriteable(existing))
+        return doctor::problem(subject, where + " cannot be used: you may not write to " + existing,
+                               "Change its permissions, or choose another place.");
+    boost::system::error_code unknown;
+    const std::uintmax_t free = fs::space(existing, unknown).available;
+    if (unknown) return doctor::ok(subject, where);
+    const std::string state = path.exists ? ": " : " is made when it is needed: ";
+    if (free < fewBytes)
+        return doctor::warning(subject, where + ": only " + describe(free), "Make room, or choose another place.");
+    return doctor::ok(subject, where + state + describe(free));
+}
+
+Finding checkFile(const std::string& subject, const std::string& file, const std::string& advice,
+                  const std::string& kind) {
+    const std::string damage = doctor::findDamage(file);
+    if (!damage.empty()) return doctor::problem(subject, damage, advice);
+    return doctor::ok(subject, file + kind);
+}
+
+} // namespace
+
+std::vector<Finding> doctor::checkDirectories(const std::vector<PathInForce>& hub,
+                                              const std::vector<StorePaths>& stores) {
+    std::vector<Finding> findings;
+    std::set<std::string> obstacles;
+    const auto look = [&](const std::string& owner, const PathInForce& path) {
+        const auto need = needs.find(path.name);
+        if (need == needs.end()) return;
+        const std::string subject = owner + path.name;
+        if (need->second == Need::read) {
+            findings.push_back(checkReadable(subject, path));
+            return;
+        }
+        const std::string existing = findExisting(path.path);
+        const Finding finding = checkWritable(subject, path, existing);
+        const bool isTold = finding.state != Finding::State::ok && !obstacles.insert(existing).second;
+        if (!isTold) findings.push_back(finding);
+    };
+    for (const PathInForce& path : hub) look("", path);
+    for (const StorePaths& store : stores)
+        for (const PathInForce& path : store.paths) look("store " + store.store + ": ", path);
+    return findings;
+}
+
+std::string doctor::findDamage(const std::string& file) {
+    const FileCheck check = FileCheck::of(file);
+    const bool isUnchecked = !check.schema.empty() && !HUTFile::exists(check.schema);
+    return check.isValid() || isUnchecked ? "" : file + ": " + check.findings.front();
+}
+
+Finding doctor::checkHubMetadata() {
+    const HSCPlazPathMgr& paths = *HSCPlazMgr::getInstance().getPathMgr();
+    const std::string refreshed = paths.getRefreshedHubMetadataFile();
+    if (HUTFile::exists(refreshed))
+        return checkFile("hub: metadata", refreshed, "Fetch it again: plaz refresh --hub.", " (refreshed)");
+    return checkFile("hub: metadata", paths.getHubMetadataFile(),
+                     "Check GDA_DATA_DIR and ZENTOR_PLAZ_LOCAL_ROOT_DIR, or repair the installation.",
+                     " (shipped, never refreshed)");
+}
+
+Finding doctor::checkConfiguration() {
+    const std::string file = HSCPlazMgr::getInstance().getPathMgr()->getConfigFile();
+    if (HUTFile::exists(file))
+        return checkFile("hub: configuration", file, "Correct it, or repair the installation.", "");
+    return warning("hub: configuration", "there is none, so the defaults are in force",
+                   "Check GDA_DATA_DIR, or repair the installation.");
+}

@@ -1,0 +1,108 @@
+// What the hub has of each store.
+
+#include "DoctorChecks.h"
+
+#include "plaz/HSCPlazMgr.h"
+#include "plaz/HSCPlazTaskMgr.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/HSCPlazQStoreModel.h"
+#include "plaz/model/repo/HSCPlazGit.h"
+#include "plaz/pref/HSCPlazPathMgr.h"
+#include "support/HPAParamMgr.h"
+#include "support/HUTFile.h"
+
+#include <algorithm>
+#include <ctime>
+
+namespace {
+
+std::string subjectOf(const std::string& store, const char* what) {
+    return "store " + store + ": " + what;
+}
+
+const HSCPlazPathMgr& paths() {
+    return *HSCPlazMgr::getInstance().getPathMgr();
+}
+
+std::string describeTime(std::time_t time) {
+    char text[32];
+    return std::string(text, std::strftime(text, sizeof text, "%Y-%m-%d %H:%M", std::localtime(&time)));
+}
+
+} // namespace
+
+Finding doctor::checkCatalog(HSCPlazQStore& store) {
+    const HSCPlazQStoreModel& model = *store.getModel();
+    const std::string subject = subjectOf(store.getName(), "catalog");
+    const std::string refresh = "plaz refresh " + store.getName();
+    const std::string area = paths().getStoreArea(model);
+    const bool isRefreshed = HSCPlazGit::isInstalled(area) && HUTFile::exists(area + "/" + model.getMetadataFile());
+    const std::string dir = isRefreshed ? area : model.getGdaDataLoc();
+    if (dir.empty())
+        return warning(subject, "nothing is known of its items: it was never refreshed, and nothing is shipped",
+                       refresh);
+    std::vector<std::string> files{dir + "/" + model.getMetadataFile()};
+    if (model.isProductSpecific() && !model.getCatalogFile().empty())
+        files.push_back(dir + "/" + model.getCatalogFile());
+    for (const std::string& metadata : files) {
+        const std::string damage = findDamage(metadata);
+        if (!damage.empty()) return problem(subject, damage, "Fetch it again: " + refresh);
+    }
+    if (!model.isProductSpecific()) return ok(subject, "the store has nothing for this product and release");
+    const std::string age = isRefreshed ? "refreshed " + describeTime(HSCPlazTaskMgr::getLastRefreshTime(&store))
+                                        : "shipped, never refreshed";
+    return ok(subject, files.back() + " (" + age + "): " + std::to_string(store.getItems().size()) + " revisions");
+}
+
+Finding doctor::checkDatabase(const HSCPlazQStore& store) {
+    const std::string subject = subjectOf(store.getName(), "database");
+    const std::string file = store.getLocalDbFilePath();
+    if (!HUTFile::exists(file)) return ok(subject, "nothing was installed yet");
+    const std::string damage = findDamage(file);
+    if (!damage.empty())
+        return problem(
+            subject, damage,
+            "Bring back an older copy of the file, or remove it and install the items again; their files are "
+            "taken over.");
+    const auto& items = store.getModel()->getItems();
+    const auto installed =
+        std::count_if(items.begin(), items.end(), [](const auto& item) { return item->isInstalled(); });
+    return ok(subject, file + ": " + std::to_string(installed) + " installed");
+}
+
+Finding doctor::checkWorkingCopy(const HSCPlazQStoreModel& store, const std::string& trial) {
+    const std::string subject = subjectOf(store.getName(), "working copy");
+    const std::string dir = paths().getStoreIndexDir(store);
+    const std::string refresh = "plaz refresh " + store.getName();
+    if (!HUTFile::exists(dir)) return ok(subject, "none yet; the first refresh or installation makes it");
+    if (!HSCPlazGit::isInstalled(dir))
+        return warning(subject, dir + " is not complete; it is made afresh when it is used next", refresh);
+    if (!HSCPlazGit::isOfStore(dir, store))
+        return warning(subject,
+                       dir + " is of another URL or of other credentials; it is made afresh when it is used next",
+                       refresh);
+    if (trial.empty()) return ok(subject, dir + ": its last fetch was completed");
+    const HSCPlazGit::Answer check =
+        HSCPlazGit::ask({"fsck", "--connectivity-only", "--no-dangling", "--no-progress"}, dir);
+    if (check.status != 0)
+        return problem(subject, dir + " does not hold together: " + check.getReason(),
+                       "Remove that directory, and then " + refresh + ".");
+    const std::string recorded = getProxies(dir);
+    const std::string proxy = getProxies(trial);
+    if (recorded != proxy)
+        return warning(subject,
+                       dir + " was made with " + (recorded.empty() ? "no proxy" : recorded) + ", but " +
+                           (proxy.empty() ? "none" : proxy) + " is in force now",
+                       refresh);
+    return ok(subject, dir + ": complete");
+}
+
+Finding doctor::checkCredentials(const HSCPlazQStoreModel& store) {
+    const std::string subject = subjectOf(store.getName(), "credentials");
+    if (HSCPlazGit::hasCredentials(store)) return ok(subject, "the store is private, and credentials are set");
+    if (HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableAskPassForPrivateRepo"))
+        return ok(subject, "the store is private; none are set, but git may ask for them");
+    return problem(subject, "the store is private, and none are set for it",
+                   "Set user_id and user_token for its URL in the configuration file (for a board store also "
+                   "plaz.git_user.board_store and plaz.git_token.board_store).");
+}

@@ -1,0 +1,158 @@
+// Git and what it takes to reach a remote.
+
+#include "DoctorChecks.h"
+
+#include "plaz/HSCPlazUtils.h"
+#include "plaz/base/HSCPlazTrust.h"
+#include "plaz/model/repo/HSCPlazGit.h"
+#include "support/HCCXPrefMgr.h"
+#include "support/HIOStream.h"
+#include "support/HPAParamMgr.h"
+#include "support/HUTEnv.h"
+
+#include <boost/algorithm/string/predicate.hpp>
+
+#include <sstream>
+#include <utility>
+
+namespace {
+
+constexpr const char* repairGit = "Check what chose it, or repair the installation.";
+/// What git's environment needs.
+constexpr std::pair<int, int> oldestGit{2, 32};
+
+/// "git version 2.39.5" as 2, 39.
+std::pair<int, int> readVersion(const std::string& text) {
+    std::istringstream stream(text);
+    std::string git, version;
+    char dot = 0;
+    std::pair<int, int> number{0, 0};
+    stream >> git >> version >> number.first >> dot >> number.second;
+    return number;
+}
+
+std::size_t count(const std::string& text, const std::string& what) {
+    std::size_t number = 0;
+    for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + what.size())) ++number;
+    return number;
+}
+
+/// What put a proxy into a new working copy; empty for nothing of ours.
+std::string chooserOfProxy(const std::string& key) {
+    const std::string param = key == "http.proxy" ? "plaz.http_proxy" : "plaz.https_proxy";
+    if (HSCPlazUtils::isProduct("solvan") && !HPAParamMgr::getParamMgr().getValueAsString(param).empty())
+        return "parameter " + param;
+    if (HSCPlazUtils::isProduct("kvq") && !HSCPlazGit::getPreferredHttpProxy().empty()) return "preference " + param;
+    return "detected by the helper program";
+}
+
+/// The proxies that git takes from the environment where nothing is set.
+std::string getProxiesOfEnvironment() {
+    std::string found;
+    for (const char* name : {"http_proxy", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"}) {
+        const std::string value = HUTEnv::getEnv(name);
+        if (!value.empty())
+            found += std::string(found.empty() ? "" : "; ") + "variable " + name + "=" + HSCPlazTrust::maskProxy(value);
+    }
+    return found;
+}
+
+/// One line of git's answer: scope, key, value.
+struct Setting {
+    std::string scope;
+    std::string key;
+    std::string value;
+};
+
+std::vector<Setting> readProxySettings(const std::string& dir) {
+    std::istringstream lines(HSCPlazGit::ask({"config", "--show-scope", "--get-regexp", "^https?\\.proxy$"}, dir).text);
+    std::vector<Setting> settings;
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream words(line);
+        Setting setting;
+        words >> setting.scope >> setting.key >> setting.value;
+        if (boost::algorithm::ends_with(setting.key, ".proxy")) settings.push_back(setting);
+    }
+    return settings;
+}
+
+} // namespace
+
+Finding doctor::checkGit(const PathInForce& git) {
+    if (!git.exists) return problem("git", "there is no git executable (" + git.chosen + ")", repairGit);
+    const std::string where = git.path + " (" + git.chosen + ")";
+    const HSCPlazGit::Answer answer = HSCPlazGit::ask({"--version"}, "");
+    if (answer.status != 0) return problem("git", where + " does not run: " + answer.getReason(), repairGit);
+    const std::string version = answer.text.substr(0, answer.text.find('\n'));
+    if (version.empty())
+        return problem("git", where + " does not tell its version",
+                       "Check that the system's temporary directory can be written to. " + std::string(repairGit));
+    const std::string needed = std::to_string(oldestGit.first) + "." + std::to_string(oldestGit.second);
+    if (readVersion(version) < oldestGit)
+        return problem("git", where + " is too old: " + version + "; " + needed + " is needed",
+                       "Install a newer git there, or lead there to one.");
+    return ok("git", where + ": " + version);
+}
+
+Finding doctor::checkCertificates(const PathInForce& bundle) {
+    if (!bundle.exists)
+        return warning("certificates", bundle.path + " is missing; git uses those of the system",
+                       "If https fails with a certificate error, repair the installation.");
+    std::string text;
+    HIOStream::read(bundle.path, text);
+    const std::size_t number = count(text, "-----BEGIN CERTIFICATE-----");
+    if (number > 0) return ok("certificates", bundle.path + ": " + std::to_string(number) + " certificates");
+    return problem("certificates", bundle.path + " holds no certificate that can be read, so https cannot work",
+                   "Check its permissions, or repair the installation.");
+}
+
+std::string doctor::getProxies(const std::string& dir) {
+    std::string proxies;
+    for (const Setting& setting : readProxySettings(dir))
+        proxies += (proxies.empty() ? "" : ", ") + setting.key + "=" + setting.value;
+    return proxies;
+}
+
+Finding doctor::checkProxy(const std::string& trial) {
+    std::string found;
+    for (const Setting& setting : readProxySettings(trial)) {
+        const std::string chooser =
+            setting.scope == "local" ? chooserOfProxy(setting.key) : setting.scope + " git settings";
+        found += setting.key + "=" + HSCPlazTrust::maskProxy(setting.value) + " (" + chooser + "); ";
+    }
+    if (found.empty()) {
+        const std::string inherited = getProxiesOfEnvironment();
+        found = inherited.empty() ? "none, git connects directly; " : inherited + "; ";
+    }
+    const std::string helper = HSCPlazGit::findProxyHelper();
+    return ok("proxy",
+              found + (helper.empty() ? "no program to detect one" : "detected by " + helper + " where none is set"));
+}
+
+std::vector<Finding> doctor::checkSwitches() {
+    struct Switch {
+        const char* param;
+        const char* effect;
+    };
+    static constexpr Switch switches[] = {
+        {"plaz.enableDataAccess", "the hub stays empty"},
+        {"plaz.enableRemoteAccess", "nothing is fetched, and no remote is asked here"},
+        {"plaz.enableGitAccess", "stores are not fetched, and no remote is asked here"},
+    };
+    const HPAParamMgr& params = HPAParamMgr::getParamMgr();
+    std::vector<Finding> findings;
+    for (const Switch& one : switches)
+        if (!params.getValueAsBool(one.param))
+            findings.push_back(
+                problem("parameter " + std::string(one.param), std::string("false: ") + one.effect, "Set it to true."));
+    const int seconds = HSCPlazGit::getGitTimeOut();
+    if (seconds <= 0)
+        findings.push_back(
+            warning("parameter plaz.gitTimeout",
+                    std::to_string(seconds) + ": a server that does not answer is waited for without end",
+                    "Set it to a number of seconds."));
+    if (!findings.empty()) return findings;
+    const bool mayAsk = params.getValueAsBool("plaz.enableAskPassForPrivateRepo");
+    return {ok("switches", "nothing is switched off; git is given up after " + std::to_string(seconds) + " s and " +
+                               (mayAsk ? "may ask" : "does not ask") + " for credentials")};
+}

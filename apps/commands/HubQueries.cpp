@@ -1,0 +1,265 @@
+#include "HubQueries.h"
+
+#include "ItemFilter.h"
+#include "NearNames.h"
+#include "ShellMsg.h"
+#include "UpdateDecision.h"
+
+#include "plaz/base/HSCPlazMsg.h"
+#include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazModel.h"
+#include "plaz/model/HSCPlazQItem.h"
+#include "plaz/model/HSCPlazQItemModel.h"
+#include "plaz/model/HSCPlazQStore.h"
+
+#include <algorithm>
+#include <unordered_map>
+
+namespace {
+
+template <std::size_t Arity, typename... Args> [[noreturn]] void fail(const MsgId<Arity>& id, const Args&... args) {
+    throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", id, args...));
+}
+
+std::string joinReferences(const std::vector<HSCPlazQItem*>& items) {
+    std::string text;
+    for (const HSCPlazQItem* item : items) text += (text.empty() ? "" : ", ") + ItemReference::of(*item).toText();
+    return text;
+}
+
+/// The entries of one item of a store, in catalog order.
+std::vector<HSCPlazQItem*> entriesOf(const HSCPlazQStore& store, const std::string& name) {
+    std::vector<HSCPlazQItem*> entries;
+    for (HSCPlazQItem* item : store.getItems())
+        if (item->getName() == name) entries.push_back(item);
+    return entries;
+}
+
+/// How well an entry stands for all of its item: the latest revision best, an installed one better than others.
+int rankOf(const HSCPlazQItem& item) {
+    if (item.getModel() && item.getModel()->getRevision() == item.getModel()->getLatestRevision()) return 2;
+    return item.IsInstalled() ? 1 : 0;
+}
+
+/// The entry that stands for all of one item: the first of the highest rank. Null for no entries.
+HSCPlazQItem* pickEntry(const std::vector<HSCPlazQItem*>& entries) {
+    const auto isLower = [](const HSCPlazQItem* a, const HSCPlazQItem* b) { return rankOf(*a) < rankOf(*b); };
+    const auto picked = std::max_element(entries.begin(), entries.end(), isLower);
+    return picked == entries.end() ? nullptr : *picked;
+}
+
+/// The entry of one item that is to be updated; null when none has an update.
+HSCPlazQItem* pickOutdated(const std::vector<HSCPlazQItem*>& entries) {
+    HSCPlazQItem* picked = nullptr;
+    for (HSCPlazQItem* item : entries)
+        if (isOutdated(*item) &&
+            (!picked || (picked->getInstallationMode() == "tool" && item->getInstallationMode() != "tool")))
+            picked = item;
+    return picked;
+}
+
+HSCPlazQItem* findEntry(const HSCPlazQStore& store, const ItemReference& reference) {
+    if (!reference.revision.empty()) return store.getItem(reference.name, reference.revision);
+    return pickEntry(entriesOf(store, reference.name));
+}
+
+const std::string& scopeOf(const ItemReference& reference, const std::string& store) {
+    if (!store.empty() && !reference.store.empty() && store != reference.store)
+        fail(ShellMsg::itemOfOtherStore, reference.toText(), store);
+    return store.empty() ? reference.store : store;
+}
+
+/// A store's entries by item, items in catalog order.
+std::vector<std::vector<HSCPlazQItem*>> groupByName(const std::vector<HSCPlazQItem*>& entries) {
+    std::vector<std::vector<HSCPlazQItem*>> groups;
+    std::unordered_map<std::string, std::size_t> positions;
+    for (HSCPlazQItem* item : entries) {
+        const auto [position, isNew] = positions.emplace(item->getName(), groups.size());
+        if (isNew) groups.emplace_back();
+        groups[position->second].push_back(item);
+    }
+    return groups;
+}
+
+ListedItem listed(HSCPlazQItem& item, const std::vector<HSCPlazQItem*>& entries) {
+    ListedItem line{&item, false, {}};
+    for (const HSCPlazQItem* entry : entries) {
+        if (entry->IsInstalled()) line.installedRevisions.push_back(entry->getRevision());
+        line.isOutdated = line.isOutdated || isOutdated(*entry);
+    }
+    return line;
+}
+
+void addLines(const ItemQuery& query, const std::vector<HSCPlazQItem*>& entries, const ItemFilter& filter,
+              std::vector<ListedItem>& lines) {
+    std::vector<HSCPlazQItem*> fitting;
+    std::copy_if(entries.begin(), entries.end(), std::back_inserter(fitting),
+                 [&](const HSCPlazQItem* item) { return filter.fits(*item); });
+    if (!query.allRevisions && !fitting.empty()) fitting = {pickEntry(fitting)};
+    for (HSCPlazQItem* item : fitting) lines.push_back(listed(*item, entries));
+}
+
+/// Adds one entry for each item of a store, the best of those that are wanted, in catalog order.
+template <typename IsWanted>
+void addBestEntries(const HSCPlazQStore& store, IsWanted isWanted, std::vector<HSCPlazQItem*>& found) {
+    const HSTVector<HSCPlazQItem*>& items = store.getItems();
+    std::vector<bool> isDone(items.size());
+    for (std::size_t first = 0; first < items.size(); ++first) {
+        if (isDone[first]) continue;
+        HSCPlazQItem* best = nullptr;
+        for (std::size_t entry = first; entry < items.size(); entry = store.getNextOfName(entry)) {
+            isDone[entry] = true;
+            if (isWanted(*items[entry]) && (!best || rankOf(*items[entry]) > rankOf(*best))) best = items[entry];
+        }
+        if (best) found.push_back(best);
+    }
+}
+
+bool needs(const HSCPlazQItem& item, const HSCPlazQItem& other) {
+    const auto& dependencies = item.getItemDependencies();
+    return std::any_of(dependencies.begin(), dependencies.end(), [&](const HSCPlazQItemDependency* dependency) {
+        return dependency->getStore() == other.getStoreName() && dependency->getItem() == other.getName() &&
+               (dependency->getRevision().empty() || dependency->getRevision() == other.getRevision());
+    });
+}
+
+} // namespace
+
+bool HubQueries::hasHub() const {
+    return !m_hub.getStores().empty() || (m_hub.getModel() && m_hub.getModel()->hasMetadataFile());
+}
+
+HSCPlazQStore& HubQueries::getStore(const std::string& name) const {
+    if (HSCPlazQStore* store = m_hub.getStore(name)) return *store;
+    std::string known;
+    for (const HSCPlazQStore* store : m_hub.getStores()) known += (known.empty() ? "" : ", ") + store->getName();
+    fail(ShellMsg::storeUnknown, name, known.empty() ? "none" : known);
+}
+
+std::vector<HSCPlazQStore*> HubQueries::getScope(const std::string& store) const {
+    if (store.empty()) return m_hub.getStores();
+    return {&getStore(store)};
+}
+
+std::vector<HSCPlazQStore*> HubQueries::getStores(const std::vector<std::string>& names,
+                                                  const std::set<std::string>& others) const {
+    if (names.empty()) return m_hub.getStores();
+    std::vector<HSCPlazQStore*> stores;
+    for (const std::string& name : names) stores.push_back(&getStore(name));
+    for (HSCPlazQStore* store : m_hub.getStores())
+        if (others.count(store->getName()) != 0 && std::find(stores.begin(), stores.end(), store) == stores.end())
+            stores.push_back(store);
+    return stores;
+}
+
+std::vector<ListedItem> HubQueries::findItems(const ItemQuery& query) const {
+    std::vector<ListedItem> lines;
+    for (const HSCPlazQStore* store : getScope(query.store)) {
+        const ItemFilter filter(query, *store);
+        for (const auto& entries : groupByName(store->getItems())) addLines(query, entries, filter, lines);
+    }
+    return lines;
+}
+
+std::vector<HSCPlazQItem*> HubQueries::selectItems(const ItemQuery& query,
+                                                   const std::function<bool(const HSCPlazQItem&)>& fits) const {
+    std::vector<HSCPlazQItem*> found;
+    for (const HSCPlazQStore* store : getScope(query.store)) {
+        const ItemFilter filter(query, *store);
+        const auto isWanted = [&](const HSCPlazQItem& item) { return filter.fits(item) && (!fits || fits(item)); };
+        const HSTVector<HSCPlazQItem*>& items = store->getItems();
+        if (query.allRevisions)
+            std::copy_if(items.begin(), items.end(), std::back_inserter(found),
+                         [&](const HSCPlazQItem* item) { return isWanted(*item); });
+        else
+            addBestEntries(*store, isWanted, found);
+    }
+    return found;
+}
+
+HSCPlazQItem& HubQueries::resolve(const ItemReference& reference, const std::string& store) const {
+    std::vector<HSCPlazQItem*> candidates;
+    for (const HSCPlazQStore* one : getScope(scopeOf(reference, store)))
+        if (HSCPlazQItem* item = findEntry(*one, reference)) candidates.push_back(item);
+    if (candidates.empty()) throwUnknown(reference, store);
+    if (candidates.size() > 1) fail(ShellMsg::itemAmbiguous, reference.toText(), joinReferences(candidates));
+    return *candidates.front();
+}
+
+HSCPlazQItem& HubQueries::resolveInstalled(const ItemReference& reference, const std::string& store) const {
+    const std::vector<HSCPlazQItem*> candidates = findInstalled(reference, store);
+    if (candidates.size() > 1) fail(ShellMsg::severalInstalled, reference.toText(), joinReferences(candidates));
+    return *candidates.front();
+}
+
+HSCPlazQItem& HubQueries::resolveForUpdate(const ItemReference& reference, const std::string& store) const {
+    const std::vector<HSCPlazQItem*> candidates = findInstalled(reference, store);
+    const std::string first = candidates.front()->getStoreName();
+    if (std::any_of(candidates.begin(), candidates.end(), [&](auto* item) { return item->getStoreName() != first; }))
+        fail(ShellMsg::itemAmbiguous, reference.toText(), joinReferences(candidates));
+    HSCPlazQItem* outdated = pickOutdated(candidates);
+    return outdated ? *outdated : *candidates.front();
+}
+
+std::vector<HSCPlazQItem*> HubQueries::findOutdated() const {
+    std::vector<HSCPlazQItem*> outdated;
+    for (const HSCPlazQStore* store : m_hub.getStores())
+        for (const auto& entries : groupByName(store->getItems()))
+            if (HSCPlazQItem* item = pickOutdated(entries)) outdated.push_back(item);
+    return outdated;
+}
+
+ItemInfo HubQueries::describe(HSCPlazQItem& item) const {
+    const std::vector<HSCPlazQItem*> entries =
+        item.getStore() ? entriesOf(*item.getStore(), item.getName()) : std::vector<HSCPlazQItem*>{&item};
+    ItemInfo info{listed(item, entries), item.getUrl(), item.getLogo(), item.getHistory(), {}, findDependants(item)};
+    for (const HSCPlazQItemDependency* dependency : item.getItemDependencies())
+        info.needs.push_back({dependency, isDependencyInstalled(*dependency)});
+    return info;
+}
+
+std::vector<HSCPlazQItem*> HubQueries::findInstalled(const ItemReference& reference, const std::string& store) const {
+    std::vector<HSCPlazQItem*> installed;
+    bool isKnown = false;
+    for (const HSCPlazQStore* one : getScope(scopeOf(reference, store)))
+        for (HSCPlazQItem* item : entriesOf(*one, reference.name)) {
+            if (!reference.revision.empty() && item->getRevision() != reference.revision) continue;
+            isKnown = true;
+            if (item->IsInstalled()) installed.push_back(item);
+        }
+    if (!isKnown) throwUnknown(reference, store);
+    if (installed.empty()) fail(Msg::itemNotInstalled, reference.toText());
+    return installed;
+}
+
+std::vector<HSCPlazQItem*> HubQueries::findDependants(const HSCPlazQItem& item) const {
+    std::vector<HSCPlazQItem*> dependants;
+    for (const HSCPlazQStore* store : m_hub.getStores())
+        for (HSCPlazQItem* other : store->getItems())
+            if (other != &item && other->IsInstalled() && needs(*other, item)) dependants.push_back(other);
+    return dependants;
+}
+
+bool HubQueries::isDependencyInstalled(const HSCPlazQItemDependency& dependency) const {
+    const HSCPlazQStore* store = m_hub.getStore(dependency.getStore());
+    if (!store) return false;
+    const std::vector<HSCPlazQItem*> entries = entriesOf(*store, dependency.getItem());
+    return std::any_of(entries.begin(), entries.end(), [&](const HSCPlazQItem* item) {
+        return item->IsInstalled() &&
+               (dependency.getRevision().empty() || item->getRevision() == dependency.getRevision());
+    });
+}
+
+void HubQueries::throwUnknown(const ItemReference& reference, const std::string& store) const {
+    std::vector<HSCPlazQItem*> otherRevisions;
+    std::vector<std::string> names;
+    for (const HSCPlazQStore* one : getScope(scopeOf(reference, store)))
+        for (HSCPlazQItem* item : one->getItems()) {
+            if (item->getName() == reference.name) otherRevisions.push_back(item);
+            names.push_back(item->getName());
+        }
+    if (!otherRevisions.empty()) fail(ShellMsg::revisionUnknown, reference.toText(), joinReferences(otherRevisions));
+    const std::string near = joinNearNames(reference.name, names);
+    if (!near.empty()) fail(ShellMsg::itemUnknownNear, reference.toText(), near);
+    fail(ShellMsg::itemUnknown, reference.toText());
+}

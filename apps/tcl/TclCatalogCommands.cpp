@@ -1,0 +1,168 @@
+#include "HubQueries.h"
+#include "NameSelection.h"
+#include "PropertyFilter.h"
+#include "ShellMsg.h"
+#include "TclCall.h"
+#include "TclObjects.h"
+
+#include "plaz/base/HSCPlazTrust.h"
+#include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazQItem.h"
+#include "plaz/model/HSCPlazQStore.h"
+
+#include <algorithm>
+#include <optional>
+#include <set>
+
+namespace {
+
+using Names = std::unordered_set<std::string>;
+using Items = std::vector<HSCPlazQItem*>;
+
+std::string qualifiedName(const HSCPlazQItem& item) {
+    return item.getStoreName() + "::" + item.getName();
+}
+
+/// The names that the patterns mean. Each pattern that means nothing is reported.
+Names select(const std::vector<std::string>& patterns, const Names& known, const char* kind) {
+    NameSelection selection = NameSelection::of(patterns, known);
+    for (const std::string& pattern : selection.unmatched)
+        ComMsgMgr::send(ShellMsg::nothingFits, MsgSeverity::warning, kind, HSCPlazTrust::maskSecrets(pattern));
+    return std::move(selection.names);
+}
+
+/// A store's object means that store by its name.
+Tcl_Obj* getStores(const TclCall& call) {
+    std::vector<HSCPlazQStore*> stores = requireHub().getStores();
+    if (!call.getWords().empty()) {
+        Names known;
+        for (const HSCPlazQStore* store : stores) known.insert(store->getName());
+        std::vector<std::string> patterns;
+        for (Tcl_Obj* word : flatten(call.getWords())) {
+            const Meant meant = readOne(word);
+            patterns.push_back(meant.item ? requireStore(meant).getName() : meant.getText());
+        }
+        const Names wanted = select(patterns, known, "store");
+        const auto isOther = [&](const HSCPlazQStore* store) { return wanted.count(store->getName()) == 0; };
+        stores.erase(std::remove_if(stores.begin(), stores.end(), isOther), stores.end());
+    }
+    return makeObjectList(stores);
+}
+
+std::string readStore(const TclCall& call) {
+    Tcl_Obj* word = call.getValue("-store");
+    if (!word) return {};
+    const std::vector<Meant> meant = readMeant({word}, namesStore);
+    if (meant.size() != 1) failTcl("", ShellMsg::notOneStore, textOf(word));
+    return requireStore(meant.front()).getName();
+}
+
+ItemQuery readQuery(const TclCall& call) {
+    ItemQuery query;
+    query.store = readStore(call);
+    query.installed = call.has("-installed");
+    query.outdated = call.has("-outdated");
+    query.allRevisions = call.has("-all_revisions");
+    return query;
+}
+
+/// What the words of get_qitems mean: names and patterns, and revisions that are objects or named as such.
+class WantedItems {
+public:
+    /// @param entries  the items in question
+    WantedItems(const std::vector<Tcl_Obj*>& words, const Items& entries) {
+        Names plain;
+        Names known;
+        for (const HSCPlazQItem* item : entries) {
+            plain.insert({item->getName(), item->getItemName()});
+            known.insert(qualifiedName(*item));
+        }
+        known.insert(plain.begin(), plain.end());
+        std::vector<std::string> patterns;
+        for (Tcl_Obj* word : flatten(words)) {
+            const Meant meant = readOne(word);
+            if (meant.store || meant.item) {
+                m_revisions.insert(&requireItem(meant));
+                continue;
+            }
+            const std::string text = meant.getText();
+            if (plain.count(text) != 0) m_plainOnly.insert(text);
+            if (known.count(text) != 0 || !addRevisions(text, entries)) patterns.push_back(text);
+        }
+        m_names = select(patterns, known, "item");
+    }
+
+    const std::set<const HSCPlazQItem*>& getRevisions() const { return m_revisions; }
+    bool fits(const HSCPlazQItem& item) const {
+        if (m_names.count(item.getName()) != 0 || m_names.count(item.getItemName()) != 0) return true;
+        const std::string qualified = qualifiedName(item);
+        return m_names.count(qualified) != 0 && m_plainOnly.count(qualified) == 0;
+    }
+
+private:
+    /// @return false when the text names no revision
+    bool addRevisions(const std::string& text, const Items& entries) {
+        const auto reference = ItemReference::parse(text);
+        if (!reference || reference->revision.empty()) return false;
+        const std::size_t before = m_revisions.size();
+        for (const HSCPlazQItem* item : entries)
+            if (item->getName() == reference->name && item->getRevision() == reference->revision &&
+                (reference->store.empty() || item->getStoreName() == reference->store))
+                m_revisions.insert(item);
+        return m_revisions.size() > before;
+    }
+
+    Names m_names;
+    Names m_plainOnly; ///< the words that are a name as a whole, whatever stores' names they hold
+    std::set<const HSCPlazQItem*> m_revisions;
+};
+
+Tcl_Obj* getItems(const TclCall& call) {
+    const HubQueries queries(requireHub());
+    ItemQuery query = readQuery(call);
+    std::optional<PropertyFilter> filter;
+    if (Tcl_Obj* text = call.getValue("-filter")) filter.emplace(textOf(text));
+    const auto passes = [&](const HSCPlazQItem& item) { return !filter || filter->fits(item); };
+    if (call.getWords().empty())
+        return makeObjectList(queries.selectItems(query, filter ? passes : std::function<bool(const HSCPlazQItem&)>()));
+    ItemQuery everything;
+    everything.store = query.store;
+    everything.allRevisions = true;
+    const WantedItems wanted(call.getWords(), queries.selectItems(everything, {}));
+    std::set<const HSCPlazQItem*> found = wanted.getRevisions();
+    for (const HSCPlazQItem* item :
+         queries.selectItems(query, [&](const auto& one) { return wanted.fits(one) && passes(one); }))
+        found.insert(item);
+    query.allRevisions = true;
+    return makeObjectList(
+        queries.selectItems(query, [&](const auto& one) { return found.count(&one) != 0 && passes(one); }));
+}
+
+} // namespace
+
+const std::vector<TclCommand>& catalogCommands() {
+    static const std::vector<TclCommand> commands{
+        {"plaz::get_qstores",
+         "?pattern ...?",
+         "The stores, all or those whose names fit a pattern (* ? [a-z]).",
+         {{"-help", nullptr, "Show this help"}, {nullptr, nullptr, nullptr}},
+         PlazCommand::Subject::stores,
+         false,
+         getStores},
+        {"plaz::get_qitems",
+         "?-store store? ?-filter expression? ?-all_revisions? ?-installed? ?-outdated? ?pattern ...?",
+         "The items in catalog order, each by its latest revision: all or those whose names, or STORE::NAME, fit a "
+         "pattern (* ? [a-z]). An object, or a name with @REVISION, means that very revision.",
+         {{"-store", "store", "Look in this store only"},
+          {"-filter", "expression", "Only items that fulfil it, such as {installed && company =~ Sample*}"},
+          {"-all_revisions", nullptr, "Every revision instead of one for each item"},
+          {"-installed", nullptr, "Only what is installed"},
+          {"-outdated", nullptr, "Only what is installed and has an update"},
+          {"-help", nullptr, "Show this help"},
+          {nullptr, nullptr, nullptr}},
+         PlazCommand::Subject::items,
+         false,
+         getItems},
+    };
+    return commands;
+}

@@ -1,0 +1,139 @@
+#include "TclCommands.h"
+
+#include "HubParams.h"
+#include "ShellMsg.h"
+#include "TclCall.h"
+#include "TextTable.h"
+
+#include "plaz/base/HSCPlazMsg.h"
+#include "plaz/base/HSCPlazTrust.h"
+#include "scripting/task_manager.h"
+#include "support/HDGUIStatus.h"
+#include "support/HPAParamMgr.h"
+
+#include <iostream>
+#include <memory>
+#include <sstream>
+
+namespace {
+
+/// A command in an interpreter.
+struct Binding {
+    const TclCommand* command;
+    HDGUIStatus* status;
+};
+
+std::vector<const TclCommand*> allCommands() {
+    std::vector<const TclCommand*> all;
+    for (const auto* group : {&catalogCommands(), &actionCommands(), &propertyCommands(), &paramCommands()})
+        for (const TclCommand& command : *group) all.push_back(&command);
+    return all;
+}
+
+Tcl_Obj* makeHelp(const TclCommand& command) {
+    TextTable options({});
+    for (const TclOption* option = command.options.data(); option->name; ++option)
+        options.addRow({std::string("  ") + option->name + (option->value ? std::string(" ") + option->value : ""),
+                        option->description});
+    std::string usage = std::string("usage: ") + command.name;
+    if (*command.arguments) usage += std::string(" ") + command.arguments;
+    return makeText(usage + "\n" + command.description + "\n" + options.toText());
+}
+
+/// Makes the failure the interpreter's error.
+void setError(Tcl_Interp* interp, const std::string& text, const std::string& code) {
+    Tcl_SetObjResult(interp, makeText(HSCPlazTrust::maskSecrets(text)));
+    Tcl_SetObjErrorCode(interp, makeList({"PLAZ", code}));
+}
+
+/// How a command whose words are hidden stands in a trace.
+std::string hiddenFrame(const TclCommand& command) {
+    return std::string("\n    while executing\n\"") + command.name + " ...\"";
+}
+
+/// Keeps Tcl from writing the words of a failed command into its trace and its stack.
+void hideWords(Tcl_Interp* interp, const TclCommand& command) {
+    const std::string trace = Tcl_GetStringResult(interp) + hiddenFrame(command);
+    const TclRef options(Tcl_GetReturnOptions(interp, TCL_ERROR));
+    Tcl_Obj* changed = Tcl_DuplicateObj(options.get());
+    Tcl_DictObjPut(nullptr, changed, Tcl_NewStringObj("-errorinfo", -1), makeText(trace));
+    Tcl_DictObjPut(nullptr, changed, Tcl_NewStringObj("-errorstack", -1), makeList({"INNER", command.name}));
+    Tcl_SetReturnOptions(interp, changed);
+}
+
+/// The lines of a trace that tell places: "    (file ... line 3)".
+std::string placesOf(const std::string& trace) {
+    std::istringstream lines(trace);
+    std::string places;
+    for (std::string line; std::getline(lines, line);)
+        if (line.rfind("    (", 0) == 0 && line.back() == ')') places += '\n' + line;
+    return places;
+}
+
+/// Runs a command. Nothing is thrown through Tcl.
+int runCommand(ClientData data, Tcl_Interp* interp, int count, Tcl_Obj* const words[]) {
+    const Binding& binding = *static_cast<Binding*>(data);
+    const TclCommand& command = *binding.command;
+    binding.status->forgetProgress();
+    try {
+        const TclCall call(command, *binding.status, interp, count, words);
+        Tcl_SetObjResult(interp, call.has("-help") ? makeHelp(command) : command.run(call));
+        return TCL_OK;
+    } catch (const TclErrorIsSet&) {
+    } catch (const TclFailure& failure) {
+        setError(interp, failure.text, failure.code);
+    } catch (const HEXAll& failure) {
+        setError(interp, failure.what(), failure.getMsg().getId());
+    } catch (const std::exception& failure) {
+        const ComMsgMgrInstance message("", 0, "common", Msg::unexpectedFailure, failure.what());
+        setError(interp, message.getMessage(), message.getId());
+    }
+    if (command.takesSecrets) hideWords(interp, command);
+    return TCL_ERROR;
+}
+
+/// The command of a user interface as it may be shown.
+std::string masked(const std::string& command) {
+    static const std::string beforeProxy = "set_param plaz.http_proxy ";
+    if (command.compare(0, beforeProxy.size(), beforeProxy) == 0)
+        return beforeProxy + HSCPlazTrust::maskProxy(command.substr(beforeProxy.size()));
+    return HSCPlazTrust::maskSecrets(command);
+}
+
+void echo(const std::string& command) {
+    if (HPAParamMgr::getParamMgr().getValueAsBool("plaz.echoCommandFromToolSettings"))
+        std::cout << masked(command) << std::endl;
+}
+
+} // namespace
+
+void registerPlazCommands(Tcl_Interp* interp, HDGUIStatus& status) {
+    for (const TclCommand* command : allCommands())
+        Tcl_CreateObjCommand(interp, (std::string("::") + command->name).c_str(), runCommand,
+                             std::make_unique<Binding>(Binding{command, &status}).release(),
+                             [](ClientData data) { std::unique_ptr<Binding>(static_cast<Binding*>(data)); });
+    hdi::tcltasks::task_manager::set_echo(echo);
+}
+
+std::string shownTrace(const std::string& trace) {
+    for (const TclCommand* command : allCommands()) {
+        if (!command->takesSecrets) continue;
+        const std::string frame = hiddenFrame(*command);
+        const std::size_t found = trace.find(frame);
+        if (found == std::string::npos) continue;
+        const std::size_t end = found + frame.size();
+        return withoutSecrets(trace.substr(0, end)) + placesOf(trace.substr(end));
+    }
+    return withoutSecrets(trace);
+}
+
+std::vector<PlazCommand> listPlazCommands() {
+    std::vector<PlazCommand> commands;
+    for (const TclCommand* command : allCommands()) {
+        PlazCommand listed{command->name, {}, command->subject};
+        for (const TclOption* option = command->options.data(); option->name; ++option)
+            listed.options.emplace_back(option->name);
+        commands.push_back(std::move(listed));
+    }
+    return commands;
+}

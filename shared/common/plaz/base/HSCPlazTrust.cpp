@@ -1,0 +1,188 @@
+#include "plaz/base/HSCPlazTrust.h"
+
+#include "support/HI18N.h"
+
+#include <boost/algorithm/string/predicate.hpp>
+
+#include <algorithm>
+#include <cctype>
+#include <string_view>
+
+namespace {
+
+bool hasControlCharacter(const std::string& text) {
+    return std::any_of(text.begin(), text.end(),
+                       [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; });
+}
+
+/// Bytes that are no UTF-8 are left in a name by one system and replaced by another.
+bool isUtf8(const std::string& text) {
+    const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+    return std::all_of(text.begin(), text.end(), isAscii) || HI18N::convert(HI18N::convert(text)) == text;
+}
+
+/// What some systems keep for devices, whatever follows a point and the blanks before it: "aux", "nul.txt", "com1 .x".
+bool isDeviceName(std::string_view component) {
+    static constexpr std::string_view devices[] = {"con", "prn", "aux", "nul", "conin$", "conout$"};
+    static constexpr std::string_view ports[] = {"com", "lpt"};
+    static constexpr std::string_view numbers[] = {
+        "0", "1", "2", "3", "4", "5", "6", "7", "8", "9", "\xC2\xB9", "\xC2\xB2", "\xC2\xB3"}; // superscripts, too
+    static constexpr std::string_view beginnings = "acnplACNPL";
+    if (component.size() < 3 || beginnings.find(component.front()) == std::string_view::npos) return false;
+    std::string_view stem = component.substr(0, component.find('.'));
+    stem = stem.substr(0, stem.find_last_not_of(' ') + 1);
+    const auto isStem = [stem](std::string_view name) { return boost::algorithm::iequals(stem, name); };
+    const auto isPort = [stem](std::string_view port) {
+        return boost::algorithm::iequals(stem.substr(0, port.size()), port) &&
+               std::find(std::begin(numbers), std::end(numbers), stem.substr(port.size())) != std::end(numbers);
+    };
+    return std::any_of(std::begin(devices), std::end(devices), isStem) ||
+           (stem.size() > 3 && std::any_of(std::begin(ports), std::end(ports), isPort));
+}
+
+/// What a disk may take for the short name of another file: "PLAZ~1".
+bool isShortName(std::string_view component) {
+    const std::string_view stem = component.substr(0, component.find('.'));
+    const std::size_t tilde = stem.rfind('~');
+    return tilde != std::string_view::npos && stem.size() <= 8 && tilde + 1 < stem.size() &&
+           stem.find_first_not_of("0123456789", tilde + 1) == std::string_view::npos;
+}
+
+/// What leads elsewhere ("..", "."), what some systems take for another name ("x." and "x " for "x") or for a device,
+/// git's own directory (a program that meets it runs what it configures) and the hub's own places in a store's area.
+bool isRefusedComponent(std::string_view component) {
+    static constexpr std::string_view reserved[] = {".git", ".plaz", ".staging", ".done"};
+    if (component.empty() || component.back() == '.' || component.back() == ' ') return true;
+    if (isDeviceName(component) || isShortName(component)) return true;
+    // Comparing without regard to case is slow, and a start-up looks at every name of every item.
+    return component.front() == '.' &&
+           std::any_of(std::begin(reserved), std::end(reserved),
+                       [&](std::string_view name) { return boost::algorithm::iequals(component, name); });
+}
+
+bool hasRefusedComponent(std::string_view path) {
+    std::size_t begin = 0;
+    while (begin <= path.size()) {
+        const std::size_t end = std::min(path.find('/', begin), path.size());
+        if (isRefusedComponent(path.substr(begin, end - begin))) return true;
+        begin = end + 1;
+    }
+    return false;
+}
+
+/// "ext" of "ext::sh -c ..."; empty for a URL that names no such transport.
+bool namesTransportHelper(const std::string& url) {
+    const std::size_t colons = url.find("::");
+    return colons != std::string::npos &&
+           std::all_of(url.begin(), url.begin() + static_cast<std::ptrdiff_t>(colons), [](char c) {
+               return std::isalnum(static_cast<unsigned char>(c)) || c == '-' || c == '_' || c == '+' || c == '.';
+           });
+}
+
+bool hasServedScheme(const std::string& url) {
+    const std::size_t colon = url.find("://");
+    if (colon == std::string::npos) return true;
+    std::string scheme = url.substr(0, colon);
+    std::transform(scheme.begin(), scheme.end(), scheme.begin(),
+                   [](char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); });
+    return scheme == "file" || scheme == "git" || scheme == "http" || scheme == "https" || scheme == "ssh";
+}
+
+/// User, token and host without what would end them early where secrets are masked.
+bool hasPlainAuthority(const std::string& url) {
+    const std::size_t scheme = url.find("://");
+    if (scheme == std::string::npos) return true;
+    const std::size_t end = std::min(url.find('/', scheme + 3), url.size());
+    return url.find_first_of(" \"'", scheme) >= end;
+}
+
+/// The end of the user part of the URL whose authority begins there and which ends at @p end: its "@"; npos without
+/// one. A secret may hold a "/" as it is; what stands before that is then no host, for its port is no number.
+std::size_t findUserEnd(const std::string& text, std::size_t authority, std::size_t end) {
+    const std::size_t slash = std::min(text.find('/', authority), end);
+    const std::string_view place = std::string_view(text).substr(authority, slash - authority);
+    const std::size_t user = place.rfind('@');
+    if (user != std::string_view::npos) return authority + user;
+    const std::size_t colon = place.find(':', place.rfind(']') + 1);
+    if (colon == std::string_view::npos || colon + 1 == place.size()) return std::string::npos;
+    const bool isPort = place.find_first_not_of("0123456789", colon + 1) == std::string_view::npos;
+    const std::size_t last = std::string_view(text).substr(0, end).rfind('@');
+    return isPort || last == std::string_view::npos || last < slash ? std::string::npos : last;
+}
+
+/// A user part that others would read up to its first "/" alone, the rest as a path.
+bool hasTornUserPart(const std::string& url) {
+    const std::size_t scheme = url.find("://");
+    if (scheme == std::string::npos) return false;
+    const std::size_t user = findUserEnd(url, scheme + 3, url.size());
+    return user != std::string::npos && user > url.find('/', scheme + 3);
+}
+
+/// A host that a remote shell would take for an option: "ssh://-oCommand=..." and "user@-oCommand:path".
+bool hasOptionAsHost(const std::string& url) {
+    const std::size_t scheme = url.find("://");
+    const std::size_t begin = scheme == std::string::npos ? 0 : scheme + 3;
+    const std::size_t end = std::min(url.find('/', begin), url.size());
+    const std::size_t user = url.rfind('@', end);
+    const std::size_t host = user == std::string::npos || user < begin ? begin : user + 1;
+    return host < url.size() && url[host] == '-';
+}
+
+} // namespace
+
+bool HSCPlazTrust::isSafeRelativePath(const std::string& path) {
+    if (path.empty() || path.front() == '/' || hasControlCharacter(path)) return false;
+    if (path.find_first_of("\\:") != std::string::npos || !isUtf8(path)) return false;
+    return !hasRefusedComponent(path);
+}
+
+bool HSCPlazTrust::isSafeComponent(const std::string& name) {
+    return isSafeRelativePath(name) && name.find('/') == std::string::npos;
+}
+
+bool HSCPlazTrust::isSafeRef(const std::string& ref) {
+    if (isCommitId(ref)) return true; // as nearly all are, in a catalog
+    return !ref.empty() && ref.front() != '-' && !hasControlCharacter(ref) &&
+           ref.find_first_of(" ~^:?*[\\") == std::string::npos && ref.find("..") == std::string::npos &&
+           ref.find("@{") == std::string::npos;
+}
+
+bool HSCPlazTrust::isCommitId(const std::string& text) {
+    return text.size() >= 7 && text.size() <= 64 &&
+           std::all_of(text.begin(), text.end(), [](char c) { return std::isxdigit(static_cast<unsigned char>(c)); });
+}
+
+bool HSCPlazTrust::isSafeUrl(const std::string& url) {
+    return !url.empty() && url.front() != '-' && !hasControlCharacter(url) && !namesTransportHelper(url) &&
+           hasServedScheme(url) && hasPlainAuthority(url) && !hasTornUserPart(url) && !hasOptionAsHost(url);
+}
+
+bool HSCPlazTrust::isPlainTclText(const std::string& text) {
+    if (hasControlCharacter(text) || text.find_first_of("[]$;\\\"{}") != std::string::npos) return false;
+    return text.empty() || (text.front() != ' ' && text.back() != ' ' && text.find("  ") == std::string::npos);
+}
+
+bool HSCPlazTrust::isPlainTclName(const std::string& name) {
+    return !name.empty() && name.front() != '-' && isPlainTclText(name);
+}
+
+std::string HSCPlazTrust::maskSecrets(const std::string& text) {
+    std::string masked;
+    std::size_t done = 0;
+    for (std::size_t scheme = text.find("://"); scheme != std::string::npos; scheme = text.find("://", done)) {
+        const std::size_t authority = scheme + 3;
+        const std::size_t end = std::min(text.find_first_of(" \t\r\n\"'", authority), text.size());
+        const std::size_t user = findUserEnd(text, authority, end);
+        masked.append(text, done, authority - done);
+        if (user != std::string::npos) masked += "***";
+        done = user != std::string::npos ? user : authority;
+    }
+    return masked.append(text, done, std::string::npos);
+}
+
+std::string HSCPlazTrust::maskProxy(const std::string& proxy) {
+    const std::size_t at = proxy.rfind('@');
+    if (at == std::string::npos) return proxy;
+    const std::size_t scheme = proxy.find("://");
+    return (scheme < at ? proxy.substr(0, scheme + 3) : std::string()) + "***" + proxy.substr(at);
+}

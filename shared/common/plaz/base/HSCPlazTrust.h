@@ -1,0 +1,35 @@
+#pragma once
+
+#include "plaz/base/PlazExport.h"
+
+#include <string>
+
+/// What the hub takes from metadata files only after a look: names that become paths, refs and URLs.
+/// Pure functions of their arguments.
+namespace HSCPlazTrust {
+
+/// A relative path that stays below where it starts on every system: not empty, not absolute, no component that is
+/// empty or ends in a dot or blank (".." among them), none named ".git", ".plaz", ".staging" or ".done", whatever the
+/// case, none that some systems keep for a device ("aux", "nul.txt"), no backslash, colon or control character, nothing
+/// that is no UTF-8.
+PLAZ_API bool isSafeRelativePath(const std::string& path);
+/// One path component: a safe relative path without a separator that is not ".".
+PLAZ_API bool isSafeComponent(const std::string& name);
+/// A branch, tag or commit that git takes for nothing else: not empty, no leading "-", no blank or control character.
+PLAZ_API bool isSafeRef(const std::string& ref);
+/// A commit id: 7 to 64 hexadecimal digits. A branch of such a name aside, it means one commit for ever.
+PLAZ_API bool isCommitId(const std::string& text);
+/// A URL that git may be given: no leading "-", no transport that runs a program ("ext::", "fd::" and the like), no
+/// control character, no blank or quote in user or host, no "/" in the user part; a local path is one too.
+PLAZ_API bool isSafeUrl(const std::string& url);
+/// A text that arrives as it is when it is put into a Tcl command without quotes: no character that Tcl interprets, no
+/// line end, and no blank that parting words would swallow (tabs, several in a row, at either end). It may be empty.
+PLAZ_API bool isPlainTclText(const std::string& text);
+/// The same for the name of a store or an item, which must not be empty nor look like an option.
+PLAZ_API bool isPlainTclName(const std::string& name);
+/// The text with the user part of every URL in it ("//user:token@") replaced by "***".
+PLAZ_API std::string maskSecrets(const std::string& text);
+/// The same of one proxy, which may come without a scheme and with a user part all the same.
+PLAZ_API std::string maskProxy(const std::string& proxy);
+
+} // namespace HSCPlazTrust

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "plaz/base/HSCPlazTrust.h"
+
+#include <string>
+#include <string_view>
+
+/// What a text from a metadata file must be before it is used as a path, a ref or a URL.
+struct HSCPlazTrustRule {
+    bool (*accepts)(const std::string& text);
+    const char* otherwise; ///< what is wrong with a text that is not accepted
+};
+
+namespace HSCPlazTrustRules {
+
+inline constexpr HSCPlazTrustRule insideStore{&HSCPlazTrust::isSafeRelativePath, "is not a path inside the store"};
+inline constexpr HSCPlazTrustRule folderName{&HSCPlazTrust::isSafeComponent, "is not a plain folder name"};
+inline constexpr HSCPlazTrustRule gitRef{&HSCPlazTrust::isSafeRef, "is not a name that git may be given"};
+inline constexpr HSCPlazTrustRule gitUrl{&HSCPlazTrust::isSafeUrl, "is not an address that git may be given"};
+
+/// Why @p text is not used: `its root "../../x" is not a path inside the store`; empty when it may be used.
+/// An empty text may: it names nothing.
+/// @param what  the member that holds the text
+std::string findRefusal(const HSCPlazTrustRule& rule, std::string_view what, const std::string& text);
+
+} // namespace HSCPlazTrustRules

@@ -1,0 +1,140 @@
+#include "plaz/model/repo/git/HSCPlazGitEnv.h"
+
+#include "plaz/model/repo/HSCPlazGit.h"
+#include "plaz/model/repo/git/HSCPlazGitCredentials.h"
+#include "support/HPAParamMgr.h"
+#include "support/HUTEnv.h"
+#include "support/HUTFile.h"
+#include "support/HUTFork.h"
+
+#include <boost/filesystem/path.hpp>
+
+#include <algorithm>
+#include <string_view>
+
+namespace {
+
+struct Setting {
+    const char* key;
+    const char* value;
+};
+
+constexpr Setting settings[] = {
+    // Nothing but what was asked for runs.
+    {"init.templateDir", ""},
+    {"core.fsmonitor", "false"},
+    {"gc.auto", "0"},
+    {"maintenance.auto", "false"},
+    {"submodule.recurse", "false"},
+    {"fetch.recurseSubmodules", "false"},
+    // Files as they were committed; a link becomes a text file that holds its target.
+    {"core.autocrlf", "false"},
+    {"core.symlinks", "false"},
+    {"core.protectHFS", "true"},
+    {"core.protectNTFS", "true"},
+    {"core.longpaths", "true"},
+    {"core.sparseCheckoutCone", "false"},
+    // A working copy belongs to the hub, whoever owns its directory (network drives).
+    {"safe.directory", "*"},
+    {"init.defaultBranch", "master"},
+    {"init.defaultRefFormat", "files"},
+    {"checkout.guess", "true"},
+    {"advice.detachedHead", "false"},
+    // A branch that was renamed to a directory of branches would block every later fetch.
+    {"fetch.prune", "true"},
+    // Few files, so that copying a working copy is quick.
+    {"fetch.unpackLimit", "1"},
+    {"core.logAllRefUpdates", "false"},
+};
+
+// RATIONALE: git asks a credential helper by server, wherever it was redirected to. A header that is set for a URL
+// would go with every later request of the command, to other servers too.
+constexpr const char* credentialHelper =
+    "!f() { test \"$1\" != get || printf 'username=%s\\npassword=%s\\n' \"$PLAZ_GIT_USER\" \"$PLAZ_GIT_TOKEN\"; }; f";
+
+bool hasPrefix(std::string_view text, std::string_view prefix) {
+    return text.substr(0, prefix.size()) == prefix;
+}
+
+// Some systems take names of variables without regard to case.
+std::string toUpper(std::string name) {
+    std::transform(name.begin(), name.end(), name.begin(),
+                   [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
+    return name;
+}
+
+bool isAskPassEnabled() {
+    return HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableAskPassForPrivateRepo");
+}
+
+bool isKept(const std::string& name) {
+    if (!hasPrefix(name, "GIT_")) return true;
+    if (name == "GIT_ASKPASS") return isAskPassEnabled();
+    return hasPrefix(name, "GIT_SSL_") || hasPrefix(name, "GIT_PROXY_SSL_");
+}
+
+void dropInherited(HUTFork& git) {
+    for (const std::string& variable : HUTEnv::getAll()) {
+        const std::string name = variable.substr(0, variable.find('=', 1));
+        if (!isKept(toUpper(name))) git.unsetEnv(name);
+    }
+    git.unsetEnv("LANGUAGE"); // it would outrank LC_ALL
+}
+
+// RATIONALE: the terminal stays out of it even where dialogs are allowed: git runs in a process group of its own, and
+// one that reads the terminal from there is stopped until the time-out.
+void forbidPrompts(HUTFork& git) {
+    git.setEnv("GIT_TERMINAL_PROMPT", "0");
+    if (isAskPassEnabled()) return;
+    git.setEnv("GIT_ASKPASS", ""); // set but empty: git looks for no other program to ask with
+    git.setEnv("GIT_ASK_YESNO", "false");
+    git.setEnv("GCM_INTERACTIVE", "never");
+    git.setEnv("SSH_ASKPASS_REQUIRE", "never");
+    git.setEnv("GIT_SSH_COMMAND", "ssh -oBatchMode=yes");
+}
+
+void addSetting(HUTFork& git, std::size_t number, const std::string& key, const std::string& value) {
+    git.setEnv("GIT_CONFIG_KEY_" + std::to_string(number), key);
+    git.setEnv("GIT_CONFIG_VALUE_" + std::to_string(number), value);
+}
+
+void addSettings(HUTFork& git, const std::string& command, const std::string& remoteUrl) {
+    std::size_t count = 0;
+    for (const Setting& setting : settings) addSetting(git, count++, setting.key, setting.value);
+    // The user's hooks and attributes are not ours.
+    for (const char* key : {"core.hooksPath", "core.attributesFile"})
+        addSetting(git, count++, key, HUTFile::getNullDevice());
+    // The marker of a complete clone must not outlive what was fetched; a checkout is thrown away soon.
+    addSetting(git, count++, "core.fsync", command == "fetch" ? "committed,reference" : "none");
+    // A server that falls silent is given up by commands that run without a time limit, too.
+    addSetting(git, count++, "http.lowSpeedLimit", "1");
+    addSetting(git, count++, "http.lowSpeedTime", std::to_string(HSCPlazGit::getGitTimeOut()));
+    const std::string plain = HSCPlazGitUrl::withoutUserPart(remoteUrl);
+    // Git itself asks http.proxy for both protocols.
+    const std::string proxy = HSCPlazGitUrl::isHttps(remoteUrl) ? HSCPlazGit::getHttpsProxy() : std::string();
+    if (!proxy.empty()) addSetting(git, count++, "http." + plain + ".proxy", proxy);
+    const HSCPlazGitCredentials credentials = HSCPlazGitCredentials::inUrl(remoteUrl);
+    if (!credentials.isEmpty()) {
+        addSetting(git, count++, "url." + plain + ".insteadOf", remoteUrl);
+        addSetting(git, count++, "credential.helper", ""); // no other helper is asked, or told
+        addSetting(git, count++, "credential." + HSCPlazGitUrl::getServer(remoteUrl) + ".helper", credentialHelper);
+        git.setEnv("PLAZ_GIT_USER", credentials.userId);
+        git.setEnv("PLAZ_GIT_TOKEN", credentials.token);
+    }
+    git.setEnv("GIT_CONFIG_COUNT", std::to_string(count));
+    git.setEnv("GIT_CONFIG_GLOBAL", HUTFile::getNullDevice());
+    git.setEnv("GIT_ATTR_NOSYSTEM", "1");
+}
+
+} // namespace
+
+void HSCPlazGitEnv::apply(HUTFork& git, const std::string& command, const std::string& workDir,
+                          const std::string& remoteUrl) {
+    dropInherited(git);
+    forbidPrompts(git);
+    addSettings(git, command, remoteUrl);
+    git.setEnv("GIT_ALLOW_PROTOCOL", "file:git:http:https:ssh");
+    git.setEnv("LC_ALL", "C.UTF-8"); // error lines are recognised by their English words
+    // A directory whose ".git" is gone must not be taken for a part of a repository around it.
+    git.setEnv("GIT_CEILING_DIRECTORIES", boost::filesystem::path(workDir).parent_path().generic_string());
+}

@@ -1,0 +1,52 @@
+#include "plaz/model/repo/git/HSCPlazGitLog.h"
+
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/algorithm/string/replace.hpp>
+#include <boost/property_tree/ini_parser.hpp>
+
+#include <sstream>
+
+std::vector<std::string> HSCPlazGitLog::getErrorLines(const std::string& output) {
+    std::vector<std::string> found;
+    std::istringstream lines(output);
+    for (std::string line; std::getline(lines, line);) {
+        if (!line.empty() && line.back() == '\r') line.pop_back();
+        if (boost::algorithm::icontains(line, "fatal:") || boost::algorithm::icontains(line, "error:"))
+            found.push_back(line);
+    }
+    return found;
+}
+
+std::optional<std::string> HSCPlazGitLog::findConfigValue(std::string config, const std::string& key) {
+    // RATIONALE: the parser knows no quoted sub-sections.
+    boost::algorithm::replace_first(config, "remote \"origin\"", "remote_origin");
+    try {
+        std::istringstream text(config);
+        boost::property_tree::ptree tree;
+        boost::property_tree::read_ini(text, tree);
+        return unquoteConfigValue(tree.get<std::string>(key));
+    } catch (const boost::property_tree::ptree_error&) {
+        return std::nullopt;
+    }
+}
+
+std::string HSCPlazGitLog::unquoteConfigValue(const std::string& value) {
+    std::string plain;
+    for (std::size_t i = 0; i < value.size(); ++i) {
+        if (value[i] == '"') continue;
+        if (value[i] == '\\' && i + 1 < value.size()) ++i;
+        plain += value[i];
+    }
+    return plain;
+}
+
+std::string HSCPlazGitLog::toSparsePattern(const std::string& path) {
+    std::string pattern;
+    for (const char c : path) {
+        const bool isFirst = pattern.empty();
+        if (c == '*' || c == '?' || c == '[' || (isFirst && (c == '!' || c == '#'))) pattern += '\\';
+        pattern += c == '\\' ? '/' : c; // to git a backslash is an escape, never a separator
+    }
+    if (!path.empty() && path.back() == ' ') pattern.insert(pattern.size() - 1, 1, '\\');
+    return pattern;
+}

@@ -1,0 +1,172 @@
+#include "plaz/pref/HSCPlazPathMgr.h"
+
+#include "plaz/HSCPlazUtils.h"
+#include "plaz/base/HSCPlazTrust.h"
+#include "plaz/model/HSCPlazCfgModel.h"
+#include "plaz/model/HSCPlazQStoreModel.h"
+#include "plaz/pref/HSCPlazUserPref.h"
+#include "support/HCCXPrefMgr.h"
+#include "support/HUTEnv.h"
+#include "support/HUTFile.h"
+
+#include <boost/filesystem/path.hpp>
+
+#include <cstdint>
+#include <initializer_list>
+
+namespace {
+
+constexpr const char* userAreaRootVariable = "ZENTOR_PLAZ_USERAREA_ROOT_DIR";
+constexpr const char* localRootVariable = "ZENTOR_PLAZ_LOCAL_ROOT_DIR";
+constexpr const char* sharedRootVariable = "ZENTOR_PLAZ_SHARED_ROOT_DIR";
+constexpr const char* storesPathPreference = "QSTORES_PATH";
+constexpr const char* productDir = "plaz";
+constexpr const char* sharedDataDir = "common";
+constexpr const char* configFile = "plaz_config.json";
+constexpr const char* lockFile = "plaz.lock";
+constexpr const char* repoInfoFile = "plaz_stores.json";
+constexpr const char* hiddenDir = ".plaz";
+constexpr const char* indexDir = ".index";
+constexpr const char* stagingDir = ".staging";
+
+/// The non-empty parts joined with single separators, in generic form.
+std::string join(std::initializer_list<std::string> parts) {
+    boost::filesystem::path path;
+    for (const std::string& part : parts)
+        if (!part.empty()) path /= part;
+    return path.generic_string();
+}
+
+const HSCPlazCfgModel& configOrDefaults(const HSCPlazCfgModel* config) {
+    static const HSCPlazCfgModel defaults;
+    return config ? *config : defaults;
+}
+
+std::string firstStoresPath() {
+    const auto paths = HCCXPrefMgr::getInstance().getDefaultXPref().getVal(storesPathPreference);
+    return paths.empty() ? std::string() : paths.front();
+}
+
+std::string withLeaf(const std::string& dir, bool create, const std::string& leaf) {
+    if (create) HUTFile::mkDirRecursive(dir);
+    return join({dir, leaf});
+}
+
+/// The directory below which the hub's folder lies; empty when no data root holds it.
+std::string hubBase(const std::string& hubRoot) {
+    std::string base;
+    return HUTEnv::getEnv(localRootVariable, base) ? base : HUTEnv::getGDADataDir(hubRoot);
+}
+
+/// Folders on disk are named by it, so it must be the same with every compiler (FNV-1a).
+std::uint64_t hashOf(const std::string& text) {
+    std::uint64_t hash = 14695981039346656037U;
+    for (const char c : text) hash = (hash ^ static_cast<unsigned char>(c)) * 1099511628211U;
+    return hash;
+}
+
+} // namespace
+
+std::string HSCPlazPathMgr::getUserAreaRoot(const std::string& subPath, bool create, const std::string& leaf) const {
+    std::string root;
+    if (!HUTEnv::getEnv(userAreaRootVariable, root)) {
+        root = firstStoresPath();
+        if (root.empty()) {
+            std::string product, version;
+            HSCPlazUtils::getProductInfo(product, version);
+            root = join({HUTEnv::getHDIAppDataDir(), version, productDir});
+        }
+    }
+    return withLeaf(join({root, subPath}), create, leaf);
+}
+
+std::string HSCPlazPathMgr::getLocalDataRoot(bool create, const std::string& leaf) const {
+    return withLeaf(join({hubBase(productDir), sharedDataDir}), create, leaf);
+}
+
+std::string HSCPlazPathMgr::getStagingPath(const std::string& root) const {
+    return getUserAreaRoot(join({root, stagingDir}), true);
+}
+
+std::string HSCPlazPathMgr::getHubMetadataFile() const {
+    const HSCPlazCfgModel& config = configOrDefaults(m_config);
+    const std::string base = hubBase(config.getRoot());
+    return base.empty() ? std::string() : join({base, config.getRoot(), config.getMetadataFile()});
+}
+
+std::string HSCPlazPathMgr::getRefreshedHubMetadataFile() const {
+    const HSCPlazCfgModel& config = configOrDefaults(m_config);
+    return getUserAreaRoot(config.getRoot(), false, config.getMetadataFile());
+}
+
+std::string HSCPlazPathMgr::getConfigFile() const {
+    const std::string base = hubBase(productDir);
+    const std::string own = base.empty() ? std::string() : join({base, productDir, configFile});
+    if (HUTFile::exists(own)) return own;
+    const std::string shipped = HUTEnv::getGDADataDir(join({productDir, configFile}));
+    return shipped.empty() ? own : join({shipped, productDir, configFile});
+}
+
+std::string HSCPlazPathMgr::getStoresDataDir() const {
+    const HSCPlazCfgModel& config = configOrDefaults(m_config);
+    std::string base;
+    if (!HUTEnv::getEnv(sharedRootVariable, base)) base = hubBase(config.getRoot());
+    return base.empty() ? std::string() : join({base, config.getRoot(), config.getStoresRoot()});
+}
+
+std::string HSCPlazPathMgr::getSchemaRoot() const {
+    const std::string base = HUTEnv::getGDADataDir(join({productDir, "schemas"}));
+    return base.empty() ? std::string() : join({base, productDir});
+}
+
+std::string HSCPlazPathMgr::getRepoInfoFile() const {
+    return getUserAreaRoot("", false, repoInfoFile);
+}
+
+std::string HSCPlazPathMgr::getLockFile() const {
+    return getUserAreaRoot("", true, lockFile);
+}
+
+std::string HSCPlazPathMgr::getDefaultLocalDbFile() const {
+    return getUserAreaRoot("", false, HSCPlazUtils::PLAZ_LOCAL_DB_FILE);
+}
+
+std::string HSCPlazPathMgr::getStoreArea(const HSCPlazQStoreModel& store) const {
+    if (!store.getLocalRootDir().empty()) return join({store.getLocalRootDir()});
+    return (HSCPlazUserPref().getUserRepoPath() / getStoreFolder(store)).generic_string();
+}
+
+std::string HSCPlazPathMgr::getStoreDbFile(const HSCPlazQStoreModel& store) const {
+    return join({getStoreArea(store), hiddenDir, HSCPlazUtils::PLAZ_LOCAL_DB_FILE});
+}
+
+std::string HSCPlazPathMgr::getStoreFolder(const HSCPlazQStoreModel& store) {
+    if (!store.getRoot().empty()) return store.getRoot();
+    if (HSCPlazTrust::isSafeComponent(store.getName())) return store.getName();
+    return "store_" + std::to_string(hashOf(store.getName()));
+}
+
+std::string HSCPlazPathMgr::getStoreStagingDir(const HSCPlazQStoreModel& store) const {
+    if (!store.getLocalRootDir().empty()) return join({store.getLocalRootDir(), stagingDir});
+    return getUserAreaRoot(join({getStoreFolder(store), stagingDir}));
+}
+
+std::string HSCPlazPathMgr::getStoreIndexDir(const HSCPlazQStoreModel& store) const {
+    const boost::filesystem::path staging(getStoreStagingDir(store));
+    return join({staging.parent_path().generic_string(), hiddenDir, indexDir});
+}
+
+std::string HSCPlazPathMgr::getItemFolder(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item) {
+    const std::string& root = item.getRoot();
+    if (!HSCPlazTrust::isSafeRelativePath(root)) return "";
+    if (!store.isMultiRevisionSupported() || item.getRevision().empty()) return root;
+    return HSCPlazTrust::isSafeComponent(item.getRevision()) ? join({root, item.getRevision()}) : std::string();
+}
+
+std::string HSCPlazPathMgr::getItemDir(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item) const {
+    const std::string folder = getItemFolder(store, item);
+    const std::string area = getStoreArea(store);
+    if (folder.empty() || area.empty()) return "";
+    const std::string dir = join({area, folder});
+    return HUTFile::isBeneath(area, dir) ? dir : std::string();
+}

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "plaz/base/PlazExport.h"
+
+#include <string>
+
+class HSCPlazCfgModel;
+class HSCPlazQItemModel;
+class HSCPlazQStoreModel;
+
+/// Computes the hub's directories and files. Holds nothing but the names that the configuration file gives; every
+/// answer is computed afresh. Names are in generic form.
+///
+///     <local root>/<root>/plaz.json, plaz_config.json   the hub's shipped metadata and configuration
+///     <shared root>/<root>/<stores root>/<store root>   what is shipped of a store
+///     <user area>/plaz.lock                             held by the process that installs or removes
+///     <user area>/plaz_stores.json                      where the stores live
+///     <user area>/<root>/plaz.json                      the hub's metadata as it was refreshed last
+///     <store area>/.plaz/.index                         a store's working copy
+///     <store area>/.plaz/.catalog                       metadata of items that are not installed
+///     <store area>/.plaz/plaz_local_db.json             what is installed
+///     <store area>/.staging                             an item on its way
+class PLAZ_API HSCPlazPathMgr {
+public:
+    /// The names to use; null brings the defaults back. The model must outlive the path manager.
+    void setConfig(const HSCPlazCfgModel* config) { m_config = config; }
+
+    /// Root of the user area: "ZENTOR_PLAZ_USERAREA_ROOT_DIR", else the first entry of the preference "QSTORES_PATH",
+    /// else <app-data>/<version>/plaz; then @p subPath, then @p leaf, each where it is not empty.
+    /// @param create  create the directory (without the leaf) with its parents when it is missing
+    std::string getUserAreaRoot(const std::string& subPath = "", bool create = false,
+                                const std::string& leaf = "") const;
+    /// Shared read-only data: "common" below "ZENTOR_PLAZ_LOCAL_ROOT_DIR" or below the data root that holds the hub.
+    std::string getLocalDataRoot(bool create = false, const std::string& leaf = "") const;
+    /// Staging directory of a hub or store with root name @p root, created when it is missing.
+    std::string getStagingPath(const std::string& root) const;
+
+    /// The shipped hub metadata file; it need not exist.
+    std::string getHubMetadataFile() const;
+    /// Where a refresh of the hub puts its metadata; goes before the shipped file where it exists.
+    std::string getRefreshedHubMetadataFile() const;
+    /// The configuration file; it need not exist.
+    std::string getConfigFile() const;
+    /// Shipped data of all stores: the directory that holds one folder per store.
+    std::string getStoresDataDir() const;
+    /// The directory that holds "schemas/json"; empty when no data root has it.
+    std::string getSchemaRoot() const;
+    /// The file in which the stores' directories are recorded.
+    std::string getRepoInfoFile() const;
+    /// The file whose lock a task holds while it changes what is installed.
+    std::string getLockFile() const;
+    /// The database used where a store has none of its own and the hub names none.
+    std::string getDefaultLocalDbFile() const;
+
+    /// A store's own area: its local root directory, else its folder below the user repository root.
+    /// @throws as HSCPlazUserPref::getUserRepoPath
+    std::string getStoreArea(const HSCPlazQStoreModel& store) const;
+    /// The store's database inside its area.
+    std::string getStoreDbFile(const HSCPlazQStoreModel& store) const;
+    /// Folder name of a store: its root, else its name, else, where that would lead elsewhere, one made from it.
+    static std::string getStoreFolder(const HSCPlazQStoreModel& store);
+    /// Where the store's items are checked out: ".staging" below its local root directory, else the staging path of its
+    /// root name. The one place that decides; the working copy stands beside it.
+    std::string getStoreStagingDir(const HSCPlazQStoreModel& store) const;
+    /// The store's long-lived working copy: ".plaz/.index" beside the staging directory.
+    std::string getStoreIndexDir(const HSCPlazQStoreModel& store) const;
+    /// Folder of an item below its store's area: its root, then its revision where the store keeps several.
+    /// Empty for an item whose names would lead anywhere else (see HSCPlazTrust).
+    static std::string getItemFolder(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item);
+    /// Where the item is, or is to be, installed; empty as above, and where a link on the way leads out of the area.
+    std::string getItemDir(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item) const;
+
+private:
+    const HSCPlazCfgModel* m_config = nullptr;
+};

@@ -1,0 +1,120 @@
+#include "plaz/store/HSCPlazInstalledItems.h"
+
+#include "plaz/HSCPlazMgr.h"
+#include "plaz/base/HSCPlazMsg.h"
+#include "plaz/base/HSCPlazTrustRules.h"
+#include "plaz/model/HSCPlazQStoreModel.h"
+#include "plaz/model/reader/HSCPlazMetadataKeys.h"
+#include "plaz/pref/HSCPlazPathMgr.h"
+#include "support/HUTFile.h"
+
+namespace {
+
+namespace Rules = HSCPlazTrustRules;
+
+/// Why the record is left out; empty when it may be used.
+std::string findRefusal(const HSCPlazQItemModel& record) {
+    if (record.getName().empty()) return "its record in the local database has no name";
+    std::string refusal = Rules::findRefusal(Rules::folderName, HSCPlazKey::revision, record.getRevision());
+    return refusal.empty() ? Rules::findRefusal(Rules::gitRef, HSCPlazKey::commitId, record.getCommitId()) : refusal;
+}
+
+bool differ(const std::string& installed, const std::string& offered) {
+    return !installed.empty() && !offered.empty() && installed != offered;
+}
+
+std::string findArea(const HSCPlazQStoreModel& store) {
+    try {
+        return HUTFile::getNonNativeCanonicalName(HSCPlazMgr::getInstance().getPathMgr()->getStoreArea(store));
+    } catch (const HEXAll& failure) {
+        ComMsgMgr::send(failure);
+        return "";
+    }
+}
+
+} // namespace
+
+HSCPlazInstalledItems::HSCPlazInstalledItems(HSCPlazQStoreModel& store) : m_store(store), m_area(findArea(store)) {
+    for (const auto& item : store.getItems()) m_itemsOfName[item->getName()].push_back(item.get());
+}
+
+HSCPlazQItemModel* HSCPlazInstalledItems::findRevision(const HSCPlazQItemModel& record) const {
+    const auto items = m_itemsOfName.find(record.getName());
+    if (items == m_itemsOfName.end()) return nullptr;
+    for (HSCPlazQItemModel* item : items->second)
+        if (item->getRevision() == record.getRevision()) return item;
+    return nullptr;
+}
+
+const HSCPlazQItemModel* HSCPlazInstalledItems::findListed(const std::string& name) const {
+    const auto items = m_itemsOfName.find(name);
+    if (items == m_itemsOfName.end()) return nullptr;
+    for (const HSCPlazQItemModel* item : items->second)
+        if (item->getRevision() == item->getLatestRevision()) return item;
+    return items->second.front();
+}
+
+std::string HSCPlazInstalledItems::toFolder(const std::string& directory) const {
+    const std::string prefix = m_area + "/";
+    const std::string dir = HUTFile::getNonNativeCanonicalName(directory);
+    const auto keyOf = [](const std::string& name) { return HUTFile::getNameKey(name); };
+    if (m_area.empty() || keyOf(dir.substr(0, prefix.size())) != keyOf(prefix)) return "";
+    std::string folder = dir.substr(prefix.size());
+    // What begins with a dot is the hub's own: working copy, staging directory.
+    if (!HSCPlazTrust::isSafeRelativePath(folder) || folder.front() == '.') return "";
+    return HUTFile::isBeneath(m_area, dir) ? folder : std::string();
+}
+
+std::string HSCPlazInstalledItems::toRoot(const HSCPlazQItemModel& record) const {
+    std::string folder = toFolder(record.getLocalDir());
+    if (!m_store.isMultiRevisionSupported() || record.getRevision().empty()) return folder;
+    const std::string ending = "/" + record.getRevision();
+    if (folder.size() <= ending.size() || folder.substr(folder.size() - ending.size()) != ending) return "";
+    return folder.substr(0, folder.size() - ending.size());
+}
+
+std::string HSCPlazInstalledItems::toLocalDir(const HSCPlazQItemModel& record, const HSCPlazQItemModel& item) const {
+    const std::string folder = toFolder(record.getLocalDir());
+    if (!folder.empty()) return m_area + "/" + folder;
+    return m_area.empty() ? std::string() : HSCPlazMgr::getInstance().getPathMgr()->getItemDir(m_store, item);
+}
+
+HSCPlazQItemModel& HSCPlazInstalledItems::addUnlisted(const HSCPlazQItemModel& record) {
+    auto added = std::make_unique<HSCPlazQItemModel>();
+    added->setName(record.getName());
+    added->setRevision(record.getRevision());
+    added->setCommitId(record.getCommitId());
+    if (const HSCPlazQItemModel* listed = findListed(record.getName())) {
+        added->copyDescriptionFrom(*listed);
+        added->setRoot(listed->getRoot());
+        added->setItemRoot(listed->getItemRoot());
+        added->setMetadataFile(listed->getMetadataFile());
+        added->setLatestRevision(listed->getLatestRevision());
+        added->shareRevisionsOf(*listed);
+    } else {
+        added->setCompany(record.getCompany());
+        added->setRoot(toRoot(record));
+        // The best that is known; without it nobody would find the item by its name alone.
+        added->setLatestRevision(record.getRevision());
+    }
+    HSCPlazQItemModel* item = m_store.addItem(std::move(added));
+    m_itemsOfName[item->getName()].push_back(item);
+    return *item;
+}
+
+bool HSCPlazInstalledItems::apply(const HSCPlazQItemModel& record) {
+    if (const std::string refusal = findRefusal(record); !refusal.empty()) {
+        ComMsgMgr::send(Msg::itemRefused, MsgSeverity::criticalWarning, record.getName(), refusal);
+        return false;
+    }
+    HSCPlazQItemModel* listed = findRevision(record);
+    HSCPlazQItemModel& item = listed ? *listed : addUnlisted(record);
+    item.setIsInstalled(true);
+    item.setInstalledCommitId(record.getCommitId());
+    item.setLocalDir(toLocalDir(record, item));
+    item.setInstallationMode(record.getInstallationMode());
+    item.setReferenceCount(record.getReferenceCount());
+    item.setIsLatest(item.getRevision() == item.getLatestRevision());
+    item.setNeedsRefresh(!item.isLatest() || differ(record.getCommitId(), item.getCommitId()));
+    return true;
+}

@@ -1,0 +1,63 @@
+#pragma once
+
+#include "plaz/base/PlazExport.h"
+
+#include <map>
+#include <set>
+#include <string>
+
+class HSCPlaz;
+class HSCPlazModel;
+class HSCPlazQStore;
+class HSCPlazQStoreModel;
+
+/// Records, per store, what is installed, so that the next process knows without asking git.
+/// Nothing here throws for a bad file: it is reported and read as far as it goes.
+class PLAZ_API HSCPlazLocalDBMgr {
+public:
+    /// Takes over whether the host runs in regression mode: then nothing is saved and every product check passes.
+    HSCPlazLocalDBMgr();
+
+    /// Reads @p file, if it is there and a regular file, into @p model.
+    void init(const std::string& file, HSCPlazModel* model);
+    /// The same.
+    void load(HSCPlazModel* model, const std::string& file);
+
+    /// Writes the store's database whole: its own file, else @p file, else the hub's, else the default one.
+    /// In regression mode, for a null store and for a store that is not product specific nothing is written.
+    /// Sends Msg::databaseNotSaved when the file cannot be written; the old one then stays.
+    /// @return false when the file could not be written
+    bool save(HSCPlaz& hub, HSCPlazQStore* store, std::string file);
+    bool save(HSCPlaz* hub, HSCPlazQStore* store, std::string file);
+
+    /// Whether a database was written by the running product and release; always so in regression mode.
+    bool isValidForProductAndRelease(const std::string& file) const;
+
+    /// What became of a store's database at start-up.
+    enum class Merge {
+        nothing, ///< there is none, or it records nothing of the store
+        merged,  ///< what it records of the store is in the model
+        foreign, ///< another product or release wrote it; it was left alone
+        damaged  ///< reported; the next save keeps it beside the new one as "<file>.bad"
+    };
+    /// Puts what @p file records of the store into its model: installed revisions become installed, and those that the
+    /// catalog no longer lists are added, described by what the catalog says of the item. Records whose names would
+    /// lead out of the store's area are refused (Msg::itemRefused).
+    Merge merge(const std::string& file, HSCPlazQStoreModel& store);
+
+    /// Whether another process has written the database since it was merged or saved here.
+    bool hasChanged(const std::string& file) const;
+
+    /// Layout version that is written.
+    const std::string& getMajorVersion() const { return m_major; }
+    const std::string& getMinorVersion() const { return m_minor; }
+    void setMajorVersion(const std::string& value) { m_major = value; }
+    void setMinorVersion(const std::string& value) { m_minor = value; }
+
+private:
+    bool m_regressionMode;
+    std::set<std::string> m_damaged;
+    std::map<std::string, std::string> m_stamps; // of the databases as they were read or written last
+    std::string m_major = "1";
+    std::string m_minor = "0";
+};

@@ -1,0 +1,137 @@
+#include "plaz/store/HSCPlazRepoInfoMgr.h"
+
+#include "plaz/base/HSCPlazMsg.h"
+#include "support/HCRapidJsonReadWriteUtils.h"
+#include "support/HIOStream.h"
+#include "support/HUTFile.h"
+
+#include <boost/filesystem/path.hpp>
+
+#include <algorithm>
+
+using Json = HCRapidJsonReadWriteUtils;
+
+namespace {
+
+constexpr const char* chosenKey = "qstores";
+constexpr const char* defaultsKey = "default_folders";
+
+using Records = std::vector<HSCPlazRepoInfoMgr::Record>;
+
+Records readRecords(const rapidjson::Value& plaz, const char* key) {
+    Records records;
+    const rapidjson::Value* stores = Json::FindArray(plaz, key);
+    if (!stores) return records;
+    for (const rapidjson::Value& store : stores->GetArray())
+        records.push_back({Json::GetStringProperty(store, "name"), Json::GetStringProperty(store, "directory")});
+    return records;
+}
+
+void addRecords(rapidjson::Document& document, rapidjson::Value& plaz, const char* key, const Records& records) {
+    rapidjson::Value stores(rapidjson::kArrayType);
+    for (const auto& record : records) {
+        rapidjson::Value store(rapidjson::kObjectType);
+        Json::AddStringProperty(document, store, "name", record.store);
+        Json::AddStringProperty(document, store, "directory", record.directory);
+        stores.PushBack(store, document.GetAllocator());
+    }
+    Json::AddGenericValueProperty(document, plaz, key, stores);
+}
+
+template <typename List> auto findStore(List& records, const std::string& store) {
+    return std::find_if(records.begin(), records.end(), [&](const auto& record) { return record.store == store; });
+}
+
+} // namespace
+
+void HSCPlazRepoInfoMgr::readOnce() {
+    if (m_read) return;
+    m_read = true;
+    m_stamp = HUTFile::getStamp(m_file);
+    std::string text, error;
+    const HIOStream::Status status = HIOStream::read(m_file, text);
+    if (status == HIOStream::Status::missing) return;
+    rapidjson::Document document;
+    m_damaged = status != HIOStream::Status::ok || !Json::parseInPlace(text, document, error);
+    if (status != HIOStream::Status::ok)
+        Json::errorReadingJsonFile(m_file);
+    else if (m_damaged)
+        Json::errorParsingJsonFile(m_file, error);
+    if (m_damaged) return;
+    const rapidjson::Value* plaz = Json::FindObject(document, "plaz");
+    if (plaz) m_content = {readRecords(*plaz, chosenKey), readRecords(*plaz, defaultsKey)};
+}
+
+// Another process may have changed the file since.
+void HSCPlazRepoInfoMgr::readAgain() {
+    m_read = m_damaged = false;
+    m_content = {};
+    readOnce();
+}
+
+std::string HSCPlazRepoInfoMgr::getStoreDirectory(const std::string& storeName) {
+    readOnce();
+    const auto found = findStore(m_content.chosen, storeName);
+    return found == m_content.chosen.end() ? std::string() : found->directory;
+}
+
+bool HSCPlazRepoInfoMgr::setStoreDirectory(const std::string& storeName, const std::string& directory) {
+    readAgain();
+    Content content = m_content;
+    const auto found = findStore(content.chosen, storeName);
+    if (found == content.chosen.end())
+        content.chosen.push_back({storeName, directory});
+    else
+        found->directory = directory;
+    return replace(std::move(content));
+}
+
+const Records& HSCPlazRepoInfoMgr::getDefaultFolders() {
+    readOnce();
+    return m_content.defaults;
+}
+
+bool HSCPlazRepoInfoMgr::addDefaultFolders(const Records& folders) {
+    readAgain();
+    Content content = m_content;
+    for (const Record& folder : folders)
+        if (findStore(content.defaults, folder.store) == content.defaults.end()) content.defaults.push_back(folder);
+    return content.defaults.size() == m_content.defaults.size() || replace(std::move(content));
+}
+
+std::string HSCPlazRepoInfoMgr::findMovedStore() const {
+    if (!m_read || m_stamp == HUTFile::getStamp(m_file)) return "";
+    HSCPlazRepoInfoMgr today(m_file);
+    today.readOnce();
+    for (const Record& record : today.m_content.chosen) {
+        const auto known = findStore(m_content.chosen, record.store);
+        const std::string before = known == m_content.chosen.end() ? std::string() : known->directory;
+        if (record.directory != before) return record.store;
+    }
+    return "";
+}
+
+bool HSCPlazRepoInfoMgr::replace(Content content) {
+    // What could not be read is not lost: it stays beside the new file.
+    const bool isKept = !m_damaged || HUTFile::copyTo(m_file, m_file + ".bad", HUTFile::copyOver);
+    if (!isKept || !write(content)) {
+        ComMsgMgr::send(Msg::placesNotSaved, MsgSeverity::error, m_file);
+        return false;
+    }
+    m_damaged = false;
+    m_stamp = HUTFile::getStamp(m_file);
+    m_content = std::move(content);
+    return true;
+}
+
+bool HSCPlazRepoInfoMgr::write(const Content& content) const {
+    rapidjson::Document document(rapidjson::kObjectType);
+    rapidjson::Value plaz(rapidjson::kObjectType);
+    Json::AddStringProperty(document, plaz, "_major", "1");
+    Json::AddStringProperty(document, plaz, "_minor", "0");
+    addRecords(document, plaz, chosenKey, content.chosen);
+    if (!content.defaults.empty()) addRecords(document, plaz, defaultsKey, content.defaults);
+    Json::AddGenericValueProperty(document, document, "plaz", plaz);
+    return HUTFile::mkDirRecursive(boost::filesystem::path(m_file).parent_path().generic_string()) &&
+           HUTFile::writeAtomically(m_file, Json::toText(document));
+}

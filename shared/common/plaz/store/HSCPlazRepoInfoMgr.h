@@ -1,0 +1,54 @@
+#pragma once
+
+#include "plaz/base/PlazExport.h"
+
+#include <string>
+#include <vector>
+
+/// Remembers, over restarts, the directory that the user chose for each store, and which folder of the user area became
+/// a store's default place.
+///
+/// The file "plaz_stores.json" in the user area: {"plaz": {"_major": "1", "_minor": "0", "qstores": [{"name": ...,
+/// "directory": ...}], "default_folders": [the same]}}. It is read on first use and written whole and atomically at
+/// each change, upon what stands in it by then.
+class PLAZ_API HSCPlazRepoInfoMgr {
+public:
+    struct Record {
+        std::string store;
+        std::string directory;
+    };
+
+    /// @param file  the file; it need not exist
+    explicit HSCPlazRepoInfoMgr(std::string file) : m_file(std::move(file)) {}
+
+    /// The directory recorded for a store; empty when none is, or when the store has gone back to its default place.
+    std::string getStoreDirectory(const std::string& storeName);
+    /// Records a directory. @return false, with nothing changed and Msg::placesNotSaved sent, when the file cannot be
+    /// written
+    bool setStoreDirectory(const std::string& storeName, const std::string& directory);
+
+    /// The stores' default places: folder names in the user area. Empty as long as the hub is the shipped one.
+    const std::vector<Record>& getDefaultFolders();
+    /// Records those of stores that have none yet. Nothing is written where there are none. @return as
+    /// setStoreDirectory
+    bool addDefaultFolders(const std::vector<Record>& folders);
+
+    /// A store whose chosen directory another process has changed since it was read here; empty when there is none.
+    std::string findMovedStore() const;
+
+private:
+    struct Content {
+        std::vector<Record> chosen;
+        std::vector<Record> defaults;
+    };
+    void readOnce();
+    void readAgain();
+    bool replace(Content content);
+    bool write(const Content& content) const;
+
+    std::string m_file;
+    Content m_content;
+    std::string m_stamp; ///< of the file when it was read or written
+    bool m_read = false;
+    bool m_damaged = false;
+};

@@ -1,0 +1,329 @@
+#include "plaz/tasks/HSCPlazDependencyWalk.h"
+
+#include "plaz/HSCPlazMgr.h"
+#include "plaz/HSCPlazUtils.h"
+#include "plaz/base/HSCPlazMsg.h"
+#include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazLogger.h"
+#include "plaz/model/HSCPlazQItem.h"
+#include "plaz/model/HSCPlazQItemModel.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/pref/HSCPlazUserPref.h"
+#include "plaz/store/HSCPlazLocalDBMgr.h"
+#include "support/HDGUIStatus.h"
+#include "support/HUTFile.h"
+#include "support/HUTFork.h"
+
+#include <utility>
+
+using HSCPlazLogger::inside;
+namespace Files = HSCPlazItemFiles;
+
+namespace {
+
+constexpr const char* installName = "HSCPlazTaskMgr::install_dependencies";
+
+std::string keyOf(const std::string& store, const std::string& item, const std::string& revision) {
+    return store + "::" + item + "::" + revision;
+}
+
+std::string keyOf(const HSCPlazQItemDependency& dependency) {
+    return keyOf(dependency.getStore(), dependency.getItem(), dependency.getRevision());
+}
+
+/// The item's own key and those under which dependencies can name it.
+std::set<std::string> keysOf(const HSCPlazQItem& item) {
+    const std::string revision = item.getRevision();
+    std::set<std::string> keys{item.getCompany() + "::" + item.getName(),
+                               keyOf(item.getStoreName(), item.getName(), revision)};
+    const bool isMeantByName = revision.empty() || revision == item.getLatestRevision() || !item.getStore() ||
+                               !item.getStore()->IsMultiRevisionSupported();
+    if (isMeantByName) keys.insert(keyOf(item.getStoreName(), item.getName(), ""));
+    return keys;
+}
+
+HSCPlazFoundItem findByName(const HSCPlaz& hub, const std::string& storeName, const std::string& name,
+                            const std::string& revision) {
+    HSCPlazQStore* store = hub.getStore(storeName);
+    if (!store) return {};
+    return {store, revision.empty() ? store->getItem(name) : store->getItem(name, revision)};
+}
+
+HSCPlazFoundItem findOffered(const HSCPlaz& hub, const HSCPlazQItemDependency& dependency) {
+    return findByName(hub, dependency.getStore(), dependency.getItem(), dependency.getRevision());
+}
+
+/// The installed item that serves a dependency. The catalog may have moved on since it was installed: where any
+/// revision serves, and where there is only one at a time, it is the one that is there.
+template <typename Serves>
+HSCPlazFoundItem findServing(const HSCPlaz& hub, const HSCPlazQItemDependency& dependency, Serves serves) {
+    const HSCPlazFoundItem named = findOffered(hub, dependency);
+    if (!named.store || (named && serves(*named.item))) return named;
+    if (!dependency.getRevision().empty() && named.store->IsMultiRevisionSupported()) return {};
+    for (HSCPlazQItem* item : named.store->getItems())
+        if (item->getName() == dependency.getItem() && serves(*item)) return {named.store, item};
+    return {};
+}
+
+bool isInstalled(const HSCPlazQItem& item) {
+    return item.IsInstalled();
+}
+
+bool isHeld(const HSCPlazQItem& item) {
+    return item.IsInstalled() && item.getReferenceCount() > 0;
+}
+
+bool isProperlyInstalled(const HSCPlazFoundItem& found) {
+    return HSCPlazUtils::isItemInstalledProperly(found.item, found.store, HSCPlazMgr::getInstance().getUserPref());
+}
+
+} // namespace
+
+/// Holds a dependency's key on the path for as long as it lives. It stops cycles and nothing else.
+class HSCPlazDependencyWalk::Step {
+public:
+    Step(HSCPlazDependencyWalk& walk, const HSCPlazQItemDependency& dependency)
+        : m_path(walk.m_path), m_key(keyOf(dependency)), m_isNew(m_path.insert(m_key).second) {}
+    ~Step() {
+        if (m_isNew) m_path.erase(m_key);
+    }
+    Step(const Step&) = delete;
+    Step& operator=(const Step&) = delete;
+    /// False when the key was there already: following it would go in circles.
+    bool isNew() const { return m_isNew; }
+    const std::string& getKey() const { return m_key; }
+
+private:
+    std::set<std::string>& m_path;
+    std::string m_key;
+    bool m_isNew;
+};
+
+HSCPlazDependencyWalk::HSCPlazDependencyWalk(HSCPlaz& hub, const HSCPlazQItem& item, bool quiet, HDGUIStatus* status)
+    : m_hub(hub), m_quiet(quiet), m_status(status), m_path(keysOf(item)) {}
+
+HSCPlazFoundItem HSCPlazDependencyWalk::find(const HSCPlaz& hub, const HSCPlazQItem* item) {
+    return findByName(hub, item->getStoreName(), item->getName(), item->getRevision());
+}
+
+bool HSCPlazDependencyWalk::isCancelled() const {
+    return (m_status && m_status->isCanceled()) || HUTFork::isInterrupted();
+}
+
+bool HSCPlazDependencyWalk::installAll(const HSCPlazQItem& item) {
+    const auto& dependencies = item.getItemDependencies();
+    inside("HSCPlazTaskMgr::install", "Working on dependencies of qitem ", item.getCompany(), "::", item.getName(),
+           "...");
+    inside("HSCPlazTaskMgr::install", "Total dependencies found: ", std::to_string(dependencies.size()));
+    std::size_t done = 1;
+    for (const HSCPlazQItemDependency* dependency : dependencies) {
+        const Step step(*this, *dependency);
+        inside("HSCPlazTaskMgr::install", " qitem ", item.getDisplayName(), " dependency ", step.getKey());
+        if (m_status)
+            m_status->changePercentComplete(100.0 * static_cast<double>(done++) /
+                                            static_cast<double>(dependencies.size() + 1));
+        if (step.isNew() && !install(*dependency)) return false;
+    }
+    return true;
+}
+
+bool HSCPlazDependencyWalk::install(const HSCPlazQItemDependency& dependency) {
+    if (isCancelled()) return false;
+    const HSCPlazFoundItem found = findOffered(m_hub, dependency);
+    if (!found) {
+        inside(installName, " couldn't find the qitem ptr");
+        ComMsgMgr::send(Msg::dependencyUnknown, MsgSeverity::error, dependency.getItem(), dependency.getStore());
+        return false;
+    }
+    inside(installName, " found qitem ptr");
+    std::vector<HSCPlazQItem*> replaced;
+    const bool isKnown = found.item->IsInstalled();
+    const std::int32_t references = isKnown ? found.item->getReferenceCount() : 0;
+    if (isProperlyInstalled(found)) {
+        inside(installName, " ", dependency.getItem(), "is already installed");
+        found.item->setReferenceCount(references + 1);
+        m_unsaved.insert(found.store);
+    } else {
+        saveChanges(); // git may take long, and be killed
+        if (m_status) m_status->changeStatus("Installing " + Files::shownName(*found.item));
+        if (!Files::bring(m_hub, found, false)) {
+            inside(installName, " couldn't install ", dependency.getItem());
+            if (!isCancelled()) ComMsgMgr::send(Msg::dependencyInstallFailed, MsgSeverity::error, dependency.getItem());
+            return false;
+        }
+        // Files that had got lost are back; whoever held the item holds it still.
+        const bool isUsers = isKnown && found.item->getInstallationMode() == userMode;
+        markInstalled(found, isUsers ? userMode : toolMode, references + 1);
+        replaced = replaceOthers(found);
+        inside(installName, " dest: ", found.item->getLocalRootDir());
+        if (!m_quiet) ComMsgMgr::send(Msg::dependencyInstalled, MsgSeverity::warning, found.item->getName());
+        saveChanges();
+    }
+    for (const HSCPlazQItemDependency* next : found.item->getItemDependencies()) {
+        const Step step(*this, *next);
+        // RATIONALE: a failure deep in the tree is told but does not undo what stands above it.
+        if (step.isNew()) install(*next);
+    }
+    releaseReplaced(replaced);
+    return true;
+}
+
+bool HSCPlazDependencyWalk::installMissing(const HSCPlazQItem& item) {
+    bool changed = false;
+    const bool complete = bringMissing(item, changed);
+    if (changed) recount();
+    return complete;
+}
+
+bool HSCPlazDependencyWalk::bringMissing(const HSCPlazQItem& item, bool& changed) {
+    bool complete = true;
+    for (const HSCPlazQItemDependency* dependency : item.getItemDependencies()) {
+        const Step step(*this, *dependency);
+        if (!step.isNew()) continue;
+        const HSCPlazFoundItem found = findServing(m_hub, *dependency, isInstalled);
+        if (found && isProperlyInstalled(found)) {
+            bringMissing(*found.item, changed);
+        } else {
+            changed = true;
+            complete = install(*dependency) && complete;
+        }
+    }
+    return complete;
+}
+
+void HSCPlazDependencyWalk::releaseAll(const HSCPlazQItem& item) {
+    for (const HSCPlazQItemDependency* dependency : item.getItemDependencies()) {
+        const Step step(*this, *dependency);
+        if (step.isNew()) release(*dependency);
+    }
+}
+
+void HSCPlazDependencyWalk::release(const HSCPlazQItemDependency& dependency) {
+    const HSCPlazFoundItem found = findServing(m_hub, dependency, isHeld);
+    // What is not installed holds nothing: its installation failed, or it was removed by hand.
+    if (!found) return;
+    releaseAll(*found.item);
+    const std::int32_t references = found.item->getReferenceCount();
+    const std::string mode = found.item->getInstallationMode();
+    if ((mode == userMode && references >= 1) || (mode == toolMode && references > 1))
+        found.item->setReferenceCount(references - 1);
+    else if (mode == toolMode && references == 1)
+        removeUnheld(found);
+    restoreShipped(found);
+    m_unsaved.insert(found.store);
+}
+
+void HSCPlazDependencyWalk::removeUnheld(const HSCPlazFoundItem& found) {
+    m_unsaved.insert(found.store);
+    const auto parked = Files::park(found);
+    if (!parked) {
+        found.item->setReferenceCount(0); // nothing holds it any more: it can be removed once the obstacle is gone
+        m_sound = false;
+        return;
+    }
+    markRemoved(found);
+    Files::discard(*parked);
+    if (!m_quiet) ComMsgMgr::send(Msg::dependencyRemoved, MsgSeverity::warning, found.item->getName());
+}
+
+std::vector<HSCPlazQItem*> HSCPlazDependencyWalk::replaceOthers(const HSCPlazFoundItem& found) {
+    std::vector<HSCPlazQItem*> replaced;
+    if (found.store->IsMultiRevisionSupported()) return replaced;
+    for (HSCPlazQItem* other : found.store->getItems()) {
+        if (other == found.item || !other->IsInstalled() || other->getName() != found.item->getName()) continue;
+        found.item->setReferenceCount(found.item->getReferenceCount() + other->getReferenceCount());
+        if (other->getInstallationMode() == userMode) found.item->setInstallationMode(userMode);
+        other->getModel()->clearInstallation();
+        replaced.push_back(other);
+    }
+    return replaced;
+}
+
+void HSCPlazDependencyWalk::releaseReplaced(const std::vector<HSCPlazQItem*>& replaced) {
+    if (replaced.empty()) return;
+    std::set<HSCPlazQItem*> needed;
+    for (const HSCPlazQItem* old : replaced) collect(*old, needed);
+    recount();
+    for (HSCPlazQItem* item : needed)
+        if (item->IsInstalled() && item->getInstallationMode() == toolMode && item->getReferenceCount() == 0)
+            removeUnheld({item->getStore(), item});
+}
+
+void HSCPlazDependencyWalk::collect(const HSCPlazQItem& item, std::set<HSCPlazQItem*>& reached) {
+    for (const HSCPlazQItemDependency* dependency : item.getItemDependencies()) {
+        const HSCPlazFoundItem found = findServing(m_hub, *dependency, isInstalled);
+        if (found && reached.insert(found.item).second) collect(*found.item, reached);
+    }
+}
+
+void HSCPlazDependencyWalk::recount() {
+    std::map<HSCPlazQItem*, std::int32_t> holds;
+    for (const HSCPlazQStore* store : m_hub.getStores())
+        for (HSCPlazQItem* item : store->getItems()) {
+            if (!item->IsInstalled()) continue;
+            holds.try_emplace(item, 0);
+            if (item->getInstallationMode() != userMode) continue;
+            const std::set<std::string> outer = std::exchange(m_path, keysOf(*item));
+            countHolds(*item, holds);
+            m_path = outer;
+        }
+    for (const auto& [item, count] : holds) {
+        if (item->getReferenceCount() == count) continue;
+        item->setReferenceCount(count);
+        m_unsaved.insert(item->getStore());
+    }
+}
+
+void HSCPlazDependencyWalk::countHolds(const HSCPlazQItem& item, std::map<HSCPlazQItem*, std::int32_t>& holds) {
+    for (const HSCPlazQItemDependency* dependency : item.getItemDependencies()) {
+        const Step step(*this, *dependency);
+        if (!step.isNew()) continue;
+        const HSCPlazFoundItem found = findServing(m_hub, *dependency, isInstalled);
+        if (!found) continue;
+        ++holds[found.item];
+        countHolds(*found.item, holds);
+    }
+}
+
+void HSCPlazDependencyWalk::markInstalled(const HSCPlazFoundItem& found, const char* mode, std::int32_t references) {
+    // RATIONALE: the repository has copied the item from the staging directory and removed that, so nothing is copied
+    // here a second time; what is recorded is where it was put.
+    HSCPlazQItemModel& model = *found.item->getModel();
+    model.setLocalDir(Files::directoryOf(found));
+    model.setIsInstalled(true);
+    model.setNeedsRefresh(false);
+    model.setInstallationMode(mode);
+    model.setReferenceCount(references);
+    model.setIsLatest(true);
+    model.setInstalledCommitId("");
+    m_unsaved.insert(found.store);
+}
+
+void HSCPlazDependencyWalk::markRemoved(const HSCPlazFoundItem& found) {
+    found.item->getModel()->clearInstallation();
+    m_unsaved.insert(found.store);
+}
+
+void HSCPlazDependencyWalk::markUsers(const HSCPlazFoundItem& found) {
+    found.item->setInstallationMode(userMode);
+    m_unsaved.insert(found.store);
+}
+
+void HSCPlazDependencyWalk::markTools(const HSCPlazFoundItem& found) {
+    found.item->setInstallationMode(toolMode);
+    m_unsaved.insert(found.store);
+}
+
+void HSCPlazDependencyWalk::restoreShipped(const HSCPlazFoundItem& found) {
+    const auto shipped = HSCPlazMgr::getInstance().getUserPref().getDataPath(found.store->getName());
+    if (shipped.empty() || found.item->getMetadataFile().empty()) return;
+    if (!HUTFile::exists((shipped / found.item->getRoot() / found.item->getMetadataFile()).generic_string())) return;
+    found.item->IsInstalled(true);
+    found.item->NeedsRefresh(true);
+}
+
+void HSCPlazDependencyWalk::saveChanges() {
+    for (HSCPlazQStore* store : m_unsaved)
+        m_sound = HSCPlazMgr::getInstance().getLocalDBMgr()->save(m_hub, store, "") && m_sound;
+    m_unsaved.clear();
+}

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "plaz/tasks/HSCPlazItemFiles.h"
+
+#include <cstdint>
+#include <map>
+#include <set>
+#include <string>
+#include <vector>
+
+class HDGUIStatus;
+class HSCPlazQItemDependency;
+class HSCPlazQItemModel;
+
+/// Follows what an item depends on, to install, to release and to count. One object serves one task.
+///
+/// The reference count of an item is the number of dependency edges that hold it: an item to which two paths lead is
+/// counted for each.
+class HSCPlazDependencyWalk {
+public:
+    static constexpr const char* userMode = "user";
+    static constexpr const char* toolMode = "tool";
+
+    /// @param item   the item asked for; the walk never comes back to it
+    /// @param quiet  leaves out the good news
+    HSCPlazDependencyWalk(HSCPlaz& hub, const HSCPlazQItem& item, bool quiet, HDGUIStatus* status);
+
+    /// The item in the hub that is meant; by its revision, else the latest.
+    static HSCPlazFoundItem find(const HSCPlaz& hub, const HSCPlazQItem* item);
+
+    /// Installs or counts every dependency of @p item; the first of its own that fails ends the work.
+    bool installAll(const HSCPlazQItem& item);
+    /// Installs what an earlier task, cut short or failed, has left missing below an installed item, and then puts all
+    /// counts right. Does nothing else.
+    bool installMissing(const HSCPlazQItem& item);
+    /// Takes back one hold from every dependency of @p item and removes what is held no more.
+    void releaseAll(const HSCPlazQItem& item);
+
+    /// In a store that keeps one revision of an item, an installation takes the place of another revision: whoever held
+    /// that one holds the new one from now on. @return the replaced ones, no longer installed
+    static std::vector<HSCPlazQItem*> replaceOthers(const HSCPlazFoundItem& found);
+    /// Puts the counts right after a replacement and removes what only the replaced revisions needed.
+    void releaseReplaced(const std::vector<HSCPlazQItem*>& replaced);
+    /// Counts afresh what the installed items that users asked for hold.
+    void recount();
+
+    /// Marks the item installed in its directory.
+    void markInstalled(const HSCPlazFoundItem& found, const char* mode, std::int32_t references);
+    void markRemoved(const HSCPlazFoundItem& found);
+    /// Marks an installed item as asked for by the user, or as held by other items only.
+    void markUsers(const HSCPlazFoundItem& found);
+    void markTools(const HSCPlazFoundItem& found);
+    /// Shipped content always counts as installed.
+    void restoreShipped(const HSCPlazFoundItem& found);
+
+    /// Saves the databases of the stores that have changed.
+    /// RATIONALE: a database is written whole, so writing it for each count would make a walk cost the square of what
+    /// is installed. Nor would it be safer: a task that is cut short is simply done again, as long as the database
+    /// holds none of the counts that it has changed.
+    void saveChanges();
+    /// False when something that should have been removed or recorded was not; the reason has been sent.
+    bool isSound() const { return m_sound; }
+
+private:
+    class Step;
+    bool install(const HSCPlazQItemDependency& dependency);
+    void release(const HSCPlazQItemDependency& dependency);
+    bool bringMissing(const HSCPlazQItem& item, bool& changed);
+    void countHolds(const HSCPlazQItem& item, std::map<HSCPlazQItem*, std::int32_t>& holds);
+    void collect(const HSCPlazQItem& item, std::set<HSCPlazQItem*>& reached);
+    void removeUnheld(const HSCPlazFoundItem& found);
+    bool isCancelled() const;
+
+    HSCPlaz& m_hub;
+    bool m_quiet;
+    HDGUIStatus* m_status;
+    std::set<std::string> m_path;
+    std::set<HSCPlazQStore*> m_unsaved;
+    bool m_sound = true;
+};
