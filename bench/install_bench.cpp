@@ -25,8 +25,8 @@ class InstallableStore {
 public:
     explicit InstallableStore(const std::string& name)
         : m_hub(Workspace::get().getHub()), m_store(*m_hub.getStore(name)),
-          m_index(HSCPlazMgr::getInstance().getPathMgr()->getStoreIndexDir(*m_store.getModel())) {
-        if (!HSCPlazGit::isInstalled(m_index) && !HSCPlazGit().install(&m_hub, getItem(0).getModel()))
+          m_index(HSCPlazMgr::getInstance().getPathMgr()->getStoreLayout(*m_store.getModel()).getIndex()) {
+        if (!HSCPlazStoreLayout::isComplete(m_index) && !HSCPlazGit().install(&m_hub, getItem(0).getModel()))
             throw std::runtime_error("cannot clone " + name);
     }
 

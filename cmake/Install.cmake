@@ -37,10 +37,16 @@ else()
   list(APPEND guides docs/embedding-guide.md)
 
   set(headers ${CMAKE_INSTALL_INCLUDEDIR}/plaz)
-  # What readers and the git parts keep to themselves stays out.
+  # What the rooms keep to themselves stays out.
   install(DIRECTORY shared/common/plaz DESTINATION ${headers}
-    FILES_MATCHING PATTERN "*.h" PATTERN "reader" EXCLUDE PATTERN "java" EXCLUDE PATTERN "git" EXCLUDE PATTERN "tasks" EXCLUDE)
-  install(FILES shared/common/plaz/model/reader/HSCPlazJsonReadWriteUtils.h DESTINATION ${headers}/plaz/model/reader)
+    FILES_MATCHING PATTERN "*.h" PATTERN "reader" EXCLUDE PATTERN "java" EXCLUDE PATTERN "git" EXCLUDE PATTERN "tasks" EXCLUDE
+    PATTERN "store" EXCLUDE PATTERN "HSCPlazDestruction.h" EXCLUDE
+    REGEX "base/HSCPlaz(ChangeLog|Context|DebugLog|FileCopy|HubLock|TrustRules|UpdateCheck|Url)\\.h$" EXCLUDE)
+  install(FILES shared/common/plaz/store/HSCPlazLocalDBMgr.h shared/common/plaz/store/HSCPlazRepoInfoMgr.h
+    DESTINATION ${headers}/plaz/store)
+  install(FILES shared/common/plaz/tasks/HSCPlazTaskResult.h DESTINATION ${headers}/plaz/tasks)
+  install(FILES shared/common/plaz/model/reader/HSCPlazJsonReadWriteUtils.h
+    shared/common/plaz/model/reader/HSCPlazFileCheck.h DESTINATION ${headers}/plaz/model/reader)
   install(DIRECTORY platform/support DESTINATION ${headers}
     FILES_MATCHING PATTERN "*.h" PATTERN "posix" EXCLUDE PATTERN "win32" EXCLUDE PATTERN "Platform*.h" EXCLUDE
     PATTERN "HCRapidJsonReadWriteUtils.h" EXCLUDE)

@@ -7,6 +7,7 @@
 #include "plaz/model/reader/HSCPlazQItemReader.h"
 #include "plaz/model/reader/HSCPlazQStoreReader.h"
 #include "plaz/model/reader/HSCPlazReader.h"
+#include "plaz/pref/HSCPlazPathMgr.h"
 #include "plaz/store/HSCPlazLocalDBMgr.h"
 #include "support/ComMsgMgr.h"
 #include "support/TempDir.h"
@@ -64,7 +65,8 @@ void read(const std::string& file) {
     HSCPlazQStoreModel store;
     store.setName("board");
     store.setLocalRootDir(file + ".area");
-    HSCPlazMgr::getInstance().getLocalDBMgr()->merge(file, store);
+    HSCPlazMgr& manager = HSCPlazMgr::getInstance();
+    manager.getLocalDBMgr()->merge(file, store, *manager.getPathMgr());
     for (const auto& item : store.getItems()) {
         const std::string& dir = item->getLocalDir();
         check(staysInside(item->getRoot()));

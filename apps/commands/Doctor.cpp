@@ -2,7 +2,6 @@
 
 #include "DoctorChecks.h"
 
-#include "plaz/HSCPlazMgr.h"
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazModel.h"
@@ -14,6 +13,9 @@
 #include <algorithm>
 #include <exception>
 #include <functional>
+
+using HSCPlazPathsInForce::StorePaths;
+using Path = HSCPlazPathsInForce::Path;
 
 namespace {
 
@@ -48,8 +50,8 @@ private:
     std::vector<Finding> m_findings;
 };
 
-PathInForce find(const std::vector<PathInForce>& paths, const std::string& name) {
-    return *std::find_if(paths.begin(), paths.end(), [&](const PathInForce& path) { return path.name == name; });
+Path find(const std::vector<Path>& paths, const std::string& name) {
+    return *std::find_if(paths.begin(), paths.end(), [&](const Path& path) { return path.name == name; });
 }
 
 bool mayAskRemotes() {
@@ -58,7 +60,7 @@ bool mayAskRemotes() {
 }
 
 std::vector<StorePaths> pathsOf(const HSCPlaz& hub, const std::vector<HSCPlazQStore*>& stores) {
-    std::vector<StorePaths> paths = findStorePaths(hub);
+    std::vector<StorePaths> paths = HSCPlazPathsInForce::ofStores(hub);
     const auto isOther = [&](const StorePaths& one) {
         return std::none_of(stores.begin(), stores.end(), [&](auto* store) { return store->getName() == one.store; });
     };
@@ -93,8 +95,8 @@ const char* Finding::nameOf(State state) {
 std::vector<Finding> Doctor::examine(const std::vector<HSCPlazQStore*>& stores) const {
     Round round(m_status);
     m_status.setDeterminate(false);
-    const std::vector<PathInForce> paths = findHubPaths();
-    const PathInForce git = find(paths, "git");
+    const std::vector<Path> paths = HSCPlazPathsInForce::ofHub();
+    const Path git = find(paths, "git");
     round.makeOne("git", [&] { return doctor::checkGit(git); });
     std::optional<doctor::TrialCopy> trial;
     if (round.isLastOk()) {

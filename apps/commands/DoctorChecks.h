@@ -1,7 +1,8 @@
 #pragma once
 
 #include "Doctor.h"
-#include "HubPaths.h"
+
+#include "plaz/HSCPlazPathsInForce.h"
 
 class HSCPlazQStoreModel;
 
@@ -32,9 +33,9 @@ private:
 };
 
 /// Whether git can be used.
-Finding checkGit(const PathInForce& git);
+Finding checkGit(const HSCPlazPathsInForce::Path& git);
 /// @param bundle  the certificates that come with git
-Finding checkCertificates(const PathInForce& bundle);
+Finding checkCertificates(const HSCPlazPathsInForce::Path& bundle);
 /// What git connects through. @param trial  directory of a working copy as a refresh would set it up
 Finding checkProxy(const std::string& trial);
 /// The parameters that switch things off: one finding for each that does, or one that tells that none does.
@@ -42,7 +43,8 @@ std::vector<Finding> checkSwitches();
 
 /// Whether each directory is there and can be used as it is meant, and how much room it has. Of several that the same
 /// obstacle keeps from being written the first is told.
-std::vector<Finding> checkDirectories(const std::vector<PathInForce>& hub, const std::vector<StorePaths>& stores);
+std::vector<Finding> checkDirectories(const std::vector<HSCPlazPathsInForce::Path>& hub,
+                                      const std::vector<HSCPlazPathsInForce::StorePaths>& stores);
 /// What is wrong with a metadata file; empty for nothing. That its schema is not there is not the file's fault.
 std::string findDamage(const std::string& file);
 /// The hub's metadata in force: shipped or refreshed.

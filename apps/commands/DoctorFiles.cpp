@@ -2,10 +2,8 @@
 
 #include "DoctorChecks.h"
 
-#include "FileCheck.h"
-
-#include "plaz/HSCPlazMgr.h"
-#include "plaz/pref/HSCPlazPathMgr.h"
+#include "plaz/HSCPlazInspection.h"
+#include "plaz/model/reader/HSCPlazFileCheck.h"
 #include "support/HUTFile.h"
 
 #include <boost/filesystem/operations.hpp>
@@ -18,6 +16,9 @@
 
 namespace fs = boost::filesystem;
 
+using HSCPlazPathsInForce::Path;
+using HSCPlazPathsInForce::StorePaths;
+
 namespace {
 
 constexpr std::uintmax_t fewBytes = 100'000'000;
@@ -26,9 +27,9 @@ enum class Need { written, read };
 
 /// What is needed of a directory of that name; other paths are looked at elsewhere, or need not be there.
 const std::map<std::string, Need> needs{
-    {"application data", Need::written}, {"user area", Need::written},  {"user repository", Need::written},
-    {"staging root", Need::written},     {"store area", Need::written}, {"application root", Need::read},
-    {"data root", Need::read},           {"stores data", Need::read},   {"schema root", Need::read},
+    {"application data", Need::written}, {"user area", Need::written},     {"user repository", Need::written},
+    {"store area", Need::written},       {"application root", Need::read}, {"data root", Need::read},
+    {"stores data", Need::read},         {"schema root", Need::read},
 };
 
 /// The nearest path above that is there: what has to be written to where @p path is to be made.
@@ -46,7 +47,7 @@ std::string describe(std::uintmax_t bytes) {
     return std::to_string(std::llround(amount)) + " " + units.at(unit) + " free";
 }
 
-Finding checkReadable(const std::string& subject, const PathInForce& path) {
+Finding checkReadable(const std::string& subject, const Path& path) {
     if (HUTFile::isDirectory(path.path)) return doctor::ok(subject, path.path + " (" + path.chosen + ")");
     return doctor::warning(subject,
                            (path.path.empty() ? "there is none" : path.path + " is missing") + " (" + path.chosen + ")",
@@ -54,7 +55,7 @@ Finding checkReadable(const std::string& subject, const PathInForce& path) {
 }
 
 /// @param existing  what of it is there
-Finding checkWritable(const std::string& subject, const PathInForce& path, const std::string& existing) {
+Finding checkWritable(const std::string& subject, const Path& path, const std::string& existing) {
     if (path.path.empty()) return doctor::problem(subject, path.chosen, "Correct what is named there.");
     const std::string where = path.path + " (" + path.chosen + ")";
     if (!HUTFile::isDirectory(existing))
@@ -81,11 +82,10 @@ Finding checkFile(const std::string& subject, const std::string& file, const std
 
 } // namespace
 
-std::vector<Finding> doctor::checkDirectories(const std::vector<PathInForce>& hub,
-                                              const std::vector<StorePaths>& stores) {
+std::vector<Finding> doctor::checkDirectories(const std::vector<Path>& hub, const std::vector<StorePaths>& stores) {
     std::vector<Finding> findings;
     std::set<std::string> obstacles;
-    const auto look = [&](const std::string& owner, const PathInForce& path) {
+    const auto look = [&](const std::string& owner, const Path& path) {
         const auto need = needs.find(path.name);
         if (need == needs.end()) return;
         const std::string subject = owner + path.name;
@@ -98,30 +98,28 @@ std::vector<Finding> doctor::checkDirectories(const std::vector<PathInForce>& hu
         const bool isTold = finding.state != Finding::State::ok && !obstacles.insert(existing).second;
         if (!isTold) findings.push_back(finding);
     };
-    for (const PathInForce& path : hub) look("", path);
+    for (const Path& path : hub) look("", path);
     for (const StorePaths& store : stores)
-        for (const PathInForce& path : store.paths) look("store " + store.store + ": ", path);
+        for (const Path& path : store.paths) look("store " + store.store + ": ", path);
     return findings;
 }
 
 std::string doctor::findDamage(const std::string& file) {
-    const FileCheck check = FileCheck::of(file);
-    const bool isUnchecked = !check.schema.empty() && !HUTFile::exists(check.schema);
-    return check.isValid() || isUnchecked ? "" : file + ": " + check.findings.front();
+    const HSCPlazFileCheck check = HSCPlazFileCheck::of(file);
+    return check.isValid() || check.isUnchecked ? "" : file + ": " + check.findings.front();
 }
 
 Finding doctor::checkHubMetadata() {
-    const HSCPlazPathMgr& paths = *HSCPlazMgr::getInstance().getPathMgr();
-    const std::string refreshed = paths.getRefreshedHubMetadataFile();
+    const std::string refreshed = HSCPlazInspection::getRefreshedHubMetadataFile();
     if (HUTFile::exists(refreshed))
         return checkFile("hub: metadata", refreshed, "Fetch it again: plaz refresh --hub.", " (refreshed)");
-    return checkFile("hub: metadata", paths.getHubMetadataFile(),
+    return checkFile("hub: metadata", HSCPlazInspection::getShippedHubMetadataFile(),
                      "Check GDA_DATA_DIR and ZENTOR_PLAZ_LOCAL_ROOT_DIR, or repair the installation.",
                      " (shipped, never refreshed)");
 }
 
 Finding doctor::checkConfiguration() {
-    const std::string file = HSCPlazMgr::getInstance().getPathMgr()->getConfigFile();
+    const std::string file = HSCPlazInspection::getConfigFile();
     if (HUTFile::exists(file))
         return checkFile("hub: configuration", file, "Correct it, or repair the installation.", "");
     return warning("hub: configuration", "there is none, so the defaults are in force",

@@ -2,9 +2,9 @@
 
 #include "DoctorChecks.h"
 
+#include "plaz/HSCPlazInspection.h"
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/base/HSCPlazTrust.h"
-#include "plaz/model/repo/HSCPlazGit.h"
 #include "support/HUTFile.h"
 
 #include <boost/filesystem/operations.hpp>
@@ -44,8 +44,9 @@ std::string chooseBranch(const std::vector<std::string>& branches, const std::st
 doctor::TrialCopy::TrialCopy()
     : m_dir((fs::temp_directory_path() / fs::unique_path("plaz-%%%%-%%%%-%%%%")).generic_string()) {
     try {
-        if (!HUTFile::mkDirRecursive(m_dir) || !HSCPlazGit::initWorkingCopy(m_dir))
+        if (!HUTFile::mkDirRecursive(m_dir))
             throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::dirNotWritable, m_dir));
+        HSCPlazInspection::makeWorkingCopy(m_dir);
     } catch (...) {
         HUTFile::rmRecursive(m_dir);
         throw;
@@ -63,14 +64,14 @@ Finding doctor::checkRemote(const std::string& subject, const std::string& url, 
         return warning(subject, "none is named, so it cannot be refreshed",
                        "Name one in the configuration or in ZENTOR_PLAZ_REMOTE_REPO_PATH.");
     const auto start = std::chrono::steady_clock::now();
-    const HSCPlazGit::Answer answer = HSCPlazGit::askRemote(url, trial);
+    const HSCPlazInspection::Answer answer = HSCPlazInspection::askRemote(url, trial);
     const auto spent =
         std::chrono::duration_cast<std::chrono::milliseconds>(std::chrono::steady_clock::now() - start).count();
     const std::string after = std::to_string(spent) + " ms";
     const std::string followed = chooseBranch(readBranches(answer.text), branch);
     Finding finding;
-    if (answer.status != 0)
-        finding = problem(subject, shown + " does not answer (" + after + "): " + answer.getReason(),
+    if (!answer.isGiven)
+        finding = problem(subject, shown + " does not answer (" + after + "): " + answer.reason,
                           "Check URL, network, proxy and credentials. What was refreshed last stays in force.");
     else if (followed.empty())
         finding = problem(subject, shown + " has no branch " + (branch.empty() ? "" : branch + " and no ") + mainBranch,

@@ -2,12 +2,10 @@
 
 #include "DoctorChecks.h"
 
-#include "plaz/HSCPlazMgr.h"
+#include "plaz/HSCPlazInspection.h"
 #include "plaz/HSCPlazTaskMgr.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/HSCPlazQStoreModel.h"
-#include "plaz/model/repo/HSCPlazGit.h"
-#include "plaz/pref/HSCPlazPathMgr.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTFile.h"
 
@@ -18,10 +16,6 @@ namespace {
 
 std::string subjectOf(const std::string& store, const char* what) {
     return "store " + store + ": " + what;
-}
-
-const HSCPlazPathMgr& paths() {
-    return *HSCPlazMgr::getInstance().getPathMgr();
 }
 
 std::string describeTime(std::time_t time) {
@@ -35,8 +29,9 @@ Finding doctor::checkCatalog(HSCPlazQStore& store) {
     const HSCPlazQStoreModel& model = *store.getModel();
     const std::string subject = subjectOf(store.getName(), "catalog");
     const std::string refresh = "plaz refresh " + store.getName();
-    const std::string area = paths().getStoreArea(model);
-    const bool isRefreshed = HSCPlazGit::isInstalled(area) && HUTFile::exists(area + "/" + model.getMetadataFile());
+    const std::string area = HSCPlazInspection::getLayout(model).getArea();
+    const bool isRefreshed =
+        HSCPlazStoreLayout::isComplete(area) && HUTFile::exists(area + "/" + model.getMetadataFile());
     const std::string dir = isRefreshed ? area : model.getGdaDataLoc();
     if (dir.empty())
         return warning(subject, "nothing is known of its items: it was never refreshed, and nothing is shipped",
@@ -72,20 +67,19 @@ Finding doctor::checkDatabase(const HSCPlazQStore& store) {
 
 Finding doctor::checkWorkingCopy(const HSCPlazQStoreModel& store, const std::string& trial) {
     const std::string subject = subjectOf(store.getName(), "working copy");
-    const std::string dir = paths().getStoreIndexDir(store);
+    const std::string dir = HSCPlazInspection::getLayout(store).getIndex();
     const std::string refresh = "plaz refresh " + store.getName();
     if (!HUTFile::exists(dir)) return ok(subject, "none yet; the first refresh or installation makes it");
-    if (!HSCPlazGit::isInstalled(dir))
+    if (!HSCPlazStoreLayout::isComplete(dir))
         return warning(subject, dir + " is not complete; it is made afresh when it is used next", refresh);
-    if (!HSCPlazGit::isOfStore(dir, store))
+    if (HSCPlazInspection::isForeign(store))
         return warning(subject,
                        dir + " is of another URL or of other credentials; it is made afresh when it is used next",
                        refresh);
     if (trial.empty()) return ok(subject, dir + ": its last fetch was completed");
-    const HSCPlazGit::Answer check =
-        HSCPlazGit::ask({"fsck", "--connectivity-only", "--no-dangling", "--no-progress"}, dir);
-    if (check.status != 0)
-        return problem(subject, dir + " does not hold together: " + check.getReason(),
+    const HSCPlazInspection::Answer check = HSCPlazInspection::checkIntegrity(dir);
+    if (!check.isGiven)
+        return problem(subject, dir + " does not hold together: " + check.reason,
                        "Remove that directory, and then " + refresh + ".");
     const std::string recorded = getProxies(dir);
     const std::string proxy = getProxies(trial);
@@ -99,7 +93,7 @@ Finding doctor::checkWorkingCopy(const HSCPlazQStoreModel& store, const std::str
 
 Finding doctor::checkCredentials(const HSCPlazQStoreModel& store) {
     const std::string subject = subjectOf(store.getName(), "credentials");
-    if (HSCPlazGit::hasCredentials(store)) return ok(subject, "the store is private, and credentials are set");
+    if (HSCPlazInspection::hasCredentials(store)) return ok(subject, "the store is private, and credentials are set");
     if (HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableAskPassForPrivateRepo"))
         return ok(subject, "the store is private; none are set, but git may ask for them");
     return problem(subject, "the store is private, and none are set for it",

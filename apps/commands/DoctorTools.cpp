@@ -2,15 +2,14 @@
 
 #include "DoctorChecks.h"
 
-#include "plaz/HSCPlazUtils.h"
+#include "plaz/HSCPlazInspection.h"
+#include "plaz/base/HSCPlazProduct.h"
 #include "plaz/base/HSCPlazTrust.h"
-#include "plaz/model/repo/HSCPlazGit.h"
+#include "plaz/bindings/HSCPlazSwigIntf.h"
 #include "support/HCCXPrefMgr.h"
 #include "support/HIOStream.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTEnv.h"
-
-#include <boost/algorithm/string/predicate.hpp>
 
 #include <sstream>
 #include <utility>
@@ -40,9 +39,12 @@ std::size_t count(const std::string& text, const std::string& what) {
 /// What put a proxy into a new working copy; empty for nothing of ours.
 std::string chooserOfProxy(const std::string& key) {
     const std::string param = key == "http.proxy" ? "plaz.http_proxy" : "plaz.https_proxy";
-    if (HSCPlazUtils::isProduct("solvan") && !HPAParamMgr::getParamMgr().getValueAsString(param).empty())
+    const HSCPlazProduct::ProxySource source = HSCPlazProduct::getProxySource();
+    if (source == HSCPlazProduct::ProxySource::parameters &&
+        !HPAParamMgr::getParamMgr().getValueAsString(param).empty())
         return "parameter " + param;
-    if (HSCPlazUtils::isProduct("kvq") && !HSCPlazGit::getPreferredHttpProxy().empty()) return "preference " + param;
+    if (source == HSCPlazProduct::ProxySource::preference && !HSCPlazSwigIntf::getHttpProxy().empty())
+        return "preference " + param;
     return "detected by the helper program";
 }
 
@@ -57,32 +59,13 @@ std::string getProxiesOfEnvironment() {
     return found;
 }
 
-/// One line of git's answer: scope, key, value.
-struct Setting {
-    std::string scope;
-    std::string key;
-    std::string value;
-};
-
-std::vector<Setting> readProxySettings(const std::string& dir) {
-    std::istringstream lines(HSCPlazGit::ask({"config", "--show-scope", "--get-regexp", "^https?\\.proxy$"}, dir).text);
-    std::vector<Setting> settings;
-    for (std::string line; std::getline(lines, line);) {
-        std::istringstream words(line);
-        Setting setting;
-        words >> setting.scope >> setting.key >> setting.value;
-        if (boost::algorithm::ends_with(setting.key, ".proxy")) settings.push_back(setting);
-    }
-    return settings;
-}
-
 } // namespace
 
-Finding doctor::checkGit(const PathInForce& git) {
+Finding doctor::checkGit(const HSCPlazPathsInForce::Path& git) {
     if (!git.exists) return problem("git", "there is no git executable (" + git.chosen + ")", repairGit);
     const std::string where = git.path + " (" + git.chosen + ")";
-    const HSCPlazGit::Answer answer = HSCPlazGit::ask({"--version"}, "");
-    if (answer.status != 0) return problem("git", where + " does not run: " + answer.getReason(), repairGit);
+    const HSCPlazInspection::Answer answer = HSCPlazInspection::askVersion();
+    if (!answer.isGiven) return problem("git", where + " does not run: " + answer.reason, repairGit);
     const std::string version = answer.text.substr(0, answer.text.find('\n'));
     if (version.empty())
         return problem("git", where + " does not tell its version",
@@ -94,7 +77,7 @@ Finding doctor::checkGit(const PathInForce& git) {
     return ok("git", where + ": " + version);
 }
 
-Finding doctor::checkCertificates(const PathInForce& bundle) {
+Finding doctor::checkCertificates(const HSCPlazPathsInForce::Path& bundle) {
     if (!bundle.exists)
         return warning("certificates", bundle.path + " is missing; git uses those of the system",
                        "If https fails with a certificate error, repair the installation.");
@@ -108,14 +91,14 @@ Finding doctor::checkCertificates(const PathInForce& bundle) {
 
 std::string doctor::getProxies(const std::string& dir) {
     std::string proxies;
-    for (const Setting& setting : readProxySettings(dir))
+    for (const HSCPlazInspection::Setting& setting : HSCPlazInspection::findProxies(dir))
         proxies += (proxies.empty() ? "" : ", ") + setting.key + "=" + setting.value;
     return proxies;
 }
 
 Finding doctor::checkProxy(const std::string& trial) {
     std::string found;
-    for (const Setting& setting : readProxySettings(trial)) {
+    for (const HSCPlazInspection::Setting& setting : HSCPlazInspection::findProxies(trial)) {
         const std::string chooser =
             setting.scope == "local" ? chooserOfProxy(setting.key) : setting.scope + " git settings";
         found += setting.key + "=" + HSCPlazTrust::maskProxy(setting.value) + " (" + chooser + "); ";
@@ -124,7 +107,7 @@ Finding doctor::checkProxy(const std::string& trial) {
         const std::string inherited = getProxiesOfEnvironment();
         found = inherited.empty() ? "none, git connects directly; " : inherited + "; ";
     }
-    const std::string helper = HSCPlazGit::findProxyHelper();
+    const std::string helper = HSCPlazInspection::findProxyHelper();
     return ok("proxy",
               found + (helper.empty() ? "no program to detect one" : "detected by " + helper + " where none is set"));
 }
@@ -145,7 +128,7 @@ std::vector<Finding> doctor::checkSwitches() {
         if (!params.getValueAsBool(one.param))
             findings.push_back(
                 problem("parameter " + std::string(one.param), std::string("false: ") + one.effect, "Set it to true."));
-    const int seconds = HSCPlazGit::getGitTimeOut();
+    const int seconds = HSCPlazInspection::getTimeOut();
     if (seconds <= 0)
         findings.push_back(
             warning("parameter plaz.gitTimeout",

@@ -1,8 +1,11 @@
 #pragma once
 
+#include "plaz/tasks/HSCPlazTaskResult.h"
+
+#include <algorithm>
 #include <cstddef>
+#include <functional>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -10,82 +13,53 @@ class HDGUIStatus;
 class HSCPlaz;
 class HSCPlazQItem;
 class HSCPlazQStore;
-enum class UpdateStep;
 
-/// What became of one item.
-struct ActionResult {
-    enum class Outcome {
-        installed,
-        removed,
-        kept, ///< its files stay: others need it, or it is shipped
-        updated,
-        upToDate, ///< there was nothing to do
-        failed    ///< messages tell why
-    };
+/// Told before each part of a command: its number from 1, and how many there are.
+using BeginPart = std::function<void(std::size_t number, std::size_t count)>;
 
-    std::string store;
-    std::string name;
-    std::string revision;         ///< the one installed or removed
-    std::string previousRevision; ///< of an update: the one that was installed before
-    std::string directory;        ///< where the item is installed; empty when it is not
-    Outcome outcome;
-
-    /// That an item as it is now has come to @p outcome.
-    static ActionResult of(const HSCPlazQItem& item, Outcome outcome);
-    /// "installed", "up-to-date" and so on.
-    static const char* nameOf(Outcome outcome);
-    bool isDone() const { return outcome != Outcome::failed; }
+/// What became of a command, part by part.
+template <typename Result> struct CommandResult {
+    std::vector<Result> parts; ///< in the order in which they were named; fewer of them after a cancellation
+    bool isDone;               ///< all that was asked for
+    /// Why not; nothing where all is well, and after a cancellation before anything failed.
+    std::optional<ComMsgMgrInstance> reason;
 };
+using ItemsResult = CommandResult<HSCPlazItemResult>;
+using StoresResult = CommandResult<HSCPlazStoreResult>;
 
-/// What became of one store.
-struct StoreResult {
-    std::string store;
-    std::string outcome;   ///< "refreshed", "outdated", "up-to-date", "unknown", "moved" or "failed"
-    std::string directory; ///< the store's area
-    std::size_t items;     ///< how many revisions its catalog lists
-    bool isDone;
-};
-
-/// Changes what is installed and what is known of the stores. Failures are sent as messages, thrown ones of a task
-/// included, and told by the result; what was done before a failure stays done. One at a time, on the caller's thread.
+/// The commands that change what is installed and what is known of the stores. What fails does not stop the parts
+/// behind it; a cancellation does. Everything is sent by the tasks; the results tell it again for the answer of a front
+/// end. Items and stores are given once each. One command at a time, on the caller's thread.
 class HubActions {
 public:
-    /// @param quiet   leaves out the good news
-    /// @param status  progress and cancellation; may be null. Both arguments must outlive the object.
-    HubActions(HSCPlaz& hub, bool quiet, HDGUIStatus* status) : m_hub(hub), m_status(status), m_quiet(quiet) {}
+    /// @param status   progress and cancellation
+    /// @param isQuiet  leaves out the good news
+    /// @param begin    may be empty. All that is referred to must outlive the object.
+    HubActions(HSCPlaz& hub, HDGUIStatus& status, bool isQuiet, BeginPart begin = {})
+        : m_hub(hub), m_status(status), m_isQuiet(isQuiet), m_begin(std::move(begin)) {}
 
-    ActionResult install(HSCPlazQItem& item);
-    ActionResult uninstall(HSCPlazQItem& item);
-    /// Brings an installed revision up to date and keeps its installation mode. Where the store keeps several revisions
-    /// the older one stays beside the new one. Sends ShellMsg::itemFetchedAgain unless quiet.
-    ActionResult update(HSCPlazQItem& item);
+    ItemsResult install(const std::vector<HSCPlazQItem*>& items) const;
+    ItemsResult update(const std::vector<HSCPlazQItem*>& items) const;
+    /// Removes them together: what holds others goes first, and an item that went with one of them is removed, too.
+    ItemsResult uninstall(const std::vector<HSCPlazQItem*>& items) const;
 
-    /// Fetches the store's catalog and what it says of its items. Until all of the catalog has come the old one stays
-    /// in force. Items of the store are new objects afterwards.
-    StoreResult refresh(HSCPlazQStore& store);
-    /// Fetches the hub's own metadata and the catalogs of all stores that it lists. Afterwards stores and items are new
-    /// objects. What its catalog says of the items of each store is left to describe().
-    /// @return the stores whose catalogs have not come (Msg::storeNotRefreshed); nothing on failure, with the hub as it
-    ///         was
-    std::optional<std::set<std::string>> refreshHub();
-    /// The rest of a store's refresh after refreshHub(): what its catalog says of its items.
-    /// @param hasCatalog  the catalog has come; without it the store has failed
-    StoreResult describe(HSCPlazQStore& store, bool hasCatalog);
-    /// Asks the store's remote whether it has moved since the last refresh; a store that was never refreshed, or whose
-    /// working copy is not complete, has. Without an answer the outcome is "unknown", and ShellMsg::storeNotChecked
-    /// says why.
-    StoreResult check(HSCPlazQStore& store);
-    /// Puts the store's area below @p directory. What it holds stays where it is.
-    StoreResult relocate(HSCPlazQStore& store, const std::string& directory);
+    /// Items of the stores are new objects afterwards.
+    StoresResult refresh(const std::vector<HSCPlazQStore*>& stores) const;
+    /// Fetches the hub's own metadata first, and with it all catalogs; all objects are new then. A store of which that
+    /// failed is among the parts, whether it was named or not.
+    /// @param names  of stores; a name may be one that the hub learns of only then. None for all.
+    /// @throws HEXAll ShellMsg::storeUnknown, once the hub is fetched
+    StoresResult refreshHub(const std::vector<std::string>& names) const;
+    /// Asks the stores' remotes whether they have moved.
+    StoresResult check(const std::vector<HSCPlazQStore*>& stores) const;
+    /// Puts the store's area below @p dir. What it holds stays where it is.
+    StoresResult relocate(HSCPlazQStore& store, const std::string& dir) const;
 
 private:
-    bool installLatest(HSCPlazQItem& item, HSCPlazQItem& latest);
-    /// Makes an item that was just installed for the user one that only others need.
-    void releaseUser(HSCPlazQItem& item);
-    bool fetchAgain(HSCPlazQItem& item);
-    void save(HSCPlazQItem& item);
+    template <typename Subject, typename Action> auto doEach(const std::vector<Subject*>& subjects, Action act) const;
 
     HSCPlaz& m_hub;
-    HDGUIStatus* m_status;
-    bool m_quiet;
+    HDGUIStatus& m_status;
+    bool m_isQuiet;
+    BeginPart m_begin;
 };

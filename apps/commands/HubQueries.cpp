@@ -3,7 +3,6 @@
 #include "ItemFilter.h"
 #include "NearNames.h"
 #include "ShellMsg.h"
-#include "UpdateDecision.h"
 
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlaz.h"
@@ -11,6 +10,7 @@
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/HSCPlazUpdateDecision.h"
 
 #include <algorithm>
 #include <unordered_map>
@@ -48,12 +48,15 @@ HSCPlazQItem* pickEntry(const std::vector<HSCPlazQItem*>& entries) {
     return picked == entries.end() ? nullptr : *picked;
 }
 
+bool isForOthers(const HSCPlazQItem& item) {
+    return item.getMode() == HSCPlazInstallationMode::tool;
+}
+
 /// The entry of one item that is to be updated; null when none has an update.
 HSCPlazQItem* pickOutdated(const std::vector<HSCPlazQItem*>& entries) {
     HSCPlazQItem* picked = nullptr;
     for (HSCPlazQItem* item : entries)
-        if (isOutdated(*item) &&
-            (!picked || (picked->getInstallationMode() == "tool" && item->getInstallationMode() != "tool")))
+        if (HSCPlazUpdateDecision::isOutdated(*item) && (!picked || (isForOthers(*picked) && !isForOthers(*item))))
             picked = item;
     return picked;
 }
@@ -85,7 +88,7 @@ ListedItem listed(HSCPlazQItem& item, const std::vector<HSCPlazQItem*>& entries)
     ListedItem line{&item, false, {}};
     for (const HSCPlazQItem* entry : entries) {
         if (entry->IsInstalled()) line.installedRevisions.push_back(entry->getRevision());
-        line.isOutdated = line.isOutdated || isOutdated(*entry);
+        line.isOutdated = line.isOutdated || HSCPlazUpdateDecision::isOutdated(*entry);
     }
     return line;
 }

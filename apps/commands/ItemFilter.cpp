@@ -2,13 +2,13 @@
 
 #include "Glob.h"
 #include "HubQueries.h"
-#include "UpdateDecision.h"
 #include "Utf8.h"
 
 #include "plaz/model/HSCPlazCategory.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/HSCPlazUpdateDecision.h"
 
 #include <algorithm>
 
@@ -60,7 +60,7 @@ bool ItemFilter::fits(const HSCPlazQItem& item) const {
 }
 
 bool ItemFilter::fitsState(const HSCPlazQItem& item) const {
-    return (!m_query.installed || item.IsInstalled()) && (!m_query.outdated || isOutdated(item));
+    return (!m_query.installed || item.IsInstalled()) && (!m_query.outdated || HSCPlazUpdateDecision::isOutdated(item));
 }
 
 bool ItemFilter::fitsCategory(const HSCPlazQItem& item) const {

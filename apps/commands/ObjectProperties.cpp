@@ -2,7 +2,6 @@
 
 #include "ItemReference.h"
 #include "StoreSummary.h"
-#include "UpdateDecision.h"
 
 #include "plaz/HSCPlazTaskMgr.h"
 #include "plaz/base/HSCPlazTrust.h"
@@ -10,6 +9,7 @@
 #include "plaz/model/HSCPlazQItemDependency.h"
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/HSCPlazUpdateDecision.h"
 
 #include <algorithm>
 #include <cstring>
@@ -115,7 +115,7 @@ template <> const std::vector<Property<Item>>& propertiesOf() {
         {"installed", "This revision is installed",
          [](const Item& item) -> PropertyValue { return item.IsInstalled(); }},
         {"outdated", "This revision is installed and has an update",
-         [](const Item& item) -> PropertyValue { return isOutdated(item); }},
+         [](const Item& item) -> PropertyValue { return HSCPlazUpdateDecision::isOutdated(item); }},
         {"installation_mode", "user for one that was asked for, tool for one that others need",
          [](const Item& item) -> PropertyValue { return item.getInstallationMode(); }},
         {"reference_count", "How many dependencies hold it",

@@ -11,11 +11,7 @@ inline constexpr MsgId<2> itemAmbiguous{"@17-2183@%s%s"};    ///< reference, can
 inline constexpr MsgId<2> revisionUnknown{"@17-2184@%s%s"};  ///< reference, candidates
 inline constexpr MsgId<2> severalInstalled{"@17-2185@%s%s"}; ///< reference, installed revisions
 inline constexpr MsgId<0> nothingToUpdate{"@17-2186@"};
-inline constexpr MsgId<2> filesNotValid{"@17-2187@%s%s"};  ///< how many, of how many
-inline constexpr MsgId<1> itemFetchedAgain{"@17-2188@%s"}; ///< display name
-inline constexpr MsgId<2> storeNotMoved{"@17-2192@%s%s"};  ///< store, directory
-inline constexpr MsgId<0> hubNotRefreshed{"@17-2194@"};
-inline constexpr MsgId<2> storeNotChecked{"@17-2195@%s%s"};   ///< store, why
+inline constexpr MsgId<2> filesNotValid{"@17-2187@%s%s"};     ///< how many, of how many
 inline constexpr MsgId<1> problemsFound{"@17-2196@%s"};       ///< how many
 inline constexpr MsgId<2> nothingFits{"@17-2197@%s%s"};       ///< "item" or "store", pattern
 inline constexpr MsgId<2> filterWrong{"@17-2198@%s%s"};       ///< character, what is wrong there

@@ -1,6 +1,6 @@
 #include "Actions.h"
 
-#include "ActOnEach.h"
+#include "HubActions.h"
 #include "HubQueries.h"
 #include "PythonMsg.h"
 
@@ -16,28 +16,31 @@ namespace py = pybind11;
 namespace {
 
 using Resolve = HSCPlazQItem& (HubQueries::*)(const ItemReference&, const std::string&) const;
+using Action = ItemsResult (HubActions::*)(const std::vector<HSCPlazQItem*>&) const;
 
-py::object toPython(const ActionResult& result) {
+py::object toPython(const HSCPlazItemResult& result) {
     return py::module_::import("plaz._results")
         .attr("ActionResult")(::toPython(result.store), ::toPython(result.name), ::toPython(result.revision),
                               ::toPython(result.previousRevision), ::toPython(result.directory),
-                              ActionResult::nameOf(result.outcome));
+                              HSCPlazItemResult::nameOf(result.outcome));
 }
 
-py::object toPython(const StoreResult& result) {
+py::object toPython(const HSCPlazStoreResult& result) {
     return py::module_::import("plaz._results")
-        .attr("StoreResult")(::toPython(result.store), result.outcome, ::toPython(result.directory), result.items);
+        .attr("StoreResult")(::toPython(result.store), HSCPlazStoreResult::nameOf(result.outcome),
+                             ::toPython(result.directory), result.items);
 }
 
-/// Does @p action to each and answers with what became of them. What fails does not stop the others.
-template <typename Native, typename Action>
-py::list act(Call& call, const std::vector<Native*>& natives, bool quiet, Action action) {
-    HubActions actions(call.getHub(), quiet, &call.getStatus());
-    const auto results = actOnEach(actions, natives, call.getStatus(), action,
-                                   [&](std::size_t, std::size_t) { call.getStatus().forgetProgress(); });
+HubActions makeActions(Call& call, bool quiet) {
+    return HubActions(call.getHub(), call.getStatus(), quiet,
+                      [&](std::size_t, std::size_t) { call.getStatus().forgetProgress(); });
+}
+
+/// What became of each part.
+template <typename Result> py::list answer(Call& call, const CommandResult<Result>& result) {
     py::list shown;
-    for (const auto& result : results) shown.append(toPython(result));
-    if (results.size() < natives.size() || !areDone(results)) call.fail(shown);
+    for (const Result& part : result.parts) shown.append(toPython(part));
+    if (!result.isDone) call.fail(result.reason, shown);
     return shown;
 }
 
@@ -66,28 +69,18 @@ std::vector<HSCPlazQItem*> resolveAll(const HubQueries& queries, const std::vect
     return items;
 }
 
-template <typename FromObject, typename Action>
+template <typename FromObject>
 py::list actOnItems(const py::object& items, const OptionalText& store, bool quiet, py::object progress,
                     Resolve resolve, FromObject fromObject, Action action) {
     const py::list given = listNamed(items);
     const std::vector<NamedItem> named = readItems(given);
     return callHub(
         [&](Call& call) {
-            const HubQueries queries(call.getHub());
-            return act(call, resolveAll(queries, named, store ? store->value : std::string(), resolve, fromObject),
-                       quiet, action);
+            const std::vector<HSCPlazQItem*> found =
+                resolveAll(HubQueries(call.getHub()), named, store ? store->value : std::string(), resolve, fromObject);
+            return answer(call, (makeActions(call, quiet).*action)(found));
         },
         std::move(progress));
-}
-
-py::list refreshWithHub(Call& call, const std::vector<std::string>& names) {
-    const auto failed = HubActions(call.getHub(), false, &call.getStatus()).refreshHub();
-    if (!failed) call.fail();
-    // The hub's refresh was for all: nothing that failed is passed over.
-    return act(call, HubQueries(call.getHub()).getStores(names, *failed), false,
-               [&](HubActions& actions, HSCPlazQStore& store) {
-                   return actions.describe(store, failed->count(store.getName()) == 0);
-               });
 }
 
 } // namespace
@@ -97,7 +90,8 @@ py::list install(const py::object& items, const OptionalText& store, bool quiet,
 }
 
 py::list uninstall(const py::object& items, const OptionalText& store, bool quiet, py::object progress) {
-    return actOnItems(items, store, quiet, std::move(progress), &HubQueries::resolveInstalled, itself, removeTogether);
+    return actOnItems(items, store, quiet, std::move(progress), &HubQueries::resolveInstalled, itself,
+                      &HubActions::uninstall);
 }
 
 py::list update(const py::object& items, const OptionalText& store, bool quiet, py::object progress) {
@@ -112,15 +106,17 @@ py::list refresh(const py::object& stores, bool hub, py::object progress) {
     return callHub(
         [&](Call& call) {
             if (isNothing) return py::list();
-            if (hub) return refreshWithHub(call, names);
-            return act(call, HubQueries(call.getHub()).getStores(names), false, &HubActions::refresh);
+            const HubActions actions = makeActions(call, false);
+            if (hub) return answer(call, actions.refreshHub(names));
+            return answer(call, actions.refresh(HubQueries(call.getHub()).getStores(names)));
         },
         std::move(progress));
 }
 
 py::object checkStore(const StoreHandle& store) {
     return callHub([&](Call& call) {
-        return py::object(act(call, std::vector<HSCPlazQStore*>{&store.get()}, false, &HubActions::check)[0]);
+        const std::vector<HSCPlazQStore*> stores{&store.get()};
+        return py::object(answer(call, makeActions(call, false).check(stores))[0]);
     });
 }
 

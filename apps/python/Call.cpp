@@ -9,7 +9,6 @@
 #include "support/HUTFork.h"
 #include "support/HUTWait.h"
 
-#include <algorithm>
 #include <thread>
 
 namespace py = pybind11;
@@ -124,14 +123,12 @@ void Call::finish() {
     if (m_raised) throw py::error_already_set(*m_raised);
 }
 
-void Call::fail(const py::list& results) {
+void Call::fail(const std::optional<ComMsgMgrInstance>& reason, const py::list& results) {
     leave();
     if (m_raised) finish();
     const Messages messages = std::exchange(m_messages, {});
-    const auto error = std::find_if(messages.begin(), messages.end(), isError);
-    if (!m_status.isCanceled() && error != messages.end()) raiseError(*error, messages, results);
-    const MsgId<0>& reason = m_status.isCanceled() ? ShellMsg::cancelled : PythonMsg::callFailed;
-    raiseError(HEXAll(message(reason)), messages, results);
+    if (m_status.isCanceled()) raiseError(HEXAll(message(ShellMsg::cancelled)), messages, results);
+    raiseError(HEXAll(reason ? *reason : message(PythonMsg::callFailed)), messages, results);
 }
 
 void Call::fail(const HEXAll& failure) {

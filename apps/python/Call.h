@@ -42,8 +42,8 @@ public:
     /// Ends the call: the errors sent are logged, then what a callback or a handler of the log raised is raised.
     void finish();
     /// Ends it with the exception that tells why an action failed: what a callback raised, that the call was cancelled,
-    /// or the first error sent.
-    [[noreturn]] void fail(const pybind11::list& results = pybind11::list());
+    /// or @p reason.
+    [[noreturn]] void fail(const std::optional<ComMsgMgrInstance>& reason, const pybind11::list& results);
     /// Ends it with what the hub threw.
     [[noreturn]] void fail(const HEXAll& failure);
 

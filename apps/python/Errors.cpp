@@ -60,10 +60,6 @@ py::str toPython(const std::string& text) {
     return py::reinterpret_steal<py::str>(decoded);
 }
 
-void raiseError(const ComMsgMgr::Message& reason, const Messages& messages, const py::list& results) {
-    raise(reason.id, reason.text, messages, results);
-}
-
 void raiseError(const HEXAll& reason, const Messages& messages, const py::list& results) {
     raise(reason.getMsg().getId(), reason.what(), messages, results);
 }

@@ -12,7 +12,6 @@ using Messages = std::vector<ComMsgMgr::Message>;
 ///
 /// @param messages  all messages of the call that failed
 /// @param results   what became of each item or store that the call had come to
-[[noreturn]] void raiseError(const ComMsgMgr::Message& reason, const Messages& messages, const pybind11::list& results);
 [[noreturn]] void raiseError(const HEXAll& reason, const Messages& messages = {},
                              const pybind11::list& results = pybind11::list());
 

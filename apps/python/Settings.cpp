@@ -6,6 +6,7 @@
 
 #include "support/HCCXPrefMgr.h"
 #include "support/HPAParamMgr.h"
+#include "support/HostMsg.h"
 
 namespace py = pybind11;
 
@@ -105,7 +106,8 @@ void setPreference(const py::object& name, const py::object& values) {
         preferences.setVal(wanted, texts);
         if (HCCXPrefUtils::savePreferences()) return true;
         preferences.setVal(wanted, before);
-        call.fail();
+        call.fail(ComMsgMgrInstance(__FILE__, __LINE__, "common", HostMsg::preferencesNotSaved, HCCXPrefMgr::getFile()),
+                  py::list());
     });
 }
 

@@ -150,13 +150,13 @@ void fillRevision(Object& object, const HSCPlazRevisionModel& revision) {
     object.text("revision", revision.revision).text("commit_id", revision.commitId).text("history", revision.history);
 }
 
-void fillAction(Object& object, const ActionResult& result) {
+void fillAction(Object& object, const HSCPlazItemResult& result) {
     object.text("store", result.store).text("name", result.name).text("revision", result.revision);
     if (!result.previousRevision.empty()) object.text("previous_revision", result.previousRevision);
-    object.text("outcome", ActionResult::nameOf(result.outcome)).text("local_directory", result.directory);
+    object.text("outcome", HSCPlazItemResult::nameOf(result.outcome)).text("local_directory", result.directory);
 }
 
-void fillPath(Object& object, const PathInForce& path) {
+void fillPath(Object& object, const HSCPlazPathsInForce::Path& path) {
     object.text("name", path.name).text("path", path.path).text("chosen_by", path.chosen).flag("exists", path.exists);
 }
 
@@ -169,7 +169,7 @@ void fillParam(Object& object, const HPAParam* param) {
         .flag("hidden", param->isHidden());
 }
 
-void fillCheck(Object& object, const FileCheck& check) {
+void fillCheck(Object& object, const HSCPlazFileCheck& check) {
     object.text("file", check.file)
         .text("kind", check.kind)
         .text("schema", check.schema)
@@ -227,22 +227,24 @@ void JsonOutput::showItem(const ItemInfo& info) {
     add(m_document, "item", std::move(object.get()));
 }
 
-void JsonOutput::showActions(const std::vector<ActionResult>& results) {
+void JsonOutput::showActions(const std::vector<HSCPlazItemResult>& results) {
     add(m_document, "items", arrayOf(m_document, results, fillAction));
 }
 
-void JsonOutput::showStoreResults(const std::vector<StoreResult>& results) {
-    add(m_document, "qstores", arrayOf(m_document, results, [](Object& object, const StoreResult& result) {
+void JsonOutput::showStoreResults(const std::vector<HSCPlazStoreResult>& results) {
+    add(m_document, "qstores", arrayOf(m_document, results, [](Object& object, const HSCPlazStoreResult& result) {
             object.text("name", result.store)
-                .text("outcome", result.outcome)
+                .text("outcome", HSCPlazStoreResult::nameOf(result.outcome))
                 .text("local_directory", result.directory)
                 .number("items", static_cast<int>(result.items));
         }));
 }
 
-void JsonOutput::showPaths(const std::vector<PathInForce>& hub, const std::vector<StorePaths>& stores) {
+void JsonOutput::showPaths(const std::vector<HSCPlazPathsInForce::Path>& hub,
+                           const std::vector<HSCPlazPathsInForce::StorePaths>& stores) {
     add(m_document, "paths", arrayOf(m_document, hub, fillPath));
-    add(m_document, "qstores", arrayOf(m_document, stores, [this](Object& object, const StorePaths& store) {
+    add(m_document, "qstores",
+        arrayOf(m_document, stores, [this](Object& object, const HSCPlazPathsInForce::StorePaths& store) {
             object.text("name", store.store).value("paths", arrayOf(m_document, store.paths, fillPath));
         }));
 }
@@ -255,7 +257,7 @@ void JsonOutput::showFindings(const std::vector<Finding>& findings) {
     add(m_document, "checks", arrayOf(m_document, findings, fillFinding));
 }
 
-void JsonOutput::showChecks(const std::vector<FileCheck>& checks) {
+void JsonOutput::showChecks(const std::vector<HSCPlazFileCheck>& checks) {
     add(m_document, "files", arrayOf(m_document, checks, fillCheck));
 }
 

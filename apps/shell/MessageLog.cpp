@@ -2,7 +2,6 @@
 
 #include "ProgressLine.h"
 
-#include <algorithm>
 #include <iostream>
 
 MessageLog::MessageLog(ProgressLine& progress, bool quiet)
@@ -11,12 +10,6 @@ MessageLog::MessageLog(ProgressLine& progress, bool quiet)
 
 MessageLog::~MessageLog() {
     ComMsgMgr::setSink(m_before);
-}
-
-std::string MessageLog::getFirstError() const {
-    const auto found = std::find_if(m_messages.begin(), m_messages.end(),
-                                    [](const ComMsgMgr::Message& message) { return message.label == "ERROR"; });
-    return found == m_messages.end() ? std::string() : found->text;
 }
 
 void MessageLog::take(const ComMsgMgr::Message& message) {

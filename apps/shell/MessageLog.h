@@ -2,7 +2,6 @@
 
 #include "support/ComMsgMgr.h"
 
-#include <string>
 #include <vector>
 
 class ProgressLine;
@@ -18,8 +17,6 @@ public:
     MessageLog& operator=(const MessageLog&) = delete;
 
     const std::vector<ComMsgMgr::Message>& getMessages() const { return m_messages; }
-    /// Text of the first error; empty when there was none.
-    std::string getFirstError() const;
 
 private:
     void take(const ComMsgMgr::Message& message);

@@ -1,11 +1,11 @@
 #pragma once
 
 #include "Doctor.h"
-#include "FileCheck.h"
-#include "HubActions.h"
-#include "HubPaths.h"
 #include "HubQueries.h"
 
+#include "plaz/HSCPlazPathsInForce.h"
+#include "plaz/model/reader/HSCPlazFileCheck.h"
+#include "plaz/tasks/HSCPlazTaskResult.h"
 #include "support/ComMsgMgr.h"
 
 #include <string>
@@ -21,12 +21,13 @@ public:
     virtual void showStores(const std::vector<HSCPlazQStore*>& stores) = 0;
     virtual void showItems(const std::vector<ListedItem>& items) = 0;
     virtual void showItem(const ItemInfo& info) = 0;
-    virtual void showActions(const std::vector<ActionResult>& results) = 0;
-    virtual void showStoreResults(const std::vector<StoreResult>& results) = 0;
-    virtual void showPaths(const std::vector<PathInForce>& hub, const std::vector<StorePaths>& stores) = 0;
+    virtual void showActions(const std::vector<HSCPlazItemResult>& results) = 0;
+    virtual void showStoreResults(const std::vector<HSCPlazStoreResult>& results) = 0;
+    virtual void showPaths(const std::vector<HSCPlazPathsInForce::Path>& hub,
+                           const std::vector<HSCPlazPathsInForce::StorePaths>& stores) = 0;
     virtual void showParams(const std::vector<const HPAParam*>& params) = 0;
     virtual void showFindings(const std::vector<Finding>& findings) = 0;
-    virtual void showChecks(const std::vector<FileCheck>& checks) = 0;
+    virtual void showChecks(const std::vector<HSCPlazFileCheck>& checks) = 0;
     /// Help ("help") or version ("version").
     virtual void showText(const std::string& kind, const std::string& text) = 0;
 

@@ -1,6 +1,5 @@
 #include "Program.h"
 
-#include "ActOnEach.h"
 #include "HubParams.h"
 #include "JsonOutput.h"
 #include "ShellMsg.h"
@@ -29,6 +28,10 @@ namespace {
 struct Stop {
     int status;
 };
+
+template <std::size_t Arity, typename... Args> ComMsgMgrInstance message(const MsgId<Arity>& id, const Args&... args) {
+    return {__FILE__, __LINE__, "common", id, args...};
+}
 
 std::unique_ptr<Output> makeOutput(const Options& options) {
     if (options.json) return std::make_unique<JsonOutput>(std::cout);
@@ -80,7 +83,7 @@ int Program::run() {
     }
     HUTEnv::setProduct(m_options.product, m_options.productVersion);
     const int status = runDiverted();
-    return finish(status, status == exitStatus::done ? "" : m_log.getFirstError());
+    return finish(status, m_failure);
 }
 
 int Program::refuse(const std::string& problem) {
@@ -107,12 +110,12 @@ int Program::runDiverted() {
     } catch (const Stop& stop) {
         status = stop.status;
     } catch (const HEXAll& failure) {
-        ComMsgMgr::send(failure);
+        fail(failure.getMsg());
     } catch (const std::exception& failure) {
-        ComMsgMgr::send(Msg::unexpectedFailure, MsgSeverity::error, failure.what());
+        fail(message(Msg::unexpectedFailure, failure.what()));
     }
     if (status == exitStatus::done || !m_status.isCanceled()) return status;
-    ComMsgMgr::send(ShellMsg::cancelled, MsgSeverity::error);
+    fail(message(ShellMsg::cancelled));
     return exitStatus::cancelled;
 }
 
@@ -129,8 +132,15 @@ int Program::runCommand() {
 HSCPlaz& Program::getHub() {
     HSCPlaz& hub = HSCPlazMgr::getInstance().getHub();
     if (m_status.isCanceled()) throw Stop{exitStatus::cancelled};
-    if (!HubQueries(hub).hasHub()) throw Stop{exitStatus::failed};
-    return hub;
+    if (HubQueries(hub).hasHub()) return hub;
+    m_failure = message(ShellMsg::hubNotFound).getMessage(); // what was sent says more
+    throw Stop{exitStatus::failed};
+}
+
+int Program::fail(const ComMsgMgrInstance& reason) {
+    ComMsgMgr::send(reason, MsgSeverity::error);
+    if (m_failure.empty()) m_failure = reason.getMessage();
+    return exitStatus::failed;
 }
 
 int Program::runStores() {
@@ -160,77 +170,65 @@ template <typename Resolve> std::vector<HSCPlazQItem*> Program::resolveAll(Resol
     return items;
 }
 
-template <typename Action> int Program::act(const std::vector<HSCPlazQItem*>& items, Action action) {
-    const auto results = actOnAll(items, action);
-    m_output->showActions(results);
-    return results.size() == items.size() && areDone(results) ? exitStatus::done : exitStatus::failed;
+HubActions Program::makeActions() {
+    return HubActions(getHub(), m_status, m_options.quiet,
+                      [this](std::size_t number, std::size_t count) { m_progress.beginPart(number, count); });
 }
 
-template <typename Subject, typename Action>
-auto Program::actOnAll(const std::vector<Subject*>& subjects, Action action) {
-    HubActions actions(getHub(), m_options.quiet, &m_status);
-    auto results = actOnEach(actions, subjects, m_status, action,
-                             [this](std::size_t number, std::size_t count) { m_progress.beginPart(number, count); });
+template <typename Result> int Program::conclude(const CommandResult<Result>& result) {
+    if (result.isDone) return exitStatus::done;
+    if (result.reason) m_failure = result.reason->getMessage();
+    return exitStatus::failed;
+}
+
+int Program::show(const ItemsResult& result) {
     m_progress.erase();
-    return results;
+    m_output->showActions(result.parts);
+    return conclude(result);
+}
+
+int Program::show(const StoresResult& result) {
+    m_progress.erase();
+    m_output->showStoreResults(result.parts);
+    return conclude(result);
 }
 
 std::vector<HSCPlazQStore*> Program::getStores() {
     return HubQueries(getHub()).getStores(m_options.stores);
 }
 
-template <typename Action> int Program::actOnStores(const std::vector<HSCPlazQStore*>& stores, Action action) {
-    const auto results = actOnAll(stores, action);
-    m_output->showStoreResults(results);
-    return results.size() == stores.size() && areDone(results) ? exitStatus::done : exitStatus::failed;
-}
-
 int Program::runRefresh() {
-    return m_options.hub ? refreshWithHub() : actOnStores(getStores(), &HubActions::refresh);
-}
-
-int Program::refreshWithHub() {
-    const auto failed = HubActions(getHub(), m_options.quiet, &m_status).refreshHub();
-    if (!failed) {
-        m_output->showStoreResults({});
-        return exitStatus::failed;
-    }
-    // The hub's refresh was for all: nothing that failed is passed over.
-    return actOnStores(HubQueries(getHub()).getStores(m_options.stores, *failed),
-                       [&](HubActions& actions, HSCPlazQStore& store) {
-                           return actions.describe(store, failed->count(store.getName()) == 0);
-                       });
+    return show(m_options.hub ? makeActions().refreshHub(m_options.stores) : makeActions().refresh(getStores()));
 }
 
 int Program::runCheck() {
-    return actOnStores(getStores(), &HubActions::check);
+    return show(makeActions().check(getStores()));
 }
 
 int Program::runRelocate() {
     HSCPlazQStore* store = HubQueries(getHub()).getScope(m_options.store).front();
-    const StoreResult result = HubActions(getHub(), m_options.quiet, &m_status).relocate(*store, m_options.directory);
-    m_output->showStoreResults({result});
-    return result.isDone ? exitStatus::done : exitStatus::failed;
+    return show(makeActions().relocate(*store, m_options.directory));
 }
 
 int Program::runInstall() {
-    return act(resolveAll(&HubQueries::resolve), &HubActions::install);
+    return show(makeActions().install(resolveAll(&HubQueries::resolve)));
 }
 
 int Program::runUninstall() {
-    return act(resolveAll(&HubQueries::resolveInstalled), removeTogether);
+    return show(makeActions().uninstall(resolveAll(&HubQueries::resolveInstalled)));
 }
 
 int Program::runUpdate() {
-    if (!m_options.all) return act(resolveAll(&HubQueries::resolveForUpdate), &HubActions::update);
+    if (!m_options.all) return show(makeActions().update(resolveAll(&HubQueries::resolveForUpdate)));
     const std::vector<HSCPlazQItem*> outdated = HubQueries(getHub()).findOutdated();
     if (outdated.empty()) ComMsgMgr::send(ShellMsg::nothingToUpdate, MsgSeverity::info);
-    return act(outdated, &HubActions::update);
+    return show(makeActions().update(outdated));
 }
 
 int Program::runPaths() {
-    const std::vector<StorePaths> stores = findStorePaths(HSCPlazMgr::getInstance().getHub());
-    m_output->showPaths(findHubPaths(), stores);
+    const std::vector<HSCPlazPathsInForce::StorePaths> stores =
+        HSCPlazPathsInForce::ofStores(HSCPlazMgr::getInstance().getHub());
+    m_output->showPaths(HSCPlazPathsInForce::ofHub(), stores);
     return exitStatus::done;
 }
 
@@ -245,8 +243,7 @@ int Program::runDoctor() {
     });
     if (m_status.isCanceled()) return exitStatus::failed;
     if (problems == 0) return exitStatus::done;
-    ComMsgMgr::send(ShellMsg::problemsFound, MsgSeverity::error, std::to_string(problems));
-    return exitStatus::failed;
+    return fail(message(ShellMsg::problemsFound, std::to_string(problems)));
 }
 
 int Program::runShell() {
@@ -259,12 +256,11 @@ int Program::runParams() {
 }
 
 int Program::runValidate() {
-    std::vector<FileCheck> checks;
-    for (const std::string& file : m_options.files) checks.push_back(FileCheck::of(file));
+    std::vector<HSCPlazFileCheck> checks;
+    for (const std::string& file : m_options.files) checks.push_back(HSCPlazFileCheck::of(file));
     m_output->showChecks(checks);
     const auto bad =
-        std::count_if(checks.begin(), checks.end(), [](const FileCheck& check) { return !check.isValid(); });
+        std::count_if(checks.begin(), checks.end(), [](const HSCPlazFileCheck& check) { return !check.isValid(); });
     if (bad == 0) return exitStatus::done;
-    ComMsgMgr::send(ShellMsg::filesNotValid, MsgSeverity::error, std::to_string(bad), std::to_string(checks.size()));
-    return exitStatus::failed;
+    return fail(message(ShellMsg::filesNotValid, std::to_string(bad), std::to_string(checks.size())));
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "CommandLine.h"
+#include "HubActions.h"
 #include "MessageLog.h"
 #include "Output.h"
 #include "ProgressLine.h"
@@ -33,11 +34,9 @@ private:
     int runInfo();
     int runRefresh();
     int runCheck();
-    int refreshWithHub();
     /// The stores named, or all.
     std::vector<HSCPlazQStore*> getStores();
-    /// Does @p action(HubActions, store) to each store until the run is cancelled, and shows what became of them.
-    template <typename Action> int actOnStores(const std::vector<HSCPlazQStore*>& stores, Action action);
+    HubActions makeActions();
     int runRelocate();
     int runInstall();
     int runUninstall();
@@ -54,10 +53,13 @@ private:
     /// Every item of the command line, once each, as @p resolve of HubQueries understands it; all before any is
     /// touched.
     template <typename Resolve> std::vector<HSCPlazQItem*> resolveAll(Resolve resolve);
-    /// Does @p action of HubActions to each until the run is cancelled. @return what became of them
-    template <typename Subject, typename Action> auto actOnAll(const std::vector<Subject*>& subjects, Action action);
-    /// Does it to items, and shows what became of them.
-    template <typename Action> int act(const std::vector<HSCPlazQItem*>& items, Action action);
+    /// Show what became of a command.
+    int show(const ItemsResult& result);
+    int show(const StoresResult& result);
+    /// @return the exit status of a command that has come to that
+    template <typename Result> int conclude(const CommandResult<Result>& result);
+    /// Sends why the command failed, and keeps it for its answer.
+    int fail(const ComMsgMgrInstance& reason);
 
     CommandLine m_line;
     const Options& m_options;
@@ -65,4 +67,5 @@ private:
     ProgressLine m_progress;
     MessageLog m_log;
     std::unique_ptr<Output> m_output;
+    std::string m_failure; ///< why the command failed; empty where that is not known
 };

@@ -35,7 +35,7 @@ std::string stateOf(const ListedItem& listed) {
     if (!item.IsInstalled())
         return (listed.isOutdated ? "outdated (" : "installed (") + join(listed.installedRevisions) + ")";
     if (listed.isOutdated) return "outdated";
-    return item.getInstallationMode() == "tool" ? "dependency" : "installed";
+    return item.getMode() == HSCPlazInstallationMode::tool ? "dependency" : "installed";
 }
 
 void addField(TextTable& table, const std::string& name, const std::string& value) {
@@ -124,37 +124,39 @@ void TextOutput::showRevisions(const HSCPlazQItem& item) {
     table.print(m_out);
 }
 
-void TextOutput::showActions(const std::vector<ActionResult>& results) {
+void TextOutput::showActions(const std::vector<HSCPlazItemResult>& results) {
     if (m_quiet) return;
     TextTable table({});
-    for (const ActionResult& result : results) {
+    for (const HSCPlazItemResult& result : results) {
         std::string what = ItemReference{result.store, result.name, result.revision}.toText();
         if (!result.previousRevision.empty() && result.previousRevision != result.revision)
             what += " (was " + result.previousRevision + ")";
-        table.addRow({ActionResult::nameOf(result.outcome), what, result.directory});
+        table.addRow({HSCPlazItemResult::nameOf(result.outcome), what, result.directory});
     }
     table.print(m_out);
 }
 
-void TextOutput::showStoreResults(const std::vector<StoreResult>& results) {
+void TextOutput::showStoreResults(const std::vector<HSCPlazStoreResult>& results) {
     if (m_quiet) return;
     TextTable table({});
-    for (const StoreResult& result : results)
-        table.addRow({result.outcome, result.store, std::to_string(result.items) + " items", result.directory});
+    for (const HSCPlazStoreResult& result : results)
+        table.addRow({HSCPlazStoreResult::nameOf(result.outcome), result.store, std::to_string(result.items) + " items",
+                      result.directory});
     table.print(m_out);
 }
 
-void TextOutput::showPaths(const std::vector<PathInForce>& hub, const std::vector<StorePaths>& stores) {
+void TextOutput::showPaths(const std::vector<HSCPlazPathsInForce::Path>& hub,
+                           const std::vector<HSCPlazPathsInForce::StorePaths>& stores) {
     showPathList(hub);
-    for (const StorePaths& store : stores) {
+    for (const HSCPlazPathsInForce::StorePaths& store : stores) {
         m_out << "\nStore " << utf8::printable(store.store) << '\n';
         showPathList(store.paths);
     }
 }
 
-void TextOutput::showPathList(const std::vector<PathInForce>& paths) {
+void TextOutput::showPathList(const std::vector<HSCPlazPathsInForce::Path>& paths) {
     TextTable table({});
-    for (const PathInForce& path : paths)
+    for (const HSCPlazPathsInForce::Path& path : paths)
         table.addRow({path.name, path.path.empty() ? "-" : path.path + (path.exists ? "" : " (missing)"), path.chosen});
     table.print(m_out);
 }
@@ -180,8 +182,8 @@ void TextOutput::showFindings(const std::vector<Finding>& findings) {
           << " with a warning, " << counts[Finding::State::problem] << " with a problem\n";
 }
 
-void TextOutput::showChecks(const std::vector<FileCheck>& checks) {
-    for (const FileCheck& check : checks) {
+void TextOutput::showChecks(const std::vector<HSCPlazFileCheck>& checks) {
+    for (const HSCPlazFileCheck& check : checks) {
         m_out << utf8::printable(check.file) << ": " << (check.isValid() ? "valid" : "not valid");
         if (!check.kind.empty()) m_out << " (" << check.kind << ")";
         m_out << '\n';

@@ -14,17 +14,18 @@ public:
     void showStores(const std::vector<HSCPlazQStore*>& stores) override;
     void showItems(const std::vector<ListedItem>& items) override;
     void showItem(const ItemInfo& info) override;
-    void showActions(const std::vector<ActionResult>& results) override;
-    void showStoreResults(const std::vector<StoreResult>& results) override;
-    void showPaths(const std::vector<PathInForce>& hub, const std::vector<StorePaths>& stores) override;
+    void showActions(const std::vector<HSCPlazItemResult>& results) override;
+    void showStoreResults(const std::vector<HSCPlazStoreResult>& results) override;
+    void showPaths(const std::vector<HSCPlazPathsInForce::Path>& hub,
+                   const std::vector<HSCPlazPathsInForce::StorePaths>& stores) override;
     void showParams(const std::vector<const HPAParam*>& params) override;
     void showFindings(const std::vector<Finding>& findings) override;
-    void showChecks(const std::vector<FileCheck>& checks) override;
+    void showChecks(const std::vector<HSCPlazFileCheck>& checks) override;
     void showText(const std::string& kind, const std::string& text) override;
     bool finish(const std::string& error, const std::vector<ComMsgMgr::Message>& messages) override;
 
 private:
-    void showPathList(const std::vector<PathInForce>& paths);
+    void showPathList(const std::vector<HSCPlazPathsInForce::Path>& paths);
     void showDescription(const ItemInfo& info);
     void showRelations(const ItemInfo& info);
     void showRevisions(const HSCPlazQItem& item);

@@ -1,6 +1,5 @@
-#include "ActOnEach.h"
+#include "HubActions.h"
 #include "HubQueries.h"
-#include "MessageWatch.h"
 #include "ShellMsg.h"
 #include "TclCall.h"
 #include "TclObjects.h"
@@ -9,6 +8,7 @@
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
+#include "support/HDGUIStatus.h"
 
 #include <algorithm>
 
@@ -26,23 +26,21 @@ template <typename Native> void addOnce(std::vector<Native*>& natives, Native& n
     failTcl("CANCELLED", ShellMsg::cancelled);
 }
 
-/// Ends a command of which something failed, with the first error that was sent meanwhile.
-[[noreturn]] void failAction(const TclCall& call, const MessageWatch& watch) {
-    if (call.getStatus().isCanceled()) failCancelled();
-    const ComMsgMgr::Message* error = watch.getFirstError();
-    if (!error) failTcl("", Msg::unexpectedFailure, "no reason was given");
-    throw TclFailure{error->text, error->id};
+HubActions makeActions(const TclCall& call) {
+    return HubActions(requireHub(), call.getStatus(), call.has("-quiet"));
 }
 
-/// Does @p action to all. @return how many that were
-/// @param watch  began with the command
-template <typename Native, typename Action>
-Tcl_Obj* act(const TclCall& call, const std::vector<Native*>& natives, Action action, const MessageWatch& watch) {
+/// The result of a command is how many parts it had; one of which something failed ends with the reason.
+template <typename Result> Tcl_Obj* answer(const TclCall& call, const CommandResult<Result>& result) {
+    if (result.isDone) return Tcl_NewIntObj(static_cast<int>(result.parts.size()));
+    if (call.getStatus().isCanceled()) failCancelled();
+    if (!result.reason) failTcl("", Msg::unexpectedFailure, "no reason was given");
+    throw TclFailure{result.reason->getMessage(), result.reason->getId()};
+}
+
+template <typename Native> const std::vector<Native*>& requireSome(const std::vector<Native*>& natives) {
     if (natives.empty()) failTcl("", ShellMsg::nothingNamed);
-    HubActions actions(requireHub(), call.has("-quiet"), &call.getStatus());
-    const auto results = actOnEach(actions, natives, call.getStatus(), action, {});
-    if (results.size() < natives.size() || !areDone(results)) failAction(call, watch);
-    return Tcl_NewIntObj(static_cast<int>(results.size()));
+    return natives;
 }
 
 std::vector<Meant> readItems(const TclCall& call) {
@@ -53,7 +51,7 @@ std::vector<Meant> readItems(const TclCall& call) {
 Tcl_Obj* install(const TclCall& call) {
     Items items;
     for (const Meant& meant : readItems(call)) addOnce(items, requireItem(meant));
-    return act(call, items, &HubActions::install, MessageWatch(call.has("-quiet")));
+    return answer(call, makeActions(call).install(requireSome(items)));
 }
 
 bool hasInstalled(const HSCPlazQItem& item) {
@@ -88,23 +86,13 @@ Items resolveInstalled(const TclCall& call, Resolve resolve) {
 }
 
 Tcl_Obj* uninstall(const TclCall& call) {
-    return act(call, resolveInstalled(call, &HubQueries::resolveInstalled), removeTogether,
-               MessageWatch(call.has("-quiet")));
+    const Items items = resolveInstalled(call, &HubQueries::resolveInstalled);
+    return answer(call, makeActions(call).uninstall(requireSome(items)));
 }
 
 Tcl_Obj* update(const TclCall& call) {
-    return act(call, resolveInstalled(call, &HubQueries::resolveForUpdate), &HubActions::update,
-               MessageWatch(call.has("-quiet")));
-}
-
-Tcl_Obj* refreshHub(const TclCall& call, const std::vector<std::string>& names) {
-    const MessageWatch watch(call.has("-quiet"));
-    const auto failed = HubActions(requireHub(), call.has("-quiet"), &call.getStatus()).refreshHub();
-    if (!failed) failAction(call, watch);
-    const auto describe = [&](HubActions& actions, HSCPlazQStore& store) {
-        return actions.describe(store, failed->count(store.getName()) == 0);
-    };
-    return act(call, HubQueries(requireHub()).getStores(names, *failed), describe, watch);
+    const Items items = resolveInstalled(call, &HubQueries::resolveForUpdate);
+    return answer(call, makeActions(call).update(requireSome(items)));
 }
 
 Tcl_Obj* refresh(const TclCall& call) {
@@ -117,9 +105,8 @@ Tcl_Obj* refresh(const TclCall& call) {
         if (!isHub) addOnce(stores, requireStore(meant));
     }
     if (!words.empty() && names.empty()) failTcl("", ShellMsg::nothingNamed);
-    if (isHub) return refreshHub(call, names); // a name may be one that the hub learns of only then
-    return act(call, words.empty() ? requireHub().getStores() : stores, &HubActions::refresh,
-               MessageWatch(call.has("-quiet")));
+    if (isHub) return answer(call, makeActions(call).refreshHub(names));
+    return answer(call, makeActions(call).refresh(requireSome(words.empty() ? requireHub().getStores() : stores)));
 }
 
 TclCommand actionCommand(const char* name, const char* description, Tcl_Obj* (*run)(const TclCall&)) {

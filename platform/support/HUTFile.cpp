@@ -262,6 +262,10 @@ bool HUTFile::rename(const std::string& from, const std::string& to) {
     return platform::rename(from, to);
 }
 
+std::string HUTFile::getTemporaryName(const std::string& ending) {
+    return (fs::temp_directory_path() / fs::unique_path("plaz-%%%%-%%%%-%%%%")).generic_string() + ending;
+}
+
 std::string HUTFile::getNameKey(const std::string& name) {
     return platform::getNameKey(name);
 }

@@ -87,6 +87,10 @@ public:
     /// process holds open is tried again for a while where that stands in the way.
     static bool rename(const std::string& from, const std::string& to);
 
+    /// A name in the system's temporary directory that nothing has yet; nobody can guess it.
+    /// @param ending  what it ends in, such as ".log"
+    static std::string getTemporaryName(const std::string& ending = "");
+
     /// Equal for two names exactly when the system's disks take one for the other, such as "Led" and "led".
     static std::string getNameKey(const std::string& name);
 };

@@ -6,10 +6,12 @@ import subprocess
 import sys
 
 EXPORTED = {
-    "HSCPlaz", "HSCPlazBaseModel", "HSCPlazCategory", "HSCPlazConfigMgr", "HSCPlazGit", "HSCPlazJsonReadWriteUtils",
-    "HSCPlazLocalDBMgr", "HSCPlazLogger", "HSCPlazMgr", "HSCPlazModel", "HSCPlazPathMgr", "HSCPlazQItem",
+    "HSCPlaz", "HSCPlazBaseModel", "HSCPlazCategory", "HSCPlazConfigMgr", "HSCPlazFileCheck", "HSCPlazGit",
+    "HSCPlazInspection", "HSCPlazItemResult", "HSCPlazJsonReadWriteUtils", "HSCPlazLocalDBMgr", "HSCPlazLogger",
+    "HSCPlazMgr", "HSCPlazModel", "HSCPlazPathMgr", "HSCPlazPathsInForce", "HSCPlazProduct", "HSCPlazQItem",
     "HSCPlazQItemModel", "HSCPlazQStore", "HSCPlazQStoreModel", "HSCPlazRepoFactory", "HSCPlazRepoInfoMgr",
-    "HSCPlazSwigIntf", "HSCPlazTaskMgr", "HSCPlazTrust", "HSCPlazUserPref", "HSCPlazUtils",
+    "HSCPlazReport", "HSCPlazStoreLayout", "HSCPlazStoreResult", "HSCPlazSwigIntf", "HSCPlazTaskMgr", "HSCPlazTrust",
+    "HSCPlazUpdateDecision", "HSCPlazUserPref", "HSCPlazUtils",
     "hdi::pyinfra::py_native_cache", "hdi::tcltasks::native_cache", "operator<<", "plaz_startup"}
 
 lines = subprocess.run(["nm", "-DC", "--defined-only", sys.argv[1]], check=True, capture_output=True,

@@ -2,6 +2,7 @@
 
 #include "plaz/model/HSCPlazModel.h"
 #include "plaz/model/repo/git/HSCPlazGitCredentials.h"
+#include "plaz/model/repo/git/HSCPlazGitUpdateCheck.h"
 #include "plaz/pref/HSCPlazPathMgr.h"
 #include "plaz/tasks/HSCPlazTask.h"
 #include "support/HCCXPrefMgr.h"
@@ -30,6 +31,10 @@ protected:
     void configureCredentials() {
         configure("\"remote_repository\": " + repository(hubUrl, "hub", "s3cr3t-h") + ", \"qstores\": [" +
                   repository(url, "me@x", "s3cr3t/:en") + "]");
+    }
+    static HSCPlazGitCredentials chooseFor(const std::string& storeType, const std::string& address) {
+        return HSCPlazGitCredentials::choose(storeType, address,
+                                             HSCPlazMgr::getInstance().getConfigMgr()->getConfigModel());
     }
     bool load(HSCPlazBaseModel& owner) {
         return git.loadCatalog(&owner, HSCPlazMgr::getInstance().getPathMgr(), {"catalog.json"});
@@ -106,7 +111,7 @@ TEST_F(GitAccess, CredentialsAreRecordedAndNeverSeen) {
 // Faults: a store that sends its URL elsewhere gets somebody's token; the board's own token is not preferred.
 TEST_F(GitAccess, CredentialsGoOnlyWhereTheyBelong) {
     configureCredentials();
-    EXPECT_EQ(HSCPlazGitCredentials::choose("board", url).token, "s3cr3t/:en");
+    EXPECT_EQ(chooseFor("board", url).token, "s3cr3t/:en");
     setParam("plaz.git_user.board_store", "boss");
     const std::tuple<const char*, const char*, const char*> cases[] = {{"", url, "me@x"},
                                                                        {"", "https://other@host.test/store", "me@x"},
@@ -116,13 +121,14 @@ TEST_F(GitAccess, CredentialsGoOnlyWhereTheyBelong) {
                                                                        {"", "https://hub.test.evil/any", ""},
                                                                        {"", "https://x@evil.test/@hub.test/hub", ""},
                                                                        {"board", "https://any.test/b", "boss"}};
-    for (const auto& [storeType, asked, user] : cases)
-        EXPECT_EQ(HSCPlazGitCredentials::choose(storeType, asked).userId, user) << asked;
+    for (const auto& [storeType, asked, user] : cases) EXPECT_EQ(chooseFor(storeType, asked).userId, user) << asked;
 }
 
 // Faults: characters of a token that end the user part early; credentials for a transport that takes none.
 TEST(GitUrl, TakesCredentials) {
-    using HSCPlazGitUrl::withCredentials;
+    const auto withCredentials = [](const char* address, const HSCPlazGitCredentials& credentials) {
+        return credentials.putInto(address);
+    };
     EXPECT_EQ(withCredentials("https://h/p", {"a:b", "c/@ %\xC3\xA9"}), "https://a%3Ab:c%2F%40%20%25%C3%A9@h/p");
     EXPECT_EQ(withCredentials("HTTP://old:one@h", {"", "t"}), "HTTP://:t@h");
     EXPECT_EQ(withCredentials("https://h/p@q", {"u", ""}), "https://u@h/p@q");
@@ -295,8 +301,8 @@ TEST_F(GitAccess, UpdateCheckReadsWhatGitPrints) {
         replaceGit("[ $1 = log ] || { printf '" + heads + "'; exit; }; echo '" + log + "'");
         EXPECT_EQ(HSCPlazGit::hasUpdate(clone, "/r", "", branch), result) << log << heads;
         EXPECT_EQ(takeCalls(), "log --oneline -n 1\nls-remote /r\n");
-        const HSCPlazGit::UpdateCheck check = HSCPlazGit::checkForUpdate(clone, "/r", "", branch);
-        EXPECT_TRUE(check.moved.has_value() == isKnown && check.reason.empty() == isKnown) << log << heads;
+        const HSCPlazUpdateCheck check = HSCPlazGitUpdateCheck::look(clone, "/r", "", branch);
+        EXPECT_TRUE(check.getAnswer().has_value() == isKnown && check.reason.empty() == isKnown) << log << heads;
         takeCalls();
     }
 }
@@ -305,16 +311,18 @@ TEST_F(GitAccess, UpdateCheckReadsWhatGitPrints) {
 TEST_F(GitAccess, UpdateCheckHoldsTheHubForALimitedTime) {
     temp.write("clone/.done", "");
     setParam("plaz.gitTimeout", "1");
-    const auto check = [this] { return HSCPlazGit::checkForUpdate(clone, "/r", "", "b"); };
+    const auto check = [this] { return HSCPlazGit::hasUpdate(clone, "/r", "", "b") != 0; };
     replaceGit("[ $1 = log ] && echo 1234567 || sleep 60");
-    EXPECT_NE(check().reason.find("stopped after 1 second"), std::string::npos);
+    EXPECT_NE(HSCPlazGitUpdateCheck::look(clone, "/r", "", "b").reason.find("stopped after 1 second"),
+              std::string::npos);
     replaceGit("[ $1 = log ] && echo 1234567 || echo '1234568 refs/heads/b'");
-    EXPECT_TRUE(HSCPlazTask::run(hub, nullptr, [&] { return check().moved.value_or(false); }));
+    HSCPlazTask task(HSCPlazMgr::getInstance().getWorkspace(), hub, nullptr);
+    EXPECT_TRUE(task.run(check));
     takeCalls();
     takeIds();
     HUTFileLock other(HSCPlazMgr::getInstance().getPathMgr()->getLockFile());
     ASSERT_EQ(other.tryLock(), HUTFileLock::Result::held);
-    EXPECT_FALSE(check().moved);
+    EXPECT_FALSE(check());
     EXPECT_EQ(takeIds(), Names{"17-2168"});
     EXPECT_EQ(takeCalls(), "");
 }

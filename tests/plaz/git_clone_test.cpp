@@ -154,7 +154,7 @@ TEST_F(GitClone, NothingRunsForARefusedStoreOrWithoutAccess) {
     EXPECT_FALSE(HUTFile::exists(index));
     setParam("plaz.enableGitAccess", "false");
     EXPECT_FALSE(load());
-    EXPECT_FALSE(HSCPlazGit::isInstalled(index));
+    EXPECT_FALSE(HSCPlazStoreLayout::isComplete(index));
     setParam("plaz.enableRemoteAccess", "false");
     EXPECT_FALSE(load() || git.updateCatalog(&model));
     EXPECT_EQ(takeIds(), (Names{"17-1559", "17-1559"}));

@@ -1,6 +1,6 @@
 #include "plaz/reader_fixture.h"
 
-#include "plaz/model/reader/HSCPlazJsonReadWriteUtils.h"
+#include "plaz/model/reader/HSCPlazFileCheck.h"
 #include "plaz/model/reader/HSCPlazLocalDBReader.h"
 #include "plaz/model/reader/HSCPlazLocalDBWriter.h"
 #include "plaz/store/HSCPlazLocalDBMgr.h"
@@ -42,11 +42,12 @@ protected:
                 "installation_mode": "user", "reference_count": 3, "company": "acme"})",
                             {items.empty() ? "" : ",", name, revision, commit, dir});
         }
-        return manager.merge(
-            temp.write("db.json", filled(R"({"plaz": {"product": "Solvan", "release": "2024.2", "qstores":
+        return mergeFile(temp.write("db.json", filled(R"({"plaz": {"product": "Solvan", "release": "2024.2", "qstores":
             [{"name": "other", "items": [{"name": "x"}]}, {"name": "s", "items": [%]}]}})",
-                                         {items})),
-            store);
+                                                      {items})));
+    }
+    Merge mergeFile(const std::string& file) {
+        return manager.merge(file, store, *HSCPlazMgr::getInstance().getPathMgr());
     }
     /// "name@revision commit root directory" of each installed item, then "latest" and "refresh" where they are set.
     Strings installed() const {
@@ -79,14 +80,13 @@ TEST_F(LocalDbTest, writesAndReadsTheSame) {
     record.addItem(std::make_unique<HSCPlazQItemModel>()); // not installed
     record.setIsProductSpecific(true);
     const std::string written = temp.path("new/dir/db.json");
-    ASSERT_TRUE(HSCPlazLocalDBWriter().write(written, &record));
+    ASSERT_TRUE(HSCPlazLocalDBWriter("1").write(written, &record));
     rapidjson::Document expected;
     EXPECT_EQ(readFile(written), HCRapidJsonReadWriteUtils::toText(expected.Parse(golden)));
-    using Utils = HSCPlazJsonReadWriteUtils;
-    EXPECT_EQ(Utils::findSchemaViolation(written, Utils::getLocalDBJsonSchemaFile()), "");
+    EXPECT_THAT(HSCPlazFileCheck::of(written).findings, IsEmpty());
     record.getItems()[0]->setLocalDir("/area/\xff");
     HSCPlazModel mended;
-    ASSERT_TRUE(HSCPlazLocalDBWriter().write(written, &record) && HSCPlazLocalDBReader().parse(written, &mended));
+    ASSERT_TRUE(HSCPlazLocalDBWriter("1").write(written, &record) && HSCPlazLocalDBReader().parse(written, &mended));
     EXPECT_EQ(mended.getStores().at(0)->getItems().at(0)->getLocalDir(), "");
     EXPECT_THAT(takeMessages(), IsEmpty());
 }
@@ -106,7 +106,7 @@ TEST_F(LocalDbTest, readsForgivingly) {
     EXPECT_TRUE(known->getItems()[1]->isLatest() && !known->getItems()[1]->needsRefresh());
     EXPECT_TRUE(!known->getItems()[2]->isLatest() && known->getItems()[2]->needsRefresh());
     EXPECT_EQ(known->getUrl(), "kept");
-    ASSERT_TRUE(HSCPlazLocalDBWriter().write(temp.path("out.json"), &store));
+    ASSERT_TRUE(HSCPlazLocalDBWriter(manager.getMajorVersion()).write(temp.path("out.json"), &store));
     EXPECT_THAT(readFile(temp.path("out.json")), HasSubstr("\"_major\": \"2\",\n    \"_minor\": \"2\""));
     EXPECT_THAT(takeMessages(), IsEmpty());
 }
@@ -170,7 +170,7 @@ TEST_F(LocalDbTest, mergesIntoTheCatalog) {
     const std::size_t count = store.getItems().size();
     EXPECT_EQ(Merge::merged, merge({"gone 1 c1 x"})); // again: found, not added once more
     EXPECT_EQ(store.getItems().size(), count);
-    EXPECT_EQ(manager.merge(temp.path("missing.json"), store), Merge::nothing);
+    EXPECT_EQ(mergeFile(temp.path("missing.json")), Merge::nothing);
 
     store.clearCatalog();
     store.setIsMultiRevisionSupported(true); // each revision has a folder of its own
@@ -184,19 +184,19 @@ TEST_F(LocalDbTest, leavesWhatItCannotMerge) {
     const std::string file = temp.write("db.json", golden);
     store.setLocalDbFilePath(file);
     env.set("GDA_PRODUCT_NAME", "solvan");
-    EXPECT_EQ(manager.merge(file, store), Merge::foreign);
+    EXPECT_EQ(mergeFile(file), Merge::foreign);
     env.set("GDA_PRODUCT_NAME", "Solvan");
     env.set("GDA_PRODUCT_VERSION", "2024.2.1");
-    EXPECT_EQ(manager.merge(file, store), Merge::foreign);
+    EXPECT_EQ(mergeFile(file), Merge::foreign);
     EXPECT_TRUE(store.getItems().empty() && messages.empty());
     EXPECT_FALSE(manager.isValidForProductAndRelease(file) || manager.isValidForProductAndRelease(""));
     for (const char* damaged :
          {"{\"plaz\": {\"qst", "{}", R"({"plaz": {"product": "Solvan", "release": "2024.2.1", "qstores": {}}})"}) {
         temp.write("db.json", damaged);
-        EXPECT_EQ(manager.merge(file, store), Merge::damaged);
+        EXPECT_EQ(mergeFile(file), Merge::damaged);
         EXPECT_THAT(takeMessages(), ElementsAre(HasSubstr("12-102 " + file)));
         manager.save(nullptr, &object, "");
         EXPECT_EQ(readFile(file + ".bad"), damaged);
-        EXPECT_EQ(manager.merge(file, store), Merge::merged);
+        EXPECT_EQ(mergeFile(file), Merge::merged);
     }
 }

@@ -65,9 +65,9 @@ TEST_F(PathsTest, UserAreaFollowsVariableThenPreferenceThenAppData) {
 TEST_F(PathsTest, WorkingCopyStandsBesideTheStagingDirectory) {
     model.setRoot("");
     model.setName("../../escaped");
-    EXPECT_EQ(paths.getStoreStagingDir(model).find(appData("plaz/store_")), 0U);
+    EXPECT_EQ(paths.getStoreLayout(model).getStaging().find(appData("plaz/store_")), 0U);
     model.setLocalRootDir("/own");
-    EXPECT_EQ(paths.getStoreIndexDir(model), "/own/.plaz/.index");
+    EXPECT_EQ(paths.getStoreLayout(model).getIndex(), "/own/.plaz/.index");
 }
 
 // Shipped data looked for in one data root only, or in a wrong folder of it.

@@ -236,16 +236,19 @@ TEST_F(ReaderTest, itemFilesBelowADirectory) {
     temp.makeDir("store/dir");
     const HIOStream::Root root(temp.path("store"));
     HSCPlazJsonDocument document;
+    HSCPlazFindings found;
     using Status = HIOStream::Status;
     std::vector<Status> results;
     for (const char* name : {"a", "b", "c", "b", "none", "link", "dir"}) {
         HSCPlazQItemModel item;
-        results.push_back(HSCPlazQItemReader().parseBelow(root, name, document, &item));
+        results.push_back(HSCPlazQItemReader::readBelow(root, name, document, item, found));
         EXPECT_EQ(document.getRoot().IsNull(), !document.isParsed()) << name;
         EXPECT_EQ(item.getAuthor().size(), *name == 'a' ? 100000u : 0u) << name;
     }
     EXPECT_THAT(results, ElementsAre(Status::ok, Status::ok, Status::ok, Status::ok, Status::missing,
                                      hasLinks ? Status::outside : Status::missing, Status::notRegular));
+    EXPECT_THAT(takeMessages(), IsEmpty());
+    found.tell();
     EXPECT_THAT(takeMessages(),
                 ElementsAre(HasSubstr("12-102 " + temp.path("store/c")), "12-101 " + temp.path("store/dir")));
 }

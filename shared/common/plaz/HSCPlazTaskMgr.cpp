@@ -1,127 +1,239 @@
 #include "plaz/HSCPlazTaskMgr.h"
 
 #include "plaz/HSCPlazMgr.h"
-#include "plaz/HSCPlazUtils.h"
+#include "plaz/base/HSCPlazDebugLog.h"
 #include "plaz/base/HSCPlazMsg.h"
-#include "plaz/model/HSCPlaz.h"
-#include "plaz/model/HSCPlazLogger.h"
+#include "plaz/base/HSCPlazProduct.h"
 #include "plaz/model/HSCPlazQItem.h"
-#include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
-#include "plaz/pref/HSCPlazUserPref.h"
-#include "plaz/tasks/HSCPlazDependencyWalk.h"
+#include "plaz/model/repo/HSCPlazGit.h"
+#include "plaz/model/repo/HSCPlazRepoFactory.h"
+#include "plaz/model/repo/git/HSCPlazGitProxies.h"
+#include "plaz/store/HSCPlazChosenDirectory.h"
+#include "plaz/store/HSCPlazWorkspace.h"
+#include "plaz/tasks/HSCPlazInstallTask.h"
+#include "plaz/tasks/HSCPlazMoveStoreTask.h"
+#include "plaz/tasks/HSCPlazRefreshHubTask.h"
+#include "plaz/tasks/HSCPlazRefreshStoreTask.h"
 #include "plaz/tasks/HSCPlazTask.h"
-#include "support/ComMsgMgr.h"
-#include "support/HDGUIStatus.h"
+#include "plaz/tasks/HSCPlazUninstallTask.h"
+#include "plaz/tasks/HSCPlazUpdateCheckTask.h"
+#include "plaz/tasks/HSCPlazUpdateTask.h"
+#include "support/HPAParamMgr.h"
+#include "support/HUTFile.h"
 
-using HSCPlazLogger::inside;
-using HSCPlazTask::isCancelled;
-using Walk = HSCPlazDependencyWalk;
-namespace Files = HSCPlazItemFiles;
+#include <map>
+
+using HSCPlazDebugLog::inside;
+using ItemOutcome = HSCPlazItemResult::Outcome;
+using StoreOutcome = HSCPlazStoreResult::Outcome;
 
 namespace {
 
-constexpr const char* installName = "HSCPlazTaskMgr::install";
+constexpr const char* moveName = "HSCPlazTaskMgr::setQStoreLocalRootDir";
 
-/// Progress for people; a null status is allowed.
-void show(HDGUIStatus* status, const char* step, const HSCPlazQItem& item, double percent) {
-    if (!status) return;
-    status->changeAbbrevStatus(step);
-    status->changeStatus(step + std::string(" ") + Files::shownName(item));
-    status->changePercentComplete(percent);
+HSCPlazWorkspace& workspace() {
+    return HSCPlazMgr::getInstance().getWorkspace();
 }
 
-bool fail(const HSCPlazQItem& item, const HDGUIStatus* status) {
-    if (!isCancelled(status)) ComMsgMgr::send(Msg::itemInstallFailed, MsgSeverity::error, Files::shownName(item));
+const HSCPlazGit* gitRepo() {
+    return dynamic_cast<const HSCPlazGit*>(HSCPlazRepoFactory::createRepo(HSCPlazTypes::GIT));
+}
+
+/// The task's work under the lock; what it throws is told.
+template <typename Work> bool carryOut(HSCPlazTask& task, Work work) {
+    return task.guard([&] { return task.run(work); });
+}
+
+HSCPlazItemResult resultOf(const HSCPlazTask& task, const HSCPlazQItem& item, ItemOutcome outcome) {
+    HSCPlazItemResult result = HSCPlazItemResult::of(item, outcome);
+    result.report = task.getReport();
+    return result;
+}
+
+HSCPlazStoreResult resultOf(const HSCPlazTask& task, const HSCPlazQStore& store, StoreOutcome outcome) {
+    HSCPlazStoreResult result = HSCPlazStoreResult::of(store, outcome);
+    result.report = task.getReport();
+    return result;
+}
+
+std::string catalogPath(const HSCPlazQStore* store) {
+    if (!store || store->getLocalRootDir().empty() || store->getItemCatalogFile().empty()) return "";
+    return store->getLocalRootDir() + HUTFile::getDirSeparator() + store->getItemCatalogFile();
+}
+
+bool mayRefreshHub(HSCPlazTask& task) {
+    return HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableRemoteAccess") ||
+           task.fail(Msg::hubRemoteAccessOff, task.getHub().getRoot());
+}
+
+bool refreshHub(HSCPlazTask& task, std::map<std::string, HSCPlazReport>& failed) {
+    return mayRefreshHub(task) && task.run([&] { return HSCPlazRefreshHubTask::refresh(task, failed); });
+}
+
+bool mayBeMoved(const HSCPlazQStore* store, const std::string& dir) {
+    if (dir.empty() || !store || !store->getHub()) {
+        inside(moveName, " sanity checks failed.");
+        return false;
+    }
+    if (store->isProductSpecific() || HSCPlazProduct::mayMoveEveryStore()) return true;
+    inside(moveName, " store ", store->getName(), " is not product specific");
     return false;
 }
 
-/// What an item that is there already still lacks: the user's hold, where others brought it, or dependencies that an
-/// earlier task has left missing.
-bool completeInstalled(const HSCPlazFoundItem& found, Walk& walk, bool quiet) {
-    inside(installName, " already installed");
-    if (!quiet) ComMsgMgr::send(Msg::itemAlreadyInstalled, MsgSeverity::warning, Files::shownName(*found.item));
-    if (found.item->getInstallationMode() != Walk::toolMode) return walk.installMissing(*found.item);
-    walk.markUsers(found);
-    walk.saveChanges();
-    return walk.installAll(*found.item);
-}
-
-bool installFiles(HSCPlaz& hub, const HSCPlazFoundItem& found, Walk& walk, bool quiet, HDGUIStatus* status) {
-    HSCPlazQItem& item = *found.item;
-    const bool isKnown = item.IsInstalled();
-    const bool isUsersAlready = isKnown && item.getInstallationMode() == Walk::userMode;
-    const std::int32_t references = isKnown ? item.getReferenceCount() : 0;
-    inside(installName, " installing ", item.getName(), "...");
-    if (!Files::bring(hub, found, true)) return false;
-    // Files that had got lost are back; whoever held the item holds it still.
-    walk.markInstalled(found, Walk::userMode, references);
-    const auto replaced = Walk::replaceOthers(found);
-    if (!quiet) ComMsgMgr::send(Msg::itemInstalled, MsgSeverity::warning, Files::shownName(item));
-    walk.saveChanges();
-    inside(installName, " installed ");
-    const bool complete = isUsersAlready ? walk.installMissing(item) : walk.installAll(item);
-    walk.releaseReplaced(replaced);
-    show(status, "Installed", item, 100);
-    return complete;
-}
-
-bool installItem(HSCPlaz& hub, const HSCPlazFoundItem& found, bool quiet, HDGUIStatus* status) {
-    Walk walk(hub, *found.item, quiet, status);
-    const bool isThere =
-        HSCPlazUtils::isItemInstalledProperly(found.item, found.store, HSCPlazMgr::getInstance().getUserPref());
-    if (!isThere && isCancelled(status)) return false;
-    if (!isThere) show(status, "Installing", *found.item, 0);
-    const bool complete =
-        isThere ? completeInstalled(found, walk, quiet) : installFiles(hub, found, walk, quiet, status);
-    walk.saveChanges();
-    return (complete && walk.isSound()) || fail(*found.item, status);
-}
-
-bool uninstallItem(HSCPlaz& hub, const HSCPlazQItem& asked, bool quiet) {
-    const HSCPlazFoundItem found = Walk::find(hub, &asked);
-    if (!found || !found.item->IsInstalled()) {
-        ComMsgMgr::send(Msg::itemNotInstalled, MsgSeverity::error, Files::shownName(asked));
-        return false;
-    }
-    HSCPlazQItem& item = *found.item;
-    const std::int32_t references = item.getReferenceCount();
-    const bool isTools = item.getInstallationMode() == Walk::toolMode;
-    if (isTools && references >= 1) {
-        ComMsgMgr::send(Msg::itemHeld, MsgSeverity::error, Files::shownName(item));
-        return false;
-    }
-    // The files leave their place before anything is released: should that fail, nothing has changed.
-    const auto parked = references == 0 ? Files::park(found) : std::string();
-    if (!parked) return false;
-    Walk walk(hub, item, quiet, nullptr);
-    walk.releaseAll(item);
-    if (references == 0) {
-        walk.markRemoved(found);
-        Files::discard(*parked);
-        if (!quiet) ComMsgMgr::send(Msg::itemRemoved, MsgSeverity::warning, Files::shownName(item));
-    } else if (item.getInstallationMode() == Walk::userMode) {
-        walk.markTools(found);
-    }
-    walk.restoreShipped(found);
-    walk.saveChanges();
-    return walk.isSound();
+bool isFree(HSCPlazTask& task, const HSCPlazQStore& store, const std::string& dir) {
+    const HSCPlazQStore* user = HSCPlazChosenDirectory::findUser(store, dir);
+    return !user || task.fail(Msg::dirUsedByOtherStore, user->getName(), dir);
 }
 
 } // namespace
 
+HSCPlazItemResult HSCPlazTaskMgr::installItem(HSCPlaz& hub, HSCPlazQItem& item, bool quiet, HDGUIStatus* status) {
+    HSCPlazTask task(workspace(), hub, status, quiet);
+    const bool isDone = carryOut(task, [&] { return HSCPlazInstallTask::install(task, item); });
+    return resultOf(task, item, isDone ? ItemOutcome::installed : ItemOutcome::failed);
+}
+
+HSCPlazItemResult HSCPlazTaskMgr::uninstallItem(HSCPlaz& hub, HSCPlazQItem& item, bool quiet, HDGUIStatus* status) {
+    HSCPlazTask task(workspace(), hub, status, quiet);
+    task.show("Removing " + item.getDisplayName());
+    const bool isDone =
+        !task.isCancelled() && carryOut(task, [&] { return HSCPlazUninstallTask::uninstall(task, item); });
+    if (!isDone) return resultOf(task, item, ItemOutcome::failed);
+    return resultOf(task, item, item.IsInstalled() ? ItemOutcome::kept : ItemOutcome::removed);
+}
+
+HSCPlazItemResult HSCPlazTaskMgr::updateItem(HSCPlaz& hub, HSCPlazQItem& item, bool quiet, HDGUIStatus* status) {
+    HSCPlazTask task(workspace(), hub, status, quiet);
+    const std::string previous = item.getRevision();
+    ItemOutcome outcome = ItemOutcome::failed;
+    carryOut(task, [&] {
+        outcome = HSCPlazUpdateTask::update(task, item);
+        return outcome != ItemOutcome::failed;
+    });
+    if (outcome == ItemOutcome::upToDate) return resultOf(task, item, outcome);
+    const HSCPlazQItem* latest = item.getStore() ? item.getStore()->getItem(item.getName()) : nullptr;
+    HSCPlazItemResult result = resultOf(task, latest ? *latest : item, outcome);
+    result.previousRevision = previous;
+    return result;
+}
+
+HSCPlazHubResult HSCPlazTaskMgr::refreshHub(HSCPlaz& hub, HDGUIStatus* status) {
+    HSCPlazTask task(workspace(), hub, status);
+    std::map<std::string, HSCPlazReport> failed;
+    HSCPlazHubResult result;
+    result.isDone = hub.getModel() && task.guard([&] { return ::refreshHub(task, failed); });
+    if (!result.isDone) task.fail(Msg::hubNotRefreshed);
+    result.report = task.getReport();
+    for (const auto& [name, report] : failed) {
+        const HSCPlazQStore* store = hub.getStore(name);
+        if (!store) continue;
+        result.failed.push_back(HSCPlazStoreResult::of(*store, StoreOutcome::failed));
+        result.failed.back().report = report;
+    }
+    return result;
+}
+
+HSCPlazStoreResult HSCPlazTaskMgr::refreshStore(HSCPlazQStore& store, HDGUIStatus* status) {
+    HSCPlazTask task(workspace(), *store.getHub(), status);
+    const bool isDone = carryOut(task, [&] {
+        return HSCPlazRefreshStoreTask::loadCatalog(task, store) && HSCPlazRefreshStoreTask::describeItems(task, store);
+    });
+    if (!isDone) task.fail(Msg::storeNotRefreshed, store.getName());
+    return resultOf(task, store, isDone ? StoreOutcome::refreshed : StoreOutcome::failed);
+}
+
+HSCPlazStoreResult HSCPlazTaskMgr::describeItems(HSCPlazQStore& store, HDGUIStatus* status) {
+    HSCPlazTask task(workspace(), *store.getHub(), status);
+    const bool isDone = carryOut(task, [&] { return HSCPlazRefreshStoreTask::describeItems(task, store); });
+    if (!isDone) task.fail(Msg::storeNotRefreshed, store.getName());
+    return resultOf(task, store, isDone ? StoreOutcome::refreshed : StoreOutcome::failed);
+}
+
+HSCPlazStoreResult HSCPlazTaskMgr::checkStore(HSCPlazQStore& store, HDGUIStatus* status) {
+    HSCPlazTask task(workspace(), *store.getHub(), status);
+    HSCPlazUpdateCheck check;
+    bool isFetched = false;
+    task.guard([&] {
+        const HSCPlazStoreLayout layout = workspace().paths.getStoreLayout(*store.getModel());
+        isFetched = isRefreshed(&store) && HSCPlazStoreLayout::isComplete(layout.getIndex());
+        if (isFetched) check = HSCPlazUpdateCheckTask::look(task, *store.getModel(), HSCPlazGitProxies::getPreferred());
+        return true;
+    });
+    if (!isFetched && task.getReport().isEmpty()) return resultOf(task, store, StoreOutcome::outdated);
+    if (const std::optional<bool> moved = check.getAnswer())
+        return resultOf(task, store, *moved ? StoreOutcome::outdated : StoreOutcome::upToDate);
+    task.fail(Msg::storeNotChecked, store.getName(), check.reason);
+    return resultOf(task, store, StoreOutcome::unknown);
+}
+
+HSCPlazStoreResult HSCPlazTaskMgr::moveStore(HSCPlazQStore& store, const std::string& dir) {
+    HSCPlazTask task(workspace(), *store.getHub(), nullptr);
+    const std::string path = HUTFile::getCanonicalName(dir);
+    const bool isDone =
+        mayBeMoved(&store, path) && carryOut(task, [&] {
+            return isFree(task, store, path + "/" + store.getRoot()) && HSCPlazMoveStoreTask::move(task, store, path);
+        });
+    if (!isDone) task.fail(Msg::storeNotMoved, store.getName(), path);
+    return resultOf(task, store, isDone ? StoreOutcome::moved : StoreOutcome::failed);
+}
+
 bool HSCPlazTaskMgr::install(HSCPlaz* hub, HSCPlazQItem* item, bool quiet, HDGUIStatus* status) {
-    if (!hub || !item || !item->getModel()) return false;
-    inside(installName, "qitem info:\n", "\tname:", item->getName(), "\n\tcompany:", item->getCompany(),
-           "\n\tstore name:", item->getStoreName(), "\n\titem revision:", item->getRevision());
-    const HSCPlazFoundItem found = Walk::find(*hub, item);
-    if (!found) return fail(*item, status);
-    return HSCPlazTask::report(
-        [&] { return HSCPlazTask::run(*hub, status, [&] { return installItem(*hub, found, quiet, status); }); });
+    return hub && item && item->getModel() && installItem(*hub, *item, quiet, status).isDone();
 }
 
 bool HSCPlazTaskMgr::uninstall(HSCPlaz* hub, HSCPlazQItem* item, bool quiet) {
-    if (!hub || !item || !item->getModel()) return false;
-    return HSCPlazTask::report(
-        [&] { return HSCPlazTask::run(*hub, nullptr, [&] { return uninstallItem(*hub, *item, quiet); }); });
+    return hub && item && item->getModel() && uninstallItem(*hub, *item, quiet, nullptr).isDone();
+}
+
+bool HSCPlazTaskMgr::updateCatalog(HSCPlaz* hub, HDGUIStatus* status) {
+    if (!hub || !hub->getModel()) return false;
+    HSCPlazTask task(workspace(), *hub, status);
+    std::map<std::string, HSCPlazReport> failed;
+    return ::refreshHub(task, failed);
+}
+
+bool HSCPlazTaskMgr::updateCatalog(HSCPlazQStore* store, HDGUIStatus* status) {
+    if (!store || !store->getModel() || !store->getHub()) return false;
+    HSCPlazTask task(workspace(), *store->getHub(), status);
+    return task.run([&] { return HSCPlazRefreshStoreTask::describeItems(task, *store); });
+}
+
+bool HSCPlazTaskMgr::loadCatalog(HSCPlaz* hub, HSCPlazQStore* store, HDGUIStatus* status) {
+    if (!hub || !store || !store->getModel()) return false;
+    HSCPlazTask task(workspace(), *hub, status);
+    return !task.isCancelled() && task.run([&] { return HSCPlazRefreshStoreTask::loadCatalog(task, *store); });
+}
+
+bool HSCPlazTaskMgr::hasUpdate(HSCPlazQStore* store) {
+    if (!store) return false;
+    for (const HSCPlazQItem* item : store->getItems())
+        if (!item->IsInstalled() || item->NeedsRefresh()) return true;
+    return false;
+}
+
+bool HSCPlazTaskMgr::hasUpdate(HSCPlazQStore* store, const std::string& proxy) {
+    if (!store || !store->getModel() || !store->getHub() || !gitRepo()) return false;
+    HSCPlazTask task(workspace(), *store->getHub(), nullptr);
+    // RATIONALE: as it always has, it goes by the first line of git's log alone, even where that tells of a failure.
+    return HSCPlazUpdateCheckTask::look(task, *store->getModel(), proxy).moved.value_or(false);
+}
+
+bool HSCPlazTaskMgr::isRefreshed(HSCPlazQStore* store) {
+    return HUTFile::exists(catalogPath(store));
+}
+
+long HSCPlazTaskMgr::getLastRefreshTime(HSCPlazQStore* store) {
+    return static_cast<long>(HUTFile::getLastMod(catalogPath(store)));
+}
+
+bool HSCPlazTaskMgr::isInstalled(HSCPlazQStore* store) {
+    const HSCPlazGit* git = gitRepo();
+    return store && git && git->isInstalled(store);
+}
+
+bool HSCPlazTaskMgr::setQStoreLocalRootDir(HSCPlazQStore* store, const std::string& dir) {
+    if (!mayBeMoved(store, dir)) return false;
+    HSCPlazTask task(workspace(), *store->getHub(), nullptr);
+    return carryOut(task, [&] { return HSCPlazMoveStoreTask::move(task, *store, HUTFile::getCanonicalName(dir)); });
 }

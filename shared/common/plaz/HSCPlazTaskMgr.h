@@ -1,6 +1,7 @@
 #pragma once
 
 #include "plaz/base/PlazExport.h"
+#include "plaz/tasks/HSCPlazTaskResult.h"
 
 #include <string>
 
@@ -75,4 +76,32 @@ public:
     /// @return false, with the store as it was, for an empty directory, null, a store outside a hub or one that is not
     ///         for the running product, and when the directory cannot be used (Msg::dirNotWritable, dirNotCreated)
     static bool setQStoreLocalRootDir(HSCPlazQStore* store, const std::string& dir);
+
+    // The same for who wants to know what became of it, and why: front ends build their answers from the results. What
+    // fails or throws has been sent as well. Hubs, stores and items must have a model, stores and items a hub.
+
+    static HSCPlazItemResult installItem(HSCPlaz& hub, HSCPlazQItem& item, bool quiet, HDGUIStatus* status);
+    /// @param status  progress and cancellation before it begins; may be null
+    static HSCPlazItemResult uninstallItem(HSCPlaz& hub, HSCPlazQItem& item, bool quiet, HDGUIStatus* status);
+    /// Brings an installed revision up to date and keeps its installation mode. What the old files needed is given up,
+    /// what the new ones need is brought. Where the store keeps several revisions the older one stays beside the new
+    /// one. The result is that of the latest revision. Sends Msg::itemFetchedAgain unless @p quiet, and what install()
+    /// sends.
+    static HSCPlazItemResult updateItem(HSCPlaz& hub, HSCPlazQItem& item, bool quiet, HDGUIStatus* status);
+
+    /// Fetches the hub's own metadata and the catalogs of all stores that it lists. What its catalog says of the items
+    /// of each store is left to describeItems(). Sends Msg::hubNotRefreshed on failure, after the reason.
+    static HSCPlazHubResult refreshHub(HSCPlaz& hub, HDGUIStatus* status);
+    /// Fetches the store's catalog and what it says of its items. Until all of the catalog has come the old one stays
+    /// in force. Items of the store are new objects afterwards. Sends Msg::storeNotRefreshed on failure, after the
+    /// reason.
+    static HSCPlazStoreResult refreshStore(HSCPlazQStore& store, HDGUIStatus* status);
+    /// The rest of a store's refresh after refreshHub().
+    static HSCPlazStoreResult describeItems(HSCPlazQStore& store, HDGUIStatus* status);
+    /// Asks the store's remote whether it has moved since the last refresh; a store that was never refreshed, or whose
+    /// working copy is not complete, counts as outdated. Msg::storeNotChecked says why there is no answer.
+    static HSCPlazStoreResult checkStore(HSCPlazQStore& store, HDGUIStatus* status);
+    /// Puts the store's area below a directory that no other store uses. What it holds stays where it is. Sends
+    /// Msg::storeNotMoved on failure, after the reason.
+    static HSCPlazStoreResult moveStore(HSCPlazQStore& store, const std::string& dir);
 };

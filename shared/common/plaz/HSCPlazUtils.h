@@ -1,5 +1,6 @@
 #pragma once
 
+#include "plaz/base/HSCPlazStoreLayout.h"
 #include "plaz/base/PlazExport.h"
 #include "plaz/model/HSCPlazTypes.h"
 
@@ -13,13 +14,10 @@ class HSCPlazUserPref;
 class PLAZ_API HSCPlazUtils {
 public:
     /// File name of the local installation database.
-    static constexpr const char* PLAZ_LOCAL_DB_FILE = "plaz_local_db.json";
+    static constexpr const char* PLAZ_LOCAL_DB_FILE = HSCPlazStoreLayout::databaseFile;
 
-    /// Product name, and its version in the form used in paths: "2024.2" for 2024.2.0, "2024.2.1" as it is.
+    /// As HSCPlazProduct::get.
     static void getProductInfo(std::string& name, std::string& version);
-
-    /// Whether the running product is the one of that name ("solvan" is the main design tool), in any case.
-    static bool isProduct(const char* name);
 
     /// Of the hub's store of that name; empty when there is none.
     static std::string getStoreLocalRootDir(const std::string& storeName);
@@ -27,9 +25,6 @@ public:
     static std::string getStoreUrl(const std::string& storeName);
     /// The branch of that store, "master" where it names none.
     static std::string getStoreBranch(const std::string& storeName);
-
-    /// A URL without its ".git" ending; any other URL as it stands.
-    static std::string stripGitSuffix(const std::string& url);
 
     /// "board" and "ced", exactly so; anything else is UNKNOWN.
     static HSCPlazTypes::StoreType getStoreTypeEnumValue(const std::string& text);
@@ -46,7 +41,7 @@ public:
     /// Whether a fetched or installed metadata file can be trusted to be whole. Sends what
     /// HSCPlazJsonReadWriteUtils::isJsonFileValid sends.
     static bool isInstalledFileValid(const std::string& file);
-    /// Whether an item marked installed has its files: at least two entries in its directory.
+    /// Whether an item marked installed has its files: at least two entries in its directory. False for null.
     static bool isItemInstalledProperly(HSCPlazQItem* item, HSCPlazQStore* store, const HSCPlazUserPref& userPref);
 
     /// Makes sure that a directory chosen by the user is there and writable. An empty name is.

@@ -59,7 +59,11 @@ inline constexpr MsgId<2> itemsLeftBehind{"@17-2176@%s%s"};     ///< store, dire
 inline constexpr MsgId<1> placesNotSaved{"@17-2177@%s"};        ///< file
 inline constexpr MsgId<2> storeWithdrawn{"@17-2178@%s%s"};      ///< store, its area
 inline constexpr MsgId<1> textNotForTcl{"@17-2179@%s"};         ///< name, path or proxy
+inline constexpr MsgId<1> itemFetchedAgain{"@17-2188@%s"};      ///< display name
 inline constexpr MsgId<1> unexpectedFailure{"@17-2189@%s"};     ///< what the system or a library said
 inline constexpr MsgId<1> storeNotRefreshed{"@17-2191@%s"};     ///< store
-inline constexpr MsgId<1> clonedRepo{"@60-832@%s"};             ///< directory
+inline constexpr MsgId<2> storeNotMoved{"@17-2192@%s%s"};       ///< store, directory
+inline constexpr MsgId<0> hubNotRefreshed{"@17-2194@"};
+inline constexpr MsgId<2> storeNotChecked{"@17-2195@%s%s"}; ///< store, why
+inline constexpr MsgId<1> clonedRepo{"@60-832@%s"};         ///< directory
 } // namespace Msg

@@ -1,5 +1,7 @@
 #include "plaz/base/HSCPlazTrust.h"
 
+#include "plaz/base/HSCPlazStoreLayout.h"
+#include "plaz/base/HSCPlazUrl.h"
 #include "support/HI18N.h"
 
 #include <boost/algorithm/string/predicate.hpp>
@@ -51,7 +53,9 @@ bool isShortName(std::string_view component) {
 /// What leads elsewhere ("..", "."), what some systems take for another name ("x." and "x " for "x") or for a device,
 /// git's own directory (a program that meets it runs what it configures) and the hub's own places in a store's area.
 bool isRefusedComponent(std::string_view component) {
-    static constexpr std::string_view reserved[] = {".git", ".plaz", ".staging", ".done"};
+    using Layout = HSCPlazStoreLayout;
+    static constexpr std::string_view reserved[] = {Layout::gitDir, Layout::hiddenDir, Layout::stagingDir,
+                                                    Layout::doneMarker};
     if (component.empty() || component.back() == '.' || component.back() == ' ') return true;
     if (isDeviceName(component) || isShortName(component)) return true;
     // Comparing without regard to case is slow, and a start-up looks at every name of every item.
@@ -79,53 +83,22 @@ bool namesTransportHelper(const std::string& url) {
            });
 }
 
-bool hasServedScheme(const std::string& url) {
-    const std::size_t colon = url.find("://");
-    if (colon == std::string::npos) return true;
-    std::string scheme = url.substr(0, colon);
-    std::transform(scheme.begin(), scheme.end(), scheme.begin(),
-                   [](char c) { return static_cast<char>(std::tolower(static_cast<unsigned char>(c))); });
-    return scheme == "file" || scheme == "git" || scheme == "http" || scheme == "https" || scheme == "ssh";
+bool hasServedScheme(const HSCPlazUrl& url) {
+    static constexpr const char* served[] = {"", "file://", "git://", "http://", "https://", "ssh://"};
+    return std::any_of(std::begin(served), std::end(served),
+                       [&](const char* scheme) { return boost::algorithm::iequals(url.scheme, scheme); });
 }
 
 /// User, token and host without what would end them early where secrets are masked.
-bool hasPlainAuthority(const std::string& url) {
-    const std::size_t scheme = url.find("://");
-    if (scheme == std::string::npos) return true;
-    const std::size_t end = std::min(url.find('/', scheme + 3), url.size());
-    return url.find_first_of(" \"'", scheme) >= end;
-}
-
-/// The end of the user part of the URL whose authority begins there and which ends at @p end: its "@"; npos without
-/// one. A secret may hold a "/" as it is; what stands before that is then no host, for its port is no number.
-std::size_t findUserEnd(const std::string& text, std::size_t authority, std::size_t end) {
-    const std::size_t slash = std::min(text.find('/', authority), end);
-    const std::string_view place = std::string_view(text).substr(authority, slash - authority);
-    const std::size_t user = place.rfind('@');
-    if (user != std::string_view::npos) return authority + user;
-    const std::size_t colon = place.find(':', place.rfind(']') + 1);
-    if (colon == std::string_view::npos || colon + 1 == place.size()) return std::string::npos;
-    const bool isPort = place.find_first_not_of("0123456789", colon + 1) == std::string_view::npos;
-    const std::size_t last = std::string_view(text).substr(0, end).rfind('@');
-    return isPort || last == std::string_view::npos || last < slash ? std::string::npos : last;
-}
-
-/// A user part that others would read up to its first "/" alone, the rest as a path.
-bool hasTornUserPart(const std::string& url) {
-    const std::size_t scheme = url.find("://");
-    if (scheme == std::string::npos) return false;
-    const std::size_t user = findUserEnd(url, scheme + 3, url.size());
-    return user != std::string::npos && user > url.find('/', scheme + 3);
+bool hasPlainAuthority(const HSCPlazUrl& url) {
+    return url.scheme.empty() || (url.user + url.host).find_first_of(" \"'") == std::string::npos;
 }
 
 /// A host that a remote shell would take for an option: "ssh://-oCommand=..." and "user@-oCommand:path".
-bool hasOptionAsHost(const std::string& url) {
-    const std::size_t scheme = url.find("://");
-    const std::size_t begin = scheme == std::string::npos ? 0 : scheme + 3;
-    const std::size_t end = std::min(url.find('/', begin), url.size());
-    const std::size_t user = url.rfind('@', end);
-    const std::size_t host = user == std::string::npos || user < begin ? begin : user + 1;
-    return host < url.size() && url[host] == '-';
+bool hasOptionAsHost(const HSCPlazUrl& url) {
+    const std::string place = url.scheme.empty() ? url.path.substr(0, url.path.find('/')) : url.host;
+    const std::size_t host = url.scheme.empty() ? place.rfind('@') + 1 : 0;
+    return host < place.size() && place[host] == '-';
 }
 
 } // namespace
@@ -152,9 +125,12 @@ bool HSCPlazTrust::isCommitId(const std::string& text) {
            std::all_of(text.begin(), text.end(), [](char c) { return std::isxdigit(static_cast<unsigned char>(c)); });
 }
 
-bool HSCPlazTrust::isSafeUrl(const std::string& url) {
-    return !url.empty() && url.front() != '-' && !hasControlCharacter(url) && !namesTransportHelper(url) &&
-           hasServedScheme(url) && hasPlainAuthority(url) && !hasTornUserPart(url) && !hasOptionAsHost(url);
+bool HSCPlazTrust::isSafeUrl(const std::string& text) {
+    if (text.empty() || text.front() == '-' || hasControlCharacter(text) || namesTransportHelper(text)) return false;
+    const HSCPlazUrl url = HSCPlazUrl::parse(text);
+    // Others would read a user part up to its first "/" alone, and the rest as a path.
+    const bool isTorn = url.user.find('/') != std::string::npos;
+    return hasServedScheme(url) && hasPlainAuthority(url) && !isTorn && !hasOptionAsHost(url);
 }
 
 bool HSCPlazTrust::isPlainTclText(const std::string& text) {
@@ -172,7 +148,7 @@ std::string HSCPlazTrust::maskSecrets(const std::string& text) {
     for (std::size_t scheme = text.find("://"); scheme != std::string::npos; scheme = text.find("://", done)) {
         const std::size_t authority = scheme + 3;
         const std::size_t end = std::min(text.find_first_of(" \t\r\n\"'", authority), text.size());
-        const std::size_t user = findUserEnd(text, authority, end);
+        const std::size_t user = HSCPlazUrl::findUserEnd(text, authority, end);
         masked.append(text, done, authority - done);
         if (user != std::string::npos) masked += "***";
         done = user != std::string::npos ? user : authority;

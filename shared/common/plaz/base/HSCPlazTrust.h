@@ -21,7 +21,7 @@ PLAZ_API bool isSafeRef(const std::string& ref);
 PLAZ_API bool isCommitId(const std::string& text);
 /// A URL that git may be given: no leading "-", no transport that runs a program ("ext::", "fd::" and the like), no
 /// control character, no blank or quote in user or host, no "/" in the user part; a local path is one too.
-PLAZ_API bool isSafeUrl(const std::string& url);
+PLAZ_API bool isSafeUrl(const std::string& text);
 /// A text that arrives as it is when it is put into a Tcl command without quotes: no character that Tcl interprets, no
 /// line end, and no blank that parting words would swallow (tabs, several in a row, at either end). It may be empty.
 PLAZ_API bool isPlainTclText(const std::string& text);

@@ -2,15 +2,15 @@
 
 #include "plaz/HSCPlazMgr.h"
 #include "plaz/HSCPlazTaskMgr.h"
-#include "plaz/HSCPlazUtils.h"
+#include "plaz/base/HSCPlazDebugLog.h"
 #include "plaz/base/HSCPlazMsg.h"
+#include "plaz/base/HSCPlazProduct.h"
 #include "plaz/base/HSCPlazTrust.h"
+#include "plaz/base/HSCPlazUrl.h"
 #include "plaz/model/HSCPlaz.h"
-#include "plaz/model/HSCPlazLogger.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
-#include "plaz/model/repo/HSCPlazGit.h"
-#include "plaz/model/repo/git/HSCPlazGitCredentials.h"
+#include "plaz/model/repo/git/HSCPlazGitProxies.h"
 #include "scripting/task_manager.h"
 #include "support/HCCXPrefMgr.h"
 #include "support/HUTSysCall.h"
@@ -49,7 +49,7 @@ bool evaluateOn(const std::string& prefix, const std::string& name) {
 
 const HSTVector<HSCPlazQStore*>& HSCPlazSwigIntf::getStores() {
     const HSTVector<HSCPlazQStore*>& stores = hub().getStores();
-    HSCPlazLogger::inside("HSCPlazSwigIntf::getStores", " no. of stores - ", std::to_string(stores.size()));
+    HSCPlazDebugLog::inside("HSCPlazSwigIntf::getStores", " no. of stores - ", std::to_string(stores.size()));
     return stores;
 }
 
@@ -111,21 +111,21 @@ bool HSCPlazSwigIntf::setQStoreLocalRootDir(HSCPlazQStore* store, const std::str
 }
 
 bool HSCPlazSwigIntf::canAccessRepo(HSCPlazQStore* store) {
-    const std::string url = store ? HSCPlazGitUrl::withoutUserPart(store->getUrl()) : "";
+    const std::string url = store ? HSCPlazUrl::parse(store->getUrl()).withoutUser() : "";
     return HUTSysCall::isPlainShellWord(url) && HSCPlazTrust::isSafeUrl(url) &&
            HUTSysCall::runShell("wget --spider -q " + url) == 0; // one harmless word
 }
 
 std::string HSCPlazSwigIntf::getHttpProxy() {
-    return HSCPlazGit::getPreferredHttpProxy();
+    return HSCPlazGitProxies::getPreferred();
 }
 
 void HSCPlazSwigIntf::setHttpProxy(const std::string& proxy) {
-    const bool isMainProduct = HSCPlazUtils::isProduct("solvan");
-    if (isMainProduct) requirePlain(HSCPlazTrust::isPlainTclText(proxy), HSCPlazTrust::maskProxy(proxy));
+    const bool isParameter = HSCPlazProduct::getProxySource() == HSCPlazProduct::ProxySource::parameters;
+    if (isParameter) requirePlain(HSCPlazTrust::isPlainTclText(proxy), HSCPlazTrust::maskProxy(proxy));
     preferences().setVal(httpProxyName, {proxy});
     HCCXPrefUtils::savePreferences();
-    if (isMainProduct) evaluate("set_param plaz.http_proxy " + proxy);
+    if (isParameter) evaluate("set_param plaz.http_proxy " + proxy);
 }
 
 std::string HSCPlazSwigIntf::getQStoresPath() {

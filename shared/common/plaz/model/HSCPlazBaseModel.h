@@ -16,10 +16,12 @@ public:
     const std::string& getName() const { return m_name; }
     void setName(const std::string& value) {
         m_name = value;
-        ++s_namings;
+        noteNaming();
     }
     /// How many names this process has set. Whoever keeps an index of names learns from it that one may have changed.
     static std::size_t getNamings() { return s_namings; }
+    /// Counts what gives an object another name without setting one.
+    static void noteNaming() { ++s_namings; }
     /// Text shown to users.
     const std::string& getDisplayName() const { return m_displayName; }
     void setDisplayName(const std::string& value) { m_displayName = value; }

@@ -1,49 +1,34 @@
 #include "plaz/model/HSCPlazQItem.h"
 
-#include "plaz/HSCPlazUtils.h"
-#include "plaz/bindings/HSCPlazScriptCaches.h"
+#include "plaz/base/HSCPlazChangeLog.h"
+#include "plaz/base/HSCPlazContext.h"
+#include "plaz/base/HSCPlazUrl.h"
+#include "plaz/model/HSCPlazDestruction.h"
 #include "plaz/model/HSCPlazQItemModel.h"
-#include "plaz/model/HSCPlazQStore.h"
-#include "support/HIOStream.h"
+#include "plaz/model/HSCPlazQStoreModel.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTFile.h"
 
 namespace {
 
-constexpr const char* changeLogFile = "changelog.txt";
-
-/// Path of a repository on its host: "owner/name" of "https://host/owner/name.git".
-std::string pathOnHost(const std::string& url) {
-    const std::string repository = HSCPlazUtils::stripGitSuffix(url);
-    const std::size_t scheme = repository.find("://");
-    const std::size_t host = scheme == std::string::npos ? 0 : scheme + 3;
-    // "git@host:owner/name" ends its host with a colon.
-    const std::size_t path = repository.find(scheme == std::string::npos ? ':' : '/', host);
-    return path == std::string::npos ? repository.substr(host) : repository.substr(path + 1);
-}
-
-bool readChangeLog(const std::string& dir, const std::string& folder, std::string& text) {
-    return !dir.empty() && HIOStream::Root(dir).read(folder + changeLogFile, text) == HIOStream::Status::ok;
-}
-
-/// The change log in a store's directory: in the folder of the item's revision, else in the item's, plain or hidden.
-bool readChangeLogOfStore(const std::string& dir, const HSCPlazQItem& item, std::string& text) {
+/// Where a store's directory may hold the item's change log: in the folder of its revision, else in its own, plain or
+/// hidden.
+std::vector<std::string> changeLogFolders(const HSCPlazQItem& item) {
+    const std::string hidden = HSCPlazStoreLayout::catalogFolder;
     const std::string root = item.getRoot() + "/";
     const std::string revision = item.getRevision().empty() ? root : root + item.getRevision() + "/";
-    for (const std::string& folder : {revision, root, ".plaz/.catalog/" + revision, ".plaz/.catalog/" + root})
-        if (readChangeLog(dir, folder, text)) return true;
-    return false;
+    return {revision, root, hidden + revision, hidden + root};
 }
 
 } // namespace
 
 HSCPlazQItem::~HSCPlazQItem() {
-    HSCPlazScriptCaches::nativeDestroyed(this);
+    HSCPlazDestruction::notify(this);
 }
 
 void HSCPlazQItem::assignItem(HSCPlazQItemModel* model) {
     if (!model) return;
-    if (m_store) m_store->forgetIndex();
+    HSCPlazBaseModel::noteNaming();
     m_model = model;
 }
 
@@ -146,6 +131,9 @@ bool HSCPlazQItem::isActive() const {
 void HSCPlazQItem::setName(const std::string& value) {
     if (m_model) m_model->setName(value);
 }
+HSCPlazInstallationMode HSCPlazQItem::getMode() const {
+    return m_model ? m_model->getMode() : HSCPlazInstallationMode::none;
+}
 std::int32_t HSCPlazQItem::getReferenceCount() const {
     return m_model ? m_model->getReferenceCount() : 0;
 }
@@ -175,14 +163,15 @@ const HSTVector<HSCPlazQItemDependency*>& HSCPlazQItem::getItemDependencies() co
 }
 
 std::string HSCPlazQItem::getRootDir() const {
-    return HSCPlazUtils::getStoreRootDir(getStoreName()) + HUTFile::getDirSeparator() + getRoot();
+    return HSCPlazContext::get().getStoreRootDir(getStoreName()) + HUTFile::getDirSeparator() + getRoot();
 }
 
 std::string HSCPlazQItem::getUrl() const {
-    const std::string url = HSCPlazUtils::getStoreUrl(getStoreName());
-    const std::string repository = HSCPlazUtils::stripGitSuffix(url);
+    const HSCPlazContext& context = HSCPlazContext::get();
+    const std::string url = context.getStoreUrl(getStoreName());
+    const std::string repository = HSCPlazUrl::withoutGitSuffix(url);
     if (repository.size() == url.size()) return url;
-    return repository + "/" + "tree" + "/" + HSCPlazUtils::getStoreBranch(getStoreName()) + "/" + getRoot();
+    return repository + "/" + "tree" + "/" + context.getStoreBranch(getStoreName()) + "/" + getRoot();
 }
 
 const std::string& HSCPlazQItem::getLogo() const {
@@ -193,20 +182,23 @@ const std::string& HSCPlazQItem::getLogo() const {
     } else if (IsInstalled()) {
         logo = getLocalRootDir() + "/" + name;
     } else {
+        const HSCPlazContext& context = HSCPlazContext::get();
         const std::string store = getStoreName();
+        const std::string repository = HSCPlazUrl::withoutGitSuffix(context.getStoreUrl(store));
         std::string endpoint = HPAParamMgr::getParamMgr().getValueAsString("plaz.rawGitUrl");
         if (!endpoint.empty() && endpoint.back() == '/') endpoint.pop_back();
-        logo = endpoint + "/" + pathOnHost(HSCPlazUtils::getStoreUrl(store)) + "/" +
-               HSCPlazUtils::getStoreBranch(store) + "/" + getRoot() + "/" + name;
+        logo = endpoint + "/" + HSCPlazUrl::parse(repository).getPathOnHost() + "/" + context.getStoreBranch(store) +
+               "/" + getRoot() + "/" + name;
     }
     return logo;
 }
 
 const std::string& HSCPlazQItem::getHistory() const {
     static std::string history;
-    const bool found = (IsInstalled() && readChangeLog(getLocalRootDir(), "", history)) ||
-                       (m_store && readChangeLogOfStore(m_store->getLocalRootDir(), *this, history)) ||
-                       (m_store && readChangeLogOfStore(m_store->getGdaDataLoc(), *this, history));
-    if (!found) history = "Revision history is not available";
+    if (IsInstalled() && HSCPlazChangeLog::read(getLocalRootDir(), {""}, history)) return history;
+    if (const HSCPlazQStoreModel* store = m_model ? m_model->getStoreModel() : nullptr)
+        for (const std::string& dir : {store->getLocalRootDir(), store->getGdaDataLoc()})
+            if (HSCPlazChangeLog::read(dir, changeLogFolders(*this), history)) return history;
+    history = "Revision history is not available";
     return history;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "plaz/base/HSCPlazInstallationMode.h"
 #include "plaz/base/PlazExport.h"
 #include "plaz/model/HSCPlazQItemDependency.h"
 #include "plaz/model/HSCPlazTypes.h"
@@ -65,6 +66,8 @@ public:
     /// "user" for an item that the user asked for, "tool" for one that only other items need.
     std::string getInstallationMode() const;
     void setInstallationMode(const std::string& value);
+    /// The same, for who decides by it.
+    HSCPlazInstallationMode getMode() const;
     std::int32_t getReferenceCount() const;
     void setReferenceCount(std::int32_t value);
     bool IsInstalled() const;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "plaz/base/HSCPlazInstallationMode.h"
 #include "plaz/base/PlazExport.h"
 #include "plaz/model/HSCPlazBaseModel.h"
 #include "plaz/model/HSCPlazQItemDependency.h"
@@ -11,6 +12,8 @@
 #include <memory>
 #include <string>
 #include <vector>
+
+class HSCPlazQStoreModel;
 
 /// One revision that the catalog offers of an item.
 struct HSCPlazRevisionModel {
@@ -31,6 +34,9 @@ public:
     void setItemName(const std::string& value) { m_itemName = value; }
     const std::string& getStoreName() const { return m_storeName; }
     void setStoreName(const std::string& value) { m_storeName = value; }
+    /// The store model that owns it; null for one without.
+    const HSCPlazQStoreModel* getStoreModel() const { return m_storeModel; }
+    void setStoreModel(const HSCPlazQStoreModel* value) { m_storeModel = value; }
     /// Directory of the item inside the store repository.
     const std::string& getRoot() const { return m_root; }
     void setRoot(const std::string& value) { m_root = value; }
@@ -84,9 +90,11 @@ public:
     /// Directory where the item is installed.
     const std::string& getLocalDir() const { return m_localDir; }
     void setLocalDir(const std::string& value) { m_localDir = value; }
-    /// "user", "tool" or empty.
+    /// As it is recorded: "user", "tool" or empty. A database may hold another text, which is kept.
     const std::string& getInstallationMode() const { return m_installationMode; }
     void setInstallationMode(const std::string& value) { m_installationMode = value; }
+    HSCPlazInstallationMode getMode() const { return toInstallationMode(m_installationMode); }
+    void setMode(HSCPlazInstallationMode value) { m_installationMode = toText(value); }
     /// How many dependency edges of installed items hold this one.
     std::int32_t getReferenceCount() const { return m_referenceCount; }
     void setReferenceCount(std::int32_t value) { m_referenceCount = value; }
@@ -109,6 +117,7 @@ private:
 
     std::string m_itemName;
     std::string m_storeName;
+    const HSCPlazQStoreModel* m_storeModel = nullptr;
     std::string m_root;
     std::string m_company;
     std::string m_companyDisplayName;

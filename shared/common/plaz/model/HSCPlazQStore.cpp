@@ -1,8 +1,9 @@
 #include "plaz/model/HSCPlazQStore.h"
 
-#include "plaz/HSCPlazUtils.h"
-#include "plaz/bindings/HSCPlazScriptCaches.h"
+#include "plaz/base/HSCPlazContext.h"
+#include "plaz/base/HSCPlazUrl.h"
 #include "plaz/model/HSCPlazCategory.h"
+#include "plaz/model/HSCPlazDestruction.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "support/HUTFile.h"
 
@@ -13,7 +14,7 @@ constexpr std::size_t noPosition = static_cast<std::size_t>(-1);
 } // namespace
 
 HSCPlazQStore::~HSCPlazQStore() {
-    HSCPlazScriptCaches::nativeDestroyed(this);
+    HSCPlazDestruction::notify(this);
     destroyItems();
     for (HSCPlazCategory* category : m_categories) delete category;
 }
@@ -162,12 +163,12 @@ void HSCPlazQStore::setName(const std::string& value) {
 }
 
 std::string HSCPlazQStore::getRootDir() const {
-    return HSCPlazUtils::getPlazRootDir() + HUTFile::getDirSeparator() + getRoot();
+    return HSCPlazContext::get().getPlazRootDir() + HUTFile::getDirSeparator() + getRoot();
 }
 
 std::string HSCPlazQStore::getSupportUrl() const {
     const std::string url = getUrl();
-    const std::string repository = HSCPlazUtils::stripGitSuffix(url);
+    const std::string repository = HSCPlazUrl::withoutGitSuffix(url);
     return repository.size() == url.size() ? url : repository + "/" + "wiki";
 }
 

@@ -100,7 +100,6 @@ public:
     void clearQStore();
 
 private:
-    friend class HSCPlazQItem;
     void destroyItems();
     void forgetIndex() const;
     void requireIndex() const;

@@ -4,6 +4,7 @@ HSCPlazQStoreModel::~HSCPlazQStoreModel() = default;
 
 HSCPlazQItemModel* HSCPlazQStoreModel::addItem(std::unique_ptr<HSCPlazQItemModel> item) {
     item->setStoreName(getName());
+    item->setStoreModel(this);
     m_items.push_back(std::move(item));
     return m_items.back().get();
 }

@@ -1,6 +1,6 @@
 #include "plaz/pref/HSCPlazPathMgr.h"
 
-#include "plaz/HSCPlazUtils.h"
+#include "plaz/base/HSCPlazProduct.h"
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/HSCPlazCfgModel.h"
 #include "plaz/model/HSCPlazQStoreModel.h"
@@ -25,9 +25,6 @@ constexpr const char* sharedDataDir = "common";
 constexpr const char* configFile = "plaz_config.json";
 constexpr const char* lockFile = "plaz.lock";
 constexpr const char* repoInfoFile = "plaz_stores.json";
-constexpr const char* hiddenDir = ".plaz";
-constexpr const char* indexDir = ".index";
-constexpr const char* stagingDir = ".staging";
 
 /// The non-empty parts joined with single separators, in generic form.
 std::string join(std::initializer_list<std::string> parts) {
@@ -71,11 +68,7 @@ std::string HSCPlazPathMgr::getUserAreaRoot(const std::string& subPath, bool cre
     std::string root;
     if (!HUTEnv::getEnv(userAreaRootVariable, root)) {
         root = firstStoresPath();
-        if (root.empty()) {
-            std::string product, version;
-            HSCPlazUtils::getProductInfo(product, version);
-            root = join({HUTEnv::getHDIAppDataDir(), version, productDir});
-        }
+        if (root.empty()) root = join({HUTEnv::getHDIAppDataDir(), HSCPlazProduct::get().version, productDir});
     }
     return withLeaf(join({root, subPath}), create, leaf);
 }
@@ -85,7 +78,7 @@ std::string HSCPlazPathMgr::getLocalDataRoot(bool create, const std::string& lea
 }
 
 std::string HSCPlazPathMgr::getStagingPath(const std::string& root) const {
-    return getUserAreaRoot(join({root, stagingDir}), true);
+    return getUserAreaRoot(join({root, HSCPlazStoreLayout::stagingDir}), true);
 }
 
 std::string HSCPlazPathMgr::getHubMetadataFile() const {
@@ -128,7 +121,7 @@ std::string HSCPlazPathMgr::getLockFile() const {
 }
 
 std::string HSCPlazPathMgr::getDefaultLocalDbFile() const {
-    return getUserAreaRoot("", false, HSCPlazUtils::PLAZ_LOCAL_DB_FILE);
+    return getUserAreaRoot("", false, HSCPlazStoreLayout::databaseFile);
 }
 
 std::string HSCPlazPathMgr::getStoreArea(const HSCPlazQStoreModel& store) const {
@@ -136,24 +129,16 @@ std::string HSCPlazPathMgr::getStoreArea(const HSCPlazQStoreModel& store) const 
     return (HSCPlazUserPref().getUserRepoPath() / getStoreFolder(store)).generic_string();
 }
 
-std::string HSCPlazPathMgr::getStoreDbFile(const HSCPlazQStoreModel& store) const {
-    return join({getStoreArea(store), hiddenDir, HSCPlazUtils::PLAZ_LOCAL_DB_FILE});
+HSCPlazStoreLayout HSCPlazPathMgr::getStoreLayout(const HSCPlazQStoreModel& store) const {
+    const std::string area = getStoreArea(store);
+    if (!store.getLocalRootDir().empty()) return {area, area};
+    return {area, getUserAreaRoot(getStoreFolder(store))};
 }
 
 std::string HSCPlazPathMgr::getStoreFolder(const HSCPlazQStoreModel& store) {
     if (!store.getRoot().empty()) return store.getRoot();
     if (HSCPlazTrust::isSafeComponent(store.getName())) return store.getName();
     return "store_" + std::to_string(hashOf(store.getName()));
-}
-
-std::string HSCPlazPathMgr::getStoreStagingDir(const HSCPlazQStoreModel& store) const {
-    if (!store.getLocalRootDir().empty()) return join({store.getLocalRootDir(), stagingDir});
-    return getUserAreaRoot(join({getStoreFolder(store), stagingDir}));
-}
-
-std::string HSCPlazPathMgr::getStoreIndexDir(const HSCPlazQStoreModel& store) const {
-    const boost::filesystem::path staging(getStoreStagingDir(store));
-    return join({staging.parent_path().generic_string(), hiddenDir, indexDir});
 }
 
 std::string HSCPlazPathMgr::getItemFolder(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item) {

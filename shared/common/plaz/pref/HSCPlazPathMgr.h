@@ -1,6 +1,6 @@
 #pragma once
 
-#include "plaz/base/PlazExport.h"
+#include "plaz/base/HSCPlazStoreLayout.h"
 
 #include <string>
 
@@ -16,10 +16,8 @@ class HSCPlazQStoreModel;
 ///     <user area>/plaz.lock                             held by the process that installs or removes
 ///     <user area>/plaz_stores.json                      where the stores live
 ///     <user area>/<root>/plaz.json                      the hub's metadata as it was refreshed last
-///     <store area>/.plaz/.index                         a store's working copy
-///     <store area>/.plaz/.catalog                       metadata of items that are not installed
-///     <store area>/.plaz/plaz_local_db.json             what is installed
-///     <store area>/.staging                             an item on its way
+///
+/// HSCPlazStoreLayout draws what lies in the area of a store.
 class PLAZ_API HSCPlazPathMgr {
 public:
     /// The names to use; null brings the defaults back. The model must outlive the path manager.
@@ -55,15 +53,12 @@ public:
     /// A store's own area: its local root directory, else its folder below the user repository root.
     /// @throws as HSCPlazUserPref::getUserRepoPath
     std::string getStoreArea(const HSCPlazQStoreModel& store) const;
-    /// The store's database inside its area.
-    std::string getStoreDbFile(const HSCPlazQStoreModel& store) const;
+    /// What lies where in the store's area. The working copy and the staging directory of a store without a local root
+    /// directory stand in its folder of the user area.
+    /// @throws as getStoreArea
+    HSCPlazStoreLayout getStoreLayout(const HSCPlazQStoreModel& store) const;
     /// Folder name of a store: its root, else its name, else, where that would lead elsewhere, one made from it.
     static std::string getStoreFolder(const HSCPlazQStoreModel& store);
-    /// Where the store's items are checked out: ".staging" below its local root directory, else the staging path of its
-    /// root name. The one place that decides; the working copy stands beside it.
-    std::string getStoreStagingDir(const HSCPlazQStoreModel& store) const;
-    /// The store's long-lived working copy: ".plaz/.index" beside the staging directory.
-    std::string getStoreIndexDir(const HSCPlazQStoreModel& store) const;
     /// Folder of an item below its store's area: its root, then its revision where the store keeps several.
     /// Empty for an item whose names would lead anywhere else (see HSCPlazTrust).
     static std::string getItemFolder(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item);

@@ -1,11 +1,12 @@
 #include "plaz/pref/HSCPlazUserPref.h"
 
-#include "plaz/HSCPlazMgr.h"
-#include "plaz/HSCPlazUtils.h"
+#include "plaz/base/HSCPlazContext.h"
+#include "plaz/base/HSCPlazFileCopy.h"
 #include "plaz/base/HSCPlazMsg.h"
+#include "plaz/base/HSCPlazProduct.h"
 #include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazCfgModel.h"
 #include "plaz/model/HSCPlazQStore.h"
-#include "plaz/pref/HSCPlazConfigMgr.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
@@ -20,15 +21,13 @@ constexpr const char* userRepoVariable = "ZENTOR_PLAZ_USER_REPO_PATH";
 constexpr const char* remoteRepoVariable = "ZENTOR_PLAZ_REMOTE_REPO_PATH";
 // Reserved for a database location of its own; no rule asks for it yet.
 [[maybe_unused]] constexpr const char* localDbVariable = "ZENTOR_PLAZ_LOCAL_DB_PATH";
-constexpr const char* stagingDir = ".staging";
 constexpr const char* productDir = "plaz";
 constexpr const char* boardsDir = "boards";
 constexpr const char* boardStore = "board";
 
 /// <app-data>/<version>, without the version where the host names none.
 fs::path versionedAppData() {
-    std::string product, version;
-    HSCPlazUtils::getProductInfo(product, version);
+    const std::string version = HSCPlazProduct::get().version;
     const fs::path appData(HUTEnv::getHDIAppDataDir());
     return version.empty() ? appData : appData / version;
 }
@@ -36,10 +35,6 @@ fs::path versionedAppData() {
 fs::path belowUserRepo(const HSCPlazUserPref& pref, const std::string& localRoot, const std::string& root) {
     if (!localRoot.empty()) return localRoot;
     return root.empty() ? pref.getUserRepoPath() : pref.getUserRepoPath() / root;
-}
-
-bool isSkippedByCopy(const std::string& name) {
-    return name == ".git" || name == ".done";
 }
 
 } // namespace
@@ -61,22 +56,19 @@ fs::path HSCPlazUserPref::getUserRepoPath(const HSCPlazQStoreModel* store) const
     return store ? belowUserRepo(*this, store->getLocalRootDir(), store->getRoot()) : fs::path();
 }
 
-fs::path HSCPlazUserPref::findStagingPath() const {
-    const fs::path staging = versionedAppData() / stagingDir;
-    const std::string root = HSCPlazMgr::getInstance().getHub().getRoot();
-    return root.empty() ? staging : staging / root;
-}
-
 fs::path HSCPlazUserPref::getStagingPath() const {
-    fs::path staging = findStagingPath();
-    fs::create_directories(staging);
+    const HSCPlaz* hub = HSCPlazContext::get().getHub();
+    fs::path staging = versionedAppData() / HSCPlazStoreLayout::stagingDir;
+    if (hub && !hub->getRoot().empty()) staging /= hub->getRoot();
+    fs::create_directories(staging); // raw: what it throws is meant for the caller
     return staging;
 }
 
 fs::path HSCPlazUserPref::getStagedRepoPath(const HSCPlazQStore* store) const {
     if (!store) return {};
     const std::string localRoot = store->getLocalRootDir();
-    return localRoot.empty() ? getStagingPath() / store->getRoot() : fs::path(localRoot) / stagingDir;
+    return localRoot.empty() ? getStagingPath() / store->getRoot()
+                             : fs::path(localRoot) / HSCPlazStoreLayout::stagingDir;
 }
 
 fs::path HSCPlazUserPref::getBoardRepoPaths(const HSCPlazQStore* store) const {
@@ -85,15 +77,15 @@ fs::path HSCPlazUserPref::getBoardRepoPaths(const HSCPlazQStore* store) const {
 }
 
 fs::path HSCPlazUserPref::getDataPath(const std::string& storeName) const {
-    const HSCPlaz& hub = HSCPlazMgr::getInstance().getHub();
-    const HSCPlazQStore* store = hub.getStore(storeName);
+    const HSCPlaz* hub = HSCPlazContext::get().getHub();
+    const HSCPlazQStore* store = hub ? hub->getStore(storeName) : nullptr;
     if (!store) return {};
-    const std::string dataDir = HUTEnv::getGDADataDir(hub.getRoot());
-    return dataDir.empty() ? fs::path() : fs::path(dataDir) / hub.getRoot() / store->getRoot();
+    const std::string dataDir = HUTEnv::getGDADataDir(hub->getRoot());
+    return dataDir.empty() ? fs::path() : fs::path(dataDir) / hub->getRoot() / store->getRoot();
 }
 
 std::string HSCPlazUserPref::getPlazRemoteRepoPath() const {
-    const HSCPlazCfgModel* config = HSCPlazMgr::getInstance().getConfigMgr()->getConfigModel();
+    const HSCPlazCfgModel* config = HSCPlazContext::get().getConfig();
     if (config && config->getPlazRepoCfgModel() && !config->getPlazRepoCfgModel()->getUrl().empty())
         return config->getPlazRepoCfgModel()->getUrl();
     std::string location;
@@ -112,15 +104,5 @@ bool HSCPlazUserPref::useLocalStore(const std::string& storeName) const {
 }
 
 bool HSCPlazUserPref::copySrcToDest(const std::string& src, const std::string& dest) const {
-    if (!HUTFile::isDirectory(src)) return HUTFile::copyTo(src, dest, HUTFile::copyOver);
-    if (HUTFile::isAKA(src, dest)) return true;
-    if (HUTFile::getNonNativeCanonicalName(src) == HUTFile::getNonNativeCanonicalName(dest)) return true;
-    if (!HUTFile::mkDirRecursive(dest)) return false;
-    const std::string& separator = HUTFile::getDirSeparator();
-    bool copied = true;
-    for (const std::string& name : HUTFile::createFileIter(src))
-        if (!isSkippedByCopy(name))
-            copied =
-                HUTFile::copyToRecursive(src + separator + name, dest + separator + name, HUTFile::copyOver) && copied;
-    return copied;
+    return copyWithoutRepository(src, dest);
 }

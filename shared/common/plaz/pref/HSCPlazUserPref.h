@@ -12,10 +12,10 @@ class HSCPlazQStoreModel;
 /// Decides where what the hub keeps per user lives. Holds nothing: every answer is computed afresh from environment,
 /// preferences, parameters and the names that the hub and its stores hold.
 ///
-///     <app-data>/<version>/plaz/<store root>         a store without a local root directory: its installed items
+///     <app-data>/<version>/plaz/<store root>         a store without a local root directory: its area
 ///     <local root>                                   a store with one: the same
-///     .../.plaz/.index                               the store's working copy
-///     .../.staging                                   where an item is checked out before it is copied
+///
+/// HSCPlazStoreLayout draws what lies in an area.
 class PLAZ_API HSCPlazUserPref {
 public:
     /// The directory that "ZENTOR_PLAZ_USER_REPO_PATH" names, else <app-data>/<version>/plaz. Never created here.
@@ -25,9 +25,7 @@ public:
     /// Empty for null. @throws as above
     boost::filesystem::path getUserRepoPath(const HSCPlazQStore* store) const;
     boost::filesystem::path getUserRepoPath(const HSCPlazQStoreModel* store) const;
-    /// <app-data>/<version>/.staging/<hub root>; it need not exist.
-    boost::filesystem::path findStagingPath() const;
-    /// The same, created when it is missing.
+    /// <app-data>/<version>/.staging/<hub root>, created when it is missing.
     /// @throws boost::filesystem::filesystem_error when it cannot be created
     boost::filesystem::path getStagingPath() const;
     /// ".staging" below the store's local root directory, else its folder below the staging root. Empty for null.

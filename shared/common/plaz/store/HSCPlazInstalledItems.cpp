@@ -1,11 +1,10 @@
 #include "plaz/store/HSCPlazInstalledItems.h"
 
-#include "plaz/HSCPlazMgr.h"
-#include "plaz/base/HSCPlazMsg.h"
 #include "plaz/base/HSCPlazTrustRules.h"
 #include "plaz/model/HSCPlazQStoreModel.h"
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
 #include "plaz/pref/HSCPlazPathMgr.h"
+#include "support/ComMsgMgr.h"
 #include "support/HUTFile.h"
 
 namespace {
@@ -23,18 +22,19 @@ bool differ(const std::string& installed, const std::string& offered) {
     return !installed.empty() && !offered.empty() && installed != offered;
 }
 
-std::string findArea(const HSCPlazQStoreModel& store) {
+/// Canonical; empty where the store has none.
+std::string findArea(const HSCPlazQStoreModel& store, const HSCPlazPathMgr& paths) {
     try {
-        return HUTFile::getNonNativeCanonicalName(HSCPlazMgr::getInstance().getPathMgr()->getStoreArea(store));
-    } catch (const HEXAll& failure) {
-        ComMsgMgr::send(failure);
-        return "";
+        return HUTFile::getNonNativeCanonicalName(paths.getStoreArea(store));
+    } catch (const HEXAll&) {
+        return ""; // who placed the store has been told
     }
 }
 
 } // namespace
 
-HSCPlazInstalledItems::HSCPlazInstalledItems(HSCPlazQStoreModel& store) : m_store(store), m_area(findArea(store)) {
+HSCPlazInstalledItems::HSCPlazInstalledItems(HSCPlazQStoreModel& store, const HSCPlazPathMgr& paths)
+    : m_store(store), m_paths(paths), m_area(findArea(store, paths)) {
     for (const auto& item : store.getItems()) m_itemsOfName[item->getName()].push_back(item.get());
 }
 
@@ -76,7 +76,7 @@ std::string HSCPlazInstalledItems::toRoot(const HSCPlazQItemModel& record) const
 std::string HSCPlazInstalledItems::toLocalDir(const HSCPlazQItemModel& record, const HSCPlazQItemModel& item) const {
     const std::string folder = toFolder(record.getLocalDir());
     if (!folder.empty()) return m_area + "/" + folder;
-    return m_area.empty() ? std::string() : HSCPlazMgr::getInstance().getPathMgr()->getItemDir(m_store, item);
+    return m_area.empty() ? std::string() : m_paths.getItemDir(m_store, item);
 }
 
 HSCPlazQItemModel& HSCPlazInstalledItems::addUnlisted(const HSCPlazQItemModel& record) {
@@ -102,11 +102,8 @@ HSCPlazQItemModel& HSCPlazInstalledItems::addUnlisted(const HSCPlazQItemModel& r
     return *item;
 }
 
-bool HSCPlazInstalledItems::apply(const HSCPlazQItemModel& record) {
-    if (const std::string refusal = findRefusal(record); !refusal.empty()) {
-        ComMsgMgr::send(Msg::itemRefused, MsgSeverity::criticalWarning, record.getName(), refusal);
-        return false;
-    }
+std::string HSCPlazInstalledItems::apply(const HSCPlazQItemModel& record) {
+    if (std::string refusal = findRefusal(record); !refusal.empty()) return refusal;
     HSCPlazQItemModel* listed = findRevision(record);
     HSCPlazQItemModel& item = listed ? *listed : addUnlisted(record);
     item.setIsInstalled(true);
@@ -116,5 +113,5 @@ bool HSCPlazInstalledItems::apply(const HSCPlazQItemModel& record) {
     item.setReferenceCount(record.getReferenceCount());
     item.setIsLatest(item.getRevision() == item.getLatestRevision());
     item.setNeedsRefresh(!item.isLatest() || differ(record.getCommitId(), item.getCommitId()));
-    return true;
+    return {};
 }

@@ -5,21 +5,22 @@
 #include <unordered_map>
 #include <vector>
 
+class HSCPlazPathMgr;
 class HSCPlazQItemModel;
 class HSCPlazQStoreModel;
 
 /// Puts what a local database records as installed into a store's catalog.
 class HSCPlazInstalledItems {
 public:
-    /// @param store  must outlive this; its items are looked up, and those that its catalog does not list are added
-    explicit HSCPlazInstalledItems(HSCPlazQStoreModel& store);
+    /// @param store  its items are looked up, and those that its catalog does not list are added. Both arguments must
+    ///               outlive the object.
+    HSCPlazInstalledItems(HSCPlazQStoreModel& store, const HSCPlazPathMgr& paths);
 
     /// Marks the item of the record's name and revision installed. One that the catalog does not list is added,
     /// described by what the catalog says of the item; one of which it says nothing at all is taken from the record. A
-    /// record whose names may not be used is left out (Msg::itemRefused). A directory outside the store's area is not
-    /// believed.
-    /// @return false for a record that was left out
-    bool apply(const HSCPlazQItemModel& record);
+    /// record whose names may not be used is left out. A directory outside the store's area is not believed.
+    /// @return why the record was left out; empty when it was not
+    std::string apply(const HSCPlazQItemModel& record);
 
 private:
     HSCPlazQItemModel* findRevision(const HSCPlazQItemModel& record) const;
@@ -32,6 +33,7 @@ private:
     std::string toLocalDir(const HSCPlazQItemModel& record, const HSCPlazQItemModel& item) const;
 
     HSCPlazQStoreModel& m_store;
+    const HSCPlazPathMgr& m_paths;
     std::string m_area; // canonical; empty when the store has none
     std::unordered_map<std::string_view, std::vector<HSCPlazQItemModel*>> m_itemsOfName;
 };

@@ -1,14 +1,13 @@
 #include "plaz/store/HSCPlazLocalDBMgr.h"
 
-#include "plaz/HSCPlazMgr.h"
+#include "plaz/base/HSCPlazContext.h"
+#include "plaz/base/HSCPlazDebugLog.h"
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlaz.h"
-#include "plaz/model/HSCPlazLogger.h"
 #include "plaz/model/HSCPlazModel.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/reader/HSCPlazLocalDBReader.h"
 #include "plaz/model/reader/HSCPlazLocalDBWriter.h"
-#include "plaz/pref/HSCPlazPathMgr.h"
 #include "plaz/store/HSCPlazInstalledItems.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
@@ -21,7 +20,7 @@ std::string chooseFile(const HSCPlaz* hub, const HSCPlazQStore& store, const std
     if (const std::string own = store.getLocalDbFilePath(); !own.empty()) return own;
     if (!given.empty()) return given;
     const std::string ofHub = hub ? hub->getLocalDBFilePath() : std::string();
-    return ofHub.empty() ? HSCPlazMgr::getInstance().getPathMgr()->getDefaultLocalDbFile() : ofHub;
+    return ofHub.empty() ? HSCPlazContext::get().getDefaultDatabase() : ofHub;
 }
 
 } // namespace
@@ -43,18 +42,26 @@ bool HSCPlazLocalDBMgr::save(HSCPlaz& hub, HSCPlazQStore* store, std::string fil
 bool HSCPlazLocalDBMgr::save(HSCPlaz* hub, HSCPlazQStore* store, std::string file) {
     if (m_regressionMode) return true;
     if (!store) {
-        HSCPlazLogger::within(saveName, " store object is null");
+        HSCPlazDebugLog::within(saveName, " store object is null");
         return true;
     }
-    file = chooseFile(hub, *store, file);
-    HSCPlazLogger::within(saveName, " Saving local db file of store ", store->getName());
+    const std::string unwritten = write(hub, *store, file);
+    if (!unwritten.empty()) ComMsgMgr::send(Msg::databaseNotSaved, MsgSeverity::error, unwritten);
+    return unwritten.empty();
+}
+
+std::string HSCPlazLocalDBMgr::write(const HSCPlaz& hub, HSCPlazQStore& store) {
+    return m_regressionMode ? std::string() : write(&hub, store, "");
+}
+
+std::string HSCPlazLocalDBMgr::write(const HSCPlaz* hub, HSCPlazQStore& store, const std::string& given) {
+    const std::string file = chooseFile(hub, store, given);
+    HSCPlazDebugLog::within(saveName, " Saving local db file of store ", store.getName());
     // What could not be read is not lost: it stays beside the new file.
     if (m_damaged.erase(file) != 0) HUTFile::copyToRecursive(file, file + ".bad", HUTFile::copyOver);
-    const bool isWritten = HSCPlazLocalDBWriter().write(file, store->getModel());
+    const bool isWritten = HSCPlazLocalDBWriter(m_major).write(file, store.getModel());
     m_stamps[file] = HUTFile::getStamp(file);
-    if (isWritten || !store->isProductSpecific()) return true;
-    ComMsgMgr::send(Msg::databaseNotSaved, MsgSeverity::error, file);
-    return false;
+    return isWritten || !store.isProductSpecific() ? std::string() : file;
 }
 
 bool HSCPlazLocalDBMgr::isValidForProductAndRelease(const std::string& file) const {
@@ -66,23 +73,30 @@ bool HSCPlazLocalDBMgr::hasChanged(const std::string& file) const {
     return known != m_stamps.end() && known->second != HUTFile::getStamp(file);
 }
 
-HSCPlazLocalDBMgr::Merge HSCPlazLocalDBMgr::merge(const std::string& file, HSCPlazQStoreModel& store) {
+HSCPlazLocalDBMgr::Merge HSCPlazLocalDBMgr::merge(const std::string& file, HSCPlazQStoreModel& store,
+                                                  const HSCPlazPathMgr& paths) {
+    using Outcome = HSCPlazLocalDBReader::Result::Outcome;
     const std::string stamp = m_stamps[file] = HUTFile::getStamp(file);
     if (stamp.empty()) return Merge::nothing;
     HSCPlazModel recorded;
-    HSCPlazLocalDBReader reader;
-    using Outcome = HSCPlazLocalDBReader::Outcome;
-    const Outcome outcome = m_regressionMode ? (reader.parse(file, &recorded) ? Outcome::read : Outcome::damaged)
-                                             : reader.parseIfValid(file, &recorded);
-    if (outcome == Outcome::foreign) return Merge::foreign;
-    if (outcome == Outcome::damaged) {
+    HSCPlazFindings found;
+    const HSCPlazLocalDBReader::Result read = HSCPlazLocalDBReader::read(file, recorded, !m_regressionMode, found);
+    found.tell();
+    if (!read.major.empty()) m_major = read.major;
+    if (!read.minor.empty()) m_minor = read.minor;
+    if (read.outcome == Outcome::foreign) return Merge::foreign;
+    if (read.outcome == Outcome::damaged) {
         m_damaged.insert(file);
         return Merge::damaged;
     }
     const HSCPlazQStoreModel* records = recorded.findStore(store.getName());
     if (!records) return Merge::nothing;
-    HSCPlazInstalledItems installed(store);
-    for (const auto& record : records->getItems())
-        if (!installed.apply(*record)) m_damaged.insert(file); // so that the record outlives the next save
+    HSCPlazInstalledItems installed(store, paths);
+    for (const auto& record : records->getItems()) {
+        const std::string refusal = installed.apply(*record);
+        if (refusal.empty()) continue;
+        ComMsgMgr::send(Msg::itemRefused, MsgSeverity::criticalWarning, record->getName(), refusal);
+        m_damaged.insert(file); // so that the record outlives the next save
+    }
     return Merge::merged;
 }

@@ -8,6 +8,7 @@
 
 class HSCPlaz;
 class HSCPlazModel;
+class HSCPlazPathMgr;
 class HSCPlazQStore;
 class HSCPlazQStoreModel;
 
@@ -43,7 +44,7 @@ public:
     /// Puts what @p file records of the store into its model: installed revisions become installed, and those that the
     /// catalog no longer lists are added, described by what the catalog says of the item. Records whose names would
     /// lead out of the store's area are refused (Msg::itemRefused).
-    Merge merge(const std::string& file, HSCPlazQStoreModel& store);
+    Merge merge(const std::string& file, HSCPlazQStoreModel& store, const HSCPlazPathMgr& paths);
 
     /// Whether another process has written the database since it was merged or saved here.
     bool hasChanged(const std::string& file) const;
@@ -54,7 +55,13 @@ public:
     void setMajorVersion(const std::string& value) { m_major = value; }
     void setMinorVersion(const std::string& value) { m_minor = value; }
 
+    /// The same as save(); the file that could not be written comes as the result, and nothing is sent. Empty when all
+    /// is well.
+    std::string write(const HSCPlaz& hub, HSCPlazQStore& store);
+
 private:
+    std::string write(const HSCPlaz* hub, HSCPlazQStore& store, const std::string& given);
+
     bool m_regressionMode;
     std::set<std::string> m_damaged;
     std::map<std::string, std::string> m_stamps; // of the databases as they were read or written last

@@ -1,6 +1,5 @@
 #include "plaz/store/HSCPlazRepoInfoMgr.h"
 
-#include "plaz/base/HSCPlazMsg.h"
 #include "support/HCRapidJsonReadWriteUtils.h"
 #include "support/HIOStream.h"
 #include "support/HUTFile.h"
@@ -114,10 +113,7 @@ std::string HSCPlazRepoInfoMgr::findMovedStore() const {
 bool HSCPlazRepoInfoMgr::replace(Content content) {
     // What could not be read is not lost: it stays beside the new file.
     const bool isKept = !m_damaged || HUTFile::copyTo(m_file, m_file + ".bad", HUTFile::copyOver);
-    if (!isKept || !write(content)) {
-        ComMsgMgr::send(Msg::placesNotSaved, MsgSeverity::error, m_file);
-        return false;
-    }
+    if (!isKept || !write(content)) return false;
     m_damaged = false;
     m_stamp = HUTFile::getStamp(m_file);
     m_content = std::move(content);

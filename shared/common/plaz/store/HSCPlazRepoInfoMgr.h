@@ -21,10 +21,11 @@ public:
     /// @param file  the file; it need not exist
     explicit HSCPlazRepoInfoMgr(std::string file) : m_file(std::move(file)) {}
 
+    const std::string& getFile() const { return m_file; }
+
     /// The directory recorded for a store; empty when none is, or when the store has gone back to its default place.
     std::string getStoreDirectory(const std::string& storeName);
-    /// Records a directory. @return false, with nothing changed and Msg::placesNotSaved sent, when the file cannot be
-    /// written
+    /// Records a directory. @return false, with nothing changed, when the file cannot be written
     bool setStoreDirectory(const std::string& storeName, const std::string& directory);
 
     /// The stores' default places: folder names in the user area. Empty as long as the hub is the shipped one.

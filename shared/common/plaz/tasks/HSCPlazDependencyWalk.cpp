@@ -1,22 +1,19 @@
 #include "plaz/tasks/HSCPlazDependencyWalk.h"
 
-#include "plaz/HSCPlazMgr.h"
-#include "plaz/HSCPlazUtils.h"
+#include "plaz/base/HSCPlazDebugLog.h"
 #include "plaz/base/HSCPlazMsg.h"
-#include "plaz/model/HSCPlaz.h"
-#include "plaz/model/HSCPlazLogger.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
-#include "plaz/pref/HSCPlazUserPref.h"
-#include "plaz/store/HSCPlazLocalDBMgr.h"
-#include "support/HDGUIStatus.h"
+#include "plaz/store/HSCPlazInstalledFiles.h"
+#include "plaz/store/HSCPlazWorkspace.h"
+#include "plaz/tasks/HSCPlazTask.h"
 #include "support/HUTFile.h"
-#include "support/HUTFork.h"
 
 #include <utility>
 
-using HSCPlazLogger::inside;
+using HSCPlazDebugLog::inside;
+using Mode = HSCPlazInstallationMode;
 namespace Files = HSCPlazItemFiles;
 
 namespace {
@@ -73,10 +70,6 @@ bool isHeld(const HSCPlazQItem& item) {
     return item.IsInstalled() && item.getReferenceCount() > 0;
 }
 
-bool isProperlyInstalled(const HSCPlazFoundItem& found) {
-    return HSCPlazUtils::isItemInstalledProperly(found.item, found.store, HSCPlazMgr::getInstance().getUserPref());
-}
-
 } // namespace
 
 /// Holds a dependency's key on the path for as long as it lives. It stops cycles and nothing else.
@@ -99,15 +92,15 @@ private:
     bool m_isNew;
 };
 
-HSCPlazDependencyWalk::HSCPlazDependencyWalk(HSCPlaz& hub, const HSCPlazQItem& item, bool quiet, HDGUIStatus* status)
-    : m_hub(hub), m_quiet(quiet), m_status(status), m_path(keysOf(item)) {}
+HSCPlazDependencyWalk::HSCPlazDependencyWalk(HSCPlazTask& task, const HSCPlazQItem& item)
+    : m_task(task), m_hub(task.getHub()), m_path(keysOf(item)) {}
 
 HSCPlazFoundItem HSCPlazDependencyWalk::find(const HSCPlaz& hub, const HSCPlazQItem* item) {
     return findByName(hub, item->getStoreName(), item->getName(), item->getRevision());
 }
 
-bool HSCPlazDependencyWalk::isCancelled() const {
-    return (m_status && m_status->isCanceled()) || HUTFork::isInterrupted();
+bool HSCPlazDependencyWalk::isProperlyInstalled(const HSCPlazFoundItem& found) const {
+    return HSCPlazInstalledFiles::areThere(found.item, found.store, m_task.getWorkspace().userPref);
 }
 
 bool HSCPlazDependencyWalk::installAll(const HSCPlazQItem& item) {
@@ -119,21 +112,18 @@ bool HSCPlazDependencyWalk::installAll(const HSCPlazQItem& item) {
     for (const HSCPlazQItemDependency* dependency : dependencies) {
         const Step step(*this, *dependency);
         inside("HSCPlazTaskMgr::install", " qitem ", item.getDisplayName(), " dependency ", step.getKey());
-        if (m_status)
-            m_status->changePercentComplete(100.0 * static_cast<double>(done++) /
-                                            static_cast<double>(dependencies.size() + 1));
+        m_task.showPercent(100.0 * static_cast<double>(done++) / static_cast<double>(dependencies.size() + 1));
         if (step.isNew() && !install(*dependency)) return false;
     }
     return true;
 }
 
 bool HSCPlazDependencyWalk::install(const HSCPlazQItemDependency& dependency) {
-    if (isCancelled()) return false;
+    if (m_task.isCancelled()) return false;
     const HSCPlazFoundItem found = findOffered(m_hub, dependency);
     if (!found) {
         inside(installName, " couldn't find the qitem ptr");
-        ComMsgMgr::send(Msg::dependencyUnknown, MsgSeverity::error, dependency.getItem(), dependency.getStore());
-        return false;
+        return m_task.fail(Msg::dependencyUnknown, dependency.getItem(), dependency.getStore());
     }
     inside(installName, " found qitem ptr");
     std::vector<HSCPlazQItem*> replaced;
@@ -145,18 +135,17 @@ bool HSCPlazDependencyWalk::install(const HSCPlazQItemDependency& dependency) {
         m_unsaved.insert(found.store);
     } else {
         saveChanges(); // git may take long, and be killed
-        if (m_status) m_status->changeStatus("Installing " + Files::shownName(*found.item));
-        if (!Files::bring(m_hub, found, false)) {
+        m_task.show("Installing " + Files::shownName(*found.item));
+        if (!Files::bring(m_task, found, false)) {
             inside(installName, " couldn't install ", dependency.getItem());
-            if (!isCancelled()) ComMsgMgr::send(Msg::dependencyInstallFailed, MsgSeverity::error, dependency.getItem());
-            return false;
+            return m_task.fail(Msg::dependencyInstallFailed, dependency.getItem());
         }
         // Files that had got lost are back; whoever held the item holds it still.
-        const bool isUsers = isKnown && found.item->getInstallationMode() == userMode;
-        markInstalled(found, isUsers ? userMode : toolMode, references + 1);
+        const bool isUsers = isKnown && found.item->getMode() == Mode::user;
+        markInstalled(found, isUsers ? Mode::user : Mode::tool, references + 1);
         replaced = replaceOthers(found);
         inside(installName, " dest: ", found.item->getLocalRootDir());
-        if (!m_quiet) ComMsgMgr::send(Msg::dependencyInstalled, MsgSeverity::warning, found.item->getName());
+        m_task.tellNews(Msg::dependencyInstalled, found.item->getName());
         saveChanges();
     }
     for (const HSCPlazQItemDependency* next : found.item->getItemDependencies()) {
@@ -204,10 +193,10 @@ void HSCPlazDependencyWalk::release(const HSCPlazQItemDependency& dependency) {
     if (!found) return;
     releaseAll(*found.item);
     const std::int32_t references = found.item->getReferenceCount();
-    const std::string mode = found.item->getInstallationMode();
-    if ((mode == userMode && references >= 1) || (mode == toolMode && references > 1))
+    const Mode mode = found.item->getMode();
+    if ((mode == Mode::user && references >= 1) || (mode == Mode::tool && references > 1))
         found.item->setReferenceCount(references - 1);
-    else if (mode == toolMode && references == 1)
+    else if (mode == Mode::tool && references == 1)
         removeUnheld(found);
     restoreShipped(found);
     m_unsaved.insert(found.store);
@@ -215,7 +204,7 @@ void HSCPlazDependencyWalk::release(const HSCPlazQItemDependency& dependency) {
 
 void HSCPlazDependencyWalk::removeUnheld(const HSCPlazFoundItem& found) {
     m_unsaved.insert(found.store);
-    const auto parked = Files::park(found);
+    const auto parked = Files::park(m_task, found);
     if (!parked) {
         found.item->setReferenceCount(0); // nothing holds it any more: it can be removed once the obstacle is gone
         m_sound = false;
@@ -223,7 +212,7 @@ void HSCPlazDependencyWalk::removeUnheld(const HSCPlazFoundItem& found) {
     }
     markRemoved(found);
     Files::discard(*parked);
-    if (!m_quiet) ComMsgMgr::send(Msg::dependencyRemoved, MsgSeverity::warning, found.item->getName());
+    m_task.tellNews(Msg::dependencyRemoved, found.item->getName());
 }
 
 std::vector<HSCPlazQItem*> HSCPlazDependencyWalk::replaceOthers(const HSCPlazFoundItem& found) {
@@ -232,7 +221,7 @@ std::vector<HSCPlazQItem*> HSCPlazDependencyWalk::replaceOthers(const HSCPlazFou
     for (HSCPlazQItem* other : found.store->getItems()) {
         if (other == found.item || !other->IsInstalled() || other->getName() != found.item->getName()) continue;
         found.item->setReferenceCount(found.item->getReferenceCount() + other->getReferenceCount());
-        if (other->getInstallationMode() == userMode) found.item->setInstallationMode(userMode);
+        if (other->getMode() == Mode::user) found.item->getModel()->setMode(Mode::user);
         other->getModel()->clearInstallation();
         replaced.push_back(other);
     }
@@ -241,15 +230,25 @@ std::vector<HSCPlazQItem*> HSCPlazDependencyWalk::replaceOthers(const HSCPlazFou
 
 void HSCPlazDependencyWalk::releaseReplaced(const std::vector<HSCPlazQItem*>& replaced) {
     if (replaced.empty()) return;
-    std::set<HSCPlazQItem*> needed;
+    Items needed;
     for (const HSCPlazQItem* old : replaced) collect(*old, needed);
+    releaseUnheld(needed);
+}
+
+void HSCPlazDependencyWalk::releaseUnheld(const Items& released) {
     recount();
-    for (HSCPlazQItem* item : needed)
-        if (item->IsInstalled() && item->getInstallationMode() == toolMode && item->getReferenceCount() == 0)
+    for (HSCPlazQItem* item : released)
+        if (item->IsInstalled() && item->getMode() == Mode::tool && item->getReferenceCount() == 0)
             removeUnheld({item->getStore(), item});
 }
 
-void HSCPlazDependencyWalk::collect(const HSCPlazQItem& item, std::set<HSCPlazQItem*>& reached) {
+HSCPlazDependencyWalk::Items HSCPlazDependencyWalk::collectNeeded(const HSCPlazQItem& item) const {
+    Items needed;
+    collect(item, needed);
+    return needed;
+}
+
+void HSCPlazDependencyWalk::collect(const HSCPlazQItem& item, Items& reached) const {
     for (const HSCPlazQItemDependency* dependency : item.getItemDependencies()) {
         const HSCPlazFoundItem found = findServing(m_hub, *dependency, isInstalled);
         if (found && reached.insert(found.item).second) collect(*found.item, reached);
@@ -262,7 +261,7 @@ void HSCPlazDependencyWalk::recount() {
         for (HSCPlazQItem* item : store->getItems()) {
             if (!item->IsInstalled()) continue;
             holds.try_emplace(item, 0);
-            if (item->getInstallationMode() != userMode) continue;
+            if (item->getMode() != Mode::user) continue;
             const std::set<std::string> outer = std::exchange(m_path, keysOf(*item));
             countHolds(*item, holds);
             m_path = outer;
@@ -285,14 +284,14 @@ void HSCPlazDependencyWalk::countHolds(const HSCPlazQItem& item, std::map<HSCPla
     }
 }
 
-void HSCPlazDependencyWalk::markInstalled(const HSCPlazFoundItem& found, const char* mode, std::int32_t references) {
+void HSCPlazDependencyWalk::markInstalled(const HSCPlazFoundItem& found, Mode mode, std::int32_t references) {
     // RATIONALE: the repository has copied the item from the staging directory and removed that, so nothing is copied
     // here a second time; what is recorded is where it was put.
     HSCPlazQItemModel& model = *found.item->getModel();
-    model.setLocalDir(Files::directoryOf(found));
+    model.setLocalDir(Files::directoryOf(m_task.getWorkspace(), found));
     model.setIsInstalled(true);
     model.setNeedsRefresh(false);
-    model.setInstallationMode(mode);
+    if (model.getMode() != mode) model.setMode(mode); // a database may hold a text that is no mode
     model.setReferenceCount(references);
     model.setIsLatest(true);
     model.setInstalledCommitId("");
@@ -304,18 +303,13 @@ void HSCPlazDependencyWalk::markRemoved(const HSCPlazFoundItem& found) {
     m_unsaved.insert(found.store);
 }
 
-void HSCPlazDependencyWalk::markUsers(const HSCPlazFoundItem& found) {
-    found.item->setInstallationMode(userMode);
-    m_unsaved.insert(found.store);
-}
-
-void HSCPlazDependencyWalk::markTools(const HSCPlazFoundItem& found) {
-    found.item->setInstallationMode(toolMode);
+void HSCPlazDependencyWalk::setMode(const HSCPlazFoundItem& found, Mode mode) {
+    found.item->getModel()->setMode(mode);
     m_unsaved.insert(found.store);
 }
 
 void HSCPlazDependencyWalk::restoreShipped(const HSCPlazFoundItem& found) {
-    const auto shipped = HSCPlazMgr::getInstance().getUserPref().getDataPath(found.store->getName());
+    const auto shipped = m_task.getWorkspace().userPref.getDataPath(found.store->getName());
     if (shipped.empty() || found.item->getMetadataFile().empty()) return;
     if (!HUTFile::exists((shipped / found.item->getRoot() / found.item->getMetadataFile()).generic_string())) return;
     found.item->IsInstalled(true);
@@ -323,7 +317,10 @@ void HSCPlazDependencyWalk::restoreShipped(const HSCPlazFoundItem& found) {
 }
 
 void HSCPlazDependencyWalk::saveChanges() {
-    for (HSCPlazQStore* store : m_unsaved)
-        m_sound = HSCPlazMgr::getInstance().getLocalDBMgr()->save(m_hub, store, "") && m_sound;
-    m_unsaved.clear();
+    for (HSCPlazQStore* store : std::exchange(m_unsaved, {})) {
+        const std::string unwritten = m_task.getWorkspace().databases.write(m_hub, *store);
+        if (unwritten.empty()) continue;
+        m_task.tell(Msg::databaseNotSaved, MsgSeverity::error, unwritten);
+        m_sound = false;
+    }
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "plaz/base/HSCPlazInstallationMode.h"
 #include "plaz/tasks/HSCPlazItemFiles.h"
 
 #include <cstdint>
@@ -8,9 +9,8 @@
 #include <string>
 #include <vector>
 
-class HDGUIStatus;
+class HSCPlaz;
 class HSCPlazQItemDependency;
-class HSCPlazQItemModel;
 
 /// Follows what an item depends on, to install, to release and to count. One object serves one task.
 ///
@@ -18,20 +18,18 @@ class HSCPlazQItemModel;
 /// counted for each.
 class HSCPlazDependencyWalk {
 public:
-    static constexpr const char* userMode = "user";
-    static constexpr const char* toolMode = "tool";
+    using Items = std::set<HSCPlazQItem*>;
 
-    /// @param item   the item asked for; the walk never comes back to it
-    /// @param quiet  leaves out the good news
-    HSCPlazDependencyWalk(HSCPlaz& hub, const HSCPlazQItem& item, bool quiet, HDGUIStatus* status);
+    /// @param task  must outlive the walk
+    /// @param item  the item asked for; the walk never comes back to it
+    HSCPlazDependencyWalk(HSCPlazTask& task, const HSCPlazQItem& item);
 
     /// The item in the hub that is meant; by its revision, else the latest.
     static HSCPlazFoundItem find(const HSCPlaz& hub, const HSCPlazQItem* item);
 
     /// Installs or counts every dependency of @p item; the first of its own that fails ends the work.
     bool installAll(const HSCPlazQItem& item);
-    /// Installs what an earlier task, cut short or failed, has left missing below an installed item, and then puts all
-    /// counts right. Does nothing else.
+    /// Installs what is missing below an installed item, and then puts all counts right. Does nothing else.
     bool installMissing(const HSCPlazQItem& item);
     /// Takes back one hold from every dependency of @p item and removes what is held no more.
     void releaseAll(const HSCPlazQItem& item);
@@ -39,17 +37,18 @@ public:
     /// In a store that keeps one revision of an item, an installation takes the place of another revision: whoever held
     /// that one holds the new one from now on. @return the replaced ones, no longer installed
     static std::vector<HSCPlazQItem*> replaceOthers(const HSCPlazFoundItem& found);
-    /// Puts the counts right after a replacement and removes what only the replaced revisions needed.
+    /// The installed items that an item needs, whatever the number of steps to them.
+    Items collectNeeded(const HSCPlazQItem& item) const;
+    /// Puts the counts right after a change of who needs what, and removes what of @p released nothing needs any more.
+    void releaseUnheld(const Items& released);
+    /// The same for what replaced revisions needed; does nothing without any.
     void releaseReplaced(const std::vector<HSCPlazQItem*>& replaced);
-    /// Counts afresh what the installed items that users asked for hold.
-    void recount();
 
     /// Marks the item installed in its directory.
-    void markInstalled(const HSCPlazFoundItem& found, const char* mode, std::int32_t references);
+    void markInstalled(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode, std::int32_t references);
     void markRemoved(const HSCPlazFoundItem& found);
-    /// Marks an installed item as asked for by the user, or as held by other items only.
-    void markUsers(const HSCPlazFoundItem& found);
-    void markTools(const HSCPlazFoundItem& found);
+    /// Says for whom an installed item is there.
+    void setMode(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode);
     /// Shipped content always counts as installed.
     void restoreShipped(const HSCPlazFoundItem& found);
 
@@ -58,7 +57,7 @@ public:
     /// is installed. Nor would it be safer: a task that is cut short is simply done again, as long as the database
     /// holds none of the counts that it has changed.
     void saveChanges();
-    /// False when something that should have been removed or recorded was not; the reason has been sent.
+    /// False when something that should have been removed or recorded was not; the reason has been told.
     bool isSound() const { return m_sound; }
 
 private:
@@ -66,14 +65,14 @@ private:
     bool install(const HSCPlazQItemDependency& dependency);
     void release(const HSCPlazQItemDependency& dependency);
     bool bringMissing(const HSCPlazQItem& item, bool& changed);
+    void recount();
     void countHolds(const HSCPlazQItem& item, std::map<HSCPlazQItem*, std::int32_t>& holds);
-    void collect(const HSCPlazQItem& item, std::set<HSCPlazQItem*>& reached);
+    void collect(const HSCPlazQItem& item, Items& reached) const;
     void removeUnheld(const HSCPlazFoundItem& found);
-    bool isCancelled() const;
+    bool isProperlyInstalled(const HSCPlazFoundItem& found) const;
 
+    HSCPlazTask& m_task;
     HSCPlaz& m_hub;
-    bool m_quiet;
-    HDGUIStatus* m_status;
     std::set<std::string> m_path;
     std::set<HSCPlazQStore*> m_unsaved;
     bool m_sound = true;

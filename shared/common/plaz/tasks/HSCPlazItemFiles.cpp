@@ -1,46 +1,41 @@
 #include "plaz/tasks/HSCPlazItemFiles.h"
 
-#include "plaz/HSCPlazMgr.h"
-#include "plaz/HSCPlazUtils.h"
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/base/HSCPlazTrust.h"
-#include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/reader/HSCPlazJsonCheck.h"
 #include "plaz/model/reader/HSCPlazQItemReader.h"
-#include "plaz/model/repo/HSCPlazGit.h"
-#include "plaz/model/repo/HSCPlazRepoFactory.h"
-#include "plaz/pref/HSCPlazPathMgr.h"
+#include "plaz/model/repo/git/HSCPlazGitInstall.h"
+#include "plaz/store/HSCPlazWorkspace.h"
+#include "plaz/tasks/HSCPlazTask.h"
 #include "support/HUTFile.h"
-#include "support/HUTFork.h"
 
 namespace {
 
-constexpr const char* parkedDir = "/.plaz/.outgoing";
-constexpr const char* incomingDir = "/.plaz/.incoming";
-
-const HSCPlazPathMgr& paths() {
-    return *HSCPlazMgr::getInstance().getPathMgr();
-}
-
-std::string areaOf(const HSCPlazFoundItem& found) {
-    return paths().getStoreArea(*found.store->getModel());
+HSCPlazStoreLayout layoutOf(const HSCPlazTask& task, const HSCPlazFoundItem& found) {
+    return task.getWorkspace().paths.getStoreLayout(*found.store->getModel());
 }
 
 /// What the installed files say of the item; false when they do not say that they are this item.
-bool describedOnDisk(const HSCPlazFoundItem& found, HSCPlazQItemModel& description) {
-    const std::string file = HSCPlazItemFiles::directoryOf(found) + "/" + found.item->getMetadataFile();
-    return HUTFile::isRegularFile(file) && HSCPlazUtils::isInstalledFileValid(file) &&
-           HSCPlazQItemReader().parse(file, &description) && description.getName() == found.item->getName() &&
-           description.getRevision() == found.item->getRevision();
+bool describedOnDisk(HSCPlazTask& task, const HSCPlazFoundItem& found, HSCPlazQItemModel& description) {
+    const std::string file =
+        HSCPlazItemFiles::directoryOf(task.getWorkspace(), found) + "/" + found.item->getMetadataFile();
+    if (!HUTFile::isRegularFile(file)) return false;
+    HSCPlazReport problem;
+    const bool isWhole = HSCPlazJsonCheck::isWhole(file, problem);
+    task.tell(problem);
+    return isWhole && HSCPlazQItemReader().parse(file, &description) &&
+           description.getName() == found.item->getName() && description.getRevision() == found.item->getRevision();
 }
 
 /// The files of an item that the database does not know, left by an earlier installation or put there by hand.
-bool adopt(const HSCPlazFoundItem& found) {
-    const std::string dir = HSCPlazItemFiles::directoryOf(found);
+bool adopt(HSCPlazTask& task, const HSCPlazFoundItem& found) {
+    const std::string dir = HSCPlazItemFiles::directoryOf(task.getWorkspace(), found);
     HSCPlazQItemModel description;
-    if (dir.empty() || HUTFile::createFileIter(dir).size() < 2 || !describedOnDisk(found, description)) return false;
+    if (dir.empty() || HUTFile::createFileIter(dir).size() < 2 || !describedOnDisk(task, found, description))
+        return false;
     found.item->getModel()->copyDescriptionFrom(description);
     found.item->setSource(HSCPlazTypes::LOCAL);
     return true;
@@ -58,44 +53,24 @@ const HSCPlazQItem* findOverlap(const HSCPlazFoundItem& found) {
     return nullptr;
 }
 
-bool fetch(HSCPlaz& hub, const HSCPlazFoundItem& found) {
-    if (const HSCPlazQItem* other = findOverlap(found)) {
-        ComMsgMgr::send(Msg::itemRefused, MsgSeverity::error, found.item->getName(),
-                        "its directory overlaps that of the installed item " + other->getName());
-        return false;
-    }
-    HSCPlazRepo* repo = HSCPlazRepoFactory::createRepo(HSCPlazTypes::GIT);
-    try {
-        if (!repo || !repo->install(&hub, found.item->getModel())) return false;
-    } catch (const HEXAll& failure) {
-        HSCPlazItemFiles::reportUnlessTold(failure);
-        return false;
-    }
-    // Only now are the files of this very revision at hand: they say what it depends on.
-    HSCPlazQItemModel description;
-    if (describedOnDisk(found, description)) found.item->getModel()->copyDescriptionFrom(description);
-    found.item->setSource(HSCPlazTypes::REPOSITORY);
-    return true;
-}
-
 /// Where the item's files are, if that is a place that may be emptied: below the store's area, whatever the database
 /// says, and the item's own directory or at least one that holds its metadata file.
-std::string removableDirectory(const HSCPlazFoundItem& found) {
-    const std::string own = HSCPlazItemFiles::directoryOf(found);
+std::string removableDirectory(const HSCPlazTask& task, const HSCPlazFoundItem& found) {
+    const std::string own = HSCPlazItemFiles::directoryOf(task.getWorkspace(), found);
     const std::string recorded = found.item->getLocalRootDir();
     if (recorded.empty() || recorded == own) return own;
-    const std::string area = areaOf(found);
+    const std::string area = layoutOf(task, found).getArea();
     const std::string metadata = found.item->getMetadataFile();
     const bool isItsOwn = !metadata.empty() && !HUTFile::isAKA(area, recorded) && HUTFile::isBeneath(area, recorded) &&
                           HUTFile::isRegularFile(recorded + "/" + metadata);
     return isItsOwn ? recorded : std::string();
 }
 
-/// A name in the store's area under which nothing is parked yet.
-std::string freePlace(const std::string& area) {
-    std::size_t number = HUTFile::createFileIter(area + parkedDir).size();
-    while (HUTFile::exists(area + parkedDir + "/" + std::to_string(number))) ++number;
-    return area + parkedDir + "/" + std::to_string(number);
+/// A name below a directory that nothing has yet.
+std::string freePlace(const std::string& dir) {
+    std::size_t number = HUTFile::createFileIter(dir).size();
+    while (HUTFile::exists(dir + "/" + std::to_string(number))) ++number;
+    return dir + "/" + std::to_string(number);
 }
 
 } // namespace
@@ -109,35 +84,44 @@ std::string HSCPlazItemFiles::shownName(const HSCPlazQItem& item) {
     return name.empty() ? item.getName() : name;
 }
 
-std::string HSCPlazItemFiles::directoryOf(const HSCPlazFoundItem& found) {
-    return paths().getItemDir(*found.store->getModel(), *found.item->getModel());
+std::string HSCPlazItemFiles::directoryOf(const HSCPlazWorkspace& workspace, const HSCPlazFoundItem& found) {
+    return workspace.paths.getItemDir(*found.store->getModel(), *found.item->getModel());
 }
 
-bool HSCPlazItemFiles::bring(HSCPlaz& hub, const HSCPlazFoundItem& found, bool isAskedFor) {
-    if (adopt(found)) return true;
+bool HSCPlazItemFiles::bring(HSCPlazTask& task, const HSCPlazFoundItem& found, bool isAskedFor) {
+    return adopt(task, found) || fetch(task, found, isAskedFor);
+}
+
+bool HSCPlazItemFiles::fetch(HSCPlazTask& task, const HSCPlazFoundItem& found, bool isAskedFor) {
+    HSCPlazQItemModel& item = *found.item->getModel();
     if (isAskedFor)
-        ComMsgMgr::send(Msg::itemInstalling, MsgSeverity::warning, shownName(*found.item),
-                        HSCPlazTrust::maskSecrets(found.store->getUrl()));
-    return fetch(hub, found);
+        task.tell(Msg::itemInstalling, MsgSeverity::warning, shownName(*found.item),
+                  HSCPlazTrust::maskSecrets(found.store->getUrl()));
+    if (const HSCPlazQItem* other = findOverlap(found))
+        return task.fail(Msg::itemRefused, item.getName(),
+                         "its directory overlaps that of the installed item " + other->getName());
+    const HSCPlazWorkspace& workspace = task.getWorkspace();
+    const HSCPlazGitOutcome outcome =
+        HSCPlazGitInstall::install(workspace.gitStore(*found.store->getModel()), item, directoryOf(workspace, found));
+    if (!outcome.isDone) return task.fail(outcome.getWhole());
+    task.tell(outcome.report);
+    // Only now are the files of this very revision at hand: they say what it depends on.
+    HSCPlazQItemModel description;
+    if (describedOnDisk(task, found, description)) item.copyDescriptionFrom(description);
+    item.setSource(HSCPlazTypes::REPOSITORY);
+    return true;
 }
 
-void HSCPlazItemFiles::reportUnlessTold(const HEXAll& failure) {
-    const bool isGits = failure.getMsg().getId() == ComMsgMgrInstance("", 0, "common", Msg::gitFailed).getId();
-    if (!HUTFork::isInterrupted() && !(isGits && HSCPlazGit::hasToldFailure())) ComMsgMgr::send(failure);
-}
-
-bool HSCPlazItemFiles::mayBeRemoved(const HSCPlazFoundItem& found) {
-    if (!removableDirectory(found).empty()) return true;
-    ComMsgMgr::send(Msg::removalRefused, MsgSeverity::error, found.item->getName(), found.item->getLocalRootDir());
-    return false;
-}
-
-std::optional<std::string> HSCPlazItemFiles::park(const HSCPlazFoundItem& found) {
-    if (!mayBeRemoved(found)) return std::nullopt;
-    const std::string dir = removableDirectory(found);
+std::optional<std::string> HSCPlazItemFiles::park(HSCPlazTask& task, const HSCPlazFoundItem& found) {
+    const std::string dir = removableDirectory(task, found);
+    const std::string name = found.item->getName();
+    if (dir.empty()) {
+        task.tell(Msg::removalRefused, MsgSeverity::error, name, found.item->getLocalRootDir());
+        return std::nullopt;
+    }
     const std::string metadata = found.item->getMetadataFile();
     if (!HUTFile::exists(dir)) return std::string();
-    const std::string parked = freePlace(areaOf(found));
+    const std::string parked = freePlace(layoutOf(task, found).getOutgoing());
     if (HUTFile::replaceDirectory(dir, parked)) {
         const std::string kept = parked + "/" + metadata;
         if (!metadata.empty() && HUTFile::isRegularFile(kept) && HUTFile::mkDirRecursive(dir))
@@ -145,20 +129,10 @@ std::optional<std::string> HSCPlazItemFiles::park(const HSCPlazFoundItem& found)
         return parked;
     }
     if (HUTFile::rmEntriesExcept(dir, metadata)) return std::string();
-    ComMsgMgr::send(Msg::removalIncomplete, MsgSeverity::error, found.item->getName(), dir);
+    task.tell(Msg::removalIncomplete, MsgSeverity::error, name, dir);
     return std::nullopt;
 }
 
 void HSCPlazItemFiles::discard(const std::string& parked) {
     if (!parked.empty()) HUTFile::rmRecursive(parked);
-}
-
-void HSCPlazItemFiles::removeLeftovers(const HSCPlaz& hub) {
-    for (const HSCPlazQStore* store : hub.getStores()) {
-        if (!store->isProductSpecific()) continue;
-        const std::string area = paths().getStoreArea(*store->getModel());
-        for (const std::string& leftover :
-             {paths().getStoreStagingDir(*store->getModel()), area + incomingDir, area + parkedDir})
-            if (HUTFile::exists(leftover)) HUTFile::rmRecursive(leftover);
-    }
 }

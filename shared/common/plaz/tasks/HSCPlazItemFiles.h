@@ -3,10 +3,10 @@
 #include <optional>
 #include <string>
 
-class HEXAll;
-class HSCPlaz;
 class HSCPlazQItem;
 class HSCPlazQStore;
+class HSCPlazTask;
+struct HSCPlazWorkspace;
 
 /// An item of the hub together with its store; false where there is none.
 struct HSCPlazFoundItem {
@@ -21,25 +21,19 @@ namespace HSCPlazItemFiles {
 /// The item's display name, or its name where it has none.
 std::string shownName(const HSCPlazQItem& item);
 /// Where the item is, or is to be, installed; empty where its names may not be used.
-std::string directoryOf(const HSCPlazFoundItem& found);
+std::string directoryOf(const HSCPlazWorkspace& workspace, const HSCPlazFoundItem& found);
 
 /// Takes over files in place that are this very item, else has the repository fetch them; the item is then described by
-/// them. What goes wrong has been sent when this returns false.
+/// them. What goes wrong has been told when this returns false.
 /// @param isAskedFor  the user asked for the item itself, so that the start of a fetch is told (Msg::itemInstalling)
-bool bring(HSCPlaz& hub, const HSCPlazFoundItem& found, bool isAskedFor);
-/// Sends what an exception carries, but not that git failed where git's own words have just been sent, and nothing
-/// about work that was cancelled.
-void reportUnlessTold(const HEXAll& failure);
+bool bring(HSCPlazTask& task, const HSCPlazFoundItem& found, bool isAskedFor);
+/// The same without looking whether files are there: the old ones are replaced in one step.
+bool fetch(HSCPlazTask& task, const HSCPlazFoundItem& found, bool isAskedFor);
 
-/// Whether the item's recorded directory is one that may be emptied; sends Msg::removalRefused when not.
-bool mayBeRemoved(const HSCPlazFoundItem& found);
 /// Takes the item's files from their place in one step, its metadata file excepted, so that the catalog goes on
-/// describing it; discard() then destroys them. Empty, with the reason sent, on failure: the item then counts as
-/// installed, though files that could be removed where others could not are gone.
-std::optional<std::string> park(const HSCPlazFoundItem& found);
+/// describing it; discard() then destroys them. Empty, with the reason told (Msg::removalRefused, removalIncomplete),
+/// on failure: the item then counts as installed, though files that could be removed where others could not are gone.
+std::optional<std::string> park(HSCPlazTask& task, const HSCPlazFoundItem& found);
 void discard(const std::string& parked);
-
-/// What interrupted tasks have left in the stores' areas.
-void removeLeftovers(const HSCPlaz& hub);
 
 } // namespace HSCPlazItemFiles

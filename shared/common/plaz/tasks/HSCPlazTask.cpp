@@ -1,77 +1,84 @@
 #include "plaz/tasks/HSCPlazTask.h"
 
-#include "plaz/HSCPlazMgr.h"
+#include "plaz/base/HSCPlazHubLock.h"
 #include "plaz/base/HSCPlazMsg.h"
-#include "plaz/model/repo/HSCPlazGit.h"
-#include "plaz/pref/HSCPlazPathMgr.h"
-#include "plaz/store/HSCPlazRepoInfoMgr.h"
-#include "plaz/tasks/HSCPlazItemFiles.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/repo/git/HSCPlazGitParams.h"
+#include "plaz/store/HSCPlazInstalledState.h"
+#include "plaz/store/HSCPlazWorkspace.h"
 #include "support/HDGUIStatus.h"
-#include "support/HUTFileLock.h"
+#include "support/HUTFile.h"
 #include "support/HUTFork.h"
-#include "support/HUTWait.h"
-
-#include <chrono>
-#include <memory>
-#include <thread>
-
-using HSCPlazTask::isCancelled;
 
 namespace {
 
-/// Waits until no other process is at work. Where no lock can be had, such as on some network drives, the task goes on
-/// without.
-bool waitForHub(HUTFileLock& lock, const HDGUIStatus* status) {
-    using Clock = std::chrono::steady_clock;
-    const auto giveUp = Clock::now() + std::chrono::seconds(HSCPlazGit::getGitTimeOut());
-    while (lock.tryLock() == HUTFileLock::Result::busy) {
-        if (isCancelled(status)) return false;
-        if (Clock::now() > giveUp) {
-            ComMsgMgr::send(Msg::hubBusy, MsgSeverity::error, HSCPlazMgr::getInstance().getPathMgr()->getLockFile());
-            return false;
-        }
-        HUTWait::wait([] { std::this_thread::sleep_for(HUTWait::slice); });
+/// What interrupted tasks have left in the stores' areas.
+void removeLeftovers(const HSCPlaz& hub, const HSCPlazPathMgr& paths) {
+    for (const HSCPlazQStore* store : hub.getStores()) {
+        if (!store->isProductSpecific()) continue;
+        const HSCPlazStoreLayout layout = paths.getStoreLayout(*store->getModel());
+        for (const std::string& leftover : {layout.getStaging(), layout.getIncoming(), layout.getOutgoing()})
+            if (HUTFile::exists(leftover)) HUTFile::rmRecursive(leftover);
     }
-    return true;
 }
 
 } // namespace
 
-bool HSCPlazTask::isCancelled(const HDGUIStatus* status) {
-    return (status && status->isCanceled()) || HUTFork::isInterrupted();
+bool HSCPlazTask::isCancelled() const {
+    return (m_status && m_status->isCanceled()) || HUTFork::isInterrupted();
 }
 
-bool HSCPlazTask::run(HSCPlaz& hub, const HDGUIStatus* status, const std::function<bool()>& task) {
-    return withLock(status, [&] {
-        const std::string moved = HSCPlazMgr::getInstance().getHubRepoInfoMgr()->findMovedStore();
-        if (!moved.empty()) {
-            ComMsgMgr::send(Msg::storeMovedMeanwhile, MsgSeverity::error, moved);
-            return false;
-        }
-        HSCPlazMgr::getInstance().updateInstalledState();
-        HSCPlazItemFiles::removeLeftovers(hub);
-        return task();
+void HSCPlazTask::show(const std::string& step, const std::string& subject, double percent) const {
+    if (!m_status) return;
+    m_status->changeAbbrevStatus(step);
+    m_status->changeStatus(step + " " + subject);
+    m_status->changePercentComplete(percent);
+}
+
+void HSCPlazTask::show(const std::string& text) const {
+    if (m_status) m_status->changeStatus(text);
+}
+
+void HSCPlazTask::showPercent(double percent) const {
+    if (m_status) m_status->changePercentComplete(percent);
+}
+
+void HSCPlazTask::tell(const HSCPlazReport& report) {
+    report.send();
+    m_report.append(report);
+}
+
+bool HSCPlazTask::fail(const HSCPlazReport& report) {
+    if (!isCancelled()) tell(report);
+    return false;
+}
+
+bool HSCPlazTask::run(const std::function<bool()>& work) {
+    return withLock([&] {
+        const std::string moved = m_workspace.places.findMovedStore();
+        if (!moved.empty()) return fail(Msg::storeMovedMeanwhile, moved);
+        HSCPlazInstalledState(m_workspace).update();
+        removeLeftovers(m_hub, m_workspace.paths);
+        return work();
     });
 }
 
-bool HSCPlazTask::withLock(const HDGUIStatus* status, const std::function<bool()>& action) {
-    static std::weak_ptr<HUTFileLock> held;
-    std::shared_ptr<HUTFileLock> lock = held.lock();
-    if (!lock) {
-        lock = std::make_shared<HUTFileLock>(HSCPlazMgr::getInstance().getPathMgr()->getLockFile());
-        if (!waitForHub(*lock, status)) return false;
-        held = lock;
-    }
-    return action();
+bool HSCPlazTask::withLock(const std::function<bool()>& action) {
+    const std::string file = m_workspace.paths.getLockFile();
+    const auto taken = HSCPlazHubLock::take(file, HSCPlazGitParams::getTimeOut(), [this] { return isCancelled(); });
+    if (taken.isBusy) return fail(Msg::hubBusy, file);
+    return taken.lock && action();
 }
 
-bool HSCPlazTask::report(const std::function<bool()>& action) {
+bool HSCPlazTask::guard(const std::function<bool()>& action) {
     try {
         return action();
     } catch (const HEXAll& failure) {
-        HSCPlazItemFiles::reportUnlessTold(failure);
+        HSCPlazReport report;
+        report.add(failure);
+        return fail(report);
     } catch (const std::exception& failure) {
-        ComMsgMgr::send(Msg::unexpectedFailure, MsgSeverity::error, failure.what());
+        tell(Msg::unexpectedFailure, MsgSeverity::error, failure.what());
+        return false;
     }
-    return false;
 }

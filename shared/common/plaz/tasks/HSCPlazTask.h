@@ -1,26 +1,70 @@
 #pragma once
 
-#include "support/ComMsgMgr.h"
+#include "plaz/base/HSCPlazReport.h"
 
 #include <functional>
+#include <string>
 
 class HDGUIStatus;
 class HSCPlaz;
+struct HSCPlazWorkspace;
 
-/// What every task has around it.
-namespace HSCPlazTask {
+/// What every task works with and has around it: the hub, progress and cancellation, the lock, and the one place from
+/// which messages are sent. One object serves one task; what it has told is part of the task's result.
+class HSCPlazTask {
+public:
+    /// All arguments must outlive the object.
+    /// @param hub      what the task looks things up in; the workspace's own as a rule
+    /// @param status   may be null
+    /// @param isQuiet  leaves out the good news
+    HSCPlazTask(HSCPlazWorkspace& workspace, HSCPlaz& hub, HDGUIStatus* status, bool isQuiet = false)
+        : m_workspace(workspace), m_hub(hub), m_status(status), m_isQuiet(isQuiet) {}
+    HSCPlazTask(const HSCPlazTask&) = delete;
+    HSCPlazTask& operator=(const HSCPlazTask&) = delete;
 
-/// The status reports cancellation, or the running program was interrupted. Null is no cancellation.
-bool isCancelled(const HDGUIStatus* status);
+    HSCPlazWorkspace& getWorkspace() const { return m_workspace; }
+    HSCPlaz& getHub() const { return m_hub; }
 
-/// Runs a task while this process holds the hub's lock. What other processes have done is taken over first, and what
-/// interrupted tasks have left is removed.
-/// @throws HEXAll what the task throws, and when the hub has no area that exists
-bool run(HSCPlaz& hub, const HDGUIStatus* status, const std::function<bool()>& task);
-/// Does something while this process holds the hub's lock; inside a task, which holds it already, at once.
-/// @return false without doing it when the lock is not to be had in time (Msg::hubBusy), or on cancellation
-bool withLock(const HDGUIStatus* status, const std::function<bool()>& action);
-/// Does something whose exceptions go no further: they are told, and the result is false.
-bool report(const std::function<bool()>& action);
+    /// The status reports cancellation, or the running program was interrupted. Of a cancellation nothing is told.
+    bool isCancelled() const;
+    /// Progress for people: "Installing" "starter".
+    void show(const std::string& step, const std::string& subject, double percent) const;
+    /// The same without a new percentage.
+    void show(const std::string& text) const;
+    void showPercent(double percent) const;
 
-} // namespace HSCPlazTask
+    /// Sends a message, and keeps it for the result.
+    template <std::size_t Arity, typename... Args>
+    void tell(const MsgId<Arity>& id, MsgSeverity severity, const Args&... args) {
+        tell(HSCPlazReport(id, severity, args...));
+    }
+    void tell(const HSCPlazReport& report);
+    /// Good news, unless the task is quiet.
+    template <std::size_t Arity, typename... Args> void tellNews(const MsgId<Arity>& id, const Args&... args) {
+        if (!m_isQuiet) tell(id, MsgSeverity::warning, args...);
+    }
+    /// Why something failed, unless it was cancelled. @return false
+    bool fail(const HSCPlazReport& report);
+    template <std::size_t Arity, typename... Args> bool fail(const MsgId<Arity>& id, const Args&... args) {
+        return fail(HSCPlazReport(id, MsgSeverity::error, args...));
+    }
+    /// All that was told so far.
+    const HSCPlazReport& getReport() const { return m_report; }
+
+    /// Does the work while this process holds the hub's lock. What other processes have done is taken over first, and
+    /// what interrupted tasks have left is removed.
+    /// @throws HEXAll what the work throws, and when the hub has no area that exists
+    bool run(const std::function<bool()>& work);
+    /// Does something while this process holds the hub's lock; inside a task, which holds it already, at once.
+    /// @return false without doing it when the lock is not to be had in time (Msg::hubBusy), or on cancellation
+    bool withLock(const std::function<bool()>& action);
+    /// Does something whose exceptions go no further: they are told, and the result is false.
+    bool guard(const std::function<bool()>& action);
+
+private:
+    HSCPlazWorkspace& m_workspace;
+    HSCPlaz& m_hub;
+    HDGUIStatus* m_status;
+    bool m_isQuiet;
+    HSCPlazReport m_report;
+};

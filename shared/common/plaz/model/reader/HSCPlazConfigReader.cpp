@@ -76,8 +76,11 @@ void readSchemaVersion(const Value& version, Config& config) {
 
 bool HSCPlazConfigReader::parse(const std::string& file, HSCPlazCfgModel* model) {
     if (!model) return false;
+    HSCPlazFindings found;
     HSCPlazJsonDocument document;
-    if (!document.load(file)) return false;
+    const bool isRead = document.load(file, found);
+    found.tell();
+    if (!isRead) return false;
     const Value* plaz = Json::FindObject(document.getRoot(), Key::plaz);
     if (!plaz) return true;
 

@@ -26,34 +26,35 @@ void HSCPlazJsonDocument::clear() {
     m_pool.Clear();
 }
 
-bool HSCPlazJsonDocument::load(const std::string& file) {
+bool HSCPlazJsonDocument::load(const std::string& file, HSCPlazFindings& found) {
     clear();
     m_file = HUTFile::getCanonicalName(file);
     if (HIOStream::read(m_file, m_text) != HIOStream::Status::ok) {
-        HCRapidJsonReadWriteUtils::errorReadingJsonFile(m_file);
+        found.add(HSCPlazFinding::Kind::unreadable, m_file);
         return false;
     }
-    parse();
+    parse(found);
     return true;
 }
 
-HIOStream::Status HSCPlazJsonDocument::loadBelow(const HIOStream::Root& root, const std::string& relative) {
+HIOStream::Status HSCPlazJsonDocument::loadBelow(const HIOStream::Root& root, const std::string& relative,
+                                                 HSCPlazFindings& found) {
     clear();
     m_file = root.getDir();
     m_file += '/';
     m_file += relative;
     const HIOStream::Status status = root.read(relative, m_text);
     if (status == HIOStream::Status::ok)
-        parse();
+        parse(found);
     else if (status != HIOStream::Status::missing && status != HIOStream::Status::outside)
-        HCRapidJsonReadWriteUtils::errorReadingJsonFile(m_file);
+        found.add(HSCPlazFinding::Kind::unreadable, m_file);
     return status;
 }
 
-void HSCPlazJsonDocument::parse() {
+void HSCPlazJsonDocument::parse(HSCPlazFindings& found) {
     std::string error;
     m_parsed = HCRapidJsonReadWriteUtils::parseInPlace(m_text, m_document, error);
-    if (!m_parsed) HCRapidJsonReadWriteUtils::errorParsingJsonFile(m_file, error);
+    if (!m_parsed) found.add(HSCPlazFinding::Kind::notJson, m_file, error);
 }
 
 int HSCPlazJsonDocument::getMajor() const {
@@ -63,20 +64,20 @@ int HSCPlazJsonDocument::getMinor() const {
     return intOf(m_document, HSCPlazKey::minorVersion);
 }
 
-HSCPlazSchema* HSCPlazJsonDocument::findSchema(HSCPlazSchema::Kind kind) {
+HSCPlazSchema* HSCPlazJsonDocument::findSchema(HSCPlazSchema::Kind kind, HSCPlazFindings& found) {
     const SchemaKey key{kind, getMajor(), getMinor()};
     if (!m_schemaKey || m_schemaKey->kind != key.kind || m_schemaKey->major != key.major ||
         m_schemaKey->minor != key.minor) {
         m_schemaKey = key;
-        m_schema = HSCPlazSchema::get(HSCPlazSchema::getFile(key.kind, key.major, key.minor));
+        m_schema = HSCPlazSchema::get(HSCPlazSchema::getFile(key.kind, key.major, key.minor), found);
     }
     return m_schema;
 }
 
-void HSCPlazJsonDocument::validate(HSCPlazSchema::Kind kind) {
+void HSCPlazJsonDocument::validate(HSCPlazSchema::Kind kind, HSCPlazFindings& found) {
     if (!m_parsed || !HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableSchemaValidation")) return;
-    HSCPlazSchema* schema = findSchema(kind);
+    HSCPlazSchema* schema = findSchema(kind, found);
     if (!schema) return;
     const std::string violation = schema->findViolation(m_document);
-    if (!violation.empty()) HCRapidJsonReadWriteUtils::errorParsingJsonFile(m_file, violation);
+    if (!violation.empty()) found.add(HSCPlazFinding::Kind::breaksSchema, m_file, violation);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "plaz/model/reader/HSCPlazFindings.h"
 #include "plaz/model/reader/HSCPlazSchema.h"
 #include "support/HIOStream.h"
 
@@ -15,12 +16,12 @@ class HSCPlazJsonDocument {
 public:
     HSCPlazJsonDocument();
 
-    /// Reads and parses a file. One that is missing, not a regular file or unreadable is reported (false); one that is
-    /// no JSON is reported too (true), and its root is then null.
-    bool load(const std::string& file);
-    /// The same for a file below a directory held open. A file that is missing or lies outside is no report: the caller
-    /// judges the status.
-    HIOStream::Status loadBelow(const HIOStream::Root& root, const std::string& relative);
+    /// Reads and parses a file. One that is missing, not a regular file or unreadable is a finding (false); one that is
+    /// no JSON is one too (true), and its root is then null.
+    bool load(const std::string& file, HSCPlazFindings& found);
+    /// The same for a file below a directory held open. A file that is missing or lies outside is no finding: the
+    /// caller judges the status.
+    HIOStream::Status loadBelow(const HIOStream::Root& root, const std::string& relative, HSCPlazFindings& found);
 
     /// The file that was asked for last, in canonical form.
     const std::string& getFile() const { return m_file; }
@@ -33,13 +34,13 @@ public:
     int getMinor() const;
 
     /// Holds the document against the schema of its kind and version when the parameter "plaz.enableSchemaValidation"
-    /// is on, and reports the first place that breaks it. Readers go on in any case.
-    void validate(HSCPlazSchema::Kind kind);
+    /// is on, and finds the first place that breaks it. Readers go on in any case.
+    void validate(HSCPlazSchema::Kind kind, HSCPlazFindings& found);
 
 private:
     void clear();
-    void parse();
-    HSCPlazSchema* findSchema(HSCPlazSchema::Kind kind);
+    void parse(HSCPlazFindings& found);
+    HSCPlazSchema* findSchema(HSCPlazSchema::Kind kind, HSCPlazFindings& found);
 
     struct SchemaKey {
         HSCPlazSchema::Kind kind;

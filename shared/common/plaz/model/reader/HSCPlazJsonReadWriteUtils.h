@@ -3,7 +3,6 @@
 #include "plaz/base/PlazExport.h"
 
 #include <string>
-#include <vector>
 
 /// Checks of metadata files by name. Nothing here throws; what is wrong with a file is sent to the message service.
 class PLAZ_API HSCPlazJsonReadWriteUtils {
@@ -25,14 +24,6 @@ public:
     static std::string getQItemJsonSchemaFile(const std::string& file);
     /// The schema of the local installation database, the same for every version.
     static std::string getLocalDBJsonSchemaFile();
-
-    /// Holds a file against a schema, whatever "plaz.enableSchemaValidation" says.
-    /// @return the first place that breaks the schema, beginning with its JSON pointer; empty when there is none.
-    ///         A file or schema that cannot be used gives a text too, and is reported
-    static std::string findSchemaViolation(const std::string& file, const std::string& schema);
-    /// What the hub would refuse to use of a hub, store, catalog or item file, although its schema allows it: names
-    /// that lead out of the store, refs and URLs that are none. One sentence each.
-    static std::vector<std::string> findRefusedNames(const std::string& file);
 
     /// Check that a schema document itself can be read and parsed, and report what is wrong with it otherwise.
     static void validatePlazSchemaFile(const std::string& schema);

@@ -1,12 +1,11 @@
 #include "plaz/model/reader/HSCPlazLocalDBReader.h"
 
-#include "plaz/HSCPlazMgr.h"
-#include "plaz/HSCPlazUtils.h"
-#include "plaz/model/HSCPlazLogger.h"
+#include "plaz/base/HSCPlazContext.h"
+#include "plaz/base/HSCPlazDebugLog.h"
+#include "plaz/base/HSCPlazProduct.h"
 #include "plaz/model/reader/HSCPlazJsonDocument.h"
 #include "plaz/model/reader/HSCPlazJsonFields.h"
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
-#include "plaz/store/HSCPlazLocalDBMgr.h"
 #include "support/HCRapidJsonReadWriteUtils.h"
 
 #include <algorithm>
@@ -73,14 +72,6 @@ void readStore(const Value& record, HSCPlazModel& model) {
             if (item.IsObject()) store->addItem(toItem(item));
 }
 
-void handOnVersion(const Value& plaz) {
-    HSCPlazLocalDBMgr& manager = *HSCPlazMgr::getInstance().getLocalDBMgr();
-    const std::string major = Json::GetStringProperty(plaz, Key::majorVersion);
-    const std::string minor = Json::GetStringProperty(plaz, Key::minorVersion);
-    if (!major.empty()) manager.setMajorVersion(major);
-    if (!minor.empty()) manager.setMinorVersion(minor);
-}
-
 constexpr const char* checkName = "HSCPlazLocalDBReader::checkIfValidForProductAndRelease";
 
 /// Has what every database has; anything else must not be taken for an empty one, or for another release's.
@@ -92,54 +83,52 @@ bool isDatabase(const Value& plaz) {
 bool isOfRunningProduct(const Value& plaz) {
     const std::string product = Json::GetStringProperty(plaz, Key::product);
     const std::string release = Json::GetStringProperty(plaz, Key::release);
-    HSCPlazLogger::within(checkName, " local db - ", " product=", product, " release=", release);
+    HSCPlazDebugLog::within(checkName, " local db - ", " product=", product, " release=", release);
 
-    std::string runningProduct;
-    std::string runningRelease;
-    HSCPlazUtils::getProductInfo(runningProduct, runningRelease);
-    if (product == runningProduct && release == runningRelease) return true;
-    HSCPlazLogger::within(checkName, " sanity check failed");
+    if (HSCPlazProduct::get() == HSCPlazProduct::Identity{product, release}) return true;
+    HSCPlazDebugLog::within(checkName, " sanity check failed");
     return false;
-}
-
-void fill(const Value& plaz, HSCPlazModel& model) {
-    if (const Value* stores = Json::FindArray(plaz, Key::qstores))
-        for (const Value& record : stores->GetArray()) readStore(record, model);
-    handOnVersion(plaz);
 }
 
 } // namespace
 
+HSCPlazLocalDBReader::Result HSCPlazLocalDBReader::read(const std::string& file, HSCPlazModel& model, bool isOwnOnly,
+                                                        HSCPlazFindings& found) {
+    using Outcome = Result::Outcome;
+    HSCPlazJsonDocument document;
+    if (!document.load(file, found)) return {};
+    document.validate(HSCPlazSchema::Kind::localDb, found);
+    const Value* plaz = Json::FindObject(document.getRoot(), Key::plaz);
+    if (isOwnOnly && (!plaz || !isDatabase(*plaz))) return {};
+    if (isOwnOnly && !isOfRunningProduct(*plaz)) return {Outcome::foreign, {}, {}};
+    if (!plaz) return {Outcome::read, {}, {}};
+    if (const Value* stores = Json::FindArray(*plaz, Key::qstores))
+        for (const Value& record : stores->GetArray()) readStore(record, model);
+    return {Outcome::read, Json::GetStringProperty(*plaz, Key::majorVersion),
+            Json::GetStringProperty(*plaz, Key::minorVersion)};
+}
+
 bool HSCPlazLocalDBReader::parse(const std::string& file, HSCPlazModel* model) {
     if (!model) return false;
     if (file.empty()) {
-        HSCPlazLogger::within("HSCPlazLocalDBReader::parse", " file is empty");
+        HSCPlazDebugLog::within("HSCPlazLocalDBReader::parse", " file is empty");
         return false;
     }
-    HSCPlazJsonDocument document;
-    if (!document.load(file)) return false;
-    document.validate(HSCPlazSchema::Kind::localDb);
-    if (const Value* plaz = Json::FindObject(document.getRoot(), Key::plaz)) fill(*plaz, *model);
-    return true;
-}
-
-HSCPlazLocalDBReader::Outcome HSCPlazLocalDBReader::parseIfValid(const std::string& file, HSCPlazModel* model) {
-    HSCPlazJsonDocument document;
-    if (!document.load(file)) return Outcome::damaged;
-    document.validate(HSCPlazSchema::Kind::localDb);
-    const Value* plaz = Json::FindObject(document.getRoot(), Key::plaz);
-    if (!plaz || !isDatabase(*plaz)) return Outcome::damaged;
-    if (!isOfRunningProduct(*plaz)) return Outcome::foreign;
-    fill(*plaz, *model);
-    return Outcome::read;
+    HSCPlazFindings found;
+    const Result result = read(file, *model, false, found);
+    found.tell();
+    HSCPlazContext::get().setDatabaseVersion(result.major, result.minor);
+    return result.outcome == Result::Outcome::read;
 }
 
 bool HSCPlazLocalDBReader::checkIfValidForProductAndRelease(const std::string& file) {
     if (file.empty()) {
-        HSCPlazLogger::within(checkName, " file is empty");
+        HSCPlazDebugLog::within(checkName, " file is empty");
         return false;
     }
+    HSCPlazFindings found;
     HSCPlazJsonDocument document;
-    const Value* plaz = document.load(file) ? Json::FindObject(document.getRoot(), Key::plaz) : nullptr;
+    const Value* plaz = document.load(file, found) ? Json::FindObject(document.getRoot(), Key::plaz) : nullptr;
+    found.tell();
     return plaz && isOfRunningProduct(*plaz);
 }

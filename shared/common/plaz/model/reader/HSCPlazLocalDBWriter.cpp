@@ -1,10 +1,8 @@
 #include "plaz/model/reader/HSCPlazLocalDBWriter.h"
 
-#include "plaz/HSCPlazMgr.h"
-#include "plaz/HSCPlazUtils.h"
-#include "plaz/model/HSCPlazLogger.h"
+#include "plaz/base/HSCPlazDebugLog.h"
+#include "plaz/base/HSCPlazProduct.h"
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
-#include "plaz/store/HSCPlazLocalDBMgr.h"
 #include "support/HCRapidJsonReadWriteUtils.h"
 #include "support/HUTFile.h"
 
@@ -69,29 +67,26 @@ Value toRecord(Document& document, const HSCPlazQStoreModel& store) {
 
 bool HSCPlazLocalDBWriter::write(const std::string& file, HSCPlazQStoreModel* model) {
     if (!model) {
-        HSCPlazLogger::within(operation, " model object is null");
+        HSCPlazDebugLog::within(operation, " model object is null");
         return false;
     }
     if (!model->isProductSpecific()) {
-        HSCPlazLogger::within(operation, " thes store is not product specific");
+        HSCPlazDebugLog::within(operation, " thes store is not product specific");
         return false;
     }
-    std::string product;
-    std::string release;
-    HSCPlazUtils::getProductInfo(product, release);
-    HSCPlazLogger::within(operation, " found model obj writing the local be file.");
+    const HSCPlazProduct::Identity running = HSCPlazProduct::get();
+    HSCPlazDebugLog::within(operation, " found model obj writing the local be file.");
 
     Document document(rapidjson::kObjectType);
     Value plaz(rapidjson::kObjectType);
-    addText(document, plaz, Key::product, product);
-    addText(document, plaz, Key::release, release);
-    HSCPlazLogger::within(operation, " store is product specific writing the local db file.");
+    addText(document, plaz, Key::product, running.name);
+    addText(document, plaz, Key::release, running.version);
+    HSCPlazDebugLog::within(operation, " store is product specific writing the local db file.");
     Value stores(rapidjson::kArrayType);
     stores.PushBack(toRecord(document, *model), document.GetAllocator());
     Json::AddGenericValueProperty(document, plaz, Key::qstores, stores);
-    const std::string& major = HSCPlazMgr::getInstance().getLocalDBMgr()->getMajorVersion();
-    addText(document, plaz, Key::majorVersion, major);
-    addText(document, plaz, Key::minorVersion, major);
+    addText(document, plaz, Key::majorVersion, m_version);
+    addText(document, plaz, Key::minorVersion, m_version);
     Json::AddGenericValueProperty(document, document, Key::plaz, plaz);
 
     const boost::filesystem::path dir = boost::filesystem::path(file).parent_path();

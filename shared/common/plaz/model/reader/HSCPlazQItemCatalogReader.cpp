@@ -1,6 +1,6 @@
 #include "plaz/model/reader/HSCPlazQItemCatalogReader.h"
 
-#include "plaz/base/HSCPlazMsg.h"
+#include "plaz/base/HSCPlazTrustRules.h"
 #include "plaz/model/HSCPlazQStoreModel.h"
 #include "plaz/model/reader/HSCPlazCategoryTree.h"
 #include "plaz/model/reader/HSCPlazJsonDocument.h"
@@ -34,16 +34,12 @@ constexpr HSCPlazJson::TextField<Item> configFields[] = {
     {Key::metadataFile, &Item::setMetadataFile},
 };
 
-void refuse(const std::string& item, const std::string& reason) {
-    ComMsgMgr::send(Msg::itemRefused, MsgSeverity::criticalWarning, item, reason);
-}
-
 std::string findRefusal(const HSCPlazRevisionModel& revision) {
     std::string refusal = Rules::findRefusal(Rules::folderName, Key::revision, revision.revision);
     return refusal.empty() ? Rules::findRefusal(Rules::gitRef, Key::commitId, revision.commitId) : refusal;
 }
 
-/// Why the entry is left out; empty when it may be used.
+/// Why the entry is left out by its own names; empty when it may be used.
 std::string findRefusal(const Item& item) {
     std::string refusal = Rules::findRefusal(Rules::insideStore, Key::root, item.getRoot());
     if (refusal.empty()) refusal = Rules::findRefusal(Rules::insideStore, "item root", item.getItemRoot());
@@ -89,12 +85,12 @@ void complete(Item& item) {
 }
 
 /// Takes revisions that may not be used off the list; one message tells of all of them.
-void dropUnsafeRevisions(Item& item) {
+void dropUnsafeRevisions(Item& item, HSCPlazFindings& found) {
     const auto isUnsafe = [](const HSCPlazRevisionModel& revision) { return !findRefusal(revision).empty(); };
     const auto& all = item.getRevisions();
     const auto first = std::find_if(all.begin(), all.end(), isUnsafe);
     if (first == all.end()) return;
-    refuse(item.getName(), "of its older revisions " + findRefusal(*first));
+    found.add(HSCPlazFinding::Kind::itemRefused, item.getName(), "of its older revisions " + findRefusal(*first));
     std::vector<HSCPlazRevisionModel> safe;
     std::copy_if(all.begin(), all.end(), std::back_inserter(safe), [&](const auto& each) { return !isUnsafe(each); });
     item.setRevisions(std::move(safe));
@@ -116,14 +112,14 @@ private:
     std::unordered_map<std::string, std::string> m_names;
 };
 
-void addOlderRevisions(const Item& newest, HSCPlazQStoreModel& store) {
+void addOlderRevisions(const Item& newest, HSCPlazQStoreModel& store, HSCPlazFindings& found) {
     std::unordered_set<std::string_view> known{newest.getRevision(), ""};
     FolderNames folders;
     folders.findClash(Key::revision, newest.getRevision());
     for (const HSCPlazRevisionModel& revision : newest.getRevisions()) {
         if (!known.insert(revision.revision).second) continue;
         if (const std::string clash = folders.findClash(Key::revision, revision.revision); !clash.empty()) {
-            refuse(newest.getName(), clash);
+            found.add(HSCPlazFinding::Kind::itemRefused, newest.getName(), clash);
             continue;
         }
         auto item = std::make_unique<Item>();
@@ -140,7 +136,7 @@ void addOlderRevisions(const Item& newest, HSCPlazQStoreModel& store) {
     }
 }
 
-void readItems(const Value& entries, HSCPlazQStoreModel& store) {
+void readItems(const Value& entries, HSCPlazQStoreModel& store, HSCPlazFindings& found) {
     std::size_t nameless = 0;
     FolderNames roots;
     for (const Value& entry : entries.GetArray()) {
@@ -151,20 +147,19 @@ void readItems(const Value& entries, HSCPlazQStoreModel& store) {
             continue;
         }
         complete(*item);
-        if (const std::string refusal = findRefusal(*item); !refusal.empty()) {
-            refuse(item->getName(), refusal);
+        std::string refusal = findRefusal(*item);
+        if (refusal.empty()) refusal = roots.findClash(Key::root, item->getRoot());
+        if (!refusal.empty()) {
+            found.add(HSCPlazFinding::Kind::itemRefused, item->getName(), refusal);
             continue;
         }
-        if (const std::string clash = roots.findClash(Key::root, item->getRoot()); !clash.empty()) {
-            refuse(item->getName(), clash);
-            continue;
-        }
-        dropUnsafeRevisions(*item);
+        dropUnsafeRevisions(*item, found);
         const Item* newest = store.addItem(std::move(item));
-        if (store.isMultiRevisionSupported()) addOlderRevisions(*newest, store);
+        if (store.isMultiRevisionSupported()) addOlderRevisions(*newest, store, found);
     }
     if (nameless > 0)
-        refuse(store.getName(), "entries of the store's catalog without a name: " + std::to_string(nameless));
+        found.add(HSCPlazFinding::Kind::itemRefused, store.getName(),
+                  "entries of the store's catalog without a name: " + std::to_string(nameless));
 }
 
 std::vector<HSCPlazCategoryModel> toCategories(const Value& array) {
@@ -180,10 +175,10 @@ std::vector<HSCPlazCategoryModel> toCategories(const Value& array) {
     return tree.build();
 }
 
-void readCatalog(const Value& catalog, HSCPlazQStoreModel& store) {
+void readCatalog(const Value& catalog, HSCPlazQStoreModel& store, HSCPlazFindings& found) {
     // First of all: it decides what the items, which may stand before it, become.
     store.setIsMultiRevisionSupported(Json::GetBooleanProperty(catalog, Key::multiRevisionSupported));
-    if (const Value* items = Json::FindArray(catalog, Key::items)) readItems(*items, store);
+    if (const Value* items = Json::FindArray(catalog, Key::items)) readItems(*items, store, found);
     store.setCategories({});
     for (const HSCPlazJson::Member& member : catalog.GetObject())
         if (HSCPlazJson::equalIgnoringCase(textOf(member.name), Key::categories) && member.value.IsArray())
@@ -192,11 +187,17 @@ void readCatalog(const Value& catalog, HSCPlazQStoreModel& store) {
 
 } // namespace
 
+void HSCPlazQItemCatalogReader::fill(const Value& root, HSCPlazQStoreModel& store, HSCPlazFindings& found) {
+    if (const Value* catalog = Json::FindObject(root, Key::catalog)) readCatalog(*catalog, store, found);
+}
+
 bool HSCPlazQItemCatalogReader::parse(const std::string& file, HSCPlazModel* hub, HSCPlazQStoreModel* store) {
     if (!hub || !store) return false;
+    HSCPlazFindings found;
     HSCPlazJsonDocument document;
-    if (!document.load(file)) return false;
-    document.validate(HSCPlazSchema::Kind::qitemCatalog);
-    if (const Value* catalog = Json::FindObject(document.getRoot(), Key::catalog)) readCatalog(*catalog, *store);
-    return true;
+    const bool isRead = document.load(file, found);
+    document.validate(HSCPlazSchema::Kind::qitemCatalog, found);
+    fill(document.getRoot(), *store, found);
+    found.tell();
+    return isRead;
 }

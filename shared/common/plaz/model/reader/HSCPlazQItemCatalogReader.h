@@ -1,5 +1,9 @@
 #pragma once
 
+#include "plaz/model/reader/HSCPlazFindings.h"
+
+#include <rapidjson/document.h>
+
 #include <string>
 
 class HSCPlazModel;
@@ -14,4 +18,7 @@ public:
     /// @param hub,store  null gives false at once
     /// @return false when the file cannot be opened; true, with nothing filled, when it is no JSON
     bool parse(const std::string& file, HSCPlazModel* hub, HSCPlazQStoreModel* store);
+
+    /// The same of a document that has been read; what is left out is found, not sent.
+    static void fill(const rapidjson::Value& root, HSCPlazQStoreModel& store, HSCPlazFindings& found);
 };

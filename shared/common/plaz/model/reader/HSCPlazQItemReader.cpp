@@ -1,6 +1,5 @@
 #include "plaz/model/reader/HSCPlazQItemReader.h"
 
-#include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/reader/HSCPlazJsonDocument.h"
 #include "plaz/model/reader/HSCPlazJsonFields.h"
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
@@ -53,12 +52,13 @@ void readDependencies(const Value& array, Item& item) {
     }
 }
 
-void readText(const HSCPlazJson::TextField<Item>& field, const Value& value, Item& item, std::string& scratch) {
+void readText(const HSCPlazJson::TextField<Item>& field, const Value& value, Item& item, std::string& scratch,
+              HSCPlazFindings& found) {
     scratch = textOf(value);
     if (field.rule) {
         const std::string refusal = HSCPlazTrustRules::findRefusal(*field.rule, field.key, scratch);
         if (!refusal.empty()) {
-            ComMsgMgr::send(Msg::itemRefused, MsgSeverity::criticalWarning, item.getName(), refusal);
+            found.add(HSCPlazFinding::Kind::itemRefused, item.getName(), refusal);
             return;
         }
     }
@@ -67,14 +67,14 @@ void readText(const HSCPlazJson::TextField<Item>& field, const Value& value, Ite
     (item.*field.set)(scratch);
 }
 
-void readInfra(const Value& infra, Item& item, std::string& scratch) {
+void readInfra(const Value& infra, Item& item, std::string& scratch, HSCPlazFindings& found) {
     item.clearDependencies();
     item.setSearchKeywords({});
     item.setCategories({});
     item.setIsActive(false);
     for (const HSCPlazJson::Member& member : infra.GetObject()) {
         if (const auto* field = HSCPlazJson::findField(infraFields, textOf(member.name)))
-            readText(*field, member.value, item, scratch);
+            readText(*field, member.value, item, scratch, found);
         else if (isNamed(member, Key::isActive))
             item.setIsActive(member.value.IsTrue());
         else if (isNamed(member, Key::searchKeywords))
@@ -88,31 +88,35 @@ void readInfra(const Value& infra, Item& item, std::string& scratch) {
     }
 }
 
-void fill(HSCPlazJsonDocument& document, Item& item) {
-    document.validate(HSCPlazSchema::Kind::qitem);
-    const Value* config = HCRapidJsonReadWriteUtils::FindObject(document.getRoot(), Key::config);
+} // namespace
+
+void HSCPlazQItemReader::fill(const Value& root, HSCPlazQItemModel& item, HSCPlazFindings& found) {
+    const Value* config = HCRapidJsonReadWriteUtils::FindObject(root, Key::config);
     const Value* items = config ? HCRapidJsonReadWriteUtils::FindArray(*config, Key::items) : nullptr;
     if (!items) return;
     std::string scratch;
     for (const Value& element : items->GetArray())
         if (const Value* infra = HCRapidJsonReadWriteUtils::FindObject(element, Key::infra))
-            readInfra(*infra, item, scratch);
+            readInfra(*infra, item, scratch, found);
 }
-
-} // namespace
 
 bool HSCPlazQItemReader::parse(const std::string& file, HSCPlazQItemModel* model) {
     if (!model) return false;
+    HSCPlazFindings found;
     HSCPlazJsonDocument document;
-    if (!document.load(file)) return false;
-    fill(document, *model);
-    return true;
+    const bool isRead = document.load(file, found);
+    document.validate(HSCPlazSchema::Kind::qitem, found);
+    fill(document.getRoot(), *model, found);
+    found.tell();
+    return isRead;
 }
 
-HIOStream::Status HSCPlazQItemReader::parseBelow(const HIOStream::Root& root, const std::string& relative,
-                                                 HSCPlazJsonDocument& document, HSCPlazQItemModel* model) {
-    if (!model) return HIOStream::Status::missing;
-    const HIOStream::Status status = document.loadBelow(root, relative);
-    if (status == HIOStream::Status::ok) fill(document, *model);
+HIOStream::Status HSCPlazQItemReader::readBelow(const HIOStream::Root& root, const std::string& relative,
+                                                HSCPlazJsonDocument& document, HSCPlazQItemModel& item,
+                                                HSCPlazFindings& found) {
+    const HIOStream::Status status = document.loadBelow(root, relative, found);
+    if (status != HIOStream::Status::ok) return status;
+    document.validate(HSCPlazSchema::Kind::qitem, found);
+    fill(document.getRoot(), item, found);
     return status;
 }

@@ -1,8 +1,11 @@
 #pragma once
 
 #include "plaz/model/HSCPlazQItemModel.h"
+#include "plaz/model/reader/HSCPlazFindings.h"
 #include "plaz/model/reader/HSCPlazJsonReader.h"
 #include "support/HIOStream.h"
+
+#include <rapidjson/document.h>
 
 class HSCPlazJsonDocument;
 
@@ -16,10 +19,11 @@ public:
     /// @return false when the file cannot be opened; true, with nothing filled, when it is no JSON
     bool parse(const std::string& file, HSCPlazQItemModel* model) override;
 
-    /// The same for one of many files below a directory held open.
+    /// The same for one of many files below a directory held open; what is left out is found, not sent.
     /// @param document  kept by the caller from file to file, so that its memory is
-    /// @return how the file could be read; one that is missing or lies outside the directory is not reported here.
-    ///         `missing` for a null model
-    HIOStream::Status parseBelow(const HIOStream::Root& root, const std::string& relative,
-                                 HSCPlazJsonDocument& document, HSCPlazQItemModel* model);
+    /// @return how the file could be read; one that is missing or lies outside the directory is no finding
+    static HIOStream::Status readBelow(const HIOStream::Root& root, const std::string& relative,
+                                       HSCPlazJsonDocument& document, HSCPlazQItemModel& item, HSCPlazFindings& found);
+    /// The same of a document that has been read.
+    static void fill(const rapidjson::Value& root, HSCPlazQItemModel& item, HSCPlazFindings& found);
 };

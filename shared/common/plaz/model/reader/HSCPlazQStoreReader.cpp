@@ -1,7 +1,6 @@
 #include "plaz/model/reader/HSCPlazQStoreReader.h"
 
-#include "plaz/HSCPlazUtils.h"
-#include "plaz/base/HSCPlazMsg.h"
+#include "plaz/base/HSCPlazProduct.h"
 #include "plaz/model/reader/HSCPlazJsonDocument.h"
 #include "plaz/model/reader/HSCPlazJsonFields.h"
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
@@ -31,10 +30,11 @@ constexpr HSCPlazJson::TextField<Store> releaseFields[] = {
 };
 
 /// Sets the field, or empties it and says why its text is not used.
-void setChecked(const HSCPlazJson::TextField<Store>& field, const std::string& text, Store& store) {
+void setChecked(const HSCPlazJson::TextField<Store>& field, const std::string& text, Store& store,
+                HSCPlazFindings& found) {
     const std::string refusal =
         field.rule ? HSCPlazTrustRules::findRefusal(*field.rule, field.key, text) : std::string();
-    if (!refusal.empty()) ComMsgMgr::send(Msg::storeRefused, MsgSeverity::criticalWarning, store.getName(), refusal);
+    if (!refusal.empty()) found.add(HSCPlazFinding::Kind::storeRefused, store.getName(), refusal);
     (store.*field.set)(refusal.empty() ? text : std::string());
 }
 
@@ -58,35 +58,39 @@ const Value* chooseRelease(const Value& product, const std::string& release) {
     return fallback;
 }
 
-void readProducts(const Value& products, Store& store) {
-    std::string productName;
-    std::string release;
-    HSCPlazUtils::getProductInfo(productName, release);
-    const Value* product = findProduct(products, productName);
+void readProducts(const Value& products, Store& store, HSCPlazFindings& found) {
+    const HSCPlazProduct::Identity running = HSCPlazProduct::get();
+    const Value* product = findProduct(products, running.name);
     store.setIsProductSpecific(product != nullptr);
-    const Value* chosen = product ? chooseRelease(*product, release) : nullptr;
+    const Value* chosen = product ? chooseRelease(*product, running.version) : nullptr;
     for (const auto& field : releaseFields)
-        setChecked(field, chosen ? Json::GetStringProperty(*chosen, field.key.data()) : std::string(), store);
+        setChecked(field, chosen ? Json::GetStringProperty(*chosen, field.key.data()) : std::string(), store, found);
 }
 
-void readCatalogMember(const HSCPlazJson::Member& member, Store& store) {
+void readCatalogMember(const HSCPlazJson::Member& member, Store& store, HSCPlazFindings& found) {
     if (member.value.IsArray()) {
-        if (equalIgnoringCase(textOf(member.name), Key::supportedProducts)) readProducts(member.value, store);
+        if (equalIgnoringCase(textOf(member.name), Key::supportedProducts)) readProducts(member.value, store, found);
         return;
     }
     for (const auto& field : storeFields)
         if (equalIgnoringCase(textOf(member.name), field.key))
-            setChecked(field, std::string(textOf(member.value)), store);
+            setChecked(field, std::string(textOf(member.value)), store, found);
 }
 
 } // namespace
 
+void HSCPlazQStoreReader::fill(const Value& root, HSCPlazQStoreModel& store, HSCPlazFindings& found) {
+    if (const Value* catalog = Json::FindObject(root, Key::catalog))
+        for (const HSCPlazJson::Member& member : catalog->GetObject()) readCatalogMember(member, store, found);
+}
+
 bool HSCPlazQStoreReader::parse(const std::string& file, HSCPlazQStoreModel* model) {
     if (!model) return false;
+    HSCPlazFindings found;
     HSCPlazJsonDocument document;
-    if (!document.load(file)) return false;
-    document.validate(HSCPlazSchema::Kind::qstore);
-    if (const Value* catalog = Json::FindObject(document.getRoot(), Key::catalog))
-        for (const HSCPlazJson::Member& member : catalog->GetObject()) readCatalogMember(member, *model);
-    return true;
+    const bool isRead = document.load(file, found);
+    document.validate(HSCPlazSchema::Kind::qstore, found);
+    fill(document.getRoot(), *model, found);
+    found.tell();
+    return isRead;
 }

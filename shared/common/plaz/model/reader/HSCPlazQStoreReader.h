@@ -1,7 +1,10 @@
 #pragma once
 
 #include "plaz/model/HSCPlazQStoreModel.h"
+#include "plaz/model/reader/HSCPlazFindings.h"
 #include "plaz/model/reader/HSCPlazJsonReader.h"
+
+#include <rapidjson/document.h>
 
 /// Reads a store's metadata file: which catalog and branch the store has for the running product and release.
 class HSCPlazQStoreReader : public HSCPlazJsonReader<HSCPlazQStoreModel> {
@@ -11,4 +14,7 @@ public:
     /// (Msg::storeRefused).
     /// @return false when the file cannot be opened; true, with nothing filled, when it is no JSON
     bool parse(const std::string& file, HSCPlazQStoreModel* model) override;
+
+    /// The same of a document that has been read; what is left out is found, not sent.
+    static void fill(const rapidjson::Value& root, HSCPlazQStoreModel& store, HSCPlazFindings& found);
 };

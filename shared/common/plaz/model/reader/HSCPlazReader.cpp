@@ -1,7 +1,6 @@
 #include "plaz/model/reader/HSCPlazReader.h"
 
-#include "plaz/base/HSCPlazMsg.h"
-#include "plaz/model/HSCPlazLogger.h"
+#include "plaz/base/HSCPlazDebugLog.h"
 #include "plaz/model/reader/HSCPlazJsonDocument.h"
 #include "plaz/model/reader/HSCPlazJsonFields.h"
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
@@ -42,12 +41,12 @@ std::string findRefusal(const std::string& name, const Value& entry, const Value
 /// The hub model's stores by name, so that a long list is not searched for each entry.
 using StoresByName = std::unordered_map<std::string, Store*>;
 
-void readStore(const Value& entry, HSCPlazModel& hub, StoresByName& known) {
+void readStore(const Value& entry, HSCPlazModel& hub, StoresByName& known, HSCPlazFindings& found) {
     const std::string name = Json::GetStringProperty(entry, Key::name);
-    if (HSCPlazLogger::isEnabled()) HSCPlazLogger::log("Found qstore :" + name);
+    if (HSCPlazDebugLog::isEnabled()) HSCPlazDebugLog::write("Found qstore :" + name);
     const Value* config = Json::FindObject(entry, Key::config);
     if (const std::string refusal = findRefusal(name, entry, config); !refusal.empty()) {
-        ComMsgMgr::send(Msg::storeRefused, MsgSeverity::criticalWarning, name, refusal);
+        found.add(HSCPlazFinding::Kind::storeRefused, name, refusal);
         return;
     }
 
@@ -60,23 +59,29 @@ void readStore(const Value& entry, HSCPlazModel& hub, StoresByName& known) {
     if (entry.HasMember(Key::isPrivate)) store->setIsPrivateRepository(Json::GetBooleanProperty(entry, Key::isPrivate));
     if (!config) return;
     HSCPlazJson::fillFields(configFields, *config, *store);
-    if (HSCPlazLogger::isEnabled()) HSCPlazLogger::log("Found install loc:" + store->getInstallLocation());
+    if (HSCPlazDebugLog::isEnabled()) HSCPlazDebugLog::write("Found install loc:" + store->getInstallLocation());
 }
 
 } // namespace
 
-bool HSCPlazReader::parse(const std::string& file, HSCPlazModel* model) {
-    if (!model) return false;
+void HSCPlazReader::fill(const Value& root, HSCPlazModel& model, HSCPlazFindings& found) {
+    const Value* plaz = Json::FindObject(root, Key::plaz);
+    if (!plaz) return;
     StoresByName known;
-    for (const auto& store : model->getStores()) known.try_emplace(store->getName(), store.get());
-    HSCPlazJsonDocument document;
-    document.load(file);
-    document.validate(HSCPlazSchema::Kind::plaz);
-    const Value* plaz = Json::FindObject(document.getRoot(), Key::plaz);
-    if (!plaz) return true;
+    for (const auto& store : model.getStores()) known.try_emplace(store->getName(), store.get());
     if (const Value* stores = Json::FindArray(*plaz, Key::qstores))
         for (const Value& entry : stores->GetArray())
-            if (entry.IsObject()) readStore(entry, *model, known);
-    if (plaz->HasMember(Key::hubCommitId)) model->setCommitId(Json::GetStringProperty(*plaz, Key::hubCommitId));
+            if (entry.IsObject()) readStore(entry, model, known, found);
+    if (plaz->HasMember(Key::hubCommitId)) model.setCommitId(Json::GetStringProperty(*plaz, Key::hubCommitId));
+}
+
+bool HSCPlazReader::parse(const std::string& file, HSCPlazModel* model) {
+    if (!model) return false;
+    HSCPlazFindings found;
+    HSCPlazJsonDocument document;
+    document.load(file, found);
+    document.validate(HSCPlazSchema::Kind::plaz, found);
+    fill(document.getRoot(), *model, found);
+    found.tell();
     return true;
 }

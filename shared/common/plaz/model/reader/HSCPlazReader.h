@@ -1,7 +1,10 @@
 #pragma once
 
 #include "plaz/model/HSCPlazModel.h"
+#include "plaz/model/reader/HSCPlazFindings.h"
 #include "plaz/model/reader/HSCPlazJsonReader.h"
+
+#include <rapidjson/document.h>
 
 /// Reads the hub metadata file: the stores that the hub offers.
 class HSCPlazReader : public HSCPlazJsonReader<HSCPlazModel> {
@@ -10,4 +13,7 @@ public:
     /// address may not be used is left out (Msg::storeRefused), whatever else the file holds.
     /// @return false for a null model only: a file that cannot be used is reported and adds nothing
     bool parse(const std::string& file, HSCPlazModel* model) override;
+
+    /// The same of a document that has been read; what is left out is found, not sent.
+    static void fill(const rapidjson::Value& root, HSCPlazModel& model, HSCPlazFindings& found);
 };

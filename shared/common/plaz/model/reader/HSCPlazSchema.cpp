@@ -1,8 +1,6 @@
 #include "plaz/model/reader/HSCPlazSchema.h"
 
-#include "plaz/HSCPlazMgr.h"
-#include "plaz/HSCPlazUtils.h"
-#include "plaz/pref/HSCPlazPathMgr.h"
+#include "plaz/base/HSCPlazContext.h"
 #include "support/HCRapidJsonReadWriteUtils.h"
 #include "support/HIOStream.h"
 #include "support/HUTFile.h"
@@ -28,7 +26,7 @@ std::string getFileName(HSCPlazSchema::Kind kind, int major, int minor) {
     case HSCPlazSchema::Kind::localDb:
         break;
     }
-    return HSCPlazUtils::PLAZ_LOCAL_DB_FILE;
+    return HSCPlazStoreLayout::databaseFile;
 }
 
 std::string toText(const rapidjson::Pointer& pointer) {
@@ -41,28 +39,28 @@ std::string toText(const rapidjson::Pointer& pointer) {
 
 std::string HSCPlazSchema::getFile(Kind kind, int major, int minor) {
     const std::string& separator = HUTFile::getDirSeparator();
-    const std::string root = HSCPlazMgr::getInstance().getPathMgr()->getSchemaRoot();
+    const std::string root = HSCPlazContext::get().getSchemaRoot();
     // Without an installation the name stays relative to nothing, so that no other directory's files are taken.
     if (root.empty()) return getFileName(kind, major, minor);
     return root + separator + "schemas" + separator + "json" + separator + getFileName(kind, major, minor);
 }
 
-HSCPlazSchema* HSCPlazSchema::get(const std::string& file) {
+HSCPlazSchema* HSCPlazSchema::get(const std::string& file, HSCPlazFindings& found) {
     static std::map<std::string, std::unique_ptr<HSCPlazSchema>> schemas;
     const auto known = schemas.find(file);
     if (known != schemas.end()) return known->second.get();
-    return schemas.emplace(file, compile(file)).first->second.get();
+    return schemas.emplace(file, compile(file, found)).first->second.get();
 }
 
-HSCPlazSchema* HSCPlazSchema::compile(const std::string& file) {
+std::unique_ptr<HSCPlazSchema> HSCPlazSchema::compile(const std::string& file, HSCPlazFindings& found) {
     std::string text;
     if (HIOStream::read(file, text) != HIOStream::Status::ok) {
-        HCRapidJsonReadWriteUtils::errorReadingSchemaFile(file);
+        found.add(HSCPlazFinding::Kind::schemaUnreadable, file);
         return nullptr;
     }
     std::unique_ptr<HSCPlazSchema> schema(new HSCPlazSchema(std::move(text)));
-    if (schema->m_error.empty()) return schema.release();
-    HCRapidJsonReadWriteUtils::errorParsingSchemaFile(file, schema->m_error);
+    if (schema->m_error.empty()) return schema;
+    found.add(HSCPlazFinding::Kind::schemaNotJson, file, schema->m_error);
     return nullptr;
 }
 

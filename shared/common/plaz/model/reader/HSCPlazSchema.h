@@ -1,12 +1,15 @@
 #pragma once
 
+#include "plaz/model/reader/HSCPlazFindings.h"
+
 #include <rapidjson/document.h>
 #include <rapidjson/schema.h>
 
+#include <memory>
 #include <string>
 
 /// The schema of one kind and layout version of metadata file. Each is read and compiled once per process; one that
-/// cannot be used is reported once and then left out. Not safe to use from several threads at once.
+/// cannot be used is found once and then left out. Not safe to use from several threads at once.
 class HSCPlazSchema {
 public:
     enum class Kind { plaz, qstore, qitemCatalog, qitem, localDb };
@@ -15,7 +18,7 @@ public:
     /// versions.
     static std::string getFile(Kind kind, int major, int minor);
     /// The compiled schema, alive until the process ends; null when the file cannot be read or parsed.
-    static HSCPlazSchema* get(const std::string& file);
+    static HSCPlazSchema* get(const std::string& file, HSCPlazFindings& found);
 
     /// The first place of @p root that breaks the schema, as text that begins with its JSON pointer and names the
     /// broken keyword: `"/plaz/qstores/0" breaks the rule "required": "name" is missing`. Empty when all is well.
@@ -23,7 +26,7 @@ public:
 
 private:
     explicit HSCPlazSchema(std::string text);
-    static HSCPlazSchema* compile(const std::string& file);
+    static std::unique_ptr<HSCPlazSchema> compile(const std::string& file, HSCPlazFindings& found);
     std::string findMissingMember(const rapidjson::Value& object) const;
 
     std::string m_text;

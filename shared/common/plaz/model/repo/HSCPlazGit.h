@@ -1,12 +1,10 @@
 #pragma once
 
 #include "plaz/base/PlazExport.h"
-#include "plaz/model/HSCPlazLogger.h"
 #include "plaz/model/repo/HSCPlazRepo.h"
 #include "support/HSTVector.h"
 
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -15,21 +13,13 @@ class HSCPlazQStore;
 class HSCPlazQStoreModel;
 
 /// The repository kept with git: drives the git executable, always as a child process, one command at a time.
-/// Holds no state; what it knows lies on disk:
+/// Holds no state; what it knows lies on disk, in the area of each store (HSCPlazStoreLayout draws it).
 ///
-///     <store area>/.plaz/.index            the store's long-lived working copy; nothing is ever checked out in it
-///     <store area>/.plaz/.index/.git       objects and one remote, "origin"; fetched, never written to otherwise
-///     <store area>/.plaz/.index/.done      empty; written last, when the first fetch is complete
-///     <store area>/.plaz/.incoming         an item on its way to its place
-///     <store area>/.staging                a fresh copy of the working copy, in which one checkout is made
+/// A façade: the work is done in the rooms below (git/), which tell what they have to tell as values. Here it is sent,
+/// and paths and configuration are asked of the running hub.
 ///
-/// After a crash: a working copy without ".done" is made afresh by the next run, one with it is rid of the lock files
-/// and half-received packs that a killed git leaves. ".staging" and ".incoming" are removed before they are used, at
-/// the end of an installation and whenever something fails; only a catalog update leaves ".staging", for its caller to
-/// read. An installed item is replaced in one step, so that an interruption leaves the old files or the new ones.
-///
-/// RATIONALE: a checkout happens in a fresh copy, so that no local branch or leftover file of an earlier one can decide
-/// what is found there. The copy is cheap, because git never changes an object in place and objects are linked.
+/// ".staging" and ".incoming" are removed before they are used, at the end of an installation and whenever something
+/// fails; only a catalog update leaves ".staging", for its caller to read.
 ///
 /// Not safe to use from several threads at once: a command changes the process's working directory and the verbosity of
 /// the message service, and brings both back, also on failure.
@@ -71,8 +61,6 @@ public:
     bool loadCatalog(HSCPlazBaseModel* model, HSCPlazPathMgr* pathMgr, const HSTVector<std::string>& catalogFiles);
     /// Whether the store's local root directory holds ".done"; false for null.
     bool isInstalled(const HSCPlazQStore* store) const;
-    /// The same of any directory: it holds a complete clone.
-    static bool isInstalled(const std::string& dir);
 
     /// Makes the staging directory a copy of the store's working copy, which is created, made afresh (another URL,
     /// never completed) or fetched first.
@@ -83,9 +71,6 @@ public:
     /// @throws HEXAll as exec_git
     /// Sends Msg::storeRefused for a URL that git is not given, Msg::dirNotWritable and what exec_git sends.
     static int cloneOrUpdateRepoForStore(const HSCPlazQStoreModel* store, bool bInternet);
-    /// Removes a working copy whose objects do not hold together, as after a failing disk, so that the next use makes
-    /// it afresh. Slow: to be asked only when something has failed.
-    static void discardDamagedIndex(const HSCPlazQStoreModel& store);
     /// Makes @p stagingDir afresh: a working copy of the hub's own repository, nothing checked out. On failure it may
     /// hold a part of one. User id and token may be empty.
     /// @return false without git access, or when @p stagingDir cannot be written
@@ -122,34 +107,6 @@ public:
     static int hasUpdate(const std::string& cloneDir, const std::string& url, const std::string& proxy,
                          const std::string& branch);
 
-    /// What a look at a remote found out.
-    struct UpdateCheck {
-        std::optional<bool> moved; ///< nothing when it could not be found out
-        std::string reason;        ///< why not, secrets masked
-    };
-    /// The same as hasUpdate() with the reason where it cannot be told.
-    static UpdateCheck checkForUpdate(const std::string& cloneDir, const std::string& url, const std::string& proxy,
-                                      const std::string& branch);
-
-    /// What git said to a question.
-    struct PLAZ_API Answer {
-        int status;       ///< exit status of git, or one of those that HUTFork has for a run without end
-        std::string text; ///< all it wrote, secrets masked
-
-        /// Git's error lines in one, or what to say where there are none.
-        std::string getReason() const;
-    };
-    /// Runs a git command that changes nothing, once and within the time limit of all commands. Sends nothing; what it
-    /// writes stands in the system's temporary directory meanwhile.
-    static Answer ask(const std::vector<std::string>& args, const std::string& workDir);
-    /// Asks the remote for its branches, with the credentials that hasUpdate() uses for the URL and with the settings
-    /// of the working copy @p workDir.
-    static Answer askRemote(const std::string& url, const std::string& workDir);
-
-    /// Creates an empty repository in @p dir, which must exist, and gives it its settings: plain attributes,
-    /// certificates, proxy and credential helper. @return false when the attributes cannot be written
-    /// @throws HEXAll as exec_git
-    static bool initWorkingCopy(const std::string& dir);
     /// Makes the working copy in @p dir use the certificate bundle that comes with git. This and the other settings of
     /// access never stop an operation: what cannot be set is left unset, and the next command tells.
     static void setSslCaInfo(const std::string& dir);
@@ -157,25 +114,10 @@ public:
     /// "plaz.https_proxy" for "Solvan", the user's preference for "kvq". Without one for HTTP, asks the helper program
     /// "zenproxy.exe" of the installation, where there is one.
     static void setProxy(const std::string& dir);
-    /// The same for a working copy that is in use, where what it records is not what is in force now. Starts nothing
-    /// where it is: a proxy that was found out by the helper program stays until one is chosen.
-    static void renewProxy(const std::string& dir);
     /// Makes the working copy use this HTTP proxy; empty changes nothing.
     static void setProxy(const std::string& dir, const std::string& proxy);
-    /// The proxy for "https" remotes, which commands that speak to one are given through their environment: the
-    /// parameter "plaz.https_proxy" for "Solvan"; empty when there is none of their own.
-    static std::string getHttpsProxy();
-    /// The user's preference "plaz.http_proxy"; empty when it is not set.
-    static std::string getPreferredHttpProxy();
     /// Keeps the user's and the system's credential helpers out of the working copy. Nothing without git access.
     static void config_credential_helper(const std::string& dir);
-    /// Whether the working copy in @p dir fetches from where the store is now, with the credentials that count now. One
-    /// that does not is made afresh when it is used next.
-    static bool isOfStore(const std::string& dir, const HSCPlazQStoreModel& store);
-    /// Whether user id or token are known for the store.
-    static bool hasCredentials(const HSCPlazQStoreModel& store);
-    /// Where the program that detects proxies is; empty when there is none.
-    static std::string findProxyHelper();
     /// Warns of a private store without credentials where git may not ask for them, then registers the remote and
     /// fetches (setRemote). @param store  null gives false
     /// Sends Msg::credentialsMissing and what exec_git sends. @throws HEXAll as exec_git
@@ -185,14 +127,13 @@ public:
     /// access; nothing is done then
     /// @throws HEXAll as exec_git
     static bool setRemote(const std::string& dir, const HSCPlazQStoreModel& store);
-    /// The same for any repository. @param name  as it is called in traces
-    static bool setRemote(const std::string& dir, const std::string& name, const std::string& url);
     /// The URL of "origin" recorded in @p dir; empty when there is none or the file cannot be read. Runs no process.
     static std::string getRemoteUrl(const std::string& dir);
     /// Restricts later checkouts in @p dir to its sparse-checkout file. @throws HEXAll as exec_git
     static void enableSparseCheckout(const std::string& dir);
     /// Writes the sparse-checkout file of @p dir: @p paths, repository-relative, one a line, in the place of any
     /// before. Characters that git would read as a pattern are escaped. @return false when the file cannot be written
+    /// Sends Msg::dirNotWritable.
     static bool addItemsToSparseCheckout(const std::string& dir, const std::vector<std::string>& paths);
     /// Checks out a branch or commit in @p dir. @throws HEXAll as exec_git
     static void checkout(const std::string& dir, const std::string& ref);
@@ -209,29 +150,19 @@ public:
     /// Sends Msg::gitErrors with the error lines of the output before it throws, unless cancelled.
     static int exec_git(const std::vector<std::string>& args, const std::string& workDir, bool internalCall,
                         const std::string& logFile);
-
-    /// Runs a command that records @p value, its last argument, in the configuration of @p dir. A user part in the
-    /// value
-    /// ("user:token@") is left out of the command and put into the file, which only its owner can read from then on.
-    /// @return 0
-    /// @throws HEXAll as exec_git, and Msg::dirNotWritable when the user part cannot be put there
-    static int execWithValue(std::vector<std::string> args, const std::string& value, const std::string& dir,
-                             bool internalCall);
     /// Runs one complete command line (see HUTFork::splitCmdLine) in git's environment and waits for its end;
     /// HUTFork::interruptAll ends it. User parts of web URLs reach git through its environment.
     ///
     /// @param workDir   empty: the current directory
     /// @param outFile   takes standard output and standard error; replaced
-    /// @param exitCode  the exit status, when the result is 0; HUTFork::timedOut when it was given up
-    /// @param seconds   time limit; 0: none
+    /// @param exitCode  the exit status, when the result is 0
     /// @return 0 when the process ran, -1 when the pipe for its output could not be made, -2 that for its error output
-    /// (on
-    ///         Windows; elsewhere it writes into the file itself), -4 when it could not be started
+    ///         (on Windows; elsewhere it writes into the file itself), -4 when it could not be started
     static int exec_git_win(const std::string& cmdLine, const std::string& workDir, const std::string& outFile,
-                            std::uint32_t& exitCode, int seconds = 0);
-
-    /// Whether git's own words on the last failure have been sent as Msg::gitErrors.
-    static bool hasToldFailure();
+                            std::uint32_t& exitCode);
+    /// Sets http.sslVerify ("true", "false") of the working copy in @p workDir, where there is one.
+    /// @throws HEXAll as exec_git
+    static void setSslVerify(const std::string& workDir, const std::string& value);
 
     /// Where git is; empty when it is nowhere. Looked up afresh at each call.
     static std::string getGitExePath();
@@ -243,18 +174,6 @@ public:
     static bool isGitAccessEnabled();
     /// The parameter "plaz.enableRemoteAccess". Sends Msg::remoteAccessOff when it is false.
     static bool hasRemoteAccess();
-
-    /// Writes a line, joined from its parts, to standard output and to the debug log while git debugging is on.
-    template <typename... Parts> static void debugTrace(const Parts&... parts) {
-        if (!isDebugGit()) return;
-        std::string line;
-        ((line += parts), ...);
-        writeTrace(line);
-    }
-
-private:
-    static void writeTrace(const std::string& line);
-    static void configure(const std::string& dir, const std::string& key, const std::string& value);
-    static void restoreSslVerify(const std::string& workDir);
-    static void setSslVerify(const std::string& workDir, const std::string& value);
+    /// Writes a line to standard output and to the debug log while git debugging is on.
+    static void debugTrace(const std::string& line);
 };

@@ -1,8 +1,9 @@
 #include "plaz/model/repo/git/HSCPlazGitEnv.h"
 
-#include "plaz/model/repo/HSCPlazGit.h"
+#include "plaz/base/HSCPlazUrl.h"
 #include "plaz/model/repo/git/HSCPlazGitCredentials.h"
-#include "support/HPAParamMgr.h"
+#include "plaz/model/repo/git/HSCPlazGitParams.h"
+#include "plaz/model/repo/git/HSCPlazGitProxies.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
 #include "support/HUTFork.h"
@@ -63,13 +64,9 @@ std::string toUpper(std::string name) {
     return name;
 }
 
-bool isAskPassEnabled() {
-    return HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableAskPassForPrivateRepo");
-}
-
 bool isKept(const std::string& name) {
     if (!hasPrefix(name, "GIT_")) return true;
-    if (name == "GIT_ASKPASS") return isAskPassEnabled();
+    if (name == "GIT_ASKPASS") return HSCPlazGitParams::mayAsk();
     return hasPrefix(name, "GIT_SSL_") || hasPrefix(name, "GIT_PROXY_SSL_");
 }
 
@@ -85,7 +82,7 @@ void dropInherited(HUTFork& git) {
 // one that reads the terminal from there is stopped until the time-out.
 void forbidPrompts(HUTFork& git) {
     git.setEnv("GIT_TERMINAL_PROMPT", "0");
-    if (isAskPassEnabled()) return;
+    if (HSCPlazGitParams::mayAsk()) return;
     git.setEnv("GIT_ASKPASS", ""); // set but empty: git looks for no other program to ask with
     git.setEnv("GIT_ASK_YESNO", "false");
     git.setEnv("GCM_INTERACTIVE", "never");
@@ -108,16 +105,17 @@ void addSettings(HUTFork& git, const std::string& command, const std::string& re
     addSetting(git, count++, "core.fsync", command == "fetch" ? "committed,reference" : "none");
     // A server that falls silent is given up by commands that run without a time limit, too.
     addSetting(git, count++, "http.lowSpeedLimit", "1");
-    addSetting(git, count++, "http.lowSpeedTime", std::to_string(HSCPlazGit::getGitTimeOut()));
-    const std::string plain = HSCPlazGitUrl::withoutUserPart(remoteUrl);
+    addSetting(git, count++, "http.lowSpeedTime", std::to_string(HSCPlazGitParams::getTimeOut()));
+    const HSCPlazUrl url = HSCPlazUrl::parse(remoteUrl);
+    const std::string plain = url.withoutUser();
     // Git itself asks http.proxy for both protocols.
-    const std::string proxy = HSCPlazGitUrl::isHttps(remoteUrl) ? HSCPlazGit::getHttpsProxy() : std::string();
+    const std::string proxy = url.isHttps() ? HSCPlazGitProxies::getHttps() : std::string();
     if (!proxy.empty()) addSetting(git, count++, "http." + plain + ".proxy", proxy);
     const HSCPlazGitCredentials credentials = HSCPlazGitCredentials::inUrl(remoteUrl);
     if (!credentials.isEmpty()) {
         addSetting(git, count++, "url." + plain + ".insteadOf", remoteUrl);
         addSetting(git, count++, "credential.helper", ""); // no other helper is asked, or told
-        addSetting(git, count++, "credential." + HSCPlazGitUrl::getServer(remoteUrl) + ".helper", credentialHelper);
+        addSetting(git, count++, "credential." + url.getServer() + ".helper", credentialHelper);
         git.setEnv("PLAZ_GIT_USER", credentials.userId);
         git.setEnv("PLAZ_GIT_TOKEN", credentials.token);
     }

@@ -17,9 +17,12 @@ std::vector<std::string> HSCPlazGitLog::getErrorLines(const std::string& output)
     return found;
 }
 
-std::optional<std::string> HSCPlazGitLog::findConfigValue(std::string config, const std::string& key) {
-    // RATIONALE: the parser knows no quoted sub-sections.
+std::string HSCPlazGitLog::withPlainSections(std::string config) {
     boost::algorithm::replace_first(config, "remote \"origin\"", "remote_origin");
+    return config;
+}
+
+std::optional<std::string> HSCPlazGitLog::findConfigValue(const std::string& config, const std::string& key) {
     try {
         std::istringstream text(config);
         boost::property_tree::ptree tree;

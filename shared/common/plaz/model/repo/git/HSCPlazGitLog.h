@@ -10,9 +10,12 @@ namespace HSCPlazGitLog {
 /// The lines of a command's output that report an error: those with "fatal:" or "error:" anywhere, in any case.
 std::vector<std::string> getErrorLines(const std::string& output);
 
-/// What a configuration file records under a key such as "http.proxy", or "remote_origin.url" for the URL of "origin";
-/// nothing when it records nothing there, or more than one value anywhere.
-std::optional<std::string> findConfigValue(std::string config, const std::string& key);
+/// A configuration file with its section of "origin" called remote_origin.
+/// RATIONALE: the parser knows no quoted sub-sections.
+std::string withPlainSections(std::string config);
+/// What such a text records under a key such as "http.proxy"; nothing when it records nothing there, or more than one
+/// value anywhere.
+std::optional<std::string> findConfigValue(const std::string& config, const std::string& key);
 
 /// A value of a configuration file without the quotes and escapes that git puts around special characters.
 std::string unquoteConfigValue(const std::string& value);

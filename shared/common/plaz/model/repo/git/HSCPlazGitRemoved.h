@@ -5,18 +5,19 @@
 #include <string>
 #include <utility>
 
-/// A directory that is gone when its block is left, by whatever way, unless it was to be kept.
+/// A file or directory that is gone when its block is left, by whatever way, unless it was to be kept.
 class HSCPlazGitRemoved {
 public:
-    explicit HSCPlazGitRemoved(std::string dir) : m_dir(std::move(dir)) {}
+    explicit HSCPlazGitRemoved(std::string name) : m_name(std::move(name)) {}
     ~HSCPlazGitRemoved() {
-        if (!m_kept) HUTFile::rmRecursive(m_dir);
+        if (!m_kept) HUTFile::rmRecursive(m_name);
     }
     HSCPlazGitRemoved(const HSCPlazGitRemoved&) = delete;
     HSCPlazGitRemoved& operator=(const HSCPlazGitRemoved&) = delete;
+    const std::string& getName() const { return m_name; }
     void keep() { m_kept = true; }
 
 private:
-    std::string m_dir;
+    std::string m_name;
     bool m_kept = false;
 };

@@ -1,0 +1,96 @@
+#include "plaz/HSCPlazInspection.h"
+
+#include "plaz/HSCPlazMgr.h"
+#include "plaz/base/HSCPlazMsg.h"
+#include "plaz/model/HSCPlaz.h"
+#include "plaz/model/repo/git/HSCPlazGitConfigFile.h"
+#include "plaz/model/repo/git/HSCPlazGitCredentials.h"
+#include "plaz/model/repo/git/HSCPlazGitParams.h"
+#include "plaz/model/repo/git/HSCPlazGitProgram.h"
+#include "plaz/model/repo/git/HSCPlazGitRemote.h"
+#include "plaz/model/repo/git/HSCPlazGitRunner.h"
+#include "plaz/model/repo/git/HSCPlazGitSettings.h"
+#include "plaz/model/repo/git/HSCPlazGitStore.h"
+#include "plaz/model/repo/git/HSCPlazGitWorkingCopy.h"
+#include "plaz/store/HSCPlazWorkspace.h"
+
+#include <boost/algorithm/string/predicate.hpp>
+
+#include <sstream>
+
+namespace {
+
+const HSCPlazWorkspace& workspace() {
+    return HSCPlazMgr::getInstance().getWorkspace();
+}
+
+HSCPlazInspection::Answer toAnswer(const HSCPlazGitAnswer& answer) {
+    return {answer.status == 0, answer.text, answer.getReason()};
+}
+
+} // namespace
+
+HSCPlazInspection::Answer HSCPlazInspection::askVersion() {
+    return toAnswer(HSCPlazGitRunner::ask({"--version"}, ""));
+}
+
+int HSCPlazInspection::getTimeOut() {
+    return HSCPlazGitParams::getTimeOut();
+}
+
+std::string HSCPlazInspection::findProxyHelper() {
+    return HSCPlazGitProgram::findProxyHelper();
+}
+
+void HSCPlazInspection::makeWorkingCopy(const std::string& dir) {
+    if (!HSCPlazGitSettings::initWorkingCopy(dir))
+        throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::dirNotWritable, dir));
+}
+
+std::vector<HSCPlazInspection::Setting> HSCPlazInspection::findProxies(const std::string& dir) {
+    std::istringstream lines(
+        HSCPlazGitRunner::ask({"config", "--show-scope", "--get-regexp", "^https?\\.proxy$"}, dir).text);
+    std::vector<Setting> settings;
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream words(line);
+        Setting setting;
+        words >> setting.scope >> setting.key >> setting.value;
+        if (boost::algorithm::ends_with(setting.key, ".proxy")) settings.push_back(setting);
+    }
+    return settings;
+}
+
+HSCPlazInspection::Answer HSCPlazInspection::checkIntegrity(const std::string& dir) {
+    return toAnswer(HSCPlazGitRunner::ask(HSCPlazGitWorkingCopy::integrityCheck(), dir));
+}
+
+HSCPlazInspection::Answer HSCPlazInspection::askRemote(const std::string& url, const std::string& dir) {
+    const HSCPlazCfgModel* config = workspace().config.getConfigModel();
+    const std::string access = HSCPlazGitStore::findAccess(url, workspace().hub.get(), config);
+    return toAnswer(HSCPlazGitRemote::ask(url, access, dir));
+}
+
+HSCPlazStoreLayout HSCPlazInspection::getLayout(const HSCPlazQStoreModel& store) {
+    return workspace().paths.getStoreLayout(store);
+}
+
+bool HSCPlazInspection::isForeign(const HSCPlazQStoreModel& store) {
+    const HSCPlazGitStore repository = workspace().gitStore(store);
+    return HSCPlazGitConfigFile::getRemoteUrl(repository.layout.getIndex()) != repository.access;
+}
+
+bool HSCPlazInspection::hasCredentials(const HSCPlazQStoreModel& store) {
+    return workspace().gitStore(store).hasCredentials;
+}
+
+std::string HSCPlazInspection::getRefreshedHubMetadataFile() {
+    return workspace().paths.getRefreshedHubMetadataFile();
+}
+
+std::string HSCPlazInspection::getShippedHubMetadataFile() {
+    return workspace().paths.getHubMetadataFile();
+}
+
+std::string HSCPlazInspection::getConfigFile() {
+    return workspace().paths.getConfigFile();
+}

@@ -1,0 +1,61 @@
+#pragma once
+
+#include "plaz/base/HSCPlazStoreLayout.h"
+#include "plaz/base/PlazExport.h"
+
+#include <string>
+#include <vector>
+
+class HSCPlazQStoreModel;
+
+/// What the hub works with, looked at from outside: for programs that tell people whether all is in order. Changes
+/// nothing but what it says, and sends nothing. Belongs to the hub's thread.
+namespace HSCPlazInspection {
+
+/// What git said to a question.
+struct Answer {
+    bool isGiven;       ///< git ran and was content
+    std::string text;   ///< all it wrote, secrets masked
+    std::string reason; ///< its error lines in one, or what to say where there are none
+};
+
+/// One setting of git, as its configuration has it; a proxy may hold a secret.
+struct Setting {
+    std::string scope; ///< "local", "global" or "system"
+    std::string key;
+    std::string value;
+};
+
+/// "git version 2.39.5".
+PLAZ_API Answer askVersion();
+/// Seconds after which git is given up; 0 and less: never.
+PLAZ_API int getTimeOut();
+/// The program that detects proxies; empty when there is none.
+PLAZ_API std::string findProxyHelper();
+
+/// Makes @p dir, which must exist, a working copy as a refresh would set it up, empty.
+/// @throws HEXAll Msg::dirNotWritable, gitFailed or gitNotFound
+PLAZ_API void makeWorkingCopy(const std::string& dir);
+/// The proxies that git would use in a working copy.
+PLAZ_API std::vector<Setting> findProxies(const std::string& dir);
+/// Whether what a working copy holds holds together.
+PLAZ_API Answer checkIntegrity(const std::string& dir);
+/// A remote's branches, one a line, behind the commit of each; asked as a refresh would.
+/// @param url  a store's or the hub's own, without credentials
+/// @param dir  a working copy, whose settings apply
+PLAZ_API Answer askRemote(const std::string& url, const std::string& dir);
+
+/// Where a store keeps what. @throws HEXAll where its area cannot be named
+PLAZ_API HSCPlazStoreLayout getLayout(const HSCPlazQStoreModel& store);
+/// The store's working copy is of another URL, or of other credentials, than the store is now.
+PLAZ_API bool isForeign(const HSCPlazQStoreModel& store);
+/// A user id or token is set for the store.
+PLAZ_API bool hasCredentials(const HSCPlazQStoreModel& store);
+
+/// The hub's metadata as the last refresh has brought it. Need not exist.
+PLAZ_API std::string getRefreshedHubMetadataFile();
+/// As it is shipped.
+PLAZ_API std::string getShippedHubMetadataFile();
+PLAZ_API std::string getConfigFile();
+
+} // namespace HSCPlazInspection

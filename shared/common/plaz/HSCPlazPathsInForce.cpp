@@ -1,0 +1,152 @@
+#include "plaz/HSCPlazPathsInForce.h"
+
+#include "plaz/HSCPlazMgr.h"
+#include "plaz/base/HSCPlazProduct.h"
+#include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazModel.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/HSCPlazQStoreModel.h"
+#include "plaz/model/repo/git/HSCPlazGitProgram.h"
+#include "plaz/store/HSCPlazWorkspace.h"
+#include "support/HCCXPrefMgr.h"
+#include "support/HPAParamMgr.h"
+#include "support/HUTEnv.h"
+#include "support/HUTFile.h"
+
+#include <exception>
+#include <functional>
+
+using HSCPlazPathsInForce::Path;
+using HSCPlazPathsInForce::StorePaths;
+
+namespace {
+
+const HSCPlazWorkspace& workspace() {
+    return HSCPlazMgr::getInstance().getWorkspace();
+}
+
+constexpr const char* applicationData = "<application data>/<product version>";
+
+/// "GDA_X" when that variable is set, else @p otherwise.
+std::string chosenBy(const std::string& variable, const std::string& otherwise) {
+    std::string value;
+    return HUTEnv::getEnv(variable, value) ? "variable " + variable : otherwise;
+}
+
+/// A path computed by @p rule; one that the rule cannot compute is told with the reason.
+Path inForce(const std::string& name, const std::function<std::string()>& rule, const std::string& chosen) {
+    try {
+        const std::string path = rule();
+        return {name, path, chosen, !path.empty() && HUTFile::exists(path)};
+    } catch (const std::exception& failure) {
+        return {name, "", failure.what(), false};
+    }
+}
+
+std::string chooserOfUserArea() {
+    const std::vector<std::string> preference = HCCXPrefMgr::getInstance().getDefaultXPref().getVal("QSTORES_PATH");
+    const bool isPreferred = !preference.empty() && !preference.front().empty();
+    return chosenBy("ZENTOR_PLAZ_USERAREA_ROOT_DIR",
+                    isPreferred ? "preference QSTORES_PATH" : std::string("default: ") + applicationData + "/plaz");
+}
+
+std::string chooserOfUserRepository() {
+    return chosenBy("ZENTOR_PLAZ_USER_REPO_PATH", std::string("default: ") + applicationData + "/plaz");
+}
+
+std::string chooserOfData() {
+    return chosenBy("GDA_DATA_DIR", chosenBy("GDA_APPROOT", "default: beside the library"));
+}
+
+std::string chooserOfGit() {
+    if (!HSCPlazProduct::bringsTools()) return "in Solvan's installation";
+    return chosenBy("GDA_TPS_DIR", chosenBy("GDA_APPROOT", "default: beside the library"));
+}
+
+std::string chooserOfStoreArea(const HSCPlazQStore& store) {
+    const std::string dir = store.getLocalRootDir();
+    if (dir.empty()) return "user repository and store root (" + chooserOfUserRepository() + ")";
+    if (!HSCPlazMgr::getInstance().getHubRepoInfoMgr()->getStoreDirectory(store.getName()).empty())
+        return "chosen for the store (plaz_stores.json)";
+    if (!HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableBoardStoreDefaultLocation"))
+        return "user repository and store root (" + chooserOfUserRepository() + ")";
+    return "default location of the store (parameter plaz.enableBoardStoreDefaultLocation)";
+}
+
+/// Empty where nothing is shipped.
+std::string findShippedData(const HSCPlazQStoreModel& store) {
+    const std::string dir = workspace().paths.getStoresDataDir() + "/" + store.getRoot();
+    return HUTFile::isDirectory(dir) ? dir : std::string();
+}
+
+StorePaths pathsOf(const HSCPlazQStore& store) {
+    const HSCPlazQStoreModel& model = *store.getModel();
+    const HSCPlazPathMgr& paths = workspace().paths;
+    const std::string own = store.getLocalDbFilePath();
+    return {
+        store.getName(),
+        {inForce(
+             "store area", [&] { return paths.getStoreArea(model); }, chooserOfStoreArea(store)),
+         inForce(
+             "working copy", [&] { return paths.getStoreLayout(model).getIndex(); }, "beside the staging directory"),
+         inForce(
+             "staging", [&] { return paths.getStoreLayout(model).getStaging(); },
+             store.getLocalRootDir().empty() ? "in the user area" : "in the store area"),
+         inForce(
+             "database", [&] { return own.empty() ? paths.getStoreLayout(model).getDatabase() : own; },
+             "in the store area"),
+         inForce(
+             "shipped data", [&] { return findShippedData(model); }, "stores data and store root")}};
+}
+
+/// What a refresh of the hub has brought goes before what is shipped.
+Path findHubMetadata(const std::string& chooserOfShipped) {
+    const HSCPlazPathMgr& paths = workspace().paths;
+    const std::string& read = HSCPlazMgr::getInstance().getHub().getModel()->getLocalRoot();
+    const bool isRefreshed = read == paths.getRefreshedHubMetadataFile();
+    return inForce(
+        "hub metadata", [&] { return read.empty() ? paths.getHubMetadataFile() : read; },
+        isRefreshed ? "refreshed, in the user area" : chooserOfShipped);
+}
+
+} // namespace
+
+std::vector<Path> HSCPlazPathsInForce::ofHub() {
+    const HSCPlazPathMgr& paths = workspace().paths;
+    const std::string localRoot = chosenBy("ZENTOR_PLAZ_LOCAL_ROOT_DIR", chooserOfData());
+    return {inForce("application data", HUTEnv::getHDIAppDataDir, chosenBy("GDA_APPDATA_DIR", "default: ~/.Zentor")),
+            inForce(
+                "application root", [] { return HUTEnv::getGDAAppRoot(""); },
+                chosenBy("GDA_APPROOT", "default: beside the library")),
+            inForce(
+                "data root", [] { return HUTEnv::getGDADataDir(); }, chooserOfData()),
+            inForce(
+                "shared data root", [&] { return paths.getLocalDataRoot(); }, localRoot),
+            findHubMetadata(localRoot),
+            inForce(
+                "configuration", [&] { return paths.getConfigFile(); }, localRoot),
+            inForce(
+                "stores data", [&] { return paths.getStoresDataDir(); },
+                chosenBy("ZENTOR_PLAZ_SHARED_ROOT_DIR", localRoot)),
+            inForce(
+                "schema root", [&] { return paths.getSchemaRoot(); }, chooserOfData()),
+            inForce(
+                "user area", [&] { return paths.getUserAreaRoot(); }, chooserOfUserArea()),
+            inForce(
+                "user repository", [&] { return workspace().userPref.getUserRepoPath().generic_string(); },
+                chooserOfUserRepository()),
+            inForce("preferences", HCCXPrefMgr::getFile, "in the application data"),
+            inForce(
+                "stores' directories", [&] { return paths.getRepoInfoFile(); }, "in the user area"),
+            inForce(
+                "hub database", [&] { return paths.getDefaultLocalDbFile(); }, "in the user area"),
+            inForce("git", HSCPlazGitProgram::find, chooserOfGit()),
+            inForce("certificates", HSCPlazGitProgram::findCertificates, "beside git")};
+}
+
+std::vector<StorePaths> HSCPlazPathsInForce::ofStores(const HSCPlaz& hub) {
+    std::vector<StorePaths> all;
+    for (const HSCPlazQStore* store : hub.getStores())
+        if (store->getModel()) all.push_back(pathsOf(*store));
+    return all;
+}

@@ -1,0 +1,37 @@
+#include "plaz/base/HSCPlazDebugLog.h"
+
+#include "support/HIOStream.h"
+#include "support/HPAParamMgr.h"
+#include "support/HUTEnv.h"
+#include "support/HUTFile.h"
+
+#include <fstream>
+#include <iostream>
+
+namespace {
+
+constexpr const char* logFileName = "plaz.log";
+
+/// Opens the log in the current directory; a failure marks the stream and is tried again at the next line.
+void openLogFile(std::ofstream& file) {
+    const std::string dir = HUTEnv::getPWD();
+    file.clear();
+    if (HUTFile::isWriteable(dir))
+        file = HIOStream::openForWriting(dir + HUTFile::getDirSeparator() + logFileName, std::ios::trunc);
+    if (!file.is_open()) file.setstate(std::ios::failbit);
+}
+
+} // namespace
+
+bool HSCPlazDebugLog::isEnabled() {
+    static const bool enabled = HPAParamMgr::getParamMgr().getValueIfExistAsBool("plaz.enableLog", false);
+    return enabled;
+}
+
+void HSCPlazDebugLog::write(const std::string& line) {
+    if (!isEnabled()) return;
+    static std::ofstream file;
+    if (!file.is_open()) openLogFile(file);
+    std::cout << line << std::endl;
+    if (file.is_open() && file.good()) file << line << std::endl;
+}

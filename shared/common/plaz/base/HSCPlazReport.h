@@ -1,0 +1,46 @@
+#pragma once
+
+#include "plaz/base/PlazExport.h"
+#include "support/ComMsgMgr.h"
+
+#include <cstddef>
+#include <string>
+#include <utility>
+#include <vector>
+
+/// What an operation has to tell people, in order; nothing of it has been sent yet. A value: who makes it says what
+/// happened, who sends it decides whether and when it is heard. Each report is sent once, by one layer.
+class PLAZ_API HSCPlazReport {
+public:
+    struct Note {
+        ComMsgMgrInstance message;
+        MsgSeverity severity;
+    };
+
+    HSCPlazReport() = default;
+    template <std::size_t Arity, typename... Args>
+    HSCPlazReport(const MsgId<Arity>& id, MsgSeverity severity, const Args&... args) {
+        add(id, severity, args...);
+    }
+
+    template <std::size_t Arity, typename... Args>
+    void add(const MsgId<Arity>& id, MsgSeverity severity, const Args&... args) {
+        m_notes.push_back({ComMsgMgrInstance("", 0, "common", id, args...), severity});
+    }
+    /// What an exception carries, as an error.
+    void add(const HEXAll& failure) { m_notes.push_back({failure.getMsg(), MsgSeverity::error}); }
+    void append(const HSCPlazReport& other);
+
+    bool isEmpty() const { return m_notes.empty(); }
+    const std::vector<Note>& getNotes() const { return m_notes; }
+    /// What was added behind the first @p count notes.
+    HSCPlazReport getBehind(std::size_t count) const;
+    /// The first error, which is the cause of those behind it; null when there is none.
+    const ComMsgMgrInstance* findError() const;
+
+    /// Sends all of it to the message service.
+    void send() const;
+
+private:
+    std::vector<Note> m_notes;
+};

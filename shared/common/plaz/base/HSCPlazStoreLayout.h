@@ -1,0 +1,57 @@
+#pragma once
+
+#include "plaz/base/PlazExport.h"
+
+#include <string>
+
+/// Where one store keeps what on this machine: every folder and file of its area, each named in this one place.
+///
+///     <area>/<item root>[/<revision>]           an installed item
+///     <area>/<metadata file>, <catalog file>    the catalog that was refreshed last; ".done" beside it marks it whole
+///     <area>/.plaz/.catalog                     metadata of items that are not installed
+///     <area>/.plaz/plaz_local_db.json           what is installed
+///     <area>/.plaz/.incoming, .outgoing         files on their way in and out; empty between commands
+///     <work>/.plaz/.index                       the working copy; ".done" in it marks it complete
+///     <work>/.staging                           where a checkout is made; gone between commands
+///
+/// <work> is the area, but for a store without a directory of its own it may lie elsewhere.
+class PLAZ_API HSCPlazStoreLayout {
+public:
+    static constexpr const char* hiddenDir = ".plaz";
+    static constexpr const char* stagingDir = ".staging";
+    static constexpr const char* doneMarker = ".done";
+    static constexpr const char* gitDir = ".git";
+    static constexpr const char* databaseFile = "plaz_local_db.json";
+    /// Metadata of items, relative to the area; ends in "/".
+    static constexpr const char* catalogFolder = ".plaz/.catalog/";
+    /// An item's change log, in its folder.
+    static constexpr const char* changeLogFile = "changelog.txt";
+
+    /// Nowhere: every name is empty.
+    HSCPlazStoreLayout() = default;
+    /// Both in generic form.
+    HSCPlazStoreLayout(std::string area, std::string work) : m_area(std::move(area)), m_work(std::move(work)) {}
+
+    const std::string& getArea() const { return m_area; }
+    std::string getHiddenDir() const { return inArea(hiddenDir); }
+    /// Ends in "/".
+    std::string getCatalogDir() const { return inArea(catalogFolder); }
+    std::string getDatabase() const { return getHiddenDir() + "/" + databaseFile; }
+    std::string getIncoming() const { return getHiddenDir() + "/.incoming"; }
+    std::string getOutgoing() const { return getHiddenDir() + "/.outgoing"; }
+    std::string getIndex() const { return m_work + "/" + hiddenDir + "/.index"; }
+    std::string getStaging() const { return m_work + "/" + stagingDir; }
+
+    /// Whether what a directory holds (a working copy, a catalog) came whole. @param dir  empty: no
+    static bool isComplete(const std::string& dir);
+    /// @return false when that could not be written
+    static bool markComplete(const std::string& dir);
+    /// Taken away first, half a removal counts as nothing.
+    static void unmark(const std::string& dir);
+
+private:
+    std::string inArea(const char* name) const { return m_area + "/" + name; }
+
+    std::string m_area;
+    std::string m_work;
+};

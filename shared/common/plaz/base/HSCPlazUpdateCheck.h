@@ -1,0 +1,13 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+/// What a look at a store's remote found out.
+struct HSCPlazUpdateCheck {
+    std::optional<bool> moved; ///< what git printed, as far as it tells anything
+    std::string reason;        ///< why that is not to be relied on, secrets masked; empty when it is
+
+    /// Whether the remote has moved; nothing when that is not known.
+    std::optional<bool> getAnswer() const { return reason.empty() ? moved : std::nullopt; }
+};

@@ -1,0 +1,200 @@
+#include "plaz/model/repo/git/HSCPlazGitCatalog.h"
+
+#include "plaz/base/HSCPlazMsg.h"
+#include "plaz/base/HSCPlazProduct.h"
+#include "plaz/base/HSCPlazTrust.h"
+#include "plaz/model/HSCPlazModel.h"
+#include "plaz/model/repo/git/HSCPlazGitCheckout.h"
+#include "plaz/model/repo/git/HSCPlazGitHead.h"
+#include "plaz/model/repo/git/HSCPlazGitRemote.h"
+#include "plaz/model/repo/git/HSCPlazGitRemoved.h"
+#include "plaz/model/repo/git/HSCPlazGitSettings.h"
+#include "plaz/model/repo/git/HSCPlazGitTrace.h"
+#include "plaz/model/repo/git/HSCPlazGitWorkingCopy.h"
+
+#include <boost/algorithm/string/join.hpp>
+
+#include <set>
+
+using HSCPlazGitHead::mainBranch;
+using HSCPlazGitTrace::trace;
+using Files = std::vector<std::string>;
+
+namespace {
+
+bool refuse(const HSCPlazBaseModel& owner, const std::string& reason, HSCPlazReport& report) {
+    report.add(Msg::storeRefused, MsgSeverity::error, owner.getName(), reason);
+    return false;
+}
+
+bool acceptBranch(const HSCPlazQStoreModel& store, HSCPlazReport& report) {
+    const std::string branch = store.getBranchOrMaster();
+    return HSCPlazTrust::isSafeRef(branch) ||
+           refuse(store, "its branch \"" + branch + "\" is not the name of a branch", report);
+}
+
+bool acceptFiles(const HSCPlazBaseModel& owner, const Files& files, HSCPlazReport& report) {
+    for (const std::string& file : files)
+        if (!HSCPlazTrust::isSafeRelativePath(file))
+            return refuse(owner, "its catalog file \"" + file + "\" does not lie in its repository", report);
+    return true;
+}
+
+bool acceptItemFile(const HSCPlazQItemModel& item, HSCPlazReport& report) {
+    const std::string file = item.getRoot() + "/" + item.getMetadataFile();
+    if (HSCPlazTrust::isSafeRelativePath(item.getRoot()) && HSCPlazTrust::isSafeRelativePath(file)) return true;
+    report.add(Msg::itemRefused, MsgSeverity::error, item.getName(),
+               "its file \"" + file + "\" does not lie in the store's repository");
+    return false;
+}
+
+Files getItemFiles(const HSCPlazQStoreModel& store, HSCPlazReport& report) {
+    Files files;
+    for (const auto& item : store.getItems()) {
+        if (item->isInstalled() && item->getMetadataFile().empty()) continue; // the catalog has left it out
+        if (!acceptItemFile(*item, report)) continue;
+        const std::string root = item->getRoot() + HUTFile::getDirSeparator();
+        files.push_back(root + item->getMetadataFile());
+        files.push_back(root + HSCPlazStoreLayout::changeLogFile);
+    }
+    return files;
+}
+
+bool requireRemoteAccess(HSCPlazReport& report) {
+    if (HSCPlazGitParams::isRemoteAccessEnabled()) return true;
+    report.add(Msg::remoteAccessOff, MsgSeverity::error);
+    return false;
+}
+
+// A refresh comes here for the catalog and again for what the items say of themselves; it is told once all the same.
+void warnOnce(const HSCPlazBaseModel& owner, const std::string& staging, const std::string& wanted, bool isThere,
+              HSCPlazReport& report) {
+    static std::set<std::string> told;
+    const std::string key = staging + '\n' + wanted;
+    if (isThere)
+        told.erase(key);
+    else if (told.insert(key).second)
+        report.add(Msg::branchReplaced, MsgSeverity::warning, owner.getName(), wanted);
+}
+
+bool tellNoBranch(const HSCPlazBaseModel& owner, const std::string& wanted, Files branches, HSCPlazReport& report) {
+    static constexpr std::size_t shownBranches = 10;
+    if (branches.empty()) {
+        report.add(Msg::repositoryEmpty, MsgSeverity::error, owner.getName());
+        return false;
+    }
+    const bool isCut = branches.size() > shownBranches;
+    if (isCut) branches.resize(shownBranches);
+    const bool isMain = wanted.empty() || wanted == mainBranch;
+    const std::string lacked = isMain ? "\"master\"" : '"' + wanted + "\" and no \"master\" either";
+    const std::string names = boost::algorithm::join(branches, ", ") + (isCut ? ", ..." : "");
+    report.add(Msg::branchMissing, MsgSeverity::error, owner.getName(), lacked, names);
+    return false;
+}
+
+bool checkOutFiles(const HSCPlazBaseModel& owner, const std::string& staging, const Files& files,
+                   const std::string& wanted, HSCPlazReport& report) {
+    const std::string branch = HSCPlazGitHead::findBranch(staging, wanted);
+    if (branch.empty()) return tellNoBranch(owner, wanted, HSCPlazGitHead::listBranches(staging), report);
+    warnOnce(owner, staging, wanted, wanted.empty() || branch == wanted, report);
+    HSCPlazGitCheckout::enableSparse(staging);
+    if (!HSCPlazGitCheckout::writeSparseList(staging, files) || !HSCPlazGitHead::makeLocal(staging, branch)) {
+        report.add(Msg::dirNotWritable, MsgSeverity::error, staging);
+        return false;
+    }
+    HSCPlazGitCheckout::checkOut(staging, branch);
+    return true;
+}
+
+bool stageFiles(const HSCPlazGitStore& store, const Files& files, HSCPlazReport& report) {
+    HSCPlazGitRemoved staging(store.layout.getStaging());
+    if (!HSCPlazGitWorkingCopy::stage(store, true, report)) return false;
+    if (!checkOutFiles(store.model, staging.getName(), files, store.model.getBranch(), report)) return false;
+    staging.keep();
+    return true;
+}
+
+void traceStore(const HSCPlazGitStore& store) {
+    if (!HSCPlazGitParams::isDebug()) return;
+    const HSCPlazProduct::Identity product = HSCPlazProduct::get();
+    trace("qstore local root dir", store.layout.getStaging());
+    trace("store info.\n Store Path : ", store.layout.getStaging(), ".\n Store Remote : ", store.url,
+          ".\n Store Branch : ", store.model.getBranchOrMaster(), "\n");
+    trace("Product Info :\n\t Product Name: ", product.name, ".\n\t Product Release : ", product.version);
+}
+
+bool acceptHub(const HSCPlazModel& hub, const Files& files, HSCPlazReport& report) {
+    const std::string refusal = HSCPlazGitUrl::findRefusal(hub.getRemoteRepository());
+    if (!refusal.empty()) return refuse(hub, refusal, report);
+    if (!acceptFiles(hub, files, report)) return false;
+    return hub.getRoot().empty() || HSCPlazTrust::isSafeRelativePath(hub.getRoot()) ||
+           refuse(hub, "its root \"" + hub.getRoot() + "\" leads elsewhere", report);
+}
+
+} // namespace
+
+HSCPlazGitOutcome HSCPlazGitCatalog::loadFiles(const HSCPlazGitStore& store, const Files& files) {
+    return HSCPlazGitOutcome::of([&](HSCPlazReport& report) {
+        if (!requireRemoteAccess(report)) return false;
+        if (files.empty()) {
+            trace("No catalog files provided to fetch.");
+            return false;
+        }
+        if (!acceptBranch(store.model, report) || !acceptFiles(store.model, files, report)) return false;
+        trace("storePath = ", store.layout.getStaging());
+        return stageFiles(store, files, report);
+    });
+}
+
+HSCPlazGitOutcome HSCPlazGitCatalog::loadHubFiles(const HSCPlazModel& hub, const std::string& staging,
+                                                  const Files& files, const HSCPlazCfgModel* config) {
+    return HSCPlazGitOutcome::of([&](HSCPlazReport& report) {
+        if (!requireRemoteAccess(report)) return false;
+        if (files.empty()) {
+            trace("No catalog files provided to fetch.");
+            return false;
+        }
+        if (!acceptHub(hub, files, report)) return false;
+        trace("storePath = ", staging);
+        const std::string& url = hub.getRemoteRepository();
+        const HSCPlazGitCredentials credentials = HSCPlazGitCredentials::ofHub(config, url);
+        HSCPlazGitRemoved removed(staging);
+        if (!cloneHub(hub.getRoot(), staging, url, credentials, report)) return false;
+        if (!checkOutFiles(hub, staging, files, "", report)) return false;
+        removed.keep();
+        return true;
+    });
+}
+
+HSCPlazGitOutcome HSCPlazGitCatalog::loadItemFiles(const HSCPlazGitStore& store) {
+    return HSCPlazGitOutcome::of([&](HSCPlazReport& report) {
+        if (!requireRemoteAccess(report)) return false;
+        if (!store.model.isProductSpecific()) {
+            trace("it is not specific to product");
+            return true;
+        }
+        if (!acceptBranch(store.model, report)) return false;
+        const Files files = getItemFiles(store.model, report);
+        if (files.empty()) {
+            trace(" No qitems present in the store.");
+            return true;
+        }
+        traceStore(store);
+        return stageFiles(store, files, report);
+    });
+}
+
+bool HSCPlazGitCatalog::cloneHub(const std::string& root, const std::string& staging, const std::string& url,
+                                 const HSCPlazGitCredentials& credentials, HSCPlazReport& report) {
+    static constexpr const char* self = "Inside cloneRepoForHub";
+    const auto shown = [](const std::string& secret) { return secret.empty() ? std::string() : "***"; };
+    trace(self);
+    for (const std::string& detail : {root, staging, url, shown(credentials.userId), shown(credentials.token)})
+        trace(self, " - ", detail);
+    if (!HUTFile::rmRecursive(staging) || !HUTFile::mkDirRecursive(staging) ||
+        !HSCPlazGitSettings::initWorkingCopy(staging)) {
+        report.add(Msg::dirNotWritable, MsgSeverity::error, staging);
+        return false;
+    }
+    return HSCPlazGitRemote::set(staging, root, credentials.putInto(url));
+}

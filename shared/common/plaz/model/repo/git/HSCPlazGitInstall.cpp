@@ -1,0 +1,149 @@
+#include "plaz/model/repo/git/HSCPlazGitInstall.h"
+
+#include "plaz/base/HSCPlazFileCopy.h"
+#include "plaz/base/HSCPlazMsg.h"
+#include "plaz/base/HSCPlazTrust.h"
+#include "plaz/model/HSCPlazQStoreModel.h"
+#include "plaz/model/reader/HSCPlazJsonCheck.h"
+#include "plaz/model/repo/git/HSCPlazGitCheckout.h"
+#include "plaz/model/repo/git/HSCPlazGitHead.h"
+#include "plaz/model/repo/git/HSCPlazGitRemoved.h"
+#include "plaz/model/repo/git/HSCPlazGitTrace.h"
+#include "plaz/model/repo/git/HSCPlazGitWorkingCopy.h"
+#include "support/HUTFork.h"
+
+#include <boost/filesystem/path.hpp>
+
+namespace fs = boost::filesystem;
+
+using HSCPlazGitTrace::trace;
+
+namespace {
+
+/// One item on its way from a repository to its place.
+class Installation {
+public:
+    Installation(const HSCPlazGitStore& store, const HSCPlazQItemModel& item, const std::string& destination,
+                 HSCPlazReport& report)
+        : m_store(store), m_item(item), m_destination(destination), m_staging(store.layout.getStaging()),
+          m_report(report) {}
+
+    bool run() {
+        if (!accept()) return false;
+        const HSCPlazGitRemoved removed(m_staging);
+        trace("qitem info:\n\titem root:", m_item.getRoot(), "\n\tstore path:", m_staging);
+        trace("git info:\n\tstore path ", m_staging, "\n\tstore remote ", m_store.model.getUrl(), "\n\titem commit id ",
+              m_item.getCommitId());
+        if (!checkOut()) return false;
+        const std::string source = (fs::path(m_staging) / m_item.getRoot()).generic_string();
+        verify(source);
+        return place(source) || tellNotWritable(m_destination);
+    }
+
+private:
+    bool refuse(const std::string& reason) {
+        m_report.add(Msg::itemRefused, MsgSeverity::error, m_item.getName(), reason);
+        return false;
+    }
+    bool tellNotWritable(const std::string& dir) {
+        m_report.add(Msg::dirNotWritable, MsgSeverity::error, dir);
+        return false;
+    }
+
+    bool accept() {
+        if (m_item.getCommitId().empty()) {
+            trace("qitem commit id is empty can't install this qitem.");
+            m_report.add(Msg::commitIdMissing, MsgSeverity::error, m_item.getName());
+            return false;
+        }
+        if (!HSCPlazTrust::isSafeRef(m_item.getCommitId()))
+            return refuse("its commit id \"" + m_item.getCommitId() + "\" does not name a commit");
+        const std::string& metadataFile = m_item.getMetadataFile();
+        if (!metadataFile.empty() && !HSCPlazTrust::isSafeRelativePath(metadataFile))
+            return refuse("its metadata file \"" + metadataFile + "\" does not lie in its folder");
+        if (m_destination.empty())
+            return refuse("its folder \"" + m_item.getRoot() + "\" does not lie in the store's directory");
+        return true;
+    }
+
+    // A working copy that is older than the catalog lacks the item's commit. Asking first would cost a process each
+    // time, so the checkout itself tells; nobody hears of it, because the second one, after a fetch, has the last word.
+    bool checkOut() {
+        if (!HSCPlazGitWorkingCopy::stage(m_store, false, m_report)) return false;
+        try {
+            return checkOutCommit();
+        } catch (const HEXAll&) { // also after a cancellation: the fetch then ends before anything runs
+        }
+        if (isSuspect()) HSCPlazGitWorkingCopy::discardDamaged(m_store.layout);
+        if (!HSCPlazGitWorkingCopy::stage(m_store, true, m_report)) return false;
+        if (hasCommit(m_staging, m_item.getCommitId()) || HUTFork::isInterrupted()) return checkOutCommit();
+        m_report.add(Msg::commitGone, MsgSeverity::error, m_item.getName(), m_item.getCommitId());
+        return false;
+    }
+
+    bool checkOutCommit() {
+        HSCPlazGitCheckout::enableSparse(m_staging);
+        if (!HSCPlazGitCheckout::writeSparseList(m_staging, {m_item.getRoot()})) return tellNotWritable(m_staging);
+        HSCPlazGitCheckout::checkOut(m_staging, m_item.getCommitId());
+        return true;
+    }
+
+    static bool hasCommit(const std::string& dir, const std::string& commit) {
+        return HSCPlazGitRunner::ask({"cat-file", "-e", commit + "^{commit}"}, dir).status == 0;
+    }
+
+    // A working copy from which a commit that is there cannot be checked out, or which lacks one that it has fetched.
+    bool isSuspect() const {
+        const std::string index = m_store.layout.getIndex();
+        const std::string branch = HSCPlazGitHead::findBranch(index, m_store.model.getBranch());
+        const std::string fetched = HSCPlazGitHead::getCommit(index, branch);
+        return hasCommit(index, m_item.getCommitId()) || (!fetched.empty() && !hasCommit(index, fetched));
+    }
+
+    void verify(const std::string& source) {
+        const std::string file = source + HUTFile::getDirSeparator() + m_item.getMetadataFile();
+        if (HSCPlazJsonCheck::isWhole(file, m_report)) return;
+        throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::fetchedItemInvalid, m_item.getName(), file));
+    }
+
+    // The staging directory goes anyway, so its files are moved where both places lie on one file system. What a copy
+    // would leave out is left out.
+    static bool takeIn(const std::string& source, const std::string& incoming) {
+        HSCPlazStoreLayout::unmark(source);
+        return HUTFile::replaceDirectory(source, incoming) || copyWithoutRepository(source, incoming);
+    }
+
+    bool place(const std::string& source) const {
+        trace("copying qitem.\n source: ", source, "\n destination: ", m_destination);
+        // The folder of an item without a revision holds those of its revisions, which must not go with the old files.
+        if (m_store.model.isMultiRevisionSupported() && m_item.getRevision().empty())
+            return copyWithoutRepository(source, m_destination);
+
+        const HSCPlazGitRemoved incoming(m_store.layout.getIncoming());
+        return HUTFile::rmRecursive(incoming.getName()) && takeIn(source, incoming.getName()) &&
+               HUTFile::mkDirRecursive(fs::path(m_destination).parent_path().generic_string()) &&
+               HUTFile::replaceDirectory(incoming.getName(), m_destination);
+    }
+
+    const HSCPlazGitStore& m_store;
+    const HSCPlazQItemModel& m_item;
+    const std::string& m_destination;
+    const std::string m_staging;
+    HSCPlazReport& m_report;
+};
+
+} // namespace
+
+HSCPlazGitOutcome HSCPlazGitInstall::install(const HSCPlazGitStore& store, const HSCPlazQItemModel& item,
+                                             const std::string& destination) {
+    return HSCPlazGitOutcome::of([&](HSCPlazReport& report) {
+        if (!HSCPlazGitParams::isRemoteAccessEnabled()) {
+            report.add(Msg::remoteAccessOff, MsgSeverity::error);
+            return false;
+        }
+        trace(" got hub and qitem model");
+        trace(" has remote access as well");
+        trace(" dynamic cast done for qitem model - commit id ", item.getCommitId());
+        return Installation(store, item, destination, report).run();
+    });
+}

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "plaz/model/repo/git/HSCPlazGitOutcome.h"
+#include "plaz/model/repo/git/HSCPlazGitStore.h"
+
+#include <string>
+
+class HSCPlazQItemModel;
+
+/// Places single items at the commit recorded for them.
+namespace HSCPlazGitInstall {
+
+/// Checks the item out in a fresh copy of its store's working copy and puts its folder into its place, in one step, so
+/// that an interruption leaves the old files or the new ones. A working copy that is complete is used as it stands; it
+/// is fetched only when it lacks the commit.
+/// @param destination  where the item goes; empty where its names lead out of the store's area: it is refused then
+/// @return not done, with what was installed untouched, when nothing was placed: Msg::remoteAccessOff, commitIdMissing,
+///         commitGone (in the remote, too), itemRefused, storeRefused, dirNotWritable, and ended by
+///         Msg::fetchedItemInvalid when the fetched metadata file cannot be trusted
+HSCPlazGitOutcome install(const HSCPlazGitStore& store, const HSCPlazQItemModel& item, const std::string& destination);
+
+} // namespace HSCPlazGitInstall

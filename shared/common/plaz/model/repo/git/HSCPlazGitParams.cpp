@@ -1,0 +1,29 @@
+#include "plaz/model/repo/git/HSCPlazGitParams.h"
+
+#include "support/HPAParamMgr.h"
+#include "support/HUTEnv.h"
+
+int HSCPlazGitParams::getTimeOut() {
+    return HPAParamMgr::getParamMgr().getValueIfExistAsInt("plaz.gitTimeOut", 100);
+}
+
+bool HSCPlazGitParams::isDebug() {
+    return HPAParamMgr::getParamMgr().getValueIfExistAsBool("plaz.enableDebugGit", false) ||
+           HUTEnv::isYes("PLAZ_SHOW_LOG");
+}
+
+bool HSCPlazGitParams::isAccessEnabled() {
+    return HPAParamMgr::getParamMgr().getValueIfExistAsBool("plaz.enableGitAccess", true);
+}
+
+bool HSCPlazGitParams::isRemoteAccessEnabled() {
+    return HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableRemoteAccess");
+}
+
+bool HSCPlazGitParams::mayAsk() {
+    return HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableAskPassForPrivateRepo");
+}
+
+std::string HSCPlazGitParams::getBoardUrl() {
+    return HPAParamMgr::getParamMgr().getValueAsString("board.repoURL");
+}

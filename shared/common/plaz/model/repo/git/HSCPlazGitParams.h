@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+
+/// The parameters that the work with git goes by, read afresh at each call.
+namespace HSCPlazGitParams {
+
+/// Seconds after which a command is killed: the parameter "plaz.gitTimeOut", else 100.
+int getTimeOut();
+/// The parameter "plaz.enableDebugGit", or "PLAZ_SHOW_LOG" begins with "Y" or "y".
+bool isDebug();
+/// The parameter "plaz.enableGitAccess"; true when it is not registered.
+bool isAccessEnabled();
+/// The parameter "plaz.enableRemoteAccess".
+bool isRemoteAccessEnabled();
+/// git may open dialogs: the parameter "plaz.enableAskPassForPrivateRepo".
+bool mayAsk();
+/// Where board stores are, instead of where their metadata says; empty for there.
+std::string getBoardUrl();
+
+} // namespace HSCPlazGitParams

@@ -1,0 +1,40 @@
+#include "plaz/model/repo/git/HSCPlazGitProxies.h"
+
+#include "plaz/base/HSCPlazProduct.h"
+#include "plaz/model/repo/git/HSCPlazGitCredentials.h"
+#include "support/HCCXPrefMgr.h"
+#include "support/HPAParamMgr.h"
+
+using Source = HSCPlazProduct::ProxySource;
+
+namespace {
+
+constexpr const char* httpName = "plaz.http_proxy";
+constexpr const char* httpsName = "plaz.https_proxy";
+
+std::string ofParameter(const char* name) {
+    return HSCPlazGitUrl::normalizeProxy(HPAParamMgr::getParamMgr().getValueAsString(name));
+}
+
+} // namespace
+
+std::string HSCPlazGitProxies::getPreferred() {
+    const std::vector<std::string> values = HCCXPrefMgr::getInstance().getDefaultXPref().getVal(httpName);
+    return values.empty() ? std::string() : values.front();
+}
+
+std::string HSCPlazGitProxies::getHttp() {
+    switch (HSCPlazProduct::getProxySource()) {
+    case Source::parameters:
+        return ofParameter(httpName);
+    case Source::preference:
+        return HSCPlazGitUrl::normalizeProxy(getPreferred());
+    case Source::nobody:
+        break;
+    }
+    return "";
+}
+
+std::string HSCPlazGitProxies::getHttps() {
+    return HSCPlazProduct::getProxySource() == Source::parameters ? ofParameter(httpsName) : std::string();
+}

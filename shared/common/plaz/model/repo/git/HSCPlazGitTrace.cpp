@@ -1,0 +1,12 @@
+#include "plaz/model/repo/git/HSCPlazGitTrace.h"
+
+#include "plaz/base/HSCPlazDebugLog.h"
+#include "plaz/base/HSCPlazTrust.h"
+
+#include <iostream>
+
+void HSCPlazGitTrace::write(const std::string& line) {
+    const std::string masked = HSCPlazTrust::maskSecrets(line);
+    std::cout << masked << std::endl;
+    HSCPlazDebugLog::write(masked);
+}

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "plaz/base/HSCPlazUpdateCheck.h"
+
+#include <string>
+
+/// Whether the remote branch has moved past the last commit of a working copy. Fetches nothing.
+namespace HSCPlazGitUpdateCheck {
+
+/// A branch that the remote lacks is looked up as "master". Only the first seven characters of the commits count.
+/// @param cloneDir  holds ".git" and ".done"; takes "__git1.log" and "__git2.log", which are gone afterwards
+/// @param access    the remote's URL with its credentials
+/// @param proxy     recorded as the working copy's http.proxy; empty leaves the one that is recorded
+/// @param branch    empty means "master", or the only branch of a remote that has none
+HSCPlazUpdateCheck look(const std::string& cloneDir, const std::string& access, const std::string& proxy,
+                        const std::string& branch);
+
+} // namespace HSCPlazGitUpdateCheck

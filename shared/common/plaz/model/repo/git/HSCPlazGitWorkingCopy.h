@@ -1,0 +1,32 @@
+#pragma once
+
+#include "plaz/base/HSCPlazReport.h"
+#include "plaz/model/repo/git/HSCPlazGitStore.h"
+
+#include <string>
+#include <vector>
+
+/// A store's long-lived working copy (HSCPlazStoreLayout::getIndex) and the fresh copies of it in which checkouts are
+/// made (getStaging).
+///
+/// After a crash: a working copy without ".done" is made afresh by the next run, one with it is rid of the lock files
+/// and half-received packs that a killed git leaves.
+///
+/// RATIONALE: a checkout happens in a fresh copy, so that no local branch or leftover file of an earlier one can decide
+/// what is found there. The copy is cheap, because git never changes an object in place and objects are linked.
+namespace HSCPlazGitWorkingCopy {
+
+/// Makes the staging directory a copy of the working copy, which is created, made afresh (another URL, never completed)
+/// or fetched first.
+/// @param isFetched  fetch even a complete working copy of the right URL
+/// @param report     Msg::storeRefused for a URL that git is not given, dirNotWritable, credentialsMissing
+/// @return false leaves no staging directory
+/// @throws HEXAll as HSCPlazGitRunner::run
+bool stage(const HSCPlazGitStore& store, bool isFetched, HSCPlazReport& report);
+/// Removes the working copy when its objects do not hold together, as after a failing disk, so that the next use makes
+/// it afresh. Slow: to be asked only when something has failed.
+void discardDamaged(const HSCPlazStoreLayout& layout);
+/// The arguments of the command that tells whether a working copy holds together.
+const std::vector<std::string>& integrityCheck();
+
+} // namespace HSCPlazGitWorkingCopy

@@ -1,0 +1,165 @@
+#include "plaz/store/HSCPlazCatalogLoader.h"
+
+#include "plaz/base/HSCPlazDebugLog.h"
+#include "plaz/base/HSCPlazMsg.h"
+#include "plaz/base/HSCPlazStoreLayout.h"
+#include "plaz/model/HSCPlazModel.h"
+#include "plaz/model/reader/HSCPlazJsonCheck.h"
+#include "plaz/model/reader/HSCPlazJsonDocument.h"
+#include "plaz/model/reader/HSCPlazQItemCatalogReader.h"
+#include "plaz/model/reader/HSCPlazQItemReader.h"
+#include "plaz/model/reader/HSCPlazQStoreReader.h"
+#include "plaz/pref/HSCPlazPathMgr.h"
+#include "support/HIOStream.h"
+#include "support/HUTFile.h"
+
+using HSCPlazDebugLog::inside;
+
+namespace {
+
+constexpr const char* loadStoreName = "HSCPlazMgr::loadStoreCatalog";
+constexpr const char* loadItemsName = "HSCPlazMgr::loadItemCatalog";
+
+std::string joined(const std::string& dir, const std::string& name) {
+    return dir + HUTFile::getDirSeparator() + name;
+}
+
+/// Reads the catalog in the place of what an earlier load left.
+void readCatalog(const std::string& file, HSCPlazModel& hubModel, HSCPlazQStoreModel& store) {
+    store.clearCatalog();
+    HSCPlazQItemCatalogReader().parse(file, &hubModel, &store);
+}
+
+/// Reads one item's metadata file. The catalog's key stays: look-ups and places on disk hang on it.
+HIOStream::Status readItem(const HIOStream::Root& root, const std::string& relative, HSCPlazJsonDocument& document,
+                           HSCPlazQItemModel& item) {
+    const std::string name = item.getName();
+    const std::string revision = item.getRevision();
+    HSCPlazFindings found;
+    const HIOStream::Status status = HSCPlazQItemReader::readBelow(root, relative, document, item, found);
+    found.tell();
+    if (!name.empty()) item.setName(name);
+    if (!revision.empty()) item.setRevision(revision);
+    return status;
+}
+
+/// The plain file below the store's local root directory, else the one below its hidden catalog folder.
+bool readItemMetadata(const HIOStream::Root& root, const HSCPlazQStoreModel& store, HSCPlazJsonDocument& document,
+                      HSCPlazQItemModel& item) {
+    const std::string folder = HSCPlazPathMgr::getItemFolder(store, item);
+    if (folder.empty() || item.getMetadataFile().empty()) return false;
+    const std::string relative = folder + "/" + item.getMetadataFile();
+    HIOStream::Status status = readItem(root, relative, document, item);
+    if (status == HIOStream::Status::missing)
+        status = readItem(root, HSCPlazStoreLayout::catalogFolder + relative, document, item);
+    if (status == HIOStream::Status::outside)
+        ComMsgMgr::send(Msg::itemRefused, MsgSeverity::criticalWarning, item.getName(),
+                        "its metadata file " + relative + " leads out of the store's directory through a link");
+    return status == HIOStream::Status::ok;
+}
+
+} // namespace
+
+bool HSCPlazCatalogLoader::hasOwnArea(const HSCPlazQStoreModel& store) {
+    return !store.getLocalRootDir().empty() && store.getLocalRootDir() != store.getGdaDataLoc();
+}
+
+bool HSCPlazCatalogLoader::hasFile(const HSCPlazQStoreModel& store, const std::string& dir, const std::string& name) {
+    const std::string file = joined(dir, name);
+    if (name.empty() || !HUTFile::exists(file)) return false;
+    if (HUTFile::isBeneath(dir, file)) return true;
+    ComMsgMgr::send(Msg::storeRefused, MsgSeverity::criticalWarning, store.getName(),
+                    "its file \"" + name + "\" leads out of the store's directory through a link");
+    return false;
+}
+
+void HSCPlazCatalogLoader::loadStore(HSCPlazModel* hubModel, HSCPlazQStoreModel* store, bool isShared) const {
+    if (!hubModel || !store || store->getMetadataFile().empty()) return;
+    const std::string& localRoot = store->getLocalRootDir();
+    const std::string& name = store->getName();
+    inside(loadStoreName, " Store ", name, " local root dir ", localRoot);
+    const bool exists = !localRoot.empty() && HUTFile::exists(localRoot);
+    if (!localRoot.empty() && !exists) inside(loadStoreName, " Store ", name, " local root dir doesn't exists ");
+    if (exists && !isShared)
+        loadFromArea(*hubModel, *store);
+    else if (!loadFromData(*hubModel, *store))
+        return;
+    loadItems(*store);
+}
+
+void HSCPlazCatalogLoader::loadFromArea(HSCPlazModel& hubModel, HSCPlazQStoreModel& store) const {
+    const std::string& localRoot = store.getLocalRootDir();
+    const std::string& name = store.getName();
+    inside(loadStoreName, " Store ", name, " local root dir exists ");
+    if (hasFile(store, localRoot, store.getMetadataFile())) {
+        inside(loadStoreName, " Store ", name, " qstore json file found ");
+        HSCPlazQStoreReader().parse(joined(localRoot, store.getMetadataFile()), &store);
+    } else {
+        inside(loadStoreName, " Store ", name, " qstore json file not found ");
+    }
+    if (!store.isProductSpecific() || !hasFile(store, localRoot, store.getCatalogFile())) return;
+    inside(loadStoreName, " Store ", name, " item catalog json file found ");
+    readCatalog(joined(localRoot, store.getCatalogFile()), hubModel, store);
+}
+
+bool HSCPlazCatalogLoader::loadFromData(HSCPlazModel& hubModel, HSCPlazQStoreModel& store) const {
+    const std::string& name = store.getName();
+    const std::string dataDir = joined(m_paths.getStoresDataDir(), store.getRoot());
+    inside(loadStoreName, " Store ", name, "dataFilePath: ", dataDir);
+    if (!HUTFile::exists(dataDir)) {
+        const std::string userDir = joined(joined(m_paths.getUserAreaRoot(), hubModel.getRoot()), store.getRoot());
+        const std::string metadata = joined(userDir, store.getMetadataFile());
+        inside(loadStoreName, " Store ", name, "qstoreJsonFilePath [3]: ", metadata);
+        if (hasFile(store, userDir, store.getMetadataFile())) HSCPlazQStoreReader().parse(metadata, &store);
+        return true;
+    }
+    store.setGdaDataLoc(dataDir);
+    const std::string metadata = joined(dataDir, store.getMetadataFile());
+    inside(loadStoreName, " Store ", name, "qstoreJsonFilePath [1]: ", metadata);
+    if (hasFile(store, dataDir, store.getMetadataFile())) HSCPlazQStoreReader().parse(metadata, &store);
+    const std::string catalog = joined(dataDir, store.getCatalogFile());
+    inside(loadStoreName, " Store ", name, "qstoreJsonFilePath [2]: ", catalog);
+    if (store.getCatalogFile().empty()) return false;
+    if (store.isProductSpecific() && hasFile(store, dataDir, store.getCatalogFile()))
+        readCatalog(catalog, hubModel, store);
+    store.setLocalRootDir(dataDir);
+    return true;
+}
+
+void HSCPlazCatalogLoader::loadItems(HSCPlazQStoreModel& store) const {
+    inside(loadItemsName, " ");
+    if (!store.isProductSpecific()) return;
+    const HIOStream::Root root(store.getLocalRootDir());
+    HSCPlazJsonDocument document;
+    const HSCPlazQItemModel* described = nullptr;
+    for (const auto& item : store.getItems()) {
+        const bool read = readItemMetadata(root, store, document, *item);
+        if (read) described = item.get();
+        // A revision that has no file of its own here is described by the one that the catalog lists before it.
+        else if (described && described->getName() == item->getName() && item->getDisplayName().empty())
+            item->copyDescriptionFrom(*described);
+    }
+    inside(loadItemsName, "Done ");
+}
+
+void HSCPlazCatalogLoader::loadShipped(HSCPlazModel& hubModel, HSCPlazQStoreModel& store) const {
+    if (store.getMetadataFile().empty()) return;
+    const bool isRefreshed = hasOwnArea(store) && HSCPlazStoreLayout::isComplete(store.getLocalRootDir());
+    const std::string dataDir = joined(m_paths.getStoresDataDir(), store.getRoot());
+    if (!HUTFile::isDirectory(dataDir)) {
+        // A store that came with a refresh of the hub is not shipped and lacks nothing.
+        if (!isRefreshed) ComMsgMgr::send(Msg::shippedDataMissing, MsgSeverity::warning, store.getName());
+        return;
+    }
+    const std::string metadata = joined(dataDir, store.getMetadataFile());
+    HSCPlazReport problem;
+    if (!HSCPlazJsonCheck::isWhole(metadata, problem)) {
+        problem.add(Msg::shippedDataUnusable, MsgSeverity::warning, store.getName(), metadata);
+        problem.send();
+        return;
+    }
+    const std::string area = store.getLocalRootDir();
+    // What is shipped of the items is not read where the store's own catalog takes their place.
+    if (loadFromData(hubModel, store) && !isRefreshed) loadItems(store);
+    store.setLocalRootDir(area);
+}

@@ -1,0 +1,174 @@
+#include "plaz/store/HSCPlazHubBuilder.h"
+
+#include "plaz/base/HSCPlazDebugLog.h"
+#include "plaz/base/HSCPlazMsg.h"
+#include "plaz/base/HSCPlazProduct.h"
+#include "plaz/base/HSCPlazTrust.h"
+#include "plaz/model/HSCPlazCfgModel.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/reader/HSCPlazReader.h"
+#include "plaz/store/HSCPlazCatalogLoader.h"
+#include "plaz/store/HSCPlazInstalledState.h"
+#include "plaz/store/HSCPlazPlaces.h"
+#include "plaz/store/HSCPlazWorkspace.h"
+#include "support/HPAParamMgr.h"
+#include "support/HUTFile.h"
+
+#include <algorithm>
+
+using HSCPlazDebugLog::inside;
+
+namespace {
+
+constexpr const char* initHubName = "HSCPlazMgr::initHub";
+
+/// The hub's remote location as configured; a missing one is told and leaves the hub usable from its files.
+std::string configuredRemote(const HSCPlazUserPref& pref) {
+    try {
+        return pref.getPlazRemoteRepoPath();
+    } catch (const HEXAll& failure) {
+        ComMsgMgr::send(failure.getMsg(), MsgSeverity::warning);
+        return "";
+    }
+}
+
+} // namespace
+
+void HSCPlazHubBuilder::build() const {
+    inside(initHubName, " ");
+    m_workspace.hub = std::make_unique<HSCPlaz>();
+    m_workspace.hubModel = std::make_unique<HSCPlazModel>();
+    m_workspace.sharedHubModel = std::make_unique<HSCPlazModel>();
+    if (const HSCPlazCfgModel* config = m_workspace.config.getConfigModel()) {
+        const std::string remote = configuredRemote(m_workspace.userPref);
+        inside(initHubName, " plaz remote url ", HSCPlazTrust::maskSecrets(remote));
+        if (!remote.empty()) m_workspace.hubModel->setRemoteRepository(remote);
+        for (HSCPlazModel* model : {m_workspace.hubModel.get(), m_workspace.sharedHubModel.get()}) {
+            model->setRoot(config->getRoot());
+            model->setMetadataFile(config->getMetadataFile());
+        }
+    }
+    const std::string database = m_workspace.paths.getDefaultLocalDbFile();
+    if (HSCPlazProduct::keepsCatalogInDatabase() && HUTFile::exists(database)) {
+        inside(initHubName, " ", database, " found local db file processing it.");
+        m_workspace.databases.init(database, m_workspace.hubModel.get());
+        readStores();
+    } else if (readMetadata()) {
+        readStores();
+    }
+    makeHub();
+}
+
+bool HSCPlazHubBuilder::readMetadata() const {
+    const std::string shipped = m_workspace.paths.getHubMetadataFile();
+    const std::string refreshed = m_workspace.paths.getRefreshedHubMetadataFile();
+    const std::string file = HUTFile::exists(refreshed) ? refreshed : shipped;
+    inside(initHubName, " plazJsonFilePath ", file);
+    if (!HUTFile::exists(file)) {
+        ComMsgMgr::send(Msg::hubMetadataMissing, MsgSeverity::error);
+        return false;
+    }
+    HSCPlazModel& hub = *m_workspace.hubModel;
+    hub.setHasMetadataFile(true);
+    m_workspace.sharedHubModel->setHasMetadataFile(true);
+    if (!HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableDataAccess")) {
+        ComMsgMgr::send(Msg::dataAccessOff, MsgSeverity::warning);
+        return false;
+    }
+    hub.setLocalRoot(file);
+    HSCPlazReader().parse(file, &hub);
+    if (file == refreshed && hub.getStores().empty()) {
+        // It is damaged: what is shipped still stands.
+        hub.setLocalRoot(shipped);
+        HSCPlazReader().parse(shipped, &hub);
+    }
+    return true;
+}
+
+void HSCPlazHubBuilder::readStores() const {
+    readShared();
+    HSCPlazPlaces(m_workspace).preferRefreshed();
+    const HSCPlazCatalogLoader loader(m_workspace.paths);
+    HSCPlazModel& hub = *m_workspace.hubModel;
+    HSCPlazModel& shared = *m_workspace.sharedHubModel;
+    for (const auto& store : hub.getStores()) loader.loadStore(&hub, store.get(), false);
+    // What is shipped of a store that the hub knows is not read a second time: nobody asks for it.
+    for (const auto& store : shared.getStores())
+        if (!hub.findStore(store->getName())) loader.loadStore(&shared, store.get(), true);
+}
+
+void HSCPlazHubBuilder::readShared() const {
+    const std::string file = m_workspace.paths.getHubMetadataFile();
+    if (!HUTFile::exists(file)) return;
+    HSCPlazModel& shared = *m_workspace.sharedHubModel;
+    shared.setHasMetadataFile(true);
+    if (m_workspace.hubModel->getLocalRoot() != file) {
+        HSCPlazReader().parse(file, &shared);
+        return;
+    }
+    // The file has just been read, and no store has an area of its own yet: what would be read again is what stands in
+    // the hub model, so both own it.
+    shared.setCommitId(m_workspace.hubModel->getCommitId());
+    for (const auto& store : m_workspace.hubModel->getStores()) shared.addStore(store);
+}
+
+void HSCPlazHubBuilder::rebuild(std::unique_ptr<HSCPlazModel> model) const {
+    HSCPlaz& hub = *m_workspace.hub;
+    const auto& stores = hub.getStores();
+    const bool isSelected = std::count(stores.begin(), stores.end(), m_workspace.currentStore) > 0;
+    const std::string selected = isSelected ? m_workspace.currentStore->getName() : std::string();
+    while (!stores.empty()) hub.removeStore(stores.back());
+    m_workspace.hubModel = std::move(model);
+    // They were placed for the fetch; where they are read from is decided as at start-up.
+    for (const auto& store : m_workspace.hubModel->getStores()) store->setLocalRootDir("");
+    m_workspace.sharedHubModel = std::make_unique<HSCPlazModel>();
+    m_workspace.sharedHubModel->setRoot(m_workspace.hubModel->getRoot());
+    m_workspace.sharedHubModel->setMetadataFile(m_workspace.hubModel->getMetadataFile());
+    readStores();
+    makeHub();
+    m_workspace.currentStore = isSelected ? hub.getStore(selected) : nullptr;
+}
+
+void HSCPlazHubBuilder::makeHub() const {
+    HSCPlaz& hub = *m_workspace.hub;
+    hub.setModel(m_workspace.hubModel.get());
+    for (const auto& model : m_workspace.hubModel->getStores()) {
+        auto store = std::make_unique<HSCPlazQStore>(&hub);
+        store->assignModel(model.get());
+        hub.addStore(store.release());
+    }
+    hub.setGlobalMode(true);
+    HSCPlazPlaces(m_workspace).applyDefaults();
+    restoreInstalled();
+}
+
+void HSCPlazHubBuilder::restoreInstalled() const {
+    const HSCPlazInstalledState installed(m_workspace);
+    for (HSCPlazQStore* store : m_workspace.hub->getStores()) {
+        if (!store->isProductSpecific()) continue;
+        HSCPlazQStoreModel& model = *store->getModel();
+        const std::string place = model.getLocalRootDir();
+        installed.merge(model);
+        // The store went out of another release's way, to where its own catalog is.
+        if (model.getLocalRootDir() != place && HSCPlazStoreLayout::isComplete(model.getLocalRootDir()))
+            reloadStore(*m_workspace.hub, *store, false);
+        installed.describe(model);
+        HSCPlazInstalledState::addMissingItems(*store);
+    }
+}
+
+bool HSCPlazHubBuilder::reloadStore(HSCPlaz& hub, HSCPlazQStore& store, bool isShared) const {
+    HSCPlazQStoreModel& model = *store.getModel();
+    const HSCPlazCatalogLoader loader(m_workspace.paths);
+    const HSCPlazInstalledState installed(m_workspace);
+    const std::string area = model.getLocalRootDir();
+    store.clearQStore();
+    loader.loadShipped(*m_workspace.hubModel, model);
+    loader.loadStore(hub.getModel(), &model, isShared);
+    // Reading what is shipped makes its directory the local root; a store that has an area of its own keeps that.
+    if (!area.empty()) model.setLocalRootDir(area);
+    installed.merge(model);
+    installed.describe(model);
+    store.assignModel(&model);
+    return m_workspace.databases.save(hub, &store, "");
+}

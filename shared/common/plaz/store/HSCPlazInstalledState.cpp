@@ -1,0 +1,59 @@
+#include "plaz/store/HSCPlazInstalledState.h"
+
+#include "plaz/base/HSCPlazMsg.h"
+#include "plaz/base/HSCPlazProduct.h"
+#include "plaz/model/HSCPlazQItem.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/reader/HSCPlazJsonDocument.h"
+#include "plaz/model/reader/HSCPlazQItemReader.h"
+#include "plaz/store/HSCPlazPlaces.h"
+#include "plaz/store/HSCPlazWorkspace.h"
+
+void HSCPlazInstalledState::addMissingItems(HSCPlazQStore& store) {
+    const auto& models = store.getModel()->getItems();
+    for (std::size_t position = store.getItems().size(); position < models.size(); ++position) {
+        auto item = std::make_unique<HSCPlazQItem>(&store);
+        item->assignItem(models[position].get());
+        store.addItem(item.release());
+    }
+}
+
+void HSCPlazInstalledState::describe(const HSCPlazQStoreModel& store) const {
+    const HIOStream::Root root(store.getLocalDbFilePath().empty() ? std::string()
+                                                                  : m_workspace.paths.getStoreArea(store));
+    HSCPlazJsonDocument document;
+    HSCPlazFindings found;
+    for (const auto& item : store.getItems()) {
+        if (!item->isInstalled() || item->getMetadataFile().empty()) continue; // the catalog has left it out
+        const std::string file = HSCPlazPathMgr::getItemFolder(store, *item) + "/" + item->getMetadataFile();
+        HSCPlazQItemModel description;
+        const HIOStream::Status status = HSCPlazQItemReader::readBelow(root, file, document, description, found);
+        if (status == HIOStream::Status::ok && description.getName() == item->getName() &&
+            description.getRevision() == item->getRevision())
+            item->copyDescriptionFrom(description);
+    }
+    found.tell();
+}
+
+void HSCPlazInstalledState::update() const {
+    for (HSCPlazQStore* store : m_workspace.hub->getStores()) {
+        if (!store->isProductSpecific() || !m_workspace.databases.hasChanged(store->getLocalDbFilePath())) continue;
+        for (const auto& item : store->getModel()->getItems())
+            if (item->isInstalled()) item->clearInstallation();
+        merge(*store->getModel());
+        describe(*store->getModel());
+        addMissingItems(*store);
+    }
+}
+
+void HSCPlazInstalledState::merge(HSCPlazQStoreModel& store) const {
+    const std::string database = store.getLocalDbFilePath();
+    HSCPlazLocalDBMgr& databases = m_workspace.databases;
+    if (databases.merge(database, store, m_workspace.paths) != HSCPlazLocalDBMgr::Merge::foreign) return;
+    ComMsgMgr::send(Msg::databaseForeign, MsgSeverity::warning, store.getName(), database);
+    // What another release installed stays as it is; this one works beside it.
+    const HSCPlazProduct::Identity running = HSCPlazProduct::get();
+    HSCPlazPlaces(m_workspace)
+        .place(store, m_workspace.paths.getStoreArea(store) + "_" + running.name + "_" + running.version);
+    databases.merge(store.getLocalDbFilePath(), store, m_workspace.paths);
+}

@@ -1,0 +1,146 @@
+#include "plaz/store/HSCPlazPlaces.h"
+
+#include "plaz/store/HSCPlazCatalogLoader.h"
+#include "plaz/store/HSCPlazWorkspace.h"
+#include "support/ComMsgMgr.h"
+#include "support/HPAParamMgr.h"
+#include "support/HUTFile.h"
+
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/filesystem/path.hpp>
+
+#include <unordered_map>
+
+namespace {
+
+constexpr const char* boardStoreDir = "board_store";
+constexpr const char* otherStoreDir = "ced_store";
+
+std::string joined(const std::string& dir, const std::string& name) {
+    return dir + HUTFile::getDirSeparator() + name;
+}
+
+bool hasDefaultLocations() {
+    return HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableBoardStoreDefaultLocation");
+}
+
+} // namespace
+
+std::string HSCPlazPlaces::getDefaultPlace(const HSCPlazQStoreModel& store) const {
+    for (const auto& kept : m_workspace.places.getDefaultFolders())
+        if (kept.store == store.getName()) return joined(m_workspace.paths.getUserAreaRoot(), kept.directory);
+    return "";
+}
+
+std::string HSCPlazPlaces::defaultDir(const HSCPlazQStoreModel& store) const {
+    const std::string recorded = m_workspace.places.getStoreDirectory(store.getName());
+    if (!recorded.empty()) return store.getRoot().empty() ? recorded : joined(recorded, store.getRoot());
+    if (!hasDefaultLocations()) return "";
+    const std::string kept = getDefaultPlace(store);
+    if (!kept.empty()) return kept;
+    const bool holdsBoards = boost::algorithm::iequals(store.getStoreType(), "board");
+    return joined(m_workspace.paths.getUserAreaRoot(), holdsBoards ? boardStoreDir : otherStoreDir);
+}
+
+std::vector<std::string> HSCPlazPlaces::defaultDirs(const HSCPlazModel& hubModel) const {
+    // A folder that became a store's default place is no other store's, whatever the order of the hub's metadata is
+    // now.
+    std::unordered_map<std::string, std::string> owners;
+    for (const auto& kept : m_workspace.places.getDefaultFolders())
+        owners.try_emplace(HUTFile::getNameKey(joined(m_workspace.paths.getUserAreaRoot(), kept.directory)),
+                           kept.store);
+    std::vector<std::string> dirs;
+    for (const auto& store : hubModel.getStores()) {
+        std::string dir = defaultDir(*store);
+        // Two stores in one directory would take each other's working copy, items and database away.
+        const auto isOurs = [&] {
+            return owners.try_emplace(HUTFile::getNameKey(dir), store->getName()).first->second == store->getName();
+        };
+        while (!dir.empty() && !isOurs()) dir += "_" + HSCPlazPathMgr::getStoreFolder(*store);
+        dirs.push_back(dir);
+    }
+    return dirs;
+}
+
+bool HSCPlazPlaces::keepDefaults() const {
+    if (!hasDefaultLocations()) return true;
+    const std::string userArea = m_workspace.paths.getUserAreaRoot();
+    std::vector<HSCPlazRepoInfoMgr::Record> folders;
+    const std::vector<std::string> dirs = defaultDirs(*m_workspace.hubModel);
+    for (std::size_t position = 0; position < dirs.size(); ++position) {
+        const HSCPlazQStoreModel& store = *m_workspace.hubModel->getStores()[position];
+        const boost::filesystem::path place(dirs[position]);
+        if (m_workspace.places.getStoreDirectory(store.getName()).empty())
+            folders.push_back({store.getName(), place.lexically_relative(userArea).generic_string()});
+    }
+    return m_workspace.places.addDefaultFolders(folders);
+}
+
+void HSCPlazPlaces::placeStores(HSCPlazModel& model) const {
+    const std::vector<std::string> dirs = refreshDirs(model);
+    for (std::size_t position = 0; position < dirs.size(); ++position) {
+        HSCPlazQStoreModel& store = *model.getStores()[position];
+        store.setLocalRootDir(dirs[position]);
+        const HSCPlazQStoreModel* known = m_workspace.hubModel->findStore(store.getName());
+        if (!known) continue;
+        if (HSCPlazCatalogLoader::hasOwnArea(*known)) store.setLocalRootDir(known->getLocalRootDir());
+        store.setBranchToSync(known->getBranchToSync());
+        store.setCatalogFile(known->getCatalogFile());
+    }
+}
+
+void HSCPlazPlaces::placeForRefresh(HSCPlazQStoreModel& store) const {
+    if (HSCPlazCatalogLoader::hasOwnArea(store)) return;
+    const std::vector<std::string> dirs = refreshDirs(*m_workspace.hubModel);
+    for (std::size_t position = 0; position < dirs.size(); ++position)
+        if (m_workspace.hubModel->getStores()[position].get() == &store) place(store, dirs[position]);
+}
+
+std::vector<std::string> HSCPlazPlaces::refreshDirs(const HSCPlazModel& hubModel) const {
+    std::vector<std::string> dirs = defaultDirs(hubModel);
+    try {
+        for (std::size_t position = 0; position < dirs.size(); ++position)
+            if (dirs[position].empty())
+                dirs[position] = (m_workspace.userPref.getUserRepoPath() /
+                                  HSCPlazPathMgr::getStoreFolder(*hubModel.getStores()[position]))
+                                     .generic_string();
+    } catch (const HEXAll&) {
+        // There is no such place until the environment names one that exists; who needs it will be told.
+    }
+    return dirs;
+}
+
+void HSCPlazPlaces::preferRefreshed() const {
+    const std::vector<std::string> dirs = refreshDirs(*m_workspace.hubModel);
+    for (std::size_t position = 0; position < dirs.size(); ++position) {
+        HSCPlazQStoreModel& store = *m_workspace.hubModel->getStores()[position];
+        // The marker tells that a first refresh has come to its end.
+        if (HSCPlazStoreLayout::isComplete(dirs[position]) &&
+            HSCPlazCatalogLoader::hasFile(store, dirs[position], store.getMetadataFile()))
+            store.setLocalRootDir(dirs[position]);
+    }
+}
+
+void HSCPlazPlaces::applyDefaults() const {
+    const std::vector<std::string> dirs = defaultDirs(*m_workspace.hubModel);
+    for (std::size_t position = 0; position < dirs.size(); ++position) {
+        HSCPlazQStoreModel& store = *m_workspace.hubModel->getStores()[position];
+        const bool isChosen = !m_workspace.places.getStoreDirectory(store.getName()).empty();
+        if (!store.isProductSpecific() && !isChosen) continue;
+        // A store that has been refreshed stays where its catalog is.
+        const bool stays = dirs[position].empty() && HSCPlazCatalogLoader::hasOwnArea(store);
+        place(store, stays ? store.getLocalRootDir() : dirs[position]);
+    }
+}
+
+void HSCPlazPlaces::place(HSCPlazQStoreModel& store, const std::string& dir) const {
+    store.setInstallDir(dir);
+    store.setLocalRootDir(dir);
+    try {
+        store.setLocalDbFilePath(m_workspace.paths.getStoreLayout(store).getDatabase());
+    } catch (const HEXAll& failure) {
+        // The store has no area until the environment names one that exists; its catalog can be read all the same.
+        ComMsgMgr::send(failure);
+        store.setLocalDbFilePath("");
+    }
+}

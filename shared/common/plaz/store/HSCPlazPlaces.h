@@ -1,0 +1,41 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+class HSCPlazModel;
+class HSCPlazQStoreModel;
+struct HSCPlazWorkspace;
+
+/// Decides where each store's own area lies: where the user put it, else in its default place.
+class HSCPlazPlaces {
+public:
+    /// @param workspace  must outlive the object
+    explicit HSCPlazPlaces(HSCPlazWorkspace& workspace) : m_workspace(workspace) {}
+
+    /// The recorded default place of a store; empty when none is recorded.
+    std::string getDefaultPlace(const HSCPlazQStoreModel& store) const;
+    /// Records the default places of today's stores, so that no other order of the stores moves them.
+    /// @return false when they could not be recorded
+    bool keepDefaults() const;
+
+    /// Gives the stores of another hub model the places that they have, or will have, in this hub, and tells them which
+    /// catalog file and branch have been known until now.
+    void placeStores(HSCPlazModel& model) const;
+    /// Gives a store of this hub that has no area of its own yet the one that is meant for it.
+    void placeForRefresh(HSCPlazQStoreModel& store) const;
+    /// Lets stores that have been refreshed be read from where their catalog is.
+    void preferRefreshed() const;
+    /// Gives the stores that are for the running product, and those that the user has placed, their places.
+    void applyDefaults() const;
+    /// Puts a store's area there.
+    void place(HSCPlazQStoreModel& store, const std::string& dir) const;
+
+private:
+    std::string defaultDir(const HSCPlazQStoreModel& store) const;
+    std::vector<std::string> defaultDirs(const HSCPlazModel& hubModel) const;
+    /// The same, with a place for stores that have none by default.
+    std::vector<std::string> refreshDirs(const HSCPlazModel& hubModel) const;
+
+    HSCPlazWorkspace& m_workspace;
+};

@@ -1,0 +1,40 @@
+#pragma once
+
+#include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazModel.h"
+#include "plaz/model/repo/git/HSCPlazGitStore.h"
+#include "plaz/pref/HSCPlazConfigMgr.h"
+#include "plaz/pref/HSCPlazPathMgr.h"
+#include "plaz/pref/HSCPlazUserPref.h"
+#include "plaz/store/HSCPlazLocalDBMgr.h"
+#include "plaz/store/HSCPlazRepoInfoMgr.h"
+
+#include <memory>
+
+class HSCPlazQStore;
+
+/// What one running hub consists of: its metadata, the objects built from it, and what is known of this machine. The
+/// manager owns the one of the process; rooms and tasks are given it. Belongs to one thread at a time.
+struct HSCPlazWorkspace {
+    /// Reads the configuration; the hub is empty until HSCPlazHubBuilder has built it.
+    HSCPlazWorkspace();
+    ~HSCPlazWorkspace();
+    HSCPlazWorkspace(const HSCPlazWorkspace&) = delete;
+    HSCPlazWorkspace& operator=(const HSCPlazWorkspace&) = delete;
+
+    /// Where the store's repository is.
+    /// @throws HEXAll where its area cannot be named
+    HSCPlazGitStore gitStore(const HSCPlazQStoreModel& store) const;
+
+    HSCPlazUserPref userPref;
+    HSCPlazPathMgr paths;
+    HSCPlazLocalDBMgr databases;
+    HSCPlazConfigMgr config;
+    HSCPlazRepoInfoMgr places;
+    /// What is shipped: a second reading of the hub metadata, or the same store models where nothing else was read.
+    std::unique_ptr<HSCPlazModel> sharedHubModel;
+    std::unique_ptr<HSCPlazModel> hubModel; ///< null until the first start-up
+    std::unique_ptr<HSCPlaz> hub;           ///< refers to the hub model
+    /// The store that the user interface has selected; may be none of the hub's any more.
+    HSCPlazQStore* currentStore = nullptr;
+};

@@ -1,0 +1,72 @@
+#include "plaz/tasks/HSCPlazMoveStoreTask.h"
+
+#include "plaz/base/HSCPlazDebugLog.h"
+#include "plaz/base/HSCPlazFileCopy.h"
+#include "plaz/base/HSCPlazMsg.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/store/HSCPlazChosenDirectory.h"
+#include "plaz/store/HSCPlazHubBuilder.h"
+#include "plaz/store/HSCPlazPlaces.h"
+#include "plaz/store/HSCPlazWorkspace.h"
+#include "plaz/tasks/HSCPlazFetchedFiles.h"
+#include "plaz/tasks/HSCPlazStoreCatalog.h"
+#include "plaz/tasks/HSCPlazTask.h"
+
+using HSCPlazDebugLog::inside;
+
+namespace {
+
+constexpr const char* moveName = "HSCPlazTaskMgr::setQStoreLocalRootDir";
+
+/// Whether a store can be kept there.
+bool canBeKept(HSCPlazTask& task, const HSCPlazQStore& store, const HSCPlazStoreLayout& place) {
+    if (!HUTFile::exists(place.getDatabase())) {
+        HSCPlazReport report;
+        const bool isPrepared = HSCPlazChosenDirectory::prepare(place.getHiddenDir(), report);
+        return isPrepared || task.fail(report);
+    }
+    const bool fits = task.getWorkspace().databases.isValidForProductAndRelease(place.getDatabase());
+    inside(moveName, " store ", store.getName(), fits ? "" : " not", " compatible for product and release.");
+    return fits;
+}
+
+/// Takes the catalog that was refreshed along to a place that has none; the files in the old place stay.
+bool takeCatalogAlong(HSCPlazTask& task, const HSCPlazQStoreModel& store, const HSCPlazStoreLayout& place) {
+    const HSCPlazStoreLayout old(store.getLocalRootDir(), store.getLocalRootDir());
+    if (!HSCPlazStoreLayout::isComplete(old.getArea()) || HSCPlazStoreLayout::isComplete(place.getArea())) return true;
+    std::vector<std::string> files{store.getMetadataFile()};
+    if (!store.getCatalogFile().empty()) files.push_back(store.getCatalogFile());
+    if (HUTFile::exists(old.getCatalogDir())) copyWithoutRepository(old.getCatalogDir(), place.getCatalogDir());
+    const std::string obstacle = HSCPlazFetchedFiles::take(old.getArea(), place.getArea(), files);
+    if (!obstacle.empty()) return task.fail(Msg::dirNotWritable, obstacle);
+    return HSCPlazStoreLayout::markComplete(place.getArea());
+}
+
+bool isSameName(const std::string& a, const std::string& b) {
+    return HUTFile::getNameKey(a) == HUTFile::getNameKey(b);
+}
+
+} // namespace
+
+bool HSCPlazMoveStoreTask::move(HSCPlazTask& task, HSCPlazQStore& store, const std::string& dir) {
+    inside(moveName, " store - ", store.getName(), " local_root_dir - ", dir);
+    HSCPlazWorkspace& workspace = task.getWorkspace();
+    const HSCPlazPlaces places(workspace);
+    // What other stores have must be known before this one leaves its place.
+    if (!places.keepDefaults()) return task.fail(Msg::placesNotSaved, workspace.places.getFile());
+    const bool goesHome = isSameName(dir, places.getDefaultPlace(*store.getModel()));
+    const std::string newRoot = goesHome || store.getRoot().empty() ? dir : dir + "/" + store.getRoot();
+    const HSCPlazStoreLayout place(newRoot, newRoot);
+    const std::string oldRoot = store.getLocalRootDir();
+    if (!canBeKept(task, store, place) || !takeCatalogAlong(task, *store.getModel(), place)) return false;
+    // Recorded first: a move that the next start does not know of would lose what is installed there.
+    if (!workspace.places.setStoreDirectory(store.getName(), goesHome ? "" : dir))
+        return task.fail(Msg::placesNotSaved, workspace.places.getFile());
+    if (!isSameName(newRoot, oldRoot) && HSCPlazStoreCatalog::holdsSomething(*store.getModel()))
+        task.tell(Msg::itemsLeftBehind, MsgSeverity::warning, store.getName(), oldRoot);
+    store.setLocalDbFilePath(place.getDatabase());
+    store.setLocalRootDir(newRoot);
+    store.setInstallDir(newRoot);
+    HSCPlazHubBuilder(workspace).reloadStore(*store.getHub(), store, false);
+    return true;
+}

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+
+class HSCPlazQStore;
+class HSCPlazTask;
+
+/// Puts a store's area below a directory of the user's choice, and remembers that. To be called within a task that runs
+/// (HSCPlazTask::run).
+namespace HSCPlazMoveStoreTask {
+
+/// A directory that holds a database of another product or release is refused; one of this release is read. The catalog
+/// that was refreshed comes along; what is installed stays in the old directory (Msg::itemsLeftBehind).
+/// @param dir  absolute
+/// @return false, with the store as it was, when the directory cannot be used (Msg::dirNotWritable, dirNotCreated) or
+///         the move not be recorded (Msg::placesNotSaved)
+bool move(HSCPlazTask& task, HSCPlazQStore& store, const std::string& dir);
+
+} // namespace HSCPlazMoveStoreTask

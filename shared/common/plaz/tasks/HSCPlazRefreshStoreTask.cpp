@@ -1,0 +1,135 @@
+#include "plaz/tasks/HSCPlazRefreshStoreTask.h"
+
+#include "plaz/base/HSCPlazDebugLog.h"
+#include "plaz/base/HSCPlazMsg.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/reader/HSCPlazJsonCheck.h"
+#include "plaz/model/reader/HSCPlazJsonDocument.h"
+#include "plaz/model/reader/HSCPlazQItemReader.h"
+#include "plaz/model/repo/git/HSCPlazGitCatalog.h"
+#include "plaz/model/repo/git/HSCPlazGitHead.h"
+#include "plaz/store/HSCPlazHubBuilder.h"
+#include "plaz/store/HSCPlazPlaces.h"
+#include "plaz/store/HSCPlazWorkspace.h"
+#include "plaz/tasks/HSCPlazFetchedFiles.h"
+#include "plaz/tasks/HSCPlazStoreCatalog.h"
+#include "plaz/tasks/HSCPlazTask.h"
+
+using HSCPlazDebugLog::inside;
+namespace Catalog = HSCPlazStoreCatalog;
+
+namespace {
+
+constexpr const char* updateName = "HSCPlazTaskMgr::updateCatalog";
+
+/// Puts a store back where it was unless the new place has been filled.
+class PlaceGuard {
+public:
+    explicit PlaceGuard(HSCPlazQStoreModel& store)
+        : m_store(store), m_localRoot(store.getLocalRootDir()), m_installDir(store.getInstallDir()),
+          m_database(store.getLocalDbFilePath()) {}
+    ~PlaceGuard() {
+        if (m_kept) return;
+        m_store.setLocalRootDir(m_localRoot);
+        m_store.setInstallDir(m_installDir);
+        m_store.setLocalDbFilePath(m_database);
+    }
+    PlaceGuard(const PlaceGuard&) = delete;
+    PlaceGuard& operator=(const PlaceGuard&) = delete;
+    void keep() { m_kept = true; }
+
+private:
+    HSCPlazQStoreModel& m_store;
+    std::string m_localRoot;
+    std::string m_installDir;
+    std::string m_database;
+    bool m_kept = false;
+};
+
+/// The branch describes the latest revisions; what older ones say of themselves comes with them.
+bool isDescribed(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item) {
+    return item.getRevision() == item.getLatestRevision() && !item.getMetadataFile().empty() &&
+           !HSCPlazPathMgr::getItemFolder(store, item).empty();
+}
+
+/// Takes what has been fetched of the items, one after the other.
+class Descriptions {
+public:
+    Descriptions(HSCPlazTask& task, const HSCPlazQStoreModel& store, const HSCPlazStoreLayout& layout)
+        : m_task(task), m_store(store), m_catalogDir(layout.getCatalogDir()), m_fetched(layout.getStaging()) {}
+
+    /// Puts one item's fetched metadata file, and its change log, where the catalog's descriptions lie, and reads it.
+    /// @return false when it cannot be written there
+    bool take(HSCPlazQItemModel& item) {
+        const std::string relative = item.getRoot() + "/" + item.getMetadataFile();
+        const std::string fetched = m_fetched.getDir() + "/" + relative;
+        HSCPlazReport problem;
+        if (!HSCPlazJsonCheck::isWhole(fetched, problem)) {
+            problem.add(Msg::itemCatalogInvalid, MsgSeverity::criticalWarning, fetched, item.getName());
+            m_task.tell(problem);
+            return true;
+        }
+        HSCPlazQItemModel description;
+        HSCPlazFindings found;
+        HSCPlazQItemReader::readBelow(m_fetched, relative, m_document, description, found);
+        found.tell();
+        const std::string dir = m_catalogDir + HSCPlazPathMgr::getItemFolder(m_store, item) + "/";
+        if (!HSCPlazFetchedFiles::place(fetched, dir + item.getMetadataFile()))
+            return m_task.fail(Msg::dirNotWritable, dir);
+        const std::string changeLog =
+            m_fetched.getDir() + "/" + item.getRoot() + "/" + HSCPlazStoreLayout::changeLogFile;
+        if (HUTFile::exists(changeLog)) HSCPlazFetchedFiles::place(changeLog, dir + HSCPlazStoreLayout::changeLogFile);
+        inside(updateName, " metadata file path is ", dir, item.getMetadataFile());
+        if (!item.isInstalled() && description.getName() == item.getName()) item.copyDescriptionFrom(description);
+        return true;
+    }
+
+private:
+    HSCPlazTask& m_task;
+    const HSCPlazQStoreModel& m_store;
+    const std::string m_catalogDir;
+    const HIOStream::Root m_fetched;
+    HSCPlazJsonDocument m_document;
+};
+
+} // namespace
+
+bool HSCPlazRefreshStoreTask::loadCatalog(HSCPlazTask& task, HSCPlazQStore& store) {
+    HSCPlazWorkspace& workspace = task.getWorkspace();
+    HSCPlazQStoreModel& model = *store.getModel();
+    task.show("Fetching", Catalog::shownName(model), 0);
+    PlaceGuard place(model);
+    HSCPlazPlaces(workspace).placeForRefresh(model);
+    // RATIONALE: the store is cleared only once the new catalog is there: a failure leaves the old one in force.
+    if (!Catalog::fetch(task, model)) return false;
+    place.keep();
+    task.show("Reading", Catalog::shownName(model), 40);
+    const std::vector<Catalog::Holding> holdings = Catalog::findHoldings(task);
+    HSCPlazHubBuilder(workspace).reloadStore(task.getHub(), store, false);
+    Catalog::tellWithdrawn(task, holdings);
+    return true;
+}
+
+bool HSCPlazRefreshStoreTask::describeItems(HSCPlazTask& task, HSCPlazQStore& store) {
+    HSCPlazQStoreModel& model = *store.getModel();
+    task.show("Describing items of", Catalog::shownName(model), 50);
+    if (!Catalog::hasRepository(updateName) || task.isCancelled()) return false;
+    const std::string& name = model.getName();
+    if (model.getItems().empty()) {
+        task.tell(Msg::storeWithoutCatalogs, MsgSeverity::warning, name);
+        return true;
+    }
+    const HSCPlazGitStore repository = task.getWorkspace().gitStore(model);
+    const HSCPlazFetchedFiles staging(repository.layout.getStaging());
+    const bool isUpdated = Catalog::settle(task, [&] { return HSCPlazGitCatalog::loadItemFiles(repository); });
+    inside(updateName, isUpdated ? " updated catalog successfully for store " : " failed to update catalog for store ",
+           name);
+    if (!isUpdated || task.isCancelled()) return false;
+    inside(updateName, " store path for store ", name, " ", staging.getDir());
+    if (!model.isProductSpecific()) return true;
+    Descriptions descriptions(task, model, repository.layout);
+    for (const auto& item : model.getItems())
+        if (isDescribed(model, *item) && !descriptions.take(*item)) return false;
+    task.show("Refreshed", Catalog::shownName(model), 100);
+    return HSCPlazGitHead::moveTo(repository.layout.getIndex(), model.getBranch());
+}

@@ -1,0 +1,19 @@
+#pragma once
+
+class HSCPlazQStore;
+class HSCPlazTask;
+
+/// Refreshes what is known of one store. To be called within a task that runs (HSCPlazTask::run).
+namespace HSCPlazRefreshStoreTask {
+
+/// Fetches the store's metadata file and item catalog, and rebuilds the store from them. Until both have come and are
+/// whole the old catalog stays in force. Items and categories of the store are new objects afterwards.
+/// @return false on cancellation and when the fetch failed
+/// @throws HEXAll Msg::storeFileInvalid, catalogFileInvalid when what was fetched is not whole
+bool loadCatalog(HSCPlazTask& task, HSCPlazQStore& store);
+/// Fetches the metadata files and change logs of the store's items.
+/// @return true also for a store without items (Msg::storeWithoutCatalogs). An item whose file is not whole keeps what
+///         was known of it (Msg::itemCatalogInvalid).
+bool describeItems(HSCPlazTask& task, HSCPlazQStore& store);
+
+} // namespace HSCPlazRefreshStoreTask

@@ -1,0 +1,108 @@
+#include "plaz/tasks/HSCPlazStoreCatalog.h"
+
+#include "plaz/base/HSCPlazDebugLog.h"
+#include "plaz/base/HSCPlazMsg.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/reader/HSCPlazQStoreReader.h"
+#include "plaz/model/repo/HSCPlazRepoFactory.h"
+#include "plaz/model/repo/git/HSCPlazGitCatalog.h"
+#include "plaz/store/HSCPlazWorkspace.h"
+#include "plaz/tasks/HSCPlazFetchedFiles.h"
+#include "plaz/tasks/HSCPlazTask.h"
+
+#include <algorithm>
+
+using HSCPlazDebugLog::inside;
+
+namespace {
+
+constexpr const char* loadName = "HSCPlazTaskMgr::loadStoreModelCatalog";
+
+void requireUsable(HSCPlazTask& task, const MsgId<2>& message, const HSCPlazQStoreModel& store,
+                   const std::string& file) {
+    HSCPlazReport problem;
+    const bool isUsable = HSCPlazFetchedFiles::isCatalog(file, problem);
+    task.tell(problem);
+    if (!isUsable) throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", message, store.getName(), file));
+}
+
+bool fetchFiles(HSCPlazTask& task, const HSCPlazQStoreModel& store, const std::vector<std::string>& files) {
+    return HSCPlazStoreCatalog::settle(
+        task, [&] { return HSCPlazGitCatalog::loadFiles(task.getWorkspace().gitStore(store), files); });
+}
+
+} // namespace
+
+bool HSCPlazStoreCatalog::hasRepository(const char* operation) {
+    inside(operation, " going to get git repo pointer");
+    const HSCPlazRepo* repo = HSCPlazRepoFactory::createRepo(HSCPlazTypes::GIT);
+    inside(operation, " after repo pointer req");
+    inside(operation, repo ? " found repo pointer" : " couldn't get repo pointer");
+    return repo != nullptr;
+}
+
+bool HSCPlazStoreCatalog::settle(HSCPlazTask& task, const std::function<HSCPlazGitOutcome()>& operation) {
+    return task.guard([&] {
+        const HSCPlazGitOutcome outcome = operation();
+        if (!outcome.isDone) return task.fail(outcome.getWhole());
+        task.tell(outcome.report);
+        return true;
+    });
+}
+
+bool HSCPlazStoreCatalog::fetch(HSCPlazTask& task, HSCPlazQStoreModel& store) {
+    if (!hasRepository(loadName) || task.isCancelled()) return false;
+    const HSCPlazStoreLayout layout = task.getWorkspace().paths.getStoreLayout(store);
+    const HSCPlazFetchedFiles staging(layout.getStaging());
+    std::vector<std::string> files{store.getMetadataFile()};
+    if (!store.getCatalogFile().empty()) files.push_back(store.getCatalogFile());
+    if (!fetchFiles(task, store, files)) return false;
+    // What the metadata says, before anything of it counts.
+    requireUsable(task, Msg::storeFileInvalid, store, staging.getFile(store.getMetadataFile()));
+    HSCPlazQStoreModel fetched;
+    fetched.setName(store.getName());
+    HSCPlazQStoreReader().parse(staging.getFile(store.getMetadataFile()), &fetched);
+    // The metadata may name another catalog or branch than the one that was known until now.
+    const bool namesOther =
+        fetched.getCatalogFile() != store.getCatalogFile() || fetched.getBranchToSync() != store.getBranchToSync();
+    if (namesOther && !fetched.getCatalogFile().empty()) {
+        if (task.isCancelled()) return false;
+        store.setBranchToSync(fetched.getBranchToSync());
+        if (!fetchFiles(task, store, {store.getMetadataFile(), fetched.getCatalogFile()})) return false;
+    }
+    files = {store.getMetadataFile()};
+    if (!fetched.getCatalogFile().empty()) {
+        requireUsable(task, Msg::catalogFileInvalid, store, staging.getFile(fetched.getCatalogFile()));
+        files.insert(files.begin(), fetched.getCatalogFile()); // what the metadata names is there before it
+    }
+    if (task.isCancelled()) return false;
+    const std::string obstacle = HSCPlazFetchedFiles::take(staging.getDir(), layout.getArea(), files);
+    if (!obstacle.empty()) return task.fail(Msg::dirNotWritable, obstacle);
+    requireUsable(task, Msg::storeFileInvalid, store, layout.getArea() + "/" + store.getMetadataFile());
+    return HSCPlazStoreLayout::markComplete(layout.getArea());
+}
+
+bool HSCPlazStoreCatalog::holdsSomething(const HSCPlazQStoreModel& store) {
+    const auto& items = store.getItems();
+    return std::any_of(items.begin(), items.end(), [](const auto& item) { return item->isInstalled(); });
+}
+
+std::vector<HSCPlazStoreCatalog::Holding> HSCPlazStoreCatalog::findHoldings(const HSCPlazTask& task) {
+    std::vector<Holding> holdings;
+    for (const HSCPlazQStore* store : task.getHub().getStores())
+        if (store->getModel() && holdsSomething(*store->getModel()))
+            holdings.push_back({store->getName(), task.getWorkspace().paths.getStoreArea(*store->getModel())});
+    return holdings;
+}
+
+void HSCPlazStoreCatalog::tellWithdrawn(HSCPlazTask& task, const std::vector<Holding>& before) {
+    for (const Holding& held : before) {
+        const HSCPlazQStore* store = task.getHub().getStore(held.store);
+        if (!store || !store->isProductSpecific())
+            task.tell(Msg::storeWithdrawn, MsgSeverity::warning, held.store, held.area);
+    }
+}
+
+const std::string& HSCPlazStoreCatalog::shownName(const HSCPlazQStoreModel& store) {
+    return store.getDisplayName().empty() ? store.getName() : store.getDisplayName();
+}

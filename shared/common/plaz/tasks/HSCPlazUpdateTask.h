@@ -1,0 +1,17 @@
+#pragma once
+
+#include "plaz/tasks/HSCPlazTaskResult.h"
+
+class HSCPlazTask;
+
+/// Brings an installed revision up to date and keeps its installation mode. To be called within a task that runs
+/// (HSCPlazTask::run).
+namespace HSCPlazUpdateTask {
+
+/// Installs the item's latest revision, or fetches the files of this one again where it was published anew. What the
+/// old files needed is given up, what the new ones need is brought. Where the store keeps several revisions the older
+/// one stays beside the new one.
+/// @return what it came to; "upToDate" where there is nothing to do
+HSCPlazItemResult::Outcome update(HSCPlazTask& task, HSCPlazQItem& item);
+
+} // namespace HSCPlazUpdateTask
