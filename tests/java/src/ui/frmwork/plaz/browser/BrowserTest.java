@@ -70,9 +70,9 @@ class BrowserTest {
     @Test @Order(1) @Tag("first")
     void showsCatalogTextsAsTheyAre() throws Exception {
         choose("tclscripts", "resistances");
-        assertEquals("<html><b>bold", text("title"));
-        assertEquals("<html><img src='http://127.0.0.1:1/'>", text("description"));
-        assertTrue(ask(() -> find("website") instanceof JTextComponent));
+        assertEquals("<html><b>bold", text("Name"));
+        assertEquals("<html><img src='http://127.0.0.1:1/'>", text("Description"));
+        assertTrue(ask(() -> find("Web page") instanceof JTextComponent));
         ask(() -> {
             assertNoHtml(window);
             for (int row = 0; row < items().getRowCount(); ++row)
@@ -87,7 +87,7 @@ class BrowserTest {
         press(KeyEvent.VK_F5);
         awaitRest("Refreshed \"tclscripts\".");
         assertTrue(text("messages").contains("Refreshed \"boards\"."));
-        await("the repository's texts", () -> !text("title").contains("<html>"));
+        await("the repository's texts", () -> !text("Name").contains("<html>"));
         ask(() -> items().requestFocusInWindow());
         press(KeyEvent.VK_CONTROL, KeyEvent.VK_F);
         awaitFocus("search");
@@ -98,8 +98,8 @@ class BrowserTest {
         click(find("installed"));
         await("what is installed", () -> shown().equals(List.of("io-panel", "connectors-common")));
         type(find("search"), "aurora");
-        await("hint", () -> find("hint").isShowing() && !items().isShowing());
-        assertTrue(text("hint").startsWith("No item fits."), text("hint"));
+        await("hint", () -> find("What to do").isShowing() && !items().isShowing());
+        assertTrue(text("What to do").startsWith("No item fits."), text("What to do"));
         press(KeyEvent.VK_ESCAPE);
         click(find("installed"));
         await("items", () -> items().isShowing() && items().getRowCount() == 16);
@@ -114,13 +114,13 @@ class BrowserTest {
         click(find("outdated"));
         await("what is outdated", () -> shown().equals(List.of("io-panel")));
         choose("boards", "io-panel");
-        assertEquals("1.1\n1.0  (installed)", text("revisions"));
+        assertEquals("1.1\n1.0  (installed)", text("Revisions"));
         assertEquals(List.of(true, true, true), enabled("install", "uninstall", "update"));
         press(KeyEvent.VK_CONTROL, KeyEvent.VK_U);
         await("nothing", () -> shown().isEmpty());
         click(find("outdated"));
         choose("boards", "io-panel");
-        assertEquals("1.1  (installed)\n1.0  (installed)", text("revisions"));
+        assertEquals("1.1  (installed)\n1.0  (installed)", text("Revisions"));
         assertEquals(List.of(false, true, false), enabled("install", "uninstall", "update"));
     }
 
@@ -134,9 +134,9 @@ class BrowserTest {
         assertEquals(State.INSTALLED, state("boards", "aurora"));
         assertEquals(State.INSTALLED, state("tclscripts", "board-check"));
         assertEquals(List.of(false, true, false), enabled("install", "uninstall", "update"));
-        assertTrue(text("revisions").startsWith("2.0  (installed)\n1.1\n"), text("revisions"));
-        assertTrue(Files.isRegularFile(Path.of(text("directory"), "item.json")));
-        await("change log", () -> text("history").contains("New processor socket"));
+        assertTrue(text("Revisions").startsWith("2.0  (installed)\n1.1\n"), text("Revisions"));
+        assertTrue(Files.isRegularFile(Path.of(text("Installed in"), "item.json")));
+        await("change log", () -> text("Change log").contains("New processor socket"));
 
         type(find("search"), "aurora");
         ask(() -> find("tclscripts::pin-report").requestFocusInWindow());
@@ -147,7 +147,7 @@ class BrowserTest {
         click(find("tclscripts::csv-kit"));
         await("what that needs", () -> chosen().equals("csv-kit"));
         choose("boards", "aurora");
-        click(find("website"));
+        click(find("Web page"));
         await("the address", () -> "https://example.org/boards/aurora".equals(copiedText()));
     }
 
@@ -156,7 +156,7 @@ class BrowserTest {
     void tellsOfNamesThatSeveralStoresHave() throws Exception {
         choose("boards", "clocking");
         assertEquals("Install (in 2 stores)", ask(() -> ((AbstractButton) find("install")).getText()));
-        assertTrue(text("sameName").contains("(boards, tclscripts)"), text("sameName"));
+        assertTrue(text("Note").contains("(boards, tclscripts)"), text("Note"));
         press(KeyEvent.VK_CONTROL, KeyEvent.VK_I);
         await("both", () -> state("tclscripts", "clocking") == State.INSTALLED);
         assertEquals(State.INSTALLED, state("boards", "clocking"));
