@@ -12,8 +12,7 @@ public final class PlazSwigIntf {
     private static final Lifetime HUB = new Lifetime();
 
     private interface Action<S> {
-        boolean on(
-                long subject, S proxy, long status, TaskStatus statusProxy, long exception, PlazException exceptionProxy);
+        boolean on(long subject, S proxy, long status, TaskStatus statusProxy, long record, PlazException recordProxy);
     }
 
     private PlazSwigIntf() {}

@@ -87,7 +87,8 @@ class HubTest {
     @Test
     @Order(1)
     void storesAreListedAndChanged() {
-        assertEquals(List.of("boards", "tclscripts"), stream(PlazSwigIntf.getStores()).map(PlazStore::getName).toList());
+        List<String> names = stream(PlazSwigIntf.getStores()).map(PlazStore::getName).toList();
+        assertEquals(List.of("boards", "tclscripts"), names);
         assertNull(store("boar"));
         assertFalse(PlazSwigIntf.getItems("boar").hasNext());
         PlazStore boards = store("boards");
@@ -129,7 +130,8 @@ class HubTest {
     @Test
     @Order(3)
     void anItemTellsAllOfItself() {
-        PlazItem aurora = items("boards").filter(item -> item.toString().equals("boards::aurora@2.0")).findFirst().get();
+        PlazItem aurora =
+                items("boards").filter(item -> item.toString().equals("boards::aurora@2.0")).findFirst().orElseThrow();
         assertEquals(List.of("Aurora Entwicklungsplatine", "boards", "musterwerk", "Musterwerk Labor", "Änne Grünwald",
                 "https://example.org/boards/aurora"), List.of(aurora.getDisplayName(), aurora.getStoreName(),
                 aurora.getCompany(), aurora.getCompanyDisplayName(), aurora.getAuthor(), aurora.getWebsite()));
