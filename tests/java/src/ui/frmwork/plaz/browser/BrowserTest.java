@@ -5,6 +5,7 @@ import static org.junit.jupiter.api.Assertions.assertFalse;
 import static org.junit.jupiter.api.Assertions.assertNull;
 import static org.junit.jupiter.api.Assertions.assertTrue;
 import static org.junit.jupiter.api.Assertions.fail;
+import static org.junit.jupiter.api.Assumptions.assumeFalse;
 
 import java.awt.Component;
 import java.awt.Container;
@@ -36,12 +37,15 @@ import javax.swing.SwingUtilities;
 import javax.swing.plaf.basic.BasicHTML;
 import javax.swing.text.JTextComponent;
 import org.junit.jupiter.api.BeforeAll;
+import org.junit.jupiter.api.BeforeEach;
 import org.junit.jupiter.api.MethodOrderer;
 import org.junit.jupiter.api.Order;
 import org.junit.jupiter.api.Tag;
 import org.junit.jupiter.api.Test;
 import org.junit.jupiter.api.TestMethodOrder;
 import org.junit.jupiter.api.Timeout;
+import org.junit.jupiter.api.extension.RegisterExtension;
+import org.junit.jupiter.api.extension.TestExecutionExceptionHandler;
 import ui.frmwork.plaz.browser.Snapshot.Category;
 import ui.frmwork.plaz.browser.Snapshot.Key;
 import ui.frmwork.plaz.browser.Snapshot.State;
@@ -57,6 +61,13 @@ class BrowserTest {
 
     private static Robot robot;
     private static BrowserWindow window;
+    private static boolean hasFailed;
+
+    @RegisterExtension
+    static final TestExecutionExceptionHandler FAILURES = (test, failure) -> {
+        hasFailed = true;
+        throw failure;
+    };
 
     @BeforeAll
     static void open() throws Exception {
@@ -68,6 +79,12 @@ class BrowserTest {
                 if (frame instanceof BrowserWindow found && found.isShowing()) window = found;
             return window != null && find("search").isFocusOwner() && items().getRowCount() == 16;
         });
+    }
+
+    /** The rest would wait in vain, each for its time, for what the first failure left undone. */
+    @BeforeEach
+    void goOn() {
+        assumeFalse(hasFailed, "a test before this one failed");
     }
 
     /** Catches: a text of a catalog that Swing takes for HTML, or a link that opens anything but a web page. */
