@@ -17,7 +17,8 @@ ITEM = """IsInstalled NeedsRefresh getAuthor getCategories getCommitId getCompan
     getDisplayName getHistory getItemDependencies getItemSearchKeywords getLocalRootDir getLogo getMetadataFile getName
     getRevision getRoot getSource getStoreName getUrl getWebsite"""
 STATUS = """new_TaskStatus delete_TaskStatus canCancel cancel changeAbbrevStatus changePercentComplete changeStatus
-    getAbbrevStatusMessage getPercentComplete getState getStatusMessage isCanceled isDeterminate setDeterminate setState"""
+    getAbbrevStatusMessage getPercentComplete getState getStatusMessage isCanceled isDeterminate
+    setDeterminate setState"""
 EXCEPTION = """new_PlazException() new_PlazException(Ljava/lang/String;II) delete_PlazException""" + "".join(
     f" {access}_PlazException_error_{field}" for access in ("get", "set") for field in ("msg", "code", "context"))
 

@@ -7,7 +7,7 @@ import java.util.function.LongFunction;
 
 /** A sequence of objects of the hub. */
 abstract class HubObjectVector<E extends HubObject> extends NativeVector<E> {
-    /** Of a sequence of the caller's own: the proxies that were put in, since addresses do not tell how long they hold. */
+    /** Of a sequence of the caller's own: the proxies put in, since addresses do not tell how long they hold. */
     private final Map<Long, E> added = new HashMap<>();
 
     private final LongFunction<E> toProxy;

@@ -14,6 +14,7 @@ final class Lifetime {
 
     /** @throws IllegalStateException once it is over */
     void check(Class<?> type) {
-        if (over) throw new IllegalStateException("this " + type.getSimpleName() + " is gone: its store was refreshed or moved");
+        if (!over) return;
+        throw new IllegalStateException("this " + type.getSimpleName() + " is gone: its store was refreshed or moved");
     }
 }

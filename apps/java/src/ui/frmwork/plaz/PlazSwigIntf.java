@@ -11,6 +11,10 @@ import static ui.frmwork.plaz.NativeObject.handleOf;
 public final class PlazSwigIntf {
     private static final Lifetime HUB = new Lifetime();
 
+    private interface Action<S> {
+        boolean on(long subject, S proxy, long status, TaskStatus statusProxy, long record, PlazException recordProxy);
+    }
+
     private PlazSwigIntf() {}
 
     /** The stores, in the hub's order. */
@@ -33,27 +37,23 @@ public final class PlazSwigIntf {
 
     /** Installs an item, by its name and in its latest revision, with all that it needs. */
     public static boolean install(PlazItem item, TaskStatus status, PlazException exception) {
-        return plazi.PlazSwigIntf_install(
-                handleOf(item), item, handleOf(status), status, handleOf(exception), exception);
+        return act(plazi::PlazSwigIntf_install, item, status, exception);
     }
 
     /** Removes an item with all that nothing else needs. */
     public static boolean uninstall(PlazItem item, TaskStatus status, PlazException exception) {
-        return plazi.PlazSwigIntf_uninstall(
-                handleOf(item), item, handleOf(status), status, handleOf(exception), exception);
+        return act(plazi::PlazSwigIntf_uninstall, item, status, exception);
     }
 
     /** Brings an item up to date. */
     public static boolean update(PlazItem item, TaskStatus status, PlazException exception) {
-        return plazi.PlazSwigIntf_update(
-                handleOf(item), item, handleOf(status), status, handleOf(exception), exception);
+        return act(plazi::PlazSwigIntf_update, item, status, exception);
     }
 
     /** Fetches a store's catalog. All items and categories that were got from it before are gone afterwards. */
     public static boolean refreshCatalog(PlazStore store, TaskStatus status, PlazException exception) {
         try {
-            return plazi.PlazSwigIntf_refreshCatalog(
-                    handleOf(store), store, handleOf(status), status, handleOf(exception), exception);
+            return act(plazi::PlazSwigIntf_refreshCatalog, store, status, exception);
         } finally {
             if (store != null) store.endContents();
         }
@@ -61,8 +61,7 @@ public final class PlazSwigIntf {
 
     /** Whether the remote has moved since the last refresh. A failure stands in the exception record. */
     public static boolean hasUpdate(PlazStore store, TaskStatus status, PlazException exception) {
-        return plazi.PlazSwigIntf_hasUpdate(
-                handleOf(store), store, handleOf(status), status, handleOf(exception), exception);
+        return act(plazi::PlazSwigIntf_hasUpdate, store, status, exception);
     }
 
     /** Whether the store's working copy is on disk. */
@@ -116,5 +115,10 @@ public final class PlazSwigIntf {
     /** Sets the directory below which the user keeps stores, and saves it. */
     public static boolean setQStoresPath(String path) {
         return plazi.PlazSwigIntf_setQStoresPath(path);
+    }
+
+    private static <S extends NativeObject> boolean act(
+            Action<S> action, S subject, TaskStatus status, PlazException exception) {
+        return action.on(handleOf(subject), subject, handleOf(status), status, handleOf(exception), exception);
     }
 }

@@ -2,24 +2,23 @@ package ui.frmwork.plaz;
 
 import static org.junit.jupiter.api.Assertions.assertEquals;
 import static org.junit.jupiter.api.Assertions.assertFalse;
-import static org.junit.jupiter.api.Assertions.assertNotNull;
 import static org.junit.jupiter.api.Assertions.assertThrows;
 import static org.junit.jupiter.api.Assertions.assertTrue;
 
 import java.io.IOException;
+import java.lang.reflect.Array;
 import java.lang.reflect.InvocationTargetException;
 import java.lang.reflect.Method;
 import java.lang.reflect.Modifier;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.ArrayList;
-import java.util.Arrays;
-import java.util.HashSet;
 import java.util.List;
-import java.util.Set;
+import java.util.stream.Stream;
 import org.junit.jupiter.api.Test;
 import org.junit.jupiter.params.ParameterizedTest;
 import org.junit.jupiter.params.provider.CsvSource;
+import org.junit.jupiter.params.provider.MethodSource;
 import org.junit.jupiter.params.provider.ValueSource;
 
 class BindingTest {
@@ -68,72 +67,55 @@ class BindingTest {
         }
     }
 
-    /**
-     * Catches: a member that reads what lies at address 0, or takes a null string. Every native method is called with
-     * nothing, and those that take a text once more with something in all other places.
-     */
-    @Test
-    void nothingIsRefused() throws IllegalAccessException {
-        Set<String> harmless = new HashSet<>(List.of("canAccessRepo", "isInstalled", "isRefreshed", "getLastRefreshTime",
-                "getHttpProxy", "getQStoresPath", "getStores"));
-        int refused = 0;
-        for (Method method : plazi.class.getDeclaredMethods()) {
-            if (!Modifier.isNative(method.getModifiers())) continue;
-            String name = method.getName();
-            Throwable thrown = callWithNothing(method);
-            if (name.contains("_new_") && method.getParameterCount() == 0 || name.contains("_delete_")
-                    || harmless.contains(name.substring(name.indexOf('_') + 1))) {
-                assertEquals(null, thrown, name);
-                continue;
-            }
-            refused++;
-            assertNotNull(thrown, name);
-            assertEquals(NullPointerException.class, thrown.getClass(), name);
-            assertEquals(complaintOf(method), thrown.getMessage().replaceFirst("^\\S+ & ", "& "), name);
-        }
-        assertEquals(109, refused);
+    /** Catches: a member that reads what lies at address 0 or takes a null string, and one that refuses needlessly. */
+    @ParameterizedTest
+    @MethodSource("natives")
+    void nothingIsRefused(Method method) throws IllegalAccessException {
+        Object[] nothing = Stream.of(method.getParameterTypes()).map(BindingTest::nothingOf).toArray();
+        assertEquals(refusalOf(method), String.valueOf(failureOf(method, nothing)).replaceFirst("\\S+ & ", "& "),
+                method::getName);
     }
 
-    private static String complaintOf(Method method) {
-        if (!Arrays.asList(method.getParameterTypes()).contains(String.class)) return "& reference is null";
-        boolean isOther = method.getName().matches("PlazException_(new_PlazException|set_PlazException_error_msg)");
-        return isOther ? "null string" : "null std::string";
+    private static Stream<Method> natives() {
+        return Stream.of(plazi.class.getDeclaredMethods()).filter(method -> Modifier.isNative(method.getModifiers()));
     }
 
-    private static Throwable callWithNothing(Method method) throws IllegalAccessException {
-        Object[] nothing = Arrays.stream(method.getParameterTypes()).map(BindingTest::nothingOf).toArray();
+    private static String refusalOf(Method method) {
+        String name = method.getName();
+        boolean isHarmless =
+                name.matches("\\w+_delete_\\w+|\\w+_(canAccessRepo|isInstalled|isRefreshed|getLastRefreshTime)");
+        if (isHarmless || method.getParameterCount() == 0) return "null";
+        boolean takesText = List.of(method.getParameterTypes()).contains(String.class);
+        boolean isOther = name.matches("PlazException_(new_PlazException|set_PlazException_error_msg)");
+        return "java.lang.NullPointerException: "
+                + (!takesText ? "& reference is null" : isOther ? "null string" : "null std::string");
+    }
+
+    private static Object nothingOf(Class<?> type) {
+        return Array.get(Array.newInstance(type, 1), 0);
+    }
+
+    private static Throwable failureOf(Method method, Object... arguments) throws IllegalAccessException {
         try {
-            method.invoke(null, nothing);
+            method.invoke(null, arguments);
             return null;
         } catch (InvocationTargetException failure) {
             return failure.getCause();
         }
     }
 
-    private static Object nothingOf(Class<?> type) {
-        if (type == long.class) return 0L;
-        if (type == int.class) return 0;
-        if (type == double.class) return 0.0;
-        return type == boolean.class ? false : null;
-    }
-
     /** Catches: the wrong complaint, or a call that is made all the same. */
-    @Test
-    void actionsWantTheirRecords() {
+    @ParameterizedTest
+    @ValueSource(strings = {"install", "uninstall", "update", "refreshCatalog"})
+    void actionsWantTheirRecords(String name) throws ReflectiveOperationException {
+        Method action = Stream.of(PlazSwigIntf.class.getMethods()).filter(each -> each.getName().equals(name))
+                .findFirst().orElseThrow();
         try (TaskStatus status = new TaskStatus(); PlazException exception = new PlazException()) {
-            for (Action action : new Action[] {PlazSwigIntf::install, PlazSwigIntf::uninstall, PlazSwigIntf::update}) {
-                assertEquals("HDGUIStatus & reference is null",
-                        assertThrows(NullPointerException.class, () -> action.run(null, null, null)).getMessage());
-                assertEquals("HSCPlazTypes::HSCPlazException & reference is null",
-                        assertThrows(NullPointerException.class, () -> action.run(null, status, null)).getMessage());
-                assertFalse(action.run(null, status, exception));
-            }
-            assertFalse(PlazSwigIntf.refreshCatalog(null, status, exception));
+            assertEquals("HDGUIStatus & reference is null", failureOf(action, null, null, null).getMessage());
+            assertEquals("HSCPlazTypes::HSCPlazException & reference is null",
+                    failureOf(action, null, status, null).getMessage());
+            assertEquals(false, action.invoke(null, null, status, exception));
         }
-    }
-
-    private interface Action {
-        boolean run(PlazItem item, TaskStatus status, PlazException exception);
     }
 
     /** Catches: a proxy that passes on an address that is no more, or frees it twice. */

@@ -27,7 +27,7 @@ import ui.frmwork.plaz.host.PlazHost;
 /** The sample hub, from the first refresh on; each test goes on where the one before stopped. */
 @TestMethodOrder(MethodOrderer.OrderAnnotation.class)
 class HubTest {
-    private static final Path SAMPLE = Path.of(System.getProperty("sample"));
+    private static final Path SAMPLE = Path.of(System.getProperty("scratch"), "sample");
     private static final List<String> TOLD = new ArrayList<>();
     private static final TaskStatus STATUS = new TaskStatus();
     private static final PlazException RECORD = new PlazException();
@@ -72,7 +72,11 @@ class HubTest {
     }
 
     private static Stream<PlazItem> items(String store) {
-        return StreamSupport.stream(store(store).getItems().spliterator(), false);
+        return stream(store(store).getItems());
+    }
+
+    private static <E> Stream<E> stream(Iterable<E> sequence) {
+        return StreamSupport.stream(sequence.spliterator(), false);
     }
 
     private static boolean wasTold(String... parts) {
@@ -83,8 +87,7 @@ class HubTest {
     @Test
     @Order(1)
     void storesAreListedAndChanged() {
-        List<String> names = new ArrayList<>();
-        PlazSwigIntf.getStores().forEach(store -> names.add(store.getName()));
+        List<String> names = stream(PlazSwigIntf.getStores()).map(PlazStore::getName).toList();
         assertEquals(List.of("boards", "tclscripts"), names);
         assertNull(store("boar"));
         assertFalse(PlazSwigIntf.getItems("boar").hasNext());
@@ -127,19 +130,19 @@ class HubTest {
     @Test
     @Order(3)
     void anItemTellsAllOfItself() {
-        PlazItem aurora = items("boards").filter(item -> item.toString().equals("boards::aurora@2.0")).findFirst().get();
-        assertEquals("Aurora Entwicklungsplatine", aurora.getDisplayName());
-        assertEquals("boards", aurora.getStoreName());
+        PlazItem aurora =
+                items("boards").filter(item -> item.toString().equals("boards::aurora@2.0")).findFirst().orElseThrow();
+        assertEquals(List.of("Aurora Entwicklungsplatine", "boards", "musterwerk", "Musterwerk Labor", "Änne Grünwald",
+                "https://example.org/boards/aurora"), List.of(aurora.getDisplayName(), aurora.getStoreName(),
+                aurora.getCompany(), aurora.getCompanyDisplayName(), aurora.getAuthor(), aurora.getWebsite()));
         assertTrue(aurora.getCommitId().matches("[0-9a-f]{40}"), aurora.getCommitId());
-        List<String> needed = new ArrayList<>();
-        for (PlazItemDependency need : aurora.getItemDependencies())
-            needed.add(need.getStore() + "::" + need.getItem() + "@" + need.getRevision() + " " + need.isOptional());
+        List<String> needed = stream(aurora.getItemDependencies()).map(need -> need.getStore() + "::" + need.getItem()
+                + "@" + need.getRevision() + " " + need.isOptional()).toList();
         assertTrue(needed.contains("boards::io-panel@1.0 false"), needed::toString);
         assertTrue(needed.contains("boards::connectors-common@ false"), needed::toString);
-        List<String> words = new ArrayList<>();
-        aurora.getItemSearchKeywords().forEach(words::add);
-        aurora.getCategories().forEach(words::add);
-        assertEquals(aurora.getItemSearchKeywords().size() + aurora.getCategories().size(), words.size());
+        assertEquals(List.of("Prozessor", "Anzeige", "starter kit", "größer"),
+                stream(aurora.getItemSearchKeywords()).toList());
+        assertEquals(List.of("development", "starter"), stream(aurora.getCategories()).toList());
         for (PlazCategory category : store("tclscripts").getCategories()) {
             assertFalse(category.getName().isEmpty());
             category.getSubCategories().forEach(below -> assertFalse(below.getDisplayName().isEmpty()));

@@ -10,7 +10,6 @@ import javax.swing.Action;
 import javax.swing.JButton;
 import javax.swing.JMenu;
 import javax.swing.JMenuBar;
-import javax.swing.JMenuItem;
 import javax.swing.KeyStroke;
 import ui.frmwork.plaz.browser.Snapshot.Item;
 import ui.frmwork.plaz.browser.Snapshot.Key;
@@ -83,10 +82,7 @@ final class BrowserActions {
     private void addMenu(String name, char mnemonic, Action... actions) {
         JMenu menu = new JMenu(name);
         menu.setMnemonic(mnemonic);
-        for (Action action : actions) {
-            JMenuItem item = menu.add(action);
-            item.setName("menu" + action.getValue(Action.ACTION_COMMAND_KEY));
-        }
+        for (Action action : actions) menu.add(action);
         menus.add(menu);
     }
 

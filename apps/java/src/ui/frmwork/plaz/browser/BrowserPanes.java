@@ -32,8 +32,8 @@ final class BrowserPanes extends JPanel {
     final MessagePane messages = new MessagePane();
     final DetailPane details;
     final StatusBar status;
-    private final JLabel summary = Look.plain(Look.named("summary", new JLabel()));
-    private final JTextArea hint = Look.readOnlyText("hint", "What to do");
+    private final JLabel summary = Look.plain(new JLabel());
+    private final JTextArea hint = Look.readOnlyText("What to do", "");
     private final JPanel itemCards = new JPanel(new CardLayout());
     private final JSplitPane left;
     private final JSplitPane right;
@@ -97,9 +97,6 @@ final class BrowserPanes extends JPanel {
 
     /** The search field gives way where there is little room. */
     private JPanel filters() {
-        JLabel label = new JLabel("Search:");
-        label.setDisplayedMnemonic('H');
-        label.setLabelFor(search);
         installed.setMnemonic('L');
         outdated.setMnemonic('D');
         Box boxes = Box.createHorizontalBox();
@@ -107,7 +104,7 @@ final class BrowserPanes extends JPanel {
         boxes.add(Box.createHorizontalStrut(gap));
         boxes.add(outdated);
         JPanel filters = new JPanel(new BorderLayout(gap, 0));
-        filters.add(label, BorderLayout.LINE_START);
+        filters.add(Look.label("Search:", 'H', search), BorderLayout.LINE_START);
         filters.add(search);
         filters.add(boxes, BorderLayout.LINE_END);
         filters.setBorder(BorderFactory.createEmptyBorder(0, gap, gap, gap));
@@ -128,11 +125,8 @@ final class BrowserPanes extends JPanel {
     }
 
     private JPanel pane(String heading, char mnemonic, JComponent labelled, JComponent content, JComponent beside) {
-        JLabel label = new JLabel(heading);
-        label.setDisplayedMnemonic(mnemonic);
-        label.setLabelFor(labelled);
         JPanel head = new JPanel(new BorderLayout(gap, 0));
-        head.add(label, BorderLayout.LINE_START);
+        head.add(Look.label(heading, mnemonic, labelled), BorderLayout.LINE_START);
         if (beside != null) head.add(beside, BorderLayout.LINE_END);
         head.setBorder(BorderFactory.createEmptyBorder(0, gap, gap, gap));
         JPanel pane = new JPanel(new BorderLayout());

@@ -46,7 +46,6 @@ final class BrowserWindow extends JFrame implements HubListener {
         Look.apply(textSize);
         actions = new BrowserActions(this);
         panes = new BrowserPanes(actions, this::jump, page -> told(WebLink.open(page)));
-        setName("browser");
         setContentPane(panes);
         setJMenuBar(actions.menus());
         SwingUtilities.updateComponentTreeUI(this); // what was made before the look was set
@@ -261,7 +260,6 @@ final class BrowserWindow extends JFrame implements HubListener {
 
     private List<String> chosenStores() {
         if (snapshot == null) return List.of();
-        String store = panes.stores.chosen().store();
-        return store.isEmpty() ? snapshot.stores().stream().map(Store::name).toList() : List.of(store);
+        return snapshot.stores(panes.stores.chosen()).stream().map(Store::name).toList();
     }
 }

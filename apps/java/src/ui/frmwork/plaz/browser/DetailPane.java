@@ -35,7 +35,7 @@ final class DetailPane extends JPanel implements Scrollable {
 
     private final transient Consumer<Key> jump;
     private final transient Consumer<URI> openPage;
-    private final JTextArea history = Look.readOnlyText("history", "Change log");
+    private final JTextArea history = Look.readOnlyText("Change log", "");
     private transient Optional<Item> shown = Optional.empty();
     private transient List<String> stores = List.of();
     private int row;
@@ -49,7 +49,6 @@ final class DetailPane extends JPanel implements Scrollable {
         this.jump = jump;
         this.openPage = openPage;
         setBackground(Color.WHITE);
-        setName("details");
         getAccessibleContext().setAccessibleName("Details of the chosen item");
         build(Snapshot.NOTHING);
     }
@@ -79,7 +78,7 @@ final class DetailPane extends JPanel implements Scrollable {
         int gap = 2 * Look.gap(this);
         setBorder(BorderFactory.createEmptyBorder(gap, gap, gap, gap));
         if (shown.isPresent()) build(snapshot, shown.get());
-        else addWide(text("nothing", "Details", "Choose an item."));
+        else addWide(Look.readOnlyText("Details", "Choose an item."));
         GridBagConstraints rest = new GridBagConstraints();
         rest.gridy = row;
         rest.weighty = 1;
@@ -90,31 +89,31 @@ final class DetailPane extends JPanel implements Scrollable {
 
     private void build(Snapshot snapshot, Item item) {
         addHead(snapshot, item);
-        if (!item.description().isBlank()) addWide(text("description", "Description", item.description()));
+        if (!item.description().isBlank()) addWide(Look.readOnlyText("Description", item.description()));
         if (stores.size() > 1) addWide(warning(item));
-        addField("Company", text("company", "Company", item.company()));
-        addField("Author", text("author", "Author", item.author()));
-        addField("Web page", page(item.website()));
-        addField("Revisions", text("revisions", "Revisions", revisions(item.revisions())));
-        addField("Installed in", text("directory", "Installed in", directories(item.revisions())));
+        addField("Company", item.company());
+        addField("Author", item.author());
+        WebLink.of(item.website()).ifPresentOrElse(page -> addField("Web page", link(item.website(), page)),
+                () -> addField("Web page", item.website()));
+        addField("Revisions", revisions(item.revisions()));
+        addField("Installed in", directories(item.revisions()));
         addField("Needs", dependencies(snapshot, item.dependencies()));
         addField("Change log", history);
     }
 
     private void addHead(Snapshot snapshot, Item item) {
         Logo tile = new Logo(item.title(), Optional.empty(), 3 * Look.lineHeight(this));
-        JLabel logo = Look.named("logo", new JLabel(tile));
+        JLabel logo = new JLabel(tile);
         logo.setHorizontalAlignment(SwingConstants.LEADING);
         GridBagConstraints place = place(0, 1);
         place.weightx = 0;
         add(logo, place);
-        JTextArea title = text("title", "Name", item.title());
+        JTextArea title = Look.readOnlyText("Name", item.title());
         title.setFont(title.getFont().deriveFont(Font.BOLD, title.getFont().getSize2D() * 1.2f));
         JPanel names = new JPanel(new BorderLayout(0, Look.gap(this)));
         names.setOpaque(false);
         names.add(title);
-        names.add(text("name", "Item", item.key().store() + "::" + item.key().name() + "@" + item.revision()),
-                BorderLayout.PAGE_END);
+        names.add(Look.readOnlyText("Item", id(item.key()) + "@" + item.revision()), BorderLayout.PAGE_END);
         GridBagConstraints beside = place(1, 1);
         beside.anchor = GridBagConstraints.LINE_START;
         add(names, beside);
@@ -141,16 +140,14 @@ final class DetailPane extends JPanel implements Scrollable {
     }
 
     private JTextArea warning(Item item) {
-        JTextArea area = text("sameName", "Note", "Install, Uninstall and Update go by the name \"" + item.key().name()
+        JTextArea area = Look.readOnlyText("Note", "Install, Uninstall and Update go by the name \"" + item.key().name()
                 + "\": they act in every store that has it (" + String.join(", ", stores) + ").");
         area.setForeground(Look.WARNING);
         return area;
     }
 
-    private JComponent page(String website) {
-        return WebLink.of(website)
-                .<JComponent>map(uri -> new LinkButton("website", website, () -> openPage.accept(uri)))
-                .orElseGet(() -> text("website", "Web page", website));
+    private LinkButton link(String address, URI page) {
+        return new LinkButton("Web page", address, () -> openPage.accept(page));
     }
 
     private static String revisions(List<Revision> revisions) {
@@ -163,35 +160,35 @@ final class DetailPane extends JPanel implements Scrollable {
     }
 
     private JComponent dependencies(Snapshot snapshot, List<Dependency> needed) {
-        JPanel panel = Look.named("dependencies", new JPanel(new GridBagLayout()));
+        JPanel panel = new JPanel(new GridBagLayout());
         panel.setOpaque(false);
         GridBagConstraints line = new GridBagConstraints();
         line.gridx = 0;
         line.weightx = 1;
         line.fill = GridBagConstraints.HORIZONTAL;
-        if (needed.isEmpty()) panel.add(text("none", "Needs", "nothing else"), line);
+        if (needed.isEmpty()) panel.add(Look.readOnlyText("Needs", "nothing else"), line);
         for (Dependency each : needed) panel.add(dependency(snapshot, each), line);
         return panel;
     }
 
     private JComponent dependency(Snapshot snapshot, Dependency needed) {
         Key key = needed.key();
-        String id = key.store() + "::" + key.name();
+        String id = id(key);
         String named = needed.revision().isEmpty() ? id : id + "@" + needed.revision();
         String shownText = needed.isOptional() ? named + "  (optional)" : named;
         return snapshot.item(key).<JComponent>map(item -> new LinkButton(id, shownText, () -> jump.accept(key)))
-                .orElseGet(() -> text(id, "Needs", shownText + "  (not in the catalog)"));
+                .orElseGet(() -> Look.readOnlyText(id, shownText + "  (not in the catalog)"));
     }
 
-    private static JTextArea text(String name, String accessibleName, String text) {
-        JTextArea area = Look.readOnlyText(name, accessibleName);
-        area.setText(text);
-        return area;
+    private static String id(Key key) {
+        return key.store() + "::" + key.name();
+    }
+
+    private void addField(String name, String text) {
+        if (!text.isEmpty()) addField(name, Look.readOnlyText(name, text));
     }
 
     private void addField(String name, JComponent value) {
-        boolean isEmpty = value instanceof JTextArea area && area.getText().isEmpty() && area != history;
-        if (isEmpty) return;
         JLabel label = new JLabel(name);
         label.setForeground(Look.QUIET);
         label.setLabelFor(value);

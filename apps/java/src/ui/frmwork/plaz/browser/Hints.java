@@ -19,7 +19,7 @@ final class Hints {
             return "The hub has no stores. The messages below say why; the command \"plaz doctor\" looks for the "
                     + "cause. Check GDA_DATA_DIR, then start the browser again.";
         if (seen > 0) return "";
-        List<Store> stores = stores(snapshot, scope);
+        List<Store> stores = snapshot.stores(scope);
         boolean isEmpty = stores.stream().allMatch(store -> store.items().isEmpty());
         if (!isEmpty) return "No item fits. Clear the search (Esc), the boxes beside it, or choose \"All stores\".";
         return stores.stream().allMatch(Store::refreshed)
@@ -30,15 +30,10 @@ final class Hints {
     /** Stands above the items. */
     static String above(Snapshot snapshot, Scope scope, int seen) {
         if (snapshot == null) return "";
-        List<Store> stores = stores(snapshot, scope);
+        List<Store> stores = snapshot.stores(scope);
         int all = stores.stream().mapToInt(store -> store.items().size()).sum();
         List<String> never = stores.stream().filter(store -> !store.refreshed()).map(Store::name).toList();
         String count = seen + " of " + all;
         return never.isEmpty() ? count : count + "; never refreshed: " + String.join(", ", never);
-    }
-
-    private static List<Store> stores(Snapshot snapshot, Scope scope) {
-        return snapshot.stores().stream().filter(store -> scope.store().isEmpty() || scope.store().equals(store.name()))
-                .toList();
     }
 }

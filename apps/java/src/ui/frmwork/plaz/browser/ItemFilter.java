@@ -30,7 +30,7 @@ record ItemFilter(Scope scope, List<String> words, boolean installed, boolean ou
     }
 
     private static String describingText(Item item) {
-        return fold(Stream.concat(Stream.of(item.key().name(), item.displayName(), item.description(), item.company()),
+        return fold(Stream.concat(Stream.of(item.key().name(), item.title(), item.description(), item.company()),
                 item.keywords().stream()).collect(Collectors.joining("\n")));
     }
 

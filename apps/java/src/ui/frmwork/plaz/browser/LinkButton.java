@@ -17,7 +17,6 @@ final class LinkButton extends JButton {
     private static final long serialVersionUID = 1;
 
     LinkButton(String name, String text, Runnable follow) {
-        super();
         Look.plain(this);
         setText(text);
         setName(name);

@@ -12,6 +12,7 @@ import java.util.Map;
 import java.util.Set;
 import javax.swing.BorderFactory;
 import javax.swing.JComponent;
+import javax.swing.JLabel;
 import javax.swing.JTextArea;
 import javax.swing.UIDefaults;
 import javax.swing.UIManager;
@@ -82,9 +83,17 @@ final class Look {
         return component;
     }
 
+    /** @param mnemonic the letter that leads to what is labelled */
+    static JLabel label(String text, char mnemonic, JComponent labelled) {
+        JLabel label = new JLabel(text);
+        label.setDisplayedMnemonic(mnemonic);
+        label.setLabelFor(labelled);
+        return label;
+    }
+
     /** A text that wraps, to be read, selected and copied. */
-    static JTextArea readOnlyText(String name, String accessibleName) {
-        JTextArea area = named(name, new JTextArea() {
+    static JTextArea readOnlyText(String name, String text) {
+        JTextArea area = named(name, new JTextArea(text) {
             private static final long serialVersionUID = 1;
 
             @Override
@@ -100,7 +109,7 @@ final class Look {
         area.setOpaque(false);
         area.setBackground(new Color(0, 0, 0, 0)); // Nimbus paints one that is not opaque all the same
         area.setBorder(BorderFactory.createEmptyBorder());
-        area.getAccessibleContext().setAccessibleName(accessibleName);
+        area.getAccessibleContext().setAccessibleName(name);
         tabLeaves(area);
         return area;
     }

@@ -27,8 +27,13 @@ record Scope(String store, List<String> path, Set<String> categories) {
         return new Scope(store, List.copyOf(names), category.names().collect(Collectors.toUnmodifiableSet()));
     }
 
+    /** Whether it is part of the store of that name, or more. */
+    boolean isOf(String name) {
+        return store.isEmpty() || store.equals(name);
+    }
+
     boolean holds(Item item) {
-        return (store.isEmpty() || store.equals(item.key().store()))
+        return isOf(item.key().store())
                 && (categories.isEmpty() || item.categories().stream().anyMatch(categories::contains));
     }
 

@@ -17,7 +17,6 @@ import javax.swing.JComboBox;
 import javax.swing.JComponent;
 import javax.swing.JDialog;
 import javax.swing.JFileChooser;
-import javax.swing.JLabel;
 import javax.swing.JPanel;
 import javax.swing.JTextField;
 import javax.swing.KeyStroke;
@@ -32,7 +31,7 @@ final class SettingsDialog extends JDialog {
     private final transient Consumer<Operation> submit;
     private final JTextField proxy = field("proxy");
     private final JTextField storesPath = field("storesPath");
-    private final JComboBox<String> store = Look.named("movedStore", new JComboBox<>());
+    private final JComboBox<String> store = new JComboBox<>();
     private final JTextField directory = field("storeDirectory");
     private final transient Map<String, String> typed = new HashMap<>();
     private final JPanel form = new JPanel(new GridBagLayout());
@@ -51,9 +50,9 @@ final class SettingsDialog extends JDialog {
         store.addItemListener(this::changeStore);
         directory.setText(typed.getOrDefault(store.getSelectedItem(), ""));
         addRow("Proxy:", 'P', proxy, null);
-        addRow("Keep all stores below:", 'A', storesPath, browse("browseStoresPath", 'B', storesPath));
+        addRow("Keep all stores below:", 'A', storesPath, browse('B', storesPath));
         addRow("Store:", 'S', store, null);
-        addRow("Keep it in:", 'I', directory, browse("browseStoreDirectory", 'R', directory));
+        addRow("Keep it in:", 'I', directory, browse('R', directory));
         int gap = 2 * Look.gap(form);
         form.setBorder(BorderFactory.createEmptyBorder(gap, gap, 0, gap));
         add(form);
@@ -69,14 +68,11 @@ final class SettingsDialog extends JDialog {
     }
 
     private void addRow(String text, char mnemonic, JComponent field, JButton button) {
-        JLabel label = new JLabel(text);
-        label.setDisplayedMnemonic(mnemonic);
-        label.setLabelFor(field);
         GridBagConstraints place = new GridBagConstraints();
         place.gridy = row++;
         place.insets = new Insets(Look.gap(form), 0, Look.gap(form), Look.gap(form));
         place.anchor = GridBagConstraints.LINE_START;
-        form.add(label, place);
+        form.add(Look.label(text, mnemonic, field), place);
         place.fill = GridBagConstraints.HORIZONTAL;
         place.weightx = 1;
         form.add(field, place);
@@ -84,8 +80,8 @@ final class SettingsDialog extends JDialog {
         if (button != null) form.add(button, place);
     }
 
-    private JButton browse(String name, char mnemonic, JTextField field) {
-        JButton button = Look.named(name, new JButton("Browse ..."));
+    private JButton browse(char mnemonic, JTextField field) {
+        JButton button = new JButton("Browse ...");
         button.setMnemonic(mnemonic);
         button.addActionListener(event -> {
             JFileChooser chooser = new JFileChooser(field.getText());
@@ -103,7 +99,7 @@ final class SettingsDialog extends JDialog {
             dispose();
         });
         getRootPane().setDefaultButton(apply);
-        JButton leave = Look.named("leave", new JButton("Cancel"));
+        JButton leave = new JButton("Cancel");
         leave.addActionListener(event -> dispose());
         int gap = 2 * Look.gap(form);
         JPanel buttons = new JPanel(new FlowLayout(FlowLayout.TRAILING, gap, gap));

@@ -12,11 +12,11 @@ import java.util.stream.Stream;
  */
 record Snapshot(List<Store> stores, String proxy, String storesPath) {
     /** A store, its items each by one entry. */
-    record Store(String name, String displayName, String directory, boolean refreshed, List<Category> categories,
+    record Store(String name, String title, String directory, boolean refreshed, List<Category> categories,
                  List<Item> items) {}
 
     /** A node of a store's tree of categories. */
-    record Category(String name, String displayName, List<Category> below) {
+    record Category(String name, String title, List<Category> below) {
         /** The names of the category and all below it. */
         Stream<String> names() {
             return Stream.concat(Stream.of(name), below.stream().flatMap(Category::names));
@@ -44,14 +44,9 @@ record Snapshot(List<Store> stores, String proxy, String storesPath) {
      * @param isLatestInstalled whether there is nothing to install
      * @param revisions all of them, the latest first
      */
-    record Item(Key key, String displayName, String description, String revision, State state,
-                boolean isLatestInstalled, String company, String author, String website, String logo,
-                List<String> categories, List<String> keywords, List<Revision> revisions,
-                List<Dependency> dependencies) {
-        String title() {
-            return displayName.isBlank() ? key.name() : displayName;
-        }
-
+    record Item(Key key, String title, String description, String revision, State state, boolean isLatestInstalled,
+                String company, String author, String website, String logo, List<String> categories,
+                List<String> keywords, List<Revision> revisions, List<Dependency> dependencies) {
         boolean isInstalled() {
             return state != State.NONE;
         }
@@ -65,6 +60,10 @@ record Snapshot(List<Store> stores, String proxy, String storesPath) {
 
     /** Before anything is known. */
     static final Snapshot NOTHING = new Snapshot(List.of(), "", "");
+
+    List<Store> stores(Scope scope) {
+        return stores.stream().filter(store -> scope.isOf(store.name())).toList();
+    }
 
     Stream<Item> items() {
         return stores.stream().flatMap(store -> store.items().stream());

@@ -42,22 +42,22 @@ final class SnapshotReader {
         Map<String, List<PlazItem>> entries = new LinkedHashMap<>();
         for (PlazItem entry : store.getItems())
             entries.computeIfAbsent(entry.getName(), name -> new ArrayList<>()).add(entry);
-        return new Store(store.getName(), store.getDisplayName(), store.getLocalRootDir(),
+        return new Store(store.getName(), either(store.getDisplayName(), store.getName()), store.getLocalRootDir(),
                 PlazSwigIntf.isRefreshed(store), map(store.getCategories(), SnapshotReader::category),
                 entries.values().stream().map(SnapshotReader::item).toList());
     }
 
     private static Category category(PlazCategory category) {
-        return new Category(category.getName(), category.getDisplayName(),
+        return new Category(category.getName(), either(category.getDisplayName(), category.getName()),
                 map(category.getSubCategories(), SnapshotReader::category));
     }
 
     private static Item item(List<PlazItem> unordered) {
         List<PlazItem> entries = latestFirst(unordered);
         PlazItem latest = entries.get(0);
-        State state = state(entries);
-        return new Item(new Key(latest.getStoreName(), latest.getName()), latest.getDisplayName(),
-                latest.getDescription(), latest.getRevision(), state, latest.IsInstalled(), company(latest),
+        return new Item(new Key(latest.getStoreName(), latest.getName()),
+                either(latest.getDisplayName(), latest.getName()), latest.getDescription(), latest.getRevision(),
+                state(entries), latest.IsInstalled(), either(latest.getCompanyDisplayName(), latest.getCompany()),
                 latest.getAuthor(), latest.getWebsite(), latest.getLogo(),
                 map(latest.getCategories(), Function.identity()),
                 map(latest.getItemSearchKeywords(), Function.identity()),
@@ -74,8 +74,8 @@ final class SnapshotReader {
         return installed.stream().anyMatch(PlazItem::NeedsRefresh) ? State.OUTDATED : State.INSTALLED;
     }
 
-    private static String company(PlazItem item) {
-        return item.getCompanyDisplayName().isBlank() ? item.getCompany() : item.getCompanyDisplayName();
+    private static String either(String forPeople, String plain) {
+        return forPeople.isBlank() ? plain : forPeople;
     }
 
     private static Revision revision(PlazItem entry) {

@@ -10,7 +10,7 @@ import javax.swing.JProgressBar;
 final class StatusBar extends JPanel {
     private static final long serialVersionUID = 1;
 
-    private final JProgressBar bar = Look.plain(Look.named("progress", new JProgressBar(0, 100)));
+    private final JProgressBar bar = Look.plain(new JProgressBar(0, 100));
 
     StatusBar(Action cancel) {
         super(new BorderLayout(Look.gap(new JPanel()), 0));

@@ -78,8 +78,7 @@ final class StoreTree extends JTree {
 
     private static DefaultMutableTreeNode storeNode(Store store) {
         Scope scope = Scope.of(store.name());
-        String title = store.displayName().isBlank() ? store.name() : store.displayName();
-        DefaultMutableTreeNode node = node(scope, title + " (" + store.items().size() + ")");
+        DefaultMutableTreeNode node = node(scope, store.title() + " (" + store.items().size() + ")");
         addCategories(node, scope, store.categories());
         return node;
     }
@@ -87,8 +86,7 @@ final class StoreTree extends JTree {
     private static void addCategories(DefaultMutableTreeNode node, Scope scope, List<Category> categories) {
         for (Category category : categories) {
             Scope below = scope.below(category);
-            String title = category.displayName().isBlank() ? category.name() : category.displayName();
-            DefaultMutableTreeNode child = node(below, title);
+            DefaultMutableTreeNode child = node(below, category.title());
             addCategories(child, below, category.below());
             node.add(child);
         }

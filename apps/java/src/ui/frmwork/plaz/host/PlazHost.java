@@ -3,8 +3,8 @@ package ui.frmwork.plaz.host;
 import java.util.Objects;
 
 /**
- * The design tool's part, for programs in Java that are no design tool: starts the hub in this process and tells what it
- * says and does.
+ * The design tool's part, for programs in Java that are no design tool: starts the hub in this process and tells what
+ * it says and does.
  *
  * <p>The thread that starts the hub is the hub's: only it may use {@link ui.frmwork.plaz.PlazSwigIntf} and what that
  * gives. The exception is {@link #cancel}.
