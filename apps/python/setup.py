@@ -18,8 +18,8 @@ class BuildWithCMake(build_ext):
     def run(self):
         tree = pathlib.Path(SCRATCH.name) / "cmake"
         target = pathlib.Path(self.build_lib).resolve()
-        self.call("-S", ROOT, "-B", tree, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=Release", "-DPLAZ_TESTS=OFF",
-                  f"-DPython3_EXECUTABLE={sys.executable}")
+        options = ["-DCMAKE_BUILD_TYPE=Release", "-DPLAZ_TESTS=OFF", f"-DPython3_EXECUTABLE={sys.executable}"]
+        self.call("-S", ROOT, "-B", tree, "-G", "Ninja", *options)
         self.call("--build", tree, "--target", "_plaz")
         self.call("--install", tree, "--component", "wheel", "--prefix", target)
         # A wheel holds no links. Each library is there once, by the name under which it is loaded.

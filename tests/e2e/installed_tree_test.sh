@@ -36,7 +36,8 @@ flags=$(PKG_CONFIG_PATH="$prefix/lib/pkgconfig" pkg-config --cflags --libs plaz)
 [ "$(wc -l <headers.txt)" -gt 20 ] || fail "few headers are installed"
 number=0
 while read -r header; do
-  echo "#include \"${header#./}\"" >"header_$((number += 1)).cpp"
+  number=$((number + 1))
+  echo "#include \"${header#./}\"" >"header_$number.cpp"
 done <headers.txt
 eval "'$compiler' -std=c++17 -fsyntax-only $flags header_*.cpp" || fail "an installed header does not stand alone"
 

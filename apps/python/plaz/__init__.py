@@ -28,6 +28,29 @@ params = Parameters()
 preferences = Preferences()
 
 __all__ = [
-    "ActionResult", "AmbiguousError", "BusyError", "Cancelled", "Error", "Item", "Message", "NotFoundError",
-    "Parameters", "Preferences", "StaleObjectError", "Store", "StoreResult", "cancel", "install", "item", "items",
-    "params", "preferences", "refresh", "set_product", "store", "stores", "uninstall", "update"]
+    "ActionResult",
+    "AmbiguousError",
+    "BusyError",
+    "Cancelled",
+    "Error",
+    "Item",
+    "Message",
+    "NotFoundError",
+    "Parameters",
+    "Preferences",
+    "StaleObjectError",
+    "Store",
+    "StoreResult",
+    "cancel",
+    "install",
+    "item",
+    "items",
+    "params",
+    "preferences",
+    "refresh",
+    "set_product",
+    "store",
+    "stores",
+    "uninstall",
+    "update",
+]

@@ -212,6 +212,29 @@ def cancel() -> bool: ...
 def set_product(name: str, version: str) -> None: ...
 
 __all__ = [
-    "ActionResult", "AmbiguousError", "BusyError", "Cancelled", "Error", "Item", "Message", "NotFoundError",
-    "Parameters", "Preferences", "StaleObjectError", "Store", "StoreResult", "cancel", "install", "item", "items",
-    "params", "preferences", "refresh", "set_product", "store", "stores", "uninstall", "update"]
+    "ActionResult",
+    "AmbiguousError",
+    "BusyError",
+    "Cancelled",
+    "Error",
+    "Item",
+    "Message",
+    "NotFoundError",
+    "Parameters",
+    "Preferences",
+    "StaleObjectError",
+    "Store",
+    "StoreResult",
+    "cancel",
+    "install",
+    "item",
+    "items",
+    "params",
+    "preferences",
+    "refresh",
+    "set_product",
+    "store",
+    "stores",
+    "uninstall",
+    "update",
+]

@@ -15,8 +15,8 @@ class Message(NamedTuple):
 class ActionResult(NamedTuple):
     """What became of an item.
 
-    outcome: "installed", "removed", "kept" (its files stay: others need it, or it is shipped), "updated", "up-to-date" or
-    "failed".
+    outcome: "installed", "removed", "kept" (its files stay: others need it, or it is shipped), "updated", "up-to-date"
+    or "failed".
     previous_revision: of an update, the one that was installed before.
     directory: where it is installed; empty when it is not.
     """

@@ -9,8 +9,8 @@ class Parameters(Mapping):
     """The hub's parameters, for the life of the process.
 
     Values are str, int or bool; credentials read "***", and are not taken in that form. Deleting one brings its default
-    back. Hidden ones are not listed, but can be read, set and deleted. An unknown name raises NotFoundError, a value that
-    does not fit ValueError.
+    back. Hidden ones are not listed, but can be read, set and deleted. An unknown name raises NotFoundError, a value
+    that does not fit ValueError.
     """
 
     def __getitem__(self, name):
