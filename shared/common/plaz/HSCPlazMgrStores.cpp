@@ -19,8 +19,8 @@
 #include "support/HIOStream.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTFile.h"
+#include "support/HUTText.h"
 
-#include <boost/algorithm/string/predicate.hpp>
 #include <boost/filesystem/path.hpp>
 
 #include <unordered_map>
@@ -194,7 +194,7 @@ std::string HSCPlazMgr::defaultStoreDir(const HSCPlazQStoreModel& store) const {
     if (!HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableBoardStoreDefaultLocation")) return "";
     const std::string kept = getDefaultPlace(store);
     if (!kept.empty()) return kept;
-    const bool holdsBoards = boost::algorithm::iequals(store.getStoreType(), "board");
+    const bool holdsBoards = HUTText::equalIgnoringCase(store.getStoreType(), "board");
     return joined(m_pathMgr->getUserAreaRoot(), holdsBoards ? boardStoreDir : otherStoreDir);
 }
 

@@ -13,8 +13,7 @@
 #include "support/HPAParamMgr.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
-
-#include <boost/algorithm/string/predicate.hpp>
+#include "support/HUTText.h"
 
 namespace {
 
@@ -60,7 +59,7 @@ void HSCPlazUtils::getProductInfo(std::string& name, std::string& version) {
 }
 
 bool HSCPlazUtils::isProduct(const char* name) {
-    return boost::algorithm::iequals(HUTEnv::getProductName(), name);
+    return HUTText::equalIgnoringCase(HUTEnv::getProductName(), name);
 }
 
 std::string HSCPlazUtils::getStoreLocalRootDir(const std::string& storeName) {

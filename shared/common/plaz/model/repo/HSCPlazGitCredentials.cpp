@@ -6,9 +6,8 @@
 #include "plaz/model/HSCPlazQStoreModel.h"
 #include "plaz/model/repo/HSCPlazGit.h"
 #include "support/HPAParamMgr.h"
+#include "support/HUTText.h"
 
-#include <boost/algorithm/string/case_conv.hpp>
-#include <boost/algorithm/string/predicate.hpp>
 #include <boost/algorithm/string/trim.hpp>
 
 #include <algorithm>
@@ -165,16 +164,16 @@ std::string HSCPlazGitUrl::withoutUserPart(const std::string& url) {
 }
 
 bool HSCPlazGitUrl::isHttp(const std::string& url) {
-    return boost::algorithm::istarts_with(url, "http://") || isHttps(url);
+    return HUTText::startsIgnoringCase(url, "http://") || isHttps(url);
 }
 
 bool HSCPlazGitUrl::isHttps(const std::string& url) {
-    return boost::algorithm::istarts_with(url, "https://");
+    return HUTText::startsIgnoringCase(url, "https://");
 }
 
 std::string HSCPlazGitUrl::getServer(const std::string& url) {
     const Url parts = split(url);
-    return boost::algorithm::to_lower_copy(parts.scheme + parts.rest.substr(0, parts.rest.find('/')));
+    return HUTText::lowered(parts.scheme + parts.rest.substr(0, parts.rest.find('/')));
 }
 
 std::string HSCPlazGitUrl::normalizeProxy(const std::string& proxy) {

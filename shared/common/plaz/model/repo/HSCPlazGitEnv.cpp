@@ -6,10 +6,10 @@
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
 #include "support/HUTFork.h"
+#include "support/HUTText.h"
 
 #include <boost/filesystem/path.hpp>
 
-#include <algorithm>
 #include <string_view>
 
 namespace {
@@ -56,13 +56,6 @@ bool hasPrefix(std::string_view text, std::string_view prefix) {
     return text.substr(0, prefix.size()) == prefix;
 }
 
-// Some systems take names of variables without regard to case.
-std::string toUpper(std::string name) {
-    std::transform(name.begin(), name.end(), name.begin(),
-                   [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
-    return name;
-}
-
 bool isAskPassEnabled() {
     return HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableAskPassForPrivateRepo");
 }
@@ -76,7 +69,8 @@ bool isKept(const std::string& name) {
 void dropInherited(HUTFork& git) {
     for (const std::string& variable : HUTEnv::getAll()) {
         const std::string name = variable.substr(0, variable.find('=', 1));
-        if (!isKept(toUpper(name))) git.unsetEnv(name);
+        // Some systems take names of variables without regard to case.
+        if (!isKept(HUTText::raised(name))) git.unsetEnv(name);
     }
     git.unsetEnv("LANGUAGE"); // it would outrank LC_ALL
 }
