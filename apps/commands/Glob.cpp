@@ -1,6 +1,6 @@
 #include "Glob.h"
 
-#include "Utf8.h"
+#include "support/HUTText.h"
 
 namespace {
 
@@ -35,8 +35,8 @@ bool fitsOne(const std::u32string& pattern, std::size_t at, char32_t c, std::siz
 } // namespace
 
 bool fitsGlob(const std::string& patternText, const std::string& givenText) {
-    const std::u32string pattern = utf8::decode(patternText);
-    const std::u32string text = utf8::decode(givenText);
+    const std::u32string pattern = HUTText::decode(patternText);
+    const std::u32string text = HUTText::decode(givenText);
     constexpr std::size_t none = std::u32string::npos;
     std::size_t p = 0;
     std::size_t t = 0;

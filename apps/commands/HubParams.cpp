@@ -1,11 +1,11 @@
 #include "HubParams.h"
 
 #include "Glob.h"
-#include "Utf8.h"
 
 #include "plaz/base/HSCPlazTrust.h"
 #include "support/HCCXPrefMgr.h"
 #include "support/HPAParamMgr.h"
+#include "support/HUTText.h"
 
 #include <algorithm>
 #include <cctype>
@@ -13,12 +13,12 @@
 namespace {
 
 bool isCredential(const HPAParam& param) {
-    const std::string name = utf8::lowered(param.getName());
+    const std::string name = HUTText::lowered(param.getName());
     return name.rfind("plaz.git_user.", 0) == 0 || name.rfind("plaz.git_token.", 0) == 0;
 }
 
 bool isProxy(const HPAParam& param) {
-    const std::string name = utf8::lowered(param.getName());
+    const std::string name = HUTText::lowered(param.getName());
     return name == "plaz.http_proxy" || name == "plaz.https_proxy";
 }
 

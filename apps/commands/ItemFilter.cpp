@@ -2,13 +2,13 @@
 
 #include "Glob.h"
 #include "HubQueries.h"
-#include "Utf8.h"
 
 #include "plaz/model/HSCPlazCategory.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/HSCPlazUpdateDecision.h"
+#include "support/HUTText.h"
 
 #include <algorithm>
 
@@ -35,7 +35,7 @@ std::string describingText(const HSCPlazQItem& item) {
     std::string text = item.getName() + '\n' + item.getDisplayName() + '\n' + item.getDescription() + '\n' +
                        item.getCompany() + '\n' + item.getCompanyDisplayName();
     for (const std::string& keyword : item.getItemSearchKeywords()) text += '\n' + keyword;
-    return utf8::lowered(text);
+    return HUTText::lowered(text);
 }
 
 } // namespace
@@ -51,7 +51,7 @@ ItemFilter::ItemFilter(const ItemQuery& query, const HSCPlazQStore& store)
         collectBelow(store.getCategories(), query.category, m_categories);
         m_categories.insert(query.category);
     }
-    for (const std::string& word : query.words) m_words.push_back(utf8::lowered(word));
+    for (const std::string& word : query.words) m_words.push_back(HUTText::lowered(word));
 }
 
 bool ItemFilter::fits(const HSCPlazQItem& item) const {

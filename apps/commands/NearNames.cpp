@@ -1,6 +1,6 @@
 #include "NearNames.h"
 
-#include "Utf8.h"
+#include "support/HUTText.h"
 
 #include <algorithm>
 #include <numeric>
@@ -42,7 +42,7 @@ std::size_t distance(const std::string& wanted, const std::string& name) {
 std::string joinNearNames(const std::string& wanted, const std::vector<std::string>& names) {
     std::set<std::pair<std::size_t, std::string>> near;
     for (const std::string& name : names) {
-        const std::size_t edits = distance(utf8::lowered(wanted), utf8::lowered(name));
+        const std::size_t edits = distance(HUTText::lowered(wanted), HUTText::lowered(name));
         if (edits <= mostEdits + 1) near.emplace(edits, name);
     }
     std::string text;

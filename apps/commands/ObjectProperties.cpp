@@ -10,9 +10,9 @@
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/HSCPlazUpdateDecision.h"
+#include "support/HUTText.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace {
 
@@ -34,12 +34,6 @@ PropertyValue dependenciesOf(const Item& item) {
 PropertyValue lastRefreshOf(const Store& store) {
     auto& asked = const_cast<Store&>(store); // the task manager asks nothing of the store but its place
     return HSCPlazTaskMgr::isRefreshed(&asked) ? std::int64_t{HSCPlazTaskMgr::getLastRefreshTime(&asked)} : 0;
-}
-
-/// Whether a name, in any case, is that of a property.
-bool isNameOf(const std::string& name, const char* property) {
-    const auto isSame = [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a - 'A' + 'a' : a) == b; };
-    return std::equal(name.begin(), name.end(), property, property + std::strlen(property), isSame);
 }
 
 } // namespace
@@ -128,8 +122,9 @@ template <> const std::vector<Property<Item>>& propertiesOf() {
 
 template <typename Native> const Property<Native>* findProperty(const std::string& name) {
     const std::vector<Property<Native>>& properties = propertiesOf<Native>();
-    const auto found = std::find_if(properties.begin(), properties.end(),
-                                    [&](const auto& property) { return isNameOf(name, property.name); });
+    const auto found = std::find_if(properties.begin(), properties.end(), [&](const auto& property) {
+        return HUTText::equalIgnoringCase(name, property.name);
+    });
     return found == properties.end() ? nullptr : &*found;
 }
 

@@ -3,9 +3,9 @@
 #include "Glob.h"
 #include "ObjectProperties.h"
 #include "ShellMsg.h"
-#include "Utf8.h"
 
 #include "plaz/model/HSCPlazQItem.h"
+#include "support/HUTText.h"
 
 #include <algorithm>
 #include <charconv>
@@ -81,7 +81,7 @@ std::optional<std::int64_t> readNumber(const std::string& text) {
 }
 
 std::optional<bool> readTruth(const std::string& text) {
-    const std::string word = utf8::lowered(text);
+    const std::string word = HUTText::lowered(text);
     if (word == "1" || word == "true") return true;
     if (word == "0" || word == "false") return false;
     return std::nullopt;
@@ -103,7 +103,7 @@ private:
     static constexpr int maxDepth = 100;
 
     [[noreturn]] void fail(std::size_t at, const std::string& why) const {
-        const std::size_t characters = utf8::decode(m_text.substr(0, at)).size();
+        const std::size_t characters = HUTText::decode(m_text.substr(0, at)).size();
         throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", ShellMsg::filterWrong,
                                        std::to_string(characters + 1), why));
     }

@@ -1,6 +1,6 @@
 #include "TextTable.h"
 
-#include "Utf8.h"
+#include "support/HUTText.h"
 
 #include <algorithm>
 #include <ostream>
@@ -14,7 +14,7 @@ using Row = std::vector<std::string>;
 
 void widen(std::vector<std::size_t>& widths, const Row& row) {
     if (widths.size() < row.size()) widths.resize(row.size());
-    for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], utf8::width(row[i]));
+    for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], HUTText::width(row[i]));
 }
 
 void printRow(std::ostream& out, const Row& row, const std::vector<std::size_t>& widths) {
@@ -23,7 +23,7 @@ void printRow(std::ostream& out, const Row& row, const std::vector<std::size_t>&
     for (std::size_t i = 0; i < row.size(); ++i) {
         // Blanks wait for the next text, so that no line ends in them.
         if (!row[i].empty()) line.append(blanks, ' ').append(row[i]);
-        blanks = (row[i].empty() ? blanks : 0) + widths[i] - utf8::width(row[i]) + gap;
+        blanks = (row[i].empty() ? blanks : 0) + widths[i] - HUTText::width(row[i]) + gap;
     }
     out << line << '\n';
 }
@@ -34,7 +34,7 @@ TextTable::TextTable(std::vector<std::string> header) : m_header(std::move(heade
 
 void TextTable::addRow(const Row& cells) {
     Row row;
-    for (const std::string& cell : cells) row.push_back(utf8::printable(cell));
+    for (const std::string& cell : cells) row.push_back(HUTText::printable(cell));
     m_rows.push_back(std::move(row));
 }
 

@@ -3,7 +3,6 @@
 #include "HubParams.h"
 #include "ItemReference.h"
 #include "StoreSummary.h"
-#include "Utf8.h"
 
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/HSCPlazQItem.h"
@@ -11,6 +10,7 @@
 #include "plaz/model/HSCPlazQStore.h"
 #include "support/HCRapidJsonReadWriteUtils.h"
 #include "support/HPAParamMgr.h"
+#include "support/HUTText.h"
 
 #include <ostream>
 
@@ -26,7 +26,7 @@ public:
     explicit Object(Document& document) : m_document(document), m_value(rapidjson::kObjectType) {}
 
     Object& text(const char* key, const std::string& value) {
-        Json::AddStringProperty(m_document, m_value, key, utf8::repaired(value));
+        Json::AddStringProperty(m_document, m_value, key, HUTText::repaired(value));
         return *this;
     }
     Object& flag(const char* key, bool value) {
@@ -44,7 +44,7 @@ public:
     Object& texts(const char* key, const std::vector<std::string>& values) {
         Value array(rapidjson::kArrayType);
         for (const std::string& one : values) {
-            const std::string repaired = utf8::repaired(one);
+            const std::string repaired = HUTText::repaired(one);
             array.PushBack(
                 Value(repaired.c_str(), static_cast<rapidjson::SizeType>(repaired.size()), m_document.GetAllocator()),
                 m_document.GetAllocator());
@@ -267,7 +267,7 @@ void JsonOutput::showText(const std::string& kind, const std::string& text) {
 
 bool JsonOutput::finish(const std::string& error, const std::vector<ComMsgMgr::Message>& messages) {
     m_document["ok"].SetBool(error.empty());
-    if (!error.empty()) Json::AddStringProperty(m_document, m_document, "error", utf8::repaired(error));
+    if (!error.empty()) Json::AddStringProperty(m_document, m_document, "error", HUTText::repaired(error));
     add(m_document, "messages", arrayOf(m_document, messages, fillMessage));
     m_out << Json::toText(m_document);
     m_out.flush();

@@ -1,7 +1,7 @@
 #include "LineInput.h"
-#include "Utf8.h"
 
 #include "support/HUTFile.h"
+#include "support/HUTText.h"
 
 #include <algorithm>
 #include <clocale>
@@ -24,9 +24,7 @@ std::string commonBeginning(const std::vector<std::string>& words) {
         common.erase(end, common.end());
     }
     // Two characters may begin with the same bytes.
-    const std::string& first = words.front();
-    while (!common.empty() && common.size() < first.size() && (first[common.size()] & 0xC0) == 0x80) common.pop_back();
-    return common;
+    return HUTText::cutToSize(words.front(), common.size());
 }
 
 /// The editor goes by the locale to know where characters end; in one that knows ASCII only it would lose all others.
@@ -141,13 +139,13 @@ private:
         std::string common = commonBeginning(found.words);
         if (found.words.size() > 1 && common.size() <= typed.size()) {
             std::cout << '\n';
-            for (const std::string& word : found.words) std::cout << utf8::printable(word) << '\n';
+            for (const std::string& word : found.words) std::cout << HUTText::printable(word) << '\n';
             std::cout << std::flush;
             return CC_REDISPLAY;
         }
         const bool goesOn = common.back() == ':' || common.back() == '/';
         if (found.words.size() == 1 && !goesOn) common += ' ';
-        el_deletestr(m_editor.get(), static_cast<int>(utf8::decode(typed).size()));
+        el_deletestr(m_editor.get(), static_cast<int>(HUTText::decode(typed).size()));
         if (el_insertstr(m_editor.get(), common.c_str()) != 0) el_insertstr(m_editor.get(), typed.c_str());
         return CC_REFRESH;
     }

@@ -1,8 +1,7 @@
 #include "ProgressLine.h"
 
-#include "Utf8.h"
-
 #include "support/HDGUIStatus.h"
+#include "support/HUTText.h"
 
 #include <cmath>
 #include <iostream>
@@ -26,7 +25,7 @@ void ProgressLine::beginPart(std::size_t number, std::size_t count) {
 void ProgressLine::show(const HDGUIStatus& status) {
     if (m_columns == 0) return;
     // The last column stays free: a full line would make the terminal begin another one.
-    const std::string text = utf8::cutToWidth(utf8::printable(m_part + textOf(status)), m_columns - 1);
+    const std::string text = HUTText::cutToWidth(HUTText::printable(m_part + textOf(status)), m_columns - 1);
     if (text == m_shown) return;
     erase();
     m_shown = text;
@@ -35,6 +34,6 @@ void ProgressLine::show(const HDGUIStatus& status) {
 
 void ProgressLine::erase() {
     if (m_shown.empty()) return;
-    std::cerr << '\r' << std::string(utf8::width(m_shown), ' ') << '\r' << std::flush;
+    std::cerr << '\r' << std::string(HUTText::width(m_shown), ' ') << '\r' << std::flush;
     m_shown.clear();
 }

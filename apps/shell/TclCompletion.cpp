@@ -2,7 +2,6 @@
 
 #include "HubParams.h"
 #include "TclCommands.h"
-#include "Utf8.h"
 
 #include "plaz/HSCPlazMgr.h"
 #include "plaz/model/HSCPlaz.h"
@@ -10,6 +9,7 @@
 #include "plaz/model/HSCPlazQStore.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTFile.h"
+#include "support/HUTText.h"
 
 #include <algorithm>
 #include <iterator>
@@ -134,7 +134,7 @@ void addItems(Words& names) {
 /// In capitals, as they are listed, or as @p typed begins.
 void addProperties(Words& names, const std::string& typed) {
     const bool isLow = !typed.empty() && typed.front() >= 'a' && typed.front() <= 'z';
-    for (const std::string& name : listPropertyNames()) names.insert(isLow ? utf8::lowered(name) : name);
+    for (const std::string& name : listPropertyNames()) names.insert(isLow ? HUTText::lowered(name) : name);
 }
 
 Words findSubjects(PlazCommand::Subject subject, const std::string& typed) {

@@ -8,7 +8,6 @@
 #include "ShellMsg.h"
 #include "TclCommands.h"
 #include "TclCompletion.h"
-#include "Utf8.h"
 
 #include "scripting/task_manager.h"
 #include "scripting/tcl_text.h"
@@ -16,6 +15,7 @@
 #include "support/HUTEnv.h"
 #include "support/HUTFork.h"
 #include "support/HUTSysCall.h"
+#include "support/HUTText.h"
 
 #include <algorithm>
 #include <cctype>
@@ -110,7 +110,7 @@ bool isHarmlessParam(const std::string& name) {
 }
 
 bool isHarmlessProperty(const std::string& name) {
-    return utf8::lowered(name) == "qstores_path";
+    return HUTText::lowered(name) == "qstores_path";
 }
 
 /// Whether @p setter stands in the command, on its own or in another command, with a name behind it that is not,
@@ -132,7 +132,7 @@ bool setsMoreThanHarmless(const std::string& command, const std::string& setter,
 
 /// Whether a command may hold a user id, token or password, which no file keeps.
 bool mayHoldSecret(const std::string& command) {
-    const std::string lowered = utf8::lowered(command);
+    const std::string lowered = HUTText::lowered(command);
     const auto mentions = [&](const char* name) { return lowered.find(name) != std::string::npos; };
     return mentions("plaz.git_user") || mentions("plaz.git_token") || mentions("http_proxy") ||
            mentions("https_proxy") || withoutSecrets(command) != command ||
@@ -247,14 +247,14 @@ void TclShell::showError(std::size_t messagesBefore, bool withTrace) {
     if (isKnown) shown.erase(0, error.size());
     shown = shownTrace(shown);
     shown.erase(0, shown.find_first_not_of('\n'));
-    if (!shown.empty()) std::cerr << utf8::printable(shown, true) << std::endl;
+    if (!shown.empty()) std::cerr << HUTText::printable(shown, true) << std::endl;
 }
 
 void TclShell::showResult() {
     m_progress.erase();
     flushOutput();
     const std::string result = resultOf(m_interp);
-    if (!result.empty()) std::cout << utf8::printable(result, true) << std::endl;
+    if (!result.empty()) std::cout << HUTText::printable(result, true) << std::endl;
 }
 
 void TclShell::recover() {

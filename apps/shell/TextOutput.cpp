@@ -4,13 +4,13 @@
 #include "ItemReference.h"
 #include "StoreSummary.h"
 #include "TextTable.h"
-#include "Utf8.h"
 
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "support/HPAParamMgr.h"
+#include "support/HUTText.h"
 
 #include <map>
 #include <ostream>
@@ -67,7 +67,7 @@ void TextOutput::showItem(const ItemInfo& info) {
     showDescription(info);
     showRelations(info);
     showRevisions(*info.listed.item);
-    m_out << "\nHistory\n" << utf8::printable(info.history, true);
+    m_out << "\nHistory\n" << HUTText::printable(info.history, true);
     if (!info.history.empty() && info.history.back() != '\n') m_out << '\n';
 }
 
@@ -149,7 +149,7 @@ void TextOutput::showPaths(const std::vector<HSCPlazPathsInForce::Path>& hub,
                            const std::vector<HSCPlazPathsInForce::StorePaths>& stores) {
     showPathList(hub);
     for (const HSCPlazPathsInForce::StorePaths& store : stores) {
-        m_out << "\nStore " << utf8::printable(store.store) << '\n';
+        m_out << "\nStore " << HUTText::printable(store.store) << '\n';
         showPathList(store.paths);
     }
 }
@@ -184,10 +184,10 @@ void TextOutput::showFindings(const std::vector<Finding>& findings) {
 
 void TextOutput::showChecks(const std::vector<HSCPlazFileCheck>& checks) {
     for (const HSCPlazFileCheck& check : checks) {
-        m_out << utf8::printable(check.file) << ": " << (check.isValid() ? "valid" : "not valid");
+        m_out << HUTText::printable(check.file) << ": " << (check.isValid() ? "valid" : "not valid");
         if (!check.kind.empty()) m_out << " (" << check.kind << ")";
         m_out << '\n';
-        for (const std::string& finding : check.findings) m_out << "  " << utf8::printable(finding) << '\n';
+        for (const std::string& finding : check.findings) m_out << "  " << HUTText::printable(finding) << '\n';
     }
 }
 

@@ -5,12 +5,12 @@
 #include "TclCall.h"
 #include "TclObjects.h"
 #include "TextTable.h"
-#include "Utf8.h"
 
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "support/HCCXPrefMgr.h"
+#include "support/HUTText.h"
 
 #include <algorithm>
 #include <sstream>
@@ -47,15 +47,9 @@ std::vector<Object> readObjects(const std::vector<Tcl_Obj*>& words) {
     return objects;
 }
 
-std::string raised(std::string text) {
-    for (char& c : text)
-        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-    return text;
-}
-
 template <typename Native> Texts namesOf() {
     Texts names;
-    for (const auto& property : propertiesOf<Native>()) names.push_back(raised(property.name));
+    for (const auto& property : propertiesOf<Native>()) names.push_back(HUTText::raised(property.name));
     return names;
 }
 
@@ -63,7 +57,7 @@ Texts namesOf(const Object& object) {
     if (object.store) return namesOf<HSCPlazQStore>();
     if (object.item) return namesOf<HSCPlazQItem>();
     Texts names;
-    for (const std::string& name : preferenceNames) names.push_back(raised(name));
+    for (const std::string& name : preferenceNames) names.push_back(HUTText::raised(name));
     return names;
 }
 
@@ -75,7 +69,7 @@ Texts namesOf(const Object& object) {
 
 const std::string& findPreference(const std::string& name) {
     const auto found = std::find_if(preferenceNames.begin(), preferenceNames.end(),
-                                    [&](const std::string& known) { return raised(known) == raised(name); });
+                                    [&](const std::string& known) { return HUTText::equalIgnoringCase(known, name); });
     if (found == preferenceNames.end()) failUnknown({}, name);
     return *found;
 }
@@ -152,7 +146,7 @@ Tcl_Obj* setProperty(const TclCall& call) {
     const std::string value = call.joinWords(1, words.size() - 1);
     for (const Object& object : readChangedObjects(words.back())) {
         valueOf(object, name);
-        if (object.store || object.item) failTcl("", ShellMsg::propertyReadOnly, raised(name));
+        if (object.store || object.item) failTcl("", ShellMsg::propertyReadOnly, HUTText::raised(name));
     }
     setPreference(name, value);
     return Tcl_NewIntObj(1);
@@ -169,7 +163,7 @@ Object readOneObject(const TclCall& call) {
 Texts selectNames(const TclCall& call, const Object& object) {
     Texts names = namesOf(object);
     if (call.getWords().size() < 2) return names;
-    const std::string pattern = raised(textOf(call.getWords()[1]));
+    const std::string pattern = HUTText::raised(textOf(call.getWords()[1]));
     const auto isOther = [&](const std::string& name) { return !fitsGlob(pattern, name); };
     names.erase(std::remove_if(names.begin(), names.end(), isOther), names.end());
     return names;

@@ -3,8 +3,8 @@
 #include "support/HCRapidJsonReadWriteUtils.h"
 #include "support/HIOStream.h"
 #include "support/HUTEnv.h"
+#include "support/HUTText.h"
 
-#include <algorithm>
 #include <iostream>
 #include <map>
 #include <utility>
@@ -137,11 +137,8 @@ ComMsgMgr::Sink ComMsgMgr::setSink(Sink sink) {
 }
 
 std::string ComMsgMgr::format(const Message& message) {
-    std::string line = message.label + ": [" + message.id + "] " + message.text;
     // Arguments may come from a store: no control sequence of theirs reaches the terminal.
-    std::replace_if(
-        line.begin(), line.end(),
-        [](char c) { return (static_cast<unsigned char>(c) < 0x20 && c != '\n' && c != '\t') || c == 0x7f; }, '?');
+    std::string line = HUTText::printable(message.label + ": [" + message.id + "] " + message.text, true);
     while (line.back() == '\n') line.pop_back();
     // Nor does a line of theirs look like a message of its own.
     for (std::size_t end = line.find('\n'); end != std::string::npos; end = line.find('\n', end + 1))

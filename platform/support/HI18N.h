@@ -3,7 +3,6 @@
 #include "support/HostExport.h"
 
 #include <string>
-#include <string_view>
 
 /// Converts texts between the forms in which user interfaces and programs hold them. Pure functions. What no text can
 /// hold (a half of a pair of code units, bytes that are no UTF-8) becomes U+FFFD, one for each unit or byte.
@@ -13,7 +12,4 @@ public:
     static std::string convert(const std::wstring& text);
     /// The UTF-16 code units of a text in UTF-8, one in each element.
     static std::wstring convert(const std::string& text);
-
-    /// Takes one character off the front of a text in UTF-8 that is not empty.
-    static char32_t takeCharacter(std::string_view& text);
 };

@@ -1,24 +1,19 @@
 #include "support/HPAParamMgr.h"
 
-#include <algorithm>
+#include "support/HUTText.h"
+
 #include <charconv>
 #include <optional>
 #include <unordered_map>
 
 namespace {
 
-std::string toLower(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-    return text;
-}
-
 std::string toText(bool value) {
     return value ? "true" : "false";
 }
 
 std::optional<bool> parseBool(const std::string& text) {
-    const std::string word = toLower(text);
+    const std::string word = HUTText::lowered(text);
     if (word == "true" || word == "yes" || word == "on" || word == "1") return true;
     if (word == "false" || word == "no" || word == "off" || word == "0") return false;
     return std::nullopt;
@@ -54,7 +49,7 @@ struct HPAParamMgr::Impl {
     std::unordered_map<std::string, HPAParam*> byName;
 
     HPAParam* find(const std::string& name) const {
-        const auto found = byName.find(toLower(name));
+        const auto found = byName.find(HUTText::lowered(name));
         return found == byName.end() ? nullptr : found->second;
     }
 
@@ -64,7 +59,7 @@ struct HPAParamMgr::Impl {
     }
 
     void add(HPAParam param) {
-        const auto [place, isNew] = byName.try_emplace(toLower(param.getName()), nullptr);
+        const auto [place, isNew] = byName.try_emplace(HUTText::lowered(param.getName()), nullptr);
         if (!isNew) return;
         params.push_back(std::make_unique<HPAParam>(std::move(param)));
         place->second = params.back().get();

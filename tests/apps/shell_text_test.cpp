@@ -2,7 +2,6 @@
 #include "ItemReference.h"
 #include "NearNames.h"
 #include "TextTable.h"
-#include "Utf8.h"
 
 #include <gtest/gtest.h>
 
@@ -49,23 +48,8 @@ TEST(ItemReferenceTest, takesReferencesApart) {
         EXPECT_FALSE(ItemReference::parse(text)) << text;
 }
 
-// Catches: broken bytes that end up in a JSON document, control sequences of a store that reach the terminal.
-TEST(Utf8Test, mendsTextForPeopleAndDocuments) {
-    EXPECT_EQ(utf8::repaired("gr\u00fcn \u8a08\xFFz"), "gr\u00fcn \u8a08\uFFFDz");
-    EXPECT_EQ(utf8::repaired("\xE2\x82"), "\uFFFD\uFFFD");            // cut short
-    EXPECT_EQ(utf8::repaired("\xC0\xAF"), "\uFFFD\uFFFD");            // longer than need be
-    EXPECT_EQ(utf8::repaired("\xED\xA0\x80").substr(0, 3), "\uFFFD"); // a surrogate
-    EXPECT_EQ(utf8::printable("a\x1b[2Jb\u009bc\x7f"), "a?[2Jb?c?");
-    EXPECT_EQ(utf8::printable("a\n\tb\r", true), "a\n\tb?");
-}
-
-// Catches: columns that count bytes, so that accents and wide characters push them out of line.
+// Catches: columns that count bytes, cells whose line ends break the line.
 TEST(TextTableTest, alignsByWidthOnTheTerminal) {
-    EXPECT_EQ(utf8::width("pr\u00fcf"), 4u);
-    EXPECT_EQ(utf8::width("\u8a08\u6e2c"), 4u);
-    EXPECT_EQ(utf8::width("e\u0301"), 1u);
-    EXPECT_EQ(utf8::cutToWidth("a\u8a08\u6e2c", 4), "a\u8a08");
-
     TextTable table({"NAME", "R", "TEXT"});
     table.addRow({"pr\u00fcf", "1", "x"});
     table.addRow({"\u8a08\u6e2c\u8a08", "", "y\nz"});

@@ -3,8 +3,7 @@
 #include "plaz/base/HSCPlazDebugLog.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTEnv.h"
-
-#include <boost/algorithm/string/predicate.hpp>
+#include "support/HUTText.h"
 
 namespace {
 
@@ -12,11 +11,11 @@ constexpr const char* fallbackName = "Solvan";
 constexpr const char* fallbackVersion = "2018.3";
 
 bool isMainTool() {
-    return boost::algorithm::iequals(HUTEnv::getProductName(), "solvan");
+    return HUTText::equalIgnoringCase(HUTEnv::getProductName(), "solvan");
 }
 
 bool isDatabaseTool() {
-    return boost::algorithm::iequals(HUTEnv::getProductName(), "kvq");
+    return HUTText::equalIgnoringCase(HUTEnv::getProductName(), "kvq");
 }
 
 std::string versionForPaths() {

@@ -2,9 +2,7 @@
 
 #include "plaz/base/HSCPlazStoreLayout.h"
 #include "plaz/base/HSCPlazUrl.h"
-#include "support/HI18N.h"
-
-#include <boost/algorithm/string/predicate.hpp>
+#include "support/HUTText.h"
 
 #include <algorithm>
 #include <cctype>
@@ -17,12 +15,6 @@ bool hasControlCharacter(const std::string& text) {
                        [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; });
 }
 
-/// Bytes that are no UTF-8 are left in a name by one system and replaced by another.
-bool isUtf8(const std::string& text) {
-    const auto isAscii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
-    return std::all_of(text.begin(), text.end(), isAscii) || HI18N::convert(HI18N::convert(text)) == text;
-}
-
 /// What some systems keep for devices, whatever follows a point and the blanks before it: "aux", "nul.txt", "com1 .x".
 bool isDeviceName(std::string_view component) {
     static constexpr std::string_view devices[] = {"con", "prn", "aux", "nul", "conin$", "conout$"};
@@ -33,9 +25,9 @@ bool isDeviceName(std::string_view component) {
     if (component.size() < 3 || beginnings.find(component.front()) == std::string_view::npos) return false;
     std::string_view stem = component.substr(0, component.find('.'));
     stem = stem.substr(0, stem.find_last_not_of(' ') + 1);
-    const auto isStem = [stem](std::string_view name) { return boost::algorithm::iequals(stem, name); };
+    const auto isStem = [stem](std::string_view name) { return HUTText::equalIgnoringCase(stem, name); };
     const auto isPort = [stem](std::string_view port) {
-        return boost::algorithm::iequals(stem.substr(0, port.size()), port) &&
+        return HUTText::startsIgnoringCase(stem, port) &&
                std::find(std::begin(numbers), std::end(numbers), stem.substr(port.size())) != std::end(numbers);
     };
     return std::any_of(std::begin(devices), std::end(devices), isStem) ||
@@ -58,10 +50,8 @@ bool isRefusedComponent(std::string_view component) {
                                                     Layout::doneMarker};
     if (component.empty() || component.back() == '.' || component.back() == ' ') return true;
     if (isDeviceName(component) || isShortName(component)) return true;
-    // Comparing without regard to case is slow, and a start-up looks at every name of every item.
-    return component.front() == '.' &&
-           std::any_of(std::begin(reserved), std::end(reserved),
-                       [&](std::string_view name) { return boost::algorithm::iequals(component, name); });
+    return std::any_of(std::begin(reserved), std::end(reserved),
+                       [&](std::string_view name) { return HUTText::equalIgnoringCase(component, name); });
 }
 
 bool hasRefusedComponent(std::string_view path) {
@@ -86,7 +76,7 @@ bool namesTransportHelper(const std::string& url) {
 bool hasServedScheme(const HSCPlazUrl& url) {
     static constexpr const char* served[] = {"", "file://", "git://", "http://", "https://", "ssh://"};
     return std::any_of(std::begin(served), std::end(served),
-                       [&](const char* scheme) { return boost::algorithm::iequals(url.scheme, scheme); });
+                       [&](const char* scheme) { return HUTText::equalIgnoringCase(url.scheme, scheme); });
 }
 
 /// User, token and host without what would end them early where secrets are masked.
@@ -105,7 +95,8 @@ bool hasOptionAsHost(const HSCPlazUrl& url) {
 
 bool HSCPlazTrust::isSafeRelativePath(const std::string& path) {
     if (path.empty() || path.front() == '/' || hasControlCharacter(path)) return false;
-    if (path.find_first_of("\\:") != std::string::npos || !isUtf8(path)) return false;
+    // Bytes that are no UTF-8 are left in a name by one system and replaced by another.
+    if (path.find_first_of("\\:") != std::string::npos || !HUTText::isUtf8(path)) return false;
     return !hasRefusedComponent(path);
 }
 

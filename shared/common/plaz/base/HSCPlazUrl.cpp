@@ -1,7 +1,6 @@
 #include "plaz/base/HSCPlazUrl.h"
 
-#include <boost/algorithm/string/case_conv.hpp>
-#include <boost/algorithm/string/predicate.hpp>
+#include "support/HUTText.h"
 
 #include <algorithm>
 #include <string_view>
@@ -48,15 +47,15 @@ std::string HSCPlazUrl::toText() const {
 }
 
 std::string HSCPlazUrl::getServer() const {
-    return boost::algorithm::to_lower_copy(scheme + host);
+    return HUTText::lowered(scheme + host);
 }
 
 bool HSCPlazUrl::isHttp() const {
-    return boost::algorithm::iequals(scheme, "http://") || isHttps();
+    return HUTText::equalIgnoringCase(scheme, "http://") || isHttps();
 }
 
 bool HSCPlazUrl::isHttps() const {
-    return boost::algorithm::iequals(scheme, "https://");
+    return HUTText::equalIgnoringCase(scheme, "https://");
 }
 
 std::string HSCPlazUrl::getPathOnHost() const {
@@ -66,5 +65,6 @@ std::string HSCPlazUrl::getPathOnHost() const {
 
 std::string HSCPlazUrl::withoutGitSuffix(const std::string& url) {
     static constexpr std::string_view suffix = ".git";
-    return boost::algorithm::ends_with(url, suffix) ? url.substr(0, url.size() - suffix.size()) : url;
+    const bool ends = url.size() >= suffix.size() && url.compare(url.size() - suffix.size(), suffix.size(), suffix) == 0;
+    return ends ? url.substr(0, url.size() - suffix.size()) : url;
 }

@@ -5,8 +5,8 @@
 #include "support/ComMsgMgr.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTFile.h"
+#include "support/HUTText.h"
 
-#include <boost/algorithm/string/predicate.hpp>
 #include <boost/filesystem/path.hpp>
 
 #include <unordered_map>
@@ -38,7 +38,7 @@ std::string HSCPlazPlaces::defaultDir(const HSCPlazQStoreModel& store) const {
     if (!hasDefaultLocations()) return "";
     const std::string kept = getDefaultPlace(store);
     if (!kept.empty()) return kept;
-    const bool holdsBoards = boost::algorithm::iequals(store.getStoreType(), "board");
+    const bool holdsBoards = HUTText::equalIgnoringCase(store.getStoreType(), "board");
     return joined(m_workspace.paths.getUserAreaRoot(), holdsBoards ? boardStoreDir : otherStoreDir);
 }
 

@@ -4,6 +4,7 @@
 #include "plaz/model/reader/HSCPlazJsonFields.h"
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
 #include "support/HCRapidJsonReadWriteUtils.h"
+#include "support/HUTText.h"
 
 #include <utility>
 
@@ -48,7 +49,7 @@ HSCPlazTypes::AUTHMODE toAuthMode(const std::string& text) {
         {"AWS_SIGNATURE", HSCPlazTypes::AWS_SIGNATURE},
     };
     for (const auto& [name, mode] : modes)
-        if (HSCPlazJson::equalIgnoringCase(text, name)) return mode;
+        if (HUTText::equalIgnoringCase(text, name)) return mode;
     return HSCPlazTypes::NONE;
 }
 

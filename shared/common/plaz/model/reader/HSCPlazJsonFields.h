@@ -4,7 +4,6 @@
 
 #include <rapidjson/document.h>
 
-#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -21,13 +20,6 @@ inline std::string_view textOf(const rapidjson::Value& value) {
 
 inline bool isNamed(const Member& member, std::string_view name) {
     return textOf(member.name) == name;
-}
-
-/// Compares ASCII letters without regard to case, other bytes as they are.
-inline bool equalIgnoringCase(std::string_view a, std::string_view b) {
-    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; };
-    return a.size() == b.size() &&
-           std::equal(a.begin(), a.end(), b.begin(), [&](char x, char y) { return lower(x) == lower(y); });
 }
 
 /// A text member and the setter that takes it.

@@ -5,10 +5,9 @@
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
 #include "support/HCRapidJsonReadWriteUtils.h"
 #include "support/HUTFile.h"
+#include "support/HUTText.h"
 
 #include <boost/filesystem/path.hpp>
-#include <rapidjson/memorystream.h>
-#include <rapidjson/stringbuffer.h>
 
 namespace {
 
@@ -19,16 +18,8 @@ using rapidjson::Value;
 
 constexpr const char* operation = "HSCPlazLocalDBWriter::write";
 
-bool isUtf8(const std::string& text) {
-    rapidjson::MemoryStream input(text.data(), text.size());
-    rapidjson::StringBuffer copy;
-    while (input.Tell() < text.size())
-        if (!rapidjson::UTF8<>::Validate(input, copy)) return false;
-    return true;
-}
-
 void addText(Document& document, Value& object, const char* key, const std::string& text) {
-    Json::AddStringProperty(document, object, key, isUtf8(text) ? text : std::string());
+    Json::AddStringProperty(document, object, key, HUTText::isUtf8(text) ? text : std::string());
 }
 
 Value toRecord(Document& document, const HSCPlazQItemModel& item) {

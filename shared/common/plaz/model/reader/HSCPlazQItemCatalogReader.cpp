@@ -8,6 +8,7 @@
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
 #include "support/HCRapidJsonReadWriteUtils.h"
 #include "support/HUTFile.h"
+#include "support/HUTText.h"
 
 #include <algorithm>
 #include <unordered_map>
@@ -181,7 +182,7 @@ void readCatalog(const Value& catalog, HSCPlazQStoreModel& store, HSCPlazFinding
     if (const Value* items = Json::FindArray(catalog, Key::items)) readItems(*items, store, found);
     store.setCategories({});
     for (const HSCPlazJson::Member& member : catalog.GetObject())
-        if (HSCPlazJson::equalIgnoringCase(textOf(member.name), Key::categories) && member.value.IsArray())
+        if (HUTText::equalIgnoringCase(textOf(member.name), Key::categories) && member.value.IsArray())
             store.setCategories(toCategories(member.value));
 }
 

@@ -5,13 +5,13 @@
 #include "plaz/model/reader/HSCPlazJsonFields.h"
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
 #include "support/HCRapidJsonReadWriteUtils.h"
+#include "support/HUTText.h"
 
 namespace {
 
 namespace Key = HSCPlazKey;
 using Json = HCRapidJsonReadWriteUtils;
 using Store = HSCPlazQStoreModel;
-using HSCPlazJson::equalIgnoringCase;
 using HSCPlazJson::textOf;
 using rapidjson::Value;
 
@@ -40,7 +40,7 @@ void setChecked(const HSCPlazJson::TextField<Store>& field, const std::string& t
 
 const Value* findProduct(const Value& products, const std::string& name) {
     for (const Value& product : products.GetArray())
-        if (product.IsObject() && equalIgnoringCase(Json::GetStringProperty(product, Key::productName), name))
+        if (product.IsObject() && HUTText::equalIgnoringCase(Json::GetStringProperty(product, Key::productName), name))
             return &product;
     return nullptr;
 }
@@ -52,8 +52,8 @@ const Value* chooseRelease(const Value& product, const std::string& release) {
     const Value* fallback = nullptr;
     for (const Value& entry : releases->GetArray()) {
         const std::string version = Json::GetStringProperty(entry, Key::version);
-        if (equalIgnoringCase(version, release)) return &entry;
-        if (equalIgnoringCase(version, "default")) fallback = &entry;
+        if (HUTText::equalIgnoringCase(version, release)) return &entry;
+        if (HUTText::equalIgnoringCase(version, "default")) fallback = &entry;
     }
     return fallback;
 }
@@ -69,11 +69,12 @@ void readProducts(const Value& products, Store& store, HSCPlazFindings& found) {
 
 void readCatalogMember(const HSCPlazJson::Member& member, Store& store, HSCPlazFindings& found) {
     if (member.value.IsArray()) {
-        if (equalIgnoringCase(textOf(member.name), Key::supportedProducts)) readProducts(member.value, store, found);
+        if (HUTText::equalIgnoringCase(textOf(member.name), Key::supportedProducts))
+            readProducts(member.value, store, found);
         return;
     }
     for (const auto& field : storeFields)
-        if (equalIgnoringCase(textOf(member.name), field.key))
+        if (HUTText::equalIgnoringCase(textOf(member.name), field.key))
             setChecked(field, std::string(textOf(member.value)), store, found);
 }
 

@@ -7,10 +7,10 @@
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
 #include "support/HUTFork.h"
+#include "support/HUTText.h"
 
 #include <boost/filesystem/path.hpp>
 
-#include <algorithm>
 #include <string_view>
 
 namespace {
@@ -57,13 +57,6 @@ bool hasPrefix(std::string_view text, std::string_view prefix) {
     return text.substr(0, prefix.size()) == prefix;
 }
 
-// Some systems take names of variables without regard to case.
-std::string toUpper(std::string name) {
-    std::transform(name.begin(), name.end(), name.begin(),
-                   [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c; });
-    return name;
-}
-
 bool isKept(const std::string& name) {
     if (!hasPrefix(name, "GIT_")) return true;
     if (name == "GIT_ASKPASS") return HSCPlazGitParams::mayAsk();
@@ -73,7 +66,8 @@ bool isKept(const std::string& name) {
 void dropInherited(HUTFork& git) {
     for (const std::string& variable : HUTEnv::getAll()) {
         const std::string name = variable.substr(0, variable.find('=', 1));
-        if (!isKept(toUpper(name))) git.unsetEnv(name);
+        // Some systems take names of variables without regard to case.
+        if (!isKept(HUTText::raised(name))) git.unsetEnv(name);
     }
     git.unsetEnv("LANGUAGE"); // it would outrank LC_ALL
 }

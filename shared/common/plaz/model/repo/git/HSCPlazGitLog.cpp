@@ -1,6 +1,7 @@
 #include "plaz/model/repo/git/HSCPlazGitLog.h"
 
-#include <boost/algorithm/string/predicate.hpp>
+#include "support/HUTText.h"
+
 #include <boost/algorithm/string/replace.hpp>
 #include <boost/property_tree/ini_parser.hpp>
 
@@ -11,7 +12,8 @@ std::vector<std::string> HSCPlazGitLog::getErrorLines(const std::string& output)
     std::istringstream lines(output);
     for (std::string line; std::getline(lines, line);) {
         if (!line.empty() && line.back() == '\r') line.pop_back();
-        if (boost::algorithm::icontains(line, "fatal:") || boost::algorithm::icontains(line, "error:"))
+        const std::string lowered = HUTText::lowered(line);
+        if (lowered.find("fatal:") != std::string::npos || lowered.find("error:") != std::string::npos)
             found.push_back(line);
     }
     return found;

@@ -1,0 +1,120 @@
+#include "support/HUTText.h"
+
+#include <boost/locale/utf.hpp>
+#include <utf8proc.h>
+
+#include <algorithm>
+#include <iterator>
+
+namespace {
+
+namespace utf = boost::locale::utf;
+using Utf8 = utf::utf_traits<char>;
+
+bool isControl(char32_t c) {
+    return c < 0x20 || (c >= 0x7F && c < 0xA0);
+}
+
+std::size_t widthOf(char32_t c) {
+    const auto code = static_cast<utf8proc_int32_t>(c);
+    // RATIONALE: the library takes marks that stand beside their letter for combining ones; terminals give them room.
+    const int least = utf8proc_category(code) == UTF8PROC_CATEGORY_MC ? 1 : 0;
+    return static_cast<std::size_t>(std::max(utf8proc_charwidth(code), least));
+}
+
+char toLower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+char toUpper(char c) {
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+} // namespace
+
+char32_t HUTText::takeCharacter(std::string_view& text) {
+    const char* next = text.data();
+    const utf::code_point c = Utf8::decode(next, text.data() + text.size());
+    const bool isWhole = utf::is_valid_codepoint(c);
+    text.remove_prefix(isWhole ? static_cast<std::size_t>(next - text.data()) : 1);
+    return isWhole ? c : replacement;
+}
+
+std::u32string HUTText::decode(std::string_view text) {
+    std::u32string characters;
+    characters.reserve(text.size());
+    while (!text.empty()) characters += takeCharacter(text);
+    return characters;
+}
+
+bool HUTText::isUtf8(std::string_view text) {
+    const char* const end = text.data() + text.size();
+    // A start-up looks at every name of every item; nearly all are ASCII, which is quicker to see than to decode.
+    const char* next = std::find_if(text.data(), end, [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
+    while (next != end)
+        if (!utf::is_valid_codepoint(Utf8::decode(next, end))) return false;
+    return true;
+}
+
+std::string HUTText::repaired(std::string_view text) {
+    std::string result;
+    result.reserve(text.size());
+    while (!text.empty()) Utf8::encode(takeCharacter(text), std::back_inserter(result));
+    return result;
+}
+
+std::string HUTText::printable(std::string_view text, bool keepLines) {
+    std::string result;
+    result.reserve(text.size());
+    while (!text.empty()) {
+        const std::string_view before = text;
+        const char32_t c = takeCharacter(text);
+        if (isControl(c) && !(keepLines && (c == '\n' || c == '\t')))
+            result += '?';
+        else
+            result += before.substr(0, before.size() - text.size());
+    }
+    return result;
+}
+
+std::string HUTText::cutToSize(std::string_view text, std::size_t size) {
+    if (size >= text.size()) return std::string(text);
+    while (size > 0 && Utf8::is_trail(text[size])) --size;
+    return std::string(text.substr(0, size));
+}
+
+std::size_t HUTText::width(std::string_view text) {
+    std::size_t columns = 0;
+    while (!text.empty()) columns += widthOf(takeCharacter(text));
+    return columns;
+}
+
+std::string HUTText::cutToWidth(std::string_view text, std::size_t columns) {
+    std::size_t used = 0;
+    std::string_view rest = text;
+    while (!rest.empty()) {
+        std::string_view after = rest;
+        used += widthOf(takeCharacter(after));
+        if (used > columns) break;
+        rest = after;
+    }
+    return std::string(text.substr(0, text.size() - rest.size()));
+}
+
+std::string HUTText::lowered(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(), toLower);
+    return text;
+}
+
+std::string HUTText::raised(std::string text) {
+    std::transform(text.begin(), text.end(), text.begin(), toUpper);
+    return text;
+}
+
+bool HUTText::equalIgnoringCase(std::string_view a, std::string_view b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) { return toLower(x) == toLower(y); });
+}
+
+bool HUTText::startsIgnoringCase(std::string_view text, std::string_view start) {
+    return equalIgnoringCase(text.substr(0, start.size()), start);
+}
