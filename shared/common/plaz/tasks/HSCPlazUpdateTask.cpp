@@ -16,16 +16,19 @@ namespace Files = HSCPlazItemFiles;
 
 namespace {
 
-/// For whom the installed revision is there, so will the new one be.
+/// For whom the installed revision is there, so will the new one be. What was shipped is the user's from now on.
+Mode modeAfter(const HSCPlazQItem& item) {
+    return item.getMode() == Mode::tool ? Mode::tool : Mode::user;
+}
+
 bool installLatest(HSCPlazTask& task, const HSCPlazQItem& item) {
-    const HSCPlazQItem& latest = *item.getStore()->getItem(item.getName());
-    return HSCPlazInstallTask::install(task, latest, item.getMode() == Mode::tool ? Mode::tool : Mode::user);
+    return HSCPlazInstallTask::install(task, *item.getStore()->getItem(item.getName()), modeAfter(item));
 }
 
 bool replaceFiles(HSCPlazTask& task, const HSCPlazFoundItem& found, Walk& walk) {
     const Walk::Items neededBefore = walk.collectNeeded(*found.item);
     if (!Files::fetch(task, found, true)) return false;
-    walk.markInstalled(found, found.item->getMode(), found.item->getReferenceCount());
+    walk.markInstalled(found, modeAfter(*found.item), found.item->getReferenceCount());
     walk.saveChanges();
     const bool complete = walk.installMissing(*found.item);
     walk.releaseUnheld(neededBefore);
