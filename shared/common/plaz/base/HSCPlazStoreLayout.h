@@ -33,14 +33,14 @@ public:
     HSCPlazStoreLayout(std::string area, std::string work) : m_area(std::move(area)), m_work(std::move(work)) {}
 
     const std::string& getArea() const { return m_area; }
-    std::string getHiddenDir() const { return inArea(hiddenDir); }
+    std::string getHiddenDir() const { return below(m_area, hiddenDir); }
     /// Ends in "/".
-    std::string getCatalogDir() const { return inArea(catalogFolder); }
-    std::string getDatabase() const { return getHiddenDir() + "/" + databaseFile; }
-    std::string getIncoming() const { return getHiddenDir() + "/.incoming"; }
-    std::string getOutgoing() const { return getHiddenDir() + "/.outgoing"; }
-    std::string getIndex() const { return m_work + "/" + hiddenDir + "/.index"; }
-    std::string getStaging() const { return m_work + "/" + stagingDir; }
+    std::string getCatalogDir() const { return below(m_area, catalogFolder); }
+    std::string getDatabase() const { return below(getHiddenDir(), databaseFile); }
+    std::string getIncoming() const { return below(getHiddenDir(), ".incoming"); }
+    std::string getOutgoing() const { return below(getHiddenDir(), ".outgoing"); }
+    std::string getIndex() const { return below(below(m_work, hiddenDir), ".index"); }
+    std::string getStaging() const { return below(m_work, stagingDir); }
 
     /// Whether what a directory holds (a working copy, a catalog) came whole. @param dir  empty: no
     static bool isComplete(const std::string& dir);
@@ -50,7 +50,9 @@ public:
     static void unmark(const std::string& dir);
 
 private:
-    std::string inArea(const char* name) const { return m_area + "/" + name; }
+    static std::string below(const std::string& dir, const char* name) {
+        return dir.empty() ? std::string() : dir + "/" + name;
+    }
 
     std::string m_area;
     std::string m_work;

@@ -71,8 +71,6 @@ public:
     void setLocalRootDir(const std::string& value) { m_localRootDir = value; }
     const std::string& getInstallDir() const { return m_installDir; }
     void setInstallDir(const std::string& value) { m_installDir = value; }
-    const std::string& getStagingRootDir() const { return m_stagingRootDir; }
-    void setStagingRootDir(const std::string& value) { m_stagingRootDir = value; }
     const std::string& getLocalDbFilePath() const { return m_localDbFilePath; }
     void setLocalDbFilePath(const std::string& value) { m_localDbFilePath = value; }
     /// The store's data inside the host's data tree; empty when nothing is shipped for it.
@@ -102,7 +100,6 @@ private:
     std::string m_release;
     std::string m_localRootDir;
     std::string m_installDir;
-    std::string m_stagingRootDir;
     std::string m_localDbFilePath;
     std::string m_gdaDataLoc;
     std::vector<std::unique_ptr<HSCPlazQItemModel>> m_items;
