@@ -140,6 +140,12 @@ std::time_t HUTFile::getLastMod(const std::string& path) {
     return error ? 0 : time;
 }
 
+std::optional<std::uintmax_t> HUTFile::getFreeSpace(const std::string& path) {
+    Error error;
+    const fs::space_info space = fs::space(sys(path), error);
+    return error ? std::nullopt : std::make_optional(space.available);
+}
+
 std::string HUTFile::getCanonicalName(const std::string& path) {
     const fs::path absolute = platform::makeAbsolute(path);
     fs::path canonical = absolute.root_path();
