@@ -6,7 +6,7 @@
 #include "plaz/model/reader/HSCPlazFileCheck.h"
 #include "support/HUTFile.h"
 
-#include <boost/filesystem/operations.hpp>
+#include <boost/filesystem/path.hpp>
 
 #include <array>
 #include <cmath>
@@ -64,13 +64,12 @@ Finding checkWritable(const std::string& subject, const Path& path, const std::s
     if (!HUTFile::isWriteable(existing))
         return doctor::problem(subject, where + " cannot be used: you may not write to " + existing,
                                "Change its permissions, or choose another place.");
-    boost::system::error_code unknown;
-    const std::uintmax_t free = fs::space(existing, unknown).available;
-    if (unknown) return doctor::ok(subject, where);
+    const auto free = HUTFile::getFreeSpace(existing);
+    if (!free) return doctor::ok(subject, where);
     const std::string state = path.exists ? ": " : " is made when it is needed: ";
-    if (free < fewBytes)
-        return doctor::warning(subject, where + ": only " + describe(free), "Make room, or choose another place.");
-    return doctor::ok(subject, where + state + describe(free));
+    if (*free < fewBytes)
+        return doctor::warning(subject, where + ": only " + describe(*free), "Make room, or choose another place.");
+    return doctor::ok(subject, where + state + describe(*free));
 }
 
 Finding checkFile(const std::string& subject, const std::string& file, const std::string& advice,

@@ -7,14 +7,10 @@
 #include "plaz/base/HSCPlazTrust.h"
 #include "support/HUTFile.h"
 
-#include <boost/filesystem/operations.hpp>
-
 #include <algorithm>
 #include <chrono>
 #include <cstring>
 #include <sstream>
-
-namespace fs = boost::filesystem;
 
 namespace {
 
@@ -41,8 +37,7 @@ std::string chooseBranch(const std::vector<std::string>& branches, const std::st
 
 } // namespace
 
-doctor::TrialCopy::TrialCopy()
-    : m_dir((fs::temp_directory_path() / fs::unique_path("plaz-%%%%-%%%%-%%%%")).generic_string()) {
+doctor::TrialCopy::TrialCopy() : m_dir(HUTFile::getTemporaryName()) {
     try {
         if (!HUTFile::mkDirRecursive(m_dir))
             throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::dirNotWritable, m_dir));

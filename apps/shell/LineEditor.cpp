@@ -51,9 +51,11 @@ void add(History* list, const std::string& command) {
     history(list, &event, H_ENTER, command.c_str());
 }
 
+using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
 /// The history as its file holds it.
 std::string toText(History* list) {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::tmpfile(), std::fclose);
+    const File file(std::tmpfile(), std::fclose); // raw: libedit saves to a FILE only
     HistEvent event{};
     if (!file || history(list, &event, H_SAVE_FP, file.get()) < 0) return {};
     std::string text(static_cast<std::size_t>(std::max(std::ftell(file.get()), 0L)), '\0');

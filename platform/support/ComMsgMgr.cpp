@@ -1,9 +1,10 @@
 #include "support/ComMsgMgr.h"
 
-#include "support/HCRapidJsonReadWriteUtils.h"
 #include "support/HIOStream.h"
 #include "support/HUTEnv.h"
 #include "support/HUTText.h"
+
+#include <rapidjson/document.h>
 
 #include <iostream>
 #include <map>
@@ -19,21 +20,29 @@ struct CatalogEntry {
 };
 using Catalog = std::map<std::string, CatalogEntry>;
 
+// RATIONALE: read without the host's JSON utilities, which report through this service.
+const rapidjson::Value* find(const rapidjson::Value& object, const char* key) {
+    return object.IsObject() && object.HasMember(key) ? &object[key] : nullptr;
+}
+
+std::string getText(const rapidjson::Value& message, const char* key) {
+    const rapidjson::Value* text = find(message, key);
+    return text && text->IsString() ? std::string(text->GetString(), text->GetStringLength()) : std::string();
+}
+
 // A catalog that is missing or damaged is an empty one: messages then show their id and their arguments.
 Catalog readCatalog() {
+    constexpr unsigned parseFlags = rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag;
     Catalog catalog;
     std::string text;
-    std::string error;
-    rapidjson::Document document;
-    if (HIOStream::read(HUTEnv::getGDADataDir(catalogFile) + "/" + catalogFile, text) != HIOStream::Status::ok ||
-        !HCRapidJsonReadWriteUtils::parseInPlace(text, document, error))
+    if (HIOStream::read(HUTEnv::getGDADataDir(catalogFile) + "/" + catalogFile, text) != HIOStream::Status::ok)
         return catalog;
-    const rapidjson::Value* messages = HCRapidJsonReadWriteUtils::FindArray(document, "messages");
-    if (!messages) return catalog;
+    rapidjson::Document document;
+    document.Parse<parseFlags>(text.data(), text.size());
+    const rapidjson::Value* messages = find(document, "messages");
+    if (!messages || !messages->IsArray()) return catalog;
     for (const rapidjson::Value& message : messages->GetArray())
-        catalog[HCRapidJsonReadWriteUtils::GetStringProperty(message, "id")] = {
-            HCRapidJsonReadWriteUtils::GetStringProperty(message, "text"),
-            HCRapidJsonReadWriteUtils::GetStringProperty(message, "label") == "info"};
+        catalog[getText(message, "id")] = {getText(message, "text"), getText(message, "label") == "info"};
     return catalog;
 }
 

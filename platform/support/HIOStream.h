@@ -1,5 +1,6 @@
 #pragma once
 
+#include "support/HIOStatus.h"
 #include "support/HostExport.h"
 
 #include <fstream>
@@ -22,13 +23,7 @@
 /// The container keeps casual eyes and editors out; it is no encryption. Readers see the plain content.
 class HOST_API HIOStream {
 public:
-    enum class Status {
-        ok,
-        missing,    ///< no such file, or a directory on the way is missing
-        notRegular, ///< a directory, device or pipe
-        unreadable, ///< no permission, input error, or a damaged container
-        outside ///< the path leads out of the directory that it must stay in, or through an absolute link to nothing
-    };
+    using Status = HIOStatus;
 
     /// A directory kept open, below which files are read by relative names.
     class HOST_API Root {

@@ -4,8 +4,6 @@
 
 #include <boost/filesystem.hpp>
 
-#include <algorithm>
-
 namespace fs = boost::filesystem;
 using Error = boost::system::error_code;
 
@@ -16,27 +14,6 @@ using Linkable = std::function<bool(const std::string&)>;
 // The name as calls of the system take it, however long it is.
 fs::path sys(const std::string& name) {
     return platform::toSystemName(name);
-}
-
-bool liesBeneath(const fs::path& root, const fs::path& path) {
-    return std::mismatch(root.begin(), root.end(), path.begin(), path.end()).first == root.end();
-}
-
-// The path with every link resolved; components that do not exist follow as they are. Empty when that is impossible.
-fs::path resolve(const std::string& path) {
-    fs::path rest;
-    for (fs::path existing = platform::makeAbsolute(path); !existing.empty(); existing = existing.parent_path()) {
-        std::error_code error;
-        const fs::path real = platform::resolveLinks(existing.string(), error);
-        if (!error) return rest.empty() ? real : real / rest;
-        if (error != std::errc::no_such_file_or_directory && error != std::errc::not_a_directory) return {};
-        // What a dangling link would lead to is anybody's guess, and ".." below nothing has no meaning.
-        Error ignored;
-        if (fs::is_symlink(fs::symlink_status(sys(existing.string()), ignored)) || existing.filename() == "..")
-            return {};
-        if (existing.filename() != ".") rest = rest.empty() ? existing.filename() : existing.filename() / rest;
-    }
-    return {};
 }
 
 // Puts a finished file or directory in the place of another by names alone; the old one comes back when that fails.
@@ -163,6 +140,12 @@ std::time_t HUTFile::getLastMod(const std::string& path) {
     return error ? 0 : time;
 }
 
+std::optional<std::uintmax_t> HUTFile::getFreeSpace(const std::string& path) {
+    Error error;
+    const fs::space_info space = fs::space(sys(path), error);
+    return error ? std::nullopt : std::make_optional(space.available);
+}
+
 std::string HUTFile::getCanonicalName(const std::string& path) {
     const fs::path absolute = platform::makeAbsolute(path);
     fs::path canonical = absolute.root_path();
@@ -185,9 +168,7 @@ bool HUTFile::isAKA(const std::string& a, const std::string& b) {
 }
 
 bool HUTFile::isBeneath(const std::string& root, const std::string& path) {
-    if (root.empty() || path.empty() || (root + path).find('\0') != std::string::npos) return false;
-    const fs::path realRoot = resolve(root);
-    return !realRoot.empty() && liesBeneath(realRoot, resolve(path));
+    return platform::isBeneath(root, path);
 }
 
 bool HUTFile::mkDirRecursive(const std::string& dir) {
@@ -229,13 +210,7 @@ bool HUTFile::cloneTree(const std::string& source, const std::string& dest, cons
 }
 
 std::vector<std::string> HUTFile::createFileIter(const std::string& dir) {
-    std::vector<std::string> names;
-    Error error;
-    fs::directory_iterator entry(sys(dir), error);
-    for (; !error && entry != fs::directory_iterator(); entry.increment(error))
-        names.push_back(entry->path().filename().string());
-    std::sort(names.begin(), names.end());
-    return names;
+    return platform::listEntries(dir);
 }
 
 std::vector<std::string> HUTFile::listTree(const std::string& dir, const std::string& skipped) {

@@ -2,12 +2,14 @@
 
 #include "support/HostExport.h"
 
+#include <cstdint>
 #include <ctime>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
-/// Files and directories, by name. Nothing here throws for what the disk says; results tell.
+/// Files and directories, by name. What the disk says shows in the results; only getTemporaryName() throws for it.
 ///
 /// RATIONALE: canonical names are absolute and free of "." and "..", but links in them stay as they are: the
 /// installation lays links to the system's programs, and what stands beside such a link matters, not what stands
@@ -30,6 +32,9 @@ public:
 
     /// A text that changes whenever the file is written or replaced; empty when there is no such file.
     static std::string getStamp(const std::string& path);
+
+    /// Bytes that this user may still write on the disk of a file or directory; empty where that is unknown.
+    static std::optional<std::uintmax_t> getFreeSpace(const std::string& path);
 
     /// Absolute, with "." and ".." resolved by name, in generic form; empty for an empty name.
     static std::string getCanonicalName(const std::string& path);
@@ -89,6 +94,7 @@ public:
 
     /// A name in the system's temporary directory that nothing has yet; nobody can guess it.
     /// @param ending  what it ends in, such as ".log"
+    /// @throws boost::filesystem::filesystem_error where the environment names a temporary directory that is none
     static std::string getTemporaryName(const std::string& ending = "");
 
     /// Equal for two names exactly when the system's disks take one for the other, such as "Led" and "led".

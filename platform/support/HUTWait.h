@@ -19,7 +19,8 @@ public:
     /// Longest single wait while something is around it.
     static constexpr std::chrono::milliseconds slice{50};
 
-    /// An empty one takes it away.
+    /// An empty one takes it away. Set before other threads use the host, and not while one of them waits: what is
+    /// installed is read without a lock.
     static void setAround(Around around);
     static bool hasAround();
     /// Waits once, by calling @p wait.

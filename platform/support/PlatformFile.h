@@ -1,12 +1,13 @@
 #pragma once
 
-#include "support/HIOStream.h"
+#include "support/HIOStatus.h"
 
 #include <boost/filesystem/path.hpp>
 
 #include <cstdint>
 #include <string>
 #include <system_error>
+#include <vector>
 
 /// What the portable sources of the host need from the system about files.
 namespace platform {
@@ -37,7 +38,7 @@ public:
     OpenDirectory& operator=(const OpenDirectory&) = delete;
 
     /// Reads the file as it stands on disk; @p content is replaced, and undefined unless the result is ok.
-    HIOStream::Status read(const std::string& relative, std::string& content) const;
+    HIOStatus read(const std::string& relative, std::string& content) const;
 
 private:
     std::string m_dir;                       ///< as it was given, or with its links resolved
@@ -45,7 +46,7 @@ private:
 };
 
 /// Reads a whole file as it stands on disk; @p content is replaced, and undefined unless the result is ok.
-HIOStream::Status readFile(const std::string& file, std::string& content);
+HIOStatus readFile(const std::string& file, std::string& content);
 /// The first @p size bytes of a regular file, fewer when it is shorter or cannot be read.
 std::string readStart(const std::string& file, std::size_t size);
 
@@ -57,6 +58,11 @@ std::string getStamp(const std::string& path);
 
 /// The absolute path with every link in it resolved; empty, with @p error set, when it leads to nothing.
 std::string resolveLinks(const std::string& path, std::error_code& error);
+
+/// As HUTFile::isBeneath() says.
+bool isBeneath(const std::string& root, const std::string& path);
+/// As HUTFile::createFileIter() says.
+std::vector<std::string> listEntries(const std::string& dir);
 
 /// As HUTFile::rmRecursive() says.
 bool removeTree(const std::string& path);

@@ -24,4 +24,11 @@ TEST(DiskTest, ReplaceDirectory) {
     EXPECT_EQ(HUTFile::createFileIter(temp.path()), Names{"deep"});
 }
 
+// Fault: a disk that does not tell taken for a full one.
+TEST(DiskTest, FreeSpace) {
+    const TempDir temp;
+    EXPECT_GT(HUTFile::getFreeSpace(temp.path()).value_or(0), 0U);
+    EXPECT_EQ(HUTFile::getFreeSpace(temp.path("missing")), std::nullopt);
+}
+
 } // namespace

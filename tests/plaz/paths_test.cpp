@@ -151,6 +151,28 @@ TEST_F(PathsTest, LocalUserDataIsYesByItsFirstLetter) {
     }
 }
 
+// A place looked up of the wrong store, made up for one that the hub does not have, or below the wrong root.
+TEST_F(PathsTest, StoresAreLookedUpByName) {
+    files.temp.write("data/plaz/plaz_config.json", R"({"plaz": {"gda_data_root": "/gda", "app_data_root": "/app"}})");
+    for (const char* name : {"other", "own"}) files.addStore(name, "board", false);
+    files.ship();
+    HSCPlazQStore& own = *hub().getStore("own");
+    own.setLocalRootDir("/local");
+    const std::string root = hub().getRoot();
+    const std::pair<std::string (*)(const std::string&), std::string> lookUps[] = {
+        {HSCPlazUtils::getStoreLocalRootDir, "/local"},
+        {HSCPlazUtils::getStoreRootDir, "/gda/" + root + "/own"},
+        {HSCPlazUtils::getStoreUrl, own.getUrl()},
+        {HSCPlazUtils::getStoreBranch, "master"}};
+    for (const auto& [lookUp, expected] : lookUps) {
+        EXPECT_EQ(lookUp("own"), expected);
+        EXPECT_EQ(lookUp("absent"), "");
+    }
+    files.env.set("ZENTOR_PLAZ_LOCAL_USER_DATA", "yes");
+    EXPECT_EQ(HSCPlazUtils::getPlazRootDir(), "/app/" + root);
+    EXPECT_EQ(HSCPlazUtils::getPlazDefaultDownloadRootDir(), appData(root));
+}
+
 // A chosen directory that is silently taken although it cannot serve, or shared by two stores.
 TEST_F(PathsTest, ChosenDirectoriesAreCheckedAndCreated) {
     EXPECT_TRUE(HSCPlazUtils::validateAndCreateDir("", false));

@@ -1,7 +1,5 @@
 #include "support/PlatformFile.h"
 
-#include "support/HUTFile.h"
-
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
@@ -21,7 +19,7 @@ namespace platform {
 
 namespace {
 
-using Status = HIOStream::Status;
+using Status = HIOStatus;
 
 // Without O_NONBLOCK, opening a pipe would wait for a writer.
 constexpr int readFlags = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
@@ -103,7 +101,7 @@ Status readBeneathByName(const std::string& dir, const std::string& relative, st
     std::error_code error;
     const std::string file = resolveLinks(name, error);
     if (error && error != std::errc::no_such_file_or_directory) return statusOfError(error.value());
-    if (!HUTFile::isBeneath(dir, name)) return Status::outside;
+    if (!isBeneath(dir, name)) return Status::outside;
     return error ? Status::missing : openAndReadAll(file, O_NOFOLLOW, content);
 }
 
@@ -190,7 +188,7 @@ OpenDirectory::~OpenDirectory() {
     if (m_handle >= 0) close(static_cast<int>(m_handle));
 }
 
-HIOStream::Status OpenDirectory::read(const std::string& relative, std::string& content) const {
+HIOStatus OpenDirectory::read(const std::string& relative, std::string& content) const {
     if (m_handle < 0 || relative.empty() || holdsNull(relative)) return Status::missing;
     const Descriptor fd(openBeneath(static_cast<int>(m_handle), relative));
     if (fd) return readAll(fd.get(), content);
@@ -205,7 +203,7 @@ HIOStream::Status OpenDirectory::read(const std::string& relative, std::string& 
     }
 }
 
-HIOStream::Status readFile(const std::string& file, std::string& content) {
+HIOStatus readFile(const std::string& file, std::string& content) {
     return holdsNull(file) ? Status::missing : openAndReadAll(file, 0, content);
 }
 
@@ -254,7 +252,7 @@ bool removeTree(const std::string& path) {
 
 bool removeEntriesExcept(const std::string& dir, const std::string& keptName) {
     bool areGone = true;
-    for (const std::string& name : HUTFile::createFileIter(dir))
+    for (const std::string& name : listEntries(dir))
         if (name != keptName) areGone = removeTree(dir + "/" + name) && areGone;
     return areGone;
 }

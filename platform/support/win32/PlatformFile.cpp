@@ -15,7 +15,7 @@ namespace platform {
 
 namespace {
 
-using Status = HIOStream::Status;
+using Status = HIOStatus;
 using win32::Handle;
 using win32::OwnerOnly;
 using win32::shareAll;
@@ -87,7 +87,7 @@ bool writeAll(const Handle& file, const std::string& content) {
     return true;
 }
 
-bool isBeneath(const std::wstring& root, const std::wstring& name) {
+bool liesBeneath(const std::wstring& root, const std::wstring& name) {
     return name.size() > root.size() && name.compare(0, root.size(), root) == 0 &&
            (root.back() == L'\\' || name[root.size()] == L'\\');
 }
@@ -277,17 +277,17 @@ OpenDirectory::OpenDirectory(const std::string& dir) : m_handle(0) {
 
 OpenDirectory::~OpenDirectory() = default;
 
-HIOStream::Status OpenDirectory::read(const std::string& relative, std::string& content) const {
+HIOStatus OpenDirectory::read(const std::string& relative, std::string& content) const {
     if (m_dir.empty() || relative.empty() || holdsNull(relative)) return Status::missing;
     const std::wstring root = win32::toWide(m_dir);
     const std::wstring name = joinBeneath(root, relative);
     if (name.empty()) return Status::outside;
     const Handle file = open(name, GENERIC_READ);
     if (!file) return statusOfError(GetLastError());
-    return isBeneath(root, win32::getFinalName(file)) ? readAll(file, content) : Status::outside;
+    return liesBeneath(root, win32::getFinalName(file)) ? readAll(file, content) : Status::outside;
 }
 
-HIOStream::Status readFile(const std::string& file, std::string& content) {
+HIOStatus readFile(const std::string& file, std::string& content) {
     if (file.empty() || holdsNull(file)) return Status::missing;
     const Handle handle = open(toLongName(file), GENERIC_READ);
     return handle ? readAll(handle, content) : statusOfError(GetLastError());

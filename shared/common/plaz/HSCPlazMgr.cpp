@@ -7,6 +7,8 @@
 #include "plaz/store/HSCPlazCatalogLoader.h"
 #include "plaz/store/HSCPlazHubBuilder.h"
 #include "plaz/store/HSCPlazWorkspace.h"
+#include "support/HUTEnv.h"
+#include "support/HUTFile.h"
 #include "support/HUTOnce.h"
 
 #include <algorithm>
@@ -20,12 +22,30 @@ public:
 
     const HSCPlaz* getHub() const override { return &HSCPlazMgr::getInstance().getHub(); }
     const HSCPlazCfgModel* getConfig() const override { return m_workspace.config.getConfigModel(); }
-    std::string getStoreUrl(const std::string& store) const override { return HSCPlazUtils::getStoreUrl(store); }
-    std::string getStoreBranch(const std::string& store) const override { return HSCPlazUtils::getStoreBranch(store); }
-    std::string getStoreRootDir(const std::string& store) const override {
-        return HSCPlazUtils::getStoreRootDir(store);
+    std::string getStoreUrl(const std::string& store) const override {
+        const HSCPlazQStore* found = findStore(store);
+        return found ? found->getUrl() : std::string();
     }
-    std::string getPlazRootDir() const override { return HSCPlazUtils::getPlazRootDir(); }
+    std::string getStoreBranch(const std::string& store) const override {
+        const HSCPlazQStore* found = findStore(store);
+        return found && found->getModel() ? found->getModel()->getBranchOrMaster() : std::string();
+    }
+    std::string getStoreRootDir(const std::string& store) const override {
+        const HSCPlazQStore* found = findStore(store);
+        return found ? found->getRootDir() : std::string();
+    }
+    std::string getStoreLocalRootDir(const std::string& store) const override {
+        const HSCPlazQStore* found = findStore(store);
+        return found ? found->getLocalRootDir() : std::string();
+    }
+    std::string getPlazRootDir() const override {
+        const HSCPlazCfgModel* config = getConfig();
+        if (!config) return "";
+        std::string base = config->getGDADataRoot();
+        if (HSCPlazUtils::useLocalStore())
+            base = config->getAppDataRoot().empty() ? HUTEnv::getHDIAppDataDir() : config->getAppDataRoot();
+        return base.empty() ? config->getRoot() : base + HUTFile::getDirSeparator() + config->getRoot();
+    }
     std::string getSchemaRoot() const override { return m_workspace.paths.getSchemaRoot(); }
     std::string getDefaultDatabase() const override { return m_workspace.paths.getDefaultLocalDbFile(); }
     std::string getLockFile() const override { return m_workspace.paths.getLockFile(); }
@@ -47,6 +67,8 @@ public:
     }
 
 private:
+    const HSCPlazQStore* findStore(const std::string& name) const { return getHub()->getStore(name); }
+
     HSCPlazWorkspace& m_workspace;
 };
 

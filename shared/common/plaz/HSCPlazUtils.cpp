@@ -1,24 +1,15 @@
 #include "plaz/HSCPlazUtils.h"
 
-#include "plaz/HSCPlazMgr.h"
+#include "plaz/base/HSCPlazContext.h"
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/base/HSCPlazProduct.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/reader/HSCPlazJsonCheck.h"
-#include "plaz/pref/HSCPlazConfigMgr.h"
 #include "plaz/store/HSCPlazChosenDirectory.h"
 #include "plaz/store/HSCPlazInstalledFiles.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
-
-namespace {
-
-const HSCPlazQStore* findStore(const std::string& name) {
-    return HSCPlazMgr::getInstance().getHub().getStore(name);
-}
-
-} // namespace
 
 void HSCPlazUtils::getProductInfo(std::string& name, std::string& version) {
     const HSCPlazProduct::Identity product = HSCPlazProduct::get();
@@ -27,23 +18,19 @@ void HSCPlazUtils::getProductInfo(std::string& name, std::string& version) {
 }
 
 std::string HSCPlazUtils::getStoreLocalRootDir(const std::string& storeName) {
-    const HSCPlazQStore* store = findStore(storeName);
-    return store ? store->getLocalRootDir() : std::string();
+    return HSCPlazContext::get().getStoreLocalRootDir(storeName);
 }
 
 std::string HSCPlazUtils::getStoreRootDir(const std::string& storeName) {
-    const HSCPlazQStore* store = findStore(storeName);
-    return store ? store->getRootDir() : std::string();
+    return HSCPlazContext::get().getStoreRootDir(storeName);
 }
 
 std::string HSCPlazUtils::getStoreUrl(const std::string& storeName) {
-    const HSCPlazQStore* store = findStore(storeName);
-    return store ? store->getUrl() : std::string();
+    return HSCPlazContext::get().getStoreUrl(storeName);
 }
 
 std::string HSCPlazUtils::getStoreBranch(const std::string& storeName) {
-    const HSCPlazQStore* store = findStore(storeName);
-    return store && store->getModel() ? store->getModel()->getBranchOrMaster() : std::string();
+    return HSCPlazContext::get().getStoreBranch(storeName);
 }
 
 HSCPlazTypes::StoreType HSCPlazUtils::getStoreTypeEnumValue(const std::string& text) {
@@ -63,18 +50,14 @@ bool HSCPlazUtils::useLocalStore() {
 }
 
 std::string HSCPlazUtils::getPlazRootDir() {
-    const HSCPlazCfgModel* config = HSCPlazMgr::getInstance().getConfigMgr()->getConfigModel();
-    if (!config) return "";
-    std::string base = config->getGDADataRoot();
-    if (useLocalStore())
-        base = config->getAppDataRoot().empty() ? HUTEnv::getHDIAppDataDir() : config->getAppDataRoot();
-    return base.empty() ? config->getRoot() : base + HUTFile::getDirSeparator() + config->getRoot();
+    return HSCPlazContext::get().getPlazRootDir();
 }
 
 std::string HSCPlazUtils::getPlazDefaultDownloadRootDir() {
     const std::string& separator = HUTFile::getDirSeparator();
+    const HSCPlaz* hub = HSCPlazContext::get().getHub();
     return HUTEnv::getHDIAppDataDir() + separator + HSCPlazProduct::get().version + separator +
-           HSCPlazMgr::getInstance().getHub().getRoot();
+           (hub ? hub->getRoot() : std::string());
 }
 
 bool HSCPlazUtils::isInstalledFileValid(const std::string& file) {

@@ -31,7 +31,8 @@ public:
     virtual std::string getStoreUrl(const std::string& /*store*/) const { return {}; }
     virtual std::string getStoreBranch(const std::string& /*store*/) const { return {}; }
     virtual std::string getStoreRootDir(const std::string& /*store*/) const { return {}; }
-    /// Root of the hub's data.
+    virtual std::string getStoreLocalRootDir(const std::string& /*store*/) const { return {}; }
+    /// Root of the hub's data; empty without a configuration.
     virtual std::string getPlazRootDir() const { return {}; }
 
     /// The directory that holds "schemas/json"; empty for none.

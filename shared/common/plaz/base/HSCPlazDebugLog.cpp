@@ -30,7 +30,7 @@ bool HSCPlazDebugLog::isEnabled() {
 
 void HSCPlazDebugLog::write(const std::string& line) {
     if (!isEnabled()) return;
-    static std::ofstream file;
+    static std::ofstream file; // raw: HIOStream opens it, at the first line for which it can
     if (!file.is_open()) openLogFile(file);
     std::cout << line << std::endl;
     if (file.is_open() && file.good()) file << line << std::endl;

@@ -1,0 +1,56 @@
+// What HUTFile and the systems' own sources share.
+
+#include "support/PlatformFile.h"
+
+#include <boost/filesystem/operations.hpp>
+
+#include <algorithm>
+
+namespace fs = boost::filesystem;
+
+namespace platform {
+
+namespace {
+
+using Error = boost::system::error_code;
+
+bool liesBeneath(const fs::path& root, const fs::path& path) {
+    return std::mismatch(root.begin(), root.end(), path.begin(), path.end()).first == root.end();
+}
+
+// The path with every link resolved; components that do not exist follow as they are. Empty when that is impossible.
+fs::path resolve(const std::string& path) {
+    fs::path rest;
+    for (fs::path existing = makeAbsolute(path); !existing.empty(); existing = existing.parent_path()) {
+        std::error_code error;
+        const fs::path real = resolveLinks(existing.string(), error);
+        if (!error) return rest.empty() ? real : real / rest;
+        if (error != std::errc::no_such_file_or_directory && error != std::errc::not_a_directory) return {};
+        // What a dangling link would lead to is anybody's guess, and ".." below nothing has no meaning.
+        Error ignored;
+        if (fs::is_symlink(fs::symlink_status(toSystemName(existing.string()), ignored)) || existing.filename() == "..")
+            return {};
+        if (existing.filename() != ".") rest = rest.empty() ? existing.filename() : existing.filename() / rest;
+    }
+    return {};
+}
+
+} // namespace
+
+bool isBeneath(const std::string& root, const std::string& path) {
+    if (root.empty() || path.empty() || (root + path).find('\0') != std::string::npos) return false;
+    const fs::path realRoot = resolve(root);
+    return !realRoot.empty() && liesBeneath(realRoot, resolve(path));
+}
+
+std::vector<std::string> listEntries(const std::string& dir) {
+    std::vector<std::string> names;
+    Error error;
+    fs::directory_iterator entry(toSystemName(dir), error);
+    for (; !error && entry != fs::directory_iterator(); entry.increment(error))
+        names.push_back(entry->path().filename().string());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+} // namespace platform
