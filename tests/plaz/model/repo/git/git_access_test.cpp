@@ -1,4 +1,4 @@
-#include "git_fixture.h"
+#include "plaz/model/repo/git/git_fixture.h"
 
 #include "plaz/model/HSCPlazModel.h"
 #include "plaz/model/repo/git/HSCPlazGitCredentials.h"

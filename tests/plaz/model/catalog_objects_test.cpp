@@ -1,4 +1,4 @@
-#include "hub_fixture.h"
+#include "plaz/hub_fixture.h"
 
 #include "plaz/model/HSCPlazCategory.h"
 

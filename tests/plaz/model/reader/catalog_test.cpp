@@ -1,4 +1,4 @@
-#include "plaz/reader_fixture.h"
+#include "plaz/model/reader/reader_fixture.h"
 
 #include "plaz/model/reader/HSCPlazCategoryTree.h"
 #include "plaz/model/reader/HSCPlazQItemCatalogReader.h"
