@@ -27,15 +27,6 @@ protected:
     static bool refresh(HDGUIStatus* status = nullptr) {
         return HSCPlazTaskMgr::loadCatalog(&hub(), &store(), status) && HSCPlazTaskMgr::updateCatalog(&store(), status);
     }
-    /// The id of the message that a task throws; "" when it throws none.
-    static std::string thrownBy(const std::function<void()>& task) {
-        try {
-            task();
-        } catch (const HEXAll& failure) {
-            return failure.getMsg().getId();
-        }
-        return "";
-    }
 
     StoreOnDisk& tcl;
 };

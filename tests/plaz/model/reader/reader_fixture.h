@@ -1,6 +1,6 @@
 #pragma once
 
-#include "plaz/hub_fixture.h"
+#include "plaz/context_fixture.h"
 
 #include <gmock/gmock.h>
 
@@ -9,22 +9,8 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using Strings = Names;
 
-/// Files in a directory of the test's own, the running product fixed.
-class ReaderTest : public HubOnDiskTest {
+class ReaderTest : public ContextTest {
 protected:
-    ReaderTest() {
-        plaz_startup();
-        env.set("ZENTOR_PLAZ_USERAREA_ROOT_DIR", temp.path("user"));
-        env.unset("ZENTOR_PLAZ_LOCAL_ROOT_DIR");
-    }
-    ~ReaderTest() override {
-        for (const char* name : {"plaz.enableSchemaValidation", "plaz.enableJsonFileValidation"})
-            HPAParamMgr::getParamMgr().resetValue(name);
-    }
-
-    static void setParam(const std::string& name, bool value) {
-        HPAParamMgr::getParamMgr().setValue(name, value ? "true" : "false");
-    }
     /// "12-102 file|place" of each message caught since the last call.
     Strings takeMessages() {
         Strings taken;
@@ -36,7 +22,4 @@ protected:
         messages.clear();
         return taken;
     }
-
-    TempDir& temp = files.temp;
-    EnvGuard& env = files.env;
 };

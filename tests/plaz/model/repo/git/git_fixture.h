@@ -1,20 +1,16 @@
 #pragma once
 
-#include "plaz/hub_fixture.h"
+#include "plaz/context_fixture.h"
 #include "plaz/model/repo/HSCPlazGit.h"
-#include "plaz/pref/HSCPlazConfigMgr.h"
 #include "support/HUTSysCall.h"
 #include "support/System.h"
 
-/// Home, application data and working directory below one temporary directory; a store with an area of its own.
-class GitTest : public MessagesTest {
+#include <sstream>
+
+/// A store with an area of its own; the working directory is the test's.
+class GitTest : public ContextTest {
 protected:
     GitTest() {
-        plaz_startup();
-        for (const HPAParam* param : HPAParamMgr::getParamMgr().list(true))
-            HPAParamMgr::getParamMgr().resetValue(param->getName());
-        env.set("HOME", temp.makeDir("home"));
-        env.set("GDA_APPDATA_DIR", temp.makeDir("appdata"));
         HUTSysCall::changeDir(temp.makeDir("cwd"));
         model.setName("store");
         model.setRoot("store");
@@ -40,34 +36,33 @@ protected:
         HUTFile::rmRecursive(temp.path("calls"));
         return calls;
     }
-    static void setParam(const char* name, const std::string& value) {
-        ASSERT_TRUE(HPAParamMgr::getParamMgr().setValue(name, value)) << name;
-    }
-    /// Makes this the configuration of the manager: members of "plaz".
-    void configure(const std::string& members) {
-        temp.write("root/plaz/plaz_config.json", "{\"plaz\": {" + members + "}}");
-        env.set("ZENTOR_PLAZ_LOCAL_ROOT_DIR", temp.path("root"));
-        HSCPlazMgr::getInstance().getConfigMgr()->setPathMgr(HSCPlazMgr::getInstance().getPathMgr());
-        HUTFile::rmRecursive(temp.path("root"));
-    }
-    static std::string repository(const std::string& url, const std::string& user, const std::string& token) {
-        return filled(R"({"url": "%", "authentication": {"user_id": "%", "user_token": "%"}})", {url, user, token});
-    }
-    /// @return the id of the message that @p action throws
-    template <typename Action> static std::string thrownBy(Action action) {
-        try {
-            action();
-        } catch (const HEXAll& failure) {
-            return failure.getMsg().getId();
-        }
-        return "nothing";
+    bool load(HSCPlazBaseModel& owner, const Names& files = {"catalog.json"}) {
+        return git.loadCatalog(&owner, &context.paths, files);
     }
 
-    TempDir temp;
-    EnvGuard env;
     HSCPlazGit git;
     HSCPlazQStoreModel model;
     HSCPlaz hub;
     const std::string staging = temp.path("area/.staging");
     const std::string index = temp.path("area/.plaz/.index");
+};
+
+/// The same with a repository, which is the store's.
+class GitRemoteTest : public GitTest {
+protected:
+    GitRemoteTest() { model.setUrl(remote.getDir()); }
+
+    static std::string config(const std::string& dir) { return readFile(dir + "/.git/config"); }
+    /// The proxies and the URL that the store's working copy records.
+    Names recordedProxies() const {
+        Names found;
+        std::istringstream words(config(index));
+        for (std::string word, last; words >> word; last = word)
+            if (last == "=" && word.find(':') != std::string::npos && word.front() != '+' && word != remote.getDir())
+                found.push_back(word);
+        return found;
+    }
+
+    GitRepo remote{temp.path("remote")};
+    const std::string clone = temp.path("clone");
 };
