@@ -33,7 +33,9 @@ StoreOnDisk& StoreOnDisk::item(const std::string& name, const std::string& revis
     m_repo.write("items/" + folderOf(name) + "/body.txt", name + " " + revision + "\n");
     auto item = std::find_if(m_items.begin(), m_items.end(), [&](const Item& known) { return known.first == name; });
     if (item == m_items.end()) item = m_items.insert(item, {name, {}});
-    item->second.push_back({revision, m_repo.commit(), metadata});
+    std::vector<Revision>& revisions = item->second;
+    if (!revisions.empty() && revisions.back().revision == revision) revisions.pop_back();
+    revisions.push_back({revision, m_repo.commit(), metadata});
     return *this;
 }
 
@@ -74,7 +76,7 @@ std::string StoreOnDisk::entry() const {
                   {m_name, m_name, m_repo.getDir(), m_name, m_type});
 }
 
-HubOnDisk::HubOnDisk() {
+OwnPlace::OwnPlace() {
     env.set("HOME", temp.makeDir("home"));
     env.set("GDA_APPDATA_DIR", temp.path("appdata"));
     env.set("ZENTOR_PLAZ_LOCAL_ROOT_DIR", temp.makeDir("data"));
@@ -84,6 +86,9 @@ HubOnDisk::HubOnDisk() {
          {"ZENTOR_PLAZ_USER_REPO_PATH", "ZENTOR_PLAZ_USERAREA_ROOT_DIR", "ZENTOR_PLAZ_SHARED_ROOT_DIR",
           "ZENTOR_PLAZ_LOCAL_USER_DATA", "ZENTOR_PLAZ_REMOTE_REPO_PATH", "GDA_REGRESS_MODE"})
         env.unset(name);
+}
+
+HubOnDisk::HubOnDisk() {
     temp.write("data/plaz/plaz_config.json",
                R"({"plaz": {"remote_repository": {"url": "https://hub.example.org/hub.git"}}})");
 }

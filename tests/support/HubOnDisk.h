@@ -19,7 +19,7 @@ public:
 
     const std::string& getName() const { return m_name; }
     GitRepo& getRepo() { return m_repo; }
-    /// Commits a revision of an item; the last one committed is the latest in the catalog.
+    /// Commits a revision of an item, for the first time or again; the last one committed is the latest in the catalog.
     StoreOnDisk& item(const std::string& name, const std::string& revision, const std::vector<Needs>& needs = {});
     /// Leaves an item out of the catalog; the commits stay.
     void withdraw(const std::string& name);
@@ -43,8 +43,16 @@ private:
     std::vector<Item> m_items;
 };
 
-/// A hub's shipped data with its stores, and an environment that leads to it and to nothing of the developer's own.
-class HubOnDisk {
+/// A temporary directory, and an environment that leads to it and to nothing of the developer's own.
+struct OwnPlace {
+    OwnPlace();
+
+    TempDir temp;
+    EnvGuard env;
+};
+
+/// A hub's shipped data with its stores, in a place of its own.
+class HubOnDisk : public OwnPlace {
 public:
     HubOnDisk();
     StoreOnDisk& addStore(const std::string& name, const std::string& type, bool multiRevision);
@@ -53,9 +61,6 @@ public:
 
     /// Directory of the store's own area in its default place.
     std::string area(const std::string& folder) const { return temp.path("appdata/2024.2/plaz/" + folder); }
-
-    TempDir temp;
-    EnvGuard env;
 
 private:
     std::vector<std::unique_ptr<StoreOnDisk>> m_stores;

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 using Names = std::vector<std::string>;
+using Ids = Names;
 
 /// Catches every message that is sent.
 class MessagesTest : public testing::Test {
@@ -21,5 +22,17 @@ protected:
         return ids;
     }
 
+    /// The id of the message that @p action throws, "nothing" where it throws none; its text is in thrownText then.
+    template <typename Action> std::string thrownBy(Action action) {
+        try {
+            action();
+        } catch (const HEXAll& failure) {
+            thrownText = failure.what();
+            return failure.getMsg().getId();
+        }
+        return "nothing";
+    }
+
     std::vector<ComMsgMgr::Message> messages;
+    std::string thrownText;
 };

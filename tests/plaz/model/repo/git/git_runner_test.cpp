@@ -1,6 +1,10 @@
-#include "git_fixture.h"
+#include "plaz/model/repo/git/git_fixture.h"
 
 #include "plaz/model/repo/git/HSCPlazGitLog.h"
+#include "support/HUTFork.h"
+
+#include <chrono>
+#include <thread>
 
 namespace {
 
@@ -130,6 +134,39 @@ TEST_F(GitRunner, EnvironmentIsOfOurMaking) {
 TEST_F(GitRunner, RepositoryAroundTheDirectoryIsLeftAlone) {
     GitRepo(temp.path()).write("precious", "x").commit();
     EXPECT_EQ(run("status"), "17-1587");
+}
+
+// Faults: arguments torn apart or run by a shell, one output stream lost, a status mixed up with a failed start, a
+// process that nothing ends.
+TEST_F(GitRunner, DirectRunnerTellsHowItWent) {
+    const std::string out = temp.path("out");
+    std::uint32_t status = 0;
+    const auto run = [&](const std::string& line, const std::string& dir) {
+        return HSCPlazGit::exec_git_win(line, dir, out, status);
+    };
+    // Where each stream has a pipe of its own, either may come first.
+    const auto isWritten = [&out](const std::string& output, const std::string& errors) {
+        const std::string text = readFile(out);
+        return text == output + errors || text == errors + output;
+    };
+    const std::string tool = temp.path("a dir/tool");
+    writeScript("a dir/tool", "pwd; echo \"$#:$1:$2\" >&2; exit 127");
+    EXPECT_EQ(run(tool + " $(x)  \"b  c\"", temp.path("area")), 0);
+    EXPECT_EQ(status, 127U);
+    EXPECT_TRUE(isWritten(test_system::toShellName(temp.path("area")) + "\n", "2:$(x):b  c\n")) << readFile(out);
+    EXPECT_EQ(run("\"" + tool + "\" \"\" y", ""), 0);
+    EXPECT_TRUE(isWritten(test_system::toShellName(temp.path("cwd")) + "\n", "2::y\n")) << readFile(out);
+    for (const std::string& line : {std::string(), temp.path("missing") + " x"}) EXPECT_EQ(run(line, ""), -4);
+
+    writeScript("slow", "echo x > " + temp.path("started") + "; sleep 60");
+    std::thread user([this] {
+        while (!HUTFile::exists(temp.path("started"))) std::this_thread::sleep_for(std::chrono::milliseconds(5));
+        HUTFork::interruptAll();
+    });
+    EXPECT_EQ(run(temp.path("slow"), ""), 0);
+    user.join();
+    HUTFork::clearInterrupt();
+    EXPECT_EQ(status, static_cast<std::uint32_t>(HUTFork::interrupted));
 }
 
 // Fault: a path that git would take for a pattern checks out something else.

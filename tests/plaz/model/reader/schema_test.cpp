@@ -1,4 +1,4 @@
-#include "plaz/reader_fixture.h"
+#include "plaz/model/reader/reader_fixture.h"
 
 #include "plaz/model/reader/HSCPlazJsonDocument.h"
 #include "plaz/model/reader/HSCPlazJsonReadWriteUtils.h"
@@ -71,10 +71,10 @@ TEST_F(ReaderTest, shippedSchemas) {
 TEST_F(ReaderTest, validationReportsAndGoesOn) {
     const std::string bad = temp.write("bad.json", R"({"plaz": {"qstores": [{"name": "a", "display_name": 1}]}})");
     HSCPlazModel hub;
-    setParam("plaz.enableSchemaValidation", false);
+    setParam("plaz.enableSchemaValidation", "false");
     HSCPlazReader().parse(bad, &hub);
     EXPECT_THAT(takeMessages(), IsEmpty());
-    setParam("plaz.enableSchemaValidation", true);
+    setParam("plaz.enableSchemaValidation", "true");
     for (int i = 0; i < 2; ++i) { // the second time with the validator that the first has left at its violation
         HSCPlazReader().parse(bad, &hub);
         EXPECT_THAT(takeMessages(),

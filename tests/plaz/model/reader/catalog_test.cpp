@@ -1,4 +1,4 @@
-#include "plaz/reader_fixture.h"
+#include "plaz/model/reader/reader_fixture.h"
 
 #include "plaz/model/reader/HSCPlazCategoryTree.h"
 #include "plaz/model/reader/HSCPlazQItemCatalogReader.h"
@@ -87,7 +87,7 @@ TEST_F(CatalogTest, severalRevisions) {
 
 // An entry that leads out of the store used, or taking the rest of the catalog with it; a terminal that obeys its name.
 TEST_F(CatalogTest, refusals) {
-    setParam("plaz.enableSchemaValidation", false);
+    setParam("plaz.enableSchemaValidation", "false");
     read(R"("multi_revision_supported": true, "items": [{"name": "root", "root": "../x"}, {}, {"name": ""},
         {"name": "item root", "config": {"root": "/etc"}}, {"name": "file", "config": {"metadata_file": "a\\b"}},
         {"name": "revision", "latest_revision": "../1"}, {"name": "commit", "commit_id": "--all"},

@@ -1,4 +1,4 @@
-#include "git_fixture.h"
+#include "plaz/model/repo/git/git_fixture.h"
 #include "support/HUTFork.h"
 #include "support/System.h"
 
@@ -6,14 +6,13 @@
 
 namespace {
 
-class GitInstall : public GitTest {
+class GitInstall : public GitRemoteTest {
 protected:
     GitInstall() {
         first =
             remote.write("boards/a/item.json", "{\"v\": 1}").write("boards/a/old", "x").write("other", "x").commit();
         HUTFile::rmRecursive(remote.getDir() + "/boards/a/old");
         second = remote.write("boards/a/item.json", "{\"v\": 2}").commit();
-        model.setUrl(remote.getDir());
     }
     ~GitInstall() override {
         EXPECT_FALSE(HUTFile::exists(staging));
@@ -31,7 +30,6 @@ protected:
     }
     std::string installed(const std::string& file) const { return readFile(temp.path("area/" + file)); }
     Names list(const std::string& dir) const { return HUTFile::createFileIter(temp.path(dir)); }
-    GitRepo remote{temp.path("remote")};
     std::string first, second;
 };
 

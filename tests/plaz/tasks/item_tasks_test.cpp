@@ -1,4 +1,4 @@
-#include "hub_fixture.h"
+#include "plaz/hub_fixture.h"
 
 #include "plaz/HSCPlazTaskMgr.h"
 #include "plaz/store/HSCPlazLocalDBMgr.h"
@@ -41,6 +41,9 @@ protected:
         return HSCPlazTaskMgr::install(&hub(), &find(name), false, nullptr);
     }
     static bool uninstall(const std::string& name) { return HSCPlazTaskMgr::uninstall(&hub(), &find(name), false); }
+    static bool update(const std::string& name) {
+        return HSCPlazTaskMgr::updateItem(hub(), find(name), false, nullptr).isDone();
+    }
     template <typename Item> static std::string describe(const Item& item) {
         return item.getName() + "@" + item.getRevision() + " " + item.getInstallationMode() + " " +
                std::to_string(item.getReferenceCount()) + ";";
@@ -56,7 +59,8 @@ protected:
         }
         return text;
     }
-    /// A task ("+x" installs, "-x" uninstalls), "!" where it fails and the ids that it tells, what is installed then.
+    /// A task ("+x" installs, "-x" uninstalls, "^x" updates), "!" where it fails and the ids that it tells, what is
+    /// installed then.
     struct Step {
         const char *task, *told, *installed;
     };
@@ -64,7 +68,8 @@ protected:
         for (const auto& [task, told, expected] : steps) {
             SCOPED_TRACE(task);
             takeIds();
-            std::string outcome = (*task == '+' ? install(task + 1) : uninstall(task + 1)) ? "" : "!", installed;
+            const auto act = *task == '+' ? install : *task == '-' ? uninstall : update;
+            std::string outcome = act(task + 1) ? "" : "!", installed;
             for (const std::string& id : takeIds()) outcome += " " + id;
             EXPECT_EQ(outcome, told);
             for (HSCPlazQStore* store : hub().getStores())
@@ -151,6 +156,21 @@ TEST_F(ItemTasksTest, ReplacedRevisionHandsOverItsHolders) {
     walk({{"+x", " 17-1570 17-1573 17-1554 17-1553", "new@1 tool 2;x@2 user 1;y@1 user 0;"}});
     EXPECT_EQ(body("x"), "x 2\n");
     walk({{"-y", " 17-1574", "new@1 tool 1;x@2 user 0;"}, {"-x", " 17-1553 17-1574", ""}});
+}
+
+// Of an item published again under its revision: what its new description needs left out, what only the old one needed
+// there for ever, its own mode and holders lost; files fetched although they are current.
+TEST_F(ItemTasksTest, UpdateFollowsTheNewDescription) {
+    StoreOnDisk& store = ship("deep old<deep kept new mid<old,kept top<mid other<kept");
+    ASSERT_TRUE(install("top") && install("other"));
+    const char* const before = "deep@1 tool 1;old@1 tool 1;kept@1 tool 2;mid@1 tool 1;top@1 user 0;other@1 user 0;";
+    walk({{"^mid", "", before}});
+    store.item("mid", "1", {{"tcl", "kept", ""}, {"tcl", "new", ""}});
+    reload();
+    const char* const after = "kept@1 tool 2;new@1 tool 1;mid@1 tool 1;top@1 user 0;other@1 user 0;";
+    walk({{"^mid", " 17-1570 17-1554 17-1553 17-1553 17-2188", after},
+          {"^mid", "", after},
+          {"-top", " 17-1553 17-1553 17-1574", "kept@1 tool 1;other@1 user 0;"}});
 }
 
 // Revisions in each other's way; a dependency that stays for ever because the catalog has moved on meanwhile.

@@ -1,5 +1,4 @@
-#include "hub_fixture.h"
-
+#include "plaz/context_fixture.h"
 #include "plaz/model/HSCPlazCategory.h"
 
 #include <sstream>
@@ -70,19 +69,14 @@ TEST(ItemTest, KeepsItsModelAndWorksWithoutOne) {
 }
 
 // Links made from the wrong store, with ".git" left in, or with a branch that is not there.
-TEST(ItemTest, LinksFollowTheStoresUrl) {
-    HubOnDisk files;
-    files.addStore("boards", "board", true);
-    files.ship();
-    HSCPlazQStore& store = *HSCPlazMgr::getInstance().getHub().getStore("boards");
+TEST_F(ContextTest, LinksFollowTheStoresUrl) {
     HSCPlazQItemModel model;
-    model.setStoreName("boards");
     model.setRoot("boards/x");
     model.setLogo("logo.svg");
-    HSCPlazQItem item(&store);
+    HSCPlazQItem item;
     item.assignItem(&model);
-    store.setUrl("https://h/o/repo.git");
-    store.setBranch("main");
+    context.storeUrl = "https://h/o/repo.git";
+    context.storeBranch = "main";
     EXPECT_EQ(item.getUrl(), "https://h/o/repo/tree/main/boards/x");
     EXPECT_EQ(item.getLogo(), "https://raw.example.org/o/repo/main/boards/x/logo.svg");
     const std::string* buffer = &item.getLogo();
@@ -90,7 +84,7 @@ TEST(ItemTest, LinksFollowTheStoresUrl) {
     model.setLocalDir("/area/x");
     EXPECT_EQ(&item.getLogo(), buffer);
     EXPECT_EQ(*buffer, "/area/x/logo.svg");
-    store.setUrl("https://h/o/repo");
+    context.storeUrl = "https://h/o/repo";
     EXPECT_EQ(item.getUrl(), "https://h/o/repo");
 }
 

@@ -1,4 +1,4 @@
-#include "hub_fixture.h"
+#include "plaz/hub_fixture.h"
 
 #include "plaz/store/HSCPlazLocalDBMgr.h"
 #include "plaz/store/HSCPlazRepoInfoMgr.h"

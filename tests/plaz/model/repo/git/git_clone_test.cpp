@@ -1,4 +1,4 @@
-#include "git_fixture.h"
+#include "plaz/model/repo/git/git_fixture.h"
 
 #include "plaz/model/repo/git/HSCPlazGitHead.h"
 #include "support/HUTFork.h"
@@ -7,21 +7,19 @@ namespace fs = boost::filesystem;
 
 namespace {
 
-class GitClone : public GitTest {
+class GitClone : public GitRemoteTest {
 protected:
     GitClone() {
         for (const char* file : {"a/item.json", "a/changelog.txt", "a/big", "b/item.json"}) remote.write(file, "{}");
         remote.write("catalog.json", "1").commit();
-        model.setUrl(remote.getDir());
-    }
-    bool load(const Names& files = {"catalog.json"}) {
-        return git.loadCatalog(&model, HSCPlazMgr::getInstance().getPathMgr(), files);
+        hubModel.setRoot("hub");
     }
     int stage() { return HSCPlazGit::cloneOrUpdateRepoForStore(&model, false); }
     std::string staged(const std::string& file) const { return readFile(staging + "/" + file); }
     // What the working copy loses only when it is made afresh.
     const std::string mark = "area/.plaz/.index/.git/mark";
-    GitRepo remote{temp.path("remote")};
+    HSCPlazModel hubModel;
+    const std::string hubStaging = context.paths.getStagingPath("hub");
 };
 
 // Faults: a working tree in the index, objects copied instead of linked, verification left off, no marker.
@@ -40,13 +38,13 @@ TEST_F(GitClone, FreshCloneIsCompleteAndStagedByLinks) {
 
 // Faults: a whole store on disk for one file, a list that grows, a fetch from scratch, a stale local branch.
 TEST_F(GitClone, CatalogFilesFollowTheBranch) {
-    ASSERT_TRUE(load({"a/item.json", "a/big"}));
+    ASSERT_TRUE(load(model, {"a/item.json", "a/big"}));
     temp.write(mark, "");
-    ASSERT_TRUE(load());
+    ASSERT_TRUE(load(model));
     EXPECT_EQ(HUTFile::createFileIter(staging), (Names{".done", ".git", "catalog.json"}));
     EXPECT_EQ(staged(".git/info/sparse-checkout"), "catalog.json\n");
     remote.write("catalog.json", "2").commit();
-    ASSERT_TRUE(load());
+    ASSERT_TRUE(load(model));
     EXPECT_EQ(staged("catalog.json"), "2");
     EXPECT_TRUE(HUTFile::exists(temp.path(mark)));
     EXPECT_EQ(takeIds(), Names{});
@@ -88,7 +86,7 @@ TEST_F(GitClone, RefreshFollowsARemoteThatChanges) {
     for (const auto& [what, change, content, ids] : cases) {
         change();
         bool isLoaded = false;
-        const std::string thrown = thrownBy([&] { isLoaded = load(); });
+        const std::string thrown = thrownBy([&] { isLoaded = load(model); });
         EXPECT_EQ(isLoaded, !content.empty()) << what;
         EXPECT_EQ(thrown, ids == Names{"17-1990"} ? "17-1587" : "nothing") << what;
         EXPECT_EQ(takeIds(), ids) << what;
@@ -118,13 +116,13 @@ TEST_F(GitClone, DamagedOrForeignWorkingCopyIsMadeAfresh) {
             model.setUrl(temp.path("moved"));
         }};
     for (const auto& damage : damages) {
-        ASSERT_TRUE(load());
+        ASSERT_TRUE(load(model));
         temp.write(mark, "");
         damage();
         EXPECT_NE(stage(), 0);
         EXPECT_EQ(HUTFile::exists(temp.path(mark)), &damage == damages);
         EXPECT_FALSE(HUTFile::exists(temp.path(gitDir + "/objects/pack/tmp_pack_x")));
-        EXPECT_TRUE(load());
+        EXPECT_TRUE(load(model));
     }
     EXPECT_EQ(takeIds(), Names{});
 }
@@ -133,9 +131,9 @@ TEST_F(GitClone, DamagedOrForeignWorkingCopyIsMadeAfresh) {
 TEST_F(GitClone, BoardStoreFollowsItsParameter) {
     setParam("board.repoURL", remote.getDir());
     model.setUrl(temp.path("nowhere"));
-    EXPECT_EQ(thrownBy([this] { load(); }), "17-1587");
+    EXPECT_EQ(thrownBy([this] { load(model); }), "17-1587");
     model.setStoreType("board");
-    EXPECT_TRUE(load());
+    EXPECT_TRUE(load(model));
 }
 
 // Faults: git is given a URL, branch or path that makes it do something else; switched-off access is used.
@@ -143,20 +141,20 @@ TEST_F(GitClone, NothingRunsForARefusedStoreOrWithoutAccess) {
     const auto refuses = [this](const std::string& storeUrl, const std::string& branch, const std::string& file) {
         model.setUrl(storeUrl);
         model.setBranch(branch);
-        EXPECT_FALSE(load({file}));
+        EXPECT_FALSE(load(model, {file}));
         EXPECT_EQ(takeIds(), Names{"17-2161"}) << storeUrl << branch << file;
     };
     for (const char* address : {"ext::sh -c x", "--upload-pack=x", ""}) refuses(address, "", "f");
     for (const char* file : {"../f", "f\n/*"}) refuses(remote.getDir(), "", file);
     refuses(remote.getDir(), "--orphan", "f");
     model.setBranch("");
-    EXPECT_FALSE(load({}));
+    EXPECT_FALSE(load(model, {}));
     EXPECT_FALSE(HUTFile::exists(index));
     setParam("plaz.enableGitAccess", "false");
-    EXPECT_FALSE(load());
+    EXPECT_FALSE(load(model));
     EXPECT_FALSE(HSCPlazStoreLayout::isComplete(index));
     setParam("plaz.enableRemoteAccess", "false");
-    EXPECT_FALSE(load() || git.updateCatalog(&model));
+    EXPECT_FALSE(load(model) || git.updateCatalog(&model));
     EXPECT_EQ(takeIds(), (Names{"17-1559", "17-1559"}));
 }
 
@@ -175,6 +173,47 @@ TEST_F(GitClone, CatalogUpdateFetchesItemFiles) {
     EXPECT_EQ(HUTFile::createFileIter(staging), (Names{".done", ".git", "a", "b"}));
     EXPECT_EQ(HUTFile::createFileIter(staging + "/a"), (Names{"changelog.txt", "item.json"}));
     EXPECT_EQ(takeIds(), Names{"17-2160"});
+}
+
+// Faults: a half-made clone counts as one, a branch that is missing ends the work, an update goes to the old place.
+TEST_F(GitClone, PlainCloneAndUpdate) {
+    const auto content = [this] { return readFile(clone + "/catalog.json"); };
+    EXPECT_EQ(thrownBy([this] { HSCPlazGit::cloneRepo(temp.path("gone"), clone, "", ""); }), "17-1587");
+    EXPECT_EQ(thrownBy([this] { HSCPlazGit::cloneRepo("ext::sh -c x", clone, "", ""); }), "17-2161");
+    EXPECT_EQ(HUTFile::createFileIter(clone), Names{});
+    takeIds();
+    HSCPlazGit::cloneRepo(remote.getDir(), clone, "no-such-branch", "");
+    HSCPlazGit::cloneRepo("/other", clone, "", "");
+    EXPECT_EQ(takeIds(), Names{"60-832"});
+    EXPECT_EQ(content(), "1");
+    fs::rename(remote.getDir(), temp.path("moved"));
+    GitRepo moved(temp.path("moved"));
+    for (const char* branch : {"master", "next"}) {
+        moved.git({"checkout", "-B", branch});
+        moved.write("catalog.json", branch).commit();
+        HSCPlazGit::updateRepo(clone, moved.getDir(), branch);
+        EXPECT_EQ(content(), branch);
+    }
+    EXPECT_EQ(thrownBy([&] { HSCPlazGit::updateRepo(clone, moved.getDir(), "gone"); }), "17-1587");
+    EXPECT_EQ(content(), "next");
+}
+
+// Faults: the hub's files come from an old copy, a failure leaves half of one, a root that leads out is obeyed.
+TEST_F(GitClone, HubFilesAreFetchedAfresh) {
+    hubModel.setRemoteRepository(remote.getDir());
+    for (const char* content : {"2", "3"}) {
+        remote.write("catalog.json", content).write("other", content).commit();
+        EXPECT_TRUE(load(hubModel));
+        EXPECT_EQ(HUTFile::createFileIter(hubStaging), (Names{".git", "catalog.json"}));
+        EXPECT_EQ(readFile(hubStaging + "/catalog.json"), content);
+    }
+    hubModel.setRemoteRepository(temp.path("gone"));
+    EXPECT_EQ(thrownBy([this] { load(hubModel); }), "17-1587");
+    EXPECT_FALSE(HUTFile::exists(hubStaging));
+    takeIds();
+    hubModel.setRoot("../x");
+    EXPECT_FALSE(load(hubModel));
+    EXPECT_EQ(takeIds(), Names{"17-2161"});
 }
 
 } // namespace

@@ -1,4 +1,4 @@
-#include "hub_fixture.h"
+#include "plaz/hub_fixture.h"
 
 #include "plaz/HSCPlazTaskMgr.h"
 #include "support/HDGUIStatus.h"
@@ -26,15 +26,6 @@ protected:
     static HSCPlazQStore& store() { return *hub().getStore("tcl"); }
     static bool refresh(HDGUIStatus* status = nullptr) {
         return HSCPlazTaskMgr::loadCatalog(&hub(), &store(), status) && HSCPlazTaskMgr::updateCatalog(&store(), status);
-    }
-    /// The id of the message that a task throws; "" when it throws none.
-    static std::string thrownBy(const std::function<void()>& task) {
-        try {
-            task();
-        } catch (const HEXAll& failure) {
-            return failure.getMsg().getId();
-        }
-        return "";
     }
 
     StoreOnDisk& tcl;

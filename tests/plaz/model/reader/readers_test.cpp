@@ -1,4 +1,4 @@
-#include "plaz/reader_fixture.h"
+#include "plaz/model/reader/reader_fixture.h"
 
 #include "plaz/model/reader/HSCPlazConfigReader.h"
 #include "plaz/model/reader/HSCPlazJsonDocument.h"
@@ -50,7 +50,7 @@ std::string withEveryMember(const std::string& value) {
 
 // A reader that throws, crashes, or gives another result than the others for a file that is no JSON.
 TEST_F(ReaderTest, surviveEveryFile) {
-    setParam("plaz.enableSchemaValidation", false);
+    setParam("plaz.enableSchemaValidation", "false");
     const Strings malformed = {"", "{\"plaz\": {\"qstores\": [{\"na", "{\"plaz\": {}} x", std::string(100000, '[')};
     Strings wellFormed = {"null", "[1, 2]", "{\"plaz\": {\"schema_version\": {\"_major\": 99999999999999999999}}}",
                           "{\"plaz\": {\"qstores\": {}}, \"plaz\": [], \"config\": 1, \"config\": {}}"};
@@ -87,7 +87,7 @@ TEST_F(ReaderTest, hubUpdatesStores) {
          "config": {"root": "ra", "metadata_file": "s.json", "item_root": "i", "script_root": "s", "store_type": "board",
                     "install_loc": "loc"}},
         {"name": "b"}, {"name": "a", "url": "https://example.org/new.git", "display_name": 5}]}})");
-    setParam("plaz.enableSchemaValidation", false);
+    setParam("plaz.enableSchemaValidation", "false");
     ASSERT_TRUE(HSCPlazReader().parse(file, &hub));
     // Again, into the same model, from a file that was edited on Windows.
     temp.write("plaz.json", boost::algorithm::replace_all_copy(readFile(file), "\n", "\r\n"));
@@ -104,7 +104,7 @@ TEST_F(ReaderTest, hubUpdatesStores) {
 
 // A hub file that makes the hub write or run something outside its directories.
 TEST_F(ReaderTest, hubRefusesUnsafeStores) {
-    setParam("plaz.enableSchemaValidation", false);
+    setParam("plaz.enableSchemaValidation", "false");
     HSCPlazModel hub;
     HSCPlazReader().parse(temp.write("plaz.json", R"({"plaz": {"qstores": [
         {"name": "up", "config": {"root": "../../x"}}, {"name": "abs", "config": {"metadata_file": "/etc/passwd"}},
@@ -176,7 +176,7 @@ TEST_F(ReaderTest, storeChoosesRelease) {
 
 // A store file whose names git or the file system would take for something else.
 TEST_F(ReaderTest, storeDropsUnsafeTexts) {
-    setParam("plaz.enableSchemaValidation", false);
+    setParam("plaz.enableSchemaValidation", "false");
     HSCPlazQStoreModel store;
     HSCPlazQStoreReader().parse(temp.write("store.json", R"({"catalog": {"Remote": "ext::sh", "release": "5.1",
         "script_root": "scripts", "item_root": "../items", "current_branch": "-b", "supported_products": [{"product_name":
@@ -193,7 +193,7 @@ TEST_F(ReaderTest, storeDropsUnsafeTexts) {
 
 // Catalog values lost, dependencies doubled by a second reading, wrong elements taken.
 TEST_F(ReaderTest, itemFile) {
-    setParam("plaz.enableSchemaValidation", false);
+    setParam("plaz.enableSchemaValidation", "false");
     HSCPlazQItemModel item;
     const auto read = [&](const std::string& items) {
         return HSCPlazQItemReader().parse(temp.write("i.json", R"({"config": {"items": [)" + items + "]}}"), &item);
@@ -262,7 +262,7 @@ TEST_F(ReaderTest, fileChecks) {
     EXPECT_FALSE(Utils::isJsonFileValid("") || Utils::isJsonFileValid(temp.path()) || Utils::isJsonFileValid(bad));
     EXPECT_THAT(takeMessages(),
                 ElementsAre("17-2137 ", "17-2138 " + temp.path(), HasSubstr("17-2140 " + bad + "|line 1")));
-    setParam("plaz.enableJsonFileValidation", false);
+    setParam("plaz.enableJsonFileValidation", "false");
     EXPECT_TRUE(Utils::isJsonFileValid(temp.path("missing")));
 
     for (const auto& [text, version] : {std::pair("{\"_major\": -1, \"_minor\": 12}", "-1.12"),

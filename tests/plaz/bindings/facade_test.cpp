@@ -1,4 +1,4 @@
-#include "hub_fixture.h"
+#include "plaz/hub_fixture.h"
 
 #include "plaz/bindings/HSCPlazSwigIntf.h"
 #include "plaz/model/HSCPlazQItemModel.h"
@@ -34,15 +34,6 @@ protected:
 
     Names takeCommands() { return std::exchange(commands, {}); }
     static HSCPlazQStore* boards() { return hub().getStore("boards"); }
-    /// Id of what @p action throws.
-    template <typename Action> static std::string thrownBy(Action action) {
-        try {
-            action();
-        } catch (const HEXAll& failure) {
-            return failure.getMsg().getId() + " " + failure.what();
-        }
-        return "nothing";
-    }
     static Names preference(const char* name) { return HCCXPrefMgr::getInstance().getDefaultXPref().getVal(name); }
 
     HDGUIStatus status;
@@ -71,7 +62,8 @@ TEST_F(FacadeTest, ActionsAreCommands) {
     HSCPlazQItem& item = *boards()->getItem("mesa");
     EXPECT_TRUE(Facade::install(&item, status, exception));
     EXPECT_FALSE(Facade::update(&item, status, exception));
-    EXPECT_EQ(thrownBy([&] { Facade::uninstall(&item, status, exception); }), "12-108 cannot remove it");
+    EXPECT_EQ(thrownBy([&] { Facade::uninstall(&item, status, exception); }), "12-108");
+    EXPECT_EQ(thrownText, "cannot remove it");
     EXPECT_TRUE(Facade::refreshCatalog(boards(), status, exception));
     EXPECT_EQ(takeCommands(),
               (Names{"plaz::install [plaz::get_qitems mesa]", "plaz::update [plaz::get_qitems mesa]",
@@ -96,11 +88,10 @@ TEST_F(FacadeTest, NamesThatTclWouldChangeAreRefused) {
     for (const char* name : {"[exit]", "a]", "$done", "a;set done 1", "a\\b", "\"a\"", "{a", "a}", "a\nset done 1",
                              "a\rb", "-installed", "a  b", " a", "a ", "a\tb"}) {
         item.setItemName(name);
-        EXPECT_EQ(thrownBy([&] { Facade::install(&item, status, exception); }).substr(0, 8), "17-2179 ") << name;
+        EXPECT_EQ(thrownBy([&] { Facade::install(&item, status, exception); }), "17-2179") << name;
     }
     const HSCPlazQItem empty;
-    EXPECT_EQ(thrownBy([&] { Facade::update(const_cast<HSCPlazQItem*>(&empty), status, exception); }).substr(0, 8),
-              "17-2179 ");
+    EXPECT_EQ(thrownBy([&] { Facade::update(const_cast<HSCPlazQItem*>(&empty), status, exception); }), "17-2179");
     EXPECT_EQ(takeCommands(), Names{});
     EXPECT_EQ(task_manager::eval_in_tcl_throw("set done", nullptr, true), 0);
 }
@@ -132,7 +123,7 @@ TEST_F(FacadeTest, PreferencesFollowTheProduct) {
     EXPECT_EQ(Facade::getHttpProxy() + Facade::getQStoresPath(), "");
     Facade::setHttpProxy("proxy:1");
     EXPECT_EQ(takeCommands(), Names{"set_param plaz.http_proxy proxy:1"});
-    EXPECT_EQ(thrownBy([&] { Facade::setHttpProxy("[exit]"); }).substr(0, 8), "17-2179 ");
+    EXPECT_EQ(thrownBy([&] { Facade::setHttpProxy("[exit]"); }), "17-2179");
     EXPECT_EQ(Facade::getHttpProxy(), "proxy:1");
     for (const char* product : {"kvq", "Another"}) {
         HUTEnv::setProduct(product, "");
@@ -145,7 +136,7 @@ TEST_F(FacadeTest, PreferencesFollowTheProduct) {
     EXPECT_TRUE(Facade::setQStoresPath(""));
     EXPECT_EQ(takeCommands(), (Names{"set_property QSTORES_PATH /a b/c [current_solvan_preferences]",
                                      "set_property QSTORES_PATH  [current_solvan_preferences]"}));
-    EXPECT_EQ(thrownBy([&] { Facade::setQStoresPath("C:\\stores"); }).substr(0, 8), "17-2179 ");
+    EXPECT_EQ(thrownBy([&] { Facade::setQStoresPath("C:\\stores"); }), "17-2179");
     HCCXPrefMgr::getInstance().getDefaultXPref().setVal("QSTORES_PATH", {"", "/second", "/third"});
     EXPECT_EQ(Facade::getQStoresPath(), "/second");
 }

@@ -1,0 +1,34 @@
+#include "plaz/base/HSCPlazTrust.h"
+
+#include <gtest/gtest.h>
+
+// Names, refs and addresses that lead elsewhere let through, or good ones refused; secrets shown.
+TEST(TrustTest, RefusesWhatLeadsElsewhere) {
+    const auto check = [](bool (*rule)(const std::string&), bool expected, const std::vector<std::string>& texts) {
+        for (const std::string& text : texts) EXPECT_EQ(rule(text), expected) << text;
+    };
+    check(HSCPlazTrust::isSafeRelativePath, true,
+          {"a/b.json", "a..b/..c", "x.git", "Grüße/基板", "a~", "~1a", "much_longer~1"});
+    check(HSCPlazTrust::isSafeRelativePath, false,
+          {"a/../b", "..", "/a", "C:x", "a\\b", "a\nb", "", "a/.GIT/b", ".plaz/x", ".Done", "a./b", "a/ /b", "x/PLAZ~1",
+           "git~12.d", "a\xED\xB0\x80", "\xC3"});
+    check(HSCPlazTrust::isSafeComponent, true, {"1.0"});
+    check(HSCPlazTrust::isSafeComponent, false, {".git", "1/0", "."});
+    check(HSCPlazTrust::isSafeRef, true, {"main", "release/1.0"});
+    check(HSCPlazTrust::isSafeRef, false, {"-x", "a b", "HEAD~1", ""});
+    check(HSCPlazTrust::isSafeUrl, true,
+          {"https://h/r.git", "file:///my dir/r", "/d/r", "git@h:o/r.git", "https://u:t@h/r",
+           "https://h:8/@scope/x.git", "https://h/a@b.git", "https://[::1]/a@b", "https://u:t@[::1]:8/@s",
+           "file://C:/a@b"});
+    check(HSCPlazTrust::isSafeUrl, false,
+          {"https://u:p w@h/r", "-u/x", "ext::sh -c id", "fd::7", "ftp://h/r", "ssh://-oX=y/r", "u@-oX:r",
+           "https://u:TOK/EN@h/x.git", "http://u:1x/@h"});
+    const std::pair<const char*, const char*> shown[] = {
+        {"fetch https://me:s3cret@h/r and http://tok@h:80 x@y", "fetch https://***@h/r and http://***@h:80 x@y"},
+        {"https://a:p@ss@h/r https://h/@scope", "https://***@h/r https://h/@scope"},
+        {"'https://u:TO/K@EN@h/x.git': x@y", "'https://***@h/x.git': x@y"},
+        {"https://h:8/a@b https://[::1]/a@b", "https://h:8/a@b https://[::1]/a@b"},
+        {"h://u:a/b h://v:w@h", "h://u:a/b h://***@h"}};
+    for (const auto& [text, masked] : shown) EXPECT_EQ(HSCPlazTrust::maskSecrets(text), masked);
+    EXPECT_EQ(HSCPlazTrust::maskProxy("u:p/w@proxy:1"), "***@proxy:1");
+}

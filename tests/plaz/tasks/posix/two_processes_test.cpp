@@ -1,0 +1,65 @@
+#include "plaz/hub_fixture.h"
+
+#include "plaz/HSCPlazTaskMgr.h"
+#include "support/HUTFileLock.h"
+
+#include <csignal>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+class TwoProcessesTest : public HubOnDiskTest {
+protected:
+    static HSCPlazQItem* find(const std::string& name) { return hub().getStore("tcl")->getItem(name); }
+    static bool install(const std::string& name) { return HSCPlazTaskMgr::install(&hub(), find(name), false, nullptr); }
+};
+
+// The last of two processes to save taking away what the other one installed.
+TEST_F(TwoProcessesTest, TakeOverFromEachOther) {
+    files.addStore("tcl", "ced", false).item("a", "1").item("b", "1");
+    files.ship();
+    hub();
+    if (const pid_t other = fork(); other == 0)
+        _exit(install("a") ? 0 : 1);
+    else
+        ASSERT_EQ(waitpid(other, nullptr, 0), other);
+    EXPECT_FALSE(find("a")->IsInstalled());
+    EXPECT_TRUE(install("b"));
+    EXPECT_TRUE(find("a")->IsInstalled() && find("b")->IsInstalled());
+}
+
+// The files of an item published again, or its record, changed while another process is at work.
+TEST_F(TwoProcessesTest, UpdateWaitsForTheOther) {
+    StoreOnDisk& store = files.addStore("tcl", "ced", false).item("a", "1").item("b", "1");
+    files.ship();
+    ASSERT_TRUE(install("a"));
+    store.item("a", "1", {{"tcl", "b", ""}});
+    files.ship();
+    HSCPlazMgr::getInstance().loadStoreCatalog(&hub(), hub().getStore("tcl"), false);
+    HPAParamMgr::getParamMgr().setValue("plaz.gitTimeOut", "1");
+    const std::string lockFile = files.area("plaz.lock");
+    const pid_t other = fork();
+    if (other == 0) {
+        HUTFileLock lock(lockFile);
+        while (lock.tryLock() != HUTFileLock::Result::held) continue;
+        pause();
+    }
+    while (HUTFileLock(lockFile).tryLock() != HUTFileLock::Result::busy) continue;
+    const auto update = [] { return HSCPlazTaskMgr::updateItem(hub(), *find("a"), false, nullptr).isDone(); };
+    const auto state = [this] {
+        return readFile(files.area("ced_store/items/a/item.json")) +
+               readFile(files.area("ced_store/.plaz/plaz_local_db.json"));
+    };
+    const std::string before = state();
+    takeIds();
+    EXPECT_FALSE(update());
+    EXPECT_EQ(takeIds(), Ids{"17-2168"});
+    EXPECT_TRUE(state() == before && find("a")->NeedsRefresh() && !find("b")->IsInstalled());
+    kill(other, SIGKILL);
+    waitpid(other, nullptr, 0);
+    EXPECT_TRUE(update());
+    EXPECT_TRUE(state() != before && find("b")->IsInstalled());
+}
+
+} // namespace
