@@ -47,7 +47,10 @@ protected:
                                                       {items})));
     }
     Merge mergeFile(const std::string& file) {
-        return manager.merge(file, store, *HSCPlazMgr::getInstance().getPathMgr());
+        HSCPlazReport report;
+        const Merge outcome = manager.merge(file, store, *HSCPlazMgr::getInstance().getPathMgr(), report);
+        report.send();
+        return outcome;
     }
     /// "name@revision commit root directory" of each installed item, then "latest" and "refresh" where they are set.
     Strings installed() const {

@@ -1,5 +1,6 @@
 #include "plaz/store/HSCPlazRepoInfoMgr.h"
 
+#include "plaz/model/reader/HSCPlazFindings.h"
 #include "support/HCRapidJsonReadWriteUtils.h"
 #include "support/HIOStream.h"
 #include "support/HUTFile.h"
@@ -43,7 +44,7 @@ template <typename List> auto findStore(List& records, const std::string& store)
 
 } // namespace
 
-void HSCPlazRepoInfoMgr::readOnce() {
+void HSCPlazRepoInfoMgr::read(HSCPlazReport& report) {
     if (m_read) return;
     m_read = true;
     m_stamp = HUTFile::getStamp(m_file);
@@ -52,13 +53,20 @@ void HSCPlazRepoInfoMgr::readOnce() {
     if (status == HIOStream::Status::missing) return;
     rapidjson::Document document;
     m_damaged = status != HIOStream::Status::ok || !Json::parseInPlace(text, document, error);
-    if (status != HIOStream::Status::ok)
-        Json::errorReadingJsonFile(m_file);
-    else if (m_damaged)
-        Json::errorParsingJsonFile(m_file, error);
-    if (m_damaged) return;
+    if (m_damaged) {
+        const bool isText = status == HIOStream::Status::ok;
+        const auto kind = isText ? HSCPlazFinding::Kind::notJson : HSCPlazFinding::Kind::unreadable;
+        HSCPlazFinding{kind, m_file, error}.addTo(report);
+        return;
+    }
     const rapidjson::Value* plaz = Json::FindObject(document, "plaz");
     if (plaz) m_content = {readRecords(*plaz, chosenKey), readRecords(*plaz, defaultsKey)};
+}
+
+void HSCPlazRepoInfoMgr::readOnce() {
+    HSCPlazReport report;
+    read(report);
+    report.send();
 }
 
 // Another process may have changed the file since.

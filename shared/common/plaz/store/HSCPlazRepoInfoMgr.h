@@ -1,6 +1,6 @@
 #pragma once
 
-#include "plaz/base/PlazExport.h"
+#include "plaz/base/HSCPlazReport.h"
 
 #include <string>
 #include <vector>
@@ -10,7 +10,7 @@
 ///
 /// The file "plaz_stores.json" in the user area: {"plaz": {"_major": "1", "_minor": "0", "qstores": [{"name": ...,
 /// "directory": ...}], "default_folders": [the same]}}. It is read on first use and written whole and atomically at
-/// each change, upon what stands in it by then.
+/// each change, upon what stands in it by then. A file that cannot be used is told and counts as an empty one.
 class PLAZ_API HSCPlazRepoInfoMgr {
 public:
     struct Record {
@@ -22,6 +22,9 @@ public:
     explicit HSCPlazRepoInfoMgr(std::string file) : m_file(std::move(file)) {}
 
     const std::string& getFile() const { return m_file; }
+
+    /// Reads the file if it has not been read. What is wrong with it is added, and nothing is sent.
+    void read(HSCPlazReport& report);
 
     /// The directory recorded for a store; empty when none is, or when the store has gone back to its default place.
     std::string getStoreDirectory(const std::string& storeName);

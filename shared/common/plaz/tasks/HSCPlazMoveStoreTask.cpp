@@ -67,6 +67,8 @@ bool HSCPlazMoveStoreTask::move(HSCPlazTask& task, HSCPlazQStore& store, const s
     store.setLocalDbFilePath(place.getDatabase());
     store.setLocalRootDir(newRoot);
     store.setInstallDir(newRoot);
-    HSCPlazHubBuilder(workspace).reloadStore(*store.getHub(), store, false);
+    HSCPlazReport report;
+    HSCPlazHubBuilder(workspace, report).reloadStore(*store.getHub(), store, false);
+    task.mention(report);
     return true;
 }

@@ -57,7 +57,9 @@ bool HSCPlazTask::run(const std::function<bool()>& work) {
     return withLock([&] {
         const std::string moved = m_workspace.places.findMovedStore();
         if (!moved.empty()) return fail(Msg::storeMovedMeanwhile, moved);
-        HSCPlazInstalledState(m_workspace).update();
+        HSCPlazReport report;
+        HSCPlazInstalledState(m_workspace, report).update();
+        mention(report);
         removeLeftovers(m_hub, m_workspace.paths);
         return work();
     });
