@@ -62,7 +62,7 @@ std::vector<std::string> HSCPlazPlaces::defaultDirs(const HSCPlazModel& hubModel
     return dirs;
 }
 
-bool HSCPlazPlaces::keepDefaults() const {
+bool HSCPlazPlaces::keepDefaults(HSCPlazReport& report) const {
     if (!hasDefaultLocations()) return true;
     const std::string userArea = m_workspace.paths.getUserAreaRoot();
     std::vector<HSCPlazRepoInfoMgr::Record> folders;
@@ -73,7 +73,7 @@ bool HSCPlazPlaces::keepDefaults() const {
         if (m_workspace.places.getStoreDirectory(store.getName()).empty())
             folders.push_back({store.getName(), place.lexically_relative(userArea).generic_string()});
     }
-    return m_workspace.places.addDefaultFolders(folders);
+    return m_workspace.places.addDefaultFolders(folders, report);
 }
 
 void HSCPlazPlaces::placeStores(HSCPlazModel& model) const {

@@ -19,7 +19,7 @@ public:
     std::string getDefaultPlace(const HSCPlazQStoreModel& store) const;
     /// Records the default places of today's stores, so that no other order of the stores moves them.
     /// @return false when they could not be recorded
-    bool keepDefaults() const;
+    bool keepDefaults(HSCPlazReport& report) const;
 
     /// Gives the stores of another hub model the places that they have, or will have, in this hub, and tells them which
     /// catalog file and branch have been known until now.

@@ -70,10 +70,10 @@ void HSCPlazRepoInfoMgr::readOnce() {
 }
 
 // Another process may have changed the file since.
-void HSCPlazRepoInfoMgr::readAgain() {
+void HSCPlazRepoInfoMgr::readAgain(HSCPlazReport& report) {
     m_read = m_damaged = false;
     m_content = {};
-    readOnce();
+    read(report);
 }
 
 std::string HSCPlazRepoInfoMgr::getStoreDirectory(const std::string& storeName) {
@@ -83,7 +83,15 @@ std::string HSCPlazRepoInfoMgr::getStoreDirectory(const std::string& storeName) 
 }
 
 bool HSCPlazRepoInfoMgr::setStoreDirectory(const std::string& storeName, const std::string& directory) {
-    readAgain();
+    HSCPlazReport report;
+    const bool isRecorded = setStoreDirectory(storeName, directory, report);
+    report.send();
+    return isRecorded;
+}
+
+bool HSCPlazRepoInfoMgr::setStoreDirectory(const std::string& storeName, const std::string& directory,
+                                           HSCPlazReport& report) {
+    readAgain(report);
     Content content = m_content;
     const auto found = findStore(content.chosen, storeName);
     if (found == content.chosen.end())
@@ -98,18 +106,18 @@ const Records& HSCPlazRepoInfoMgr::getDefaultFolders() {
     return m_content.defaults;
 }
 
-bool HSCPlazRepoInfoMgr::addDefaultFolders(const Records& folders) {
-    readAgain();
+bool HSCPlazRepoInfoMgr::addDefaultFolders(const Records& folders, HSCPlazReport& report) {
+    readAgain(report);
     Content content = m_content;
     for (const Record& folder : folders)
         if (findStore(content.defaults, folder.store) == content.defaults.end()) content.defaults.push_back(folder);
     return content.defaults.size() == m_content.defaults.size() || replace(std::move(content));
 }
 
-std::string HSCPlazRepoInfoMgr::findMovedStore() const {
+std::string HSCPlazRepoInfoMgr::findMovedStore(HSCPlazReport& report) const {
     if (!m_read || m_stamp == HUTFile::getStamp(m_file)) return "";
     HSCPlazRepoInfoMgr today(m_file);
-    today.readOnce();
+    today.read(report);
     for (const Record& record : today.m_content.chosen) {
         const auto known = findStore(m_content.chosen, record.store);
         const std::string before = known == m_content.chosen.end() ? std::string() : known->directory;

@@ -30,15 +30,19 @@ public:
     std::string getStoreDirectory(const std::string& storeName);
     /// Records a directory. @return false, with nothing changed, when the file cannot be written
     bool setStoreDirectory(const std::string& storeName, const std::string& directory);
+    /// The same. @param report  what is wrong with the file as it is now is added, and nothing is sent
+    bool setStoreDirectory(const std::string& storeName, const std::string& directory, HSCPlazReport& report);
 
     /// The stores' default places: folder names in the user area. Empty as long as the hub is the shipped one.
     const std::vector<Record>& getDefaultFolders();
-    /// Records those of stores that have none yet. Nothing is written where there are none. @return as
-    /// setStoreDirectory
-    bool addDefaultFolders(const std::vector<Record>& folders);
+    /// Records those of stores that have none yet. Nothing is written where there are none.
+    /// @param report  as setStoreDirectory
+    /// @return as setStoreDirectory
+    bool addDefaultFolders(const std::vector<Record>& folders, HSCPlazReport& report);
 
     /// A store whose chosen directory another process has changed since it was read here; empty when there is none.
-    std::string findMovedStore() const;
+    /// @param report  as setStoreDirectory
+    std::string findMovedStore(HSCPlazReport& report) const;
 
 private:
     struct Content {
@@ -46,7 +50,7 @@ private:
         std::vector<Record> defaults;
     };
     void readOnce();
-    void readAgain();
+    void readAgain(HSCPlazReport& report);
     bool replace(Content content);
     bool write(const Content& content) const;
 

@@ -57,7 +57,10 @@ std::unique_ptr<HSCPlazModel> fetchHub(HSCPlazTask& task, const HSCPlazModel& hu
     if (!isFetched) return nullptr;
     auto fresh = requireHub(task, staging.getFile(name), hub);
     if (task.isCancelled()) return nullptr;
-    if (!HSCPlazPlaces(workspace).keepDefaults()) {
+    HSCPlazReport places;
+    const bool isKept = HSCPlazPlaces(workspace).keepDefaults(places);
+    task.mention(places);
+    if (!isKept) {
         task.fail(Msg::placesNotSaved, workspace.places.getFile());
         return nullptr;
     }

@@ -55,11 +55,12 @@ bool HSCPlazTask::fail(const HSCPlazReport& report) {
 
 bool HSCPlazTask::run(const std::function<bool()>& work) {
     return withLock([&] {
-        const std::string moved = m_workspace.places.findMovedStore();
+        HSCPlazReport places, databases;
+        const std::string moved = m_workspace.places.findMovedStore(places);
+        mention(places);
         if (!moved.empty()) return fail(Msg::storeMovedMeanwhile, moved);
-        HSCPlazReport report;
-        HSCPlazInstalledState(m_workspace, report).update();
-        mention(report);
+        HSCPlazInstalledState(m_workspace, databases).update();
+        mention(databases);
         removeLeftovers(m_hub, m_workspace.paths);
         return work();
     });
