@@ -66,7 +66,8 @@ void read(const std::string& file) {
     store.setName("board");
     store.setLocalRootDir(file + ".area");
     HSCPlazMgr& manager = HSCPlazMgr::getInstance();
-    manager.getLocalDBMgr()->merge(file, store, *manager.getPathMgr());
+    HSCPlazReport report;
+    manager.getLocalDBMgr()->merge(file, store, *manager.getPathMgr(), report);
     for (const auto& item : store.getItems()) {
         const std::string& dir = item->getLocalDir();
         check(staysInside(item->getRoot()));

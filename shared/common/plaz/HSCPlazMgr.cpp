@@ -111,7 +111,11 @@ HSCPlazLocalDBMgr* HSCPlazMgr::getLocalDBMgr() const {
 }
 
 HSCPlaz& HSCPlazMgr::getHub() {
-    if (!m_workspace->hubModel) HSCPlazHubBuilder(*m_workspace).build();
+    if (!m_workspace->hubModel) {
+        HSCPlazReport report;
+        HSCPlazHubBuilder(*m_workspace, report).build();
+        report.send();
+    }
     return *m_workspace->hub;
 }
 
@@ -132,16 +136,24 @@ void HSCPlazMgr::setCurrentStore(HSCPlazQStore* store) {
 }
 
 void HSCPlazMgr::loadStoreCatalog(HSCPlazModel* hubModel, HSCPlazQStoreModel* storeModel, bool shared) {
-    HSCPlazCatalogLoader(m_workspace->paths).loadStore(hubModel, storeModel, shared);
+    HSCPlazReport report;
+    HSCPlazCatalogLoader(m_workspace->paths, report).loadStore(hubModel, storeModel, shared);
+    report.send();
 }
 
 void HSCPlazMgr::loadStoreCatalog(HSCPlaz* hub, HSCPlazQStore* store, bool shared) {
     HSCPlazDebugLog::inside("HSCPlazMgr::loadStoreCatalog", " ");
-    if (hub && store && store->getModel()) HSCPlazHubBuilder(*m_workspace).reloadStore(*hub, *store, shared);
+    if (!hub || !store || !store->getModel()) return;
+    HSCPlazReport report;
+    HSCPlazHubBuilder(*m_workspace, report).reloadStore(*hub, *store, shared);
+    report.send();
 }
 
 void HSCPlazMgr::loadItemCatalog(HSCPlazModel* hubModel, HSCPlazQStoreModel* storeModel) {
-    if (hubModel && storeModel) HSCPlazCatalogLoader(m_workspace->paths).loadItems(*storeModel);
+    if (!hubModel || !storeModel) return;
+    HSCPlazReport report;
+    HSCPlazCatalogLoader(m_workspace->paths, report).loadItems(*storeModel);
+    report.send();
 }
 
 void HSCPlazMgr::loadStoreFromGdaData(HSCPlazQStore* store) {
@@ -150,5 +162,8 @@ void HSCPlazMgr::loadStoreFromGdaData(HSCPlazQStore* store) {
 
 void HSCPlazMgr::loadStoreFromGdaData(HSCPlazQStoreModel* storeModel) {
     getHub();
-    if (storeModel) HSCPlazCatalogLoader(m_workspace->paths).loadShipped(*m_workspace->hubModel, *storeModel);
+    if (!storeModel) return;
+    HSCPlazReport report;
+    HSCPlazCatalogLoader(m_workspace->paths, report).loadShipped(*m_workspace->hubModel, *storeModel);
+    report.send();
 }

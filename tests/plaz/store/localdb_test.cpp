@@ -29,7 +29,12 @@ protected:
             [{"name": "other", "items": [{"name": "x"}]}, {"name": "s", "items": [%]}]}})",
                                                       {items})));
     }
-    Merge mergeFile(const std::string& file) { return manager.merge(file, store, context.paths); }
+    Merge mergeFile(const std::string& file) {
+        HSCPlazReport report;
+        const Merge outcome = manager.merge(file, store, context.paths, report);
+        report.send();
+        return outcome;
+    }
     /// "name@revision commit root directory" of each installed item, then "latest" and "refresh" where they are set.
     Strings installed() const {
         Strings lines;

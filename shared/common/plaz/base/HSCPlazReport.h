@@ -27,8 +27,10 @@ public:
     void add(const MsgId<Arity>& id, MsgSeverity severity, const Args&... args) {
         m_notes.push_back({ComMsgMgrInstance("", 0, "common", id, args...), severity});
     }
-    /// What an exception carries, as an error.
-    void add(const HEXAll& failure) { m_notes.push_back({failure.getMsg(), MsgSeverity::error}); }
+    /// What an exception carries, as an error unless it is less.
+    void add(const HEXAll& failure, MsgSeverity severity = MsgSeverity::error) {
+        m_notes.push_back({failure.getMsg(), severity});
+    }
     void append(const HSCPlazReport& other);
 
     bool isEmpty() const { return m_notes.empty(); }

@@ -24,20 +24,14 @@ std::string joined(const std::string& dir, const std::string& name) {
     return dir + HUTFile::getDirSeparator() + name;
 }
 
-/// Reads the catalog in the place of what an earlier load left.
-void readCatalog(const std::string& file, HSCPlazModel& hubModel, HSCPlazQStoreModel& store) {
-    store.clearCatalog();
-    HSCPlazQItemCatalogReader().parse(file, &hubModel, &store);
-}
-
 /// Reads one item's metadata file. The catalog's key stays: look-ups and places on disk hang on it.
 HIOStream::Status readItem(const HIOStream::Root& root, const std::string& relative, HSCPlazJsonDocument& document,
-                           HSCPlazQItemModel& item) {
+                           HSCPlazQItemModel& item, HSCPlazReport& report) {
     const std::string name = item.getName();
     const std::string revision = item.getRevision();
     HSCPlazFindings found;
     const HIOStream::Status status = HSCPlazQItemReader::readBelow(root, relative, document, item, found);
-    found.tell();
+    report.append(found.toReport());
     if (!name.empty()) item.setName(name);
     if (!revision.empty()) item.setRevision(revision);
     return status;
@@ -45,16 +39,16 @@ HIOStream::Status readItem(const HIOStream::Root& root, const std::string& relat
 
 /// The plain file below the store's local root directory, else the one below its hidden catalog folder.
 bool readItemMetadata(const HIOStream::Root& root, const HSCPlazQStoreModel& store, HSCPlazJsonDocument& document,
-                      HSCPlazQItemModel& item) {
+                      HSCPlazQItemModel& item, HSCPlazReport& report) {
     const std::string folder = HSCPlazPathMgr::getItemFolder(store, item);
     if (folder.empty() || item.getMetadataFile().empty()) return false;
     const std::string relative = folder + "/" + item.getMetadataFile();
-    HIOStream::Status status = readItem(root, relative, document, item);
+    HIOStream::Status status = readItem(root, relative, document, item, report);
     if (status == HIOStream::Status::missing)
-        status = readItem(root, HSCPlazStoreLayout::catalogFolder + relative, document, item);
+        status = readItem(root, HSCPlazStoreLayout::catalogFolder + relative, document, item, report);
     if (status == HIOStream::Status::outside)
-        ComMsgMgr::send(Msg::itemRefused, MsgSeverity::criticalWarning, item.getName(),
-                        "its metadata file " + relative + " leads out of the store's directory through a link");
+        report.add(Msg::itemRefused, MsgSeverity::criticalWarning, item.getName(),
+                   "its metadata file " + relative + " leads out of the store's directory through a link");
     return status == HIOStream::Status::ok;
 }
 
@@ -64,12 +58,13 @@ bool HSCPlazCatalogLoader::hasOwnArea(const HSCPlazQStoreModel& store) {
     return !store.getLocalRootDir().empty() && store.getLocalRootDir() != store.getGdaDataLoc();
 }
 
-bool HSCPlazCatalogLoader::hasFile(const HSCPlazQStoreModel& store, const std::string& dir, const std::string& name) {
+bool HSCPlazCatalogLoader::hasFile(const HSCPlazQStoreModel& store, const std::string& dir, const std::string& name,
+                                   HSCPlazReport& report) {
     const std::string file = joined(dir, name);
     if (name.empty() || !HUTFile::exists(file)) return false;
     if (HUTFile::isBeneath(dir, file)) return true;
-    ComMsgMgr::send(Msg::storeRefused, MsgSeverity::criticalWarning, store.getName(),
-                    "its file \"" + name + "\" leads out of the store's directory through a link");
+    report.add(Msg::storeRefused, MsgSeverity::criticalWarning, store.getName(),
+               "its file \"" + name + "\" leads out of the store's directory through a link");
     return false;
 }
 
@@ -81,25 +76,25 @@ void HSCPlazCatalogLoader::loadStore(HSCPlazModel* hubModel, HSCPlazQStoreModel*
     const bool exists = !localRoot.empty() && HUTFile::exists(localRoot);
     if (!localRoot.empty() && !exists) inside(loadStoreName, " Store ", name, " local root dir doesn't exists ");
     if (exists && !isShared)
-        loadFromArea(*hubModel, *store);
+        loadFromArea(*store);
     else if (!loadFromData(*hubModel, *store))
         return;
     loadItems(*store);
 }
 
-void HSCPlazCatalogLoader::loadFromArea(HSCPlazModel& hubModel, HSCPlazQStoreModel& store) const {
+void HSCPlazCatalogLoader::loadFromArea(HSCPlazQStoreModel& store) const {
     const std::string& localRoot = store.getLocalRootDir();
     const std::string& name = store.getName();
     inside(loadStoreName, " Store ", name, " local root dir exists ");
-    if (hasFile(store, localRoot, store.getMetadataFile())) {
+    if (hasFile(store, localRoot, store.getMetadataFile(), m_report)) {
         inside(loadStoreName, " Store ", name, " qstore json file found ");
-        HSCPlazQStoreReader().parse(joined(localRoot, store.getMetadataFile()), &store);
+        readMetadata(store, joined(localRoot, store.getMetadataFile()));
     } else {
         inside(loadStoreName, " Store ", name, " qstore json file not found ");
     }
-    if (!store.isProductSpecific() || !hasFile(store, localRoot, store.getCatalogFile())) return;
+    if (!store.isProductSpecific() || !hasFile(store, localRoot, store.getCatalogFile(), m_report)) return;
     inside(loadStoreName, " Store ", name, " item catalog json file found ");
-    readCatalog(joined(localRoot, store.getCatalogFile()), hubModel, store);
+    readCatalog(store, joined(localRoot, store.getCatalogFile()));
 }
 
 bool HSCPlazCatalogLoader::loadFromData(HSCPlazModel& hubModel, HSCPlazQStoreModel& store) const {
@@ -110,20 +105,34 @@ bool HSCPlazCatalogLoader::loadFromData(HSCPlazModel& hubModel, HSCPlazQStoreMod
         const std::string userDir = joined(joined(m_paths.getUserAreaRoot(), hubModel.getRoot()), store.getRoot());
         const std::string metadata = joined(userDir, store.getMetadataFile());
         inside(loadStoreName, " Store ", name, "qstoreJsonFilePath [3]: ", metadata);
-        if (hasFile(store, userDir, store.getMetadataFile())) HSCPlazQStoreReader().parse(metadata, &store);
+        if (hasFile(store, userDir, store.getMetadataFile(), m_report)) readMetadata(store, metadata);
         return true;
     }
     store.setGdaDataLoc(dataDir);
     const std::string metadata = joined(dataDir, store.getMetadataFile());
     inside(loadStoreName, " Store ", name, "qstoreJsonFilePath [1]: ", metadata);
-    if (hasFile(store, dataDir, store.getMetadataFile())) HSCPlazQStoreReader().parse(metadata, &store);
+    if (hasFile(store, dataDir, store.getMetadataFile(), m_report)) readMetadata(store, metadata);
     const std::string catalog = joined(dataDir, store.getCatalogFile());
     inside(loadStoreName, " Store ", name, "qstoreJsonFilePath [2]: ", catalog);
     if (store.getCatalogFile().empty()) return false;
-    if (store.isProductSpecific() && hasFile(store, dataDir, store.getCatalogFile()))
-        readCatalog(catalog, hubModel, store);
+    if (store.isProductSpecific() && hasFile(store, dataDir, store.getCatalogFile(), m_report))
+        readCatalog(store, catalog);
     store.setLocalRootDir(dataDir);
     return true;
+}
+
+void HSCPlazCatalogLoader::readMetadata(HSCPlazQStoreModel& store, const std::string& file) const {
+    HSCPlazFindings found;
+    HSCPlazQStoreReader::read(file, store, found);
+    m_report.append(found.toReport());
+}
+
+/// In the place of what an earlier load left.
+void HSCPlazCatalogLoader::readCatalog(HSCPlazQStoreModel& store, const std::string& file) const {
+    store.clearCatalog();
+    HSCPlazFindings found;
+    HSCPlazQItemCatalogReader::read(file, store, found);
+    m_report.append(found.toReport());
 }
 
 void HSCPlazCatalogLoader::loadItems(HSCPlazQStoreModel& store) const {
@@ -133,7 +142,7 @@ void HSCPlazCatalogLoader::loadItems(HSCPlazQStoreModel& store) const {
     HSCPlazJsonDocument document;
     const HSCPlazQItemModel* described = nullptr;
     for (const auto& item : store.getItems()) {
-        const bool read = readItemMetadata(root, store, document, *item);
+        const bool read = readItemMetadata(root, store, document, *item, m_report);
         if (read) described = item.get();
         // A revision that has no file of its own here is described by the one that the catalog lists before it.
         else if (described && described->getName() == item->getName() && item->getDisplayName().empty())
@@ -148,14 +157,12 @@ void HSCPlazCatalogLoader::loadShipped(HSCPlazModel& hubModel, HSCPlazQStoreMode
     const std::string dataDir = joined(m_paths.getStoresDataDir(), store.getRoot());
     if (!HUTFile::isDirectory(dataDir)) {
         // A store that came with a refresh of the hub is not shipped and lacks nothing.
-        if (!isRefreshed) ComMsgMgr::send(Msg::shippedDataMissing, MsgSeverity::warning, store.getName());
+        if (!isRefreshed) m_report.add(Msg::shippedDataMissing, MsgSeverity::warning, store.getName());
         return;
     }
     const std::string metadata = joined(dataDir, store.getMetadataFile());
-    HSCPlazReport problem;
-    if (!HSCPlazJsonCheck::isWhole(metadata, problem)) {
-        problem.add(Msg::shippedDataUnusable, MsgSeverity::warning, store.getName(), metadata);
-        problem.send();
+    if (!HSCPlazJsonCheck::isWhole(metadata, m_report)) {
+        m_report.add(Msg::shippedDataUnusable, MsgSeverity::warning, store.getName(), metadata);
         return;
     }
     const std::string area = store.getLocalRootDir();

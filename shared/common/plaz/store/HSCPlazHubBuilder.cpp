@@ -23,11 +23,11 @@ namespace {
 constexpr const char* initHubName = "HSCPlazMgr::initHub";
 
 /// The hub's remote location as configured; a missing one is told and leaves the hub usable from its files.
-std::string configuredRemote(const HSCPlazUserPref& pref) {
+std::string configuredRemote(const HSCPlazUserPref& pref, HSCPlazReport& report) {
     try {
         return pref.getPlazRemoteRepoPath();
     } catch (const HEXAll& failure) {
-        ComMsgMgr::send(failure.getMsg(), MsgSeverity::warning);
+        report.add(failure, MsgSeverity::warning);
         return "";
     }
 }
@@ -40,7 +40,7 @@ void HSCPlazHubBuilder::build() const {
     m_workspace.hubModel = std::make_unique<HSCPlazModel>();
     m_workspace.sharedHubModel = std::make_unique<HSCPlazModel>();
     if (const HSCPlazCfgModel* config = m_workspace.config.getConfigModel()) {
-        const std::string remote = configuredRemote(m_workspace.userPref);
+        const std::string remote = configuredRemote(m_workspace.userPref, m_report);
         inside(initHubName, " plaz remote url ", HSCPlazTrust::maskSecrets(remote));
         if (!remote.empty()) m_workspace.hubModel->setRemoteRepository(remote);
         for (HSCPlazModel* model : {m_workspace.hubModel.get(), m_workspace.sharedHubModel.get()}) {
@@ -51,7 +51,7 @@ void HSCPlazHubBuilder::build() const {
     const std::string database = m_workspace.paths.getDefaultLocalDbFile();
     if (HSCPlazProduct::keepsCatalogInDatabase() && HUTFile::exists(database)) {
         inside(initHubName, " ", database, " found local db file processing it.");
-        m_workspace.databases.init(database, m_workspace.hubModel.get());
+        m_workspace.databases.read(database, *m_workspace.hubModel, m_report);
         readStores();
     } else if (readMetadata()) {
         readStores();
@@ -65,30 +65,36 @@ bool HSCPlazHubBuilder::readMetadata() const {
     const std::string file = HUTFile::exists(refreshed) ? refreshed : shipped;
     inside(initHubName, " plazJsonFilePath ", file);
     if (!HUTFile::exists(file)) {
-        ComMsgMgr::send(Msg::hubMetadataMissing, MsgSeverity::error);
+        m_report.add(Msg::hubMetadataMissing, MsgSeverity::error);
         return false;
     }
     HSCPlazModel& hub = *m_workspace.hubModel;
     hub.setHasMetadataFile(true);
     m_workspace.sharedHubModel->setHasMetadataFile(true);
     if (!HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableDataAccess")) {
-        ComMsgMgr::send(Msg::dataAccessOff, MsgSeverity::warning);
+        m_report.add(Msg::dataAccessOff, MsgSeverity::warning);
         return false;
     }
     hub.setLocalRoot(file);
-    HSCPlazReader().parse(file, &hub);
+    readHub(file, hub);
     if (file == refreshed && hub.getStores().empty()) {
         // It is damaged: what is shipped still stands.
         hub.setLocalRoot(shipped);
-        HSCPlazReader().parse(shipped, &hub);
+        readHub(shipped, hub);
     }
     return true;
 }
 
+void HSCPlazHubBuilder::readHub(const std::string& file, HSCPlazModel& model) const {
+    HSCPlazFindings found;
+    HSCPlazReader::read(file, model, found);
+    m_report.append(found.toReport());
+}
+
 void HSCPlazHubBuilder::readStores() const {
     readShared();
-    HSCPlazPlaces(m_workspace).preferRefreshed();
-    const HSCPlazCatalogLoader loader(m_workspace.paths);
+    HSCPlazPlaces(m_workspace).preferRefreshed(m_report);
+    const HSCPlazCatalogLoader loader(m_workspace.paths, m_report);
     HSCPlazModel& hub = *m_workspace.hubModel;
     HSCPlazModel& shared = *m_workspace.sharedHubModel;
     for (const auto& store : hub.getStores()) loader.loadStore(&hub, store.get(), false);
@@ -103,7 +109,7 @@ void HSCPlazHubBuilder::readShared() const {
     HSCPlazModel& shared = *m_workspace.sharedHubModel;
     shared.setHasMetadataFile(true);
     if (m_workspace.hubModel->getLocalRoot() != file) {
-        HSCPlazReader().parse(file, &shared);
+        readHub(file, shared);
         return;
     }
     // The file has just been read, and no store has an area of its own yet: what would be read again is what stands in
@@ -138,12 +144,12 @@ void HSCPlazHubBuilder::makeHub() const {
         hub.addStore(store.release());
     }
     hub.setGlobalMode(true);
-    HSCPlazPlaces(m_workspace).applyDefaults();
+    HSCPlazPlaces(m_workspace).applyDefaults(m_report);
     restoreInstalled();
 }
 
 void HSCPlazHubBuilder::restoreInstalled() const {
-    const HSCPlazInstalledState installed(m_workspace);
+    const HSCPlazInstalledState installed(m_workspace, m_report);
     for (HSCPlazQStore* store : m_workspace.hub->getStores()) {
         if (!store->isProductSpecific()) continue;
         HSCPlazQStoreModel& model = *store->getModel();
@@ -157,10 +163,10 @@ void HSCPlazHubBuilder::restoreInstalled() const {
     }
 }
 
-bool HSCPlazHubBuilder::reloadStore(HSCPlaz& hub, HSCPlazQStore& store, bool isShared) const {
+void HSCPlazHubBuilder::reloadStore(HSCPlaz& hub, HSCPlazQStore& store, bool isShared) const {
     HSCPlazQStoreModel& model = *store.getModel();
-    const HSCPlazCatalogLoader loader(m_workspace.paths);
-    const HSCPlazInstalledState installed(m_workspace);
+    const HSCPlazCatalogLoader loader(m_workspace.paths, m_report);
+    const HSCPlazInstalledState installed(m_workspace, m_report);
     const std::string area = model.getLocalRootDir();
     store.clearQStore();
     loader.loadShipped(*m_workspace.hubModel, model);
@@ -170,5 +176,6 @@ bool HSCPlazHubBuilder::reloadStore(HSCPlaz& hub, HSCPlazQStore& store, bool isS
     installed.merge(model);
     installed.describe(model);
     store.assignModel(&model);
-    return m_workspace.databases.save(hub, &store, "");
+    const std::string unwritten = m_workspace.databases.write(hub, store);
+    if (!unwritten.empty()) m_report.add(Msg::databaseNotSaved, MsgSeverity::error, unwritten);
 }

@@ -1,35 +1,41 @@
 #pragma once
 
 #include <memory>
+#include <string>
 
 class HSCPlaz;
 class HSCPlazModel;
 class HSCPlazQStore;
+class HSCPlazReport;
 struct HSCPlazWorkspace;
 
-/// Builds the hub of a workspace from its files, and builds parts of it anew.
+/// Builds the hub of a workspace from its files, and builds parts of it anew. What is to be told of it goes into a
+/// report.
 class HSCPlazHubBuilder {
 public:
-    /// @param workspace  must outlive the object
-    explicit HSCPlazHubBuilder(HSCPlazWorkspace& workspace) : m_workspace(workspace) {}
+    /// Both arguments must outlive the object.
+    HSCPlazHubBuilder(HSCPlazWorkspace& workspace, HSCPlazReport& report) : m_workspace(workspace), m_report(report) {}
 
     /// Reads hub metadata, every store's metadata and catalog and the databases, and makes stores and items of them. A
-    /// start-up that fails leaves an empty hub. Sends Msg::hubMetadataMissing or dataAccessOff, and what reading finds.
+    /// start-up that fails leaves an empty hub. Reports Msg::hubMetadataMissing or dataAccessOff, and what reading
+    /// finds.
     void build() const;
     /// Builds the hub anew from a model that holds what the refreshed hub metadata says. The stores are read and placed
     /// as at start-up. The hub stays the object that it is; its stores and items are new ones. The selected store is
     /// the one of the same name, or none when that is gone.
     void rebuild(std::unique_ptr<HSCPlazModel> model) const;
     /// Reloads a store: clears it, reads its files, applies its database, makes its items anew and saves the database.
-    /// @return false when the database could not be written; the old one stays then
-    bool reloadStore(HSCPlaz& hub, HSCPlazQStore& store, bool isShared) const;
+    /// Reports Msg::databaseNotSaved when that could not be written; the old one stays then.
+    void reloadStore(HSCPlaz& hub, HSCPlazQStore& store, bool isShared) const;
 
 private:
     bool readMetadata() const;
+    void readHub(const std::string& file, HSCPlazModel& model) const;
     void readShared() const;
     void readStores() const;
     void makeHub() const;
     void restoreInstalled() const;
 
     HSCPlazWorkspace& m_workspace;
+    HSCPlazReport& m_report;
 };

@@ -32,7 +32,7 @@ void HSCPlazInstalledState::describe(const HSCPlazQStoreModel& store) const {
             description.getRevision() == item->getRevision())
             item->copyDescriptionFrom(description);
     }
-    found.tell();
+    m_report.append(found.toReport());
 }
 
 void HSCPlazInstalledState::update() const {
@@ -49,11 +49,11 @@ void HSCPlazInstalledState::update() const {
 void HSCPlazInstalledState::merge(HSCPlazQStoreModel& store) const {
     const std::string database = store.getLocalDbFilePath();
     HSCPlazLocalDBMgr& databases = m_workspace.databases;
-    if (databases.merge(database, store, m_workspace.paths) != HSCPlazLocalDBMgr::Merge::foreign) return;
-    ComMsgMgr::send(Msg::databaseForeign, MsgSeverity::warning, store.getName(), database);
+    if (databases.merge(database, store, m_workspace.paths, m_report) != HSCPlazLocalDBMgr::Merge::foreign) return;
+    m_report.add(Msg::databaseForeign, MsgSeverity::warning, store.getName(), database);
     // What another release installed stays as it is; this one works beside it.
     const HSCPlazProduct::Identity running = HSCPlazProduct::get();
     HSCPlazPlaces(m_workspace)
-        .place(store, m_workspace.paths.getStoreArea(store) + "_" + running.name + "_" + running.version);
-    databases.merge(store.getLocalDbFilePath(), store, m_workspace.paths);
+        .place(store, m_workspace.paths.getStoreArea(store) + "_" + running.name + "_" + running.version, m_report);
+    databases.merge(store.getLocalDbFilePath(), store, m_workspace.paths, m_report);
 }

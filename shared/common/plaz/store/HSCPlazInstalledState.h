@@ -2,13 +2,16 @@
 
 class HSCPlazQStore;
 class HSCPlazQStoreModel;
+class HSCPlazReport;
 struct HSCPlazWorkspace;
 
-/// Puts what is recorded as installed into the hub, and describes it by its own files.
+/// Puts what is recorded as installed into the hub, and describes it by its own files. What reading finds goes into a
+/// report.
 class HSCPlazInstalledState {
 public:
-    /// @param workspace  must outlive the object
-    explicit HSCPlazInstalledState(HSCPlazWorkspace& workspace) : m_workspace(workspace) {}
+    /// Both arguments must outlive the object.
+    HSCPlazInstalledState(HSCPlazWorkspace& workspace, HSCPlazReport& report)
+        : m_workspace(workspace), m_report(report) {}
 
     /// Applies a store's database to its model. One that another product or release wrote is left alone
     /// (Msg::databaseForeign), and the store works in a directory beside it.
@@ -23,4 +26,5 @@ public:
 
 private:
     HSCPlazWorkspace& m_workspace;
+    HSCPlazReport& m_report;
 };

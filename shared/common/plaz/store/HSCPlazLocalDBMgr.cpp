@@ -35,6 +35,19 @@ void HSCPlazLocalDBMgr::load(HSCPlazModel* model, const std::string& file) {
     init(file, model);
 }
 
+void HSCPlazLocalDBMgr::read(const std::string& file, HSCPlazModel& model, HSCPlazReport& report) {
+    if (!HUTFile::isRegularFile(file)) return;
+    HSCPlazFindings found;
+    const HSCPlazLocalDBReader::Result read = HSCPlazLocalDBReader::read(file, model, false, found);
+    report.append(found.toReport());
+    takeVersion(read.major, read.minor);
+}
+
+void HSCPlazLocalDBMgr::takeVersion(const std::string& major, const std::string& minor) {
+    if (!major.empty()) m_major = major;
+    if (!minor.empty()) m_minor = minor;
+}
+
 bool HSCPlazLocalDBMgr::save(HSCPlaz& hub, HSCPlazQStore* store, std::string file) {
     return save(&hub, store, std::move(file));
 }
@@ -74,16 +87,15 @@ bool HSCPlazLocalDBMgr::hasChanged(const std::string& file) const {
 }
 
 HSCPlazLocalDBMgr::Merge HSCPlazLocalDBMgr::merge(const std::string& file, HSCPlazQStoreModel& store,
-                                                  const HSCPlazPathMgr& paths) {
+                                                  const HSCPlazPathMgr& paths, HSCPlazReport& report) {
     using Outcome = HSCPlazLocalDBReader::Result::Outcome;
     const std::string stamp = m_stamps[file] = HUTFile::getStamp(file);
     if (stamp.empty()) return Merge::nothing;
     HSCPlazModel recorded;
     HSCPlazFindings found;
     const HSCPlazLocalDBReader::Result read = HSCPlazLocalDBReader::read(file, recorded, !m_regressionMode, found);
-    found.tell();
-    if (!read.major.empty()) m_major = read.major;
-    if (!read.minor.empty()) m_minor = read.minor;
+    report.append(found.toReport());
+    takeVersion(read.major, read.minor);
     if (read.outcome == Outcome::foreign) return Merge::foreign;
     if (read.outcome == Outcome::damaged) {
         m_damaged.insert(file);
@@ -95,7 +107,7 @@ HSCPlazLocalDBMgr::Merge HSCPlazLocalDBMgr::merge(const std::string& file, HSCPl
     for (const auto& record : records->getItems()) {
         const std::string refusal = installed.apply(*record);
         if (refusal.empty()) continue;
-        ComMsgMgr::send(Msg::itemRefused, MsgSeverity::criticalWarning, record->getName(), refusal);
+        report.add(Msg::itemRefused, MsgSeverity::criticalWarning, record->getName(), refusal);
         m_damaged.insert(file); // so that the record outlives the next save
     }
     return Merge::merged;

@@ -11,6 +11,7 @@ class HSCPlazModel;
 class HSCPlazPathMgr;
 class HSCPlazQStore;
 class HSCPlazQStoreModel;
+class HSCPlazReport;
 
 /// Records, per store, what is installed, so that the next process knows without asking git.
 /// Nothing here throws for a bad file: it is reported and read as far as it goes.
@@ -23,6 +24,9 @@ public:
     void init(const std::string& file, HSCPlazModel* model);
     /// The same.
     void load(HSCPlazModel* model, const std::string& file);
+
+    /// The same as init(); what is wrong with the file is added to the report, and nothing is sent.
+    void read(const std::string& file, HSCPlazModel& model, HSCPlazReport& report);
 
     /// Writes the store's database whole: its own file, else @p file, else the hub's, else the default one.
     /// In regression mode, for a null store and for a store that is not product specific nothing is written.
@@ -43,8 +47,8 @@ public:
     };
     /// Puts what @p file records of the store into its model: installed revisions become installed, and those that the
     /// catalog no longer lists are added, described by what the catalog says of the item. Records whose names would
-    /// lead out of the store's area are refused (Msg::itemRefused).
-    Merge merge(const std::string& file, HSCPlazQStoreModel& store, const HSCPlazPathMgr& paths);
+    /// lead out of the store's area are refused (Msg::itemRefused). What is to be told is added to the report.
+    Merge merge(const std::string& file, HSCPlazQStoreModel& store, const HSCPlazPathMgr& paths, HSCPlazReport& report);
 
     /// Whether another process has written the database since it was merged or saved here.
     bool hasChanged(const std::string& file) const;
@@ -60,6 +64,7 @@ public:
     std::string write(const HSCPlaz& hub, HSCPlazQStore& store);
 
 private:
+    void takeVersion(const std::string& major, const std::string& minor);
     std::string write(const HSCPlaz* hub, HSCPlazQStore& store, const std::string& given);
 
     bool m_regressionMode;

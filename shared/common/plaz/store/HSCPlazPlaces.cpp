@@ -1,8 +1,8 @@
 #include "plaz/store/HSCPlazPlaces.h"
 
+#include "plaz/base/HSCPlazReport.h"
 #include "plaz/store/HSCPlazCatalogLoader.h"
 #include "plaz/store/HSCPlazWorkspace.h"
-#include "support/ComMsgMgr.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTFile.h"
 #include "support/HUTText.h"
@@ -62,7 +62,7 @@ std::vector<std::string> HSCPlazPlaces::defaultDirs(const HSCPlazModel& hubModel
     return dirs;
 }
 
-bool HSCPlazPlaces::keepDefaults() const {
+bool HSCPlazPlaces::keepDefaults(HSCPlazReport& report) const {
     if (!hasDefaultLocations()) return true;
     const std::string userArea = m_workspace.paths.getUserAreaRoot();
     std::vector<HSCPlazRepoInfoMgr::Record> folders;
@@ -73,7 +73,7 @@ bool HSCPlazPlaces::keepDefaults() const {
         if (m_workspace.places.getStoreDirectory(store.getName()).empty())
             folders.push_back({store.getName(), place.lexically_relative(userArea).generic_string()});
     }
-    return m_workspace.places.addDefaultFolders(folders);
+    return m_workspace.places.addDefaultFolders(folders, report);
 }
 
 void HSCPlazPlaces::placeStores(HSCPlazModel& model) const {
@@ -89,11 +89,11 @@ void HSCPlazPlaces::placeStores(HSCPlazModel& model) const {
     }
 }
 
-void HSCPlazPlaces::placeForRefresh(HSCPlazQStoreModel& store) const {
+void HSCPlazPlaces::placeForRefresh(HSCPlazQStoreModel& store, HSCPlazReport& report) const {
     if (HSCPlazCatalogLoader::hasOwnArea(store)) return;
     const std::vector<std::string> dirs = refreshDirs(*m_workspace.hubModel);
     for (std::size_t position = 0; position < dirs.size(); ++position)
-        if (m_workspace.hubModel->getStores()[position].get() == &store) place(store, dirs[position]);
+        if (m_workspace.hubModel->getStores()[position].get() == &store) place(store, dirs[position], report);
 }
 
 std::vector<std::string> HSCPlazPlaces::refreshDirs(const HSCPlazModel& hubModel) const {
@@ -110,18 +110,20 @@ std::vector<std::string> HSCPlazPlaces::refreshDirs(const HSCPlazModel& hubModel
     return dirs;
 }
 
-void HSCPlazPlaces::preferRefreshed() const {
+void HSCPlazPlaces::preferRefreshed(HSCPlazReport& report) const {
+    m_workspace.places.read(report);
     const std::vector<std::string> dirs = refreshDirs(*m_workspace.hubModel);
     for (std::size_t position = 0; position < dirs.size(); ++position) {
         HSCPlazQStoreModel& store = *m_workspace.hubModel->getStores()[position];
         // The marker tells that a first refresh has come to its end.
         if (HSCPlazStoreLayout::isComplete(dirs[position]) &&
-            HSCPlazCatalogLoader::hasFile(store, dirs[position], store.getMetadataFile()))
+            HSCPlazCatalogLoader::hasFile(store, dirs[position], store.getMetadataFile(), report))
             store.setLocalRootDir(dirs[position]);
     }
 }
 
-void HSCPlazPlaces::applyDefaults() const {
+void HSCPlazPlaces::applyDefaults(HSCPlazReport& report) const {
+    m_workspace.places.read(report);
     const std::vector<std::string> dirs = defaultDirs(*m_workspace.hubModel);
     for (std::size_t position = 0; position < dirs.size(); ++position) {
         HSCPlazQStoreModel& store = *m_workspace.hubModel->getStores()[position];
@@ -129,18 +131,18 @@ void HSCPlazPlaces::applyDefaults() const {
         if (!store.isProductSpecific() && !isChosen) continue;
         // A store that has been refreshed stays where its catalog is.
         const bool stays = dirs[position].empty() && HSCPlazCatalogLoader::hasOwnArea(store);
-        place(store, stays ? store.getLocalRootDir() : dirs[position]);
+        place(store, stays ? store.getLocalRootDir() : dirs[position], report);
     }
 }
 
-void HSCPlazPlaces::place(HSCPlazQStoreModel& store, const std::string& dir) const {
+void HSCPlazPlaces::place(HSCPlazQStoreModel& store, const std::string& dir, HSCPlazReport& report) const {
     store.setInstallDir(dir);
     store.setLocalRootDir(dir);
     try {
         store.setLocalDbFilePath(m_workspace.paths.getStoreLayout(store).getDatabase());
     } catch (const HEXAll& failure) {
         // The store has no area until the environment names one that exists; its catalog can be read all the same.
-        ComMsgMgr::send(failure);
+        report.add(failure);
         store.setLocalDbFilePath("");
     }
 }

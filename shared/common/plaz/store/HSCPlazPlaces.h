@@ -5,9 +5,11 @@
 
 class HSCPlazModel;
 class HSCPlazQStoreModel;
+class HSCPlazReport;
 struct HSCPlazWorkspace;
 
-/// Decides where each store's own area lies: where the user put it, else in its default place.
+/// Decides where each store's own area lies: where the user put it, else in its default place. What cannot be read or
+/// named is added to a report.
 class HSCPlazPlaces {
 public:
     /// @param workspace  must outlive the object
@@ -17,19 +19,19 @@ public:
     std::string getDefaultPlace(const HSCPlazQStoreModel& store) const;
     /// Records the default places of today's stores, so that no other order of the stores moves them.
     /// @return false when they could not be recorded
-    bool keepDefaults() const;
+    bool keepDefaults(HSCPlazReport& report) const;
 
     /// Gives the stores of another hub model the places that they have, or will have, in this hub, and tells them which
     /// catalog file and branch have been known until now.
     void placeStores(HSCPlazModel& model) const;
     /// Gives a store of this hub that has no area of its own yet the one that is meant for it.
-    void placeForRefresh(HSCPlazQStoreModel& store) const;
+    void placeForRefresh(HSCPlazQStoreModel& store, HSCPlazReport& report) const;
     /// Lets stores that have been refreshed be read from where their catalog is.
-    void preferRefreshed() const;
+    void preferRefreshed(HSCPlazReport& report) const;
     /// Gives the stores that are for the running product, and those that the user has placed, their places.
-    void applyDefaults() const;
+    void applyDefaults(HSCPlazReport& report) const;
     /// Puts a store's area there.
-    void place(HSCPlazQStoreModel& store, const std::string& dir) const;
+    void place(HSCPlazQStoreModel& store, const std::string& dir, HSCPlazReport& report) const;
 
 private:
     std::string defaultDir(const HSCPlazQStoreModel& store) const;

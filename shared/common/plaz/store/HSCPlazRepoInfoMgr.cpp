@@ -1,5 +1,6 @@
 #include "plaz/store/HSCPlazRepoInfoMgr.h"
 
+#include "plaz/model/reader/HSCPlazFindings.h"
 #include "support/HCRapidJsonReadWriteUtils.h"
 #include "support/HIOStream.h"
 #include "support/HUTFile.h"
@@ -43,7 +44,7 @@ template <typename List> auto findStore(List& records, const std::string& store)
 
 } // namespace
 
-void HSCPlazRepoInfoMgr::readOnce() {
+void HSCPlazRepoInfoMgr::read(HSCPlazReport& report) {
     if (m_read) return;
     m_read = true;
     m_stamp = HUTFile::getStamp(m_file);
@@ -52,20 +53,27 @@ void HSCPlazRepoInfoMgr::readOnce() {
     if (status == HIOStream::Status::missing) return;
     rapidjson::Document document;
     m_damaged = status != HIOStream::Status::ok || !Json::parseInPlace(text, document, error);
-    if (status != HIOStream::Status::ok)
-        Json::errorReadingJsonFile(m_file);
-    else if (m_damaged)
-        Json::errorParsingJsonFile(m_file, error);
-    if (m_damaged) return;
+    if (m_damaged) {
+        const bool isText = status == HIOStream::Status::ok;
+        const auto kind = isText ? HSCPlazFinding::Kind::notJson : HSCPlazFinding::Kind::unreadable;
+        HSCPlazFinding{kind, m_file, error}.addTo(report);
+        return;
+    }
     const rapidjson::Value* plaz = Json::FindObject(document, "plaz");
     if (plaz) m_content = {readRecords(*plaz, chosenKey), readRecords(*plaz, defaultsKey)};
 }
 
+void HSCPlazRepoInfoMgr::readOnce() {
+    HSCPlazReport report;
+    read(report);
+    report.send();
+}
+
 // Another process may have changed the file since.
-void HSCPlazRepoInfoMgr::readAgain() {
+void HSCPlazRepoInfoMgr::readAgain(HSCPlazReport& report) {
     m_read = m_damaged = false;
     m_content = {};
-    readOnce();
+    read(report);
 }
 
 std::string HSCPlazRepoInfoMgr::getStoreDirectory(const std::string& storeName) {
@@ -75,7 +83,15 @@ std::string HSCPlazRepoInfoMgr::getStoreDirectory(const std::string& storeName) 
 }
 
 bool HSCPlazRepoInfoMgr::setStoreDirectory(const std::string& storeName, const std::string& directory) {
-    readAgain();
+    HSCPlazReport report;
+    const bool isRecorded = setStoreDirectory(storeName, directory, report);
+    report.send();
+    return isRecorded;
+}
+
+bool HSCPlazRepoInfoMgr::setStoreDirectory(const std::string& storeName, const std::string& directory,
+                                           HSCPlazReport& report) {
+    readAgain(report);
     Content content = m_content;
     const auto found = findStore(content.chosen, storeName);
     if (found == content.chosen.end())
@@ -90,18 +106,18 @@ const Records& HSCPlazRepoInfoMgr::getDefaultFolders() {
     return m_content.defaults;
 }
 
-bool HSCPlazRepoInfoMgr::addDefaultFolders(const Records& folders) {
-    readAgain();
+bool HSCPlazRepoInfoMgr::addDefaultFolders(const Records& folders, HSCPlazReport& report) {
+    readAgain(report);
     Content content = m_content;
     for (const Record& folder : folders)
         if (findStore(content.defaults, folder.store) == content.defaults.end()) content.defaults.push_back(folder);
     return content.defaults.size() == m_content.defaults.size() || replace(std::move(content));
 }
 
-std::string HSCPlazRepoInfoMgr::findMovedStore() const {
+std::string HSCPlazRepoInfoMgr::findMovedStore(HSCPlazReport& report) const {
     if (!m_read || m_stamp == HUTFile::getStamp(m_file)) return "";
     HSCPlazRepoInfoMgr today(m_file);
-    today.readOnce();
+    today.read(report);
     for (const Record& record : today.m_content.chosen) {
         const auto known = findStore(m_content.chosen, record.store);
         const std::string before = known == m_content.chosen.end() ? std::string() : known->directory;

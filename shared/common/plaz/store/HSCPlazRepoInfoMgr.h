@@ -1,6 +1,6 @@
 #pragma once
 
-#include "plaz/base/PlazExport.h"
+#include "plaz/base/HSCPlazReport.h"
 
 #include <string>
 #include <vector>
@@ -10,7 +10,7 @@
 ///
 /// The file "plaz_stores.json" in the user area: {"plaz": {"_major": "1", "_minor": "0", "qstores": [{"name": ...,
 /// "directory": ...}], "default_folders": [the same]}}. It is read on first use and written whole and atomically at
-/// each change, upon what stands in it by then.
+/// each change, upon what stands in it by then. A file that cannot be used is told and counts as an empty one.
 class PLAZ_API HSCPlazRepoInfoMgr {
 public:
     struct Record {
@@ -23,19 +23,26 @@ public:
 
     const std::string& getFile() const { return m_file; }
 
+    /// Reads the file if it has not been read. What is wrong with it is added, and nothing is sent.
+    void read(HSCPlazReport& report);
+
     /// The directory recorded for a store; empty when none is, or when the store has gone back to its default place.
     std::string getStoreDirectory(const std::string& storeName);
     /// Records a directory. @return false, with nothing changed, when the file cannot be written
     bool setStoreDirectory(const std::string& storeName, const std::string& directory);
+    /// The same. @param report  what is wrong with the file as it is now is added, and nothing is sent
+    bool setStoreDirectory(const std::string& storeName, const std::string& directory, HSCPlazReport& report);
 
     /// The stores' default places: folder names in the user area. Empty as long as the hub is the shipped one.
     const std::vector<Record>& getDefaultFolders();
-    /// Records those of stores that have none yet. Nothing is written where there are none. @return as
-    /// setStoreDirectory
-    bool addDefaultFolders(const std::vector<Record>& folders);
+    /// Records those of stores that have none yet. Nothing is written where there are none.
+    /// @param report  as setStoreDirectory
+    /// @return as setStoreDirectory
+    bool addDefaultFolders(const std::vector<Record>& folders, HSCPlazReport& report);
 
     /// A store whose chosen directory another process has changed since it was read here; empty when there is none.
-    std::string findMovedStore() const;
+    /// @param report  as setStoreDirectory
+    std::string findMovedStore(HSCPlazReport& report) const;
 
 private:
     struct Content {
@@ -43,7 +50,7 @@ private:
         std::vector<Record> defaults;
     };
     void readOnce();
-    void readAgain();
+    void readAgain(HSCPlazReport& report);
     bool replace(Content content);
     bool write(const Content& content) const;
 

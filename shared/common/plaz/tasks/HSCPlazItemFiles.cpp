@@ -26,8 +26,12 @@ bool describedOnDisk(HSCPlazTask& task, const HSCPlazFoundItem& found, HSCPlazQI
     HSCPlazReport problem;
     const bool isWhole = HSCPlazJsonCheck::isWhole(file, problem);
     task.tell(problem);
-    return isWhole && HSCPlazQItemReader().parse(file, &description) &&
-           description.getName() == found.item->getName() && description.getRevision() == found.item->getRevision();
+    if (!isWhole) return false;
+    HSCPlazFindings findings;
+    const bool isRead = HSCPlazQItemReader::read(file, description, findings);
+    task.mention(findings.toReport());
+    return isRead && description.getName() == found.item->getName() &&
+           description.getRevision() == found.item->getRevision();
 }
 
 /// The files of an item that the database does not know, left by an earlier installation or put there by hand.

@@ -42,6 +42,14 @@ bool takeCatalogAlong(HSCPlazTask& task, const HSCPlazQStoreModel& store, const 
     return HSCPlazStoreLayout::markComplete(place.getArea());
 }
 
+/// Records where stores are kept.
+bool record(HSCPlazTask& task, const std::function<bool(HSCPlazReport& report)>& change) {
+    HSCPlazReport report;
+    const bool isRecorded = change(report);
+    task.mention(report);
+    return isRecorded || task.fail(Msg::placesNotSaved, task.getWorkspace().places.getFile());
+}
+
 bool isSameName(const std::string& a, const std::string& b) {
     return HUTFile::getNameKey(a) == HUTFile::getNameKey(b);
 }
@@ -53,20 +61,24 @@ bool HSCPlazMoveStoreTask::move(HSCPlazTask& task, HSCPlazQStore& store, const s
     HSCPlazWorkspace& workspace = task.getWorkspace();
     const HSCPlazPlaces places(workspace);
     // What other stores have must be known before this one leaves its place.
-    if (!places.keepDefaults()) return task.fail(Msg::placesNotSaved, workspace.places.getFile());
+    if (!record(task, [&](HSCPlazReport& report) { return places.keepDefaults(report); })) return false;
     const bool goesHome = isSameName(dir, places.getDefaultPlace(*store.getModel()));
     const std::string newRoot = goesHome || store.getRoot().empty() ? dir : dir + "/" + store.getRoot();
     const HSCPlazStoreLayout place(newRoot, newRoot);
     const std::string oldRoot = store.getLocalRootDir();
     if (!canBeKept(task, store, place) || !takeCatalogAlong(task, *store.getModel(), place)) return false;
     // Recorded first: a move that the next start does not know of would lose what is installed there.
-    if (!workspace.places.setStoreDirectory(store.getName(), goesHome ? "" : dir))
-        return task.fail(Msg::placesNotSaved, workspace.places.getFile());
+    const auto recordMove = [&](HSCPlazReport& report) {
+        return workspace.places.setStoreDirectory(store.getName(), goesHome ? "" : dir, report);
+    };
+    if (!record(task, recordMove)) return false;
     if (!isSameName(newRoot, oldRoot) && HSCPlazStoreCatalog::holdsSomething(*store.getModel()))
         task.tell(Msg::itemsLeftBehind, MsgSeverity::warning, store.getName(), oldRoot);
     store.setLocalDbFilePath(place.getDatabase());
     store.setLocalRootDir(newRoot);
     store.setInstallDir(newRoot);
-    HSCPlazHubBuilder(workspace).reloadStore(*store.getHub(), store, false);
+    HSCPlazReport report;
+    HSCPlazHubBuilder(workspace, report).reloadStore(*store.getHub(), store, false);
+    task.mention(report);
     return true;
 }

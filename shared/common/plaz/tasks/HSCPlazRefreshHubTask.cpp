@@ -20,14 +20,16 @@ namespace {
 constexpr const char* updateName = "HSCPlazTaskMgr::updateCatalog";
 
 /// What a hub metadata file says, in a model that is otherwise like the known one.
-std::unique_ptr<HSCPlazModel> readHub(const std::string& file, const HSCPlazModel& known) {
+std::unique_ptr<HSCPlazModel> readHub(HSCPlazTask& task, const std::string& file, const HSCPlazModel& known) {
     auto fresh = std::make_unique<HSCPlazModel>();
     fresh->setRoot(known.getRoot());
     fresh->setMetadataFile(known.getMetadataFile());
     fresh->setRemoteRepository(known.getRemoteRepository());
     fresh->setCommitId(known.getCommitId());
     fresh->setHasMetadataFile(true);
-    HSCPlazReader().parse(file, fresh.get());
+    HSCPlazFindings found;
+    HSCPlazReader::read(file, *fresh, found);
+    task.mention(found.toReport());
     return fresh;
 }
 
@@ -37,7 +39,7 @@ std::unique_ptr<HSCPlazModel> requireHub(HSCPlazTask& task, const std::string& f
     HSCPlazReport problem;
     const bool isWhole = HSCPlazJsonCheck::isWhole(file, problem);
     task.tell(problem);
-    auto fresh = isWhole ? readHub(file, known) : nullptr;
+    auto fresh = isWhole ? readHub(task, file, known) : nullptr;
     if (!fresh || fresh->getStores().empty())
         throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::hubFileInvalid, file));
     return fresh;
@@ -55,7 +57,10 @@ std::unique_ptr<HSCPlazModel> fetchHub(HSCPlazTask& task, const HSCPlazModel& hu
     if (!isFetched) return nullptr;
     auto fresh = requireHub(task, staging.getFile(name), hub);
     if (task.isCancelled()) return nullptr;
-    if (!HSCPlazPlaces(workspace).keepDefaults()) {
+    HSCPlazReport places;
+    const bool isKept = HSCPlazPlaces(workspace).keepDefaults(places);
+    task.mention(places);
+    if (!isKept) {
         task.fail(Msg::placesNotSaved, workspace.places.getFile());
         return nullptr;
     }
@@ -98,7 +103,9 @@ bool HSCPlazRefreshHubTask::refresh(HSCPlazTask& task, std::map<std::string, HSC
     if (!fetchStores(task, *fresh, failed)) return false;
     task.show("Reading", hub.getRoot(), 90);
     const std::vector<Catalog::Holding> holdings = Catalog::findHoldings(task);
-    HSCPlazHubBuilder(task.getWorkspace()).rebuild(std::move(fresh));
+    HSCPlazReport report;
+    HSCPlazHubBuilder(task.getWorkspace(), report).rebuild(std::move(fresh));
+    task.mention(report);
     Catalog::tellWithdrawn(task, holdings);
     task.show("Refreshed", hub.getRoot(), 100);
     return true;

@@ -72,7 +72,7 @@ public:
         HSCPlazQItemModel description;
         HSCPlazFindings found;
         HSCPlazQItemReader::readBelow(m_fetched, relative, m_document, description, found);
-        found.tell();
+        m_task.mention(found.toReport());
         const std::string dir = m_catalogDir + HSCPlazPathMgr::getItemFolder(m_store, item) + "/";
         if (!HSCPlazFetchedFiles::place(fetched, dir + item.getMetadataFile()))
             return m_task.fail(Msg::dirNotWritable, dir);
@@ -99,13 +99,17 @@ bool HSCPlazRefreshStoreTask::loadCatalog(HSCPlazTask& task, HSCPlazQStore& stor
     HSCPlazQStoreModel& model = *store.getModel();
     task.show("Fetching", Catalog::shownName(model), 0);
     PlaceGuard place(model);
-    HSCPlazPlaces(workspace).placeForRefresh(model);
+    HSCPlazReport placed;
+    HSCPlazPlaces(workspace).placeForRefresh(model, placed);
+    task.mention(placed);
     // RATIONALE: the store is cleared only once the new catalog is there: a failure leaves the old one in force.
     if (!Catalog::fetch(task, model)) return false;
     place.keep();
     task.show("Reading", Catalog::shownName(model), 40);
     const std::vector<Catalog::Holding> holdings = Catalog::findHoldings(task);
-    HSCPlazHubBuilder(workspace).reloadStore(task.getHub(), store, false);
+    HSCPlazReport reloaded;
+    HSCPlazHubBuilder(workspace, reloaded).reloadStore(task.getHub(), store, false);
+    task.mention(reloaded);
     Catalog::tellWithdrawn(task, holdings);
     return true;
 }

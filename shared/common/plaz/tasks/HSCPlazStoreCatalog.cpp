@@ -61,7 +61,9 @@ bool HSCPlazStoreCatalog::fetch(HSCPlazTask& task, HSCPlazQStoreModel& store) {
     requireUsable(task, Msg::storeFileInvalid, store, staging.getFile(store.getMetadataFile()));
     HSCPlazQStoreModel fetched;
     fetched.setName(store.getName());
-    HSCPlazQStoreReader().parse(staging.getFile(store.getMetadataFile()), &fetched);
+    HSCPlazFindings found;
+    HSCPlazQStoreReader::read(staging.getFile(store.getMetadataFile()), fetched, found);
+    task.mention(found.toReport());
     // The metadata may name another catalog or branch than the one that was known until now.
     const bool namesOther =
         fetched.getCatalogFile() != store.getCatalogFile() || fetched.getBranchToSync() != store.getBranchToSync();

@@ -55,9 +55,12 @@ bool HSCPlazTask::fail(const HSCPlazReport& report) {
 
 bool HSCPlazTask::run(const std::function<bool()>& work) {
     return withLock([&] {
-        const std::string moved = m_workspace.places.findMovedStore();
+        HSCPlazReport places, databases;
+        const std::string moved = m_workspace.places.findMovedStore(places);
+        mention(places);
         if (!moved.empty()) return fail(Msg::storeMovedMeanwhile, moved);
-        HSCPlazInstalledState(m_workspace).update();
+        HSCPlazInstalledState(m_workspace, databases).update();
+        mention(databases);
         removeLeftovers(m_hub, m_workspace.paths);
         return work();
     });

@@ -39,6 +39,9 @@ public:
         tell(HSCPlazReport(id, severity, args...));
     }
     void tell(const HSCPlazReport& report);
+    /// Sends what reading this machine's files has brought to light. It is no reason for a failure of the task, so the
+    /// result leaves it out.
+    void mention(const HSCPlazReport& report) const { report.send(); }
     /// Good news, unless the task is quiet.
     template <std::size_t Arity, typename... Args> void tellNews(const MsgId<Arity>& id, const Args&... args) {
         if (!m_isQuiet) tell(id, MsgSeverity::warning, args...);
@@ -48,7 +51,7 @@ public:
     template <std::size_t Arity, typename... Args> bool fail(const MsgId<Arity>& id, const Args&... args) {
         return fail(HSCPlazReport(id, MsgSeverity::error, args...));
     }
-    /// All that was told so far.
+    /// All that was told so far, without what was only mentioned.
     const HSCPlazReport& getReport() const { return m_report; }
 
     /// Does the work while this process holds the hub's lock. What other processes have done is taken over first, and

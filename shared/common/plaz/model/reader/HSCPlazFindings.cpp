@@ -1,11 +1,9 @@
 #include "plaz/model/reader/HSCPlazFindings.h"
 
 #include "plaz/base/HSCPlazMsg.h"
-#include "support/HCRapidJsonReadWriteUtils.h"
+#include "support/HostMsg.h"
 
 namespace {
-
-using Json = HCRapidJsonReadWriteUtils;
 
 const MsgId<2>& refusalOf(HSCPlazFinding::Kind kind) {
     return kind == HSCPlazFinding::Kind::itemRefused ? Msg::itemRefused : Msg::storeRefused;
@@ -17,23 +15,25 @@ std::string HSCPlazFinding::toText() const {
     return ComMsgMgrInstance("", 0, "common", refusalOf(kind), subject, text).getMessage();
 }
 
-void HSCPlazFinding::tell() const {
+void HSCPlazFinding::addTo(HSCPlazReport& report) const {
     switch (kind) {
     case Kind::unreadable:
-        return Json::errorReadingJsonFile(subject);
+        return report.add(HostMsg::jsonFileUnreadable, MsgSeverity::fileError, subject);
     case Kind::notJson:
     case Kind::breaksSchema:
-        return Json::errorParsingJsonFile(subject, text);
+        return report.add(HostMsg::jsonFileUnparsable, MsgSeverity::fileWarning, subject, text);
     case Kind::schemaUnreadable:
-        return Json::errorReadingSchemaFile(subject);
+        return report.add(HostMsg::schemaFileUnreadable, MsgSeverity::fileError, subject);
     case Kind::schemaNotJson:
-        return Json::errorParsingSchemaFile(subject, text);
+        return report.add(HostMsg::schemaFileUnparsable, MsgSeverity::fileWarning, subject, text);
     case Kind::itemRefused:
     case Kind::storeRefused:
-        ComMsgMgr::send(refusalOf(kind), MsgSeverity::criticalWarning, subject, text);
+        report.add(refusalOf(kind), MsgSeverity::criticalWarning, subject, text);
     }
 }
 
-void HSCPlazFindings::tell() {
-    for (const HSCPlazFinding& finding : std::exchange(m_all, {})) finding.tell();
+HSCPlazReport HSCPlazFindings::toReport() const {
+    HSCPlazReport report;
+    for (const HSCPlazFinding& finding : m_all) finding.addTo(report);
+    return report;
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "plaz/base/HSCPlazReport.h"
+
 #include <string>
 #include <utility>
 #include <vector>
@@ -14,9 +16,9 @@ struct HSCPlazFinding {
 
     /// The sentence that a person is told of something refused.
     std::string toText() const;
-    /// Reports it: files and schemas through the host's JSON reports, what is refused as Msg::itemRefused or
+    /// Adds it: files and schemas as the messages of the host's JSON reports, what is refused as Msg::itemRefused or
     /// Msg::storeRefused.
-    void tell() const;
+    void addTo(HSCPlazReport& report) const;
 };
 
 /// What reading files has found, in order.
@@ -27,8 +29,10 @@ public:
     }
     bool isEmpty() const { return m_all.empty(); }
     const std::vector<HSCPlazFinding>& getAll() const { return m_all; }
-    /// Reports all of it and forgets it.
-    void tell();
+    /// All of it as messages.
+    HSCPlazReport toReport() const;
+    /// Sends all of it.
+    void tell() const { toReport().send(); }
 
 private:
     std::vector<HSCPlazFinding> m_all;

@@ -192,13 +192,18 @@ void HSCPlazQItemCatalogReader::fill(const Value& root, HSCPlazQStoreModel& stor
     if (const Value* catalog = Json::FindObject(root, Key::catalog)) readCatalog(*catalog, store, found);
 }
 
-bool HSCPlazQItemCatalogReader::parse(const std::string& file, HSCPlazModel* hub, HSCPlazQStoreModel* store) {
-    if (!hub || !store) return false;
-    HSCPlazFindings found;
+bool HSCPlazQItemCatalogReader::read(const std::string& file, HSCPlazQStoreModel& store, HSCPlazFindings& found) {
     HSCPlazJsonDocument document;
     const bool isRead = document.load(file, found);
     document.validate(HSCPlazSchema::Kind::qitemCatalog, found);
-    fill(document.getRoot(), *store, found);
+    fill(document.getRoot(), store, found);
+    return isRead;
+}
+
+bool HSCPlazQItemCatalogReader::parse(const std::string& file, HSCPlazModel* hub, HSCPlazQStoreModel* store) {
+    if (!hub || !store) return false;
+    HSCPlazFindings found;
+    const bool isRead = read(file, *store, found);
     found.tell();
     return isRead;
 }

@@ -19,6 +19,8 @@ public:
     /// @return false when the file cannot be opened; true, with nothing filled, when it is no JSON
     bool parse(const std::string& file, HSCPlazModel* hub, HSCPlazQStoreModel* store);
 
-    /// The same of a document that has been read; what is left out is found, not sent.
+    /// The same; what is wrong with the file and what is left out is found, not sent.
+    static bool read(const std::string& file, HSCPlazQStoreModel& store, HSCPlazFindings& found);
+    /// The same of a document that has been read.
     static void fill(const rapidjson::Value& root, HSCPlazQStoreModel& store, HSCPlazFindings& found);
 };

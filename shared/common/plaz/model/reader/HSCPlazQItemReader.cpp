@@ -100,13 +100,18 @@ void HSCPlazQItemReader::fill(const Value& root, HSCPlazQItemModel& item, HSCPla
             readInfra(*infra, item, scratch, found);
 }
 
-bool HSCPlazQItemReader::parse(const std::string& file, HSCPlazQItemModel* model) {
-    if (!model) return false;
-    HSCPlazFindings found;
+bool HSCPlazQItemReader::read(const std::string& file, HSCPlazQItemModel& item, HSCPlazFindings& found) {
     HSCPlazJsonDocument document;
     const bool isRead = document.load(file, found);
     document.validate(HSCPlazSchema::Kind::qitem, found);
-    fill(document.getRoot(), *model, found);
+    fill(document.getRoot(), item, found);
+    return isRead;
+}
+
+bool HSCPlazQItemReader::parse(const std::string& file, HSCPlazQItemModel* model) {
+    if (!model) return false;
+    HSCPlazFindings found;
+    const bool isRead = read(file, *model, found);
     found.tell();
     return isRead;
 }

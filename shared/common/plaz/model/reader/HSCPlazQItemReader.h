@@ -19,7 +19,9 @@ public:
     /// @return false when the file cannot be opened; true, with nothing filled, when it is no JSON
     bool parse(const std::string& file, HSCPlazQItemModel* model) override;
 
-    /// The same for one of many files below a directory held open; what is left out is found, not sent.
+    /// The same; what is wrong with the file and what is left out is found, not sent.
+    static bool read(const std::string& file, HSCPlazQItemModel& item, HSCPlazFindings& found);
+    /// The same for one of many files below a directory held open.
     /// @param document  kept by the caller from file to file, so that its memory is
     /// @return how the file could be read; one that is missing or lies outside the directory is no finding
     static HIOStream::Status readBelow(const HIOStream::Root& root, const std::string& relative,

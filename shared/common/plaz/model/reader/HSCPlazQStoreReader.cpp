@@ -85,13 +85,18 @@ void HSCPlazQStoreReader::fill(const Value& root, HSCPlazQStoreModel& store, HSC
         for (const HSCPlazJson::Member& member : catalog->GetObject()) readCatalogMember(member, store, found);
 }
 
-bool HSCPlazQStoreReader::parse(const std::string& file, HSCPlazQStoreModel* model) {
-    if (!model) return false;
-    HSCPlazFindings found;
+bool HSCPlazQStoreReader::read(const std::string& file, HSCPlazQStoreModel& store, HSCPlazFindings& found) {
     HSCPlazJsonDocument document;
     const bool isRead = document.load(file, found);
     document.validate(HSCPlazSchema::Kind::qstore, found);
-    fill(document.getRoot(), *model, found);
+    fill(document.getRoot(), store, found);
+    return isRead;
+}
+
+bool HSCPlazQStoreReader::parse(const std::string& file, HSCPlazQStoreModel* model) {
+    if (!model) return false;
+    HSCPlazFindings found;
+    const bool isRead = read(file, *model, found);
     found.tell();
     return isRead;
 }

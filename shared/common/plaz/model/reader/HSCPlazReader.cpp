@@ -75,13 +75,17 @@ void HSCPlazReader::fill(const Value& root, HSCPlazModel& model, HSCPlazFindings
     if (plaz->HasMember(Key::hubCommitId)) model.setCommitId(Json::GetStringProperty(*plaz, Key::hubCommitId));
 }
 
-bool HSCPlazReader::parse(const std::string& file, HSCPlazModel* model) {
-    if (!model) return false;
-    HSCPlazFindings found;
+void HSCPlazReader::read(const std::string& file, HSCPlazModel& model, HSCPlazFindings& found) {
     HSCPlazJsonDocument document;
     document.load(file, found);
     document.validate(HSCPlazSchema::Kind::plaz, found);
-    fill(document.getRoot(), *model, found);
+    fill(document.getRoot(), model, found);
+}
+
+bool HSCPlazReader::parse(const std::string& file, HSCPlazModel* model) {
+    if (!model) return false;
+    HSCPlazFindings found;
+    read(file, *model, found);
     found.tell();
     return true;
 }

@@ -14,6 +14,8 @@ public:
     /// @return false for a null model only: a file that cannot be used is reported and adds nothing
     bool parse(const std::string& file, HSCPlazModel* model) override;
 
-    /// The same of a document that has been read; what is left out is found, not sent.
+    /// The same; what is wrong with the file and what is left out is found, not sent.
+    static void read(const std::string& file, HSCPlazModel& model, HSCPlazFindings& found);
+    /// The same of a document that has been read.
     static void fill(const rapidjson::Value& root, HSCPlazModel& model, HSCPlazFindings& found);
 };
