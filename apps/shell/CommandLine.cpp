@@ -1,5 +1,7 @@
 #include "CommandLine.h"
 
+#include "ItemReference.h"
+
 #include <CLI/CLI.hpp>
 
 #include <algorithm>

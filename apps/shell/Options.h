@@ -1,6 +1,6 @@
 #pragma once
 
-#include "HubQueries.h"
+#include "ItemQuery.h"
 
 #include <string>
 #include <utility>

@@ -1,6 +1,8 @@
 #include "Program.h"
 
+#include "Doctor.h"
 #include "HubParams.h"
+#include "HubQueries.h"
 #include "JsonOutput.h"
 #include "ShellMsg.h"
 #include "StdoutDiversion.h"

@@ -8,6 +8,7 @@
 #include "ShellMsg.h"
 #include "TclCommands.h"
 #include "TclCompletion.h"
+#include "TclText.h"
 
 #include "scripting/task_manager.h"
 #include "scripting/tcl_text.h"
@@ -31,26 +32,17 @@ void markInterrupted() {
     Tcl_AsyncMark(interrupted);
 }
 
-Tcl_Obj* newText(const std::string& text) {
-    return Tcl_NewStringObj(text.data(), static_cast<int>(text.size()));
-}
-
 std::string resultOf(Tcl_Interp* interp) {
     return hdi::tcltasks::text_of(Tcl_GetObjResult(interp));
 }
 
 /// Where and why the last command failed.
 std::string traceOf(Tcl_Interp* interp) {
-    Tcl_Obj* options = Tcl_GetReturnOptions(interp, TCL_ERROR);
-    Tcl_IncrRefCount(options);
-    Tcl_Obj* const name = newText("-errorinfo");
-    Tcl_IncrRefCount(name);
+    const TclRef options(Tcl_GetReturnOptions(interp, TCL_ERROR));
+    const TclRef name(makeText("-errorinfo"));
     Tcl_Obj* trace = nullptr;
-    Tcl_DictObjGet(nullptr, options, name, &trace);
-    const std::string text = trace ? hdi::tcltasks::text_of(trace) : std::string();
-    Tcl_DecrRefCount(name);
-    Tcl_DecrRefCount(options);
-    return text;
+    Tcl_DictObjGet(nullptr, options.get(), name.get(), &trace);
+    return trace ? hdi::tcltasks::text_of(trace) : std::string();
 }
 
 /// Scripts may have closed it.
@@ -63,11 +55,11 @@ void setVariable(Tcl_Interp* interp, const char* name, Tcl_Obj* value) {
 }
 
 void setArguments(Tcl_Interp* interp, const std::vector<std::string>& words) {
-    Tcl_Obj* arguments = Tcl_NewListObj(0, nullptr);
-    for (std::size_t i = 1; i < words.size(); ++i) Tcl_ListObjAppendElement(nullptr, arguments, newText(words[i]));
-    setVariable(interp, "argv0", newText(words.empty() ? "plaz" : words.front()));
-    setVariable(interp, "argc", Tcl_NewIntObj(words.empty() ? 0 : static_cast<int>(words.size()) - 1));
-    setVariable(interp, "argv", arguments);
+    const bool isScript = !words.empty();
+    const std::vector<std::string> arguments(words.begin() + (isScript ? 1 : 0), words.end());
+    setVariable(interp, "argv0", makeText(isScript ? words.front() : "plaz"));
+    setVariable(interp, "argc", Tcl_NewIntObj(static_cast<int>(arguments.size())));
+    setVariable(interp, "argv", makeList(arguments));
 }
 
 /// Standard input as scripts see it, so that commands and what they read come from one stream.
@@ -190,10 +182,8 @@ int TclShell::cancelEvaluation(void* shell, Tcl_Interp* /*interp*/, int code) {
 
 int TclShell::runScript(const std::string& file) {
     const std::size_t before = m_log.getMessages().size();
-    Tcl_Obj* path = newText(file);
-    Tcl_IncrRefCount(path);
-    const bool isDone = Tcl_FSEvalFileEx(m_interp, path, "utf-8") == TCL_OK && !m_status.isCanceled();
-    Tcl_DecrRefCount(path);
+    const TclRef path(makeText(file));
+    const bool isDone = Tcl_FSEvalFileEx(m_interp, path.get(), "utf-8") == TCL_OK && !m_status.isCanceled();
     if (!isDone) showError(before, true);
     return isDone ? exitStatus::done : exitStatus::failed;
 }

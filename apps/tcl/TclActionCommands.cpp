@@ -2,7 +2,9 @@
 #include "HubQueries.h"
 #include "ShellMsg.h"
 #include "TclCall.h"
+#include "TclFailure.h"
 #include "TclObjects.h"
+#include "TclText.h"
 
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlaz.h"
@@ -115,7 +117,7 @@ TclCommand actionCommand(const char* name, const char* description, Tcl_Obj* (*r
         "?-quiet? items ...",
         description,
         {{"-quiet", nullptr, "Leave out good news"}, {"-help", nullptr, "Show this help"}, {nullptr, nullptr, nullptr}},
-        PlazCommand::Subject::items,
+        TclSubject::items,
         false,
         run};
 }
@@ -138,7 +140,7 @@ const std::vector<TclCommand>& actionCommands() {
           {"-quiet", nullptr, "Leave out good news"},
           {"-help", nullptr, "Show this help"},
           {nullptr, nullptr, nullptr}},
-         PlazCommand::Subject::stores,
+         TclSubject::stores,
          false,
          refresh},
     };

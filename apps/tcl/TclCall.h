@@ -1,8 +1,6 @@
 #pragma once
 
-#include "TclCommands.h"
-
-#include "support/ComMsgMgr.h"
+#include "TclCommand.h"
 
 #include <string>
 #include <string_view>
@@ -10,70 +8,7 @@
 #include <utility>
 #include <vector>
 
-/// An error of a command: its text, and what stands behind "PLAZ" in the errorCode.
-struct TclFailure {
-    std::string text;
-    std::string code;
-};
-
-/// Ends a command whose error the interpreter holds already.
-struct TclErrorIsSet {};
-
-/// Throws TclFailure with the message's text. @param code  empty for the message's number
-template <std::size_t Arity, typename... Args>
-[[noreturn]] void failTcl(const std::string& code, const MsgId<Arity>& id, const Args&... args) {
-    const ComMsgMgrInstance message("", 0, "common", id, args...);
-    throw TclFailure{message.getMessage(), code.empty() ? message.getId() : code};
-}
-
-/// Holds a reference to a Tcl object.
-class TclRef {
-public:
-    explicit TclRef(Tcl_Obj* object) : m_object(object) { Tcl_IncrRefCount(m_object); }
-    ~TclRef() { Tcl_DecrRefCount(m_object); }
-    TclRef(const TclRef&) = delete;
-    TclRef& operator=(const TclRef&) = delete;
-    Tcl_Obj* get() const { return m_object; }
-
-private:
-    Tcl_Obj* m_object;
-};
-
-/// The object's text. @throws TclFailure for one that holds a NUL character
-std::string textOf(Tcl_Obj* object);
-/// A new object of that text.
-Tcl_Obj* makeText(const std::string& text);
-Tcl_Obj* makeList(const std::vector<std::string>& texts);
-
-/// What an error may repeat of a name that there is not: with a value stuck to it, the value is left out.
-std::string cutName(const std::string& name);
-
-class TclCall;
-
-/// An option of a command. An array of them ends with one without a name, as Tcl wants it.
-struct TclOption {
-    const char* name;        ///< "-quiet"
-    const char* value;       ///< what stands behind it; null for nothing
-    const char* description; ///< one line of the help
-};
-
-/// A command, its help and what it does.
-struct TclCommand {
-    const char* name;
-    const char* arguments; ///< "?-quiet? items"
-    const char* description;
-    std::vector<TclOption> options;
-    PlazCommand::Subject subject;
-    bool takesSecrets; ///< errors must not repeat the words behind the first
-    /// @return the result. Throws TclFailure, TclErrorIsSet and std::exception.
-    Tcl_Obj* (*run)(const TclCall& call);
-};
-
-/// The commands, group by group. Each list lasts as long as the process.
-const std::vector<TclCommand>& catalogCommands();
-const std::vector<TclCommand>& actionCommands();
-const std::vector<TclCommand>& propertyCommands();
-const std::vector<TclCommand>& paramCommands();
+class HDGUIStatus;
 
 /// One call of a command, its words taken apart: options up to the first word that is none, or up to "--".
 class TclCall {

@@ -3,7 +3,9 @@
 #include "PropertyFilter.h"
 #include "ShellMsg.h"
 #include "TclCall.h"
+#include "TclFailure.h"
 #include "TclObjects.h"
+#include "TclText.h"
 
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/HSCPlaz.h"
@@ -146,7 +148,7 @@ const std::vector<TclCommand>& catalogCommands() {
          "?pattern ...?",
          "The stores, all or those whose names fit a pattern (* ? [a-z]).",
          {{"-help", nullptr, "Show this help"}, {nullptr, nullptr, nullptr}},
-         PlazCommand::Subject::stores,
+         TclSubject::stores,
          false,
          getStores},
         {"plaz::get_qitems",
@@ -160,7 +162,7 @@ const std::vector<TclCommand>& catalogCommands() {
           {"-outdated", nullptr, "Only what is installed and has an update"},
           {"-help", nullptr, "Show this help"},
           {nullptr, nullptr, nullptr}},
-         PlazCommand::Subject::items,
+         TclSubject::items,
          false,
          getItems},
     };

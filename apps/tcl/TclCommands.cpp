@@ -3,6 +3,8 @@
 #include "HubParams.h"
 #include "ShellMsg.h"
 #include "TclCall.h"
+#include "TclFailure.h"
+#include "TclText.h"
 #include "TextTable.h"
 
 #include "plaz/base/HSCPlazMsg.h"
@@ -22,13 +24,6 @@ struct Binding {
     const TclCommand* command;
     HDGUIStatus* status;
 };
-
-std::vector<const TclCommand*> allCommands() {
-    std::vector<const TclCommand*> all;
-    for (const auto* group : {&catalogCommands(), &actionCommands(), &propertyCommands(), &paramCommands()})
-        for (const TclCommand& command : *group) all.push_back(&command);
-    return all;
-}
 
 Tcl_Obj* makeHelp(const TclCommand& command) {
     TextTable options({});
@@ -108,7 +103,7 @@ void echo(const std::string& command) {
 } // namespace
 
 void registerPlazCommands(Tcl_Interp* interp, HDGUIStatus& status) {
-    for (const TclCommand* command : allCommands())
+    for (const TclCommand* command : listTclCommands())
         Tcl_CreateObjCommand(interp, (std::string("::") + command->name).c_str(), runCommand,
                              std::make_unique<Binding>(Binding{command, &status}).release(),
                              [](ClientData data) { std::unique_ptr<Binding>(static_cast<Binding*>(data)); });
@@ -116,7 +111,7 @@ void registerPlazCommands(Tcl_Interp* interp, HDGUIStatus& status) {
 }
 
 std::string shownTrace(const std::string& trace) {
-    for (const TclCommand* command : allCommands()) {
+    for (const TclCommand* command : listTclCommands()) {
         if (!command->takesSecrets) continue;
         const std::string frame = hiddenFrame(*command);
         const std::size_t found = trace.find(frame);
@@ -127,13 +122,9 @@ std::string shownTrace(const std::string& trace) {
     return withoutSecrets(trace);
 }
 
-std::vector<PlazCommand> listPlazCommands() {
-    std::vector<PlazCommand> commands;
-    for (const TclCommand* command : allCommands()) {
-        PlazCommand listed{command->name, {}, command->subject};
-        for (const TclOption* option = command->options.data(); option->name; ++option)
-            listed.options.emplace_back(option->name);
-        commands.push_back(std::move(listed));
-    }
-    return commands;
+std::vector<const TclCommand*> listTclCommands() {
+    std::vector<const TclCommand*> all;
+    for (const auto* group : {&catalogCommands(), &actionCommands(), &propertyCommands(), &paramCommands()})
+        for (const TclCommand& command : *group) all.push_back(&command);
+    return all;
 }

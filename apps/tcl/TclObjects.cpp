@@ -2,7 +2,8 @@
 
 #include "HubQueries.h"
 #include "ShellMsg.h"
-#include "TclCall.h"
+#include "TclFailure.h"
+#include "TclText.h"
 
 #include "plaz/HSCPlazMgr.h"
 #include "plaz/bindings/HSCPlazScriptCaches.h"

@@ -1,6 +1,8 @@
 #include "HubParams.h"
 #include "ShellMsg.h"
 #include "TclCall.h"
+#include "TclFailure.h"
+#include "TclText.h"
 #include "TextTable.h"
 
 #include "support/HPAParamMgr.h"
@@ -64,17 +66,16 @@ const std::vector<TclOption> hiddenToo{
 } // namespace
 
 const std::vector<TclCommand>& paramCommands() {
-    using Subject = PlazCommand::Subject;
     static const std::vector<TclCommand> commands{
         {"set_param", "name ?value ...?", "Sets a parameter until the program ends. Several words are one value.",
-         onlyHelp, Subject::params, true, setParam},
-        {"get_param", "name", "The value of a parameter; user ids and tokens read \"***\".", onlyHelp, Subject::params,
-         false, getParam},
-        {"list_param", "?-hidden? ?pattern?", "The names of the parameters.", hiddenToo, Subject::params, false,
+         onlyHelp, TclSubject::params, true, setParam},
+        {"get_param", "name", "The value of a parameter; user ids and tokens read \"***\".", onlyHelp,
+         TclSubject::params, false, getParam},
+        {"list_param", "?-hidden? ?pattern?", "The names of the parameters.", hiddenToo, TclSubject::params, false,
          listParam},
-        {"reset_param", "name", "Brings a parameter's default back.", onlyHelp, Subject::params, false, resetParam},
+        {"reset_param", "name", "Brings a parameter's default back.", onlyHelp, TclSubject::params, false, resetParam},
         {"report_param", "?-hidden? ?pattern?", "A table of the parameters with value, default and description.",
-         hiddenToo, Subject::params, false, reportParam},
+         hiddenToo, TclSubject::params, false, reportParam},
     };
     return commands;
 }

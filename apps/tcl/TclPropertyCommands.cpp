@@ -3,7 +3,9 @@
 #include "ObjectProperties.h"
 #include "ShellMsg.h"
 #include "TclCall.h"
+#include "TclFailure.h"
 #include "TclObjects.h"
+#include "TclText.h"
 #include "TextTable.h"
 
 #include "plaz/model/HSCPlaz.h"
@@ -202,22 +204,21 @@ std::vector<std::string> listPropertyNames() {
 }
 
 const std::vector<TclCommand>& propertyCommands() {
-    using Subject = PlazCommand::Subject;
     static const std::vector<TclCommand> commands{
         {"get_property", "name objects",
          "The value of a property: of one store, item or the preferences, else a list of the values of all. Truth "
          "values are 0 and 1.",
-         onlyHelp, Subject::objects, false, getProperty},
+         onlyHelp, TclSubject::objects, false, getProperty},
         {"set_property", "name ?value ...? objects",
          "Sets a property. Only the preferences can be set: see current_solvan_preferences. Several words are one "
          "value.",
-         onlyHelp, Subject::objects, true, setProperty},
+         onlyHelp, TclSubject::objects, true, setProperty},
         {"list_property", "object ?pattern?", "The names of the properties of a store, an item or the preferences.",
-         onlyHelp, Subject::objects, false, listProperty},
+         onlyHelp, TclSubject::objects, false, listProperty},
         {"report_property", "object ?pattern?", "A table of the properties of a store, an item or the preferences.",
-         onlyHelp, Subject::objects, false, reportProperty},
+         onlyHelp, TclSubject::objects, false, reportProperty},
         {"current_solvan_preferences", "", "The user's preferences, whose properties can be set.", onlyHelp,
-         Subject::nothing, false, preferences},
+         TclSubject::nothing, false, preferences},
     };
     return commands;
 }
