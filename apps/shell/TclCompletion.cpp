@@ -172,7 +172,7 @@ Words findWords(Tcl_Interp* interp, const OpenCommand& open, const std::string& 
     const TclCommand* command = findHubCommand(open.words.front());
     if (!command) return findFiles(typed);
     if (typed.rfind('-', 0) == 0) return findOptions(*command);
-    if (open.words.back() == "-store") return findSubjects(TclSubject::stores, typed);
+    if (open.words.back() == tclNameOf(commandOptions::store)) return findSubjects(TclSubject::stores, typed);
     return findSubjects(command->subject, typed);
 }
 

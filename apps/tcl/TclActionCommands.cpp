@@ -29,7 +29,7 @@ template <typename Native> void addOnce(std::vector<Native*>& natives, Native& n
 }
 
 HubActions makeActions(const TclCall& call) {
-    return HubActions(requireHub(), call.getStatus(), call.has("-quiet"));
+    return HubActions(requireHub(), call.getStatus(), call.has(commandOptions::quiet));
 }
 
 /// The result of a command is how many parts it had; one of which something failed ends with the reason.
@@ -100,7 +100,7 @@ Tcl_Obj* update(const TclCall& call) {
 Tcl_Obj* refresh(const TclCall& call) {
     const std::vector<Tcl_Obj*>& words = call.getWords();
     std::vector<std::string> names;
-    const bool isHub = call.has("-hub");
+    const bool isHub = call.has(commandOptions::hub);
     Stores stores;
     for (const Meant& meant : readMeant(words, namesStore)) {
         names.push_back(isHub && !meant.store && !meant.item ? meant.getText() : requireStore(meant).getName());
@@ -112,14 +112,7 @@ Tcl_Obj* refresh(const TclCall& call) {
 }
 
 TclCommand actionCommand(const char* name, const char* description, Tcl_Obj* (*run)(const TclCall&)) {
-    return {
-        name,
-        "?-quiet? items ...",
-        description,
-        {{"-quiet", nullptr, "Leave out good news"}, {"-help", nullptr, "Show this help"}, {nullptr, nullptr, nullptr}},
-        TclSubject::items,
-        false,
-        run};
+    return {name, "items ...", description, tclOptions({commandOptions::quiet}), TclSubject::items, false, run};
 }
 
 } // namespace
@@ -131,18 +124,10 @@ const std::vector<TclCommand>& actionCommands() {
         actionCommand("plaz::uninstall",
                       "Removes items and what nothing else needs. The result is how many were named.", uninstall),
         actionCommand("plaz::update", "Brings installed items up to date. The result is how many were named.", update),
-        {"plaz::refresh_catalog",
-         "?-quiet? ?-hub? ?stores ...?",
-         "Fetches the catalogs of stores, all without a word, and what they say of items, which are new objects then. "
-         "The "
-         "result is how many stores were fetched.",
-         {{"-hub", nullptr, "Fetch the hub's own metadata first, and with it all catalogs; all objects are new then"},
-          {"-quiet", nullptr, "Leave out good news"},
-          {"-help", nullptr, "Show this help"},
-          {nullptr, nullptr, nullptr}},
-         TclSubject::stores,
-         false,
-         refresh},
+        {"plaz::refresh_catalog", "?stores ...?",
+         "Fetches the catalogs of stores, all without a word, and what they say of items, which are new objects then; "
+         "with -hub the stores are, too. The result is how many stores were fetched.",
+         tclOptions({commandOptions::quiet, commandOptions::hub}), TclSubject::stores, false, refresh},
     };
     return commands;
 }

@@ -16,17 +16,17 @@ TclCall::TclCall(const TclCommand& command, HDGUIStatus& status, Tcl_Interp* int
         if (Tcl_GetIndexFromObjStruct(interp, words[i], command.options.data(), sizeof(TclOption), "option", 0,
                                       &index) != TCL_OK)
             throw TclErrorIsSet{};
-        const TclOption& option = command.options[static_cast<std::size_t>(index)];
+        const CommandOption& option = command.options[static_cast<std::size_t>(index)].about;
         if (option.value && ++i == count) failUsage();
         m_options.emplace_back(option.name, words[i]);
     }
     m_words.assign(words + i, words + count);
 }
 
-Tcl_Obj* TclCall::getValue(std::string_view option) const {
+Tcl_Obj* TclCall::getValue(const CommandOption& option) const {
     Tcl_Obj* value = nullptr;
     for (const auto& [name, word] : m_options)
-        if (name == option) value = word;
+        if (name == option.name) value = word;
     return value;
 }
 
@@ -41,6 +41,6 @@ std::string TclCall::joinWords(std::size_t first, std::size_t last) const {
 }
 
 void TclCall::failUsage() const {
-    Tcl_WrongNumArgs(m_interp, 1, m_all, m_command.arguments);
+    Tcl_WrongNumArgs(m_interp, 1, m_all, usageOf(m_command).c_str());
     throw TclErrorIsSet{};
 }

@@ -18,9 +18,9 @@ public:
 
     Tcl_Interp* getInterp() const { return m_interp; }
     HDGUIStatus& getStatus() const { return m_status; }
-    bool has(std::string_view option) const { return getValue(option) != nullptr; }
+    bool has(const CommandOption& option) const { return getValue(option) != nullptr; }
     /// The word behind an option that takes one, the last where it was given twice; null when it was not given.
-    Tcl_Obj* getValue(std::string_view option) const;
+    Tcl_Obj* getValue(const CommandOption& option) const;
     /// The words behind the options.
     const std::vector<Tcl_Obj*>& getWords() const { return m_words; }
     /// @throws TclErrorIsSet when there are fewer or more words
@@ -35,6 +35,6 @@ private:
     HDGUIStatus& m_status;
     Tcl_Interp* m_interp;
     Tcl_Obj* const* m_all;
-    std::vector<std::pair<std::string_view, Tcl_Obj*>> m_options;
+    std::vector<std::pair<std::string_view, Tcl_Obj*>> m_options; ///< by the name of CommandOption
     std::vector<Tcl_Obj*> m_words;
 };

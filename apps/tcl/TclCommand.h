@@ -1,16 +1,26 @@
 #pragma once
 
+#include "CommandOptions.h"
+
+#include <initializer_list>
+#include <string>
 #include <tcl.h>
 #include <vector>
 
 class TclCall;
 
-/// An option of a command. An array of them ends with one without a name, as Tcl wants it.
+/// An option as Tcl knows it. An array of them ends with one without a name, as Tcl wants it.
 struct TclOption {
-    const char* name;        ///< "-quiet"
-    const char* value;       ///< what stands behind it; null for nothing
-    const char* description; ///< one line of the help
+    const char* name; ///< "-all_revisions"
+    CommandOption about;
 };
+
+/// These options and "-help", ready for a command.
+std::vector<TclOption> tclOptions(std::initializer_list<CommandOption> options);
+/// How Tcl spells an option: "-all_revisions".
+std::string tclNameOf(const CommandOption& option);
+/// What all commands take.
+inline constexpr CommandOption helpOption{"help", nullptr, "Show this help"};
 
 /// What the words behind a command's options name.
 enum class TclSubject { nothing, items, stores, objects, params };
@@ -18,7 +28,7 @@ enum class TclSubject { nothing, items, stores, objects, params };
 /// A command, its help and what it does.
 struct TclCommand {
     const char* name;
-    const char* arguments; ///< "?-quiet? items"
+    const char* arguments; ///< the words behind the options: "items ..."
     const char* description;
     std::vector<TclOption> options;
     TclSubject subject;
@@ -26,6 +36,11 @@ struct TclCommand {
     /// @return the result. Throws TclFailure, TclErrorIsSet and std::exception.
     Tcl_Obj* (*run)(const TclCall& call);
 };
+
+/// The option with what stands behind it: "-store store".
+std::string withValue(const TclOption& option);
+/// What a command takes: "?-quiet? items ...".
+std::string usageOf(const TclCommand& command);
 
 /// The commands, group by group. Each list lasts as long as the process.
 const std::vector<TclCommand>& catalogCommands();

@@ -28,11 +28,10 @@ struct Binding {
 Tcl_Obj* makeHelp(const TclCommand& command) {
     TextTable options({});
     for (const TclOption* option = command.options.data(); option->name; ++option)
-        options.addRow({std::string("  ") + option->name + (option->value ? std::string(" ") + option->value : ""),
-                        option->description});
-    std::string usage = std::string("usage: ") + command.name;
-    if (*command.arguments) usage += std::string(" ") + command.arguments;
-    return makeText(usage + "\n" + command.description + "\n" + options.toText());
+        options.addRow({"  " + withValue(*option), option->about.description});
+    const std::string words = usageOf(command);
+    return makeText(std::string("usage: ") + command.name + (words.empty() ? "" : " ") + words + "\n" +
+                    command.description + "\n" + options.toText());
 }
 
 /// Makes the failure the interpreter's error.
@@ -72,7 +71,7 @@ int runCommand(ClientData data, Tcl_Interp* interp, int count, Tcl_Obj* const wo
     binding.status->forgetProgress();
     try {
         const TclCall call(command, *binding.status, interp, count, words);
-        Tcl_SetObjResult(interp, call.has("-help") ? makeHelp(command) : command.run(call));
+        Tcl_SetObjResult(interp, call.has(helpOption) ? makeHelp(command) : command.run(call));
         return TCL_OK;
     } catch (const TclErrorIsSet&) {
     } catch (const TclFailure& failure) {

@@ -43,7 +43,7 @@ Tcl_Obj* resetParam(const TclCall& call) {
 
 std::vector<const HPAParam*> select(const TclCall& call) {
     call.expectWords(0, 1);
-    return findParams(call.joinWords(0, call.getWords().size()), call.has("-hidden"));
+    return findParams(call.joinWords(0, call.getWords().size()), call.has(commandOptions::hidden));
 }
 
 Tcl_Obj* listParam(const TclCall& call) {
@@ -59,23 +59,20 @@ Tcl_Obj* reportParam(const TclCall& call) {
     return makeText(table.toText());
 }
 
-const std::vector<TclOption> onlyHelp{{"-help", nullptr, "Show this help"}, {nullptr, nullptr, nullptr}};
-const std::vector<TclOption> hiddenToo{
-    {"-hidden", nullptr, "Hidden parameters too"}, {"-help", nullptr, "Show this help"}, {nullptr, nullptr, nullptr}};
-
 } // namespace
 
 const std::vector<TclCommand>& paramCommands() {
     static const std::vector<TclCommand> commands{
         {"set_param", "name ?value ...?", "Sets a parameter until the program ends. Several words are one value.",
-         onlyHelp, TclSubject::params, true, setParam},
-        {"get_param", "name", "The value of a parameter; user ids and tokens read \"***\".", onlyHelp,
+         tclOptions({}), TclSubject::params, true, setParam},
+        {"get_param", "name", "The value of a parameter; user ids and tokens read \"***\".", tclOptions({}),
          TclSubject::params, false, getParam},
-        {"list_param", "?-hidden? ?pattern?", "The names of the parameters.", hiddenToo, TclSubject::params, false,
-         listParam},
-        {"reset_param", "name", "Brings a parameter's default back.", onlyHelp, TclSubject::params, false, resetParam},
-        {"report_param", "?-hidden? ?pattern?", "A table of the parameters with value, default and description.",
-         hiddenToo, TclSubject::params, false, reportParam},
+        {"list_param", "?pattern?", "The names of the parameters.", tclOptions({commandOptions::hidden}),
+         TclSubject::params, false, listParam},
+        {"reset_param", "name", "Brings a parameter's default back.", tclOptions({}), TclSubject::params, false,
+         resetParam},
+        {"report_param", "?pattern?", "A table of the parameters with value, default and description.",
+         tclOptions({commandOptions::hidden}), TclSubject::params, false, reportParam},
     };
     return commands;
 }

@@ -192,8 +192,6 @@ Tcl_Obj* preferences(const TclCall& call) {
     return makeText(preferencesText);
 }
 
-const std::vector<TclOption> onlyHelp{{"-help", nullptr, "Show this help"}, {nullptr, nullptr, nullptr}};
-
 } // namespace
 
 std::vector<std::string> listPropertyNames() {
@@ -208,16 +206,16 @@ const std::vector<TclCommand>& propertyCommands() {
         {"get_property", "name objects",
          "The value of a property: of one store, item or the preferences, else a list of the values of all. Truth "
          "values are 0 and 1.",
-         onlyHelp, TclSubject::objects, false, getProperty},
+         tclOptions({}), TclSubject::objects, false, getProperty},
         {"set_property", "name ?value ...? objects",
          "Sets a property. Only the preferences can be set: see current_solvan_preferences. Several words are one "
          "value.",
-         onlyHelp, TclSubject::objects, true, setProperty},
+         tclOptions({}), TclSubject::objects, true, setProperty},
         {"list_property", "object ?pattern?", "The names of the properties of a store, an item or the preferences.",
-         onlyHelp, TclSubject::objects, false, listProperty},
+         tclOptions({}), TclSubject::objects, false, listProperty},
         {"report_property", "object ?pattern?", "A table of the properties of a store, an item or the preferences.",
-         onlyHelp, TclSubject::objects, false, reportProperty},
-        {"current_solvan_preferences", "", "The user's preferences, whose properties can be set.", onlyHelp,
+         tclOptions({}), TclSubject::objects, false, reportProperty},
+        {"current_solvan_preferences", "", "The user's preferences, whose properties can be set.", tclOptions({}),
          TclSubject::nothing, false, preferences},
     };
     return commands;
