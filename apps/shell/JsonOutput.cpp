@@ -1,7 +1,7 @@
 #include "JsonOutput.h"
 
-#include "HubParams.h"
 #include "ItemReference.h"
+#include "Secrets.h"
 #include "StoreSummary.h"
 
 #include "plaz/base/HSCPlazTrust.h"

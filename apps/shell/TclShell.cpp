@@ -1,10 +1,10 @@
 #include "TclShell.h"
 
-#include "HubParams.h"
 #include "Interrupt.h"
 #include "MessageLog.h"
 #include "Options.h"
 #include "ProgressLine.h"
+#include "Secrets.h"
 #include "ShellMsg.h"
 #include "TclCommands.h"
 #include "TclCompletion.h"
@@ -12,14 +12,12 @@
 
 #include "scripting/task_manager.h"
 #include "scripting/tcl_text.h"
-#include "support/HPAParamMgr.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFork.h"
 #include "support/HUTSysCall.h"
 #include "support/HUTText.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cerrno>
 #include <iostream>
 #include <tcl.h>
@@ -94,42 +92,6 @@ std::unique_ptr<LineInput> makeInput([[maybe_unused]] Tcl_Interp* interp, bool i
                               HUTEnv::getHDIAppDataDir() + "/plaz_shell_history");
 #endif
     return std::make_unique<PlainLines>(isTerminal);
-}
-
-bool isHarmlessParam(const std::string& name) {
-    const HPAParam* param = HPAParamMgr::getParamMgr().findParam(name);
-    return param && !isSecret(*param);
-}
-
-bool isHarmlessProperty(const std::string& name) {
-    return HUTText::lowered(name) == "qstores_path";
-}
-
-/// Whether @p setter stands in the command, on its own or in another command, with a name behind it that is not,
-/// letter for letter, one whose values are no secrets.
-bool setsMoreThanHarmless(const std::string& command, const std::string& setter,
-                          bool (*isHarmless)(const std::string& name)) {
-    const auto isNamePart = [&](std::size_t at) {
-        return at < command.size() && (std::isalnum(static_cast<unsigned char>(command[at])) || command[at] == '_');
-    };
-    for (std::size_t at = command.find(setter); at != std::string::npos; at = command.find(setter, at + 1)) {
-        const std::size_t end = at + setter.size();
-        if ((at > 0 && isNamePart(at - 1)) || isNamePart(end)) continue; // another command
-        const std::size_t name = std::min(command.find_first_not_of(" \t", end), command.size());
-        const std::size_t nameEnd = std::min(command.find_first_of(" \t\n", name), command.size());
-        if (!isHarmless(command.substr(name, nameEnd - name))) return true;
-    }
-    return false;
-}
-
-/// Whether a command may hold a user id, token or password, which no file keeps.
-bool mayHoldSecret(const std::string& command) {
-    const std::string lowered = HUTText::lowered(command);
-    const auto mentions = [&](const char* name) { return lowered.find(name) != std::string::npos; };
-    return mentions("plaz.git_user") || mentions("plaz.git_token") || mentions("http_proxy") ||
-           mentions("https_proxy") || withoutSecrets(command) != command ||
-           setsMoreThanHarmless(command, "set_param", isHarmlessParam) ||
-           setsMoreThanHarmless(command, "set_property", isHarmlessProperty);
 }
 
 /// Reads lines until they make a command. @return what ended the last of them

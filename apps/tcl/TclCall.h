@@ -16,7 +16,6 @@ public:
     /// @throws TclErrorIsSet for an option that there is not
     TclCall(const TclCommand& command, HDGUIStatus& status, Tcl_Interp* interp, int count, Tcl_Obj* const* words);
 
-    Tcl_Interp* getInterp() const { return m_interp; }
     HDGUIStatus& getStatus() const { return m_status; }
     bool has(const CommandOption& option) const { return getValue(option) != nullptr; }
     /// The word behind an option that takes one, the last where it was given twice; null when it was not given.

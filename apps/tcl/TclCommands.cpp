@@ -1,7 +1,6 @@
 #include "TclCommands.h"
 
-#include "HubParams.h"
-#include "ShellMsg.h"
+#include "Secrets.h"
 #include "TclCall.h"
 #include "TclFailure.h"
 #include "TclText.h"
@@ -86,17 +85,9 @@ int runCommand(ClientData data, Tcl_Interp* interp, int count, Tcl_Obj* const wo
     return TCL_ERROR;
 }
 
-/// The command of a user interface as it may be shown.
-std::string masked(const std::string& command) {
-    static const std::string beforeProxy = "set_param plaz.http_proxy ";
-    if (command.compare(0, beforeProxy.size(), beforeProxy) == 0)
-        return beforeProxy + HSCPlazTrust::maskProxy(command.substr(beforeProxy.size()));
-    return HSCPlazTrust::maskSecrets(command);
-}
-
 void echo(const std::string& command) {
     if (HPAParamMgr::getParamMgr().getValueAsBool("plaz.echoCommandFromToolSettings"))
-        std::cout << masked(command) << std::endl;
+        std::cout << shownCommand(command) << std::endl;
 }
 
 } // namespace

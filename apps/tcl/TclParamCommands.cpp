@@ -1,9 +1,9 @@
 #include "HubParams.h"
+#include "Secrets.h"
 #include "ShellMsg.h"
 #include "TclCall.h"
 #include "TclFailure.h"
 #include "TclText.h"
-#include "TextTable.h"
 
 #include "support/HPAParamMgr.h"
 
@@ -53,10 +53,7 @@ Tcl_Obj* listParam(const TclCall& call) {
 }
 
 Tcl_Obj* reportParam(const TclCall& call) {
-    TextTable table({"PARAMETER", "VALUE", "DEFAULT", "DESCRIPTION"});
-    for (const HPAParam* param : select(call))
-        table.addRow({param->getName(), shownValue(*param), param->getDefault(), param->getDescription()});
-    return makeText(table.toText());
+    return makeText(tabulate(select(call)).toText());
 }
 
 } // namespace

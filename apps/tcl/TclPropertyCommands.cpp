@@ -1,6 +1,7 @@
 #include "Glob.h"
-#include "HubParams.h"
+#include "HubPreferences.h"
 #include "ObjectProperties.h"
+#include "Secrets.h"
 #include "ShellMsg.h"
 #include "TclCall.h"
 #include "TclFailure.h"
@@ -23,7 +24,7 @@ using Texts = std::vector<std::string>;
 
 // What current_solvan_preferences returns. It is no reference, so that no item can be meant by it.
 constexpr const char* preferencesText = "::plaz::preferences";
-const Texts preferenceNames{"QSTORES_PATH", proxyPreference};
+const Texts preferenceNames{storesPathPreference, proxyPreference};
 
 /// What properties are asked of: a store, an item or, both null, the preferences.
 struct Object {
@@ -81,7 +82,7 @@ PropertyValue preferenceOf(const std::string& name) {
     const std::string& known = findPreference(name);
     const Texts values = HCCXPrefMgr::getInstance().getDefaultXPref().getVal(known);
     const auto first = std::find_if(values.begin(), values.end(), [](const auto& value) { return !value.empty(); });
-    return first == values.end() ? std::string() : shownPreference(known, *first);
+    return first == values.end() ? std::string() : shownValue(known, *first);
 }
 
 template <typename Native> PropertyValue valueOf(const Object& object, const Native& native, const std::string& name) {
@@ -117,16 +118,6 @@ Tcl_Obj* getProperty(const TclCall& call) {
     return list;
 }
 
-void setPreference(const std::string& name, const std::string& value) {
-    HCCXPref& preferences = HCCXPrefMgr::getInstance().getDefaultXPref();
-    const std::string& known = findPreference(name);
-    const Texts before = preferences.getVal(known);
-    preferences.setVal(known, {value});
-    if (HCCXPrefUtils::savePreferences()) return;
-    preferences.setVal(known, before);
-    failTcl("", ShellMsg::preferencesNotSaved, HCCXPrefMgr::getFile());
-}
-
 /// The objects that the last word of set_property means.
 /// RATIONALE: where they were forgotten that word is the value, which may be a secret: it is not repeated.
 std::vector<Object> readChangedObjects(Tcl_Obj* word) {
@@ -150,7 +141,7 @@ Tcl_Obj* setProperty(const TclCall& call) {
         valueOf(object, name);
         if (object.store || object.item) failTcl("", ShellMsg::propertyReadOnly, HUTText::raised(name));
     }
-    setPreference(name, value);
+    savePreference(findPreference(name), {value});
     return Tcl_NewIntObj(1);
 }
 
