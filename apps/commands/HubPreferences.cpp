@@ -1,5 +1,6 @@
 #include "HubPreferences.h"
 
+#include "Failure.h"
 #include "ShellMsg.h"
 
 #include "support/HCCXPrefMgr.h"
@@ -10,6 +11,5 @@ void savePreference(const std::string& name, const std::vector<std::string>& val
     preferences.setVal(name, values);
     if (HCCXPrefUtils::savePreferences()) return;
     preferences.setVal(name, before);
-    throw HEXAll(
-        ComMsgMgrInstance(__FILE__, __LINE__, "common", ShellMsg::preferencesNotSaved, HCCXPrefMgr::getFile()));
+    failWith(ShellMsg::preferencesNotSaved, HCCXPrefMgr::getFile());
 }

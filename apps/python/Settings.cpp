@@ -1,6 +1,7 @@
 #include "Settings.h"
 
 #include "Call.h"
+#include "Failure.h"
 #include "HubParams.h"
 #include "HubPreferences.h"
 #include "Secrets.h"
@@ -15,7 +16,7 @@ namespace {
 
 const HPAParam& findParam(const std::string& name) {
     if (const HPAParam* param = HPAParamMgr::getParamMgr().findParam(name)) return *param;
-    throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", ShellMsg::paramUnknown, name));
+    failWith(ShellMsg::paramUnknown, name);
 }
 
 py::object valueOf(const HPAParam& param) {

@@ -1,6 +1,5 @@
 #include "JsonOutput.h"
 
-#include "ItemReference.h"
 #include "Secrets.h"
 #include "StoreSummary.h"
 

@@ -3,7 +3,6 @@
 #include "ItemQuery.h"
 
 #include <string>
-#include <utility>
 #include <vector>
 
 /// What the command line asks for.

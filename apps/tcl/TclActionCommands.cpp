@@ -1,8 +1,8 @@
+#include "Failure.h"
 #include "HubActions.h"
 #include "HubQueries.h"
 #include "ShellMsg.h"
 #include "TclCall.h"
-#include "TclFailure.h"
 #include "TclObjects.h"
 #include "TclText.h"
 
@@ -24,10 +24,6 @@ template <typename Native> void addOnce(std::vector<Native*>& natives, Native& n
     if (std::find(natives.begin(), natives.end(), &native) == natives.end()) natives.push_back(&native);
 }
 
-[[noreturn]] void failCancelled() {
-    failTcl("CANCELLED", ShellMsg::cancelled);
-}
-
 HubActions makeActions(const TclCall& call) {
     return HubActions(requireHub(), call.getStatus(), call.has(commandOptions::quiet));
 }
@@ -35,13 +31,13 @@ HubActions makeActions(const TclCall& call) {
 /// The result of a command is how many parts it had; one of which something failed ends with the reason.
 template <typename Result> Tcl_Obj* answer(const TclCall& call, const CommandResult<Result>& result) {
     if (result.isDone) return Tcl_NewIntObj(static_cast<int>(result.parts.size()));
-    if (call.getStatus().isCanceled()) failCancelled();
-    if (!result.reason) failTcl("", Msg::unexpectedFailure, "no reason was given");
-    throw TclFailure{result.reason->getMessage(), result.reason->getId()};
+    if (call.getStatus().isCanceled()) failWith(ShellMsg::cancelled);
+    if (!result.reason) failWith(Msg::unexpectedFailure, "no reason was given");
+    throw HEXAll(*result.reason);
 }
 
 template <typename Native> const std::vector<Native*>& requireSome(const std::vector<Native*>& natives) {
-    if (natives.empty()) failTcl("", ShellMsg::nothingNamed);
+    if (natives.empty()) failWith(ShellMsg::nothingNamed);
     return natives;
 }
 
@@ -83,7 +79,7 @@ Items resolveInstalled(const TclCall& call, Resolve resolve) {
             notInstalled = ItemReference::of(*meant.item).toText();
         }
     }
-    if (items.empty() && !notInstalled.empty()) failTcl("", Msg::itemNotInstalled, notInstalled);
+    if (items.empty() && !notInstalled.empty()) failWith(Msg::itemNotInstalled, notInstalled);
     return items;
 }
 
@@ -106,7 +102,7 @@ Tcl_Obj* refresh(const TclCall& call) {
         names.push_back(isHub && !meant.store && !meant.item ? meant.getText() : requireStore(meant).getName());
         if (!isHub) addOnce(stores, requireStore(meant));
     }
-    if (!words.empty() && names.empty()) failTcl("", ShellMsg::nothingNamed);
+    if (!words.empty() && names.empty()) failWith(ShellMsg::nothingNamed);
     if (isHub) return answer(call, makeActions(call).refreshHub(names));
     return answer(call, makeActions(call).refresh(requireSome(words.empty() ? requireHub().getStores() : stores)));
 }

@@ -1,6 +1,5 @@
 #include "TclCall.h"
 
-#include "TclFailure.h"
 #include "TclObjects.h"
 #include "TclText.h"
 

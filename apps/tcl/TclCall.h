@@ -10,6 +10,9 @@
 
 class HDGUIStatus;
 
+/// Ends a command whose error the interpreter holds already.
+struct TclErrorIsSet {};
+
 /// One call of a command, its words taken apart: options up to the first word that is none, or up to "--".
 class TclCall {
 public:

@@ -1,9 +1,9 @@
+#include "Failure.h"
 #include "HubQueries.h"
 #include "NameSelection.h"
 #include "PropertyFilter.h"
 #include "ShellMsg.h"
 #include "TclCall.h"
-#include "TclFailure.h"
 #include "TclObjects.h"
 #include "TclText.h"
 
@@ -58,7 +58,7 @@ std::string readStore(const TclCall& call) {
     Tcl_Obj* word = call.getValue(commandOptions::store);
     if (!word) return {};
     const std::vector<Meant> meant = readMeant({word}, namesStore);
-    if (meant.size() != 1) failTcl("", ShellMsg::notOneStore, textOf(word));
+    if (meant.size() != 1) failWith(ShellMsg::notOneStore, textOf(word));
     return requireStore(meant.front()).getName();
 }
 

@@ -33,7 +33,7 @@ struct TclCommand {
     std::vector<TclOption> options;
     TclSubject subject;
     bool takesSecrets; ///< errors must not repeat the words behind the first
-    /// @return the result. Throws TclFailure, TclErrorIsSet and std::exception.
+    /// @return the result. Throws HEXAll, TclErrorIsSet and other std::exceptions.
     Tcl_Obj* (*run)(const TclCall& call);
 };
 

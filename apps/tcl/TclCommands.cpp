@@ -1,8 +1,9 @@
 #include "TclCommands.h"
 
+#include "Failure.h"
 #include "Secrets.h"
+#include "ShellMsg.h"
 #include "TclCall.h"
-#include "TclFailure.h"
 #include "TclText.h"
 #include "TextTable.h"
 
@@ -33,10 +34,17 @@ Tcl_Obj* makeHelp(const TclCommand& command) {
                     command.description + "\n" + options.toText());
 }
 
+/// What stands behind "PLAZ" in the errorCode.
+std::string codeOf(const ComMsgMgrInstance& failure) {
+    const std::string& id = failure.getId();
+    if (isKeyOf(ShellMsg::cancelled.key, id)) return "CANCELLED";
+    return isKeyOf(ShellMsg::objectGone.key, id) ? "STALE" : id;
+}
+
 /// Makes the failure the interpreter's error.
-void setError(Tcl_Interp* interp, const std::string& text, const std::string& code) {
-    Tcl_SetObjResult(interp, makeText(HSCPlazTrust::maskSecrets(text)));
-    Tcl_SetObjErrorCode(interp, makeList({"PLAZ", code}));
+void setError(Tcl_Interp* interp, const ComMsgMgrInstance& failure) {
+    Tcl_SetObjResult(interp, makeText(HSCPlazTrust::maskSecrets(failure.getMessage())));
+    Tcl_SetObjErrorCode(interp, makeList({"PLAZ", codeOf(failure)}));
 }
 
 /// How a command whose words are hidden stands in a trace.
@@ -73,13 +81,10 @@ int runCommand(ClientData data, Tcl_Interp* interp, int count, Tcl_Obj* const wo
         Tcl_SetObjResult(interp, call.has(helpOption) ? makeHelp(command) : command.run(call));
         return TCL_OK;
     } catch (const TclErrorIsSet&) {
-    } catch (const TclFailure& failure) {
-        setError(interp, failure.text, failure.code);
     } catch (const HEXAll& failure) {
-        setError(interp, failure.what(), failure.getMsg().getId());
+        setError(interp, failure.getMsg());
     } catch (const std::exception& failure) {
-        const ComMsgMgrInstance message("", 0, "common", Msg::unexpectedFailure, failure.what());
-        setError(interp, message.getMessage(), message.getId());
+        setError(interp, messageOf(Msg::unexpectedFailure, failure.what()));
     }
     if (command.takesSecrets) hideWords(interp, command);
     return TCL_ERROR;

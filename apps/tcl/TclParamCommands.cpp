@@ -1,8 +1,8 @@
+#include "Failure.h"
 #include "HubParams.h"
 #include "Secrets.h"
 #include "ShellMsg.h"
 #include "TclCall.h"
-#include "TclFailure.h"
 #include "TclText.h"
 
 #include "support/HPAParamMgr.h"
@@ -15,7 +15,7 @@ HPAParamMgr& params() {
 
 const HPAParam& requireParam(const std::string& name) {
     const HPAParam* param = params().findParam(name);
-    if (!param) failTcl("", ShellMsg::paramUnknown, cutName(name));
+    if (!param) failWith(ShellMsg::paramUnknown, cutName(name));
     return *param;
 }
 
@@ -26,7 +26,7 @@ Tcl_Obj* setParam(const TclCall& call) {
     call.expectWords(1, count);
     const HPAParam& param = requireParam(textOf(call.getWords().front()));
     if (!params().setValue(param.getName(), call.joinWords(1, count)))
-        failTcl("", ShellMsg::paramRefused, param.getName());
+        failWith(ShellMsg::paramRefused, param.getName());
     return Tcl_NewIntObj(1);
 }
 

@@ -1,10 +1,10 @@
+#include "Failure.h"
 #include "Glob.h"
 #include "HubPreferences.h"
 #include "ObjectProperties.h"
 #include "Secrets.h"
 #include "ShellMsg.h"
 #include "TclCall.h"
-#include "TclFailure.h"
 #include "TclObjects.h"
 #include "TclText.h"
 #include "TextTable.h"
@@ -16,7 +16,6 @@
 #include "support/HUTText.h"
 
 #include <algorithm>
-#include <sstream>
 
 namespace {
 
@@ -67,7 +66,7 @@ Texts namesOf(const Object& object) {
 [[noreturn]] void failUnknown(const Object& object, const std::string& name) {
     std::string known;
     for (const std::string& one : namesOf(object)) known += (known.empty() ? "" : ", ") + one;
-    failTcl("", ShellMsg::propertyUnknown, cutName(name), known);
+    failWith(ShellMsg::propertyUnknown, cutName(name), known);
 }
 
 const std::string& findPreference(const std::string& name) {
@@ -123,10 +122,10 @@ Tcl_Obj* getProperty(const TclCall& call) {
 std::vector<Object> readChangedObjects(Tcl_Obj* word) {
     std::vector<Object> objects;
     for (const Meant& meant : readMeant({word}, namesObject)) {
-        if (!meant.store && !meant.item && !namesObject(meant.getText())) failTcl("", ShellMsg::objectsForgotten);
+        if (!meant.store && !meant.item && !namesObject(meant.getText())) failWith(ShellMsg::objectsForgotten);
         objects.push_back(readObject(meant));
     }
-    if (objects.empty()) failTcl("", ShellMsg::nothingNamed);
+    if (objects.empty()) failWith(ShellMsg::nothingNamed);
     return objects;
 }
 
@@ -139,7 +138,7 @@ Tcl_Obj* setProperty(const TclCall& call) {
     const std::string value = call.joinWords(1, words.size() - 1);
     for (const Object& object : readChangedObjects(words.back())) {
         valueOf(object, name);
-        if (object.store || object.item) failTcl("", ShellMsg::propertyReadOnly, HUTText::raised(name));
+        if (object.store || object.item) failWith(ShellMsg::propertyReadOnly, HUTText::raised(name));
     }
     savePreference(findPreference(name), {value});
     return Tcl_NewIntObj(1);
@@ -148,7 +147,7 @@ Tcl_Obj* setProperty(const TclCall& call) {
 Object readOneObject(const TclCall& call) {
     call.expectWords(1, 2);
     const std::vector<Object> objects = readObjects({call.getWords().front()});
-    if (objects.size() != 1) failTcl("", ShellMsg::notOneObject, std::to_string(objects.size()));
+    if (objects.size() != 1) failWith(ShellMsg::notOneObject, std::to_string(objects.size()));
     return objects.front();
 }
 

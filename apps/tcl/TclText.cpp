@@ -1,13 +1,13 @@
 #include "TclText.h"
 
+#include "Failure.h"
 #include "ShellMsg.h"
-#include "TclFailure.h"
 
 #include "scripting/tcl_text.h"
 
 std::string textOf(Tcl_Obj* object) {
     const std::string text = hdi::tcltasks::text_of(object);
-    if (text.find('\0') != std::string::npos) failTcl("", ShellMsg::textHoldsNul);
+    if (text.find('\0') != std::string::npos) failWith(ShellMsg::textHoldsNul);
     return text;
 }
 

@@ -17,7 +17,7 @@ private:
     Tcl_Obj* m_object;
 };
 
-/// The object's text. @throws TclFailure for one that holds a NUL character
+/// The object's text. @throws HEXAll for one that holds a NUL character
 std::string textOf(Tcl_Obj* object);
 /// A new object of that text.
 Tcl_Obj* makeText(const std::string& text);
