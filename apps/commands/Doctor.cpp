@@ -80,18 +80,6 @@ void examineStore(Round& round, HSCPlazQStore& store, const std::string& trial) 
 
 } // namespace
 
-const char* Finding::nameOf(State state) {
-    switch (state) {
-    case State::ok:
-        return "ok";
-    case State::warning:
-        return "warning";
-    case State::problem:
-        break;
-    }
-    return "problem";
-}
-
 std::vector<Finding> Doctor::examine(const std::vector<HSCPlazQStore*>& stores) const {
     Round round(m_status);
     m_status.setDeterminate(false);

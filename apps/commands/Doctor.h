@@ -1,30 +1,12 @@
 #pragma once
 
-#include <optional>
-#include <string>
+#include "Finding.h"
+
 #include <vector>
 
 class HDGUIStatus;
 class HSCPlaz;
 class HSCPlazQStore;
-
-/// What one check found.
-struct Finding {
-    enum class State {
-        ok,
-        warning, ///< works, but not as one might expect
-        problem  ///< something cannot work until it is mended
-    };
-
-    State state;
-    std::string subject; ///< "git", "store boards: catalog"
-    std::string found;
-    std::string advice;              ///< what to do; empty where nothing is to be done
-    std::optional<int> milliseconds; ///< how long a remote took
-
-    /// "ok", "warning", "problem".
-    static const char* nameOf(State state);
-};
 
 /// Looks at what the hub stands on: git, certificates, proxy, switches, directories, files, stores and remotes. Changes
 /// nothing but for a directory in the system's temporary one that is gone at the end. Sends what the hub's files make

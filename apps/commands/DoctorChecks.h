@@ -1,9 +1,13 @@
 #pragma once
 
-#include "Doctor.h"
+#include "Finding.h"
 
 #include "plaz/HSCPlazPathsInForce.h"
 
+#include <string>
+#include <vector>
+
+class HSCPlazQStore;
 class HSCPlazQStoreModel;
 
 /// The checks of which Doctor is made: each looks at one thing.

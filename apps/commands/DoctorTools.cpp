@@ -6,7 +6,6 @@
 #include "plaz/base/HSCPlazProduct.h"
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/bindings/HSCPlazSwigIntf.h"
-#include "support/HCCXPrefMgr.h"
 #include "support/HIOStream.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTEnv.h"

@@ -3,12 +3,12 @@
 #include "HubQueries.h"
 
 #include "plaz/HSCPlazTaskMgr.h"
-#include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "support/HDGUIStatus.h"
 
+#include <algorithm>
 #include <map>
 #include <set>
 

@@ -2,7 +2,6 @@
 
 #include "plaz/tasks/HSCPlazTaskResult.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <functional>
 #include <optional>

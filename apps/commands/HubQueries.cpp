@@ -1,5 +1,6 @@
 #include "HubQueries.h"
 
+#include "Failure.h"
 #include "ItemFilter.h"
 #include "NearNames.h"
 #include "ShellMsg.h"
@@ -16,10 +17,6 @@
 #include <unordered_map>
 
 namespace {
-
-template <std::size_t Arity, typename... Args> [[noreturn]] void fail(const MsgId<Arity>& id, const Args&... args) {
-    throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", id, args...));
-}
 
 std::string joinReferences(const std::vector<HSCPlazQItem*>& items) {
     std::string text;
@@ -68,7 +65,7 @@ HSCPlazQItem* findEntry(const HSCPlazQStore& store, const ItemReference& referen
 
 const std::string& scopeOf(const ItemReference& reference, const std::string& store) {
     if (!store.empty() && !reference.store.empty() && store != reference.store)
-        fail(ShellMsg::itemOfOtherStore, reference.toText(), store);
+        failWith(ShellMsg::itemOfOtherStore, reference.toText(), store);
     return store.empty() ? reference.store : store;
 }
 
@@ -136,7 +133,7 @@ HSCPlazQStore& HubQueries::getStore(const std::string& name) const {
     if (HSCPlazQStore* store = m_hub.getStore(name)) return *store;
     std::string known;
     for (const HSCPlazQStore* store : m_hub.getStores()) known += (known.empty() ? "" : ", ") + store->getName();
-    fail(ShellMsg::storeUnknown, name, known.empty() ? "none" : known);
+    failWith(ShellMsg::storeUnknown, name, known.empty() ? "none" : known);
 }
 
 std::vector<HSCPlazQStore*> HubQueries::getScope(const std::string& store) const {
@@ -185,13 +182,13 @@ HSCPlazQItem& HubQueries::resolve(const ItemReference& reference, const std::str
     for (const HSCPlazQStore* one : getScope(scopeOf(reference, store)))
         if (HSCPlazQItem* item = findEntry(*one, reference)) candidates.push_back(item);
     if (candidates.empty()) throwUnknown(reference, store);
-    if (candidates.size() > 1) fail(ShellMsg::itemAmbiguous, reference.toText(), joinReferences(candidates));
+    if (candidates.size() > 1) failWith(ShellMsg::itemAmbiguous, reference.toText(), joinReferences(candidates));
     return *candidates.front();
 }
 
 HSCPlazQItem& HubQueries::resolveInstalled(const ItemReference& reference, const std::string& store) const {
     const std::vector<HSCPlazQItem*> candidates = findInstalled(reference, store);
-    if (candidates.size() > 1) fail(ShellMsg::severalInstalled, reference.toText(), joinReferences(candidates));
+    if (candidates.size() > 1) failWith(ShellMsg::severalInstalled, reference.toText(), joinReferences(candidates));
     return *candidates.front();
 }
 
@@ -199,7 +196,7 @@ HSCPlazQItem& HubQueries::resolveForUpdate(const ItemReference& reference, const
     const std::vector<HSCPlazQItem*> candidates = findInstalled(reference, store);
     const std::string first = candidates.front()->getStoreName();
     if (std::any_of(candidates.begin(), candidates.end(), [&](auto* item) { return item->getStoreName() != first; }))
-        fail(ShellMsg::itemAmbiguous, reference.toText(), joinReferences(candidates));
+        failWith(ShellMsg::itemAmbiguous, reference.toText(), joinReferences(candidates));
     HSCPlazQItem* outdated = pickOutdated(candidates);
     return outdated ? *outdated : *candidates.front();
 }
@@ -231,7 +228,7 @@ std::vector<HSCPlazQItem*> HubQueries::findInstalled(const ItemReference& refere
             if (item->IsInstalled()) installed.push_back(item);
         }
     if (!isKnown) throwUnknown(reference, store);
-    if (installed.empty()) fail(Msg::itemNotInstalled, reference.toText());
+    if (installed.empty()) failWith(Msg::itemNotInstalled, reference.toText());
     return installed;
 }
 
@@ -261,8 +258,9 @@ void HubQueries::throwUnknown(const ItemReference& reference, const std::string&
             if (item->getName() == reference.name) otherRevisions.push_back(item);
             names.push_back(item->getName());
         }
-    if (!otherRevisions.empty()) fail(ShellMsg::revisionUnknown, reference.toText(), joinReferences(otherRevisions));
+    if (!otherRevisions.empty())
+        failWith(ShellMsg::revisionUnknown, reference.toText(), joinReferences(otherRevisions));
     const std::string near = joinNearNames(reference.name, names);
-    if (!near.empty()) fail(ShellMsg::itemUnknownNear, reference.toText(), near);
-    fail(ShellMsg::itemUnknown, reference.toText());
+    if (!near.empty()) failWith(ShellMsg::itemUnknownNear, reference.toText(), near);
+    failWith(ShellMsg::itemUnknown, reference.toText());
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ItemQuery.h"
 #include "ItemReference.h"
 
 #include <functional>
@@ -11,17 +12,6 @@ class HSCPlaz;
 class HSCPlazQItem;
 class HSCPlazQItemDependency;
 class HSCPlazQStore;
-
-/// What to list. Empty texts and false switches leave everything in.
-struct ItemQuery {
-    std::string pattern;            ///< glob on the name; "STORE::NAME" holds one on the store's name too
-    std::string store;              ///< exact name of a store
-    std::string category;           ///< name of a category; those below it count as well
-    std::vector<std::string> words; ///< each must occur, in any case, in a text that describes the item
-    bool installed = false;         ///< only installed revisions
-    bool outdated = false;          ///< only installed revisions that a newer one could replace
-    bool allRevisions = false;      ///< every revision instead of one for each item
-};
 
 /// One line of a listing: one revision, and how its item stands as a whole.
 struct ListedItem {

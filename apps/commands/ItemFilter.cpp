@@ -1,7 +1,7 @@
 #include "ItemFilter.h"
 
 #include "Glob.h"
-#include "HubQueries.h"
+#include "ItemQuery.h"
 
 #include "plaz/model/HSCPlazCategory.h"
 #include "plaz/model/HSCPlazQItem.h"

@@ -1,5 +1,6 @@
 #include "PropertyFilter.h"
 
+#include "Failure.h"
 #include "Glob.h"
 #include "ObjectProperties.h"
 #include "ShellMsg.h"
@@ -104,8 +105,7 @@ private:
 
     [[noreturn]] void fail(std::size_t at, const std::string& why) const {
         const std::size_t characters = HUTText::decode(m_text.substr(0, at)).size();
-        throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", ShellMsg::filterWrong,
-                                       std::to_string(characters + 1), why));
+        failWith(ShellMsg::filterWrong, std::to_string(characters + 1), why);
     }
 
     void skipBlanks() { m_at = std::min(m_text.find_first_not_of(" \t\r\n", m_at), m_text.size()); }

@@ -1,5 +1,6 @@
 #include "Actions.h"
 
+#include "Failure.h"
 #include "HubActions.h"
 #include "HubQueries.h"
 #include "PythonMsg.h"
@@ -122,8 +123,7 @@ py::object checkStore(const StoreHandle& store) {
 
 void setProduct(const Text& name, const Text& version) {
     callHub([&](Call&) {
-        if (Call::isHubStarted())
-            throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", PythonMsg::hubHasStarted));
+        if (Call::isHubStarted()) failWith(PythonMsg::hubHasStarted);
         HUTEnv::setProduct(name.value, version.value);
         return true;
     });

@@ -21,10 +21,6 @@ bool hasHubStarted = false;
 bool wasForkedAmid = false;
 std::thread::id endingThread; ///< the one that ends the interpreter, once it does
 
-template <std::size_t Arity> ComMsgMgrInstance message(const MsgId<Arity>& id) {
-    return {__FILE__, __LINE__, "common", id};
-}
-
 bool isError(const ComMsgMgr::Message& message) {
     return message.label == "ERROR";
 }
@@ -53,7 +49,7 @@ bool isPythonEnding() {
 Call::Call(py::object progress) : m_progress(std::move(progress)) {
     if (wasForkedAmid) throw std::runtime_error("the hub cannot be used in a process forked while a call lasted");
     if (isTooLate()) throw std::runtime_error("the hub cannot be used any more: Python ends");
-    if (current) raiseError(HEXAll(message(PythonMsg::hubInUse)));
+    if (current) raiseError(HEXAll(messageOf(PythonMsg::hubInUse)));
     if (!m_progress.is_none()) {
         if (PyCallable_Check(m_progress.ptr()) == 0) throw py::type_error("progress must be callable or None");
         m_status.setObserver([this](const HDGUIStatus&) { tell(); });
@@ -102,7 +98,7 @@ void Call::endOther() {
 HSCPlaz& Call::getHub() {
     hasHubStarted = true;
     HSCPlaz& hub = HSCPlazMgr::getInstance().getHub();
-    if (!HubQueries(hub).hasHub()) throw HEXAll(message(ShellMsg::hubNotFound));
+    if (!HubQueries(hub).hasHub()) failWith(ShellMsg::hubNotFound);
     return hub;
 }
 
@@ -127,8 +123,8 @@ void Call::fail(const std::optional<ComMsgMgrInstance>& reason, const py::list& 
     leave();
     if (m_raised) finish();
     const Messages messages = std::exchange(m_messages, {});
-    if (m_status.isCanceled()) raiseError(HEXAll(message(ShellMsg::cancelled)), messages, results);
-    raiseError(HEXAll(reason ? *reason : message(PythonMsg::callFailed)), messages, results);
+    if (m_status.isCanceled()) raiseError(HEXAll(messageOf(ShellMsg::cancelled)), messages, results);
+    raiseError(HEXAll(reason ? *reason : messageOf(PythonMsg::callFailed)), messages, results);
 }
 
 void Call::fail(const HEXAll& failure) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Errors.h"
+#include "Failure.h"
 
 #include "plaz/base/HSCPlazMsg.h"
 #include "support/HDGUIStatus.h"
@@ -78,6 +79,6 @@ template <typename Work> auto callHub(Work work, pybind11::object progress = pyb
         call.finish();
         throw;
     } catch (const std::exception& failure) {
-        call.fail(HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::unexpectedFailure, failure.what())));
+        call.fail(HEXAll(messageOf(Msg::unexpectedFailure, failure.what())));
     }
 }

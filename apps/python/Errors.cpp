@@ -1,5 +1,6 @@
 #include "Errors.h"
 
+#include "Failure.h"
 #include "PythonMsg.h"
 #include "ShellMsg.h"
 #include "Text.h"
@@ -24,7 +25,7 @@ const char* classOf(const std::string& id) {
         {PythonMsg::hubInUse.key, "BusyError"},
         {Msg::hubBusy.key, "BusyError"}};
     for (const auto& [key, name] : classes)
-        if (std::string(key).rfind("@" + id + "@", 0) == 0) return name;
+        if (isKeyOf(key, id)) return name;
     return "Error";
 }
 

@@ -1,5 +1,6 @@
 #include "Objects.h"
 
+#include "Failure.h"
 #include "ItemReference.h"
 #include "ObjectProperties.h"
 #include "ShellMsg.h"
@@ -123,7 +124,7 @@ template <typename Function> void* slot(Function* function) {
 
 template <typename Native> Native& Handle<Native>::get() const {
     if (native) return *native;
-    throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", ShellMsg::objectGone, reference));
+    failWith(ShellMsg::objectGone, reference);
 }
 
 template <typename Native> std::string Handle<Native>::getReference() const {

@@ -1,6 +1,8 @@
 #include "Queries.h"
 
+#include "Call.h"
 #include "Glob.h"
+#include "HubQueries.h"
 #include "PropertyFilter.h"
 #include "StoreSummary.h"
 

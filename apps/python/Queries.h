@@ -1,6 +1,7 @@
 #pragma once
 
-#include "HubQueries.h"
+#include "ItemQuery.h"
+#include "ItemReference.h"
 #include "Objects.h"
 #include "Text.h"
 

@@ -1,12 +1,14 @@
 #include "Settings.h"
 
 #include "Call.h"
+#include "Failure.h"
 #include "HubParams.h"
+#include "HubPreferences.h"
+#include "Secrets.h"
 #include "ShellMsg.h"
 
 #include "support/HCCXPrefMgr.h"
 #include "support/HPAParamMgr.h"
-#include "support/HostMsg.h"
 
 namespace py = pybind11;
 
@@ -14,7 +16,7 @@ namespace {
 
 const HPAParam& findParam(const std::string& name) {
     if (const HPAParam* param = HPAParamMgr::getParamMgr().findParam(name)) return *param;
-    throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", ShellMsg::paramUnknown, name));
+    failWith(ShellMsg::paramUnknown, name);
 }
 
 py::object valueOf(const HPAParam& param) {
@@ -53,9 +55,8 @@ std::vector<std::string> valuesOf(const py::object& values) {
     return texts;
 }
 
-/// Refuses the "***" that stands for a secret where it is read: put back, it would take the secret's place.
-void requireWhole(bool isSecret, const std::string& value) {
-    if (isSecret && value.find("***") != std::string::npos) throw py::value_error("the value is masked: give it whole");
+void requireWhole(const std::string& setting, const std::string& value) {
+    if (isMasked(setting, value)) throw py::value_error("the value is masked: give it whole");
 }
 
 } // namespace
@@ -68,7 +69,7 @@ void setParam(const py::object& name, const py::object& value) {
     const std::string known = nameOf(name);
     const std::string text = valueOf(value);
     callHub([&](Call&) {
-        requireWhole(isSecret(findParam(known)), text);
+        requireWhole(findParam(known).getName(), text);
         if (!HPAParamMgr::getParamMgr().setValue(known, text))
             throw py::value_error("the parameter " + known + " does not take such a value");
         return true;
@@ -91,7 +92,7 @@ py::list getPreference(const Text& name) {
     return callHub([&](Call&) {
         py::list values;
         for (const std::string& value : HCCXPrefMgr::getInstance().getDefaultXPref().getVal(name.value))
-            values.append(toPython(shownPreference(name.value, value)));
+            values.append(toPython(shownValue(name.value, value)));
         return values;
     });
 }
@@ -99,15 +100,10 @@ py::list getPreference(const Text& name) {
 void setPreference(const py::object& name, const py::object& values) {
     const std::string wanted = nameOf(name);
     const std::vector<std::string> texts = valuesOf(values);
-    callHub([&](Call& call) {
-        for (const std::string& text : texts) requireWhole(wanted == proxyPreference, text);
-        HCCXPref& preferences = HCCXPrefMgr::getInstance().getDefaultXPref();
-        const std::vector<std::string> before = preferences.getVal(wanted);
-        preferences.setVal(wanted, texts);
-        if (HCCXPrefUtils::savePreferences()) return true;
-        preferences.setVal(wanted, before);
-        call.fail(ComMsgMgrInstance(__FILE__, __LINE__, "common", HostMsg::preferencesNotSaved, HCCXPrefMgr::getFile()),
-                  py::list());
+    callHub([&](Call&) {
+        for (const std::string& text : texts) requireWhole(wanted, text);
+        savePreference(wanted, texts);
+        return true;
     });
 }
 

@@ -1,5 +1,8 @@
 #include "CommandLine.h"
 
+#include "CommandOptions.h"
+#include "ItemReference.h"
+
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
@@ -28,6 +31,14 @@ std::string checkSetting(const std::string& text) {
     return separator == std::string::npos || separator == 0 ? "PARAM=VALUE is expected" : std::string();
 }
 
+std::string longNameOf(const CommandOption& option) {
+    return std::string("--") + option.name;
+}
+
+void addFlag(CLI::App& command, const CommandOption& option, bool& isGiven) {
+    command.add_flag(longNameOf(option), isGiven, option.description);
+}
+
 void addSharedOptions(CLI::App& app, Options& options) {
     app.add_option("--product", options.product, "Serve the stores as this product would see them")->type_name("NAME");
     app.add_option("--product-version", options.productVersion, "The product's version, such as 2024.2.0")
@@ -37,12 +48,13 @@ void addSharedOptions(CLI::App& app, Options& options) {
         ->allow_extra_args(false)
         ->check(checkSetting);
     app.add_flag("--json", options.json, "Print one JSON document on standard output, messages on standard error");
-    app.add_flag("--quiet", options.quiet, "Leave out good news; errors and warnings are always shown");
+    addFlag(app, commandOptions::quiet, options.quiet);
     app.add_flag("--no-progress", options.noProgress, "Show no progress line");
 }
 
 void addStore(CLI::App& command, std::string& store) {
-    command.add_option("--store", store, "Look in this store only")->type_name("STORE");
+    const CommandOption& option = commandOptions::store;
+    command.add_option(longNameOf(option), store, option.description)->type_name(option.value);
 }
 
 void addItems(CLI::App& command, Options& options, bool isRequired) {
@@ -68,9 +80,9 @@ void addItemsCommand(CLI::App& app, Options& options) {
                      "Only items that mention all these words in name, display name, description, keywords or company")
         ->type_name("WORDS")
         ->allow_extra_args(false);
-    items->add_flag("--installed", query.installed, "Only what is installed");
-    items->add_flag("--outdated", query.outdated, "Only what is installed and has an update");
-    items->add_flag("--all-revisions", query.allRevisions, "List every revision");
+    addFlag(*items, commandOptions::installed, query.installed);
+    addFlag(*items, commandOptions::outdated, query.outdated);
+    addFlag(*items, commandOptions::allRevisions, query.allRevisions);
     items->footer(std::string("States: installed, dependency (only other items need it), outdated (an update is on "
                               "offer).\n") +
                   sharedNote);
@@ -100,8 +112,7 @@ void addCommands(CLI::App& app, Options& options) {
     CLI::App* doctor = app.add_subcommand("doctor", "Look for what keeps stores from being fetched, and what to do");
     for (CLI::App* command : {refresh, check, doctor})
         command->add_option("STORE", options.stores, "The stores; all of them when none is named")->type_name("");
-    refresh->add_flag("--hub", options.hub,
-                      "Fetch the hub's own metadata first, and with it the catalogs of all stores");
+    addFlag(*refresh, commandOptions::hub, options.hub);
     refresh->footer(std::string("A catalog that does not come whole leaves the one known until now in force.\n") +
                     sharedNote);
     check->footer(std::string("Outcomes: up-to-date, outdated (refresh the store), unknown (the remote gave no answer; "
@@ -119,7 +130,7 @@ void addCommands(CLI::App& app, Options& options) {
     app.add_subcommand("paths", "Show every directory and file in force, and what chose it");
     CLI::App* params = app.add_subcommand("params", "List parameters with value, default and description");
     params->add_option("PATTERN", options.pattern, "Names to list: a pattern with * ? [a-z]")->type_name("");
-    params->add_flag("--hidden", options.hidden, "List hidden parameters too");
+    addFlag(*params, commandOptions::hidden, options.hidden);
     CLI::App* shell = app.add_subcommand("shell", "Run Tcl with the hub's commands: plaz shell [SCRIPT [ARG...]]");
     shell->prefix_command()->fallthrough(false); // what stands behind SCRIPT is the script's
     addSharedOptions(*shell, options);

@@ -1,7 +1,6 @@
 #include "JsonOutput.h"
 
-#include "HubParams.h"
-#include "ItemReference.h"
+#include "Secrets.h"
 #include "StoreSummary.h"
 
 #include "plaz/base/HSCPlazTrust.h"

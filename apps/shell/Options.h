@@ -1,9 +1,8 @@
 #pragma once
 
-#include "HubQueries.h"
+#include "ItemQuery.h"
 
 #include <string>
-#include <utility>
 #include <vector>
 
 /// What the command line asks for.

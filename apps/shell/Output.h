@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Doctor.h"
+#include "Finding.h"
 #include "HubQueries.h"
 
 #include "plaz/HSCPlazPathsInForce.h"

@@ -1,6 +1,9 @@
 #include "Program.h"
 
+#include "Doctor.h"
+#include "Failure.h"
 #include "HubParams.h"
+#include "HubQueries.h"
 #include "JsonOutput.h"
 #include "ShellMsg.h"
 #include "StdoutDiversion.h"
@@ -16,11 +19,9 @@
 #include "support/HUTEnv.h"
 
 #include <algorithm>
-#include <functional>
 #include <iostream>
 #include <map>
 #include <optional>
-#include <set>
 
 namespace {
 
@@ -28,10 +29,6 @@ namespace {
 struct Stop {
     int status;
 };
-
-template <std::size_t Arity, typename... Args> ComMsgMgrInstance message(const MsgId<Arity>& id, const Args&... args) {
-    return {__FILE__, __LINE__, "common", id, args...};
-}
 
 std::unique_ptr<Output> makeOutput(const Options& options) {
     if (options.json) return std::make_unique<JsonOutput>(std::cout);
@@ -112,10 +109,10 @@ int Program::runDiverted() {
     } catch (const HEXAll& failure) {
         fail(failure.getMsg());
     } catch (const std::exception& failure) {
-        fail(message(Msg::unexpectedFailure, failure.what()));
+        fail(messageOf(Msg::unexpectedFailure, failure.what()));
     }
     if (status == exitStatus::done || !m_status.isCanceled()) return status;
-    fail(message(ShellMsg::cancelled));
+    fail(messageOf(ShellMsg::cancelled));
     return exitStatus::cancelled;
 }
 
@@ -133,7 +130,7 @@ HSCPlaz& Program::getHub() {
     HSCPlaz& hub = HSCPlazMgr::getInstance().getHub();
     if (m_status.isCanceled()) throw Stop{exitStatus::cancelled};
     if (HubQueries(hub).hasHub()) return hub;
-    m_failure = message(ShellMsg::hubNotFound).getMessage(); // what was sent says more
+    m_failure = messageOf(ShellMsg::hubNotFound).getMessage(); // what was sent says more
     throw Stop{exitStatus::failed};
 }
 
@@ -243,7 +240,7 @@ int Program::runDoctor() {
     });
     if (m_status.isCanceled()) return exitStatus::failed;
     if (problems == 0) return exitStatus::done;
-    return fail(message(ShellMsg::problemsFound, std::to_string(problems)));
+    return fail(messageOf(ShellMsg::problemsFound, std::to_string(problems)));
 }
 
 int Program::runShell() {
@@ -262,5 +259,5 @@ int Program::runValidate() {
     const auto bad =
         std::count_if(checks.begin(), checks.end(), [](const HSCPlazFileCheck& check) { return !check.isValid(); });
     if (bad == 0) return exitStatus::done;
-    return fail(message(ShellMsg::filesNotValid, std::to_string(bad), std::to_string(checks.size())));
+    return fail(messageOf(ShellMsg::filesNotValid, std::to_string(bad), std::to_string(checks.size())));
 }

@@ -1,7 +1,9 @@
 #include "TclCompletion.h"
 
 #include "HubParams.h"
+#include "TclCommand.h"
 #include "TclCommands.h"
+#include "TclText.h"
 
 #include "plaz/HSCPlazMgr.h"
 #include "plaz/model/HSCPlaz.h"
@@ -28,12 +30,12 @@ struct OpenCommand {
 };
 
 /// The hub's command of that name; null when it is none of them.
-const PlazCommand* findHubCommand(const std::string& name) {
-    static const std::vector<PlazCommand> commands = listPlazCommands();
-    const auto found = std::find_if(commands.begin(), commands.end(), [&](const PlazCommand& command) {
-        return command.name == name || "::" + command.name == name;
+const TclCommand* findHubCommand(const std::string& name) {
+    const std::vector<const TclCommand*> commands = listTclCommands();
+    const auto found = std::find_if(commands.begin(), commands.end(), [&](const TclCommand* command) {
+        return command->name == name || std::string("::") + command->name == name;
     });
-    return found == commands.end() ? nullptr : &*found;
+    return found == commands.end() ? nullptr : *found;
 }
 
 std::vector<std::string> splitWords(const std::string& text) {
@@ -72,17 +74,13 @@ OpenCommand findOpenCommand(const std::string& line) {
 /// The elements that a Tcl command gives; the interpreter's result stays as it was.
 std::vector<std::string> ask(Tcl_Interp* interp, const std::vector<std::string>& words) {
     Tcl_InterpState state = Tcl_SaveInterpState(interp, TCL_OK);
-    Tcl_Obj* command = Tcl_NewListObj(0, nullptr);
-    Tcl_IncrRefCount(command);
-    for (const std::string& word : words)
-        Tcl_ListObjAppendElement(nullptr, command, Tcl_NewStringObj(word.data(), static_cast<int>(word.size())));
+    const TclRef command(makeList(words));
     std::vector<std::string> elements;
     int count = 0;
     Tcl_Obj** found = nullptr;
-    if (Tcl_EvalObjEx(interp, command, TCL_EVAL_GLOBAL | TCL_EVAL_DIRECT) == TCL_OK &&
+    if (Tcl_EvalObjEx(interp, command.get(), TCL_EVAL_GLOBAL | TCL_EVAL_DIRECT) == TCL_OK &&
         Tcl_ListObjGetElements(nullptr, Tcl_GetObjResult(interp), &count, &found) == TCL_OK)
         for (int i = 0; i < count; ++i) elements.emplace_back(Tcl_GetString(found[i]));
-    Tcl_DecrRefCount(command);
     Tcl_RestoreInterpState(interp, state);
     return elements;
 }
@@ -137,26 +135,32 @@ void addProperties(Words& names, const std::string& typed) {
     for (const std::string& name : listPropertyNames()) names.insert(isLow ? HUTText::lowered(name) : name);
 }
 
-Words findSubjects(PlazCommand::Subject subject, const std::string& typed) {
+Words findSubjects(TclSubject subject, const std::string& typed) {
     Words names;
     switch (subject) {
-    case PlazCommand::Subject::nothing:
+    case TclSubject::nothing:
         break;
-    case PlazCommand::Subject::items:
+    case TclSubject::items:
         addItems(names);
         break;
-    case PlazCommand::Subject::stores:
+    case TclSubject::stores:
         addStores(names);
         break;
-    case PlazCommand::Subject::objects:
+    case TclSubject::objects:
         addProperties(names, typed);
         addStores(names);
         addItems(names);
         break;
-    case PlazCommand::Subject::params:
+    case TclSubject::params:
         for (const HPAParam* param : findParams("", true)) names.insert(param->getName());
         break;
     }
+    return names;
+}
+
+Words findOptions(const TclCommand& command) {
+    Words names;
+    for (const TclOption* option = command.options.data(); option->name; ++option) names.insert(option->name);
     return names;
 }
 
@@ -165,20 +169,15 @@ Words findWords(Tcl_Interp* interp, const OpenCommand& open, const std::string& 
         const Words names = findCommands(interp, typed);
         return names.empty() ? findFiles(typed) : names;
     }
-    const PlazCommand* command = findHubCommand(open.words.front());
+    const TclCommand* command = findHubCommand(open.words.front());
     if (!command) return findFiles(typed);
-    if (typed.rfind('-', 0) == 0) return {command->options.begin(), command->options.end()};
-    if (open.words.back() == "-store") return findSubjects(PlazCommand::Subject::stores, typed);
+    if (typed.rfind('-', 0) == 0) return findOptions(*command);
+    if (open.words.back() == tclNameOf(commandOptions::store)) return findSubjects(TclSubject::stores, typed);
     return findSubjects(command->subject, typed);
 }
 
 std::string quoted(const std::string& word) {
-    Tcl_Obj* list = Tcl_NewListObj(0, nullptr);
-    Tcl_IncrRefCount(list);
-    Tcl_ListObjAppendElement(nullptr, list, Tcl_NewStringObj(word.data(), static_cast<int>(word.size())));
-    std::string text = Tcl_GetString(list);
-    Tcl_DecrRefCount(list);
-    return text;
+    return Tcl_GetString(TclRef(makeList({word})).get());
 }
 
 } // namespace

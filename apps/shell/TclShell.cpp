@@ -1,24 +1,23 @@
 #include "TclShell.h"
 
-#include "HubParams.h"
 #include "Interrupt.h"
 #include "MessageLog.h"
 #include "Options.h"
 #include "ProgressLine.h"
+#include "Secrets.h"
 #include "ShellMsg.h"
 #include "TclCommands.h"
 #include "TclCompletion.h"
+#include "TclText.h"
 
 #include "scripting/task_manager.h"
 #include "scripting/tcl_text.h"
-#include "support/HPAParamMgr.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFork.h"
 #include "support/HUTSysCall.h"
 #include "support/HUTText.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cerrno>
 #include <iostream>
 #include <tcl.h>
@@ -31,26 +30,17 @@ void markInterrupted() {
     Tcl_AsyncMark(interrupted);
 }
 
-Tcl_Obj* newText(const std::string& text) {
-    return Tcl_NewStringObj(text.data(), static_cast<int>(text.size()));
-}
-
 std::string resultOf(Tcl_Interp* interp) {
     return hdi::tcltasks::text_of(Tcl_GetObjResult(interp));
 }
 
 /// Where and why the last command failed.
 std::string traceOf(Tcl_Interp* interp) {
-    Tcl_Obj* options = Tcl_GetReturnOptions(interp, TCL_ERROR);
-    Tcl_IncrRefCount(options);
-    Tcl_Obj* const name = newText("-errorinfo");
-    Tcl_IncrRefCount(name);
+    const TclRef options(Tcl_GetReturnOptions(interp, TCL_ERROR));
+    const TclRef name(makeText("-errorinfo"));
     Tcl_Obj* trace = nullptr;
-    Tcl_DictObjGet(nullptr, options, name, &trace);
-    const std::string text = trace ? hdi::tcltasks::text_of(trace) : std::string();
-    Tcl_DecrRefCount(name);
-    Tcl_DecrRefCount(options);
-    return text;
+    Tcl_DictObjGet(nullptr, options.get(), name.get(), &trace);
+    return trace ? hdi::tcltasks::text_of(trace) : std::string();
 }
 
 /// Scripts may have closed it.
@@ -63,11 +53,11 @@ void setVariable(Tcl_Interp* interp, const char* name, Tcl_Obj* value) {
 }
 
 void setArguments(Tcl_Interp* interp, const std::vector<std::string>& words) {
-    Tcl_Obj* arguments = Tcl_NewListObj(0, nullptr);
-    for (std::size_t i = 1; i < words.size(); ++i) Tcl_ListObjAppendElement(nullptr, arguments, newText(words[i]));
-    setVariable(interp, "argv0", newText(words.empty() ? "plaz" : words.front()));
-    setVariable(interp, "argc", Tcl_NewIntObj(words.empty() ? 0 : static_cast<int>(words.size()) - 1));
-    setVariable(interp, "argv", arguments);
+    const bool isScript = !words.empty();
+    const std::vector<std::string> arguments(words.begin() + (isScript ? 1 : 0), words.end());
+    setVariable(interp, "argv0", makeText(isScript ? words.front() : "plaz"));
+    setVariable(interp, "argc", Tcl_NewIntObj(static_cast<int>(arguments.size())));
+    setVariable(interp, "argv", makeList(arguments));
 }
 
 /// Standard input as scripts see it, so that commands and what they read come from one stream.
@@ -102,42 +92,6 @@ std::unique_ptr<LineInput> makeInput([[maybe_unused]] Tcl_Interp* interp, bool i
                               HUTEnv::getHDIAppDataDir() + "/plaz_shell_history");
 #endif
     return std::make_unique<PlainLines>(isTerminal);
-}
-
-bool isHarmlessParam(const std::string& name) {
-    const HPAParam* param = HPAParamMgr::getParamMgr().findParam(name);
-    return param && !isSecret(*param);
-}
-
-bool isHarmlessProperty(const std::string& name) {
-    return HUTText::lowered(name) == "qstores_path";
-}
-
-/// Whether @p setter stands in the command, on its own or in another command, with a name behind it that is not,
-/// letter for letter, one whose values are no secrets.
-bool setsMoreThanHarmless(const std::string& command, const std::string& setter,
-                          bool (*isHarmless)(const std::string& name)) {
-    const auto isNamePart = [&](std::size_t at) {
-        return at < command.size() && (std::isalnum(static_cast<unsigned char>(command[at])) || command[at] == '_');
-    };
-    for (std::size_t at = command.find(setter); at != std::string::npos; at = command.find(setter, at + 1)) {
-        const std::size_t end = at + setter.size();
-        if ((at > 0 && isNamePart(at - 1)) || isNamePart(end)) continue; // another command
-        const std::size_t name = std::min(command.find_first_not_of(" \t", end), command.size());
-        const std::size_t nameEnd = std::min(command.find_first_of(" \t\n", name), command.size());
-        if (!isHarmless(command.substr(name, nameEnd - name))) return true;
-    }
-    return false;
-}
-
-/// Whether a command may hold a user id, token or password, which no file keeps.
-bool mayHoldSecret(const std::string& command) {
-    const std::string lowered = HUTText::lowered(command);
-    const auto mentions = [&](const char* name) { return lowered.find(name) != std::string::npos; };
-    return mentions("plaz.git_user") || mentions("plaz.git_token") || mentions("http_proxy") ||
-           mentions("https_proxy") || withoutSecrets(command) != command ||
-           setsMoreThanHarmless(command, "set_param", isHarmlessParam) ||
-           setsMoreThanHarmless(command, "set_property", isHarmlessProperty);
 }
 
 /// Reads lines until they make a command. @return what ended the last of them
@@ -190,10 +144,8 @@ int TclShell::cancelEvaluation(void* shell, Tcl_Interp* /*interp*/, int code) {
 
 int TclShell::runScript(const std::string& file) {
     const std::size_t before = m_log.getMessages().size();
-    Tcl_Obj* path = newText(file);
-    Tcl_IncrRefCount(path);
-    const bool isDone = Tcl_FSEvalFileEx(m_interp, path, "utf-8") == TCL_OK && !m_status.isCanceled();
-    Tcl_DecrRefCount(path);
+    const TclRef path(makeText(file));
+    const bool isDone = Tcl_FSEvalFileEx(m_interp, path.get(), "utf-8") == TCL_OK && !m_status.isCanceled();
     if (!isDone) showError(before, true);
     return isDone ? exitStatus::done : exitStatus::failed;
 }

@@ -9,7 +9,6 @@
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
-#include "support/HPAParamMgr.h"
 #include "support/HUTText.h"
 
 #include <map>
@@ -162,10 +161,7 @@ void TextOutput::showPathList(const std::vector<HSCPlazPathsInForce::Path>& path
 }
 
 void TextOutput::showParams(const std::vector<const HPAParam*>& params) {
-    TextTable table({"PARAMETER", "VALUE", "DEFAULT", "DESCRIPTION"});
-    for (const HPAParam* param : params)
-        table.addRow({param->getName(), shownValue(*param), param->getDefault(), param->getDescription()});
-    table.print(m_out);
+    tabulate(params).print(m_out);
 }
 
 void TextOutput::showFindings(const std::vector<Finding>& findings) {

@@ -1,8 +1,10 @@
+#include "Failure.h"
 #include "HubActions.h"
 #include "HubQueries.h"
 #include "ShellMsg.h"
 #include "TclCall.h"
 #include "TclObjects.h"
+#include "TclText.h"
 
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlaz.h"
@@ -22,24 +24,20 @@ template <typename Native> void addOnce(std::vector<Native*>& natives, Native& n
     if (std::find(natives.begin(), natives.end(), &native) == natives.end()) natives.push_back(&native);
 }
 
-[[noreturn]] void failCancelled() {
-    failTcl("CANCELLED", ShellMsg::cancelled);
-}
-
 HubActions makeActions(const TclCall& call) {
-    return HubActions(requireHub(), call.getStatus(), call.has("-quiet"));
+    return HubActions(requireHub(), call.getStatus(), call.has(commandOptions::quiet));
 }
 
 /// The result of a command is how many parts it had; one of which something failed ends with the reason.
 template <typename Result> Tcl_Obj* answer(const TclCall& call, const CommandResult<Result>& result) {
     if (result.isDone) return Tcl_NewIntObj(static_cast<int>(result.parts.size()));
-    if (call.getStatus().isCanceled()) failCancelled();
-    if (!result.reason) failTcl("", Msg::unexpectedFailure, "no reason was given");
-    throw TclFailure{result.reason->getMessage(), result.reason->getId()};
+    if (call.getStatus().isCanceled()) failWith(ShellMsg::cancelled);
+    if (!result.reason) failWith(Msg::unexpectedFailure, "no reason was given");
+    throw HEXAll(*result.reason);
 }
 
 template <typename Native> const std::vector<Native*>& requireSome(const std::vector<Native*>& natives) {
-    if (natives.empty()) failTcl("", ShellMsg::nothingNamed);
+    if (natives.empty()) failWith(ShellMsg::nothingNamed);
     return natives;
 }
 
@@ -81,7 +79,7 @@ Items resolveInstalled(const TclCall& call, Resolve resolve) {
             notInstalled = ItemReference::of(*meant.item).toText();
         }
     }
-    if (items.empty() && !notInstalled.empty()) failTcl("", Msg::itemNotInstalled, notInstalled);
+    if (items.empty() && !notInstalled.empty()) failWith(Msg::itemNotInstalled, notInstalled);
     return items;
 }
 
@@ -98,26 +96,19 @@ Tcl_Obj* update(const TclCall& call) {
 Tcl_Obj* refresh(const TclCall& call) {
     const std::vector<Tcl_Obj*>& words = call.getWords();
     std::vector<std::string> names;
-    const bool isHub = call.has("-hub");
+    const bool isHub = call.has(commandOptions::hub);
     Stores stores;
     for (const Meant& meant : readMeant(words, namesStore)) {
         names.push_back(isHub && !meant.store && !meant.item ? meant.getText() : requireStore(meant).getName());
         if (!isHub) addOnce(stores, requireStore(meant));
     }
-    if (!words.empty() && names.empty()) failTcl("", ShellMsg::nothingNamed);
+    if (!words.empty() && names.empty()) failWith(ShellMsg::nothingNamed);
     if (isHub) return answer(call, makeActions(call).refreshHub(names));
     return answer(call, makeActions(call).refresh(requireSome(words.empty() ? requireHub().getStores() : stores)));
 }
 
 TclCommand actionCommand(const char* name, const char* description, Tcl_Obj* (*run)(const TclCall&)) {
-    return {
-        name,
-        "?-quiet? items ...",
-        description,
-        {{"-quiet", nullptr, "Leave out good news"}, {"-help", nullptr, "Show this help"}, {nullptr, nullptr, nullptr}},
-        PlazCommand::Subject::items,
-        false,
-        run};
+    return {name, "items ...", description, tclOptions({commandOptions::quiet}), TclSubject::items, false, run};
 }
 
 } // namespace
@@ -129,18 +120,10 @@ const std::vector<TclCommand>& actionCommands() {
         actionCommand("plaz::uninstall",
                       "Removes items and what nothing else needs. The result is how many were named.", uninstall),
         actionCommand("plaz::update", "Brings installed items up to date. The result is how many were named.", update),
-        {"plaz::refresh_catalog",
-         "?-quiet? ?-hub? ?stores ...?",
-         "Fetches the catalogs of stores, all without a word, and what they say of items, which are new objects then. "
-         "The "
-         "result is how many stores were fetched.",
-         {{"-hub", nullptr, "Fetch the hub's own metadata first, and with it all catalogs; all objects are new then"},
-          {"-quiet", nullptr, "Leave out good news"},
-          {"-help", nullptr, "Show this help"},
-          {nullptr, nullptr, nullptr}},
-         PlazCommand::Subject::stores,
-         false,
-         refresh},
+        {"plaz::refresh_catalog", "?stores ...?",
+         "Fetches the catalogs of stores, all without a word, and what they say of items, which are new objects then; "
+         "with -hub the stores are, too. The result is how many stores were fetched.",
+         tclOptions({commandOptions::quiet, commandOptions::hub}), TclSubject::stores, false, refresh},
     };
     return commands;
 }

@@ -1,29 +1,7 @@
 #include "TclCall.h"
 
-#include "ShellMsg.h"
 #include "TclObjects.h"
-
-#include "scripting/tcl_text.h"
-
-std::string textOf(Tcl_Obj* object) {
-    const std::string text = hdi::tcltasks::text_of(object);
-    if (text.find('\0') != std::string::npos) failTcl("", ShellMsg::textHoldsNul);
-    return text;
-}
-
-std::string cutName(const std::string& name) {
-    return name.substr(0, name.find_first_of("= \t\r\n"));
-}
-
-Tcl_Obj* makeText(const std::string& text) {
-    return Tcl_NewStringObj(text.data(), static_cast<int>(text.size()));
-}
-
-Tcl_Obj* makeList(const std::vector<std::string>& texts) {
-    Tcl_Obj* list = Tcl_NewListObj(0, nullptr);
-    for (const std::string& text : texts) Tcl_ListObjAppendElement(nullptr, list, makeText(text));
-    return list;
-}
+#include "TclText.h"
 
 TclCall::TclCall(const TclCommand& command, HDGUIStatus& status, Tcl_Interp* interp, int count, Tcl_Obj* const* words)
     : m_command(command), m_status(status), m_interp(interp), m_all(words) {
@@ -37,17 +15,17 @@ TclCall::TclCall(const TclCommand& command, HDGUIStatus& status, Tcl_Interp* int
         if (Tcl_GetIndexFromObjStruct(interp, words[i], command.options.data(), sizeof(TclOption), "option", 0,
                                       &index) != TCL_OK)
             throw TclErrorIsSet{};
-        const TclOption& option = command.options[static_cast<std::size_t>(index)];
+        const CommandOption& option = command.options[static_cast<std::size_t>(index)].about;
         if (option.value && ++i == count) failUsage();
         m_options.emplace_back(option.name, words[i]);
     }
     m_words.assign(words + i, words + count);
 }
 
-Tcl_Obj* TclCall::getValue(std::string_view option) const {
+Tcl_Obj* TclCall::getValue(const CommandOption& option) const {
     Tcl_Obj* value = nullptr;
     for (const auto& [name, word] : m_options)
-        if (name == option) value = word;
+        if (name == option.name) value = word;
     return value;
 }
 
@@ -62,6 +40,6 @@ std::string TclCall::joinWords(std::size_t first, std::size_t last) const {
 }
 
 void TclCall::failUsage() const {
-    Tcl_WrongNumArgs(m_interp, 1, m_all, m_command.arguments);
+    Tcl_WrongNumArgs(m_interp, 1, m_all, usageOf(m_command).c_str());
     throw TclErrorIsSet{};
 }

@@ -1,9 +1,11 @@
+#include "Failure.h"
 #include "HubQueries.h"
 #include "NameSelection.h"
 #include "PropertyFilter.h"
 #include "ShellMsg.h"
 #include "TclCall.h"
 #include "TclObjects.h"
+#include "TclText.h"
 
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/HSCPlaz.h"
@@ -18,6 +20,9 @@ namespace {
 
 using Names = std::unordered_set<std::string>;
 using Items = std::vector<HSCPlazQItem*>;
+
+constexpr CommandOption filterOption{"filter", "EXPRESSION",
+                                     "Only items that fulfil it, such as {installed && company =~ Sample*}"};
 
 std::string qualifiedName(const HSCPlazQItem& item) {
     return item.getStoreName() + "::" + item.getName();
@@ -50,19 +55,19 @@ Tcl_Obj* getStores(const TclCall& call) {
 }
 
 std::string readStore(const TclCall& call) {
-    Tcl_Obj* word = call.getValue("-store");
+    Tcl_Obj* word = call.getValue(commandOptions::store);
     if (!word) return {};
     const std::vector<Meant> meant = readMeant({word}, namesStore);
-    if (meant.size() != 1) failTcl("", ShellMsg::notOneStore, textOf(word));
+    if (meant.size() != 1) failWith(ShellMsg::notOneStore, textOf(word));
     return requireStore(meant.front()).getName();
 }
 
 ItemQuery readQuery(const TclCall& call) {
     ItemQuery query;
     query.store = readStore(call);
-    query.installed = call.has("-installed");
-    query.outdated = call.has("-outdated");
-    query.allRevisions = call.has("-all_revisions");
+    query.installed = call.has(commandOptions::installed);
+    query.outdated = call.has(commandOptions::outdated);
+    query.allRevisions = call.has(commandOptions::allRevisions);
     return query;
 }
 
@@ -121,7 +126,7 @@ Tcl_Obj* getItems(const TclCall& call) {
     const HubQueries queries(requireHub());
     ItemQuery query = readQuery(call);
     std::optional<PropertyFilter> filter;
-    if (Tcl_Obj* text = call.getValue("-filter")) filter.emplace(textOf(text));
+    if (Tcl_Obj* text = call.getValue(filterOption)) filter.emplace(textOf(text));
     const auto passes = [&](const HSCPlazQItem& item) { return !filter || filter->fits(item); };
     if (call.getWords().empty())
         return makeObjectList(queries.selectItems(query, filter ? passes : std::function<bool(const HSCPlazQItem&)>()));
@@ -142,27 +147,14 @@ Tcl_Obj* getItems(const TclCall& call) {
 
 const std::vector<TclCommand>& catalogCommands() {
     static const std::vector<TclCommand> commands{
-        {"plaz::get_qstores",
-         "?pattern ...?",
-         "The stores, all or those whose names fit a pattern (* ? [a-z]).",
-         {{"-help", nullptr, "Show this help"}, {nullptr, nullptr, nullptr}},
-         PlazCommand::Subject::stores,
-         false,
-         getStores},
-        {"plaz::get_qitems",
-         "?-store store? ?-filter expression? ?-all_revisions? ?-installed? ?-outdated? ?pattern ...?",
+        {"plaz::get_qstores", "?pattern ...?", "The stores, all or those whose names fit a pattern (* ? [a-z]).",
+         tclOptions({}), TclSubject::stores, false, getStores},
+        {"plaz::get_qitems", "?pattern ...?",
          "The items in catalog order, each by its latest revision: all or those whose names, or STORE::NAME, fit a "
          "pattern (* ? [a-z]). An object, or a name with @REVISION, means that very revision.",
-         {{"-store", "store", "Look in this store only"},
-          {"-filter", "expression", "Only items that fulfil it, such as {installed && company =~ Sample*}"},
-          {"-all_revisions", nullptr, "Every revision instead of one for each item"},
-          {"-installed", nullptr, "Only what is installed"},
-          {"-outdated", nullptr, "Only what is installed and has an update"},
-          {"-help", nullptr, "Show this help"},
-          {nullptr, nullptr, nullptr}},
-         PlazCommand::Subject::items,
-         false,
-         getItems},
+         tclOptions({commandOptions::store, filterOption, commandOptions::allRevisions, commandOptions::installed,
+                     commandOptions::outdated}),
+         TclSubject::items, false, getItems},
     };
     return commands;
 }

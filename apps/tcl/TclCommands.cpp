@@ -1,8 +1,10 @@
 #include "TclCommands.h"
 
-#include "HubParams.h"
+#include "Failure.h"
+#include "Secrets.h"
 #include "ShellMsg.h"
 #include "TclCall.h"
+#include "TclText.h"
 #include "TextTable.h"
 
 #include "plaz/base/HSCPlazMsg.h"
@@ -23,27 +25,26 @@ struct Binding {
     HDGUIStatus* status;
 };
 
-std::vector<const TclCommand*> allCommands() {
-    std::vector<const TclCommand*> all;
-    for (const auto* group : {&catalogCommands(), &actionCommands(), &propertyCommands(), &paramCommands()})
-        for (const TclCommand& command : *group) all.push_back(&command);
-    return all;
-}
-
 Tcl_Obj* makeHelp(const TclCommand& command) {
     TextTable options({});
     for (const TclOption* option = command.options.data(); option->name; ++option)
-        options.addRow({std::string("  ") + option->name + (option->value ? std::string(" ") + option->value : ""),
-                        option->description});
-    std::string usage = std::string("usage: ") + command.name;
-    if (*command.arguments) usage += std::string(" ") + command.arguments;
-    return makeText(usage + "\n" + command.description + "\n" + options.toText());
+        options.addRow({"  " + withValue(*option), option->about.description});
+    const std::string words = usageOf(command);
+    return makeText(std::string("usage: ") + command.name + (words.empty() ? "" : " ") + words + "\n" +
+                    command.description + "\n" + options.toText());
+}
+
+/// What stands behind "PLAZ" in the errorCode.
+std::string codeOf(const ComMsgMgrInstance& failure) {
+    const std::string& id = failure.getId();
+    if (isKeyOf(ShellMsg::cancelled.key, id)) return "CANCELLED";
+    return isKeyOf(ShellMsg::objectGone.key, id) ? "STALE" : id;
 }
 
 /// Makes the failure the interpreter's error.
-void setError(Tcl_Interp* interp, const std::string& text, const std::string& code) {
-    Tcl_SetObjResult(interp, makeText(HSCPlazTrust::maskSecrets(text)));
-    Tcl_SetObjErrorCode(interp, makeList({"PLAZ", code}));
+void setError(Tcl_Interp* interp, const ComMsgMgrInstance& failure) {
+    Tcl_SetObjResult(interp, makeText(HSCPlazTrust::maskSecrets(failure.getMessage())));
+    Tcl_SetObjErrorCode(interp, makeList({"PLAZ", codeOf(failure)}));
 }
 
 /// How a command whose words are hidden stands in a trace.
@@ -77,38 +78,27 @@ int runCommand(ClientData data, Tcl_Interp* interp, int count, Tcl_Obj* const wo
     binding.status->forgetProgress();
     try {
         const TclCall call(command, *binding.status, interp, count, words);
-        Tcl_SetObjResult(interp, call.has("-help") ? makeHelp(command) : command.run(call));
+        Tcl_SetObjResult(interp, call.has(helpOption) ? makeHelp(command) : command.run(call));
         return TCL_OK;
     } catch (const TclErrorIsSet&) {
-    } catch (const TclFailure& failure) {
-        setError(interp, failure.text, failure.code);
     } catch (const HEXAll& failure) {
-        setError(interp, failure.what(), failure.getMsg().getId());
+        setError(interp, failure.getMsg());
     } catch (const std::exception& failure) {
-        const ComMsgMgrInstance message("", 0, "common", Msg::unexpectedFailure, failure.what());
-        setError(interp, message.getMessage(), message.getId());
+        setError(interp, messageOf(Msg::unexpectedFailure, failure.what()));
     }
     if (command.takesSecrets) hideWords(interp, command);
     return TCL_ERROR;
 }
 
-/// The command of a user interface as it may be shown.
-std::string masked(const std::string& command) {
-    static const std::string beforeProxy = "set_param plaz.http_proxy ";
-    if (command.compare(0, beforeProxy.size(), beforeProxy) == 0)
-        return beforeProxy + HSCPlazTrust::maskProxy(command.substr(beforeProxy.size()));
-    return HSCPlazTrust::maskSecrets(command);
-}
-
 void echo(const std::string& command) {
     if (HPAParamMgr::getParamMgr().getValueAsBool("plaz.echoCommandFromToolSettings"))
-        std::cout << masked(command) << std::endl;
+        std::cout << shownCommand(command) << std::endl;
 }
 
 } // namespace
 
 void registerPlazCommands(Tcl_Interp* interp, HDGUIStatus& status) {
-    for (const TclCommand* command : allCommands())
+    for (const TclCommand* command : listTclCommands())
         Tcl_CreateObjCommand(interp, (std::string("::") + command->name).c_str(), runCommand,
                              std::make_unique<Binding>(Binding{command, &status}).release(),
                              [](ClientData data) { std::unique_ptr<Binding>(static_cast<Binding*>(data)); });
@@ -116,7 +106,7 @@ void registerPlazCommands(Tcl_Interp* interp, HDGUIStatus& status) {
 }
 
 std::string shownTrace(const std::string& trace) {
-    for (const TclCommand* command : allCommands()) {
+    for (const TclCommand* command : listTclCommands()) {
         if (!command->takesSecrets) continue;
         const std::string frame = hiddenFrame(*command);
         const std::size_t found = trace.find(frame);
@@ -127,13 +117,9 @@ std::string shownTrace(const std::string& trace) {
     return withoutSecrets(trace);
 }
 
-std::vector<PlazCommand> listPlazCommands() {
-    std::vector<PlazCommand> commands;
-    for (const TclCommand* command : allCommands()) {
-        PlazCommand listed{command->name, {}, command->subject};
-        for (const TclOption* option = command->options.data(); option->name; ++option)
-            listed.options.emplace_back(option->name);
-        commands.push_back(std::move(listed));
-    }
-    return commands;
+std::vector<const TclCommand*> listTclCommands() {
+    std::vector<const TclCommand*> all;
+    for (const auto* group : {&catalogCommands(), &actionCommands(), &propertyCommands(), &paramCommands()})
+        for (const TclCommand& command : *group) all.push_back(&command);
+    return all;
 }

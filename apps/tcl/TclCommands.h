@@ -4,6 +4,7 @@
 #include <vector>
 
 class HDGUIStatus;
+struct TclCommand;
 struct Tcl_Interp;
 
 /// Gives an interpreter the hub's commands: plaz::get_qstores, plaz::get_qitems, plaz::install, plaz::uninstall,
@@ -25,17 +26,7 @@ void registerPlazCommands(Tcl_Interp* interp, HDGUIStatus& status);
 /// it, which quote its words, are left out.
 std::string shownTrace(const std::string& trace);
 
-/// What one of the commands takes, for who completes lines.
-struct PlazCommand {
-    /// What the words behind the options name.
-    enum class Subject { nothing, items, stores, objects, params };
-
-    std::string name;
-    std::vector<std::string> options;
-    Subject subject;
-};
-
-/// All commands, in the order of the help.
-std::vector<PlazCommand> listPlazCommands();
+/// All commands, in the order of the help. They last as long as the process.
+std::vector<const TclCommand*> listTclCommands();
 /// The properties of stores, items and the preferences, in capitals; some more than once.
 std::vector<std::string> listPropertyNames();

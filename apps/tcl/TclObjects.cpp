@@ -1,8 +1,9 @@
 #include "TclObjects.h"
 
+#include "Failure.h"
 #include "HubQueries.h"
 #include "ShellMsg.h"
-#include "TclCall.h"
+#include "TclText.h"
 
 #include "plaz/HSCPlazMgr.h"
 #include "plaz/bindings/HSCPlazScriptCaches.h"
@@ -82,7 +83,7 @@ std::vector<Tcl_Obj*> split(Tcl_Obj* word, bool (*isName)(const std::string& tex
 
 HSCPlaz& requireHub() {
     HSCPlaz& hub = HSCPlazMgr::getInstance().getHub();
-    if (!HubQueries(hub).hasHub()) failTcl("", ShellMsg::hubNotFound);
+    if (!HubQueries(hub).hasHub()) failWith(ShellMsg::hubNotFound);
     return hub;
 }
 
@@ -131,7 +132,7 @@ std::vector<Tcl_Obj*> flatten(const std::vector<Tcl_Obj*>& words) {
 
 Meant readOne(Tcl_Obj* word) {
     if (HSCPlazQItem* item = findNative<HSCPlazQItem>(word)) return {word, nullptr, item};
-    if (isInvalid(word)) failTcl("STALE", ShellMsg::objectGone, textOf(word));
+    if (isInvalid(word)) failWith(ShellMsg::objectGone, textOf(word));
     return {word, findNative<HSCPlazQStore>(word), nullptr};
 }
 
@@ -163,17 +164,17 @@ bool namesStore(const std::string& text) {
 
 ItemReference requireReference(const std::string& text) {
     const auto reference = ItemReference::parse(text);
-    if (!reference) failTcl("", ShellMsg::notAReference, text);
+    if (!reference) failWith(ShellMsg::notAReference, text);
     return *reference;
 }
 
 HSCPlazQStore& requireStore(const Meant& meant) {
-    if (meant.item) failTcl("", ShellMsg::objectOfOtherKind, meant.getText(), "an item, not a store");
+    if (meant.item) failWith(ShellMsg::objectOfOtherKind, meant.getText(), "an item, not a store");
     return meant.store ? *meant.store : HubQueries(requireHub()).getStore(meant.getText());
 }
 
 HSCPlazQItem& requireItem(const Meant& meant) {
-    if (meant.store) failTcl("", ShellMsg::objectOfOtherKind, meant.getText(), "a store, not an item");
+    if (meant.store) failWith(ShellMsg::objectOfOtherKind, meant.getText(), "a store, not an item");
     if (meant.item) return *meant.item;
     return HubQueries(requireHub()).resolve(requireReference(meant.getText()), "");
 }

@@ -15,7 +15,7 @@ class HSCPlazQStore;
 // a store's name, or an item's with the revision where it is not the latest one and the store where the name alone
 // would not do.
 
-/// The hub. @throws TclFailure when there is none
+/// The hub. @throws HEXAll when there is none
 HSCPlaz& requireHub();
 
 /// The object that stands for a store or an item; the same one each time.
@@ -41,22 +41,22 @@ struct Meant {
 /// The words, with the elements of lists that hold objects, at any depth, in the place of those lists.
 std::vector<Tcl_Obj*> flatten(const std::vector<Tcl_Obj*>& words);
 /// What a word means that is an object, or a text as a whole.
-/// @throws TclFailure for an object whose store or item is gone
+/// @throws HEXAll for an object whose store or item is gone
 Meant readOne(Tcl_Obj* word);
 /// The things that words of a command mean: each is one of them or a list, of lists where these hold objects. A text
 /// with blanks is one thing where it is a name as a whole, else a list.
 /// @param isName  whether a text is one
-/// @throws TclFailure for an object whose store or item is gone
+/// @throws HEXAll for an object whose store or item is gone
 std::vector<Meant> readMeant(const std::vector<Tcl_Obj*>& words, bool (*isName)(const std::string& text));
 
 /// Whether the text names an item (of any revision) or a store.
 bool namesItem(const std::string& text);
 bool namesStore(const std::string& text);
 
-/// Takes a reference apart. @throws TclFailure for a text that is none
+/// Takes a reference apart. @throws HEXAll for a text that is none
 ItemReference requireReference(const std::string& text);
 
-/// @throws TclFailure for an item, and HEXAll for a text that names no store
+/// @throws HEXAll for an item, and for a text that names no store
 HSCPlazQStore& requireStore(const Meant& meant);
-/// @throws TclFailure for a store and for a text that is no reference, and HEXAll for one that means no one item
+/// @throws HEXAll for a store, for a text that is no reference, and for one that means no one item
 HSCPlazQItem& requireItem(const Meant& meant);

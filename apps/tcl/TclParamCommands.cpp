@@ -1,7 +1,9 @@
+#include "Failure.h"
 #include "HubParams.h"
+#include "Secrets.h"
 #include "ShellMsg.h"
 #include "TclCall.h"
-#include "TextTable.h"
+#include "TclText.h"
 
 #include "support/HPAParamMgr.h"
 
@@ -13,7 +15,7 @@ HPAParamMgr& params() {
 
 const HPAParam& requireParam(const std::string& name) {
     const HPAParam* param = params().findParam(name);
-    if (!param) failTcl("", ShellMsg::paramUnknown, cutName(name));
+    if (!param) failWith(ShellMsg::paramUnknown, cutName(name));
     return *param;
 }
 
@@ -24,7 +26,7 @@ Tcl_Obj* setParam(const TclCall& call) {
     call.expectWords(1, count);
     const HPAParam& param = requireParam(textOf(call.getWords().front()));
     if (!params().setValue(param.getName(), call.joinWords(1, count)))
-        failTcl("", ShellMsg::paramRefused, param.getName());
+        failWith(ShellMsg::paramRefused, param.getName());
     return Tcl_NewIntObj(1);
 }
 
@@ -41,7 +43,7 @@ Tcl_Obj* resetParam(const TclCall& call) {
 
 std::vector<const HPAParam*> select(const TclCall& call) {
     call.expectWords(0, 1);
-    return findParams(call.joinWords(0, call.getWords().size()), call.has("-hidden"));
+    return findParams(call.joinWords(0, call.getWords().size()), call.has(commandOptions::hidden));
 }
 
 Tcl_Obj* listParam(const TclCall& call) {
@@ -51,30 +53,23 @@ Tcl_Obj* listParam(const TclCall& call) {
 }
 
 Tcl_Obj* reportParam(const TclCall& call) {
-    TextTable table({"PARAMETER", "VALUE", "DEFAULT", "DESCRIPTION"});
-    for (const HPAParam* param : select(call))
-        table.addRow({param->getName(), shownValue(*param), param->getDefault(), param->getDescription()});
-    return makeText(table.toText());
+    return makeText(tabulate(select(call)).toText());
 }
-
-const std::vector<TclOption> onlyHelp{{"-help", nullptr, "Show this help"}, {nullptr, nullptr, nullptr}};
-const std::vector<TclOption> hiddenToo{
-    {"-hidden", nullptr, "Hidden parameters too"}, {"-help", nullptr, "Show this help"}, {nullptr, nullptr, nullptr}};
 
 } // namespace
 
 const std::vector<TclCommand>& paramCommands() {
-    using Subject = PlazCommand::Subject;
     static const std::vector<TclCommand> commands{
         {"set_param", "name ?value ...?", "Sets a parameter until the program ends. Several words are one value.",
-         onlyHelp, Subject::params, true, setParam},
-        {"get_param", "name", "The value of a parameter; user ids and tokens read \"***\".", onlyHelp, Subject::params,
-         false, getParam},
-        {"list_param", "?-hidden? ?pattern?", "The names of the parameters.", hiddenToo, Subject::params, false,
-         listParam},
-        {"reset_param", "name", "Brings a parameter's default back.", onlyHelp, Subject::params, false, resetParam},
-        {"report_param", "?-hidden? ?pattern?", "A table of the parameters with value, default and description.",
-         hiddenToo, Subject::params, false, reportParam},
+         tclOptions({}), TclSubject::params, true, setParam},
+        {"get_param", "name", "The value of a parameter; user ids and tokens read \"***\".", tclOptions({}),
+         TclSubject::params, false, getParam},
+        {"list_param", "?pattern?", "The names of the parameters.", tclOptions({commandOptions::hidden}),
+         TclSubject::params, false, listParam},
+        {"reset_param", "name", "Brings a parameter's default back.", tclOptions({}), TclSubject::params, false,
+         resetParam},
+        {"report_param", "?pattern?", "A table of the parameters with value, default and description.",
+         tclOptions({commandOptions::hidden}), TclSubject::params, false, reportParam},
     };
     return commands;
 }

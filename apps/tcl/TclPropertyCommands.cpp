@@ -1,9 +1,12 @@
+#include "Failure.h"
 #include "Glob.h"
-#include "HubParams.h"
+#include "HubPreferences.h"
 #include "ObjectProperties.h"
+#include "Secrets.h"
 #include "ShellMsg.h"
 #include "TclCall.h"
 #include "TclObjects.h"
+#include "TclText.h"
 #include "TextTable.h"
 
 #include "plaz/model/HSCPlaz.h"
@@ -13,7 +16,6 @@
 #include "support/HUTText.h"
 
 #include <algorithm>
-#include <sstream>
 
 namespace {
 
@@ -21,7 +23,7 @@ using Texts = std::vector<std::string>;
 
 // What current_solvan_preferences returns. It is no reference, so that no item can be meant by it.
 constexpr const char* preferencesText = "::plaz::preferences";
-const Texts preferenceNames{"QSTORES_PATH", proxyPreference};
+const Texts preferenceNames{storesPathPreference, proxyPreference};
 
 /// What properties are asked of: a store, an item or, both null, the preferences.
 struct Object {
@@ -64,7 +66,7 @@ Texts namesOf(const Object& object) {
 [[noreturn]] void failUnknown(const Object& object, const std::string& name) {
     std::string known;
     for (const std::string& one : namesOf(object)) known += (known.empty() ? "" : ", ") + one;
-    failTcl("", ShellMsg::propertyUnknown, cutName(name), known);
+    failWith(ShellMsg::propertyUnknown, cutName(name), known);
 }
 
 const std::string& findPreference(const std::string& name) {
@@ -79,7 +81,7 @@ PropertyValue preferenceOf(const std::string& name) {
     const std::string& known = findPreference(name);
     const Texts values = HCCXPrefMgr::getInstance().getDefaultXPref().getVal(known);
     const auto first = std::find_if(values.begin(), values.end(), [](const auto& value) { return !value.empty(); });
-    return first == values.end() ? std::string() : shownPreference(known, *first);
+    return first == values.end() ? std::string() : shownValue(known, *first);
 }
 
 template <typename Native> PropertyValue valueOf(const Object& object, const Native& native, const std::string& name) {
@@ -115,25 +117,15 @@ Tcl_Obj* getProperty(const TclCall& call) {
     return list;
 }
 
-void setPreference(const std::string& name, const std::string& value) {
-    HCCXPref& preferences = HCCXPrefMgr::getInstance().getDefaultXPref();
-    const std::string& known = findPreference(name);
-    const Texts before = preferences.getVal(known);
-    preferences.setVal(known, {value});
-    if (HCCXPrefUtils::savePreferences()) return;
-    preferences.setVal(known, before);
-    failTcl("", ShellMsg::preferencesNotSaved, HCCXPrefMgr::getFile());
-}
-
 /// The objects that the last word of set_property means.
 /// RATIONALE: where they were forgotten that word is the value, which may be a secret: it is not repeated.
 std::vector<Object> readChangedObjects(Tcl_Obj* word) {
     std::vector<Object> objects;
     for (const Meant& meant : readMeant({word}, namesObject)) {
-        if (!meant.store && !meant.item && !namesObject(meant.getText())) failTcl("", ShellMsg::objectsForgotten);
+        if (!meant.store && !meant.item && !namesObject(meant.getText())) failWith(ShellMsg::objectsForgotten);
         objects.push_back(readObject(meant));
     }
-    if (objects.empty()) failTcl("", ShellMsg::nothingNamed);
+    if (objects.empty()) failWith(ShellMsg::nothingNamed);
     return objects;
 }
 
@@ -146,16 +138,16 @@ Tcl_Obj* setProperty(const TclCall& call) {
     const std::string value = call.joinWords(1, words.size() - 1);
     for (const Object& object : readChangedObjects(words.back())) {
         valueOf(object, name);
-        if (object.store || object.item) failTcl("", ShellMsg::propertyReadOnly, HUTText::raised(name));
+        if (object.store || object.item) failWith(ShellMsg::propertyReadOnly, HUTText::raised(name));
     }
-    setPreference(name, value);
+    savePreference(findPreference(name), {value});
     return Tcl_NewIntObj(1);
 }
 
 Object readOneObject(const TclCall& call) {
     call.expectWords(1, 2);
     const std::vector<Object> objects = readObjects({call.getWords().front()});
-    if (objects.size() != 1) failTcl("", ShellMsg::notOneObject, std::to_string(objects.size()));
+    if (objects.size() != 1) failWith(ShellMsg::notOneObject, std::to_string(objects.size()));
     return objects.front();
 }
 
@@ -190,8 +182,6 @@ Tcl_Obj* preferences(const TclCall& call) {
     return makeText(preferencesText);
 }
 
-const std::vector<TclOption> onlyHelp{{"-help", nullptr, "Show this help"}, {nullptr, nullptr, nullptr}};
-
 } // namespace
 
 std::vector<std::string> listPropertyNames() {
@@ -202,22 +192,21 @@ std::vector<std::string> listPropertyNames() {
 }
 
 const std::vector<TclCommand>& propertyCommands() {
-    using Subject = PlazCommand::Subject;
     static const std::vector<TclCommand> commands{
         {"get_property", "name objects",
          "The value of a property: of one store, item or the preferences, else a list of the values of all. Truth "
          "values are 0 and 1.",
-         onlyHelp, Subject::objects, false, getProperty},
+         tclOptions({}), TclSubject::objects, false, getProperty},
         {"set_property", "name ?value ...? objects",
          "Sets a property. Only the preferences can be set: see current_solvan_preferences. Several words are one "
          "value.",
-         onlyHelp, Subject::objects, true, setProperty},
+         tclOptions({}), TclSubject::objects, true, setProperty},
         {"list_property", "object ?pattern?", "The names of the properties of a store, an item or the preferences.",
-         onlyHelp, Subject::objects, false, listProperty},
+         tclOptions({}), TclSubject::objects, false, listProperty},
         {"report_property", "object ?pattern?", "A table of the properties of a store, an item or the preferences.",
-         onlyHelp, Subject::objects, false, reportProperty},
-        {"current_solvan_preferences", "", "The user's preferences, whose properties can be set.", onlyHelp,
-         Subject::nothing, false, preferences},
+         tclOptions({}), TclSubject::objects, false, reportProperty},
+        {"current_solvan_preferences", "", "The user's preferences, whose properties can be set.", tclOptions({}),
+         TclSubject::nothing, false, preferences},
     };
     return commands;
 }
