@@ -10,7 +10,6 @@
 #include "plaz/model/HSCPlazQStore.h"
 #include "support/HUTEnv.h"
 
-
 namespace py = pybind11;
 
 namespace {
