@@ -2,6 +2,7 @@
 
 #include "plaz/tasks/HSCPlazTaskResult.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <functional>
 #include <optional>
@@ -25,6 +26,11 @@ template <typename Result> struct CommandResult {
 };
 using ItemsResult = CommandResult<HSCPlazItemResult>;
 using StoresResult = CommandResult<HSCPlazStoreResult>;
+
+/// Adds what is not among them yet: commands take each thing once.
+template <typename Native> void addOnce(std::vector<Native*>& natives, Native& native) {
+    if (std::find(natives.begin(), natives.end(), &native) == natives.end()) natives.push_back(&native);
+}
 
 /// The commands that change what is installed and what is known of the stores. What fails does not stop the parts
 /// behind it; a cancellation does. Everything is sent by the tasks; the results tell it again for the answer of a front

@@ -72,6 +72,8 @@ public:
     /// The installed revision, of the one item that a reference means, that is to be updated: an outdated one (one that
     /// the user asked for rather than one that others need), else any.
     HSCPlazQItem& resolveForUpdate(const ItemReference& reference, const std::string& store) const;
+    /// One of those three.
+    using Resolve = HSCPlazQItem& (HubQueries::*)(const ItemReference&, const std::string&) const;
     /// What resolveForUpdate() gives of every item that has an update.
     std::vector<HSCPlazQItem*> findOutdated() const;
 

@@ -10,13 +10,11 @@
 #include "plaz/model/HSCPlazQStore.h"
 #include "support/HUTEnv.h"
 
-#include <algorithm>
-
 namespace py = pybind11;
 
 namespace {
 
-using Resolve = HSCPlazQItem& (HubQueries::*)(const ItemReference&, const std::string&) const;
+using Resolve = HubQueries::Resolve;
 using Action = ItemsResult (HubActions::*)(const std::vector<HSCPlazQItem*>&) const;
 
 py::object toPython(const HSCPlazItemResult& result) {
@@ -63,9 +61,8 @@ std::vector<HSCPlazQItem*> resolveAll(const HubQueries& queries, const std::vect
     std::vector<HSCPlazQItem*> items;
     for (const NamedItem& one : named) {
         const auto* object = std::get_if<const ItemHandle*>(&one);
-        HSCPlazQItem* item =
-            object ? &fromObject(queries, **object) : &(queries.*resolve)(std::get<ItemReference>(one), store);
-        if (std::find(items.begin(), items.end(), item) == items.end()) items.push_back(item);
+        addOnce(items,
+                object ? fromObject(queries, **object) : (queries.*resolve)(std::get<ItemReference>(one), store));
     }
     return items;
 }

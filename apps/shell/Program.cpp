@@ -3,7 +3,6 @@
 #include "Doctor.h"
 #include "Failure.h"
 #include "HubParams.h"
-#include "HubQueries.h"
 #include "JsonOutput.h"
 #include "ShellMsg.h"
 #include "StdoutDiversion.h"
@@ -157,13 +156,11 @@ int Program::runInfo() {
     return exitStatus::done;
 }
 
-template <typename Resolve> std::vector<HSCPlazQItem*> Program::resolveAll(Resolve resolve) {
+std::vector<HSCPlazQItem*> Program::resolveAll(HubQueries::Resolve resolve) {
     const HubQueries queries(getHub());
     std::vector<HSCPlazQItem*> items;
-    for (const std::string& text : m_options.items) {
-        HSCPlazQItem* item = &(queries.*resolve)(*ItemReference::parse(text), m_options.store);
-        if (std::find(items.begin(), items.end(), item) == items.end()) items.push_back(item);
-    }
+    for (const std::string& text : m_options.items)
+        addOnce(items, (queries.*resolve)(*ItemReference::parse(text), m_options.store));
     return items;
 }
 

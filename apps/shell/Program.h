@@ -2,6 +2,7 @@
 
 #include "CommandLine.h"
 #include "HubActions.h"
+#include "HubQueries.h"
 #include "MessageLog.h"
 #include "Output.h"
 #include "ProgressLine.h"
@@ -52,7 +53,7 @@ private:
     HSCPlaz& getHub();
     /// Every item of the command line, once each, as @p resolve of HubQueries understands it; all before any is
     /// touched.
-    template <typename Resolve> std::vector<HSCPlazQItem*> resolveAll(Resolve resolve);
+    std::vector<HSCPlazQItem*> resolveAll(HubQueries::Resolve resolve);
     /// Show what became of a command.
     int show(const ItemsResult& result);
     int show(const StoresResult& result);

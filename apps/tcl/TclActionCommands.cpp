@@ -18,11 +18,6 @@ namespace {
 
 using Items = std::vector<HSCPlazQItem*>;
 using Stores = std::vector<HSCPlazQStore*>;
-using Resolve = HSCPlazQItem& (HubQueries::*)(const ItemReference&, const std::string&) const;
-
-template <typename Native> void addOnce(std::vector<Native*>& natives, Native& native) {
-    if (std::find(natives.begin(), natives.end(), &native) == natives.end()) natives.push_back(&native);
-}
 
 HubActions makeActions(const TclCall& call) {
     return HubActions(requireHub(), call.getStatus(), call.has(commandOptions::quiet));
@@ -63,7 +58,7 @@ bool hasInstalled(const HSCPlazQItem& item) {
 /// named.
 /// RATIONALE: a list of objects, as a look-up by name or pattern gives it, may hold items that are not installed; they
 /// are passed over where others are. A text that means one is an error, as in the program.
-Items resolveInstalled(const TclCall& call, Resolve resolve) {
+Items resolveInstalled(const TclCall& call, HubQueries::Resolve resolve) {
     const HubQueries queries(requireHub());
     Items items;
     std::string notInstalled;
