@@ -1,5 +1,6 @@
 #include "plaz/model/reader/reader_fixture.h"
 
+#include "plaz/base/HSCPlazReport.h"
 #include "plaz/store/HSCPlazLocalDBMgr.h"
 #include "support/System.h"
 

@@ -8,7 +8,7 @@
 ///
 ///     <area>/<item root>[/<revision>]           an installed item
 ///     <area>/<metadata file>, <catalog file>    the catalog that was refreshed last; ".done" beside it marks it whole
-///     <area>/.plaz/.catalog                     metadata of items that are not installed
+///     <area>/.plaz/.catalog                     metadata and change logs of the catalog's items
 ///     <area>/.plaz/plaz_local_db.json           what is installed
 ///     <area>/.plaz/.incoming, .outgoing         files on their way in and out; empty between commands
 ///     <work>/.plaz/.index                       the working copy; ".done" in it marks it complete

@@ -23,6 +23,13 @@ std::string chooseFile(const HSCPlaz* hub, const HSCPlazQStore& store, const std
     return ofHub.empty() ? HSCPlazContext::get().getDefaultDatabase() : ofHub;
 }
 
+/// What could not be read is not lost: it stays beside the new file, as a copy or, where it may not be copied, itself.
+bool keepBeside(const std::string& file) {
+    const std::string kept = file + ".bad";
+    return !HUTFile::exists(file) || HUTFile::copyToRecursive(file, kept, HUTFile::copyOver) ||
+           HUTFile::rename(file, kept);
+}
+
 } // namespace
 
 HSCPlazLocalDBMgr::HSCPlazLocalDBMgr() : m_regressionMode(HUTEnv::getRegressMode()) {}
@@ -70,8 +77,8 @@ std::string HSCPlazLocalDBMgr::write(const HSCPlaz& hub, HSCPlazQStore& store) {
 std::string HSCPlazLocalDBMgr::write(const HSCPlaz* hub, HSCPlazQStore& store, const std::string& given) {
     const std::string file = chooseFile(hub, store, given);
     HSCPlazDebugLog::within(saveName, " Saving local db file of store ", store.getName());
-    // What could not be read is not lost: it stays beside the new file.
-    if (m_damaged.erase(file) != 0) HUTFile::copyToRecursive(file, file + ".bad", HUTFile::copyOver);
+    if (m_damaged.count(file) != 0 && !keepBeside(file)) return file;
+    m_damaged.erase(file);
     const bool isWritten = HSCPlazLocalDBWriter(m_major).write(file, store.getModel());
     m_stamps[file] = HUTFile::getStamp(file);
     return isWritten || !store.isProductSpecific() ? std::string() : file;
