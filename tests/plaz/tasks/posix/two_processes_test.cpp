@@ -54,7 +54,7 @@ TEST_F(TwoProcessesTest, UpdateWaitsForTheOther) {
     const std::string before = state();
     takeIds();
     EXPECT_FALSE(update());
-    EXPECT_EQ(takeIds(), Ids{"17-2168"});
+    EXPECT_EQ(takeIds(), Names{"17-2168"});
     EXPECT_TRUE(state() == before && find("a")->NeedsRefresh() && !find("b")->IsInstalled());
     kill(other, SIGKILL);
     waitpid(other, nullptr, 0);
