@@ -43,6 +43,7 @@ TEST_F(TwoProcessesTest, UpdateWaitsForTheOther) {
     if (other == 0) {
         HUTFileLock lock(lockFile);
         while (lock.tryLock() != HUTFileLock::Result::held) continue;
+        alarm(60); // whatever becomes of the test
         pause();
     }
     while (HUTFileLock(lockFile).tryLock() != HUTFileLock::Result::busy) continue;
