@@ -41,7 +41,7 @@ TEST_F(HubOnDiskTest, StoresAreFoundByName) {
 TEST_F(UtilsTest, ChosenDirectoriesAreCheckedAndCreated) {
     EXPECT_TRUE(HSCPlazUtils::validateAndCreateDir("", false));
     EXPECT_TRUE(HSCPlazUtils::validateAndCreateDir(temp.path("new/dir"), true));
-    EXPECT_EQ(takeIds(), Ids{});
+    EXPECT_EQ(takeIds(), Names{});
     EXPECT_TRUE(HSCPlazUtils::validateAndCreateDir(temp.path("new/other"), false));
     temp.write("file", "");
     EXPECT_FALSE(HSCPlazUtils::validateAndCreateDir(temp.path("file/below"), false));
@@ -54,7 +54,7 @@ TEST_F(UtilsTest, ChosenDirectoriesAreCheckedAndCreated) {
     other->assignModel(&otherModel);
     for (HSCPlazQStore* each : {own, other}) hub.addStore(each);
     EXPECT_FALSE(HSCPlazUtils::setQStoreLocalDir(own, temp.path("new/./dir")));
-    EXPECT_EQ(takeIds(), (Ids{"17-1670", "17-1581", "17-1668"}));
+    EXPECT_EQ(takeIds(), (Names{"17-1670", "17-1581", "17-1668"}));
     EXPECT_TRUE(HSCPlazUtils::setQStoreLocalDir(own, temp.path("new/x/../other")));
     EXPECT_EQ(own->getLocalRootDir(), temp.path("new/other"));
     otherModel.setInstallDir(temp.path("Absent"));

@@ -13,7 +13,6 @@
 
 namespace {
 
-using Names = std::vector<std::string>;
 using Status = HIOStream::Status;
 
 HANDLE openForReading(const std::string& file, DWORD share) {

@@ -76,7 +76,7 @@ TEST_F(CatalogTasksTest, WhatFailsLeavesTheOldCatalogInForce) {
         tcl.getRepo().write(file, text).commit();
         EXPECT_EQ(thrownBy([] { refresh(); }), thrown) << text;
     }
-    EXPECT_EQ(takeIds(), Ids{"17-2140"});
+    EXPECT_EQ(takeIds(), Names{"17-2140"});
     tcl.publish();
     HDGUIStatus status;
     status.cancel();
@@ -84,11 +84,11 @@ TEST_F(CatalogTasksTest, WhatFailsLeavesTheOldCatalogInForce) {
     const std::string url = store().getUrl();
     store().setUrl("file://" + files.temp.path("gone"));
     EXPECT_FALSE(refresh());
-    EXPECT_EQ(takeIds(), Ids{"17-1990"});
+    EXPECT_EQ(takeIds(), Names{"17-1990"});
     store().setUrl(url);
     HPAParamMgr::getParamMgr().setValue("plaz.enableRemoteAccess", "false");
     EXPECT_FALSE(refresh());
-    EXPECT_EQ(takeIds(), Ids{"17-1559"});
+    EXPECT_EQ(takeIds(), Names{"17-1559"});
     EXPECT_NE(store().getItem("b"), nullptr);
     EXPECT_FALSE(HUTFile::exists(files.area("ced_store/.staging")));
 }
@@ -120,20 +120,20 @@ TEST_F(CatalogTasksTest, OddStoresAreTakenAsTheyAre) {
     tcl.publish();
     takeIds();
     EXPECT_TRUE(refresh());
-    EXPECT_EQ(takeIds(), (Ids{"17-2140", "17-2139"}));
+    EXPECT_EQ(takeIds(), (Names{"17-2140", "17-2139"}));
     EXPECT_EQ(store().getItem("b")->getDisplayName() + store().getItem("c")->getDisplayName(), "The c");
     for (const char* item : {"b", "c"}) tcl.withdraw(item);
     tcl.publish();
     EXPECT_TRUE(refresh() && refresh());
-    EXPECT_EQ(takeIds(), Ids{});
+    EXPECT_EQ(takeIds(), Names{});
     publishWith("Others", "Solvan");
     EXPECT_TRUE(HSCPlazTaskMgr::loadCatalog(&hub(), &store(), nullptr));
-    EXPECT_EQ(takeIds(), Ids{"17-2178"});
+    EXPECT_EQ(takeIds(), Names{"17-2178"});
     tcl.publish();
     EXPECT_TRUE(refresh() && HSCPlazTaskMgr::uninstall(&hub(), store().getItem("a"), true));
-    EXPECT_EQ(takeIds(), Ids{});
+    EXPECT_EQ(takeIds(), Names{});
     EXPECT_TRUE(refresh() && !HSCPlazTaskMgr::hasUpdate(&store()));
-    EXPECT_EQ(takeIds(), Ids{"17-1929"});
+    EXPECT_EQ(takeIds(), Names{"17-1929"});
 }
 
 // A store moved into another release's directory, or one that forgets where it was moved to.
@@ -153,7 +153,7 @@ TEST_F(CatalogTasksTest, StoresMoveToADirectoryOfTheUsersChoice) {
     ASSERT_TRUE(refresh() && install("a"));
     takeIds();
     ASSERT_TRUE(moveTo(mine));
-    EXPECT_EQ(takeIds(), Ids{"17-2176"});
+    EXPECT_EQ(takeIds(), Names{"17-2176"});
     EXPECT_FALSE(store().getItem("a")->IsInstalled());
     EXPECT_EQ(store().getItem("b")->getDisplayName(), "The b"); // the refreshed catalog came along
     ASSERT_TRUE(install("a"));
@@ -164,7 +164,7 @@ TEST_F(CatalogTasksTest, StoresMoveToADirectoryOfTheUsersChoice) {
     takeIds();
     const bool isCaseIgnored = HUTFile::exists(files.temp.path("MINE"));
     ASSERT_TRUE(moveTo(files.temp.path("MINE")));
-    EXPECT_EQ(takeIds(), isCaseIgnored ? Ids{} : Ids{"17-2176"});
+    EXPECT_EQ(takeIds(), isCaseIgnored ? Names{} : Names{"17-2176"});
     ASSERT_TRUE(moveTo(files.area("ced_store"))); // home again
     EXPECT_EQ(store().getLocalRootDir(), files.area("ced_store"));
     EXPECT_TRUE(store().getItem("a")->IsInstalled());
@@ -242,10 +242,10 @@ TEST_F(HubRefreshTest, WhatFailsLeavesTheHubAsItWas) {
     HDGUIStatus status;
     status.cancel();
     EXPECT_FALSE(refreshHub(&status));
-    EXPECT_EQ(takeIds(), Ids{});
+    EXPECT_EQ(takeIds(), Names{});
     HPAParamMgr::getParamMgr().setValue("plaz.enableRemoteAccess", "false");
     EXPECT_FALSE(refreshHub() || HSCPlazTaskMgr::updateCatalog(static_cast<HSCPlaz*>(nullptr), nullptr));
-    EXPECT_EQ(takeIds(), Ids{"17-1571"});
+    EXPECT_EQ(takeIds(), Names{"17-1571"});
     EXPECT_EQ(&store(), before);
     EXPECT_FALSE(HUTFile::exists(refreshed));
 }
@@ -258,7 +258,7 @@ TEST_F(HubRefreshTest, StartsFromTheRefreshedMetadata) {
     EXPECT_EQ(hub().getStores().size(), 1U);
     HSCPlazQStore* const store = hub().getStore("extra");
     ASSERT_TRUE(store && HSCPlazTaskMgr::loadCatalog(&hub(), store, nullptr));
-    EXPECT_EQ(takeIds(), Ids{});
+    EXPECT_EQ(takeIds(), Names{});
     ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), store->getItem("b"), true, nullptr));
     EXPECT_TRUE(HUTFile::exists(files.area("ced_store/items/b/body.txt")));
     EXPECT_EQ(store->getLocalDbFilePath(), files.area("ced_store/.plaz/plaz_local_db.json"));
