@@ -5,7 +5,6 @@ In the guide "..." stands for anything, on a line of its own for any lines. Colu
 
 import os
 import re
-import unittest
 
 from support.hubtest import PLAZ, TREE, HubTest, run
 
@@ -32,7 +31,3 @@ class GuideTest(HubTest):
         ((script, printed),) = re.findall(r"```tcl\n(.*?)```\n\n```\n(.*?)```", GUIDE["In Tcl"], re.S)
         (self.dir / "script.tcl").write_text(script, "utf-8")
         self.assertEqual(self.run_plaz("shell script.tcl").stdout, printed)
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -11,6 +11,12 @@ from support.hubtest import BUILD, SCRATCH, TREE, make_env, make_hub, succeed
 CACHE = dict(re.findall(r"^(\w+):\w+=(.*)$", (BUILD / "CMakeCache.txt").read_text(), re.M))
 CMAKE, COMPILER, SANITIZE = CACHE["CMAKE_COMMAND"], CACHE["CMAKE_CXX_COMPILER"], CACHE.get("PLAZ_SANITIZE")
 
+# Classes that embedding tools need, and what comes with them.
+EXPORTED = """HSCPlaz HSCPlazBaseModel HSCPlazCategory HSCPlazConfigMgr HSCPlazGit HSCPlazJsonReadWriteUtils
+    HSCPlazLocalDBMgr HSCPlazLogger HSCPlazMgr HSCPlazModel HSCPlazPathMgr HSCPlazQItem HSCPlazQItemModel HSCPlazQStore
+    HSCPlazQStoreModel HSCPlazRepoFactory HSCPlazRepoInfoMgr HSCPlazSwigIntf HSCPlazTaskMgr HSCPlazTrust HSCPlazUserPref
+    HSCPlazUtils hdi::pyinfra::py_native_cache hdi::tcltasks::native_cache operator<< plaz_startup""".split()
+
 
 class InstalledTreeTest(unittest.TestCase):
     """Also catches: a path of the build or of the first prefix that was compiled in."""
@@ -54,6 +60,14 @@ class InstalledTreeTest(unittest.TestCase):
         """Catches: a program that does not find the hub."""
         self.assertIn("tclscripts", self.succeed(self.prefix / "bin/plaz", "stores"))
 
+    if not SANITIZE:
+
+        def test_exports(self):
+            """Catches: a class that became visible, one that is needed and vanished, templates of other libraries."""
+            symbols = self.succeed("nm", "-DC", "--defined-only", self.prefix / "lib/libplaz.so")
+            name = r"^\S+ \S (?:(?:vtable|typeinfo(?: name)?) for )?(hdi::\w+::\w+|operator<<|\w+|.*)"
+            self.assertEqual(set(re.findall(name, symbols, re.M)), set(EXPORTED))
+
     if CACHE["PLAZ_PYTHON"] == "ON":
 
         def test_module(self):
@@ -73,7 +87,3 @@ class InstalledTreeTest(unittest.TestCase):
         files = [file for file in files if "schemas" not in file.parts and file.name != "messages.json"]
         self.assertGreater(len(files), 20)
         self.succeed(self.prefix / "bin/plaz", "validate", *files)
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -7,7 +7,6 @@ import shutil
 import signal
 import subprocess
 import time
-import unittest
 
 from support.hubtest import PLAZ, HubTest
 
@@ -62,7 +61,3 @@ class KilledRefreshTest(HubTest):
                     self.assertEqual((self.get_items(), list(self.home.rglob(".staging"))), (new, []))
             self.assertIn(old, seen)
             shutil.rmtree(self.home)
-
-
-if __name__ == "__main__":
-    unittest.main()

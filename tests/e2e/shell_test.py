@@ -8,7 +8,6 @@ import pty
 import shutil
 import signal
 import subprocess
-import unittest
 
 from support.hubtest import PLAZ, TEXT, HubTest, edit, run, succeed, wait_for
 
@@ -97,7 +96,7 @@ class ShellTest(HubTest):
         self.check_shown(several, "boards::aurora@1.1", "boards::aurora@2.0")
 
     def test_updates_where_one_revision_is_kept(self):
-        """Catches: mode and count lost, both revisions listed, a commit of an old revision fetched never or for ever."""
+        """Catches: mode and count lost, both revisions listed, a changed commit fetched never or for ever."""
         installed = "pin-report 1.0 user 0, string-kit 1.0 tool 1, text-tables 1.0 tool 1, csv-kit {} tool 1"
         newest = self.catalog_file.read_text("utf-8")
         self.edit_script("csv-kit", lambda item, oldest: item.update(oldest, latest_revision="1.0"))
@@ -116,8 +115,8 @@ class ShellTest(HubTest):
 
     def test_refuses_wrong_usage(self):
         """Catches: slips of the command line that count as failures of the hub, or that leave a script without JSON."""
-        wrong = """|bogus|stores --bogus|items a b|install|install a@|install ::a|info a b|update
-            |update --all a|validate|--set plaz.gitTimeout stores|--set no.such=1 stores|--set plaz.enableLog=perhaps stores"""
+        wrong = """|bogus|stores --bogus|items a b|install|install a@|install ::a|info a b|update|update --all a
+            |validate|--set plaz.gitTimeout stores|--set no.such=1 stores|--set plaz.enableLog=perhaps stores"""
         for command in wrong.split("|"):
             with self.subTest(command):
                 plain = self.run_plaz(command, status=2)
@@ -319,7 +318,3 @@ class ShellTest(HubTest):
         self.check_shown(shown, never=["geheim", "plaz.gitTimeout"])
         command = "params plaz.gitT* --hidden --set plaz.gitTimeout=7"
         self.expect(command, "params: name value default type", "plaz.gitTimeout 7 1000 int")
-
-
-if __name__ == "__main__":
-    unittest.main()

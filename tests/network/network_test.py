@@ -10,7 +10,6 @@ import pty
 import shutil
 import tempfile
 import termios
-import unittest
 import urllib.parse
 
 from network import servers
@@ -285,7 +284,3 @@ class NetworkTest(HubTest):
     def test_faults_at_later_refresh(self):
         """Catches: a known catalog that a broken connection takes away, or a working copy that it spoils for good."""
         self.meet_faults(is_first=False)
-
-
-if __name__ == "__main__":
-    unittest.main()

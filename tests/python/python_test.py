@@ -2,6 +2,7 @@
 
 import ast
 import contextlib
+import functools
 import gc
 import inspect
 import io
@@ -14,6 +15,7 @@ import signal
 import sys
 import threading
 import unittest
+import unittest.mock
 import weakref
 
 from support.hubtest import BUILD, TREE, HubTest, succeed, wait_for
@@ -73,30 +75,12 @@ else:
 """
 
 
-class Records(logging.Handler):
-    def __init__(self):
-        super().__init__()
-        self.seen = []
-
-    def emit(self, record):
-        self.seen.append((record.levelname, record.message_id))
-
-    def take(self):
-        seen, self.seen = self.seen, []
-        return seen
-
-
 class PythonTest(HubTest):
     def setUp(self):
         super().setUp()
         os.environ.clear()
         os.environ.update(self.env, PYTHONPATH=str(BUILD / "python"))
         self.env = os.environ
-        self.log = Records()
-        logger = logging.getLogger("plaz")
-        logger.addHandler(self.log)
-        logger.setLevel(logging.INFO)
-        logger.propagate = False
 
     @contextlib.contextmanager
     def slow_git(self):
@@ -139,10 +123,9 @@ class PythonTest(HubTest):
 
     def test_queries(self):
         """Catches: filters that are ignored."""
+        known = {"plaz": plaz, "boards": plaz.store("boards")}
         for query, names in QUERIES.items():
-            self.check(
-                query, " ".join(i.name for i in eval(query, {"plaz": plaz, "boards": plaz.store("boards")})), names
-            )
+            self.check(query, " ".join(item.name for item in eval(query, known)), names)
 
     def test_wrong_input_is_refused(self):
         """Catches: an exception of another type, a crash, a change made before all arguments were looked at."""
@@ -156,25 +139,24 @@ class PythonTest(HubTest):
     def test_actions_tell_what_they_did(self):
         """Catches: results or progress that get lost, an error told twice or never."""
         steps = []
-        wanted = ["boards::aurora", plaz.item("aurora"), "string-kit"]
-        done = plaz.install(wanted, progress=lambda *step: steps.append(step))
-        outcomes = [("aurora", "2.0", "installed"), ("string-kit", "1.0", "installed")]
-        self.check("results", [(r.name, r.revision, r.outcome) for r in done], outcomes)
+        with self.assertLogs("plaz", "INFO") as log:
+            wanted = ["boards::aurora", plaz.item("aurora"), "string-kit"]
+            done = plaz.install(wanted, progress=lambda *step: steps.append(step))
+        self.check("good news", ("INFO", "17-1573") in [(r.levelname, r.message_id) for r in log.records], True)
+        outcomes = ["aurora 2.0 installed", "string-kit 1.0 installed"]
+        self.check("results", [f"{r.name} {r.revision} {r.outcome}" for r in done], outcomes)
         self.check("directory", done[0].directory, plaz.item("aurora").local_directory)
         self.check("steps", (any("Pinbericht" in text for text, _ in steps), steps[-1][1]), (True, 100))
-        self.check("good news", ("INFO", "17-1573") in self.log.take(), True)
-        failed = self.raised(plaz.Error, plaz.uninstall, ["csv-kit", "string-kit"], quiet=True)
+        with self.assertNoLogs("plaz", "ERROR"):
+            failed = self.raised(plaz.Error, plaz.uninstall, ["csv-kit", "string-kit"], quiet=True)
         self.check("failure", (failed.message_id, failed.text in str(failed)), ("17-1568", True))
         self.check("its errors", [m.id for m in failed.messages if m.label == "ERROR"], ["17-1568"])
         self.check("its results", [r.outcome for r in failed.results], ["failed", "kept"])
-        self.check("told twice", [level for level, _ in self.log.take() if level == "ERROR"], [])
-        removed = [(r.name, r.outcome) for r in plaz.uninstall(["csv-kit", "aurora"])]
-        self.check("removal", removed, [("csv-kit", "removed"), ("aurora", "removed")])
+        removed = [f"{r.name} {r.outcome}" for r in plaz.uninstall(["csv-kit", "aurora"])]
+        self.check("removal", removed, ["csv-kit removed", "aurora removed"])
 
     def test_refreshes_and_updates(self):
-        """Catches: an update that leaves the old revision as the newest, a failed refresh that is passed over, an error
-        that nobody is told of."""
-        boards = [("boards", "refreshed"), ("tclscripts", "failed")]
+        """Catches: an update that leaves the old revision as the newest, a failed refresh that is passed over."""
         plaz.install("aurora@1.1", quiet=True)
         self.check("before", plaz.store("boards").check().outcome, "outdated")
         self.check("refresh", [r.outcome for r in plaz.refresh()], ["refreshed"] * 2)
@@ -186,11 +168,11 @@ class PythonTest(HubTest):
         plaz.uninstall("aurora@2.0", progress=lambda text, percent: steps.append(text))
         self.check("steps", steps, ["Removing Aurora Entwicklungsplatine"])
         failed = self.raised(plaz.Error, plaz.refresh)
-        self.check("failed refresh", [(r.store, r.outcome) for r in failed.results], boards)
-        self.log.take()
+        outcomes = ["boards refreshed", "tclscripts failed"]
+        self.check("failed refresh", [f"{r.store} {r.outcome}" for r in failed.results], outcomes)
         stop = {"progress": lambda text, percent: 1 / (text.find("boards") < 0)}
-        self.raised(ZeroDivisionError, plaz.refresh, ["tclscripts", "boards"], **stop)
-        self.check("its errors", "ERROR" in dict(self.log.take()), True)
+        with self.assertLogs("plaz", "ERROR"):
+            self.raised(ZeroDivisionError, plaz.refresh, ["tclscripts", "boards"], **stop)
 
     def test_objects_of_what_is_gone(self):
         """Catches: an object that reaches freed memory, one that comes to stand for another item."""
@@ -207,29 +189,24 @@ class PythonTest(HubTest):
             self.raised(plaz.StaleObjectError, use, stale)
             plaz.refresh(hub=True)
         self.check("refreshed hub", plaz.store("tclscripts") is kept, False)
-        self.check("another object", plaz.item("aurora") == items[0], False)
+        self.check("another object", len({plaz.item("aurora"), items[0]}), 2)
         self.raised(plaz.Error, plaz.set_product, "Solvan", "2024.1")
 
     def test_calls_can_be_cancelled(self):
-        """Catches: an exception of a callback that gets lost, a git that lives on after Ctrl-C, a hub that refuses all
-        work after a cancellation."""
+        """Catches: a callback's exception lost, a git that outlives Ctrl-C, a hub that refuses work afterwards."""
 
         def refuse(*_):
             raise ZeroDivisionError
 
-        with self.subTest("progress"):
-            self.raised(plaz.Cancelled, plaz.install, "aurora", progress=lambda text, percent: False)
-            self.raised(ZeroDivisionError, plaz.refresh, progress=refuse)
-        with self.subTest("log"):
-            self.log.emit = refuse
+        self.raised(plaz.Cancelled, plaz.install, "aurora", progress=lambda text, percent: False)
+        self.raised(ZeroDivisionError, plaz.refresh, progress=refuse)
+        logging.getLogger("plaz").setLevel(logging.INFO)
+        with unittest.mock.patch("logging.Logger.handle", refuse):
             self.raised(ZeroDivisionError, plaz.item("aurora").install)
-            self.log.emit = lambda record: None
         self.check("nothing was installed", plaz.item("aurora").installed, False)
         with self.slow_git() as (started, _):
-            for expected, cancel in (
-                (KeyboardInterrupt, lambda: os.kill(os.getpid(), signal.SIGINT)),
-                (plaz.Cancelled, plaz.cancel),
-            ):
+            interrupt = functools.partial(os.kill, os.getpid(), signal.SIGINT)
+            for expected, cancel in ((KeyboardInterrupt, interrupt), (plaz.Cancelled, plaz.cancel)):
                 with self.subTest(expected):
                     other = threading.Thread(target=lambda: (wait_for(started), cancel()))
                     other.start()
@@ -241,8 +218,7 @@ class PythonTest(HubTest):
         self.check("work after it", plaz.install("aurora")[0].outcome, "installed")
 
     def test_other_threads_run_meanwhile(self):
-        """Catches: threads held up while git runs, two calls at once, an object that dies on another thread and harms
-        the cache."""
+        """Catches: threads held up while git runs, two calls at once, an object's death during a call that harms."""
         used, answers = plaz.items(), []
 
         def answer(*_):
@@ -303,17 +279,15 @@ class PythonTest(HubTest):
         self.check("nothing is left", len(preferences), 0)
 
     def test_stubs_fit_the_module(self):
-        """Catches: a function, property or parameter that the stubs do not know, or that only they know; one without
-        documentation."""
+        """Catches: a function, property or parameter that one of them does not know, or without documentation."""
 
         def public(names):
             return {name for name in names if not name.startswith("_")}
 
         def check_function(node, function):
-            stub, real = (
-                text.replace("/, ", "") for text in (ast.unparse(node.args), str(inspect.signature(function)))
-            )
-            self.check(node.name, (f"({stub})", bool(inspect.getdoc(function))), (real, True))
+            real = str(inspect.signature(function)).replace("/, ", "")  # which arguments have names is Python's own
+            self.check(node.name, f"({ast.unparse(node.args)})".replace("/, ", ""), real)
+            self.check(f"{node.name} has documentation", bool(inspect.getdoc(function)), True)
 
         def check_property(node, thing):
             with self.subTest(f"{type(thing).__name__}.{node.name}"):
@@ -356,7 +330,3 @@ class PythonTest(HubTest):
         found, ambiguous = "tclscripts::pin-report@1.0", "clocking: boards::clocking@1.1, tclscripts::clocking@1.0"
         self.check_shown(printed.getvalue(), found, ambiguous)
         self.check("installed", plaz.item("aurora").installed, True)
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -43,7 +43,3 @@ class WheelTest(unittest.TestCase):
         run(venv / "bin/python", "-c", USE, roots=(data, package / "share/plaz/data"))
         run(venv / "bin/pip", "uninstall", "--yes", "plaz")
         self.assertEqual(list_files(venv), before)
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -2,7 +2,6 @@
 
 import re
 import sys
-import unittest
 
 from support.hubtest import BUILD, PLAZ, PRODUCT_DATA, HubTest, make_env, run
 
@@ -80,7 +79,3 @@ class OneRoadTest(HubTest):
                     self.assertEqual(ours[:2], theirs[:2])
                     names = ours[2].keys() | theirs[2].keys()
                     self.assertEqual([name for name in names if ours[2].get(name) != theirs[2].get(name)], [])
-
-
-if __name__ == "__main__":
-    unittest.main()

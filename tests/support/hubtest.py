@@ -1,8 +1,8 @@
 """What the tests share: the program, a sample hub, and an environment in which nothing of the user's counts.
 
-Tests are modules of the folder "tests". They take the build directory, then unittest's own arguments:
+By hand, from the folder "tests", on the build directory that PLAZ_BUILD names (else that of the release preset):
 
-    cd tests && python3 -m e2e.shell_test ../build/release [CLASS.METHOD...]
+    python3 -m unittest e2e.shell_test [e2e.shell_test.ShellTest.METHOD]
 """
 
 import functools
@@ -18,7 +18,7 @@ import time
 import unittest
 
 TREE = pathlib.Path(__file__).resolve().parents[2]
-BUILD = pathlib.Path(sys.argv.pop(1)).resolve()
+BUILD = pathlib.Path(os.environ.get("PLAZ_BUILD", TREE / "build/release")).resolve()
 PLAZ = BUILD / "bin/plaz"
 PRODUCT_DATA = BUILD / "share/plaz/data"
 TEXT = {"encoding": "utf-8", "stdout": subprocess.PIPE, "stderr": subprocess.PIPE}

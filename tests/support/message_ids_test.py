@@ -92,7 +92,3 @@ class MessageIdsTest(unittest.TestCase):
                     file.parent.mkdir(parents=True)
                     file.write_text(text.replace(old, new))
                 self.assertEqual(list(find_faults(pathlib.Path(tree))), faults)
-
-
-if __name__ == "__main__":
-    unittest.main()

@@ -1,11 +1,7 @@
-"""Does the same on both systems, in the same place, and compares; the catalogs have CRLF on Windows.
+"""Does the same on both systems, in the same place, and compares; the catalogs have CRLF on Windows."""
 
-    python3 -m windows.same_files_test NATIVE_BUILD WINDOWS_PLAZ...
-"""
-
+import os
 import re
-import sys
-import unittest
 
 from support.hubtest import PLAZ, PRODUCT_DATA, HubTest, make_env, run
 
@@ -41,9 +37,7 @@ class SameFilesTest(HubTest):
         self.home.rename(self.dir / "native")
         for file in self.data.rglob("*.json"):
             file.write_bytes(re.sub(rb"\r?\n", b"\r\n", file.read_bytes()))
-        for what, ours, theirs in zip(("prints", "leaves", "records"), native, self.work(sys.argv[1:], "Z:", ";")):
+        for what, ours, theirs in zip(
+            ("prints", "leaves", "records"), native, self.work(os.environ["PLAZ_WINDOWS"].split(";"), "Z:", ";")
+        ):
             self.check(what, theirs, ours)
-
-
-if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1])
