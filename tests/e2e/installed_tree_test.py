@@ -38,18 +38,14 @@ class InstalledTreeTest(unittest.TestCase):
         self.succeed(CMAKE, *example, f"-DCMAKE_PREFIX_PATH={self.prefix}", *flags)
         self.succeed(CMAKE, "--build", "example")
         listing = self.succeed(self.dir / "example/list_hub", "install", "pin-report").splitlines()
-        for line in (
-            "boards: Sample boards",
-            "  aurora 2.0  Aurora Entwicklungsplatine",
-            "  計測 1.0  計測ツール",
-            "  string-kit 1.0  Boîte à chaînes  (installed)",
-        ):
-            with self.subTest(line):
-                self.assertIn(line, listing)
+        for line in ("boards: Sample boards", "  aurora 2.0  Aurora Entwicklungsplatine", "  計測 1.0  計測ツール"):
+            self.assertIn(line, listing)
+        self.assertIn("  string-kit 1.0  Boîte à chaînes  (installed)", listing)
 
     def test_headers(self):
         """Catches: a header that is not installed or does not stand alone by the flags that pkg-config names."""
-        flags = self.succeed("pkg-config", "--cflags", "plaz", PKG_CONFIG_PATH=f"{self.prefix}/lib/pkgconfig")
+        config = f"{self.prefix}/lib/pkgconfig"
+        flags = self.succeed("pkg-config", "--cflags", "--libs", "plaz", PKG_CONFIG_PATH=config)
         headers = [file.relative_to(self.prefix / "include/plaz") for file in self.prefix.glob("include/plaz/**/*.h")]
         self.assertGreater(len(headers), 20)
         for number, header in enumerate(headers):
@@ -74,9 +70,8 @@ class InstalledTreeTest(unittest.TestCase):
             """Catches: a module that is not installed or does not find the hub."""
             env = {"PYTHONPATH": f"{self.prefix}/lib/python3/dist-packages"}
             if SANITIZE:  # the interpreter is not built with it: its runtime has to be there before the module is
-                runtime = [
-                    self.succeed(COMPILER, f"-print-file-name={name}.so").strip() for name in ("libasan", "libstdc++")
-                ]
+                names = ("libasan.so", "libstdc++.so")
+                runtime = [self.succeed(COMPILER, f"-print-file-name={name}").strip() for name in names]
                 env.update(LD_PRELOAD=":".join(runtime), ASAN_OPTIONS="detect_leaks=0")
             shown = self.succeed(sys.executable, "-B", "-c", "import plaz; print(plaz.stores())", **env)
             self.assertIn("plaz.Store tclscripts", shown)

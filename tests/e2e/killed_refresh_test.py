@@ -36,8 +36,7 @@ class KilledRefreshTest(HubTest):
                     os.kill(pid, signal.SIGKILL)
 
     def test_old_catalog_stays_and_next_refresh_recovers(self):
-        """Catches: a killed refresh that leaves no catalog, half of one or a working copy that blocks the next refresh;
-        git, which outlives the program, that gets in the next one's way."""
+        """Catches: half a catalog or none, a working copy or a surviving git that gets in the next refresh's way."""
         before = self.dir / "before"
         self.run_plaz("refresh")
         old = self.get_items()

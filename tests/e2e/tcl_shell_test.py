@@ -64,8 +64,7 @@ class TclShellTest(HubTest):
             self.assertEqual(result.stderr.count(told) if told else result.stderr, 1 if told else "", result.stderr)
 
     def test_runs_scripts(self):
-        """Catches: arguments taken by the program, a lost exit status, a failure not told, without its place or told
-        twice, text that depends on the locale, a crash where a channel is closed."""
+        """Catches: arguments or an exit status lost, failures told never or twice, text that depends on the locale."""
         self.env["LC_ALL"] = "C"
         failing = "puts begun\nproc p {} {plaz::install nix}\np"
         for name, script, status, printed, told in (
@@ -82,8 +81,7 @@ class TclShellTest(HubTest):
         self.run_plaz("shell --json", status=2)
 
     def test_runs_what_standard_input_says(self):
-        """Catches: results or a prompt among a script's output, commands that go on after one failed, data read past
-        the commands, an unfinished command that passes."""
+        """Catches: results among a script's output, data read past the commands, one that goes on after a failure."""
         data = "plaz::get_qstores\ngets stdin line\ndata\nputs <$line>\nset x {\n1}\n"
         self.check_shell("data among commands", 0, "<data>\n", "", text=data)
         self.check_shell("failure", 1, "", 'invalid command name "nix"', text="nix\nputs on\n")

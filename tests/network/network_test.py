@@ -55,8 +55,7 @@ class NetworkTest(HubTest):
         # It notes the command line of every program that git starts.
         self.lay_git(f'GIT_TRACE={self.dir}/trace exec git "$@"', SYSTEM_BUNDLE.read_text())
         self.env.update(GDA_APPROOT=f"{self.dir}/app", PLAZ_SHOW_LOG="yes")
-        self.told = ""
-        self.edition = 0
+        self.told, self.edition = "", 0
 
     def tearDown(self):
         """Nothing that others can read holds a secret."""
@@ -166,8 +165,7 @@ class NetworkTest(HubTest):
             self.check("with it", self.check_remote(), "outdated")
 
     def test_credentials(self):
-        """Catches: credentials that do not reach the server, that others can read on a command line or in a file, or
-        without which a keyboard is waited for; wrong ones told of as if there were none."""
+        """Catches: credentials lost, read by others or asked for at a keyboard; wrong ones told of as none."""
         cases = (  # store, whether it is private, what is configured, parameters, messages where they are refused
             ("tclscripts", True, None, (), ["17-1669"]),
             ("tclscripts", False, None, (), []),
@@ -220,8 +218,7 @@ class NetworkTest(HubTest):
                 self.check_shown(requests, "get /git/tcl-store.git/info/refs", never=["authorization:"])
 
     def test_proxies(self):
-        """Catches: a proxy that is not used, not found, left out by encrypted connections, or whose password others can
-        read; a proxy of yesterday."""
+        """Catches: a proxy that is not used, not found, of yesterday, or whose password others can read."""
         authority, certificate = servers.make_certificates(self.servers / "keys")
         self.trust(authority)
         cases = {  # parameter, what is detected, the proxy's credentials

@@ -10,12 +10,12 @@ import subprocess
 import threading
 import time
 
-from support.hubtest import succeed
+from support.hubtest import SCRATCH, make_env, succeed
 
 # An address of this process alone, so that no other test comes to the same port. Clients reach it from 127.0.0.1.
 HOST = "127.{}.{}.{}".format(64 + (os.getpid() >> 16), os.getpid() >> 8 & 255, os.getpid() & 255)
 GIT_PROGRAMS = succeed("git", "--exec-path").strip()
-ENVIRONMENT = {**os.environ, "PATH": f"{os.environ['PATH']}:/usr/bin:/usr/sbin"}
+ENVIRONMENT = make_env(SCRATCH.name, PATH=f"{os.environ['PATH']}:/usr/bin:/usr/sbin")
 
 
 def write(file, text):
