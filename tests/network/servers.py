@@ -10,10 +10,12 @@ import subprocess
 import threading
 import time
 
+from support.hubtest import SCRATCH, make_env, succeed
+
 # An address of this process alone, so that no other test comes to the same port. Clients reach it from 127.0.0.1.
 HOST = "127.{}.{}.{}".format(64 + (os.getpid() >> 16), os.getpid() >> 8 & 255, os.getpid() & 255)
-GIT_PROGRAMS = subprocess.check_output(["git", "--exec-path"], encoding="utf-8").strip()
-ENVIRONMENT = {**os.environ, "PATH": f"{os.environ['PATH']}:/usr/bin:/usr/sbin"}
+GIT_PROGRAMS = succeed("git", "--exec-path").strip()
+ENVIRONMENT = make_env(SCRATCH.name, PATH=f"{os.environ['PATH']}:/usr/bin:/usr/sbin")
 
 
 def write(file, text):
@@ -24,14 +26,14 @@ def write(file, text):
 
 @contextlib.contextmanager
 def run_server(directory, make_command):
-    """Runs the command for a port. @return the port, once something answers there"""
+    """Runs the command for a port. @return the address, once something answers there"""
     directory.mkdir()
     with socket.create_server((HOST, 0)) as probe:
         port = probe.getsockname()[1]
     with open(directory / "output", "wb") as output:
         command = ["setpriv", "--pdeathsig", "TERM", *map(str, make_command(port))]
-        process = subprocess.Popen(command, env=ENVIRONMENT, start_new_session=True, stdin=subprocess.DEVNULL,
-                                   stdout=output, stderr=subprocess.STDOUT)
+        streams = {"stdin": subprocess.DEVNULL, "stdout": output, "stderr": subprocess.STDOUT}
+        process = subprocess.Popen(command, env=ENVIRONMENT, start_new_session=True, **streams)
     try:
         deadline = time.monotonic() + 20
         while True:
@@ -40,7 +42,7 @@ def run_server(directory, make_command):
             if process.poll() is not None or time.monotonic() > deadline:
                 raise RuntimeError(f"{command} does not answer: {(directory / 'output').read_text()}")
             time.sleep(0.02)
-        yield port
+        yield f"{HOST}:{port}"
     finally:
         with contextlib.suppress(ProcessLookupError):
             os.killpg(process.pid, signal.SIGKILL)
@@ -50,6 +52,7 @@ def run_server(directory, make_command):
 def serve_web(repositories, directory, certificate=None, credentials=None, only_from=None, moved_to="/git"):
     """git's http-backend behind lighttpd at "/git", with TLS, for one user, or for one client's address alone. "/moved"
     leads to another place. It notes the headers of requests in "output"."""
+
     def make_command(port):
         config = f"""
             server.document-root = "{directory}"
@@ -71,22 +74,25 @@ def serve_web(repositories, directory, certificate=None, credentials=None, only_
         if only_from:
             config += f'$HTTP["remoteip"] != "{only_from}" {{ url.access-deny = ("") }}\n'
         return ["lighttpd", "-D", "-f", write(directory / "lighttpd.conf", config)]
+
     return run_server(directory, make_command)
 
 
 def serve_git(repositories, directory):
     """git's own daemon."""
-    return run_server(directory, lambda port: [f"{GIT_PROGRAMS}/git-daemon", f"--listen={HOST}", f"--port={port}",
-                                               "--reuseaddr", "--export-all", f"--base-path={repositories}"])
+    command = [f"{GIT_PROGRAMS}/git-daemon", "--reuseaddr", "--export-all", f"--base-path={repositories}"]
+    return run_server(directory, lambda port: [*command, f"--listen={HOST}", f"--port={port}"])
 
 
 def run_proxy(directory, credentials):
     """tinyproxy, which servers see at the address HOST. It notes requests in "log"."""
+
     def make_command(port):
         config = f'Port {port}\nListen {HOST}\nBind {HOST}\nTimeout 60\nLogFile "{directory}/log"\nLogLevel Connect\n'
         if credentials:
             config += "BasicAuth {} {}\n".format(*credentials)
         return ["tinyproxy", "-d", "-c", write(directory / "tinyproxy.conf", config)]
+
     return run_server(directory, make_command)
 
 
@@ -96,9 +102,8 @@ def make_certificates(directory):
     authority, key, server, server_key = (directory / name for name in ("ca.crt", "ca.key", "server.pem", "server.key"))
     new = "openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -days 2".split()
     of_host = ["-subj", f"/CN={HOST}", "-addext", f"subjectAltName=IP:{HOST}", "-addext", "basicConstraints=CA:FALSE"]
-    for command in ([*new, "-subj", "/CN=Test authority", "-keyout", key, "-out", authority],
-                    [*new, *of_host, "-CA", authority, "-CAkey", key, "-keyout", server_key, "-out", server]):
-        subprocess.run(command, check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    succeed(*new, "-subj", "/CN=Test authority", "-keyout", key, "-out", authority)
+    succeed(*new, *of_host, "-CA", authority, "-CAkey", key, "-keyout", server_key, "-out", server)
     return authority, write(server, server.read_text() + server_key.read_text())
 
 
@@ -109,13 +114,15 @@ Fault = collections.namedtuple("Fault", ["reply", "passed", "stalls"], defaults=
 
 class Relay(socketserver.ThreadingTCPServer):
     """Stands before a server at a port of its own until this process ends. Its fault can be changed at any time."""
+
     daemon_threads = True
 
-    def __init__(self, port):
+    def __init__(self, address):
         super().__init__((HOST, 0), None)
+        self.address = f"{HOST}:{self.server_address[1]}"
         self.fault = None
         self.passed = b""  # what came through while there was a fault
-        self._server = (HOST, port)
+        self._server = (HOST, int(address.rpartition(":")[2]))
         threading.Thread(target=self.serve_forever, daemon=True).start()
 
     def finish_request(self, request, client_address):
