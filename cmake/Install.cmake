@@ -38,28 +38,48 @@ else()
 
   set(headers ${CMAKE_INSTALL_INCLUDEDIR}/plaz)
   # What the rooms keep to themselves stays out.
-  install(DIRECTORY shared/common/plaz DESTINATION ${headers}
-    FILES_MATCHING PATTERN "*.h" PATTERN "reader" EXCLUDE PATTERN "java" EXCLUDE PATTERN "git" EXCLUDE PATTERN "tasks" EXCLUDE
-    PATTERN "store" EXCLUDE PATTERN "HSCPlazDestruction.h" EXCLUDE
+  install(
+    DIRECTORY shared/common/plaz
+    DESTINATION ${headers}
+    FILES_MATCHING
+    PATTERN "*.h"
+    PATTERN "reader" EXCLUDE
+    PATTERN "java" EXCLUDE
+    PATTERN "git" EXCLUDE
+    PATTERN "tasks" EXCLUDE
+    PATTERN "store" EXCLUDE
+    PATTERN "HSCPlazDestruction.h" EXCLUDE
     REGEX "base/HSCPlaz(ChangeLog|Context|DebugLog|FileCopy|HubLock|TrustRules|UpdateCheck|Url)\\.h$" EXCLUDE)
   install(FILES shared/common/plaz/store/HSCPlazLocalDBMgr.h shared/common/plaz/store/HSCPlazRepoInfoMgr.h
-    DESTINATION ${headers}/plaz/store)
+          DESTINATION ${headers}/plaz/store)
   install(FILES shared/common/plaz/tasks/HSCPlazTaskResult.h DESTINATION ${headers}/plaz/tasks)
   install(FILES shared/common/plaz/model/reader/HSCPlazJsonReadWriteUtils.h
-    shared/common/plaz/model/reader/HSCPlazFileCheck.h DESTINATION ${headers}/plaz/model/reader)
-  install(DIRECTORY platform/support DESTINATION ${headers}
-    FILES_MATCHING PATTERN "*.h" PATTERN "posix" EXCLUDE PATTERN "win32" EXCLUDE PATTERN "Platform*.h" EXCLUDE
+                shared/common/plaz/model/reader/HSCPlazFileCheck.h DESTINATION ${headers}/plaz/model/reader)
+  install(
+    DIRECTORY platform/support
+    DESTINATION ${headers}
+    FILES_MATCHING
+    PATTERN "*.h"
+    PATTERN "posix" EXCLUDE
+    PATTERN "win32" EXCLUDE
+    PATTERN "Platform*.h" EXCLUDE
     PATTERN "HCRapidJsonReadWriteUtils.h" EXCLUDE)
 
-  install(DIRECTORY platform/scripting DESTINATION ${headers} FILES_MATCHING PATTERN "*.h" PATTERN "*_impl.h" EXCLUDE)
+  install(
+    DIRECTORY platform/scripting
+    DESTINATION ${headers}
+    FILES_MATCHING
+    PATTERN "*.h"
+    PATTERN "*_impl.h" EXCLUDE)
 
   include(CMakePackageConfigHelpers)
   set(package ${CMAKE_INSTALL_LIBDIR}/cmake/plaz)
   install(EXPORT plazTargets NAMESPACE plaz:: DESTINATION ${package})
   configure_package_config_file(cmake/plazConfig.cmake.in ${PROJECT_BINARY_DIR}/plazConfig.cmake
-    INSTALL_DESTINATION ${package} NO_SET_AND_CHECK_MACRO)
+                                INSTALL_DESTINATION ${package} NO_SET_AND_CHECK_MACRO)
   write_basic_package_version_file(${PROJECT_BINARY_DIR}/plazConfigVersion.cmake COMPATIBILITY SameMajorVersion)
-  install(FILES ${PROJECT_BINARY_DIR}/plazConfig.cmake ${PROJECT_BINARY_DIR}/plazConfigVersion.cmake DESTINATION ${package})
+  install(FILES ${PROJECT_BINARY_DIR}/plazConfig.cmake ${PROJECT_BINARY_DIR}/plazConfigVersion.cmake
+          DESTINATION ${package})
 
   configure_file(cmake/plaz.pc.in ${PROJECT_BINARY_DIR}/plaz.pc @ONLY)
   install(FILES ${PROJECT_BINARY_DIR}/plaz.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -7,7 +7,8 @@ foreach(library gtest gtest_main gmock)
   target_compile_options(${library} PRIVATE -w)
 endforeach()
 
-set(wine WINEPREFIX=${CMAKE_BINARY_DIR}/wine WINEPATH=${CMAKE_RUNTIME_OUTPUT_DIRECTORY} WINEDLLOVERRIDES=mscoree,mshtml=)
+set(wine WINEPREFIX=${CMAKE_BINARY_DIR}/wine WINEPATH=${CMAKE_RUNTIME_OUTPUT_DIRECTORY}
+         WINEDLLOVERRIDES=mscoree,mshtml=)
 list(INSERT CMAKE_CROSSCOMPILING_EMULATOR 1 ${wine})
 # Wine fails to start one process in two thousand, on a busy machine, where the system puts things at addresses by chance.
 execute_process(COMMAND setarch --addr-no-randomize true RESULT_VARIABLE failed ERROR_QUIET)
@@ -16,7 +17,13 @@ if(NOT failed)
 endif()
 # What Wine cannot show, or Windows does not have: links, processes that begin in the midst of a test, a current directory
 # that is gone.
-string(JOIN ":" PLAZ_NOT_ON_WINDOWS "-PreferencesDeathTest.*" MessageDeathTest.*
-  StartUpTest.StoreFilesAreNotReadThroughLinks GitRunner.RunsWithoutCurrentDirectory)
+string(
+  JOIN
+  ":"
+  PLAZ_NOT_ON_WINDOWS
+  "-PreferencesDeathTest.*"
+  MessageDeathTest.*
+  StartUpTest.StoreFilesAreNotReadThroughLinks
+  GitRunner.RunsWithoutCurrentDirectory)
 # Nothing is started under Wine before the tests are.
 set(CMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE PRE_TEST)

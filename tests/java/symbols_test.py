@@ -20,16 +20,32 @@ STATUS = """new_TaskStatus delete_TaskStatus canCancel cancel changeAbbrevStatus
     getAbbrevStatusMessage getPercentComplete getState getStatusMessage isCanceled isDeterminate
     setDeterminate setState"""
 EXCEPTION = """new_PlazException() new_PlazException(Ljava/lang/String;II) delete_PlazException""" + "".join(
-    f" {access}_PlazException_error_{field}" for access in ("get", "set") for field in ("msg", "code", "context"))
+    f" {access}_PlazException_error_{field}" for access in ("get", "set") for field in ("msg", "code", "context")
+)
 
 FAMILY = {
-    "PlazSwigIntf": FACADE, "PlazStore": STORE, "PlazItem": ITEM, "TaskStatus": STATUS, "PlazException": EXCEPTION,
+    "PlazSwigIntf": FACADE,
+    "PlazStore": STORE,
+    "PlazItem": ITEM,
+    "TaskStatus": STATUS,
+    "PlazException": EXCEPTION,
     "PlazItemDependency": "getCompany getItem getRevision getStore isOptional",
     "PlazCategory": "getDescription getDisplayName getName getSubCategories",
-    **{vector: f"new_{vector} delete_{vector} clear createIter push_back size" for vector in (
-        "StringVector", "PlazQStoreVec", "PlazItemVec", "PlazItemDependencyVec", "PlazCategoryVec")},
-    **{iterator: f"delete_{iterator} hasNext next" for iterator in (
-        "StringVectorIter", "PlazQStoreIter", "PlazItemIter", "PlazItemDependencyIter", "PlazCategoryIter")}}
+    **{
+        vector: f"new_{vector} delete_{vector} clear createIter push_back size"
+        for vector in ("StringVector", "PlazQStoreVec", "PlazItemVec", "PlazItemDependencyVec", "PlazCategoryVec")
+    },
+    **{
+        iterator: f"delete_{iterator} hasNext next"
+        for iterator in (
+            "StringVectorIter",
+            "PlazQStoreIter",
+            "PlazItemIter",
+            "PlazItemDependencyIter",
+            "PlazCategoryIter",
+        )
+    },
+}
 
 MANGLED = {"_": "_1", ";": "_2", "/": "_"}
 
@@ -47,8 +63,11 @@ def symbol(owner, method):
 def main():
     family = {symbol(owner, method) for owner, methods in FAMILY.items() for method in methods.split()}
     library, *objdump = sys.argv[1:]
-    lister, entry = (["nm", "--dynamic", "--defined-only"], r" [A-Za-z] (\S+)") if not objdump else (
-        [*objdump, "--private-headers"], r"\n\t\[ *\d+\] (?!\+base)(\S+)")
+    lister, entry = (
+        (["nm", "--dynamic", "--defined-only"], r" [A-Za-z] (\S+)")
+        if not objdump
+        else ([*objdump, "--private-headers"], r"\n\t\[ *\d+\] (?!\+base)(\S+)")
+    )
     listed = subprocess.run([*lister, library], check=True, stdout=subprocess.PIPE, encoding="utf-8").stdout
     exported = set(re.findall(entry, listed))
     for name in sorted(family ^ exported):

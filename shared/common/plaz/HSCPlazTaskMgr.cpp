@@ -6,6 +6,7 @@
 #include "plaz/base/HSCPlazProduct.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/HSCPlazUpdateDecision.h"
 #include "plaz/model/repo/HSCPlazGit.h"
 #include "plaz/model/repo/HSCPlazRepoFactory.h"
 #include "plaz/model/repo/git/HSCPlazGitProxies.h"
@@ -105,6 +106,8 @@ HSCPlazItemResult HSCPlazTaskMgr::uninstallItem(HSCPlaz& hub, HSCPlazQItem& item
 
 HSCPlazItemResult HSCPlazTaskMgr::updateItem(HSCPlaz& hub, HSCPlazQItem& item, bool quiet, HDGUIStatus* status) {
     HSCPlazTask task(workspace(), hub, status, quiet);
+    if (HSCPlazUpdateDecision::decide(item) == HSCPlazUpdateDecision::Step::none)
+        return resultOf(task, item, ItemOutcome::upToDate);
     const std::string previous = item.getRevision();
     ItemOutcome outcome = ItemOutcome::failed;
     carryOut(task, [&] {

@@ -65,6 +65,7 @@ std::string HSCPlazUrl::getPathOnHost() const {
 
 std::string HSCPlazUrl::withoutGitSuffix(const std::string& url) {
     static constexpr std::string_view suffix = ".git";
-    const bool ends = url.size() >= suffix.size() && url.compare(url.size() - suffix.size(), suffix.size(), suffix) == 0;
+    const bool ends =
+        url.size() >= suffix.size() && url.compare(url.size() - suffix.size(), suffix.size(), suffix) == 0;
     return ends ? url.substr(0, url.size() - suffix.size()) : url;
 }

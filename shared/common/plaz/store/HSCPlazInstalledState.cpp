@@ -8,6 +8,34 @@
 #include "plaz/model/reader/HSCPlazQItemReader.h"
 #include "plaz/store/HSCPlazPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
+#include "support/HUTFile.h"
+
+#include <boost/filesystem/path.hpp>
+
+namespace {
+
+/// @return false for a file that does not describe this very item
+bool describeBy(const HIOStream::Root& root, const std::string& file, HSCPlazJsonDocument& document,
+                HSCPlazQItemModel& item, HSCPlazFindings& found) {
+    HSCPlazQItemModel description;
+    const HIOStream::Status status = HSCPlazQItemReader::readBelow(root, file, document, description, found);
+    const bool isIts = status == HIOStream::Status::ok && description.getName() == item.getName() &&
+                       description.getRevision() == item.getRevision();
+    if (isIts) item.copyDescriptionFrom(description);
+    return isIts;
+}
+
+/// Of an item that the catalog has left out nobody says which of its files describes it.
+void describeWithdrawn(const HIOStream::Root& root, const std::string& area, const std::string& folder,
+                       HSCPlazJsonDocument& document, HSCPlazQItemModel& item) {
+    HSCPlazFindings ofOtherFiles;
+    for (const std::string& name : HUTFile::createFileIter(area + "/" + folder))
+        if (boost::filesystem::path(name).extension() == ".json" &&
+            describeBy(root, folder + "/" + name, document, item, ofOtherFiles))
+            return;
+}
+
+} // namespace
 
 void HSCPlazInstalledState::addMissingItems(HSCPlazQStore& store) {
     const auto& models = store.getModel()->getItems();
@@ -24,13 +52,12 @@ void HSCPlazInstalledState::describe(const HSCPlazQStoreModel& store) const {
     HSCPlazJsonDocument document;
     HSCPlazFindings found;
     for (const auto& item : store.getItems()) {
-        if (!item->isInstalled() || item->getMetadataFile().empty()) continue; // the catalog has left it out
-        const std::string file = HSCPlazPathMgr::getItemFolder(store, *item) + "/" + item->getMetadataFile();
-        HSCPlazQItemModel description;
-        const HIOStream::Status status = HSCPlazQItemReader::readBelow(root, file, document, description, found);
-        if (status == HIOStream::Status::ok && description.getName() == item->getName() &&
-            description.getRevision() == item->getRevision())
-            item->copyDescriptionFrom(description);
+        if (!item->isInstalled()) continue;
+        const std::string folder = HSCPlazPathMgr::getItemFolder(store, *item);
+        if (!item->getMetadataFile().empty())
+            describeBy(root, folder + "/" + item->getMetadataFile(), document, *item, found);
+        else if (!folder.empty())
+            describeWithdrawn(root, m_workspace.paths.getStoreArea(store), folder, document, *item);
     }
     m_report.append(found.toReport());
 }

@@ -55,11 +55,11 @@ void HSCPlazLocalDBMgr::takeVersion(const std::string& major, const std::string&
     if (!minor.empty()) m_minor = minor;
 }
 
-bool HSCPlazLocalDBMgr::save(HSCPlaz& hub, HSCPlazQStore* store, std::string file) {
-    return save(&hub, store, std::move(file));
+bool HSCPlazLocalDBMgr::save(HSCPlaz& hub, HSCPlazQStore* store, const std::string& file) {
+    return save(&hub, store, file);
 }
 
-bool HSCPlazLocalDBMgr::save(HSCPlaz* hub, HSCPlazQStore* store, std::string file) {
+bool HSCPlazLocalDBMgr::save(HSCPlaz* hub, HSCPlazQStore* store, const std::string& file) {
     if (m_regressionMode) return true;
     if (!store) {
         HSCPlazDebugLog::within(saveName, " store object is null");

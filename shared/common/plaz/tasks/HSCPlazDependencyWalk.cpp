@@ -126,7 +126,6 @@ bool HSCPlazDependencyWalk::install(const HSCPlazQItemDependency& dependency) {
         return m_task.fail(Msg::dependencyUnknown, dependency.getItem(), dependency.getStore());
     }
     inside(installName, " found qitem ptr");
-    std::vector<HSCPlazQItem*> replaced;
     const bool isKnown = found.item->IsInstalled();
     const std::int32_t references = isKnown ? found.item->getReferenceCount() : 0;
     if (isProperlyInstalled(found)) {
@@ -143,7 +142,7 @@ bool HSCPlazDependencyWalk::install(const HSCPlazQItemDependency& dependency) {
         // Files that had got lost are back; whoever held the item holds it still.
         const bool isUsers = isKnown && found.item->getMode() == Mode::user;
         markInstalled(found, isUsers ? Mode::user : Mode::tool, references + 1);
-        replaced = replaceOthers(found);
+        replaceOthers(found);
         inside(installName, " dest: ", found.item->getLocalRootDir());
         m_task.tellNews(Msg::dependencyInstalled, found.item->getName());
         saveChanges();
@@ -153,7 +152,6 @@ bool HSCPlazDependencyWalk::install(const HSCPlazQItemDependency& dependency) {
         // RATIONALE: a failure deep in the tree is told but does not undo what stands above it.
         if (step.isNew()) install(*next);
     }
-    releaseReplaced(replaced);
     return true;
 }
 
@@ -215,37 +213,35 @@ void HSCPlazDependencyWalk::removeUnheld(const HSCPlazFoundItem& found) {
     m_task.tellNews(Msg::dependencyRemoved, found.item->getName());
 }
 
-std::vector<HSCPlazQItem*> HSCPlazDependencyWalk::replaceOthers(const HSCPlazFoundItem& found) {
-    std::vector<HSCPlazQItem*> replaced;
-    if (found.store->IsMultiRevisionSupported()) return replaced;
+void HSCPlazDependencyWalk::replaceOthers(const HSCPlazFoundItem& found) {
+    if (found.store->IsMultiRevisionSupported()) return;
     for (HSCPlazQItem* other : found.store->getItems()) {
         if (other == found.item || !other->IsInstalled() || other->getName() != found.item->getName()) continue;
         found.item->setReferenceCount(found.item->getReferenceCount() + other->getReferenceCount());
         if (other->getMode() == Mode::user) found.item->getModel()->setMode(Mode::user);
         other->getModel()->clearInstallation();
-        replaced.push_back(other);
+        giveUpNeeds(*other);
     }
-    return replaced;
 }
 
-void HSCPlazDependencyWalk::releaseReplaced(const std::vector<HSCPlazQItem*>& replaced) {
-    if (replaced.empty()) return;
-    Items needed;
-    for (const HSCPlazQItem* old : replaced) collect(*old, needed);
-    releaseUnheld(needed);
+void HSCPlazDependencyWalk::giveUpNeeds(const HSCPlazQItem& item) {
+    collect(item, m_givenUp);
 }
 
-void HSCPlazDependencyWalk::releaseUnheld(const Items& released) {
-    recount();
-    for (HSCPlazQItem* item : released)
+void HSCPlazDependencyWalk::finish() {
+    const auto counts = countAll();
+    // Which of several revisions serves whom is not recorded: they lack a hold only where all of them together do.
+    std::map<std::pair<HSCPlazQStore*, std::string>, std::int32_t> lacking;
+    for (const auto& [item, count] : counts)
+        lacking[{item->getStore(), item->getName()}] += count - item->getReferenceCount();
+    for (const auto& [item, count] : counts) {
+        const bool isTooLow = count > item->getReferenceCount() && lacking[{item->getStore(), item->getName()}] > 0;
+        if (isTooLow || m_givenUp.count(item) != 0) setCount(*item, count);
+    }
+    for (HSCPlazQItem* item : std::exchange(m_givenUp, {}))
         if (item->IsInstalled() && item->getMode() == Mode::tool && item->getReferenceCount() == 0)
             removeUnheld({item->getStore(), item});
-}
-
-HSCPlazDependencyWalk::Items HSCPlazDependencyWalk::collectNeeded(const HSCPlazQItem& item) const {
-    Items needed;
-    collect(item, needed);
-    return needed;
+    saveChanges();
 }
 
 void HSCPlazDependencyWalk::collect(const HSCPlazQItem& item, Items& reached) const {
@@ -256,6 +252,16 @@ void HSCPlazDependencyWalk::collect(const HSCPlazQItem& item, Items& reached) co
 }
 
 void HSCPlazDependencyWalk::recount() {
+    for (const auto& [item, count] : countAll()) setCount(*item, count);
+}
+
+void HSCPlazDependencyWalk::setCount(HSCPlazQItem& item, std::int32_t count) {
+    if (item.getReferenceCount() == count) return;
+    item.setReferenceCount(count);
+    m_unsaved.insert(item.getStore());
+}
+
+std::map<HSCPlazQItem*, std::int32_t> HSCPlazDependencyWalk::countAll() {
     std::map<HSCPlazQItem*, std::int32_t> holds;
     for (const HSCPlazQStore* store : m_hub.getStores())
         for (HSCPlazQItem* item : store->getItems()) {
@@ -266,18 +272,15 @@ void HSCPlazDependencyWalk::recount() {
             countHolds(*item, holds);
             m_path = outer;
         }
-    for (const auto& [item, count] : holds) {
-        if (item->getReferenceCount() == count) continue;
-        item->setReferenceCount(count);
-        m_unsaved.insert(item->getStore());
-    }
+    return holds;
 }
 
 void HSCPlazDependencyWalk::countHolds(const HSCPlazQItem& item, std::map<HSCPlazQItem*, std::int32_t>& holds) {
     for (const HSCPlazQItemDependency* dependency : item.getItemDependencies()) {
         const Step step(*this, *dependency);
         if (!step.isNew()) continue;
-        const HSCPlazFoundItem found = findServing(m_hub, *dependency, isInstalled);
+        HSCPlazFoundItem found = findServing(m_hub, *dependency, isHeld);
+        if (!found) found = findServing(m_hub, *dependency, isInstalled);
         if (!found) continue;
         ++holds[found.item];
         countHolds(*found.item, holds);

@@ -35,14 +35,15 @@ public:
     void releaseAll(const HSCPlazQItem& item);
 
     /// In a store that keeps one revision of an item, an installation takes the place of another revision: whoever held
-    /// that one holds the new one from now on. @return the replaced ones, no longer installed
-    static std::vector<HSCPlazQItem*> replaceOthers(const HSCPlazFoundItem& found);
-    /// The installed items that an item needs, whatever the number of steps to them.
-    Items collectNeeded(const HSCPlazQItem& item) const;
-    /// Puts the counts right after a change of who needs what, and removes what of @p released nothing needs any more.
-    void releaseUnheld(const Items& released);
-    /// The same for what replaced revisions needed; does nothing without any.
-    void releaseReplaced(const std::vector<HSCPlazQItem*>& replaced);
+    /// that one holds the new one from now on, and what it needed is given up by finish().
+    void replaceOthers(const HSCPlazFoundItem& found);
+    /// What an installed item needs, whatever the number of steps to it, is needed by it no more once its new
+    /// description counts: finish() gives it up.
+    void giveUpNeeds(const HSCPlazQItem& item);
+    /// Ends the work on an installed item: what has been given up gets the count that it has now, and goes where
+    /// nothing needs it; a count that is too low, as after a task that was cut short, is raised. All is saved.
+    /// RATIONALE: other counts are not lowered. A holder may be out of sight, with its store or its own description.
+    void finish();
 
     /// Marks the item installed in its directory.
     void markInstalled(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode, std::int32_t references);
@@ -66,7 +67,9 @@ private:
     void release(const HSCPlazQItemDependency& dependency);
     bool bringMissing(const HSCPlazQItem& item, bool& changed);
     void recount();
+    std::map<HSCPlazQItem*, std::int32_t> countAll();
     void countHolds(const HSCPlazQItem& item, std::map<HSCPlazQItem*, std::int32_t>& holds);
+    void setCount(HSCPlazQItem& item, std::int32_t count);
     void collect(const HSCPlazQItem& item, Items& reached) const;
     void removeUnheld(const HSCPlazFoundItem& found);
     bool isProperlyInstalled(const HSCPlazFoundItem& found) const;
@@ -75,5 +78,6 @@ private:
     HSCPlaz& m_hub;
     std::set<std::string> m_path;
     std::set<HSCPlazQStore*> m_unsaved;
+    Items m_givenUp;
     bool m_sound = true;
 };

@@ -36,13 +36,12 @@ bool installFiles(HSCPlazTask& task, const HSCPlazFoundItem& found, Walk& walk, 
     if (!Files::bring(task, found, true)) return false;
     // Files that had got lost are back; whoever held the item holds it still.
     walk.markInstalled(found, isUsersAlready ? Mode::user : mode, references);
-    const auto replaced = Walk::replaceOthers(found);
+    walk.replaceOthers(found);
     task.tellNews(Msg::itemInstalled, Files::shownName(item));
     walk.saveChanges();
     inside(installName, " installed ");
     const bool isCounted = isUsersAlready || mode == Mode::tool;
     const bool complete = isCounted ? walk.installMissing(item) : walk.installAll(item);
-    walk.releaseReplaced(replaced);
     task.show("Installed", Files::shownName(item), 100);
     return complete;
 }
@@ -59,6 +58,6 @@ bool HSCPlazInstallTask::install(HSCPlazTask& task, const HSCPlazQItem& asked, M
     if (!isThere && task.isCancelled()) return false;
     if (!isThere) task.show("Installing", Files::shownName(*found.item), 0);
     const bool complete = isThere ? completeInstalled(task, found, walk) : installFiles(task, found, walk, mode);
-    walk.saveChanges();
+    walk.finish();
     return (complete && walk.isSound()) || task.fail(Msg::itemInstallFailed, Files::shownName(*found.item));
 }

@@ -26,13 +26,12 @@ bool installLatest(HSCPlazTask& task, const HSCPlazQItem& item) {
 }
 
 bool replaceFiles(HSCPlazTask& task, const HSCPlazFoundItem& found, Walk& walk) {
-    const Walk::Items neededBefore = walk.collectNeeded(*found.item);
+    walk.giveUpNeeds(*found.item);
     if (!Files::fetch(task, found, true)) return false;
     walk.markInstalled(found, modeAfter(*found.item), found.item->getReferenceCount());
     walk.saveChanges();
     const bool complete = walk.installMissing(*found.item);
-    walk.releaseUnheld(neededBefore);
-    walk.saveChanges();
+    walk.finish();
     return complete && walk.isSound();
 }
 

@@ -25,21 +25,22 @@ class BindingTest {
     /** Catches: a failure of native code that arrives as another exception, with another text, or ends the program. */
     @ParameterizedTest
     @CsvSource({
-        "host, ui.frmwork.cmd.CommandFailedException, größer als 5 €",
-        "memory, ui.frmwork.COutOfMemoryException, Out of memory",
-        "standard, ui.frmwork.cmd.CommandFailedException, Unknown exception occurred",
-        "number, ui.frmwork.cmd.CommandFailedException, Unknown exception occurred",
-        "kind 0, java.lang.OutOfMemoryError, of kind 0",
-        "kind 1, java.io.IOException, of kind 1",
-        "kind 2, java.lang.RuntimeException, of kind 2",
-        "kind 3, java.lang.IndexOutOfBoundsException, of kind 3",
-        "kind 4, java.lang.ArithmeticException, of kind 4",
-        "kind 5, java.lang.IllegalArgumentException, of kind 5",
-        "kind 6, java.lang.NullPointerException, of kind 6",
-        "kind 7, java.lang.UnknownError, of kind 7",
-        "kind 99, java.lang.UnknownError, of kind 99",
+            "host, ui.frmwork.cmd.CommandFailedException, größer als 5 €",
+            "memory, ui.frmwork.COutOfMemoryException, Out of memory",
+            "standard, ui.frmwork.cmd.CommandFailedException, Unknown exception occurred",
+            "number, ui.frmwork.cmd.CommandFailedException, Unknown exception occurred",
+            "kind 0, java.lang.OutOfMemoryError, of kind 0",
+            "kind 1, java.io.IOException, of kind 1",
+            "kind 2, java.lang.RuntimeException, of kind 2",
+            "kind 3, java.lang.IndexOutOfBoundsException, of kind 3",
+            "kind 4, java.lang.ArithmeticException, of kind 4",
+            "kind 5, java.lang.IllegalArgumentException, of kind 5",
+            "kind 6, java.lang.NullPointerException, of kind 6",
+            "kind 7, java.lang.UnknownError, of kind 7",
+            "kind 99, java.lang.UnknownError, of kind 99",
     })
-    void failuresArrive(String how, String type, String text) {
+    void
+    failuresArrive(String how, String type, String text) {
         Throwable thrown = assertThrows(Throwable.class, () -> Failures.fail(how));
         assertEquals(type, thrown.getClass().getName());
         assertEquals(text, thrown.getMessage());
@@ -47,9 +48,11 @@ class BindingTest {
 
     /** Catches: a text that changes on its way into the library or out of it, or ends early. */
     @ParameterizedTest
-    @ValueSource(strings = {"", "plain", "Prüfadapter µ €", "Δοκιμή Проверка בדיקה اختبار परीक्षण", "試験 시험 ทดสอบ",
-        "\ud83d\ude00 \ud835\udd4f\udbff\udfff", "before\0after\0", "\u0001\u007f\u0080\u07ff\u0800\uffff"})
-    void textsCrossUnchanged(String text) {
+    @ValueSource(
+            strings = {"", "plain", "Prüfadapter µ €", "Δοκιμή Проверка בדיקה اختبار परीक्षण", "試験 시험 ทดสอบ",
+                    "\ud83d\ude00 \ud835\udd4f\udbff\udfff", "before\0after\0", "\u0001\u007f\u0080\u07ff\u0800\uffff"})
+    void
+    textsCrossUnchanged(String text) {
         try (PlazException exception = new PlazException(text, 1, 2); TaskStatus status = new TaskStatus();
                 StringVector vector = new StringVector()) {
             assertEquals(text, exception.getErrorMsg());
@@ -88,7 +91,9 @@ class BindingTest {
         boolean takesText = List.of(method.getParameterTypes()).contains(String.class);
         boolean isOther = name.matches("PlazException_(new_PlazException|set_PlazException_error_msg)");
         return "java.lang.NullPointerException: "
-                + (!takesText ? "& reference is null" : isOther ? "null string" : "null std::string");
+                + (!takesText             ? "& reference is null"
+                                : isOther ? "null string"
+                                          : "null std::string");
     }
 
     private static Object nothingOf(Class<?> type) {
@@ -108,8 +113,10 @@ class BindingTest {
     @ParameterizedTest
     @ValueSource(strings = {"install", "uninstall", "update", "refreshCatalog"})
     void actionsWantTheirRecords(String name) throws ReflectiveOperationException {
-        Method action = Stream.of(PlazSwigIntf.class.getMethods()).filter(each -> each.getName().equals(name))
-                .findFirst().orElseThrow();
+        Method action = Stream.of(PlazSwigIntf.class.getMethods())
+                                .filter(each -> each.getName().equals(name))
+                                .findFirst()
+                                .orElseThrow();
         try (TaskStatus status = new TaskStatus(); PlazException exception = new PlazException()) {
             assertEquals("HDGUIStatus & reference is null", failureOf(action, null, null, null).getMessage());
             assertEquals("HSCPlazTypes::HSCPlazException & reference is null",
@@ -152,9 +159,9 @@ class BindingTest {
             status.changeAbbrevStatus("short");
             status.changePercentComplete(12.5);
             status.setDeterminate(false);
-            assertEquals(List.of("short", "", 12.5, false, 0, false), List.of(status.getAbbrevStatusMessage(),
-                    status.getStatusMessage(), status.getPercentComplete(), status.isDeterminate(), status.getState(),
-                    status.isCanceled()));
+            assertEquals(List.of("short", "", 12.5, false, 0, false),
+                    List.of(status.getAbbrevStatusMessage(), status.getStatusMessage(), status.getPercentComplete(),
+                            status.isDeterminate(), status.getState(), status.isCanceled()));
             status.cancel();
             assertEquals(List.of(4, true, true), List.of(status.getState(), status.isCanceled(), status.canCancel()));
             List<PlazStore> added = new ArrayList<>();

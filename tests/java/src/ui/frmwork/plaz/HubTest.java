@@ -93,8 +93,8 @@ class HubTest {
         assertFalse(PlazSwigIntf.getItems("boar").hasNext());
         PlazStore boards = store("boards");
         assertEquals(boards, PlazSwigIntf.getStores().iterator().next());
-        assertEquals(List.of("Sample boards", "board", "main", false), List.of(boards.getDisplayName(),
-                boards.getStoreType(), boards.getBranch(), boards.isUserRepository()));
+        assertEquals(List.of("Sample boards", "board", "main", false),
+                List.of(boards.getDisplayName(), boards.getStoreType(), boards.getBranch(), boards.isUserRepository()));
         assertTrue(boards.getUrl().endsWith("repos/boards-store.git"), boards.getUrl());
         assertTrue(boards.getLocalRootDir().startsWith(PlazHost.getUserDirectory()), boards.getLocalRootDir());
         String description = boards.getDescription();
@@ -133,11 +133,15 @@ class HubTest {
         PlazItem aurora =
                 items("boards").filter(item -> item.toString().equals("boards::aurora@2.0")).findFirst().orElseThrow();
         assertEquals(List.of("Aurora Entwicklungsplatine", "boards", "musterwerk", "Musterwerk Labor", "Änne Grünwald",
-                "https://example.org/boards/aurora"), List.of(aurora.getDisplayName(), aurora.getStoreName(),
-                aurora.getCompany(), aurora.getCompanyDisplayName(), aurora.getAuthor(), aurora.getWebsite()));
+                             "https://example.org/boards/aurora"),
+                List.of(aurora.getDisplayName(), aurora.getStoreName(), aurora.getCompany(),
+                        aurora.getCompanyDisplayName(), aurora.getAuthor(), aurora.getWebsite()));
         assertTrue(aurora.getCommitId().matches("[0-9a-f]{40}"), aurora.getCommitId());
-        List<String> needed = stream(aurora.getItemDependencies()).map(need -> need.getStore() + "::" + need.getItem()
-                + "@" + need.getRevision() + " " + need.isOptional()).toList();
+        List<String> needed = stream(aurora.getItemDependencies())
+                                      .map(need
+                                              -> need.getStore() + "::" + need.getItem() + "@" + need.getRevision()
+                                                      + " " + need.isOptional())
+                                      .toList();
         assertTrue(needed.contains("boards::io-panel@1.0 false"), needed::toString);
         assertTrue(needed.contains("boards::connectors-common@ false"), needed::toString);
         assertEquals(List.of("Prozessor", "Anzeige", "starter kit", "größer"),
@@ -158,8 +162,11 @@ class HubTest {
     void itemsAreInstalledAndRemoved() {
         assertTrue(PlazSwigIntf.install(item("boards", "aurora"), STATUS, RECORD), TOLD::toString);
         assertTrue(wasTold("INFO 17-1573", "Aurora Entwicklungsplatine"), TOLD::toString);
-        PlazItem aurora = items("boards").filter(PlazItem::IsInstalled)
-                .filter(item -> item.getName().equals("aurora")).findFirst().orElseThrow();
+        PlazItem aurora = items("boards")
+                                  .filter(PlazItem::IsInstalled)
+                                  .filter(item -> item.getName().equals("aurora"))
+                                  .findFirst()
+                                  .orElseThrow();
         assertTrue(Files.isRegularFile(Path.of(aurora.getLocalRootDir(), "board.xml")), aurora.getLocalRootDir());
         assertTrue(item("tclscripts", "string-kit").IsInstalled());
         assertFalse(aurora.getHistory().isEmpty());
@@ -181,13 +188,14 @@ class HubTest {
         assertFalse(PlazSwigIntf.hasUpdate(store("tclscripts"), STATUS, RECORD));
         assertEquals("", RECORD.getErrorMsg());
         Path repository = SAMPLE.resolve("repos/tcl-store.git");
-        git(repository, "update-ref", "refs/heads/main", git(repository, "-c", "user.name=A", "-c", "user.email=a@b.c",
-                "commit-tree", "-p", "main", "-m", "more", "main^{tree}"));
+        git(repository, "update-ref", "refs/heads/main",
+                git(repository, "-c", "user.name=A", "-c", "user.email=a@b.c", "commit-tree", "-p", "main", "-m",
+                        "more", "main^{tree}"));
         assertTrue(PlazSwigIntf.hasUpdate(store("tclscripts"), STATUS, RECORD));
         Files.move(repository, SAMPLE.resolve("away"));
         PlazSwigIntf.hasUpdate(store("tclscripts"), STATUS, RECORD);
-        assertThrows(CommandFailedException.class,
-                () -> PlazSwigIntf.refreshCatalog(store("tclscripts"), STATUS, RECORD));
+        assertThrows(
+                CommandFailedException.class, () -> PlazSwigIntf.refreshCatalog(store("tclscripts"), STATUS, RECORD));
         assertTrue(wasTold("ERROR 17-"), TOLD::toString);
         assertEquals("string-kit", item("tclscripts", "string-kit").getName());
         Files.move(SAMPLE.resolve("away"), repository);
@@ -209,8 +217,8 @@ class HubTest {
         Thread other = new Thread(PlazHost::cancel);
         other.start();
         other.join();
-        assertThrows(CommandFailedException.class,
-                () -> PlazSwigIntf.install(item("boards", "hikari"), STATUS, RECORD));
+        assertThrows(
+                CommandFailedException.class, () -> PlazSwigIntf.install(item("boards", "hikari"), STATUS, RECORD));
         assertFalse(item("boards", "hikari").IsInstalled());
         PlazHost.begin();
         assertTrue(PlazSwigIntf.install(item("boards", "hikari"), STATUS, RECORD), TOLD::toString);

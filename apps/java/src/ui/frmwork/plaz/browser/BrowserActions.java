@@ -72,8 +72,8 @@ final class BrowserActions {
     }
 
     /** The hub goes by an item's name alone, so a button says when that means more than the item that is chosen. */
-    private static void enableItem(Action action, HubThread hub, Optional<Item> item,
-            Function<Key, Operation> operation, int stores) {
+    private static void enableItem(
+            Action action, HubThread hub, Optional<Item> item, Function<Key, Operation> operation, int stores) {
         String name = (String) action.getValue(Action.ACTION_COMMAND_KEY);
         action.putValue(Action.NAME, stores > 1 ? name + " (in " + stores + " stores)" : name);
         action.setEnabled(item.filter(it -> !hub.isUnderway(operation.apply(it.key()).title())).isPresent());

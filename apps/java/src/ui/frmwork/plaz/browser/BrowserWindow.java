@@ -104,8 +104,8 @@ final class BrowserWindow extends JFrame implements HubListener {
     }
 
     private void bind(String key, Runnable work) {
-        getRootPane().registerKeyboardAction(event -> work.run(), KeyStroke.getKeyStroke(key),
-                JComponent.WHEN_IN_FOCUSED_WINDOW);
+        getRootPane().registerKeyboardAction(
+                event -> work.run(), KeyStroke.getKeyStroke(key), JComponent.WHEN_IN_FOCUSED_WINDOW);
     }
 
     // What a person does.

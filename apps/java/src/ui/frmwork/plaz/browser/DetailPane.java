@@ -93,8 +93,10 @@ final class DetailPane extends JPanel implements Scrollable {
         if (stores.size() > 1) addWide(warning(item));
         addField("Company", item.company());
         addField("Author", item.author());
-        WebLink.of(item.website()).ifPresentOrElse(page -> addField("Web page", link(item.website(), page)),
-                () -> addField("Web page", item.website()));
+        WebLink.of(item.website())
+                .ifPresentOrElse(page
+                        -> addField("Web page", link(item.website(), page)),
+                        () -> addField("Web page", item.website()));
         addField("Revisions", revisions(item.revisions()));
         addField("Installed in", directories(item.revisions()));
         addField("Needs", dependencies(snapshot, item.dependencies()));
@@ -140,8 +142,9 @@ final class DetailPane extends JPanel implements Scrollable {
     }
 
     private JTextArea warning(Item item) {
-        JTextArea area = Look.readOnlyText("Note", "Install, Uninstall and Update go by the name \"" + item.key().name()
-                + "\": they act in every store that has it (" + String.join(", ", stores) + ").");
+        JTextArea area = Look.readOnlyText("Note",
+                "Install, Uninstall and Update go by the name \"" + item.key().name()
+                        + "\": they act in every store that has it (" + String.join(", ", stores) + ").");
         area.setForeground(Look.WARNING);
         return area;
     }
@@ -151,8 +154,10 @@ final class DetailPane extends JPanel implements Scrollable {
     }
 
     private static String revisions(List<Revision> revisions) {
-        return String.join("\n", revisions.stream()
-                .map(each -> each.directory().isEmpty() ? each.text() : each.text() + "  (installed)").toList());
+        return String.join("\n",
+                revisions.stream()
+                        .map(each -> each.directory().isEmpty() ? each.text() : each.text() + "  (installed)")
+                        .toList());
     }
 
     private static String directories(List<Revision> revisions) {
@@ -176,7 +181,8 @@ final class DetailPane extends JPanel implements Scrollable {
         String id = id(key);
         String named = needed.revision().isEmpty() ? id : id + "@" + needed.revision();
         String shownText = needed.isOptional() ? named + "  (optional)" : named;
-        return snapshot.item(key).<JComponent>map(item -> new LinkButton(id, shownText, () -> jump.accept(key)))
+        return snapshot.item(key)
+                .<JComponent>map(item -> new LinkButton(id, shownText, () -> jump.accept(key)))
                 .orElseGet(() -> Look.readOnlyText(id, shownText + "  (not in the catalog)"));
     }
 

@@ -31,7 +31,8 @@ record ItemFilter(Scope scope, List<String> words, boolean installed, boolean ou
 
     private static String describingText(Item item) {
         return fold(Stream.concat(Stream.of(item.key().name(), item.title(), item.description(), item.company()),
-                item.keywords().stream()).collect(Collectors.joining("\n")));
+                                  item.keywords().stream())
+                            .collect(Collectors.joining("\n")));
     }
 
     /** Both ways, because some letters have one partner only one way. */

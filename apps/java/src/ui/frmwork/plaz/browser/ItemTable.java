@@ -90,8 +90,11 @@ final class ItemTable extends JTable {
 
     private boolean select(Key key) {
         List<Item> all = items().items();
-        int row = IntStream.range(0, all.size()).filter(i -> all.get(i).key().equals(key))
-                .map(this::convertRowIndexToView).findFirst().orElse(-1);
+        int row = IntStream.range(0, all.size())
+                          .filter(i -> all.get(i).key().equals(key))
+                          .map(this::convertRowIndexToView)
+                          .findFirst()
+                          .orElse(-1);
         if (row >= 0) setRowSelectionInterval(row, row);
         return row >= 0;
     }
@@ -108,8 +111,8 @@ final class ItemTable extends JTable {
         }
 
         @Override
-        public Component getTableCellRendererComponent(JTable table, Object value, boolean isSelected,
-                boolean hasFocus, int row, int column) {
+        public Component getTableCellRendererComponent(
+                JTable table, Object value, boolean isSelected, boolean hasFocus, int row, int column) {
             Object shown = value instanceof State state ? state.text : value;
             super.getTableCellRendererComponent(table, shown, isSelected, false, row, column);
             Color alternate = UIManager.getColor("Table.alternateRowColor");

@@ -21,10 +21,8 @@ import javax.swing.Icon;
 record Logo(String title, Optional<BufferedImage> picture, int size) implements Icon {
     private static final long MOST_BYTES = 1 << 20;
     private static final int MOST_PIXELS = 4096;
-    private static final Color[] TILES = {
-        new Color(0x2f6cab), new Color(0x3f7d58), new Color(0x8a5a2b), new Color(0x6b4c9a), new Color(0x9a3b4f),
-        new Color(0x33727a)
-    };
+    private static final Color[] TILES = {new Color(0x2f6cab), new Color(0x3f7d58), new Color(0x8a5a2b),
+            new Color(0x6b4c9a), new Color(0x9a3b4f), new Color(0x33727a)};
 
     /**
      * Reads a picture. A file that lies outside of the store's directory is not touched, nor is one that is large.

@@ -32,12 +32,9 @@ final class Look {
     private static final String CHOSEN_LOOK = "swing.defaultlaf";
     private static final String CHOSEN_FONT = "swing.plaf.metal.controlFont";
 
-    private static final Map<String, Color> NIMBUS_COLOURS = Map.of(
-            "control", new Color(0xeef1f4),
-            "nimbusBase", new Color(0x2b5d8c),
-            "nimbusBlueGrey", new Color(0xb4bec9),
-            "nimbusSelectionBackground", new Color(0x2f6cab),
-            "nimbusFocus", new Color(0x6ea3d8));
+    private static final Map<String, Color> NIMBUS_COLOURS = Map.of("control", new Color(0xeef1f4), "nimbusBase",
+            new Color(0x2b5d8c), "nimbusBlueGrey", new Color(0xb4bec9), "nimbusSelectionBackground",
+            new Color(0x2f6cab), "nimbusFocus", new Color(0x6ea3d8));
 
     private Look() {}
 

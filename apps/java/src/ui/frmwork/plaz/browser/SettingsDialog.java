@@ -57,8 +57,8 @@ final class SettingsDialog extends JDialog {
         form.setBorder(BorderFactory.createEmptyBorder(gap, gap, 0, gap));
         add(form);
         add(buttons(), BorderLayout.PAGE_END);
-        getRootPane().registerKeyboardAction(event -> dispose(), KeyStroke.getKeyStroke(KeyEvent.VK_ESCAPE, 0),
-                JComponent.WHEN_IN_FOCUSED_WINDOW);
+        getRootPane().registerKeyboardAction(
+                event -> dispose(), KeyStroke.getKeyStroke(KeyEvent.VK_ESCAPE, 0), JComponent.WHEN_IN_FOCUSED_WINDOW);
         pack();
         setLocationRelativeTo(owner);
     }

@@ -13,7 +13,7 @@ import java.util.stream.Stream;
 record Snapshot(List<Store> stores, String proxy, String storesPath) {
     /** A store, its items each by one entry. */
     record Store(String name, String title, String directory, boolean refreshed, List<Category> categories,
-                 List<Item> items) {}
+            List<Item> items) {}
 
     /** A node of a store's tree of categories. */
     record Category(String name, String title, List<Category> below) {
@@ -28,7 +28,9 @@ record Snapshot(List<Store> stores, String proxy, String storesPath) {
 
     /** How an item stands on this machine, in the order in which the table sorts it. */
     enum State {
-        NONE(""), INSTALLED("installed"), OUTDATED("outdated");
+        NONE(""),
+        INSTALLED("installed"),
+        OUTDATED("outdated");
 
         final String text;
 
@@ -45,8 +47,8 @@ record Snapshot(List<Store> stores, String proxy, String storesPath) {
      * @param revisions all of them, the latest first
      */
     record Item(Key key, String title, String description, String revision, State state, boolean isLatestInstalled,
-                String company, String author, String website, String logo, List<String> categories,
-                List<String> keywords, List<Revision> revisions, List<Dependency> dependencies) {
+            String company, String author, String website, String logo, List<String> categories, List<String> keywords,
+            List<Revision> revisions, List<Dependency> dependencies) {
         boolean isInstalled() {
             return state != State.NONE;
         }

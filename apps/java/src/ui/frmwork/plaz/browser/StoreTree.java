@@ -71,9 +71,11 @@ final class StoreTree extends JTree {
     }
 
     private List<Scope> closedPlaces() {
-        return paths((TreeNode) getModel().getRoot()).stream()
+        return paths((TreeNode) getModel().getRoot())
+                .stream()
                 .filter(path -> !getModel().isLeaf(path.getLastPathComponent()) && !isExpanded(path))
-                .map(StoreTree::scope).toList();
+                .map(StoreTree::scope)
+                .toList();
     }
 
     private static DefaultMutableTreeNode storeNode(Store store) {

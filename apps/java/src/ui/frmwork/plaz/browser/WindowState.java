@@ -67,20 +67,22 @@ final class WindowState {
         int[] kept = numbers("window");
         Rectangle bounds = kept.length == 4 ? new Rectangle(kept[0], kept[1], kept[2], kept[3]) : usual;
         List<Rectangle> screens = Stream.of(GraphicsEnvironment.getLocalGraphicsEnvironment().getScreenDevices())
-                .map(GraphicsDevice::getDefaultConfiguration).map(each -> each.getBounds()).toList();
+                                          .map(GraphicsDevice::getDefaultConfiguration)
+                                          .map(each -> each.getBounds())
+                                          .toList();
         return onScreen(bounds, screens);
     }
 
     static Rectangle onScreen(Rectangle bounds, List<Rectangle> screens) {
         Rectangle heading = new Rectangle(bounds.x, bounds.y, bounds.width, 40);
-        boolean isSeen = bounds.width >= 200 && bounds.height >= 150 && screens.stream().map(heading::intersection)
-                .anyMatch(part -> part.width >= 100 && part.height >= 20);
+        boolean isSeen = bounds.width >= 200 && bounds.height >= 150
+                && screens.stream().map(heading::intersection).anyMatch(part -> part.width >= 100 && part.height >= 20);
         if (isSeen || screens.isEmpty()) return bounds;
         Rectangle screen = screens.get(0);
         int width = Math.min(Math.max(bounds.width, 800), screen.width);
         int height = Math.min(Math.max(bounds.height, 600), screen.height);
-        return new Rectangle(screen.x + (screen.width - width) / 2, screen.y + (screen.height - height) / 2, width,
-                height);
+        return new Rectangle(
+                screen.x + (screen.width - width) / 2, screen.y + (screen.height - height) / 2, width, height);
     }
 
     /** Widths, order and sorting of the columns. */
@@ -89,8 +91,11 @@ final class WindowState {
         set("columns", columns.stream().mapToInt(TableColumn::getModelIndex).toArray());
         set("widths", columns.stream().mapToInt(TableColumn::getWidth).toArray());
         List<? extends SortKey> keys = table.getRowSorter().getSortKeys();
-        set("sorting", keys.stream().limit(1).flatMapToInt(key -> IntStream.of(key.getColumn(),
-                key.getSortOrder().ordinal())).toArray());
+        set("sorting",
+                keys.stream()
+                        .limit(1)
+                        .flatMapToInt(key -> IntStream.of(key.getColumn(), key.getSortOrder().ordinal()))
+                        .toArray());
     }
 
     void applyColumns(JTable table) {
@@ -118,8 +123,10 @@ final class WindowState {
 
     private int[] numbers(String name) {
         try {
-            return Stream.of(values.getProperty(name, "").split(",")).filter(part -> !part.isEmpty())
-                    .mapToInt(Integer::parseInt).toArray();
+            return Stream.of(values.getProperty(name, "").split(","))
+                    .filter(part -> !part.isEmpty())
+                    .mapToInt(Integer::parseInt)
+                    .toArray();
         } catch (NumberFormatException e) {
             return new int[0];
         }

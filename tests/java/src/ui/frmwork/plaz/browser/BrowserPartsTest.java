@@ -41,23 +41,27 @@ class BrowserPartsTest {
     /** Catches: a window where no screen shows it any more, and one that is moved without need. */
     @ParameterizedTest
     @CsvSource({"1500, 20, 600, 500, true", "3000, 0, 900, 700, false", "0, -700, 900, 700, false",
-        "10, 10, 1, 1, false", "1350, 850, 900, 900, false"})
-    void findsLostWindows(int x, int y, int width, int height, boolean stays) {
+            "10, 10, 1, 1, false", "1350, 850, 900, 900, false"})
+    void
+    findsLostWindows(int x, int y, int width, int height, boolean stays) {
         List<Rectangle> screens = List.of(new Rectangle(0, 0, 1400, 900), new Rectangle(1400, 0, 1000, 800));
         Rectangle kept = new Rectangle(x, y, width, height);
         Rectangle place = WindowState.onScreen(kept, screens);
         assertTrue(stays ? place.equals(kept) : screens.get(0).contains(place), place::toString);
     }
 
-    /** Catches: words that are not all looked for, or in one letter case; categories without those below; a state that
-        is not told apart. */
+    /**
+       Catches: words that are not all looked for, or in one letter case; categories without those below; a state that
+        is not told apart.
+     */
     @ParameterizedTest
-    @CsvSource({
-        "'', '', '', false, false, aurora kit <html>", "'', '', ' GROSSE prozESSor ', false, false, aurora",
-        "'', '', writes report, false, false, kit", "'', '', maker, false, false, aurora kit <html>",
-        "scripts, '', '', false, false, kit <html>", "boards, kits, '', false, false, aurora",
-        "'', '', '', true, false, aurora kit", "'', '', '', false, true, aurora", "scripts, '', '', true, true, ''"})
-    void filters(String store, String category, String search, boolean installed, boolean outdated, String shown) {
+    @CsvSource({"'', '', '', false, false, aurora kit <html>", "'', '', ' GROSSE prozESSor ', false, false, aurora",
+            "'', '', writes report, false, false, kit", "'', '', maker, false, false, aurora kit <html>",
+            "scripts, '', '', false, false, kit <html>", "boards, kits, '', false, false, aurora",
+            "'', '', '', true, false, aurora kit", "'', '', '', false, true, aurora",
+            "scripts, '', '', true, true, ''"})
+    void
+    filters(String store, String category, String search, boolean installed, boolean outdated, String shown) {
         Scope all = Scope.of(store);
         Category starter = new Category("starter", "", List.of());
         Scope scope = category.isEmpty() ? all : all.below(new Category(category, "", List.of(starter)));
@@ -65,8 +69,11 @@ class BrowserPartsTest {
                 item("boards", "aurora", State.OUTDATED, "Große ANZEIGE", List.of("starter"), List.of("Prozessor")),
                 item("scripts", "kit", State.INSTALLED, "writes a report", List.of("text"), List.of()),
                 item("scripts", "<html>", State.NONE, "writes pins", List.of(), List.of()));
-        assertEquals(shown, String.join(" ", items.filter(ItemFilter.of(scope, search, installed, outdated))
-                .map(item -> item.key().name()).toList()));
+        assertEquals(shown,
+                String.join(" ",
+                        items.filter(ItemFilter.of(scope, search, installed, outdated))
+                                .map(item -> item.key().name())
+                                .toList()));
     }
 
     /** Catches: revisions in the order of letters. */
@@ -79,8 +86,9 @@ class BrowserPartsTest {
     /** Catches: an address that could start a program. */
     @ParameterizedTest
     @CsvSource({"file:///etc/passwd, false", "javascript:alert(1), false", "https:, false", "'', false", "x y, false",
-        "ftp://a/b, false", "HTTPS://example.org/a?b, true"})
-    void opensOnlyTheWeb(String address, boolean opens) {
+            "ftp://a/b, false", "HTTPS://example.org/a?b, true"})
+    void
+    opensOnlyTheWeb(String address, boolean opens) {
         assertEquals(opens, WebLink.of(address).isPresent());
     }
 
@@ -104,7 +112,7 @@ class BrowserPartsTest {
         Path drawing = Files.writeString(store.resolve("logo.svg"), "<svg/>");
         assertEquals(4, Logo.read(store.toString(), inside.toString()).orElseThrow().getWidth());
         for (String bad : List.of(outside.toString(), link.toString(), large.toString(), drawing.toString(), "",
-                "https://example.org/logo.png", store + "/../logo.png", "\0"))
+                     "https://example.org/logo.png", store + "/../logo.png", "\0"))
             assertTrue(Logo.read(store.toString(), bad).isEmpty(), bad);
     }
 
@@ -113,12 +121,17 @@ class BrowserPartsTest {
     void usesTheHubInOnePlace() {
         StringWriter report = new StringWriter();
         String jar = Stream.of(System.getProperty("java.class.path").split(":"))
-                .filter(each -> each.endsWith("plaz.jar")).findFirst().orElseThrow();
+                             .filter(each -> each.endsWith("plaz.jar"))
+                             .findFirst()
+                             .orElseThrow();
         ToolProvider.findFirst("jdeps").orElseThrow().run(new PrintWriter(report), new PrintWriter(report),
-                "--multi-release", "base", "-verbose:class", "-filter:none",
-                "-e", "ui\\.frmwork\\.plaz\\.(\\w+|host\\.PlazHost\\$Listener)", jar);
-        Set<String> users = Pattern.compile("(?m)^ +ui\\.frmwork\\.plaz\\.browser\\.(\\w+)").matcher(report.toString())
-                .results().map(user -> user.group(1)).collect(Collectors.toSet());
+                "--multi-release", "base", "-verbose:class", "-filter:none", "-e",
+                "ui\\.frmwork\\.plaz\\.(\\w+|host\\.PlazHost\\$Listener)", jar);
+        Set<String> users = Pattern.compile("(?m)^ +ui\\.frmwork\\.plaz\\.browser\\.(\\w+)")
+                                    .matcher(report.toString())
+                                    .results()
+                                    .map(user -> user.group(1))
+                                    .collect(Collectors.toSet());
         assertEquals(Set.of("HubThread", "Operation", "SnapshotReader"), users);
     }
 
