@@ -5,8 +5,6 @@
 
 namespace {
 
-using Names = std::vector<std::string>;
-
 // Fault: an old directory lost before the new one stands, or remains of either left beside it.
 TEST(DiskTest, ReplaceDirectory) {
     TempDir temp;

@@ -24,12 +24,13 @@ protected:
 // Fault: a text taken for a value of a type that it does not fit, or a refused one that changes something.
 TEST_F(ParamTest, ValuesFitTheirType) {
     for (const auto& [text, value] : {std::pair("No", "false"), {"ON", "true"}, {"0", "false"}}) {
-        EXPECT_TRUE(params.setValue("plaz.enableX", text));
+        EXPECT_TRUE(params.setValue("plaz.enableX", text)) << text;
         EXPECT_EQ(params.findParam("plaz.enableX")->getValue(), value) << text;
     }
     for (const char* text : {"2", ""}) EXPECT_FALSE(params.setValue("plaz.enableX", text)) << text;
     EXPECT_TRUE(params.setValue("plaz.gitTimeout", "-007"));
-    for (const char* text : {"12s", " 12", "", "2147483648"}) EXPECT_FALSE(params.setValue("plaz.gitTimeout", text));
+    for (const char* text : {"12s", " 12", "", "2147483648"})
+        EXPECT_FALSE(params.setValue("plaz.gitTimeout", text)) << text;
     EXPECT_EQ(params.findParam("plaz.gitTimeout")->getValue(), "-7");
     EXPECT_TRUE(params.setValue("plaz.gitTimeout", "2147483647"));
     EXPECT_EQ(params.getValueAsInt("plaz.gitTimeout"), INT_MAX);

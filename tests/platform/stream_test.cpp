@@ -15,6 +15,7 @@ TEST(StreamTest, Container) {
     const std::string file = temp.path("file");
     std::string content;
     for (const std::string& plain : {std::string(), std::string("{\"plaz\": {}}"), std::string(70000, '\0')}) {
+        SCOPED_TRACE(plain.size());
         ASSERT_TRUE(HIOStream::writeContainer(file, plain) && HIOStream::isContainer(file));
         EXPECT_EQ(HIOStream::read(file, content), Status::ok);
         EXPECT_EQ(content, plain);
@@ -29,7 +30,8 @@ TEST(StreamTest, Container) {
     EXPECT_EQ(static_cast<unsigned char>(good[24]), '1' ^ key >> 24);
 
     const auto check = [&](const std::string& damaged) {
-        EXPECT_EQ(HIOStream::read(temp.write("file", damaged), content), Status::unreadable) << damaged.size();
+        SCOPED_TRACE(damaged);
+        EXPECT_EQ(HIOStream::read(temp.write("file", damaged), content), Status::unreadable);
         EXPECT_EQ(content, "");
     };
     for (const std::string& damaged : {good.substr(0, 20), good.substr(0, good.size() - 1), good + "x"}) check(damaged);

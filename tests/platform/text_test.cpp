@@ -54,7 +54,7 @@ TEST(TextTest, letterCaseIsThatOfAscii) {
     EXPECT_EQ(HUTText::raised("@AZ[\u00e4`az{"), "@AZ[\u00e4`AZ{");
     EXPECT_TRUE(HUTText::equalIgnoringCase("Board", "bOARD"));
     for (const char* other : {"", "boar", "boards", "bo\u00e4rd"})
-        EXPECT_FALSE(HUTText::equalIgnoringCase("board", other));
+        EXPECT_FALSE(HUTText::equalIgnoringCase("board", other)) << other;
     EXPECT_FALSE(HUTText::equalIgnoringCase("\u00c4", "\u00e4"));
     EXPECT_TRUE(HUTText::startsIgnoringCase("HTTPS://x", "https://"));
     EXPECT_FALSE(HUTText::startsIgnoringCase("http", "https://"));

@@ -23,8 +23,8 @@ public:
 
     const HSCPlaz* getHub() const override { return hub; }
     const HSCPlazCfgModel* getConfig() const override { return config.getConfigModel(); }
-    std::string getStoreUrl(const std::string& /*store*/) const override { return storeUrl; }
-    std::string getStoreBranch(const std::string& /*store*/) const override { return storeBranch; }
+    std::string getStoreUrl(const std::string& store) const override { return filled(storeUrl, {store}); }
+    std::string getStoreBranch(const std::string& store) const override { return filled(storeBranch, {store}); }
     std::string getSchemaRoot() const override { return paths.getSchemaRoot(); }
     std::string getDefaultDatabase() const override { return paths.getDefaultLocalDbFile(); }
     std::string getLockFile() const override { return paths.getLockFile(); }
@@ -43,7 +43,8 @@ public:
     HSCPlazPathMgr paths;
     HSCPlazConfigMgr config;
     const HSCPlaz* hub = nullptr;
-    std::string storeUrl, storeBranch, databaseMajor;
+    std::string storeUrl, storeBranch; ///< with "%" for the store's name
+    std::string databaseMajor;
 
 private:
     HSCPlazContext* m_before;

@@ -19,7 +19,7 @@ TEST_F(UtilsTest, LocalUserDataIsYesByItsFirstLetter) {
 TEST_F(UtilsTest, ChosenDirectoriesAreCheckedAndCreated) {
     EXPECT_TRUE(HSCPlazUtils::validateAndCreateDir("", false));
     EXPECT_TRUE(HSCPlazUtils::validateAndCreateDir(temp.path("new/dir"), true));
-    EXPECT_EQ(takeIds(), Ids{});
+    EXPECT_EQ(takeIds(), Names{});
     EXPECT_TRUE(HSCPlazUtils::validateAndCreateDir(temp.path("new/other"), false));
     temp.write("file", "");
     EXPECT_FALSE(HSCPlazUtils::validateAndCreateDir(temp.path("file/below"), false));
@@ -33,7 +33,7 @@ TEST_F(UtilsTest, ChosenDirectoriesAreCheckedAndCreated) {
     for (HSCPlazQStore* each : {own, other}) hub.addStore(each);
     EXPECT_FALSE(HSCPlazUtils::setQStoreLocalDir(own, temp.path("new/./dir")));
     EXPECT_EQ(messages.at(0).label, "INFO");
-    EXPECT_EQ(takeIds(), (Ids{"17-1670", "17-1581", "17-1668"}));
+    EXPECT_EQ(takeIds(), (Names{"17-1670", "17-1581", "17-1668"}));
     const bool hasLinks = test_system::makeLink(temp.path("new/dir"), temp.path("way"));
     EXPECT_NE(HSCPlazUtils::setQStoreLocalDir(own, temp.path("way")), hasLinks);
     EXPECT_TRUE(HSCPlazUtils::setQStoreLocalDir(own, temp.path("new/x/../other")));
@@ -57,11 +57,8 @@ TEST_F(UtilsTest, ItemIsThereWithMoreThanItsMetadata) {
 }
 
 // Descriptions, hidden marks and defaults are what people's scripts rely on, two oddities included.
-TEST(ParamsTest, RegistersItsParametersOnce) {
+TEST_F(UtilsTest, RegistersTheParametersOfTheHub) {
     HPAParamMgr& params = HPAParamMgr::getParamMgr();
-    ASSERT_TRUE(params.setValue("plaz.gittimeout", "5"));
-    plaz_startup();
-    EXPECT_EQ(params.getValueAsInt("plaz.gitTimeOut"), 5);
     EXPECT_EQ(params.findParam("plaz.gitTimeout")->getDefault(), "1000");
     EXPECT_EQ(params.findParam("plaz.enableRemoteAccess")->getDescription(), "Enable Git Access");
     EXPECT_TRUE(params.findParam("plaz.git_user.board_store")->isHidden());

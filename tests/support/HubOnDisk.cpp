@@ -70,6 +70,14 @@ void StoreOnDisk::ship(const std::string& storesData) const {
         "remote_repo_branch_to_sync": "master", "catalog_revision": "1"}]}]}})");
 }
 
+void StoreOnDisk::publish() {
+    const std::string shipped = m_repo.getDir() + ".shipped";
+    ship(shipped);
+    for (const char* file : {"store.json", "catalog.json"})
+        m_repo.write(file, readFile(shipped + "/" + m_name + "/" + file));
+    m_repo.commit();
+}
+
 std::string StoreOnDisk::entry() const {
     return filled(R"({"name": "%", "display_name": "Store %", "url": "file://%",
         "config": {"root": "%", "metadata_file": "store.json", "store_type": "%"}})",

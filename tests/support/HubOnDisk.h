@@ -25,6 +25,8 @@ public:
     void withdraw(const std::string& name);
     /// Writes store metadata, catalog and item metadata below @p storesData.
     void ship(const std::string& storesData) const;
+    /// Commits store metadata and catalog as they are now.
+    void publish();
     /// The store's entry in the hub's metadata file.
     std::string entry() const;
 

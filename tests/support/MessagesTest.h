@@ -1,11 +1,9 @@
 #pragma once
 
 #include "support/ComMsgMgr.h"
+#include "support/TempDir.h"
 
 #include <gtest/gtest.h>
-
-using Names = std::vector<std::string>;
-using Ids = Names;
 
 /// Catches every message that is sent.
 class MessagesTest : public testing::Test {

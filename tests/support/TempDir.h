@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+using Names = std::vector<std::string>;
+
 /// A directory of the test's own below $TMPDIR, removed with all it holds at the end.
 class TempDir {
 public:

@@ -30,10 +30,7 @@ protected:
         boards.item("x", "1").item("x", "2").item("a*b", "1").item("aXb", "1").item("my board", "1").item("both", "1");
         StoreOnDisk& tcl = files.addStore("tcl", "ced", false);
         tcl.item("kit", "1").item("tool", "1", {{"tcl", "kit", ""}}).item("both", "2");
-        tcl.ship(files.temp.path("published"));
-        for (const char* file : {"store.json", "catalog.json"})
-            tcl.getRepo().write(file, readFile(files.temp.path("published/tcl/") + file));
-        tcl.getRepo().commit();
+        tcl.publish();
         files.ship();
         plaz_startup();
         registerPlazCommands(interp, status);

@@ -13,8 +13,6 @@
 
 namespace {
 
-using Names = std::vector<std::string>;
-
 mode_t modeOf(const std::string& path) {
     struct stat info {};
     EXPECT_EQ(lstat(path.c_str(), &info), 0) << path;

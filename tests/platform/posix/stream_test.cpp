@@ -47,8 +47,8 @@ TEST(StreamTest, ReadsWholeFiles) {
     TempDir temp;
     std::string content(100, 'x');
     for (const std::size_t size : {0u, 4096u, 4097u}) {
-        EXPECT_EQ(HIOStream::read(temp.write("file", std::string(size, 'a')), content), Status::ok);
-        EXPECT_EQ(content, std::string(size, 'a'));
+        EXPECT_EQ(HIOStream::read(temp.write("file", std::string(size, 'a')), content), Status::ok) << size;
+        EXPECT_EQ(content, std::string(size, 'a')) << size;
     }
     EXPECT_EQ(HIOStream::read("/proc/self/status", content), Status::ok);
     EXPECT_EQ(content.rfind("Name:", 0), 0u);

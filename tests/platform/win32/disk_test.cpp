@@ -13,7 +13,6 @@
 
 namespace {
 
-using Names = std::vector<std::string>;
 using Status = HIOStream::Status;
 
 HANDLE openForReading(const std::string& file, DWORD share) {
@@ -65,8 +64,9 @@ TEST(DiskTest, LongAndForeignNames) {
     std::string deep = temp.path("t");
     for (int i = 0; i < 4; ++i) deep += "/" + std::string(100, 'x');
     for (const std::string& dir : {deep, temp.path("\xC3\xBC \xE8\xA8\x88 \xF0\x9F\x98\x80")}) {
+        SCOPED_TRACE(dir);
         const std::string file = dir + "/f \xC3\xA4";
-        ASSERT_TRUE(HUTFile::mkDirRecursive(dir) && HUTFile::writeAtomically(file, "old")) << dir;
+        ASSERT_TRUE(HUTFile::mkDirRecursive(dir) && HUTFile::writeAtomically(file, "old"));
         HIOStream::openForWriting(file, std::ios::app) << "\nnew";
         std::string content;
         EXPECT_EQ(HIOStream::read(file, content), Status::ok);

@@ -82,7 +82,7 @@ TEST_F(FacadeTest, NamesThatTclWouldChangeAreRefused) {
     HSCPlazQItem& item = *boards()->getItem("mesa");
     for (const char* name : {"two words", "x*?", "計測", "#1", "a'b", "!~(),<>|&^%"}) {
         item.setItemName(name);
-        EXPECT_TRUE(Facade::install(&item, status, exception));
+        EXPECT_TRUE(Facade::install(&item, status, exception)) << name;
         EXPECT_EQ(takeCommands(), Names{filled("plaz::install [plaz::get_qitems %]", {name})});
     }
     for (const char* name : {"[exit]", "a]", "$done", "a;set done 1", "a\\b", "\"a\"", "{a", "a}", "a\nset done 1",

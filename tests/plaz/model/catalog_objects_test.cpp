@@ -40,7 +40,7 @@ TEST(StoreTest, SupportUrlAndCategories) {
     EXPECT_EQ(a.getSubCategories()[0]->getSubCategories().at(0)->getName(), "a1x");
     for (const auto& [url, wiki] : {std::pair("https://h/o/repo.git", "https://h/o/repo/wiki"), {"git", "git"}}) {
         model.setUrl(url);
-        EXPECT_EQ(store.getSupportUrl(), wiki);
+        EXPECT_EQ(store.getSupportUrl(), wiki) << url;
     }
 }
 
@@ -75,16 +75,17 @@ TEST_F(ContextTest, LinksFollowTheStoresUrl) {
     model.setLogo("logo.svg");
     HSCPlazQItem item;
     item.assignItem(&model);
-    context.storeUrl = "https://h/o/repo.git";
-    context.storeBranch = "main";
-    EXPECT_EQ(item.getUrl(), "https://h/o/repo/tree/main/boards/x");
-    EXPECT_EQ(item.getLogo(), "https://raw.example.org/o/repo/main/boards/x/logo.svg");
+    model.setStoreName("repo");
+    context.storeUrl = "https://h/o/%.git";
+    context.storeBranch = "%-main";
+    EXPECT_EQ(item.getUrl(), "https://h/o/repo/tree/repo-main/boards/x");
+    EXPECT_EQ(item.getLogo(), "https://raw.example.org/o/repo/repo-main/boards/x/logo.svg");
     const std::string* buffer = &item.getLogo();
     model.setIsInstalled(true);
     model.setLocalDir("/area/x");
     EXPECT_EQ(&item.getLogo(), buffer);
     EXPECT_EQ(*buffer, "/area/x/logo.svg");
-    context.storeUrl = "https://h/o/repo";
+    context.storeUrl = "https://h/o/%";
     EXPECT_EQ(item.getUrl(), "https://h/o/repo");
 }
 

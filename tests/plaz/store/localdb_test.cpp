@@ -1,4 +1,4 @@
-#include "plaz/model/reader/reader_fixture.h"
+#include "plaz/reader_fixture.h"
 
 #include "plaz/store/HSCPlazLocalDBMgr.h"
 #include "support/System.h"
@@ -16,7 +16,7 @@ protected:
     }
 
     /// Merges a database of the records "name revision commit directory".
-    Merge merge(const Strings& records) {
+    Merge merge(const Names& records) {
         std::string items;
         for (const std::string& record : records) {
             std::string name, revision, commit, dir;
@@ -31,8 +31,8 @@ protected:
     }
     Merge mergeFile(const std::string& file) { return manager.merge(file, store, context.paths); }
     /// "name@revision commit root directory" of each installed item, then "latest" and "refresh" where they are set.
-    Strings installed() const {
-        Strings lines;
+    Names installed() const {
+        Names lines;
         for (const auto& item : store.getItems()) {
             if (!item->isInstalled()) continue;
             const std::string& dir = item->getLocalDir();
@@ -57,7 +57,7 @@ TEST_F(LocalDbTest, savesToTheRightFile) {
     hub.setModel(&hubModel);
     const auto savedTo = [&](const std::string& given) {
         manager.save(&hub, &object, given);
-        Strings found;
+        Names found;
         for (const std::string name : {"given", "hub", "store", "appdata/2024.2/plaz/plaz_local_db.json"})
             if (HUTFile::exists(temp.path(name)) && HUTFile::rmRecursive(temp.path(name))) found.push_back(name);
         return found;
@@ -133,6 +133,7 @@ TEST_F(LocalDbTest, leavesWhatItCannotMerge) {
     for (const char* damaged :
          {"{\"plaz\": {\"qst", "{}", R"({"plaz": {"product": "Solvan", "release": "2024.2.1", "qstores": {}}})",
           R"({"plaz": {"product": "Solvan", "qstores": []}})"}) {
+        SCOPED_TRACE(damaged);
         temp.write("db.json", damaged);
         EXPECT_EQ(mergeFile(file), Merge::damaged);
         EXPECT_THAT(takeMessages(), ElementsAre(HasSubstr("12-102 " + file)));

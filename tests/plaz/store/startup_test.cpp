@@ -32,7 +32,7 @@ TEST_F(StartUpTest, LoadsWhatIsShippedAndPlacesTheStores) {
     files.addStore("more", "other", false).item("extra", "1");
     files.ship();
     ASSERT_EQ(hub().getStores().size(), 3U);
-    EXPECT_EQ(takeIds(), Ids{});
+    EXPECT_EQ(takeIds(), Names{});
     HSCPlazQStore& boards = *hub().getStore("boards");
     const HSCPlazQItem& latest = *boards.getItem("aurora");
     EXPECT_EQ(latest.getRevision() + latest.getDisplayName(), "2.0The aurora");
@@ -81,7 +81,7 @@ TEST_F(StartUpTest, LeavesTheDatabaseOfAnotherReleaseAlone) {
     writeDatabase("2023.1", record("aurora", "1.0"));
     const std::string before = readFile(files.temp.path(boardsDb));
     HSCPlazQStore& boards = *hub().getStore("boards");
-    EXPECT_EQ(takeIds(), Ids{"17-2162"});
+    EXPECT_EQ(takeIds(), Names{"17-2162"});
     EXPECT_FALSE(boards.getItem("aurora")->IsInstalled());
     EXPECT_EQ(boards.getLocalRootDir(), files.area("board_store_Solvan_2024.2"));
     HSCPlazMgr::getInstance().getLocalDBMgr()->save(hub(), &boards, "");
@@ -95,7 +95,7 @@ TEST_F(StartUpTest, StoreFilesAreNotReadThroughLinks) {
     boost::filesystem::rename(dir + "/catalog.json", files.temp.path("outside.json"));
     boost::filesystem::create_symlink("../../../../outside.json", dir + "/catalog.json");
     EXPECT_TRUE(hub().getStore("boards")->getItems().empty());
-    EXPECT_EQ(takeIds(), Ids{"17-2161"});
+    EXPECT_EQ(takeIds(), Names{"17-2161"});
 }
 
 // Directories that the user chose lost with the next one, or with a file that is damaged.

@@ -16,17 +16,18 @@ protected:
         files.ship();
     }
 
-    /// Commits store metadata and catalog as they are now.
-    void publish() { publish(tcl); }
-    void publish(StoreOnDisk& published) {
-        published.ship(files.temp.path("published"));
-        for (const char* file : {"store.json", "catalog.json"})
-            published.getRepo().write(file, readFile(files.temp.path("published/" + published.getName() + "/") + file));
-        published.getRepo().commit();
-    }
     static HSCPlazQStore& store() { return *hub().getStore("tcl"); }
     static bool refresh(HDGUIStatus* status = nullptr) {
         return HSCPlazTaskMgr::loadCatalog(&hub(), &store(), status) && HSCPlazTaskMgr::updateCatalog(&store(), status);
+    }
+
+    static bool install(const char* item) {
+        return HSCPlazTaskMgr::install(&hub(), store().getItem(item), true, nullptr);
+    }
+    /// Publishes store metadata of which a part is another one.
+    void publishWith(const std::string& other, const std::string& part) {
+        std::string metadata = readFile(tcl.getRepo().getDir() + "/store.json");
+        tcl.getRepo().write("store.json", metadata.replace(metadata.find(part), part.size(), other)).commit();
     }
 
     StoreOnDisk& tcl;
@@ -39,10 +40,10 @@ TEST_F(CatalogTasksTest, RefreshBringsWhatIsPublished) {
     EXPECT_FALSE(HSCPlazTaskMgr::isRefreshed(&store()));
     EXPECT_EQ(HSCPlazTaskMgr::getLastRefreshTime(&store()), 0);
     EXPECT_FALSE(HSCPlazTaskMgr::isInstalled(&store()));
-    ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), store().getItem("a"), true, nullptr));
+    ASSERT_TRUE(install("a"));
     EXPECT_FALSE(HSCPlazTaskMgr::hasUpdate(&store()));
     tcl.item("a", "2").item("b", "1", {{"tcl", "a", ""}});
-    publish();
+    tcl.publish();
     takeIds();
     ASSERT_TRUE(refresh());
     EXPECT_TRUE(takeIds().empty());
@@ -58,9 +59,9 @@ TEST_F(CatalogTasksTest, RefreshBringsWhatIsPublished) {
     EXPECT_EQ(readFile(files.area("ced_store/.plaz/.index/.git/HEAD")),
               tcl.getRepo().git({"rev-parse", "HEAD"}) + "\n");
     EXPECT_FALSE(HSCPlazTaskMgr::hasUpdate(&store(), ""));
-    publish(); // a commit more
+    tcl.publish(); // a commit more
     EXPECT_TRUE(HSCPlazTaskMgr::hasUpdate(&store(), ""));
-    EXPECT_TRUE(HSCPlazTaskMgr::install(&hub(), store().getItem("b"), true, nullptr));
+    EXPECT_TRUE(install("b"));
     EXPECT_EQ(readFile(files.area("ced_store/items/a/body.txt")), "a 2\n");
     HUTFile::rmRecursive(files.area("ced_store/.plaz/.index/.done")); // a refresh will make it afresh
     EXPECT_EQ(HSCPlazTaskMgr::checkStore(store(), nullptr).outcome, HSCPlazStoreResult::Outcome::outdated);
@@ -69,7 +70,7 @@ TEST_F(CatalogTasksTest, RefreshBringsWhatIsPublished) {
 // A failed or cancelled refresh that takes the known catalog away.
 TEST_F(CatalogTasksTest, WhatFailsLeavesTheOldCatalogInForce) {
     tcl.item("b", "1");
-    publish();
+    tcl.publish();
     ASSERT_TRUE(refresh());
     takeIds();
     for (const auto& [file, text, thrown] : {std::tuple("catalog.json", "{\"catalog\": ", "17-2134"),
@@ -78,19 +79,19 @@ TEST_F(CatalogTasksTest, WhatFailsLeavesTheOldCatalogInForce) {
         tcl.getRepo().write(file, text).commit();
         EXPECT_EQ(thrownBy([] { refresh(); }), thrown) << text;
     }
-    EXPECT_EQ(takeIds(), Ids{"17-2140"});
-    publish();
+    EXPECT_EQ(takeIds(), Names{"17-2140"});
+    tcl.publish();
     HDGUIStatus status;
     status.cancel();
     EXPECT_FALSE(refresh(&status));
     const std::string url = store().getUrl();
     store().setUrl("file://" + files.temp.path("gone"));
     EXPECT_FALSE(refresh());
-    EXPECT_EQ(takeIds(), Ids{"17-1990"});
+    EXPECT_EQ(takeIds(), Names{"17-1990"});
     store().setUrl(url);
     HPAParamMgr::getParamMgr().setValue("plaz.enableRemoteAccess", "false");
     EXPECT_FALSE(refresh());
-    EXPECT_EQ(takeIds(), Ids{"17-1559"});
+    EXPECT_EQ(takeIds(), Names{"17-1559"});
     EXPECT_NE(store().getItem("b"), nullptr);
     EXPECT_FALSE(HUTFile::exists(files.area("ced_store/.staging")));
 }
@@ -110,105 +111,85 @@ TEST_F(CatalogTasksTest, RefreshTouchesNothingButTheCatalog) {
     tcl.getRepo().write("items/a/store.json", "old");
     tcl.item("a", "2");
     files.ship();
-    ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), store().getItem("a"), true, nullptr));
+    ASSERT_TRUE(install("a"));
     tcl.getRepo().write("items/a/store.json", "new").write(".plaz/catalog.json", "x");
-    publish();
+    tcl.publish();
     ASSERT_TRUE(refresh());
     EXPECT_EQ(readFile(files.area("ced_store/items/a/store.json")), "old");
     EXPECT_FALSE(HUTFile::exists(files.area("ced_store/.plaz/catalog.json")));
-    std::string metadata = readFile(tcl.getRepo().getDir() + "/store.json");
-    metadata.replace(metadata.find("catalog.json"), 12, ".plaz/plaz_local_db.json");
-    tcl.getRepo().write("store.json", metadata).write(".plaz/plaz_local_db.json", "{\"catalog\": {}}").commit();
+    tcl.getRepo().write(".plaz/plaz_local_db.json", "{\"catalog\": {}}");
+    publishWith(".plaz/plaz_local_db.json", "catalog.json");
     refresh();
     EXPECT_NE(readFile(files.area("ced_store/.plaz/plaz_local_db.json")).find("\"a\""), std::string::npos);
 }
 
-// One item whose file is damaged must not keep the others from arriving.
-TEST_F(CatalogTasksTest, DamagedItemFileIsLeftOut) {
-    tcl.item("b", "1").item("c", "1");
+// An item whose file is damaged keeps the others from arriving; an alarm about an installed item that the catalog
+// offers no more, or its loss; what is installed hidden without a word; an empty store taken for an error.
+TEST_F(CatalogTasksTest, OddStoresAreTakenAsTheyAre) {
+    ASSERT_TRUE(install("a"));
+    tcl.item("b", "1").item("c", "1").withdraw("a");
     tcl.getRepo().write("items/b/item.json", "not JSON");
-    publish();
-    ASSERT_TRUE(refresh());
-    EXPECT_EQ(takeIds(), (Ids{"17-2140", "17-2139"}));
-    EXPECT_EQ(store().getItem("b")->getDisplayName(), "");
-    EXPECT_EQ(store().getItem("c")->getDisplayName(), "The c");
-}
-
-// What is installed hidden without a word.
-TEST_F(CatalogTasksTest, StoreThatLeavesTheProductIsTold) {
-    publish();
-    ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), store().getItem("a"), true, nullptr));
+    tcl.publish();
     takeIds();
-    std::string metadata = readFile(tcl.getRepo().getDir() + "/store.json");
-    metadata.replace(metadata.find("Solvan"), 6, "Others");
-    tcl.getRepo().write("store.json", metadata).commit();
-    EXPECT_TRUE(HSCPlazTaskMgr::loadCatalog(&hub(), &store(), nullptr));
-    EXPECT_EQ(takeIds(), Ids{"17-2178"});
-}
-
-TEST_F(CatalogTasksTest, EmptyStoreIsNoError) {
-    tcl.withdraw("a");
-    publish();
     EXPECT_TRUE(refresh());
-    EXPECT_EQ(takeIds(), Ids{"17-1929"});
-    EXPECT_FALSE(HSCPlazTaskMgr::hasUpdate(&store()));
-}
-
-// An alarm about an installed item that the catalog offers no more, or its loss.
-TEST_F(CatalogTasksTest, WithdrawnItemStaysUntilItIsRemoved) {
-    ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), store().getItem("a"), true, nullptr));
-    tcl.withdraw("a");
-    publish();
-    takeIds();
+    EXPECT_EQ(takeIds(), (Names{"17-2140", "17-2139"}));
+    EXPECT_EQ(store().getItem("b")->getDisplayName() + store().getItem("c")->getDisplayName(), "The c");
+    for (const char* item : {"b", "c"}) tcl.withdraw(item);
+    tcl.publish();
     EXPECT_TRUE(refresh() && refresh());
-    EXPECT_TRUE(HSCPlazTaskMgr::uninstall(&hub(), store().getItem("a"), true));
-    EXPECT_EQ(takeIds(), Ids{});
+    EXPECT_EQ(takeIds(), Names{});
+    publishWith("Others", "Solvan");
+    EXPECT_TRUE(HSCPlazTaskMgr::loadCatalog(&hub(), &store(), nullptr));
+    EXPECT_EQ(takeIds(), Names{"17-2178"});
+    tcl.publish();
+    EXPECT_TRUE(refresh() && HSCPlazTaskMgr::uninstall(&hub(), store().getItem("a"), true));
+    EXPECT_EQ(takeIds(), Names{});
+    EXPECT_TRUE(refresh() && !HSCPlazTaskMgr::hasUpdate(&store()));
+    EXPECT_EQ(takeIds(), Names{"17-1929"});
 }
 
 // A store moved into another release's or store's directory, or one that forgets where it was moved to, by whomever.
 TEST_F(CatalogTasksTest, StoresMoveToADirectoryOfTheUsersChoice) {
+    const auto moveTo = [](const std::string& dir) { return HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), dir); };
+    const std::string mine = files.temp.path("mine"), recorded = files.area("plaz_stores.json");
     files.addStore("more", "ced", false);
     files.ship();
-    hub().getStore("more")->setInstallDir(files.temp.path("mine/tcl"));
-    EXPECT_FALSE(HSCPlazTaskMgr::moveStore(store(), files.temp.path("mine")).isDone());
-    EXPECT_EQ(takeIds(), (Ids{"17-1668", "17-2192"}));
+    hub().getStore("more")->setInstallDir(mine + "/tcl");
+    EXPECT_FALSE(HSCPlazTaskMgr::moveStore(store(), mine).isDone());
+    EXPECT_EQ(takeIds(), (Names{"17-1668", "17-2192"}));
     hub().getStore("more")->setInstallDir("");
-    EXPECT_FALSE(HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), ""));
-    EXPECT_FALSE(HSCPlazTaskMgr::setQStoreLocalRootDir(nullptr, "/x"));
+    EXPECT_FALSE(moveTo("") || HSCPlazTaskMgr::setQStoreLocalRootDir(nullptr, "/x"));
     files.temp.write("foreign/tcl/.plaz/plaz_local_db.json",
                      R"({"plaz": {"product": "Solvan", "release": "2020.1", "qstores": []}})");
-    EXPECT_FALSE(HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), files.temp.path("foreign")));
-    EXPECT_EQ(store().getLocalRootDir(), files.area("ced_store"));
-    HUTFile::rmRecursive(files.area("plaz_stores.json"));
+    EXPECT_FALSE(moveTo(files.temp.path("foreign")));
+    HUTFile::rmRecursive(recorded);
     files.temp.makeDir("appdata/2024.2/plaz/plaz_stores.json"); // what cannot be recorded does not move
-    EXPECT_FALSE(HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), files.temp.path("mine")));
+    EXPECT_FALSE(moveTo(mine));
     EXPECT_EQ(store().getLocalRootDir(), files.area("ced_store"));
-    HUTFile::rmRecursive(files.area("plaz_stores.json"));
-    tcl.item("b", "1");
-    publish();
-    ASSERT_TRUE(refresh() && HSCPlazTaskMgr::install(&hub(), store().getItem("a"), true, nullptr));
+    HUTFile::rmRecursive(recorded);
+    tcl.item("b", "1").publish();
+    ASSERT_TRUE(refresh() && install("a"));
     takeIds();
-    ASSERT_TRUE(HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), files.temp.path("mine")));
-    EXPECT_EQ(takeIds(), Ids{"17-2176"});
+    ASSERT_TRUE(moveTo(mine));
+    EXPECT_EQ(takeIds(), Names{"17-2176"});
     EXPECT_FALSE(store().getItem("a")->IsInstalled());
     EXPECT_EQ(store().getItem("b")->getDisplayName(), "The b"); // the refreshed catalog came along
-    ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), store().getItem("a"), true, nullptr));
-    EXPECT_TRUE(HUTFile::exists(files.temp.path("mine/tcl/items/a/body.txt")));
-    EXPECT_NE(readFile(files.area("plaz_stores.json")).find(files.temp.path("mine")), std::string::npos);
-    ASSERT_TRUE(HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), files.temp.path("other")));
-    ASSERT_TRUE(HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), files.temp.path("mine")));
+    ASSERT_TRUE(install("a"));
+    EXPECT_TRUE(HUTFile::exists(mine + "/tcl/items/a/body.txt"));
+    EXPECT_NE(readFile(recorded).find(mine), std::string::npos);
+    ASSERT_TRUE(moveTo(files.temp.path("other")) && moveTo(mine));
     EXPECT_TRUE(store().getItem("a")->IsInstalled());
     takeIds();
     const bool isCaseIgnored = HUTFile::exists(files.temp.path("MINE"));
-    ASSERT_TRUE(HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), files.temp.path("MINE")));
-    EXPECT_EQ(takeIds(), isCaseIgnored ? Ids{} : Ids{"17-2176"});
-    ASSERT_TRUE(HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), files.area("ced_store"))); // home again
+    ASSERT_TRUE(moveTo(files.temp.path("MINE")));
+    EXPECT_EQ(takeIds(), isCaseIgnored ? Names{} : Names{"17-2176"});
+    ASSERT_TRUE(moveTo(files.area("ced_store"))); // home again
     EXPECT_EQ(store().getLocalRootDir(), files.area("ced_store"));
     EXPECT_TRUE(store().getItem("a")->IsInstalled());
     takeIds();
-    HSCPlazRepoInfoMgr(files.area("plaz_stores.json")).setStoreDirectory("tcl", files.temp.path("mine")); // by another
+    HSCPlazRepoInfoMgr(recorded).setStoreDirectory("tcl", mine); // by another
     EXPECT_FALSE(HSCPlazTaskMgr::uninstall(&hub(), store().getItem("a"), true));
-    EXPECT_EQ(takeIds(), Ids{"17-2175"});
+    EXPECT_EQ(takeIds(), Names{"17-2175"});
 }
 
 /// A hub whose own repository publishes what publishHub() puts there.
@@ -219,6 +200,9 @@ protected:
                          R"({"plaz": {"remote_repository": {"url": "file://)" + repository.getDir() + R"("}}})");
     }
     void publishHub(const std::string& metadata) { repository.write("plaz.json", metadata).commit(); }
+    static std::string listing(const std::string& stores) {
+        return R"({"_major": 1, "_minor": 0, "plaz": {"qstores": [)" + stores + "]}}";
+    }
     static bool refreshHub(HDGUIStatus* status = nullptr) { return HSCPlazTaskMgr::updateCatalog(&hub(), status); }
 
     GitRepo repository{files.temp.path("hub")};
@@ -227,17 +211,16 @@ protected:
 
 // A new store, put before the others, takes the place of the one that was there; objects that outlive a refresh.
 TEST_F(HubRefreshTest, RebuildsTheHubFromWhatIsPublished) {
-    ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), store().getItem("a"), true, nullptr));
+    ASSERT_TRUE(install("a"));
     HSCPlazMgr::getInstance().setCurrentStore(&store());
     const HSCPlaz* const before = &hub();
     StoreOnDisk extra(files.temp, "extra", "ced", false);
     StoreOnDisk broken(files.temp, "broken", "ced", false);
     extra.item("b", "1", {{"tcl", "a", ""}});
     tcl.item("a", "2");
-    publish(extra);
-    publish();
-    publishHub(R"({"_major": 1, "_minor": 0, "plaz": {"qstores": [)" + extra.entry() + "," + broken.entry() + "," +
-               tcl.entry() + "]}}");
+    extra.publish();
+    tcl.publish();
+    publishHub(listing(extra.entry() + "," + broken.entry() + "," + tcl.entry()));
     takeIds();
     HDGUIStatus status;
     std::vector<double> percents;
@@ -257,7 +240,7 @@ TEST_F(HubRefreshTest, RebuildsTheHubFromWhatIsPublished) {
     EXPECT_FALSE(HUTFile::exists(files.area("plaz/.staging")));
     EXPECT_TRUE(HSCPlazTaskMgr::install(&hub(), hub().getStore("extra")->getItem("b"), true, nullptr));
 
-    publishHub(R"({"_major": 1, "_minor": 0, "plaz": {"qstores": [)" + extra.entry() + "]}}");
+    publishHub(listing(extra.entry()));
     ASSERT_TRUE(refreshHub());
     EXPECT_EQ(takeIds().back(), "17-2178");
     EXPECT_EQ(hub().getStores().size(), 1U);
@@ -268,24 +251,23 @@ TEST_F(HubRefreshTest, RebuildsTheHubFromWhatIsPublished) {
 // A hub refresh that fails and leaves half of a new hub.
 TEST_F(HubRefreshTest, WhatFailsLeavesTheHubAsItWas) {
     const HSCPlazQStore* const before = &store();
-    for (const char* text : {R"({"_major": 1, "plaz": {"qstores": [)", "{}"}) {
+    for (const std::string& text :
+         {std::string(R"({"_major": 1, "plaz": {"qstores": [)"), std::string("{}"), listing("")}) {
         publishHub(text);
         EXPECT_EQ(thrownBy([] { refreshHub(); }), "17-2136") << text;
     }
-    publishHub(R"({"plaz": {"qstores": []}})");
-    EXPECT_EQ(thrownBy([] { refreshHub(); }), "17-2136");
     EXPECT_EQ(takeIds().front(), "17-2140");
-    publishHub(R"({"plaz": {"qstores": [)" + tcl.entry() + "]}}");
+    publishHub(listing(tcl.entry()));
     files.temp.makeDir("appdata/2024.2/plaz/plaz_stores.json"); // without places recorded nothing may change
     EXPECT_FALSE(refreshHub());
     EXPECT_EQ(takeIds().back(), "17-2177");
     HDGUIStatus status;
     status.cancel();
     EXPECT_FALSE(refreshHub(&status));
-    EXPECT_EQ(takeIds(), Ids{});
+    EXPECT_EQ(takeIds(), Names{});
     HPAParamMgr::getParamMgr().setValue("plaz.enableRemoteAccess", "false");
     EXPECT_FALSE(refreshHub() || HSCPlazTaskMgr::updateCatalog(static_cast<HSCPlaz*>(nullptr), nullptr));
-    EXPECT_EQ(takeIds(), Ids{"17-1571"});
+    EXPECT_EQ(takeIds(), Names{"17-1571"});
     EXPECT_EQ(&store(), before);
     EXPECT_FALSE(HUTFile::exists(refreshed));
 }
@@ -293,13 +275,12 @@ TEST_F(HubRefreshTest, WhatFailsLeavesTheHubAsItWas) {
 // A start that forgets the refreshed hub; a store that is not shipped and, refreshed, stays without a place.
 TEST_F(HubRefreshTest, StartsFromTheRefreshedMetadata) {
     StoreOnDisk extra(files.temp, "extra", "ced", false);
-    publish(extra.item("b", "1"));
-    files.temp.write("appdata/2024.2/plaz/plaz/plaz.json",
-                     R"({"_major": 1, "_minor": 0, "plaz": {"qstores": [)" + extra.entry() + "]}}");
+    extra.item("b", "1").publish();
+    files.temp.write("appdata/2024.2/plaz/plaz/plaz.json", listing(extra.entry()));
     EXPECT_EQ(hub().getStores().size(), 1U);
     HSCPlazQStore* const store = hub().getStore("extra");
     ASSERT_TRUE(store && HSCPlazTaskMgr::loadCatalog(&hub(), store, nullptr));
-    EXPECT_EQ(takeIds(), Ids{});
+    EXPECT_EQ(takeIds(), Names{});
     ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), store->getItem("b"), true, nullptr));
     EXPECT_TRUE(HUTFile::exists(files.area("ced_store/items/b/body.txt")));
     EXPECT_EQ(store->getLocalDbFilePath(), files.area("ced_store/.plaz/plaz_local_db.json"));

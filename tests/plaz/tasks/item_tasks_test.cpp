@@ -91,7 +91,8 @@ protected:
 
 } // namespace
 
-// The count is the number of edges that hold an item; removal takes away only what nothing else needs.
+// A count that is not the number of edges that hold an item; a removal that takes what others need, or leaves what none
+// does.
 TEST_F(ItemTasksTest, DiamondAcrossStoresIsCountedAndReleased) {
     files.addStore("boards", "board", true)
         .item("top", "1", {{"tcl", "a", ""}, {"tcl", "b", ""}})
@@ -105,10 +106,11 @@ TEST_F(ItemTasksTest, DiamondAcrossStoresIsCountedAndReleased) {
           {"-a", "! 17-1568", "top@1 user 0;other@1 user 0;a@1 tool 3;b@1 tool 1;"},
           {"-top", " 17-1553 17-1574", "other@1 user 0;a@1 tool 1;"}});
     EXPECT_FALSE(HUTFile::exists(files.area("ced_store/items/b/body.txt")));
-    EXPECT_EQ(HUTFile::createFileIter(files.area("board_store/items/top/1")), Ids{"item.json"});
+    EXPECT_EQ(HUTFile::createFileIter(files.area("board_store/items/top/1")), Names{"item.json"});
     walk({{"-other", " 17-1553 17-1574", ""}});
 }
 
+// An item gone with the first of those who want it, the user or another item, or there for ever after the last.
 TEST_F(ItemTasksTest, DependencyBecomesTheUsersAndGoesBack) {
     ship("a b<a");
     walk({{"+b", " 17-1570 17-1573 17-1554", "a@1 tool 1;b@1 user 0;"},
@@ -139,7 +141,7 @@ TEST_F(ItemTasksTest, FilesInPlaceAreAdoptedOnlyWhenTheyAreTheItem) {
         files.temp.write("appdata/2024.2/plaz/ced_store/items/" + item + "/own.txt", "kept");
     }
     ASSERT_TRUE(install("a"));
-    EXPECT_EQ(takeIds(), Ids{"17-1573"});
+    EXPECT_EQ(takeIds(), Names{"17-1573"});
     EXPECT_EQ(find("a").getSource(), HSCPlazTypes::LOCAL);
     EXPECT_EQ(readFile(files.area("ced_store/items/a/own.txt")), "kept");
     ASSERT_TRUE(install("b"));
@@ -217,9 +219,9 @@ TEST_F(ItemTasksTest, UnrecordedWorkIsAFailureAndLeftoversGo) {
         files.temp.write(area + leftover, "");
     files.temp.makeDir(area + ".plaz/plaz_local_db.json");
     EXPECT_FALSE(install("a"));
-    EXPECT_EQ(takeIds(), (Ids{"12-101", "17-1570", "17-1573", "17-2164", "17-1567"}));
+    EXPECT_EQ(takeIds(), (Names{"12-101", "17-1570", "17-1573", "17-2164", "17-1567"}));
     EXPECT_EQ(HUTFile::createFileIter(files.area("ced_store/.plaz")),
-              (Ids{".index", "plaz_local_db.json", "plaz_local_db.json.bad"}));
+              (Names{".index", "plaz_local_db.json", "plaz_local_db.json.bad"}));
     EXPECT_FALSE(HUTFile::exists(files.area("ced_store/.staging")));
 }
 
@@ -266,22 +268,24 @@ TEST_F(ItemTasksTest, RemovalStaysInTheStoresArea) {
                                    files.area("ced_store/items/../../..")}) {
         find("a").setLocalRootDir(dir);
         EXPECT_FALSE(uninstall("a")) << dir;
-        EXPECT_EQ(takeIds(), Ids{"17-2163"}) << dir;
+        EXPECT_EQ(takeIds(), Names{"17-2163"}) << dir;
     }
     EXPECT_EQ(readFile(files.temp.path("precious/file")), "keep");
     EXPECT_EQ(body("b"), "b 1\n");
     find("d").setLocalRootDir(files.temp.path("precious"));
     EXPECT_FALSE(uninstall("c")) << "what it needed is still there";
-    EXPECT_EQ(takeIds(), (Ids{"17-2163", "17-1574"}));
+    EXPECT_EQ(takeIds(), (Names{"17-2163", "17-1574"}));
     EXPECT_EQ(recorded(), "a@1 user 0;b@1 user 0;d@1 tool 0;");
 }
 
+// An item whose files take those of another one with them.
 TEST_F(ItemTasksTest, ItemsInsideOneAnotherAreRefused) {
     ship("a a/inner");
     walk({{"+a/inner", " 17-1570 17-1573", "a/inner@1 user 0;"},
           {"+a", "! 17-1570 17-2160 17-1567", "a/inner@1 user 0;"}});
 }
 
+// An alarm about what the user has stopped; good news that nobody asked for, or an error kept back with them.
 TEST_F(ItemTasksTest, CancelledWorkIsSilentAndQuietWorkTellsErrorsOnly) {
     ship("a b<a c");
     HDGUIStatus status;
@@ -289,17 +293,17 @@ TEST_F(ItemTasksTest, CancelledWorkIsSilentAndQuietWorkTellsErrorsOnly) {
     EXPECT_FALSE(HSCPlazTaskMgr::install(&hub(), &find("b"), false, &status));
     EXPECT_TRUE(takeIds().empty());
     EXPECT_TRUE(HSCPlazTaskMgr::install(&hub(), &find("b"), true, nullptr));
-    EXPECT_EQ(takeIds(), Ids{"17-1570"});
+    EXPECT_EQ(takeIds(), Names{"17-1570"});
     EXPECT_TRUE(HSCPlazTaskMgr::uninstall(&hub(), &find("b"), true));
     EXPECT_TRUE(takeIds().empty());
     HPAParamMgr::getParamMgr().setValue("plaz.enableRemoteAccess", "false");
     EXPECT_FALSE(HSCPlazTaskMgr::install(&hub(), &find("c"), true, nullptr));
-    EXPECT_EQ(takeIds(), (Ids{"17-1570", "17-1559", "17-1567"}));
+    EXPECT_EQ(takeIds(), (Names{"17-1570", "17-1559", "17-1567"}));
     EXPECT_FALSE(HSCPlazTaskMgr::install(nullptr, nullptr, true, nullptr));
     EXPECT_FALSE(HSCPlazTaskMgr::uninstall(&hub(), nullptr, true));
 }
 
-// Shipped content always counts as installed.
+// Shipped content that counts as gone once the copy fetched over it is removed.
 TEST_F(ItemTasksTest, ShippedContentStaysInstalled) {
     ship("a");
     files.env.set("GDA_DATA_DIR", files.temp.path("data"));

@@ -1,4 +1,4 @@
-#include "plaz/model/reader/reader_fixture.h"
+#include "plaz/reader_fixture.h"
 
 #include "plaz/model/reader/HSCPlazCategoryTree.h"
 #include "plaz/model/reader/HSCPlazQItemCatalogReader.h"
@@ -9,8 +9,8 @@
 namespace {
 
 /// "name@revision commit root/item root/metadata file" of each item, "!" at the end for the latest.
-Strings describe(const HSCPlazQStoreModel& store) {
-    Strings lines;
+Names describe(const HSCPlazQStoreModel& store) {
+    Names lines;
     for (const auto& item : store.getItems())
         lines.push_back(item->getName() + "@" + item->getRevision() + " " + item->getCommitId() + " " +
                         item->getRoot() + "|" + item->getItemRoot() + "|" + item->getMetadataFile() +

@@ -1,4 +1,4 @@
-#include "plaz/model/reader/reader_fixture.h"
+#include "plaz/reader_fixture.h"
 
 #include "plaz/model/reader/HSCPlazFileCheck.h"
 #include "plaz/model/reader/HSCPlazLocalDBReader.h"

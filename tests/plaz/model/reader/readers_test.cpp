@@ -1,4 +1,4 @@
-#include "plaz/model/reader/reader_fixture.h"
+#include "plaz/reader_fixture.h"
 
 #include "plaz/model/reader/HSCPlazConfigReader.h"
 #include "plaz/model/reader/HSCPlazJsonDocument.h"
@@ -51,9 +51,9 @@ std::string withEveryMember(const std::string& value) {
 // A reader that throws, crashes, or gives another result than the others for a file that is no JSON.
 TEST_F(ReaderTest, surviveEveryFile) {
     setParam("plaz.enableSchemaValidation", "false");
-    const Strings malformed = {"", "{\"plaz\": {\"qstores\": [{\"na", "{\"plaz\": {}} x", std::string(100000, '[')};
-    Strings wellFormed = {"null", "[1, 2]", "{\"plaz\": {\"schema_version\": {\"_major\": 99999999999999999999}}}",
-                          "{\"plaz\": {\"qstores\": {}}, \"plaz\": [], \"config\": 1, \"config\": {}}"};
+    const Names malformed = {"", "{\"plaz\": {\"qstores\": [{\"na", "{\"plaz\": {}} x", std::string(100000, '[')};
+    Names wellFormed = {"null", "[1, 2]", "{\"plaz\": {\"schema_version\": {\"_major\": 99999999999999999999}}}",
+                        "{\"plaz\": {\"qstores\": {}}, \"plaz\": [], \"config\": 1, \"config\": {}}"};
     for (const char* value : {"null", "7", "\"x\"", "[]", "[null, 1, \"x\", [], {}]", "{}"}) {
         const std::string once = withEveryMember(value);
         const std::string twice = withEveryMember("[" + once + "]");
@@ -67,8 +67,9 @@ TEST_F(ReaderTest, surviveEveryFile) {
             EXPECT_THAT(takeMessages(), ElementsAre("12-101 " + file));
         }
         for (const std::string& text : malformed) {
+            SCOPED_TRACE(text.substr(0, 40));
             const std::string file = temp.write("file.json", text);
-            EXPECT_TRUE(parse(file)) << text.substr(0, 40);
+            EXPECT_TRUE(parse(file));
             EXPECT_THAT(takeMessages(), ElementsAre(HasSubstr("12-102 " + file + "|line 1, column")));
         }
         for (const std::string& text : wellFormed) {
@@ -96,8 +97,8 @@ TEST_F(ReaderTest, hubUpdatesStores) {
     ASSERT_EQ(hub.getStores().size(), 2u);
     const HSCPlazQStoreModel& a = *hub.getStores()[0];
     EXPECT_THAT(
-        (Strings{a.getName(), a.getDisplayName(), a.getDescription(), a.getUrl(), a.getRoot(), a.getMetadataFile(),
-                 a.getItemRoot(), a.getScriptRoot(), a.getStoreType(), a.getInstallLocation()}),
+        (Names{a.getName(), a.getDisplayName(), a.getDescription(), a.getUrl(), a.getRoot(), a.getMetadataFile(),
+               a.getItemRoot(), a.getScriptRoot(), a.getStoreType(), a.getInstallLocation()}),
         ElementsAre("a", "", "d", "https://example.org/new.git", "ra", "s.json", "i", "s", "board", "loc"));
     EXPECT_TRUE(a.isPrivateRepository() && hub.findStore("b")->getRoot().empty());
 }
@@ -136,9 +137,9 @@ TEST_F(ReaderTest, config) {
         "gda_data_root": "/gda", "app_data_root": "/app", "config": {"stores_root": "s", "root": 5}}})"),
                                 &config);
     const HSCPlazRepoCfgModel& hub = *config.getPlazRepoCfgModel();
-    EXPECT_THAT((Strings{hub.getUrl(), hub.getTool(), hub.getToolVersion(), hub.getUserId(), hub.getUserToken(),
-                         hub.getCertificate(), config.getGDADataRoot(), config.getAppDataRoot(), config.getRoot(),
-                         config.getStoresRoot(), config.getMetadataFile()}),
+    EXPECT_THAT((Names{hub.getUrl(), hub.getTool(), hub.getToolVersion(), hub.getUserId(), hub.getUserToken(),
+                       hub.getCertificate(), config.getGDADataRoot(), config.getAppDataRoot(), config.getRoot(),
+                       config.getStoresRoot(), config.getMetadataFile()}),
                 ElementsAre("https://hub", "git", "2.45", "u", "t", "c", "/gda", "/app", "", "s", "plaz.json"));
     std::vector<int> modes{hub.getAuthMode()};
     for (const auto& repo : config.getStoreRepoCfgModels()) modes.push_back(repo->getAuthMode());
@@ -183,10 +184,10 @@ TEST_F(ReaderTest, storeDropsUnsafeTexts) {
         "solvan", "supported_releases": [{"version": "2024.2", "qitem_catalogue_file": "../../c.json",
         "remote_repo_branch_to_sync": "--exec=x", "catalog_revision": "3"}]}]}})"),
                                 &store);
-    EXPECT_THAT((Strings{store.getRemote(), store.getRelease(), store.getScriptRoot(), store.getItemRoot(),
-                         store.getCurrentBranch(), store.getCatalogFile(), store.getBranchToSync(),
-                         store.getCatalogRevision()}),
-                ElementsAre("", "5.1", "scripts", "", "", "", "", "3"));
+    EXPECT_THAT(
+        (Names{store.getRemote(), store.getRelease(), store.getScriptRoot(), store.getItemRoot(),
+               store.getCurrentBranch(), store.getCatalogFile(), store.getBranchToSync(), store.getCatalogRevision()}),
+        ElementsAre("", "5.1", "scripts", "", "", "", "", "3"));
     EXPECT_TRUE(store.isProductSpecific()); // what is installed stays usable
     EXPECT_EQ(takeMessages().size(), 5u);
 }
@@ -207,9 +208,9 @@ TEST_F(ReaderTest, itemFile) {
         "company": 3, "company_display": "Acme", "author": "me", "category": "c", "revision": "1.1", "logo": "l/led.png",
         "website": "https://example.org", "dependencies": [{"item": "i", "store": "s", "revision": "2"}, 4],
         "search-keywords": ["a", 1, null, "b"], "categories": ["x", {}], "is_active": true, "name": ""}})"));
-    EXPECT_THAT((Strings{item.getName(), item.getDisplayName(), item.getDescription(), item.getCompany(),
-                         item.getCompanyDisplayName(), item.getAuthor(), item.getCategory(), item.getRevision(),
-                         item.getLogo(), item.getWebsite()}),
+    EXPECT_THAT((Names{item.getName(), item.getDisplayName(), item.getDescription(), item.getCompany(),
+                       item.getCompanyDisplayName(), item.getAuthor(), item.getCategory(), item.getRevision(),
+                       item.getLogo(), item.getWebsite()}),
                 ElementsAre("led", "LED", "d", "", "Acme", "me", "c", "1.1", "l/led.png", "https://example.org"));
     EXPECT_THAT(item.getSearchKeywords(), ElementsAre("a", "b"));
     EXPECT_THAT(item.getCategories(), ElementsAre("x"));

@@ -43,6 +43,7 @@ TEST_F(TwoProcessesTest, UpdateWaitsForTheOther) {
     if (other == 0) {
         HUTFileLock lock(lockFile);
         while (lock.tryLock() != HUTFileLock::Result::held) continue;
+        alarm(60); // whatever becomes of the test
         pause();
     }
     while (HUTFileLock(lockFile).tryLock() != HUTFileLock::Result::busy) continue;
@@ -54,7 +55,7 @@ TEST_F(TwoProcessesTest, UpdateWaitsForTheOther) {
     const std::string before = state();
     takeIds();
     EXPECT_FALSE(update() || HSCPlazTaskMgr::hasUpdate(hub().getStore("tcl"), ""));
-    EXPECT_EQ(takeIds(), (Ids{"17-2168", "17-2168"}));
+    EXPECT_EQ(takeIds(), (Names{"17-2168", "17-2168"}));
     EXPECT_TRUE(state() == before && find("a")->NeedsRefresh() && !find("b")->IsInstalled());
     kill(other, SIGKILL);
     waitpid(other, nullptr, 0);

@@ -86,43 +86,47 @@ TEST_F(GitClone, RefreshFollowsARemoteThatChanges) {
         {"none", remove, "", {"17-1990"}},
         {"another one", [&] { GitRepo(remote.getDir()), publish("n"), follow(""); }, "n", {}}};
     for (const auto& [what, change, content, ids] : cases) {
+        SCOPED_TRACE(what);
         change();
         bool isLoaded = false;
         const std::string thrown = thrownBy([&] { isLoaded = load(model); });
-        EXPECT_EQ(isLoaded, !content.empty()) << what;
-        EXPECT_EQ(thrown, ids == Names{"17-1990"} ? "17-1587" : "nothing") << what;
-        EXPECT_EQ(takeIds(), ids) << what;
-        EXPECT_EQ(HUTFile::exists(staging), !content.empty()) << what;
+        EXPECT_EQ(isLoaded, !content.empty());
+        EXPECT_EQ(thrown, ids == Names{"17-1990"} ? "17-1587" : "nothing");
+        EXPECT_EQ(takeIds(), ids);
+        EXPECT_EQ(HUTFile::exists(staging), !content.empty());
         if (content.empty()) { // what was fetched before is still there
-            EXPECT_NE(stage(), 0) << what;
+            EXPECT_NE(stage(), 0);
             continue;
         }
-        EXPECT_EQ(staged("catalog.json"), content) << what;
-        EXPECT_TRUE(HSCPlazGitHead::moveTo(index, model.getBranch())) << what;
-        EXPECT_EQ(readFile(index + "/.git/HEAD"), remote.git({"rev-parse", "HEAD"}) + "\n") << what;
+        EXPECT_EQ(staged("catalog.json"), content);
+        EXPECT_TRUE(HSCPlazGitHead::moveTo(index, model.getBranch()));
+        EXPECT_EQ(readFile(index + "/.git/HEAD"), remote.git({"rev-parse", "HEAD"}) + "\n");
     }
 }
 
 // Fault: a working copy that is not this store's, or not whole, is used; or one that is whole is thrown away.
 TEST_F(GitClone, DamagedOrForeignWorkingCopyIsMadeAfresh) {
     const std::string gitDir = "area/.plaz/.index/.git";
-    const std::function<void()> damages[] = {
-        [&] { // a crash, after which all is whole
-            for (const char* file : {"/config.lock", "/refs/remotes/origin/master.lock", "/objects/pack/tmp_pack_x"})
-                temp.write(gitDir + file, "");
-        },
-        [&] { temp.write(gitDir + "/config", "[core]\n\tbare = false\n"); },
-        [&] { HUTFile::rmRecursive(index + "/.done"); }, [&] { HUTFile::rmRecursive(index + "/.git"); },
-        [&] {
-            fs::rename(temp.path("remote"), temp.path("moved"));
-            model.setUrl(temp.path("moved"));
-        }};
-    for (const auto& damage : damages) {
+    const std::pair<const char*, std::function<void()>> damages[] = {
+        {"none, but for what a crash leaves",
+         [&] {
+             for (const char* file : {"/config.lock", "/refs/remotes/origin/master.lock", "/objects/pack/tmp_pack_x"})
+                 temp.write(gitDir + file, "");
+         }},
+        {"no origin", [&] { temp.write(gitDir + "/config", "[core]\n\tbare = false\n"); }},
+        {"no marker", [&] { HUTFile::rmRecursive(index + "/.done"); }},
+        {"no repository", [&] { HUTFile::rmRecursive(index + "/.git"); }},
+        {"another URL", [&] {
+             fs::rename(temp.path("remote"), temp.path("moved"));
+             model.setUrl(temp.path("moved"));
+         }}};
+    for (const auto& [what, damage] : damages) {
+        SCOPED_TRACE(what);
         ASSERT_TRUE(load(model));
         temp.write(mark, "");
         damage();
         EXPECT_NE(stage(), 0);
-        EXPECT_EQ(HUTFile::exists(temp.path(mark)), &damage == damages);
+        EXPECT_EQ(HUTFile::exists(temp.path(mark)), what == damages[0].first);
         EXPECT_FALSE(HUTFile::exists(temp.path(gitDir + "/objects/pack/tmp_pack_x")));
         EXPECT_TRUE(load(model));
     }
@@ -205,6 +209,7 @@ TEST_F(GitClone, HubFilesAreFetchedAfresh) {
     hubModel.setRemoteRepository(remote.getDir());
     for (const char* content : {"2", "3"}) {
         remote.write("catalog.json", content).write("other", content).commit();
+        SCOPED_TRACE(content);
         EXPECT_TRUE(load(hubModel));
         EXPECT_EQ(HUTFile::createFileIter(hubStaging), (Names{".git", "catalog.json"}));
         EXPECT_EQ(readFile(hubStaging + "/catalog.json"), content);

@@ -142,6 +142,7 @@ TEST_F(GitCredentials, PrivateStoreWithoutCredentialsIsTold) {
     const std::tuple<bool, const char*, const char*, Names> cases[] = {
         {true, "false", "", {"17-1669"}}, {true, "true", "", {}}, {true, "false", "me", {}}, {false, "false", "", {}}};
     for (const auto& [isPrivate, askPass, user, ids] : cases) {
+        SCOPED_TRACE(filled("private %, asks %, user %", {isPrivate ? "yes" : "no", askPass, user}));
         model.setIsPrivateRepository(isPrivate);
         setParam("plaz.enableAskPassForPrivateRepo", askPass);
         setParam("plaz.git_user.board_store", user);

@@ -104,9 +104,7 @@ TEST_F(GitRunner, TracesOnlyOnRequest) {
     EXPECT_EQ(printed(), "");
     env.set("PLAZ_SHOW_LOG", "yes");
     const std::string output = printed();
-    for (const char* label : {"get exec path:", "get gitdir path:", "Git path : ", "Temp fork logfile:", "chgdir: ",
-                              "executing: ", "restore dir: "})
-        EXPECT_NE(output.find(label + temp.path()), std::string::npos) << label;
+    EXPECT_NE(output.find("executing: " + temp.path()), std::string::npos) << output;
     EXPECT_EQ(output.find("secret"), std::string::npos);
 }
 

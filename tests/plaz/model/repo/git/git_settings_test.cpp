@@ -33,16 +33,16 @@ TEST_F(GitSettings, WorkingCopyRecordsTheProxyInForce) {
         {"KVQ", "a:1", "b:2", "none", {"preferred:1"}, true},
         {"other", "a:1", "b:2", "none", {}, true}};
     for (const auto& [product, http, https, detected, recorded, isChanged] : cases) {
+        SCOPED_TRACE(filled("% % % %", {product, http, https, detected}));
         env.set("GDA_PRODUCT_NAME", product);
         setParam("plaz.http_proxy", http);
         setParam("plaz.https_proxy", https);
         writeScript("app/share/bin/zenproxy.exe",
                     "echo .proxy >> " + temp.path("calls") + "; [ $1 = -exec ] && echo Proxy=" + detected);
         EXPECT_TRUE(load(model));
-        EXPECT_EQ(recordedProxies(), recorded) << product << http << https << detected;
+        EXPECT_EQ(recordedProxies(), recorded);
         const std::string calls = takeCalls();
-        const bool isSet = calls.find(".proxy") != std::string::npos;
-        EXPECT_EQ(isSet, isChanged) << product << http << https << detected;
+        EXPECT_EQ(calls.find(".proxy") != std::string::npos, isChanged);
         EXPECT_EQ(calls.find("s3cr3t"), std::string::npos);
         EXPECT_FALSE(HUTFile::exists(index + "/proxy.txt"));
     }

@@ -42,11 +42,12 @@ TEST_F(GitUpdateCheck, ReadsWhatGitPrints) {
         {"fatal: no commit", "1234567\trefs/heads/b\n", "b", 1, true},
         {"", "1234567\trefs/heads/b\n", "b", 0, false}};
     for (const auto& [log, heads, branch, result, isKnown] : cases) {
+        SCOPED_TRACE(log + heads);
         replaceGit("[ $1 = log ] || { printf '" + heads + "'; exit; }; echo '" + log + "'");
-        EXPECT_EQ(HSCPlazGit::hasUpdate(clone, "/r", "", branch), result) << log << heads;
+        EXPECT_EQ(HSCPlazGit::hasUpdate(clone, "/r", "", branch), result);
         EXPECT_EQ(takeCalls(), "log --oneline -n 1\nls-remote /r\n");
         const HSCPlazUpdateCheck check = HSCPlazGitUpdateCheck::look(clone, "/r", "", branch);
-        EXPECT_TRUE(check.getAnswer().has_value() == isKnown && check.reason.empty() == isKnown) << log << heads;
+        EXPECT_TRUE(check.getAnswer().has_value() == isKnown && check.reason.empty() == isKnown);
         takeCalls();
     }
 }

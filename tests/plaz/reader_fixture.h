@@ -7,13 +7,12 @@
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-using Strings = Names;
 
 class ReaderTest : public ContextTest {
 protected:
     /// "12-102 file|place" of each message caught since the last call.
-    Strings takeMessages() {
-        Strings taken;
+    Names takeMessages() {
+        Names taken;
         for (const auto& message : messages) {
             std::string line = message.id;
             for (std::size_t i = 0; i < message.args.size(); ++i) line += (i == 0 ? " " : "|") + message.args[i];
