@@ -96,12 +96,15 @@ TEST_F(CatalogTasksTest, WhatFailsLeavesTheOldCatalogInForce) {
     EXPECT_FALSE(HUTFile::exists(files.area("ced_store/.staging")));
 }
 
-// A store left at a place that the first refresh has not filled.
-TEST_F(CatalogTasksTest, FailedFirstRefreshLeavesTheStoreWhereItWas) {
+// A store left at a place that the first refresh has not filled, or that cannot be recorded.
+TEST_F(CatalogTasksTest, WhatFailsLeavesTheStoreWhereItWas) {
     HPAParamMgr::getParamMgr().setValue("plaz.enableBoardStoreDefaultLocation", "false");
     const std::string place = store().getLocalRootDir();
     store().setUrl("file://" + files.temp.path("gone"));
     EXPECT_FALSE(refresh());
+    EXPECT_EQ(store().getLocalRootDir(), place);
+    files.temp.makeDir("appdata/2024.2/plaz/plaz_stores.json");
+    EXPECT_FALSE(HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), files.temp.path("mine")));
     EXPECT_EQ(store().getLocalRootDir(), place);
 }
 
