@@ -2,6 +2,8 @@
 #include "support/MessagesTest.h"
 #include "support/TempDir.h"
 
+#include <regex>
+
 namespace {
 
 constexpr MsgId<1> itemInstalled{"@17-1573@%s"};
@@ -26,15 +28,17 @@ TEST_F(MessageTest, LabelFollowsSeverityAndGoodNews) {
     EXPECT_EQ(messages.back().label, "ERROR");
 }
 
-// Fault: an argument that is itself taken for a text with placeholders, or that steers a terminal.
+// Fault: an argument that is itself taken for a text with placeholders, that steers a terminal, or whose second line
+// passes for a message of its own.
 TEST_F(MessageTest, ArgumentsArePutInAsTheyAre) {
-    const ComMsgMgrInstance message("a.cpp", 7, "common", HostMsg::preferencesUnreadable, "%s%d%%", "\x1b[2J\u009b");
+    const ComMsgMgrInstance message("a.cpp", 7, "common", HostMsg::preferencesUnreadable, "%s%d%%",
+                                    "\x1b[2J\u009b\nERROR: x");
     EXPECT_EQ(message.getId(), "12-106");
-    EXPECT_NE(message.getMessage().find("\"%s%d%%\": \x1b[2J\u009b."), std::string::npos) << message.getMessage();
+    EXPECT_NE(message.getMessage().find("\"%s%d%%\": \x1b[2J\u009b\nERROR: x."), std::string::npos);
     ComMsgMgr::send(message, MsgSeverity::error);
     const std::string line = ComMsgMgr::format(messages.at(0));
     EXPECT_EQ(line.rfind("ERROR: [12-106] ", 0), 0u) << line;
-    EXPECT_NE(line.find("?[2J?."), std::string::npos) << line;
+    EXPECT_NE(line.find("?[2J?\n  ERROR: x."), std::string::npos) << line;
     EXPECT_EQ(ComMsgMgrInstance("", 0, "common", unknown, "two", "words").getMessage(), "two words");
 }
 
@@ -54,17 +58,23 @@ TEST_F(MessageTest, SilenceAndExceptions) {
     EXPECT_EQ(messages[0].severity, MsgSeverity::error);
 }
 
-// Fault: a host message without a text, or a text with another number of placeholders than the message has arguments.
-TEST_F(MessageTest, HostMessagesHaveTexts) {
-    const std::vector<int> arities{1, 2, 1, 2, 1, 2};
-    for (std::size_t i = 0; i < arities.size(); ++i) {
-        const std::string id = "12-" + std::to_string(101 + i);
-        const std::string* text = ComMsgMgr::findText(id);
-        ASSERT_TRUE(text) << id;
-        int placeholders = 0;
-        for (std::size_t at = 0; (at = text->find("%s", at)) != std::string::npos; at += 2) ++placeholders;
-        EXPECT_EQ(placeholders, arities[i]) << id;
+// Fault: a message without a text, or a text with another number of placeholders than the message has arguments.
+TEST_F(MessageTest, TextsFitTheMessages) {
+    const std::regex declaration(R"re(MsgId<(\d)> \w+\{"@([\d-]+)@)re");
+    std::size_t count = 0;
+    for (const char* header : {"platform/support/HostMsg.h", "shared/common/plaz/base/HSCPlazMsg.h",
+                               "apps/commands/ShellMsg.h", "apps/python/PythonMsg.h"}) {
+        const std::string source = readFile(std::string(PLAZ_SOURCES "/") + header);
+        for (std::sregex_iterator found(source.begin(), source.end(), declaration), end; found != end; ++found) {
+            const std::string* text = ComMsgMgr::findText((*found)[2]);
+            ASSERT_TRUE(text) << (*found)[2];
+            std::size_t placeholders = 0;
+            for (std::size_t at = 0; (at = text->find("%s", at)) != std::string::npos; at += 2) ++placeholders;
+            EXPECT_EQ(std::to_string(placeholders), (*found)[1]) << *text;
+            ++count;
+        }
     }
+    EXPECT_EQ(count, ComMsgMgr::getIds().size()) << "a text that no message has";
 }
 
 // Fault: a crash or an empty line when the shipped texts are missing; a default sink that writes elsewhere.

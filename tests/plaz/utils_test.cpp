@@ -3,6 +3,7 @@
 #include "plaz/context_fixture.h"
 #include "plaz/hub_fixture.h"
 #include "plaz/pref/HSCPlazUserPref.h"
+#include "support/System.h"
 
 using UtilsTest = ContextTest;
 
@@ -54,7 +55,10 @@ TEST_F(UtilsTest, ChosenDirectoriesAreCheckedAndCreated) {
     other->assignModel(&otherModel);
     for (HSCPlazQStore* each : {own, other}) hub.addStore(each);
     EXPECT_FALSE(HSCPlazUtils::setQStoreLocalDir(own, temp.path("new/./dir")));
+    EXPECT_EQ(messages.at(0).label, "INFO");
     EXPECT_EQ(takeIds(), (Names{"17-1670", "17-1581", "17-1668"}));
+    const bool hasLinks = test_system::makeLink(temp.path("new/dir"), temp.path("way"));
+    EXPECT_NE(HSCPlazUtils::setQStoreLocalDir(own, temp.path("way")), hasLinks);
     EXPECT_TRUE(HSCPlazUtils::setQStoreLocalDir(own, temp.path("new/x/../other")));
     EXPECT_EQ(own->getLocalRootDir(), temp.path("new/other"));
     otherModel.setInstallDir(temp.path("Absent"));

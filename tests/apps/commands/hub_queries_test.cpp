@@ -111,7 +111,7 @@ TEST_F(HubQueriesTest, resolvesReferencesOrSaysWhyNot) {
     EXPECT_EQ(resolved(resolve, "left"), "t::left@1");
     EXPECT_EQ(resolved(resolve, "both"), "none");
     EXPECT_EQ(resolved(resolve, "both@2"), "t::both@2");
-    EXPECT_EQ(resolved(resolve, "both", "s"), "s::both@1");
+    EXPECT_EQ(resolved(resolve, "both", "s") + resolved(resolve, "t::both", "s"), "s::both@1none");
     EXPECT_EQ(resolved(resolve, "x", "t") + resolved(resolve, "x@7"), "nonenone");
     const auto installed = &HubQueries::resolveInstalled;
     EXPECT_EQ(resolved(installed, "x@1"), "s::x@1");

@@ -8,6 +8,7 @@
 #include "plaz/model/HSCPlazQStore.h"
 #include "scripting/task_manager.h"
 #include "support/HDGUIStatus.h"
+#include "support/HUTFile.h"
 #include "support/HubOnDisk.h"
 #include "support/MessagesTest.h"
 
@@ -168,6 +169,7 @@ TEST_F(TclCommandsTest, readsAndSetsPropertiesAndParameters) {
            {"set_param plaz.HTTP_proxy me:secret@proxy:80", "1"},
            {"get_param plaz.http_proxy", "***@proxy:80"},
            {"reset_param plaz.http_proxy; get_param plaz.http_proxy", ""},
+           {"set_param plaz.git_user.board_store me; get_param plaz.git_user.board_store", "***"},
            {"set_param plaz.gitTimeout secret", "!PLAZ 17-2204..."},
            {"regexp secret $errorInfo", "0"},
            {"set_param plaz.git_token.b=secret", "!PLAZ 17-2203: There is no parameter \"plaz.git_token.b\"..."},
@@ -176,6 +178,11 @@ TEST_F(TclCommandsTest, readsAndSetsPropertiesAndParameters) {
            {"list_param *.git*", "plaz.git_token.board_store"},
            {"list_param -hidden *gitT*", "plaz.gitTimeout"}});
     EXPECT_NE(readFile(files.temp.path("appdata/preferences.json")).find("/a dir"), std::string::npos);
+    HUTFile::rmRecursive(files.temp.path("appdata/preferences.json"));
+    files.temp.makeDir("appdata/preferences.json/in the way");
+    check({{"set_property QSTORES_PATH /lost [current_solvan_preferences]", "!PLAZ 17-2206..."},
+           {"get_property QSTORES_PATH [current_solvan_preferences]", "/a dir"}});
+    HUTFile::rmRecursive(files.temp.path("appdata/preferences.json"));
     eval("set_param plaz.git_token.board_store deep; proc f secret {set_param plaz.gitTimeout $secret}; f deep");
     EXPECT_EQ(shownTrace(Tcl_GetVar(interp, "errorInfo", TCL_GLOBAL_ONLY)).find("deep"), std::string::npos);
     testing::internal::CaptureStdout();

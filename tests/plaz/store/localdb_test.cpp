@@ -137,7 +137,8 @@ TEST_F(LocalDbTest, leavesWhatItCannotMerge) {
     EXPECT_TRUE(store.getItems().empty() && messages.empty());
     EXPECT_FALSE(manager.isValidForProductAndRelease(file) || manager.isValidForProductAndRelease(""));
     for (const char* damaged :
-         {"{\"plaz\": {\"qst", "{}", R"({"plaz": {"product": "Solvan", "release": "2024.2.1", "qstores": {}}})"}) {
+         {"{\"plaz\": {\"qst", "{}", R"({"plaz": {"product": "Solvan", "release": "2024.2.1", "qstores": {}}})",
+          R"({"plaz": {"product": "Solvan", "qstores": []}})"}) {
         SCOPED_TRACE(damaged);
         temp.write("db.json", damaged);
         EXPECT_EQ(mergeFile(file), Merge::damaged);

@@ -1,6 +1,7 @@
 #include "plaz/hub_fixture.h"
 
 #include "plaz/HSCPlazTaskMgr.h"
+#include "plaz/store/HSCPlazRepoInfoMgr.h"
 #include "support/HDGUIStatus.h"
 
 #include <functional>
@@ -62,6 +63,8 @@ TEST_F(CatalogTasksTest, RefreshBringsWhatIsPublished) {
     EXPECT_TRUE(HSCPlazTaskMgr::hasUpdate(&store(), ""));
     EXPECT_TRUE(install("b"));
     EXPECT_EQ(readFile(files.area("ced_store/items/a/body.txt")), "a 2\n");
+    HUTFile::rmRecursive(files.area("ced_store/.plaz/.index/.done")); // a refresh will make it afresh
+    EXPECT_EQ(HSCPlazTaskMgr::checkStore(store(), nullptr).outcome, HSCPlazStoreResult::Outcome::outdated);
 }
 
 // A failed or cancelled refresh that takes the known catalog away.
@@ -91,6 +94,18 @@ TEST_F(CatalogTasksTest, WhatFailsLeavesTheOldCatalogInForce) {
     EXPECT_EQ(takeIds(), Names{"17-1559"});
     EXPECT_NE(store().getItem("b"), nullptr);
     EXPECT_FALSE(HUTFile::exists(files.area("ced_store/.staging")));
+}
+
+// A store left at a place that the first refresh has not filled, or that cannot be recorded.
+TEST_F(CatalogTasksTest, WhatFailsLeavesTheStoreWhereItWas) {
+    HPAParamMgr::getParamMgr().setValue("plaz.enableBoardStoreDefaultLocation", "false");
+    const std::string place = store().getLocalRootDir();
+    store().setUrl("file://" + files.temp.path("gone"));
+    EXPECT_FALSE(refresh());
+    EXPECT_EQ(store().getLocalRootDir(), place);
+    files.temp.makeDir("appdata/2024.2/plaz/plaz_stores.json");
+    EXPECT_FALSE(HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), files.temp.path("mine")));
+    EXPECT_EQ(store().getLocalRootDir(), place);
 }
 
 // Files of the repository that are named like the catalog, or a catalog that is named like what the hub keeps, put over
@@ -136,10 +151,16 @@ TEST_F(CatalogTasksTest, OddStoresAreTakenAsTheyAre) {
     EXPECT_EQ(takeIds(), Names{"17-1929"});
 }
 
-// A store moved into another release's directory, or one that forgets where it was moved to.
+// A store moved into another release's or store's directory, or one that forgets where it was moved to, by whomever.
 TEST_F(CatalogTasksTest, StoresMoveToADirectoryOfTheUsersChoice) {
     const auto moveTo = [](const std::string& dir) { return HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), dir); };
     const std::string mine = files.temp.path("mine"), recorded = files.area("plaz_stores.json");
+    files.addStore("more", "ced", false);
+    files.ship();
+    hub().getStore("more")->setInstallDir(mine + "/tcl");
+    EXPECT_FALSE(HSCPlazTaskMgr::moveStore(store(), mine).isDone());
+    EXPECT_EQ(takeIds(), (Names{"17-1668", "17-2192"}));
+    hub().getStore("more")->setInstallDir("");
     EXPECT_FALSE(moveTo("") || HSCPlazTaskMgr::setQStoreLocalRootDir(nullptr, "/x"));
     files.temp.write("foreign/tcl/.plaz/plaz_local_db.json",
                      R"({"plaz": {"product": "Solvan", "release": "2020.1", "qstores": []}})");
@@ -168,6 +189,10 @@ TEST_F(CatalogTasksTest, StoresMoveToADirectoryOfTheUsersChoice) {
     ASSERT_TRUE(moveTo(files.area("ced_store"))); // home again
     EXPECT_EQ(store().getLocalRootDir(), files.area("ced_store"));
     EXPECT_TRUE(store().getItem("a")->IsInstalled());
+    takeIds();
+    HSCPlazRepoInfoMgr(recorded).setStoreDirectory("tcl", mine); // by another
+    EXPECT_FALSE(HSCPlazTaskMgr::uninstall(&hub(), store().getItem("a"), true));
+    EXPECT_EQ(takeIds(), Names{"17-2175"});
 }
 
 /// A hub whose own repository publishes what publishHub() puts there.

@@ -74,6 +74,7 @@ protected:
             EXPECT_EQ(outcome, told);
             for (HSCPlazQStore* store : hub().getStores())
                 for (const HSCPlazQItem* item : store->getItems()) {
+                    EXPECT_NE(item->IsInstalled(), item->getLocalRootDir().empty()) << item->getName();
                     if (!item->IsInstalled()) continue;
                     installed += describe(*item);
                     EXPECT_TRUE(HUTFile::exists(item->getLocalRootDir() + "/body.txt")) << item->getName();
@@ -258,8 +259,8 @@ TEST_F(ItemTasksTest, LongLifeKeepsWhatIsNeededAndNothingElse) {
 
 // Whatever the database says, nothing outside the item's own directory is removed.
 TEST_F(ItemTasksTest, RemovalStaysInTheStoresArea) {
-    ship("a b");
-    ASSERT_TRUE(install("a") && install("b"));
+    ship("a b d c<d");
+    ASSERT_TRUE(install("a") && install("b") && install("c"));
     files.temp.write("precious/item.json", "{}");
     files.temp.write("precious/file", "keep");
     takeIds();
@@ -271,7 +272,10 @@ TEST_F(ItemTasksTest, RemovalStaysInTheStoresArea) {
     }
     EXPECT_EQ(readFile(files.temp.path("precious/file")), "keep");
     EXPECT_EQ(body("b"), "b 1\n");
-    EXPECT_EQ(recorded(), "a@1 user 0;b@1 user 0;");
+    find("d").setLocalRootDir(files.temp.path("precious"));
+    EXPECT_FALSE(uninstall("c")) << "what it needed is still there";
+    EXPECT_EQ(takeIds(), (Names{"17-2163", "17-1574"}));
+    EXPECT_EQ(recorded(), "a@1 user 0;b@1 user 0;d@1 tool 0;");
 }
 
 // An item whose files take those of another one with them.

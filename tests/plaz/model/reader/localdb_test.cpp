@@ -48,9 +48,9 @@ TEST_F(ReaderTest, databaseIsReadForgivingly) {
     HSCPlazLocalDBReader().parse(
         temp.write("db.json", R"({"plaz": {"_major": "2", "qstores": [null, {}, {"name": "s", "items":
         [5, {"reference_count": "4", "name": "a"}, {"name": "b", "reference_count": 99999999999, "is_latest": true},
-         {"name": "c", "reference_count": 1.5, "is_latest": "yes"}]}]}})"),
+         {"name": "c", "reference_count": 1.5, "is_latest": "yes"}, {"name": "d", "reference_count": -1}]}]}})"),
         &model);
-    ASSERT_EQ(known->getItems().size(), 3u);
+    ASSERT_EQ(known->getItems().size(), 4u);
     for (const auto& item : known->getItems()) EXPECT_EQ(item->getReferenceCount(), 0) << item->getName();
     EXPECT_TRUE(known->getItems()[1]->isLatest() && !known->getItems()[1]->needsRefresh());
     EXPECT_TRUE(!known->getItems()[2]->isLatest() && known->getItems()[2]->needsRefresh());

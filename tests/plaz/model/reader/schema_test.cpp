@@ -1,5 +1,6 @@
 #include "plaz/reader_fixture.h"
 
+#include "plaz/model/reader/HSCPlazFileCheck.h"
 #include "plaz/model/reader/HSCPlazJsonDocument.h"
 #include "plaz/model/reader/HSCPlazJsonReadWriteUtils.h"
 #include "plaz/model/reader/HSCPlazReader.h"
@@ -89,6 +90,8 @@ TEST_F(ReaderTest, validationReportsAndGoesOn) {
     EXPECT_THAT(takeMessages(), ElementsAre("12-103 " + temp.path("data/plaz/schemas/json/plaz_0_0.json"),
                                             HasSubstr("12-104 " + damaged)));
     EXPECT_EQ(hub.getStores().size(), 3u);
+    EXPECT_TRUE(HSCPlazFileCheck::of(bad).isUnchecked); // there is no such schema, which is no fault of the file
+    EXPECT_FALSE(HSCPlazFileCheck::of(temp.path("odd.json")).isUnchecked);
     Utils::validatePlazSchemaFile(damaged);
     Utils::validateQStoreSchemaFile(temp.path("none"));
     EXPECT_THAT(takeMessages(), ElementsAre(HasSubstr("12-104"), "12-103 " + temp.path("none")));

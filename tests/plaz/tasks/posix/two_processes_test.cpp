@@ -54,8 +54,8 @@ TEST_F(TwoProcessesTest, UpdateWaitsForTheOther) {
     };
     const std::string before = state();
     takeIds();
-    EXPECT_FALSE(update());
-    EXPECT_EQ(takeIds(), Names{"17-2168"});
+    EXPECT_FALSE(update() || HSCPlazTaskMgr::hasUpdate(hub().getStore("tcl"), ""));
+    EXPECT_EQ(takeIds(), (Names{"17-2168", "17-2168"}));
     EXPECT_TRUE(state() == before && find("a")->NeedsRefresh() && !find("b")->IsInstalled());
     kill(other, SIGKILL);
     waitpid(other, nullptr, 0);

@@ -76,6 +76,8 @@ TEST_F(GitClone, RefreshFollowsARemoteThatChanges) {
         {"a tag of the branch's name", [&] { inRemote("tag next"), publish("t"); }, "t", {}},
         {"no such branch", [&] { inRemote("checkout master"), follow("gone"); }, "1", {"17-2170"}},
         {"still none", [&] { publish("2"); }, "2", {}},
+        {"there at last", [&] { inRemote("branch gone"); }, "2", {}},
+        {"gone again", [&] { inRemote("branch -D gone"); }, "2", {"17-2170"}},
         {"no master either", [&] { inRemote("branch -m main"); }, "", {"17-2171"}},
         {"nor asked for", [&] { follow(""); }, "", {"17-2171"}},
         {"the branch that is there", [&] { follow("main"); }, "2", {}},

@@ -9,6 +9,7 @@ namespace {
 class GitInstall : public GitRemoteTest {
 protected:
     GitInstall() {
+        remote.write("boards/a/.done", "x"); // named like the hub's own marker
         first =
             remote.write("boards/a/item.json", "{\"v\": 1}").write("boards/a/old", "x").write("other", "x").commit();
         HUTFile::rmRecursive(remote.getDir() + "/boards/a/old");

@@ -120,7 +120,8 @@ TEST_F(GitRunner, EnvironmentIsOfOurMaking) {
     run("fetch");
     for (const char* line :
          {"GIT_SSL_CAINFO=/bundle\n", "GIT_TERMINAL_PROMPT=0\n", "GIT_ASKPASS=\n", "GCM_INTERACTIVE=never\n",
-          "GIT_ASK_YESNO=false\n", "GIT_CONFIG_GLOBAL=/dev/null\n", "LC_ALL=C.UTF-8\n"})
+          "GIT_ASK_YESNO=false\n", "GIT_CONFIG_GLOBAL=/dev/null\n", "LC_ALL=C.UTF-8\n",
+          "GIT_SSH_COMMAND=ssh -oBatchMode=yes\n", "GIT_ALLOW_PROTOCOL=file:git:http:https:ssh\n"})
         EXPECT_TRUE(seen(line)) << line;
     EXPECT_FALSE(seen("GIT_DIR="));
     setParam("plaz.enableAskPassForPrivateRepo", "true");

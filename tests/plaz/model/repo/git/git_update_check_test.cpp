@@ -3,6 +3,7 @@
 #include "plaz/base/HSCPlazHubLock.h"
 #include "plaz/model/repo/git/git_fixture.h"
 #include "support/HUTFileLock.h"
+#include "support/HUTFork.h"
 
 namespace {
 
@@ -52,7 +53,8 @@ TEST_F(GitUpdateCheck, ReadsWhatGitPrints) {
     }
 }
 
-// Faults: a silent server holds up the check for ever, checks beside each other, a check inside a task waits for it.
+// Faults: a silent server holds up the check for ever, checks beside each other, a check inside a task waits for it, a
+// wait that Ctrl-C does not end.
 TEST_F(GitUpdateCheck, HoldsTheHubForALimitedTime) {
     temp.write("clone/.done", "");
     setParam("plaz.gitTimeout", "1");
@@ -69,6 +71,10 @@ TEST_F(GitUpdateCheck, HoldsTheHubForALimitedTime) {
     ASSERT_EQ(other.tryLock(), HUTFileLock::Result::held);
     EXPECT_EQ(check(), 0);
     EXPECT_EQ(takeIds(), Names{"17-2168"});
+    HUTFork::interruptAll();
+    EXPECT_EQ(check(), 0);
+    HUTFork::clearInterrupt();
+    EXPECT_EQ(takeIds(), Names{}) << "it was waited for";
     EXPECT_EQ(takeCalls(), "");
 }
 
