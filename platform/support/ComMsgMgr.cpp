@@ -167,9 +167,3 @@ const std::string* ComMsgMgr::findText(const std::string& id) {
     const CatalogEntry* entry = findEntry(id);
     return entry ? &entry->text : nullptr;
 }
-
-std::vector<std::string> ComMsgMgr::getIds() {
-    std::vector<std::string> ids;
-    for (const auto& entry : getCatalog()) ids.push_back(entry.first);
-    return ids;
-}

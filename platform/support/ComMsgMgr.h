@@ -110,6 +110,4 @@ public:
 
     /// The catalog's text of "17-1567" with its "%s" placeholders; null when there is none.
     static const std::string* findText(const std::string& id);
-    /// Every id that the catalog has a text for, sorted.
-    static std::vector<std::string> getIds();
 };

@@ -2,8 +2,6 @@
 #include "support/MessagesTest.h"
 #include "support/TempDir.h"
 
-#include <regex>
-
 namespace {
 
 constexpr MsgId<1> itemInstalled{"@17-1573@%s"};
@@ -56,25 +54,6 @@ TEST_F(MessageTest, SilenceAndExceptions) {
     }
     EXPECT_EQ(messages.at(0).args, std::vector<std::string>{"Board"});
     EXPECT_EQ(messages[0].severity, MsgSeverity::error);
-}
-
-// Fault: a message without a text, or a text with another number of placeholders than the message has arguments.
-TEST_F(MessageTest, TextsFitTheMessages) {
-    const std::regex declaration(R"re(MsgId<(\d)> \w+\{"@([\d-]+)@)re");
-    std::size_t count = 0;
-    for (const char* header : {"platform/support/HostMsg.h", "shared/common/plaz/base/HSCPlazMsg.h",
-                               "apps/commands/ShellMsg.h", "apps/python/PythonMsg.h"}) {
-        const std::string source = readFile(std::string(PLAZ_SOURCES "/") + header);
-        for (std::sregex_iterator found(source.begin(), source.end(), declaration), end; found != end; ++found) {
-            const std::string* text = ComMsgMgr::findText((*found)[2]);
-            ASSERT_TRUE(text) << (*found)[2];
-            std::size_t placeholders = 0;
-            for (std::size_t at = 0; (at = text->find("%s", at)) != std::string::npos; at += 2) ++placeholders;
-            EXPECT_EQ(std::to_string(placeholders), (*found)[1]) << *text;
-            ++count;
-        }
-    }
-    EXPECT_EQ(count, ComMsgMgr::getIds().size()) << "a text that no message has";
 }
 
 // Fault: a crash or an empty line when the shipped texts are missing; a default sink that writes elsewhere.

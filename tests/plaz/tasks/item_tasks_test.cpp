@@ -133,6 +133,26 @@ TEST_F(ItemTasksTest, FailuresOfDependencies) {
           {"-direct", " 17-1574", "leaf@1 tool 1;mid@1 tool 1;deep@1 user 0;"}});
 }
 
+// A count that a failed installation leaves too low, so that the next removal takes what others need.
+TEST_F(ItemTasksTest, FailedInstallationCountsWhatItNeeds) {
+    ship("shared bad first<shared second<bad,shared");
+    find("bad").getModel()->setCommitId("");
+    walk({{"+first", " 17-1570 17-1573 17-1554", "shared@1 tool 1;first@1 user 0;"},
+          {"+second", "! 17-1570 17-1573 17-1579 17-1560 17-1567", "shared@1 tool 2;first@1 user 0;second@1 user 0;"},
+          {"-second", " 17-1574", "shared@1 tool 1;first@1 user 0;"}});
+}
+
+// What a withdrawn item needs taken away by the update of another one.
+TEST_F(ItemTasksTest, WithdrawnItemKeepsWhatItNeeds) {
+    StoreOnDisk& store = ship("needed gone<needed stays<needed");
+    ASSERT_TRUE(install("gone") && install("stays"));
+    store.withdraw("gone");
+    store.item("stays", "1", {});
+    reload();
+    walk({{"^stays", " 17-1570 17-2188", "needed@1 tool 1;stays@1 user 0;gone@1 user 0;"},
+          {"-gone", " 17-1553 17-1574", "stays@1 user 0;"}});
+}
+
 // An item that was fetched although its files are there, or taken as present because something lies in its place.
 TEST_F(ItemTasksTest, FilesInPlaceAreAdoptedOnlyWhenTheyAreTheItem) {
     const std::string metadata = readFile(ship("a b").getRepo().getDir() + "/items/a/item.json");
