@@ -289,6 +289,7 @@ class ShellTest(HubTest):
         del hub["plaz"]["qstores"][1]["name"]
         for name, text, told in (
             ("missing", None, "no such file"),
+            ("no\udcff", None, "no such file"),  # bytes that are no UTF-8
             ("half", '{"plaz":', "line 1"),
             ("other", "[1]", "none of"),
             ("incomplete", json.dumps(hub), "/plaz/qstores/1"),
