@@ -147,4 +147,14 @@ TEST_F(LocalDbTest, leavesWhatItCannotMerge) {
         EXPECT_EQ(readFile(file + ".bad"), damaged);
         EXPECT_EQ(mergeFile(file), Merge::merged);
     }
+    HUTFile::rmRecursive(file + ".bad");
+    temp.makeDir("db.json.bad/own");
+    temp.write("db.json", "{");
+    EXPECT_EQ(mergeFile(file), Merge::damaged);
+    takeMessages();
+    for (int save = 0; save < 2; ++save) { // there is no place for the copy: what could not be read stays where it is
+        EXPECT_FALSE(manager.save(nullptr, &object, ""));
+        EXPECT_THAT(takeMessages(), ElementsAre("17-2164 " + file));
+        EXPECT_EQ(readFile(file), "{");
+    }
 }
