@@ -7,7 +7,6 @@
 #include <clocale>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <histedit.h>
 #include <iostream>
 #include <string_view>
