@@ -8,6 +8,7 @@ import static org.junit.jupiter.api.Assertions.assertThrows;
 import static org.junit.jupiter.api.Assertions.assertTrue;
 
 import java.io.IOException;
+import java.io.UncheckedIOException;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.ArrayList;
@@ -32,8 +33,20 @@ class HubTest {
     private static final TaskStatus STATUS = new TaskStatus();
     private static final PlazException RECORD = new PlazException();
 
+    private static List<String> handlersBefore;
+
+    /** The signals that this process ignores, and those that it handles. */
+    private static List<String> signalHandlers() {
+        try (Stream<String> lines = Files.lines(Path.of("/proc/self/status"))) {
+            return lines.filter(line -> line.matches("Sig(Ign|Cgt):.*")).toList();
+        } catch (IOException failure) {
+            throw new UncheckedIOException(failure);
+        }
+    }
+
     @BeforeAll
     static void start() {
+        handlersBefore = signalHandlers();
         PlazHost.Listener listener = new PlazHost.Listener() {
             @Override
             public void message(PlazHost.Severity severity, String id, String text) {
@@ -51,10 +64,12 @@ class HubTest {
         assertThrows(IllegalStateException.class, () -> PlazHost.start(listener));
     }
 
+    /** Catches: native code that leaves the virtual machine without its signal handlers. */
     @AfterAll
     static void close() {
         STATUS.close();
         RECORD.close();
+        assertEquals(handlersBefore, signalHandlers());
     }
 
     @BeforeEach
