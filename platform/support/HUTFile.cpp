@@ -142,6 +142,8 @@ std::time_t HUTFile::getLastMod(const std::string& path) {
 
 std::optional<std::uintmax_t> HUTFile::getFreeSpace(const std::string& path) {
     Error error;
+    // Some systems answer for what is not there, from the disk where it would be.
+    if (!fs::exists(sys(path), error)) return std::nullopt;
     const fs::space_info space = fs::space(sys(path), error);
     return error ? std::nullopt : std::make_optional(space.available);
 }
