@@ -4,6 +4,8 @@
 #include "Workspace.h"
 #include "plaz/HSCPlazMgr.h"
 #include "plaz/HSCPlazTaskMgr.h"
+#include "plaz/base/HSCPlazInstallationMode.h"
+#include "plaz/base/HSCPlazStoreLayout.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
@@ -30,7 +32,7 @@ public:
         HUTFile::rmRecursive(m_area);
         m_model.setName(storeName);
         m_model.setLocalRootDir(m_area);
-        m_model.setLocalDbFilePath(m_area + "/.plaz/plaz_local_db.json");
+        m_model.setLocalDbFilePath(HSCPlazStoreLayout(m_area, m_area).getDatabase());
         m_model.setIsProductSpecific(true);
         for (std::size_t i = 0; i < items; ++i) addItem(i, shape);
         auto store = std::make_unique<HSCPlazQStore>(&m_hub);
@@ -84,7 +86,7 @@ private:
         item->setLatestRevision("1.1");
         if (number > 0) {
             item->setIsInstalled(true);
-            item->setInstallationMode("tool");
+            item->setInstallationMode(toText(HSCPlazInstallationMode::tool));
             item->setReferenceCount(1);
             item->setLocalDir(dir);
             if (shape == Shape::chain && number + 1 < m_items) {

@@ -10,8 +10,9 @@ add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Wconversion)
 if(PLAZ_WERROR)
   add_compile_options(-Werror)
 endif()
-# Sources name themselves relative to the tree in messages.
-add_compile_options(-fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
+# Sources name themselves relative to the tree in messages, however a compiler's cache has spelt the way to it.
+file(RELATIVE_PATH way_to_sources ${PROJECT_BINARY_DIR} ${PROJECT_SOURCE_DIR})
+add_compile_options(-fmacro-prefix-map=${way_to_sources}/= -fmacro-prefix-map=${PROJECT_SOURCE_DIR}/=)
 if(PLAZ_SANITIZE)
   add_compile_options(-fsanitize=${PLAZ_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=${PLAZ_SANITIZE})

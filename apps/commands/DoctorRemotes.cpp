@@ -4,6 +4,7 @@
 
 #include "plaz/HSCPlazInspection.h"
 #include "plaz/base/HSCPlazMsg.h"
+#include "plaz/base/HSCPlazNames.h"
 #include "plaz/base/HSCPlazTrust.h"
 #include "support/HUTFile.h"
 
@@ -14,7 +15,6 @@
 
 namespace {
 
-constexpr const char* mainBranch = "master";
 constexpr const char* branchRef = "refs/heads/";
 
 /// The branches that git lists, one a line, behind the commit of each.
@@ -30,7 +30,7 @@ std::vector<std::string> readBranches(const std::string& heads) {
 
 /// The branch that a refresh would follow; empty for none.
 std::string chooseBranch(const std::vector<std::string>& branches, const std::string& named) {
-    for (const std::string& wanted : {named, std::string(mainBranch)})
+    for (const std::string& wanted : {named, std::string(HSCPlazName::mainBranch)})
         if (std::count(branches.begin(), branches.end(), wanted) > 0) return wanted;
     return named.empty() && branches.size() == 1 ? branches.front() : std::string();
 }
@@ -57,7 +57,7 @@ Finding doctor::checkRemote(const std::string& subject, const std::string& url, 
     const std::string shown = HSCPlazTrust::maskSecrets(url);
     if (url.empty())
         return warning(subject, "none is named, so it cannot be refreshed",
-                       "Name one in the configuration or in ZENTOR_PLAZ_REMOTE_REPO_PATH.");
+                       std::string("Name one in the configuration or in ") + HSCPlazName::remoteRepoVariable + ".");
     const auto start = std::chrono::steady_clock::now();
     const HSCPlazInspection::Answer answer = HSCPlazInspection::askRemote(url, trial);
     const auto spent =
@@ -69,8 +69,9 @@ Finding doctor::checkRemote(const std::string& subject, const std::string& url, 
         finding = problem(subject, shown + " does not answer (" + after + "): " + answer.reason,
                           "Check URL, network, proxy and credentials. What was refreshed last stays in force.");
     else if (followed.empty())
-        finding = problem(subject, shown + " has no branch " + (branch.empty() ? "" : branch + " and no ") + mainBranch,
-                          "Check the URL, or tell the store's maintainer.");
+        finding = problem(
+            subject, shown + " has no branch " + (branch.empty() ? "" : branch + " and no ") + HSCPlazName::mainBranch,
+            "Check the URL, or tell the store's maintainer.");
     else if (branch.empty() || followed == branch)
         finding = ok(subject, shown + " answers (" + after + ") and has the branch " + followed);
     else

@@ -4,6 +4,7 @@
 
 #include "plaz/HSCPlazInspection.h"
 #include "plaz/HSCPlazTaskMgr.h"
+#include "plaz/base/HSCPlazStoreLayout.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/HSCPlazQStoreModel.h"
 #include "support/HPAParamMgr.h"
@@ -29,7 +30,7 @@ Finding doctor::checkCatalog(HSCPlazQStore& store) {
     const HSCPlazQStoreModel& model = *store.getModel();
     const std::string subject = subjectOf(store.getName(), "catalog");
     const std::string refresh = "plaz refresh " + store.getName();
-    const std::string area = HSCPlazInspection::getLayout(model).getArea();
+    const std::string area = HSCPlazInspection::getArea(model);
     const bool isRefreshed =
         HSCPlazStoreLayout::isComplete(area) && HUTFile::exists(area + "/" + model.getMetadataFile());
     const std::string dir = isRefreshed ? area : model.getGdaDataLoc();
@@ -67,7 +68,7 @@ Finding doctor::checkDatabase(const HSCPlazQStore& store) {
 
 Finding doctor::checkWorkingCopy(const HSCPlazQStoreModel& store, const std::string& trial) {
     const std::string subject = subjectOf(store.getName(), "working copy");
-    const std::string dir = HSCPlazInspection::getLayout(store).getIndex();
+    const std::string dir = HSCPlazInspection::getWorkingCopy(store);
     const std::string refresh = "plaz refresh " + store.getName();
     if (!HUTFile::exists(dir)) return ok(subject, "none yet; the first refresh or installation makes it");
     if (!HSCPlazStoreLayout::isComplete(dir))

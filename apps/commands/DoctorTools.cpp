@@ -3,6 +3,7 @@
 #include "DoctorChecks.h"
 
 #include "plaz/HSCPlazInspection.h"
+#include "plaz/base/HSCPlazNames.h"
 #include "plaz/base/HSCPlazProduct.h"
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/bindings/HSCPlazSwigIntf.h"
@@ -37,7 +38,7 @@ std::size_t count(const std::string& text, const std::string& what) {
 
 /// What put a proxy into a new working copy; empty for nothing of ours.
 std::string chooserOfProxy(const std::string& key) {
-    const std::string param = key == "http.proxy" ? "plaz.http_proxy" : "plaz.https_proxy";
+    const std::string param = key == "http.proxy" ? HSCPlazName::httpProxy : "plaz.https_proxy";
     const HSCPlazProduct::ProxySource source = HSCPlazProduct::getProxySource();
     if (source == HSCPlazProduct::ProxySource::parameters &&
         !HPAParamMgr::getParamMgr().getValueAsString(param).empty())

@@ -1,7 +1,6 @@
 #include "Secrets.h"
 
-#include "HubPreferences.h"
-
+#include "plaz/base/HSCPlazNames.h"
 #include "plaz/base/HSCPlazTrust.h"
 #include "support/HCCXPrefMgr.h"
 #include "support/HPAParamMgr.h"
@@ -51,7 +50,7 @@ bool isHarmlessParam(const std::string& name) {
 }
 
 bool isHarmlessPreference(const std::string& name) {
-    return HUTText::equalIgnoringCase(name, storesPathPreference);
+    return HUTText::equalIgnoringCase(name, HSCPlazName::storesPath);
 }
 
 /// Whether @p setter stands in the command, on its own or in another command, with a name behind it that is not,

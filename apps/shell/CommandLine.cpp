@@ -14,7 +14,7 @@ constexpr const char* about = "Lists, installs and updates the items of the cont
 constexpr const char* sharedNote = "The options of plaz itself (see plaz --help) may stand behind a command as well.";
 constexpr const char* notes =
     R"(An ITEM is a name, with @REVISION behind it for one revision and STORE:: before it where
-several stores have an item of that name: sample_boards::starter@1.0.
+several stores have an item of that name: boards::clocking@1.0.
 
 Exit status: 0 done, 1 the operation failed, 2 wrong usage, 130 cancelled (Ctrl-C).
 

@@ -9,6 +9,7 @@
 #include "TclText.h"
 #include "TextTable.h"
 
+#include "plaz/base/HSCPlazNames.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
@@ -23,7 +24,7 @@ using Texts = std::vector<std::string>;
 
 // What current_solvan_preferences returns. It is no reference, so that no item can be meant by it.
 constexpr const char* preferencesText = "::plaz::preferences";
-const Texts preferenceNames{storesPathPreference, proxyPreference};
+const Texts preferenceNames{HSCPlazName::storesPath, HSCPlazName::httpProxy};
 
 /// What properties are asked of: a store, an item or, both null, the preferences.
 struct Object {

@@ -29,14 +29,17 @@ public:
     std::string getDefaultDatabase() const override { return paths.getDefaultLocalDbFile(); }
     std::string getLockFile() const override { return paths.getLockFile(); }
     HSCPlazStoreLayout getLayout(const HSCPlazQStoreModel& store) const override { return paths.getStoreLayout(store); }
+    HSCPlazWorkLayout getWorkLayout(const HSCPlazQStoreModel& store) const override {
+        return paths.getWorkLayout(store);
+    }
     std::string getItemDir(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item) const override {
         return paths.getItemDir(store, item);
     }
-    HSCPlazStoreLayout getLayout(const HSCPlazPathMgr& given, const HSCPlazQStoreModel& store) const override {
-        return given.getStoreLayout(store);
+    HSCPlazWorkLayout getWorkLayout(const HSCPlazPathMgr& given, const HSCPlazQStoreModel& store) const override {
+        return given.getWorkLayout(store);
     }
     std::string getHubStagingDir(const HSCPlazPathMgr& given, const std::string& root) const override {
-        return given.getStagingPath(root);
+        return given.getStagingDir(root);
     }
     void setDatabaseVersion(const std::string& major, const std::string& /*minor*/) override { databaseMajor = major; }
 

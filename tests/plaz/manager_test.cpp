@@ -24,7 +24,7 @@ TEST_F(ManagerTest, AnswersForItsHub) {
                      "https://hub.example.org/hub.git"}));
     EXPECT_EQ((Names{context.getDefaultDatabase(), context.getLockFile(), context.getHubStagingDir(paths, "hub"),
                      context.getItemDir(store, item), context.getLayout(store).getDatabase(),
-                     context.getLayout(paths, store).getIndex()}),
+                     context.getWorkLayout(paths, store).getIndex()}),
               (Names{files.area("plaz_local_db.json"), files.area("plaz.lock"), files.area("hub/.staging"),
                      files.area("board_store/items/aurora/1"), files.area("board_store/.plaz/plaz_local_db.json"),
                      files.area("board_store/.plaz/.index")}));

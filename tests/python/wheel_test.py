@@ -1,10 +1,11 @@
 """Installs the package with pip in an environment of its own, uses it there and removes it again."""
 
+import os
 import pathlib
 import sys
 import unittest
 
-from support.hubtest import SCRATCH, TREE, make_env, make_hub, succeed
+from support.hubtest import BUILD, SCRATCH, TREE, make_env, make_hub, succeed
 
 PACKAGE = TREE / "apps/python"
 USE = """
@@ -16,6 +17,14 @@ loaded = {line.split()[-1] for line in open("/proc/self/maps") if "libplaz" in l
 assert loaded == {str(home / "lib/libplaz.so.1"), str(home / "lib/libplazhost.so.1")}, loaded
 assert (home / "__init__.pyi").is_file() and (home / "py.typed").is_file()
 """
+
+
+# What was compiled before is taken from the compiler's cache: the user's, and below the tree its keys are the same in
+# every checkout.
+COMPILING = {
+    "CCACHE_DIR": os.environ.get("CCACHE_DIR", str(pathlib.Path.home() / ".cache/ccache")),
+    "TMPDIR": str(BUILD),
+}
 
 
 def list_files(directory):
@@ -30,7 +39,7 @@ class WheelTest(unittest.TestCase):
         data, venv = make_hub(scratch / "sample") / "data", scratch / "venv"
 
         def run(*command, roots=()):
-            succeed(*command, env=make_env(scratch / "home", *roots), cwd=scratch, timeout=1100)
+            succeed(*command, env=make_env(scratch / "home", *roots, **COMPILING), cwd=scratch, timeout=1100)
 
         run(sys.executable, "-m", "venv", "--system-site-packages", venv)
         before, sources = list_files(venv), list_files(PACKAGE)

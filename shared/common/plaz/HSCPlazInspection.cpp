@@ -70,8 +70,12 @@ HSCPlazInspection::Answer HSCPlazInspection::askRemote(const std::string& url, c
     return toAnswer(HSCPlazGitRemote::ask(url, access, dir));
 }
 
-HSCPlazStoreLayout HSCPlazInspection::getLayout(const HSCPlazQStoreModel& store) {
-    return workspace().paths.getStoreLayout(store);
+std::string HSCPlazInspection::getArea(const HSCPlazQStoreModel& store) {
+    return workspace().paths.getStoreArea(store);
+}
+
+std::string HSCPlazInspection::getWorkingCopy(const HSCPlazQStoreModel& store) {
+    return workspace().paths.getWorkLayout(store).getIndex();
 }
 
 bool HSCPlazInspection::isForeign(const HSCPlazQStoreModel& store) {

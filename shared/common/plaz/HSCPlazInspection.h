@@ -1,6 +1,5 @@
 #pragma once
 
-#include "plaz/base/HSCPlazStoreLayout.h"
 #include "plaz/base/PlazExport.h"
 
 #include <string>
@@ -45,8 +44,9 @@ PLAZ_API Answer checkIntegrity(const std::string& dir);
 /// @param dir  a working copy, whose settings apply
 PLAZ_API Answer askRemote(const std::string& url, const std::string& dir);
 
-/// Where a store keeps what. @throws HEXAll where its area cannot be named
-PLAZ_API HSCPlazStoreLayout getLayout(const HSCPlazQStoreModel& store);
+/// Where a store keeps its items and its catalog. @throws HEXAll where that cannot be named
+PLAZ_API std::string getArea(const HSCPlazQStoreModel& store);
+PLAZ_API std::string getWorkingCopy(const HSCPlazQStoreModel& store);
 /// The store's working copy is of another URL, or of other credentials, than the store is now.
 PLAZ_API bool isForeign(const HSCPlazQStoreModel& store);
 /// A user id or token is set for the store.

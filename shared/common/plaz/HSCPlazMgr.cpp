@@ -11,8 +11,6 @@
 #include "support/HUTFile.h"
 #include "support/HUTOnce.h"
 
-#include <algorithm>
-
 namespace {
 
 /// Answers for the manager's hub.
@@ -50,20 +48,22 @@ public:
     std::string getDefaultDatabase() const override { return m_workspace.paths.getDefaultLocalDbFile(); }
     std::string getLockFile() const override { return m_workspace.paths.getLockFile(); }
     HSCPlazStoreLayout getLayout(const HSCPlazQStoreModel& store) const override {
-        return getLayout(m_workspace.paths, store);
+        return m_workspace.paths.getStoreLayout(store);
+    }
+    HSCPlazWorkLayout getWorkLayout(const HSCPlazQStoreModel& store) const override {
+        return m_workspace.paths.getWorkLayout(store);
     }
     std::string getItemDir(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item) const override {
         return m_workspace.paths.getItemDir(store, item);
     }
-    HSCPlazStoreLayout getLayout(const HSCPlazPathMgr& paths, const HSCPlazQStoreModel& store) const override {
-        return paths.getStoreLayout(store);
+    HSCPlazWorkLayout getWorkLayout(const HSCPlazPathMgr& paths, const HSCPlazQStoreModel& store) const override {
+        return paths.getWorkLayout(store);
     }
     std::string getHubStagingDir(const HSCPlazPathMgr& paths, const std::string& root) const override {
-        return paths.getStagingPath(root);
+        return paths.getStagingDir(root);
     }
     void setDatabaseVersion(const std::string& major, const std::string& minor) override {
-        if (!major.empty()) m_workspace.databases.setMajorVersion(major);
-        if (!minor.empty()) m_workspace.databases.setMinorVersion(minor);
+        m_workspace.databases.takeVersion(major, minor);
     }
 
 private:
@@ -125,10 +125,7 @@ HSCPlazWorkspace& HSCPlazMgr::getWorkspace() {
 }
 
 HSCPlazQStore* HSCPlazMgr::getCurrentStore() const {
-    if (!m_workspace->hub) return nullptr;
-    const auto& stores = m_workspace->hub->getStores();
-    const bool isThere = std::count(stores.begin(), stores.end(), m_workspace->currentStore) > 0;
-    return isThere ? m_workspace->currentStore : nullptr;
+    return m_workspace->findCurrentStore();
 }
 
 void HSCPlazMgr::setCurrentStore(HSCPlazQStore* store) {
@@ -144,6 +141,7 @@ void HSCPlazMgr::loadStoreCatalog(HSCPlazModel* hubModel, HSCPlazQStoreModel* st
 void HSCPlazMgr::loadStoreCatalog(HSCPlaz* hub, HSCPlazQStore* store, bool shared) {
     HSCPlazDebugLog::inside("HSCPlazMgr::loadStoreCatalog", " ");
     if (!hub || !store || !store->getModel()) return;
+    getHub();
     HSCPlazReport report;
     HSCPlazHubBuilder(*m_workspace, report).reloadStore(*hub, *store, shared);
     report.send();

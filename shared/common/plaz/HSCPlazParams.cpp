@@ -1,5 +1,7 @@
 #include "plaz/HSCPlazParams.h"
 
+#include "plaz/base/HSCPlazNames.h"
+
 #include "support/HPAParamMgr.h"
 
 namespace {
@@ -15,7 +17,7 @@ void registerAccessParams(HPAParamMgr& params) {
     params.setHidden("plaz.gitTimeout", true);
     params.registerBoolParam("plaz.enableDebugGit", "Enable git debugging for plaz", false);
     params.setHidden("plaz.enableDebugGit", true);
-    params.registerStringParam("plaz.http_proxy", "Http proxy for plaz", "");
+    params.registerStringParam(HSCPlazName::httpProxy, "Http proxy for plaz", "");
     params.registerStringParam("plaz.https_proxy", "Https proxy for plaz", "");
     params.registerStringParam("plaz.product_name", "Name of the product", "");
     params.registerStringParam("plaz.product_version", "Release Version of the product", "");

@@ -1,15 +1,16 @@
 #include "plaz/HSCPlazPathsInForce.h"
 
 #include "plaz/HSCPlazMgr.h"
+#include "plaz/base/HSCPlazNames.h"
 #include "plaz/base/HSCPlazProduct.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazModel.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/HSCPlazQStoreModel.h"
 #include "plaz/model/repo/git/HSCPlazGitProgram.h"
+#include "plaz/store/HSCPlazPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "support/HCCXPrefMgr.h"
-#include "support/HPAParamMgr.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
 
@@ -25,7 +26,7 @@ const HSCPlazWorkspace& workspace() {
     return HSCPlazMgr::getInstance().getWorkspace();
 }
 
-constexpr const char* applicationData = "<application data>/<product version>";
+constexpr const char* byDefault = "default: <application data>/<product version>/plaz";
 
 /// "GDA_X" when that variable is set, else @p otherwise.
 std::string chosenBy(const std::string& variable, const std::string& otherwise) {
@@ -44,14 +45,15 @@ Path inForce(const std::string& name, const std::function<std::string()>& rule, 
 }
 
 std::string chooserOfUserArea() {
-    const std::vector<std::string> preference = HCCXPrefMgr::getInstance().getDefaultXPref().getVal("QSTORES_PATH");
+    const std::vector<std::string> preference =
+        HCCXPrefMgr::getInstance().getDefaultXPref().getVal(HSCPlazName::storesPath);
     const bool isPreferred = !preference.empty() && !preference.front().empty();
-    return chosenBy("ZENTOR_PLAZ_USERAREA_ROOT_DIR",
-                    isPreferred ? "preference QSTORES_PATH" : std::string("default: ") + applicationData + "/plaz");
+    return chosenBy(HSCPlazName::userAreaRootVariable,
+                    isPreferred ? std::string("preference ") + HSCPlazName::storesPath : byDefault);
 }
 
 std::string chooserOfUserRepository() {
-    return chosenBy("ZENTOR_PLAZ_USER_REPO_PATH", std::string("default: ") + applicationData + "/plaz");
+    return chosenBy(HSCPlazName::userRepoVariable, byDefault);
 }
 
 std::string chooserOfData() {
@@ -68,14 +70,14 @@ std::string chooserOfStoreArea(const HSCPlazQStore& store) {
     if (dir.empty()) return "user repository and store root (" + chooserOfUserRepository() + ")";
     if (!HSCPlazMgr::getInstance().getHubRepoInfoMgr()->getStoreDirectory(store.getName()).empty())
         return "chosen for the store (plaz_stores.json)";
-    if (!HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableBoardStoreDefaultLocation"))
+    if (!HSCPlazPlaces::hasDefaultLocations())
         return "user repository and store root (" + chooserOfUserRepository() + ")";
     return "default location of the store (parameter plaz.enableBoardStoreDefaultLocation)";
 }
 
 /// Empty where nothing is shipped.
 std::string findShippedData(const HSCPlazQStoreModel& store) {
-    const std::string dir = workspace().paths.getStoresDataDir() + "/" + store.getRoot();
+    const std::string dir = workspace().paths.getShippedDir(store);
     return HUTFile::isDirectory(dir) ? dir : std::string();
 }
 
@@ -83,20 +85,19 @@ StorePaths pathsOf(const HSCPlazQStore& store) {
     const HSCPlazQStoreModel& model = *store.getModel();
     const HSCPlazPathMgr& paths = workspace().paths;
     const std::string own = store.getLocalDbFilePath();
-    return {
-        store.getName(),
-        {inForce(
-             "store area", [&] { return paths.getStoreArea(model); }, chooserOfStoreArea(store)),
-         inForce(
-             "working copy", [&] { return paths.getStoreLayout(model).getIndex(); }, "beside the staging directory"),
-         inForce(
-             "staging", [&] { return paths.getStoreLayout(model).getStaging(); },
-             store.getLocalRootDir().empty() ? "in the user area" : "in the store area"),
-         inForce(
-             "database", [&] { return own.empty() ? paths.getStoreLayout(model).getDatabase() : own; },
-             "in the store area"),
-         inForce(
-             "shipped data", [&] { return findShippedData(model); }, "stores data and store root")}};
+    return {store.getName(),
+            {inForce(
+                 "store area", [&] { return paths.getStoreArea(model); }, chooserOfStoreArea(store)),
+             inForce(
+                 "working copy", [&] { return paths.getWorkLayout(model).getIndex(); }, "beside the staging directory"),
+             inForce(
+                 "staging", [&] { return paths.getWorkLayout(model).getStaging(); },
+                 store.getLocalRootDir().empty() ? "in the user area" : "in the store area"),
+             inForce(
+                 "database", [&] { return own.empty() ? paths.getStoreLayout(model).getDatabase() : own; },
+                 "in the store area"),
+             inForce(
+                 "shipped data", [&] { return findShippedData(model); }, "stores data and store root")}};
 }
 
 /// What a refresh of the hub has brought goes before what is shipped.
@@ -113,7 +114,7 @@ Path findHubMetadata(const std::string& chooserOfShipped) {
 
 std::vector<Path> HSCPlazPathsInForce::ofHub() {
     const HSCPlazPathMgr& paths = workspace().paths;
-    const std::string localRoot = chosenBy("ZENTOR_PLAZ_LOCAL_ROOT_DIR", chooserOfData());
+    const std::string localRoot = chosenBy(HSCPlazName::localRootVariable, chooserOfData());
     return {inForce("application data", HUTEnv::getHDIAppDataDir, chosenBy("GDA_APPDATA_DIR", "default: ~/.Zentor")),
             inForce(
                 "application root", [] { return HUTEnv::getGDAAppRoot(""); },
@@ -127,7 +128,7 @@ std::vector<Path> HSCPlazPathsInForce::ofHub() {
                 "configuration", [&] { return paths.getConfigFile(); }, localRoot),
             inForce(
                 "stores data", [&] { return paths.getStoresDataDir(); },
-                chosenBy("ZENTOR_PLAZ_SHARED_ROOT_DIR", localRoot)),
+                chosenBy(HSCPlazName::sharedRootVariable, localRoot)),
             inForce(
                 "schema root", [&] { return paths.getSchemaRoot(); }, chooserOfData()),
             inForce(

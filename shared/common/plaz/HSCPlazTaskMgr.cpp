@@ -9,6 +9,7 @@
 #include "plaz/model/HSCPlazUpdateDecision.h"
 #include "plaz/model/repo/HSCPlazGit.h"
 #include "plaz/model/repo/HSCPlazRepoFactory.h"
+#include "plaz/model/repo/git/HSCPlazGitParams.h"
 #include "plaz/model/repo/git/HSCPlazGitProxies.h"
 #include "plaz/store/HSCPlazChosenDirectory.h"
 #include "plaz/store/HSCPlazWorkspace.h"
@@ -20,7 +21,6 @@
 #include "plaz/tasks/HSCPlazUninstallTask.h"
 #include "plaz/tasks/HSCPlazUpdateCheckTask.h"
 #include "plaz/tasks/HSCPlazUpdateTask.h"
-#include "support/HPAParamMgr.h"
 #include "support/HUTFile.h"
 
 #include <map>
@@ -64,8 +64,7 @@ std::string catalogPath(const HSCPlazQStore* store) {
 }
 
 bool mayRefreshHub(HSCPlazTask& task) {
-    return HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableRemoteAccess") ||
-           task.fail(Msg::hubRemoteAccessOff, task.getHub().getRoot());
+    return HSCPlazGitParams::isRemoteAccessEnabled() || task.fail(Msg::hubRemoteAccessOff, task.getHub().getRoot());
 }
 
 bool refreshHub(HSCPlazTask& task, std::map<std::string, HSCPlazReport>& failed) {
@@ -84,7 +83,7 @@ bool mayBeMoved(const HSCPlazQStore* store, const std::string& dir) {
 
 bool isFree(HSCPlazTask& task, const HSCPlazQStore& store, const std::string& dir) {
     const HSCPlazQStore* user = HSCPlazChosenDirectory::findUser(store, dir);
-    return !user || task.fail(Msg::dirUsedByOtherStore, user->getName(), dir);
+    return !user || task.fail(Msg::dirUsedByOtherStore, user->getName(), HUTFile::getCanonicalName(dir));
 }
 
 } // namespace
@@ -158,7 +157,7 @@ HSCPlazStoreResult HSCPlazTaskMgr::checkStore(HSCPlazQStore& store, HDGUIStatus*
     HSCPlazUpdateCheck check;
     bool isFetched = false;
     task.guard([&] {
-        const HSCPlazStoreLayout layout = workspace().paths.getStoreLayout(*store.getModel());
+        const HSCPlazWorkLayout layout = workspace().paths.getWorkLayout(*store.getModel());
         isFetched = isRefreshed(&store) && HSCPlazStoreLayout::isComplete(layout.getIndex());
         if (isFetched) check = HSCPlazUpdateCheckTask::look(task, *store.getModel(), HSCPlazGitProxies::getPreferred());
         return true;
@@ -166,7 +165,9 @@ HSCPlazStoreResult HSCPlazTaskMgr::checkStore(HSCPlazQStore& store, HDGUIStatus*
     if (!isFetched && task.getReport().isEmpty()) return resultOf(task, store, StoreOutcome::outdated);
     if (const std::optional<bool> moved = check.getAnswer())
         return resultOf(task, store, *moved ? StoreOutcome::outdated : StoreOutcome::upToDate);
-    task.fail(Msg::storeNotChecked, store.getName(), check.reason);
+    const ComMsgMgrInstance* failure = task.getReport().findError();
+    task.fail(Msg::storeNotChecked, store.getName(),
+              check.reason.empty() && failure ? failure->getMessage() : check.reason);
     return resultOf(task, store, StoreOutcome::unknown);
 }
 
@@ -216,8 +217,8 @@ bool HSCPlazTaskMgr::hasUpdate(HSCPlazQStore* store) {
 }
 
 bool HSCPlazTaskMgr::hasUpdate(HSCPlazQStore* store, const std::string& proxy) {
-    if (!store || !store->getModel() || !store->getHub() || !gitRepo()) return false;
-    HSCPlazTask task(workspace(), *store->getHub(), nullptr);
+    if (!store || !store->getModel() || !gitRepo()) return false;
+    HSCPlazTask task(workspace(), *workspace().hub, nullptr);
     // RATIONALE: as it always has, it goes by the first line of git's log alone, even where that tells of a failure.
     return HSCPlazUpdateCheckTask::look(task, *store->getModel(), proxy).moved.value_or(false);
 }

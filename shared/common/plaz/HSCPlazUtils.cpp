@@ -2,6 +2,7 @@
 
 #include "plaz/base/HSCPlazContext.h"
 #include "plaz/base/HSCPlazMsg.h"
+#include "plaz/base/HSCPlazNames.h"
 #include "plaz/base/HSCPlazProduct.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQStore.h"
@@ -46,7 +47,7 @@ std::string HSCPlazUtils::getStoreTypeStringValue(HSCPlazTypes::StoreType type) 
 }
 
 bool HSCPlazUtils::useLocalStore() {
-    return HUTEnv::isYes("ZENTOR_PLAZ_LOCAL_USER_DATA");
+    return HUTEnv::isYes(HSCPlazName::localUserDataVariable);
 }
 
 std::string HSCPlazUtils::getPlazRootDir() {

@@ -43,13 +43,15 @@ public:
     virtual std::string getLockFile() const { return {}; }
     /// @throws HEXAll where a store's area cannot be named
     virtual HSCPlazStoreLayout getLayout(const HSCPlazQStoreModel& /*store*/) const { return {}; }
+    virtual HSCPlazWorkLayout getWorkLayout(const HSCPlazQStoreModel& /*store*/) const { return HSCPlazWorkLayout(); }
     virtual std::string getItemDir(const HSCPlazQStoreModel& /*store*/, const HSCPlazQItemModel& /*item*/) const {
         return {};
     }
     /// The same of a path manager that a caller has brought: where a store is kept, where the hub's repository is
     /// fetched.
-    virtual HSCPlazStoreLayout getLayout(const HSCPlazPathMgr& /*paths*/, const HSCPlazQStoreModel& /*store*/) const {
-        return {};
+    virtual HSCPlazWorkLayout getWorkLayout(const HSCPlazPathMgr& /*paths*/,
+                                            const HSCPlazQStoreModel& /*store*/) const {
+        return HSCPlazWorkLayout();
     }
     virtual std::string getHubStagingDir(const HSCPlazPathMgr& /*paths*/, const std::string& /*root*/) const {
         return {};

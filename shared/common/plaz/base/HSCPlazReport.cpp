@@ -1,6 +1,16 @@
 #include "plaz/base/HSCPlazReport.h"
 
 #include <algorithm>
+#include <functional>
+#include <iterator>
+
+namespace {
+
+bool isError(const HSCPlazReport::Note& note) {
+    return note.severity == MsgSeverity::error || note.severity == MsgSeverity::fileError;
+}
+
+} // namespace
 
 void HSCPlazReport::append(const HSCPlazReport& other) {
     m_notes.insert(m_notes.end(), other.m_notes.begin(), other.m_notes.end());
@@ -12,10 +22,13 @@ HSCPlazReport HSCPlazReport::getBehind(std::size_t count) const {
     return rest;
 }
 
+HSCPlazReport HSCPlazReport::withoutErrors() const {
+    HSCPlazReport rest;
+    std::copy_if(m_notes.begin(), m_notes.end(), std::back_inserter(rest.m_notes), std::not_fn(isError));
+    return rest;
+}
+
 const ComMsgMgrInstance* HSCPlazReport::findError() const {
-    const auto isError = [](const Note& note) {
-        return note.severity == MsgSeverity::error || note.severity == MsgSeverity::fileError;
-    };
     const auto found = std::find_if(m_notes.begin(), m_notes.end(), isError);
     return found == m_notes.end() ? nullptr : &found->message;
 }

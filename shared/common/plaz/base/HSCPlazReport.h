@@ -37,6 +37,8 @@ public:
     const std::vector<Note>& getNotes() const { return m_notes; }
     /// What was added behind the first @p count notes.
     HSCPlazReport getBehind(std::size_t count) const;
+    /// What is told of an operation that somebody ended on purpose.
+    HSCPlazReport withoutErrors() const;
     /// The first error, which is the cause of those behind it; null when there is none.
     const ComMsgMgrInstance* findError() const;
 

@@ -4,6 +4,30 @@
 
 #include <string>
 
+/// Where git works for one store: its working copy and its staging directory. Unlike the store's area these can always
+/// be named.
+class PLAZ_API HSCPlazWorkLayout {
+public:
+    /// Nowhere: every name is empty.
+    HSCPlazWorkLayout() = default;
+    /// In generic form.
+    explicit HSCPlazWorkLayout(std::string work) : m_work(std::move(work)) {}
+
+    std::string getIndex() const { return below(below(m_work, hiddenDir), ".index"); }
+    std::string getStaging() const { return below(m_work, stagingDir); }
+
+    static constexpr const char* hiddenDir = ".plaz";
+    static constexpr const char* stagingDir = ".staging";
+
+protected:
+    static std::string below(const std::string& dir, const char* name) {
+        return dir.empty() ? std::string() : dir + "/" + name;
+    }
+
+private:
+    std::string m_work;
+};
+
 /// Where one store keeps what on this machine: every folder and file of its area, each named in this one place.
 ///
 ///     <area>/<item root>[/<revision>]           an installed item
@@ -15,10 +39,8 @@
 ///     <work>/.staging                           where a checkout is made; gone between commands
 ///
 /// <work> is the area, but for a store without a directory of its own it may lie elsewhere.
-class PLAZ_API HSCPlazStoreLayout {
+class PLAZ_API HSCPlazStoreLayout : public HSCPlazWorkLayout {
 public:
-    static constexpr const char* hiddenDir = ".plaz";
-    static constexpr const char* stagingDir = ".staging";
     static constexpr const char* doneMarker = ".done";
     static constexpr const char* gitDir = ".git";
     static constexpr const char* databaseFile = "plaz_local_db.json";
@@ -30,7 +52,8 @@ public:
     /// Nowhere: every name is empty.
     HSCPlazStoreLayout() = default;
     /// Both in generic form.
-    HSCPlazStoreLayout(std::string area, std::string work) : m_area(std::move(area)), m_work(std::move(work)) {}
+    HSCPlazStoreLayout(std::string area, std::string work)
+        : HSCPlazWorkLayout(std::move(work)), m_area(std::move(area)) {}
 
     const std::string& getArea() const { return m_area; }
     std::string getHiddenDir() const { return below(m_area, hiddenDir); }
@@ -39,8 +62,6 @@ public:
     std::string getDatabase() const { return below(getHiddenDir(), databaseFile); }
     std::string getIncoming() const { return below(getHiddenDir(), ".incoming"); }
     std::string getOutgoing() const { return below(getHiddenDir(), ".outgoing"); }
-    std::string getIndex() const { return below(below(m_work, hiddenDir), ".index"); }
-    std::string getStaging() const { return below(m_work, stagingDir); }
 
     /// Whether what a directory holds (a working copy, a catalog) came whole. @param dir  empty: no
     static bool isComplete(const std::string& dir);
@@ -50,10 +71,5 @@ public:
     static void unmark(const std::string& dir);
 
 private:
-    static std::string below(const std::string& dir, const char* name) {
-        return dir.empty() ? std::string() : dir + "/" + name;
-    }
-
     std::string m_area;
-    std::string m_work;
 };

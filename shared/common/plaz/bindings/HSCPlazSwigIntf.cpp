@@ -4,6 +4,7 @@
 #include "plaz/HSCPlazTaskMgr.h"
 #include "plaz/base/HSCPlazDebugLog.h"
 #include "plaz/base/HSCPlazMsg.h"
+#include "plaz/base/HSCPlazNames.h"
 #include "plaz/base/HSCPlazProduct.h"
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/base/HSCPlazUrl.h"
@@ -19,9 +20,6 @@
 #include <memory>
 
 namespace {
-
-constexpr const char* httpProxyName = "plaz.http_proxy";
-constexpr const char* storesPathName = "QSTORES_PATH";
 
 HSCPlaz& hub() {
     return HSCPlazMgr::getInstance().getHub();
@@ -123,18 +121,19 @@ std::string HSCPlazSwigIntf::getHttpProxy() {
 void HSCPlazSwigIntf::setHttpProxy(const std::string& proxy) {
     const bool isParameter = HSCPlazProduct::getProxySource() == HSCPlazProduct::ProxySource::parameters;
     if (isParameter) requirePlain(HSCPlazTrust::isPlainTclText(proxy), HSCPlazTrust::maskProxy(proxy));
-    preferences().setVal(httpProxyName, {proxy});
+    preferences().setVal(HSCPlazName::httpProxy, {proxy});
     HCCXPrefUtils::savePreferences();
-    if (isParameter) evaluate("set_param plaz.http_proxy " + proxy);
+    if (isParameter) evaluate(std::string("set_param ") + HSCPlazName::httpProxy + " " + proxy);
 }
 
 std::string HSCPlazSwigIntf::getQStoresPath() {
-    const std::vector<std::string> paths = preferences().getVal(storesPathName);
+    const std::vector<std::string> paths = preferences().getVal(HSCPlazName::storesPath);
     const auto found = std::find_if(paths.begin(), paths.end(), [](const std::string& path) { return !path.empty(); });
     return found == paths.end() ? std::string() : *found;
 }
 
 bool HSCPlazSwigIntf::setQStoresPath(const std::string& path) {
     requirePlain(HSCPlazTrust::isPlainTclText(path), path);
-    return evaluate("set_property QSTORES_PATH " + path + " [current_solvan_preferences]");
+    return evaluate(std::string("set_property ") + HSCPlazName::storesPath + " " + path +
+                    " [current_solvan_preferences]");
 }

@@ -102,7 +102,7 @@ void HSCPlazQStore::setInstallDir(const std::string& value) {
     if (m_model) m_model->setInstallDir(value);
 }
 std::string HSCPlazQStore::getStagingRootDir() const {
-    return m_model ? HSCPlazContext::get().getLayout(*m_model).getStaging() : std::string();
+    return m_model ? HSCPlazContext::get().getWorkLayout(*m_model).getStaging() : std::string();
 }
 std::string HSCPlazQStore::getItemCatalogFile() const {
     return m_model ? m_model->getCatalogFile() : std::string();

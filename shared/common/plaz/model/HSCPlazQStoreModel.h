@@ -1,5 +1,6 @@
 #pragma once
 
+#include "plaz/base/HSCPlazNames.h"
 #include "plaz/base/PlazExport.h"
 #include "plaz/model/HSCPlazBaseModel.h"
 #include "plaz/model/HSCPlazQItemModel.h"
@@ -55,7 +56,7 @@ public:
     /// The one set for the store, without the one that its metadata names.
     const std::string& getOwnBranch() const { return m_branch; }
     /// The branch to follow, "master" where none is named.
-    std::string getBranchOrMaster() const { return getBranch().empty() ? "master" : getBranch(); }
+    std::string getBranchOrMaster() const { return getBranch().empty() ? HSCPlazName::mainBranch : getBranch(); }
     const std::string& getBranchToSync() const { return m_branchToSync; }
     void setBranchToSync(const std::string& value) { m_branchToSync = value; }
     /// Branch that the local copy is on.

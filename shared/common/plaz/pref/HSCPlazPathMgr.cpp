@@ -1,5 +1,6 @@
 #include "plaz/pref/HSCPlazPathMgr.h"
 
+#include "plaz/base/HSCPlazNames.h"
 #include "plaz/base/HSCPlazProduct.h"
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/HSCPlazCfgModel.h"
@@ -16,10 +17,6 @@
 
 namespace {
 
-constexpr const char* userAreaRootVariable = "ZENTOR_PLAZ_USERAREA_ROOT_DIR";
-constexpr const char* localRootVariable = "ZENTOR_PLAZ_LOCAL_ROOT_DIR";
-constexpr const char* sharedRootVariable = "ZENTOR_PLAZ_SHARED_ROOT_DIR";
-constexpr const char* storesPathPreference = "QSTORES_PATH";
 constexpr const char* productDir = "plaz";
 constexpr const char* sharedDataDir = "common";
 constexpr const char* configFile = "plaz_config.json";
@@ -40,7 +37,7 @@ const HSCPlazCfgModel& configOrDefaults(const HSCPlazCfgModel* config) {
 }
 
 std::string firstStoresPath() {
-    const auto paths = HCCXPrefMgr::getInstance().getDefaultXPref().getVal(storesPathPreference);
+    const auto paths = HCCXPrefMgr::getInstance().getDefaultXPref().getVal(HSCPlazName::storesPath);
     return paths.empty() ? std::string() : paths.front();
 }
 
@@ -52,7 +49,7 @@ std::string withLeaf(const std::string& dir, bool create, const std::string& lea
 /// The directory below which the hub's folder lies; empty when no data root holds it.
 std::string hubBase(const std::string& hubRoot) {
     std::string base;
-    return HUTEnv::getEnv(localRootVariable, base) ? base : HUTEnv::getGDADataDir(hubRoot);
+    return HUTEnv::getEnv(HSCPlazName::localRootVariable, base) ? base : HUTEnv::getGDADataDir(hubRoot);
 }
 
 /// Folders on disk are named by it, so it must be the same with every compiler (FNV-1a).
@@ -66,15 +63,23 @@ std::uint64_t hashOf(const std::string& text) {
 
 std::string HSCPlazPathMgr::getUserAreaRoot(const std::string& subPath, bool create, const std::string& leaf) const {
     std::string root;
-    if (!HUTEnv::getEnv(userAreaRootVariable, root)) {
+    if (!HUTEnv::getEnv(HSCPlazName::userAreaRootVariable, root)) {
         root = firstStoresPath();
-        if (root.empty()) root = join({HUTEnv::getHDIAppDataDir(), HSCPlazProduct::get().version, productDir});
+        if (root.empty()) root = getDefaultUserArea();
     }
     return withLeaf(join({root, subPath}), create, leaf);
 }
 
+std::string HSCPlazPathMgr::getDefaultUserArea() {
+    return join({HUTEnv::getHDIAppDataDir(), HSCPlazProduct::get().version, productDir});
+}
+
 std::string HSCPlazPathMgr::getLocalDataRoot(bool create, const std::string& leaf) const {
     return withLeaf(join({hubBase(productDir), sharedDataDir}), create, leaf);
+}
+
+std::string HSCPlazPathMgr::getStagingDir(const std::string& root) const {
+    return getUserAreaRoot(join({root, HSCPlazStoreLayout::stagingDir}));
 }
 
 std::string HSCPlazPathMgr::getStagingPath(const std::string& root) const {
@@ -103,8 +108,13 @@ std::string HSCPlazPathMgr::getConfigFile() const {
 std::string HSCPlazPathMgr::getStoresDataDir() const {
     const HSCPlazCfgModel& config = configOrDefaults(m_config);
     std::string base;
-    if (!HUTEnv::getEnv(sharedRootVariable, base)) base = hubBase(config.getRoot());
+    if (!HUTEnv::getEnv(HSCPlazName::sharedRootVariable, base)) base = hubBase(config.getRoot());
     return base.empty() ? std::string() : join({base, config.getRoot(), config.getStoresRoot()});
+}
+
+std::string HSCPlazPathMgr::getShippedDir(const HSCPlazQStoreModel& store) const {
+    const std::string base = getStoresDataDir();
+    return base.empty() ? std::string() : join({base, store.getRoot()});
 }
 
 std::string HSCPlazPathMgr::getSchemaRoot() const {
@@ -130,9 +140,16 @@ std::string HSCPlazPathMgr::getStoreArea(const HSCPlazQStoreModel& store) const 
 }
 
 HSCPlazStoreLayout HSCPlazPathMgr::getStoreLayout(const HSCPlazQStoreModel& store) const {
-    const std::string area = getStoreArea(store);
-    if (!store.getLocalRootDir().empty()) return {area, area};
-    return {area, getUserAreaRoot(getStoreFolder(store))};
+    return {getStoreArea(store), getWorkDir(store)};
+}
+
+HSCPlazWorkLayout HSCPlazPathMgr::getWorkLayout(const HSCPlazQStoreModel& store) const {
+    return HSCPlazWorkLayout(getWorkDir(store));
+}
+
+std::string HSCPlazPathMgr::getWorkDir(const HSCPlazQStoreModel& store) const {
+    if (!store.getLocalRootDir().empty()) return join({store.getLocalRootDir()});
+    return getUserAreaRoot(getStoreFolder(store));
 }
 
 std::string HSCPlazPathMgr::getStoreFolder(const HSCPlazQStoreModel& store) {

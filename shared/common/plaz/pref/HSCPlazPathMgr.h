@@ -24,13 +24,17 @@ public:
     void setConfig(const HSCPlazCfgModel* config) { m_config = config; }
 
     /// Root of the user area: "ZENTOR_PLAZ_USERAREA_ROOT_DIR", else the first entry of the preference "QSTORES_PATH",
-    /// else <app-data>/<version>/plaz; then @p subPath, then @p leaf, each where it is not empty.
+    /// else the default one; then @p subPath, then @p leaf, each where it is not empty.
     /// @param create  create the directory (without the leaf) with its parents when it is missing
     std::string getUserAreaRoot(const std::string& subPath = "", bool create = false,
                                 const std::string& leaf = "") const;
+    /// <app-data>/<version>/plaz, without the version where the host names none.
+    static std::string getDefaultUserArea();
     /// Shared read-only data: "common" below "ZENTOR_PLAZ_LOCAL_ROOT_DIR" or below the data root that holds the hub.
     std::string getLocalDataRoot(bool create = false, const std::string& leaf = "") const;
-    /// Staging directory of a hub or store with root name @p root, created when it is missing.
+    /// Staging directory of a hub or store with root name @p root.
+    std::string getStagingDir(const std::string& root) const;
+    /// The same, created when it is missing.
     std::string getStagingPath(const std::string& root) const;
 
     /// The shipped hub metadata file; it need not exist.
@@ -41,6 +45,8 @@ public:
     std::string getConfigFile() const;
     /// Shipped data of all stores: the directory that holds one folder per store.
     std::string getStoresDataDir() const;
+    /// What is shipped of one store; it need not exist.
+    std::string getShippedDir(const HSCPlazQStoreModel& store) const;
     /// The directory that holds "schemas/json"; empty when no data root has it.
     std::string getSchemaRoot() const;
     /// The file in which the stores' directories are recorded.
@@ -57,6 +63,8 @@ public:
     /// directory stand in its folder of the user area.
     /// @throws as getStoreArea
     HSCPlazStoreLayout getStoreLayout(const HSCPlazQStoreModel& store) const;
+    /// The part of it in which git works; never fails.
+    HSCPlazWorkLayout getWorkLayout(const HSCPlazQStoreModel& store) const;
     /// Folder name of a store: its root, else its name, else, where that would lead elsewhere, one made from it.
     static std::string getStoreFolder(const HSCPlazQStoreModel& store);
     /// Folder of an item below its store's area: its root, then its revision where the store keeps several.
@@ -66,5 +74,7 @@ public:
     std::string getItemDir(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item) const;
 
 private:
+    std::string getWorkDir(const HSCPlazQStoreModel& store) const;
+
     const HSCPlazCfgModel* m_config = nullptr;
 };

@@ -3,11 +3,12 @@
 #include "plaz/base/HSCPlazContext.h"
 #include "plaz/base/HSCPlazFileCopy.h"
 #include "plaz/base/HSCPlazMsg.h"
-#include "plaz/base/HSCPlazProduct.h"
+#include "plaz/base/HSCPlazNames.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazCfgModel.h"
 #include "plaz/model/HSCPlazQStore.h"
-#include "support/HPAParamMgr.h"
+#include "plaz/model/repo/git/HSCPlazGitParams.h"
+#include "plaz/pref/HSCPlazPathMgr.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
 
@@ -17,20 +18,8 @@ namespace fs = boost::filesystem;
 
 namespace {
 
-constexpr const char* userRepoVariable = "ZENTOR_PLAZ_USER_REPO_PATH";
-constexpr const char* remoteRepoVariable = "ZENTOR_PLAZ_REMOTE_REPO_PATH";
-// Reserved for a database location of its own; no rule asks for it yet.
-[[maybe_unused]] constexpr const char* localDbVariable = "ZENTOR_PLAZ_LOCAL_DB_PATH";
-constexpr const char* productDir = "plaz";
 constexpr const char* boardsDir = "boards";
 constexpr const char* boardStore = "board";
-
-/// <app-data>/<version>, without the version where the host names none.
-fs::path versionedAppData() {
-    const std::string version = HSCPlazProduct::get().version;
-    const fs::path appData(HUTEnv::getHDIAppDataDir());
-    return version.empty() ? appData : appData / version;
-}
 
 fs::path belowUserRepo(const HSCPlazUserPref& pref, const std::string& localRoot, const std::string& root) {
     if (!localRoot.empty()) return localRoot;
@@ -41,10 +30,10 @@ fs::path belowUserRepo(const HSCPlazUserPref& pref, const std::string& localRoot
 
 fs::path HSCPlazUserPref::getUserRepoPath() const {
     std::string dir;
-    if (!HUTEnv::getEnv(userRepoVariable, dir)) return versionedAppData() / productDir;
+    if (!HUTEnv::getEnv(HSCPlazName::userRepoVariable, dir)) return HSCPlazPathMgr::getDefaultUserArea();
     if (!HUTFile::exists(dir))
-        throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::userRepoPathMissing, userRepoVariable,
-                                       userRepoVariable));
+        throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::userRepoPathMissing,
+                                       HSCPlazName::userRepoVariable, HSCPlazName::userRepoVariable));
     return dir;
 }
 
@@ -58,7 +47,7 @@ fs::path HSCPlazUserPref::getUserRepoPath(const HSCPlazQStoreModel* store) const
 
 fs::path HSCPlazUserPref::getStagingPath() const {
     const HSCPlaz* hub = HSCPlazContext::get().getHub();
-    fs::path staging = versionedAppData() / HSCPlazStoreLayout::stagingDir;
+    fs::path staging = fs::path(HSCPlazPathMgr::getDefaultUserArea()).parent_path() / HSCPlazStoreLayout::stagingDir;
     if (hub && !hub->getRoot().empty()) staging /= hub->getRoot();
     fs::create_directories(staging); // raw: what it throws is meant for the caller
     return staging;
@@ -89,14 +78,14 @@ std::string HSCPlazUserPref::getPlazRemoteRepoPath() const {
     if (config && config->getPlazRepoCfgModel() && !config->getPlazRepoCfgModel()->getUrl().empty())
         return config->getPlazRepoCfgModel()->getUrl();
     std::string location;
-    if (!HUTEnv::getEnv(remoteRepoVariable, location))
-        throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::remoteRepoPathUnset, remoteRepoVariable,
-                                       remoteRepoVariable));
+    if (!HUTEnv::getEnv(HSCPlazName::remoteRepoVariable, location))
+        throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::remoteRepoPathUnset,
+                                       HSCPlazName::remoteRepoVariable, HSCPlazName::remoteRepoVariable));
     return location;
 }
 
 bool HSCPlazUserPref::hasGitAccess() const {
-    return HPAParamMgr::getParamMgr().getValueIfExistAsBool("plaz.enableGitAccess", true);
+    return HSCPlazGitParams::isAccessEnabled();
 }
 
 bool HSCPlazUserPref::useLocalStore(const std::string& storeName) const {

@@ -99,7 +99,7 @@ void HSCPlazCatalogLoader::loadFromArea(HSCPlazQStoreModel& store) const {
 
 bool HSCPlazCatalogLoader::loadFromData(HSCPlazModel& hubModel, HSCPlazQStoreModel& store) const {
     const std::string& name = store.getName();
-    const std::string dataDir = joined(m_paths.getStoresDataDir(), store.getRoot());
+    const std::string dataDir = m_paths.getShippedDir(store);
     inside(loadStoreName, " Store ", name, "dataFilePath: ", dataDir);
     if (!HUTFile::exists(dataDir)) {
         const std::string userDir = joined(joined(m_paths.getUserAreaRoot(), hubModel.getRoot()), store.getRoot());
@@ -154,7 +154,7 @@ void HSCPlazCatalogLoader::loadItems(HSCPlazQStoreModel& store) const {
 void HSCPlazCatalogLoader::loadShipped(HSCPlazModel& hubModel, HSCPlazQStoreModel& store) const {
     if (store.getMetadataFile().empty()) return;
     const bool isRefreshed = hasOwnArea(store) && HSCPlazStoreLayout::isComplete(store.getLocalRootDir());
-    const std::string dataDir = joined(m_paths.getStoresDataDir(), store.getRoot());
+    const std::string dataDir = m_paths.getShippedDir(store);
     if (!HUTFile::isDirectory(dataDir)) {
         // A store that came with a refresh of the hub is not shipped and lacks nothing.
         if (!isRefreshed) m_report.add(Msg::shippedDataMissing, MsgSeverity::warning, store.getName());

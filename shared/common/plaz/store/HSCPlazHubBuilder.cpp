@@ -121,8 +121,8 @@ void HSCPlazHubBuilder::readShared() const {
 void HSCPlazHubBuilder::rebuild(std::unique_ptr<HSCPlazModel> model) const {
     HSCPlaz& hub = *m_workspace.hub;
     const auto& stores = hub.getStores();
-    const bool isSelected = std::count(stores.begin(), stores.end(), m_workspace.currentStore) > 0;
-    const std::string selected = isSelected ? m_workspace.currentStore->getName() : std::string();
+    const HSCPlazQStore* const current = m_workspace.findCurrentStore();
+    const std::string selected = current ? current->getName() : std::string();
     while (!stores.empty()) hub.removeStore(stores.back());
     m_workspace.hubModel = std::move(model);
     // They were placed for the fetch; where they are read from is decided as at start-up.
@@ -132,7 +132,7 @@ void HSCPlazHubBuilder::rebuild(std::unique_ptr<HSCPlazModel> model) const {
     m_workspace.sharedHubModel->setMetadataFile(m_workspace.hubModel->getMetadataFile());
     readStores();
     makeHub();
-    m_workspace.currentStore = isSelected ? hub.getStore(selected) : nullptr;
+    m_workspace.currentStore = current ? hub.getStore(selected) : nullptr;
 }
 
 void HSCPlazHubBuilder::makeHub() const {

@@ -25,14 +25,15 @@ bool describeBy(const HIOStream::Root& root, const std::string& file, HSCPlazJso
     return isIts;
 }
 
-/// Of an item that the catalog has left out nobody says which of its files describes it.
+/// Of an item that the catalog has left out nobody says which of its files describes it; and nobody offers it.
 void describeWithdrawn(const HIOStream::Root& root, const std::string& area, const std::string& folder,
                        HSCPlazJsonDocument& document, HSCPlazQItemModel& item) {
     HSCPlazFindings ofOtherFiles;
     for (const std::string& name : HUTFile::createFileIter(area + "/" + folder))
         if (boost::filesystem::path(name).extension() == ".json" &&
             describeBy(root, folder + "/" + name, document, item, ofOtherFiles))
-            return;
+            break;
+    item.setIsActive(false);
 }
 
 } // namespace

@@ -55,27 +55,27 @@ void HSCPlazLocalDBMgr::takeVersion(const std::string& major, const std::string&
     if (!minor.empty()) m_minor = minor;
 }
 
-bool HSCPlazLocalDBMgr::save(HSCPlaz& hub, HSCPlazQStore* store, const std::string& file) {
-    return save(&hub, store, file);
+bool HSCPlazLocalDBMgr::save(HSCPlaz& hub, HSCPlazQStore* store, std::string file) {
+    return save(&hub, store, std::move(file));
 }
 
-bool HSCPlazLocalDBMgr::save(HSCPlaz* hub, HSCPlazQStore* store, const std::string& file) {
+bool HSCPlazLocalDBMgr::save(HSCPlaz* hub, HSCPlazQStore* store, std::string file) {
     if (m_regressionMode) return true;
     if (!store) {
         HSCPlazDebugLog::within(saveName, " store object is null");
         return true;
     }
-    const std::string unwritten = write(hub, *store, file);
+    file = chooseFile(hub, *store, file);
+    const std::string unwritten = write(*store, file);
     if (!unwritten.empty()) ComMsgMgr::send(Msg::databaseNotSaved, MsgSeverity::error, unwritten);
     return unwritten.empty();
 }
 
 std::string HSCPlazLocalDBMgr::write(const HSCPlaz& hub, HSCPlazQStore& store) {
-    return m_regressionMode ? std::string() : write(&hub, store, "");
+    return m_regressionMode ? std::string() : write(store, chooseFile(&hub, store, ""));
 }
 
-std::string HSCPlazLocalDBMgr::write(const HSCPlaz* hub, HSCPlazQStore& store, const std::string& given) {
-    const std::string file = chooseFile(hub, store, given);
+std::string HSCPlazLocalDBMgr::write(HSCPlazQStore& store, const std::string& file) {
     HSCPlazDebugLog::within(saveName, " Saving local db file of store ", store.getName());
     if (m_damaged.count(file) != 0 && !keepBeside(file)) return file;
     m_damaged.erase(file);

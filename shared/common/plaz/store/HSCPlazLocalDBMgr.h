@@ -32,8 +32,8 @@ public:
     /// In regression mode, for a null store and for a store that is not product specific nothing is written.
     /// Sends Msg::databaseNotSaved when the file cannot be written; the old one then stays.
     /// @return false when the file could not be written
-    bool save(HSCPlaz& hub, HSCPlazQStore* store, const std::string& file);
-    bool save(HSCPlaz* hub, HSCPlazQStore* store, const std::string& file);
+    bool save(HSCPlaz& hub, HSCPlazQStore* store, std::string file);
+    bool save(HSCPlaz* hub, HSCPlazQStore* store, std::string file);
 
     /// Whether a database was written by the running product and release; always so in regression mode.
     bool isValidForProductAndRelease(const std::string& file) const;
@@ -63,9 +63,11 @@ public:
     /// is well.
     std::string write(const HSCPlaz& hub, HSCPlazQStore& store);
 
-private:
+    /// Takes over the layout version that a database carries; empty texts change nothing.
     void takeVersion(const std::string& major, const std::string& minor);
-    std::string write(const HSCPlaz* hub, HSCPlazQStore& store, const std::string& given);
+
+private:
+    std::string write(HSCPlazQStore& store, const std::string& file);
 
     bool m_regressionMode;
     std::set<std::string> m_damaged;

@@ -16,30 +16,27 @@ namespace {
 constexpr const char* boardStoreDir = "board_store";
 constexpr const char* otherStoreDir = "ced_store";
 
-std::string joined(const std::string& dir, const std::string& name) {
-    return dir + HUTFile::getDirSeparator() + name;
-}
+} // namespace
 
-bool hasDefaultLocations() {
+bool HSCPlazPlaces::hasDefaultLocations() {
     return HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableBoardStoreDefaultLocation");
 }
 
-} // namespace
-
 std::string HSCPlazPlaces::getDefaultPlace(const HSCPlazQStoreModel& store) const {
     for (const auto& kept : m_workspace.places.getDefaultFolders())
-        if (kept.store == store.getName()) return joined(m_workspace.paths.getUserAreaRoot(), kept.directory);
+        if (kept.store == store.getName()) return m_workspace.paths.getUserAreaRoot(kept.directory);
     return "";
 }
 
 std::string HSCPlazPlaces::defaultDir(const HSCPlazQStoreModel& store) const {
     const std::string recorded = m_workspace.places.getStoreDirectory(store.getName());
-    if (!recorded.empty()) return store.getRoot().empty() ? recorded : joined(recorded, store.getRoot());
+    if (!recorded.empty())
+        return store.getRoot().empty() ? recorded : recorded + HUTFile::getDirSeparator() + store.getRoot();
     if (!hasDefaultLocations()) return "";
     const std::string kept = getDefaultPlace(store);
     if (!kept.empty()) return kept;
     const bool holdsBoards = HUTText::equalIgnoringCase(store.getStoreType(), "board");
-    return joined(m_workspace.paths.getUserAreaRoot(), holdsBoards ? boardStoreDir : otherStoreDir);
+    return m_workspace.paths.getUserAreaRoot(holdsBoards ? boardStoreDir : otherStoreDir);
 }
 
 std::vector<std::string> HSCPlazPlaces::defaultDirs(const HSCPlazModel& hubModel) const {
@@ -47,8 +44,7 @@ std::vector<std::string> HSCPlazPlaces::defaultDirs(const HSCPlazModel& hubModel
     // now.
     std::unordered_map<std::string, std::string> owners;
     for (const auto& kept : m_workspace.places.getDefaultFolders())
-        owners.try_emplace(HUTFile::getNameKey(joined(m_workspace.paths.getUserAreaRoot(), kept.directory)),
-                           kept.store);
+        owners.try_emplace(HUTFile::getNameKey(m_workspace.paths.getUserAreaRoot(kept.directory)), kept.store);
     std::vector<std::string> dirs;
     for (const auto& store : hubModel.getStores()) {
         std::string dir = defaultDir(*store);

@@ -15,6 +15,8 @@ public:
     /// @param workspace  must outlive the object
     explicit HSCPlazPlaces(HSCPlazWorkspace& workspace) : m_workspace(workspace) {}
 
+    /// The parameter "plaz.enableBoardStoreDefaultLocation": stores have places by default.
+    static bool hasDefaultLocations();
     /// The recorded default place of a store; empty when none is recorded.
     std::string getDefaultPlace(const HSCPlazQStoreModel& store) const;
     /// Records the default places of today's stores, so that no other order of the stores moves them.

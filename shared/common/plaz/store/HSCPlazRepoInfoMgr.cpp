@@ -1,6 +1,8 @@
 #include "plaz/store/HSCPlazRepoInfoMgr.h"
 
+#include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/reader/HSCPlazFindings.h"
+#include "plaz/model/reader/HSCPlazMetadataKeys.h"
 #include "support/HCRapidJsonReadWriteUtils.h"
 #include "support/HIOStream.h"
 #include "support/HUTFile.h"
@@ -13,7 +15,7 @@ using Json = HCRapidJsonReadWriteUtils;
 
 namespace {
 
-constexpr const char* chosenKey = "qstores";
+constexpr const char* directoryKey = "directory";
 constexpr const char* defaultsKey = "default_folders";
 
 using Records = std::vector<HSCPlazRepoInfoMgr::Record>;
@@ -23,7 +25,8 @@ Records readRecords(const rapidjson::Value& plaz, const char* key) {
     const rapidjson::Value* stores = Json::FindArray(plaz, key);
     if (!stores) return records;
     for (const rapidjson::Value& store : stores->GetArray())
-        records.push_back({Json::GetStringProperty(store, "name"), Json::GetStringProperty(store, "directory")});
+        records.push_back(
+            {Json::GetStringProperty(store, HSCPlazKey::name), Json::GetStringProperty(store, directoryKey)});
     return records;
 }
 
@@ -31,8 +34,8 @@ void addRecords(rapidjson::Document& document, rapidjson::Value& plaz, const cha
     rapidjson::Value stores(rapidjson::kArrayType);
     for (const auto& record : records) {
         rapidjson::Value store(rapidjson::kObjectType);
-        Json::AddStringProperty(document, store, "name", record.store);
-        Json::AddStringProperty(document, store, "directory", record.directory);
+        Json::AddStringProperty(document, store, HSCPlazKey::name, record.store);
+        Json::AddStringProperty(document, store, directoryKey, record.directory);
         stores.PushBack(store, document.GetAllocator());
     }
     Json::AddGenericValueProperty(document, plaz, key, stores);
@@ -59,8 +62,8 @@ void HSCPlazRepoInfoMgr::read(HSCPlazReport& report) {
         HSCPlazFinding{kind, m_file, error}.addTo(report);
         return;
     }
-    const rapidjson::Value* plaz = Json::FindObject(document, "plaz");
-    if (plaz) m_content = {readRecords(*plaz, chosenKey), readRecords(*plaz, defaultsKey)};
+    const rapidjson::Value* plaz = Json::FindObject(document, HSCPlazKey::plaz);
+    if (plaz) m_content = {readRecords(*plaz, HSCPlazKey::qstores), readRecords(*plaz, defaultsKey)};
 }
 
 void HSCPlazRepoInfoMgr::readOnce() {
@@ -85,6 +88,7 @@ std::string HSCPlazRepoInfoMgr::getStoreDirectory(const std::string& storeName) 
 bool HSCPlazRepoInfoMgr::setStoreDirectory(const std::string& storeName, const std::string& directory) {
     HSCPlazReport report;
     const bool isRecorded = setStoreDirectory(storeName, directory, report);
+    if (!isRecorded) report.add(Msg::placesNotSaved, MsgSeverity::error, m_file);
     report.send();
     return isRecorded;
 }
@@ -139,11 +143,11 @@ bool HSCPlazRepoInfoMgr::replace(Content content) {
 bool HSCPlazRepoInfoMgr::write(const Content& content) const {
     rapidjson::Document document(rapidjson::kObjectType);
     rapidjson::Value plaz(rapidjson::kObjectType);
-    Json::AddStringProperty(document, plaz, "_major", "1");
-    Json::AddStringProperty(document, plaz, "_minor", "0");
-    addRecords(document, plaz, chosenKey, content.chosen);
+    Json::AddStringProperty(document, plaz, HSCPlazKey::majorVersion, "1");
+    Json::AddStringProperty(document, plaz, HSCPlazKey::minorVersion, "0");
+    addRecords(document, plaz, HSCPlazKey::qstores, content.chosen);
     if (!content.defaults.empty()) addRecords(document, plaz, defaultsKey, content.defaults);
-    Json::AddGenericValueProperty(document, document, "plaz", plaz);
+    Json::AddGenericValueProperty(document, document, HSCPlazKey::plaz, plaz);
     return HUTFile::mkDirRecursive(boost::filesystem::path(m_file).parent_path().generic_string()) &&
            HUTFile::writeAtomically(m_file, Json::toText(document));
 }

@@ -1,5 +1,7 @@
 #include "plaz/store/HSCPlazWorkspace.h"
 
+#include <algorithm>
+
 namespace {
 
 /// Reads the configuration, and gives the path manager the names that it holds.
@@ -14,6 +16,12 @@ HSCPlazWorkspace::HSCPlazWorkspace() : places(configured(config, paths).getRepoI
 
 HSCPlazWorkspace::~HSCPlazWorkspace() = default;
 
+HSCPlazQStore* HSCPlazWorkspace::findCurrentStore() const {
+    if (!hub) return nullptr;
+    const auto& stores = hub->getStores();
+    return std::count(stores.begin(), stores.end(), currentStore) > 0 ? currentStore : nullptr;
+}
+
 HSCPlazGitStore HSCPlazWorkspace::gitStore(const HSCPlazQStoreModel& store) const {
-    return HSCPlazGitStore::of(store, paths.getStoreLayout(store), config.getConfigModel());
+    return HSCPlazGitStore::of(store, paths.getWorkLayout(store), config.getConfigModel());
 }

@@ -22,8 +22,9 @@ struct HSCPlazWorkspace {
     HSCPlazWorkspace(const HSCPlazWorkspace&) = delete;
     HSCPlazWorkspace& operator=(const HSCPlazWorkspace&) = delete;
 
-    /// Where the store's repository is.
-    /// @throws HEXAll where its area cannot be named
+    /// The store that is selected; null when it is none of the hub's any more.
+    HSCPlazQStore* findCurrentStore() const;
+    /// Where the store's repository, its working copy and its staging directory are.
     HSCPlazGitStore gitStore(const HSCPlazQStoreModel& store) const;
 
     HSCPlazUserPref userPref;
@@ -35,6 +36,6 @@ struct HSCPlazWorkspace {
     std::unique_ptr<HSCPlazModel> sharedHubModel;
     std::unique_ptr<HSCPlazModel> hubModel; ///< null until the first start-up
     std::unique_ptr<HSCPlaz> hub;           ///< refers to the hub model
-    /// The store that the user interface has selected; may be none of the hub's any more.
+    /// The store that the user interface has selected; ask findCurrentStore().
     HSCPlazQStore* currentStore = nullptr;
 };

@@ -18,8 +18,9 @@ bool HSCPlazFetchedFiles::isCatalog(const std::string& file, HSCPlazReport& prob
     if (!HSCPlazJsonCheck::isWhole(file, problem)) return false;
     HSCPlazFindings found;
     HSCPlazJsonDocument document;
-    return document.load(file, found) &&
-           HCRapidJsonReadWriteUtils::FindObject(document.getRoot(), HSCPlazKey::catalog) != nullptr;
+    const bool isLoaded = document.load(file, found);
+    problem.append(found.toReport());
+    return isLoaded && HCRapidJsonReadWriteUtils::FindObject(document.getRoot(), HSCPlazKey::catalog) != nullptr;
 }
 
 std::string HSCPlazFetchedFiles::take(const std::string& source, const std::string& area,

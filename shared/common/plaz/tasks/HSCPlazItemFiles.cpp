@@ -106,7 +106,8 @@ bool HSCPlazItemFiles::fetch(HSCPlazTask& task, const HSCPlazFoundItem& found, b
                          "its directory overlaps that of the installed item " + other->getName());
     const HSCPlazWorkspace& workspace = task.getWorkspace();
     const HSCPlazGitOutcome outcome =
-        HSCPlazGitInstall::install(workspace.gitStore(*found.store->getModel()), item, directoryOf(workspace, found));
+        HSCPlazGitInstall::install(workspace.gitStore(*found.store->getModel()), item,
+                                   {directoryOf(workspace, found), layoutOf(task, found).getIncoming()});
     if (!outcome.isDone) return task.fail(outcome.getWhole());
     task.tell(outcome.report);
     // Only now are the files of this very revision at hand: they say what it depends on.

@@ -131,7 +131,7 @@ bool HSCPlazRefreshStoreTask::describeItems(HSCPlazTask& task, HSCPlazQStore& st
     if (!isUpdated || task.isCancelled()) return false;
     inside(updateName, " store path for store ", name, " ", staging.getDir());
     if (!model.isProductSpecific()) return true;
-    Descriptions descriptions(task, model, repository.layout);
+    Descriptions descriptions(task, model, task.getWorkspace().paths.getStoreLayout(model));
     for (const auto& item : model.getItems())
         if (isDescribed(model, *item) && !descriptions.take(*item)) return false;
     task.show("Refreshed", Catalog::shownName(model), 100);

@@ -49,7 +49,7 @@ void HSCPlazTask::tell(const HSCPlazReport& report) {
 }
 
 bool HSCPlazTask::fail(const HSCPlazReport& report) {
-    if (!isCancelled()) tell(report);
+    tell(isCancelled() ? report.withoutErrors() : report);
     return false;
 }
 

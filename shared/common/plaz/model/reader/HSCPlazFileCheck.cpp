@@ -86,12 +86,11 @@ void holdAgainstSchema(const HSCPlazJsonDocument& document, const KindRule& rule
     }
     HSCPlazFindings found;
     HSCPlazSchema* schema = HSCPlazSchema::get(check.schema, found);
-    const std::string violation =
-        schema ? schema->findViolation(document.getRoot()) : "the schema \"" + check.schema + "\" cannot be used";
-    if (!violation.empty()) check.findings.push_back(violation);
-    HSCPlazFindings refused;
-    if (rule.fill) rule.fill(document.getRoot(), refused);
-    for (const HSCPlazFinding& one : refused.getAll()) check.findings.push_back(one.toText());
+    std::string violation = schema ? schema->findViolation(document.getRoot()) : std::string();
+    if (!schema && found.isEmpty()) violation = "the schema \"" + check.schema + "\" cannot be used";
+    if (!violation.empty()) check.findings.push_back(std::move(violation));
+    if (rule.fill) rule.fill(document.getRoot(), found);
+    for (const HSCPlazFinding& one : found.getAll()) check.findings.push_back(one.toText());
 }
 
 } // namespace

@@ -12,7 +12,9 @@ const MsgId<2>& refusalOf(HSCPlazFinding::Kind kind) {
 } // namespace
 
 std::string HSCPlazFinding::toText() const {
-    return ComMsgMgrInstance("", 0, "common", refusalOf(kind), subject, text).getMessage();
+    HSCPlazReport report;
+    addTo(report);
+    return report.getNotes().front().message.getMessage();
 }
 
 void HSCPlazFinding::addTo(HSCPlazReport& report) const {

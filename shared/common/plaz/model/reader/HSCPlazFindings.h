@@ -14,7 +14,7 @@ struct HSCPlazFinding {
     std::string subject; ///< the file or schema; the item or store that is refused
     std::string text;    ///< the parser's message, the offending place, why it is refused; empty for what is unreadable
 
-    /// The sentence that a person is told of something refused.
+    /// The sentence that a person is told.
     std::string toText() const;
     /// Adds it: files and schemas as the messages of the host's JSON reports, what is refused as Msg::itemRefused or
     /// Msg::storeRefused.

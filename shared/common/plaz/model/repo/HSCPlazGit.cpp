@@ -39,7 +39,7 @@ template <typename Work> void run(Work work) {
 
 HSCPlazGitStore inHub(const HSCPlazQStoreModel& store) {
     const HSCPlazContext& context = HSCPlazContext::get();
-    return HSCPlazGitStore::of(store, context.getLayout(store), context.getConfig());
+    return HSCPlazGitStore::of(store, context.getWorkLayout(store), context.getConfig());
 }
 
 } // namespace
@@ -48,10 +48,16 @@ HSCPlazGit::~HSCPlazGit() = default;
 
 bool HSCPlazGit::install(HSCPlaz* hub, HSCPlazBaseModel* model) {
     const auto* item = dynamic_cast<const HSCPlazQItemModel*>(model);
-    const HSCPlazQStore* owner = hub && item ? hub->getStore(item->getStoreName()) : nullptr;
-    if (!owner || !owner->getModel()) return false;
+    if (!hub || !item) return false;
+    const HSCPlazQStore* owner = hub->getStore(item->getStoreName());
+    if (!owner || !owner->getModel()) {
+        deliver(HSCPlazGitInstall::check(*item));
+        return false;
+    }
     const HSCPlazQStoreModel& store = *owner->getModel();
-    return deliver(HSCPlazGitInstall::install(inHub(store), *item, HSCPlazContext::get().getItemDir(store, *item)));
+    const HSCPlazContext& context = HSCPlazContext::get();
+    return deliver(HSCPlazGitInstall::install(
+        inHub(store), *item, {context.getItemDir(store, *item), context.getLayout(store).getIncoming()}));
 }
 
 bool HSCPlazGit::update(HSCPlazBaseModel*) {
@@ -73,7 +79,7 @@ bool HSCPlazGit::loadCatalog(HSCPlazBaseModel* model, HSCPlazPathMgr* pathMgr,
     const HSCPlazContext& context = HSCPlazContext::get();
     if (const auto* store = dynamic_cast<const HSCPlazQStoreModel*>(model))
         return deliver(HSCPlazGitCatalog::loadFiles(
-            HSCPlazGitStore::of(*store, context.getLayout(*pathMgr, *store), context.getConfig()), catalogFiles));
+            HSCPlazGitStore::of(*store, context.getWorkLayout(*pathMgr, *store), context.getConfig()), catalogFiles));
     const auto* hub = dynamic_cast<const HSCPlazModel*>(model);
     if (!hub) return false;
     // Nothing is made at a place to which a root leads that is refused.

@@ -1,6 +1,7 @@
 #include "plaz/model/repo/git/HSCPlazGitCatalog.h"
 
 #include "plaz/base/HSCPlazMsg.h"
+#include "plaz/base/HSCPlazNames.h"
 #include "plaz/base/HSCPlazProduct.h"
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/HSCPlazModel.h"
@@ -16,8 +17,8 @@
 
 #include <set>
 
-using HSCPlazGitHead::mainBranch;
 using HSCPlazGitTrace::trace;
+using HSCPlazName::mainBranch;
 using Files = std::vector<std::string>;
 
 namespace {

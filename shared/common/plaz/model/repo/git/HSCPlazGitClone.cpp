@@ -1,6 +1,7 @@
 #include "plaz/model/repo/git/HSCPlazGitClone.h"
 
 #include "plaz/base/HSCPlazMsg.h"
+#include "plaz/base/HSCPlazNames.h"
 #include "plaz/base/HSCPlazStoreLayout.h"
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/repo/git/HSCPlazGitCheckout.h"
@@ -13,8 +14,8 @@
 #include "plaz/model/repo/git/HSCPlazGitTrace.h"
 #include "support/HUTFork.h"
 
-using HSCPlazGitHead::mainBranch;
 using HSCPlazGitTrace::trace;
+using HSCPlazName::mainBranch;
 
 namespace {
 

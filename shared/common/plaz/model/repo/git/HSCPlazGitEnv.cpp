@@ -1,5 +1,6 @@
 #include "plaz/model/repo/git/HSCPlazGitEnv.h"
 
+#include "plaz/base/HSCPlazNames.h"
 #include "plaz/base/HSCPlazUrl.h"
 #include "plaz/model/repo/git/HSCPlazGitCredentials.h"
 #include "plaz/model/repo/git/HSCPlazGitParams.h"
@@ -37,7 +38,7 @@ constexpr Setting settings[] = {
     {"core.sparseCheckoutCone", "false"},
     // A working copy belongs to the hub, whoever owns its directory (network drives).
     {"safe.directory", "*"},
-    {"init.defaultBranch", "master"},
+    {"init.defaultBranch", HSCPlazName::mainBranch},
     {"init.defaultRefFormat", "files"},
     {"checkout.guess", "true"},
     {"advice.detachedHead", "false"},

@@ -1,5 +1,6 @@
 #include "plaz/model/repo/git/HSCPlazGitHead.h"
 
+#include "plaz/base/HSCPlazNames.h"
 #include "plaz/base/HSCPlazTrust.h"
 #include "support/HIOStream.h"
 #include "support/HUTFile.h"
@@ -50,7 +51,7 @@ std::string HSCPlazGitHead::getCommit(const std::string& dir, const std::string&
 }
 
 std::string HSCPlazGitHead::findBranch(const std::string& dir, const std::string& branch) {
-    for (const std::string& name : {branch, std::string(mainBranch)})
+    for (const std::string& name : {branch, std::string(HSCPlazName::mainBranch)})
         if (!getCommit(dir, name).empty()) return name;
     const std::vector<std::string> names = branch.empty() ? listBranches(dir) : std::vector<std::string>();
     return names.size() == 1 ? names.front() : std::string();

@@ -7,9 +7,6 @@
 /// files, without a process.
 namespace HSCPlazGitHead {
 
-/// Followed where no branch is named and where the named one is gone.
-inline constexpr const char* mainBranch = "master";
-
 /// The commit that was fetched last for a branch; empty when the remote has no such branch.
 std::string getCommit(const std::string& dir, const std::string& branch);
 /// The branch to follow: @p branch, or "master" where the remote lacks it. Where no branch is named (empty), such as

@@ -23,10 +23,9 @@ namespace {
 /// One item on its way from a repository to its place.
 class Installation {
 public:
-    Installation(const HSCPlazGitStore& store, const HSCPlazQItemModel& item, const std::string& destination,
+    Installation(const HSCPlazGitStore& store, const HSCPlazQItemModel& item, const HSCPlazGitInstall::Place& place,
                  HSCPlazReport& report)
-        : m_store(store), m_item(item), m_destination(destination), m_staging(store.layout.getStaging()),
-          m_report(report) {}
+        : m_store(store), m_item(item), m_place(place), m_staging(store.layout.getStaging()), m_report(report) {}
 
     bool run() {
         if (!accept()) return false;
@@ -37,7 +36,7 @@ public:
         if (!checkOut()) return false;
         const std::string source = (fs::path(m_staging) / m_item.getRoot()).generic_string();
         verify(source);
-        return place(source) || tellNotWritable(m_destination);
+        return place(source) || tellNotWritable(m_place.directory);
     }
 
 private:
@@ -51,17 +50,12 @@ private:
     }
 
     bool accept() {
-        if (m_item.getCommitId().empty()) {
-            trace("qitem commit id is empty can't install this qitem.");
-            m_report.add(Msg::commitIdMissing, MsgSeverity::error, m_item.getName());
-            return false;
-        }
         if (!HSCPlazTrust::isSafeRef(m_item.getCommitId()))
             return refuse("its commit id \"" + m_item.getCommitId() + "\" does not name a commit");
         const std::string& metadataFile = m_item.getMetadataFile();
         if (!metadataFile.empty() && !HSCPlazTrust::isSafeRelativePath(metadataFile))
             return refuse("its metadata file \"" + metadataFile + "\" does not lie in its folder");
-        if (m_destination.empty())
+        if (m_place.directory.empty())
             return refuse("its folder \"" + m_item.getRoot() + "\" does not lie in the store's directory");
         return true;
     }
@@ -114,28 +108,27 @@ private:
     }
 
     bool place(const std::string& source) const {
-        trace("copying qitem.\n source: ", source, "\n destination: ", m_destination);
+        trace("copying qitem.\n source: ", source, "\n destination: ", m_place.directory);
         // The folder of an item without a revision holds those of its revisions, which must not go with the old files.
         if (m_store.model.isMultiRevisionSupported() && m_item.getRevision().empty())
-            return copyWithoutRepository(source, m_destination);
+            return copyWithoutRepository(source, m_place.directory);
 
-        const HSCPlazGitRemoved incoming(m_store.layout.getIncoming());
+        const HSCPlazGitRemoved incoming(m_place.incoming);
         return HUTFile::rmRecursive(incoming.getName()) && takeIn(source, incoming.getName()) &&
-               HUTFile::mkDirRecursive(fs::path(m_destination).parent_path().generic_string()) &&
-               HUTFile::replaceDirectory(incoming.getName(), m_destination);
+               HUTFile::mkDirRecursive(fs::path(m_place.directory).parent_path().generic_string()) &&
+               HUTFile::replaceDirectory(incoming.getName(), m_place.directory);
     }
 
     const HSCPlazGitStore& m_store;
     const HSCPlazQItemModel& m_item;
-    const std::string& m_destination;
+    const HSCPlazGitInstall::Place& m_place;
     const std::string m_staging;
     HSCPlazReport& m_report;
 };
 
 } // namespace
 
-HSCPlazGitOutcome HSCPlazGitInstall::install(const HSCPlazGitStore& store, const HSCPlazQItemModel& item,
-                                             const std::string& destination) {
+HSCPlazGitOutcome HSCPlazGitInstall::check(const HSCPlazQItemModel& item) {
     return HSCPlazGitOutcome::of([&](HSCPlazReport& report) {
         if (!HSCPlazGitParams::isRemoteAccessEnabled()) {
             report.add(Msg::remoteAccessOff, MsgSeverity::error);
@@ -144,6 +137,16 @@ HSCPlazGitOutcome HSCPlazGitInstall::install(const HSCPlazGitStore& store, const
         trace(" got hub and qitem model");
         trace(" has remote access as well");
         trace(" dynamic cast done for qitem model - commit id ", item.getCommitId());
-        return Installation(store, item, destination, report).run();
+        if (!item.getCommitId().empty()) return true;
+        trace("qitem commit id is empty can't install this qitem.");
+        report.add(Msg::commitIdMissing, MsgSeverity::error, item.getName());
+        return false;
     });
+}
+
+HSCPlazGitOutcome HSCPlazGitInstall::install(const HSCPlazGitStore& store, const HSCPlazQItemModel& item,
+                                             const Place& place) {
+    HSCPlazGitOutcome checked = check(item);
+    if (!checked.isDone) return checked;
+    return HSCPlazGitOutcome::of([&](HSCPlazReport& report) { return Installation(store, item, place, report).run(); });
 }

@@ -1,5 +1,6 @@
 #include "plaz/model/repo/git/HSCPlazGitProxies.h"
 
+#include "plaz/base/HSCPlazNames.h"
 #include "plaz/base/HSCPlazProduct.h"
 #include "plaz/model/repo/git/HSCPlazGitCredentials.h"
 #include "support/HCCXPrefMgr.h"
@@ -9,7 +10,6 @@ using Source = HSCPlazProduct::ProxySource;
 
 namespace {
 
-constexpr const char* httpName = "plaz.http_proxy";
 constexpr const char* httpsName = "plaz.https_proxy";
 
 std::string ofParameter(const char* name) {
@@ -19,14 +19,14 @@ std::string ofParameter(const char* name) {
 } // namespace
 
 std::string HSCPlazGitProxies::getPreferred() {
-    const std::vector<std::string> values = HCCXPrefMgr::getInstance().getDefaultXPref().getVal(httpName);
+    const std::vector<std::string> values = HCCXPrefMgr::getInstance().getDefaultXPref().getVal(HSCPlazName::httpProxy);
     return values.empty() ? std::string() : values.front();
 }
 
 std::string HSCPlazGitProxies::getHttp() {
     switch (HSCPlazProduct::getProxySource()) {
     case Source::parameters:
-        return ofParameter(httpName);
+        return ofParameter(HSCPlazName::httpProxy);
     case Source::preference:
         return HSCPlazGitUrl::normalizeProxy(getPreferred());
     case Source::nobody:

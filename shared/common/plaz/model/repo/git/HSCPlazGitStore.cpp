@@ -6,7 +6,7 @@
 #include "plaz/model/repo/git/HSCPlazGitCredentials.h"
 #include "plaz/model/repo/git/HSCPlazGitParams.h"
 
-HSCPlazGitStore HSCPlazGitStore::of(const HSCPlazQStoreModel& model, HSCPlazStoreLayout layout,
+HSCPlazGitStore HSCPlazGitStore::of(const HSCPlazQStoreModel& model, HSCPlazWorkLayout layout,
                                     const HSCPlazCfgModel* config) {
     const std::string boards = model.getStoreType() == "board" ? HSCPlazGitParams::getBoardUrl() : std::string();
     const std::string& url = boards.empty() ? model.getUrl() : boards;

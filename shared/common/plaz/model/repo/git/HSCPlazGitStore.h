@@ -11,14 +11,13 @@ class HSCPlazQStoreModel;
 /// Where one store's repository is: in the world and on this machine. A value, made for one operation.
 struct HSCPlazGitStore {
     const HSCPlazQStoreModel& model; ///< must outlive the value
-    HSCPlazStoreLayout layout;
+    HSCPlazWorkLayout layout;
     std::string url;     ///< without our credentials: its own, or for a store of type "board" what is set for those
     std::string access;  ///< the same with the store's credentials: what a working copy records
     bool hasCredentials; ///< user id or token are known
 
     /// @param config  who has credentials for what; null for none
-    static HSCPlazGitStore of(const HSCPlazQStoreModel& model, HSCPlazStoreLayout layout,
-                              const HSCPlazCfgModel* config);
+    static HSCPlazGitStore of(const HSCPlazQStoreModel& model, HSCPlazWorkLayout layout, const HSCPlazCfgModel* config);
     /// What is really asked at a URL, with credentials: which store of the hub has it decides on both.
     /// @param hub, config  null for none
     static std::string findAccess(const std::string& url, const HSCPlaz* hub, const HSCPlazCfgModel* config);

@@ -1,5 +1,6 @@
 #include "plaz/model/repo/git/HSCPlazGitUpdateCheck.h"
 
+#include "plaz/base/HSCPlazNames.h"
 #include "plaz/base/HSCPlazStoreLayout.h"
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/repo/git/HSCPlazGitHead.h"
@@ -13,8 +14,8 @@
 
 #include <sstream>
 
-using HSCPlazGitHead::mainBranch;
 using HSCPlazGitTrace::trace;
+using HSCPlazName::mainBranch;
 
 namespace {
 

@@ -131,7 +131,7 @@ const std::vector<std::string>& HSCPlazGitWorkingCopy::integrityCheck() {
     return arguments;
 }
 
-void HSCPlazGitWorkingCopy::discardDamaged(const HSCPlazStoreLayout& layout) {
+void HSCPlazGitWorkingCopy::discardDamaged(const HSCPlazWorkLayout& layout) {
     try {
         HSCPlazGitRunner::run(integrityCheck(), layout.getIndex(), true);
     } catch (const HEXAll&) {

@@ -25,7 +25,7 @@ namespace HSCPlazGitWorkingCopy {
 bool stage(const HSCPlazGitStore& store, bool isFetched, HSCPlazReport& report);
 /// Removes the working copy when its objects do not hold together, as after a failing disk, so that the next use makes
 /// it afresh. Slow: to be asked only when something has failed.
-void discardDamaged(const HSCPlazStoreLayout& layout);
+void discardDamaged(const HSCPlazWorkLayout& layout);
 /// The arguments of the command that tells whether a working copy holds together.
 const std::vector<std::string>& integrityCheck();
 
