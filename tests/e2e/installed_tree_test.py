@@ -6,9 +6,9 @@ import shlex
 import sys
 import unittest
 
-from support.hubtest import BUILD, SCRATCH, TREE, make_env, make_hub, succeed
+from support.hubtest import BUILD, SCRATCH, TREE, make_env, make_hub, read_cache, succeed
 
-CACHE = dict(re.findall(r"^(\w+):\w+=(.*)$", (BUILD / "CMakeCache.txt").read_text(), re.M))
+CACHE = read_cache()
 CMAKE, COMPILER, SANITIZE = CACHE["CMAKE_COMMAND"], CACHE["CMAKE_CXX_COMPILER"], CACHE.get("PLAZ_SANITIZE")
 
 # Classes that embedding tools need, and what comes with them.
