@@ -1,10 +1,8 @@
 """Runs the real program on a sample hub of real git repositories."""
 
-import contextlib
 import json
 import os
 import pathlib
-import pty
 import shutil
 import signal
 import subprocess
@@ -182,16 +180,8 @@ class ShellTest(HubTest):
 
     def test_shows_progress_on_a_terminal(self):
         """Catches: a progress line without the store's number, its step or its percentage."""
-        terminal, side = pty.openpty()
-        process = subprocess.Popen([PLAZ, "refresh"], env=self.env, stdout=subprocess.DEVNULL, stderr=side)
-        os.close(side)
-        shown = b""
-        with contextlib.suppress(OSError):  # the terminal's end
-            while part := os.read(terminal, 4096):
-                shown += part
-        os.close(terminal)
-        self.assertEqual(process.wait(timeout=60), 0)
-        self.check_shown(shown, b"1/2   0% Fetching Sample boards", b"2/2  50% Describing items of Sample Tcl scripts")
+        shown = succeed("script", "--quiet", "--return", "--command", f"{PLAZ} refresh", "/dev/null", env=self.env)
+        self.check_shown(shown, "1/2   0% Fetching Sample boards", "2/2  50% Describing items of Sample Tcl scripts")
 
     def test_doctor_finds_what_is_wrong_and_nothing_else(self):
         """Catches: a fault that is passed over, one that drags sound parts along, secrets told, anything written."""
