@@ -8,7 +8,6 @@ import static org.junit.jupiter.api.Assertions.assertThrows;
 import static org.junit.jupiter.api.Assertions.assertTrue;
 
 import java.io.IOException;
-import java.io.UncheckedIOException;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.ArrayList;
@@ -36,16 +35,13 @@ class HubTest {
     private static List<String> handlersBefore;
 
     /** The signals that this process ignores, and those that it handles. */
-    private static List<String> signalHandlers() {
-        try (Stream<String> lines = Files.lines(Path.of("/proc/self/status"))) {
-            return lines.filter(line -> line.matches("Sig(Ign|Cgt):.*")).toList();
-        } catch (IOException failure) {
-            throw new UncheckedIOException(failure);
-        }
+    private static List<String> signalHandlers() throws IOException {
+        List<String> lines = Files.readAllLines(Path.of("/proc/self/status"));
+        return lines.stream().filter(line -> line.matches("Sig(Ign|Cgt):.*")).toList();
     }
 
     @BeforeAll
-    static void start() {
+    static void start() throws IOException {
         handlersBefore = signalHandlers();
         PlazHost.Listener listener = new PlazHost.Listener() {
             @Override
@@ -66,7 +62,7 @@ class HubTest {
 
     /** Catches: native code that leaves the virtual machine without its signal handlers. */
     @AfterAll
-    static void close() {
+    static void close() throws IOException {
         STATUS.close();
         RECORD.close();
         assertEquals(handlersBefore, signalHandlers());
@@ -98,10 +94,10 @@ class HubTest {
         assertTrue(TOLD.stream().anyMatch(told -> told.startsWith(message)), TOLD::toString);
     }
 
-    /** Catches: a store's field read by another's name, and an answer for what there is not. */
+    /** Catches: a field read by another's name, a sequence of the wrong kind, and an answer for what there is not. */
     @Test
     @Order(1)
-    void storesAreListedAndChanged() {
+    void storesAndItemsTellOfThemselves() {
         List<String> names = stream(PlazSwigIntf.getStores()).map(PlazStore::getName).toList();
         assertEquals(List.of("boards", "tclscripts"), names);
         assertNull(store("boar"));
@@ -116,6 +112,30 @@ class HubTest {
         boards.setDescription("试验 \ud83d\ude00");
         assertEquals("试验 \ud83d\ude00", store("boards").getDescription());
         boards.setDescription(description);
+
+        PlazItem aurora = item("boards", "boards::aurora@2.0");
+        assertEquals(List.of("Aurora Entwicklungsplatine", "boards", "musterwerk", "Musterwerk Labor", "Änne Grünwald",
+                             "https://example.org/boards/aurora"),
+                List.of(aurora.getDisplayName(), aurora.getStoreName(), aurora.getCompany(),
+                        aurora.getCompanyDisplayName(), aurora.getAuthor(), aurora.getWebsite()));
+        assertTrue(aurora.getCommitId().matches("[0-9a-f]{40}"), aurora.getCommitId());
+        List<String> needed = stream(aurora.getItemDependencies())
+                                      .map(need
+                                              -> need.getStore() + "::" + need.getItem() + "@" + need.getRevision()
+                                                      + " " + need.isOptional())
+                                      .toList();
+        assertTrue(needed.containsAll(List.of("boards::io-panel@1.0 false", "boards::connectors-common@ false")),
+                needed::toString);
+        assertEquals(List.of("Prozessor", "Anzeige", "starter kit", "größer"),
+                stream(aurora.getItemSearchKeywords()).toList());
+        assertEquals(List.of("development", "starter"), stream(aurora.getCategories()).toList());
+        for (PlazCategory category : store("tclscripts").getCategories()) {
+            assertFalse(category.getName().isEmpty());
+            category.getSubCategories().forEach(below -> assertFalse(below.getDisplayName().isEmpty()));
+        }
+        List<PlazItem> walked = new ArrayList<>();
+        PlazSwigIntf.getItems("boards").forEachRemaining(walked::add);
+        assertEquals(stream(store("boards").getItems()).toList(), walked);
     }
 
     /**
@@ -150,38 +170,9 @@ class HubTest {
         assertTrue(boards.isAlive());
     }
 
-    /** Catches: an item's field read by another's name, and sequences of the wrong kind. */
-    @Test
-    @Order(3)
-    void anItemTellsAllOfItself() {
-        PlazItem aurora = item("boards", "boards::aurora@2.0");
-        assertEquals(List.of("Aurora Entwicklungsplatine", "boards", "musterwerk", "Musterwerk Labor", "Änne Grünwald",
-                             "https://example.org/boards/aurora"),
-                List.of(aurora.getDisplayName(), aurora.getStoreName(), aurora.getCompany(),
-                        aurora.getCompanyDisplayName(), aurora.getAuthor(), aurora.getWebsite()));
-        assertTrue(aurora.getCommitId().matches("[0-9a-f]{40}"), aurora.getCommitId());
-        List<String> needed = stream(aurora.getItemDependencies())
-                                      .map(need
-                                              -> need.getStore() + "::" + need.getItem() + "@" + need.getRevision()
-                                                      + " " + need.isOptional())
-                                      .toList();
-        assertTrue(needed.containsAll(List.of("boards::io-panel@1.0 false", "boards::connectors-common@ false")),
-                needed::toString);
-        assertEquals(List.of("Prozessor", "Anzeige", "starter kit", "größer"),
-                stream(aurora.getItemSearchKeywords()).toList());
-        assertEquals(List.of("development", "starter"), stream(aurora.getCategories()).toList());
-        for (PlazCategory category : store("tclscripts").getCategories()) {
-            assertFalse(category.getName().isEmpty());
-            category.getSubCategories().forEach(below -> assertFalse(below.getDisplayName().isEmpty()));
-        }
-        List<PlazItem> walked = new ArrayList<>();
-        PlazSwigIntf.getItems("boards").forEachRemaining(walked::add);
-        assertEquals(stream(store("boards").getItems()).toList(), walked);
-    }
-
     /** Catches: an action that goes elsewhere, whose failure or message gets lost on the way to Java, or is cut off. */
     @Test
-    @Order(4)
+    @Order(3)
     void itemsAreInstalledAndRemoved() {
         assertTrue(PlazSwigIntf.install(item("boards", "aurora"), STATUS, RECORD), TOLD::toString);
         assertTold("INFO 17-1573 ");
@@ -201,7 +192,7 @@ class HubTest {
 
     /** Catches: a cancellation that is lost, ends the hub for good, or changes what is installed. */
     @Test
-    @Order(5)
+    @Order(4)
     void whatIsCancelledDoesNothing() throws InterruptedException {
         Thread other = new Thread(PlazHost::cancel);
         other.start();
@@ -217,7 +208,7 @@ class HubTest {
      * Catches: settings that are not kept or mixed up, items that outlive a move, a check whose failure is not told.
      */
     @Test
-    @Order(6)
+    @Order(5)
     void settingsAreKept() {
         PlazSwigIntf.setHttpProxy("http://proxy.example.org:3128");
         Path stores = SAMPLE.resolve("ställe");
