@@ -11,6 +11,7 @@ import subprocess
 
 from support.hubtest import BUILD, HubTest, edit, read_cache, succeed
 
+JAVA = read_cache()["Java_JAVA_EXECUTABLE"]
 JUNIT = """junit-jupiter-api junit-jupiter-engine junit-jupiter-params junit-platform-commons junit-platform-engine
     junit-platform-launcher junit-platform-console junit-platform-reporting opentest4j opentest4j-reporting-events
     opentest4j-reporting-schema apiguardian-api picocli univocity-parsers""".split()
@@ -45,16 +46,17 @@ def run_display():
 
 class JavaTest(HubTest):
     def run_tests(self, classes, options=(), selection=()):
-        machine = [
-            read_cache()["Java_JAVA_EXECUTABLE"],
-            "-ea",
-            f"-Djava.library.path={BUILD}/lib",
-            f"-Dscratch={self.dir}",
-        ]
+        machine = [JAVA, "-ea", f"-Djava.library.path={BUILD}/lib", f"-Dscratch={self.dir}"]
         machine += [*options, "-cp", os.pathsep.join(map(str, JARS)), *LAUNCHER, *selection]
         selected = [f"--select-class=ui.frmwork.plaz.{name}" for name in classes]
-        told = succeed(*machine, *selected, cwd=self.dir, env=self.env, stderr=subprocess.STDOUT, timeout=280)
-        self.assertNotRegex(told, "in native method|WARNING: JNI ")
+        told = {"encoding": "utf-8", "stdout": subprocess.PIPE, "stderr": subprocess.STDOUT}
+        with subprocess.Popen([*machine, *selected], cwd=self.dir, env=self.env, **told) as process:
+            for line in process.stdout:
+                print(line, end="", flush=True)
+                if re.search("in native method|WARNING: JNI ", line):
+                    process.kill()
+                    self.fail(line)
+        self.assertEqual(process.returncode, 0)
 
     def test_binding(self):
         self.run_tests(["BindingTest"], CHECKED)
