@@ -6,9 +6,9 @@ import shlex
 import sys
 import unittest
 
-from support.hubtest import BUILD, SCRATCH, TREE, make_env, make_hub, succeed
+from support.hubtest import BUILD, SCRATCH, TREE, make_env, make_hub, read_cache, succeed
 
-CACHE = dict(re.findall(r"^(\w+):\w+=(.*)$", (BUILD / "CMakeCache.txt").read_text(), re.M))
+CACHE = read_cache()
 CMAKE, COMPILER, SANITIZE = CACHE["CMAKE_COMMAND"], CACHE["CMAKE_CXX_COMPILER"], CACHE.get("PLAZ_SANITIZE")
 
 # Classes that embedding tools need, and what comes with them.
@@ -54,10 +54,6 @@ class InstalledTreeTest(unittest.TestCase):
             (self.dir / f"header_{number}.cpp").write_text(f'#include "{header}"\n')
         self.succeed(COMPILER, "-std=c++17", "-fsyntax-only", *shlex.split(flags), *self.dir.glob("header_*.cpp"))
 
-    def test_program(self):
-        """Catches: a program that does not find the hub."""
-        self.assertIn("tclscripts", self.succeed(self.prefix / "bin/plaz", "stores"))
-
     if not SANITIZE:
 
         def test_exports(self):
@@ -78,8 +74,9 @@ class InstalledTreeTest(unittest.TestCase):
             shown = self.succeed(sys.executable, "-B", "-c", "import plaz; print(plaz.stores())", **env)
             self.assertIn("plaz.Store tclscripts", shown)
 
-    def test_metadata_files(self):
-        """Catches: a file of the sample or of the product that is not valid."""
+    def test_program(self):
+        """Catches: a program that does not find the hub; a file of the sample or of the product that is not valid."""
+        self.assertIn("tclscripts", self.succeed(self.prefix / "bin/plaz", "stores"))
         files = [file for root in self.data for file in root.rglob("*.json")]
         files = [file for file in files if "schemas" not in file.parts and file.name != "messages.json"]
         self.assertGreater(len(files), 20)

@@ -31,33 +31,17 @@ FAMILY = {
     "PlazException": EXCEPTION,
     "PlazItemDependency": "getCompany getItem getRevision getStore isOptional",
     "PlazCategory": "getDescription getDisplayName getName getSubCategories",
-    **{
-        vector: f"new_{vector} delete_{vector} clear createIter push_back size"
-        for vector in ("StringVector", "PlazQStoreVec", "PlazItemVec", "PlazItemDependencyVec", "PlazCategoryVec")
-    },
-    **{
-        iterator: f"delete_{iterator} hasNext next"
-        for iterator in (
-            "StringVectorIter",
-            "PlazQStoreIter",
-            "PlazItemIter",
-            "PlazItemDependencyIter",
-            "PlazCategoryIter",
-        )
-    },
 }
-
-MANGLED = {"_": "_1", ";": "_2", "/": "_"}
-
-
-def mangle(text):
-    return "".join(MANGLED.get(c, c) for c in text)
+for vector in "StringVector PlazQStoreVec PlazItemVec PlazItemDependencyVec PlazCategoryVec".split():
+    iterator = re.sub("Vec$", "", vector) + "Iter"
+    FAMILY[vector] = f"new_{vector} delete_{vector} clear createIter push_back size"
+    FAMILY[iterator] = f"delete_{iterator} hasNext next"
 
 
 def symbol(owner, method):
     name, overload, signature = method.partition("(")
-    suffix = "__" + mangle(signature.rstrip(")")) if overload else ""
-    return "Java_ui_frmwork_plaz_plazi_" + mangle(f"{owner}_{name}") + suffix
+    suffix = "__" + signature.rstrip(")").replace(";", "_2").replace("/", "_") if overload else ""
+    return "Java_ui_frmwork_plaz_plazi_" + f"{owner}_{name}".replace("_", "_1") + suffix
 
 
 def main():

@@ -1,15 +1,11 @@
 """Runs the real program on stores that real servers hand out, and looks for secrets in all that it leaves behind."""
 
 import base64
-import contextlib
-import fcntl
 import json
-import os
 import pathlib
-import pty
+import shlex
 import shutil
 import tempfile
-import termios
 import urllib.parse
 
 from network import servers
@@ -90,20 +86,15 @@ class NetworkTest(HubTest):
         """Runs the program at a terminal where nobody types. @return its document, and all that it told"""
         directory = pathlib.Path(tempfile.mkdtemp(dir=self.dir))
         settings = [f"--set={setting}" for setting in ("plaz.enableLog=true", "plaz.enableDebugGit=true", *settings)]
-        keyboard, terminal = pty.openpty()
-        start = {"start_new_session": True, "preexec_fn": lambda: fcntl.ioctl(0, termios.TIOCSCTTY, 0)}
-        command = [PLAZ, "--json", *settings, *command.split()]
-        process = run(*command, cwd=directory, env=self.env, input=None, stdin=terminal, **start)
-        os.set_blocking(keyboard, False)
-        with contextlib.suppress(OSError):
-            self.assertEqual(os.read(keyboard, 1000), b"")
-        for end in (keyboard, terminal):
-            os.close(end)
-        told = process.stdout + process.stderr
+        line = shlex.join([str(PLAZ), "--json", *settings, *command.split()]) + " >out 2>err"
+        terminal = run("script", "--quiet", "--return", "--command", line, "/dev/null", cwd=directory, env=self.env)
+        self.assertEqual(terminal.stdout, "")
+        document, told = ((directory / name).read_text("utf-8") for name in ("out", "err"))
+        told = document + told
         self.told += told
         self.assertIn("Inside HSCPlazMgr::initHub", (directory / "plaz.log").read_text())
-        self.assertEqual(process.returncode, status, told)
-        return json.loads(process.stdout), told
+        self.assertEqual(terminal.returncode, status, told)
+        return json.loads(document), told
 
     def get_items(self, store="tclscripts"):
         return {item["name"]: item["display"] for item in self.run_plaz(f"items --store {store}")[0]["items"]}

@@ -35,6 +35,11 @@ def make_env(home, *data_roots, **more):
     return {**env, "HOME": str(home), "GDA_APPDATA_DIR": str(home), "GDA_DATA_DIR": roots, "LC_ALL": "C.UTF-8", **more}
 
 
+def read_cache():
+    """@return the variables that the build was configured with"""
+    return dict(re.findall(r"^(\w+):\w+=(.*)$", (BUILD / "CMakeCache.txt").read_text(), re.M))
+
+
 def run(*command, **options):
     """Runs a program, which may take two minutes. @return the process, with what it printed as text"""
     return subprocess.run(command, **{"input": "", "timeout": 120, **TEXT, **options})
@@ -62,6 +67,15 @@ def wait_for(file):
             raise TimeoutError(file)
         time.sleep(0.01)
     return int(file.read_text())
+
+
+def lay_tree(files):
+    """Writes files, by their names, below a new folder. @return the folder"""
+    tree = pathlib.Path(tempfile.mkdtemp(dir=SCRATCH.name))
+    for name, text in files.items():
+        (tree / name).parent.mkdir(parents=True, exist_ok=True)
+        (tree / name).write_text(text, "utf-8")
+    return tree
 
 
 def edit(file, change):

@@ -2,12 +2,10 @@
 
 import collections
 import json
-import pathlib
 import re
-import tempfile
 import unittest
 
-from support.hubtest import SCRATCH, TREE
+from support.hubtest import TREE, lay_tree
 
 TEXTS = "platform/data/messages.json"
 DEFINITION = re.compile(r'namespace (\w+)|MsgId<(\d+)>\s+(\w+)\s*\{\s*"(.*?)"')
@@ -75,9 +73,6 @@ class MessageIdsTest(unittest.TestCase):
             ("Msg::full", "OtherMsg::full", "Msg::full: nothing sends it"),
             ("; }", '; MsgId<0> it{"@1-2@"}; }', "Msg::it: nothing sends it", "1-2: has 2 names Msg::full Msg::it"),
         ):
-            with self.subTest(old), tempfile.TemporaryDirectory(dir=SCRATCH.name) as tree:
-                for name, text in sound.items():
-                    file = pathlib.Path(tree, name)
-                    file.parent.mkdir(parents=True)
-                    file.write_text(text.replace(old, new))
-                self.assertEqual(list(find_faults(pathlib.Path(tree))), faults)
+            with self.subTest(old):
+                tree = lay_tree({name: text.replace(old, new) for name, text in sound.items()})
+                self.assertEqual(list(find_faults(tree)), faults)

@@ -5,17 +5,11 @@ import static org.junit.jupiter.api.Assertions.assertTrue;
 
 import java.awt.Rectangle;
 import java.awt.image.BufferedImage;
-import java.io.PrintWriter;
-import java.io.StringWriter;
 import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.Arrays;
 import java.util.Comparator;
 import java.util.List;
-import java.util.Set;
-import java.util.regex.Pattern;
-import java.util.spi.ToolProvider;
-import java.util.stream.Collectors;
 import java.util.stream.Stream;
 import javax.imageio.ImageIO;
 import org.junit.jupiter.api.Test;
@@ -114,25 +108,6 @@ class BrowserPartsTest {
         for (String bad : List.of(outside.toString(), link.toString(), large.toString(), drawing.toString(), "",
                      "https://example.org/logo.png", store + "/../logo.png", "\0"))
             assertTrue(Logo.read(store.toString(), bad).isEmpty(), bad);
-    }
-
-    /** Catches: a class beside those of the hub's thread that reaches for the hub. */
-    @Test
-    void usesTheHubInOnePlace() {
-        StringWriter report = new StringWriter();
-        String jar = Stream.of(System.getProperty("java.class.path").split(":"))
-                             .filter(each -> each.endsWith("plaz.jar"))
-                             .findFirst()
-                             .orElseThrow();
-        ToolProvider.findFirst("jdeps").orElseThrow().run(new PrintWriter(report), new PrintWriter(report),
-                "--multi-release", "base", "-verbose:class", "-filter:none", "-e",
-                "ui\\.frmwork\\.plaz\\.(\\w+|host\\.PlazHost\\$Listener)", jar);
-        Set<String> users = Pattern.compile("(?m)^ +ui\\.frmwork\\.plaz\\.browser\\.(\\w+)")
-                                    .matcher(report.toString())
-                                    .results()
-                                    .map(user -> user.group(1))
-                                    .collect(Collectors.toSet());
-        assertEquals(Set.of("HubThread", "Operation", "SnapshotReader"), users);
     }
 
     private static Item item(String store, String name, State state, String description, List<String> categories,
