@@ -105,6 +105,8 @@ HSCPlazItemResult HSCPlazTaskMgr::uninstallItem(HSCPlaz& hub, HSCPlazQItem& item
 
 HSCPlazItemResult HSCPlazTaskMgr::updateItem(HSCPlaz& hub, HSCPlazQItem& item, bool quiet, HDGUIStatus* status) {
     HSCPlazTask task(workspace(), hub, status, quiet);
+    // Of several items in one command, an earlier one may have needed it last.
+    if (!item.IsInstalled()) return resultOf(task, item, ItemOutcome::removed);
     if (HSCPlazUpdateDecision::decide(item) == HSCPlazUpdateDecision::Step::none)
         return resultOf(task, item, ItemOutcome::upToDate);
     const std::string previous = item.getRevision();

@@ -17,6 +17,8 @@ inline constexpr const char* localDbVariable = "ZENTOR_PLAZ_LOCAL_DB_PATH";
 inline constexpr const char* storesPath = "QSTORES_PATH";
 inline constexpr const char* httpProxy = "plaz.http_proxy"; ///< a parameter, too
 
+/// The folder of the hub's, in what is shipped and in a user's data.
+inline constexpr const char* productDir = "plaz";
 /// The branch that stands in where none is named, or where the remote lacks the one that is.
 inline constexpr const char* mainBranch = "master";
 

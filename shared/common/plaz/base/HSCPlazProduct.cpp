@@ -43,6 +43,12 @@ HSCPlazProduct::Identity HSCPlazProduct::get() {
     return identity;
 }
 
+std::string HSCPlazProduct::getUserDataDir() {
+    const std::string appData = HUTEnv::getHDIAppDataDir();
+    const std::string version = get().version;
+    return version.empty() ? appData : appData + "/" + version;
+}
+
 HSCPlazProduct::ProxySource HSCPlazProduct::getProxySource() {
     if (isMainTool()) return ProxySource::parameters;
     return isDatabaseTool() ? ProxySource::preference : ProxySource::nobody;

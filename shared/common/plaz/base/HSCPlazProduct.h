@@ -20,6 +20,9 @@ struct PLAZ_API Identity {
 /// "plaz.product_version", else it is Solvan 2018.3. Written to the debug log.
 PLAZ_API Identity get();
 
+/// Where the host keeps a user's data for this version of the product: <app-data>/<version>, without the version where
+/// there is none.
+PLAZ_API std::string getUserDataDir();
 /// Who says through which proxy repositories are reached.
 enum class ProxySource { parameters, preference, nobody };
 PLAZ_API ProxySource getProxySource();

@@ -5,7 +5,6 @@
 #include "plaz/base/HSCPlazUrl.h"
 #include "plaz/model/HSCPlazDestruction.h"
 #include "plaz/model/HSCPlazQItemModel.h"
-#include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/HSCPlazQStoreModel.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTFile.h"
@@ -197,7 +196,7 @@ const std::string& HSCPlazQItem::getLogo() const {
 const std::string& HSCPlazQItem::getHistory() const {
     static std::string history;
     if (IsInstalled() && HSCPlazChangeLog::read(getLocalRootDir(), {""}, history)) return history;
-    if (const HSCPlazQStoreModel* store = m_store ? m_store->getModel() : nullptr)
+    if (const HSCPlazQStoreModel* store = m_model ? m_model->getStoreModel() : nullptr)
         for (const std::string& dir : {store->getLocalRootDir(), store->getGdaDataLoc()})
             if (HSCPlazChangeLog::read(dir, changeLogFolders(*this), history)) return history;
     history = "Revision history is not available";

@@ -17,7 +17,6 @@
 
 namespace {
 
-constexpr const char* productDir = "plaz";
 constexpr const char* sharedDataDir = "common";
 constexpr const char* configFile = "plaz_config.json";
 constexpr const char* lockFile = "plaz.lock";
@@ -65,17 +64,13 @@ std::string HSCPlazPathMgr::getUserAreaRoot(const std::string& subPath, bool cre
     std::string root;
     if (!HUTEnv::getEnv(HSCPlazName::userAreaRootVariable, root)) {
         root = firstStoresPath();
-        if (root.empty()) root = getDefaultUserArea();
+        if (root.empty()) root = join({HSCPlazProduct::getUserDataDir(), HSCPlazName::productDir});
     }
     return withLeaf(join({root, subPath}), create, leaf);
 }
 
-std::string HSCPlazPathMgr::getDefaultUserArea() {
-    return join({HUTEnv::getHDIAppDataDir(), HSCPlazProduct::get().version, productDir});
-}
-
 std::string HSCPlazPathMgr::getLocalDataRoot(bool create, const std::string& leaf) const {
-    return withLeaf(join({hubBase(productDir), sharedDataDir}), create, leaf);
+    return withLeaf(join({hubBase(HSCPlazName::productDir), sharedDataDir}), create, leaf);
 }
 
 std::string HSCPlazPathMgr::getStagingDir(const std::string& root) const {
@@ -98,11 +93,11 @@ std::string HSCPlazPathMgr::getRefreshedHubMetadataFile() const {
 }
 
 std::string HSCPlazPathMgr::getConfigFile() const {
-    const std::string base = hubBase(productDir);
-    const std::string own = base.empty() ? std::string() : join({base, productDir, configFile});
+    const std::string base = hubBase(HSCPlazName::productDir);
+    const std::string own = base.empty() ? std::string() : join({base, HSCPlazName::productDir, configFile});
     if (HUTFile::exists(own)) return own;
-    const std::string shipped = HUTEnv::getGDADataDir(join({productDir, configFile}));
-    return shipped.empty() ? own : join({shipped, productDir, configFile});
+    const std::string shipped = HUTEnv::getGDADataDir(join({HSCPlazName::productDir, configFile}));
+    return shipped.empty() ? own : join({shipped, HSCPlazName::productDir, configFile});
 }
 
 std::string HSCPlazPathMgr::getStoresDataDir() const {
@@ -118,8 +113,8 @@ std::string HSCPlazPathMgr::getShippedDir(const HSCPlazQStoreModel& store) const
 }
 
 std::string HSCPlazPathMgr::getSchemaRoot() const {
-    const std::string base = HUTEnv::getGDADataDir(join({productDir, "schemas"}));
-    return base.empty() ? std::string() : join({base, productDir});
+    const std::string base = HUTEnv::getGDADataDir(join({HSCPlazName::productDir, "schemas"}));
+    return base.empty() ? std::string() : join({base, HSCPlazName::productDir});
 }
 
 std::string HSCPlazPathMgr::getRepoInfoFile() const {

@@ -24,12 +24,10 @@ public:
     void setConfig(const HSCPlazCfgModel* config) { m_config = config; }
 
     /// Root of the user area: "ZENTOR_PLAZ_USERAREA_ROOT_DIR", else the first entry of the preference "QSTORES_PATH",
-    /// else the default one; then @p subPath, then @p leaf, each where it is not empty.
+    /// else "plaz" in the user's data (HSCPlazProduct); then @p subPath, then @p leaf, each where it is not empty.
     /// @param create  create the directory (without the leaf) with its parents when it is missing
     std::string getUserAreaRoot(const std::string& subPath = "", bool create = false,
                                 const std::string& leaf = "") const;
-    /// <app-data>/<version>/plaz, without the version where the host names none.
-    static std::string getDefaultUserArea();
     /// Shared read-only data: "common" below "ZENTOR_PLAZ_LOCAL_ROOT_DIR" or below the data root that holds the hub.
     std::string getLocalDataRoot(bool create = false, const std::string& leaf = "") const;
     /// Staging directory of a hub or store with root name @p root.

@@ -4,11 +4,11 @@
 #include "plaz/base/HSCPlazFileCopy.h"
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/base/HSCPlazNames.h"
+#include "plaz/base/HSCPlazProduct.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazCfgModel.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/repo/git/HSCPlazGitParams.h"
-#include "plaz/pref/HSCPlazPathMgr.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
 
@@ -30,7 +30,8 @@ fs::path belowUserRepo(const HSCPlazUserPref& pref, const std::string& localRoot
 
 fs::path HSCPlazUserPref::getUserRepoPath() const {
     std::string dir;
-    if (!HUTEnv::getEnv(HSCPlazName::userRepoVariable, dir)) return HSCPlazPathMgr::getDefaultUserArea();
+    if (!HUTEnv::getEnv(HSCPlazName::userRepoVariable, dir))
+        return fs::path(HSCPlazProduct::getUserDataDir()) / HSCPlazName::productDir;
     if (!HUTFile::exists(dir))
         throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::userRepoPathMissing,
                                        HSCPlazName::userRepoVariable, HSCPlazName::userRepoVariable));
@@ -47,7 +48,7 @@ fs::path HSCPlazUserPref::getUserRepoPath(const HSCPlazQStoreModel* store) const
 
 fs::path HSCPlazUserPref::getStagingPath() const {
     const HSCPlaz* hub = HSCPlazContext::get().getHub();
-    fs::path staging = fs::path(HSCPlazPathMgr::getDefaultUserArea()).parent_path() / HSCPlazStoreLayout::stagingDir;
+    fs::path staging = fs::path(HSCPlazProduct::getUserDataDir()) / HSCPlazStoreLayout::stagingDir;
     if (hub && !hub->getRoot().empty()) staging /= hub->getRoot();
     fs::create_directories(staging); // raw: what it throws is meant for the caller
     return staging;

@@ -12,28 +12,35 @@
 
 #include <boost/filesystem/path.hpp>
 
+#include <memory>
+
 namespace {
 
-/// @return false for a file that does not describe this very item
-bool describeBy(const HIOStream::Root& root, const std::string& file, HSCPlazJsonDocument& document,
-                HSCPlazQItemModel& item, HSCPlazFindings& found) {
-    HSCPlazQItemModel description;
-    const HIOStream::Status status = HSCPlazQItemReader::readBelow(root, file, document, description, found);
-    const bool isIts = status == HIOStream::Status::ok && description.getName() == item.getName() &&
-                       description.getRevision() == item.getRevision();
-    if (isIts) item.copyDescriptionFrom(description);
-    return isIts;
+/// Null for a file that does not describe this very item.
+std::unique_ptr<HSCPlazQItemModel> readDescription(const HIOStream::Root& root, const std::string& file,
+                                                   HSCPlazJsonDocument& document, const HSCPlazQItemModel& item,
+                                                   HSCPlazFindings& found) {
+    auto description = std::make_unique<HSCPlazQItemModel>();
+    const HIOStream::Status status = HSCPlazQItemReader::readBelow(root, file, document, *description, found);
+    const bool isIts = status == HIOStream::Status::ok && description->getName() == item.getName() &&
+                       description->getRevision() == item.getRevision();
+    return isIts ? std::move(description) : nullptr;
 }
 
-/// Of an item that the catalog has left out nobody says which of its files describes it; and nobody offers it.
-void describeWithdrawn(const HIOStream::Root& root, const std::string& area, const std::string& folder,
-                       HSCPlazJsonDocument& document, HSCPlazQItemModel& item) {
+/// Nobody names the file that describes an item which the catalog has left out: it must be the only one that does.
+std::unique_ptr<HSCPlazQItemModel> readWithdrawn(const HIOStream::Root& root, const std::string& area,
+                                                 const std::string& folder, HSCPlazJsonDocument& document,
+                                                 const HSCPlazQItemModel& item) {
     HSCPlazFindings ofOtherFiles;
-    for (const std::string& name : HUTFile::createFileIter(area + "/" + folder))
-        if (boost::filesystem::path(name).extension() == ".json" &&
-            describeBy(root, folder + "/" + name, document, item, ofOtherFiles))
-            break;
-    item.setIsActive(false);
+    std::unique_ptr<HSCPlazQItemModel> only;
+    for (const std::string& name : HUTFile::createFileIter(area + "/" + folder)) {
+        if (boost::filesystem::path(name).extension() != ".json") continue;
+        auto description = readDescription(root, folder + "/" + name, document, item, ofOtherFiles);
+        if (description && only) return nullptr;
+        if (description) only = std::move(description);
+    }
+    if (only) only->setIsActive(false); // nobody offers it any more
+    return only;
 }
 
 } // namespace
@@ -55,10 +62,13 @@ void HSCPlazInstalledState::describe(const HSCPlazQStoreModel& store) const {
     for (const auto& item : store.getItems()) {
         if (!item->isInstalled()) continue;
         const std::string folder = HSCPlazPathMgr::getItemFolder(store, *item);
-        if (!item->getMetadataFile().empty())
-            describeBy(root, folder + "/" + item->getMetadataFile(), document, *item, found);
+        const std::string& file = item->getMetadataFile();
+        std::unique_ptr<HSCPlazQItemModel> description;
+        if (!file.empty())
+            description = readDescription(root, folder + "/" + file, document, *item, found);
         else if (!folder.empty())
-            describeWithdrawn(root, m_workspace.paths.getStoreArea(store), folder, document, *item);
+            description = readWithdrawn(root, m_workspace.paths.getStoreArea(store), folder, document, *item);
+        if (description) item->copyDescriptionFrom(*description);
     }
     m_report.append(found.toReport());
 }

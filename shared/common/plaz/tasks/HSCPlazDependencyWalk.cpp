@@ -7,68 +7,23 @@
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/store/HSCPlazInstalledFiles.h"
 #include "plaz/store/HSCPlazWorkspace.h"
+#include "plaz/tasks/HSCPlazDependencies.h"
+#include "plaz/tasks/HSCPlazHolds.h"
 #include "plaz/tasks/HSCPlazTask.h"
 #include "support/HUTFile.h"
 
+#include <algorithm>
+#include <map>
 #include <utility>
 
 using HSCPlazDebugLog::inside;
 using Mode = HSCPlazInstallationMode;
+namespace Dependencies = HSCPlazDependencies;
 namespace Files = HSCPlazItemFiles;
 
 namespace {
 
 constexpr const char* installName = "HSCPlazTaskMgr::install_dependencies";
-
-std::string keyOf(const std::string& store, const std::string& item, const std::string& revision) {
-    return store + "::" + item + "::" + revision;
-}
-
-std::string keyOf(const HSCPlazQItemDependency& dependency) {
-    return keyOf(dependency.getStore(), dependency.getItem(), dependency.getRevision());
-}
-
-/// The item's own key and those under which dependencies can name it.
-std::set<std::string> keysOf(const HSCPlazQItem& item) {
-    const std::string revision = item.getRevision();
-    std::set<std::string> keys{item.getCompany() + "::" + item.getName(),
-                               keyOf(item.getStoreName(), item.getName(), revision)};
-    const bool isMeantByName = revision.empty() || revision == item.getLatestRevision() || !item.getStore() ||
-                               !item.getStore()->IsMultiRevisionSupported();
-    if (isMeantByName) keys.insert(keyOf(item.getStoreName(), item.getName(), ""));
-    return keys;
-}
-
-HSCPlazFoundItem findByName(const HSCPlaz& hub, const std::string& storeName, const std::string& name,
-                            const std::string& revision) {
-    HSCPlazQStore* store = hub.getStore(storeName);
-    if (!store) return {};
-    return {store, revision.empty() ? store->getItem(name) : store->getItem(name, revision)};
-}
-
-HSCPlazFoundItem findOffered(const HSCPlaz& hub, const HSCPlazQItemDependency& dependency) {
-    return findByName(hub, dependency.getStore(), dependency.getItem(), dependency.getRevision());
-}
-
-/// The installed item that serves a dependency. The catalog may have moved on since it was installed: where any
-/// revision serves, and where there is only one at a time, it is the one that is there.
-template <typename Serves>
-HSCPlazFoundItem findServing(const HSCPlaz& hub, const HSCPlazQItemDependency& dependency, Serves serves) {
-    const HSCPlazFoundItem named = findOffered(hub, dependency);
-    if (!named.store || (named && serves(*named.item))) return named;
-    if (!dependency.getRevision().empty() && named.store->IsMultiRevisionSupported()) return {};
-    for (HSCPlazQItem* item : named.store->getItems())
-        if (item->getName() == dependency.getItem() && serves(*item)) return {named.store, item};
-    return {};
-}
-
-bool isInstalled(const HSCPlazQItem& item) {
-    return item.IsInstalled();
-}
-
-bool isHeld(const HSCPlazQItem& item) {
-    return item.IsInstalled() && item.getReferenceCount() > 0;
-}
 
 } // namespace
 
@@ -76,7 +31,7 @@ bool isHeld(const HSCPlazQItem& item) {
 class HSCPlazDependencyWalk::Step {
 public:
     Step(HSCPlazDependencyWalk& walk, const HSCPlazQItemDependency& dependency)
-        : m_path(walk.m_path), m_key(keyOf(dependency)), m_isNew(m_path.insert(m_key).second) {}
+        : m_path(walk.m_path), m_key(Dependencies::keyOf(dependency)), m_isNew(m_path.insert(m_key).second) {}
     ~Step() {
         if (m_isNew) m_path.erase(m_key);
     }
@@ -93,10 +48,10 @@ private:
 };
 
 HSCPlazDependencyWalk::HSCPlazDependencyWalk(HSCPlazTask& task, const HSCPlazQItem& item)
-    : m_task(task), m_hub(task.getHub()), m_path(keysOf(item)) {}
+    : m_task(task), m_hub(task.getHub()), m_path(Dependencies::keysOf(item)) {}
 
 HSCPlazFoundItem HSCPlazDependencyWalk::find(const HSCPlaz& hub, const HSCPlazQItem* item) {
-    return findByName(hub, item->getStoreName(), item->getName(), item->getRevision());
+    return Dependencies::findByName(hub, item->getStoreName(), item->getName(), item->getRevision());
 }
 
 bool HSCPlazDependencyWalk::isProperlyInstalled(const HSCPlazFoundItem& found) const {
@@ -120,7 +75,7 @@ bool HSCPlazDependencyWalk::installAll(const HSCPlazQItem& item) {
 
 bool HSCPlazDependencyWalk::install(const HSCPlazQItemDependency& dependency) {
     if (m_task.isCancelled()) return false;
-    const HSCPlazFoundItem found = findOffered(m_hub, dependency);
+    const HSCPlazFoundItem found = Dependencies::findOffered(m_hub, dependency);
     if (!found) {
         inside(installName, " couldn't find the qitem ptr");
         return m_task.fail(Msg::dependencyUnknown, dependency.getItem(), dependency.getStore());
@@ -141,8 +96,9 @@ bool HSCPlazDependencyWalk::install(const HSCPlazQItemDependency& dependency) {
         }
         // Files that had got lost are back; whoever held the item holds it still.
         const bool isUsers = isKnown && found.item->getMode() == Mode::user;
-        markInstalled(found, isUsers ? Mode::user : Mode::tool, references + 1);
-        replaceOthers(found);
+        const Heritage heritage = replaceOthers(found);
+        markInstalled(found, isUsers || heritage.isUsers ? Mode::user : Mode::tool,
+                      references + heritage.references + 1);
         inside(installName, " dest: ", found.item->getLocalRootDir());
         m_task.tellNews(Msg::dependencyInstalled, found.item->getName());
         saveChanges();
@@ -167,7 +123,7 @@ bool HSCPlazDependencyWalk::bringMissing(const HSCPlazQItem& item, bool& changed
     for (const HSCPlazQItemDependency* dependency : item.getItemDependencies()) {
         const Step step(*this, *dependency);
         if (!step.isNew()) continue;
-        const HSCPlazFoundItem found = findServing(m_hub, *dependency, isInstalled);
+        const HSCPlazFoundItem found = Dependencies::findInstalled(m_hub, *dependency);
         if (found && isProperlyInstalled(found)) {
             bringMissing(*found.item, changed);
         } else {
@@ -186,7 +142,7 @@ void HSCPlazDependencyWalk::releaseAll(const HSCPlazQItem& item) {
 }
 
 void HSCPlazDependencyWalk::release(const HSCPlazQItemDependency& dependency) {
-    const HSCPlazFoundItem found = findServing(m_hub, dependency, isHeld);
+    const HSCPlazFoundItem found = Dependencies::findHeld(m_hub, dependency);
     // What is not installed holds nothing: its installation failed, or it was removed by hand.
     if (!found) return;
     releaseAll(*found.item);
@@ -213,78 +169,62 @@ void HSCPlazDependencyWalk::removeUnheld(const HSCPlazFoundItem& found) {
     m_task.tellNews(Msg::dependencyRemoved, found.item->getName());
 }
 
-void HSCPlazDependencyWalk::replaceOthers(const HSCPlazFoundItem& found) {
-    if (found.store->IsMultiRevisionSupported()) return;
+HSCPlazDependencyWalk::Heritage HSCPlazDependencyWalk::replaceOthers(const HSCPlazFoundItem& found) {
+    Heritage heritage;
+    if (found.store->IsMultiRevisionSupported()) return heritage;
     for (HSCPlazQItem* other : found.store->getItems()) {
         if (other == found.item || !other->IsInstalled() || other->getName() != found.item->getName()) continue;
-        found.item->setReferenceCount(found.item->getReferenceCount() + other->getReferenceCount());
-        if (other->getMode() == Mode::user) found.item->getModel()->setMode(Mode::user);
-        other->getModel()->clearInstallation();
         giveUpNeeds(*other);
+        heritage.references += other->getReferenceCount();
+        heritage.isUsers = heritage.isUsers || other->getMode() == Mode::user;
+        other->getModel()->clearInstallation();
     }
+    return heritage;
 }
 
 void HSCPlazDependencyWalk::giveUpNeeds(const HSCPlazQItem& item) {
-    collect(item, m_givenUp);
+    std::set<const HSCPlazQItem*> needed;
+    collect(item, needed);
+    if (needed.empty()) return;
+    for (const auto& [known, count] : HSCPlazHolds::count(m_hub))
+        if (needed.count(known) != 0) m_givenUp.try_emplace(known, std::max(known->getReferenceCount() - count, 0));
 }
 
 void HSCPlazDependencyWalk::finish() {
-    const auto counts = countAll();
+    const auto counts = HSCPlazHolds::count(m_hub);
     // Which of several revisions serves whom is not recorded: they lack a hold only where all of them together do.
-    std::map<std::pair<HSCPlazQStore*, std::string>, std::int32_t> lacking;
+    std::map<std::pair<HSCPlazQStore*, std::string>, std::int64_t> lacking;
     for (const auto& [item, count] : counts)
-        lacking[{item->getStore(), item->getName()}] += count - item->getReferenceCount();
+        lacking[{item->getStore(), item->getName()}] += std::int64_t{count} - item->getReferenceCount();
     for (const auto& [item, count] : counts) {
-        const bool isTooLow = count > item->getReferenceCount() && lacking[{item->getStore(), item->getName()}] > 0;
-        if (isTooLow || m_givenUp.count(item) != 0) setCount(*item, count);
+        const auto givenUp = m_givenUp.find(item);
+        if (givenUp != m_givenUp.end())
+            setCount(*item, count + givenUp->second);
+        else if (count > item->getReferenceCount() && lacking[{item->getStore(), item->getName()}] > 0)
+            setCount(*item, count);
     }
-    for (HSCPlazQItem* item : std::exchange(m_givenUp, {}))
-        if (item->IsInstalled() && item->getMode() == Mode::tool && item->getReferenceCount() == 0)
+    for (const auto& [item, count] : counts)
+        if (m_givenUp.count(item) != 0 && item->getMode() == Mode::tool && item->getReferenceCount() == 0)
             removeUnheld({item->getStore(), item});
+    m_givenUp.clear();
     saveChanges();
 }
 
-void HSCPlazDependencyWalk::collect(const HSCPlazQItem& item, Items& reached) const {
+void HSCPlazDependencyWalk::collect(const HSCPlazQItem& item, std::set<const HSCPlazQItem*>& reached) const {
     for (const HSCPlazQItemDependency* dependency : item.getItemDependencies()) {
-        const HSCPlazFoundItem found = findServing(m_hub, *dependency, isInstalled);
+        const HSCPlazFoundItem found = Dependencies::findInstalled(m_hub, *dependency);
         if (found && reached.insert(found.item).second) collect(*found.item, reached);
     }
 }
 
 void HSCPlazDependencyWalk::recount() {
-    for (const auto& [item, count] : countAll()) setCount(*item, count);
+    for (const auto& [item, count] : HSCPlazHolds::count(m_hub)) setCount(*item, count);
 }
 
 void HSCPlazDependencyWalk::setCount(HSCPlazQItem& item, std::int32_t count) {
     if (item.getReferenceCount() == count) return;
     item.setReferenceCount(count);
     m_unsaved.insert(item.getStore());
-}
-
-std::map<HSCPlazQItem*, std::int32_t> HSCPlazDependencyWalk::countAll() {
-    std::map<HSCPlazQItem*, std::int32_t> holds;
-    for (const HSCPlazQStore* store : m_hub.getStores())
-        for (HSCPlazQItem* item : store->getItems()) {
-            if (!item->IsInstalled()) continue;
-            holds.try_emplace(item, 0);
-            if (item->getMode() != Mode::user) continue;
-            const std::set<std::string> outer = std::exchange(m_path, keysOf(*item));
-            countHolds(*item, holds);
-            m_path = outer;
-        }
-    return holds;
-}
-
-void HSCPlazDependencyWalk::countHolds(const HSCPlazQItem& item, std::map<HSCPlazQItem*, std::int32_t>& holds) {
-    for (const HSCPlazQItemDependency* dependency : item.getItemDependencies()) {
-        const Step step(*this, *dependency);
-        if (!step.isNew()) continue;
-        HSCPlazFoundItem found = findServing(m_hub, *dependency, isHeld);
-        if (!found) found = findServing(m_hub, *dependency, isInstalled);
-        if (!found) continue;
-        ++holds[found.item];
-        countHolds(*found.item, holds);
-    }
 }
 
 void HSCPlazDependencyWalk::markInstalled(const HSCPlazFoundItem& found, Mode mode, std::int32_t references) {

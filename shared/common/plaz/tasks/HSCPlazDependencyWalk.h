@@ -18,8 +18,6 @@ class HSCPlazQItemDependency;
 /// counted for each.
 class HSCPlazDependencyWalk {
 public:
-    using Items = std::set<HSCPlazQItem*>;
-
     /// @param task  must outlive the walk
     /// @param item  the item asked for; the walk never comes back to it
     HSCPlazDependencyWalk(HSCPlazTask& task, const HSCPlazQItem& item);
@@ -34,15 +32,21 @@ public:
     /// Takes back one hold from every dependency of @p item and removes what is held no more.
     void releaseAll(const HSCPlazQItem& item);
 
+    /// What an item takes over from another revision whose place it takes.
+    struct Heritage {
+        std::int32_t references = 0;
+        bool isUsers = false; ///< the user had asked for it
+    };
     /// In a store that keeps one revision of an item, an installation takes the place of another revision: whoever held
-    /// that one holds the new one from now on, and what it needed is given up by finish().
-    void replaceOthers(const HSCPlazFoundItem& found);
+    /// that one holds the new one from now on, and what it needed is given up by finish(). To be called before the new
+    /// one counts as installed.
+    Heritage replaceOthers(const HSCPlazFoundItem& found);
     /// What an installed item needs, whatever the number of steps to it, is needed by it no more once its new
     /// description counts: finish() gives it up.
     void giveUpNeeds(const HSCPlazQItem& item);
-    /// Ends the work on an installed item: what has been given up gets the count that it has now, and goes where
-    /// nothing needs it; a count that is too low, as after a task that was cut short, is raised. All is saved.
-    /// RATIONALE: other counts are not lowered. A holder may be out of sight, with its store or its own description.
+    /// Ends the work on an installed item: what has been given up loses the holds that are seen to be gone, and goes
+    /// where none is left; a count that is too low, as after a task that was cut short, is raised. All is saved.
+    /// RATIONALE: nothing else is lowered. A holder may be out of sight, with its store or its own description.
     void finish();
 
     /// Marks the item installed in its directory.
@@ -67,10 +71,8 @@ private:
     void release(const HSCPlazQItemDependency& dependency);
     bool bringMissing(const HSCPlazQItem& item, bool& changed);
     void recount();
-    std::map<HSCPlazQItem*, std::int32_t> countAll();
-    void countHolds(const HSCPlazQItem& item, std::map<HSCPlazQItem*, std::int32_t>& holds);
     void setCount(HSCPlazQItem& item, std::int32_t count);
-    void collect(const HSCPlazQItem& item, Items& reached) const;
+    void collect(const HSCPlazQItem& item, std::set<const HSCPlazQItem*>& reached) const;
     void removeUnheld(const HSCPlazFoundItem& found);
     bool isProperlyInstalled(const HSCPlazFoundItem& found) const;
 
@@ -78,6 +80,6 @@ private:
     HSCPlaz& m_hub;
     std::set<std::string> m_path;
     std::set<HSCPlazQStore*> m_unsaved;
-    Items m_givenUp;
+    std::map<const HSCPlazQItem*, std::int32_t> m_givenUp; // with the holds of holders that are out of sight
     bool m_sound = true;
 };

@@ -35,8 +35,8 @@ bool installFiles(HSCPlazTask& task, const HSCPlazFoundItem& found, Walk& walk, 
     inside(installName, " installing ", item.getName(), "...");
     if (!Files::bring(task, found, true)) return false;
     // Files that had got lost are back; whoever held the item holds it still.
-    walk.markInstalled(found, isUsersAlready ? Mode::user : mode, references);
-    walk.replaceOthers(found);
+    const Walk::Heritage heritage = walk.replaceOthers(found);
+    walk.markInstalled(found, isUsersAlready || heritage.isUsers ? Mode::user : mode, references + heritage.references);
     task.tellNews(Msg::itemInstalled, Files::shownName(item));
     walk.saveChanges();
     inside(installName, " installed ");

@@ -48,6 +48,10 @@ bool fetchAgain(HSCPlazTask& task, HSCPlazQItem& item) {
 } // namespace
 
 Outcome HSCPlazUpdateTask::update(HSCPlazTask& task, HSCPlazQItem& item) {
+    if (!item.IsInstalled()) { // another program was quicker
+        task.fail(Msg::itemNotInstalled, Files::shownName(item));
+        return Outcome::failed;
+    }
     const Step step = HSCPlazUpdateDecision::decide(item);
     if (step == Step::none) return Outcome::upToDate;
     const bool isDone = step == Step::fetchAgain ? fetchAgain(task, item) : installLatest(task, item);

@@ -1,0 +1,164 @@
+#include "plaz/tasks/HSCPlazHolds.h"
+
+#include "plaz/base/HSCPlazInstallationMode.h"
+#include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazQItem.h"
+#include "plaz/model/HSCPlazQItemDependency.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/tasks/HSCPlazDependencies.h"
+
+#include <boost/graph/adjacency_list.hpp>
+#include <boost/graph/strong_components.hpp>
+
+#include <algorithm>
+#include <limits>
+#include <string>
+#include <unordered_map>
+
+namespace Dependencies = HSCPlazDependencies;
+
+namespace {
+
+using Node = std::size_t;
+using Nodes = std::vector<Node>;
+using Ways = std::int32_t;
+
+constexpr std::size_t mostSteps = 1000000;
+
+Ways add(Ways a, Ways b) {
+    return a > std::numeric_limits<Ways>::max() - b ? std::numeric_limits<Ways>::max() : a + b;
+}
+
+/// Items that the user asked for, and what dependencies name, once for each name. A way runs from node to node.
+class Graph {
+public:
+    explicit Graph(const HSCPlaz& hub) : m_hub(hub) {
+        for (const HSCPlazQStore* store : hub.getStores())
+            for (HSCPlazQItem* item : store->getItems())
+                if (item->IsInstalled() && item->getMode() == HSCPlazInstallationMode::user)
+                    m_starts.push_back(addNode(item, 1));
+        for (Node node = 0; node < m_nodes.size(); ++node) expand(node);
+    }
+
+    /// How many ways lead to each installed item that is needed.
+    std::unordered_map<const HSCPlazQItem*, Ways> count() {
+        for (const Nodes& part : findParts()) {
+            if (isCircle(part)) followCircle(part);
+            for (const Node node : part)
+                for (const Node next : m_nodes[node].next)
+                    if (m_part[next] != m_part[node]) m_nodes[next].ways = add(m_nodes[next].ways, m_nodes[node].ways);
+        }
+        std::unordered_map<const HSCPlazQItem*, Ways> counts;
+        for (Node node = m_starts.size(); node < m_nodes.size(); ++node)
+            if (const HSCPlazQItem* item = m_nodes[node].item) counts[item] = add(counts[item], m_nodes[node].ways);
+        return counts;
+    }
+
+private:
+    struct Step {
+        HSCPlazQItem* item; ///< null where nothing serves
+        Ways ways;
+        Nodes next = {};
+        bool isOnWay = false;
+    };
+
+    Node addNode(HSCPlazQItem* item, Ways ways) {
+        m_nodes.push_back({item, ways});
+        return m_nodes.size() - 1;
+    }
+
+    Node nodeOf(const HSCPlazQItemDependency& dependency) {
+        const auto [known, isNew] = m_named.try_emplace(Dependencies::keyOf(dependency), m_nodes.size());
+        if (!isNew) return known->second;
+        const HSCPlazFoundItem held = Dependencies::findHeld(m_hub, dependency);
+        return addNode(held ? held.item : Dependencies::findInstalled(m_hub, dependency).item, 0);
+    }
+
+    void expand(Node node) {
+        if (!m_nodes[node].item) return;
+        for (const HSCPlazQItemDependency* dependency : m_nodes[node].item->getItemDependencies()) {
+            const Node next = nodeOf(*dependency); // may move the nodes
+            m_nodes[node].next.push_back(next);
+        }
+    }
+
+    /// The names of the item that somebody uses.
+    Nodes namesOf(Node start) const {
+        Nodes names;
+        for (const std::string& key : Dependencies::keysOf(*m_nodes[start].item))
+            if (const auto named = m_named.find(key); named != m_named.end()) names.push_back(named->second);
+        return names;
+    }
+
+    /// The circles and, each for itself, the nodes that are in none; what leads to others goes before them.
+    std::vector<Nodes> findParts() {
+        boost::adjacency_list<boost::vecS, boost::vecS, boost::directedS> graph(m_nodes.size());
+        for (Node node = 0; node < m_nodes.size(); ++node)
+            for (const Node next : m_nodes[node].next) add_edge(node, next, graph);
+        // A way from an item ends also where it would come back to the item by one of its names.
+        for (const Node start : m_starts)
+            for (const Node name : namesOf(start)) add_edge(name, start, graph);
+        m_part.resize(m_nodes.size());
+        const auto map = make_iterator_property_map(m_part.begin(), get(boost::vertex_index, graph));
+        // They are numbered as they end, so what is led to has the lower number.
+        std::vector<Nodes> parts(boost::strong_components(graph, map));
+        for (Node node = 0; node < m_nodes.size(); ++node) parts[parts.size() - 1 - m_part[node]].push_back(node);
+        return parts;
+    }
+
+    bool isCircle(const Nodes& part) const {
+        const Nodes& next = m_nodes[part.front()].next;
+        return part.size() > 1 || std::count(next.begin(), next.end(), part.front()) > 0;
+    }
+
+    void followCircle(const Nodes& part) {
+        Nodes entries;
+        std::copy_if(part.begin(), part.end(), std::back_inserter(entries),
+                     [&](Node node) { return m_nodes[node].ways > 0; });
+        if (entries.empty()) return;
+        std::unordered_map<Node, Ways> inside;
+        std::size_t steps = 0;
+        for (const Node entry : entries) {
+            Nodes names = entry < m_starts.size() ? namesOf(entry) : Nodes();
+            names.push_back(entry);
+            for (const Node name : names) m_nodes[name].isOnWay = true;
+            follow(entry, m_nodes[entry].ways, inside, steps);
+            for (const Node name : names) m_nodes[name].isOnWay = false;
+        }
+        for (const auto& [node, ways] : inside) m_nodes[node].ways = add(m_nodes[node].ways, ways);
+        if (steps < mostSteps) return;
+        for (const Node node : part) m_nodes[node].ways = std::max(m_nodes[node].ways, 1);
+    }
+
+    void follow(Node node, Ways ways, std::unordered_map<Node, Ways>& inside, std::size_t& steps) {
+        for (const Node next : m_nodes[node].next) {
+            if (m_part[next] != m_part[node] || m_nodes[next].isOnWay || steps == mostSteps) continue;
+            ++steps;
+            Ways& known = inside[next];
+            known = add(known, ways);
+            m_nodes[next].isOnWay = true;
+            follow(next, ways, inside, steps);
+            m_nodes[next].isOnWay = false;
+        }
+    }
+
+    const HSCPlaz& m_hub;
+    std::vector<Step> m_nodes; // the items that the user asked for first
+    Nodes m_starts;
+    std::unordered_map<std::string, Node> m_named;
+    std::vector<std::size_t> m_part; // of each node
+};
+
+} // namespace
+
+HSCPlazHolds::Counts HSCPlazHolds::count(const HSCPlaz& hub) {
+    const auto ways = Graph(hub).count();
+    Counts counts;
+    for (const HSCPlazQStore* store : hub.getStores())
+        for (HSCPlazQItem* item : store->getItems()) {
+            if (!item->IsInstalled()) continue;
+            const auto found = ways.find(item);
+            counts.emplace_back(item, found == ways.end() ? 0 : found->second);
+        }
+    return counts;
+}
