@@ -1,6 +1,5 @@
 #include "support/HostMsg.h"
 #include "support/MessagesTest.h"
-#include "support/TempDir.h"
 
 namespace {
 

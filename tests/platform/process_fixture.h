@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/HUTEnv.h"
+#include "support/HUTFileLock.h"
 #include "support/HUTFork.h"
 #include "support/TempDir.h"
 

@@ -1,9 +1,7 @@
 #include "plaz/HSCPlazUtils.h"
 
-#include "plaz/context_fixture.h"
 #include "plaz/hub_fixture.h"
 #include "plaz/pref/HSCPlazUserPref.h"
-#include "support/System.h"
 
 using UtilsTest = ContextTest;
 
@@ -82,7 +80,6 @@ TEST_F(UtilsTest, ItemIsThereWithMoreThanItsMetadata) {
 // Descriptions, hidden marks and defaults are what people's scripts rely on, two oddities included.
 TEST_F(UtilsTest, RegistersTheParametersOfTheHub) {
     HPAParamMgr& params = HPAParamMgr::getParamMgr();
-    EXPECT_EQ(params.findParam("plaz.gitTimeout")->getDefault(), "1000");
     EXPECT_EQ(params.findParam("plaz.enableRemoteAccess")->getDescription(), "Enable Git Access");
     EXPECT_TRUE(params.findParam("plaz.git_user.board_store")->isHidden());
     EXPECT_FALSE(params.findParam("plaz.git_token.board_store")->isHidden());

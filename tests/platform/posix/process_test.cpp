@@ -1,5 +1,4 @@
 #include "platform/process_fixture.h"
-#include "support/HUTFileLock.h"
 
 #include <csignal>
 #include <fcntl.h>
@@ -21,10 +20,6 @@ bool isRunning(const std::string& pid) {
     std::string name, state;
     std::ifstream stat("/proc/" + pid + "/stat");
     return stat >> name >> name >> state && state != "Z" && state != "X";
-}
-
-bool endsSoon(const std::string& pid) {
-    return comesTrueSoon([&] { return !isRunning(pid); });
 }
 
 // Fault: blocked or ignored signals, open files or the terminal's input reaching the child; a status that is lost.
@@ -69,23 +64,6 @@ TEST_F(PosixProcessTest, LockIsHeldUntilAKilledHoldersChildrenHaveEnded) {
     lock.reset();
     EXPECT_EQ(HUTFileLock(file).tryLock(), HUTFileLock::Result::held);
     kill(std::stoi(firstLine()), SIGKILL);
-}
-
-// Fault: an interrupt from a signal handler that misses the child, or that the next launch does not respect.
-TEST_F(PosixProcessTest, Interrupt) {
-    const auto oldHandler = std::signal(SIGALRM, [](int) { HUTFork::interruptAll(); });
-    alarm(1);
-    EXPECT_EQ(sh("sleep 300 & echo $!; wait"), HUTFork::interrupted);
-    std::signal(SIGALRM, oldHandler);
-    EXPECT_TRUE(endsSoon(firstLine()) && HUTFork::isInterrupted());
-
-    HUTFork next;
-    next.setProg("touch", true);
-    next.addArg(temp.path("ran"));
-    EXPECT_EQ(next.launch(true, true, true, true), HUTFork::interrupted);
-    EXPECT_EQ(access(temp.path("ran").c_str(), F_OK), -1);
-    HUTFork::clearInterrupt();
-    EXPECT_EQ(next.launch(true, true, true, true), 0);
 }
 
 } // namespace

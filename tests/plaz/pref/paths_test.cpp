@@ -1,7 +1,6 @@
 #include "plaz/context_fixture.h"
 #include "plaz/pref/HSCPlazUserPref.h"
 #include "support/HCCXPrefMgr.h"
-#include "support/System.h"
 
 namespace fs = boost::filesystem;
 

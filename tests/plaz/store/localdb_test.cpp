@@ -2,7 +2,6 @@
 
 #include "plaz/base/HSCPlazReport.h"
 #include "plaz/store/HSCPlazLocalDBMgr.h"
-#include "support/System.h"
 
 #include <sstream>
 

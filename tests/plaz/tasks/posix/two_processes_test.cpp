@@ -1,6 +1,5 @@
 #include "plaz/hub_fixture.h"
 
-#include "plaz/HSCPlazTaskMgr.h"
 #include "support/HUTFileLock.h"
 
 #include <csignal>
