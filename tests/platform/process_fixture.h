@@ -9,9 +9,7 @@
 
 #include <chrono>
 #include <functional>
-#include <string>
 #include <thread>
-#include <vector>
 
 /// A launcher whose log, and whose child's place to work, is a directory of its own.
 class ProcessTest : public testing::Test {

@@ -1,7 +1,6 @@
 #include "plaz/HSCPlazUtils.h"
 
 #include "plaz/hub_fixture.h"
-#include "plaz/pref/HSCPlazUserPref.h"
 
 using UtilsTest = ContextTest;
 
@@ -62,19 +61,6 @@ TEST_F(UtilsTest, ChosenDirectoriesAreCheckedAndCreated) {
     otherModel.setInstallDir(temp.path("Absent"));
     const bool isCaseIgnored = HUTFile::exists(temp.path("FILE"));
     EXPECT_NE(HSCPlazUtils::setQStoreLocalDir(own, temp.path("absent")), isCaseIgnored);
-}
-
-// An item taken for whole with no file but the one that describes it.
-TEST_F(UtilsTest, ItemIsThereWithMoreThanItsMetadata) {
-    HSCPlazQStoreModel model;
-    model.setLocalRootDir(temp.path("area"));
-    addItem(model, "x", "", "").setIsInstalled(true);
-    HSCPlazQStore store;
-    store.assignModel(&model);
-    for (const char* file : {"item.json", "body"}) {
-        temp.write(std::string("area/items/x/") + file, "{}");
-        EXPECT_EQ(HSCPlazUtils::isItemInstalledProperly(store.getItems()[0], &store, {}), *file == 'b');
-    }
 }
 
 // Descriptions, hidden marks and defaults are what people's scripts rely on, two oddities included.

@@ -67,6 +67,7 @@ TEST_F(HubQueriesTest, listsOneLineForEachItem) {
     addStore("s",
              {{"x", "1", "2", true, true},
               {"x", "2", "2"},
+              {"gone", "0", "3"},
               {"gone", "1", "3", true},
               {"y", "1", "1"},
               {"a", "1", "1", false, false, "", "small"},

@@ -47,14 +47,6 @@ TEST_F(StartUpTest, LoadsWhatIsShippedAndPlacesTheStores) {
     EXPECT_EQ(HSCPlazMgr::getInstance().getCurrentStore(), nullptr);
 }
 
-// A switch without effect on where a store lives.
-TEST_F(StartUpTest, WithoutDefaultLocationStoresLiveBelowTheUserRepository) {
-    ship();
-    HPAParamMgr::getParamMgr().setValue("plaz.enableBoardStoreDefaultLocation", "false");
-    EXPECT_EQ(hub().getStore("boards")->getLocalRootDir(), "");
-    EXPECT_EQ(hub().getStore("boards")->getLocalDbFilePath(), files.area("boards/.plaz/plaz_local_db.json"));
-}
-
 // What was installed forgotten after a restart, or a revision that the catalog dropped gone from sight.
 TEST_F(StartUpTest, MergesWhatIsInstalled) {
     files.addStore("boards", "board", true).item("aurora", "1.0").item("aurora", "2.0");
