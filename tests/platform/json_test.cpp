@@ -37,14 +37,19 @@ TEST(JsonTest, ParsesOrRefusesWithPlace) {
     }
 }
 
-// Fault: the last of two members that counts, a text that ends at its null, elements of another type taken.
-TEST(JsonTest, GettersTakeTheFirstAndAllOfIt) {
-    std::string text = R"({"s": "a\u0000b", "s": "second", "list": ["x", 2, "y"]})";
+// Fault: a getter that trips over another type, a missing member or a value that is no object.
+TEST(JsonTest, GettersAreForgiving) {
+    std::string text = R"({"s": "a\u0000b", "t": true, "n": 1, "s": "second", "list": ["x", 2, "y"], "o": {}})";
     rapidjson::Document document;
     std::string error;
     ASSERT_TRUE(Json::parseInPlace(text, document, error)) << error;
-    EXPECT_EQ(Json::GetStringProperty(document, "s"), std::string("a\0b", 3));
+    EXPECT_EQ(Json::GetStringProperty(document, "s"), std::string("a\0b", 3)) << "the first of two counts";
+    EXPECT_EQ(Json::GetStringProperty(document, "n") + Json::GetStringProperty(document["list"], "s"), "");
+    EXPECT_TRUE(Json::GetBooleanProperty(document, "t") && !Json::GetBooleanProperty(document, "n"));
     EXPECT_EQ(Json::GetStringArrayProperty(document, "list"), (std::vector<std::string>{"x", "y"}));
+    EXPECT_TRUE(Json::GetStringArrayProperty(document, "o").empty());
+    EXPECT_EQ(Json::FindObject(document, "o"), &document["o"]);
+    EXPECT_TRUE(!Json::FindObject(document, "list") && !Json::FindArray(document, "o"));
 }
 
 } // namespace
