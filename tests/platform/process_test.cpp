@@ -45,8 +45,8 @@ TEST_F(ProcessTest, CommandLineAsItIsShown) {
     EXPECT_EQ(fork.getCmdLineAsStr(), R"('/opt/my git/git' --opt=a/b '' 'it'\''s' '$HOME' 'a\x0afatal: b')");
 }
 
-// Fault: a program that cannot be started and leaves no trace of why; one that is found where it must not be, or started
-// after an interrupt.
+// Fault: a program that cannot be started and leaves no trace of why; one that is found where it must not be, or
+// started after an interrupt.
 TEST_F(ProcessTest, NotStarted) {
     const auto check = [this](const std::string& program, const std::string& reason) {
         fork.setProg(program, false);
