@@ -52,11 +52,15 @@ TEST_F(GitUpdateCheck, ReadsWhatGitPrints) {
     }
 }
 
-// Faults: checks beside each other, a check inside a task waits for it, a wait that Ctrl-C does not end.
+// Faults: a silent server holds up the check for ever, checks beside each other, a check inside a task waits for it, a
+// wait that Ctrl-C does not end.
 TEST_F(GitUpdateCheck, HoldsTheHubForALimitedTime) {
     temp.write("clone/.done", "");
     setParam("plaz.gitTimeout", "1");
     const auto check = [this] { return HSCPlazGit::hasUpdate(clone, "/r", "", "b"); };
+    replaceGit("[ $1 = log ] && echo 1234567 || sleep 60");
+    EXPECT_NE(HSCPlazGitUpdateCheck::look(clone, "/r", "", "b").reason.find("stopped after 1 second"),
+              std::string::npos);
     replaceGit("[ $1 = log ] && echo 1234567 || echo '1234568 refs/heads/b'");
     auto task = HSCPlazHubLock::take(context.getLockFile(), 1, [] { return false; });
     EXPECT_TRUE(task.lock && check() == 1);
