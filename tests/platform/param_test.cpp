@@ -34,6 +34,7 @@ TEST_F(ParamTest, ValuesFitTheirType) {
     EXPECT_EQ(params.findParam("plaz.gitTimeout")->getValue(), "-7");
     EXPECT_TRUE(params.setValue("plaz.gitTimeout", "2147483647"));
     EXPECT_EQ(params.getValueAsInt("plaz.gitTimeout"), INT_MAX);
+    EXPECT_FALSE(params.resetValue("plaz.unknown") || params.setValue("plaz.unknown", "1"));
     EXPECT_TRUE(params.setValue("plaz.proxy", ""));
 }
 
