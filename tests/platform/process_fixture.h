@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/HUTEnv.h"
+#include "support/HUTFileLock.h"
 #include "support/HUTFork.h"
 #include "support/TempDir.h"
 
@@ -7,9 +9,7 @@
 
 #include <chrono>
 #include <functional>
-#include <string>
 #include <thread>
-#include <vector>
 
 /// A launcher whose log, and whose child's place to work, is a directory of its own.
 class ProcessTest : public testing::Test {

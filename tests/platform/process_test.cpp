@@ -1,6 +1,4 @@
 #include "platform/process_fixture.h"
-#include "support/HUTEnv.h"
-#include "support/HUTFileLock.h"
 
 #include <filesystem>
 
@@ -47,7 +45,8 @@ TEST_F(ProcessTest, CommandLineAsItIsShown) {
     EXPECT_EQ(fork.getCmdLineAsStr(), R"('/opt/my git/git' --opt=a/b '' 'it'\''s' '$HOME' 'a\x0afatal: b')");
 }
 
-// Fault: a program that cannot be started and leaves no trace of why; one that is found where it must not be.
+// Fault: a program that cannot be started and leaves no trace of why; one that is found where it must not be, or
+// started after an interrupt.
 TEST_F(ProcessTest, NotStarted) {
     const auto check = [this](const std::string& program, const std::string& reason) {
         fork.setProg(program, false);
@@ -70,6 +69,8 @@ TEST_F(ProcessTest, NotStarted) {
     std::filesystem::copy(PLAZ_TEST_CHILD, temp.path("plaz_tool.exe"));
     fork.setProg("plaz_tool.exe", true);
     EXPECT_EQ(launch(), HUTFork::notStarted) << "the current directory is not searched";
+    HUTFork::interruptAll();
+    EXPECT_EQ(launch(), HUTFork::interrupted);
 }
 
 // Fault: a time-out that leaves what the program has started running, or waits for it.

@@ -12,6 +12,7 @@
 #include "support/HUTFile.h"
 #include "support/HubOnDisk.h"
 #include "support/MessagesTest.h"
+#include "support/System.h"
 
 #include <boost/filesystem.hpp>
 

@@ -1,9 +1,6 @@
 #include "plaz/HSCPlazUtils.h"
 
-#include "plaz/context_fixture.h"
 #include "plaz/hub_fixture.h"
-#include "plaz/pref/HSCPlazUserPref.h"
-#include "support/System.h"
 
 using UtilsTest = ContextTest;
 
@@ -66,23 +63,9 @@ TEST_F(UtilsTest, ChosenDirectoriesAreCheckedAndCreated) {
     EXPECT_NE(HSCPlazUtils::setQStoreLocalDir(own, temp.path("absent")), isCaseIgnored);
 }
 
-// An item taken for whole with no file but the one that describes it.
-TEST_F(UtilsTest, ItemIsThereWithMoreThanItsMetadata) {
-    HSCPlazQStoreModel model;
-    model.setLocalRootDir(temp.path("area"));
-    addItem(model, "x", "", "").setIsInstalled(true);
-    HSCPlazQStore store;
-    store.assignModel(&model);
-    for (const char* file : {"item.json", "body"}) {
-        temp.write(std::string("area/items/x/") + file, "{}");
-        EXPECT_EQ(HSCPlazUtils::isItemInstalledProperly(store.getItems()[0], &store, {}), *file == 'b');
-    }
-}
-
 // Descriptions, hidden marks and defaults are what people's scripts rely on, two oddities included.
 TEST_F(UtilsTest, RegistersTheParametersOfTheHub) {
     HPAParamMgr& params = HPAParamMgr::getParamMgr();
-    EXPECT_EQ(params.findParam("plaz.gitTimeout")->getDefault(), "1000");
     EXPECT_EQ(params.findParam("plaz.enableRemoteAccess")->getDescription(), "Enable Git Access");
     EXPECT_TRUE(params.findParam("plaz.git_user.board_store")->isHidden());
     EXPECT_FALSE(params.findParam("plaz.git_token.board_store")->isHidden());

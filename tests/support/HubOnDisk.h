@@ -17,7 +17,6 @@ public:
 
     StoreOnDisk(const TempDir& dir, std::string name, std::string type, bool multiRevision);
 
-    const std::string& getName() const { return m_name; }
     GitRepo& getRepo() { return m_repo; }
     /// Commits a revision of an item, for the first time or again; the last one committed is the latest in the catalog.
     StoreOnDisk& item(const std::string& name, const std::string& revision, const std::vector<Needs>& needs = {});

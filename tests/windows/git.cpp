@@ -20,7 +20,6 @@
 #include <map>
 #include <string>
 #include <thread>
-#include <utility>
 #include <vector>
 
 namespace {
@@ -118,14 +117,6 @@ std::string composeCommand(const std::vector<std::wstring>& args) {
     return command;
 }
 
-struct Socket {
-    explicit Socket(SOCKET socket) : handle(socket) { check(handle != INVALID_SOCKET, "no loopback connection"); }
-    Socket(Socket&& other) noexcept : handle(std::exchange(other.handle, INVALID_SOCKET)) {}
-    ~Socket() { closesocket(handle); }
-
-    SOCKET handle;
-};
-
 /// Listens on a free port of the loopback device, and returns that.
 unsigned listenOnLoopback(SOCKET socket) {
     sockaddr_in address{};
@@ -138,20 +129,21 @@ unsigned listenOnLoopback(SOCKET socket) {
     return ntohs(address.sin_port);
 }
 
-Socket acceptSoon(SOCKET listener) {
+SOCKET acceptSoon(SOCKET listener) {
     fd_set waiting{1, {listener}};
     timeval limit{30, 0};
     check(select(0, &waiting, nullptr, nullptr, &limit) == 1, "the native shell does not answer");
-    return Socket(accept(listener, nullptr, nullptr));
+    return accept(listener, nullptr, nullptr);
 }
 
 /// Copies what comes in until its end; a sender whose bytes cannot be written is cut off.
-void pump(const Socket from, HANDLE to) {
+void pump(SOCKET from, HANDLE to) {
     std::vector<char> buffer(65536);
     int size = 0;
     DWORD written = 0;
-    do size = recv(from.handle, buffer.data(), static_cast<int>(buffer.size()), 0);
+    do size = recv(from, buffer.data(), static_cast<int>(buffer.size()), 0);
     while (size > 0 && (to == nullptr || WriteFile(to, buffer.data(), static_cast<DWORD>(size), &written, nullptr)));
+    closesocket(from);
 }
 
 void startNativeSide(unsigned port, bool isOneStream) {
@@ -170,17 +162,15 @@ int runGit(const std::vector<std::wstring>& args) {
     const int size = static_cast<int>(command.size());
     WSADATA data;
     check(WSAStartup(MAKEWORD(2, 2), &data) == 0, "no sockets");
-    const Socket listener(socket(AF_INET, SOCK_STREAM, 0));
-    startNativeSide(listenOnLoopback(listener.handle), out == err);
-    const Socket control = acceptSoon(listener.handle);
-    Socket output = acceptSoon(listener.handle);
-    std::thread errorPump(pump, acceptSoon(listener.handle), err);
-    check(send(output.handle, command.data(), size, 0) == size && shutdown(output.handle, SD_SEND) == 0,
-          "cannot send the command");
-    pump(std::move(output), out);
+    const SOCKET listener = socket(AF_INET, SOCK_STREAM, 0);
+    startNativeSide(listenOnLoopback(listener), out == err);
+    const SOCKET control = acceptSoon(listener), output = acceptSoon(listener);
+    std::thread errorPump(pump, acceptSoon(listener), err);
+    check(send(output, command.data(), size, 0) == size && shutdown(output, SD_SEND) == 0, "cannot send the command");
+    pump(output, out);
     errorPump.join();
     char status[8]{};
-    check(recv(control.handle, status, sizeof status - 1, 0) > 0, "the native shell ended without a status");
+    check(recv(control, status, sizeof status - 1, 0) > 0, "the native shell ended without a status");
     return std::atoi(status);
 }
 

@@ -154,7 +154,8 @@ TEST_F(TclCommandsTest, actsOnObjectsAndNames) {
     check({{"plaz::get_qitems -installed", "x {my board}"}});
 }
 
-// Catches: values of the wrong form, a preference or parameter that is not kept, secrets shown.
+// Catches: values of the wrong form, a preference or parameter that is not kept or not saved without a word, secrets
+// shown.
 TEST_F(TclCommandsTest, readsAndSetsPropertiesAndParameters) {
     check({{"get_property name [plaz::get_qitems tool]", "tool"},
            {"get_property INSTALLED {kit tool}", "0 0"},
@@ -180,8 +181,10 @@ TEST_F(TclCommandsTest, readsAndSetsPropertiesAndParameters) {
     EXPECT_NE(readFile(files.temp.path("appdata/preferences.json")).find("/a dir"), std::string::npos);
     HUTFile::rmRecursive(files.temp.path("appdata/preferences.json"));
     files.temp.makeDir("appdata/preferences.json/in the way");
+    takeIds();
     check({{"set_property QSTORES_PATH /lost [current_solvan_preferences]", "!PLAZ 17-2206..."},
            {"get_property QSTORES_PATH [current_solvan_preferences]", "/a dir"}});
+    EXPECT_EQ(takeIds(), Names{"12-105"});
     HUTFile::rmRecursive(files.temp.path("appdata/preferences.json"));
     eval("set_param plaz.git_token.board_store deep; proc f secret {set_param plaz.gitTimeout $secret}; f deep");
     EXPECT_EQ(shownTrace(Tcl_GetVar(interp, "errorInfo", TCL_GLOBAL_ONLY)).find("deep"), std::string::npos);

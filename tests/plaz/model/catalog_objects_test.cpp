@@ -1,5 +1,4 @@
 #include "plaz/context_fixture.h"
-#include "plaz/model/HSCPlazCategory.h"
 
 #include <sstream>
 
@@ -27,17 +26,12 @@ TEST(StoreTest, FindsItemsByNameAndRevision) {
     EXPECT_NE(store.getItem("z"), nullptr);
 }
 
-// A wiki made of what is no git URL; a category tree losing levels on its way from model to object.
-TEST(StoreTest, SupportUrlAndCategories) {
+// A wiki made of what is no git URL.
+TEST(StoreTest, SupportUrl) {
     HSCPlazQStoreModel model;
     HSCPlazQStore store;
     EXPECT_EQ(store.getSupportUrl(), "");
-    model.setCategories({{"a", "A", "first", {{"a1", "A1", "", {{"a1x", "", "", {}}}}, {"a2", "", "", {}}}}});
     store.assignModel(&model);
-    const HSCPlazCategory& a = *store.getCategories().at(0);
-    EXPECT_EQ(a.getDescription(), "first");
-    ASSERT_EQ(a.getSubCategories().size(), 2U);
-    EXPECT_EQ(a.getSubCategories()[0]->getSubCategories().at(0)->getName(), "a1x");
     for (const auto& [url, wiki] : {std::pair("https://h/o/repo.git", "https://h/o/repo/wiki"), {"git", "git"}}) {
         model.setUrl(url);
         EXPECT_EQ(store.getSupportUrl(), wiki) << url;

@@ -1,7 +1,6 @@
 #include "plaz/context_fixture.h"
 #include "plaz/pref/HSCPlazUserPref.h"
 #include "support/HCCXPrefMgr.h"
-#include "support/System.h"
 
 namespace fs = boost::filesystem;
 
@@ -71,16 +70,13 @@ TEST_F(PathsTest, WorkingCopyStandsBesideTheStagingDirectory) {
     EXPECT_EQ(context.paths.getStoreLayout(model).getIndex(), "/own/.plaz/.index");
 }
 
-// Shipped data looked for in one data root only, or in a wrong folder of it.
-TEST_F(PathsTest, ShippedDataIsFoundByVariableThenDataRoot) {
+// Shipped data looked for in a wrong folder.
+TEST_F(PathsTest, ShippedDataIsFoundByVariable) {
     temp.makeDir("data/plaz");
     EXPECT_EQ(context.paths.getStoresDataDir(), temp.path("data/plaz/storesdata"));
     EXPECT_EQ(context.paths.getLocalDataRoot(false, "x"), temp.path("data/common/x"));
     env.set("ZENTOR_PLAZ_SHARED_ROOT_DIR", "/shared");
     EXPECT_EQ(context.paths.getStoresDataDir(), "/shared/plaz/storesdata");
-    env.unset("ZENTOR_PLAZ_LOCAL_ROOT_DIR");
-    env.set("GDA_DATA_DIR", temp.makeDir("empty") + test_system::pathListSeparator + temp.path("data"));
-    EXPECT_EQ(context.paths.getHubMetadataFile(), temp.path("data/plaz/plaz.json"));
 }
 
 // An item's folder leading out of the store's area by name or by link, or into the hub's own folders.

@@ -2,7 +2,6 @@
 
 #include "plaz/base/HSCPlazReport.h"
 #include "plaz/store/HSCPlazLocalDBMgr.h"
-#include "support/System.h"
 
 #include <sstream>
 
@@ -82,9 +81,6 @@ TEST_F(LocalDbTest, savesToTheRightFile) {
     EXPECT_FALSE(HUTFile::exists(temp.path("store")));
     EXPECT_TRUE(HSCPlazLocalDBMgr().isValidForProductAndRelease(""));
     EXPECT_THAT(takeMessages(), IsEmpty());
-    store.setLocalDbFilePath(temp.makeDir("directory"));
-    manager.save(hub, &object, "");
-    EXPECT_THAT(takeMessages(), ElementsAre("17-2164 " + temp.path("directory")));
 }
 
 // An installed item forgotten, doubled, taken for the newest, or given a place that is not its own.

@@ -8,7 +8,6 @@
 #include "plaz/model/reader/HSCPlazQItemReader.h"
 #include "plaz/model/reader/HSCPlazQStoreReader.h"
 #include "plaz/model/reader/HSCPlazReader.h"
-#include "support/System.h"
 
 #include <boost/algorithm/string/replace.hpp>
 #include <sstream>

@@ -19,7 +19,7 @@ std::string findViolation(const std::string& file, const std::string& schema) {
 
 } // namespace
 
-// A shipped schema that is damaged, refuses what the hub reads or lets through what breaks it; shipped data not valid.
+// A shipped schema that is damaged, refuses what the hub reads or lets through what breaks it.
 TEST_F(ReaderTest, shippedSchemas) {
     const std::string databaseSchema = Utils::getLocalDBJsonSchemaFile();
     const auto hub = Utils::getPlazJsonSchemaFile;
@@ -62,9 +62,6 @@ TEST_F(ReaderTest, shippedSchemas) {
         EXPECT_THAT(violation, StartsWith(expected)) << text;
         EXPECT_EQ(violation.empty(), *expected == '\0') << text << violation;
     }
-    const std::string data = databaseSchema.substr(0, databaseSchema.find("/schemas/"));
-    EXPECT_EQ(findViolation(data + "/plaz.json", hub(data + "/plaz.json")), "");
-    EXPECT_TRUE(Utils::isJsonFileValid(data + "/plaz_config.json"));
     EXPECT_THAT(takeMessages(), IsEmpty());
 }
 

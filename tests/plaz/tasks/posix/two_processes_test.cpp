@@ -1,6 +1,5 @@
 #include "plaz/hub_fixture.h"
 
-#include "plaz/HSCPlazTaskMgr.h"
 #include "support/HUTFileLock.h"
 
 #include <csignal>
@@ -9,11 +8,7 @@
 
 namespace {
 
-class TwoProcessesTest : public HubOnDiskTest {
-protected:
-    static HSCPlazQItem* find(const std::string& name) { return hub().getStore("tcl")->getItem(name); }
-    static bool install(const std::string& name) { return HSCPlazTaskMgr::install(&hub(), find(name), false, nullptr); }
-};
+using TwoProcessesTest = HubOnDiskTest;
 
 // The last of two processes to save taking away what the other one installed.
 TEST_F(TwoProcessesTest, TakeOverFromEachOther) {
@@ -24,19 +19,18 @@ TEST_F(TwoProcessesTest, TakeOverFromEachOther) {
         _exit(install("a") ? 0 : 1);
     else
         ASSERT_EQ(waitpid(other, nullptr, 0), other);
-    EXPECT_FALSE(find("a")->IsInstalled());
+    EXPECT_FALSE(find("a").IsInstalled());
     EXPECT_TRUE(install("b"));
-    EXPECT_TRUE(find("a")->IsInstalled() && find("b")->IsInstalled());
+    EXPECT_TRUE(find("a").IsInstalled() && find("b").IsInstalled());
 }
 
 // The files of an item published again, or its record, changed while another process is at work.
 TEST_F(TwoProcessesTest, UpdateWaitsForTheOther) {
-    StoreOnDisk& store = files.addStore("tcl", "ced", false).item("a", "1").item("b", "1");
+    StoreOnDisk& shipped = files.addStore("tcl", "ced", false).item("a", "1").item("b", "1");
     files.ship();
     ASSERT_TRUE(install("a"));
-    store.item("a", "1", {{"tcl", "b", ""}});
-    files.ship();
-    HSCPlazMgr::getInstance().loadStoreCatalog(&hub(), hub().getStore("tcl"), false);
+    shipped.item("a", "1", {{"tcl", "b", ""}});
+    reload();
     HPAParamMgr::getParamMgr().setValue("plaz.gitTimeOut", "1");
     const std::string lockFile = files.area("plaz.lock");
     const pid_t other = fork();
@@ -47,20 +41,20 @@ TEST_F(TwoProcessesTest, UpdateWaitsForTheOther) {
         pause();
     }
     while (HUTFileLock(lockFile).tryLock() != HUTFileLock::Result::busy) continue;
-    const auto update = [] { return HSCPlazTaskMgr::updateItem(hub(), *find("a"), false, nullptr).isDone(); };
+    const auto update = [] { return HSCPlazTaskMgr::updateItem(hub(), find("a"), false, nullptr).isDone(); };
     const auto state = [this] {
         return readFile(files.area("ced_store/items/a/item.json")) +
                readFile(files.area("ced_store/.plaz/plaz_local_db.json"));
     };
     const std::string before = state();
     takeIds();
-    EXPECT_FALSE(update() || HSCPlazTaskMgr::hasUpdate(hub().getStore("tcl"), ""));
+    EXPECT_FALSE(update() || HSCPlazTaskMgr::hasUpdate(&store(), ""));
     EXPECT_EQ(takeIds(), (Names{"17-2168", "17-2168"}));
-    EXPECT_TRUE(state() == before && find("a")->NeedsRefresh() && !find("b")->IsInstalled());
+    EXPECT_TRUE(state() == before && find("a").NeedsRefresh() && !find("b").IsInstalled());
     kill(other, SIGKILL);
     waitpid(other, nullptr, 0);
     EXPECT_TRUE(update());
-    EXPECT_TRUE(state() != before && find("b")->IsInstalled());
+    EXPECT_TRUE(state() != before && find("b").IsInstalled());
 }
 
 } // namespace

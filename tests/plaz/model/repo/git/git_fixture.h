@@ -2,8 +2,8 @@
 
 #include "plaz/context_fixture.h"
 #include "plaz/model/repo/HSCPlazGit.h"
+#include "support/HUTFork.h"
 #include "support/HUTSysCall.h"
-#include "support/System.h"
 
 #include <sstream>
 

@@ -1,6 +1,4 @@
 #include "plaz/model/repo/git/git_fixture.h"
-#include "support/HUTFork.h"
-#include "support/System.h"
 
 #include <boost/algorithm/string/predicate.hpp>
 

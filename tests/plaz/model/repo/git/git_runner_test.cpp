@@ -1,7 +1,6 @@
 #include "plaz/model/repo/git/git_fixture.h"
 
 #include "plaz/model/repo/git/HSCPlazGitLog.h"
-#include "support/HUTFork.h"
 
 #include <chrono>
 #include <thread>

@@ -3,7 +3,6 @@
 #include "plaz/base/HSCPlazHubLock.h"
 #include "plaz/model/repo/git/git_fixture.h"
 #include "support/HUTFileLock.h"
-#include "support/HUTFork.h"
 
 namespace {
 
