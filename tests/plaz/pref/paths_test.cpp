@@ -36,6 +36,8 @@ TEST_F(PathsTest, StoreAreaFollowsLocalRootThenVariableThenAppData) {
     EXPECT_EQ(pref.getBoardRepoPaths(&store), temp.path("userrepo/boardroot/boards"));
     env.set("ZENTOR_PLAZ_USER_REPO_PATH", temp.path("missing"));
     EXPECT_THROW(pref.getUserRepoPath(&store), HEXAll);
+    EXPECT_THROW(context.paths.getStoreLayout(model), HEXAll);
+    EXPECT_EQ(context.paths.getWorkLayout(model).getIndex(), appData("plaz/boardroot/.plaz/.index"));
     EXPECT_EQ(pref.getStagingPath(), appData(".staging/hub"));
     EXPECT_TRUE(fs::is_directory(appData(".staging/hub")));
     EXPECT_EQ(pref.getStagedRepoPath(&store), appData(".staging/hub/boardroot"));

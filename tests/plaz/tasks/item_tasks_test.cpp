@@ -87,15 +87,20 @@ TEST_F(ItemTasksTest, FailuresOfDependencies) {
           {"-direct", " 17-1574", "leaf@1 tool 1;mid@1 tool 1;deep@1 user 0;"}});
 }
 
-// What a withdrawn item needs taken away by the update of another one.
+// What a withdrawn item needs taken away by the update of another one, also where two files describe that item and it
+// is out of sight what it needs.
 TEST_F(ItemTasksTest, WithdrawnItemKeepsWhatItNeeds) {
     StoreOnDisk& store = ship("needed gone<needed stays<needed");
     ASSERT_TRUE(install("gone") && install("stays"));
     store.withdraw("gone");
     store.item("stays", "1", {});
+    const std::string description = files.area("ced_store/items/gone/item.json"), second = description + ".json";
+    HUTFile::copyTo(description, second, HUTFile::copyOver);
     reload();
-    walk({{"^stays", " 17-1570 17-2188", "needed@1 tool 1;stays@1 user 0;gone@1 user 0;"},
-          {"-gone", " 17-1553 17-1574", "stays@1 user 0;"}});
+    walk({{"^stays", " 17-1570 17-2188", "needed@1 tool 1;stays@1 user 0;gone@1 user 0;"}});
+    HUTFile::rmRecursive(second);
+    reload();
+    walk({{"-gone", " 17-1553 17-1574", "stays@1 user 0;"}});
 }
 
 // An item that was fetched although its files are there, or taken as present because something lies in its place.
@@ -123,7 +128,11 @@ TEST_F(ItemTasksTest, ReplacedRevisionHandsOverItsHolders) {
     reload();
     walk({{"+x", " 17-1570 17-1573 17-1554 17-1553", "new@1 tool 2;x@2 user 1;y@1 user 0;"}});
     EXPECT_EQ(body("x"), "x 2\n");
-    walk({{"-y", " 17-1574", "new@1 tool 1;x@2 user 0;"}, {"-x", " 17-1553 17-1574", ""}});
+    store.item("x", "3");
+    store.item("z", "1", {{"tcl", "x", ""}});
+    reload();
+    walk({{"+z", " 17-1570 17-1573 17-1554 17-1553", "x@3 user 2;y@1 user 0;z@1 user 0;"},
+          {"-y", " 17-1574", "x@3 user 1;z@1 user 0;"}});
 }
 
 // Of an item published again under its revision: what its new description needs left out, what only the old one needed

@@ -1,0 +1,107 @@
+#include "plaz/tasks/HSCPlazHolds.h"
+
+#include "plaz/context_fixture.h"
+
+#include <algorithm>
+#include <functional>
+#include <limits>
+#include <map>
+#include <random>
+#include <set>
+
+namespace {
+
+using HoldsTest = ContextTest;
+using Counts = std::vector<std::int32_t>;
+
+/// Items 0, 1, 2 ... of one store, all installed.
+class InstalledItems {
+public:
+    explicit InstalledItems(std::size_t items) {
+        m_store.setName("s");
+        for (std::size_t item = 0; item < items; ++item) {
+            HSCPlazQItemModel& model = addItem(m_store, std::to_string(item), "1", "1");
+            model.setIsInstalled(true);
+            model.setMode(HSCPlazInstallationMode::tool);
+        }
+        auto object = std::make_unique<HSCPlazQStore>(&m_hub);
+        object->assignModel(&m_store);
+        m_hub.addStore(object.release());
+    }
+    void use(std::size_t item) { m_store.getItems()[item]->setMode(HSCPlazInstallationMode::user); }
+    void need(std::size_t item, std::size_t other) {
+        auto dependency = std::make_unique<HSCPlazQItemDependency>();
+        dependency->setStore("s");
+        dependency->setItem(std::to_string(other));
+        m_needs[item].push_back(other);
+        m_store.getItems()[item]->addDependency(std::move(dependency));
+    }
+    Counts count() const {
+        Counts counts;
+        for (const auto& [item, ways] : HSCPlazHolds::count(m_hub)) counts.push_back(ways);
+        return counts;
+    }
+    /// One way after the other.
+    Counts countByHand() {
+        Counts counts(m_store.getItems().size());
+        std::set<std::size_t> way;
+        const std::function<void(std::size_t)> follow = [&](std::size_t item) {
+            for (const std::size_t other : m_needs[item]) {
+                if (!way.insert(other).second) continue;
+                ++counts[other];
+                follow(other);
+                way.erase(other);
+            }
+        };
+        for (std::size_t item = 0; item < counts.size(); ++item) {
+            if (m_store.getItems()[item]->getMode() != HSCPlazInstallationMode::user) continue;
+            way = {item};
+            follow(item);
+        }
+        return counts;
+    }
+
+private:
+    HSCPlazQStoreModel m_store;
+    HSCPlaz m_hub;
+    std::map<std::size_t, std::vector<std::size_t>> m_needs;
+};
+
+} // namespace
+
+// A way counted twice or not at all, within circles above all, and one that does not end.
+TEST_F(HoldsTest, AreTheWaysThatLeadThere) {
+    for (unsigned seed = 0; seed < 300; ++seed) {
+        SCOPED_TRACE(seed);
+        std::mt19937 random(seed);
+        const std::size_t count = 2 + random() % 6;
+        InstalledItems items(count);
+        for (std::size_t edges = random() % (2 * count); edges > 0; --edges)
+            items.need(random() % count, random() % count);
+        for (std::size_t item = 0; item < count; ++item)
+            if (random() % 3 == 0) items.use(item);
+        ASSERT_EQ(items.count(), items.countByHand());
+    }
+}
+
+// Time that doubles with each layer of two items that both need both of the next, and a number that overflows.
+TEST_F(HoldsTest, ManyLayersAreCountedAtOnce) {
+    InstalledItems items(101);
+    items.use(0);
+    for (const std::size_t below : {1, 2}) items.need(0, below);
+    for (std::size_t above = 1; above < 99; ++above)
+        for (const std::size_t below : {1, 2}) items.need(above, above + (above % 2 == 0 ? 0 : 1) + below);
+    const Counts counts = items.count();
+    EXPECT_EQ((Counts{counts[0], counts[1], counts[3], counts[5], counts[99]}),
+              (Counts{0, 1, 2, 4, std::numeric_limits<std::int32_t>::max()}));
+}
+
+// Hours within a circle in which each item needs all others, or a needed item that counts as needed by nothing.
+TEST_F(HoldsTest, LargeCircleEnds) {
+    InstalledItems items(40);
+    items.use(0);
+    for (std::size_t item = 0; item < 40; ++item)
+        for (std::size_t other = 0; other < 40; ++other) items.need(item, other);
+    const Counts counts = items.count();
+    EXPECT_GT(*std::min_element(counts.begin() + 1, counts.end()), 0);
+}
