@@ -23,11 +23,15 @@ std::optional<ComMsgMgrInstance> reasonOf(const HSCPlazReport& report) {
     return error ? std::optional<ComMsgMgrInstance>(*error) : std::nullopt;
 }
 
+/// What was done and told an error lacks something all the same, such as what a dependency needs.
+template <typename Result> bool isWhole(const Result& part) {
+    return part.isDone() && !part.report.findError();
+}
+
 /// @param count  how many parts there should be
 template <typename Result> CommandResult<Result> toResult(std::vector<Result> parts, std::size_t count) {
     CommandResult<Result> result{std::move(parts), false, {}};
-    const auto failed =
-        std::find_if_not(result.parts.begin(), result.parts.end(), [](const Result& part) { return part.isDone(); });
+    const auto failed = std::find_if_not(result.parts.begin(), result.parts.end(), isWhole<Result>);
     result.isDone = failed == result.parts.end() && result.parts.size() == count;
     if (failed != result.parts.end()) result.reason = reasonOf(failed->report);
     return result;

@@ -41,7 +41,8 @@ class ShellTest(HubTest):
         self.check_shown(text, "boards::aurora@1.1", "boards::io-panel@1.0", "not installed")
 
     def test_installs_with_dependencies_and_removes_them_again(self):
-        """Catches: what one process installs unknown to the next, wrong counts, what is left at the end."""
+        """Catches: what one process installs unknown to the next, wrong counts, what is left at the end, exit status 0
+        where something that is needed by a dependency does not come."""
         self.expect("install aurora", "items: name revision outcome", "aurora 2.0 installed")
         self.check_installed(
             "aurora 2.0 user 0, connectors-common 1.0 tool 2, io-panel 1.0 tool 1, pin-report 1.0 tool 1, "
@@ -52,6 +53,15 @@ class ShellTest(HubTest):
         quiet = self.run_plaz("--quiet uninstall aurora")
         self.check("quiet", quiet.stdout + quiet.stderr, "")
         self.check_installed()
+        edit(self.catalog_file, self.lose_string_kit)
+        for _ in range(2):
+            self.expect("install aurora", "items: outcome", "installed", status=1)
+
+    @staticmethod
+    def lose_string_kit(file):
+        for item in file["catalog"]["items"]:
+            if item["name"] == "string-kit":
+                item["commit_id"] = "0" * 40
 
     def test_refreshed_and_moved_stores_outlive_the_process(self):
         """Catches: a restart that goes back to what was shipped or forgets a move, a move to where nothing can be."""
