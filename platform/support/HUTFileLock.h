@@ -23,8 +23,10 @@ public:
     HUTFileLock(const HUTFileLock&) = delete;
     HUTFileLock& operator=(const HUTFileLock&) = delete;
 
-    /// Takes the lock if it is free, or ours already; never waits.
+    /// Takes the lock if it is free, or ours already; never waits. The file then holds this process's number.
     Result tryLock();
+    /// The number of the process that took the lock last, as the file has it; 0 where it has none.
+    int getHolder() const;
 
 private:
     std::string m_file;

@@ -1,4 +1,5 @@
 #include "support/HUTFile.h"
+#include "support/HUTFileLock.h"
 #include "support/TempDir.h"
 
 #include <gtest/gtest.h>
@@ -30,3 +31,13 @@ TEST(DiskTest, FreeSpace) {
 }
 
 } // namespace
+
+// A lock that two have, and a waiter that is told of another process than the one that holds it.
+TEST(DiskTest, LockTellsWhoHoldsIt) {
+    const TempDir temp;
+    HUTFileLock first(temp.path("lock")), second(temp.path("lock"));
+    ASSERT_EQ(first.tryLock(), HUTFileLock::Result::held);
+    EXPECT_EQ(second.tryLock(), HUTFileLock::Result::busy);
+    EXPECT_GT(second.getHolder(), 0);
+    EXPECT_EQ(std::to_string(second.getHolder()) + "\n", readFile(temp.path("lock")));
+}

@@ -2,10 +2,31 @@
 
 #include "Win32.h"
 
+#include <array>
+#include <cstdlib>
+#include <string>
+
 namespace {
 
 HANDLE toHandle(std::intptr_t number) {
     return reinterpret_cast<HANDLE>(number); // NOLINT(performance-no-int-to-ptr): it has been one
+}
+
+// Beyond the text: what is locked cannot be read by others.
+OVERLAPPED placeOfLock() {
+    OVERLAPPED place{};
+    place.Offset = 1U << 30U;
+    return place;
+}
+
+/// What cannot be written is not missed: the lock is held all the same.
+void writeHolder(HANDLE file) {
+    const std::string number = std::to_string(GetCurrentProcessId()) + "\n";
+    OVERLAPPED start{};
+    DWORD written = 0;
+    WriteFile(file, number.data(), static_cast<DWORD>(number.size()), &written, &start);
+    SetFilePointer(file, static_cast<LONG>(number.size()), nullptr, FILE_BEGIN);
+    SetEndOfFile(file);
 }
 
 const auto noHandle = reinterpret_cast<std::intptr_t>(INVALID_HANDLE_VALUE);
@@ -16,9 +37,17 @@ const auto noHandle = reinterpret_cast<std::intptr_t>(INVALID_HANDLE_VALUE);
 // processes), so that the lock need not be theirs.
 HUTFileLock::~HUTFileLock() {
     if (m_handle == noHandle) return;
-    OVERLAPPED start{};
-    if (m_isHeld) UnlockFileEx(toHandle(m_handle), 0, 1, 0, &start); // closing alone may unlock later
+    OVERLAPPED place = placeOfLock();
+    if (m_isHeld) UnlockFileEx(toHandle(m_handle), 0, 1, 0, &place); // closing alone may unlock later
     CloseHandle(toHandle(m_handle));
+}
+
+int HUTFileLock::getHolder() const {
+    std::array<char, 16> text{};
+    OVERLAPPED start{};
+    DWORD length = 0;
+    if (m_handle == noHandle || !ReadFile(toHandle(m_handle), text.data(), text.size() - 1, &length, &start)) return 0;
+    return std::atoi(text.data());
 }
 
 HUTFileLock::Result HUTFileLock::tryLock() {
@@ -27,10 +56,14 @@ HUTFileLock::Result HUTFileLock::tryLock() {
                                                                GENERIC_READ | GENERIC_WRITE, win32::shareAll, nullptr,
                                                                OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
     if (m_handle == noHandle) return Result::unavailable;
-    OVERLAPPED start{};
-    m_isHeld = m_isHeld ||
-               LockFileEx(toHandle(m_handle), LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0, &start);
     if (m_isHeld) return Result::held;
+    OVERLAPPED place = placeOfLock();
+    m_isHeld =
+        LockFileEx(toHandle(m_handle), LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0, &place) != 0;
+    if (m_isHeld) {
+        writeHolder(toHandle(m_handle));
+        return Result::held;
+    }
     const DWORD error = GetLastError();
     return error == ERROR_LOCK_VIOLATION || error == ERROR_IO_PENDING ? Result::busy : Result::unavailable;
 }

@@ -15,6 +15,9 @@ void registerAccessParams(HPAParamMgr& params) {
     params.registerIntParam("plaz.gitTimeout", "Number of seconds for git access to time out (default: 1000 second)",
                             1000);
     params.setHidden("plaz.gitTimeout", true);
+    params.registerIntParam("plaz.lockTimeout",
+                            "Seconds to wait for another program that is at work on the hub (default: 1000)", 1000);
+    params.setHidden("plaz.lockTimeout", true);
     params.registerBoolParam("plaz.enableDebugGit", "Enable git debugging for plaz", false);
     params.setHidden("plaz.enableDebugGit", true);
     params.registerStringParam(HSCPlazName::httpProxy, "Http proxy for plaz", "");

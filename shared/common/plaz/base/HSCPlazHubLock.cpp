@@ -1,20 +1,39 @@
 #include "plaz/base/HSCPlazHubLock.h"
 
+#include "plaz/base/HSCPlazMsg.h"
+#include "support/HPAParamMgr.h"
 #include "support/HUTFileLock.h"
 #include "support/HUTWait.h"
 
 #include <chrono>
+#include <optional>
 #include <thread>
 
-HSCPlazHubLock::Taken HSCPlazHubLock::take(const std::string& file, int seconds,
-                                           const std::function<bool()>& isCancelled) {
+namespace {
+
+HSCPlazReport describeWait(const HUTFileLock& lock, int seconds) {
+    const int holder = lock.getHolder();
+    return {Msg::waitsForHub, MsgSeverity::warning,
+            holder > 0 ? "process " + std::to_string(holder) : "process unknown", std::to_string(seconds)};
+}
+
+} // namespace
+
+HSCPlazHubLock::Taken HSCPlazHubLock::take(const std::string& file, const Waiter& waiter) {
     static std::weak_ptr<HUTFileLock> held;
     if (auto lock = held.lock()) return {lock, false};
     using Clock = std::chrono::steady_clock;
+    const int seconds = HPAParamMgr::getParamMgr().getValueAsInt("plaz.lockTimeout");
     const auto giveUp = Clock::now() + std::chrono::seconds(seconds);
+    std::optional<Clock::time_point> speak;
+    if (seconds > 1) speak = Clock::now() + std::chrono::seconds(1);
     auto lock = std::make_shared<HUTFileLock>(file);
     while (lock->tryLock() == HUTFileLock::Result::busy) {
-        if (isCancelled()) return {nullptr, false};
+        if (waiter.isCancelled()) return {nullptr, false};
+        if (speak && Clock::now() > *speak) {
+            waiter.tell(describeWait(*lock, seconds));
+            speak.reset();
+        }
         if (Clock::now() > giveUp) return {nullptr, true};
         HUTWait::wait([] { std::this_thread::sleep_for(HUTWait::slice); });
     }

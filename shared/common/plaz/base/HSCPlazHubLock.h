@@ -1,5 +1,7 @@
 #pragma once
 
+#include "plaz/base/HSCPlazReport.h"
+
 #include <functional>
 #include <memory>
 #include <string>
@@ -15,9 +17,15 @@ struct Taken {
     bool isBusy = false;               ///< another process did not come to an end; otherwise the work was cancelled
 };
 
+/// What whoever waits for the lock has to say and to ask.
+struct Waiter {
+    std::function<bool()> isCancelled;
+    std::function<void(const HSCPlazReport&)> tell; ///< once, where the wait is longer than a second: Msg::waitsForHub
+};
+
 /// Takes the lock of that file, or shares the one that this process holds already. Waits for another process, but not
-/// for longer than @p seconds. Where no lock can be had, such as on some network drives, work goes on without.
-/// @param isCancelled  asked while it waits
-Taken take(const std::string& file, int seconds, const std::function<bool()>& isCancelled);
+/// for longer than the parameter "plaz.lockTimeout" says. Where no lock can be had, such as on some network drives,
+/// work goes on without.
+Taken take(const std::string& file, const Waiter& waiter);
 
 } // namespace HSCPlazHubLock

@@ -3,7 +3,6 @@
 #include "plaz/base/HSCPlazHubLock.h"
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlazQStore.h"
-#include "plaz/model/repo/git/HSCPlazGitParams.h"
 #include "plaz/store/HSCPlazInstalledState.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "support/HDGUIStatus.h"
@@ -68,7 +67,8 @@ bool HSCPlazTask::run(const std::function<bool()>& work) {
 
 bool HSCPlazTask::withLock(const std::function<bool()>& action) {
     const std::string file = m_workspace.paths.getLockFile();
-    const auto taken = HSCPlazHubLock::take(file, HSCPlazGitParams::getTimeOut(), [this] { return isCancelled(); });
+    const auto taken = HSCPlazHubLock::take(
+        file, {[this] { return isCancelled(); }, [this](const HSCPlazReport& report) { tell(report); }});
     if (taken.isBusy) return fail(Msg::hubBusy, file);
     return taken.lock && action();
 }

@@ -31,7 +31,7 @@ TEST_F(TwoProcessesTest, UpdateWaitsForTheOther) {
     ASSERT_TRUE(install("a"));
     shipped.item("a", "1", {{"tcl", "b", ""}});
     reload();
-    HPAParamMgr::getParamMgr().setValue("plaz.gitTimeOut", "1");
+    HPAParamMgr::getParamMgr().setValue("plaz.lockTimeout", "2");
     const std::string lockFile = files.area("plaz.lock");
     const pid_t other = fork();
     if (other == 0) {
@@ -49,7 +49,7 @@ TEST_F(TwoProcessesTest, UpdateWaitsForTheOther) {
     const std::string before = state();
     takeIds();
     EXPECT_FALSE(update() || HSCPlazTaskMgr::hasUpdate(&store(), ""));
-    EXPECT_EQ(takeIds(), (Names{"17-2168", "17-2168"}));
+    EXPECT_EQ(takeIds(), (Names{"17-2223", "17-2168", "17-2223", "17-2168"}));
     EXPECT_TRUE(state() == before && find("a").NeedsRefresh() && !find("b").IsInstalled());
     kill(other, SIGKILL);
     waitpid(other, nullptr, 0);

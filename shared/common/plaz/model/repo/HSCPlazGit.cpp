@@ -127,7 +127,8 @@ int HSCPlazGit::hasUpdate(const std::string& cloneDir, const std::string& url, c
     const HSCPlazContext& context = HSCPlazContext::get();
     const std::string access = HSCPlazGitStore::findAccess(url, context.getHub(), context.getConfig());
     const std::string lockFile = context.getLockFile();
-    const auto taken = HSCPlazHubLock::take(lockFile, getGitTimeOut(), HUTFork::isInterrupted);
+    const auto taken =
+        HSCPlazHubLock::take(lockFile, {HUTFork::isInterrupted, [](const HSCPlazReport& report) { report.send(); }});
     if (taken.isBusy) ComMsgMgr::send(Msg::hubBusy, MsgSeverity::error, lockFile);
     if (!taken.lock) return 0;
     // RATIONALE: as it always has, it goes by the first line of git's log alone, even where that tells of a failure.

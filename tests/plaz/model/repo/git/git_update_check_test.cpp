@@ -57,12 +57,13 @@ TEST_F(GitUpdateCheck, ReadsWhatGitPrints) {
 TEST_F(GitUpdateCheck, HoldsTheHubForALimitedTime) {
     temp.write("clone/.done", "");
     setParam("plaz.gitTimeout", "1");
+    setParam("plaz.lockTimeout", "1");
     const auto check = [this] { return HSCPlazGit::hasUpdate(clone, "/r", "", "b"); };
     replaceGit("[ $1 = log ] && echo 1234567 || sleep 60");
     EXPECT_NE(HSCPlazGitUpdateCheck::look(clone, "/r", "", "b").reason.find("stopped after 1 second"),
               std::string::npos);
     replaceGit("[ $1 = log ] && echo 1234567 || echo '1234568 refs/heads/b'");
-    auto task = HSCPlazHubLock::take(context.getLockFile(), 1, [] { return false; });
+    auto task = HSCPlazHubLock::take(context.getLockFile(), {[] { return false; }, nullptr});
     EXPECT_TRUE(task.lock && check() == 1);
     task.lock.reset();
     takeCalls();
