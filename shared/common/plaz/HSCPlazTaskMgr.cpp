@@ -42,8 +42,8 @@ const HSCPlazGit* gitRepo() {
 }
 
 /// The task's work under the lock; what it throws is told.
-template <typename Work> bool carryOut(HSCPlazTask& task, Work work) {
-    return task.guard([&] { return task.run(work); });
+template <typename Work> bool carryOut(HSCPlazTask& task, Work work, const HSCPlazQStore* only = nullptr) {
+    return task.guard([&] { return task.run(work, only); });
 }
 
 HSCPlazItemResult resultOf(const HSCPlazTask& task, const HSCPlazQItem& item, ItemOutcome outcome) {
@@ -140,16 +140,18 @@ HSCPlazHubResult HSCPlazTaskMgr::refreshHub(HSCPlaz& hub, HDGUIStatus* status) {
 
 HSCPlazStoreResult HSCPlazTaskMgr::refreshStore(HSCPlazQStore& store, HDGUIStatus* status) {
     HSCPlazTask task(workspace(), *store.getHub(), status);
-    const bool isDone = carryOut(task, [&] {
+    const auto refresh = [&] {
         return HSCPlazRefreshStoreTask::loadCatalog(task, store) && HSCPlazRefreshStoreTask::describeItems(task, store);
-    });
+    };
+    const bool isDone = carryOut(task, refresh, &store);
     if (!isDone) task.fail(Msg::storeNotRefreshed, store.getName());
     return resultOf(task, store, isDone ? StoreOutcome::refreshed : StoreOutcome::failed);
 }
 
 HSCPlazStoreResult HSCPlazTaskMgr::describeItems(HSCPlazQStore& store, HDGUIStatus* status) {
     HSCPlazTask task(workspace(), *store.getHub(), status);
-    const bool isDone = carryOut(task, [&] { return HSCPlazRefreshStoreTask::describeItems(task, store); });
+    const bool isDone = carryOut(
+        task, [&] { return HSCPlazRefreshStoreTask::describeItems(task, store); }, &store);
     if (!isDone) task.fail(Msg::storeNotRefreshed, store.getName());
     return resultOf(task, store, isDone ? StoreOutcome::refreshed : StoreOutcome::failed);
 }
@@ -176,10 +178,10 @@ HSCPlazStoreResult HSCPlazTaskMgr::checkStore(HSCPlazQStore& store, HDGUIStatus*
 HSCPlazStoreResult HSCPlazTaskMgr::moveStore(HSCPlazQStore& store, const std::string& dir) {
     HSCPlazTask task(workspace(), *store.getHub(), nullptr);
     const std::string path = HUTFile::getCanonicalName(dir);
-    const bool isDone =
-        mayBeMoved(&store, path) && carryOut(task, [&] {
-            return isFree(task, store, path + "/" + store.getRoot()) && HSCPlazMoveStoreTask::move(task, store, path);
-        });
+    const auto move = [&] {
+        return isFree(task, store, path + "/" + store.getRoot()) && HSCPlazMoveStoreTask::move(task, store, path);
+    };
+    const bool isDone = mayBeMoved(&store, path) && carryOut(task, move, &store);
     if (!isDone) task.fail(Msg::storeNotMoved, store.getName(), path);
     return resultOf(task, store, isDone ? StoreOutcome::moved : StoreOutcome::failed);
 }
@@ -202,13 +204,13 @@ bool HSCPlazTaskMgr::updateCatalog(HSCPlaz* hub, HDGUIStatus* status) {
 bool HSCPlazTaskMgr::updateCatalog(HSCPlazQStore* store, HDGUIStatus* status) {
     if (!store || !store->getModel() || !store->getHub()) return false;
     HSCPlazTask task(workspace(), *store->getHub(), status);
-    return task.run([&] { return HSCPlazRefreshStoreTask::describeItems(task, *store); });
+    return task.run([&] { return HSCPlazRefreshStoreTask::describeItems(task, *store); }, store);
 }
 
 bool HSCPlazTaskMgr::loadCatalog(HSCPlaz* hub, HSCPlazQStore* store, HDGUIStatus* status) {
     if (!hub || !store || !store->getModel()) return false;
     HSCPlazTask task(workspace(), *hub, status);
-    return !task.isCancelled() && task.run([&] { return HSCPlazRefreshStoreTask::loadCatalog(task, *store); });
+    return !task.isCancelled() && task.run([&] { return HSCPlazRefreshStoreTask::loadCatalog(task, *store); }, store);
 }
 
 bool HSCPlazTaskMgr::hasUpdate(HSCPlazQStore* store) {
@@ -241,5 +243,7 @@ bool HSCPlazTaskMgr::isInstalled(HSCPlazQStore* store) {
 bool HSCPlazTaskMgr::setQStoreLocalRootDir(HSCPlazQStore* store, const std::string& dir) {
     if (!mayBeMoved(store, dir)) return false;
     HSCPlazTask task(workspace(), *store->getHub(), nullptr);
-    return carryOut(task, [&] { return HSCPlazMoveStoreTask::move(task, *store, HUTFile::getCanonicalName(dir)); });
+    const std::string path = HUTFile::getCanonicalName(dir);
+    return carryOut(
+        task, [&] { return HSCPlazMoveStoreTask::move(task, *store, path); }, store);
 }

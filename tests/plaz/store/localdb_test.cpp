@@ -120,6 +120,21 @@ TEST_F(LocalDbTest, mergesIntoTheCatalog) {
                                          "c@1 c  /area/1 latest"));
 }
 
+// A database that cannot be read today overwritten, put aside, or taken for an empty one.
+TEST_F(LocalDbTest, WhatCannotBeReadIsLeftAlone) {
+    const std::string file = temp.makeDir("db.json");
+    store.setLocalDbFilePath(file);
+    EXPECT_EQ(mergeFile(file), Merge::unreadable);
+    EXPECT_THAT(takeMessages(), ElementsAre(HasSubstr("12-101 " + file)));
+    EXPECT_FALSE(manager.save(nullptr, &object, ""));
+    EXPECT_THAT(takeMessages(), ElementsAre("17-2164 " + file));
+    EXPECT_TRUE(HUTFile::isDirectory(file) && manager.hasChanged(file) && !manager.canBeRead(file));
+    HUTFile::rmRecursive(file);
+    EXPECT_TRUE(manager.canBeRead(file));
+    EXPECT_EQ(mergeFile(file), Merge::nothing);
+    EXPECT_TRUE(manager.save(nullptr, &object, ""));
+}
+
 // What another product or release installed mixed into this one's; a database that cannot be read overwritten for good.
 TEST_F(LocalDbTest, leavesWhatItCannotMerge) {
     const std::string file = temp.write(

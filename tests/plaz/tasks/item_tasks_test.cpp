@@ -87,6 +87,21 @@ TEST_F(ItemTasksTest, FailuresOfDependencies) {
           {"-direct", " 17-1574", "leaf@1 tool 1;mid@1 tool 1;deep@1 user 0;"}});
 }
 
+// Work on what is installed while the record of it cannot be read, a second message of it, or no way back.
+TEST_F(ItemTasksTest, NothingIsChangedWhileTheRecordCannotBeRead) {
+    ship("a b");
+    ASSERT_TRUE(install("a"));
+    const std::string record = files.area("ced_store/.plaz/plaz_local_db.json"), kept = record + ".kept";
+    HUTFile::rename(record, kept);
+    HUTFile::mkDirRecursive(record);
+    takeIds();
+    EXPECT_FALSE(install("b") || uninstall("a"));
+    EXPECT_EQ(takeIds(), (Names{"17-2224", "17-2224"}));
+    HUTFile::rmRecursive(record);
+    HUTFile::rename(kept, record);
+    walk({{"+b", " 17-1570 17-1573", "a@1 user 0;b@1 user 0;"}});
+}
+
 // What a withdrawn item needs taken away by the update of another one, also where two files describe that item and it
 // is out of sight what it needs.
 TEST_F(ItemTasksTest, WithdrawnItemKeepsWhatItNeeds) {
@@ -192,11 +207,10 @@ TEST_F(ItemTasksTest, UnrecordedWorkIsAFailureAndLeftoversGo) {
     const std::string area = "appdata/2024.2/plaz/ced_store/";
     for (const char* leftover : {".staging/x", ".plaz/.incoming/x", ".plaz/.outgoing/0/x"})
         files.temp.write(area + leftover, "");
-    files.temp.makeDir(area + ".plaz/plaz_local_db.json");
+    store().setLocalDbFilePath(files.temp.write("file", "") + "/below.json");
     EXPECT_FALSE(install("a"));
-    EXPECT_EQ(takeIds(), (Names{"12-101", "17-1570", "17-1573", "17-2164", "17-1567"}));
-    EXPECT_EQ(HUTFile::createFileIter(files.area("ced_store/.plaz")),
-              (Names{".index", "plaz_local_db.json", "plaz_local_db.json.bad"}));
+    EXPECT_EQ(takeIds(), (Names{"17-1570", "17-1573", "17-2164", "17-1567"}));
+    EXPECT_EQ(HUTFile::createFileIter(files.area("ced_store/.plaz")), Names{".index"});
     EXPECT_FALSE(HUTFile::exists(files.area("ced_store/.staging")));
 }
 

@@ -64,7 +64,8 @@ inline constexpr MsgId<1> unexpectedFailure{"@17-2189@%s"};     ///< what the sy
 inline constexpr MsgId<1> storeNotRefreshed{"@17-2191@%s"};     ///< store
 inline constexpr MsgId<2> storeNotMoved{"@17-2192@%s%s"};       ///< store, directory
 inline constexpr MsgId<0> hubNotRefreshed{"@17-2194@"};
-inline constexpr MsgId<2> storeNotChecked{"@17-2195@%s%s"}; ///< store, why
-inline constexpr MsgId<2> waitsForHub{"@17-2223@%s%s"};     ///< which process holds it, seconds
-inline constexpr MsgId<1> clonedRepo{"@60-832@%s"};         ///< directory
+inline constexpr MsgId<2> storeNotChecked{"@17-2195@%s%s"};  ///< store, why
+inline constexpr MsgId<2> waitsForHub{"@17-2223@%s%s"};      ///< which process holds it, seconds
+inline constexpr MsgId<1> databaseUnreadable{"@17-2224@%s"}; ///< file
+inline constexpr MsgId<1> clonedRepo{"@60-832@%s"};          ///< directory
 } // namespace Msg

@@ -76,6 +76,8 @@ void HSCPlazInstalledState::describe(const HSCPlazQStoreModel& store) const {
 void HSCPlazInstalledState::update() const {
     for (HSCPlazQStore* store : m_workspace.hub->getStores()) {
         if (!store->isProductSpecific() || !m_workspace.databases.hasChanged(store->getLocalDbFilePath())) continue;
+        // What was known stays; whether the work can do without is not decided here.
+        if (!m_workspace.databases.canBeRead(store->getLocalDbFilePath())) continue;
         for (const auto& item : store->getModel()->getItems())
             if (item->isInstalled()) item->clearInstallation();
         merge(*store->getModel());

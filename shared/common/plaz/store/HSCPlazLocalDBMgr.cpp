@@ -10,6 +10,7 @@
 #include "plaz/model/reader/HSCPlazLocalDBWriter.h"
 #include "plaz/store/HSCPlazInstalledItems.h"
 #include "support/HUTEnv.h"
+#include "support/HIOStream.h"
 #include "support/HUTFile.h"
 
 namespace {
@@ -77,7 +78,7 @@ std::string HSCPlazLocalDBMgr::write(const HSCPlaz& hub, HSCPlazQStore& store) {
 
 std::string HSCPlazLocalDBMgr::write(HSCPlazQStore& store, const std::string& file) {
     HSCPlazDebugLog::within(saveName, " Saving local db file of store ", store.getName());
-    if (m_damaged.count(file) != 0 && !keepBeside(file)) return file;
+    if (isUnreadable(file) || (m_damaged.count(file) != 0 && !keepBeside(file))) return file;
     m_damaged.erase(file);
     const bool isWritten = HSCPlazLocalDBWriter(m_major).write(file, store.getModel());
     m_stamps[file] = HUTFile::getStamp(file);
@@ -90,12 +91,21 @@ bool HSCPlazLocalDBMgr::isValidForProductAndRelease(const std::string& file) con
 
 bool HSCPlazLocalDBMgr::hasChanged(const std::string& file) const {
     const auto known = m_stamps.find(file);
-    return known != m_stamps.end() && known->second != HUTFile::getStamp(file);
+    return isUnreadable(file) || (known != m_stamps.end() && known->second != HUTFile::getStamp(file));
+}
+
+bool HSCPlazLocalDBMgr::canBeRead(const std::string& file) {
+    std::string content;
+    const HIOStream::Status status = HIOStream::read(file, content);
+    const bool isReadable = status == HIOStream::Status::ok || status == HIOStream::Status::missing;
+    if (!isReadable) m_unreadable.insert(file);
+    return isReadable;
 }
 
 HSCPlazLocalDBMgr::Merge HSCPlazLocalDBMgr::merge(const std::string& file, HSCPlazQStoreModel& store,
                                                   const HSCPlazPathMgr& paths, HSCPlazReport& report) {
     using Outcome = HSCPlazLocalDBReader::Result::Outcome;
+    m_unreadable.erase(file);
     const std::string stamp = m_stamps[file] = HUTFile::getStamp(file);
     if (stamp.empty()) return Merge::nothing;
     HSCPlazModel recorded;
@@ -103,6 +113,10 @@ HSCPlazLocalDBMgr::Merge HSCPlazLocalDBMgr::merge(const std::string& file, HSCPl
     const HSCPlazLocalDBReader::Result read = HSCPlazLocalDBReader::read(file, recorded, !m_regressionMode, found);
     report.append(found.toReport());
     takeVersion(read.major, read.minor);
+    if (read.outcome == Outcome::unreadable) {
+        m_unreadable.insert(file);
+        return Merge::unreadable;
+    }
     if (read.outcome == Outcome::foreign) return Merge::foreign;
     if (read.outcome == Outcome::damaged) {
         m_damaged.insert(file);

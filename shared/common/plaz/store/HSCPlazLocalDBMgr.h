@@ -40,18 +40,24 @@ public:
 
     /// What became of a store's database at start-up.
     enum class Merge {
-        nothing, ///< there is none, or it records nothing of the store
-        merged,  ///< what it records of the store is in the model
-        foreign, ///< another product or release wrote it; it was left alone
-        damaged  ///< reported; the next save keeps it beside the new one as "<file>.bad"
+        nothing,   ///< there is none, or it records nothing of the store
+        merged,    ///< what it records of the store is in the model
+        foreign,   ///< another product or release wrote it; it was left alone
+        damaged,   ///< reported; the next save keeps it beside the new one as "<file>.bad"
+        unreadable ///< reported; nothing is written there until it can be read
     };
     /// Puts what @p file records of the store into its model: installed revisions become installed, and those that the
     /// catalog no longer lists are added, described by what the catalog says of the item. Records whose names would
     /// lead out of the store's area are refused (Msg::itemRefused). What is to be told is added to the report.
     Merge merge(const std::string& file, HSCPlazQStoreModel& store, const HSCPlazPathMgr& paths, HSCPlazReport& report);
 
-    /// Whether another process has written the database since it was merged or saved here.
+    /// Whether another process has written the database since it was merged or saved here, or it could not be read
+    /// then.
     bool hasChanged(const std::string& file) const;
+    /// Looks whether it can be read now; what is missing is no obstacle.
+    bool canBeRead(const std::string& file);
+    /// It could not be read when that was tried last.
+    bool isUnreadable(const std::string& file) const { return m_unreadable.count(file) != 0; }
 
     /// Layout version that is written.
     const std::string& getMajorVersion() const { return m_major; }
@@ -71,6 +77,7 @@ private:
 
     bool m_regressionMode;
     std::set<std::string> m_damaged;
+    std::set<std::string> m_unreadable;
     std::map<std::string, std::string> m_stamps; // of the databases as they were read or written last
     std::string m_major = "1";
     std::string m_minor = "0";

@@ -52,7 +52,16 @@ bool HSCPlazTask::fail(const HSCPlazReport& report) {
     return false;
 }
 
-bool HSCPlazTask::run(const std::function<bool()>& work) {
+bool HSCPlazTask::canReadRecords(const HSCPlazQStore* only) {
+    for (const HSCPlazQStore* store : m_hub.getStores()) {
+        const std::string file = store->getLocalDbFilePath();
+        if (store->isProductSpecific() && (!only || store == only) && m_workspace.databases.isUnreadable(file))
+            return fail(Msg::databaseUnreadable, file);
+    }
+    return true;
+}
+
+bool HSCPlazTask::run(const std::function<bool()>& work, const HSCPlazQStore* only) {
     return withLock([&] {
         HSCPlazReport places, databases;
         const std::string moved = m_workspace.places.findMovedStore(places);
@@ -60,6 +69,7 @@ bool HSCPlazTask::run(const std::function<bool()>& work) {
         if (!moved.empty()) return fail(Msg::storeMovedMeanwhile, moved);
         HSCPlazInstalledState(m_workspace, databases).update();
         mention(databases);
+        if (!canReadRecords(only)) return false;
         removeLeftovers(m_hub, m_workspace.paths);
         return work();
     });

@@ -7,6 +7,7 @@
 
 class HDGUIStatus;
 class HSCPlaz;
+class HSCPlazQStore;
 struct HSCPlazWorkspace;
 
 /// What every task works with and has around it: the hub, progress and cancellation, the lock, and the one place from
@@ -55,9 +56,11 @@ public:
     const HSCPlazReport& getReport() const { return m_report; }
 
     /// Does the work while this process holds the hub's lock. What other processes have done is taken over first, and
-    /// what interrupted tasks have left is removed.
+    /// what interrupted tasks have left is removed. Without a look at the record of what is installed nothing is done
+    /// (Msg::databaseUnreadable).
+    /// @param only  the one store whose record the work may change; null where it may be that of any
     /// @throws HEXAll what the work throws, and when the hub has no area that exists
-    bool run(const std::function<bool()>& work);
+    bool run(const std::function<bool()>& work, const HSCPlazQStore* only = nullptr);
     /// Does something while this process holds the hub's lock; inside a task, which holds it already, at once.
     /// @return false without doing it when the lock is not to be had in time (Msg::hubBusy), or on cancellation
     bool withLock(const std::function<bool()>& action);
@@ -65,6 +68,8 @@ public:
     bool guard(const std::function<bool()>& action);
 
 private:
+    bool canReadRecords(const HSCPlazQStore* only);
+
     HSCPlazWorkspace& m_workspace;
     HSCPlaz& m_hub;
     HDGUIStatus* m_status;

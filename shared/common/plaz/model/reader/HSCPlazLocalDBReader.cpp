@@ -96,7 +96,7 @@ HSCPlazLocalDBReader::Result HSCPlazLocalDBReader::read(const std::string& file,
                                                         HSCPlazFindings& found) {
     using Outcome = Result::Outcome;
     HSCPlazJsonDocument document;
-    if (!document.load(file, found)) return {};
+    if (!document.load(file, found)) return {Outcome::unreadable, {}, {}};
     document.validate(HSCPlazSchema::Kind::localDb, found);
     const Value* plaz = Json::FindObject(document.getRoot(), Key::plaz);
     if (isOwnOnly && (!plaz || !isDatabase(*plaz))) return {};

@@ -19,7 +19,7 @@ public:
 
     /// What became of a database, and the layout version that it carries (empty where it names none).
     struct Result {
-        enum class Outcome { read, foreign, damaged };
+        enum class Outcome { read, foreign, damaged, unreadable };
         Outcome outcome = Outcome::damaged;
         std::string major;
         std::string minor;
