@@ -88,9 +88,10 @@ TEST_F(HoldsTest, AreTheWaysThatLeadThere) {
 TEST_F(HoldsTest, ManyLayersAreCountedAtOnce) {
     InstalledItems items(101);
     items.use(0);
-    for (const std::size_t below : {1, 2}) items.need(0, below);
+    for (const std::size_t below : {std::size_t{1}, std::size_t{2}}) items.need(0, below);
     for (std::size_t above = 1; above < 99; ++above)
-        for (const std::size_t below : {1, 2}) items.need(above, above + (above % 2 == 0 ? 0 : 1) + below);
+        for (const std::size_t below : {std::size_t{1}, std::size_t{2}})
+            items.need(above, above + (above % 2 == 0 ? 0 : 1) + below);
     const Counts counts = items.count();
     EXPECT_EQ((Counts{counts[0], counts[1], counts[3], counts[5], counts[99]}),
               (Counts{0, 1, 2, 4, std::numeric_limits<std::int32_t>::max()}));

@@ -9,8 +9,8 @@
 #include "plaz/model/reader/HSCPlazLocalDBReader.h"
 #include "plaz/model/reader/HSCPlazLocalDBWriter.h"
 #include "plaz/store/HSCPlazInstalledItems.h"
-#include "support/HUTEnv.h"
 #include "support/HIOStream.h"
+#include "support/HUTEnv.h"
 #include "support/HUTFile.h"
 
 namespace {
