@@ -85,7 +85,7 @@ bool HSCPlazDependencyWalk::install(const HSCPlazQItemDependency& dependency) {
     const std::int32_t references = isKnown ? found.item->getReferenceCount() : 0;
     if (isProperlyInstalled(found)) {
         inside(installName, " ", dependency.getItem(), "is already installed");
-        found.item->setReferenceCount(references + 1);
+        found.item->setReferenceCount(HSCPlazHolds::add(references, 1));
         m_unsaved.insert(found.store);
     } else {
         saveChanges(); // git may take long, and be killed
@@ -98,7 +98,7 @@ bool HSCPlazDependencyWalk::install(const HSCPlazQItemDependency& dependency) {
         const bool isUsers = isKnown && found.item->getMode() == Mode::user;
         const Heritage heritage = replaceOthers(found);
         markInstalled(found, isUsers || heritage.isUsers ? Mode::user : Mode::tool,
-                      references + heritage.references + 1);
+                      HSCPlazHolds::add(HSCPlazHolds::add(references, heritage.references), 1));
         inside(installName, " dest: ", found.item->getLocalRootDir());
         m_task.tellNews(Msg::dependencyInstalled, found.item->getName());
         saveChanges();
@@ -175,7 +175,7 @@ HSCPlazDependencyWalk::Heritage HSCPlazDependencyWalk::replaceOthers(const HSCPl
     for (HSCPlazQItem* other : found.store->getItems()) {
         if (other == found.item || !other->IsInstalled() || other->getName() != found.item->getName()) continue;
         giveUpNeeds(*other);
-        heritage.references += other->getReferenceCount();
+        heritage.references = HSCPlazHolds::add(heritage.references, other->getReferenceCount());
         heritage.isUsers = heritage.isUsers || other->getMode() == Mode::user;
         other->getModel()->clearInstallation();
     }
@@ -199,7 +199,7 @@ void HSCPlazDependencyWalk::finish() {
     for (const auto& [item, count] : counts) {
         const auto givenUp = m_givenUp.find(item);
         if (givenUp != m_givenUp.end())
-            setCount(*item, count + givenUp->second);
+            setCount(*item, HSCPlazHolds::add(count, givenUp->second));
         else if (count > item->getReferenceCount() && lacking[{item->getStore(), item->getName()}] > 0)
             setCount(*item, count);
     }

@@ -22,12 +22,9 @@ namespace {
 using Node = std::size_t;
 using Nodes = std::vector<Node>;
 using Ways = std::int32_t;
+using HSCPlazHolds::add;
 
 constexpr std::size_t mostSteps = 1000000;
-
-Ways add(Ways a, Ways b) {
-    return a > std::numeric_limits<Ways>::max() - b ? std::numeric_limits<Ways>::max() : a + b;
-}
 
 /// Items that the user asked for, and what dependencies name, once for each name. A way runs from node to node.
 class Graph {
@@ -150,6 +147,11 @@ private:
 };
 
 } // namespace
+
+std::int32_t HSCPlazHolds::add(std::int32_t a, std::int32_t b) {
+    return static_cast<std::int32_t>(
+        std::min<std::int64_t>(std::int64_t{a} + b, std::numeric_limits<std::int32_t>::max()));
+}
 
 HSCPlazHolds::Counts HSCPlazHolds::count(const HSCPlaz& hub) {
     const auto ways = Graph(hub).count();

@@ -20,4 +20,7 @@ using Counts = std::vector<std::pair<HSCPlazQItem*, std::int32_t>>;
 
 Counts count(const HSCPlaz& hub);
 
+/// The sum, or the largest number where it would not fit.
+std::int32_t add(std::int32_t a, std::int32_t b);
+
 } // namespace HSCPlazHolds

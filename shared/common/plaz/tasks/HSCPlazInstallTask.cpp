@@ -7,6 +7,7 @@
 #include "plaz/store/HSCPlazInstalledFiles.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazDependencyWalk.h"
+#include "plaz/tasks/HSCPlazHolds.h"
 #include "plaz/tasks/HSCPlazTask.h"
 
 using HSCPlazDebugLog::inside;
@@ -36,7 +37,8 @@ bool installFiles(HSCPlazTask& task, const HSCPlazFoundItem& found, Walk& walk, 
     if (!Files::bring(task, found, true)) return false;
     // Files that had got lost are back; whoever held the item holds it still.
     const Walk::Heritage heritage = walk.replaceOthers(found);
-    walk.markInstalled(found, isUsersAlready || heritage.isUsers ? Mode::user : mode, references + heritage.references);
+    walk.markInstalled(found, isUsersAlready || heritage.isUsers ? Mode::user : mode,
+                       HSCPlazHolds::add(references, heritage.references));
     task.tellNews(Msg::itemInstalled, Files::shownName(item));
     walk.saveChanges();
     inside(installName, " installed ");
