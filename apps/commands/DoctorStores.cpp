@@ -7,6 +7,7 @@
 #include "plaz/base/HSCPlazStoreLayout.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/HSCPlazQStoreModel.h"
+#include "support/HIOStream.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTFile.h"
 
@@ -55,6 +56,11 @@ Finding doctor::checkDatabase(const HSCPlazQStore& store) {
     const std::string file = store.getLocalDbFilePath();
     if (!HUTFile::exists(file)) return ok(subject, "nothing was installed yet");
     const std::string damage = findDamage(file);
+    std::string content;
+    if (!damage.empty() && HIOStream::read(file, content) != HIOStream::Status::ok)
+        return problem(subject, damage,
+                       "Give yourself the right to read it, or check its disk: until then nothing "
+                       "that is installed can be changed.");
     if (!damage.empty())
         return problem(
             subject, damage,

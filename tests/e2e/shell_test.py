@@ -205,6 +205,12 @@ class ShellTest(HubTest):
             self.run_plaz("install string-kit")
             next(self.home.glob("**/ced_store/.plaz/plaz_local_db.json")).write_text("{")
 
+        def hide_database():
+            self.run_plaz("install string-kit")
+            file = next(self.home.glob("**/ced_store/.plaz/plaz_local_db.json"))
+            file.unlink()
+            file.mkdir()
+
         def block_area():
             self.env["ZENTOR_PLAZ_USERAREA_ROOT_DIR"] = str(self.catalog_file)
 
@@ -218,6 +224,7 @@ class ShellTest(HubTest):
             ("hub", lambda: self.hub_file.unlink(), "", "problem: hub: metadata"),
             ("catalog", lambda: self.catalog_file.write_text("{"), "", "problem: store tclscripts: catalog"),
             ("database", damage_database, "", "problem: store tclscripts: database"),
+            ("record", hide_database, "", "problem: store tclscripts: database"),
             ("marker", lambda: lose(".done"), "", "warning: store tclscripts: working copy"),
             ("objects", lambda: lose(".git/objects/pack"), "", "problem: store tclscripts: working copy"),
             ("proxy", lambda: self.run_plaz("refresh boards"), proxy, "warning: store boards: working copy"),
@@ -235,6 +242,7 @@ class ShellTest(HubTest):
                 self.assertEqual(", ".join(f"{c['state']}: {c['subject']}" for c in checks if c["advice"]), expected)
                 self.assertEqual([c for c in checks if bool(c["advice"]) == (c["state"] == "ok")], [])
                 self.assertNotIn("geheim", json.dumps(checks))
+                self.assertEqual("right to read" in json.dumps(checks), name == "record")
                 self.assertEqual(sorted(self.dir.rglob("*")), before)
         last = self.run_plaz("doctor --quiet").stdout
         self.assertRegex(last, r"^\d+ checks: \d+ ok, 0 with a warning, 0 with a problem\n$")
