@@ -16,15 +16,15 @@ fs::path sys(const std::string& name) {
     return platform::toSystemName(name);
 }
 
-// Puts a finished file or directory in the place of another by names alone; the old one comes back when that fails.
-bool replaceByRenaming(const fs::path& fresh, const fs::path& dest) {
-    const fs::path aside = dest.parent_path() / fs::unique_path(".plaz-old-%%%%-%%%%-%%%%");
-    if (!HUTFile::rename(dest.string(), aside.string())) return false;
-    if (!HUTFile::rename(fresh.string(), dest.string())) {
-        HUTFile::rename(aside.string(), dest.string());
+// The same by names alone; the old one comes back when that fails.
+bool exchangeByRenaming(const std::string& fresh, const std::string& dest) {
+    const std::string aside = HUTFile::getAside(fresh);
+    if (!HUTFile::rmRecursive(aside) || !HUTFile::rename(dest, aside)) return false;
+    if (!HUTFile::rename(fresh, dest)) {
+        HUTFile::rename(aside, dest);
         return false;
     }
-    platform::removeTree(aside.string());
+    HUTFile::rename(aside, fresh);
     return true;
 }
 
@@ -235,6 +235,11 @@ bool HUTFile::writeAtomically(const std::string& file, const std::string& conten
     return platform::writeAtomically(file, content, ownerOnly);
 }
 
+void HUTFile::removeTemporaries(const std::string& dir) {
+    for (const std::string& name : createFileIter(dir))
+        if (fs::path(name).extension() == ".tmp" && name.compare(0, 6, ".plaz-") == 0) rmRecursive(dir + "/" + name);
+}
+
 bool HUTFile::rename(const std::string& from, const std::string& to) {
     return platform::rename(from, to);
 }
@@ -247,13 +252,32 @@ std::string HUTFile::getNameKey(const std::string& name) {
     return platform::getNameKey(name);
 }
 
+std::string HUTFile::getIdentity(const std::string& path) {
+    return platform::getIdentity(path);
+}
+
+bool HUTFile::flush(const std::string& path) {
+    return platform::flush(path);
+}
+
 bool HUTFile::replaceDirectory(const std::string& fresh, const std::string& dest) {
+    if (!exchangeDirectories(fresh, dest)) return false;
+    rmRecursive(fresh);
+    rmRecursive(getAside(fresh));
+    return true;
+}
+
+bool HUTFile::exchangeDirectories(const std::string& fresh, const std::string& dest) {
     Error error;
     if (!fs::is_directory(fs::symlink_status(sys(fresh), error))) return false;
     const fs::path target = getCanonicalName(dest);
-    if (!fs::exists(fs::symlink_status(sys(target.string()), error)))
-        return mkDirRecursive(target.parent_path().string()) && rename(fresh, target.string());
-    if (!platform::exchange(fresh, target.string())) return replaceByRenaming(fresh, target);
-    rmRecursive(fresh);
+    const std::string parent = target.parent_path().string();
+    const bool isThere = fs::exists(fs::symlink_status(sys(target.string()), error));
+    const bool isDone = isThere ? platform::exchange(fresh, target.string()) || exchangeByRenaming(fresh, target.string())
+                                : mkDirRecursive(parent) && rename(fresh, target.string());
+    if (!isDone) return false;
+    // The new names are in force already; what cannot be flushed does not undo them.
+    platform::flushNames(parent);
+    platform::flushNames(fs::path(getCanonicalName(fresh)).parent_path().string());
     return true;
 }

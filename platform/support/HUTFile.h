@@ -32,6 +32,8 @@ public:
 
     /// A text that changes whenever the file is written or replaced; empty when there is no such file.
     static std::string getStamp(const std::string& path);
+    /// A text that stays with a file or directory, whatever its name becomes; empty when there is none.
+    static std::string getIdentity(const std::string& path);
 
     /// Bytes that this user may still write on the disk of a file or directory; empty where that is unknown.
     static std::optional<std::uintmax_t> getFreeSpace(const std::string& path);
@@ -83,10 +85,21 @@ public:
     /// @param ownerOnly  readable by its owner alone
     /// @return false, with the old file untouched and nothing left beside it, when that failed
     static bool writeAtomically(const std::string& file, const std::string& content, bool ownerOnly = false);
+    /// Removes from a directory what processes that were killed while they wrote a file have left (".plaz-….tmp").
+    /// Whoever calls it knows that nobody else is writing there.
+    static void removeTemporaries(const std::string& dir);
+    /// Waits until a file, or a directory with all that it holds, is on the disk itself, so that it outlives a power
+    /// failure. What the file system does not keep there counts as done. @return false when the disk reports an error
+    static bool flush(const std::string& path);
+
     /// Puts the finished directory @p fresh in the place of @p dest (which may be absent) in one step where the system
     /// can. @return false with @p dest as it was; on success nothing is left at @p fresh, except what of the old
     /// directory resists removal.
     static bool replaceDirectory(const std::string& fresh, const std::string& dest);
+    /// The same, but what was at @p dest is at @p fresh afterwards, and the new names are flushed. Where the system
+    /// cannot do it in one step, the old directory is at getAside(@p fresh) for a moment, and nothing at @p dest.
+    static bool exchangeDirectories(const std::string& fresh, const std::string& dest);
+    static std::string getAside(const std::string& fresh) { return fresh + ".old"; }
 
     /// Gives a file or directory another name on the same disk. A file of that name is replaced; one that another
     /// process holds open is tried again for a while where that stands in the way.

@@ -56,6 +56,14 @@ bool isWriteable(const std::string& path);
 /// As HUTFile::getStamp says.
 std::string getStamp(const std::string& path);
 
+/// As HUTFile::getIdentity says.
+std::string getIdentity(const std::string& path);
+
+/// As HUTFile::flush says.
+bool flush(const std::string& path);
+/// The same of the names alone that stand in a directory.
+bool flushNames(const std::string& dir);
+
 /// The absolute path with every link in it resolved; empty, with @p error set, when it leads to nothing.
 std::string resolveLinks(const std::string& path, std::error_code& error);
 

@@ -125,6 +125,17 @@ bool writeAll(int fd, const std::string& content) {
     return true;
 }
 
+void startWriting(const std::string& name) {
+    const Descriptor fd(open(name.c_str(), readFlags | O_NOFOLLOW));
+    if (fd) sync_file_range(fd.get(), 0, 0, SYNC_FILE_RANGE_WRITE);
+}
+
+// There are disks that keep nothing, or cannot be told to.
+bool waitForDisk(const std::string& name) {
+    const Descriptor fd(open(name.c_str(), readFlags | O_NOFOLLOW));
+    return fd && (fsync(fd.get()) == 0 || errno == EINVAL || errno == EROFS || errno == ENOTSUP);
+}
+
 std::string directoryOf(const std::string& file) {
     const std::size_t slash = file.rfind('/');
     return slash == std::string::npos ? "." : file.substr(0, slash + 1);
@@ -224,6 +235,29 @@ std::string getStamp(const std::string& path) {
            std::to_string(status.st_mtim.tv_sec) + '.' + std::to_string(status.st_mtim.tv_nsec);
 }
 
+std::string getIdentity(const std::string& path) {
+    struct stat status {};
+    if (::lstat(path.c_str(), &status) != 0) return {};
+    return std::to_string(status.st_dev) + ':' + std::to_string(status.st_ino);
+}
+
+// All files are on their way to the disk before any is waited for.
+bool flush(const std::string& path) {
+    namespace fs = std::filesystem;
+    std::error_code error;
+    std::vector<std::string> names{path};
+    if (fs::is_directory(fs::symlink_status(path, error)))
+        for (fs::recursive_directory_iterator entry(path, error), end; !error && entry != end; entry.increment(error))
+            if (!entry->is_symlink()) names.push_back(entry->path().string());
+    if (error) return false;
+    std::for_each(names.begin(), names.end(), startWriting);
+    return std::all_of(names.rbegin(), names.rend(), waitForDisk);
+}
+
+bool flushNames(const std::string& dir) {
+    return waitForDisk(dir);
+}
+
 bool isWriteable(const std::string& path) {
     struct stat info {};
     if (stat(path.c_str(), &info) != 0) return false;
@@ -285,9 +319,7 @@ bool writeAtomically(const std::string& file, const std::string& content, bool o
     struct stat old {};
     if (!ownerOnly && stat(file.c_str(), &old) == 0 && fchmod(fd.get(), old.st_mode & 07777) != 0) return false;
     if (!writeAll(fd.get(), content) || fsync(fd.get()) != 0 || !fd.close() || !temporary.renameTo(file)) return false;
-    // The new name is in force already; a directory that cannot be flushed does not undo it.
-    const Descriptor parent(open(dir.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (parent) fsync(parent.get());
+    flushNames(dir); // they are in force already; a directory that cannot be flushed does not undo it
     return true;
 }
 

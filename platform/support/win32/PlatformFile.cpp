@@ -311,6 +311,33 @@ std::string getStamp(const std::string& path) {
            whole(info.ftLastWriteTime.dwHighDateTime, info.ftLastWriteTime.dwLowDateTime);
 }
 
+std::string getIdentity(const std::string& path) {
+    const Handle file = open(toLongName(path), FILE_READ_ATTRIBUTES);
+    BY_HANDLE_FILE_INFORMATION info{};
+    if (!file || !GetFileInformationByHandle(file.get(), &info)) return {};
+    return std::to_string(info.dwVolumeSerialNumber) + ':' +
+           std::to_string(std::uint64_t{info.nFileIndexHigh} << 32 | info.nFileIndexLow);
+}
+
+bool flush(const std::string& path) {
+    const std::wstring name = toLongName(path);
+    if (!isDirectory(name)) {
+        const bool wasReadOnly = makeWriteable(name);
+        const Handle file = open(name, GENERIC_WRITE);
+        const bool isFlushed = file && FlushFileBuffers(file.get());
+        if (wasReadOnly) SetFileAttributesW(name.c_str(), GetFileAttributesW(name.c_str()) | FILE_ATTRIBUTE_READONLY);
+        return isFlushed;
+    }
+    const std::vector<std::string> entries = listEntries(path);
+    return std::all_of(entries.begin(), entries.end(),
+                       [&](const std::string& entry) { return flush(path + "/" + entry); });
+}
+
+// Names are written through as they change.
+bool flushNames(const std::string& /*dir*/) {
+    return true;
+}
+
 bool isWriteable(const std::string& path) {
     const std::wstring name = toLongName(path);
     const DWORD attributes = GetFileAttributesW(name.c_str());

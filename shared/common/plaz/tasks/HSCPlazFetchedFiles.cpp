@@ -12,6 +12,14 @@ std::string parentOf(const std::string& file) {
     return file.substr(0, file.rfind('/'));
 }
 
+/// The old file stays until the new one is whole and on the disk.
+bool copyWhole(const std::string& source, const std::string& dest) {
+    const std::string beside = parentOf(dest) + "/.plaz-copy.tmp";
+    if (copyWithoutRepository(source, beside) && HUTFile::flush(beside) && HUTFile::rename(beside, dest)) return true;
+    HUTFile::rmRecursive(beside);
+    return false;
+}
+
 } // namespace
 
 bool HSCPlazFetchedFiles::isCatalog(const std::string& file, HSCPlazReport& problem) {
@@ -27,14 +35,13 @@ std::string HSCPlazFetchedFiles::take(const std::string& source, const std::stri
                                       const std::vector<std::string>& files) {
     for (const std::string& file : files) {
         const std::string dest = area + "/" + file;
-        const bool isTaken =
-            HUTFile::mkDirRecursive(parentOf(dest)) && copyWithoutRepository(source + "/" + file, dest);
-        if (!isTaken) return parentOf(dest);
+        if (!HUTFile::mkDirRecursive(parentOf(dest)) || !copyWhole(source + "/" + file, dest)) return parentOf(dest);
     }
     return {};
 }
 
 bool HSCPlazFetchedFiles::place(const std::string& fetched, const std::string& file) {
-    return HUTFile::rename(fetched, file) || (HUTFile::mkDirRecursive(parentOf(file)) &&
-                                              (HUTFile::rename(fetched, file) || copyWithoutRepository(fetched, file)));
+    if (HUTFile::rename(fetched, file)) return true;
+    if (!HUTFile::mkDirRecursive(parentOf(file))) return false;
+    return HUTFile::rename(fetched, file) || copyWhole(fetched, file);
 }

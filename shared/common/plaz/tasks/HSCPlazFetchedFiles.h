@@ -21,8 +21,8 @@ public:
     /// Whether a fetched file of a store is whole, and is one at all. @param problem  what is wrong with it is added
     static bool isCatalog(const std::string& file, HSCPlazReport& problem);
 
-    /// Copies files to where they count. Files of the same name, deeper in the repository, have been fetched with them
-    /// and stay out.
+    /// Copies files to where they count, each whole and flushed in one step. Files of the same name, deeper in the
+    /// repository, have been fetched with them and stay out.
     /// @return the directory that could not be written to; empty when all is well
     static std::string take(const std::string& source, const std::string& area, const std::vector<std::string>& files);
     /// Moves one file to where it counts, or copies it where that is on another disk.

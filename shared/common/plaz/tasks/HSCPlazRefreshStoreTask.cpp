@@ -8,6 +8,7 @@
 #include "plaz/model/reader/HSCPlazQItemReader.h"
 #include "plaz/model/repo/git/HSCPlazGitCatalog.h"
 #include "plaz/model/repo/git/HSCPlazGitHead.h"
+#include "plaz/model/repo/git/HSCPlazGitRemoved.h"
 #include "plaz/store/HSCPlazHubBuilder.h"
 #include "plaz/store/HSCPlazPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
@@ -52,13 +53,27 @@ bool isDescribed(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item)
            !HSCPlazPathMgr::getItemFolder(store, item).empty();
 }
 
-/// Takes what has been fetched of the items, one after the other.
+/// Takes what has been fetched of the items, one after the other, into a fresh copy of the catalog's descriptions, which
+/// then takes the place of the old one: nobody sees some of both.
 class Descriptions {
 public:
     Descriptions(HSCPlazTask& task, const HSCPlazQStoreModel& store, const HSCPlazStoreLayout& layout)
-        : m_task(task), m_store(store), m_catalogDir(layout.getCatalogDir()), m_fetched(layout.getStaging()) {}
+        : m_task(task), m_store(store), m_catalogDir(layout.getCatalogDir()), m_fresh(layout.getIncoming()),
+          m_fetched(layout.getStaging()) {}
 
-    /// Puts one item's fetched metadata file, and its change log, where the catalog's descriptions lie, and reads it.
+    bool takeAll() {
+        const HSCPlazGitRemoved fresh(m_fresh);
+        const auto isReplacedWhole = [](const std::string&) { return true; };
+        if (HUTFile::exists(m_catalogDir) && !HUTFile::cloneTree(m_catalogDir, m_fresh, isReplacedWhole))
+            return m_task.fail(Msg::dirNotWritable, m_fresh);
+        for (const auto& item : m_store.getItems())
+            if (isDescribed(m_store, *item) && !take(*item)) return false;
+        return !HUTFile::exists(m_fresh) || HUTFile::replaceDirectory(m_fresh, m_catalogDir) ||
+               m_task.fail(Msg::dirNotWritable, m_catalogDir);
+    }
+
+private:
+    /// Puts one item's fetched metadata file, and its change log, where the new descriptions lie, and reads it.
     /// @return false when it cannot be written there
     bool take(HSCPlazQItemModel& item) {
         const std::string relative = item.getRoot() + "/" + item.getMetadataFile();
@@ -73,7 +88,7 @@ public:
         HSCPlazFindings found;
         HSCPlazQItemReader::readBelow(m_fetched, relative, m_document, description, found);
         m_task.mention(found.toReport());
-        const std::string dir = m_catalogDir + HSCPlazPathMgr::getItemFolder(m_store, item) + "/";
+        const std::string dir = m_fresh + "/" + HSCPlazPathMgr::getItemFolder(m_store, item) + "/";
         if (!HSCPlazFetchedFiles::place(fetched, dir + item.getMetadataFile()))
             return m_task.fail(Msg::dirNotWritable, dir);
         const std::string changeLog =
@@ -84,10 +99,10 @@ public:
         return true;
     }
 
-private:
     HSCPlazTask& m_task;
     const HSCPlazQStoreModel& m_store;
     const std::string m_catalogDir;
+    const std::string m_fresh;
     const HIOStream::Root m_fetched;
     HSCPlazJsonDocument m_document;
 };
@@ -131,9 +146,7 @@ bool HSCPlazRefreshStoreTask::describeItems(HSCPlazTask& task, HSCPlazQStore& st
     if (!isUpdated || task.isCancelled()) return false;
     inside(updateName, " store path for store ", name, " ", staging.getDir());
     if (!model.isProductSpecific()) return true;
-    Descriptions descriptions(task, model, task.getWorkspace().paths.getStoreLayout(model));
-    for (const auto& item : model.getItems())
-        if (isDescribed(model, *item) && !descriptions.take(*item)) return false;
+    if (!Descriptions(task, model, task.getWorkspace().paths.getStoreLayout(model)).takeAll()) return false;
     task.show("Refreshed", Catalog::shownName(model), 100);
     return HSCPlazGitHead::moveTo(repository.layout.getIndex(), model.getBranch());
 }
