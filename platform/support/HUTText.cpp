@@ -118,3 +118,26 @@ bool HUTText::equalIgnoringCase(std::string_view a, std::string_view b) {
 bool HUTText::startsIgnoringCase(std::string_view text, std::string_view start) {
     return equalIgnoringCase(text.substr(0, start.size()), start);
 }
+
+int HUTText::compareNumbers(std::string_view a, std::string_view b) {
+    constexpr std::string_view digits = "0123456789";
+    const auto takeNumber = [&](std::string_view& text) {
+        text.remove_prefix(std::min(text.find_first_not_of('0'), text.size()));
+        const std::string_view number = text.substr(0, text.find_first_not_of(digits));
+        text.remove_prefix(number.size());
+        return number;
+    };
+    while (!a.empty() && !b.empty()) {
+        if (digits.find(a.front()) != digits.npos && digits.find(b.front()) != digits.npos) {
+            const std::string_view first = takeNumber(a), second = takeNumber(b);
+            if (first.size() != second.size()) return first.size() < second.size() ? -1 : 1;
+            if (const int order = first.compare(second)) return order;
+        } else if (a.front() != b.front()) {
+            return static_cast<unsigned char>(a.front()) < static_cast<unsigned char>(b.front()) ? -1 : 1;
+        } else {
+            a.remove_prefix(1);
+            b.remove_prefix(1);
+        }
+    }
+    return static_cast<int>(!a.empty()) - static_cast<int>(!b.empty());
+}

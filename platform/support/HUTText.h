@@ -42,4 +42,8 @@ public:
     static std::string raised(std::string text);
     static bool equalIgnoringCase(std::string_view a, std::string_view b);
     static bool startsIgnoringCase(std::string_view text, std::string_view start);
+
+    /// Compares texts such as revisions: digits that follow each other count as one number, so that "1.10" comes after
+    /// "1.9"; all else by its bytes. @return below, at or above 0
+    static int compareNumbers(std::string_view a, std::string_view b);
 };

@@ -7,6 +7,7 @@
 #include "plaz/store/HSCPlazCatalogLoader.h"
 #include "plaz/store/HSCPlazHubBuilder.h"
 #include "plaz/store/HSCPlazWorkspace.h"
+#include "plaz/tasks/HSCPlazItemChanges.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
 #include "support/HUTOnce.h"
@@ -115,6 +116,7 @@ HSCPlaz& HSCPlazMgr::getHub() {
         HSCPlazReport report;
         HSCPlazHubBuilder(*m_workspace, report).build();
         report.send();
+        HSCPlazItemChanges::finishAtStart(*m_workspace);
     }
     return *m_workspace->hub;
 }

@@ -6,7 +6,6 @@
 #include "plaz/base/HSCPlazProduct.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
-#include "plaz/model/HSCPlazUpdateDecision.h"
 #include "plaz/model/repo/HSCPlazGit.h"
 #include "plaz/model/repo/HSCPlazRepoFactory.h"
 #include "plaz/model/repo/git/HSCPlazGitParams.h"
@@ -14,6 +13,7 @@
 #include "plaz/store/HSCPlazChosenDirectory.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazInstallTask.h"
+#include "plaz/tasks/HSCPlazItemChanges.h"
 #include "plaz/tasks/HSCPlazMoveStoreTask.h"
 #include "plaz/tasks/HSCPlazRefreshHubTask.h"
 #include "plaz/tasks/HSCPlazRefreshStoreTask.h"
@@ -41,9 +41,11 @@ const HSCPlazGit* gitRepo() {
     return dynamic_cast<const HSCPlazGit*>(HSCPlazRepoFactory::createRepo(HSCPlazTypes::GIT));
 }
 
+using Changes = HSCPlazItemChanges;
+
 /// The task's work under the lock; what it throws is told.
-template <typename Work> bool carryOut(HSCPlazTask& task, Work work, const HSCPlazQStore* only = nullptr) {
-    return task.guard([&] { return task.run(work, only); });
+bool carryOut(HSCPlazTask& task, const std::function<bool(Changes&)>& work, const HSCPlazQStore* only = nullptr) {
+    return task.guard([&] { return Changes::run(task, work, only); });
 }
 
 HSCPlazItemResult resultOf(const HSCPlazTask& task, const HSCPlazQItem& item, ItemOutcome outcome) {
@@ -68,7 +70,7 @@ bool mayRefreshHub(HSCPlazTask& task) {
 }
 
 bool refreshHub(HSCPlazTask& task, std::map<std::string, HSCPlazReport>& failed) {
-    return mayRefreshHub(task) && task.run([&] { return HSCPlazRefreshHubTask::refresh(task, failed); });
+    return mayRefreshHub(task) && Changes::run(task, [&](Changes&) { return HSCPlazRefreshHubTask::refresh(task, failed); });
 }
 
 bool mayBeMoved(const HSCPlazQStore* store, const std::string& dir) {
@@ -90,15 +92,16 @@ bool isFree(HSCPlazTask& task, const HSCPlazQStore& store, const std::string& di
 
 HSCPlazItemResult HSCPlazTaskMgr::installItem(HSCPlaz& hub, HSCPlazQItem& item, bool quiet, HDGUIStatus* status) {
     HSCPlazTask task(workspace(), hub, status, quiet);
-    const bool isDone = carryOut(task, [&] { return HSCPlazInstallTask::install(task, item); });
+    const bool isDone = carryOut(task, [&](Changes& changes) { return HSCPlazInstallTask::install(task, changes, item); });
     return resultOf(task, item, isDone ? ItemOutcome::installed : ItemOutcome::failed);
 }
 
 HSCPlazItemResult HSCPlazTaskMgr::uninstallItem(HSCPlaz& hub, HSCPlazQItem& item, bool quiet, HDGUIStatus* status) {
     HSCPlazTask task(workspace(), hub, status, quiet);
     task.show("Removing " + item.getDisplayName());
-    const bool isDone =
-        !task.isCancelled() && carryOut(task, [&] { return HSCPlazUninstallTask::uninstall(task, item); });
+    const bool isDone = !task.isCancelled() && carryOut(task, [&](Changes& changes) {
+        return HSCPlazUninstallTask::uninstall(task, changes, item);
+    });
     if (!isDone) return resultOf(task, item, ItemOutcome::failed);
     return resultOf(task, item, item.IsInstalled() ? ItemOutcome::kept : ItemOutcome::removed);
 }
@@ -107,14 +110,14 @@ HSCPlazItemResult HSCPlazTaskMgr::updateItem(HSCPlaz& hub, HSCPlazQItem& item, b
     HSCPlazTask task(workspace(), hub, status, quiet);
     // Of several items in one command, an earlier one may have needed it last.
     if (!item.IsInstalled()) return resultOf(task, item, ItemOutcome::removed);
-    if (HSCPlazUpdateDecision::decide(item) == HSCPlazUpdateDecision::Step::none)
-        return resultOf(task, item, ItemOutcome::upToDate);
+    if (HSCPlazUpdateTask::hasNothingToDo(task, item)) return resultOf(task, item, ItemOutcome::upToDate);
     const std::string previous = item.getRevision();
     ItemOutcome outcome = ItemOutcome::failed;
-    carryOut(task, [&] {
-        outcome = HSCPlazUpdateTask::update(task, item);
+    const bool isDone = carryOut(task, [&](Changes& changes) {
+        outcome = HSCPlazUpdateTask::update(task, changes, item);
         return outcome != ItemOutcome::failed;
     });
+    if (!isDone) outcome = ItemOutcome::failed;
     if (outcome == ItemOutcome::upToDate) return resultOf(task, item, outcome);
     const HSCPlazQItem* latest = item.getStore() ? item.getStore()->getItem(item.getName()) : nullptr;
     HSCPlazItemResult result = resultOf(task, latest ? *latest : item, outcome);
@@ -140,7 +143,7 @@ HSCPlazHubResult HSCPlazTaskMgr::refreshHub(HSCPlaz& hub, HDGUIStatus* status) {
 
 HSCPlazStoreResult HSCPlazTaskMgr::refreshStore(HSCPlazQStore& store, HDGUIStatus* status) {
     HSCPlazTask task(workspace(), *store.getHub(), status);
-    const auto refresh = [&] {
+    const auto refresh = [&](Changes&) {
         return HSCPlazRefreshStoreTask::loadCatalog(task, store) && HSCPlazRefreshStoreTask::describeItems(task, store);
     };
     const bool isDone = carryOut(task, refresh, &store);
@@ -151,7 +154,7 @@ HSCPlazStoreResult HSCPlazTaskMgr::refreshStore(HSCPlazQStore& store, HDGUIStatu
 HSCPlazStoreResult HSCPlazTaskMgr::describeItems(HSCPlazQStore& store, HDGUIStatus* status) {
     HSCPlazTask task(workspace(), *store.getHub(), status);
     const bool isDone = carryOut(
-        task, [&] { return HSCPlazRefreshStoreTask::describeItems(task, store); }, &store);
+        task, [&](Changes&) { return HSCPlazRefreshStoreTask::describeItems(task, store); }, &store);
     if (!isDone) task.fail(Msg::storeNotRefreshed, store.getName());
     return resultOf(task, store, isDone ? StoreOutcome::refreshed : StoreOutcome::failed);
 }
@@ -178,7 +181,7 @@ HSCPlazStoreResult HSCPlazTaskMgr::checkStore(HSCPlazQStore& store, HDGUIStatus*
 HSCPlazStoreResult HSCPlazTaskMgr::moveStore(HSCPlazQStore& store, const std::string& dir) {
     HSCPlazTask task(workspace(), *store.getHub(), nullptr);
     const std::string path = HUTFile::getCanonicalName(dir);
-    const auto move = [&] {
+    const auto move = [&](Changes&) {
         return isFree(task, store, path + "/" + store.getRoot()) && HSCPlazMoveStoreTask::move(task, store, path);
     };
     const bool isDone = mayBeMoved(&store, path) && carryOut(task, move, &store);
@@ -204,13 +207,14 @@ bool HSCPlazTaskMgr::updateCatalog(HSCPlaz* hub, HDGUIStatus* status) {
 bool HSCPlazTaskMgr::updateCatalog(HSCPlazQStore* store, HDGUIStatus* status) {
     if (!store || !store->getModel() || !store->getHub()) return false;
     HSCPlazTask task(workspace(), *store->getHub(), status);
-    return task.run([&] { return HSCPlazRefreshStoreTask::describeItems(task, *store); }, store);
+    return Changes::run(task, [&](Changes&) { return HSCPlazRefreshStoreTask::describeItems(task, *store); }, store);
 }
 
 bool HSCPlazTaskMgr::loadCatalog(HSCPlaz* hub, HSCPlazQStore* store, HDGUIStatus* status) {
     if (!hub || !store || !store->getModel()) return false;
     HSCPlazTask task(workspace(), *hub, status);
-    return !task.isCancelled() && task.run([&] { return HSCPlazRefreshStoreTask::loadCatalog(task, *store); }, store);
+    return !task.isCancelled() &&
+           Changes::run(task, [&](Changes&) { return HSCPlazRefreshStoreTask::loadCatalog(task, *store); }, store);
 }
 
 bool HSCPlazTaskMgr::hasUpdate(HSCPlazQStore* store) {
@@ -245,5 +249,5 @@ bool HSCPlazTaskMgr::setQStoreLocalRootDir(HSCPlazQStore* store, const std::stri
     HSCPlazTask task(workspace(), *store->getHub(), nullptr);
     const std::string path = HUTFile::getCanonicalName(dir);
     return carryOut(
-        task, [&] { return HSCPlazMoveStoreTask::move(task, *store, path); }, store);
+        task, [&](Changes&) { return HSCPlazMoveStoreTask::move(task, *store, path); }, store);
 }

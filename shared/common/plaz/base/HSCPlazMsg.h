@@ -67,5 +67,8 @@ inline constexpr MsgId<0> hubNotRefreshed{"@17-2194@"};
 inline constexpr MsgId<2> storeNotChecked{"@17-2195@%s%s"};  ///< store, why
 inline constexpr MsgId<2> waitsForHub{"@17-2223@%s%s"};      ///< which process holds it, seconds
 inline constexpr MsgId<1> databaseUnreadable{"@17-2224@%s"}; ///< file
+inline constexpr MsgId<1> changeFinished{"@17-2225@%s"};     ///< item
+inline constexpr MsgId<1> changeUndone{"@17-2226@%s"};       ///< item
+inline constexpr MsgId<1> needsUnknown{"@17-2227@%s"};       ///< display name
 inline constexpr MsgId<1> clonedRepo{"@60-832@%s"};          ///< directory
 } // namespace Msg

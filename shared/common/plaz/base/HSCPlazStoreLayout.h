@@ -34,7 +34,7 @@ private:
 ///     <area>/<metadata file>, <catalog file>    the catalog that was refreshed last; ".done" beside it marks it whole
 ///     <area>/.plaz/.catalog                     metadata and change logs of the catalog's items
 ///     <area>/.plaz/plaz_local_db.json           what is installed
-///     <area>/.plaz/.incoming, .outgoing         files on their way in and out; empty between commands
+///     <area>/.plaz/.incoming                    files on their way in and out; gone between commands
 ///     <work>/.plaz/.index                       the working copy; ".done" in it marks it complete
 ///     <work>/.staging                           where a checkout is made; gone between commands
 ///
@@ -61,7 +61,6 @@ public:
     std::string getCatalogDir() const { return below(m_area, catalogFolder); }
     std::string getDatabase() const { return below(getHiddenDir(), databaseFile); }
     std::string getIncoming() const { return below(getHiddenDir(), ".incoming"); }
-    std::string getOutgoing() const { return below(getHiddenDir(), ".outgoing"); }
 
     /// Whether what a directory holds (a working copy, a catalog) came whole. @param dir  empty: no
     static bool isComplete(const std::string& dir);

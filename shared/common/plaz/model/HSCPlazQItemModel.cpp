@@ -21,7 +21,14 @@ void HSCPlazQItemModel::clearDependencies() {
     m_dependencies.clear();
 }
 
+void HSCPlazQItemModel::deriveOutdated() {
+    m_latest = m_revision == m_latestRevision;
+    const bool hasMoved = !m_installedCommitId.empty() && !m_commitId.empty() && m_installedCommitId != m_commitId;
+    m_needsRefresh = !m_latest || hasMoved;
+}
+
 void HSCPlazQItemModel::clearInstallation() {
+    m_describedByItself = false;
     m_installed = false;
     m_needsRefresh = false;
     m_installationMode.clear();

@@ -79,6 +79,13 @@ public:
     void addDependency(std::unique_ptr<HSCPlazQItemDependency> dependency);
     void clearDependencies();
 
+    /// The catalog offers this revision. One that is installed may be offered no more.
+    bool isListed() const { return m_listed; }
+    void setIsListed(bool value) { m_listed = value; }
+    /// What it depends on is what its own installed metadata file says.
+    bool isDescribedByItself() const { return m_describedByItself; }
+    void setIsDescribedByItself(bool value) { m_describedByItself = value; }
+
     bool isInstalled() const { return m_installed; }
     void setIsInstalled(bool value) { m_installed = value; }
     /// The installed copy is older than what the catalog offers.
@@ -106,6 +113,8 @@ public:
     }
     void setInstalledCommitId(const std::string& value) { m_installedCommitId = value; }
 
+    /// Derives whether the installed revision is the newest, and whether what is offered differs from it.
+    void deriveOutdated();
     /// The item is no longer installed; nothing is left of how and where it was.
     void clearInstallation();
     /// Takes over what describes the item to people and to the dependency walk: texts, keywords, categories,
@@ -138,6 +147,8 @@ private:
     std::int32_t m_referenceCount = 0;
     HSCPlazTypes::ItemSource m_source = HSCPlazTypes::REPOSITORY;
     bool m_active = false;
+    bool m_listed = true;
+    bool m_describedByItself = false;
     bool m_installed = false;
     bool m_needsRefresh = false;
     bool m_latest = false;

@@ -216,6 +216,15 @@ template <typename Fits> HSCPlazQItem* HSCPlazQStore::findItem(const std::string
     return nullptr;
 }
 
+std::vector<HSCPlazQItem*> HSCPlazQStore::getItems(const std::string& name) const {
+    std::vector<HSCPlazQItem*> items;
+    requireIndex();
+    const auto first = m_firstOfName.find(name);
+    std::size_t position = first == m_firstOfName.end() ? noPosition : first->second;
+    for (; position != noPosition; position = m_nextOfName[position]) items.push_back(m_items[position]);
+    return items;
+}
+
 std::size_t HSCPlazQStore::getNextOfName(std::size_t position) const {
     requireIndex();
     return m_nextOfName.at(position);

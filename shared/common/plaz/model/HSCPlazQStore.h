@@ -91,6 +91,8 @@ public:
     /// Appends a top-level category and takes ownership.
     void addCategory(HSCPlazCategory* category);
 
+    /// All items of exactly that name, in the catalog's order.
+    std::vector<HSCPlazQItem*> getItems(const std::string& name) const;
     /// Where in getItems() the next entry of the same name as that at @p position stands; past the end for none.
     std::size_t getNextOfName(std::size_t position) const;
     /// First item of exactly that name and revision; null when there is none.

@@ -20,6 +20,7 @@ namespace {
 constexpr const char* sharedDataDir = "common";
 constexpr const char* configFile = "plaz_config.json";
 constexpr const char* lockFile = "plaz.lock";
+constexpr const char* changeFile = "plaz_change.json";
 constexpr const char* repoInfoFile = "plaz_stores.json";
 
 /// The non-empty parts joined with single separators, in generic form.
@@ -123,6 +124,10 @@ std::string HSCPlazPathMgr::getRepoInfoFile() const {
 
 std::string HSCPlazPathMgr::getLockFile() const {
     return getUserAreaRoot("", true, lockFile);
+}
+
+std::string HSCPlazPathMgr::getChangeFile() const {
+    return getUserAreaRoot("", false, changeFile);
 }
 
 std::string HSCPlazPathMgr::getDefaultLocalDbFile() const {

@@ -51,6 +51,8 @@ public:
     std::string getRepoInfoFile() const;
     /// The file whose lock a task holds while it changes what is installed.
     std::string getLockFile() const;
+    /// What a task that changes what is installed is about to do; gone when it has ended.
+    std::string getChangeFile() const;
     /// The database used where a store has none of its own and the hub names none.
     std::string getDefaultLocalDbFile() const;
 

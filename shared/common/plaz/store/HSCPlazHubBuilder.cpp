@@ -8,6 +8,7 @@
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/reader/HSCPlazReader.h"
 #include "plaz/store/HSCPlazCatalogLoader.h"
+#include "plaz/store/HSCPlazHolds.h"
 #include "plaz/store/HSCPlazInstalledState.h"
 #include "plaz/store/HSCPlazPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
@@ -161,6 +162,7 @@ void HSCPlazHubBuilder::restoreInstalled() const {
         installed.describe(model);
         HSCPlazInstalledState::addMissingItems(*store);
     }
+    HSCPlazHolds::apply(*m_workspace.hub);
 }
 
 void HSCPlazHubBuilder::reloadStore(HSCPlaz& hub, HSCPlazQStore& store, bool isShared) const {
@@ -176,6 +178,7 @@ void HSCPlazHubBuilder::reloadStore(HSCPlaz& hub, HSCPlazQStore& store, bool isS
     installed.merge(model);
     installed.describe(model);
     store.assignModel(&model);
+    HSCPlazHolds::apply(hub);
     const std::string unwritten = m_workspace.databases.write(hub, store);
     if (!unwritten.empty()) m_report.add(Msg::databaseNotSaved, MsgSeverity::error, unwritten);
 }

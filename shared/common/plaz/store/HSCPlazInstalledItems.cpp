@@ -18,10 +18,6 @@ std::string findRefusal(const HSCPlazQItemModel& record) {
     return refusal.empty() ? Rules::findRefusal(Rules::gitRef, HSCPlazKey::commitId, record.getCommitId()) : refusal;
 }
 
-bool differ(const std::string& installed, const std::string& offered) {
-    return !installed.empty() && !offered.empty() && installed != offered;
-}
-
 /// Canonical; empty where the store has none.
 std::string findArea(const HSCPlazQStoreModel& store, const HSCPlazPathMgr& paths) {
     try {
@@ -83,6 +79,7 @@ HSCPlazQItemModel& HSCPlazInstalledItems::addUnlisted(const HSCPlazQItemModel& r
     auto added = std::make_unique<HSCPlazQItemModel>();
     added->setName(record.getName());
     added->setRevision(record.getRevision());
+    added->setIsListed(false);
     added->setCommitId(record.getCommitId());
     if (const HSCPlazQItemModel* listed = findListed(record.getName())) {
         added->copyDescriptionFrom(*listed);
@@ -110,8 +107,6 @@ std::string HSCPlazInstalledItems::apply(const HSCPlazQItemModel& record) {
     item.setInstalledCommitId(record.getCommitId());
     item.setLocalDir(toLocalDir(record, item));
     item.setInstallationMode(record.getInstallationMode());
-    item.setReferenceCount(record.getReferenceCount());
-    item.setIsLatest(item.getRevision() == item.getLatestRevision());
-    item.setNeedsRefresh(!item.isLatest() || differ(record.getCommitId(), item.getCommitId()));
+    item.deriveOutdated();
     return {};
 }

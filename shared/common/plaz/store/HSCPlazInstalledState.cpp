@@ -6,6 +6,7 @@
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/reader/HSCPlazJsonDocument.h"
 #include "plaz/model/reader/HSCPlazQItemReader.h"
+#include "plaz/store/HSCPlazHolds.h"
 #include "plaz/store/HSCPlazPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "support/HUTFile.h"
@@ -68,6 +69,7 @@ void HSCPlazInstalledState::describe(const HSCPlazQStoreModel& store) const {
             description = readDescription(root, folder + "/" + file, document, *item, found);
         else if (!folder.empty())
             description = readWithdrawn(root, m_workspace.paths.getStoreArea(store), folder, document, *item);
+        item->setIsDescribedByItself(description != nullptr);
         if (description) item->copyDescriptionFrom(*description);
     }
     m_report.append(found.toReport());
@@ -78,12 +80,17 @@ void HSCPlazInstalledState::update() const {
         if (!store->isProductSpecific() || !m_workspace.databases.hasChanged(store->getLocalDbFilePath())) continue;
         // What was known stays; whether the work can do without is not decided here.
         if (!m_workspace.databases.canBeRead(store->getLocalDbFilePath())) continue;
-        for (const auto& item : store->getModel()->getItems())
-            if (item->isInstalled()) item->clearInstallation();
-        merge(*store->getModel());
-        describe(*store->getModel());
-        addMissingItems(*store);
+        takeOver(*store);
     }
+}
+
+void HSCPlazInstalledState::takeOver(HSCPlazQStore& store) const {
+    for (const auto& item : store.getModel()->getItems())
+        if (item->isInstalled()) item->clearInstallation();
+    merge(*store.getModel());
+    describe(*store.getModel());
+    addMissingItems(store);
+    HSCPlazHolds::apply(*m_workspace.hub);
 }
 
 void HSCPlazInstalledState::merge(HSCPlazQStoreModel& store) const {

@@ -18,6 +18,8 @@ public:
     void merge(HSCPlazQStoreModel& store) const;
     /// Describes what is installed by its own files: what it depends on may differ from what the catalog says today.
     void describe(const HSCPlazQStoreModel& store) const;
+    /// Takes over what a store's database records, in the place of what was known.
+    void takeOver(HSCPlazQStore& store) const;
     /// Takes over what other processes have installed and removed since the databases were read.
     void update() const;
 

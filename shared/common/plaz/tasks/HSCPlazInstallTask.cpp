@@ -7,7 +7,8 @@
 #include "plaz/store/HSCPlazInstalledFiles.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazDependencyWalk.h"
-#include "plaz/tasks/HSCPlazHolds.h"
+#include "plaz/tasks/HSCPlazItemChanges.h"
+#include "plaz/tasks/HSCPlazItemFiles.h"
 #include "plaz/tasks/HSCPlazTask.h"
 
 using HSCPlazDebugLog::inside;
@@ -19,47 +20,39 @@ namespace {
 
 constexpr const char* installName = "HSCPlazTaskMgr::install";
 
-bool completeInstalled(HSCPlazTask& task, const HSCPlazFoundItem& found, Walk& walk) {
+bool completeInstalled(HSCPlazTask& task, HSCPlazItemChanges& changes, const HSCPlazFoundItem& found) {
     inside(installName, " already installed");
     task.tellNews(Msg::itemAlreadyInstalled, Files::shownName(*found.item));
+    Walk walk(task, changes, *found.item);
     if (found.item->getMode() != Mode::tool) return walk.installMissing(*found.item);
-    walk.setMode(found, Mode::user);
-    walk.saveChanges();
-    return walk.installAll(*found.item);
+    return changes.setMode(found, Mode::user) && walk.installAll(*found.item);
 }
 
-bool installFiles(HSCPlazTask& task, const HSCPlazFoundItem& found, Walk& walk, Mode mode) {
+bool installFiles(HSCPlazTask& task, HSCPlazItemChanges& changes, const HSCPlazFoundItem& found, Mode mode) {
     HSCPlazQItem& item = *found.item;
     const bool isKnown = item.IsInstalled();
-    const bool isUsersAlready = isKnown && item.getMode() == Mode::user;
-    const std::int32_t references = isKnown ? item.getReferenceCount() : 0;
+    task.show("Installing", Files::shownName(item), 0);
     inside(installName, " installing ", item.getName(), "...");
-    if (!Files::bring(task, found, true)) return false;
-    // Files that had got lost are back; whoever held the item holds it still.
-    const Walk::Heritage heritage = walk.replaceOthers(found);
-    walk.markInstalled(found, isUsersAlready || heritage.isUsers ? Mode::user : mode,
-                       HSCPlazHolds::add(references, heritage.references));
+    if (!changes.install(found, mode, true)) return false;
     task.tellNews(Msg::itemInstalled, Files::shownName(item));
-    walk.saveChanges();
     inside(installName, " installed ");
-    const bool isCounted = isUsersAlready || mode == Mode::tool;
-    const bool complete = isCounted ? walk.installMissing(item) : walk.installAll(item);
+    // Where there was a revision before, what serves the new one as it is need not be newer.
+    Walk walk(task, changes, item);
+    const bool isComplete = isKnown || mode == Mode::tool ? walk.installMissing(item) : walk.installAll(item);
     task.show("Installed", Files::shownName(item), 100);
-    return complete;
+    return isComplete;
 }
 
 } // namespace
 
-bool HSCPlazInstallTask::install(HSCPlazTask& task, const HSCPlazQItem& asked, Mode mode) {
+bool HSCPlazInstallTask::install(HSCPlazTask& task, HSCPlazItemChanges& changes, const HSCPlazQItem& asked, Mode mode) {
     inside(installName, "qitem info:\n", "\tname:", asked.getName(), "\n\tcompany:", asked.getCompany(),
            "\n\tstore name:", asked.getStoreName(), "\n\titem revision:", asked.getRevision());
     const HSCPlazFoundItem found = Walk::find(task.getHub(), &asked);
     if (!found) return task.fail(Msg::itemInstallFailed, Files::shownName(asked));
-    Walk walk(task, *found.item);
     const bool isThere = HSCPlazInstalledFiles::areThere(found.item, found.store, task.getWorkspace().userPref);
     if (!isThere && task.isCancelled()) return false;
-    if (!isThere) task.show("Installing", Files::shownName(*found.item), 0);
-    const bool complete = isThere ? completeInstalled(task, found, walk) : installFiles(task, found, walk, mode);
-    walk.finish();
-    return (complete && walk.isSound()) || task.fail(Msg::itemInstallFailed, Files::shownName(*found.item));
+    const bool isDone =
+        isThere ? completeInstalled(task, changes, found) : installFiles(task, changes, found, mode);
+    return isDone || task.fail(Msg::itemInstallFailed, Files::shownName(*found.item));
 }

@@ -34,17 +34,6 @@ bool describedOnDisk(HSCPlazTask& task, const HSCPlazFoundItem& found, HSCPlazQI
            description.getRevision() == found.item->getRevision();
 }
 
-/// The files of an item that the database does not know, left by an earlier installation or put there by hand.
-bool adopt(HSCPlazTask& task, const HSCPlazFoundItem& found) {
-    const std::string dir = HSCPlazItemFiles::directoryOf(task.getWorkspace(), found);
-    HSCPlazQItemModel description;
-    if (dir.empty() || HUTFile::createFileIter(dir).size() < 2 || !describedOnDisk(task, found, description))
-        return false;
-    found.item->getModel()->copyDescriptionFrom(description);
-    found.item->setSource(HSCPlazTypes::LOCAL);
-    return true;
-}
-
 /// An item that is or holds the directory of another: its files would be replaced together with it.
 const HSCPlazQItem* findOverlap(const HSCPlazFoundItem& found) {
     const auto keyOf = [](const HSCPlazQItem& item) { return HUTFile::getNameKey(item.getRoot()) + "/"; };
@@ -57,31 +46,28 @@ const HSCPlazQItem* findOverlap(const HSCPlazFoundItem& found) {
     return nullptr;
 }
 
-/// Where the item's files are, if that is a place that may be emptied: below the store's area, whatever the database
-/// says, and the item's own directory or at least one that holds its metadata file.
-std::string removableDirectory(const HSCPlazTask& task, const HSCPlazFoundItem& found) {
-    const std::string own = HSCPlazItemFiles::directoryOf(task.getWorkspace(), found);
-    const std::string recorded = found.item->getLocalRootDir();
-    if (recorded.empty() || recorded == own) return own;
-    const std::string area = layoutOf(task, found).getArea();
-    const std::string metadata = found.item->getMetadataFile();
-    const bool isItsOwn = !metadata.empty() && !HUTFile::isAKA(area, recorded) && HUTFile::isBeneath(area, recorded) &&
-                          HUTFile::isRegularFile(recorded + "/" + metadata);
-    return isItsOwn ? recorded : std::string();
+/// Takes what lies in a directory of ours over into another, without a second body of any file.
+bool takeBeside(const std::string& from, const std::string& to, const std::vector<std::string>& names) {
+    for (const std::string& name : names) {
+        const std::string source = from + "/" + name;
+        const bool isTaken = HUTFile::isDirectory(source)
+                                 ? HUTFile::cloneTree(source, to + "/" + name, [](const std::string&) { return true; })
+                                 : HUTFile::copyTo(source, to + "/" + name, HUTFile::copyOver);
+        if (!isTaken) return false;
+    }
+    return true;
 }
 
-/// A name below a directory that nothing has yet.
-std::string freePlace(const std::string& dir) {
-    std::size_t number = HUTFile::createFileIter(dir).size();
-    while (HUTFile::exists(dir + "/" + std::to_string(number))) ++number;
-    return dir + "/" + std::to_string(number);
+/// Folders of other revisions of an item, which are installed inside its own.
+std::vector<std::string> findRevisionsInside(const HSCPlazFoundItem& found, const std::string& dir) {
+    std::vector<std::string> names;
+    for (const HSCPlazQItem* other : found.store->getItems(found.item->getName()))
+        if (other != found.item && other->IsInstalled() && other->getLocalRootDir() == dir + "/" + other->getRevision())
+            names.push_back(other->getRevision());
+    return names;
 }
 
 } // namespace
-
-HSCPlazFoundItem::operator bool() const {
-    return item != nullptr && item->getModel() != nullptr;
-}
 
 std::string HSCPlazItemFiles::shownName(const HSCPlazQItem& item) {
     const std::string name = item.getDisplayName();
@@ -92,8 +78,10 @@ std::string HSCPlazItemFiles::directoryOf(const HSCPlazWorkspace& workspace, con
     return workspace.paths.getItemDir(*found.store->getModel(), *found.item->getModel());
 }
 
-bool HSCPlazItemFiles::bring(HSCPlazTask& task, const HSCPlazFoundItem& found, bool isAskedFor) {
-    return adopt(task, found) || fetch(task, found, isAskedFor);
+bool HSCPlazItemFiles::areInPlace(HSCPlazTask& task, const HSCPlazFoundItem& found) {
+    const std::string dir = directoryOf(task.getWorkspace(), found);
+    HSCPlazQItemModel description;
+    return !dir.empty() && HUTFile::createFileIter(dir).size() >= 2 && describedOnDisk(task, found, description);
 }
 
 bool HSCPlazItemFiles::fetch(HSCPlazTask& task, const HSCPlazFoundItem& found, bool isAskedFor) {
@@ -105,39 +93,39 @@ bool HSCPlazItemFiles::fetch(HSCPlazTask& task, const HSCPlazFoundItem& found, b
         return task.fail(Msg::itemRefused, item.getName(),
                          "its directory overlaps that of the installed item " + other->getName());
     const HSCPlazWorkspace& workspace = task.getWorkspace();
+    const HSCPlazGitInstall::Place place{directoryOf(workspace, found), layoutOf(task, found).getIncoming()};
     const HSCPlazGitOutcome outcome =
-        HSCPlazGitInstall::install(workspace.gitStore(*found.store->getModel()), item,
-                                   {directoryOf(workspace, found), layoutOf(task, found).getIncoming()});
+        HSCPlazGitInstall::fetch(workspace.gitStore(*found.store->getModel()), item, place);
     if (!outcome.isDone) return task.fail(outcome.getWhole());
     task.tell(outcome.report);
-    // Only now are the files of this very revision at hand: they say what it depends on.
-    HSCPlazQItemModel description;
-    if (describedOnDisk(task, found, description)) item.copyDescriptionFrom(description);
-    item.setSource(HSCPlazTypes::REPOSITORY);
-    return true;
+    return takeBeside(place.directory, place.incoming, findRevisionsInside(found, place.directory)) ||
+           task.fail(Msg::dirNotWritable, place.incoming);
 }
 
-std::optional<std::string> HSCPlazItemFiles::park(HSCPlazTask& task, const HSCPlazFoundItem& found) {
-    const std::string dir = removableDirectory(task, found);
-    const std::string name = found.item->getName();
-    if (dir.empty()) {
-        task.tell(Msg::removalRefused, MsgSeverity::error, name, found.item->getLocalRootDir());
-        return std::nullopt;
-    }
+bool HSCPlazItemFiles::makeRemains(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir) {
+    const std::string remains = layoutOf(task, found).getIncoming();
+    std::vector<std::string> kept = findRevisionsInside(found, dir);
     const std::string metadata = found.item->getMetadataFile();
-    if (!HUTFile::exists(dir)) return std::string();
-    const std::string parked = freePlace(layoutOf(task, found).getOutgoing());
-    if (HUTFile::replaceDirectory(dir, parked)) {
-        const std::string kept = parked + "/" + metadata;
-        if (!metadata.empty() && HUTFile::isRegularFile(kept) && HUTFile::mkDirRecursive(dir))
-            HUTFile::copyTo(kept, dir + "/" + metadata, HUTFile::copyOver);
-        return parked;
-    }
-    if (HUTFile::rmEntriesExcept(dir, metadata)) return std::string();
-    task.tell(Msg::removalIncomplete, MsgSeverity::error, name, dir);
-    return std::nullopt;
+    if (!metadata.empty() && HUTFile::isRegularFile(dir + "/" + metadata)) kept.push_back(metadata);
+    return (HUTFile::rmRecursive(remains) && HUTFile::mkDirRecursive(remains) && takeBeside(dir, remains, kept)) ||
+           task.fail(Msg::dirNotWritable, remains);
 }
 
-void HSCPlazItemFiles::discard(const std::string& parked) {
-    if (!parked.empty()) HUTFile::rmRecursive(parked);
+void HSCPlazItemFiles::describe(HSCPlazTask& task, const HSCPlazFoundItem& found) {
+    HSCPlazQItemModel description;
+    const bool isDescribed = describedOnDisk(task, found, description);
+    HSCPlazQItemModel& item = *found.item->getModel();
+    item.setIsDescribedByItself(isDescribed);
+    if (isDescribed) item.copyDescriptionFrom(description);
+}
+
+std::string HSCPlazItemFiles::removableDirectory(const HSCPlazTask& task, const HSCPlazFoundItem& found) {
+    const std::string own = directoryOf(task.getWorkspace(), found);
+    const std::string recorded = found.item->getLocalRootDir();
+    if (recorded.empty() || recorded == own) return own;
+    const std::string area = layoutOf(task, found).getArea();
+    const std::string metadata = found.item->getMetadataFile();
+    const bool isItsOwn = !metadata.empty() && !HUTFile::isAKA(area, recorded) && HUTFile::isBeneath(area, recorded) &&
+                          HUTFile::isRegularFile(recorded + "/" + metadata);
+    return isItsOwn ? recorded : std::string();
 }

@@ -1,21 +1,13 @@
 #pragma once
 
-#include <optional>
+#include "plaz/store/HSCPlazDependencies.h"
+
 #include <string>
 
-class HSCPlazQItem;
-class HSCPlazQStore;
 class HSCPlazTask;
 struct HSCPlazWorkspace;
 
-/// An item of the hub together with its store; false where there is none.
-struct HSCPlazFoundItem {
-    HSCPlazQStore* store = nullptr;
-    HSCPlazQItem* item = nullptr;
-    explicit operator bool() const;
-};
-
-/// Brings an item's files to their place and takes them away: what the item tasks do to the disk.
+/// What the item tasks do with files: where they are, whether they are there, how new ones come.
 namespace HSCPlazItemFiles {
 
 /// The item's display name, or its name where it has none.
@@ -23,17 +15,23 @@ std::string shownName(const HSCPlazQItem& item);
 /// Where the item is, or is to be, installed; empty where its names may not be used.
 std::string directoryOf(const HSCPlazWorkspace& workspace, const HSCPlazFoundItem& found);
 
-/// Takes over files in place that are this very item, else has the repository fetch them; the item is then described by
-/// them. What goes wrong has been told when this returns false.
-/// @param isAskedFor  the user asked for the item itself, so that the start of a fetch is told (Msg::itemInstalling)
-bool bring(HSCPlazTask& task, const HSCPlazFoundItem& found, bool isAskedFor);
-/// The same without looking whether files are there: the old ones are replaced in one step.
+/// Whether the files of an item that no record knows are in place, left by an earlier installation or put there by
+/// hand: they are this very item.
+bool areInPlace(HSCPlazTask& task, const HSCPlazFoundItem& found);
+/// Has the repository fetch the item's files into the store's incoming directory. In a store where what is there is
+/// part of the item's folder, such as its revisions, that is put beside them.
+/// @param isAskedFor  the user asked for the item itself, so that the start is told (Msg::itemInstalling)
+/// @return false when that failed; the reason has been told
 bool fetch(HSCPlazTask& task, const HSCPlazFoundItem& found, bool isAskedFor);
+/// Makes, in the store's incoming directory, what stays of an item that goes: its metadata file, so that the catalog
+/// goes on describing it, and what of others lies in its folder.
+/// @return false when that could not be written
+bool makeRemains(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir);
+/// Describes an installed item by its own files.
+void describe(HSCPlazTask& task, const HSCPlazFoundItem& found);
 
-/// Takes the item's files from their place in one step, its metadata file excepted, so that the catalog goes on
-/// describing it; discard() then destroys them. Empty, with the reason told (Msg::removalRefused, removalIncomplete),
-/// on failure: the item then counts as installed, though files that could be removed where others could not are gone.
-std::optional<std::string> park(HSCPlazTask& task, const HSCPlazFoundItem& found);
-void discard(const std::string& parked);
+/// Where the item's files are, if that is a place that may be emptied: below the store's area, whatever the database
+/// says, and the item's own directory or at least one that holds its metadata file. Empty where it is not.
+std::string removableDirectory(const HSCPlazTask& task, const HSCPlazFoundItem& found);
 
 } // namespace HSCPlazItemFiles

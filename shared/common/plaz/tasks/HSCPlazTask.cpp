@@ -6,22 +6,7 @@
 #include "plaz/store/HSCPlazInstalledState.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "support/HDGUIStatus.h"
-#include "support/HUTFile.h"
 #include "support/HUTFork.h"
-
-namespace {
-
-/// What interrupted tasks have left in the stores' areas.
-void removeLeftovers(const HSCPlaz& hub, const HSCPlazPathMgr& paths) {
-    for (const HSCPlazQStore* store : hub.getStores()) {
-        if (!store->isProductSpecific()) continue;
-        const HSCPlazStoreLayout layout = paths.getStoreLayout(*store->getModel());
-        for (const std::string& leftover : {layout.getStaging(), layout.getIncoming(), layout.getOutgoing()})
-            if (HUTFile::exists(leftover)) HUTFile::rmRecursive(leftover);
-    }
-}
-
-} // namespace
 
 bool HSCPlazTask::isCancelled() const {
     return (m_status && m_status->isCanceled()) || HUTFork::isInterrupted();
@@ -62,17 +47,23 @@ bool HSCPlazTask::canReadRecords(const HSCPlazQStore* only) {
 }
 
 bool HSCPlazTask::run(const std::function<bool()>& work, const HSCPlazQStore* only) {
-    return withLock([&] {
-        HSCPlazReport places, databases;
-        const std::string moved = m_workspace.places.findMovedStore(places);
-        mention(places);
-        if (!moved.empty()) return fail(Msg::storeMovedMeanwhile, moved);
-        HSCPlazInstalledState(m_workspace, databases).update();
-        mention(databases);
-        if (!canReadRecords(only)) return false;
-        removeLeftovers(m_hub, m_workspace.paths);
-        return work();
-    });
+    return withLock([&] { return runLocked(work, only); });
+}
+
+bool HSCPlazTask::runIfFree(const std::function<bool()>& work) {
+    const auto taken =
+        HSCPlazHubLock::take(m_workspace.paths.getLockFile(), {[] { return true; }, [](const HSCPlazReport&) {}});
+    return taken.lock && runLocked(work, nullptr);
+}
+
+bool HSCPlazTask::runLocked(const std::function<bool()>& work, const HSCPlazQStore* only) {
+    HSCPlazReport places, databases;
+    const std::string moved = m_workspace.places.findMovedStore(places);
+    mention(places);
+    if (!moved.empty()) return fail(Msg::storeMovedMeanwhile, moved);
+    HSCPlazInstalledState(m_workspace, databases).update();
+    mention(databases);
+    return canReadRecords(only) && work();
 }
 
 bool HSCPlazTask::withLock(const std::function<bool()>& action) {

@@ -55,12 +55,13 @@ public:
     /// All that was told so far, without what was only mentioned.
     const HSCPlazReport& getReport() const { return m_report; }
 
-    /// Does the work while this process holds the hub's lock. What other processes have done is taken over first, and
-    /// what interrupted tasks have left is removed. Without a look at the record of what is installed nothing is done
+    /// Does the work while this process holds the hub's lock. What other processes have done is taken over first. Without a look at the record of what is installed nothing is done
     /// (Msg::databaseUnreadable).
     /// @param only  the one store whose record the work may change; null where it may be that of any
     /// @throws HEXAll what the work throws, and when the hub has no area that exists
     bool run(const std::function<bool()>& work, const HSCPlazQStore* only = nullptr);
+    /// The same where the lock is free at once; else nothing is done, and nothing told.
+    bool runIfFree(const std::function<bool()>& work);
     /// Does something while this process holds the hub's lock; inside a task, which holds it already, at once.
     /// @return false without doing it when the lock is not to be had in time (Msg::hubBusy), or on cancellation
     bool withLock(const std::function<bool()>& action);
@@ -68,6 +69,7 @@ public:
     bool guard(const std::function<bool()>& action);
 
 private:
+    bool runLocked(const std::function<bool()>& work, const HSCPlazQStore* only);
     bool canReadRecords(const HSCPlazQStore* only);
 
     HSCPlazWorkspace& m_workspace;

@@ -1,15 +1,14 @@
 #pragma once
 
+class HSCPlazItemChanges;
 class HSCPlazQItem;
 class HSCPlazTask;
 
-/// Removes an item's files, its metadata file excepted, unless something still needs them, and releases what it depends
-/// on. To be called within a task that runs (HSCPlazTask::run).
+/// Removes an item's files, its metadata file excepted, unless something still needs them.
 namespace HSCPlazUninstallTask {
 
 /// @return false for an item that is not installed (Msg::itemNotInstalled) or that other items hold (Msg::itemHeld),
-/// and
-///         when files could not be removed or the result not be recorded
-bool uninstall(HSCPlazTask& task, const HSCPlazQItem& asked);
+///         and when files could not be removed or the result not be recorded
+bool uninstall(HSCPlazTask& task, HSCPlazItemChanges& changes, const HSCPlazQItem& asked);
 
 } // namespace HSCPlazUninstallTask

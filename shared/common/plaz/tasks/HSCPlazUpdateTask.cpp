@@ -4,8 +4,11 @@
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/HSCPlazUpdateDecision.h"
+#include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazDependencyWalk.h"
 #include "plaz/tasks/HSCPlazInstallTask.h"
+#include "plaz/tasks/HSCPlazItemChanges.h"
+#include "plaz/tasks/HSCPlazItemFiles.h"
 #include "plaz/tasks/HSCPlazTask.h"
 
 using Mode = HSCPlazInstallationMode;
@@ -21,39 +24,38 @@ Mode modeAfter(const HSCPlazQItem& item) {
     return item.getMode() == Mode::tool ? Mode::tool : Mode::user;
 }
 
-bool installLatest(HSCPlazTask& task, const HSCPlazQItem& item) {
-    return HSCPlazInstallTask::install(task, *item.getStore()->getItem(item.getName()), modeAfter(item));
-}
-
-bool replaceFiles(HSCPlazTask& task, const HSCPlazFoundItem& found, Walk& walk) {
-    walk.giveUpNeeds(*found.item);
-    if (!Files::fetch(task, found, true)) return false;
-    walk.markInstalled(found, modeAfter(*found.item), found.item->getReferenceCount());
-    walk.saveChanges();
-    const bool complete = walk.installMissing(*found.item);
-    walk.finish();
-    return complete && walk.isSound();
-}
-
-bool fetchAgain(HSCPlazTask& task, HSCPlazQItem& item) {
+bool fetchAgain(HSCPlazTask& task, HSCPlazItemChanges& changes, HSCPlazQItem& item) {
     if (task.isCancelled()) return false;
     task.show("Updating", Files::shownName(item), 0);
-    Walk walk(task, item);
-    if (!replaceFiles(task, {item.getStore(), &item}, walk))
-        return task.fail(Msg::itemInstallFailed, Files::shownName(item));
+    const bool isDone = changes.fetch({item.getStore(), &item}, modeAfter(item), true) &&
+                        Walk(task, changes, item).installMissing(item) && changes.removeUnneeded();
+    if (!isDone) return task.fail(Msg::itemInstallFailed, Files::shownName(item));
     task.tellNews(Msg::itemFetchedAgain, Files::shownName(item));
     return true;
 }
 
 } // namespace
 
-Outcome HSCPlazUpdateTask::update(HSCPlazTask& task, HSCPlazQItem& item) {
+Outcome HSCPlazUpdateTask::update(HSCPlazTask& task, HSCPlazItemChanges& changes, HSCPlazQItem& item) {
+    const auto outcomeOf = [](bool isDone) { return isDone ? Outcome::updated : Outcome::failed; };
     if (!item.IsInstalled()) { // another program was quicker
         task.fail(Msg::itemNotInstalled, Files::shownName(item));
         return Outcome::failed;
     }
-    const Step step = HSCPlazUpdateDecision::decide(item);
-    if (step == Step::none) return Outcome::upToDate;
-    const bool isDone = step == Step::fetchAgain ? fetchAgain(task, item) : installLatest(task, item);
-    return isDone ? Outcome::updated : Outcome::failed;
+    if (hasNothingToDo(task, item)) return Outcome::upToDate;
+    switch (HSCPlazUpdateDecision::decide(item)) {
+    case Step::fetchAgain:
+        return outcomeOf(fetchAgain(task, changes, item));
+    case Step::installLatest:
+        return outcomeOf(HSCPlazInstallTask::install(task, changes, *item.getStore()->getItem(item.getName()),
+                                                     modeAfter(item)));
+    case Step::none:
+        break;
+    }
+    return outcomeOf(Walk(task, changes, item).installMissing(item));
+}
+
+bool HSCPlazUpdateTask::hasNothingToDo(const HSCPlazTask& task, const HSCPlazQItem& item) {
+    return HSCPlazUpdateDecision::decide(item) == Step::none &&
+           HSCPlazDependencies::areComplete(task.getHub(), item, task.getWorkspace().userPref);
 }

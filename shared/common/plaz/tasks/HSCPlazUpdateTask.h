@@ -2,16 +2,19 @@
 
 #include "plaz/tasks/HSCPlazTaskResult.h"
 
+class HSCPlazItemChanges;
 class HSCPlazTask;
 
-/// Brings an installed revision up to date and keeps its installation mode. To be called within a task that runs
-/// (HSCPlazTask::run).
+/// Brings an installed revision up to date and keeps its installation mode.
 namespace HSCPlazUpdateTask {
 
 /// Installs the item's latest revision, or fetches the files of this one again where it was published anew. What the
 /// old files needed is given up, what the new ones need is brought. Where the store keeps several revisions the older
 /// one stays beside the new one.
 /// @return what it came to; "upToDate" where there is nothing to do
-HSCPlazItemResult::Outcome update(HSCPlazTask& task, HSCPlazQItem& item);
+HSCPlazItemResult::Outcome update(HSCPlazTask& task, HSCPlazItemChanges& changes, HSCPlazQItem& item);
+
+/// Whether it would do nothing: the item is up to date, and all that it needs is there.
+bool hasNothingToDo(const HSCPlazTask& task, const HSCPlazQItem& item);
 
 } // namespace HSCPlazUpdateTask

@@ -41,7 +41,9 @@ int toCount(const Value& value) {
     return value.IsInt() ? std::clamp(value.GetInt(), 0, most) : 0;
 }
 
-std::unique_ptr<Item> toItem(const Value& record) {
+} // namespace
+
+std::unique_ptr<Item> HSCPlazLocalDBReader::toItem(const Value& record) {
     auto item = std::make_unique<Item>();
     item->setIsInstalled(true);
     std::string scratch;
@@ -56,6 +58,8 @@ std::unique_ptr<Item> toItem(const Value& record) {
     return item;
 }
 
+namespace {
+
 void readStore(const Value& record, HSCPlazModel& model) {
     const std::string name = Json::GetStringProperty(record, Key::name);
     if (name.empty()) return;
@@ -69,7 +73,7 @@ void readStore(const Value& record, HSCPlazModel& model) {
         store->setIsUserRepository(Json::GetBooleanProperty(record, Key::userRepository));
     if (const Value* items = Json::FindArray(record, Key::items))
         for (const Value& item : items->GetArray())
-            if (item.IsObject()) store->addItem(toItem(item));
+            if (item.IsObject()) store->addItem(HSCPlazLocalDBReader::toItem(item));
 }
 
 constexpr const char* checkName = "HSCPlazLocalDBReader::checkIfValidForProductAndRelease";

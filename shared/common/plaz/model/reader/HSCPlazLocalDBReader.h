@@ -4,6 +4,11 @@
 #include "plaz/model/reader/HSCPlazFindings.h"
 #include "plaz/model/reader/HSCPlazJsonReader.h"
 
+#include <rapidjson/document.h>
+
+#include <memory>
+#include <string>
+
 /// Reads the local installation database: what is installed of which store.
 class HSCPlazLocalDBReader : public HSCPlazJsonReader<HSCPlazModel> {
 public:
@@ -24,6 +29,8 @@ public:
         std::string major;
         std::string minor;
     };
+    /// One installed item as a database records it. @param record  an object
+    static std::unique_ptr<HSCPlazQItemModel> toItem(const rapidjson::Value& record);
     /// The same as parse, in one read, and hands nothing on.
     /// @param isOwnOnly  fill nothing from a database that another product or release wrote, nor from what is none
     static Result read(const std::string& file, HSCPlazModel& model, bool isOwnOnly, HSCPlazFindings& found);

@@ -22,7 +22,9 @@ void addText(Document& document, Value& object, const char* key, const std::stri
     Json::AddStringProperty(document, object, key, HUTText::isUtf8(text) ? text : std::string());
 }
 
-Value toRecord(Document& document, const HSCPlazQItemModel& item) {
+} // namespace
+
+Value HSCPlazLocalDBWriter::toRecord(Document& document, const HSCPlazQItemModel& item) {
     Value record(rapidjson::kObjectType);
     addText(document, record, Key::name, item.getName());
     addText(document, record, Key::company, item.getCompany());
@@ -35,7 +37,9 @@ Value toRecord(Document& document, const HSCPlazQItemModel& item) {
     return record;
 }
 
-Value toRecord(Document& document, const HSCPlazQStoreModel& store) {
+namespace {
+
+Value toStoreRecord(Document& document, const HSCPlazQStoreModel& store) {
     Value record(rapidjson::kObjectType);
     addText(document, record, Key::name, store.getName());
     addText(document, record, Key::displayName, store.getDisplayName());
@@ -49,7 +53,7 @@ Value toRecord(Document& document, const HSCPlazQStoreModel& store) {
     Json::AddBooleanProperty(document, record, Key::userRepository, store.isUserRepository());
     Value items(rapidjson::kArrayType);
     for (const auto& item : store.getItems())
-        if (item->isInstalled()) items.PushBack(toRecord(document, *item), document.GetAllocator());
+        if (item->isInstalled()) items.PushBack(HSCPlazLocalDBWriter::toRecord(document, *item), document.GetAllocator());
     Json::AddGenericValueProperty(document, record, Key::items, items);
     return record;
 }
@@ -74,7 +78,7 @@ bool HSCPlazLocalDBWriter::write(const std::string& file, HSCPlazQStoreModel* mo
     addText(document, plaz, Key::release, running.version);
     HSCPlazDebugLog::within(operation, " store is product specific writing the local db file.");
     Value stores(rapidjson::kArrayType);
-    stores.PushBack(toRecord(document, *model), document.GetAllocator());
+    stores.PushBack(toStoreRecord(document, *model), document.GetAllocator());
     Json::AddGenericValueProperty(document, plaz, Key::qstores, stores);
     addText(document, plaz, Key::majorVersion, m_version);
     addText(document, plaz, Key::minorVersion, m_version);

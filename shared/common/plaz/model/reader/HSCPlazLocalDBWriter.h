@@ -3,6 +3,8 @@
 #include "plaz/model/HSCPlazQStoreModel.h"
 #include "plaz/model/reader/HSCPlazJsonWriter.h"
 
+#include <rapidjson/document.h>
+
 /// Writes the local installation database of one store.
 ///
 /// RATIONALE: "_minor" carries the major version too: tools that read the file compare the two and know no other
@@ -17,6 +19,9 @@ public:
     /// @return false for a null model and a store that is not product specific, for which nothing is written, and when
     ///         the file cannot be written; the old file then stays as it was
     bool write(const std::string& file, HSCPlazQStoreModel* model) override;
+
+    /// One installed item as a database records it.
+    static rapidjson::Value toRecord(rapidjson::Document& document, const HSCPlazQItemModel& item);
 
 private:
     std::string m_version;

@@ -20,11 +20,11 @@ using HSCPlazGitTrace::trace;
 
 namespace {
 
-/// One item on its way from a repository to its place.
-class Installation {
+/// One item on its way out of a repository.
+class Fetch {
 public:
-    Installation(const HSCPlazGitStore& store, const HSCPlazQItemModel& item, const HSCPlazGitInstall::Place& place,
-                 HSCPlazReport& report)
+    Fetch(const HSCPlazGitStore& store, const HSCPlazQItemModel& item, const HSCPlazGitInstall::Place& place,
+          HSCPlazReport& report)
         : m_store(store), m_item(item), m_place(place), m_staging(store.layout.getStaging()), m_report(report) {}
 
     bool run() {
@@ -36,7 +36,7 @@ public:
         if (!checkOut()) return false;
         const std::string source = (fs::path(m_staging) / m_item.getRoot()).generic_string();
         verify(source);
-        return place(source) || tellNotWritable(m_place.directory);
+        return takeIn(source) || tellNotWritable(m_place.incoming);
     }
 
 private:
@@ -102,21 +102,10 @@ private:
 
     // The staging directory goes anyway, so its files are moved where both places lie on one file system. What a copy
     // would leave out is left out.
-    static bool takeIn(const std::string& source, const std::string& incoming) {
+    bool takeIn(const std::string& source) const {
         HSCPlazStoreLayout::unmark(source);
-        return HUTFile::replaceDirectory(source, incoming) || copyWithoutRepository(source, incoming);
-    }
-
-    bool place(const std::string& source) const {
-        trace("copying qitem.\n source: ", source, "\n destination: ", m_place.directory);
-        // The folder of an item without a revision holds those of its revisions, which must not go with the old files.
-        if (m_store.model.isMultiRevisionSupported() && m_item.getRevision().empty())
-            return copyWithoutRepository(source, m_place.directory);
-
-        const HSCPlazGitRemoved incoming(m_place.incoming);
-        return HUTFile::rmRecursive(incoming.getName()) && takeIn(source, incoming.getName()) &&
-               HUTFile::mkDirRecursive(fs::path(m_place.directory).parent_path().generic_string()) &&
-               HUTFile::replaceDirectory(incoming.getName(), m_place.directory);
+        return HUTFile::rmRecursive(m_place.incoming) &&
+               (HUTFile::replaceDirectory(source, m_place.incoming) || copyWithoutRepository(source, m_place.incoming));
     }
 
     const HSCPlazGitStore& m_store;
@@ -144,9 +133,23 @@ HSCPlazGitOutcome HSCPlazGitInstall::check(const HSCPlazQItemModel& item) {
     });
 }
 
-HSCPlazGitOutcome HSCPlazGitInstall::install(const HSCPlazGitStore& store, const HSCPlazQItemModel& item,
-                                             const Place& place) {
+HSCPlazGitOutcome HSCPlazGitInstall::fetch(const HSCPlazGitStore& store, const HSCPlazQItemModel& item,
+                                           const Place& place) {
     HSCPlazGitOutcome checked = check(item);
     if (!checked.isDone) return checked;
-    return HSCPlazGitOutcome::of([&](HSCPlazReport& report) { return Installation(store, item, place, report).run(); });
+    return HSCPlazGitOutcome::of([&](HSCPlazReport& report) { return Fetch(store, item, place, report).run(); });
+}
+
+HSCPlazGitOutcome HSCPlazGitInstall::install(const HSCPlazGitStore& store, const HSCPlazQItemModel& item,
+                                             const Place& place) {
+    const HSCPlazGitRemoved incoming(place.incoming);
+    HSCPlazGitOutcome fetched = fetch(store, item, place);
+    if (!fetched.isDone) return fetched;
+    trace("copying qitem.\n source: ", place.incoming, "\n destination: ", place.directory);
+    // The folder of an item without a revision holds those of its revisions, which must not go with the old files.
+    const bool isShared = store.model.isMultiRevisionSupported() && item.getRevision().empty();
+    fetched.isDone = isShared ? copyWithoutRepository(place.incoming, place.directory)
+                              : HUTFile::replaceDirectory(place.incoming, place.directory);
+    if (!fetched.isDone) fetched.report.add(Msg::dirNotWritable, MsgSeverity::error, place.directory);
+    return fetched;
 }

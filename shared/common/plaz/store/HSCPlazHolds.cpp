@@ -1,11 +1,11 @@
-#include "plaz/tasks/HSCPlazHolds.h"
+#include "plaz/store/HSCPlazHolds.h"
 
 #include "plaz/base/HSCPlazInstallationMode.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQItemDependency.h"
 #include "plaz/model/HSCPlazQStore.h"
-#include "plaz/tasks/HSCPlazDependencies.h"
+#include "plaz/store/HSCPlazDependencies.h"
 
 #include <boost/graph/adjacency_list.hpp>
 #include <boost/graph/strong_components.hpp>
@@ -22,9 +22,13 @@ namespace {
 using Node = std::size_t;
 using Nodes = std::vector<Node>;
 using Ways = std::int32_t;
-using HSCPlazHolds::add;
 
 constexpr std::size_t mostSteps = 1000000;
+
+/// The sum, or the largest number where it would not fit.
+Ways add(Ways a, Ways b) {
+    return static_cast<Ways>(std::min<std::int64_t>(std::int64_t{a} + b, std::numeric_limits<Ways>::max()));
+}
 
 /// Items that the user asked for, and what dependencies name, once for each name. A way runs from node to node.
 class Graph {
@@ -67,8 +71,7 @@ private:
     Node nodeOf(const HSCPlazQItemDependency& dependency) {
         const auto [known, isNew] = m_named.try_emplace(Dependencies::keyOf(dependency), m_nodes.size());
         if (!isNew) return known->second;
-        const HSCPlazFoundItem held = Dependencies::findHeld(m_hub, dependency);
-        return addNode(held ? held.item : Dependencies::findInstalled(m_hub, dependency).item, 0);
+        return addNode(Dependencies::findInstalled(m_hub, dependency).item, 0);
     }
 
     void expand(Node node) {
@@ -148,11 +151,6 @@ private:
 
 } // namespace
 
-std::int32_t HSCPlazHolds::add(std::int32_t a, std::int32_t b) {
-    return static_cast<std::int32_t>(
-        std::min<std::int64_t>(std::int64_t{a} + b, std::numeric_limits<std::int32_t>::max()));
-}
-
 HSCPlazHolds::Counts HSCPlazHolds::count(const HSCPlaz& hub) {
     const auto ways = Graph(hub).count();
     Counts counts;
@@ -163,4 +161,14 @@ HSCPlazHolds::Counts HSCPlazHolds::count(const HSCPlaz& hub) {
             counts.emplace_back(item, found == ways.end() ? 0 : found->second);
         }
     return counts;
+}
+
+std::set<HSCPlazQStore*> HSCPlazHolds::apply(const HSCPlaz& hub) {
+    std::set<HSCPlazQStore*> changed;
+    for (const auto& [item, ways] : count(hub)) {
+        if (item->getReferenceCount() == ways) continue;
+        item->setReferenceCount(ways);
+        changed.insert(item->getStore());
+    }
+    return changed;
 }

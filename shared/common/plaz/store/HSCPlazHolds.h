@@ -1,11 +1,13 @@
 #pragma once
 
 #include <cstdint>
+#include <set>
 #include <utility>
 #include <vector>
 
 class HSCPlaz;
 class HSCPlazQItem;
+class HSCPlazQStore;
 
 /// Who is needed by how many: derived from what is installed, for whom, and what the descriptions of that name.
 ///
@@ -19,8 +21,7 @@ namespace HSCPlazHolds {
 using Counts = std::vector<std::pair<HSCPlazQItem*, std::int32_t>>;
 
 Counts count(const HSCPlaz& hub);
-
-/// The sum, or the largest number where it would not fit.
-std::int32_t add(std::int32_t a, std::int32_t b);
+/// Gives each installed item its number. @return the stores in which one has changed
+std::set<HSCPlazQStore*> apply(const HSCPlaz& hub);
 
 } // namespace HSCPlazHolds

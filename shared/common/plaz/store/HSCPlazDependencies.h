@@ -1,12 +1,20 @@
 #pragma once
 
-#include "plaz/tasks/HSCPlazItemFiles.h"
-
 #include <set>
 #include <string>
 
 class HSCPlaz;
+class HSCPlazQItem;
 class HSCPlazQItemDependency;
+class HSCPlazQStore;
+class HSCPlazUserPref;
+
+/// An item of the hub together with its store; false where there is none.
+struct HSCPlazFoundItem {
+    HSCPlazQStore* store = nullptr;
+    HSCPlazQItem* item = nullptr;
+    explicit operator bool() const;
+};
 
 /// How dependencies name items, and which item of the hub is meant.
 namespace HSCPlazDependencies {
@@ -20,10 +28,11 @@ HSCPlazFoundItem findByName(const HSCPlaz& hub, const std::string& store, const 
                             const std::string& revision);
 /// What the catalog offers for a dependency.
 HSCPlazFoundItem findOffered(const HSCPlaz& hub, const HSCPlazQItemDependency& dependency);
-/// The installed item that serves a dependency. The catalog may have moved on since it was installed: where any
-/// revision serves, and where there is only one at a time, it is the one that is there.
+/// The installed item that serves a dependency: in a store that keeps several revisions the one that is named, else the
+/// newest that is installed. The newest is the first in the catalog's order; those that it does not list come after
+/// those that it does, the one of the higher number first.
 HSCPlazFoundItem findInstalled(const HSCPlaz& hub, const HSCPlazQItemDependency& dependency);
-/// The same among those that something holds.
-HSCPlazFoundItem findHeld(const HSCPlaz& hub, const HSCPlazQItemDependency& dependency);
+/// Whether nothing that an installed item needs is missing, at however many steps.
+bool areComplete(const HSCPlaz& hub, const HSCPlazQItem& item, const HSCPlazUserPref& userPref);
 
 } // namespace HSCPlazDependencies

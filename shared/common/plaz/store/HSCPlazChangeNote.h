@@ -1,0 +1,36 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+class HSCPlazQItemModel;
+
+/// What a task is about to do to one item.
+struct HSCPlazPendingChange {
+    std::string store;
+    /// The item as it will be recorded; of one that goes, as it was.
+    std::shared_ptr<const HSCPlazQItemModel> item;
+    bool isInstalled = false; ///< afterwards
+    /// Of the directory that will be in the item's place (HUTFile::getIdentity); empty where its files stay.
+    std::string identity;
+};
+
+/// The note of a change under way. It is there from before the first file of a task changes its place until all that
+/// belongs to the task is done, so that whoever finds it knows that a task was cut short, and how far it had come. It
+/// belongs to whoever holds the hub's lock.
+class HSCPlazChangeNote {
+public:
+    /// @param file  need not exist
+    explicit HSCPlazChangeNote(std::string file) : m_file(std::move(file)) {}
+
+    const std::string& getFile() const { return m_file; }
+    bool exists() const;
+    /// In the place of an earlier one. @return false when it could not be written
+    bool write(const HSCPlazPendingChange& change) const;
+    /// A note that says nothing that can be used gives a change without an item.
+    HSCPlazPendingChange read() const;
+    bool forget() const;
+
+private:
+    std::string m_file;
+};

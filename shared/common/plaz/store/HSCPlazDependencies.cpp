@@ -1,0 +1,86 @@
+#include "plaz/store/HSCPlazDependencies.h"
+
+#include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazQItem.h"
+#include "plaz/model/HSCPlazQItemDependency.h"
+#include "plaz/model/HSCPlazQItemModel.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/store/HSCPlazInstalledFiles.h"
+#include "support/HUTText.h"
+
+#include <algorithm>
+
+namespace {
+
+std::string keyOf(const std::string& store, const std::string& item, const std::string& revision) {
+    return store + "::" + item + "::" + revision;
+}
+
+bool isNewer(const HSCPlazQItem& item, const HSCPlazQItem& than) {
+    const bool isListed = item.getModel()->isListed();
+    if (isListed != than.getModel()->isListed()) return isListed;
+    return !isListed && HUTText::compareNumbers(item.getRevision(), than.getRevision()) > 0;
+}
+
+HSCPlazQItem* findNewestInstalled(const HSCPlazQStore& store, const std::string& name) {
+    HSCPlazQItem* newest = nullptr;
+    for (HSCPlazQItem* item : store.getItems(name))
+        if (item->IsInstalled() && (!newest || isNewer(*item, *newest))) newest = item;
+    return newest;
+}
+
+bool areComplete(const HSCPlaz& hub, const HSCPlazQItem& item, const HSCPlazUserPref& userPref,
+                 std::set<const HSCPlazQItem*>& seen) {
+    const auto& dependencies = item.getItemDependencies();
+    return std::all_of(dependencies.begin(), dependencies.end(), [&](const HSCPlazQItemDependency* dependency) {
+        const HSCPlazFoundItem found = HSCPlazDependencies::findInstalled(hub, *dependency);
+        if (!found || !HSCPlazInstalledFiles::areThere(found.item, found.store, userPref)) return false;
+        return !seen.insert(found.item).second || areComplete(hub, *found.item, userPref, seen);
+    });
+}
+
+} // namespace
+
+HSCPlazFoundItem::operator bool() const {
+    return item != nullptr && item->getModel() != nullptr;
+}
+
+std::string HSCPlazDependencies::keyOf(const HSCPlazQItemDependency& dependency) {
+    return ::keyOf(dependency.getStore(), dependency.getItem(), dependency.getRevision());
+}
+
+std::set<std::string> HSCPlazDependencies::keysOf(const HSCPlazQItem& item) {
+    const std::string revision = item.getRevision();
+    std::set<std::string> keys{item.getCompany() + "::" + item.getName(),
+                               ::keyOf(item.getStoreName(), item.getName(), revision)};
+    const bool isMeantByName = revision.empty() || revision == item.getLatestRevision() || !item.getStore() ||
+                               !item.getStore()->IsMultiRevisionSupported();
+    if (isMeantByName) keys.insert(::keyOf(item.getStoreName(), item.getName(), ""));
+    return keys;
+}
+
+HSCPlazFoundItem HSCPlazDependencies::findByName(const HSCPlaz& hub, const std::string& store, const std::string& name,
+                                                 const std::string& revision) {
+    HSCPlazQStore* owner = hub.getStore(store);
+    if (!owner) return {};
+    return {owner, revision.empty() ? owner->getItem(name) : owner->getItem(name, revision)};
+}
+
+HSCPlazFoundItem HSCPlazDependencies::findOffered(const HSCPlaz& hub, const HSCPlazQItemDependency& dependency) {
+    return findByName(hub, dependency.getStore(), dependency.getItem(), dependency.getRevision());
+}
+
+HSCPlazFoundItem HSCPlazDependencies::findInstalled(const HSCPlaz& hub, const HSCPlazQItemDependency& dependency) {
+    const HSCPlazFoundItem named = findOffered(hub, dependency);
+    if (!named.store) return {};
+    if (!dependency.getRevision().empty()) {
+        if (named && named.item->IsInstalled()) return named;
+        if (named.store->IsMultiRevisionSupported()) return {};
+    }
+    return {named.store, findNewestInstalled(*named.store, dependency.getItem())};
+}
+
+bool HSCPlazDependencies::areComplete(const HSCPlaz& hub, const HSCPlazQItem& item, const HSCPlazUserPref& userPref) {
+    std::set<const HSCPlazQItem*> seen;
+    return ::areComplete(hub, item, userPref, seen);
+}

@@ -1,0 +1,297 @@
+#include "plaz/tasks/HSCPlazItemChanges.h"
+
+#include "plaz/base/HSCPlazMsg.h"
+#include "plaz/model/HSCPlazQItem.h"
+#include "plaz/model/HSCPlazQItemModel.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/repo/git/HSCPlazGitRemoved.h"
+#include "plaz/store/HSCPlazHolds.h"
+#include "plaz/store/HSCPlazInstalledItems.h"
+#include "plaz/store/HSCPlazInstalledState.h"
+#include "plaz/store/HSCPlazWorkspace.h"
+#include "plaz/tasks/HSCPlazItemFiles.h"
+#include "plaz/tasks/HSCPlazTask.h"
+#include "support/HUTFile.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+using Mode = HSCPlazInstallationMode;
+namespace Files = HSCPlazItemFiles;
+
+namespace {
+
+/// Other revisions whose place an item takes in a store that keeps one.
+std::vector<HSCPlazQItem*> findReplaced(const HSCPlazFoundItem& found) {
+    std::vector<HSCPlazQItem*> replaced;
+    if (found.store->IsMultiRevisionSupported()) return replaced;
+    for (HSCPlazQItem* other : found.store->getItems(found.item->getName()))
+        if (other != found.item && other->IsInstalled()) replaced.push_back(other);
+    return replaced;
+}
+
+std::string incomingOf(const HSCPlazTask& task, const HSCPlazQStore& store) {
+    return task.getWorkspace().paths.getStoreLayout(*store.getModel()).getIncoming();
+}
+
+/// What a record says of the item.
+std::shared_ptr<HSCPlazQItemModel> toRecord(const HSCPlazQItemModel& item) {
+    auto record = std::make_shared<HSCPlazQItemModel>();
+    record->setName(item.getName());
+    record->setCompany(item.getCompany());
+    record->setRevision(item.getRevision());
+    record->setCommitId(item.getInstalledCommitId());
+    record->setInstallationMode(item.getInstallationMode());
+    return record;
+}
+
+/// Back to where they were. @param incoming  what was put in its place came from there
+bool undo(const std::string& incoming, const std::string& dir) {
+    return HUTFile::exists(incoming) ? HUTFile::exchangeDirectories(incoming, dir) : HUTFile::rename(dir, incoming);
+}
+
+/// A directory of an item, whatever a note says.
+bool isInside(const HSCPlazTask& task, const HSCPlazQStore& store, const std::string& dir) {
+    const HSCPlazStoreLayout layout = task.getWorkspace().paths.getStoreLayout(*store.getModel());
+    return !dir.empty() && HUTFile::isBeneath(layout.getArea(), dir) && !HUTFile::isAKA(layout.getArea(), dir) &&
+           !HUTFile::isBeneath(layout.getHiddenDir(), dir);
+}
+
+/// Whether the new files are in the item's place, or only have to be put there: where directories cannot change places
+/// in one step, a process may have ended between two of them.
+bool bringIntoPlace(const HSCPlazPendingChange& change, const std::string& incoming) {
+    const std::string dir = change.item->getLocalDir();
+    if (change.identity.empty()) return true;
+    if (!HUTFile::exists(dir)) {
+        const bool isComing = HUTFile::getIdentity(incoming) == change.identity;
+        HUTFile::rename(isComing ? incoming : HUTFile::getAside(incoming), dir);
+    }
+    return HUTFile::getIdentity(dir) == change.identity;
+}
+
+bool isRecorded(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change) {
+    if (!found || !found.item->IsInstalled()) return !change.isInstalled;
+    const HSCPlazQItemModel& item = *found.item->getModel();
+    return change.isInstalled && item.getInstalledCommitId() == change.item->getCommitId() &&
+           item.getLocalDir() == change.item->getLocalDir() &&
+           item.getInstallationMode() == change.item->getInstallationMode();
+}
+
+/// What interrupted tasks have left in the stores' areas.
+void removeLeftovers(const HSCPlazTask& task) {
+    for (const HSCPlazQStore* store : task.getHub().getStores()) {
+        if (!store->isProductSpecific()) continue;
+        const HSCPlazStoreLayout layout = task.getWorkspace().paths.getStoreLayout(*store->getModel());
+        for (const std::string& leftover :
+             {layout.getStaging(), layout.getIncoming(), HUTFile::getAside(layout.getIncoming())})
+            if (HUTFile::exists(leftover)) HUTFile::rmRecursive(leftover);
+        for (const std::string& dir : {layout.getArea(), layout.getHiddenDir(), layout.getIndex()})
+            HUTFile::removeTemporaries(dir);
+    }
+    HUTFile::removeTemporaries(task.getWorkspace().paths.getUserAreaRoot());
+}
+
+const HSCPlazQItem* findUndescribed(const HSCPlaz& hub) {
+    for (const HSCPlazQStore* store : hub.getStores())
+        for (const HSCPlazQItem* item : store->getItems())
+            if (item->IsInstalled() && item->getMode() != Mode::none && !item->getModel()->isDescribedByItself())
+                return item;
+    return nullptr;
+}
+
+HSCPlazFoundItem findUnneeded(const HSCPlaz& hub, const std::set<const HSCPlazQItem*>& without) {
+    for (HSCPlazQStore* store : hub.getStores())
+        for (HSCPlazQItem* item : store->getItems())
+            if (item->IsInstalled() && item->getMode() == Mode::tool && item->getReferenceCount() == 0 &&
+                without.count(item) == 0)
+                return {store, item};
+    return {};
+}
+
+} // namespace
+
+HSCPlazItemChanges::HSCPlazItemChanges(HSCPlazTask& task)
+    : m_task(task), m_note(task.getWorkspace().paths.getChangeFile()) {}
+
+bool HSCPlazItemChanges::run(HSCPlazTask& task, const std::function<bool(HSCPlazItemChanges&)>& work,
+                             const HSCPlazQStore* only) {
+    return task.run([&] { return runLocked(task, work); }, only);
+}
+
+void HSCPlazItemChanges::finishAtStart(HSCPlazWorkspace& workspace) {
+    const HSCPlazChangeNote note(workspace.paths.getChangeFile());
+    if (!note.exists() || !HUTFile::isWriteable(note.getFile())) return;
+    HSCPlazTask task(workspace, *workspace.hub, nullptr);
+    const auto nothing = [](HSCPlazItemChanges&) { return true; };
+    task.guard([&] { return task.runIfFree([&] { return runLocked(task, nothing); }); });
+}
+
+bool HSCPlazItemChanges::runLocked(HSCPlazTask& task, const std::function<bool(HSCPlazItemChanges&)>& work) {
+    HSCPlazItemChanges changes(task);
+    changes.finishInterrupted();
+    removeLeftovers(task);
+    bool isDone = false;
+    try {
+        isDone = work(changes);
+    } catch (...) {
+        changes.end();
+        throw;
+    }
+    return changes.end() && isDone;
+}
+
+bool HSCPlazItemChanges::install(const HSCPlazFoundItem& found, Mode mode, bool isAskedFor) {
+    if (!Files::areInPlace(m_task, found)) return fetch(found, mode, isAskedFor);
+    const HSCPlazPendingChange change = toInstallation(found, mode);
+    if (!m_note.write(change)) return m_task.fail(Msg::databaseNotSaved, m_note.getFile());
+    if (!record(found, change)) return giveUp(*found.store);
+    found.item->setSource(HSCPlazTypes::LOCAL);
+    return true;
+}
+
+bool HSCPlazItemChanges::fetch(const HSCPlazFoundItem& found, Mode mode, bool isAskedFor) {
+    const HSCPlazGitRemoved incoming(incomingOf(m_task, *found.store)); // the old files, in the end
+    if (!Files::fetch(m_task, found, isAskedFor)) return false;
+    const HSCPlazPendingChange change = toInstallation(found, mode);
+    if (!put(found, change, {Msg::dirNotWritable, MsgSeverity::error, change.item->getLocalDir()})) return false;
+    found.item->setSource(HSCPlazTypes::REPOSITORY);
+    return true;
+}
+
+bool HSCPlazItemChanges::remove(const HSCPlazFoundItem& found) {
+    const std::string dir = Files::removableDirectory(m_task, found);
+    const std::string name = found.item->getName();
+    if (dir.empty()) return m_task.fail(Msg::removalRefused, name, found.item->getLocalRootDir());
+    const HSCPlazPendingChange change = toRemoval(found, dir);
+    if (!HUTFile::exists(dir)) return (m_note.write(change) && record(found, change)) || giveUp(*found.store);
+    const HSCPlazGitRemoved incoming(incomingOf(m_task, *found.store)); // the old files, in the end
+    if (!Files::makeRemains(m_task, found, dir)) return false;
+    if (!put(found, change, {Msg::removalIncomplete, MsgSeverity::error, name, dir})) return false;
+    if (HUTFile::createFileIter(dir).empty()) HUTFile::rmRecursive(dir);
+    return true;
+}
+
+bool HSCPlazItemChanges::setMode(const HSCPlazFoundItem& found, Mode mode) {
+    found.item->getModel()->setMode(mode);
+    return save(*found.store) || giveUp(*found.store);
+}
+
+HSCPlazPendingChange HSCPlazItemChanges::toInstallation(const HSCPlazFoundItem& found, Mode mode) const {
+    const auto isUsers = [](const HSCPlazQItem& item) { return item.IsInstalled() && item.getMode() == Mode::user; };
+    const std::vector<HSCPlazQItem*> replaced = findReplaced(found);
+    const bool wasUsers = isUsers(*found.item) || std::any_of(replaced.begin(), replaced.end(),
+                                                              [&](const auto* other) { return isUsers(*other); });
+    const auto item = toRecord(*found.item->getModel());
+    item->setCommitId(found.item->getModel()->getCommitId());
+    item->setLocalDir(Files::directoryOf(m_task.getWorkspace(), found));
+    item->setMode(wasUsers ? Mode::user : mode);
+    return {found.store->getName(), item, true, ""};
+}
+
+HSCPlazPendingChange HSCPlazItemChanges::toRemoval(const HSCPlazFoundItem& found, const std::string& dir) {
+    const auto item = toRecord(*found.item->getModel());
+    item->setLocalDir(dir);
+    return {found.store->getName(), item, false, ""};
+}
+
+bool HSCPlazItemChanges::put(const HSCPlazFoundItem& found, HSCPlazPendingChange change,
+                             const HSCPlazReport& obstacle) {
+    const std::string incoming = incomingOf(m_task, *found.store);
+    const std::string dir = change.item->getLocalDir();
+    change.identity = HUTFile::getIdentity(incoming);
+    if (!HUTFile::flush(incoming)) return m_task.fail(Msg::dirNotWritable, incoming);
+    if (!m_note.write(change)) return m_task.fail(Msg::databaseNotSaved, m_note.getFile());
+    if (!HUTFile::exchangeDirectories(incoming, dir)) return m_task.fail(obstacle);
+    if (record(found, change)) return true;
+    m_isStuck = !undo(incoming, dir);
+    return giveUp(*found.store);
+}
+
+bool HSCPlazItemChanges::record(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change) {
+    if (change.isInstalled) {
+        for (HSCPlazQItem* other : findReplaced(found)) other->getModel()->clearInstallation();
+        HSCPlazInstalledItems(*found.store->getModel(), m_task.getWorkspace().paths).apply(*change.item);
+        Files::describe(m_task, found);
+    } else {
+        found.item->getModel()->clearInstallation();
+        restoreShipped(found);
+    }
+    return save(*found.store);
+}
+
+bool HSCPlazItemChanges::save(HSCPlazQStore& store) {
+    HSCPlazWorkspace& workspace = m_task.getWorkspace();
+    std::set<HSCPlazQStore*> others = HSCPlazHolds::apply(m_task.getHub());
+    others.erase(&store);
+    const auto write = [&](HSCPlazQStore& changed) {
+        const std::string unwritten = workspace.databases.write(m_task.getHub(), changed);
+        return unwritten.empty() || m_task.fail(Msg::databaseNotSaved, unwritten);
+    };
+    if (!write(store)) return false;
+    // What is derived can be derived again; that it is not on the disk is told all the same.
+    for (HSCPlazQStore* other : others) m_isSound = write(*other) && m_isSound;
+    return true;
+}
+
+bool HSCPlazItemChanges::giveUp(HSCPlazQStore& store) {
+    HSCPlazReport report;
+    HSCPlazInstalledState(m_task.getWorkspace(), report).takeOver(store);
+    m_task.mention(report);
+    return false;
+}
+
+void HSCPlazItemChanges::restoreShipped(const HSCPlazFoundItem& found) const {
+    const auto shipped = m_task.getWorkspace().userPref.getDataPath(found.store->getName());
+    if (shipped.empty() || found.item->getMetadataFile().empty()) return;
+    if (!HUTFile::exists((shipped / found.item->getRoot() / found.item->getMetadataFile()).generic_string())) return;
+    found.item->IsInstalled(true);
+    found.item->NeedsRefresh(true);
+}
+
+void HSCPlazItemChanges::finishInterrupted() {
+    if (!m_note.exists()) return;
+    const HSCPlazPendingChange change = m_note.read();
+    HSCPlazQStore* store = m_task.getHub().getStore(change.store);
+    if (!change.item || !store || !isInside(m_task, *store, change.item->getLocalDir())) return;
+    const std::string name = change.item->getName();
+    if (!bringIntoPlace(change, incomingOf(m_task, *store))) {
+        m_task.tell(Msg::changeUndone, MsgSeverity::warning, name);
+        return;
+    }
+    const HSCPlazFoundItem known{store, store->getItem(name, change.item->getRevision())};
+    if (isRecorded(known, change)) return;
+    if (!known && change.isInstalled) {
+        // What the catalog has left out meanwhile is listed because it is installed.
+        HSCPlazInstalledItems(*store->getModel(), m_task.getWorkspace().paths).apply(*change.item);
+        HSCPlazInstalledState::addMissingItems(*store);
+    }
+    const HSCPlazFoundItem found{store, store->getItem(name, change.item->getRevision())};
+    m_isStuck = found && !record(found, change);
+    if (!m_isStuck) m_task.tell(Msg::changeFinished, MsgSeverity::warning, name);
+}
+
+bool HSCPlazItemChanges::removeUnneeded() {
+    HSCPlazFoundItem unneeded = findUnneeded(m_task.getHub(), m_obstinate);
+    const HSCPlazQItem* undescribed = unneeded ? findUndescribed(m_task.getHub()) : nullptr;
+    if (undescribed) {
+        if (!std::exchange(m_isKeepingTold, true))
+            m_task.tell(Msg::needsUnknown, MsgSeverity::warning, Files::shownName(*undescribed));
+        return true;
+    }
+    for (; unneeded; unneeded = findUnneeded(m_task.getHub(), m_obstinate)) {
+        const std::string name = unneeded.item->getName();
+        if (remove(unneeded))
+            m_task.tellNews(Msg::dependencyRemoved, name);
+        else
+            m_obstinate.insert(unneeded.item);
+    }
+    return m_obstinate.empty();
+}
+
+bool HSCPlazItemChanges::end() {
+    if (!m_note.exists()) return m_isSound;
+    const bool areGone = removeUnneeded();
+    if (!m_isStuck) m_note.forget();
+    return areGone && m_isSound && !m_isStuck;
+}

@@ -1,0 +1,73 @@
+#pragma once
+
+#include "plaz/base/HSCPlazInstallationMode.h"
+#include "plaz/store/HSCPlazChangeNote.h"
+#include "plaz/store/HSCPlazDependencies.h"
+
+#include <functional>
+#include <set>
+#include <string>
+
+class HSCPlazQItemModel;
+class HSCPlazReport;
+class HSCPlazTask;
+struct HSCPlazWorkspace;
+
+/// The one road by which what is installed changes. What is kept of an item are a few facts: its revision, its commit,
+/// its directory, and whether the user asked for it. All else is derived from these and from the installed metadata
+/// files at each save.
+///
+/// Every change goes in this order: the new files, complete and checked, lie in a directory of their own and are on the
+/// disk; a note says what is about to happen; the directory changes places with the old one; the database is written;
+/// the old files go. A process may end at any point: who finds the note finishes what had come into place and forgets
+/// what had not. The note stays until the end of the task, since what nobody needs any more goes then.
+class HSCPlazItemChanges {
+public:
+    /// Does a task's work as HSCPlazTask::run does, after a task that was cut short has been brought to its end, and
+    /// lets what nobody asked for and nobody needs go afterwards.
+    /// @return false also where something that should have been removed or recorded was not; the reason has been told
+    static bool run(HSCPlazTask& task, const std::function<bool(HSCPlazItemChanges& changes)>& work,
+                    const HSCPlazQStore* only = nullptr);
+
+    /// Brings a task that was cut short to its end when the hub is first used, where that is possible at once: nobody
+    /// is waited for, and an area that cannot be written to is left as it is.
+    static void finishAtStart(HSCPlazWorkspace& workspace);
+
+    HSCPlazItemChanges(const HSCPlazItemChanges&) = delete;
+    HSCPlazItemChanges& operator=(const HSCPlazItemChanges&) = delete;
+
+    /// Installs an item: takes over files that are this very item, else fetches them. In a store that keeps one
+    /// revision of an item it takes the place of another one.
+    /// @param mode        for whom, unless the user had asked for it, or for what it replaces
+    /// @param isAskedFor  the user asked for the item itself
+    bool install(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode, bool isAskedFor);
+    /// The same without looking whether files are there.
+    bool fetch(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode, bool isAskedFor);
+    bool remove(const HSCPlazFoundItem& found);
+    /// Says for whom an installed item is there.
+    bool setMode(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode);
+    /// Removes what nobody asked for and nobody needs (Msg::dependencyRemoved), as the end of the task does. Nothing
+    /// goes while what an installed item needs is not known (Msg::needsUnknown).
+    /// @return false when something stays that should go; the reason has been told
+    bool removeUnneeded();
+
+private:
+    static bool runLocked(HSCPlazTask& task, const std::function<bool(HSCPlazItemChanges& changes)>& work);
+    explicit HSCPlazItemChanges(HSCPlazTask& task);
+    HSCPlazPendingChange toInstallation(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode) const;
+    static HSCPlazPendingChange toRemoval(const HSCPlazFoundItem& found, const std::string& dir);
+    bool put(const HSCPlazFoundItem& found, HSCPlazPendingChange change, const HSCPlazReport& obstacle);
+    bool record(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change);
+    bool save(HSCPlazQStore& store);
+    bool giveUp(HSCPlazQStore& store);
+    void restoreShipped(const HSCPlazFoundItem& found) const;
+    void finishInterrupted();
+    bool end();
+
+    HSCPlazTask& m_task;
+    const HSCPlazChangeNote m_note;
+    bool m_isSound = true;  ///< all that was to be recorded was
+    bool m_isStuck = false; ///< the note has to stay
+    bool m_isKeepingTold = false;
+    std::set<const HSCPlazQItem*> m_obstinate; ///< what could not be removed
+};
