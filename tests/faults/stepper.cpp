@@ -1,0 +1,359 @@
+// Runs a program and brings in one fault, just before the N-th call by which it or a child would change a file.
+//
+//   stepper [--count] [--at N] [--do FAULT] [--kind write|open] [--children|--alone] [--report FILE] -- PROGRAM ARG...
+//
+//   --count      print how many such calls there were, when all have ended
+//   --at N       where the fault comes in, counted from 1
+//   --do FAULT   kill       the program alone is killed; its children live on, as they do where people kill it
+//                kill-all   the program and all that it has started are killed
+//                interrupt  the program's process group gets SIGINT, as by Ctrl-C
+//                ENOSPC, EIO, EACCES, EMFILE, EROFS  the call fails with that error
+//   --kind open  count each opening of a file or directory instead, also for reading
+//   --children   count the calls of all processes (default); --alone: those of the program itself
+//   --report F   a line for each call that was counted, up to the fault's; so N lines say that it came in
+//
+// Calls on pipes, sockets, devices and /proc do not count, nor do those that change nothing because what they name is
+// not there, or is there already. The end comes when the last process has ended, with the program's exit status, or
+// with 128 and the number of the signal that ended it.
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <fstream>
+#include <iostream>
+#include <map>
+#include <set>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include <fcntl.h>
+#include <linux/audit.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/ptrace.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/uio.h>
+#include <sys/user.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+/// What a call works on, and so when it counts.
+enum class Works {
+    descriptor, ///< on an open file
+    onOld,      ///< on a path where something is
+    onNew,      ///< on a path where nothing is yet
+    opening     ///< on a path, and flags say whether it may change what is there
+};
+
+constexpr int none = -1;
+
+struct Call {
+    long number;
+    const char* name;
+    Works works;
+    int directory;     ///< which argument is the directory that a path begins at, or the open file
+    int path;          ///< which argument is the path
+    int second = none; ///< which argument is the flags of an opening, or the new path of a renaming
+};
+
+constexpr long openat2 = 437, fchmodat2 = 452; // younger than some systems' headers
+
+constexpr std::array calls{
+    Call{SYS_open, "open", Works::opening, none, 0, 1},
+    Call{SYS_creat, "creat", Works::opening, none, 0},
+    Call{SYS_openat, "openat", Works::opening, 0, 1, 2},
+    Call{openat2, "openat2", Works::opening, 0, 1, 2},
+    Call{SYS_write, "write", Works::descriptor, 0, none},
+    Call{SYS_pwrite64, "pwrite", Works::descriptor, 0, none},
+    Call{SYS_writev, "writev", Works::descriptor, 0, none},
+    Call{SYS_pwritev, "pwritev", Works::descriptor, 0, none},
+    Call{SYS_pwritev2, "pwritev2", Works::descriptor, 0, none},
+    Call{SYS_sendfile, "sendfile", Works::descriptor, 0, none},
+    Call{SYS_copy_file_range, "copy_file_range", Works::descriptor, 2, none},
+    Call{SYS_ftruncate, "ftruncate", Works::descriptor, 0, none},
+    Call{SYS_fallocate, "fallocate", Works::descriptor, 0, none},
+    Call{SYS_fsync, "fsync", Works::descriptor, 0, none},
+    Call{SYS_fdatasync, "fdatasync", Works::descriptor, 0, none},
+    Call{SYS_fchmod, "fchmod", Works::descriptor, 0, none},
+    Call{SYS_truncate, "truncate", Works::onOld, none, 0},
+    Call{SYS_rename, "rename", Works::onOld, none, 0, 1},
+    Call{SYS_renameat, "renameat", Works::onOld, 0, 1, 3},
+    Call{SYS_renameat2, "renameat2", Works::onOld, 0, 1, 3},
+    Call{SYS_unlink, "unlink", Works::onOld, none, 0},
+    Call{SYS_unlinkat, "unlinkat", Works::onOld, 0, 1},
+    Call{SYS_rmdir, "rmdir", Works::onOld, none, 0},
+    Call{SYS_chmod, "chmod", Works::onOld, none, 0},
+    Call{SYS_fchmodat, "fchmodat", Works::onOld, 0, 1},
+    Call{fchmodat2, "fchmodat2", Works::onOld, 0, 1},
+    Call{SYS_utimensat, "utimensat", Works::onOld, 0, 1},
+    Call{SYS_link, "link", Works::onNew, none, 1},
+    Call{SYS_linkat, "linkat", Works::onNew, 2, 3},
+    Call{SYS_mkdir, "mkdir", Works::onNew, none, 0},
+    Call{SYS_mkdirat, "mkdirat", Works::onNew, 0, 1},
+    Call{SYS_symlink, "symlink", Works::onNew, none, 1},
+    Call{SYS_symlinkat, "symlinkat", Works::onNew, 1, 2},
+};
+
+const std::map<std::string, int> errors{
+    {"ENOSPC", ENOSPC}, {"EIO", EIO}, {"EACCES", EACCES}, {"EMFILE", EMFILE}, {"EROFS", EROFS}};
+
+struct Options {
+    bool prints = false, withChildren = true, openings = false;
+    long at = 0;
+    std::string fault = "kill", report = "/dev/null";
+    char** command = nullptr;
+};
+
+Options readOptions(char** args) {
+    Options options;
+    while (*++args != nullptr && std::string(*args) != "--") {
+        const std::string option = *args;
+        if (option == "--count")
+            options.prints = true;
+        else if (option == "--children" || option == "--alone")
+            options.withChildren = option == "--children";
+        else if (args[1] == nullptr)
+            throw std::invalid_argument(option);
+        else if (option == "--at")
+            options.at = std::stol(*++args);
+        else if (option == "--do")
+            options.fault = *++args;
+        else if (option == "--kind")
+            options.openings = std::string(*++args) == "open";
+        else if (option == "--report")
+            options.report = *++args;
+        else
+            throw std::invalid_argument(option);
+    }
+    const std::set<std::string> ends{"kill", "kill-all", "interrupt"};
+    if (ends.count(options.fault) + errors.count(options.fault) == 0) throw std::invalid_argument(options.fault);
+    if (*args == nullptr || args[1] == nullptr) throw std::invalid_argument("no program");
+    options.command = args + 1;
+    return options;
+}
+
+/// A call at which a process is held.
+struct Held {
+    pid_t task;
+    user_regs_struct registers{};
+
+    explicit Held(pid_t held) : task(held) { ptrace(PTRACE_GETREGS, task, nullptr, &registers); }
+
+    unsigned long long get(int argument) const {
+        const std::array places{registers.rdi, registers.rsi, registers.rdx, registers.r10};
+        return places.at(static_cast<std::size_t>(argument));
+    }
+
+    /// Reads what an argument points to. @return how many bytes are there; a page further on may not be
+    std::size_t read(int argument, void* to, std::size_t size) const {
+        const std::uintptr_t address = get(argument);
+        const std::size_t inPage = std::min(size, 4096 - address % 4096);
+        std::size_t done = 0;
+        for (const std::size_t part : {inPage, size - inPage}) {
+            const iovec local{static_cast<char*>(to) + done, part};
+            const iovec remote{reinterpret_cast<void*>(address + done), part}; // NOLINT(performance-no-int-to-ptr)
+            if (part == 0 || process_vm_readv(task, &local, 1, &remote, 1, 0) != static_cast<ssize_t>(part)) break;
+            done += part;
+        }
+        return done;
+    }
+
+    std::string readText(int argument) const {
+        std::string text(PATH_MAX, '\0');
+        text.resize(read(argument, text.data(), text.size()));
+        return text.c_str();
+    }
+
+    void fail(int error) {
+        registers.orig_rax = static_cast<unsigned long long>(-1);
+        registers.rax = static_cast<unsigned long long>(-error);
+        ptrace(PTRACE_SETREGS, task, nullptr, &registers);
+    }
+};
+
+/// A file as a process names it.
+struct File {
+    std::string link; ///< in /proc, where the process's directories and open files lie; empty for an absolute path
+    std::string path; ///< from there; empty for an open file
+
+    std::string getName() const {
+        std::array<char, PATH_MAX> target{};
+        const ssize_t size = link.empty() ? 0 : readlink(link.c_str(), target.data(), target.size());
+        return std::string(target.data(), static_cast<std::size_t>(std::max<ssize_t>(size, 0))) + path;
+    }
+
+    mode_t getMode() const { // 0 where nothing is
+        struct stat found {};
+        const std::string place = link + path;
+        const int failure = path.empty() ? stat(place.c_str(), &found) : lstat(place.c_str(), &found);
+        return failure != 0 ? 0 : found.st_mode;
+    }
+};
+
+File findFile(const Held& held, const Call& call) {
+    const int descriptor = call.directory == none ? AT_FDCWD : static_cast<int>(held.get(call.directory));
+    const std::string link =
+        "/proc/" + std::to_string(held.task) + (descriptor == AT_FDCWD ? "/cwd" : "/fd/" + std::to_string(descriptor));
+    if (call.path == none || held.get(call.path) == 0) return {link, ""};
+    const std::string path = held.readText(call.path);
+    return path.front() == '/' ? File{"", path} : File{link, "/" + path};
+}
+
+bool mayChange(const Held& held, const Call& call) {
+    if (call.number == SYS_creat) return true;
+    std::uint64_t flags = held.get(call.second);
+    if (call.number == openat2) held.read(call.second, &flags, sizeof flags);
+    return (flags & (O_WRONLY | O_RDWR | O_CREAT | O_TRUNC)) != 0;
+}
+
+bool counts(const Held& held, const Call& call, const File& file, bool countsOpenings) {
+    if (countsOpenings && call.works != Works::opening) return false;
+    if (file.getName().rfind("/proc/", 0) == 0) return false;
+    const mode_t mode = file.getMode();
+    const bool isOld = mode != 0, isFile = S_ISREG(mode) || S_ISDIR(mode);
+    switch (call.works) {
+    case Works::onOld:
+        return isOld;
+    case Works::onNew:
+        return !isOld;
+    case Works::descriptor:
+        return isFile;
+    case Works::opening:
+        return (isFile || !isOld) && ((countsOpenings && isOld) || mayChange(held, call));
+    }
+    return false;
+}
+
+/// Lets nothing but the calls of the table stop the process, whoever it starts included.
+void filterCalls() {
+    std::vector<sock_filter> filter{BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr))};
+    for (const Call& call : calls) {
+        filter.push_back(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, static_cast<std::uint32_t>(call.number), 0, 1));
+        filter.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_TRACE));
+    }
+    filter.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW));
+    const sock_fprog program{static_cast<unsigned short>(filter.size()), filter.data()};
+    if (prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0 || prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &program) != 0)
+        _exit(126);
+}
+
+class Stepper {
+public:
+    explicit Stepper(Options given) : options(std::move(given)), report(options.report) {}
+
+    /// @return the status that the program ended with
+    int run() {
+        start();
+        int status = 0, result = 0;
+        for (pid_t task = 0; (task = waitpid(-1, &status, __WALL)) > 0;) {
+            if (WIFSTOPPED(status)) {
+                tasks.insert(task);
+                goOn(task, status >> 16, WSTOPSIG(status));
+            } else {
+                tasks.erase(task);
+                if (task == program) result = status;
+            }
+        }
+        if (options.prints) std::cout << count << '\n';
+        return WIFEXITED(result) ? WEXITSTATUS(result) : 128 + WTERMSIG(result);
+    }
+
+private:
+    void start() {
+        std::array<int, 2> gate{};
+        if (pipe2(gate.data(), O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
+        program = fork();
+        if (program == 0) {
+            char go = 0;
+            setpgid(0, 0); // Ctrl-C is for it alone
+            if (read(gate[0], &go, 1) != 1) _exit(126);
+            filterCalls();
+            execvp(*options.command, options.command);
+            _exit(127);
+        }
+        constexpr long follow = PTRACE_O_TRACESECCOMP | PTRACE_O_TRACEFORK | PTRACE_O_TRACEVFORK | PTRACE_O_TRACECLONE |
+                                PTRACE_O_TRACEEXEC | PTRACE_O_EXITKILL;
+        if (ptrace(PTRACE_SEIZE, program, nullptr, follow) != 0 || write(gate[1], "", 1) != 1)
+            throw std::runtime_error("the program cannot be traced");
+        tasks.insert(program);
+        close(gate[0]);
+        close(gate[1]);
+    }
+
+    void goOn(pid_t task, int event, int signal) {
+        if (event == PTRACE_EVENT_SECCOMP) step(Held(task));
+        const bool isStopped = event == PTRACE_EVENT_STOP && signal != SIGTRAP;
+        if (endsAll)
+            kill(task, SIGKILL);
+        else if (isStopped)
+            ptrace(PTRACE_LISTEN, task, nullptr, nullptr);
+        else
+            ptrace(PTRACE_CONT, task, nullptr, static_cast<long>(event == 0 ? signal : 0));
+    }
+
+    void step(Held held) {
+        const auto call = std::find_if(calls.begin(), calls.end(), [&held](const Call& known) {
+            return known.number == static_cast<long>(held.registers.orig_rax);
+        });
+        if (call == calls.end() || (options.at != 0 && count == options.at)) return;
+        if (!options.withChildren && !isOwn(held.task)) return;
+        const File file = findFile(held, *call);
+        if (!counts(held, *call, file, options.openings)) return;
+        ++count;
+        tell(held, *call, file);
+        if (count == options.at) bringIn(held);
+    }
+
+    bool isOwn(pid_t task) const {
+        return access(("/proc/" + std::to_string(program) + "/task/" + std::to_string(task)).c_str(), F_OK) == 0;
+    }
+
+    void tell(const Held& held, const Call& call, const File& file) {
+        std::string name;
+        std::getline(std::ifstream("/proc/" + std::to_string(held.task) + "/comm"), name);
+        report << name << ' ' << call.name << ' ' << file.getName();
+        if (call.works == Works::onOld && call.second != none) report << " -> " << held.readText(call.second);
+        report << std::endl;
+    }
+
+    void bringIn(Held& held) {
+        if (options.fault == "kill")
+            kill(program, SIGKILL);
+        else if (options.fault == "interrupt")
+            kill(-program, SIGINT);
+        else if (options.fault != "kill-all")
+            held.fail(errors.at(options.fault));
+        else {
+            endsAll = true;
+            for (const pid_t task : tasks) kill(task, SIGKILL);
+        }
+    }
+
+    Options options;
+    std::ofstream report;
+    pid_t program = 0;
+    std::set<pid_t> tasks; ///< all that are alive, threads included
+    long count = 0;
+    bool endsAll = false;
+};
+
+} // namespace
+
+int main(int, char** argv) {
+    try {
+        return Stepper(readOptions(argv)).run();
+    } catch (const std::exception& error) {
+        std::cerr << "stepper: " << error.what() << '\n';
+        return 125;
+    }
+}
