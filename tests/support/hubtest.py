@@ -85,6 +85,18 @@ def edit(file, change):
     file.write_text(json.dumps(content), "utf-8")
 
 
+def commit(repository, change, env):
+    """Commits what @p change makes of the repository's files. @return the commit's id"""
+    work = pathlib.Path(tempfile.mkdtemp(dir=SCRATCH.name))
+    author = ("-c", "user.name=A", "-c", "user.email=a@example.org")
+    git = functools.partial(succeed, "git", f"--git-dir={repository}", f"--work-tree={work}", *author, env=env)
+    git("reset", "--hard")
+    change(work)
+    git("add", "--all")
+    git("commit", "--message", "New")
+    return git("rev-parse", "HEAD").strip()
+
+
 class HubTest(unittest.TestCase):
     """Each test has a hub and a user's home of its own, and an environment that leads there."""
 
@@ -150,15 +162,7 @@ class HubTest(unittest.TestCase):
             self.lay_program(top / "cmd/git.exe", script)
 
     def commit(self, repository, change):
-        """Commits what @p change makes of the repository's files."""
-        work = pathlib.Path(tempfile.mkdtemp(dir=SCRATCH.name))
-        where = (f"--git-dir={self.repositories / repository}.git", f"--work-tree={work}")
-        author = ("-c", "user.name=A", "-c", "user.email=a@example.org")
-        git = functools.partial(succeed, "git", *where, *author, env=self.env)
-        git("reset", "--hard")
-        change(work)
-        git("add", "--all")
-        git("commit", "--message", "New")
+        commit(self.repositories / f"{repository}.git", change, self.env)
 
     def publish(self, store, word, bulk=1):
         """Commits to a store's repository: companies and items are called @p word, @p bulk items grow by 100 KB."""

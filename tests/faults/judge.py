@@ -1,0 +1,198 @@
+"""Judges a home by its files, and by what git says of the stores' repositories: no rule is taken from the hub."""
+
+import collections
+import functools
+import hashlib
+import json
+import re
+from typing import NamedTuple
+
+from support.hubtest import succeed
+
+DATABASE, PLACES, METADATA = "plaz_local_db.json", "plaz_stores.json", "item.json"
+GARBAGE = re.compile(r"tmp_.*|.*\.lock|.*\.log")  # left in a working copy where a command on it ended early
+
+
+class Record(NamedTuple):
+    """What a database says of an item."""
+
+    store: str
+    name: str
+    revision: str
+    commit: str
+    mode: str
+    count: int
+    is_latest: bool
+    repository: str
+    folder: str  # in the repository
+
+
+class Origin:
+    """What the stores' repositories hold."""
+
+    def __init__(self, repositories):
+        self.repositories = repositories
+
+    def git(self, repository, *command):
+        return succeed("git", "-C", self.repositories / f"{repository}.git", *command)
+
+    @functools.cache
+    def get_blobs(self, repository, commit, folder):
+        """@return the blob of each file below a folder"""
+        lines = self.git(repository, "ls-tree", "-r", "-z", commit, "--", f"{folder}/").split("\0")[:-1]
+        return {name[len(folder) + 1 :]: about.split()[2] for about, name in (line.split("\t") for line in lines)}
+
+    @functools.cache
+    def get_dependencies(self, repository, commit, folder):
+        infra = json.loads(self.git(repository, "show", f"{commit}:{folder}/{METADATA}"))["config"]["items"][0]["infra"]
+        return [(entry["store"], entry["item"], entry["revision"]) for entry in infra["dependencies"]]
+
+    @functools.cache
+    def keeps_revisions(self, repository):
+        names = self.git(repository, "ls-tree", "--name-only", "HEAD").split()
+        (catalog,) = (name for name in names if name.endswith("_catalog.json"))
+        return json.loads(self.git(repository, "show", f"HEAD:{catalog}"))["catalog"]["multi_revision_supported"]
+
+
+class Home:
+    """A home as it lies on disk, its own place written "@": files, the records of all databases by the items' places,
+    what cannot be read, and what was left in working copies, whose files are no concern of ours otherwise."""
+
+    def __init__(self, directory, origin):
+        self.origin, self.directory = origin, str(directory)
+        self.files, self.records, self.damage, self.garbage = {}, {}, [], []
+        self.chosen = {}  # the directories of stores that have moved
+        for file in sorted(directory.rglob("*")):
+            path = f"@/{file.relative_to(directory).as_posix()}"
+            if file.is_dir():
+                if file.name == ".staging" or file.name.startswith(".plaz-"):
+                    self.files[path] = None
+            elif "/.plaz/.index/" in path:
+                if GARBAGE.fullmatch(file.name):
+                    self.garbage.append(path)
+            elif file.name == DATABASE:
+                self.read(file, self.read_records)
+            elif file.name != "plaz.lock":
+                self.files[path] = file.read_bytes().replace(self.directory.encode(), b"@")
+                if file.name == PLACES:
+                    self.read(file, self.read_places)
+
+    def read(self, file, take):
+        try:
+            take(json.loads(file.read_text("utf-8").replace(self.directory, "@"))["plaz"]["qstores"])
+        except (ValueError, KeyError, TypeError) as error:
+            self.damage.append(f"{file} cannot be read: {error!r}")
+
+    def read_places(self, stores):
+        self.chosen = {store["name"]: store["directory"] for store in stores}
+
+    def read_records(self, stores):
+        for store in stores:
+            for item in store["items"]:
+                key = store["name"], item["name"], item["revision"]
+                said = [item[name] for name in ("commit_id", "installation_mode", "reference_count", "is_latest")]
+                record = Record(*key, *said, store["root"], f"{store['item_root']}/{item['name']}")
+                self.records[item["local_directory"]] = record
+
+    def get_in_force(self):
+        """The records of the places where the stores are kept now."""
+        chosen = {where: self.chosen.get(record.store, "@/2024.2/plaz") for where, record in self.records.items()}
+        return [record for where, record in self.records.items() if where.startswith(f"{chosen[where]}/")]
+
+    def recount(self):
+        """@return how many ways along dependencies lead to each item from what users have asked for"""
+        records, counts = self.get_in_force(), collections.Counter()
+
+        def find(store, name, revision):
+            there = [r for r in records if (r.store, r.name) == (store, name)]
+            if revision and there and self.origin.keeps_revisions(there[0].repository):
+                there = [r for r in there if r.revision == revision]
+            return max(there, key=lambda r: [int(number) for number in r.revision.split(".")], default=None)
+
+        def walk(record, passed):
+            for key in self.origin.get_dependencies(record.repository, record.commit, record.folder):
+                needed = find(*key)
+                if needed and key not in passed:
+                    counts[needed[:3]] += 1
+                    walk(needed, passed | {key})
+
+        for record in records:
+            if record.mode == "user":
+                walk(record, {record[:3], (*record[:2], "")})
+        return counts
+
+    def find_owner(self, path, *others):
+        """@return the place of the item that a file belongs to, of all that these homes know"""
+        return next((w for home in (self, *others) for w in home.records if path.startswith(f"{w}/")), None)
+
+    def describe_lack(self, where):
+        """Says what an item's files lack of those of the recorded commit."""
+        record = self.records[where]
+        blobs = self.origin.get_blobs(record.repository, record.commit, record.folder)
+        for name in sorted({path[len(where) + 1 :] for path in self.files if path.startswith(f"{where}/")} | {*blobs}):
+            text = self.files.get(f"{where}/{name}", b"")
+            if hashlib.sha1(b"blob %d\0" % len(text) + text).hexdigest() != blobs.get(name):
+                yield f"{where}/{name} is not as in {record.commit[:7]}, which is recorded"
+
+    def describe_counts(self, found):
+        """Says which of these counts, by item, are not those that dependencies give."""
+        counts = self.recount()
+        for key, count in found.items():
+            if count != counts[key]:
+                yield f"{'::'.join(key)} has the count {count}, not {counts[key]}"
+
+    def judge_items(self, old, new):
+        """Says which items are neither as in one home nor as in another."""
+        yield from self.damage
+        for where in sorted({*self.records, *old.records, *new.records}):
+            found, before, after = (home.records.get(where) for home in (self, old, new))
+            known = [record for record in (before, after) if record]
+            if not found:
+                if before and after:
+                    yield f"{where} is no longer recorded"
+            elif found[2:4] not in [record[2:4] for record in known]:
+                yield f"{where} is recorded as {found.revision} at {found.commit[:7]}"
+            elif found.mode not in [record.mode for record in known]:
+                yield f'{where} is installed for "{found.mode}"'
+            else:
+                yield from self.describe_lack(where)
+
+    def judge_shown(self, shown):
+        """Says where the list of what is installed is not what is recorded."""
+        listed = {(i["store"], i["name"], i["revision"]): (i["installation_mode"], i["reference_count"]) for i in shown}
+        modes = {record[:3]: record.mode for record in self.get_in_force()}
+        if {key: mode for key, (mode, _) in listed.items()} != modes:
+            yield f"what is listed is not what is recorded: {sorted(listed)}"
+        yield from self.describe_counts({key: count for key, (_, count) in listed.items()})
+
+    def judge_files(self, old, new, others=()):
+        """Says which files beside those of items are neither as in one home nor as in another."""
+        paths = {path for path in (*self.files, *old.files, *new.files) if not self.find_owner(path, old, new, *others)}
+        for path in sorted(paths):
+            there = [home.files[path] for home in (old, new) if path in home.files]
+            if path not in self.files and len(there) == 2:
+                yield f"{path} is gone"
+            elif path in self.files and there and self.files[path] not in there:
+                yield f"{path} is neither old nor new"
+        for folder in (path.removesuffix(".done") for path in self.files if path.endswith("/.done")):
+            whole = [path for path in paths if re.fullmatch(re.escape(folder) + "[^/]*", path)]
+            if not any(all(self.files.get(p) == home.files.get(p) for p in whole) for home in (old, new)):
+                yield f"{folder} is partly old and partly new"
+
+    def find_leftovers(self, old, new):
+        """Says which files belong to nothing that is recorded, nor were there in one of the homes. What an item that is
+        gone leaves of itself is its metadata file."""
+        for path in self.files:
+            owner = self.find_owner(path, old, new)
+            known = path == f"{owner}/{METADATA}" if owner else path in old.files or path in new.files
+            if owner not in self.records and not known:
+                yield f"{path} is left over"
+
+    def describe_difference(self, new, old):
+        """Says what this home has otherwise than a new one, that an old one became: items, counts and other files."""
+        for where in sorted({*self.records, *new.records}):
+            found, expected = (home.records.get(where) for home in (self, new))
+            if found != expected:
+                yield f"{where}: {found and found[2:7]}, not {expected and expected[2:7]}"
+        yield from self.judge_items(new, new)
+        yield from self.judge_files(new, new, [old])

@@ -1,0 +1,239 @@
+"""The commands that faults come into, on homes that are prepared once, and what is looked at after each fault."""
+
+import functools
+import json
+import shutil
+import subprocess
+import threading
+from typing import NamedTuple
+
+from faults.judge import DATABASE, PLACES, Home, Origin
+from support.hubtest import BUILD, PLAZ, PRODUCT_DATA, commit, edit, make_env, make_hub, run, succeed
+
+STEPPER = BUILD / "bin/stepper"
+ERRORS = ("ENOSPC", "EIO", "EACCES", "EROFS", "EMFILE")
+KINDS = ("kill", "kill-all", "interrupt", *ERRORS)
+FINDINGS = ("neither old nor new", "leftovers", "not completed", "exit 0 too early", "bad end")
+
+
+class Scenario(NamedTuple):
+    name: str
+    before: tuple  # the commands that prepare the home: before newer commits are published, and after
+    after: tuple
+    command: str
+    next_task: str = "uninstall resistances"  # another one that changes something, without the network
+
+
+SCENARIOS = (
+    Scenario("install", ("install resistances",), (), "install aurora"),
+    Scenario("uninstall", ("install aurora resistances legacy-carrier",), (), "uninstall aurora"),
+    Scenario("update", ("install pin-report resistances",), ("refresh tclscripts",), "update pin-report"),
+    Scenario("update-many", ("install aurora@1.1 resistances",), (), "update aurora"),
+    Scenario("update-again", ("install hikari resistances",), ("refresh boards",), "update hikari"),
+    Scenario("refresh", ("refresh tclscripts", "install pin-report resistances"), (), "refresh tclscripts"),
+    Scenario("refresh-hub", ("refresh --hub", "install hikari resistances"), (), "refresh --hub"),
+    Scenario(
+        "relocate",
+        ("refresh tclscripts", "install resistances legacy-carrier"),
+        (),
+        "relocate tclscripts {home}/moved",
+        "uninstall legacy-carrier",
+    ),
+)
+
+
+class Point(NamedTuple):
+    scenario: str
+    kind: str
+    scope: str  # whose calls are counted: "alone" or "children"
+    at: int
+
+    def __str__(self):
+        return f"--scenario {self.scenario} --do {self.kind} --{self.scope} --at {self.at}"
+
+
+def publish(repositories, env):
+    """Commits newer items to the stores, with other files and other dependencies, and newer metadata to the hub."""
+
+    def publish_item(repository, folder, name, revision, needs):
+        def change_item(work):
+            directory = work / folder / name
+
+            def change(document):
+                infra = document["config"]["items"][0]["infra"]
+                infra["revision"] = revision
+                infra["dependencies"] = [{"store": s, "item": i, "revision": ""} for s, i in needs]
+
+            edit(directory / "item.json", change)
+            (directory / "changelog.txt").write_text("Newer.\n")
+            (directory / "logo.svg").unlink()
+            (directory / "more").mkdir()
+            (directory / "more/new.txt").write_text("New.\n")
+
+        new = commit(repositories / f"{repository}.git", change_item, env)
+
+        def change_catalog(work):
+            def change(document):
+                item = next(i for i in document["catalog"]["items"] if i["name"] == name)
+                item.update(latest_revision=revision, commit_id=new)
+                item["revisions"] = [r for r in item["revisions"] if r["revision"] != revision]
+                item["revisions"].append({"revision": revision, "commit_id": new, "history": "Newer."})
+
+            def change_metadata(document):
+                for release in document["catalog"]["supported_products"][0]["supported_releases"]:
+                    release["catalog_revision"] += "1"
+
+            edit(next(work.glob("*_catalog.json")), change)
+            edit(next(work.glob("*_store.json")), change_metadata)
+
+        commit(repositories / f"{repository}.git", change_catalog, env)
+
+    scripts = "tclscripts"
+    publish_item("tcl-store", "scripts", "pin-report", "1.1", ((scripts, "text-tables"), (scripts, "clocking")))
+    publish_item("tcl-store", "scripts", "clocking", "1.0", ((scripts, "pin-report"),))
+    publish_item("boards-store", "boards", "hikari", "1.0", (("boards", "connectors-common"), ("boards", "io-panel")))
+
+    def change_hub(document):
+        document["plaz"]["qstores"][0]["display_name"] = "Newer boards"
+
+    commit(repositories / "hub.git", lambda work: edit(work / "plaz.json", change_hub), env)
+
+
+def copy_home(source, target):
+    """Copies a home, with the places that it records."""
+    shutil.copytree(source, target, symlinks=True)
+    for file in (*target.glob(f"*/plaz/*/.plaz/{DATABASE}"), *target.glob(f"*/plaz/{PLACES}")):
+        file.write_text(file.read_text("utf-8").replace(str(source), str(target)), "utf-8")
+
+
+class Stage:
+    """A hub with the prepared homes of scenarios, below a directory."""
+
+    def __init__(self, directory, scenarios):
+        self.dir = directory
+        self.hub = make_hub(directory / "hub")
+        self.origin = Origin(self.hub / "repos")
+        self.scenarios = {scenario.name: scenario for scenario in scenarios}
+        self.ends = {}  # of each scenario: old and new home, and both after the next task
+        for scenario in scenarios:
+            self.run_all(directory / scenario.name, scenario.before)
+        publish(self.hub / "repos", make_env(self.hub))
+        for scenario in scenarios:
+            home = directory / scenario.name
+            self.run_all(home, scenario.after)
+            self.ends[scenario.name] = (*self.end(home), *self.end(home, scenario.command))
+            self.check_ends(scenario)
+
+    def env(self, home):
+        return make_env(home, self.hub / "data", PRODUCT_DATA)
+
+    def run_all(self, home, commands):
+        home.mkdir(exist_ok=True)
+        for command in commands:
+            succeed(PLAZ, *command.format(home=home).split(), env=self.env(home))
+
+    def end(self, prepared, *commands):
+        """@return the home that a copy becomes by a command, and by the next task after it"""
+        home = self.dir / "end"
+        copy_home(prepared, home)
+        self.run_all(home, commands)
+        end = Home(home, self.origin)
+        self.run_all(home, [self.scenarios[prepared.name].next_task])
+        after_next = Home(home, self.origin)
+        shutil.rmtree(home)
+        return end, after_next
+
+    def check_ends(self, scenario):
+        """What no fault disturbs has to be right: nothing could be said of the rest otherwise."""
+        for home in self.ends[scenario.name]:
+            wrong = [*home.judge_items(home, home), *home.find_leftovers(home, home)]
+            wrong += home.describe_counts({record[:3]: record.count for record in home.get_in_force()})
+            if wrong:
+                raise AssertionError(f"{scenario.name}, undisturbed: {wrong}")
+
+    def step(self, name, home, *options):
+        """Runs a scenario's command under the stepper. @return the process, and the calls that were counted"""
+        report = home.with_name("calls")
+        command = self.scenarios[name].command.format(home=home).split()
+        options = (*options, "--report", report, "--", PLAZ, "--quiet", "--no-progress", *command)
+        return run(STEPPER, *options, env=self.env(home), cwd=home.parent), report.read_text().splitlines()
+
+    @functools.cache
+    def count(self, name, scope, kind):
+        """@return how many points a scenario has"""
+        home = self.dir / "count" / "home"
+        copy_home(self.dir / name, home)
+        count = len(self.step(name, home, f"--{scope}", "--kind", kind)[1])
+        shutil.rmtree(home.parent)
+        return count
+
+    def run_point(self, point):
+        """@return the call that the fault came into (none where the run ended before), and what was found, by kind"""
+        slot = self.dir / f"slot-{threading.get_ident()}"
+        shutil.rmtree(slot, ignore_errors=True)
+        home = slot / "home"
+        copy_home(self.dir / point.scenario, home)
+        options = (f"--{point.scope}", "--kind", get_counted(point.kind), "--at", str(point.at), "--do", point.kind)
+        try:
+            result, calls = self.step(point.scenario, home, *options)
+            if len(calls) < point.at:
+                return None, []
+            return calls[-1].replace(str(home), "@"), [*self.judge(point, home, result)]
+        except subprocess.TimeoutExpired as hanging:
+            return "?", [("bad end", f"{hanging.cmd[-2:]} does not end")]
+        finally:
+            shutil.rmtree(slot)
+
+    def judge(self, point, home, result):
+        scenario, (old, old_next, new, new_next) = self.scenarios[point.scenario], self.ends[point.scenario]
+        neither, leftovers, unfinished, early, bad = FINDINGS
+        fault = f"after exit {result.returncode}"
+        found = Home(home, self.origin)
+        lacking = [*found.describe_difference(new, old)]
+        if result.returncode == 0:
+            yield from ((early, text) for text in lacking)
+        elif point.kind in ERRORS and "ERROR" not in result.stderr and "fatal" not in result.stderr:
+            yield bad, f"exit {result.returncode} without a word: {result.stderr[-300:]!r}"
+        if result.returncode > 130 and point.kind not in ("kill", "kill-all"):
+            yield bad, f"exit {result.returncode}"
+
+        saved = home.with_name("saved")
+        shutil.copytree(home, saved, symlinks=True)
+        status, error, shown = self.run_plaz(home, "items --installed --all-revisions")
+        started = Home(home, self.origin)
+        if status:
+            yield neither, f"{fault}, the next start fails: {error}"
+        for text in (*started.judge_items(old, new), *started.judge_files(old, new), *started.judge_shown(shown)):
+            yield neither, f"{fault}, at the next start: {text}"
+        status, error, _ = self.run_plaz(home, scenario.next_task)
+        later = Home(home, self.origin)
+        if status:
+            yield neither, f'{fault}, "{scenario.next_task}" fails: {error}'
+        counts = {record[:3]: record.count for record in later.get_in_force()}
+        judged = (later.judge_items(old_next, new_next), later.judge_files(old_next, new_next))
+        for text in (*judged[0], *judged[1], *later.describe_counts(counts)):
+            yield neither, f"{fault}, after the next task: {text}"
+        for text in later.find_leftovers(old_next, new_next):
+            yield leftovers, f"{fault}, after the next task: {text}"
+
+        shutil.rmtree(home)
+        saved.rename(home)
+        status, error, _ = self.run_plaz(home, scenario.command.format(home=home))
+        again = Home(home, self.origin)
+        if status and lacking:
+            yield unfinished, f"{fault}, the same again fails: {error}"
+        for text in again.describe_difference(new, old):
+            yield unfinished, f"{fault}, after the same again (exit {status}): {text}"
+        if lacking:  # so it had something to do, and has used the working copies
+            for text in (*again.find_leftovers(new, old), *(f"{path} is left over" for path in again.garbage)):
+                yield leftovers, f"{fault}, after the same again: {text}"
+
+    def run_plaz(self, home, command):
+        """@return exit status, error and list of items"""
+        result = run(PLAZ, "--json", *command.split(), env=self.env(home), cwd=home.parent)
+        document = json.loads(result.stdout or "{}")
+        return result.returncode, document.get("error", result.stderr[-300:]), document.get("items", [])
+
+
+def get_counted(kind):
+    return "open" if kind == "EMFILE" else "write"
