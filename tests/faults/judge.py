@@ -72,10 +72,10 @@ class Home:
                     self.garbage.append(path)
             elif file.name == DATABASE:
                 self.read(file, self.read_records)
+            elif file.name == PLACES:
+                self.read(file, self.read_places)
             elif file.name != "plaz.lock":
                 self.files[path] = file.read_bytes().replace(self.directory.encode(), b"@")
-                if file.name == PLACES:
-                    self.read(file, self.read_places)
 
     def read(self, file, take):
         try:
@@ -142,8 +142,10 @@ class Home:
                 yield f"{'::'.join(key)} has the count {count}, not {counts[key]}"
 
     def judge_items(self, old, new):
-        """Says which items are neither as in one home nor as in another."""
+        """Says which items, and places of stores, are neither as in one home nor as in another."""
         yield from self.damage
+        if self.chosen not in (old.chosen, new.chosen):
+            yield f"stores are kept in {self.chosen}"
         for where in sorted({*self.records, *old.records, *new.records}):
             found, before, after = (home.records.get(where) for home in (self, old, new))
             known = [record for record in (before, after) if record]
@@ -167,14 +169,16 @@ class Home:
 
     def judge_files(self, old, new, others=()):
         """Says which files beside those of items are neither as in one home nor as in another."""
-        paths = {path for path in (*self.files, *old.files, *new.files) if not self.find_owner(path, old, new, *others)}
+        unused = tuple(f"{where}/" for where in new.chosen.values() if where not in self.chosen.values())
+        paths = {path for path in (*self.files, *old.files, *new.files) if not path.startswith(unused)}
+        paths = {path for path in paths if not self.find_owner(path, old, new, *others)}
         for path in sorted(paths):
             there = [home.files[path] for home in (old, new) if path in home.files]
             if path not in self.files and len(there) == 2:
                 yield f"{path} is gone"
             elif path in self.files and there and self.files[path] not in there:
                 yield f"{path} is neither old nor new"
-        for folder in (path.removesuffix(".done") for path in self.files if path.endswith("/.done")):
+        for folder in (path.removesuffix(".done") for path in self.files if re.search(r"(?<!\.staging)/\.done$", path)):
             whole = [path for path in paths if re.fullmatch(re.escape(folder) + "[^/]*", path)]
             if not any(all(self.files.get(p) == home.files.get(p) for p in whole) for home in (old, new)):
                 yield f"{folder} is partly old and partly new"

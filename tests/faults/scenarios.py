@@ -179,8 +179,8 @@ class Stage:
             if len(calls) < point.at:
                 return None, []
             return calls[-1].replace(str(home), "@"), [*self.judge(point, home, result)]
-        except subprocess.TimeoutExpired as hanging:
-            return "?", [("bad end", f"{hanging.cmd[-2:]} does not end")]
+        except (subprocess.TimeoutExpired, ValueError, AssertionError) as failure:
+            return "?", [("bad end", repr(failure))]
         finally:
             shutil.rmtree(slot)
 

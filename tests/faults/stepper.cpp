@@ -40,7 +40,6 @@
 #include <sys/ptrace.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
-#include <sys/uio.h>
 #include <sys/user.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -107,6 +106,8 @@ constexpr std::array calls{
 const std::map<std::string, int> errors{
     {"ENOSPC", ENOSPC}, {"EIO", EIO}, {"EACCES", EACCES}, {"EMFILE", EMFILE}, {"EROFS", EROFS}};
 
+const std::set<std::string> ends{"kill", "kill-all", "interrupt"};
+
 struct Options {
     bool prints = false, withChildren = true, openings = false;
     long at = 0;
@@ -135,7 +136,6 @@ Options readOptions(char** args) {
         else
             throw std::invalid_argument(option);
     }
-    const std::set<std::string> ends{"kill", "kill-all", "interrupt"};
     if (ends.count(options.fault) + errors.count(options.fault) == 0) throw std::invalid_argument(options.fault);
     if (*args == nullptr || args[1] == nullptr) throw std::invalid_argument("no program");
     options.command = args + 1;
@@ -154,25 +154,20 @@ struct Held {
         return places.at(static_cast<std::size_t>(argument));
     }
 
-    /// Reads what an argument points to. @return how many bytes are there; a page further on may not be
-    std::size_t read(int argument, void* to, std::size_t size) const {
-        const std::uintptr_t address = get(argument);
-        const std::size_t inPage = std::min(size, 4096 - address % 4096);
-        std::size_t done = 0;
-        for (const std::size_t part : {inPage, size - inPage}) {
-            const iovec local{static_cast<char*>(to) + done, part};
-            const iovec remote{reinterpret_cast<void*>(address + done), part}; // NOLINT(performance-no-int-to-ptr)
-            if (part == 0 || process_vm_readv(task, &local, 1, &remote, 1, 0) != static_cast<ssize_t>(part)) break;
-            done += part;
-        }
-        return done;
+    /// Reads what an argument points to, as far as the memory goes there.
+    void read(int argument, void* to, std::streamsize size) const {
+        std::ifstream memory(getFolder() + "/mem");
+        memory.seekg(static_cast<std::streamoff>(get(argument)));
+        memory.read(static_cast<char*>(to), size);
     }
 
     std::string readText(int argument) const {
         std::string text(PATH_MAX, '\0');
-        text.resize(read(argument, text.data(), text.size()));
+        read(argument, text.data(), PATH_MAX);
         return text.c_str();
     }
+
+    std::string getFolder() const { return "/proc/" + std::to_string(task); }
 
     void fail(int error) {
         registers.orig_rax = static_cast<unsigned long long>(-1);
@@ -202,11 +197,10 @@ struct File {
 
 File findFile(const Held& held, const Call& call) {
     const int descriptor = call.directory == none ? AT_FDCWD : static_cast<int>(held.get(call.directory));
-    const std::string link =
-        "/proc/" + std::to_string(held.task) + (descriptor == AT_FDCWD ? "/cwd" : "/fd/" + std::to_string(descriptor));
+    const std::string link = held.getFolder() + (descriptor == AT_FDCWD ? "/cwd" : "/fd/" + std::to_string(descriptor));
     if (call.path == none || held.get(call.path) == 0) return {link, ""};
     const std::string path = held.readText(call.path);
-    return path.front() == '/' ? File{"", path} : File{link, "/" + path};
+    return path.rfind('/', 0) == 0 ? File{"", path} : File{link, "/" + path};
 }
 
 bool mayChange(const Held& held, const Call& call) {
@@ -221,17 +215,10 @@ bool counts(const Held& held, const Call& call, const File& file, bool countsOpe
     if (file.getName().rfind("/proc/", 0) == 0) return false;
     const mode_t mode = file.getMode();
     const bool isOld = mode != 0, isFile = S_ISREG(mode) || S_ISDIR(mode);
-    switch (call.works) {
-    case Works::onOld:
-        return isOld;
-    case Works::onNew:
-        return !isOld;
-    case Works::descriptor:
-        return isFile;
-    case Works::opening:
-        return (isFile || !isOld) && ((countsOpenings && isOld) || mayChange(held, call));
-    }
-    return false;
+    if (call.works == Works::onOld) return isOld;
+    if (call.works == Works::onNew) return !isOld;
+    if (call.works == Works::descriptor) return isFile;
+    return (isFile || !isOld) && ((countsOpenings && isOld) || mayChange(held, call));
 }
 
 /// Lets nothing but the calls of the table stop the process, whoever it starts included.
@@ -256,13 +243,11 @@ public:
         start();
         int status = 0, result = 0;
         for (pid_t task = 0; (task = waitpid(-1, &status, __WALL)) > 0;) {
-            if (WIFSTOPPED(status)) {
-                tasks.insert(task);
+            if (WIFSTOPPED(status))
                 goOn(task, status >> 16, WSTOPSIG(status));
-            } else {
+            else
                 tasks.erase(task);
-                if (task == program) result = status;
-            }
+            if (task == program) result = status;
         }
         if (options.prints) std::cout << count << '\n';
         return WIFEXITED(result) ? WEXITSTATUS(result) : 128 + WTERMSIG(result);
@@ -291,6 +276,7 @@ private:
     }
 
     void goOn(pid_t task, int event, int signal) {
+        tasks.insert(task);
         if (event == PTRACE_EVENT_SECCOMP) step(Held(task));
         const bool isStopped = event == PTRACE_EVENT_STOP && signal != SIGTRAP;
         if (endsAll)
@@ -320,7 +306,7 @@ private:
 
     void tell(const Held& held, const Call& call, const File& file) {
         std::string name;
-        std::getline(std::ifstream("/proc/" + std::to_string(held.task) + "/comm"), name);
+        std::getline(std::ifstream(held.getFolder() + "/comm"), name);
         report << name << ' ' << call.name << ' ' << file.getName();
         if (call.works == Works::onOld && call.second != none) report << " -> " << held.readText(call.second);
         report << std::endl;
