@@ -192,7 +192,7 @@ class Stage:
         lacking = [*found.describe_difference(new, old)]
         if result.returncode == 0:
             yield from ((early, text) for text in lacking)
-        elif point.kind in ERRORS and "ERROR" not in result.stderr and "fatal" not in result.stderr:
+        elif point.kind in ERRORS and "error" not in result.stderr.lower():
             yield bad, f"exit {result.returncode} without a word: {result.stderr[-300:]!r}"
         if result.returncode > 130 and point.kind not in ("kill", "kill-all"):
             yield bad, f"exit {result.returncode}"

@@ -109,37 +109,32 @@ const std::map<std::string, int> errors{
 const std::set<std::string> ends{"kill", "kill-all", "interrupt"};
 
 struct Options {
-    bool prints = false, withChildren = true, openings = false;
-    long at = 0;
-    std::string fault = "kill", report = "/dev/null";
-    char** command = nullptr;
+    bool prints, withChildren, openings;
+    long at;
+    std::string fault, report;
+    char** command;
 };
 
 Options readOptions(char** args) {
-    Options options;
+    const std::set<std::string> flags{"--count", "--children", "--alone"};
+    std::map<std::string, std::string> values{
+        {"--at", "0"}, {"--do", "kill"}, {"--kind", "write"}, {"--report", "/dev/null"}};
     while (*++args != nullptr && std::string(*args) != "--") {
         const std::string option = *args;
-        if (option == "--count")
-            options.prints = true;
-        else if (option == "--children" || option == "--alone")
-            options.withChildren = option == "--children";
-        else if (args[1] == nullptr)
-            throw std::invalid_argument(option);
-        else if (option == "--at")
-            options.at = std::stol(*++args);
-        else if (option == "--do")
-            options.fault = *++args;
-        else if (option == "--kind")
-            options.openings = std::string(*++args) == "open";
-        else if (option == "--report")
-            options.report = *++args;
-        else
-            throw std::invalid_argument(option);
+        if (values.count(option) + flags.count(option) == 0) throw std::invalid_argument("no such option: " + option);
+        if (flags.count(option) == 0 && *++args == nullptr) break;
+        values[option] = *args;
     }
-    if (ends.count(options.fault) + errors.count(options.fault) == 0) throw std::invalid_argument(options.fault);
-    if (*args == nullptr || args[1] == nullptr) throw std::invalid_argument("no program");
-    options.command = args + 1;
-    return options;
+    if (*args == nullptr || args[1] == nullptr) throw std::invalid_argument("there is no program to run");
+    const std::string fault = values["--do"];
+    if (ends.count(fault) + errors.count(fault) == 0) throw std::invalid_argument("no such fault: " + fault);
+    return {values.count("--count") != 0,
+            values.count("--alone") == 0,
+            values["--kind"] == "open",
+            std::stol(values["--at"]),
+            fault,
+            values["--report"],
+            args + 1};
 }
 
 /// A call at which a process is held.
@@ -164,7 +159,7 @@ struct Held {
     std::string readText(int argument) const {
         std::string text(PATH_MAX, '\0');
         read(argument, text.data(), PATH_MAX);
-        return text.c_str();
+        return text.substr(0, text.find('\0'));
     }
 
     std::string getFolder() const { return "/proc/" + std::to_string(task); }
