@@ -22,7 +22,6 @@ class Record(NamedTuple):
     commit: str
     mode: str
     count: int
-    is_latest: bool
     repository: str
     folder: str  # in the repository
 
@@ -90,7 +89,7 @@ class Home:
         for store in stores:
             for item in store["items"]:
                 key = store["name"], item["name"], item["revision"]
-                said = [item[name] for name in ("commit_id", "installation_mode", "reference_count", "is_latest")]
+                said = [item[name] for name in ("commit_id", "installation_mode", "reference_count")]
                 record = Record(*key, *said, store["root"], f"{store['item_root']}/{item['name']}")
                 self.records[item["local_directory"]] = record
 
@@ -178,8 +177,10 @@ class Home:
                 yield f"{path} is gone"
             elif path in self.files and there and self.files[path] not in there:
                 yield f"{path} is neither old nor new"
-        for folder in (path.removesuffix(".done") for path in self.files if re.search(r"(?<!\.staging)/\.done$", path)):
-            whole = [path for path in paths if re.fullmatch(re.escape(folder) + "[^/]*", path)]
+        for folder in (
+            path.removesuffix("/.done") for path in self.files if re.search(r"(?<!\.staging)/\.done$", path)
+        ):
+            whole = [path for path in {*old.files, *new.files} & paths if path.rpartition("/")[0] == folder]
             if not any(all(self.files.get(p) == home.files.get(p) for p in whole) for home in (old, new)):
                 yield f"{folder} is partly old and partly new"
 
@@ -197,6 +198,6 @@ class Home:
         for where in sorted({*self.records, *new.records}):
             found, expected = (home.records.get(where) for home in (self, new))
             if found != expected:
-                yield f"{where}: {found and found[2:7]}, not {expected and expected[2:7]}"
+                yield f"{where}: {found and found[2:6]}, not {expected and expected[2:6]}"
         yield from self.judge_items(new, new)
         yield from self.judge_files(new, new, [old])
