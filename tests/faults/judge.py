@@ -91,7 +91,8 @@ class Home:
                 key = store["name"], item["name"], item["revision"]
                 said = [item[name] for name in ("commit_id", "installation_mode", "reference_count")]
                 record = Record(*key, *said, store["root"], f"{store['item_root']}/{item['name']}")
-                self.records[item["local_directory"]] = record
+                if self.records.setdefault(item["local_directory"], record) is not record:
+                    self.damage.append(f"{item['local_directory']} is recorded twice")
 
     def get_in_force(self):
         """The records of the places where the stores are kept now."""
@@ -177,9 +178,8 @@ class Home:
                 yield f"{path} is gone"
             elif path in self.files and there and self.files[path] not in there:
                 yield f"{path} is neither old nor new"
-        for folder in (
-            path.removesuffix("/.done") for path in self.files if re.search(r"(?<!\.staging)/\.done$", path)
-        ):
+        marks = [path for path in self.files if re.search(r"(?<!\.staging)/\.done$", path)]
+        for folder in (mark.removesuffix("/.done") for mark in marks):
             whole = [path for path in {*old.files, *new.files} & paths if path.rpartition("/")[0] == folder]
             if not any(all(self.files.get(p) == home.files.get(p) for p in whole) for home in (old, new)):
                 yield f"{folder} is partly old and partly new"
