@@ -5,7 +5,10 @@
 #include <boost/filesystem/path.hpp>
 
 #include <cstdint>
+#include <functional>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
@@ -49,6 +52,17 @@ private:
 HIOStatus readFile(const std::string& file, std::string& content);
 /// The first @p size bytes of a regular file, fewer when it is shorter or cannot be read.
 std::string readStart(const std::string& file, std::size_t size);
+
+/// What is known of a file before its first byte is read.
+struct FileFacts {
+    std::uint64_t size = 0;
+    std::optional<bool> isExecutable; ///< whether its owner may run it; empty where disks do not know that
+};
+
+/// Reads a regular file part by part, however large it is: @p begin is called first, then @p take with all it holds.
+/// One that becomes longer or shorter meanwhile is unreadable.
+HIOStatus readInParts(const std::string& file, const std::function<void(const FileFacts& facts)>& begin,
+                      const std::function<void(std::string_view part)>& take);
 
 /// Whether this user may write to the file (make entries in the directory).
 bool isWriteable(const std::string& path);

@@ -1,6 +1,7 @@
 #include "support/PlatformFile.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cerrno>
 #include <climits>
@@ -216,6 +217,29 @@ HIOStatus OpenDirectory::read(const std::string& relative, std::string& content)
 
 HIOStatus readFile(const std::string& file, std::string& content) {
     return holdsNull(file) ? Status::missing : openAndReadAll(file, 0, content);
+}
+
+HIOStatus readInParts(const std::string& file, const std::function<void(const FileFacts&)>& begin,
+                      const std::function<void(std::string_view)>& take) {
+    if (holdsNull(file)) return Status::missing;
+    const Descriptor fd(open(file.c_str(), readFlags));
+    if (!fd) return statusOfError(errno);
+    struct stat info {};
+    if (fstat(fd.get(), &info) != 0) return Status::unreadable;
+    if (!S_ISREG(info.st_mode)) return Status::notRegular;
+
+    auto left = static_cast<std::uint64_t>(info.st_size);
+    begin({left, (info.st_mode & S_IXUSR) != 0});
+    std::array<char, std::size_t{1} << 16> buffer;
+    for (;;) {
+        const ssize_t count = readSome(fd.get(), buffer.data(), buffer.size());
+        if (count < 0 || static_cast<std::uint64_t>(count) > left) return Status::unreadable;
+        const auto size = static_cast<std::size_t>(count);
+        take({buffer.data(), size});
+        left -= size;
+        if (left == 0 && size < buffer.size()) return Status::ok; // a full part may have something behind it
+        if (size == 0) return Status::unreadable;
+    }
 }
 
 std::string readStart(const std::string& file, std::size_t size) {

@@ -4,6 +4,7 @@
 #include "support/HI18N.h"
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <filesystem>
@@ -291,6 +292,28 @@ HIOStatus readFile(const std::string& file, std::string& content) {
     if (file.empty() || holdsNull(file)) return Status::missing;
     const Handle handle = open(toLongName(file), GENERIC_READ);
     return handle ? readAll(handle, content) : statusOfError(GetLastError());
+}
+
+HIOStatus readInParts(const std::string& file, const std::function<void(const FileFacts&)>& begin,
+                      const std::function<void(std::string_view)>& take) {
+    if (file.empty() || holdsNull(file)) return Status::missing;
+    const Handle handle = open(toLongName(file), GENERIC_READ);
+    if (!handle) return statusOfError(GetLastError());
+    if (!isRegularFile(handle)) return Status::notRegular;
+    LARGE_INTEGER size{};
+    if (!GetFileSizeEx(handle.get(), &size)) return Status::unreadable;
+
+    auto left = static_cast<std::uint64_t>(size.QuadPart);
+    begin({left, std::nullopt});
+    std::array<char, std::size_t{1} << 16> buffer;
+    for (;;) {
+        DWORD count = 0;
+        if (!ReadFile(handle.get(), buffer.data(), static_cast<DWORD>(buffer.size()), &count, nullptr) || count > left)
+            return Status::unreadable;
+        if (count == 0) return left == 0 ? Status::ok : Status::unreadable;
+        take({buffer.data(), count});
+        left -= count;
+    }
 }
 
 std::string readStart(const std::string& file, std::size_t size) {
