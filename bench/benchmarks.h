@@ -6,6 +6,7 @@ void addChildProcesses();
 void addInstallation();
 void addDependencies();
 void addRefresh();
+void addVerification();
 
 /// Runs one start-up in this process and prints "<seconds> <bytes per item beyond its texts>".
 /// @param kind      "ours" or "floor"

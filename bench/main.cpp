@@ -12,7 +12,7 @@ constexpr const char* usage =
     "  plaz_bench [--data-root DIR ITEMS] [GOOGLE-BENCHMARK-OPTION...]\n\n"
     "  --data-root DIR ITEMS   only write a data root with one store of that many items\n"
     "  --benchmark_filter=RE   only what matches, such as start-up, install, child, copy, dependencies,\n"
-    "                          refresh, check, commit\n\n"
+    "                          refresh, check, commit, verify\n\n"
     "Exit status 1 when a target is missed.\n";
 
 int run(int argc, char** argv) {
@@ -33,6 +33,7 @@ int run(int argc, char** argv) {
     addInstallation();
     addDependencies();
     addRefresh();
+    addVerification();
     TableReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     return reporter.areAllWithinLimits() ? 0 : 1;
