@@ -99,6 +99,28 @@ void add(rapidjson::Document& document, rapidjson::Value& object, const char* ke
 
 } // namespace
 
+std::string HCRapidJsonReadWriteUtils::getReadablePart(const std::string& text) {
+    rapidjson::Document document;
+    document.Parse<rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag>(text.data(), text.size());
+    const std::size_t end = std::min(document.GetErrorOffset(), text.size());
+    std::string open, openAtCut; // the brackets that close what is open
+    std::size_t cut = 0;
+    bool isInText = false;
+    for (std::size_t position = 0; position < end; ++position) {
+        const char character = text[position];
+        if (character == '\\' && isInText) ++position;
+        if (character == '"') isInText = !isInText;
+        if (isInText) continue;
+        if (character == '{' || character == '[') open.push_back(character == '{' ? '}' : ']');
+        if ((character != '}' && character != ']') || open.empty()) continue;
+        open.pop_back();
+        if (open.empty() || open.back() != ']') continue;
+        cut = position + 1;
+        openAtCut.assign(open.rbegin(), open.rend());
+    }
+    return cut == 0 ? std::string() : text.substr(0, cut) + openAtCut;
+}
+
 bool HCRapidJsonReadWriteUtils::parseInPlace(std::string& text, rapidjson::Document& document, std::string& error) {
     static constexpr const char byteOrderMark[] = "\xEF\xBB\xBF";
     const std::size_t start = text.compare(0, 3, byteOrderMark) == 0 ? 3 : 0;

@@ -16,6 +16,9 @@ public:
     /// Nesting beyond this is refused while parsing, so that no file can exhaust the stack.
     static constexpr int maxDepth = 256;
 
+    /// Of a text that is no JSON, what stands before the first error, up to the last element of an array that is whole
+    /// there, and closed behind it; empty where there is no such element.
+    static std::string getReadablePart(const std::string& text);
     /// Parses JSON text in place: @p text is overwritten and must outlive the document. A byte order mark is skipped.
     /// Never recurses; checks UTF-8; refuses nesting deeper than maxDepth.
     /// @return false, with @p error holding reason and place ("line 3, column 7: ..."), when the text is not JSON;

@@ -212,6 +212,10 @@ bool HUTFile::cloneTree(const std::string& source, const std::string& dest, cons
 }
 
 std::vector<std::string> HUTFile::createFileIter(const std::string& dir) {
+    return readDirectory(dir).value_or(std::vector<std::string>());
+}
+
+std::optional<std::vector<std::string>> HUTFile::readDirectory(const std::string& dir) {
     return platform::listEntries(dir);
 }
 

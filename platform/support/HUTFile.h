@@ -77,6 +77,9 @@ public:
     /// Names of the entries of a directory, sorted, without "." and ".."; empty when it cannot be read.
     static std::vector<std::string> createFileIter(const std::string& dir);
 
+    /// The same, but nothing when it cannot be read.
+    static std::optional<std::vector<std::string>> readDirectory(const std::string& dir);
+
     /// Names of all that lies below a directory, relative to it and in generic form, without following links. What the
     /// entry @p skipped at its top holds is left out.
     static std::vector<std::string> listTree(const std::string& dir, const std::string& skipped = "");

@@ -43,12 +43,13 @@ bool isBeneath(const std::string& root, const std::string& path) {
     return !realRoot.empty() && liesBeneath(realRoot, resolve(path));
 }
 
-std::vector<std::string> listEntries(const std::string& dir) {
+std::optional<std::vector<std::string>> listEntries(const std::string& dir) {
     std::vector<std::string> names;
     Error error;
     fs::directory_iterator entry(toSystemName(dir), error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error))
         names.push_back(entry->path().filename().string());
+    if (error) return std::nullopt;
     std::sort(names.begin(), names.end());
     return names;
 }

@@ -83,8 +83,8 @@ std::string resolveLinks(const std::string& path, std::error_code& error);
 
 /// As HUTFile::isBeneath() says.
 bool isBeneath(const std::string& root, const std::string& path);
-/// As HUTFile::createFileIter() says.
-std::vector<std::string> listEntries(const std::string& dir);
+/// As HUTFile::readDirectory() says.
+std::optional<std::vector<std::string>> listEntries(const std::string& dir);
 
 /// As HUTFile::rmRecursive() says.
 bool removeTree(const std::string& path);

@@ -309,8 +309,9 @@ bool removeTree(const std::string& path) {
 }
 
 bool removeEntriesExcept(const std::string& dir, const std::string& keptName) {
-    bool areGone = true;
-    for (const std::string& name : listEntries(dir))
+    const auto names = listEntries(dir);
+    bool areGone = names.has_value();
+    for (const std::string& name : names.value_or(std::vector<std::string>()))
         if (name != keptName) areGone = removeTree(dir + "/" + name) && areGone;
     return areGone;
 }

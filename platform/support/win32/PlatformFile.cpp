@@ -351,9 +351,9 @@ bool flush(const std::string& path) {
         if (wasReadOnly) SetFileAttributesW(name.c_str(), GetFileAttributesW(name.c_str()) | FILE_ATTRIBUTE_READONLY);
         return isFlushed;
     }
-    const std::vector<std::string> entries = listEntries(path);
-    return std::all_of(entries.begin(), entries.end(),
-                       [&](const std::string& entry) { return flush(path + "/" + entry); });
+    const auto entries = listEntries(path);
+    return entries && std::all_of(entries->begin(), entries->end(),
+                                  [&](const std::string& entry) { return flush(path + "/" + entry); });
 }
 
 // Names are written through as they change.

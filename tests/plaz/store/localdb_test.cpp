@@ -147,25 +147,30 @@ TEST_F(LocalDbTest, leavesWhatItCannotMerge) {
     EXPECT_EQ(mergeFile(file), Merge::foreign);
     EXPECT_TRUE(store.getItems().empty() && messages.empty());
     EXPECT_FALSE(manager.isValidForProductAndRelease(file) || manager.isValidForProductAndRelease(""));
+    int number = 1;
     for (const char* damaged :
          {"{\"plaz\": {\"qst", "{}", R"({"plaz": {"product": "Solvan", "release": "2024.2.1", "qstores": {}}})",
           R"({"plaz": {"product": "Solvan", "qstores": []}})"}) {
         SCOPED_TRACE(damaged);
         temp.write("db.json", damaged);
+        const std::string kept = file + (number == 1 ? ".bad" : ".bad" + std::to_string(number));
+        ++number;
         EXPECT_EQ(mergeFile(file), Merge::damaged);
-        EXPECT_THAT(takeMessages(), ElementsAre(HasSubstr("12-102 " + file)));
+        EXPECT_THAT(takeMessages(), ElementsAre(HasSubstr("12-102 " + file), "17-2228 " + file + "|" + kept));
         manager.save(nullptr, &object, "");
-        EXPECT_EQ(readFile(file + ".bad"), damaged);
+        EXPECT_EQ(readFile(kept), damaged);
         EXPECT_EQ(mergeFile(file), Merge::merged);
     }
-    HUTFile::rmRecursive(file + ".bad");
-    temp.makeDir("db.json.bad/own");
-    temp.write("db.json", "{");
+}
+
+// Records that can be read lost with those that cannot, or another store's records overwritten.
+TEST_F(LocalDbTest, TakesWhatCanBeReadAndLeavesOtherStoresTheirs) {
+    const std::string start = R"({"plaz": {"product": "Solvan", "release": "2024.2", "qstores": [{"name": ")";
+    const std::string record = R"(", "items": [{"name": "a", "revision": "1"}, )";
+    const std::string file = temp.write("db.json", start + "s" + record + R"({"name": "b\"]}}", "revision": "2)");
     EXPECT_EQ(mergeFile(file), Merge::damaged);
-    takeMessages();
-    for (int save = 0; save < 2; ++save) { // there is no place for the copy: what could not be read stays where it is
-        EXPECT_FALSE(manager.save(nullptr, &object, ""));
-        EXPECT_THAT(takeMessages(), ElementsAre("17-2164 " + file));
-        EXPECT_EQ(readFile(file), "{");
-    }
+    ASSERT_EQ(store.getItems().size(), 1U);
+    EXPECT_TRUE(store.getItems()[0]->isInstalled() && store.getItems()[0]->getName() == "a");
+    temp.write("db.json", start + "other" + record + "{}]}]}}");
+    EXPECT_EQ(mergeFile(file), Merge::ofOtherStore);
 }

@@ -228,6 +228,13 @@ TEST_F(HubRefreshTest, RebuildsTheHubFromWhatIsPublished) {
     publishHub(listing(extra.entry()));
     ASSERT_TRUE(refreshHub());
     EXPECT_EQ(takeIds().back(), "17-2178");
+    // What is installed of a store that is gone can still be used and removed, and then the store is gone as well.
+    ASSERT_EQ(hub().getStores().size(), 2U);
+    HSCPlazQItem* const withdrawn = store().getItem("a", "2");
+    ASSERT_TRUE(withdrawn && withdrawn->IsInstalled() && !withdrawn->getModel()->isListed());
+    EXPECT_TRUE(HSCPlazTaskMgr::uninstall(&hub(), hub().getStore("extra")->getItem("b"), true));
+    EXPECT_TRUE(HSCPlazTaskMgr::uninstall(&hub(), withdrawn, true));
+    ASSERT_TRUE(refreshHub());
     EXPECT_EQ(hub().getStores().size(), 1U);
     EXPECT_EQ(HSCPlazMgr::getInstance().getCurrentStore(), nullptr);
     EXPECT_EQ(hub().getStore("extra")->getLocalRootDir(), files.area("ced_store_extra"));
@@ -243,9 +250,10 @@ TEST_F(HubRefreshTest, WhatFailsLeavesTheHubAsItWas) {
     }
     EXPECT_EQ(takeIds().front(), "17-2140");
     publishHub(listing(tcl.entry()));
+    HUTFile::rmRecursive(files.area("plaz_stores.json"));
     files.temp.makeDir("appdata/2024.2/plaz/plaz_stores.json"); // without places recorded nothing may change
     EXPECT_FALSE(refreshHub());
-    EXPECT_EQ(takeIds().back(), "17-2177");
+    EXPECT_EQ(takeIds().back(), "17-2224");
     HDGUIStatus status;
     status.cancel();
     EXPECT_FALSE(refreshHub(&status));

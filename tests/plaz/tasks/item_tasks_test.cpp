@@ -112,7 +112,7 @@ TEST_F(ItemTasksTest, WithdrawnItemKeepsWhatItNeeds) {
     const std::string description = files.area("ced_store/items/gone/item.json"), second = description + ".json";
     HUTFile::copyTo(description, second, HUTFile::copyOver);
     reload();
-    walk({{"^stays", " 17-1570 17-2227 17-2188", "needed@1 tool 0;stays@1 user 0;gone@1 user 0;"}});
+    walk({{"^stays", "! 17-1570 17-2227 17-2188", "needed@1 tool 0;stays@1 user 0;gone@1 user 0;"}});
     HUTFile::rmRecursive(second);
     reload();
     walk({{"-gone", " 17-1553 17-1574", "stays@1 user 0;"}});

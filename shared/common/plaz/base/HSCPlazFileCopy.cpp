@@ -17,8 +17,9 @@ bool copyWithoutRepository(const std::string& src, const std::string& dest) {
     if (HUTFile::getNonNativeCanonicalName(src) == HUTFile::getNonNativeCanonicalName(dest)) return true;
     if (!HUTFile::mkDirRecursive(dest)) return false;
     const std::string& separator = HUTFile::getDirSeparator();
-    bool copied = true;
-    for (const std::string& name : HUTFile::createFileIter(src))
+    const auto names = HUTFile::readDirectory(src);
+    bool copied = names.has_value();
+    for (const std::string& name : names.value_or(std::vector<std::string>()))
         if (!isSkipped(name))
             copied =
                 HUTFile::copyToRecursive(src + separator + name, dest + separator + name, HUTFile::copyOver) && copied;

@@ -70,5 +70,7 @@ inline constexpr MsgId<1> databaseUnreadable{"@17-2224@%s"}; ///< file
 inline constexpr MsgId<1> changeFinished{"@17-2225@%s"};     ///< item
 inline constexpr MsgId<1> changeUndone{"@17-2226@%s"};       ///< item
 inline constexpr MsgId<1> needsUnknown{"@17-2227@%s"};       ///< display name
+inline constexpr MsgId<2> databaseDamaged{"@17-2228@%s%s"};  ///< file, where it will be kept
+inline constexpr MsgId<2> databaseOfOtherStore{"@17-2229@%s%s"}; ///< store, database file
 inline constexpr MsgId<1> clonedRepo{"@60-832@%s"};          ///< directory
 } // namespace Msg

@@ -33,6 +33,9 @@ public:
     bool isPrivateRepository() const { return m_private; }
     void setIsPrivateRepository(bool value) { m_private = value; }
     /// The store was added by the user rather than shipped.
+    /// The hub offers it to the running product. One of which something is installed may be offered no more.
+    bool isOffered() const { return m_offered; }
+    void setIsOffered(bool value) { m_offered = value; }
     bool isUserRepository() const { return m_userRepository; }
     void setIsUserRepository(bool value) { m_userRepository = value; }
     /// Several revisions of one item can be installed side by side.
@@ -106,6 +109,7 @@ private:
     std::vector<std::unique_ptr<HSCPlazQItemModel>> m_items;
     std::vector<HSCPlazCategoryModel> m_categories;
     bool m_productSpecific = false;
+    bool m_offered = true;
     bool m_private = false;
     bool m_userRepository = false;
     bool m_multiRevision = false;

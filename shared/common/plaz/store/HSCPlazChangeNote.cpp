@@ -1,5 +1,6 @@
 #include "plaz/store/HSCPlazChangeNote.h"
 
+#include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/reader/HSCPlazLocalDBReader.h"
 #include "plaz/model/reader/HSCPlazLocalDBWriter.h"
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
@@ -14,7 +15,19 @@ namespace {
 constexpr const char* storeKey = "store";
 constexpr const char* itemKey = "item";
 constexpr const char* installedKey = "installed";
+constexpr const char* filesKey = "files";
+constexpr const char* placeKey = "place";
 constexpr const char* identityKey = "identity";
+
+/// Names that may not be used are none.
+std::vector<std::string> readFiles(const rapidjson::Value& plaz) {
+    std::vector<std::string> files;
+    const rapidjson::Value* names = Json::FindArray(plaz, filesKey);
+    if (!names) return files;
+    for (const rapidjson::Value& name : names->GetArray())
+        if (name.IsString() && HSCPlazTrust::isSafeRelativePath(name.GetString())) files.emplace_back(name.GetString());
+    return files.size() == names->Size() ? files : std::vector<std::string>();
+}
 
 } // namespace
 
@@ -30,8 +43,15 @@ bool HSCPlazChangeNote::write(const HSCPlazPendingChange& change) const {
     Json::AddStringProperty(document, plaz, storeKey, change.store);
     Json::AddBooleanProperty(document, plaz, installedKey, change.isInstalled);
     Json::AddStringProperty(document, plaz, identityKey, change.identity);
-    rapidjson::Value item = HSCPlazLocalDBWriter::toRecord(document, *change.item);
-    Json::AddGenericValueProperty(document, plaz, itemKey, item);
+    Json::AddStringProperty(document, plaz, placeKey, change.place);
+    if (change.item) {
+        rapidjson::Value item = HSCPlazLocalDBWriter::toRecord(document, *change.item);
+        Json::AddGenericValueProperty(document, plaz, itemKey, item);
+    }
+    rapidjson::Value files(rapidjson::kArrayType);
+    for (const std::string& file : change.files)
+        files.PushBack(rapidjson::Value(file.c_str(), document.GetAllocator()), document.GetAllocator());
+    Json::AddGenericValueProperty(document, plaz, filesKey, files);
     Json::AddGenericValueProperty(document, document, HSCPlazKey::plaz, plaz);
     return HUTFile::writeAtomically(m_file, Json::toText(document));
 }
@@ -41,10 +61,14 @@ HSCPlazPendingChange HSCPlazChangeNote::read() const {
     rapidjson::Document document;
     if (HIOStream::read(m_file, text) != HIOStream::Status::ok || !Json::parseInPlace(text, document, error)) return {};
     const rapidjson::Value* plaz = Json::FindObject(document, HSCPlazKey::plaz);
-    const rapidjson::Value* item = plaz ? Json::FindObject(*plaz, itemKey) : nullptr;
-    if (!item) return {};
-    return {Json::GetStringProperty(*plaz, storeKey), HSCPlazLocalDBReader::toItem(*item),
-            Json::GetBooleanProperty(*plaz, installedKey), Json::GetStringProperty(*plaz, identityKey)};
+    if (!plaz) return {};
+    HSCPlazPendingChange change{Json::GetStringProperty(*plaz, storeKey), nullptr,
+                                Json::GetBooleanProperty(*plaz, installedKey),
+                                Json::GetStringProperty(*plaz, identityKey), readFiles(*plaz),
+                                Json::GetStringProperty(*plaz, placeKey)};
+    if (const rapidjson::Value* item = Json::FindObject(*plaz, itemKey))
+        change.item = HSCPlazLocalDBReader::toItem(*item);
+    return change;
 }
 
 bool HSCPlazChangeNote::forget() const {

@@ -2,17 +2,22 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 class HSCPlazQItemModel;
 
-/// What a task is about to do to one item.
+/// What a task is about to do to one item, or to a store's catalog.
 struct HSCPlazPendingChange {
     std::string store;
-    /// The item as it will be recorded; of one that goes, as it was.
+    /// Null where it is about the catalog. The item as it will be recorded; of one that goes, as it was.
     std::shared_ptr<const HSCPlazQItemModel> item;
     bool isInstalled = false; ///< afterwards
     /// Of the directory that will be in the item's place (HUTFile::getIdentity); empty where its files stay.
     std::string identity;
+    /// Of a catalog, relative to the store's area. They lie in its incoming directory, by their number.
+    std::vector<std::string> files;
+    /// Where a store is about to move to; nothing of the move counts until the place is recorded.
+    std::string place;
 };
 
 /// The note of a change under way. It is there from before the first file of a task changes its place until all that
@@ -27,7 +32,7 @@ public:
     bool exists() const;
     /// In the place of an earlier one. @return false when it could not be written
     bool write(const HSCPlazPendingChange& change) const;
-    /// A note that says nothing that can be used gives a change without an item.
+    /// A note that says nothing that can be used gives a change of nothing.
     HSCPlazPendingChange read() const;
     bool forget() const;
 

@@ -102,6 +102,7 @@ void HSCPlazHubBuilder::readStores() const {
     // What is shipped of a store that the hub knows is not read a second time: nobody asks for it.
     for (const auto& store : shared.getStores())
         if (!hub.findStore(store->getName())) loader.loadStore(&shared, store.get(), true);
+    HSCPlazPlaces(m_workspace).addWithdrawn(m_report);
 }
 
 void HSCPlazHubBuilder::readShared() const {
@@ -171,10 +172,19 @@ void HSCPlazHubBuilder::reloadStore(HSCPlaz& hub, HSCPlazQStore& store, bool isS
     const HSCPlazInstalledState installed(m_workspace, m_report);
     const std::string area = model.getLocalRootDir();
     store.clearQStore();
+    if (!model.isOffered() && !model.getMetadataFile().empty()) { // whether it is now, its metadata will say
+        model.setIsProductSpecific(false);
+        model.setIsOffered(true);
+    }
     loader.loadShipped(*m_workspace.hubModel, model);
     loader.loadStore(hub.getModel(), &model, isShared);
     // Reading what is shipped makes its directory the local root; a store that has an area of its own keeps that.
     if (!area.empty()) model.setLocalRootDir(area);
+    const HSCPlazPlaces places(m_workspace);
+    places.claim(model, model.getLocalRootDir());
+    // A store that has come to be one of the product's records what is installed from now on.
+    if (model.isProductSpecific() && model.getLocalDbFilePath().empty())
+        places.place(model, model.getLocalRootDir(), m_report);
     installed.merge(model);
     installed.describe(model);
     store.assignModel(&model);

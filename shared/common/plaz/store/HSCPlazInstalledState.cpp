@@ -95,12 +95,19 @@ void HSCPlazInstalledState::takeOver(HSCPlazQStore& store) const {
 
 void HSCPlazInstalledState::merge(HSCPlazQStoreModel& store) const {
     const std::string database = store.getLocalDbFilePath();
+    using Merge = HSCPlazLocalDBMgr::Merge;
     HSCPlazLocalDBMgr& databases = m_workspace.databases;
-    if (databases.merge(database, store, m_workspace.paths, m_report) != HSCPlazLocalDBMgr::Merge::foreign) return;
-    m_report.add(Msg::databaseForeign, MsgSeverity::warning, store.getName(), database);
-    // What another release installed stays as it is; this one works beside it.
+    const Merge merged = databases.merge(database, store, m_workspace.paths, m_report);
+    if (merged != Merge::foreign && merged != Merge::ofOtherStore) return;
+    // What another release, or another store, has there stays as it is; this one works beside it.
     const HSCPlazProduct::Identity running = HSCPlazProduct::get();
+    const bool isForeign = merged == Merge::foreign;
+    m_report.add(isForeign ? Msg::databaseForeign : Msg::databaseOfOtherStore, MsgSeverity::warning, store.getName(),
+                 database);
     HSCPlazPlaces(m_workspace)
-        .place(store, m_workspace.paths.getStoreArea(store) + "_" + running.name + "_" + running.version, m_report);
+        .place(store,
+               m_workspace.paths.getStoreArea(store) +
+                   (isForeign ? "_" + running.name + "_" + running.version : "_" + HSCPlazPathMgr::getStoreFolder(store)),
+               m_report);
     databases.merge(store.getLocalDbFilePath(), store, m_workspace.paths, m_report);
 }

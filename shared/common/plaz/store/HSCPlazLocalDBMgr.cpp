@@ -2,6 +2,7 @@
 
 #include "plaz/base/HSCPlazContext.h"
 #include "plaz/base/HSCPlazDebugLog.h"
+#include "plaz/base/HSCPlazKeptFile.h"
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazModel.h"
@@ -26,7 +27,7 @@ std::string chooseFile(const HSCPlaz* hub, const HSCPlazQStore& store, const std
 
 /// What could not be read is not lost: it stays beside the new file, as a copy or, where it may not be copied, itself.
 bool keepBeside(const std::string& file) {
-    const std::string kept = file + ".bad";
+    const std::string kept = HSCPlazKeptFile::nameFor(file);
     return !HUTFile::exists(file) || HUTFile::copyToRecursive(file, kept, HUTFile::copyOver) ||
            HUTFile::rename(file, kept);
 }
@@ -89,6 +90,16 @@ bool HSCPlazLocalDBMgr::isValidForProductAndRelease(const std::string& file) con
     return m_regressionMode || HSCPlazLocalDBReader().checkIfValidForProductAndRelease(file);
 }
 
+std::shared_ptr<HSCPlazQStoreModel> HSCPlazLocalDBMgr::findRecord(const std::string& file,
+                                                                  const std::string& store) const {
+    HSCPlazModel recorded;
+    HSCPlazFindings found;
+    if (HUTFile::isRegularFile(file)) HSCPlazLocalDBReader::read(file, recorded, !m_regressionMode, found);
+    for (const auto& record : recorded.getStores())
+        if (record->getName() == store && !record->getItems().empty()) return record;
+    return nullptr;
+}
+
 bool HSCPlazLocalDBMgr::hasChanged(const std::string& file) const {
     const auto known = m_stamps.find(file);
     return isUnreadable(file) || (known != m_stamps.end() && known->second != HUTFile::getStamp(file));
@@ -120,10 +131,14 @@ HSCPlazLocalDBMgr::Merge HSCPlazLocalDBMgr::merge(const std::string& file, HSCPl
     if (read.outcome == Outcome::foreign) return Merge::foreign;
     if (read.outcome == Outcome::damaged) {
         m_damaged.insert(file);
-        return Merge::damaged;
+        report.add(Msg::databaseDamaged, MsgSeverity::warning, file, HSCPlazKeptFile::nameFor(file));
     }
     const HSCPlazQStoreModel* records = recorded.findStore(store.getName());
-    if (!records) return Merge::nothing;
+    const bool isDamaged = read.outcome == Outcome::damaged;
+    if (!records && !recorded.getStores().empty()) return Merge::ofOtherStore;
+    if (!records) return isDamaged ? Merge::damaged : Merge::nothing;
+    if (store.getOwnBranch().empty()) store.setBranch(records->getOwnBranch());
+    if (records->isUserRepository()) store.setIsUserRepository(true);
     HSCPlazInstalledItems installed(store, paths);
     for (const auto& record : records->getItems()) {
         const std::string refusal = installed.apply(*record);
@@ -131,5 +146,5 @@ HSCPlazLocalDBMgr::Merge HSCPlazLocalDBMgr::merge(const std::string& file, HSCPl
         report.add(Msg::itemRefused, MsgSeverity::criticalWarning, record->getName(), refusal);
         m_damaged.insert(file); // so that the record outlives the next save
     }
-    return Merge::merged;
+    return isDamaged ? Merge::damaged : Merge::merged;
 }

@@ -3,6 +3,7 @@
 #include "plaz/base/PlazExport.h"
 
 #include <map>
+#include <memory>
 #include <set>
 #include <string>
 
@@ -43,13 +44,17 @@ public:
         nothing,   ///< there is none, or it records nothing of the store
         merged,    ///< what it records of the store is in the model
         foreign,   ///< another product or release wrote it; it was left alone
-        damaged,   ///< reported; the next save keeps it beside the new one as "<file>.bad"
+        ofOtherStore, ///< it records another store; it was left alone
+        damaged,   ///< reported; what can be read of it is in the model, and the next save keeps it beside the new one
         unreadable ///< reported; nothing is written there until it can be read
     };
     /// Puts what @p file records of the store into its model: installed revisions become installed, and those that the
     /// catalog no longer lists are added, described by what the catalog says of the item. Records whose names would
     /// lead out of the store's area are refused (Msg::itemRefused). What is to be told is added to the report.
     Merge merge(const std::string& file, HSCPlazQStoreModel& store, const HSCPlazPathMgr& paths, HSCPlazReport& report);
+
+    /// The store as the database of the running product and release records it, if it records items of it; else null.
+    std::shared_ptr<HSCPlazQStoreModel> findRecord(const std::string& file, const std::string& store) const;
 
     /// Whether another process has written the database since it was merged or saved here, or it could not be read
     /// then.

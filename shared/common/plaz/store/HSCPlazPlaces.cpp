@@ -30,8 +30,11 @@ std::string HSCPlazPlaces::getDefaultPlace(const HSCPlazQStoreModel& store) cons
 
 std::string HSCPlazPlaces::defaultDir(const HSCPlazQStoreModel& store) const {
     const std::string recorded = m_workspace.places.getStoreDirectory(store.getName());
-    if (!recorded.empty())
-        return store.getRoot().empty() ? recorded : recorded + HUTFile::getDirSeparator() + store.getRoot();
+    if (!recorded.empty()) {
+        const std::string noted = m_workspace.places.getStoreRoot(store.getName());
+        const std::string& root = noted.empty() ? store.getRoot() : noted;
+        return root.empty() ? recorded : recorded + HUTFile::getDirSeparator() + root;
+    }
     if (!hasDefaultLocations()) return "";
     const std::string kept = getDefaultPlace(store);
     if (!kept.empty()) return kept;
@@ -67,7 +70,7 @@ bool HSCPlazPlaces::keepDefaults(HSCPlazReport& report) const {
         const HSCPlazQStoreModel& store = *m_workspace.hubModel->getStores()[position];
         const boost::filesystem::path place(dirs[position]);
         if (m_workspace.places.getStoreDirectory(store.getName()).empty())
-            folders.push_back({store.getName(), place.lexically_relative(userArea).generic_string()});
+            folders.push_back({store.getName(), place.lexically_relative(userArea).generic_string(), ""});
     }
     return m_workspace.places.addDefaultFolders(folders, report);
 }
@@ -124,10 +127,38 @@ void HSCPlazPlaces::applyDefaults(HSCPlazReport& report) const {
     for (std::size_t position = 0; position < dirs.size(); ++position) {
         HSCPlazQStoreModel& store = *m_workspace.hubModel->getStores()[position];
         const bool isChosen = !m_workspace.places.getStoreDirectory(store.getName()).empty();
+        claim(store, dirs[position].empty() ? store.getLocalRootDir() : dirs[position]);
         if (!store.isProductSpecific() && !isChosen) continue;
         // A store that has been refreshed stays where its catalog is.
         const bool stays = dirs[position].empty() && HSCPlazCatalogLoader::hasOwnArea(store);
         place(store, stays ? store.getLocalRootDir() : dirs[position], report);
+    }
+}
+
+void HSCPlazPlaces::claim(HSCPlazQStoreModel& store, const std::string& dir) const {
+    if (store.isProductSpecific() || dir.empty()) return;
+    if (!m_workspace.databases.findRecord(HSCPlazStoreLayout(dir, dir).getDatabase(), store.getName())) return;
+    store.setIsProductSpecific(true);
+    store.setIsOffered(false);
+}
+
+void HSCPlazPlaces::addWithdrawn(HSCPlazReport& report) const {
+    std::vector<HSCPlazRepoInfoMgr::Record> known = m_workspace.places.getChosen();
+    const auto& defaults = m_workspace.places.getDefaultFolders();
+    known.insert(known.end(), defaults.begin(), defaults.end());
+    for (const auto& record : known) {
+        if (m_workspace.hubModel->findStore(record.store)) continue;
+        HSCPlazQStoreModel named;
+        named.setName(record.store);
+        named.setRoot(record.root);
+        const std::string dir = defaultDir(named);
+        if (dir.empty()) continue;
+        auto store = m_workspace.databases.findRecord(HSCPlazStoreLayout(dir, dir).getDatabase(), record.store);
+        if (!store) continue;
+        store->clearCatalog();
+        store->setIsProductSpecific(true);
+        store->setIsOffered(false);
+        place(*m_workspace.hubModel->addStore(store), dir, report);
     }
 }
 

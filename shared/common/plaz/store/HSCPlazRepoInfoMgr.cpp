@@ -1,5 +1,6 @@
 #include "plaz/store/HSCPlazRepoInfoMgr.h"
 
+#include "plaz/base/HSCPlazKeptFile.h"
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/reader/HSCPlazFindings.h"
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
@@ -25,8 +26,9 @@ Records readRecords(const rapidjson::Value& plaz, const char* key) {
     const rapidjson::Value* stores = Json::FindArray(plaz, key);
     if (!stores) return records;
     for (const rapidjson::Value& store : stores->GetArray())
-        records.push_back(
-            {Json::GetStringProperty(store, HSCPlazKey::name), Json::GetStringProperty(store, directoryKey)});
+        records.push_back({Json::GetStringProperty(store, HSCPlazKey::name),
+                           Json::GetStringProperty(store, directoryKey),
+                           Json::GetStringProperty(store, HSCPlazKey::root)});
     return records;
 }
 
@@ -36,6 +38,7 @@ void addRecords(rapidjson::Document& document, rapidjson::Value& plaz, const cha
         rapidjson::Value store(rapidjson::kObjectType);
         Json::AddStringProperty(document, store, HSCPlazKey::name, record.store);
         Json::AddStringProperty(document, store, directoryKey, record.directory);
+        if (!record.root.empty()) Json::AddStringProperty(document, store, HSCPlazKey::root, record.root);
         stores.PushBack(store, document.GetAllocator());
     }
     Json::AddGenericValueProperty(document, plaz, key, stores);
@@ -55,10 +58,10 @@ void HSCPlazRepoInfoMgr::read(HSCPlazReport& report) {
     const HIOStream::Status status = HIOStream::read(m_file, text);
     if (status == HIOStream::Status::missing) return;
     rapidjson::Document document;
-    m_damaged = status != HIOStream::Status::ok || !Json::parseInPlace(text, document, error);
-    if (m_damaged) {
-        const bool isText = status == HIOStream::Status::ok;
-        const auto kind = isText ? HSCPlazFinding::Kind::notJson : HSCPlazFinding::Kind::unreadable;
+    m_unreadable = status != HIOStream::Status::ok;
+    m_damaged = !m_unreadable && !Json::parseInPlace(text, document, error);
+    if (m_unreadable || m_damaged) {
+        const auto kind = m_damaged ? HSCPlazFinding::Kind::notJson : HSCPlazFinding::Kind::unreadable;
         HSCPlazFinding{kind, m_file, error}.addTo(report);
         return;
     }
@@ -74,7 +77,7 @@ void HSCPlazRepoInfoMgr::readOnce() {
 
 // Another process may have changed the file since.
 void HSCPlazRepoInfoMgr::readAgain(HSCPlazReport& report) {
-    m_read = m_damaged = false;
+    m_read = m_damaged = m_unreadable = false;
     m_content = {};
     read(report);
 }
@@ -93,16 +96,27 @@ bool HSCPlazRepoInfoMgr::setStoreDirectory(const std::string& storeName, const s
     return isRecorded;
 }
 
+std::string HSCPlazRepoInfoMgr::getStoreRoot(const std::string& storeName) {
+    readOnce();
+    const auto found = findStore(m_content.chosen, storeName);
+    return found == m_content.chosen.end() ? std::string() : found->root;
+}
+
 bool HSCPlazRepoInfoMgr::setStoreDirectory(const std::string& storeName, const std::string& directory,
-                                           HSCPlazReport& report) {
+                                           HSCPlazReport& report, const std::string& root) {
     readAgain(report);
     Content content = m_content;
     const auto found = findStore(content.chosen, storeName);
     if (found == content.chosen.end())
-        content.chosen.push_back({storeName, directory});
+        content.chosen.push_back({storeName, directory, root});
     else
-        found->directory = directory;
+        *found = {storeName, directory, root};
     return replace(std::move(content));
+}
+
+const Records& HSCPlazRepoInfoMgr::getChosen() {
+    readOnce();
+    return m_content.chosen;
 }
 
 const Records& HSCPlazRepoInfoMgr::getDefaultFolders() {
@@ -118,10 +132,14 @@ bool HSCPlazRepoInfoMgr::addDefaultFolders(const Records& folders, HSCPlazReport
     return content.defaults.size() == m_content.defaults.size() || replace(std::move(content));
 }
 
-std::string HSCPlazRepoInfoMgr::findMovedStore(HSCPlazReport& report) const {
-    if (!m_read || m_stamp == HUTFile::getStamp(m_file)) return "";
+std::string HSCPlazRepoInfoMgr::findMovedStore(HSCPlazReport& report) {
+    if (!m_read || (!m_unreadable && m_stamp == HUTFile::getStamp(m_file))) return "";
     HSCPlazRepoInfoMgr today(m_file);
-    today.read(report);
+    HSCPlazReport findings;
+    today.read(findings);
+    m_unreadable = today.m_unreadable;
+    if (m_unreadable) return ""; // isUnreadable() says so
+    report.append(findings);
     for (const Record& record : today.m_content.chosen) {
         const auto known = findStore(m_content.chosen, record.store);
         const std::string before = known == m_content.chosen.end() ? std::string() : known->directory;
@@ -132,8 +150,8 @@ std::string HSCPlazRepoInfoMgr::findMovedStore(HSCPlazReport& report) const {
 
 bool HSCPlazRepoInfoMgr::replace(Content content) {
     // What could not be read is not lost: it stays beside the new file.
-    const bool isKept = !m_damaged || HUTFile::copyTo(m_file, m_file + ".bad", HUTFile::copyOver);
-    if (!isKept || !write(content)) return false;
+    const bool isKept = !m_damaged || HUTFile::copyTo(m_file, HSCPlazKeptFile::nameFor(m_file), HUTFile::copyOver);
+    if (m_unreadable || !isKept || !write(content)) return false;
     m_damaged = false;
     m_stamp = HUTFile::getStamp(m_file);
     m_content = std::move(content);

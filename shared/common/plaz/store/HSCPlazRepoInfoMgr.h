@@ -16,6 +16,7 @@ public:
     struct Record {
         std::string store;
         std::string directory;
+        std::string root; ///< of the store when it moved there: the name of its folder below
     };
 
     /// @param file  the file; it need not exist
@@ -31,7 +32,15 @@ public:
     /// Records a directory. @return false, with nothing changed, when the file cannot be written: Msg::placesNotSaved
     bool setStoreDirectory(const std::string& storeName, const std::string& directory);
     /// The same. @param report  what is wrong with the file as it is now is added, and nothing is sent
-    bool setStoreDirectory(const std::string& storeName, const std::string& directory, HSCPlazReport& report);
+    /// @param root    the name of the store's folder there; empty where it has none, or as the hub says
+    bool setStoreDirectory(const std::string& storeName, const std::string& directory, HSCPlazReport& report,
+                           const std::string& root = "");
+    /// The recorded name of the store's folder below its directory; empty when none is.
+    std::string getStoreRoot(const std::string& storeName);
+    /// The stores that have such a directory.
+    const std::vector<Record>& getChosen();
+    /// It is there, but could not be read when that was tried last: nothing is recorded then.
+    bool isUnreadable() const { return m_unreadable; }
 
     /// The stores' default places: folder names in the user area. Empty as long as the hub is the shipped one.
     const std::vector<Record>& getDefaultFolders();
@@ -42,7 +51,7 @@ public:
 
     /// A store whose chosen directory another process has changed since it was read here; empty when there is none.
     /// @param report  as setStoreDirectory
-    std::string findMovedStore(HSCPlazReport& report) const;
+    std::string findMovedStore(HSCPlazReport& report);
 
 private:
     struct Content {
@@ -59,4 +68,5 @@ private:
     std::string m_stamp; ///< of the file when it was read or written
     bool m_read = false;
     bool m_damaged = false;
+    bool m_unreadable = false;
 };

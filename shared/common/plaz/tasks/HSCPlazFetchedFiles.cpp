@@ -40,6 +40,25 @@ std::string HSCPlazFetchedFiles::take(const std::string& source, const std::stri
     return {};
 }
 
+std::string HSCPlazFetchedFiles::prepare(const std::string& source, const std::string& incoming,
+                                         const std::vector<std::string>& files) {
+    bool arePrepared = HUTFile::rmRecursive(incoming) && HUTFile::mkDirRecursive(incoming);
+    for (std::size_t number = 0; arePrepared && number < files.size(); ++number)
+        arePrepared = copyWithoutRepository(source + "/" + files[number], incoming + "/" + std::to_string(number));
+    return arePrepared && HUTFile::flush(incoming) ? std::string() : incoming;
+}
+
+std::string HSCPlazFetchedFiles::moveIn(const std::string& incoming, const std::string& area,
+                                        const std::vector<std::string>& files) {
+    for (std::size_t number = 0; number < files.size(); ++number) {
+        const std::string fresh = incoming + "/" + std::to_string(number), file = area + "/" + files[number];
+        if (!HUTFile::exists(fresh)) continue;
+        if (!HUTFile::mkDirRecursive(parentOf(file)) || !HUTFile::rename(fresh, file) || !HUTFile::flush(file))
+            return parentOf(file);
+    }
+    return {};
+}
+
 bool HSCPlazFetchedFiles::place(const std::string& fetched, const std::string& file) {
     if (HUTFile::rename(fetched, file)) return true;
     if (!HUTFile::mkDirRecursive(parentOf(file))) return false;

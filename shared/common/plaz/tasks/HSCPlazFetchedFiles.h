@@ -25,6 +25,13 @@ public:
     /// repository, have been fetched with them and stay out.
     /// @return the directory that could not be written to; empty when all is well
     static std::string take(const std::string& source, const std::string& area, const std::vector<std::string>& files);
+    /// Copies files into a directory of their own, by their number, from where moveIn() puts them into force.
+    /// @return as take
+    static std::string prepare(const std::string& source, const std::string& incoming,
+                               const std::vector<std::string>& files);
+    /// Moves such files to where they count; those that are there already are left out. @return as take
+    static std::string moveIn(const std::string& incoming, const std::string& area,
+                              const std::vector<std::string>& files);
     /// Moves one file to where it counts, or copies it where that is on another disk.
     static bool place(const std::string& fetched, const std::string& file);
 

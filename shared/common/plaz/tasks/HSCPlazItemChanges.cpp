@@ -8,7 +8,9 @@
 #include "plaz/store/HSCPlazHolds.h"
 #include "plaz/store/HSCPlazInstalledItems.h"
 #include "plaz/store/HSCPlazInstalledState.h"
+#include "plaz/store/HSCPlazPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
+#include "plaz/tasks/HSCPlazFetchedFiles.h"
 #include "plaz/tasks/HSCPlazItemFiles.h"
 #include "plaz/tasks/HSCPlazTask.h"
 #include "support/HUTFile.h"
@@ -78,18 +80,32 @@ bool isRecorded(const HSCPlazFoundItem& found, const HSCPlazPendingChange& chang
            item.getInstallationMode() == change.item->getInstallationMode();
 }
 
-/// What interrupted tasks have left in the stores' areas.
+void removeLeftovers(const HSCPlazStoreLayout& layout) {
+    for (const std::string& leftover :
+         {layout.getStaging(), layout.getIncoming(), HUTFile::getAside(layout.getIncoming())})
+        if (HUTFile::exists(leftover)) HUTFile::rmRecursive(leftover);
+    for (const std::string& dir : {layout.getArea(), layout.getHiddenDir(), layout.getIndex()})
+        HUTFile::removeTemporaries(dir);
+}
+
+/// What interrupted tasks have left.
 void removeLeftovers(const HSCPlazTask& task) {
-    for (const HSCPlazQStore* store : task.getHub().getStores()) {
-        if (!store->isProductSpecific()) continue;
-        const HSCPlazStoreLayout layout = task.getWorkspace().paths.getStoreLayout(*store->getModel());
-        for (const std::string& leftover :
-             {layout.getStaging(), layout.getIncoming(), HUTFile::getAside(layout.getIncoming())})
-            if (HUTFile::exists(leftover)) HUTFile::rmRecursive(leftover);
-        for (const std::string& dir : {layout.getArea(), layout.getHiddenDir(), layout.getIndex()})
-            HUTFile::removeTemporaries(dir);
-    }
-    HUTFile::removeTemporaries(task.getWorkspace().paths.getUserAreaRoot());
+    for (const HSCPlazQStore* store : task.getHub().getStores())
+        if (store->isProductSpecific())
+            removeLeftovers(task.getWorkspace().paths.getStoreLayout(*store->getModel()));
+    const HSCPlazPathMgr& paths = task.getWorkspace().paths;
+    const std::string& root = task.getHub().getRoot();
+    HUTFile::rmRecursive(paths.getStagingDir(root));
+    for (const std::string& dir : {paths.getUserAreaRoot(), paths.getUserAreaRoot(root)})
+        HUTFile::removeTemporaries(dir);
+}
+
+/// Where the stores are is written down before anything is put there, so that no other order of theirs moves them.
+bool keepPlaces(HSCPlazTask& task) {
+    HSCPlazReport report;
+    const bool areKept = HSCPlazPlaces(task.getWorkspace()).keepDefaults(report);
+    task.mention(report);
+    return areKept || task.fail(Msg::placesNotSaved, task.getWorkspace().places.getFile());
 }
 
 const HSCPlazQItem* findUndescribed(const HSCPlaz& hub) {
@@ -116,21 +132,24 @@ HSCPlazItemChanges::HSCPlazItemChanges(HSCPlazTask& task)
 
 bool HSCPlazItemChanges::run(HSCPlazTask& task, const std::function<bool(HSCPlazItemChanges&)>& work,
                              const HSCPlazQStore* only) {
-    return task.run([&] { return runLocked(task, work); }, only);
+    return task.run([&] { return keepPlaces(task) && runLocked(task, work); }, only);
 }
 
 void HSCPlazItemChanges::finishAtStart(HSCPlazWorkspace& workspace) {
     const HSCPlazChangeNote note(workspace.paths.getChangeFile());
     if (!note.exists() || !HUTFile::isWriteable(note.getFile())) return;
     HSCPlazTask task(workspace, *workspace.hub, nullptr);
-    const auto nothing = [](HSCPlazItemChanges&) { return true; };
+    const auto nothing = [](HSCPlazItemChanges& changes) {
+        changes.m_isBlocked = true; // what keeps it from being finished is told when somebody changes something
+        return true;
+    };
     task.guard([&] { return task.runIfFree([&] { return runLocked(task, nothing); }); });
 }
 
 bool HSCPlazItemChanges::runLocked(HSCPlazTask& task, const std::function<bool(HSCPlazItemChanges&)>& work) {
     HSCPlazItemChanges changes(task);
     changes.finishInterrupted();
-    removeLeftovers(task);
+    if (!changes.m_isStuck) removeLeftovers(task);
     bool isDone = false;
     try {
         isDone = work(changes);
@@ -186,13 +205,13 @@ HSCPlazPendingChange HSCPlazItemChanges::toInstallation(const HSCPlazFoundItem& 
     item->setCommitId(found.item->getModel()->getCommitId());
     item->setLocalDir(Files::directoryOf(m_task.getWorkspace(), found));
     item->setMode(wasUsers ? Mode::user : mode);
-    return {found.store->getName(), item, true, ""};
+    return {found.store->getName(), item, true, "", {}, ""};
 }
 
 HSCPlazPendingChange HSCPlazItemChanges::toRemoval(const HSCPlazFoundItem& found, const std::string& dir) {
     const auto item = toRecord(*found.item->getModel());
     item->setLocalDir(dir);
-    return {found.store->getName(), item, false, ""};
+    return {found.store->getName(), item, false, "", {}, ""};
 }
 
 bool HSCPlazItemChanges::put(const HSCPlazFoundItem& found, HSCPlazPendingChange change,
@@ -253,6 +272,8 @@ void HSCPlazItemChanges::finishInterrupted() {
     if (!m_note.exists()) return;
     const HSCPlazPendingChange change = m_note.read();
     HSCPlazQStore* store = m_task.getHub().getStore(change.store);
+    if (!change.place.empty()) return removeLeftovers(HSCPlazStoreLayout(change.place, change.place));
+    if (store && !change.files.empty()) return finishFiles(change, *store);
     if (!change.item || !store || !isInside(m_task, *store, change.item->getLocalDir())) return;
     const std::string name = change.item->getName();
     if (!bringIntoPlace(change, incomingOf(m_task, *store))) {
@@ -271,27 +292,40 @@ void HSCPlazItemChanges::finishInterrupted() {
     if (!m_isStuck) m_task.tell(Msg::changeFinished, MsgSeverity::warning, name);
 }
 
+void HSCPlazItemChanges::finishFiles(const HSCPlazPendingChange& change, const HSCPlazQStore& store) {
+    const HSCPlazStoreLayout layout = m_task.getWorkspace().paths.getStoreLayout(*store.getModel());
+    const std::string obstacle = HSCPlazFetchedFiles::moveIn(layout.getIncoming(), layout.getArea(), change.files);
+    m_isStuck = !obstacle.empty();
+    if (m_isStuck)
+        m_task.fail(Msg::dirNotWritable, obstacle);
+    else
+        m_note.forget();
+}
+
 bool HSCPlazItemChanges::removeUnneeded() {
     HSCPlazFoundItem unneeded = findUnneeded(m_task.getHub(), m_obstinate);
     const HSCPlazQItem* undescribed = unneeded ? findUndescribed(m_task.getHub()) : nullptr;
     if (undescribed) {
-        if (!std::exchange(m_isKeepingTold, true))
-            m_task.tell(Msg::needsUnknown, MsgSeverity::warning, Files::shownName(*undescribed));
-        return true;
+        m_isStuck = true; // once it can be read, they go
+        return std::exchange(m_isBlocked, true) || m_task.fail(Msg::needsUnknown, Files::shownName(*undescribed));
     }
     for (; unneeded; unneeded = findUnneeded(m_task.getHub(), m_obstinate)) {
         const std::string name = unneeded.item->getName();
-        if (remove(unneeded))
+        const bool isRefused = Files::removableDirectory(m_task, unneeded).empty();
+        if (remove(unneeded)) {
             m_task.tellNews(Msg::dependencyRemoved, name);
-        else
-            m_obstinate.insert(unneeded.item);
+            continue;
+        }
+        m_obstinate.insert(unneeded.item);
+        m_isStuck = m_isStuck || !isRefused; // any other obstacle passes, and the next task tries again
     }
     return m_obstinate.empty();
 }
 
 bool HSCPlazItemChanges::end() {
     if (!m_note.exists()) return m_isSound;
-    const bool areGone = removeUnneeded();
+    if (!m_note.read().files.empty()) return false; // of a catalog that could not be put into its place
+    const bool areGone = removeUnneeded() || m_isBlocked;
     if (!m_isStuck) m_note.forget();
-    return areGone && m_isSound && !m_isStuck;
+    return areGone && m_isSound && (!m_isStuck || m_isBlocked);
 }

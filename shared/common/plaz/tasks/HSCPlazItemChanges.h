@@ -62,12 +62,13 @@ private:
     bool giveUp(HSCPlazQStore& store);
     void restoreShipped(const HSCPlazFoundItem& found) const;
     void finishInterrupted();
+    void finishFiles(const HSCPlazPendingChange& change, const HSCPlazQStore& store);
     bool end();
 
     HSCPlazTask& m_task;
     const HSCPlazChangeNote m_note;
     bool m_isSound = true;  ///< all that was to be recorded was
     bool m_isStuck = false; ///< the note has to stay
-    bool m_isKeepingTold = false;
+    bool m_isBlocked = false; ///< what is needed is not known, and that has been told
     std::set<const HSCPlazQItem*> m_obstinate; ///< what could not be removed
 };

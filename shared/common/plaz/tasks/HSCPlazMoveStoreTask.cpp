@@ -4,6 +4,8 @@
 #include "plaz/base/HSCPlazFileCopy.h"
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/repo/git/HSCPlazGitRemoved.h"
+#include "plaz/store/HSCPlazChangeNote.h"
 #include "plaz/store/HSCPlazChosenDirectory.h"
 #include "plaz/store/HSCPlazHubBuilder.h"
 #include "plaz/store/HSCPlazPlaces.h"
@@ -36,7 +38,11 @@ bool takeCatalogAlong(HSCPlazTask& task, const HSCPlazQStoreModel& store, const 
     if (!HSCPlazStoreLayout::isComplete(old.getArea()) || HSCPlazStoreLayout::isComplete(place.getArea())) return true;
     std::vector<std::string> files{store.getMetadataFile()};
     if (!store.getCatalogFile().empty()) files.push_back(store.getCatalogFile());
-    if (HUTFile::exists(old.getCatalogDir())) copyWithoutRepository(old.getCatalogDir(), place.getCatalogDir());
+    const HSCPlazGitRemoved incoming(place.getIncoming());
+    if (HUTFile::exists(old.getCatalogDir()) &&
+        !(HUTFile::rmRecursive(incoming.getName()) && copyWithoutRepository(old.getCatalogDir(), incoming.getName()) &&
+          HUTFile::replaceDirectory(incoming.getName(), place.getCatalogDir())))
+        return task.fail(Msg::dirNotWritable, place.getCatalogDir());
     const std::string obstacle = HSCPlazFetchedFiles::take(old.getArea(), place.getArea(), files);
     if (!obstacle.empty()) return task.fail(Msg::dirNotWritable, obstacle);
     return HSCPlazStoreLayout::markComplete(place.getArea());
@@ -60,16 +66,17 @@ bool HSCPlazMoveStoreTask::move(HSCPlazTask& task, HSCPlazQStore& store, const s
     inside(moveName, " store - ", store.getName(), " local_root_dir - ", dir);
     HSCPlazWorkspace& workspace = task.getWorkspace();
     const HSCPlazPlaces places(workspace);
-    // What other stores have must be known before this one leaves its place.
-    if (!record(task, [&](HSCPlazReport& report) { return places.keepDefaults(report); })) return false;
     const bool goesHome = isSameName(dir, places.getDefaultPlace(*store.getModel()));
     const std::string newRoot = goesHome || store.getRoot().empty() ? dir : dir + "/" + store.getRoot();
     const HSCPlazStoreLayout place(newRoot, newRoot);
     const std::string oldRoot = store.getLocalRootDir();
+    const HSCPlazChangeNote note(workspace.paths.getChangeFile());
+    if (!note.write({store.getName(), nullptr, false, "", {}, newRoot}))
+        return task.fail(Msg::databaseNotSaved, note.getFile());
     if (!canBeKept(task, store, place) || !takeCatalogAlong(task, *store.getModel(), place)) return false;
     // Recorded first: a move that the next start does not know of would lose what is installed there.
     const auto recordMove = [&](HSCPlazReport& report) {
-        return workspace.places.setStoreDirectory(store.getName(), goesHome ? "" : dir, report);
+        return workspace.places.setStoreDirectory(store.getName(), goesHome ? "" : dir, report, store.getRoot());
     };
     if (!record(task, recordMove)) return false;
     if (!isSameName(newRoot, oldRoot) && HSCPlazStoreCatalog::holdsSomething(*store.getModel()))

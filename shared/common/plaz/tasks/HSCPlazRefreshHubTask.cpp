@@ -57,13 +57,6 @@ std::unique_ptr<HSCPlazModel> fetchHub(HSCPlazTask& task, const HSCPlazModel& hu
     if (!isFetched) return nullptr;
     auto fresh = requireHub(task, staging.getFile(name), hub);
     if (task.isCancelled()) return nullptr;
-    HSCPlazReport places;
-    const bool isKept = HSCPlazPlaces(workspace).keepDefaults(places);
-    task.mention(places);
-    if (!isKept) {
-        task.fail(Msg::placesNotSaved, workspace.places.getFile());
-        return nullptr;
-    }
     const std::string area = workspace.paths.getUserAreaRoot(hub.getRoot(), true);
     const std::string obstacle = HSCPlazFetchedFiles::take(staging.getDir(), area, {name});
     if (!obstacle.empty()) {

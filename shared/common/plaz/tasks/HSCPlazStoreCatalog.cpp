@@ -6,6 +6,8 @@
 #include "plaz/model/reader/HSCPlazQStoreReader.h"
 #include "plaz/model/repo/HSCPlazRepoFactory.h"
 #include "plaz/model/repo/git/HSCPlazGitCatalog.h"
+#include "plaz/model/repo/git/HSCPlazGitRemoved.h"
+#include "plaz/store/HSCPlazChangeNote.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazFetchedFiles.h"
 #include "plaz/tasks/HSCPlazTask.h"
@@ -29,6 +31,20 @@ void requireUsable(HSCPlazTask& task, const MsgId<2>& message, const HSCPlazQSto
 bool fetchFiles(HSCPlazTask& task, const HSCPlazQStoreModel& store, const std::vector<std::string>& files) {
     return HSCPlazStoreCatalog::settle(
         task, [&] { return HSCPlazGitCatalog::loadFiles(task.getWorkspace().gitStore(store), files); });
+}
+
+/// The store's files change together: who ends in between leaves a note, by which the next one completes it.
+bool putInForce(HSCPlazTask& task, const std::string& store, const std::string& fetched,
+                const HSCPlazStoreLayout& layout, const std::vector<std::string>& files) {
+    HSCPlazGitRemoved incoming(layout.getIncoming());
+    const HSCPlazChangeNote note(task.getWorkspace().paths.getChangeFile());
+    std::string obstacle = HSCPlazFetchedFiles::prepare(fetched, incoming.getName(), files);
+    if (!obstacle.empty()) return task.fail(Msg::dirNotWritable, obstacle);
+    if (!note.write({store, nullptr, false, "", files, ""})) return task.fail(Msg::databaseNotSaved, note.getFile());
+    obstacle = HSCPlazFetchedFiles::moveIn(incoming.getName(), layout.getArea(), files);
+    if (obstacle.empty()) return note.forget();
+    incoming.keep();
+    return task.fail(Msg::dirNotWritable, obstacle);
 }
 
 } // namespace
@@ -78,8 +94,7 @@ bool HSCPlazStoreCatalog::fetch(HSCPlazTask& task, HSCPlazQStoreModel& store) {
         files.insert(files.begin(), fetched.getCatalogFile()); // what the metadata names is there before it
     }
     if (task.isCancelled()) return false;
-    const std::string obstacle = HSCPlazFetchedFiles::take(staging.getDir(), layout.getArea(), files);
-    if (!obstacle.empty()) return task.fail(Msg::dirNotWritable, obstacle);
+    if (!putInForce(task, store.getName(), staging.getDir(), layout, files)) return false;
     requireUsable(task, Msg::storeFileInvalid, store, layout.getArea() + "/" + store.getMetadataFile());
     return HSCPlazStoreLayout::markComplete(layout.getArea());
 }
@@ -100,7 +115,7 @@ std::vector<HSCPlazStoreCatalog::Holding> HSCPlazStoreCatalog::findHoldings(cons
 void HSCPlazStoreCatalog::tellWithdrawn(HSCPlazTask& task, const std::vector<Holding>& before) {
     for (const Holding& held : before) {
         const HSCPlazQStore* store = task.getHub().getStore(held.store);
-        if (!store || !store->isProductSpecific())
+        if (!store || !store->getModel()->isOffered())
             task.tell(Msg::storeWithdrawn, MsgSeverity::warning, held.store, held.area);
     }
 }

@@ -61,6 +61,7 @@ bool HSCPlazTask::runLocked(const std::function<bool()>& work, const HSCPlazQSto
     const std::string moved = m_workspace.places.findMovedStore(places);
     mention(places);
     if (!moved.empty()) return fail(Msg::storeMovedMeanwhile, moved);
+    if (m_workspace.places.isUnreadable()) return fail(Msg::databaseUnreadable, m_workspace.places.getFile());
     HSCPlazInstalledState(m_workspace, databases).update();
     mention(databases);
     return canReadRecords(only) && work();

@@ -28,10 +28,11 @@ bool fetchAgain(HSCPlazTask& task, HSCPlazItemChanges& changes, HSCPlazQItem& it
     if (task.isCancelled()) return false;
     task.show("Updating", Files::shownName(item), 0);
     const bool isDone = changes.fetch({item.getStore(), &item}, modeAfter(item), true) &&
-                        Walk(task, changes, item).installMissing(item) && changes.removeUnneeded();
+                        Walk(task, changes, item).installMissing(item);
     if (!isDone) return task.fail(Msg::itemInstallFailed, Files::shownName(item));
+    const bool areGone = changes.removeUnneeded();
     task.tellNews(Msg::itemFetchedAgain, Files::shownName(item));
-    return true;
+    return areGone;
 }
 
 } // namespace

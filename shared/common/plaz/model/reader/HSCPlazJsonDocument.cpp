@@ -37,6 +37,14 @@ bool HSCPlazJsonDocument::load(const std::string& file, HSCPlazFindings& found) 
     return true;
 }
 
+void HSCPlazJsonDocument::loadReadablePart(const std::string& file) {
+    clear();
+    if (HIOStream::read(file, m_text) != HIOStream::Status::ok) return;
+    m_text = HCRapidJsonReadWriteUtils::getReadablePart(m_text);
+    HSCPlazFindings ofNoInterest; // the file itself has been judged
+    parse(ofNoInterest);
+}
+
 HIOStream::Status HSCPlazJsonDocument::loadBelow(const HIOStream::Root& root, const std::string& relative,
                                                  HSCPlazFindings& found) {
     clear();

@@ -19,6 +19,8 @@ public:
     /// Reads and parses a file. One that is missing, not a regular file or unreadable is a finding (false); one that is
     /// no JSON is one too (true), and its root is then null.
     bool load(const std::string& file, HSCPlazFindings& found);
+    /// Of a file that is no JSON, what can be read of it; see HCRapidJsonReadWriteUtils::getReadablePart.
+    void loadReadablePart(const std::string& file);
     /// The same for a file below a directory held open. A file that is missing or lies outside is no finding: the
     /// caller judges the status.
     HIOStream::Status loadBelow(const HIOStream::Root& root, const std::string& relative, HSCPlazFindings& found);

@@ -101,14 +101,17 @@ HSCPlazLocalDBReader::Result HSCPlazLocalDBReader::read(const std::string& file,
     using Outcome = Result::Outcome;
     HSCPlazJsonDocument document;
     if (!document.load(file, found)) return {Outcome::unreadable, {}, {}};
+    const bool isWhole = document.isParsed();
     document.validate(HSCPlazSchema::Kind::localDb, found);
+    if (!isWhole && isOwnOnly) document.loadReadablePart(file);
     const Value* plaz = Json::FindObject(document.getRoot(), Key::plaz);
     if (isOwnOnly && (!plaz || !isDatabase(*plaz))) return {};
     if (isOwnOnly && !isOfRunningProduct(*plaz)) return {Outcome::foreign, {}, {}};
     if (!plaz) return {Outcome::read, {}, {}};
     if (const Value* stores = Json::FindArray(*plaz, Key::qstores))
         for (const Value& record : stores->GetArray()) readStore(record, model);
-    return {Outcome::read, Json::GetStringProperty(*plaz, Key::majorVersion),
+    return {isWhole || !isOwnOnly ? Outcome::read : Outcome::damaged,
+            Json::GetStringProperty(*plaz, Key::majorVersion),
             Json::GetStringProperty(*plaz, Key::minorVersion)};
 }
 
