@@ -17,15 +17,15 @@ namespace {
 using Items = std::vector<HSCPlazQItem*>;
 using Stores = std::vector<HSCPlazQStore*>;
 
-/// The first error of what failed.
+/// The first problem of what failed.
 std::optional<ComMsgMgrInstance> reasonOf(const HSCPlazReport& report) {
-    const ComMsgMgrInstance* error = report.findError();
-    return error ? std::optional<ComMsgMgrInstance>(*error) : std::nullopt;
+    const ComMsgMgrInstance* problem = report.findProblem();
+    return problem ? std::optional<ComMsgMgrInstance>(*problem) : std::nullopt;
 }
 
-/// What was done and told an error lacks something all the same, such as what a dependency needs.
+/// What was done and told of a problem lacks something all the same, such as what a dependency needs.
 template <typename Result> bool isWhole(const Result& part) {
-    return part.isDone() && !part.report.findError();
+    return part.isDone() && !part.report.findProblem();
 }
 
 /// @param count  how many parts there should be
@@ -109,12 +109,18 @@ StoresResult HubActions::refreshHub(const std::vector<std::string>& names) const
     std::set<std::string> failed;
     for (const HSCPlazStoreResult& store : hub.failed) failed.insert(store.store);
     // The hub's refresh was for all: nothing that failed is passed over.
-    return doEach(HubQueries(m_hub).getStores(names, failed), [&](HSCPlazQStore& store) {
+    const auto describe = [&](HSCPlazQStore& store) {
         const auto found = std::find_if(hub.failed.begin(), hub.failed.end(), [&](const HSCPlazStoreResult& result) {
             return result.store == store.getName();
         });
         return found == hub.failed.end() ? HSCPlazTaskMgr::describeItems(store, &m_status) : *found;
-    });
+    };
+    StoresResult result = doEach(HubQueries(m_hub).getStores(names, failed), describe);
+    if (result.isDone && hub.report.findProblem()) {
+        result.isDone = false;
+        result.reason = reasonOf(hub.report);
+    }
+    return result;
 }
 
 StoresResult HubActions::check(const Stores& stores) const {

@@ -5,6 +5,7 @@
 #include "NearNames.h"
 #include "ShellMsg.h"
 
+#include "plaz/HSCPlazInspection.h"
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazModel.h"
@@ -115,14 +116,6 @@ void addBestEntries(const HSCPlazQStore& store, IsWanted isWanted, std::vector<H
     }
 }
 
-bool needs(const HSCPlazQItem& item, const HSCPlazQItem& other) {
-    const auto& dependencies = item.getItemDependencies();
-    return std::any_of(dependencies.begin(), dependencies.end(), [&](const HSCPlazQItemDependency* dependency) {
-        return dependency->getStore() == other.getStoreName() && dependency->getItem() == other.getName() &&
-               (dependency->getRevision().empty() || dependency->getRevision() == other.getRevision());
-    });
-}
-
 } // namespace
 
 bool HubQueries::hasHub() const {
@@ -192,6 +185,17 @@ HSCPlazQItem& HubQueries::resolveInstalled(const ItemReference& reference, const
     return *candidates.front();
 }
 
+std::vector<HSCPlazQItem*> HubQueries::resolveRevisions(const ItemReference& reference, const std::string& store,
+                                                        bool isOldOnly) const {
+    std::vector<HSCPlazQItem*> candidates = findInstalled(reference, store);
+    if (isOldOnly)
+        candidates.erase(std::remove_if(candidates.begin(), candidates.end(),
+                                        [](const HSCPlazQItem* item) { return item->isLatest(); }),
+                         candidates.end());
+    if (candidates.empty()) failWith(Msg::itemNotInstalled, reference.toText() + " (an older revision)");
+    return candidates;
+}
+
 HSCPlazQItem& HubQueries::resolveForUpdate(const ItemReference& reference, const std::string& store) const {
     const std::vector<HSCPlazQItem*> candidates = findInstalled(reference, store);
     const std::string first = candidates.front()->getStoreName();
@@ -202,19 +206,33 @@ HSCPlazQItem& HubQueries::resolveForUpdate(const ItemReference& reference, const
 }
 
 std::vector<HSCPlazQItem*> HubQueries::findOutdated() const {
+    const std::string unreadable = HSCPlazInspection::findUnreadableRecord(m_hub);
+    if (!unreadable.empty()) failWith(Msg::databaseUnreadable, unreadable);
     std::vector<HSCPlazQItem*> outdated;
+    const auto isIncomplete = [&](const HSCPlazQItem* item) {
+        return item->IsInstalled() && !HSCPlazInspection::isComplete(m_hub, *item);
+    };
     for (const HSCPlazQStore* store : m_hub.getStores())
-        for (const auto& entries : groupByName(store->getItems()))
-            if (HSCPlazQItem* item = pickOutdated(entries)) outdated.push_back(item);
+        for (const auto& entries : groupByName(store->getItems())) {
+            HSCPlazQItem* item = pickOutdated(entries);
+            const auto incomplete = item ? entries.end() : std::find_if(entries.begin(), entries.end(), isIncomplete);
+            if (incomplete != entries.end()) item = *incomplete;
+            if (item) outdated.push_back(item);
+        }
     return outdated;
 }
 
 ItemInfo HubQueries::describe(HSCPlazQItem& item) const {
     const std::vector<HSCPlazQItem*> entries =
         item.getStore() ? entriesOf(*item.getStore(), item.getName()) : std::vector<HSCPlazQItem*>{&item};
-    ItemInfo info{listed(item, entries), item.getUrl(), item.getLogo(), item.getHistory(), {}, findDependants(item)};
+    ItemInfo info{listed(item, entries),
+                  item.getUrl(),
+                  item.getLogo(),
+                  item.getHistory(),
+                  {},
+                  HSCPlazInspection::findHolders(m_hub, item)};
     for (const HSCPlazQItemDependency* dependency : item.getItemDependencies())
-        info.needs.push_back({dependency, isDependencyInstalled(*dependency)});
+        info.needs.push_back({dependency, HSCPlazInspection::findServing(m_hub, *dependency) != nullptr});
     return info;
 }
 
@@ -230,24 +248,6 @@ std::vector<HSCPlazQItem*> HubQueries::findInstalled(const ItemReference& refere
     if (!isKnown) throwUnknown(reference, store);
     if (installed.empty()) failWith(Msg::itemNotInstalled, reference.toText());
     return installed;
-}
-
-std::vector<HSCPlazQItem*> HubQueries::findDependants(const HSCPlazQItem& item) const {
-    std::vector<HSCPlazQItem*> dependants;
-    for (const HSCPlazQStore* store : m_hub.getStores())
-        for (HSCPlazQItem* other : store->getItems())
-            if (other != &item && other->IsInstalled() && needs(*other, item)) dependants.push_back(other);
-    return dependants;
-}
-
-bool HubQueries::isDependencyInstalled(const HSCPlazQItemDependency& dependency) const {
-    const HSCPlazQStore* store = m_hub.getStore(dependency.getStore());
-    if (!store) return false;
-    const std::vector<HSCPlazQItem*> entries = entriesOf(*store, dependency.getItem());
-    return std::any_of(entries.begin(), entries.end(), [&](const HSCPlazQItem* item) {
-        return item->IsInstalled() &&
-               (dependency.getRevision().empty() || item->getRevision() == dependency.getRevision());
-    });
 }
 
 void HubQueries::throwUnknown(const ItemReference& reference, const std::string& store) const {

@@ -69,20 +69,22 @@ public:
     HSCPlazQItem& resolve(const ItemReference& reference, const std::string& store) const;
     /// The one installed revision that a reference means.
     HSCPlazQItem& resolveInstalled(const ItemReference& reference, const std::string& store) const;
+    /// All installed revisions that a reference means. @param isOldOnly  without the one that is the latest
+    std::vector<HSCPlazQItem*> resolveRevisions(const ItemReference& reference, const std::string& store,
+                                                bool isOldOnly) const;
     /// The installed revision, of the one item that a reference means, that is to be updated: an outdated one (one that
     /// the user asked for rather than one that others need), else any.
     HSCPlazQItem& resolveForUpdate(const ItemReference& reference, const std::string& store) const;
-    /// One of those three.
+    /// One of those that give one item.
     using Resolve = HSCPlazQItem& (HubQueries::*)(const ItemReference&, const std::string&) const;
-    /// What resolveForUpdate() gives of every item that has an update.
+    /// What resolveForUpdate() gives of every item that has an update, or lacks something that it needs.
+    /// @throws HEXAll Msg::databaseUnreadable where it is not known what is installed
     std::vector<HSCPlazQItem*> findOutdated() const;
 
     ItemInfo describe(HSCPlazQItem& item) const;
 
 private:
     std::vector<HSCPlazQItem*> findInstalled(const ItemReference& reference, const std::string& store) const;
-    std::vector<HSCPlazQItem*> findDependants(const HSCPlazQItem& item) const;
-    bool isDependencyInstalled(const HSCPlazQItemDependency& dependency) const;
     [[noreturn]] void throwUnknown(const ItemReference& reference, const std::string& store) const;
 
     HSCPlaz& m_hub;

@@ -19,6 +19,8 @@ struct Options {
     std::vector<std::string> items; ///< references, each well-formed
     std::string store;
     bool all = false;                ///< update
+    bool allRevisions = false;       ///< uninstall
+    bool oldRevisions = false;       ///< uninstall
     std::vector<std::string> stores; ///< refresh, check, doctor: names; empty for all
     bool hub = false;                ///< refresh
     std::string directory;           ///< relocate

@@ -209,7 +209,15 @@ int Program::runInstall() {
 }
 
 int Program::runUninstall() {
-    return show(makeActions().uninstall(resolveAll(&HubQueries::resolveInstalled)));
+    if (!m_options.allRevisions && !m_options.oldRevisions)
+        return show(makeActions().uninstall(resolveAll(&HubQueries::resolveInstalled)));
+    std::vector<HSCPlazQItem*> revisions;
+    const HubQueries queries(getHub());
+    for (const std::string& text : m_options.items)
+        for (HSCPlazQItem* item :
+             queries.resolveRevisions(*ItemReference::parse(text), m_options.store, m_options.oldRevisions))
+            addOnce(revisions, *item);
+    return show(makeActions().uninstall(revisions));
 }
 
 int Program::runUpdate() {

@@ -277,8 +277,9 @@ bool HUTFile::exchangeDirectories(const std::string& fresh, const std::string& d
     const fs::path target = getCanonicalName(dest);
     const std::string parent = target.parent_path().string();
     const bool isThere = fs::exists(fs::symlink_status(sys(target.string()), error));
-    const bool isDone = isThere ? platform::exchange(fresh, target.string()) || exchangeByRenaming(fresh, target.string())
-                                : mkDirRecursive(parent) && rename(fresh, target.string());
+    const bool isDone = isThere
+                            ? platform::exchange(fresh, target.string()) || exchangeByRenaming(fresh, target.string())
+                            : mkDirRecursive(parent) && rename(fresh, target.string());
     if (!isDone) return false;
     // The new names are in force already; what cannot be flushed does not undo them.
     platform::flushNames(parent);

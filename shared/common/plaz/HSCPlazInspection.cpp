@@ -12,6 +12,7 @@
 #include "plaz/model/repo/git/HSCPlazGitSettings.h"
 #include "plaz/model/repo/git/HSCPlazGitStore.h"
 #include "plaz/model/repo/git/HSCPlazGitWorkingCopy.h"
+#include "plaz/store/HSCPlazDependencies.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 
 #include <boost/algorithm/string/predicate.hpp>
@@ -68,6 +69,22 @@ HSCPlazInspection::Answer HSCPlazInspection::askRemote(const std::string& url, c
     const HSCPlazCfgModel* config = workspace().config.getConfigModel();
     const std::string access = HSCPlazGitStore::findAccess(url, workspace().hub.get(), config);
     return toAnswer(HSCPlazGitRemote::ask(url, access, dir));
+}
+
+HSCPlazQItem* HSCPlazInspection::findServing(const HSCPlaz& hub, const HSCPlazQItemDependency& dependency) {
+    return HSCPlazDependencies::findInstalled(hub, dependency).item;
+}
+
+std::vector<HSCPlazQItem*> HSCPlazInspection::findHolders(const HSCPlaz& hub, const HSCPlazQItem& item) {
+    return HSCPlazDependencies::findHolders(hub, item);
+}
+
+bool HSCPlazInspection::isComplete(const HSCPlaz& hub, const HSCPlazQItem& item) {
+    return HSCPlazDependencies::areComplete(hub, item, workspace().userPref);
+}
+
+std::string HSCPlazInspection::findUnreadableRecord(const HSCPlaz& hub) {
+    return workspace().findUnreadableRecord(hub, nullptr);
 }
 
 std::string HSCPlazInspection::getArea(const HSCPlazQStoreModel& store) {

@@ -5,6 +5,9 @@
 #include <string>
 #include <vector>
 
+class HSCPlaz;
+class HSCPlazQItem;
+class HSCPlazQItemDependency;
 class HSCPlazQStoreModel;
 
 /// What the hub works with, looked at from outside: for programs that tell people whether all is in order. Changes
@@ -43,6 +46,16 @@ PLAZ_API Answer checkIntegrity(const std::string& dir);
 /// @param url  a store's or the hub's own, without credentials
 /// @param dir  a working copy, whose settings apply
 PLAZ_API Answer askRemote(const std::string& url, const std::string& dir);
+
+/// The installed item that serves a dependency; null when nothing does.
+PLAZ_API HSCPlazQItem* findServing(const HSCPlaz& hub, const HSCPlazQItemDependency& dependency);
+/// The installed items that depend on this one themselves, in the hub's order.
+PLAZ_API std::vector<HSCPlazQItem*> findHolders(const HSCPlaz& hub, const HSCPlazQItem& item);
+
+/// Whether nothing that an installed item needs is missing, at however many steps.
+PLAZ_API bool isComplete(const HSCPlaz& hub, const HSCPlazQItem& item);
+/// A file that tells what is installed and could not be read; empty when there is none.
+PLAZ_API std::string findUnreadableRecord(const HSCPlaz& hub);
 
 /// Where a store keeps its items and its catalog. @throws HEXAll where that cannot be named
 PLAZ_API std::string getArea(const HSCPlazQStoreModel& store);

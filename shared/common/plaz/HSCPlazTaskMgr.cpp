@@ -70,7 +70,8 @@ bool mayRefreshHub(HSCPlazTask& task) {
 }
 
 bool refreshHub(HSCPlazTask& task, std::map<std::string, HSCPlazReport>& failed) {
-    return mayRefreshHub(task) && Changes::run(task, [&](Changes&) { return HSCPlazRefreshHubTask::refresh(task, failed); });
+    return mayRefreshHub(task) &&
+           Changes::run(task, [&](Changes&) { return HSCPlazRefreshHubTask::refresh(task, failed); });
 }
 
 bool mayBeMoved(const HSCPlazQStore* store, const std::string& dir) {
@@ -92,7 +93,8 @@ bool isFree(HSCPlazTask& task, const HSCPlazQStore& store, const std::string& di
 
 HSCPlazItemResult HSCPlazTaskMgr::installItem(HSCPlaz& hub, HSCPlazQItem& item, bool quiet, HDGUIStatus* status) {
     HSCPlazTask task(workspace(), hub, status, quiet);
-    const bool isDone = carryOut(task, [&](Changes& changes) { return HSCPlazInstallTask::install(task, changes, item); });
+    const bool isDone =
+        carryOut(task, [&](Changes& changes) { return HSCPlazInstallTask::install(task, changes, item); });
     return resultOf(task, item, isDone ? ItemOutcome::installed : ItemOutcome::failed);
 }
 
@@ -110,7 +112,10 @@ HSCPlazItemResult HSCPlazTaskMgr::updateItem(HSCPlaz& hub, HSCPlazQItem& item, b
     HSCPlazTask task(workspace(), hub, status, quiet);
     // Of several items in one command, an earlier one may have needed it last.
     if (!item.IsInstalled()) return resultOf(task, item, ItemOutcome::removed);
-    if (HSCPlazUpdateTask::hasNothingToDo(task, item)) return resultOf(task, item, ItemOutcome::upToDate);
+    if (HSCPlazUpdateTask::hasNothingToDo(task, item)) {
+        HSCPlazUpdateTask::tellHeld(task, item);
+        return resultOf(task, item, ItemOutcome::upToDate);
+    }
     const std::string previous = item.getRevision();
     ItemOutcome outcome = ItemOutcome::failed;
     const bool isDone = carryOut(task, [&](Changes& changes) {
@@ -172,7 +177,7 @@ HSCPlazStoreResult HSCPlazTaskMgr::checkStore(HSCPlazQStore& store, HDGUIStatus*
     if (!isFetched && task.getReport().isEmpty()) return resultOf(task, store, StoreOutcome::outdated);
     if (const std::optional<bool> moved = check.getAnswer())
         return resultOf(task, store, *moved ? StoreOutcome::outdated : StoreOutcome::upToDate);
-    const ComMsgMgrInstance* failure = task.getReport().findError();
+    const ComMsgMgrInstance* failure = task.getReport().findProblem();
     task.fail(Msg::storeNotChecked, store.getName(),
               check.reason.empty() && failure ? failure->getMessage() : check.reason);
     return resultOf(task, store, StoreOutcome::unknown);
@@ -207,14 +212,16 @@ bool HSCPlazTaskMgr::updateCatalog(HSCPlaz* hub, HDGUIStatus* status) {
 bool HSCPlazTaskMgr::updateCatalog(HSCPlazQStore* store, HDGUIStatus* status) {
     if (!store || !store->getModel() || !store->getHub()) return false;
     HSCPlazTask task(workspace(), *store->getHub(), status);
-    return Changes::run(task, [&](Changes&) { return HSCPlazRefreshStoreTask::describeItems(task, *store); }, store);
+    return Changes::run(
+        task, [&](Changes&) { return HSCPlazRefreshStoreTask::describeItems(task, *store); }, store);
 }
 
 bool HSCPlazTaskMgr::loadCatalog(HSCPlaz* hub, HSCPlazQStore* store, HDGUIStatus* status) {
     if (!hub || !store || !store->getModel()) return false;
     HSCPlazTask task(workspace(), *hub, status);
     return !task.isCancelled() &&
-           Changes::run(task, [&](Changes&) { return HSCPlazRefreshStoreTask::loadCatalog(task, *store); }, store);
+           Changes::run(
+               task, [&](Changes&) { return HSCPlazRefreshStoreTask::loadCatalog(task, *store); }, store);
 }
 
 bool HSCPlazTaskMgr::hasUpdate(HSCPlazQStore* store) {

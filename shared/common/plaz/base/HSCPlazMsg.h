@@ -64,13 +64,15 @@ inline constexpr MsgId<1> unexpectedFailure{"@17-2189@%s"};     ///< what the sy
 inline constexpr MsgId<1> storeNotRefreshed{"@17-2191@%s"};     ///< store
 inline constexpr MsgId<2> storeNotMoved{"@17-2192@%s%s"};       ///< store, directory
 inline constexpr MsgId<0> hubNotRefreshed{"@17-2194@"};
-inline constexpr MsgId<2> storeNotChecked{"@17-2195@%s%s"};  ///< store, why
-inline constexpr MsgId<2> waitsForHub{"@17-2223@%s%s"};      ///< which process holds it, seconds
-inline constexpr MsgId<1> databaseUnreadable{"@17-2224@%s"}; ///< file
-inline constexpr MsgId<1> changeFinished{"@17-2225@%s"};     ///< item
-inline constexpr MsgId<1> changeUndone{"@17-2226@%s"};       ///< item
-inline constexpr MsgId<1> needsUnknown{"@17-2227@%s"};       ///< display name
-inline constexpr MsgId<2> databaseDamaged{"@17-2228@%s%s"};  ///< file, where it will be kept
+inline constexpr MsgId<2> storeNotChecked{"@17-2195@%s%s"};      ///< store, why
+inline constexpr MsgId<2> waitsForHub{"@17-2223@%s%s"};          ///< which process holds it, seconds
+inline constexpr MsgId<1> databaseUnreadable{"@17-2224@%s"};     ///< file
+inline constexpr MsgId<1> changeFinished{"@17-2225@%s"};         ///< item
+inline constexpr MsgId<1> changeUndone{"@17-2226@%s"};           ///< item
+inline constexpr MsgId<1> needsUnknown{"@17-2227@%s"};           ///< display name
+inline constexpr MsgId<2> databaseDamaged{"@17-2228@%s%s"};      ///< file, where it will be kept
 inline constexpr MsgId<2> databaseOfOtherStore{"@17-2229@%s%s"}; ///< store, database file
-inline constexpr MsgId<1> clonedRepo{"@60-832@%s"};          ///< directory
+inline constexpr MsgId<2> itemNeededBy{"@17-2230@%s%s"};         ///< display name, by whom
+inline constexpr MsgId<3> itemHeldAt{"@17-2231@%s%s%s"};         ///< display name, revision, by whom
+inline constexpr MsgId<1> clonedRepo{"@60-832@%s"};              ///< directory
 } // namespace Msg

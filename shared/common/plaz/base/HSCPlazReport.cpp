@@ -10,6 +10,10 @@ bool isError(const HSCPlazReport::Note& note) {
     return note.severity == MsgSeverity::error || note.severity == MsgSeverity::fileError;
 }
 
+bool isLoss(const HSCPlazReport::Note& note) {
+    return note.severity == MsgSeverity::criticalWarning;
+}
+
 } // namespace
 
 void HSCPlazReport::append(const HSCPlazReport& other) {
@@ -28,8 +32,15 @@ HSCPlazReport HSCPlazReport::withoutErrors() const {
     return rest;
 }
 
-const ComMsgMgrInstance* HSCPlazReport::findError() const {
-    const auto found = std::find_if(m_notes.begin(), m_notes.end(), isError);
+HSCPlazReport HSCPlazReport::getLosses() const {
+    HSCPlazReport losses;
+    std::copy_if(m_notes.begin(), m_notes.end(), std::back_inserter(losses.m_notes), isLoss);
+    return losses;
+}
+
+const ComMsgMgrInstance* HSCPlazReport::findProblem() const {
+    auto found = std::find_if(m_notes.begin(), m_notes.end(), isError);
+    if (found == m_notes.end()) found = std::find_if(m_notes.begin(), m_notes.end(), isLoss);
     return found == m_notes.end() ? nullptr : &found->message;
 }
 

@@ -39,8 +39,11 @@ public:
     HSCPlazReport getBehind(std::size_t count) const;
     /// What is told of an operation that somebody ended on purpose.
     HSCPlazReport withoutErrors() const;
-    /// The first error, which is the cause of those behind it; null when there is none.
-    const ComMsgMgrInstance* findError() const;
+    /// What tells of something that had to be left out (critical warnings).
+    HSCPlazReport getLosses() const;
+    /// The first error, which is the cause of those behind it; where there is none, the first loss. Null when all is
+    /// well.
+    const ComMsgMgrInstance* findProblem() const;
 
     /// Sends all of it to the message service.
     void send() const;

@@ -62,10 +62,9 @@ HSCPlazPendingChange HSCPlazChangeNote::read() const {
     if (HIOStream::read(m_file, text) != HIOStream::Status::ok || !Json::parseInPlace(text, document, error)) return {};
     const rapidjson::Value* plaz = Json::FindObject(document, HSCPlazKey::plaz);
     if (!plaz) return {};
-    HSCPlazPendingChange change{Json::GetStringProperty(*plaz, storeKey), nullptr,
-                                Json::GetBooleanProperty(*plaz, installedKey),
-                                Json::GetStringProperty(*plaz, identityKey), readFiles(*plaz),
-                                Json::GetStringProperty(*plaz, placeKey)};
+    HSCPlazPendingChange change{
+        Json::GetStringProperty(*plaz, storeKey),    nullptr,          Json::GetBooleanProperty(*plaz, installedKey),
+        Json::GetStringProperty(*plaz, identityKey), readFiles(*plaz), Json::GetStringProperty(*plaz, placeKey)};
     if (const rapidjson::Value* item = Json::FindObject(*plaz, itemKey))
         change.item = HSCPlazLocalDBReader::toItem(*item);
     return change;

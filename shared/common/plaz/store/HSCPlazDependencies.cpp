@@ -80,6 +80,20 @@ HSCPlazFoundItem HSCPlazDependencies::findInstalled(const HSCPlaz& hub, const HS
     return {named.store, findNewestInstalled(*named.store, dependency.getItem())};
 }
 
+std::vector<HSCPlazQItem*> HSCPlazDependencies::findHolders(const HSCPlaz& hub, const HSCPlazQItem& item) {
+    const auto holds = [&](const HSCPlazQItemDependency* dependency) {
+        return dependency->getItem() == item.getName() && findInstalled(hub, *dependency).item == &item;
+    };
+    std::vector<HSCPlazQItem*> holders;
+    for (const HSCPlazQStore* store : hub.getStores())
+        for (HSCPlazQItem* other : store->getItems()) {
+            const auto& needs = other->getItemDependencies();
+            if (other != &item && other->IsInstalled() && std::any_of(needs.begin(), needs.end(), holds))
+                holders.push_back(other);
+        }
+    return holders;
+}
+
 bool HSCPlazDependencies::areComplete(const HSCPlaz& hub, const HSCPlazQItem& item, const HSCPlazUserPref& userPref) {
     std::set<const HSCPlazQItem*> seen;
     return ::areComplete(hub, item, userPref, seen);

@@ -2,6 +2,7 @@
 
 #include <set>
 #include <string>
+#include <vector>
 
 class HSCPlaz;
 class HSCPlazQItem;
@@ -32,6 +33,8 @@ HSCPlazFoundItem findOffered(const HSCPlaz& hub, const HSCPlazQItemDependency& d
 /// newest that is installed. The newest is the first in the catalog's order; those that it does not list come after
 /// those that it does, the one of the higher number first.
 HSCPlazFoundItem findInstalled(const HSCPlaz& hub, const HSCPlazQItemDependency& dependency);
+/// The installed items that depend on this one themselves, in the hub's order.
+std::vector<HSCPlazQItem*> findHolders(const HSCPlaz& hub, const HSCPlazQItem& item);
 /// Whether nothing that an installed item needs is missing, at however many steps.
 bool areComplete(const HSCPlaz& hub, const HSCPlazQItem& item, const HSCPlazUserPref& userPref);
 

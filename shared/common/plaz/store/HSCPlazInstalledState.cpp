@@ -106,8 +106,8 @@ void HSCPlazInstalledState::merge(HSCPlazQStoreModel& store) const {
                  database);
     HSCPlazPlaces(m_workspace)
         .place(store,
-               m_workspace.paths.getStoreArea(store) +
-                   (isForeign ? "_" + running.name + "_" + running.version : "_" + HSCPlazPathMgr::getStoreFolder(store)),
+               m_workspace.paths.getStoreArea(store) + (isForeign ? "_" + running.name + "_" + running.version
+                                                                  : "_" + HSCPlazPathMgr::getStoreFolder(store)),
                m_report);
     databases.merge(store.getLocalDbFilePath(), store, m_workspace.paths, m_report);
 }

@@ -41,9 +41,9 @@ public:
 
     /// What became of a store's database at start-up.
     enum class Merge {
-        nothing,   ///< there is none, or it records nothing of the store
-        merged,    ///< what it records of the store is in the model
-        foreign,   ///< another product or release wrote it; it was left alone
+        nothing,      ///< there is none, or it records nothing of the store
+        merged,       ///< what it records of the store is in the model
+        foreign,      ///< another product or release wrote it; it was left alone
         ofOtherStore, ///< it records another store; it was left alone
         damaged,   ///< reported; what can be read of it is in the model, and the next save keeps it beside the new one
         unreadable ///< reported; nothing is written there until it can be read

@@ -32,8 +32,8 @@ public:
     void preferRefreshed(HSCPlazReport& report) const;
     /// Gives the stores that are for the running product, and those that the user has placed, their places.
     void applyDefaults(HSCPlazReport& report) const;
-    /// A store that is not for the running product (any more), or whose metadata cannot be read, stays one of its own as
-    /// long as the database in its area records items of it.
+    /// A store that is not for the running product (any more), or whose metadata cannot be read, stays one of its own
+    /// as long as the database in its area records items of it.
     void claim(HSCPlazQStoreModel& store, const std::string& dir) const;
     /// Adds the stores that the hub's metadata does not list any more and of which something is installed.
     void addWithdrawn(HSCPlazReport& report) const;

@@ -27,6 +27,11 @@ struct HSCPlazWorkspace {
     /// Where the store's repository, its working copy and its staging directory are.
     HSCPlazGitStore gitStore(const HSCPlazQStoreModel& store) const;
 
+    /// A file that tells what is installed of the hub's stores, or of one, and could not be read when that was tried
+    /// last; empty when there is none.
+    /// @param only  null for all
+    std::string findUnreadableRecord(const HSCPlaz& stores, const HSCPlazQStore* only) const;
+
     HSCPlazUserPref userPref;
     HSCPlazPathMgr paths;
     HSCPlazLocalDBMgr databases;

@@ -63,11 +63,12 @@ bool HSCPlazDependencyWalk::installAll(const HSCPlazQItem& item) {
         m_task.showPercent(100.0 * static_cast<double>(done++) / static_cast<double>(dependencies.size() + 1));
         if (step.isNew() && !install(*dependency)) return false;
     }
-    return true;
+    return !m_isCut;
 }
 
 bool HSCPlazDependencyWalk::install(const HSCPlazQItemDependency& dependency) {
-    if (m_task.isCancelled()) return false;
+    m_isCut = m_isCut || m_task.isCancelled();
+    if (m_isCut) return false;
     const HSCPlazFoundItem found = Dependencies::findOffered(m_hub, dependency);
     if (!found) {
         inside(installName, " couldn't find the qitem ptr");
@@ -79,6 +80,7 @@ bool HSCPlazDependencyWalk::install(const HSCPlazQItemDependency& dependency) {
     } else {
         m_task.show("Installing " + Files::shownName(*found.item));
         if (!m_changes.install(found, HSCPlazInstallationMode::tool, false)) {
+            m_isCut = m_task.isCancelled();
             inside(installName, " couldn't install ", dependency.getItem());
             return m_task.fail(Msg::dependencyInstallFailed, dependency.getItem());
         }
@@ -105,5 +107,5 @@ bool HSCPlazDependencyWalk::installMissing(const HSCPlazQItem& item) {
         else if (m_seen.insert(found.item).second)
             installMissing(*found.item);
     }
-    return isComplete;
+    return isComplete && !m_isCut;
 }

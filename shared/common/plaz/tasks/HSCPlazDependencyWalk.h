@@ -35,4 +35,5 @@ private:
     HSCPlaz& m_hub;
     std::set<std::string> m_path;
     std::set<const HSCPlazQItem*> m_seen; ///< what they need has been seen to
+    bool m_isCut = false;                 ///< by cancellation: something was not seen to
 };

@@ -52,7 +52,6 @@ bool HSCPlazInstallTask::install(HSCPlazTask& task, HSCPlazItemChanges& changes,
     if (!found) return task.fail(Msg::itemInstallFailed, Files::shownName(asked));
     const bool isThere = HSCPlazInstalledFiles::areThere(found.item, found.store, task.getWorkspace().userPref);
     if (!isThere && task.isCancelled()) return false;
-    const bool isDone =
-        isThere ? completeInstalled(task, changes, found) : installFiles(task, changes, found, mode);
+    const bool isDone = isThere ? completeInstalled(task, changes, found) : installFiles(task, changes, found, mode);
     return isDone || task.fail(Msg::itemInstallFailed, Files::shownName(*found.item));
 }

@@ -91,8 +91,7 @@ void removeLeftovers(const HSCPlazStoreLayout& layout) {
 /// What interrupted tasks have left.
 void removeLeftovers(const HSCPlazTask& task) {
     for (const HSCPlazQStore* store : task.getHub().getStores())
-        if (store->isProductSpecific())
-            removeLeftovers(task.getWorkspace().paths.getStoreLayout(*store->getModel()));
+        if (store->isProductSpecific()) removeLeftovers(task.getWorkspace().paths.getStoreLayout(*store->getModel()));
     const HSCPlazPathMgr& paths = task.getWorkspace().paths;
     const std::string& root = task.getHub().getRoot();
     HUTFile::rmRecursive(paths.getStagingDir(root));
@@ -229,7 +228,11 @@ bool HSCPlazItemChanges::put(const HSCPlazFoundItem& found, HSCPlazPendingChange
 
 bool HSCPlazItemChanges::record(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change) {
     if (change.isInstalled) {
-        for (HSCPlazQItem* other : findReplaced(found)) other->getModel()->clearInstallation();
+        for (HSCPlazQItem* other : findReplaced(found)) {
+            // One in another folder goes at the end of the task, since nobody needs it any more.
+            const bool hasItsOwn = other->getLocalRootDir() != change.item->getLocalDir();
+            hasItsOwn ? other->getModel()->setMode(Mode::tool) : other->getModel()->clearInstallation();
+        }
         HSCPlazInstalledItems(*found.store->getModel(), m_task.getWorkspace().paths).apply(*change.item);
         Files::describe(m_task, found);
     } else {

@@ -67,8 +67,8 @@ private:
 
     HSCPlazTask& m_task;
     const HSCPlazChangeNote m_note;
-    bool m_isSound = true;  ///< all that was to be recorded was
-    bool m_isStuck = false; ///< the note has to stay
-    bool m_isBlocked = false; ///< what is needed is not known, and that has been told
+    bool m_isSound = true;                     ///< all that was to be recorded was
+    bool m_isStuck = false;                    ///< the note has to stay
+    bool m_isBlocked = false;                  ///< what is needed is not known, and that has been told
     std::set<const HSCPlazQItem*> m_obstinate; ///< what could not be removed
 };

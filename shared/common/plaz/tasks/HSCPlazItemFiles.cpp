@@ -74,6 +74,19 @@ std::string HSCPlazItemFiles::shownName(const HSCPlazQItem& item) {
     return name.empty() ? item.getName() : name;
 }
 
+std::string HSCPlazItemFiles::joinHolders(const HSCPlaz& hub, const HSCPlazQItem& item) {
+    constexpr std::size_t shownHolders = 10;
+    std::string text;
+    std::size_t count = 0;
+    for (const HSCPlazQItem* holder : HSCPlazDependencies::findHolders(hub, item)) {
+        text += text.empty() ? "" : ", ";
+        if (++count > shownHolders) return text + "...";
+        const std::string revision = holder->getRevision();
+        text += holder->getStoreName() + "::" + holder->getName() + (revision.empty() ? "" : "@" + revision);
+    }
+    return text;
+}
+
 std::string HSCPlazItemFiles::directoryOf(const HSCPlazWorkspace& workspace, const HSCPlazFoundItem& found) {
     return workspace.paths.getItemDir(*found.store->getModel(), *found.item->getModel());
 }

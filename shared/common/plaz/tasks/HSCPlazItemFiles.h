@@ -12,6 +12,8 @@ namespace HSCPlazItemFiles {
 
 /// The item's display name, or its name where it has none.
 std::string shownName(const HSCPlazQItem& item);
+/// Who needs an installed item, for people: "boards::aurora@2.0, tools::kit". Empty when nobody does.
+std::string joinHolders(const HSCPlaz& hub, const HSCPlazQItem& item);
 /// Where the item is, or is to be, installed; empty where its names may not be used.
 std::string directoryOf(const HSCPlazWorkspace& workspace, const HSCPlazFoundItem& found);
 

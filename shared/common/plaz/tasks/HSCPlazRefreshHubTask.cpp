@@ -98,7 +98,7 @@ bool HSCPlazRefreshHubTask::refresh(HSCPlazTask& task, std::map<std::string, HSC
     const std::vector<Catalog::Holding> holdings = Catalog::findHoldings(task);
     HSCPlazReport report;
     HSCPlazHubBuilder(task.getWorkspace(), report).rebuild(std::move(fresh));
-    task.mention(report);
+    task.mentionBrought(report);
     Catalog::tellWithdrawn(task, holdings);
     task.show("Refreshed", hub.getRoot(), 100);
     return true;

@@ -53,8 +53,8 @@ bool isDescribed(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item)
            !HSCPlazPathMgr::getItemFolder(store, item).empty();
 }
 
-/// Takes what has been fetched of the items, one after the other, into a fresh copy of the catalog's descriptions, which
-/// then takes the place of the old one: nobody sees some of both.
+/// Takes what has been fetched of the items, one after the other, into a fresh copy of the catalog's descriptions,
+/// which then takes the place of the old one: nobody sees some of both.
 class Descriptions {
 public:
     Descriptions(HSCPlazTask& task, const HSCPlazQStoreModel& store, const HSCPlazStoreLayout& layout)
@@ -124,7 +124,7 @@ bool HSCPlazRefreshStoreTask::loadCatalog(HSCPlazTask& task, HSCPlazQStore& stor
     const std::vector<Catalog::Holding> holdings = Catalog::findHoldings(task);
     HSCPlazReport reloaded;
     HSCPlazHubBuilder(workspace, reloaded).reloadStore(task.getHub(), store, false);
-    task.mention(reloaded);
+    task.mentionBrought(reloaded);
     Catalog::tellWithdrawn(task, holdings);
     return true;
 }

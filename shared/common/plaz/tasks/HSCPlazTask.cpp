@@ -32,18 +32,14 @@ void HSCPlazTask::tell(const HSCPlazReport& report) {
     m_report.append(report);
 }
 
+void HSCPlazTask::mentionBrought(const HSCPlazReport& report) {
+    mention(report);
+    m_report.append(report.getLosses());
+}
+
 bool HSCPlazTask::fail(const HSCPlazReport& report) {
     tell(isCancelled() ? report.withoutErrors() : report);
     return false;
-}
-
-bool HSCPlazTask::canReadRecords(const HSCPlazQStore* only) {
-    for (const HSCPlazQStore* store : m_hub.getStores()) {
-        const std::string file = store->getLocalDbFilePath();
-        if (store->isProductSpecific() && (!only || store == only) && m_workspace.databases.isUnreadable(file))
-            return fail(Msg::databaseUnreadable, file);
-    }
-    return true;
 }
 
 bool HSCPlazTask::run(const std::function<bool()>& work, const HSCPlazQStore* only) {
@@ -61,10 +57,10 @@ bool HSCPlazTask::runLocked(const std::function<bool()>& work, const HSCPlazQSto
     const std::string moved = m_workspace.places.findMovedStore(places);
     mention(places);
     if (!moved.empty()) return fail(Msg::storeMovedMeanwhile, moved);
-    if (m_workspace.places.isUnreadable()) return fail(Msg::databaseUnreadable, m_workspace.places.getFile());
     HSCPlazInstalledState(m_workspace, databases).update();
     mention(databases);
-    return canReadRecords(only) && work();
+    const std::string unreadable = m_workspace.findUnreadableRecord(m_hub, only);
+    return unreadable.empty() ? work() : fail(Msg::databaseUnreadable, unreadable);
 }
 
 bool HSCPlazTask::withLock(const std::function<bool()>& action) {

@@ -43,6 +43,8 @@ public:
     /// Sends what reading this machine's files has brought to light. It is no reason for a failure of the task, so the
     /// result leaves it out.
     void mention(const HSCPlazReport& report) const { report.send(); }
+    /// The same of files that the task has brought: what had to be left out of them is a part of the result.
+    void mentionBrought(const HSCPlazReport& report);
     /// Good news, unless the task is quiet.
     template <std::size_t Arity, typename... Args> void tellNews(const MsgId<Arity>& id, const Args&... args) {
         if (!m_isQuiet) tell(id, MsgSeverity::warning, args...);
@@ -55,8 +57,8 @@ public:
     /// All that was told so far, without what was only mentioned.
     const HSCPlazReport& getReport() const { return m_report; }
 
-    /// Does the work while this process holds the hub's lock. What other processes have done is taken over first. Without a look at the record of what is installed nothing is done
-    /// (Msg::databaseUnreadable).
+    /// Does the work while this process holds the hub's lock. What other processes have done is taken over first.
+    /// Without a look at the record of what is installed nothing is done (Msg::databaseUnreadable).
     /// @param only  the one store whose record the work may change; null where it may be that of any
     /// @throws HEXAll what the work throws, and when the hub has no area that exists
     bool run(const std::function<bool()>& work, const HSCPlazQStore* only = nullptr);
@@ -70,7 +72,6 @@ public:
 
 private:
     bool runLocked(const std::function<bool()>& work, const HSCPlazQStore* only);
-    bool canReadRecords(const HSCPlazQStore* only);
 
     HSCPlazWorkspace& m_workspace;
     HSCPlaz& m_hub;

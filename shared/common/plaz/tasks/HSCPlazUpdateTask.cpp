@@ -48,8 +48,8 @@ Outcome HSCPlazUpdateTask::update(HSCPlazTask& task, HSCPlazItemChanges& changes
     case Step::fetchAgain:
         return outcomeOf(fetchAgain(task, changes, item));
     case Step::installLatest:
-        return outcomeOf(HSCPlazInstallTask::install(task, changes, *item.getStore()->getItem(item.getName()),
-                                                     modeAfter(item)));
+        return outcomeOf(
+            HSCPlazInstallTask::install(task, changes, *item.getStore()->getItem(item.getName()), modeAfter(item)));
     case Step::none:
         break;
     }
@@ -59,4 +59,10 @@ Outcome HSCPlazUpdateTask::update(HSCPlazTask& task, HSCPlazItemChanges& changes
 bool HSCPlazUpdateTask::hasNothingToDo(const HSCPlazTask& task, const HSCPlazQItem& item) {
     return HSCPlazUpdateDecision::decide(item) == Step::none &&
            HSCPlazDependencies::areComplete(task.getHub(), item, task.getWorkspace().userPref);
+}
+
+void HSCPlazUpdateTask::tellHeld(HSCPlazTask& task, const HSCPlazQItem& item) {
+    const std::string holders = Files::joinHolders(task.getHub(), item);
+    if (!item.isLatest() && item.getMode() == Mode::tool && !holders.empty())
+        task.tellNews(Msg::itemHeldAt, Files::shownName(item), item.getRevision(), holders);
 }

@@ -110,8 +110,7 @@ HSCPlazLocalDBReader::Result HSCPlazLocalDBReader::read(const std::string& file,
     if (!plaz) return {Outcome::read, {}, {}};
     if (const Value* stores = Json::FindArray(*plaz, Key::qstores))
         for (const Value& record : stores->GetArray()) readStore(record, model);
-    return {isWhole || !isOwnOnly ? Outcome::read : Outcome::damaged,
-            Json::GetStringProperty(*plaz, Key::majorVersion),
+    return {isWhole || !isOwnOnly ? Outcome::read : Outcome::damaged, Json::GetStringProperty(*plaz, Key::majorVersion),
             Json::GetStringProperty(*plaz, Key::minorVersion)};
 }
 

@@ -32,7 +32,8 @@ public:
     /// One installed item as a database records it. @param record  an object
     static std::unique_ptr<HSCPlazQItemModel> toItem(const rapidjson::Value& record);
     /// The same as parse, in one read, and hands nothing on.
-    /// @param isOwnOnly  fill nothing from a database that another product or release wrote, nor from what is none; from
+    /// @param isOwnOnly  fill nothing from a database that another product or release wrote, nor from what is none;
+    /// from
     ///                   one that is damaged, what can be read
     static Result read(const std::string& file, HSCPlazModel& model, bool isOwnOnly, HSCPlazFindings& found);
 };

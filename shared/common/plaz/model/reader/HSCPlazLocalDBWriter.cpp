@@ -53,7 +53,8 @@ Value toStoreRecord(Document& document, const HSCPlazQStoreModel& store) {
     Json::AddBooleanProperty(document, record, Key::userRepository, store.isUserRepository());
     Value items(rapidjson::kArrayType);
     for (const auto& item : store.getItems())
-        if (item->isInstalled()) items.PushBack(HSCPlazLocalDBWriter::toRecord(document, *item), document.GetAllocator());
+        if (item->isInstalled())
+            items.PushBack(HSCPlazLocalDBWriter::toRecord(document, *item), document.GetAllocator());
     Json::AddGenericValueProperty(document, record, Key::items, items);
     return record;
 }
