@@ -1,8 +1,8 @@
-"""Holds random histories of the hub against a model of what should be installed. From the repository's top:
+"""Holds random histories of a user's hub against a model of what should be installed. From the repository's top:
 
     python3 tests/plaz/tasks/model --histories 2000 --seed 1      the seeds 1 to 2000
 
-A history that fails is shown by as few of its steps as do it still, and ends the run with status 1.
+A history that goes wrong is shown by as few of its steps as go wrong in the same way, and ends the run with status 1.
 """
 
 import argparse
@@ -17,254 +17,210 @@ import subprocess
 import sys
 import time
 
+if pathlib.Path("/dev/shm").is_dir():
+    os.environ.setdefault("TMPDIR", "/dev/shm")  # where what is flushed costs little
 sys.path.append(str(pathlib.Path(__file__).resolve().parents[3]))
-from hubs import Hub, make_history  # noqa: E402 (beside this file)
+from hubs import Publisher, make_history  # noqa: E402 (beside this file)
 from rules import ONE, SEVERAL, Fact, Model  # noqa: E402
-from support.hubtest import BUILD, PLAZ, PRODUCT_DATA, make_env  # noqa: E402 (below "tests")
+from support.hubtest import BUILD, PLAZ, HubTest  # noqa: E402 (below "tests")
 
 AREAS = {SEVERAL: "2024.2/plaz/board_store", ONE: "2024.2/plaz/ced_store"}
 DONE, FAILED, CANCELLED = 0, 1, 130
 
 
-def refer(store, name, revision):
-    return f"{store}::{name}" + (revision and f"@{revision}")
+def write_words(action, arguments):
+    if len(arguments) == 3:
+        store, name, revision = arguments
+        return [action, f"{store}::{name}" + (revision and f"@{revision}")]
+    return ["update", "--all"] if action == "update_all" else [action, *arguments]
 
 
 def work(pipe, env):
-    """A process that holds the hub: does what comes through the pipe, and answers with how it ended."""
+    """A process that holds the hub by the Python module. Takes words and how many steps of progress to let pass, 0 for
+    all; answers with the status and what is shown then."""
     os.environ.clear()
     os.environ.update(env)
     sys.path.insert(0, str(BUILD / "python"))
     import plaz
 
     logging.disable()
-
-    def perform(action, arguments, calls):
-        progress = calls and (lambda *_, left=iter(range(calls)): next(left, None) is not None)
-        if action == "refresh":
-            stores = [name for name in arguments if name != "--hub"]
-            plaz.refresh(stores or None, hub="--hub" in arguments, progress=progress or None)
-        else:
-            getattr(plaz, action)(refer(*arguments), quiet=True, progress=progress or None)
-
     while True:
-        status = DONE
+        (action, *words), steps = pipe.recv()
+        more = {"progress": lambda *_, left=iter(range(steps)): next(left, None) is not None} if steps else {}
+        more.update({"hub": "--hub" in words} if action == "refresh" else {"quiet": True})
         try:
-            perform(*pipe.recv())
-        except plaz.Cancelled:
-            status = CANCELLED
-        except plaz.Error:
-            status = FAILED
+            getattr(plaz, action)([word for word in words if word != "--hub"] or None, **more)
+            status = DONE
+        except plaz.Error as error:
+            status = CANCELLED if isinstance(error, plaz.Cancelled) else FAILED
         items = plaz.items(installed=True, all_revisions=True)
-        key = {(item.store, item.name, item.revision): (item.installation_mode, item.reference_count) for item in items}
-        pipe.send((status, key))
+        pipe.send((status, {(i.store, i.name, i.revision): (i.installation_mode, i.reference_count) for i in items}))
 
 
-class Run:
-    """One history on one hub. problems: what differs after the last step."""
+class History(HubTest):
+    """A user's hub beside its model. problems: in what they differ after the last step."""
 
-    def __init__(self, directory):
-        self.hub = Hub(directory / "hub")
-        self.home = self.hub.directory / "home"
-        self.env = make_env(self.home, self.hub.directory / "data", PRODUCT_DATA)
-        self.model, self.worker, self.problems = Model(self.hub.contents), None, []
+    def __init__(self):
+        self.setUp()
+        self.publisher = Publisher(self.repositories)
+        self.model, self.changes, self.problems, self.worker = Model(self.publisher.contents), [], [], None
 
-    def __enter__(self):
-        return self
+    def take(self, steps):
+        """@return the problems of the first step that has any, and how many steps were taken"""
+        try:
+            for position, step in enumerate(steps):
+                if not self.do(*step):
+                    return self.problems, position + 1
+        except EOFError:
+            return ["the process died"], position + 1
+        finally:
+            self.end_worker()
+        return [], len(steps)
 
-    def __exit__(self, *_):
-        self.stop()
+    def do(self, how, amount, action, *arguments):
+        """@return whether the history can go on"""
+        if how == "publish":  # together with its neighbours
+            self.changes.append((arguments[0], action, *arguments[1:]))
+            return True
+        for store in {change[0] for change in self.changes}:
+            self.publisher.publish(store, [change[1:] for change in self.changes if change[0] == store])
+        self.changes = []
+        if how == "restart":
+            self.end_worker()
+        before = Model(**vars(self.model))
+        went_well = getattr(self, action, getattr(self.model, action, None))(*arguments)
+        self.model.collect()
+        if self.model.count() is None:
+            return False
+        run = self.run_program if how in ("program", "interrupt") or action == "update_all" else self.run_module
+        status, shown = run(write_words(action, arguments), amount)
+        if amount and status == CANCELLED:
+            self.compare_cancelled(before, action)
+            _, shown = run(write_words(action, arguments), 0)
+        elif status != (DONE if went_well else FAILED):
+            self.problems.append(f"ends with {status} in spite of {'success' if went_well else 'failure'}")
+        facts, counts = self.read_databases()
+        self.compare("recorded", facts, self.model.installed)
+        self.compare("counted", counts, expected := self.model.count())
+        self.compare_files(facts, is_at_rest=True)
+        if shown is not None:
+            modes = {item: (fact.mode, expected[item]) for item, fact in self.model.installed.items()}
+            self.compare("shown", shown, modes)
+        return not self.problems
 
-    def stop(self):
+    def refresh(self, *stores):
+        for store in (SEVERAL, ONE) if stores in ((), ("--hub",)) else stores:
+            self.model.catalogs[store] = self.publisher.catalogs[store]
+        return True
+
+    def run_module(self, words, steps):
+        if not self.worker:
+            context = multiprocessing.get_context("fork")
+            self.pipe, other = context.Pipe()
+            self.worker = context.Process(target=work, args=(other, self.env), daemon=True)
+            self.worker.start()
+            other.close()
+        self.pipe.send((words, steps))
+        return self.pipe.recv()
+
+    def end_worker(self):
         if self.worker:
             self.worker.kill()
             self.worker.join()
         self.worker = None
 
-    def ask(self, action, arguments, calls=0):
-        if not self.worker:
-            context = multiprocessing.get_context("fork")
-            self.pipe, other = context.Pipe()
-            self.worker = context.Process(target=work, args=(other, self.env))
-            self.worker.start()
-            other.close()
-        self.pipe.send((action, arguments, calls))
-        return self.pipe.recv()
+    def run_program(self, words, delay):
+        """@param delay  seconds until Ctrl-C, 0 for none"""
+        with subprocess.Popen([PLAZ, "--quiet", *words], env=self.env, stderr=subprocess.DEVNULL, stdout=-3) as process:
+            if delay:
+                time.sleep(delay)
+                process.send_signal(signal.SIGINT)
+        return CANCELLED if process.returncode == -signal.SIGINT else process.returncode, None
 
-    def call(self, action, arguments, delay=None):
-        """Runs the program, with Ctrl-C after a delay in seconds."""
-        words = ["update", "--all"] if action == "update_all" else [action]
-        words += [refer(*arguments)] if len(arguments) == 3 else arguments
-        process = subprocess.Popen([PLAZ, "--quiet", *words], env=self.env, stderr=subprocess.DEVNULL, stdout=subprocess.DEVNULL)
-        if delay is not None:
-            time.sleep(delay)
-            process.send_signal(signal.SIGINT)
-        return process.wait(60)
-
-    def read(self):
-        """@return what the databases record, and what they count"""
+    def read_databases(self):
+        """@return what is recorded of the items, and their counts"""
         facts, counts = {}, {}
         for store, area in AREAS.items():
             file = self.home / area / ".plaz/plaz_local_db.json"
             stores = json.loads(file.read_text())["plaz"]["qstores"] if file.exists() else []
             for entry in (entry for found in stores for entry in found["items"]):
-                place = pathlib.Path(entry["local_directory"]).relative_to(self.home / area)
+                folder = pathlib.Path(entry["local_directory"]).relative_to(self.home / area)
                 item = (store, entry["name"], entry["revision"])
-                facts[item] = Fact(entry["commit_id"], entry["installation_mode"], str(place))
+                facts[item] = Fact(entry["commit_id"], entry["installation_mode"], str(folder))
                 counts[item] = entry["reference_count"]
         return facts, counts
 
     def compare(self, what, found, expected):
-        for key in sorted({*found, *expected}):
-            if found.get(key) != expected.get(key):
-                self.problems.append(f"{what} {key}: {found.get(key)}, expected {expected.get(key)}")
+        differing = [key for key in sorted({*found, *expected}) if found.get(key) != expected.get(key)]
+        self.problems += [f"{what} {key}: {found.get(key)} instead of {expected.get(key)}" for key in differing]
 
     def compare_files(self, facts, is_at_rest):
-        """Each item's files are those of its commit, and of others there are but descriptions left."""
+        """Each item's files are those of its commit. At rest there are no others, but for descriptions."""
         for store, area in AREAS.items():
-            found = {file.relative_to(self.home / area): file for file in (self.home / area / "items").glob("**/*.*")}
-            found = {str(name): file.read_text() for name, file in found.items() if file.is_file()}
-            expected = {
-                f"{fact.folder}/{name}": text
-                for item, fact in facts.items()
-                if item[0] == store
-                for name, text in self.hub.files[fact.commit].items()
+            top = self.home / area
+            found = {
+                str(file.relative_to(top)): file.read_text() for file in top.glob("items/**/*.*") if file.is_file()
             }
-            left = {name for name in found.keys() - expected.keys() if not is_at_rest or name.endswith("/item.json")}
-            self.compare(f"file of {store}", {name: found[name] for name in found.keys() - left}, expected)
-
-    def compare_all(self):
-        facts, counts = self.read()
-        self.compare("recorded", facts, self.model.installed)
-        self.compare("counted", counts, self.model.count())
-        self.compare_files(facts, True)
-
-    def do(self, how, action, *arguments):
-        """@return whether the history can go on"""
-        how, *detail = how if isinstance(how, tuple) else (how,)
-        if action == "publish":
-            self.hub.publish(*arguments)
-            return True
-        if how in ("restart", "program", "interrupt"):
-            self.stop()
-        before = self.model.copy()
-        names = [name for name in arguments if name != "--hub"] if action == "refresh" else arguments
-        went_well = getattr(self.model, action)(*([self.hub.catalogs] if action == "refresh" else []), *names)
-        self.model.collect()
-        if self.model.count() is None:
-            return False
-        if how in ("program", "interrupt"):
-            status = self.call(action, arguments, *detail)
-        else:
-            status, shown = self.ask(action, arguments, *detail)
-        if how in ("cancel", "interrupt") and status == CANCELLED:
-            self.compare_cancelled(before, action)
-            status = None
-            self.call(action, arguments) if action == "update_all" else self.ask(action, arguments)
-        if status not in (None, DONE if went_well else FAILED):
-            self.problems.append(f"ends with {status}, expected {'success' if went_well else 'failure'}")
-        self.compare_all()
-        if how not in ("program", "interrupt"):
-            status, shown = self.ask("refresh", ("no such store",))
-            counts = self.model.count()
-            modes = {item: (fact.mode, counts[item]) for item, fact in self.model.installed.items()}
-            self.compare("shown", shown, modes)
-        return not self.problems
+            files = [
+                (fact.folder, self.publisher.files[fact.commit]) for item, fact in facts.items() if item[0] == store
+            ]
+            expected = {f"{folder}/{name}": text for folder, content in files for name, text in content.items()}
+            extra = [name for name in found.keys() - expected.keys() if not is_at_rest or name.endswith("/item.json")]
+            self.compare("file", {name: found[name] for name in found.keys() - extra}, expected)
 
     def compare_cancelled(self, before, action):
         """What is recorded lies between before and after, and is whole."""
-        facts, counts = self.read()
-        for item in facts.keys() - before.installed.keys() - self.model.installed.keys():
-            self.problems.append(f"when cancelled, recorded {item}, which neither was nor should be")
-        for item in (before.installed.keys() & self.model.installed.keys()) - facts.keys():
-            self.problems.append(f"when cancelled, lost {item}")
-        if action != "refresh":
-            now = before.copy()
-            now.installed = facts
-            self.compare("when cancelled, counted", counts, now.count())
-        self.compare_files(facts, False)
+        facts, counts = self.read_databases()
+        old, new = set(before.installed), set(self.model.installed)
+        strange = (facts.keys() - old - new) | ((old & new) - facts.keys())
+        self.problems += [f"cancelled, with or without {item}" for item in strange]
+        if action != "refresh":  # where it is not known which catalogs are in force
+            self.compare("cancelled, counted", counts, Model(before.contents, before.catalogs, facts).count())
+        self.compare_files(facts, is_at_rest=False)
 
 
-def find_problems(directory, steps):
-    """@return what differs after the first step that goes wrong, and how many steps were made"""
-    with Run(directory) as run:
-        for position, step in enumerate(steps):
-            try:
-                if not run.do(*step):
-                    return run.problems, position + 1
-            except (EOFError, ValueError, KeyError) as error:
-                return [*run.problems, f"ends by {error!r}"], position + 1
-    return [], len(steps)
+def list_simpler(steps):
+    """@return histories that leave out steps, many at first, or a dependency, or take a step in a plainer way"""
+    for size in (len(steps) >> shift for shift in range(1, len(steps).bit_length())):
+        yield from (steps[: end - size] + steps[end:] for end in range(len(steps), size - 1, -size))
+    for place, (how, amount, action, *arguments) in enumerate(steps):
+        simpler = [("module", 0, action, *arguments)] if how not in ("module", "publish") else []
+        if action == "put":
+            *head, needs = arguments
+            simpler = [(how, 0, action, *head, needs[:n] + needs[n + 1 :]) for n in range(len(needs))]
+        yield from ([*steps[:place], step, *steps[place + 1 :]] for step in simpler)
 
 
 def shrink(steps, fails):
-    """Leaves out steps, then what they publish, then dependencies, for as long as @p fails with the rest."""
-
-    def thin(parts, rebuild, size):
-        while size:
-            for begin in range(len(parts) - size, -1, -size):
-                rest = parts[:begin] + parts[begin + size :]
-                if fails(rebuild(rest)):
-                    parts = rest
-            size //= 2
-        return parts
-
-    steps = thin(steps, lambda rest: rest, len(steps) // 2)
-    for place, step in enumerate(steps):
-        if step[1] != "publish":
-            continue
-
-        def publish(changes, place=place, step=step):
-            return [*steps[:place], (*step[:3], *changes), *steps[place + 1 :]]
-
-        changes = thin(list(step[3:]), publish, len(step[3:]) // 2 or 1)
-        for number, change in enumerate(changes):
-            if change[0] == "put":
-                needs = thin(
-                    list(change[3]),
-                    lambda rest: publish([*changes[:number], (*change[:3], tuple(rest)), *changes[number + 1 :]]),
-                    1,
-                )
-                changes[number] = (*change[:3], tuple(needs))
-        steps = publish(changes)
-    return thin(steps, lambda rest: rest, 1)
+    """Makes a history simpler for as long as @p fails with it."""
+    while simpler := next(filter(fails, list_simpler(steps)), None):
+        steps = simpler
+    return steps
 
 
-def show(steps):
-    for how, action, *arguments in steps:
-        if action == "publish":
-            print(f"  publish in {arguments[0]}")
-            for kind, name, *more in arguments[1:]:
-                needs = ", ".join(refer(*key) for key in more[1]) if kind == "put" else ""
-                print(f"    {kind} {name} {more[0] if more else ''}{needs and f' which needs {needs}'}")
-        else:
-            print(f"  {action} {refer(*arguments) if len(arguments) == 3 else ' '.join(arguments)}  ({how})")
+def show(how, amount, action, *arguments):
+    words = " ".join(write_words(action, arguments[:3]))
+    needs = ", ".join(write_words("", key)[1] for key in arguments[3]) if action == "put" else ""
+    print(f"  {how} {amount or ''}: {words}" + (needs and f" which needs {needs}"))
 
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__, formatter_class=argparse.RawDescriptionHelpFormatter)
     parser.add_argument("--histories", type=int, default=50)
-    parser.add_argument("--seed", type=int, default=1, help="of the first history; each further one has the next")
-    parser.add_argument("--steps", type=int, default=12)
-    parser.add_argument("--directory", type=pathlib.Path)
+    parser.add_argument("--seed", type=int, default=1)
     options = parser.parse_args()
-    import tempfile
-
-    with tempfile.TemporaryDirectory(prefix="plaz-test-", dir="/dev/shm" if os.path.isdir("/dev/shm") else None) as scratch:
-        scratch = pathlib.Path(scratch)
-        done = 0
-        for seed in range(options.seed, options.seed + options.histories):
-            steps = make_history(random.Random(seed), options.steps)
-            problems, count = find_problems(scratch, steps)
-            done += count
-            if problems:
-                print(f"seed {seed}:", *problems, sep="\n  ")
-                steps = shrink(steps[:count], lambda rest: find_problems(scratch, rest)[0])
-                print(f"history of {len(steps)} steps:")
-                show(steps)
-                print(*find_problems(scratch, steps)[0], sep="\n  ")
-                sys.exit(1)
-        print(done)
+    for seed in range(options.seed, options.seed + options.histories):
+        steps = make_history(random.Random(seed), 12)
+        problems, taken = History().take(steps)
+        if problems:
+            print(f"seed {seed}:", *problems, sep="\n  ", flush=True)
+            kind = problems[0].split(" (")[0]
+            steps = shrink(steps[:taken], lambda rest: kind in "\n".join(History().take(rest)[0]))
+            print("These steps, some cancelled after steps of progress, or interrupted after seconds,")
+            for step in steps:
+                show(*step)
+            print("go wrong:", *History().take(steps)[0], sep="\n  ")
+            sys.exit(1)
 
 
 if __name__ == "__main__":

@@ -1,195 +1,143 @@
 """What should be installed, by the rules alone: no product code, no files, no git.
 
-An item is (store, name, revision). A dependency's key is the same, with "" for no revision.
+An item is (store, name, revision). So is the key of a dependency, with "" where it names no revision.
 """
 
-import copy
-import dataclasses
+from collections import namedtuple
 
-SEVERAL, ONE = "several", "one"  # the stores: how many revisions of an item each keeps
-TOO_MANY = 20000  # ways along dependencies: no history goes on beyond
-
-
-@dataclasses.dataclass(frozen=True)
-class Entry:
-    """What a catalog says of an item: its commits by revision, in the catalog's order, and its folder."""
-
-    latest: str
-    commits: dict
-    folder: str
-
-
-@dataclasses.dataclass(frozen=True)
-class Fact:
-    commit: str
-    mode: str
-    folder: str
-
-
-def number(revision):
-    return tuple(map(int, revision.split(".")))
+SEVERAL, ONE = "boards", "tclscripts"  # the stores, by how many revisions of an item they keep
+TOO_MANY = 20000  # ways along dependencies, beyond which they are not counted
+Entry = namedtuple("Entry", "latest commits folder")  # of a catalog; commits by revision, in the catalog's order
+Fact = namedtuple("Fact", "commit mode folder")  # of an installed item
 
 
 class Model:
-    def __init__(self, contents):
-        """@param contents  dependencies by commit, growing; a commit that is not there cannot be fetched"""
-        self.contents = contents
-        self.catalogs = {SEVERAL: {}, ONE: {}}
-        self.installed = {}
+    """contents: dependencies by commit, growing; a commit that is not there cannot be fetched."""
 
-    def copy(self):
-        other = copy.copy(self)
-        other.catalogs, other.installed = dict(self.catalogs), dict(self.installed)
-        return other
+    def __init__(self, contents, catalogs=(), installed=()):
+        self.contents, self.catalogs = contents, {SEVERAL: {}, ONE: {}, **dict(catalogs)}
+        self.installed = dict(installed)
 
-    # What is meant
+    def list_revisions(self, store, name):
+        """@return the installed ones as items, the newest first"""
+        latest, commits, _ = self.catalogs[store].get(name, ("", {}, ""))
+        ranks = {revision: (rank,) for rank, revision in enumerate(dict.fromkeys([latest, *commits]))}
+        items = [item for item in self.installed if item[:2] == (store, name)]
+        return sorted(items, key=lambda item: ranks.get(item[2]) or (99, *(-int(part) for part in item[2].split("."))))
 
-    def get_latest(self, store, name):
-        return self.catalogs[store][name].latest if name in self.catalogs[store] else None
+    def find_server(self, store, name, revision):
+        """@return the installed item that serves a key, or None"""
+        items = self.list_revisions(store, name)
+        return next((item for item in items if store == ONE or revision in ("", item[2])), None)
 
-    def sort_newest_first(self, store, name):
-        """@return the installed revisions as items"""
-        entry = self.catalogs[store].get(name)
-        listed = [entry.latest, *entry.commits] if entry else []
-
-        def rank(item):
-            return (0, listed.index(item[2])) if item[2] in listed else (1, *(-part for part in number(item[2])))
-
-        return sorted((item for item in self.installed if item[:2] == (store, name)), key=rank)
-
-    def get_server(self, store, name, revision):
-        """@return the installed item that serves the dependency, or None"""
-        items = self.sort_newest_first(store, name)
-        if revision and store == SEVERAL:
-            items = [item for item in items if item[2] == revision]
-        return items[0] if items else None
-
-    def get_offer(self, store, name, revision):
+    def find_offer(self, store, name, revision):
         """@return the item that the catalog offers for a key, or None"""
-        latest = self.get_latest(store, name)
-        offered = [] if latest is None else self.catalogs[store][name].commits if store == SEVERAL else [latest]
-        revision = revision or latest
-        return (store, name, revision) if revision in offered else None
+        latest, commits, _ = self.catalogs[store].get(name, ("", {}, ""))
+        item = (store, name, revision or latest)
+        return item if item[2] in (commits if store == SEVERAL else [latest]) and item[2] else None
 
     def get_needs(self, item):
         return self.contents[self.installed[item].commit]
 
-    # Who holds what
-
-    def get_own_keys(self, item):
-        store, name, revision = item
-        is_newest = store == ONE or revision == self.get_latest(store, name)
-        return frozenset({item, (store, name, "")} if is_newest else {item})
+    def list_asked_for(self):
+        return [item for item, fact in self.installed.items() if fact.mode == "user"]
 
     def count(self):
-        """@return how many ways lead to each installed item from what the user asked for; None for too many"""
+        """@return by how many ways each item is reached from what the user asked for; None when there are too many"""
         counts = dict.fromkeys(self.installed, 0)
-        ways = [(item, self.get_own_keys(item)) for item, fact in self.installed.items() if fact.mode == "user"]
-        for total in range(TOO_MANY):
+        ways = [(item, {item}) for item in self.list_asked_for()]
+        for item, keys in ways:  # by which it names itself
+            if item[0] == ONE or item == self.find_offer(*item[:2], ""):
+                keys.add((*item[:2], ""))
+        for _ in range(TOO_MANY):
             if not ways:
                 return counts
             item, path = ways.pop()
-            for key in self.get_needs(item):
-                server = self.get_server(*key)
-                if server and key not in path:
+            for key in set(self.get_needs(item)) - path:
+                if server := self.find_server(*key):
                     counts[server] += 1
                     ways.append((server, path | {key}))
         return None
 
     def collect(self):
         """Lets go of what no way leads to."""
-        ways = [item for item, fact in self.installed.items() if fact.mode == "user"]
-        reached = set(ways)
+        ways, reached = self.list_asked_for(), set()
         while ways:
-            servers = {self.get_server(*key) for key in self.get_needs(ways.pop())} - reached - {None}
-            reached |= servers
-            ways += servers
+            item = ways.pop()
+            if item and item not in reached:
+                reached.add(item)
+                ways += [self.find_server(*key) for key in self.get_needs(item)]
         self.installed = {item: fact for item, fact in self.installed.items() if item in reached}
 
-    # The tasks: each gives whether all went well
-
     def put(self, item, mode):
-        """Fetches and records an offered item. In a store that keeps one revision it takes the place of another."""
+        """Fetches an offered item. Where one revision is kept it takes the place of another, and its mode "user"."""
         store, name, revision = item
         entry = self.catalogs[store][name]
-        commit, place = entry.commits[revision], entry.folder + (f"/{revision}" if store == SEVERAL else "")
-        others = [other for other in self.installed if other[:2] == (store, name) and store == ONE]
-        taken = [
-            fact.folder == place
-            for other, fact in self.installed.items()
-            if other[0] == store and other != item and other not in others
-        ]
-        if commit not in self.contents or any(taken):
+        commit, folder = entry.commits[revision], entry.folder + (f"/{revision}" if store == SEVERAL else "")
+        replaced = {other for other in self.installed if other[:2] == (store, name) and (store == ONE or other == item)}
+        taken = [fact.folder for other, fact in self.installed.items() if other[0] == store and other not in replaced]
+        if commit not in self.contents or folder in taken:
             return False
-        if any(self.installed.pop(other).mode == "user" for other in others):
-            mode = "user"
-        self.installed[item] = Fact(commit, mode, place)
+        modes = [self.installed.pop(other).mode for other in replaced]
+        self.installed[item] = Fact(commit, "user" if "user" in modes else mode, folder)
         return True
 
-    def complete(self, item):
-        """Brings what is missing below an item, depth first."""
+    def complete(self, top):
+        """Brings what is missing below an item, depth first; ends where a need of the item itself cannot be served."""
         seen = set()
 
         def walk(item):
             seen.add(item)
             went_well = True
             for key in self.get_needs(item):
-                server = self.get_server(*key)
-                if not server:
-                    server = self.get_offer(*key)
-                    if not server or not self.put(server, "tool"):
-                        went_well = False
-                        continue
-                if server not in seen:
+                server = self.find_server(*key) or self.find_offer(*key)
+                if server not in self.installed and not (server and self.put(server, "tool")):
+                    if item == top:
+                        return False
+                    went_well = False
+                elif server not in seen:
                     went_well = walk(server) and went_well
             return went_well
 
-        return walk(item)
+        return walk(top)
+
+    # The tasks: each gives whether all went well
 
     def install(self, store, name, revision):
-        newest = self.get_server(store, name, "")
-        item = (store, name, revision or self.get_latest(store, name) or (newest and newest[2]))
+        newest = self.find_offer(store, name, "") or self.find_server(store, name, "")
+        item = (store, name, revision) if revision else newest
         if item in self.installed:
-            self.installed[item] = dataclasses.replace(self.installed[item], mode="user")
-        elif not (self.get_offer(*item) and self.put(item, "user")):
+            self.installed[item] = self.installed[item]._replace(mode="user")
+        elif not (item and self.find_offer(*item) and self.put(item, "user")):
             return False
         return self.complete(item)
 
     def uninstall(self, *key):
-        item = self.get_server(*key)
+        item = self.find_server(*key)
         is_held = item and self.count()[item] > 0
         if not item or (is_held and self.installed[item].mode == "tool"):
             return False
         fact = self.installed.pop(item)
         if is_held:
-            self.installed[item] = dataclasses.replace(fact, mode="tool")
+            self.installed[item] = fact._replace(mode="tool")
         return True
 
     def update(self, *key):
-        item = self.get_server(*key)
+        item = self.find_server(*key)
         if not item:
             return False
-        mode = self.installed[item].mode
-        latest = self.get_offer(*item[:2], "")
-        if latest and not (item[0] == SEVERAL and mode == "tool" and latest != item):
-            fact = self.installed.get(latest, Fact("", mode, None))
-            item = latest
+        fact, latest = self.installed[item], self.find_offer(*item[:2], "")
+        if latest and (latest[0] == ONE or latest == item or fact.mode == "user"):
+            item, fact = latest, self.installed.get(latest, fact._replace(commit=""))
             if fact.commit != self.catalogs[item[0]][item[1]].commits[item[2]] and not self.put(item, fact.mode):
                 return False
         return self.complete(item)
 
     def update_all(self):
-        items = []
-        for store in (SEVERAL, ONE):
-            names = [*self.catalogs[store], *sorted({name for s, name, _ in self.installed if s == store})]
-            items += [item for name in dict.fromkeys(names) for item in self.sort_newest_first(store, name)]
+        names = [(store, name) for store, catalog in self.catalogs.items() for name in catalog]
+        names = dict.fromkeys([*names, *sorted(item[:2] for item in self.installed)])
         went_well = True
-        for item in items:
-            if item in self.installed:
-                went_well = self.update(*item) and went_well
-                self.collect()
+        for item in [item for name in names for item in self.list_revisions(*name)]:
+            went_well = (item not in self.installed or self.update(*item)) and went_well
+            self.collect()
         return went_well
-
-    def refresh(self, published, *stores):
-        self.catalogs.update({store: published[store] for store in stores or published})
-        return True
