@@ -85,14 +85,15 @@ class History(HubTest):
         for store in {change[0] for change in self.changes}:
             self.publisher.publish(store, [change[1:] for change in self.changes if change[0] == store])
         self.changes = []
-        if how == "restart":
+        is_program = how in ("program", "interrupt") or action == "update_all"
+        if how == "restart" or is_program:
             self.end_worker()
         before = Model(**vars(self.model))
         went_well = getattr(self, action, getattr(self.model, action, None))(*arguments)
         self.model.collect()
         if self.model.count() is None:
             return False
-        run = self.run_program if how in ("program", "interrupt") or action == "update_all" else self.run_module
+        run = self.run_program if is_program else self.run_module
         status, shown = run(write_words(action, arguments), amount)
         if amount and status == CANCELLED:
             self.compare_cancelled(before, action)
