@@ -153,49 +153,52 @@ class History(HubTest):
 
     def compare(self, what, found, expected):
         differing = [key for key in sorted({*found, *expected}) if found.get(key) != expected.get(key)]
-        self.problems += [f"{what} {key}: {found.get(key)} instead of {expected.get(key)}" for key in differing]
+        self.problems += [f"{what}: {key} {found.get(key)} instead of {expected.get(key)}" for key in differing]
 
     def compare_files(self, facts, is_at_rest):
         """Each item's files are those of its commit. At rest there are no others, but for descriptions."""
-        for store, area in AREAS.items():
-            top = self.home / area
-            found = {
-                str(file.relative_to(top)): file.read_text() for file in top.glob("items/**/*.*") if file.is_file()
-            }
-            files = [
-                (fact.folder, self.publisher.files[fact.commit]) for item, fact in facts.items() if item[0] == store
-            ]
-            expected = {f"{folder}/{name}": text for folder, content in files for name, text in content.items()}
-            extra = [name for name in found.keys() - expected.keys() if not is_at_rest or name.endswith("/item.json")]
-            self.compare("file", {name: found[name] for name in found.keys() - extra}, expected)
+        tops = [self.home / area / "items" for area in AREAS.values()]
+        files = [file for top in tops for file in top.glob("**/*") if file.is_file()]
+        found = {str(file.relative_to(self.home)): file.read_text() for file in files}
+        expected = {
+            f"{AREAS[item[0]]}/{fact.folder}/{name}": text
+            for item, fact in facts.items()
+            for name, text in self.publisher.files[fact.commit].items()
+        }
+        extra = [name for name in found.keys() - expected.keys() if not is_at_rest or name.endswith("/item.json")]
+        self.compare("file", {name: found[name] for name in found.keys() - extra}, expected)
 
     def compare_cancelled(self, before, action):
         """What is recorded lies between before and after, and is whole."""
         facts, counts = self.read_databases()
         old, new = set(before.installed), set(self.model.installed)
         strange = (facts.keys() - old - new) | ((old & new) - facts.keys())
-        self.problems += [f"cancelled, with or without {item}" for item in strange]
+        self.problems += [f"cancelled: with or without {item}" for item in strange]
         if action != "refresh":  # where it is not known which catalogs are in force
-            self.compare("cancelled, counted", counts, Model(before.contents, before.catalogs, facts).count())
+            self.compare("cancelled: counted", counts, Model(before.contents, before.catalogs, facts).count())
         self.compare_files(facts, is_at_rest=False)
 
 
-def list_simpler(steps):
-    """@return histories that leave out steps, many at first, or a dependency, or take a step in a plainer way"""
-    for size in (len(steps) >> shift for shift in range(1, len(steps).bit_length())):
-        yield from (steps[: end - size] + steps[end:] for end in range(len(steps), size - 1, -size))
-    for place, (how, amount, action, *arguments) in enumerate(steps):
-        simpler = [("module", 0, action, *arguments)] if how not in ("module", "publish") else []
-        if action == "put":
-            *head, needs = arguments
-            simpler = [(how, 0, action, *head, needs[:n] + needs[n + 1 :]) for n in range(len(needs))]
-        yield from ([*steps[:place], step, *steps[place + 1 :]] for step in simpler)
+def simplify(how, amount, action, *arguments):
+    """@return steps that do less, or in a plainer way"""
+    if action != "put":
+        return [] if how in ("module", "publish") else [("module", 0, action, *arguments)]
+    *head, needs = arguments
+    return [(how, amount, action, *head, needs[:place] + needs[place + 1 :]) for place in range(len(needs))]
 
 
 def shrink(steps, fails):
-    """Makes a history simpler for as long as @p fails with it."""
-    while simpler := next(filter(fails, list_simpler(steps)), None):
-        steps = simpler
+    """Makes a history simpler, step by step, for as long as @p fails with it."""
+    before, size = None, len(steps)
+    while size := size // 2 or int(steps != before):
+        before = steps
+        for end in range(len(steps), size - 1, -size):
+            rest = steps[: end - size] + steps[end:]
+            steps = rest if fails(rest) else steps
+    for place, step in enumerate(steps):
+        simpler = ([*steps[:place], other, *steps[place + 1 :]] for other in simplify(*step))
+        if rest := next(filter(fails, simpler), None):
+            return shrink(rest, fails)
     return steps
 
 
@@ -215,7 +218,7 @@ def main():
         problems, taken = History().take(steps)
         if problems:
             print(f"seed {seed}:", *problems, sep="\n  ", flush=True)
-            kind = problems[0].split(" (")[0]
+            kind = problems[0].split(":")[0]
             steps = shrink(steps[:taken], lambda rest: kind in "\n".join(History().take(rest)[0]))
             print("These steps, some cancelled after steps of progress, or interrupted after seconds,")
             for step in steps:
