@@ -6,6 +6,7 @@ A history that goes wrong is shown by as few of its steps as go wrong in the sam
 """
 
 import argparse
+import concurrent.futures as futures
 import json
 import logging
 import multiprocessing
@@ -24,6 +25,7 @@ from hubs import Publisher, make_history  # noqa: E402 (beside this file)
 from rules import ONE, SEVERAL, Fact, Model  # noqa: E402
 from support.hubtest import BUILD, PLAZ, HubTest  # noqa: E402 (below "tests")
 
+sys.path.insert(0, str(BUILD / "python"))
 AREAS = {SEVERAL: "2024.2/plaz/board_store", ONE: "2024.2/plaz/ced_store"}
 DONE, FAILED, CANCELLED = 0, 1, 130
 
@@ -35,26 +37,27 @@ def write_words(action, arguments):
     return ["update", "--all"] if action == "update_all" else [action, *arguments]
 
 
-def work(pipe, env):
-    """A process that holds the hub by the Python module. Takes words and how many steps of progress to let pass, 0 for
-    all; answers with the status and what is shown then."""
+def work(env, words, steps):
+    """Runs a command by the Python module, which keeps the hub for as long as this process lasts.
+
+    @param steps  of progress to let pass before it is cancelled, 0 for all
+    @return the status, and what is shown then
+    """
     os.environ.clear()
     os.environ.update(env)
-    sys.path.insert(0, str(BUILD / "python"))
     import plaz
 
     logging.disable()
-    while True:
-        (action, *words), steps = pipe.recv()
-        more = {"progress": lambda *_, left=iter(range(steps)): next(left, None) is not None} if steps else {}
-        more.update({"hub": "--hub" in words} if action == "refresh" else {"quiet": True})
-        try:
-            getattr(plaz, action)([word for word in words if word != "--hub"] or None, **more)
-            status = DONE
-        except plaz.Error as error:
-            status = CANCELLED if isinstance(error, plaz.Cancelled) else FAILED
-        items = plaz.items(installed=True, all_revisions=True)
-        pipe.send((status, {(i.store, i.name, i.revision): (i.installation_mode, i.reference_count) for i in items}))
+    action, *words = words
+    more = {"progress": lambda *_, left=iter(range(steps)): next(left, None) is not None} if steps else {}
+    more.update({"hub": "--hub" in words} if action == "refresh" else {"quiet": True})
+    try:
+        getattr(plaz, action)([word for word in words if word != "--hub"] or None, **more)
+        status = DONE
+    except plaz.Error as error:
+        status = CANCELLED if isinstance(error, plaz.Cancelled) else FAILED
+    items = plaz.items(installed=True, all_revisions=True)
+    return status, {(i.store, i.name, i.revision): (i.installation_mode, i.reference_count) for i in items}
 
 
 class History(HubTest):
@@ -63,7 +66,7 @@ class History(HubTest):
     def __init__(self):
         self.setUp()
         self.publisher = Publisher(self.repositories)
-        self.model, self.changes, self.problems, self.worker = Model(self.publisher.contents), [], [], None
+        self.model, self.changes, self.problems, self.worker = Model(self.publisher), [], [], None
 
     def take(self, steps):
         """@return the problems of the first step that has any, and how many steps were taken"""
@@ -71,7 +74,7 @@ class History(HubTest):
             for position, step in enumerate(steps):
                 if not self.do(*step):
                     return self.problems, position + 1
-        except EOFError:
+        except futures.process.BrokenProcessPool:
             return ["the process died"], position + 1
         finally:
             self.end_worker()
@@ -89,7 +92,7 @@ class History(HubTest):
         if how == "restart" or is_program:
             self.end_worker()
         before = Model(**vars(self.model))
-        went_well = getattr(self, action, getattr(self.model, action, None))(*arguments)
+        went_well = getattr(self.model, action)(*arguments)
         self.model.collect()
         if self.model.count() is None:
             return False
@@ -109,30 +112,20 @@ class History(HubTest):
             self.compare("shown", shown, modes)
         return not self.problems
 
-    def refresh(self, *stores):
-        for store in (SEVERAL, ONE) if stores in ((), ("--hub",)) else stores:
-            self.model.catalogs[store] = self.publisher.catalogs[store]
-        return True
-
     def run_module(self, words, steps):
         if not self.worker:
-            context = multiprocessing.get_context("fork")
-            self.pipe, other = context.Pipe()
-            self.worker = context.Process(target=work, args=(other, self.env), daemon=True)
-            self.worker.start()
-            other.close()
-        self.pipe.send((words, steps))
-        return self.pipe.recv()
+            self.worker = futures.ProcessPoolExecutor(1, multiprocessing.get_context("fork"))
+        return self.worker.submit(work, self.env, words, steps).result()
 
     def end_worker(self):
         if self.worker:
-            self.worker.kill()
-            self.worker.join()
+            self.worker.shutdown()
         self.worker = None
 
     def run_program(self, words, delay):
         """@param delay  seconds until Ctrl-C, 0 for none"""
-        with subprocess.Popen([PLAZ, "--quiet", *words], env=self.env, stderr=subprocess.DEVNULL, stdout=-3) as process:
+        silent = {"stdout": subprocess.DEVNULL, "stderr": subprocess.DEVNULL}
+        with subprocess.Popen([PLAZ, "--quiet", *words], env=self.env, **silent) as process:
             if delay:
                 time.sleep(delay)
                 process.send_signal(signal.SIGINT)
@@ -175,7 +168,7 @@ class History(HubTest):
         strange = (facts.keys() - old - new) | ((old & new) - facts.keys())
         self.problems += [f"cancelled: with or without {item}" for item in strange]
         if action != "refresh":  # where it is not known which catalogs are in force
-            self.compare("cancelled: counted", counts, Model(before.contents, before.catalogs, facts).count())
+            self.compare("cancelled: counted", counts, Model(self.publisher, before.catalogs, facts).count())
         self.compare_files(facts, is_at_rest=False)
 
 

@@ -9,9 +9,7 @@ import subprocess
 from rules import ONE, SEVERAL, Entry
 
 REVISIONS = ("1.0", "1.1", "2.0", "10.0")
-ACTIONS = (
-    ("install",) * 6 + ("uninstall",) * 4 + ("update",) * 3 + ("update_all",) + ("publish",) * 4 + ("refresh",) * 2
-)
+CHANCES = {"install": 6, "uninstall": 4, "update": 3, "update_all": 1, "publish": 4, "refresh": 2}
 GONE = "0" * 39 + "1"  # a commit that no repository has
 FILES = {SEVERAL: ("boards-store.git", "boards_catalog.json"), ONE: ("tcl-store.git", "scripts_catalog.json")}
 
@@ -33,9 +31,8 @@ class Publisher:
             for kind, name, *more in changes:
                 if kind == "put":  # a revision with its dependencies, as the latest one
                     is_taken = f"items/{name}" in [entry.folder for entry in catalog.values()]
-                    _, commits, folder = catalog.get(
-                        name, ("", {}, f"items/{name}-new" if is_taken else f"items/{name}")
-                    )
+                    new = ("", {}, f"items/{name}-new" if is_taken else f"items/{name}")
+                    _, commits, folder = catalog.get(name, new)
                     files = make_files(name, *more, len(self.files))
                     commit = commit_files(git, {f"{folder}/{file}": text for file, text in files.items()})
                     self.files[commit], self.contents[commit] = files, more[1]
@@ -96,9 +93,7 @@ def make_history(random, length):
     for _ in range(length):
         how = random.choice(("module",) * 16 + ("program", "restart", "cancel", "cancel", "interrupt"))
         amount = {"cancel": random.randint(1, 12), "interrupt": 0.001 + random.random() * 0.04}.get(how, 0)
-        action = random.choices(
-            ("install", "uninstall", "update", "update_all", "publish", "refresh"), (6, 4, 3, 1, 4, 2)
-        )[0]
+        (action,) = random.choices([*CHANCES], [*CHANCES.values()])
         store, name = random.choice(items[: random.choice((3, 6, 30))])
         if action in ("publish", "refresh"):
             for place in random.sample(range(len(items)), random.randint(1, 4) if action == "publish" else 0):

@@ -12,10 +12,10 @@ Fact = namedtuple("Fact", "commit mode folder")  # of an installed item
 
 
 class Model:
-    """contents: dependencies by commit, growing; a commit that is not there cannot be fetched."""
+    """catalogs: what the user's hub offers, as it was published when last refreshed."""
 
-    def __init__(self, contents, catalogs=(), installed=()):
-        self.contents, self.catalogs = contents, {SEVERAL: {}, ONE: {}, **dict(catalogs)}
+    def __init__(self, published, catalogs=(), installed=()):
+        self.published, self.catalogs = published, {SEVERAL: {}, ONE: {}, **dict(catalogs)}
         self.installed = dict(installed)
 
     def list_revisions(self, store, name):
@@ -37,7 +37,7 @@ class Model:
         return item if item[2] in (commits if store == SEVERAL else [latest]) and item[2] else None
 
     def get_needs(self, item):
-        return self.contents[self.installed[item].commit]
+        return self.published.contents[self.installed[item].commit]
 
     def list_asked_for(self):
         return [item for item, fact in self.installed.items() if fact.mode == "user"]
@@ -76,7 +76,7 @@ class Model:
         commit, folder = entry.commits[revision], entry.folder + (f"/{revision}" if store == SEVERAL else "")
         replaced = {other for other in self.installed if other[:2] == (store, name) and (store == ONE or other == item)}
         taken = [fact.folder for other, fact in self.installed.items() if other[0] == store and other not in replaced]
-        if commit not in self.contents or folder in taken:
+        if commit not in self.published.contents or folder in taken:
             return False
         modes = [self.installed.pop(other).mode for other in replaced]
         self.installed[item] = Fact(commit, "user" if "user" in modes else mode, folder)
@@ -141,3 +141,8 @@ class Model:
             went_well = (item not in self.installed or self.update(*item)) and went_well
             self.collect()
         return went_well
+
+    def refresh(self, *stores):
+        chosen = [store for store in stores if store != "--hub"] or [SEVERAL, ONE]
+        self.catalogs.update((store, self.published.catalogs[store]) for store in chosen)
+        return True
