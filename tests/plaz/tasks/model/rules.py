@@ -82,35 +82,48 @@ class Model:
         self.installed[item] = Fact(commit, "user" if "user" in modes else mode, folder)
         return True
 
-    def complete(self, top):
-        """Brings what is missing below an item, depth first; ends where a need of the item itself cannot be served."""
-        seen = set()
+    def complete(self, top, is_new):
+        """Brings what is missing below an item, depth first: what the catalog offers, below an item that is new, also
+        where another revision would serve; there the first need of its own that cannot be had ends the work."""
+        seen, lacking = {top}, []
 
-        def walk(item):
-            seen.add(item)
-            went_well = True
+        def bring(key):
+            item = self.find_offer(*key)
+            if not item or (item not in self.installed and not self.put(item, "tool")):
+                lacking.append(key)
+                return False
+            if item not in seen:
+                seen.add(item)
+                for need in self.get_needs(item):
+                    bring(need)
+            return True
+
+        def look(item):
             for key in self.get_needs(item):
-                server = self.find_server(*key) or self.find_offer(*key)
-                if server not in self.installed and not (server and self.put(server, "tool")):
-                    if item == top:
-                        return False
-                    went_well = False
+                server = self.find_server(*key)
+                if not server:
+                    bring(key)
                 elif server not in seen:
-                    went_well = walk(server) and went_well
-            return went_well
+                    seen.add(server)
+                    look(server)
 
-        return walk(top)
+        if is_new:
+            all(bring(key) for key in self.get_needs(top))
+        else:
+            look(top)
+        return not lacking
 
     # The tasks: each gives whether all went well
 
     def install(self, store, name, revision):
         newest = self.find_offer(store, name, "") or self.find_server(store, name, "")
         item = (store, name, revision) if revision else newest
+        was_users = item in self.list_asked_for()
         if item in self.installed:
             self.installed[item] = self.installed[item]._replace(mode="user")
         elif not (item and self.find_offer(*item) and self.put(item, "user")):
             return False
-        return self.complete(item)
+        return self.complete(item, not was_users)
 
     def uninstall(self, *key):
         item = self.find_server(*key)
@@ -127,11 +140,12 @@ class Model:
         if not item:
             return False
         fact, latest = self.installed[item], self.find_offer(*item[:2], "")
+        is_new = bool(latest) and latest not in self.installed and fact.mode == "user"
         if latest and (latest[0] == ONE or latest == item or fact.mode == "user"):
             item, fact = latest, self.installed.get(latest, fact._replace(commit=""))
             if fact.commit != self.catalogs[item[0]][item[1]].commits[item[2]] and not self.put(item, fact.mode):
                 return False
-        return self.complete(item)
+        return self.complete(item, is_new)
 
     def update_all(self):
         names = [(store, name) for store, catalog in self.catalogs.items() for name in catalog]
