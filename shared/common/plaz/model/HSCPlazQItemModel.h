@@ -82,7 +82,7 @@ public:
     /// The catalog offers this revision. One that is installed may be offered no more.
     bool isListed() const { return m_listed; }
     void setIsListed(bool value) { m_listed = value; }
-    /// What it depends on is what its own installed metadata file says.
+    /// Its own installed metadata file could be read, so that what it depends on is known.
     bool isDescribedByItself() const { return m_describedByItself; }
     void setIsDescribedByItself(bool value) { m_describedByItself = value; }
 

@@ -17,15 +17,17 @@
 
 namespace {
 
-/// Null for a file that does not describe this very item.
+bool describes(const HSCPlazQItemModel& description, const HSCPlazQItemModel& item) {
+    return description.getName() == item.getName() && description.getRevision() == item.getRevision();
+}
+
+/// Null for a file that describes no item.
 std::unique_ptr<HSCPlazQItemModel> readDescription(const HIOStream::Root& root, const std::string& file,
-                                                   HSCPlazJsonDocument& document, const HSCPlazQItemModel& item,
-                                                   HSCPlazFindings& found) {
+                                                   HSCPlazJsonDocument& document, HSCPlazFindings& found) {
     auto description = std::make_unique<HSCPlazQItemModel>();
     const HIOStream::Status status = HSCPlazQItemReader::readBelow(root, file, document, *description, found);
-    const bool isIts = status == HIOStream::Status::ok && description->getName() == item.getName() &&
-                       description->getRevision() == item.getRevision();
-    return isIts ? std::move(description) : nullptr;
+    const bool isItem = status == HIOStream::Status::ok && !description->getName().empty();
+    return isItem ? std::move(description) : nullptr;
 }
 
 /// Nobody names the file that describes an item which the catalog has left out: it must be the only one that does.
@@ -36,9 +38,10 @@ std::unique_ptr<HSCPlazQItemModel> readWithdrawn(const HIOStream::Root& root, co
     std::unique_ptr<HSCPlazQItemModel> only;
     for (const std::string& name : HUTFile::createFileIter(area + "/" + folder)) {
         if (boost::filesystem::path(name).extension() != ".json") continue;
-        auto description = readDescription(root, folder + "/" + name, document, item, ofOtherFiles);
-        if (description && only) return nullptr;
-        if (description) only = std::move(description);
+        auto description = readDescription(root, folder + "/" + name, document, ofOtherFiles);
+        if (!description || !describes(*description, item)) continue;
+        if (only) return nullptr;
+        only = std::move(description);
     }
     if (only) only->setIsActive(false); // nobody offers it any more
     return only;
@@ -66,11 +69,11 @@ void HSCPlazInstalledState::describe(const HSCPlazQStoreModel& store) const {
         const std::string& file = item->getMetadataFile();
         std::unique_ptr<HSCPlazQItemModel> description;
         if (!file.empty())
-            description = readDescription(root, folder + "/" + file, document, *item, found);
+            description = readDescription(root, folder + "/" + file, document, found);
         else if (!folder.empty())
             description = readWithdrawn(root, m_workspace.paths.getStoreArea(store), folder, document, *item);
         item->setIsDescribedByItself(description != nullptr);
-        if (description) item->copyDescriptionFrom(*description);
+        if (description && describes(*description, *item)) item->copyDescriptionFrom(*description);
     }
     m_report.append(found.toReport());
 }

@@ -230,7 +230,8 @@ bool HSCPlazItemChanges::record(const HSCPlazFoundItem& found, const HSCPlazPend
     if (change.isInstalled) {
         for (HSCPlazQItem* other : findReplaced(found)) {
             // One in another folder goes at the end of the task, since nobody needs it any more.
-            const bool hasItsOwn = other->getLocalRootDir() != change.item->getLocalDir();
+            const std::string theirs = Files::removableDirectory(m_task, {found.store, other});
+            const bool hasItsOwn = HUTFile::exists(theirs) && !HUTFile::isAKA(theirs, change.item->getLocalDir());
             hasItsOwn ? other->getModel()->setMode(Mode::tool) : other->getModel()->clearInstallation();
         }
         HSCPlazInstalledItems(*found.store->getModel(), m_task.getWorkspace().paths).apply(*change.item);
@@ -306,11 +307,20 @@ void HSCPlazItemChanges::finishFiles(const HSCPlazPendingChange& change, const H
 }
 
 bool HSCPlazItemChanges::removeUnneeded() {
+    return removeUnneeded(MsgSeverity::error);
+}
+
+bool HSCPlazItemChanges::removeUnneeded(MsgSeverity severity) {
     HSCPlazFoundItem unneeded = findUnneeded(m_task.getHub(), m_obstinate);
     const HSCPlazQItem* undescribed = unneeded ? findUndescribed(m_task.getHub()) : nullptr;
-    if (undescribed) {
+    const std::string unreadable =
+        unneeded ? m_task.getWorkspace().findUnreadableRecord(m_task.getHub(), nullptr) : std::string();
+    if (undescribed || !unreadable.empty()) {
         m_isStuck = true; // once it can be read, they go
-        return std::exchange(m_isBlocked, true) || m_task.fail(Msg::needsUnknown, Files::shownName(*undescribed));
+        if (std::exchange(m_isBlocked, true)) return false;
+        undescribed ? m_task.tell(Msg::needsUnknown, severity, Files::shownName(*undescribed))
+                    : m_task.tell(Msg::databaseUnreadable, severity, unreadable);
+        return false;
     }
     for (; unneeded; unneeded = findUnneeded(m_task.getHub(), m_obstinate)) {
         const std::string name = unneeded.item->getName();
@@ -328,7 +338,7 @@ bool HSCPlazItemChanges::removeUnneeded() {
 bool HSCPlazItemChanges::end() {
     if (!m_note.exists()) return m_isSound;
     if (!m_note.read().files.empty()) return false; // of a catalog that could not be put into its place
-    const bool areGone = removeUnneeded() || m_isBlocked;
+    const bool areGone = removeUnneeded(MsgSeverity::warning) || m_isBlocked;
     if (!m_isStuck) m_note.forget();
     return areGone && m_isSound && (!m_isStuck || m_isBlocked);
 }

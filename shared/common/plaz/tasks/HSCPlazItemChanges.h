@@ -3,6 +3,7 @@
 #include "plaz/base/HSCPlazInstallationMode.h"
 #include "plaz/store/HSCPlazChangeNote.h"
 #include "plaz/store/HSCPlazDependencies.h"
+#include "support/ComMsgMgr.h"
 
 #include <functional>
 #include <set>
@@ -47,7 +48,7 @@ public:
     /// Says for whom an installed item is there.
     bool setMode(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode);
     /// Removes what nobody asked for and nobody needs (Msg::dependencyRemoved), as the end of the task does. Nothing
-    /// goes while what an installed item needs is not known (Msg::needsUnknown).
+    /// goes while what an installed item needs is not known (Msg::needsUnknown, databaseUnreadable).
     /// @return false when something stays that should go; the reason has been told
     bool removeUnneeded();
 
@@ -63,6 +64,7 @@ private:
     void restoreShipped(const HSCPlazFoundItem& found) const;
     void finishInterrupted();
     void finishFiles(const HSCPlazPendingChange& change, const HSCPlazQStore& store);
+    bool removeUnneeded(MsgSeverity severity);
     bool end();
 
     HSCPlazTask& m_task;

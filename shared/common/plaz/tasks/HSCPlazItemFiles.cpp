@@ -12,6 +12,8 @@
 #include "plaz/tasks/HSCPlazTask.h"
 #include "support/HUTFile.h"
 
+#include <algorithm>
+
 namespace {
 
 HSCPlazStoreLayout layoutOf(const HSCPlazTask& task, const HSCPlazFoundItem& found) {
@@ -58,12 +60,23 @@ bool takeBeside(const std::string& from, const std::string& to, const std::vecto
     return true;
 }
 
-/// Folders of other revisions of an item, which are installed inside its own.
-std::vector<std::string> findRevisionsInside(const HSCPlazFoundItem& found, const std::string& dir) {
+/// Folders of other installed items, such as the item's own revisions, that lie in a directory; relative to it.
+std::vector<std::string> findItemsInside(const HSCPlazFoundItem& found, const std::string& dir) {
+    const std::string start = dir + "/";
     std::vector<std::string> names;
-    for (const HSCPlazQItem* other : found.store->getItems(found.item->getName()))
-        if (other != found.item && other->IsInstalled() && other->getLocalRootDir() == dir + "/" + other->getRevision())
-            names.push_back(other->getRevision());
+    for (const HSCPlazQItem* other : found.store->getItems()) {
+        const std::string theirs = other->getLocalRootDir();
+        if (other != found.item && other->IsInstalled() && theirs.compare(0, start.size(), start) == 0 &&
+            HUTFile::exists(theirs))
+            names.push_back(theirs.substr(start.size()));
+    }
+    // What lies inside one of them comes with it.
+    const auto isInside = [names](const std::string& inner) {
+        return std::any_of(names.begin(), names.end(), [&](const std::string& outer) {
+            return inner.compare(0, outer.size() + 1, outer + "/") == 0;
+        });
+    };
+    names.erase(std::remove_if(names.begin(), names.end(), isInside), names.end());
     return names;
 }
 
@@ -111,13 +124,13 @@ bool HSCPlazItemFiles::fetch(HSCPlazTask& task, const HSCPlazFoundItem& found, b
         HSCPlazGitInstall::fetch(workspace.gitStore(*found.store->getModel()), item, place);
     if (!outcome.isDone) return task.fail(outcome.getWhole());
     task.tell(outcome.report);
-    return takeBeside(place.directory, place.incoming, findRevisionsInside(found, place.directory)) ||
+    return takeBeside(place.directory, place.incoming, findItemsInside(found, place.directory)) ||
            task.fail(Msg::dirNotWritable, place.incoming);
 }
 
 bool HSCPlazItemFiles::makeRemains(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir) {
     const std::string remains = layoutOf(task, found).getIncoming();
-    std::vector<std::string> kept = findRevisionsInside(found, dir);
+    std::vector<std::string> kept = findItemsInside(found, dir);
     const std::string metadata = found.item->getMetadataFile();
     if (!metadata.empty() && HUTFile::isRegularFile(dir + "/" + metadata)) kept.push_back(metadata);
     return (HUTFile::rmRecursive(remains) && HUTFile::mkDirRecursive(remains) && takeBeside(dir, remains, kept)) ||
@@ -126,10 +139,9 @@ bool HSCPlazItemFiles::makeRemains(HSCPlazTask& task, const HSCPlazFoundItem& fo
 
 void HSCPlazItemFiles::describe(HSCPlazTask& task, const HSCPlazFoundItem& found) {
     HSCPlazQItemModel description;
-    const bool isDescribed = describedOnDisk(task, found, description);
     HSCPlazQItemModel& item = *found.item->getModel();
-    item.setIsDescribedByItself(isDescribed);
-    if (isDescribed) item.copyDescriptionFrom(description);
+    if (describedOnDisk(task, found, description)) item.copyDescriptionFrom(description);
+    item.setIsDescribedByItself(!description.getName().empty());
 }
 
 std::string HSCPlazItemFiles::removableDirectory(const HSCPlazTask& task, const HSCPlazFoundItem& found) {
