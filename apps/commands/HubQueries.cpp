@@ -136,8 +136,14 @@ std::vector<HSCPlazQStore*> HubQueries::getScope(const std::string& store) const
 
 std::vector<HSCPlazQStore*> HubQueries::getStores(const std::vector<std::string>& names,
                                                   const std::set<std::string>& others) const {
-    if (names.empty()) return m_hub.getStores();
     std::vector<HSCPlazQStore*> stores;
+    if (names.empty()) { // those that the hub lists: of others nothing can be fetched
+        std::copy_if(m_hub.getStores().begin(), m_hub.getStores().end(), std::back_inserter(stores),
+                     [](const HSCPlazQStore* store) {
+                         return store->getModel()->isOffered() || !store->getMetadataFile().empty();
+                     });
+        return stores;
+    }
     for (const std::string& name : names) stores.push_back(&getStore(name));
     for (HSCPlazQStore* store : m_hub.getStores())
         if (others.count(store->getName()) != 0 && std::find(stores.begin(), stores.end(), store) == stores.end())

@@ -51,7 +51,7 @@ public:
     /// All stores, or the one named.
     std::vector<HSCPlazQStore*> getScope(const std::string& store) const;
     /// The stores of these names, in their order, and behind them those of @p others that are not among them. Without
-    /// names: all stores.
+    /// names: all stores that the hub lists.
     std::vector<HSCPlazQStore*> getStores(const std::vector<std::string>& names,
                                           const std::set<std::string>& others = {}) const;
 

@@ -153,6 +153,7 @@ void fillAction(Object& object, const HSCPlazItemResult& result) {
     object.text("store", result.store).text("name", result.name).text("revision", result.revision);
     if (!result.previousRevision.empty()) object.text("previous_revision", result.previousRevision);
     object.text("outcome", HSCPlazItemResult::nameOf(result.outcome)).text("local_directory", result.directory);
+    if (!result.neededBy.empty()) object.text("needed_by", result.neededBy);
 }
 
 void fillPath(Object& object, const HSCPlazPathsInForce::Path& path) {

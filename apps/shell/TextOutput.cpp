@@ -130,6 +130,7 @@ void TextOutput::showActions(const std::vector<HSCPlazItemResult>& results) {
         std::string what = ItemReference{result.store, result.name, result.revision}.toText();
         if (!result.previousRevision.empty() && result.previousRevision != result.revision)
             what += " (was " + result.previousRevision + ")";
+        if (!result.neededBy.empty()) what += " (needed by " + result.neededBy + ")";
         table.addRow({HSCPlazItemResult::nameOf(result.outcome), what, result.directory});
     }
     table.print(m_out);

@@ -24,7 +24,7 @@ std::optional<Type> findType(DIR* dir, const dirent& entry) {
     if (type == DT_UNKNOWN) {
         struct stat info {};
         if (fstatat(dirfd(dir), entry.d_name, &info, AT_SYMLINK_NOFOLLOW) != 0) return std::nullopt;
-        type = IFTODT(info.st_mode);
+        type = static_cast<unsigned char>(IFTODT(info.st_mode));
     }
     if (type == DT_REG) return Type::file;
     return type == DT_DIR ? Type::directory : Type::other;

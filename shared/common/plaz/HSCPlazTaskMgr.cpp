@@ -14,6 +14,7 @@
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazInstallTask.h"
 #include "plaz/tasks/HSCPlazItemChanges.h"
+#include "plaz/tasks/HSCPlazItemFiles.h"
 #include "plaz/tasks/HSCPlazMoveStoreTask.h"
 #include "plaz/tasks/HSCPlazRefreshHubTask.h"
 #include "plaz/tasks/HSCPlazRefreshStoreTask.h"
@@ -104,8 +105,10 @@ HSCPlazItemResult HSCPlazTaskMgr::uninstallItem(HSCPlaz& hub, HSCPlazQItem& item
     const bool isDone = !task.isCancelled() && carryOut(task, [&](Changes& changes) {
         return HSCPlazUninstallTask::uninstall(task, changes, item);
     });
-    if (!isDone) return resultOf(task, item, ItemOutcome::failed);
-    return resultOf(task, item, item.IsInstalled() ? ItemOutcome::kept : ItemOutcome::removed);
+    const ItemOutcome outcome = item.IsInstalled() ? ItemOutcome::kept : ItemOutcome::removed;
+    HSCPlazItemResult result = resultOf(task, item, isDone ? outcome : ItemOutcome::failed);
+    if (item.IsInstalled()) result.neededBy = HSCPlazItemFiles::joinHolders(hub, item);
+    return result;
 }
 
 HSCPlazItemResult HSCPlazTaskMgr::updateItem(HSCPlaz& hub, HSCPlazQItem& item, bool quiet, HDGUIStatus* status) {

@@ -72,7 +72,6 @@ inline constexpr MsgId<1> changeUndone{"@17-2226@%s"};           ///< item
 inline constexpr MsgId<1> needsUnknown{"@17-2227@%s"};           ///< display name
 inline constexpr MsgId<2> databaseDamaged{"@17-2228@%s%s"};      ///< file, where it will be kept
 inline constexpr MsgId<2> databaseOfOtherStore{"@17-2229@%s%s"}; ///< store, database file
-inline constexpr MsgId<2> itemNeededBy{"@17-2230@%s%s"};         ///< display name, by whom
-inline constexpr MsgId<3> itemHeldAt{"@17-2231@%s%s%s"};         ///< display name, revision, by whom
+inline constexpr MsgId<3> itemHeldAt{"@17-2230@%s%s%s"};         ///< display name, revision, by whom
 inline constexpr MsgId<1> clonedRepo{"@60-832@%s"};              ///< directory
 } // namespace Msg

@@ -107,7 +107,7 @@ bool HSCPlazStoreCatalog::holdsSomething(const HSCPlazQStoreModel& store) {
 std::vector<HSCPlazStoreCatalog::Holding> HSCPlazStoreCatalog::findHoldings(const HSCPlazTask& task) {
     std::vector<Holding> holdings;
     for (const HSCPlazQStore* store : task.getHub().getStores())
-        if (store->getModel() && holdsSomething(*store->getModel()))
+        if (store->getModel() && store->getModel()->isOffered() && holdsSomething(*store->getModel()))
             holdings.push_back({store->getName(), task.getWorkspace().paths.getStoreArea(*store->getModel())});
     return holdings;
 }

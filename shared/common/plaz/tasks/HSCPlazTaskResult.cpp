@@ -10,6 +10,7 @@ HSCPlazItemResult HSCPlazItemResult::of(const HSCPlazQItem& item, Outcome outcom
             {},
             item.IsInstalled() ? item.getLocalRootDir() : std::string(),
             outcome,
+            {},
             {}};
 }
 

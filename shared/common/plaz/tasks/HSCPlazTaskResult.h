@@ -27,6 +27,7 @@ struct PLAZ_API HSCPlazItemResult {
     std::string directory;        ///< where the item is installed; empty when it is not
     Outcome outcome;
     HSCPlazReport report; ///< all that was told; its first error is the reason of a failure
+    std::string neededBy; ///< why an item was not removed, for people: "boards::aurora@2.0, tools::kit"
 
     /// That an item as it is now has come to @p outcome.
     static HSCPlazItemResult of(const HSCPlazQItem& item, Outcome outcome);

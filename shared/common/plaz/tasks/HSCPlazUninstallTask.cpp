@@ -12,14 +12,11 @@ namespace Files = HSCPlazItemFiles;
 
 namespace {
 
-/// What others need stays; of what is the user's it is told by whom it is needed, also where that is a refusal.
+/// What others need stays.
 bool keepForHolders(HSCPlazTask& task, HSCPlazItemChanges& changes, const HSCPlazFoundItem& found) {
-    const std::string name = Files::shownName(*found.item), holders = Files::joinHolders(task.getHub(), *found.item);
-    if (found.item->getMode() == Mode::tool)
-        return task.fail(Msg::itemHeld, name) || (!holders.empty() && task.fail(Msg::itemNeededBy, name, holders));
-    if (found.item->getMode() == Mode::user && !changes.setMode(found, Mode::tool)) return false;
-    if (!holders.empty()) task.tellNews(Msg::itemNeededBy, name, holders);
-    return true;
+    const Mode mode = found.item->getMode();
+    if (mode == Mode::tool) return task.fail(Msg::itemHeld, Files::shownName(*found.item));
+    return mode != Mode::user || changes.setMode(found, Mode::tool);
 }
 
 } // namespace
