@@ -60,6 +60,17 @@ TEST(TextTest, letterCaseIsThatOfAscii) {
     EXPECT_FALSE(HUTText::startsIgnoringCase("http", "https://"));
 }
 
+// Catches: numbers compared as texts, or cut off where they are longer than any integer.
+TEST(TextTest, comparesNumbersInTexts) {
+    const char* const ordered[] = {"", "1", "1.2", "1.2a", "1.9", "1.10", "2.0-rc1", "99999999999999999999.1", "v1"};
+    for (std::size_t a = 0; a < std::size(ordered); ++a)
+        for (std::size_t b = 0; b < std::size(ordered); ++b) {
+            const int order = HUTText::compareNumbers(ordered[a], ordered[b]);
+            EXPECT_EQ(std::make_pair(order < 0, order > 0), std::make_pair(a < b, a > b)) << ordered[a] << ordered[b];
+        }
+    EXPECT_EQ(HUTText::compareNumbers("1.02", "1.2"), 0);
+}
+
 // Catches: pairs of code units taken apart, halves that come through, elements that hold more than a unit cut down.
 TEST(TextTest, comesAndGoesAsWideText) {
     const std::wstring wide{L'a', 0xFC, 0x8A08, 0xD83D, 0xDE00};

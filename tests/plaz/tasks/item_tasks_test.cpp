@@ -1,4 +1,5 @@
 #include "plaz/hub_fixture.h"
+#include "plaz/store/HSCPlazChangeNote.h"
 
 #include <functional>
 #include <random>
@@ -217,6 +218,39 @@ TEST_F(ItemTasksTest, UnrecordedWorkIsAFailureAndLeftoversGo) {
     EXPECT_EQ(takeIds(), (Names{"17-1570", "17-2164", "17-1567"}));
     EXPECT_EQ(HUTFile::createFileIter(files.area("ced_store/.plaz")), Names{".index"});
     EXPECT_FALSE(HUTFile::exists(files.area("ced_store/.staging")));
+}
+
+// What a task that ended between two steps was about to do, taken for done or forgotten half-way; what it has left.
+TEST_F(ItemTasksTest, ChangeCutShortIsUndoneOrFinished) {
+    StoreOnDisk& store = ship("a b");
+    ASSERT_TRUE(install("a") && install("b"));
+    store.item("a", "2");
+    reload();
+    const std::string area = files.area("ced_store"), dir = area + "/items/a", incoming = area + "/.plaz/.incoming";
+    const HSCPlazChangeNote note(files.area("plaz_change.json"));
+    const auto after = std::make_shared<HSCPlazQItemModel>();
+    after->setName("a");
+    after->setRevision("2");
+    after->setCommitId(find("a").getCommitId());
+    after->setLocalDir(dir);
+    after->setMode(HSCPlazInstallationMode::user);
+    const auto begin = [&] {
+        HUTFile::copyToRecursive(dir, incoming, HUTFile::copyOver);
+        ASSERT_TRUE(note.write({"tcl", after, true, HUTFile::getIdentity(incoming), {}, ""}));
+    };
+    begin();
+    walk({{"+b", " 17-2226 17-1572", "b@1 user 0;a@1 user 0;"}});
+    begin();
+    HUTFile::rename(dir, HUTFile::getAside(incoming)); // where directories change places by renamings
+    walk({{"+b", " 17-2225 17-1572", "a@2 user 0;b@1 user 0;"}});
+    EXPECT_FALSE(note.exists() || HUTFile::exists(incoming) || HUTFile::exists(HUTFile::getAside(incoming)));
+    files.temp.write("appdata/2024.2/plaz/plaz_change.json", "{\"plaz\": {\"store\": \"tcl\", \"item\": 1");
+    walk({{"+b", " 17-1572", "a@2 user 0;b@1 user 0;"}});
+    after->setLocalDir(files.temp.path("precious"));
+    files.temp.write("precious/file", "keep");
+    ASSERT_TRUE(note.write({"tcl", after, false, "", {}, ""}));
+    walk({{"+b", " 17-1572", "a@2 user 0;b@1 user 0;"}});
+    EXPECT_EQ(readFile(files.temp.path("precious/file")), "keep");
 }
 
 // Counts or modes that drift apart over a long life: an item gone with the first of those who want it, the user or
