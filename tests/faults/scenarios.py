@@ -193,7 +193,7 @@ class Stage:
         lacking = [*found.describe_difference(new, old)]
         if result.returncode == 0:
             yield from ((early, text) for text in lacking)
-        elif point.kind in ERRORS and "error" not in result.stderr.lower():
+        elif point.kind in ERRORS and not any(word in result.stderr.lower() for word in ("error", "critical warning")):
             yield bad, f"exit {result.returncode} without a word: {result.stderr[-300:]!r}"
         if result.returncode > 130 and point.kind not in ("kill", "kill-all"):
             yield bad, f"exit {result.returncode}"

@@ -174,7 +174,9 @@ bool HSCPlazItemChanges::fetch(const HSCPlazFoundItem& found, Mode mode, bool is
     const HSCPlazPendingChange change = toInstallation(found, mode);
     if (!put(found, change, {Msg::dirNotWritable, MsgSeverity::error, change.item->getLocalDir()})) return false;
     found.item->setSource(HSCPlazTypes::REPOSITORY);
-    return true;
+    // It was whole before it came here; as long as it cannot be read, what the item needs is not known.
+    return found.item->getModel()->isDescribedByItself() ||
+           m_task.fail(Msg::fileMissing, change.item->getLocalDir() + "/" + found.item->getMetadataFile());
 }
 
 bool HSCPlazItemChanges::remove(const HSCPlazFoundItem& found) {
