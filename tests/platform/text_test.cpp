@@ -66,7 +66,8 @@ TEST(TextTest, comparesNumbersInTexts) {
     for (std::size_t a = 0; a < std::size(ordered); ++a)
         for (std::size_t b = 0; b < std::size(ordered); ++b) {
             const int order = HUTText::compareNumbers(ordered[a], ordered[b]);
-            EXPECT_EQ(std::make_pair(order<0, order> 0), std::make_pair(a<b, a> b)) << ordered[a] << ordered[b];
+            EXPECT_EQ(order < 0, a < b) << ordered[a] << " " << ordered[b];
+            EXPECT_EQ(order > 0, a > b) << ordered[a] << " " << ordered[b];
         }
     EXPECT_EQ(HUTText::compareNumbers("1.02", "1.2"), 0);
 }
