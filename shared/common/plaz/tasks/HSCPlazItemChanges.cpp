@@ -148,7 +148,8 @@ void HSCPlazItemChanges::finishAtStart(HSCPlazWorkspace& workspace) {
 bool HSCPlazItemChanges::runLocked(HSCPlazTask& task, const std::function<bool(HSCPlazItemChanges&)>& work) {
     HSCPlazItemChanges changes(task);
     changes.finishInterrupted();
-    if (!changes.m_isStuck) removeLeftovers(task);
+    if (changes.m_isStuck) return false; // another change would take the place of the note
+    removeLeftovers(task);
     bool isDone = false;
     try {
         isDone = work(changes);
@@ -162,7 +163,7 @@ bool HSCPlazItemChanges::runLocked(HSCPlazTask& task, const std::function<bool(H
 bool HSCPlazItemChanges::install(const HSCPlazFoundItem& found, Mode mode, bool isAskedFor) {
     if (!Files::areInPlace(m_task, found)) return fetch(found, mode, isAskedFor);
     const HSCPlazPendingChange change = toInstallation(found, mode);
-    if (!m_note.write(change)) return m_task.fail(Msg::databaseNotSaved, m_note.getFile());
+    if (!announce(change)) return false;
     if (!record(found, change)) return giveUp(*found.store);
     found.item->setSource(HSCPlazTypes::LOCAL);
     return true;
@@ -184,7 +185,7 @@ bool HSCPlazItemChanges::remove(const HSCPlazFoundItem& found) {
     const std::string name = found.item->getName();
     if (dir.empty()) return m_task.fail(Msg::removalRefused, name, found.item->getLocalRootDir());
     const HSCPlazPendingChange change = toRemoval(found, dir);
-    if (!HUTFile::exists(dir)) return (m_note.write(change) && record(found, change)) || giveUp(*found.store);
+    if (!HUTFile::exists(dir)) return announce(change) && (record(found, change) || giveUp(*found.store));
     const HSCPlazGitRemoved incoming(incomingOf(m_task, *found.store)); // the old files, in the end
     if (!Files::makeRemains(m_task, found, dir)) return false;
     if (!put(found, change, {Msg::removalIncomplete, MsgSeverity::error, name, dir})) return false;
@@ -215,13 +216,17 @@ HSCPlazPendingChange HSCPlazItemChanges::toRemoval(const HSCPlazFoundItem& found
     return {found.store->getName(), item, false, "", {}, ""};
 }
 
+bool HSCPlazItemChanges::announce(const HSCPlazPendingChange& change) {
+    return m_note.write(change) || m_task.fail(Msg::databaseNotSaved, m_note.getFile());
+}
+
 bool HSCPlazItemChanges::put(const HSCPlazFoundItem& found, HSCPlazPendingChange change,
                              const HSCPlazReport& obstacle) {
     const std::string incoming = incomingOf(m_task, *found.store);
     const std::string dir = change.item->getLocalDir();
     change.identity = HUTFile::getIdentity(incoming);
     if (!HUTFile::flush(incoming)) return m_task.fail(Msg::dirNotWritable, incoming);
-    if (!m_note.write(change)) return m_task.fail(Msg::databaseNotSaved, m_note.getFile());
+    if (!announce(change)) return false;
     if (!HUTFile::exchangeDirectories(incoming, dir)) return m_task.fail(obstacle);
     if (record(found, change)) return true;
     m_isStuck = !undo(incoming, dir);
@@ -236,7 +241,9 @@ bool HSCPlazItemChanges::record(const HSCPlazFoundItem& found, const HSCPlazPend
             const bool hasItsOwn = HUTFile::exists(theirs) && !HUTFile::isAKA(theirs, change.item->getLocalDir());
             hasItsOwn ? other->getModel()->setMode(Mode::tool) : other->getModel()->clearInstallation();
         }
-        HSCPlazInstalledItems(*found.store->getModel(), m_task.getWorkspace().paths).apply(*change.item);
+        const std::string refusal =
+            HSCPlazInstalledItems(*found.store->getModel(), m_task.getWorkspace().paths).apply(*change.item);
+        if (!refusal.empty()) return m_task.fail(Msg::itemRefused, change.item->getName(), refusal);
         Files::describe(m_task, found);
     } else {
         found.item->getModel()->clearInstallation();

@@ -57,6 +57,7 @@ private:
     explicit HSCPlazItemChanges(HSCPlazTask& task);
     HSCPlazPendingChange toInstallation(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode) const;
     static HSCPlazPendingChange toRemoval(const HSCPlazFoundItem& found, const std::string& dir);
+    bool announce(const HSCPlazPendingChange& change);
     bool put(const HSCPlazFoundItem& found, HSCPlazPendingChange change, const HSCPlazReport& obstacle);
     bool record(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change);
     bool save(HSCPlazQStore& store);
