@@ -316,10 +316,6 @@ void HSCPlazItemChanges::finishFiles(const HSCPlazPendingChange& change, const H
 }
 
 bool HSCPlazItemChanges::removeUnneeded() {
-    return removeUnneeded(MsgSeverity::error);
-}
-
-bool HSCPlazItemChanges::removeUnneeded(MsgSeverity severity) {
     HSCPlazFoundItem unneeded = findUnneeded(m_task.getHub(), m_obstinate);
     const HSCPlazQItem* undescribed = unneeded ? findUndescribed(m_task.getHub()) : nullptr;
     const std::string unreadable =
@@ -327,9 +323,8 @@ bool HSCPlazItemChanges::removeUnneeded(MsgSeverity severity) {
     if (undescribed || !unreadable.empty()) {
         m_isStuck = true; // once it can be read, they go
         if (std::exchange(m_isBlocked, true)) return false;
-        undescribed ? m_task.tell(Msg::needsUnknown, severity, Files::shownName(*undescribed))
-                    : m_task.tell(Msg::databaseUnreadable, severity, unreadable);
-        return false;
+        return undescribed ? m_task.fail(Msg::needsUnknown, Files::shownName(*undescribed))
+                           : m_task.fail(Msg::databaseUnreadable, unreadable);
     }
     for (; unneeded; unneeded = findUnneeded(m_task.getHub(), m_obstinate)) {
         const std::string name = unneeded.item->getName();
@@ -346,8 +341,8 @@ bool HSCPlazItemChanges::removeUnneeded(MsgSeverity severity) {
 
 bool HSCPlazItemChanges::end() {
     if (!m_note.exists()) return m_isSound;
-    if (!m_note.read().files.empty()) return false; // of a catalog that could not be put into its place
-    const bool areGone = removeUnneeded(MsgSeverity::warning) || m_isBlocked;
+    if (!m_note.read().files.empty()) return false;       // of a catalog that could not be put into its place
+    const bool areGone = removeUnneeded() || m_isBlocked; // what was to be done is done all the same
     if (!m_isStuck) m_note.forget();
     return areGone && m_isSound && (!m_isStuck || m_isBlocked);
 }

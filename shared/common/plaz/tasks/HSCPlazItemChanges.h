@@ -3,7 +3,6 @@
 #include "plaz/base/HSCPlazInstallationMode.h"
 #include "plaz/store/HSCPlazChangeNote.h"
 #include "plaz/store/HSCPlazDependencies.h"
-#include "support/ComMsgMgr.h"
 
 #include <functional>
 #include <set>
@@ -65,7 +64,6 @@ private:
     void restoreShipped(const HSCPlazFoundItem& found) const;
     void finishInterrupted();
     void finishFiles(const HSCPlazPendingChange& change, const HSCPlazQStore& store);
-    bool removeUnneeded(MsgSeverity severity);
     bool end();
 
     HSCPlazTask& m_task;
