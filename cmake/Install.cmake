@@ -52,7 +52,8 @@ else()
     REGEX "base/HSCPlaz(ChangeLog|Context|DebugLog|FileCopy|HubLock|TrustRules|UpdateCheck|Url)\\.h$" EXCLUDE)
   install(FILES shared/common/plaz/store/HSCPlazLocalDBMgr.h shared/common/plaz/store/HSCPlazRepoInfoMgr.h
           DESTINATION ${headers}/plaz/store)
-  install(FILES shared/common/plaz/tasks/HSCPlazTaskResult.h DESTINATION ${headers}/plaz/tasks)
+  install(FILES shared/common/plaz/tasks/HSCPlazTaskOptions.h shared/common/plaz/tasks/HSCPlazTaskResult.h
+          DESTINATION ${headers}/plaz/tasks)
   install(FILES shared/common/plaz/model/reader/HSCPlazJsonReadWriteUtils.h
                 shared/common/plaz/model/reader/HSCPlazFileCheck.h DESTINATION ${headers}/plaz/model/reader)
   install(

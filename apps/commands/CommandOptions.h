@@ -16,5 +16,9 @@ inline constexpr CommandOption outdated{"outdated", nullptr, "Only what is insta
 inline constexpr CommandOption allRevisions{"all-revisions", nullptr, "Every revision instead of one for each item"};
 inline constexpr CommandOption hub{"hub", nullptr,
                                    "Fetch the hub's own metadata first, and with it the catalogs of all stores"};
+inline constexpr CommandOption reinstall{"reinstall", nullptr,
+                                         "Fetch the items' files again, also where they are there"};
+inline constexpr CommandOption discardChanges{
+    "discard-changes", nullptr, "Do not keep what you have changed or added in the folders of items that go"};
 inline constexpr CommandOption hidden{"hidden", nullptr, "List hidden parameters too"};
 } // namespace commandOptions

@@ -68,11 +68,12 @@ std::vector<StorePaths> pathsOf(const HSCPlaz& hub, const std::vector<HSCPlazQSt
     return paths;
 }
 
-void examineStore(Round& round, HSCPlazQStore& store, const std::string& trial) {
+void examineStore(Round& round, HSCPlazQStore& store, const std::string& trial, const HDGUIStatus& status) {
     const std::string name = "store " + store.getName();
     const HSCPlazQStoreModel& model = *store.getModel();
     round.makeOne(name + ": catalog", [&] { return doctor::checkCatalog(store); });
     round.makeOne(name + ": database", [&] { return doctor::checkDatabase(store); });
+    round.make(name + ": installed items", [&] { return doctor::checkItems(store, status); });
     round.makeOne(name + ": working copy", [&] { return doctor::checkWorkingCopy(model, trial); });
     if (model.isPrivateRepository())
         round.makeOne(name + ": credentials", [&] { return doctor::checkCredentials(model); });
@@ -98,7 +99,7 @@ std::vector<Finding> Doctor::examine(const std::vector<HSCPlazQStore*>& stores) 
     round.make("directories", [&] { return doctor::checkDirectories(paths, pathsOf(m_hub, stores)); });
     round.makeOne("hub: metadata", doctor::checkHubMetadata);
     round.makeOne("hub: configuration", doctor::checkConfiguration);
-    for (HSCPlazQStore* store : stores) examineStore(round, *store, trial ? trial->getDir() : "");
+    for (HSCPlazQStore* store : stores) examineStore(round, *store, trial ? trial->getDir() : "", m_status);
     if (!trial || !mayAskRemotes()) return round.take();
 
     round.makeOne("hub: remote", [&] {

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+class HDGUIStatus;
 class HSCPlazQStore;
 class HSCPlazQStoreModel;
 
@@ -59,6 +60,8 @@ Finding checkConfiguration();
 Finding checkCatalog(HSCPlazQStore& store);
 /// What is recorded as installed.
 Finding checkDatabase(const HSCPlazQStore& store);
+/// Whether each installed item has its files as they were installed. Ends on cancellation.
+std::vector<Finding> checkItems(const HSCPlazQStore& store, const HDGUIStatus& status);
 /// @param trial  as for checkProxy(); empty where there is no git to look with
 Finding checkWorkingCopy(const HSCPlazQStoreModel& store, const std::string& trial);
 /// Whether a private store can be reached at all.

@@ -2,11 +2,15 @@
 
 #include "DoctorChecks.h"
 
+#include "ItemReference.h"
+
 #include "plaz/HSCPlazInspection.h"
 #include "plaz/HSCPlazTaskMgr.h"
 #include "plaz/base/HSCPlazStoreLayout.h"
+#include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/HSCPlazQStoreModel.h"
+#include "support/HDGUIStatus.h"
 #include "support/HIOStream.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTFile.h"
@@ -70,6 +74,27 @@ Finding doctor::checkDatabase(const HSCPlazQStore& store) {
     const auto installed =
         std::count_if(items.begin(), items.end(), [](const auto& item) { return item->isInstalled(); });
     return ok(subject, file + ": " + std::to_string(installed) + " installed");
+}
+
+std::vector<Finding> doctor::checkItems(const HSCPlazQStore& store, const HDGUIStatus& status) {
+    const std::string subject = subjectOf(store.getName(), "installed items");
+    std::vector<Finding> findings;
+    std::size_t whole = 0;
+    for (HSCPlazQItem* item : store.getItems()) {
+        if (!item->IsInstalled() || item->getMode() == HSCPlazInstallationMode::none) continue;
+        if (status.isCanceled()) return findings;
+        const HSCPlazFilesResult files = HSCPlazInspection::compareFiles(*item);
+        const std::string name = ItemReference::of(*item).toText();
+        if (files.isDone())
+            ++whole;
+        else if (files.outcome == HSCPlazFilesResult::Outcome::damaged)
+            findings.push_back(
+                problem(subject, name + " is not as it was installed: " + files.describe(), "plaz repair " + name));
+        else
+            findings.push_back(problem(subject, files.report.findProblem()->getMessage(), ""));
+    }
+    if (whole > 0) findings.push_back(ok(subject, std::to_string(whole) + " whole, file by file"));
+    return findings;
 }
 
 Finding doctor::checkWorkingCopy(const HSCPlazQStoreModel& store, const std::string& trial) {

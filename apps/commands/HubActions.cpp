@@ -69,12 +69,12 @@ auto HubActions::doEach(const std::vector<Subject*>& subjects, Action act) const
 
 ItemsResult HubActions::install(const Items& items) const {
     return doEach(items,
-                  [&](HSCPlazQItem& item) { return HSCPlazTaskMgr::installItem(m_hub, item, m_isQuiet, &m_status); });
+                  [&](HSCPlazQItem& item) { return HSCPlazTaskMgr::installItem(m_hub, item, m_options, &m_status); });
 }
 
 ItemsResult HubActions::update(const Items& items) const {
     return doEach(items,
-                  [&](HSCPlazQItem& item) { return HSCPlazTaskMgr::updateItem(m_hub, item, m_isQuiet, &m_status); });
+                  [&](HSCPlazQItem& item) { return HSCPlazTaskMgr::updateItem(m_hub, item, m_options, &m_status); });
 }
 
 ItemsResult HubActions::uninstall(const Items& items) const {
@@ -87,7 +87,7 @@ ItemsResult HubActions::uninstall(const Items& items) const {
         if (m_begin) m_begin(done.size() + 1, items.size());
         HSCPlazQItem& item = takeNext(pending);
         done.emplace(&item,
-                     isGone(item) ? removed(item) : HSCPlazTaskMgr::uninstallItem(m_hub, item, m_isQuiet, &m_status));
+                     isGone(item) ? removed(item) : HSCPlazTaskMgr::uninstallItem(m_hub, item, m_options, &m_status));
     }
     std::vector<HSCPlazItemResult> parts;
     for (const HSCPlazQItem* item : items) {
@@ -97,6 +97,15 @@ ItemsResult HubActions::uninstall(const Items& items) const {
         parts.push_back(result->second.isDone() && isGone(*item) ? removed(*item) : result->second);
     }
     return toResult(std::move(parts), items.size());
+}
+
+FilesResult HubActions::verify(const Items& items) const {
+    return doEach(items, [&](HSCPlazQItem& item) { return HSCPlazTaskMgr::verifyItem(m_hub, item, &m_status); });
+}
+
+ItemsResult HubActions::repair(const Items& items) const {
+    return doEach(items,
+                  [&](HSCPlazQItem& item) { return HSCPlazTaskMgr::repairItem(m_hub, item, m_options, &m_status); });
 }
 
 StoresResult HubActions::refresh(const Stores& stores) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "plaz/tasks/HSCPlazTaskOptions.h"
 #include "plaz/tasks/HSCPlazTaskResult.h"
 
 #include <algorithm>
@@ -25,6 +26,7 @@ template <typename Result> struct CommandResult {
     std::optional<ComMsgMgrInstance> reason;
 };
 using ItemsResult = CommandResult<HSCPlazItemResult>;
+using FilesResult = CommandResult<HSCPlazFilesResult>;
 using StoresResult = CommandResult<HSCPlazStoreResult>;
 
 /// Adds what is not among them yet: commands take each thing once.
@@ -38,15 +40,18 @@ template <typename Native> void addOnce(std::vector<Native*>& natives, Native& n
 class HubActions {
 public:
     /// @param status   progress and cancellation
-    /// @param isQuiet  leaves out the good news
     /// @param begin    may be empty. All that is referred to must outlive the object.
-    HubActions(HSCPlaz& hub, HDGUIStatus& status, bool isQuiet, BeginPart begin = {})
-        : m_hub(hub), m_status(status), m_isQuiet(isQuiet), m_begin(std::move(begin)) {}
+    HubActions(HSCPlaz& hub, HDGUIStatus& status, HSCPlazTaskOptions options, BeginPart begin = {})
+        : m_hub(hub), m_status(status), m_options(options), m_begin(std::move(begin)) {}
 
     ItemsResult install(const std::vector<HSCPlazQItem*>& items) const;
     ItemsResult update(const std::vector<HSCPlazQItem*>& items) const;
     /// Removes them together: what holds others goes first, and an item that went with one of them is removed, too.
     ItemsResult uninstall(const std::vector<HSCPlazQItem*>& items) const;
+    /// Compares the files of installed items with those of their recorded commits. Changes nothing.
+    FilesResult verify(const std::vector<HSCPlazQItem*>& items) const;
+    /// Brings back what verify() finds changed or missing.
+    ItemsResult repair(const std::vector<HSCPlazQItem*>& items) const;
 
     /// Items of the stores are new objects afterwards.
     StoresResult refresh(const std::vector<HSCPlazQStore*>& stores) const;
@@ -65,6 +70,6 @@ private:
 
     HSCPlaz& m_hub;
     HDGUIStatus& m_status;
-    bool m_isQuiet;
+    HSCPlazTaskOptions m_options;
     BeginPart m_begin;
 };

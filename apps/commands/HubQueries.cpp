@@ -211,13 +211,26 @@ HSCPlazQItem& HubQueries::resolveForUpdate(const ItemReference& reference, const
     return outdated ? *outdated : *candidates.front();
 }
 
-std::vector<HSCPlazQItem*> HubQueries::findOutdated() const {
+void HubQueries::requireRecords() const {
     const std::string unreadable = HSCPlazInspection::findUnreadableRecord(m_hub);
     if (!unreadable.empty()) failWith(Msg::databaseUnreadable, unreadable);
+}
+
+std::vector<HSCPlazQItem*> HubQueries::findRecorded(const std::string& store) const {
+    requireRecords();
+    std::vector<HSCPlazQItem*> recorded;
+    for (const HSCPlazQStore* one : getScope(store))
+        for (HSCPlazQItem* item : one->getItems())
+            if (item->IsInstalled() && item->getMode() != HSCPlazInstallationMode::none) recorded.push_back(item);
+    return recorded;
+}
+
+std::vector<HSCPlazQItem*> HubQueries::findOutdated() const {
+    requireRecords();
     std::vector<HSCPlazQItem*> outdated;
-    const auto isIncomplete = [&](const HSCPlazQItem* item) {
-        return item->IsInstalled() && !HSCPlazInspection::isComplete(m_hub, *item);
-    };
+    const std::vector<HSCPlazQItem*> found = HSCPlazInspection::findIncomplete(m_hub);
+    const std::set<const HSCPlazQItem*> incompletes(found.begin(), found.end());
+    const auto isIncomplete = [&](const HSCPlazQItem* item) { return incompletes.count(item) != 0; };
     for (const HSCPlazQStore* store : m_hub.getStores())
         for (const auto& entries : groupByName(store->getItems())) {
             HSCPlazQItem* item = pickOutdated(entries);

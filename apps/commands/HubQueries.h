@@ -77,6 +77,9 @@ public:
     HSCPlazQItem& resolveForUpdate(const ItemReference& reference, const std::string& store) const;
     /// One of those that give one item.
     using Resolve = HSCPlazQItem& (HubQueries::*)(const ItemReference&, const std::string&) const;
+    /// All items that are recorded as installed, each revision, or those of one store.
+    /// @throws HEXAll Msg::databaseUnreadable where it is not known what is installed
+    std::vector<HSCPlazQItem*> findRecorded(const std::string& store) const;
     /// What resolveForUpdate() gives of every item that has an update, or lacks something that it needs.
     /// @throws HEXAll Msg::databaseUnreadable where it is not known what is installed
     std::vector<HSCPlazQItem*> findOutdated() const;
@@ -84,6 +87,7 @@ public:
     ItemInfo describe(HSCPlazQItem& item) const;
 
 private:
+    void requireRecords() const;
     std::vector<HSCPlazQItem*> findInstalled(const ItemReference& reference, const std::string& store) const;
     [[noreturn]] void throwUnknown(const ItemReference& reference, const std::string& store) const;
 

@@ -31,7 +31,7 @@ py::object toPython(const HSCPlazStoreResult& result) {
 }
 
 HubActions makeActions(Call& call, bool quiet) {
-    return HubActions(call.getHub(), call.getStatus(), quiet,
+    return HubActions(call.getHub(), call.getStatus(), {quiet},
                       [&](std::size_t, std::size_t) { call.getStatus().forgetProgress(); });
 }
 

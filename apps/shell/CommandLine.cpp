@@ -91,6 +91,7 @@ void addItemsCommand(CLI::App& app, Options& options) {
 void addInstallCommands(CLI::App& app, Options& options) {
     CLI::App* install = app.add_subcommand("install", "Install items and what they need");
     addItems(*install, options, true);
+    addFlag(*install, commandOptions::reinstall, options.reinstall);
     CLI::App* uninstall = app.add_subcommand("uninstall", "Remove items and what nothing else needs");
     addItems(*uninstall, options, true);
     CLI::Option* all =
@@ -99,6 +100,19 @@ void addInstallCommands(CLI::App& app, Options& options) {
     CLI::App* update = app.add_subcommand("update", "Bring installed items up to date");
     addItems(*update, options, false);
     update->add_flag("--all", options.all, "Update everything that is outdated");
+    CLI::App* verify = app.add_subcommand("verify", "Compare installed files with those of the recorded commits");
+    addItems(*verify, options, false);
+    CLI::App* repair = app.add_subcommand("repair", "Bring back installed files that were changed or are missing");
+    addItems(*repair, options, false);
+    for (CLI::App* command : {install, uninstall, update, repair})
+        addFlag(*command, commandOptions::discardChanges, options.discardChanges);
+    verify->footer(std::string("Without ITEM everything that is installed. Changes nothing and needs no network. "
+                               "Outcomes: whole, damaged, unknown; the exit status is 1 where one is not whole. Files "
+                               "that were added do no harm.\n") +
+                   sharedNote);
+    repair->footer(std::string("Without ITEM everything that is installed. A copy of what you had changed is kept, and "
+                               "the message says where; files that you added stay.\n") +
+                   sharedNote);
     update->footer(std::string("Where a store keeps several revisions, the older one stays beside the new one.\n") +
                    sharedNote);
 }

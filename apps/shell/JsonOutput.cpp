@@ -231,6 +231,20 @@ void JsonOutput::showActions(const std::vector<HSCPlazItemResult>& results) {
     add(m_document, "items", arrayOf(m_document, results, fillAction));
 }
 
+void JsonOutput::showFiles(const std::vector<HSCPlazFilesResult>& results) {
+    add(m_document, "items", arrayOf(m_document, results, [](Object& object, const HSCPlazFilesResult& result) {
+            object.text("store", result.store)
+                .text("name", result.name)
+                .text("revision", result.revision)
+                .text("outcome", HSCPlazFilesResult::nameOf(result.outcome))
+                .text("local_directory", result.directory)
+                .texts("changed", result.changed)
+                .texts("missing", result.missing)
+                .texts("additional", result.additional)
+                .texts("unreadable", result.unreadable);
+        }));
+}
+
 void JsonOutput::showStoreResults(const std::vector<HSCPlazStoreResult>& results) {
     add(m_document, "qstores", arrayOf(m_document, results, [](Object& object, const HSCPlazStoreResult& result) {
             object.text("name", result.store)

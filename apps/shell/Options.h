@@ -19,6 +19,8 @@ struct Options {
     std::vector<std::string> items; ///< references, each well-formed
     std::string store;
     bool all = false;                ///< update
+    bool reinstall = false;          ///< install
+    bool discardChanges = false;     ///< install, uninstall, update, repair
     bool allRevisions = false;       ///< uninstall
     bool oldRevisions = false;       ///< uninstall
     std::vector<std::string> stores; ///< refresh, check, doctor: names; empty for all

@@ -22,6 +22,7 @@ public:
     virtual void showItems(const std::vector<ListedItem>& items) = 0;
     virtual void showItem(const ItemInfo& info) = 0;
     virtual void showActions(const std::vector<HSCPlazItemResult>& results) = 0;
+    virtual void showFiles(const std::vector<HSCPlazFilesResult>& results) = 0;
     virtual void showStoreResults(const std::vector<HSCPlazStoreResult>& results) = 0;
     virtual void showPaths(const std::vector<HSCPlazPathsInForce::Path>& hub,
                            const std::vector<HSCPlazPathsInForce::StorePaths>& stores) = 0;

@@ -121,7 +121,8 @@ int Program::runCommand() {
         {"install", &Program::runInstall}, {"uninstall", &Program::runUninstall}, {"update", &Program::runUpdate},
         {"refresh", &Program::runRefresh}, {"check", &Program::runCheck},         {"relocate", &Program::runRelocate},
         {"paths", &Program::runPaths},     {"params", &Program::runParams},       {"validate", &Program::runValidate},
-        {"doctor", &Program::runDoctor},   {"shell", &Program::runShell}};
+        {"verify", &Program::runVerify},   {"repair", &Program::runRepair},       {"doctor", &Program::runDoctor},
+        {"shell", &Program::runShell}};
     return (this->*commands.at(m_options.command))();
 }
 
@@ -164,8 +165,17 @@ std::vector<HSCPlazQItem*> Program::resolveAll(HubQueries::Resolve resolve) {
     return items;
 }
 
+std::vector<HSCPlazQItem*> Program::resolveRevisions(bool isOldOnly) {
+    const HubQueries queries(getHub());
+    std::vector<HSCPlazQItem*> revisions;
+    for (const std::string& text : m_options.items)
+        for (HSCPlazQItem* item : queries.resolveRevisions(*ItemReference::parse(text), m_options.store, isOldOnly))
+            addOnce(revisions, *item);
+    return revisions;
+}
+
 HubActions Program::makeActions() {
-    return HubActions(getHub(), m_status, m_options.quiet,
+    return HubActions(getHub(), m_status, {m_options.quiet, m_options.discardChanges, m_options.reinstall},
                       [this](std::size_t number, std::size_t count) { m_progress.beginPart(number, count); });
 }
 
@@ -211,13 +221,25 @@ int Program::runInstall() {
 int Program::runUninstall() {
     if (!m_options.allRevisions && !m_options.oldRevisions)
         return show(makeActions().uninstall(resolveAll(&HubQueries::resolveInstalled)));
-    std::vector<HSCPlazQItem*> revisions;
-    const HubQueries queries(getHub());
-    for (const std::string& text : m_options.items)
-        for (HSCPlazQItem* item :
-             queries.resolveRevisions(*ItemReference::parse(text), m_options.store, m_options.oldRevisions))
-            addOnce(revisions, *item);
-    return show(makeActions().uninstall(revisions));
+    return show(makeActions().uninstall(resolveRevisions(m_options.oldRevisions)));
+}
+
+std::vector<HSCPlazQItem*> Program::resolveRecorded() {
+    if (!m_options.items.empty()) return resolveRevisions(false);
+    const std::vector<HSCPlazQItem*> items = HubQueries(getHub()).findRecorded(m_options.store);
+    if (items.empty()) ComMsgMgr::send(ShellMsg::nothingInstalled, MsgSeverity::info);
+    return items;
+}
+
+int Program::runVerify() {
+    const FilesResult result = makeActions().verify(resolveRecorded());
+    m_progress.erase();
+    m_output->showFiles(result.parts);
+    return conclude(result);
+}
+
+int Program::runRepair() {
+    return show(makeActions().repair(resolveRecorded()));
 }
 
 int Program::runUpdate() {

@@ -42,6 +42,8 @@ private:
     int runInstall();
     int runUninstall();
     int runUpdate();
+    int runVerify();
+    int runRepair();
     int runPaths();
     int runParams();
     int runValidate();
@@ -54,6 +56,10 @@ private:
     /// Every item of the command line, once each, as @p resolve of HubQueries understands it; all before any is
     /// touched.
     std::vector<HSCPlazQItem*> resolveAll(HubQueries::Resolve resolve);
+    /// Every installed revision of the items that were named.
+    std::vector<HSCPlazQItem*> resolveRevisions(bool isOldOnly);
+    /// The same; without a name all that is installed.
+    std::vector<HSCPlazQItem*> resolveRecorded();
     /// Show what became of a command.
     int show(const ItemsResult& result);
     int show(const StoresResult& result);

@@ -136,6 +136,23 @@ void TextOutput::showActions(const std::vector<HSCPlazItemResult>& results) {
     table.print(m_out);
 }
 
+void TextOutput::showFiles(const std::vector<HSCPlazFilesResult>& results) {
+    TextTable table({});
+    for (const HSCPlazFilesResult& result : results) {
+        if (m_quiet && result.isDone()) continue;
+        table.addRow({HSCPlazFilesResult::nameOf(result.outcome),
+                      ItemReference{result.store, result.name, result.revision}.toText(), result.directory});
+        const auto addFiles = [&](const char* what, const std::vector<std::string>& files) {
+            for (const std::string& file : files) table.addRow({"", std::string(what) + " " + file, ""});
+        };
+        addFiles("changed", result.changed);
+        addFiles("missing", result.missing);
+        addFiles("unreadable", result.unreadable);
+        addFiles("additional", result.additional);
+    }
+    table.print(m_out);
+}
+
 void TextOutput::showStoreResults(const std::vector<HSCPlazStoreResult>& results) {
     if (m_quiet) return;
     TextTable table({});

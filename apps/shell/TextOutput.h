@@ -15,6 +15,7 @@ public:
     void showItems(const std::vector<ListedItem>& items) override;
     void showItem(const ItemInfo& info) override;
     void showActions(const std::vector<HSCPlazItemResult>& results) override;
+    void showFiles(const std::vector<HSCPlazFilesResult>& results) override;
     void showStoreResults(const std::vector<HSCPlazStoreResult>& results) override;
     void showPaths(const std::vector<HSCPlazPathsInForce::Path>& hub,
                    const std::vector<HSCPlazPathsInForce::StorePaths>& stores) override;

@@ -20,7 +20,7 @@ using Items = std::vector<HSCPlazQItem*>;
 using Stores = std::vector<HSCPlazQStore*>;
 
 HubActions makeActions(const TclCall& call) {
-    return HubActions(requireHub(), call.getStatus(), call.has(commandOptions::quiet));
+    return HubActions(requireHub(), call.getStatus(), {call.has(commandOptions::quiet)});
 }
 
 /// The result of a command is how many parts it had; one of which something failed ends with the reason.

@@ -12,8 +12,8 @@ CACHE = read_cache()
 CMAKE, COMPILER, SANITIZE = CACHE["CMAKE_COMMAND"], CACHE["CMAKE_CXX_COMPILER"], CACHE.get("PLAZ_SANITIZE")
 
 # Classes that embedding tools need, and what comes with them.
-EXPORTED = """HSCPlaz HSCPlazBaseModel HSCPlazCategory HSCPlazConfigMgr HSCPlazFileCheck HSCPlazGit HSCPlazInspection
-    HSCPlazItemResult HSCPlazJsonReadWriteUtils HSCPlazLocalDBMgr HSCPlazLogger HSCPlazMgr HSCPlazModel
+EXPORTED = """HSCPlaz HSCPlazBaseModel HSCPlazCategory HSCPlazConfigMgr HSCPlazFileCheck HSCPlazFilesResult HSCPlazGit
+    HSCPlazInspection HSCPlazItemResult HSCPlazJsonReadWriteUtils HSCPlazLocalDBMgr HSCPlazLogger HSCPlazMgr HSCPlazModel
     HSCPlazPathMgr HSCPlazPathsInForce HSCPlazProduct HSCPlazQItem HSCPlazQItemModel HSCPlazQStore
     HSCPlazQStoreModel HSCPlazRepoFactory HSCPlazRepoInfoMgr HSCPlazReport HSCPlazStoreLayout
     HSCPlazStoreResult HSCPlazSwigIntf HSCPlazTaskMgr HSCPlazTrust HSCPlazUpdateDecision HSCPlazUserPref

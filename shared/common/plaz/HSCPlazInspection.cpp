@@ -13,7 +13,9 @@
 #include "plaz/model/repo/git/HSCPlazGitStore.h"
 #include "plaz/model/repo/git/HSCPlazGitWorkingCopy.h"
 #include "plaz/store/HSCPlazDependencies.h"
+#include "plaz/store/HSCPlazInstalledTrees.h"
 #include "plaz/store/HSCPlazWorkspace.h"
+#include "plaz/tasks/HSCPlazRepairTask.h"
 
 #include <boost/algorithm/string/predicate.hpp>
 
@@ -79,8 +81,12 @@ std::vector<HSCPlazQItem*> HSCPlazInspection::findHolders(const HSCPlaz& hub, co
     return HSCPlazDependencies::findHolders(hub, item);
 }
 
-bool HSCPlazInspection::isComplete(const HSCPlaz& hub, const HSCPlazQItem& item) {
-    return HSCPlazDependencies::areComplete(hub, item, workspace().userPref);
+std::vector<HSCPlazQItem*> HSCPlazInspection::findIncomplete(const HSCPlaz& hub) {
+    return HSCPlazInstalledTrees::findIncomplete(workspace(), hub);
+}
+
+HSCPlazFilesResult HSCPlazInspection::compareFiles(HSCPlazQItem& item) {
+    return HSCPlazRepairTask::verify(workspace(), item);
 }
 
 std::string HSCPlazInspection::findUnreadableRecord(const HSCPlaz& hub) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "plaz/base/PlazExport.h"
+#include "plaz/tasks/HSCPlazTaskResult.h"
 
 #include <string>
 #include <vector>
@@ -52,8 +53,11 @@ PLAZ_API HSCPlazQItem* findServing(const HSCPlaz& hub, const HSCPlazQItemDepende
 /// The installed items that depend on this one themselves, in the hub's order.
 PLAZ_API std::vector<HSCPlazQItem*> findHolders(const HSCPlaz& hub, const HSCPlazQItem& item);
 
-/// Whether nothing that an installed item needs is missing, at however many steps.
-PLAZ_API bool isComplete(const HSCPlaz& hub, const HSCPlazQItem& item);
+/// The installed items that lack files of their own, or something that they need at however many steps, as far as that
+/// shows without opening files.
+PLAZ_API std::vector<HSCPlazQItem*> findIncomplete(const HSCPlaz& hub);
+/// How the files of an installed item compare with those of its recorded commit.
+PLAZ_API HSCPlazFilesResult compareFiles(HSCPlazQItem& item);
 /// A file that tells what is installed and could not be read; empty when there is none.
 PLAZ_API std::string findUnreadableRecord(const HSCPlaz& hub);
 

@@ -18,6 +18,7 @@
 #include "plaz/tasks/HSCPlazMoveStoreTask.h"
 #include "plaz/tasks/HSCPlazRefreshHubTask.h"
 #include "plaz/tasks/HSCPlazRefreshStoreTask.h"
+#include "plaz/tasks/HSCPlazRepairTask.h"
 #include "plaz/tasks/HSCPlazTask.h"
 #include "plaz/tasks/HSCPlazUninstallTask.h"
 #include "plaz/tasks/HSCPlazUpdateCheckTask.h"
@@ -92,15 +93,17 @@ bool isFree(HSCPlazTask& task, const HSCPlazQStore& store, const std::string& di
 
 } // namespace
 
-HSCPlazItemResult HSCPlazTaskMgr::installItem(HSCPlaz& hub, HSCPlazQItem& item, bool quiet, HDGUIStatus* status) {
-    HSCPlazTask task(workspace(), hub, status, quiet);
+HSCPlazItemResult HSCPlazTaskMgr::installItem(HSCPlaz& hub, HSCPlazQItem& item, HSCPlazTaskOptions options,
+                                              HDGUIStatus* status) {
+    HSCPlazTask task(workspace(), hub, status, options);
     const bool isDone =
         carryOut(task, [&](Changes& changes) { return HSCPlazInstallTask::install(task, changes, item); });
     return resultOf(task, item, isDone ? ItemOutcome::installed : ItemOutcome::failed);
 }
 
-HSCPlazItemResult HSCPlazTaskMgr::uninstallItem(HSCPlaz& hub, HSCPlazQItem& item, bool quiet, HDGUIStatus* status) {
-    HSCPlazTask task(workspace(), hub, status, quiet);
+HSCPlazItemResult HSCPlazTaskMgr::uninstallItem(HSCPlaz& hub, HSCPlazQItem& item, HSCPlazTaskOptions options,
+                                                HDGUIStatus* status) {
+    HSCPlazTask task(workspace(), hub, status, options);
     task.show("Removing " + item.getDisplayName());
     const bool isDone = !task.isCancelled() && carryOut(task, [&](Changes& changes) {
         return HSCPlazUninstallTask::uninstall(task, changes, item);
@@ -111,8 +114,9 @@ HSCPlazItemResult HSCPlazTaskMgr::uninstallItem(HSCPlaz& hub, HSCPlazQItem& item
     return result;
 }
 
-HSCPlazItemResult HSCPlazTaskMgr::updateItem(HSCPlaz& hub, HSCPlazQItem& item, bool quiet, HDGUIStatus* status) {
-    HSCPlazTask task(workspace(), hub, status, quiet);
+HSCPlazItemResult HSCPlazTaskMgr::updateItem(HSCPlaz& hub, HSCPlazQItem& item, HSCPlazTaskOptions options,
+                                             HDGUIStatus* status) {
+    HSCPlazTask task(workspace(), hub, status, options);
     // Of several items in one command, an earlier one may have needed it last.
     if (!item.IsInstalled()) return resultOf(task, item, ItemOutcome::removed);
     if (HSCPlazUpdateTask::hasNothingToDo(task, item)) {
@@ -130,6 +134,25 @@ HSCPlazItemResult HSCPlazTaskMgr::updateItem(HSCPlaz& hub, HSCPlazQItem& item, b
     const HSCPlazQItem* latest = item.getStore() ? item.getStore()->getItem(item.getName()) : nullptr;
     HSCPlazItemResult result = resultOf(task, latest ? *latest : item, outcome);
     result.previousRevision = previous;
+    return result;
+}
+
+HSCPlazItemResult HSCPlazTaskMgr::repairItem(HSCPlaz& hub, HSCPlazQItem& item, HSCPlazTaskOptions options,
+                                             HDGUIStatus* status) {
+    HSCPlazTask task(workspace(), hub, status, options);
+    ItemOutcome outcome = ItemOutcome::failed;
+    const bool isDone = carryOut(task, [&](Changes& changes) {
+        outcome = HSCPlazRepairTask::repair(task, changes, item);
+        return outcome != ItemOutcome::failed;
+    });
+    return resultOf(task, item, isDone ? outcome : ItemOutcome::failed);
+}
+
+HSCPlazFilesResult HSCPlazTaskMgr::verifyItem(HSCPlaz& hub, HSCPlazQItem& item, HDGUIStatus* status) {
+    HSCPlazTask task(workspace(), hub, status);
+    task.show("Comparing " + item.getDisplayName());
+    HSCPlazFilesResult result = HSCPlazRepairTask::verify(workspace(), item);
+    task.tell(result.report);
     return result;
 }
 
@@ -198,11 +221,11 @@ HSCPlazStoreResult HSCPlazTaskMgr::moveStore(HSCPlazQStore& store, const std::st
 }
 
 bool HSCPlazTaskMgr::install(HSCPlaz* hub, HSCPlazQItem* item, bool quiet, HDGUIStatus* status) {
-    return hub && item && item->getModel() && installItem(*hub, *item, quiet, status).isDone();
+    return hub && item && item->getModel() && installItem(*hub, *item, {quiet}, status).isDone();
 }
 
 bool HSCPlazTaskMgr::uninstall(HSCPlaz* hub, HSCPlazQItem* item, bool quiet) {
-    return hub && item && item->getModel() && uninstallItem(*hub, *item, quiet, nullptr).isDone();
+    return hub && item && item->getModel() && uninstallItem(*hub, *item, {quiet}, nullptr).isDone();
 }
 
 bool HSCPlazTaskMgr::updateCatalog(HSCPlaz* hub, HDGUIStatus* status) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "plaz/base/PlazExport.h"
+#include "plaz/tasks/HSCPlazTaskOptions.h"
 #include "plaz/tasks/HSCPlazTaskResult.h"
 
 #include <string>
@@ -80,14 +81,25 @@ public:
     // The same for who wants to know what became of it, and why: front ends build their answers from the results. What
     // fails or throws has been sent as well. Hubs, stores and items must have a model, stores and items a hub.
 
-    static HSCPlazItemResult installItem(HSCPlaz& hub, HSCPlazQItem& item, bool quiet, HDGUIStatus* status);
+    static HSCPlazItemResult installItem(HSCPlaz& hub, HSCPlazQItem& item, HSCPlazTaskOptions options,
+                                         HDGUIStatus* status);
     /// @param status  progress and cancellation before it begins; may be null
-    static HSCPlazItemResult uninstallItem(HSCPlaz& hub, HSCPlazQItem& item, bool quiet, HDGUIStatus* status);
+    static HSCPlazItemResult uninstallItem(HSCPlaz& hub, HSCPlazQItem& item, HSCPlazTaskOptions options,
+                                           HDGUIStatus* status);
     /// Brings an installed revision up to date and keeps its installation mode. What the old files needed is given up,
     /// what the new ones need is brought. Where the store keeps several revisions the older one stays beside the new
-    /// one. The result is that of the latest revision. Sends Msg::itemFetchedAgain unless @p quiet, and what install()
+    /// one. The result is that of the latest revision. Sends Msg::itemFetchedAgain unless quiet, and what install()
     /// sends.
-    static HSCPlazItemResult updateItem(HSCPlaz& hub, HSCPlazQItem& item, bool quiet, HDGUIStatus* status);
+    static HSCPlazItemResult updateItem(HSCPlaz& hub, HSCPlazQItem& item, HSCPlazTaskOptions options,
+                                        HDGUIStatus* status);
+    /// Brings back files of an installed item that were changed or are missing, at the commit that is recorded of it.
+    /// What a user had changed is kept aside (Msg::ownFilesKept), what was added stays.
+    static HSCPlazItemResult repairItem(HSCPlaz& hub, HSCPlazQItem& item, HSCPlazTaskOptions options,
+                                        HDGUIStatus* status);
+    /// Compares the files of an installed item with those of the commit that is recorded of it. Changes nothing and
+    /// waits for nobody; needs neither git nor a network for what the hub has installed. Sends Msg::itemDamaged or
+    /// filesUnknown.
+    static HSCPlazFilesResult verifyItem(HSCPlaz& hub, HSCPlazQItem& item, HDGUIStatus* status);
 
     /// Fetches the hub's own metadata and the catalogs of all stores that it lists. What its catalog says of the items
     /// of each store is left to describeItems(). Sends Msg::hubNotRefreshed on failure, after the reason.

@@ -28,7 +28,7 @@ protected:
     static bool install(const std::string& name) { return HubOnDiskTest::install(name, false); }
     static bool uninstall(const std::string& name) { return HSCPlazTaskMgr::uninstall(&hub(), &find(name), false); }
     static bool update(const std::string& name) {
-        return HSCPlazTaskMgr::updateItem(hub(), find(name), false, nullptr).isDone();
+        return HSCPlazTaskMgr::updateItem(hub(), find(name), {}, nullptr).isDone();
     }
     template <typename Item> static std::string describe(const Item& item) {
         return item.getName() + "@" + item.getRevision() + " " + item.getInstallationMode() + " " +

@@ -73,5 +73,12 @@ inline constexpr MsgId<1> needsUnknown{"@17-2227@%s"};           ///< display na
 inline constexpr MsgId<2> databaseDamaged{"@17-2228@%s%s"};      ///< file, where it will be kept
 inline constexpr MsgId<2> databaseOfOtherStore{"@17-2229@%s%s"}; ///< store, database file
 inline constexpr MsgId<3> itemHeldAt{"@17-2230@%s%s%s"};         ///< display name, revision, by whom
+inline constexpr MsgId<3> ownFilesKept{"@17-2231@%s%s%s"};       ///< display name, where, files
+inline constexpr MsgId<2> ownFilesNotKept{"@17-2232@%s%s"};      ///< display name, where they should go
+inline constexpr MsgId<2> ownFileUnreadable{"@17-2233@%s%s"};    ///< file, display name
+inline constexpr MsgId<2> filesRestored{"@17-2234@%s%s"};        ///< display name, files
+inline constexpr MsgId<3> filesChanged{"@17-2235@%s%s%s"};       ///< display name, files, reference
+inline constexpr MsgId<3> itemDamaged{"@17-2236@%s%s%s"};        ///< reference, in what way, reference
+inline constexpr MsgId<3> filesUnknown{"@17-2237@%s%s%s"};       ///< reference, why, reference
 inline constexpr MsgId<1> clonedRepo{"@60-832@%s"};              ///< directory
 } // namespace Msg

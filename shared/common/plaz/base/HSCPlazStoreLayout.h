@@ -34,6 +34,7 @@ private:
 ///     <area>/<metadata file>, <catalog file>    the catalog that was refreshed last; ".done" beside it marks it whole
 ///     <area>/.plaz/.catalog                     metadata and change logs of the catalog's items
 ///     <area>/.plaz/plaz_local_db.json           what is installed
+///     <area>/.plaz/.trees                       what the files of installed items should be
 ///     <area>/.plaz/.incoming                    files on their way in and out; gone between commands
 ///     <work>/.plaz/.index                       the working copy; ".done" in it marks it complete
 ///     <work>/.staging                           where a checkout is made; gone between commands
@@ -60,6 +61,8 @@ public:
     /// Ends in "/".
     std::string getCatalogDir() const { return below(m_area, catalogFolder); }
     std::string getDatabase() const { return below(getHiddenDir(), databaseFile); }
+    /// Where the trees of installed items are kept.
+    std::string getTreesDir() const { return below(getHiddenDir(), ".trees"); }
     std::string getIncoming() const { return below(getHiddenDir(), ".incoming"); }
 
     /// Whether what a directory holds (a working copy, a catalog) came whole. @param dir  empty: no

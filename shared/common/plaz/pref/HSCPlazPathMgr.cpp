@@ -20,6 +20,7 @@ namespace {
 constexpr const char* sharedDataDir = "common";
 constexpr const char* configFile = "plaz_config.json";
 constexpr const char* lockFile = "plaz.lock";
+constexpr const char* keptDir = "plaz_kept";
 constexpr const char* changeFile = "plaz_change.json";
 constexpr const char* repoInfoFile = "plaz_stores.json";
 
@@ -128,6 +129,10 @@ std::string HSCPlazPathMgr::getLockFile() const {
 
 std::string HSCPlazPathMgr::getChangeFile() const {
     return getUserAreaRoot("", false, changeFile);
+}
+
+std::string HSCPlazPathMgr::getKeptDir() const {
+    return getUserAreaRoot("", false, keptDir);
 }
 
 std::string HSCPlazPathMgr::getDefaultLocalDbFile() const {

@@ -15,6 +15,7 @@ class HSCPlazQStoreModel;
 ///     <shared root>/<root>/<stores root>/<store root>   what is shipped of a store
 ///     <user area>/plaz.lock                             held by the process that installs or removes
 ///     <user area>/plaz_stores.json                      where the stores live
+///     <user area>/plaz_kept/<date>/<store root>/...     what people had changed or added in items that went
 ///     <user area>/<root>/plaz.json                      the hub's metadata as it was refreshed last
 ///
 /// HSCPlazStoreLayout draws what lies in the area of a store.
@@ -53,6 +54,8 @@ public:
     std::string getLockFile() const;
     /// What a task that changes what is installed is about to do; gone when it has ended.
     std::string getChangeFile() const;
+    /// Where what people had changed or added in items' folders is kept when these go.
+    std::string getKeptDir() const;
     /// The database used where a store has none of its own and the hub names none.
     std::string getDefaultLocalDbFile() const;
 

@@ -5,7 +5,6 @@
 #include "plaz/model/HSCPlazQItemDependency.h"
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
-#include "plaz/store/HSCPlazInstalledFiles.h"
 #include "support/HUTText.h"
 
 #include <algorithm>
@@ -29,13 +28,13 @@ HSCPlazQItem* findNewestInstalled(const HSCPlazQStore& store, const std::string&
     return newest;
 }
 
-bool areComplete(const HSCPlaz& hub, const HSCPlazQItem& item, const HSCPlazUserPref& userPref,
+bool areComplete(const HSCPlaz& hub, const HSCPlazQItem& item, const std::function<bool(const HSCPlazFoundItem&)>& fits,
                  std::set<const HSCPlazQItem*>& seen) {
     const auto& dependencies = item.getItemDependencies();
     return std::all_of(dependencies.begin(), dependencies.end(), [&](const HSCPlazQItemDependency* dependency) {
         const HSCPlazFoundItem found = HSCPlazDependencies::findInstalled(hub, *dependency);
-        if (!found || !HSCPlazInstalledFiles::areThere(found.item, found.store, userPref)) return false;
-        return !seen.insert(found.item).second || areComplete(hub, *found.item, userPref, seen);
+        if (!found) return false;
+        return !seen.insert(found.item).second || (fits(found) && areComplete(hub, *found.item, fits, seen));
     });
 }
 
@@ -94,7 +93,8 @@ std::vector<HSCPlazQItem*> HSCPlazDependencies::findHolders(const HSCPlaz& hub, 
     return holders;
 }
 
-bool HSCPlazDependencies::areComplete(const HSCPlaz& hub, const HSCPlazQItem& item, const HSCPlazUserPref& userPref) {
+bool HSCPlazDependencies::areComplete(const HSCPlaz& hub, const HSCPlazQItem& item,
+                                      const std::function<bool(const HSCPlazFoundItem&)>& fits) {
     std::set<const HSCPlazQItem*> seen;
-    return ::areComplete(hub, item, userPref, seen);
+    return ::areComplete(hub, item, fits, seen);
 }

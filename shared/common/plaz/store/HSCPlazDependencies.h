@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <set>
 #include <string>
 #include <vector>
@@ -8,7 +9,6 @@ class HSCPlaz;
 class HSCPlazQItem;
 class HSCPlazQItemDependency;
 class HSCPlazQStore;
-class HSCPlazUserPref;
 
 /// An item of the hub together with its store; false where there is none.
 struct HSCPlazFoundItem {
@@ -35,7 +35,9 @@ HSCPlazFoundItem findOffered(const HSCPlaz& hub, const HSCPlazQItemDependency& d
 HSCPlazFoundItem findInstalled(const HSCPlaz& hub, const HSCPlazQItemDependency& dependency);
 /// The installed items that depend on this one themselves, in the hub's order.
 std::vector<HSCPlazQItem*> findHolders(const HSCPlaz& hub, const HSCPlazQItem& item);
-/// Whether nothing that an installed item needs is missing, at however many steps.
-bool areComplete(const HSCPlaz& hub, const HSCPlazQItem& item, const HSCPlazUserPref& userPref);
+/// Whether what an installed item needs is installed, at however many steps, and fits.
+/// @param fits  asked of each of these once
+bool areComplete(const HSCPlaz& hub, const HSCPlazQItem& item,
+                 const std::function<bool(const HSCPlazFoundItem& found)>& fits);
 
 } // namespace HSCPlazDependencies

@@ -240,6 +240,10 @@ Differences HSCPlazItemTree::compare(const std::string& dir) const {
     return Comparison(m_entries, m_kind, dir).run();
 }
 
+Differences HSCPlazItemTree::listAll(const std::string& dir) {
+    return Comparison({}, HUTDigest::Kind::sha1, dir).run();
+}
+
 Differences HSCPlazItemTree::findLost(const std::string& dir) const {
     const std::string emptyId = HUTDigest::ofBlob(m_kind, "");
     Differences lost;

@@ -62,6 +62,9 @@ public:
     /// @param dir  the item's folder; when it is missing, so are its files
     Differences compare(const std::string& dir) const;
 
+    /// A folder whose tree is not known: all its files are additional.
+    static Differences listAll(const std::string& dir);
+
     /// The quick look, which opens nothing. @return the files that are missing; as changed, those that are none any
     /// more or have lost all their content; those of which nobody can say. A link to a directory is followed here.
     Differences findLost(const std::string& dir) const;

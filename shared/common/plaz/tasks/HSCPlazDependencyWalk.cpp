@@ -8,6 +8,7 @@
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazItemChanges.h"
 #include "plaz/tasks/HSCPlazItemFiles.h"
+#include "plaz/tasks/HSCPlazRepairTask.h"
 #include "plaz/tasks/HSCPlazTask.h"
 
 using HSCPlazDebugLog::inside;
@@ -51,6 +52,11 @@ bool HSCPlazDependencyWalk::isProperlyInstalled(const HSCPlazFoundItem& found) c
     return HSCPlazInstalledFiles::areThere(found.item, found.store, m_task.getWorkspace().userPref);
 }
 
+bool HSCPlazDependencyWalk::complete(const HSCPlazFoundItem& found) {
+    return HSCPlazRepairTask::restoreLost(m_task, m_changes, found, false) ||
+           m_task.fail(Msg::dependencyInstallFailed, found.item->getName());
+}
+
 bool HSCPlazDependencyWalk::installAll(const HSCPlazQItem& item) {
     const auto& dependencies = item.getItemDependencies();
     inside("HSCPlazTaskMgr::install", "Working on dependencies of qitem ", item.getCompany(), "::", item.getName(),
@@ -77,6 +83,7 @@ bool HSCPlazDependencyWalk::install(const HSCPlazQItemDependency& dependency) {
     inside(installName, " found qitem ptr");
     if (isProperlyInstalled(found)) {
         inside(installName, " ", dependency.getItem(), "is already installed");
+        if (!complete(found)) return false;
     } else {
         m_task.show("Installing " + Files::shownName(*found.item));
         if (!m_changes.install(found, HSCPlazInstallationMode::tool, false)) {
@@ -102,10 +109,12 @@ bool HSCPlazDependencyWalk::installMissing(const HSCPlazQItem& item) {
         const Step step(*this, *dependency);
         if (!step.isNew()) continue;
         const HSCPlazFoundItem found = Dependencies::findInstalled(m_hub, *dependency);
-        if (!found || !isProperlyInstalled(found))
+        if (!found || !isProperlyInstalled(found)) {
             isComplete = install(*dependency) && isComplete;
-        else if (m_seen.insert(found.item).second)
+        } else if (m_seen.insert(found.item).second) {
+            isComplete = complete(found) && isComplete;
             installMissing(*found.item);
+        }
     }
     return isComplete && !m_isCut;
 }

@@ -29,6 +29,7 @@ private:
     class Step;
     bool install(const HSCPlazQItemDependency& dependency);
     bool isProperlyInstalled(const HSCPlazFoundItem& found) const;
+    bool complete(const HSCPlazFoundItem& found);
 
     HSCPlazTask& m_task;
     HSCPlazItemChanges& m_changes;

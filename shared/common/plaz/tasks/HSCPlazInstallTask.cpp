@@ -9,6 +9,7 @@
 #include "plaz/tasks/HSCPlazDependencyWalk.h"
 #include "plaz/tasks/HSCPlazItemChanges.h"
 #include "plaz/tasks/HSCPlazItemFiles.h"
+#include "plaz/tasks/HSCPlazRepairTask.h"
 #include "plaz/tasks/HSCPlazTask.h"
 
 using HSCPlazDebugLog::inside;
@@ -23,6 +24,7 @@ constexpr const char* installName = "HSCPlazTaskMgr::install";
 bool completeInstalled(HSCPlazTask& task, HSCPlazItemChanges& changes, const HSCPlazFoundItem& found) {
     inside(installName, " already installed");
     task.tellNews(Msg::itemAlreadyInstalled, Files::shownName(*found.item));
+    if (!HSCPlazRepairTask::restoreLost(task, changes, found, true)) return false;
     Walk walk(task, changes, *found.item);
     if (found.item->getMode() != Mode::tool) return walk.installMissing(*found.item);
     return changes.setMode(found, Mode::user) && walk.installAll(*found.item);
@@ -33,7 +35,9 @@ bool installFiles(HSCPlazTask& task, HSCPlazItemChanges& changes, const HSCPlazF
     const bool isKnown = item.IsInstalled();
     task.show("Installing", Files::shownName(item), 0);
     inside(installName, " installing ", item.getName(), "...");
-    if (!changes.install(found, mode, true)) return false;
+    const bool isPut =
+        task.getOptions().isReinstallation ? changes.fetch(found, mode, true) : changes.install(found, mode, true);
+    if (!isPut) return false;
     task.tellNews(Msg::itemInstalled, Files::shownName(item));
     inside(installName, " installed ");
     // Where there was a revision before, what serves the new one as it is need not be newer.
@@ -50,7 +54,8 @@ bool HSCPlazInstallTask::install(HSCPlazTask& task, HSCPlazItemChanges& changes,
            "\n\tstore name:", asked.getStoreName(), "\n\titem revision:", asked.getRevision());
     const HSCPlazFoundItem found = Walk::find(task.getHub(), &asked);
     if (!found) return task.fail(Msg::itemInstallFailed, Files::shownName(asked));
-    const bool isThere = HSCPlazInstalledFiles::areThere(found.item, found.store, task.getWorkspace().userPref);
+    const bool isThere = !task.getOptions().isReinstallation &&
+                         HSCPlazInstalledFiles::areThere(found.item, found.store, task.getWorkspace().userPref);
     if (!isThere && task.isCancelled()) return false;
     const bool isDone = isThere ? completeInstalled(task, changes, found) : installFiles(task, changes, found, mode);
     return isDone || task.fail(Msg::itemInstallFailed, Files::shownName(*found.item));

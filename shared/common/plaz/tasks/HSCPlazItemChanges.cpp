@@ -8,10 +8,12 @@
 #include "plaz/store/HSCPlazHolds.h"
 #include "plaz/store/HSCPlazInstalledItems.h"
 #include "plaz/store/HSCPlazInstalledState.h"
+#include "plaz/store/HSCPlazInstalledTrees.h"
 #include "plaz/store/HSCPlazPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazFetchedFiles.h"
 #include "plaz/tasks/HSCPlazItemFiles.h"
+#include "plaz/tasks/HSCPlazOwnFiles.h"
 #include "plaz/tasks/HSCPlazTask.h"
 #include "support/HUTFile.h"
 
@@ -88,10 +90,16 @@ void removeLeftovers(const HSCPlazStoreLayout& layout) {
         HUTFile::removeTemporaries(dir);
 }
 
+void removeStaleTrees(const HSCPlazTask& task) {
+    for (const HSCPlazQStore* store : task.getHub().getStores())
+        if (store->isProductSpecific()) HSCPlazInstalledTrees::removeStale(task.getWorkspace(), *store);
+}
+
 /// What interrupted tasks have left.
 void removeLeftovers(const HSCPlazTask& task) {
     for (const HSCPlazQStore* store : task.getHub().getStores())
         if (store->isProductSpecific()) removeLeftovers(task.getWorkspace().paths.getStoreLayout(*store->getModel()));
+    removeStaleTrees(task);
     const HSCPlazPathMgr& paths = task.getWorkspace().paths;
     const std::string& root = task.getHub().getRoot();
     HUTFile::rmRecursive(paths.getStagingDir(root));
@@ -171,8 +179,8 @@ bool HSCPlazItemChanges::install(const HSCPlazFoundItem& found, Mode mode, bool 
 
 bool HSCPlazItemChanges::fetch(const HSCPlazFoundItem& found, Mode mode, bool isAskedFor) {
     const HSCPlazGitRemoved incoming(incomingOf(m_task, *found.store)); // the old files, in the end
-    if (!Files::fetch(m_task, found, isAskedFor)) return false;
     const HSCPlazPendingChange change = toInstallation(found, mode);
+    if (!Files::fetch(m_task, found, *change.item, isAskedFor)) return false;
     if (!put(found, change, {Msg::dirNotWritable, MsgSeverity::error, change.item->getLocalDir()})) return false;
     found.item->setSource(HSCPlazTypes::REPOSITORY);
     // It was whole before it came here; as long as it cannot be read, what the item needs is not known.
@@ -191,6 +199,17 @@ bool HSCPlazItemChanges::remove(const HSCPlazFoundItem& found) {
     if (!put(found, change, {Msg::removalIncomplete, MsgSeverity::error, name, dir})) return false;
     if (HUTFile::createFileIter(dir).empty()) HUTFile::rmRecursive(dir);
     return true;
+}
+
+bool HSCPlazItemChanges::restore(const HSCPlazFoundItem& found, bool areEditsKept) {
+    const HSCPlazGitRemoved incoming(incomingOf(m_task, *found.store)); // the old files, in the end
+    const std::string dir = found.item->getLocalRootDir();
+    const auto item = toRecord(*found.item->getModel());
+    item->setLocalDir(dir);
+    if (!Files::fetch(m_task, found, *item, false)) return false;
+    const HSCPlazPendingChange change{found.store->getName(), item, true, "", {}, ""};
+    return Files::takeAlong(m_task, found, dir, HSCPlazOwnFiles::findStaying(m_task, found, areEditsKept)) &&
+           put(found, change, {Msg::dirNotWritable, MsgSeverity::error, dir});
 }
 
 bool HSCPlazItemChanges::setMode(const HSCPlazFoundItem& found, Mode mode) {
@@ -224,6 +243,7 @@ bool HSCPlazItemChanges::put(const HSCPlazFoundItem& found, HSCPlazPendingChange
                              const HSCPlazReport& obstacle) {
     const std::string incoming = incomingOf(m_task, *found.store);
     const std::string dir = change.item->getLocalDir();
+    if (!HSCPlazOwnFiles::keepAside(m_task, found, dir, incoming)) return false;
     change.identity = HUTFile::getIdentity(incoming);
     if (!HUTFile::flush(incoming)) return m_task.fail(Msg::dirNotWritable, incoming);
     if (!announce(change)) return false;
@@ -340,9 +360,14 @@ bool HSCPlazItemChanges::removeUnneeded() {
 }
 
 bool HSCPlazItemChanges::end() {
-    if (!m_note.exists()) return m_isSound;
-    if (!m_note.read().files.empty()) return false;       // of a catalog that could not be put into its place
+    const bool isChanged = m_note.exists();
+    if (isChanged && !m_note.read().files.empty()) return false; // of a catalog that could not be put into its place
+    // What keeps items that nobody needs from going concerns who changes what is installed, and nobody else.
+    m_isBlocked = m_isBlocked || !isChanged;
     const bool areGone = removeUnneeded() || m_isBlocked; // what was to be done is done all the same
-    if (!m_isStuck) m_note.forget();
+    if (m_note.exists()) {
+        removeStaleTrees(m_task);
+        if (!m_isStuck) m_note.forget();
+    }
     return areGone && m_isSound && (!m_isStuck || m_isBlocked);
 }

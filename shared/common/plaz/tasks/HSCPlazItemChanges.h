@@ -44,6 +44,10 @@ public:
     /// The same without looking whether files are there.
     bool fetch(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode, bool isAskedFor);
     bool remove(const HSCPlazFoundItem& found);
+    /// Fetches the files of an installed item again, at the commit that is recorded of it. What was added to its folder
+    /// stays there; for whom the item is there stays, too.
+    /// @param areEditsKept  files that were changed stay as they are, unless nothing is left in them
+    bool restore(const HSCPlazFoundItem& found, bool areEditsKept);
     /// Says for whom an installed item is there.
     bool setMode(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode);
     /// Removes what nobody asked for and nobody needs (Msg::dependencyRemoved), as the end of the task does. Nothing

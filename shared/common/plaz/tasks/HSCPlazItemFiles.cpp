@@ -8,11 +8,17 @@
 #include "plaz/model/reader/HSCPlazJsonCheck.h"
 #include "plaz/model/reader/HSCPlazQItemReader.h"
 #include "plaz/model/repo/git/HSCPlazGitInstall.h"
+#include "plaz/store/HSCPlazInstalledTrees.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazTask.h"
 #include "support/HUTFile.h"
 
+#include <boost/filesystem/path.hpp>
+
 #include <algorithm>
+#include <memory>
+
+namespace Trees = HSCPlazInstalledTrees;
 
 namespace {
 
@@ -52,9 +58,11 @@ const HSCPlazQItem* findOverlap(const HSCPlazFoundItem& found) {
 bool takeBeside(const std::string& from, const std::string& to, const std::vector<std::string>& names) {
     for (const std::string& name : names) {
         const std::string source = from + "/" + name;
-        const bool isTaken = HUTFile::isDirectory(source)
-                                 ? HUTFile::cloneTree(source, to + "/" + name, [](const std::string&) { return true; })
-                                 : HUTFile::copyTo(source, to + "/" + name, HUTFile::copyOver);
+        const std::string target = to + "/" + name;
+        const bool isTaken =
+            HUTFile::mkDirRecursive(boost::filesystem::path(target).parent_path().generic_string()) &&
+            (HUTFile::isDirectory(source) ? HUTFile::cloneTree(source, target, [](const std::string&) { return true; })
+                                          : HUTFile::copyTo(source, target, HUTFile::copyOver));
         if (!isTaken) return false;
     }
     return true;
@@ -80,11 +88,40 @@ std::vector<std::string> findItemsInside(const HSCPlazFoundItem& found, const st
     return names;
 }
 
+/// What the repository is asked for.
+std::unique_ptr<HSCPlazQItemModel> toWanted(const HSCPlazFoundItem& found, const Trees::Place& place) {
+    auto wanted = std::make_unique<HSCPlazQItemModel>();
+    wanted->setName(found.item->getName());
+    wanted->setRevision(found.item->getRevision());
+    wanted->setMetadataFile(found.item->getMetadataFile());
+    wanted->setRoot(place.root);
+    wanted->setCommitId(place.commit);
+    return wanted;
+}
+
+/// Whether what has come is all that the commit lists; that is kept.
+bool checkAndKeepTree(HSCPlazTask& task, const HSCPlazFoundItem& found, const Trees::Place& place,
+                      const std::string& incoming) {
+    std::string problem;
+    const auto tree = Trees::find(place, problem);
+    if (!tree) return task.fail(Msg::itemRefused, found.item->getName(), problem);
+    const HSCPlazItemTree::Differences lost = tree->findLost(incoming);
+    for (const auto* files : {&lost.missing, &lost.changed, &lost.unreadable})
+        if (!files->empty())
+            return task.fail(Msg::fetchedItemInvalid, found.item->getName(), incoming + "/" + files->front());
+    return Trees::keep(place, *tree) || task.fail(Msg::dirNotWritable, place.layout.getTreesDir());
+}
+
 } // namespace
 
 std::string HSCPlazItemFiles::shownName(const HSCPlazQItem& item) {
     const std::string name = item.getDisplayName();
     return name.empty() ? item.getName() : name;
+}
+
+std::string HSCPlazItemFiles::referenceOf(const HSCPlazQItem& item) {
+    const std::string revision = item.getRevision();
+    return item.getStoreName() + "::" + item.getName() + (revision.empty() ? "" : "@" + revision);
 }
 
 std::string HSCPlazItemFiles::joinHolders(const HSCPlaz& hub, const HSCPlazQItem& item) {
@@ -94,8 +131,7 @@ std::string HSCPlazItemFiles::joinHolders(const HSCPlaz& hub, const HSCPlazQItem
     for (const HSCPlazQItem* holder : HSCPlazDependencies::findHolders(hub, item)) {
         text += text.empty() ? "" : ", ";
         if (++count > shownHolders) return text + "...";
-        const std::string revision = holder->getRevision();
-        text += holder->getStoreName() + "::" + holder->getName() + (revision.empty() ? "" : "@" + revision);
+        text += referenceOf(*holder);
     }
     return text;
 }
@@ -110,22 +146,29 @@ bool HSCPlazItemFiles::areInPlace(HSCPlazTask& task, const HSCPlazFoundItem& fou
     return !dir.empty() && HUTFile::createFileIter(dir).size() >= 2 && describedOnDisk(task, found, description);
 }
 
-bool HSCPlazItemFiles::fetch(HSCPlazTask& task, const HSCPlazFoundItem& found, bool isAskedFor) {
-    HSCPlazQItemModel& item = *found.item->getModel();
+bool HSCPlazItemFiles::fetch(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record,
+                             bool isAskedFor) {
     if (isAskedFor)
         task.tell(Msg::itemInstalling, MsgSeverity::warning, shownName(*found.item),
                   HSCPlazTrust::maskSecrets(found.store->getUrl()));
     if (const HSCPlazQItem* other = findOverlap(found))
-        return task.fail(Msg::itemRefused, item.getName(),
+        return task.fail(Msg::itemRefused, found.item->getName(),
                          "its directory overlaps that of the installed item " + other->getName());
     const HSCPlazWorkspace& workspace = task.getWorkspace();
-    const HSCPlazGitInstall::Place place{directoryOf(workspace, found), layoutOf(task, found).getIncoming()};
-    const HSCPlazGitOutcome outcome =
-        HSCPlazGitInstall::fetch(workspace.gitStore(*found.store->getModel()), item, place);
+    const Trees::Place place = Trees::placeOf(workspace, found, record);
+    const std::string incoming = place.layout.getIncoming();
+    const std::string& dir = record.getLocalDir();
+    const HSCPlazGitOutcome outcome = HSCPlazGitInstall::fetch(workspace.gitStore(*found.store->getModel()),
+                                                               *toWanted(found, place), {dir, incoming});
     if (!outcome.isDone) return task.fail(outcome.getWhole());
     task.tell(outcome.report);
-    return takeBeside(place.directory, place.incoming, findItemsInside(found, place.directory)) ||
-           task.fail(Msg::dirNotWritable, place.incoming);
+    return checkAndKeepTree(task, found, place, incoming) && takeAlong(task, found, dir, findItemsInside(found, dir));
+}
+
+bool HSCPlazItemFiles::takeAlong(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir,
+                                 const std::vector<std::string>& files) {
+    const std::string incoming = layoutOf(task, found).getIncoming();
+    return takeBeside(dir, incoming, files) || task.fail(Msg::dirNotWritable, incoming);
 }
 
 bool HSCPlazItemFiles::makeRemains(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir) {

@@ -3,7 +3,9 @@
 #include "plaz/store/HSCPlazDependencies.h"
 
 #include <string>
+#include <vector>
 
+class HSCPlazQItemModel;
 class HSCPlazTask;
 struct HSCPlazWorkspace;
 
@@ -12,6 +14,8 @@ namespace HSCPlazItemFiles {
 
 /// The item's display name, or its name where it has none.
 std::string shownName(const HSCPlazQItem& item);
+/// "boards::aurora@2.0"; without "@" where it has no revision.
+std::string referenceOf(const HSCPlazQItem& item);
 /// Who needs an installed item, for people: "boards::aurora@2.0, tools::kit". Empty when nobody does.
 std::string joinHolders(const HSCPlaz& hub, const HSCPlazQItem& item);
 /// Where the item is, or is to be, installed; empty where its names may not be used.
@@ -20,11 +24,16 @@ std::string directoryOf(const HSCPlazWorkspace& workspace, const HSCPlazFoundIte
 /// Whether the files of an item that no record knows are in place, left by an earlier installation or put there by
 /// hand: they are this very item.
 bool areInPlace(HSCPlazTask& task, const HSCPlazFoundItem& found);
-/// Has the repository fetch the item's files into the store's incoming directory. In a store where what is there is
-/// part of the item's folder, such as its revisions, that is put beside them.
+/// Has the repository fetch the item's files into the store's incoming directory, and keeps the tree that they are of.
+/// In a store where what is there is part of the item's folder, such as its revisions, that is put beside them.
+/// @param record      the commit to fetch, and the directory that they are for
 /// @param isAskedFor  the user asked for the item itself, so that the start is told (Msg::itemInstalling)
 /// @return false when that failed; the reason has been told
-bool fetch(HSCPlazTask& task, const HSCPlazFoundItem& found, bool isAskedFor);
+bool fetch(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record, bool isAskedFor);
+/// Puts files of the item's folder into the incoming directory, in the place of those that have come.
+/// @return false when that failed; the reason has been told
+bool takeAlong(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir,
+               const std::vector<std::string>& files);
 /// Makes, in the store's incoming directory, what stays of an item that goes: its metadata file, so that the catalog
 /// goes on describing it, and what of others lies in its folder.
 /// @return false when that could not be written

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "plaz/base/HSCPlazReport.h"
+#include "plaz/tasks/HSCPlazTaskOptions.h"
 
 #include <functional>
 #include <string>
@@ -17,14 +18,14 @@ public:
     /// All arguments must outlive the object.
     /// @param hub      what the task looks things up in; the workspace's own as a rule
     /// @param status   may be null
-    /// @param isQuiet  leaves out the good news
-    HSCPlazTask(HSCPlazWorkspace& workspace, HSCPlaz& hub, HDGUIStatus* status, bool isQuiet = false)
-        : m_workspace(workspace), m_hub(hub), m_status(status), m_isQuiet(isQuiet) {}
+    HSCPlazTask(HSCPlazWorkspace& workspace, HSCPlaz& hub, HDGUIStatus* status, HSCPlazTaskOptions options = {})
+        : m_workspace(workspace), m_hub(hub), m_status(status), m_options(options) {}
     HSCPlazTask(const HSCPlazTask&) = delete;
     HSCPlazTask& operator=(const HSCPlazTask&) = delete;
 
     HSCPlazWorkspace& getWorkspace() const { return m_workspace; }
     HSCPlaz& getHub() const { return m_hub; }
+    const HSCPlazTaskOptions& getOptions() const { return m_options; }
 
     /// The status reports cancellation, or the running program was interrupted. Of a cancellation nothing is told.
     bool isCancelled() const;
@@ -47,7 +48,7 @@ public:
     void mentionBrought(const HSCPlazReport& report);
     /// Good news, unless the task is quiet.
     template <std::size_t Arity, typename... Args> void tellNews(const MsgId<Arity>& id, const Args&... args) {
-        if (!m_isQuiet) tell(id, MsgSeverity::warning, args...);
+        if (!m_options.isQuiet) tell(id, MsgSeverity::warning, args...);
     }
     /// Why something failed, unless it was cancelled. @return false
     bool fail(const HSCPlazReport& report);
@@ -76,6 +77,6 @@ private:
     HSCPlazWorkspace& m_workspace;
     HSCPlaz& m_hub;
     HDGUIStatus* m_status;
-    bool m_isQuiet;
+    const HSCPlazTaskOptions m_options;
     HSCPlazReport m_report;
 };

@@ -26,10 +26,44 @@ const char* HSCPlazItemResult::nameOf(Outcome outcome) {
         return "updated";
     case Outcome::upToDate:
         return "up-to-date";
+    case Outcome::repaired:
+        return "repaired";
+    case Outcome::whole:
+        return "whole";
     case Outcome::failed:
         break;
     }
     return "failed";
+}
+
+const char* HSCPlazFilesResult::nameOf(Outcome outcome) {
+    switch (outcome) {
+    case Outcome::whole:
+        return "whole";
+    case Outcome::damaged:
+        return "damaged";
+    case Outcome::unknown:
+        break;
+    }
+    return "unknown";
+}
+
+std::string HSCPlazFilesResult::join(const std::vector<std::string>& files) {
+    constexpr std::size_t shown = 10;
+    std::string text;
+    for (std::size_t i = 0; i < files.size() && i < shown; ++i) text += (i == 0 ? "" : ", ") + files[i];
+    return files.size() > shown ? text + ", ..." : text;
+}
+
+std::string HSCPlazFilesResult::describe() const {
+    std::string text;
+    const auto add = [&](const char* what, const std::vector<std::string>& files) {
+        if (!files.empty()) text += (text.empty() ? "" : "; ") + std::string(what) + join(files);
+    };
+    add("changed: ", changed);
+    add("missing: ", missing);
+    add("not to be read: ", unreadable);
+    return text;
 }
 
 HSCPlazStoreResult HSCPlazStoreResult::of(const HSCPlazQStore& store, Outcome outcome) {

@@ -17,6 +17,8 @@ struct PLAZ_API HSCPlazItemResult {
         kept, ///< its files stay: others need it, or it is shipped
         updated,
         upToDate, ///< there was nothing to do
+        repaired,
+        whole, ///< there was nothing to repair
         failed
     };
 
@@ -34,6 +36,35 @@ struct PLAZ_API HSCPlazItemResult {
     /// "installed", "up-to-date" and so on.
     static const char* nameOf(Outcome outcome);
     bool isDone() const { return outcome != Outcome::failed; }
+};
+
+/// How the files of one installed item compare with those of its recorded commit.
+struct PLAZ_API HSCPlazFilesResult {
+    enum class Outcome {
+        whole,   ///< all are there as they were installed; files beside them do no harm
+        damaged, ///< some are changed, missing or cannot be read
+        unknown  ///< what they should be is not known
+    };
+
+    std::string store;
+    std::string name;
+    std::string revision;
+    std::string directory;
+    Outcome outcome;
+    // Paths relative to the directory, sorted.
+    std::vector<std::string> changed;
+    std::vector<std::string> missing;
+    std::vector<std::string> additional;
+    std::vector<std::string> unreadable; ///< files, and directories ("." for the item's own)
+    HSCPlazReport report;                ///< all that was told; its first error says what is wrong
+
+    /// "whole", "damaged", "unknown".
+    static const char* nameOf(Outcome outcome);
+    bool isDone() const { return outcome == Outcome::whole; }
+    /// What is wrong, for people: "changed: a, b; missing: c".
+    std::string describe() const;
+    /// "a, b, c": at most ten of them, then "...".
+    static std::string join(const std::vector<std::string>& files);
 };
 
 /// What became of one store.

@@ -4,11 +4,14 @@
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/HSCPlazUpdateDecision.h"
+#include "plaz/store/HSCPlazInstalledFiles.h"
+#include "plaz/store/HSCPlazInstalledTrees.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazDependencyWalk.h"
 #include "plaz/tasks/HSCPlazInstallTask.h"
 #include "plaz/tasks/HSCPlazItemChanges.h"
 #include "plaz/tasks/HSCPlazItemFiles.h"
+#include "plaz/tasks/HSCPlazRepairTask.h"
 #include "plaz/tasks/HSCPlazTask.h"
 
 using Mode = HSCPlazInstallationMode;
@@ -35,6 +38,16 @@ bool fetchAgain(HSCPlazTask& task, HSCPlazItemChanges& changes, HSCPlazQItem& it
     return areGone;
 }
 
+/// One of which nothing newer is there gets what it lacks.
+bool complete(HSCPlazTask& task, HSCPlazItemChanges& changes, HSCPlazQItem& item) {
+    const HSCPlazFoundItem found{item.getStore(), &item};
+    const bool isThere = HSCPlazInstalledFiles::areThere(found.item, found.store, task.getWorkspace().userPref);
+    const bool isDone = (isThere ? HSCPlazRepairTask::restoreLost(task, changes, found, false)
+                                 : changes.fetch(found, modeAfter(item), true)) &&
+                        Walk(task, changes, item).installMissing(item);
+    return isDone || task.fail(Msg::itemInstallFailed, Files::shownName(item));
+}
+
 } // namespace
 
 Outcome HSCPlazUpdateTask::update(HSCPlazTask& task, HSCPlazItemChanges& changes, HSCPlazQItem& item) {
@@ -53,12 +66,12 @@ Outcome HSCPlazUpdateTask::update(HSCPlazTask& task, HSCPlazItemChanges& changes
     case Step::none:
         break;
     }
-    return outcomeOf(Walk(task, changes, item).installMissing(item));
+    return outcomeOf(complete(task, changes, item));
 }
 
-bool HSCPlazUpdateTask::hasNothingToDo(const HSCPlazTask& task, const HSCPlazQItem& item) {
+bool HSCPlazUpdateTask::hasNothingToDo(const HSCPlazTask& task, HSCPlazQItem& item) {
     return HSCPlazUpdateDecision::decide(item) == Step::none &&
-           HSCPlazDependencies::areComplete(task.getHub(), item, task.getWorkspace().userPref);
+           HSCPlazInstalledTrees::isComplete(task.getWorkspace(), task.getHub(), {item.getStore(), &item});
 }
 
 void HSCPlazUpdateTask::tellHeld(HSCPlazTask& task, const HSCPlazQItem& item) {

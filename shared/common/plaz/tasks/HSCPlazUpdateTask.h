@@ -15,7 +15,7 @@ namespace HSCPlazUpdateTask {
 HSCPlazItemResult::Outcome update(HSCPlazTask& task, HSCPlazItemChanges& changes, HSCPlazQItem& item);
 
 /// Whether it would do nothing: the item is up to date, and all that it needs is there.
-bool hasNothingToDo(const HSCPlazTask& task, const HSCPlazQItem& item);
+bool hasNothingToDo(const HSCPlazTask& task, HSCPlazQItem& item);
 /// Tells of one that is not the latest and stays since others need it as it is (Msg::itemHeldAt).
 void tellHeld(HSCPlazTask& task, const HSCPlazQItem& item);
 

@@ -41,7 +41,7 @@ TEST_F(TwoProcessesTest, UpdateWaitsForTheOther) {
         pause();
     }
     while (HUTFileLock(lockFile).tryLock() != HUTFileLock::Result::busy) continue;
-    const auto update = [] { return HSCPlazTaskMgr::updateItem(hub(), find("a"), false, nullptr).isDone(); };
+    const auto update = [] { return HSCPlazTaskMgr::updateItem(hub(), find("a"), {}, nullptr).isDone(); };
     const auto state = [this] {
         return readFile(files.area("ced_store/items/a/item.json")) +
                readFile(files.area("ced_store/.plaz/plaz_local_db.json"));

@@ -12,6 +12,7 @@
 
 #include <boost/filesystem/path.hpp>
 
+#include <set>
 #include <string_view>
 
 namespace {
@@ -85,6 +86,11 @@ void forbidPrompts(HUTFork& git) {
     git.setEnv("GIT_SSH_COMMAND", "ssh -oBatchMode=yes");
 }
 
+bool mayTransfer(const std::string& command) {
+    static const std::set<std::string> commands{"clone", "fetch", "ls-remote", "pull", "push"};
+    return commands.count(command) != 0;
+}
+
 void addSetting(HUTFork& git, std::size_t number, const std::string& key, const std::string& value) {
     git.setEnv("GIT_CONFIG_KEY_" + std::to_string(number), key);
     git.setEnv("GIT_CONFIG_VALUE_" + std::to_string(number), value);
@@ -126,7 +132,8 @@ void HSCPlazGitEnv::apply(HUTFork& git, const std::string& command, const std::s
     dropInherited(git);
     forbidPrompts(git);
     addSettings(git, command, remoteUrl);
-    git.setEnv("GIT_ALLOW_PROTOCOL", "file:git:http:https:ssh");
+    // What is meant to be local must not fetch what a working copy lacks.
+    git.setEnv("GIT_ALLOW_PROTOCOL", mayTransfer(command) ? "file:git:http:https:ssh" : "none");
     git.setEnv("LC_ALL", "C.UTF-8"); // error lines are recognised by their English words
     // A directory whose ".git" is gone must not be taken for a part of a repository around it.
     git.setEnv("GIT_CEILING_DIRECTORIES", boost::filesystem::path(workDir).parent_path().generic_string());

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "plaz/model/repo/git/HSCPlazGitRunner.h"
+
+#include <string>
+
+class HSCPlazWorkLayout;
+
+/// What a store's working copy knows of the files of a commit.
+namespace HSCPlazGitTree {
+
+/// Lists all files below a folder: "git ls-tree -r -z". Stays local, and sends nothing.
+/// @param commit  the one to list
+/// @param root    the folder in the repository; empty for all of it
+/// @return a status other than 0 where the working copy is not there or does not hold the commit
+HSCPlazGitAnswer list(const HSCPlazWorkLayout& layout, const std::string& commit, const std::string& root);
+
+} // namespace HSCPlazGitTree

@@ -1,0 +1,151 @@
+#include "plaz/store/HSCPlazInstalledTrees.h"
+
+#include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazQItem.h"
+#include "plaz/model/HSCPlazQItemModel.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/HSCPlazQStoreModel.h"
+#include "plaz/model/repo/git/HSCPlazGitTree.h"
+#include "plaz/store/HSCPlazInstalledFiles.h"
+#include "plaz/store/HSCPlazWorkspace.h"
+#include "support/HUTDigest.h"
+#include "support/HUTFile.h"
+
+#include <boost/algorithm/string/predicate.hpp>
+
+#include <algorithm>
+#include <map>
+#include <set>
+
+using boost::algorithm::ends_with;
+using boost::algorithm::starts_with;
+using Differences = HSCPlazItemTree::Differences;
+using Place = HSCPlazInstalledTrees::Place;
+
+namespace {
+
+/// Folders lie in one another, so that no name made of theirs would be safe.
+std::string nameOf(const Place& place) {
+    return HUTDigest::ofBlob(HUTDigest::Kind::sha1, place.folder + "\n" + place.commit);
+}
+
+std::string fileOf(const Place& place) {
+    return place.layout.getTreesDir() + "/" + nameOf(place);
+}
+
+/// The folders of the store's items that lie below a directory, relative to it, each with a "/" at its end.
+std::vector<std::string> findFoldersInside(const HSCPlazWorkspace& workspace, const HSCPlazQStore& store,
+                                           const std::string& dir) {
+    const std::string start = dir + "/";
+    std::vector<std::string> folders;
+    for (const HSCPlazQItem* item : store.getItems()) {
+        const std::string recorded = item->getLocalRootDir();
+        const std::string theirs =
+            recorded.empty() ? workspace.paths.getItemDir(*store.getModel(), *item->getModel()) : recorded;
+        if (starts_with(theirs, start)) folders.push_back(theirs.substr(start.size()) + "/");
+    }
+    return folders;
+}
+
+} // namespace
+
+Place HSCPlazInstalledTrees::placeOf(const HSCPlazWorkspace& workspace, const HSCPlazFoundItem& found,
+                                     const HSCPlazQItemModel& record) {
+    const HSCPlazQStoreModel& store = *found.store->getModel();
+    Place place{workspace.paths.getStoreLayout(store), {}, {}, record.getCommitId()};
+    const std::string start = place.layout.getArea() + "/";
+    if (starts_with(record.getLocalDir(), start)) place.folder = record.getLocalDir().substr(start.size());
+    place.root = place.folder;
+    const std::string ending = "/" + found.item->getRevision();
+    if (store.isMultiRevisionSupported() && ending.size() > 1 && ends_with(place.root, ending))
+        place.root.resize(place.root.size() - ending.size());
+    return place;
+}
+
+Place HSCPlazInstalledTrees::placeOf(const HSCPlazWorkspace& workspace, const HSCPlazFoundItem& found) {
+    HSCPlazQItemModel record;
+    record.setCommitId(found.item->getModel()->getInstalledCommitId());
+    record.setLocalDir(found.item->getLocalRootDir());
+    return placeOf(workspace, found, record);
+}
+
+std::optional<HSCPlazItemTree> HSCPlazInstalledTrees::readKept(const Place& place) {
+    return HSCPlazItemTree::read(fileOf(place), place.commit);
+}
+
+std::optional<HSCPlazItemTree> HSCPlazInstalledTrees::find(const Place& place, std::string& problem) {
+    if (auto kept = readKept(place)) return kept;
+    if (place.commit.empty() || place.folder.empty()) {
+        problem = "no commit is recorded of it";
+        return std::nullopt;
+    }
+    const HSCPlazGitAnswer answer = HSCPlazGitTree::list(place.layout, place.commit, place.root);
+    if (answer.status != 0) {
+        problem = "the store's working copy does not hold its commit " + place.commit;
+        return std::nullopt;
+    }
+    auto tree = HSCPlazItemTree::parse(answer.text, place.commit, place.root, problem);
+    if (!tree) problem = "what its commit " + place.commit + " lists " + problem;
+    return tree;
+}
+
+bool HSCPlazInstalledTrees::keep(const Place& place, const HSCPlazItemTree& tree) {
+    return tree.write(fileOf(place));
+}
+
+void HSCPlazInstalledTrees::removeStale(const HSCPlazWorkspace& workspace, const HSCPlazQStore& store) {
+    const std::string dir = workspace.paths.getStoreLayout(*store.getModel()).getTreesDir();
+    const std::vector<std::string> kept = HUTFile::createFileIter(dir);
+    if (kept.empty()) return;
+    std::set<std::string> needed;
+    for (HSCPlazQItem* item : store.getItems())
+        if (item->IsInstalled()) needed.insert(nameOf(placeOf(workspace, {item->getStore(), item})));
+    for (const std::string& name : kept)
+        if (needed.count(name) == 0) HUTFile::rmRecursive(dir + "/" + name);
+    if (needed.empty()) HUTFile::rmRecursive(dir);
+}
+
+Differences HSCPlazInstalledTrees::compare(const HSCPlazWorkspace& workspace, const HSCPlazQStore& store,
+                                           const std::string& dir, const HSCPlazItemTree* tree) {
+    Differences found = tree ? tree->compare(dir) : HSCPlazItemTree::listAll(dir);
+    if (found.additional.empty()) return found;
+    const std::vector<std::string> folders = findFoldersInside(workspace, store, dir);
+    const auto isOthers = [&](const std::string& path) {
+        return std::any_of(folders.begin(), folders.end(),
+                           [&](const std::string& folder) { return starts_with(path, folder); });
+    };
+    found.additional.erase(std::remove_if(found.additional.begin(), found.additional.end(), isOthers),
+                           found.additional.end());
+    return found;
+}
+
+bool HSCPlazInstalledTrees::isWhole(const HSCPlazWorkspace& workspace, const HSCPlazFoundItem& found) {
+    if (!HSCPlazInstalledFiles::areThere(found.item, found.store, workspace.userPref)) return false;
+    const Place place = placeOf(workspace, found);
+    const auto tree = readKept(place);
+    return !tree || tree->findLost(place.getDirectory()).areNone();
+}
+
+bool HSCPlazInstalledTrees::isComplete(const HSCPlazWorkspace& workspace, const HSCPlaz& hub,
+                                       const HSCPlazFoundItem& found) {
+    const auto fits = [&](const HSCPlazFoundItem& one) { return isWhole(workspace, one); };
+    return fits(found) && HSCPlazDependencies::areComplete(hub, *found.item, fits);
+}
+
+std::vector<HSCPlazQItem*> HSCPlazInstalledTrees::findIncomplete(const HSCPlazWorkspace& workspace,
+                                                                 const HSCPlaz& hub) {
+    std::map<const HSCPlazQItem*, bool> known; // many items need the same ones
+    const auto fits = [&](const HSCPlazFoundItem& one) {
+        const auto [entry, isNew] = known.emplace(one.item, false);
+        if (isNew) entry->second = isWhole(workspace, one);
+        return entry->second;
+    };
+    std::vector<HSCPlazQItem*> incomplete;
+    for (HSCPlazQStore* store : hub.getStores())
+        for (HSCPlazQItem* item : store->getItems()) {
+            const bool isRecorded = item->IsInstalled() && item->getMode() != HSCPlazInstallationMode::none;
+            if (isRecorded && !(fits({store, item}) && HSCPlazDependencies::areComplete(hub, *item, fits)))
+                incomplete.push_back(item);
+        }
+    return incomplete;
+}

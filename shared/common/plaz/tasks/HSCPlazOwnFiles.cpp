@@ -1,0 +1,131 @@
+#include "plaz/tasks/HSCPlazOwnFiles.h"
+
+#include "plaz/base/HSCPlazMsg.h"
+#include "plaz/model/HSCPlazQItem.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/store/HSCPlazInstalledTrees.h"
+#include "plaz/store/HSCPlazWorkspace.h"
+#include "plaz/tasks/HSCPlazItemFiles.h"
+#include "plaz/tasks/HSCPlazTask.h"
+#include "plaz/tasks/HSCPlazTaskResult.h"
+#include "support/HUTDigest.h"
+#include "support/HUTFile.h"
+#include "support/HUTFileTree.h"
+
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/filesystem/path.hpp>
+
+#include <algorithm>
+#include <cstdint>
+#include <ctime>
+#include <iterator>
+
+using Differences = HSCPlazItemTree::Differences;
+namespace Trees = HSCPlazInstalledTrees;
+
+namespace {
+
+/// The installation whose files lie in a folder; of several revisions that share it one alone is recorded.
+HSCPlazFoundItem findInstalledAt(const HSCPlazFoundItem& found, const std::string& dir) {
+    for (HSCPlazQItem* item : found.store->getItems())
+        if (item->IsInstalled() && item->getMode() != HSCPlazInstallationMode::none && item->getLocalRootDir() == dir)
+            return {found.store, item};
+    return {};
+}
+
+/// What a folder holds beside what its installation has left there.
+Differences compare(const HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir) {
+    const HSCPlazWorkspace& workspace = task.getWorkspace();
+    std::optional<HSCPlazItemTree> tree;
+    std::string unknown;
+    if (const HSCPlazFoundItem installed = findInstalledAt(found, dir))
+        tree = Trees::find(Trees::placeOf(workspace, installed), unknown);
+    Differences files = Trees::compare(workspace, *found.store, dir, tree ? &*tree : nullptr);
+    if (!tree) {
+        auto& all = files.additional; // the metadata file is what an item that goes leaves of itself
+        all.erase(std::remove(all.begin(), all.end(), found.item->getMetadataFile()), all.end());
+    }
+    return files;
+}
+
+bool isBelow(const std::string& file, const std::vector<std::string>& dirs) {
+    return std::any_of(dirs.begin(), dirs.end(),
+                       [&](const std::string& dir) { return boost::algorithm::starts_with(file, dir + "/"); });
+}
+
+bool isEmpty(const std::string& file) {
+    std::uint64_t bytes = 0;
+    return HUTFileTree::getSize(file, bytes) == HIOStatus::ok && bytes == 0;
+}
+
+bool areSame(const std::string& a, const std::string& b) {
+    const auto idOf = [](const std::string& file) { return HUTDigest::ofFile(HUTDigest::Kind::sha1, file).id; };
+    return HUTFile::isRegularFile(a) && HUTFile::isRegularFile(b) && idOf(a) == idOf(b);
+}
+
+std::string now() {
+    const std::time_t time = std::time(nullptr);
+    char text[32];
+    return std::string(text, std::strftime(text, sizeof text, "%Y-%m-%d_%H-%M-%S", std::localtime(&time)));
+}
+
+/// A folder for the files of one change, which nothing uses yet.
+std::string chooseDirectory(const HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir) {
+    const HSCPlazPathMgr& paths = task.getWorkspace().paths;
+    const HSCPlazQStoreModel& store = *found.store->getModel();
+    const std::string folder = dir.substr(paths.getStoreLayout(store).getArea().size());
+    const std::string dated = paths.getKeptDir() + "/" + now();
+    const std::string rest = "/" + HSCPlazPathMgr::getStoreFolder(store) + folder;
+    std::string chosen = dated + rest;
+    for (int number = 2; HUTFile::exists(chosen); ++number) chosen = dated + "." + std::to_string(number) + rest;
+    return chosen;
+}
+
+bool copy(const std::vector<std::string>& files, const std::string& from, const std::string& to) {
+    const auto copyOne = [&](const std::string& file) {
+        const std::string target = to + "/" + file;
+        return HUTFile::mkDirRecursive(boost::filesystem::path(target).parent_path().generic_string()) &&
+               HUTFile::copyToRecursive(from + "/" + file, target, HUTFile::copyOver);
+    };
+    return std::all_of(files.begin(), files.end(), copyOne) && HUTFile::flush(to);
+}
+
+} // namespace
+
+std::vector<std::string> HSCPlazOwnFiles::findStaying(const HSCPlazTask& task, const HSCPlazFoundItem& found,
+                                                      bool areEditsKept) {
+    const Trees::Place place = Trees::placeOf(task.getWorkspace(), found);
+    const std::string dir = place.getDirectory();
+    const auto tree = Trees::readKept(place);
+    const Differences files = Trees::compare(task.getWorkspace(), *found.store, dir, tree ? &*tree : nullptr);
+    const std::vector<std::string> replaced = areEditsKept && tree ? tree->findLost(dir).changed : files.changed;
+    std::vector<std::string> staying;
+    std::set_difference(files.changed.begin(), files.changed.end(), replaced.begin(), replaced.end(),
+                        std::back_inserter(staying));
+    // A file may come back where there is a directory now, with what was put into that.
+    std::copy_if(files.additional.begin(), files.additional.end(), std::back_inserter(staying),
+                 [&](const std::string& file) { return !isBelow(file, replaced); });
+    return staying;
+}
+
+bool HSCPlazOwnFiles::keepAside(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir,
+                                const std::string& incoming) {
+    if (task.getOptions().areChangesDiscarded || !HUTFile::exists(dir)) return true;
+    const Differences files = compare(task, found, dir);
+    const std::string name = HSCPlazItemFiles::shownName(*found.item);
+    if (!files.unreadable.empty()) return task.fail(Msg::ownFileUnreadable, dir + "/" + files.unreadable.front(), name);
+    std::vector<std::string> own = files.additional;
+    std::copy_if(files.changed.begin(), files.changed.end(), std::back_inserter(own),
+                 [&](const std::string& file) { return !isEmpty(dir + "/" + file); });
+    const auto stays = [&](const std::string& file) { return areSame(dir + "/" + file, incoming + "/" + file); };
+    own.erase(std::remove_if(own.begin(), own.end(), stays), own.end());
+    std::sort(own.begin(), own.end());
+    if (own.empty()) return true;
+    const std::string kept = chooseDirectory(task, found, dir);
+    if (!copy(own, dir, kept)) {
+        HUTFile::rmRecursive(kept);
+        return task.fail(Msg::ownFilesNotKept, name, kept);
+    }
+    task.tell(Msg::ownFilesKept, MsgSeverity::warning, name, kept, HSCPlazFilesResult::join(own));
+    return true;
+}

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "plaz/store/HSCPlazDependencies.h"
+
+#include <string>
+#include <vector>
+
+class HSCPlazTask;
+
+/// What a user has changed or added in the folders of items.
+namespace HSCPlazOwnFiles {
+
+/// What stays in the folder of an installed item when its files are fetched again: what was added.
+/// @param areEditsKept  and what was changed, unless nothing is left in it
+std::vector<std::string> findStaying(const HSCPlazTask& task, const HSCPlazFoundItem& found, bool areEditsKept);
+
+/// Puts aside what would be gone once an item's folder has changed places with another directory: what is not as the
+/// installation that is recorded there has left it, and not the same in the other directory. Where no installation is
+/// recorded, or nobody knows what it has left, that is all but the item's metadata file. It goes into a dated folder
+/// (HSCPlazPathMgr::getKeptDir), which is told (Msg::ownFilesKept), and is on the disk afterwards. Does nothing where
+/// the task is to discard it.
+/// @param found     the item that the change is about
+/// @param dir       its folder; need not exist
+/// @param incoming  the other directory
+/// @return false when that failed (Msg::ownFilesNotKept, ownFileUnreadable); the folder is as it was
+bool keepAside(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir, const std::string& incoming);
+
+} // namespace HSCPlazOwnFiles
