@@ -73,5 +73,6 @@ inline constexpr MsgId<1> needsUnknown{"@17-2227@%s"};           ///< display na
 inline constexpr MsgId<2> databaseDamaged{"@17-2228@%s%s"};      ///< file, where it will be kept
 inline constexpr MsgId<2> databaseOfOtherStore{"@17-2229@%s%s"}; ///< store, database file
 inline constexpr MsgId<3> itemHeldAt{"@17-2230@%s%s%s"};         ///< display name, revision, by whom
+inline constexpr MsgId<1> hubUnlocked{"@17-2240@%s"};            ///< lock file
 inline constexpr MsgId<1> clonedRepo{"@60-832@%s"};              ///< directory
 } // namespace Msg
