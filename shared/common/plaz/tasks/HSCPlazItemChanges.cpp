@@ -50,7 +50,9 @@ std::shared_ptr<HSCPlazQItemModel> toRecord(const HSCPlazQItemModel& item) {
 
 /// Back to where they were. @param incoming  what was put in its place came from there
 bool undo(const std::string& incoming, const std::string& dir) {
-    return HUTFile::exists(incoming) ? HUTFile::exchangeDirectories(incoming, dir) : HUTFile::rename(dir, incoming);
+    if (HUTFile::exists(incoming)) return HUTFile::exchangeDirectories(incoming, dir);
+    const std::string aside = HUTFile::getAside(incoming); // where the last of three renamings has failed
+    return HUTFile::rename(dir, incoming) && (!HUTFile::exists(aside) || HUTFile::rename(aside, dir));
 }
 
 /// A directory of an item, whatever a note says.
