@@ -426,8 +426,7 @@ bool writeAtomically(const std::string& file, const std::string& content, bool o
     if (holdsNull(file)) return false;
     const std::wstring name = toLongName(file);
     TemporaryFile temporary(name, ownerOnly);
-    return temporary.file && writeAll(temporary.file, content) && flushFile(temporary.file) &&
-           temporary.renameTo(name);
+    return temporary.file && writeAll(temporary.file, content) && flushFile(temporary.file) && temporary.renameTo(name);
 }
 
 bool exchange(const std::string& /*a*/, const std::string& /*b*/) {
