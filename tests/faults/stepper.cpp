@@ -85,6 +85,7 @@ constexpr std::array calls{
     Call{SYS_ftruncate, "ftruncate", Works::descriptor, 0, none},
     Call{SYS_fallocate, "fallocate", Works::descriptor, 0, none},
     Call{SYS_fsync, "fsync", Works::descriptor, 0, none},
+    Call{SYS_syncfs, "syncfs", Works::descriptor, 0, none},
     Call{SYS_fdatasync, "fdatasync", Works::descriptor, 0, none},
     Call{SYS_fchmod, "fchmod", Works::descriptor, 0, none},
     Call{SYS_truncate, "truncate", Works::onOld, none, 0},

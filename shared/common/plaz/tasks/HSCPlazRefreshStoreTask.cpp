@@ -76,6 +76,7 @@ private:
     /// Where directories cannot change places in one step, whoever ends in between leaves a note.
     bool putInForce() {
         const HSCPlazChangeNote note(m_task.getWorkspace().paths.getChangeFile());
+        if (!HUTFile::flush(m_fresh)) return m_task.fail(Msg::dirNotWritable, m_fresh);
         if (!note.write({m_store.getName(), nullptr, false, "", {}, m_area}))
             return m_task.fail(Msg::databaseNotSaved, note.getFile());
         const bool isReplaced = HUTFile::replaceDirectory(m_fresh, m_catalogDir);
