@@ -184,11 +184,10 @@ class Stage:
         shutil.rmtree(home.parent)
         return calls
 
-    def find_exchanges(self, name, refused):
-        """@return before and behind which calls directories change places by renamings"""
-        calls = enumerate(self.find_calls(name, "alone", "write", "--refuse", refused), 1)
-        steps = {at for at, call in calls if re.search(r" rename .*/\.incoming(\.old)?( ->|$)", call)}
-        return sorted(steps | {at + 1 for at in steps})
+    def find_exchanges(self, name, *options):
+        """@return at which of the program's calls directories change places"""
+        calls = enumerate(self.find_calls(name, "alone", "write", *options), 1)
+        return [at for at, call in calls if re.search(r" rename(at2)? .*/\.incoming(\.old)?( ->|$)", call)]
 
     def run_point(self, point):
         """@return the call that the fault came into (none where the run ended before), and what was found, by kind"""
@@ -219,12 +218,16 @@ class Stage:
         lacking = [*found.describe_difference(new, old)]
         if result.returncode == 0:
             yield from ((early, text) for text in lacking)
-        elif point.kind in (*ERRORS, NO_FAULT) and not any(word in result.stderr.lower() for word in ("error", "critical warning")):
+        elif point.kind in (*ERRORS, NO_FAULT) and not any(
+            word in result.stderr.lower() for word in ("error", "critical warning")
+        ):
             yield bad, f"exit {result.returncode} without a word: {result.stderr[-300:]!r}"
         if result.returncode > 130 and point.kind not in ("kill", "kill-all"):
             yield bad, f"exit {result.returncode}"
         goes_on, told = DISKS.get(point.refused, (True, ""))
-        if point.kind == NO_FAULT and ((result.returncode == 0) != goes_on or (told and result.stderr.count(told) != 1)):
+        if point.kind == NO_FAULT and (
+            (result.returncode == 0) != goes_on or (told and result.stderr.count(told) != 1)
+        ):
             yield bad, f"exit {result.returncode}: {result.stderr!r}"
 
         saved = home.with_name("saved")
