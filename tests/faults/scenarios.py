@@ -45,14 +45,14 @@ SCENARIOS = (
 )
 
 
-# What disks refuse: whether commands do without, and what they say of it, once.
+# What disks refuse: whether commands do without, what they say of it, once, and what the doctor says.
 DISKS = {
-    "flock=ENOLCK": (True, "WARNING: [17-2240]"),
-    "flock=ENOSYS": (True, "WARNING: [17-2240]"),
-    "fsync=EINVAL": (True, ""),
-    "fsync=ENOSYS": (True, ""),
-    "fsync=EIO": (False, ""),
-    "renameat2=EINVAL": (True, ""),
+    "flock=ENOLCK": (True, "WARNING: [17-2240]", "no lock can be had"),
+    "flock=ENOSYS": (True, "WARNING: [17-2240]", "no lock can be had"),
+    "fsync=EINVAL": (True, "", "cannot be told to keep"),
+    "fsync=ENOSYS": (True, "", "cannot be told to keep"),
+    "fsync=EIO": (False, "", ""),
+    "renameat2=EINVAL": (True, "", "0 with a warning"),
 }
 
 
@@ -224,11 +224,8 @@ class Stage:
             yield bad, f"exit {result.returncode} without a word: {result.stderr[-300:]!r}"
         if result.returncode > 130 and point.kind not in ("kill", "kill-all"):
             yield bad, f"exit {result.returncode}"
-        goes_on, told = DISKS.get(point.refused, (True, ""))
-        if point.kind == NO_FAULT and (
-            (result.returncode == 0) != goes_on or (told and result.stderr.count(told) != 1)
-        ):
-            yield bad, f"exit {result.returncode}: {result.stderr!r}"
+        if point.kind == NO_FAULT and point.refused in DISKS:
+            yield from ((bad, text) for text in self.judge_refusal(point.refused, home, result))
 
         saved = home.with_name("saved")
         shutil.copytree(home, saved, symlinks=True)
@@ -260,6 +257,12 @@ class Stage:
         if lacking:  # so it had something to do, and has used the working copies
             for text in (*again.find_leftovers(new, old), *(f"{path} is left over" for path in again.garbage)):
                 yield leftovers, f"{fault}, after the same again: {text}"
+
+    def judge_refusal(self, refused, home, result):
+        goes_on, told, seen = DISKS[refused]
+        asked = run(STEPPER, "--refuse", refused, "--", PLAZ, "doctor", env=self.env(home), cwd=home.parent).stdout
+        if (result.returncode == 0) != goes_on or (told and result.stderr.count(told) != 1) or seen not in asked:
+            yield f"exit {result.returncode}: {result.stderr!r}; the doctor says {asked!r}"
 
     def run_plaz(self, home, command):
         """@return exit status, error and list of items"""
