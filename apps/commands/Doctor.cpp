@@ -97,6 +97,7 @@ std::vector<Finding> Doctor::examine(const std::vector<HSCPlazQStore*>& stores) 
     }
     round.make("switches", doctor::checkSwitches);
     round.make("directories", [&] { return doctor::checkDirectories(paths, pathsOf(m_hub, stores)); });
+    round.make("disk", [&] { return doctor::checkDisk(find(paths, "user area")); });
     round.makeOne("hub: metadata", doctor::checkHubMetadata);
     round.makeOne("hub: configuration", doctor::checkConfiguration);
     for (HSCPlazQStore* store : stores) examineStore(round, *store, trial ? trial->getDir() : "", m_status);

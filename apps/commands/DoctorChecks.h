@@ -50,6 +50,8 @@ std::vector<Finding> checkSwitches();
 /// obstacle keeps from being written the first is told.
 std::vector<Finding> checkDirectories(const std::vector<HSCPlazPathsInForce::Path>& hub,
                                       const std::vector<HSCPlazPathsInForce::StorePaths>& stores);
+/// What the disk of the user area refuses to do for the hub; no finding before anything has been done there.
+std::vector<Finding> checkDisk(const HSCPlazPathsInForce::Path& userArea);
 /// What is wrong with a metadata file; empty for nothing. That its schema is not there is not the file's fault.
 std::string findDamage(const std::string& file);
 /// The hub's metadata in force: shipped or refreshed.

@@ -5,6 +5,7 @@
 #include "plaz/HSCPlazInspection.h"
 #include "plaz/model/reader/HSCPlazFileCheck.h"
 #include "support/HUTFile.h"
+#include "support/HUTFileLock.h"
 
 #include <boost/filesystem/path.hpp>
 
@@ -100,6 +101,22 @@ std::vector<Finding> doctor::checkDirectories(const std::vector<Path>& hub, cons
     for (const Path& path : hub) look("", path);
     for (const StorePaths& store : stores)
         for (const Path& path : store.paths) look("store " + store.store + ": ", path);
+    return findings;
+}
+
+std::vector<Finding> doctor::checkDisk(const Path& userArea) {
+    if (!userArea.exists) return {};
+    const std::string file = HSCPlazInspection::getLockFile(), subject = "user area: disk";
+    if (!HUTFile::isWriteable(file)) return {}; // that is told of its directory
+    std::vector<Finding> findings;
+    if (HUTFileLock(file).tryLock() == HUTFileLock::Result::unavailable)
+        findings.push_back(warning(subject, "no lock can be had on " + file,
+                                   "Let one program after the other work on the hub, or have locks enabled where that "
+                                   "network drive is mounted."));
+    if (!HUTFile::canFlush(file))
+        findings.push_back(warning(subject, "it cannot be told to keep what is written to " + file,
+                                   "After a power failure give the last commands again, or choose another place."));
+    if (findings.empty()) findings.push_back(ok(subject, "knows locks, and keeps what it is told to keep"));
     return findings;
 }
 

@@ -264,6 +264,10 @@ bool HUTFile::flush(const std::string& path) {
     return platform::flush(path);
 }
 
+bool HUTFile::canFlush(const std::string& path) {
+    return platform::canFlush(path);
+}
+
 bool HUTFile::replaceDirectory(const std::string& fresh, const std::string& dest) {
     if (!exchangeDirectories(fresh, dest)) return false;
     rmRecursive(fresh);

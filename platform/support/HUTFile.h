@@ -32,7 +32,8 @@ public:
 
     /// A text that changes whenever the file is written or replaced; empty when there is no such file.
     static std::string getStamp(const std::string& path);
-    /// A text that stays with a file or directory, whatever its name becomes; empty when there is none.
+    /// A text that stays with a file or directory, whatever its name becomes and on whichever machine its disk is
+    /// seen, and that nothing else on that disk has; empty when there is none.
     static std::string getIdentity(const std::string& path);
 
     /// Bytes that this user may still write on the disk of a file or directory; empty where that is unknown.
@@ -94,6 +95,9 @@ public:
     /// Waits until a file, or a directory with all that it holds, is on the disk itself, so that it outlives a power
     /// failure. What the file system does not keep there counts as done. @return false when the disk reports an error
     static bool flush(const std::string& path);
+    /// Whether the disk of a file or directory that may be written can be told to keep what was written. Where it
+    /// cannot, all of this goes on without.
+    static bool canFlush(const std::string& path);
 
     /// Puts the finished directory @p fresh in the place of @p dest (which may be absent) in one step where the system
     /// can. @return false with @p dest as it was; on success nothing is left at @p fresh, except what of the old

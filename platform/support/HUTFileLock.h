@@ -25,6 +25,7 @@ public:
 
     /// Takes the lock if it is free, or ours already; never waits. The file then holds this process's number.
     Result tryLock();
+    bool isHeld() const { return m_isHeld; }
     /// The number of the process that took the lock last, as the file has it; 0 where it has none.
     int getHolder() const;
 

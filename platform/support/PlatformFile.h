@@ -75,6 +75,8 @@ std::string getIdentity(const std::string& path);
 
 /// As HUTFile::flush says.
 bool flush(const std::string& path);
+/// As HUTFile::canFlush says.
+bool canFlush(const std::string& path);
 /// The same of the names alone that stand in a directory.
 bool flushNames(const std::string& dir);
 

@@ -2,6 +2,7 @@
 
 import functools
 import json
+import re
 import shutil
 import subprocess
 import threading
@@ -12,6 +13,7 @@ from support.hubtest import BUILD, PLAZ, PRODUCT_DATA, commit, edit, make_env, m
 
 STEPPER = BUILD / "bin/stepper"
 ERRORS = ("ENOSPC", "EIO", "EACCES", "EROFS", "EMFILE")
+NO_FAULT = "nothing"
 KINDS = ("kill", "kill-all", "interrupt", *ERRORS)
 ALREADY_GONE = "is not installed"
 FINDINGS = ("neither old nor new", "leftovers", "not completed", "exit 0 too early", "bad end")
@@ -43,14 +45,27 @@ SCENARIOS = (
 )
 
 
+# What disks refuse: whether commands do without, what they say of it, once, and what the doctor says.
+DISKS = {
+    "flock=ENOLCK": (True, "WARNING: [17-2240]", "no lock can be had"),
+    "flock=ENOSYS": (True, "WARNING: [17-2240]", "no lock can be had"),
+    "fsync=EINVAL": (True, "", "cannot be told to keep"),
+    "fsync=ENOSYS": (True, "", "cannot be told to keep"),
+    "fsync=EIO": (False, "", ""),
+    "renameat2=EINVAL": (True, "", "0 with a warning"),
+}
+
+
 class Point(NamedTuple):
     scenario: str
     kind: str
     scope: str  # whose calls are counted: "alone" or "children"
     at: int
+    refused: str = ""  # by the disk, whatever else happens
 
     def __str__(self):
-        return f"--scenario {self.scenario} --do {self.kind} --{self.scope} --at {self.at}"
+        refused = f" --refuse {self.refused}" * bool(self.refused)
+        return f"--scenario {self.scenario} --do {self.kind} --{self.scope} --at {self.at}{refused}"
 
 
 def publish(repositories, env):
@@ -112,6 +127,7 @@ class Stage:
 
     def __init__(self, directory, scenarios):
         self.dir = directory
+        directory.mkdir(exist_ok=True)
         self.hub = make_hub(directory / "hub")
         self.origin = Origin(self.hub / "repos")
         self.scenarios = {scenario.name: scenario for scenario in scenarios}
@@ -160,13 +176,18 @@ class Stage:
         return run(STEPPER, *options, env=self.env(home), cwd=home.parent), report.read_text().splitlines()
 
     @functools.cache
-    def count(self, name, scope, kind):
-        """@return how many points a scenario has"""
+    def find_calls(self, name, scope, kind, *options):
+        """@return what is called at each point that a scenario has"""
         home = self.dir / "count" / "home"
         copy_home(self.dir / name, home)
-        count = len(self.step(name, home, f"--{scope}", "--kind", kind)[1])
+        calls = self.step(name, home, f"--{scope}", "--kind", kind, *options)[1]
         shutil.rmtree(home.parent)
-        return count
+        return calls
+
+    def find_exchanges(self, name, *options):
+        """@return at which of the program's calls directories change places"""
+        calls = enumerate(self.find_calls(name, "alone", "write", *options), 1)
+        return [at for at, call in calls if re.search(r" rename(at2)? .*/\.incoming(\.old)?( ->|$)", call)]
 
     def run_point(self, point):
         """@return the call that the fault came into (none where the run ended before), and what was found, by kind"""
@@ -174,9 +195,8 @@ class Stage:
         shutil.rmtree(slot, ignore_errors=True)
         home = slot / "home"
         copy_home(self.dir / point.scenario, home)
-        options = (f"--{point.scope}", "--kind", get_counted(point.kind), "--at", str(point.at), "--do", point.kind)
         try:
-            result, calls = self.step(point.scenario, home, *options)
+            result, calls = self.bring_in(point, home)
             if len(calls) < point.at:
                 return None, []
             return calls[-1].replace(str(home), "@"), [*self.judge(point, home, result)]
@@ -184,6 +204,11 @@ class Stage:
             return "?", [("bad end", repr(failure))]
         finally:
             shutil.rmtree(slot)
+
+    def bring_in(self, point, home):
+        options = [f"--{point.scope}", "--kind", get_counted(point.kind), "--at", str(point.at)]
+        options += ["--do", point.kind] * (point.kind != NO_FAULT) + ["--refuse", point.refused] * bool(point.refused)
+        return self.step(point.scenario, home, *options)
 
     def judge(self, point, home, result):
         scenario, (old, old_next, new, new_next) = self.scenarios[point.scenario], self.ends[point.scenario]
@@ -193,10 +218,14 @@ class Stage:
         lacking = [*found.describe_difference(new, old)]
         if result.returncode == 0:
             yield from ((early, text) for text in lacking)
-        elif point.kind in ERRORS and not any(word in result.stderr.lower() for word in ("error", "critical warning")):
+        elif point.kind in (*ERRORS, NO_FAULT) and not any(
+            word in result.stderr.lower() for word in ("error", "critical warning")
+        ):
             yield bad, f"exit {result.returncode} without a word: {result.stderr[-300:]!r}"
         if result.returncode > 130 and point.kind not in ("kill", "kill-all"):
             yield bad, f"exit {result.returncode}"
+        if point.kind == NO_FAULT and point.refused in DISKS:
+            yield from ((bad, text) for text in self.judge_refusal(point.refused, home, result))
 
         saved = home.with_name("saved")
         shutil.copytree(home, saved, symlinks=True)
@@ -228,6 +257,12 @@ class Stage:
         if lacking:  # so it had something to do, and has used the working copies
             for text in (*again.find_leftovers(new, old), *(f"{path} is left over" for path in again.garbage)):
                 yield leftovers, f"{fault}, after the same again: {text}"
+
+    def judge_refusal(self, refused, home, result):
+        goes_on, told, seen = DISKS[refused]
+        asked = run(STEPPER, "--refuse", refused, "--", PLAZ, "doctor", env=self.env(home), cwd=home.parent).stdout
+        if (result.returncode == 0) != goes_on or (told and result.stderr.count(told) != 1) or seen not in asked:
+            yield f"exit {result.returncode}: {result.stderr!r}; the doctor says {asked!r}"
 
     def run_plaz(self, home, command):
         """@return exit status, error and list of items"""

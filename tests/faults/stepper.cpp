@@ -1,6 +1,7 @@
 // Runs a program and brings in one fault, just before the N-th call by which it or a child would change a file.
 //
-//   stepper [--count] [--at N] [--do FAULT] [--kind write|open] [--children|--alone] [--report FILE] -- PROGRAM ARG...
+//   stepper [--count] [--at N] [--do FAULT] [--kind write|open] [--children|--alone] [--refuse CALL=ERROR]
+//           [--report FILE] -- PROGRAM ARG...
 //
 //   --count      print how many such calls there were, when all have ended
 //   --at N       where the fault comes in, counted from 1
@@ -10,6 +11,8 @@
 //                ENOSPC, EIO, EACCES, EMFILE, EROFS  the call fails with that error
 //   --kind open  count each opening of a file or directory instead, also for reading
 //   --children   count the calls of all processes (default); --alone: those of the program itself
+//   --refuse C=E beside the fault, every call C (flock, fsync, renameat2) of all processes fails with the error E, such
+//                as ENOSYS; with "pretend" for E it does nothing and succeeds. It does not count then
 //   --report F   a line for each call that was counted, up to the fault's; so N lines say that it came in
 //
 // Calls on pipes, sockets, devices and /proc do not count, nor do those that change nothing because what they name is
@@ -82,6 +85,7 @@ constexpr std::array calls{
     Call{SYS_ftruncate, "ftruncate", Works::descriptor, 0, none},
     Call{SYS_fallocate, "fallocate", Works::descriptor, 0, none},
     Call{SYS_fsync, "fsync", Works::descriptor, 0, none},
+    Call{SYS_syncfs, "syncfs", Works::descriptor, 0, none},
     Call{SYS_fdatasync, "fdatasync", Works::descriptor, 0, none},
     Call{SYS_fchmod, "fchmod", Works::descriptor, 0, none},
     Call{SYS_truncate, "truncate", Works::onOld, none, 0},
@@ -106,19 +110,33 @@ constexpr std::array calls{
 const std::map<std::string, int> errors{
     {"ENOSPC", ENOSPC}, {"EIO", EIO}, {"EACCES", EACCES}, {"EMFILE", EMFILE}, {"EROFS", EROFS}};
 
+/// What there are disks without, and how these say so.
+const std::map<std::string, unsigned> refusable{
+    {"flock", SYS_flock}, {"fsync", SYS_fsync}, {"renameat2", SYS_renameat2}};
+const std::map<std::string, unsigned> refusals{{"ENOSYS", ENOSYS}, {"EINVAL", EINVAL}, {"ENOTSUP", ENOTSUP},
+                                               {"ENOLCK", ENOLCK}, {"EIO", EIO},       {"pretend", 0}};
+
 const std::set<std::string> ends{"kill", "kill-all", "interrupt"};
 
 struct Options {
     bool prints, withChildren, openings;
     long at;
     std::string fault, report;
+    std::vector<sock_filter> refusal; ///< empty where nothing is refused
     char** command;
 };
+
+std::vector<sock_filter> toFilter(const std::string& refused) {
+    if (refused.empty()) return {};
+    const std::size_t middle = refused.find('=');
+    const unsigned call = refusable.at(refused.substr(0, middle)), error = refusals.at(refused.substr(middle + 1));
+    return {BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, call, 0, 1), BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | error)};
+}
 
 Options readOptions(char** args) {
     const std::set<std::string> flags{"--count", "--children", "--alone"};
     std::map<std::string, std::string> values{
-        {"--at", "0"}, {"--do", "kill"}, {"--kind", "write"}, {"--report", "/dev/null"}};
+        {"--at", "0"}, {"--do", "kill"}, {"--kind", "write"}, {"--refuse", ""}, {"--report", "/dev/null"}};
     while (*++args != nullptr && std::string(*args) != "--") {
         const std::string option = *args;
         if (values.count(option) + flags.count(option) == 0) throw std::invalid_argument("no such option: " + option);
@@ -134,6 +152,7 @@ Options readOptions(char** args) {
             std::stol(values["--at"]),
             fault,
             values["--report"],
+            toFilter(values["--refuse"]),
             args + 1};
 }
 
@@ -217,8 +236,9 @@ bool counts(const Held& held, const Call& call, const File& file, bool countsOpe
 }
 
 /// Lets nothing but the calls of the table stop the process, whoever it starts included.
-void filterCalls() {
+void filterCalls(const std::vector<sock_filter>& refusal) {
     std::vector<sock_filter> filter{BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr))};
+    filter.insert(filter.end(), refusal.begin(), refusal.end());
     for (const Call& call : calls) {
         filter.push_back(BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, static_cast<std::uint32_t>(call.number), 0, 1));
         filter.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_TRACE));
@@ -257,7 +277,7 @@ private:
             char go = 0;
             setpgid(0, 0); // Ctrl-C is for it alone
             if (read(gate[0], &go, 1) != 1) _exit(126);
-            filterCalls();
+            filterCalls(options.refusal);
             execvp(*options.command, options.command);
             _exit(127);
         }

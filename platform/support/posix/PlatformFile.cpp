@@ -132,9 +132,21 @@ void startWriting(const std::string& name) {
 }
 
 // There are disks that keep nothing, or cannot be told to.
+bool isRefusalToFlush(int error) {
+    return error == EINVAL || error == EROFS || error == ENOTSUP || error == ENOSYS;
+}
+
+bool flushFile(const Descriptor& fd) {
+    return fd && (fsync(fd.get()) == 0 || isRefusalToFlush(errno));
+}
+
 bool waitForDisk(const std::string& name) {
+    return flushFile(Descriptor(open(name.c_str(), readFlags | O_NOFOLLOW)));
+}
+
+bool waitForWholeDisk(const std::string& name) {
     const Descriptor fd(open(name.c_str(), readFlags | O_NOFOLLOW));
-    return fd && (fsync(fd.get()) == 0 || errno == EINVAL || errno == EROFS || errno == ENOTSUP);
+    return fd && syncfs(fd.get()) == 0;
 }
 
 std::string directoryOf(const std::string& file) {
@@ -252,20 +264,23 @@ std::string readStart(const std::string& file, std::size_t size) {
     return start;
 }
 
+// What a network file system remembers of a name may be a minute old; it asks the server again for one that is opened.
 std::string getStamp(const std::string& path) {
+    const Descriptor fd(open(path.c_str(), readFlags));
     struct stat status {};
-    if (::stat(path.c_str(), &status) != 0) return {};
+    if ((fd ? fstat(fd.get(), &status) : ::stat(path.c_str(), &status)) != 0) return {};
     return std::to_string(status.st_ino) + ':' + std::to_string(status.st_size) + ':' +
            std::to_string(status.st_mtim.tv_sec) + '.' + std::to_string(status.st_mtim.tv_nsec);
 }
 
+// The number of the device is none of the disk's own: it is another one after the next mount, and on another machine.
 std::string getIdentity(const std::string& path) {
     struct stat status {};
-    if (::lstat(path.c_str(), &status) != 0) return {};
-    return std::to_string(status.st_dev) + ':' + std::to_string(status.st_ino);
+    return ::lstat(path.c_str(), &status) == 0 ? std::to_string(status.st_ino) : std::string();
 }
 
-// All files are on their way to the disk before any is waited for.
+// All files are on their way to the disk before any is waited for. Of a thousand small ones each would be waited for
+// about as long as for the whole disk.
 bool flush(const std::string& path) {
     namespace fs = std::filesystem;
     std::error_code error;
@@ -275,7 +290,13 @@ bool flush(const std::string& path) {
             if (!entry->is_symlink()) names.push_back(entry->path().string());
     if (error) return false;
     std::for_each(names.begin(), names.end(), startWriting);
-    return std::all_of(names.rbegin(), names.rend(), waitForDisk);
+    constexpr std::size_t many = 20;
+    return (names.size() > many && waitForWholeDisk(path)) || std::all_of(names.rbegin(), names.rend(), waitForDisk);
+}
+
+bool canFlush(const std::string& path) {
+    const Descriptor fd(open(path.c_str(), readFlags | O_NOFOLLOW));
+    return !fd || fsync(fd.get()) == 0 || !isRefusalToFlush(errno);
 }
 
 bool flushNames(const std::string& dir) {
@@ -343,7 +364,7 @@ bool writeAtomically(const std::string& file, const std::string& content, bool o
     if (!fd) return false;
     struct stat old {};
     if (!ownerOnly && stat(file.c_str(), &old) == 0 && fchmod(fd.get(), old.st_mode & 07777) != 0) return false;
-    if (!writeAll(fd.get(), content) || fsync(fd.get()) != 0 || !fd.close() || !temporary.renameTo(file)) return false;
+    if (!writeAll(fd.get(), content) || !flushFile(fd) || !fd.close() || !temporary.renameTo(file)) return false;
     flushNames(dir); // they are in force already; a directory that cannot be flushed does not undo it
     return true;
 }

@@ -47,6 +47,15 @@ Status statusOfError(DWORD error) {
     }
 }
 
+// There are disks that cannot be told to keep what was written.
+bool isRefusalToFlush(DWORD error) {
+    return error == ERROR_INVALID_FUNCTION || error == ERROR_NOT_SUPPORTED;
+}
+
+bool flushFile(const Handle& file) {
+    return file && (FlushFileBuffers(file.get()) || isRefusalToFlush(GetLastError()));
+}
+
 bool isRegularFile(const Handle& file) {
     BY_HANDLE_FILE_INFORMATION info{};
     return GetFileType(file.get()) == FILE_TYPE_DISK && GetFileInformationByHandle(file.get(), &info) &&
@@ -342,12 +351,17 @@ std::string getIdentity(const std::string& path) {
            std::to_string(std::uint64_t{info.nFileIndexHigh} << 32 | info.nFileIndexLow);
 }
 
+bool canFlush(const std::string& path) {
+    const Handle file = open(toLongName(path), GENERIC_WRITE);
+    return !file || FlushFileBuffers(file.get()) || !isRefusalToFlush(GetLastError());
+}
+
 bool flush(const std::string& path) {
     const std::wstring name = toLongName(path);
     if (!isDirectory(name)) {
         const bool wasReadOnly = makeWriteable(name);
         const Handle file = open(name, GENERIC_WRITE);
-        const bool isFlushed = file && FlushFileBuffers(file.get());
+        const bool isFlushed = flushFile(file);
         if (wasReadOnly) SetFileAttributesW(name.c_str(), GetFileAttributesW(name.c_str()) | FILE_ATTRIBUTE_READONLY);
         return isFlushed;
     }
@@ -412,8 +426,7 @@ bool writeAtomically(const std::string& file, const std::string& content, bool o
     if (holdsNull(file)) return false;
     const std::wstring name = toLongName(file);
     TemporaryFile temporary(name, ownerOnly);
-    return temporary.file && writeAll(temporary.file, content) && FlushFileBuffers(temporary.file.get()) &&
-           temporary.renameTo(name);
+    return temporary.file && writeAll(temporary.file, content) && flushFile(temporary.file) && temporary.renameTo(name);
 }
 
 bool exchange(const std::string& /*a*/, const std::string& /*b*/) {

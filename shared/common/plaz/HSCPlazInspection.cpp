@@ -118,6 +118,10 @@ std::string HSCPlazInspection::getShippedHubMetadataFile() {
     return workspace().paths.getHubMetadataFile();
 }
 
+std::string HSCPlazInspection::getLockFile() {
+    return workspace().paths.getLockFile();
+}
+
 std::string HSCPlazInspection::getConfigFile() {
     return workspace().paths.getConfigFile();
 }

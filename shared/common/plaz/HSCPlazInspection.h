@@ -69,6 +69,8 @@ PLAZ_API bool isForeign(const HSCPlazQStoreModel& store);
 /// A user id or token is set for the store.
 PLAZ_API bool hasCredentials(const HSCPlazQStoreModel& store);
 
+/// In the user area, which is made where it is not there.
+PLAZ_API std::string getLockFile();
 /// The hub's metadata as the last refresh has brought it. Need not exist.
 PLAZ_API std::string getRefreshedHubMetadataFile();
 /// As it is shipped.

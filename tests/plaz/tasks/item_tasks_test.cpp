@@ -1,5 +1,6 @@
 #include "plaz/hub_fixture.h"
 #include "plaz/store/HSCPlazChangeNote.h"
+#include "plaz/tasks/HSCPlazItemChanges.h"
 
 #include <functional>
 #include <random>
@@ -238,7 +239,12 @@ TEST_F(ItemTasksTest, ChangeCutShortIsUndoneOrFinished) {
         HUTFile::copyToRecursive(dir, incoming, HUTFile::copyOver);
         ASSERT_TRUE(note.write({"tcl", after, true, HUTFile::getIdentity(incoming), {}, ""}));
     };
+    const std::string lock = files.area("plaz.lock");
     begin();
+    ASSERT_TRUE(HUTFile::rmRecursive(lock) && HUTFile::mkDirRecursive(lock)); // where no lock can be had
+    HSCPlazItemChanges::finishAtStart(HSCPlazMgr::getInstance().getWorkspace());
+    EXPECT_TRUE(note.exists() && HUTFile::exists(incoming)) << "another process may be at work";
+    HUTFile::rmRecursive(lock);
     walk({{"+b", " 17-2226 17-1572", "b@1 user 0;a@1 user 0;"}});
     begin();
     HUTFile::rename(dir, HUTFile::getAside(incoming)); // where directories change places by renamings

@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <optional>
+#include <set>
 #include <thread>
 
 namespace {
@@ -15,6 +16,11 @@ HSCPlazReport describeWait(const HUTFileLock& lock, int seconds) {
     const int holder = lock.getHolder();
     return {Msg::waitsForHub, MsgSeverity::warning,
             holder > 0 ? "process " + std::to_string(holder) : "process unknown", std::to_string(seconds)};
+}
+
+void tellOnce(const std::string& unlocked, const HSCPlazHubLock::Waiter& waiter) {
+    static std::set<std::string> told;
+    if (waiter.tell && told.insert(unlocked).second) waiter.tell({Msg::hubUnlocked, MsgSeverity::warning, unlocked});
 }
 
 } // namespace
@@ -26,7 +32,7 @@ HSCPlazHubLock::Taken HSCPlazHubLock::take(const std::string& file, const Waiter
     const int seconds = HPAParamMgr::getParamMgr().getValueAsInt("plaz.lockTimeout");
     const auto giveUp = Clock::now() + std::chrono::seconds(seconds);
     std::optional<Clock::time_point> speak;
-    if (seconds > 1) speak = Clock::now() + std::chrono::seconds(1);
+    if (seconds > 1 && waiter.tell) speak = Clock::now() + std::chrono::seconds(1);
     auto lock = std::make_shared<HUTFileLock>(file);
     while (lock->tryLock() == HUTFileLock::Result::busy) {
         if (waiter.isCancelled()) return {nullptr, false};
@@ -37,6 +43,7 @@ HSCPlazHubLock::Taken HSCPlazHubLock::take(const std::string& file, const Waiter
         if (Clock::now() > giveUp) return {nullptr, true};
         HUTWait::wait([] { std::this_thread::sleep_for(HUTWait::slice); });
     }
+    if (!lock->isHeld()) tellOnce(file, waiter);
     held = lock;
     return {lock, false};
 }

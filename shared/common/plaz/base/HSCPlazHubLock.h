@@ -13,14 +13,16 @@ namespace HSCPlazHubLock {
 
 /// What came of asking for it.
 struct Taken {
-    std::shared_ptr<HUTFileLock> lock; ///< held as long as anybody has this; null when it was not to be had
+    std::shared_ptr<HUTFileLock> lock; ///< held, where there are locks, as long as anybody has this; or null
     bool isBusy = false;               ///< another process did not come to an end; otherwise the work was cancelled
 };
 
 /// What whoever waits for the lock has to say and to ask.
 struct Waiter {
     std::function<bool()> isCancelled;
-    std::function<void(const HSCPlazReport&)> tell; ///< once, where the wait is longer than a second: Msg::waitsForHub
+    /// Where the wait is longer than a second: Msg::waitsForHub; and once in a process, where no lock can be had:
+    /// Msg::hubUnlocked. May be null.
+    std::function<void(const HSCPlazReport&)> tell;
 };
 
 /// Takes the lock of that file, or shares the one that this process holds already. Waits for another process, but not

@@ -16,7 +16,8 @@ struct HSCPlazPendingChange {
     std::string identity;
     /// Of a catalog, relative to the store's area. They lie in its incoming directory, by their number.
     std::vector<std::string> files;
-    /// Where a store is about to move to; nothing of the move counts until the place is recorded.
+    /// The area that a store is about to move to, or in which the descriptions of its catalog are about to be replaced.
+    /// Nothing of a move counts until the place is recorded.
     std::string place;
 };
 

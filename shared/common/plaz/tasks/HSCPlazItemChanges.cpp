@@ -52,7 +52,9 @@ std::shared_ptr<HSCPlazQItemModel> toRecord(const HSCPlazQItemModel& item) {
 
 /// Back to where they were. @param incoming  what was put in its place came from there
 bool undo(const std::string& incoming, const std::string& dir) {
-    return HUTFile::exists(incoming) ? HUTFile::exchangeDirectories(incoming, dir) : HUTFile::rename(dir, incoming);
+    if (HUTFile::exists(incoming)) return HUTFile::exchangeDirectories(incoming, dir);
+    const std::string aside = HUTFile::getAside(incoming); // where the last of three renamings has failed
+    return HUTFile::rename(dir, incoming) && (!HUTFile::exists(aside) || HUTFile::rename(aside, dir));
 }
 
 /// A directory of an item, whatever a note says.
@@ -93,6 +95,21 @@ void removeLeftovers(const HSCPlazStoreLayout& layout) {
 void removeStaleTrees(const HSCPlazTask& task) {
     for (const HSCPlazQStore* store : task.getHub().getStores())
         if (store->isProductSpecific()) HSCPlazInstalledTrees::removeStale(task.getWorkspace(), *store);
+}
+
+/// Puts the descriptions of a store's catalog back where the process ended between two renamings, one of which had
+/// taken them aside.
+void takeBackCatalog(const HSCPlazStoreLayout& layout) {
+    const std::string aside = HUTFile::getAside(layout.getIncoming());
+    if (!HUTFile::exists(layout.getCatalogDir()) && HUTFile::exists(aside))
+        HUTFile::exchangeDirectories(aside, layout.getCatalogDir());
+}
+
+/// Items that were out of their places when the hub was read.
+void describeReturned(HSCPlazTask& task, HSCPlazQStore& store) {
+    for (HSCPlazQItem* item : store.getItems())
+        if (item->IsInstalled() && !item->getModel()->isDescribedByItself()) Files::describe(task, {&store, item});
+    HSCPlazHolds::apply(task.getHub());
 }
 
 /// What interrupted tasks have left.
@@ -305,12 +322,17 @@ void HSCPlazItemChanges::finishInterrupted() {
     if (!m_note.exists()) return;
     const HSCPlazPendingChange change = m_note.read();
     HSCPlazQStore* store = m_task.getHub().getStore(change.store);
-    if (!change.place.empty()) return removeLeftovers(HSCPlazStoreLayout(change.place, change.place));
+    if (!change.place.empty()) {
+        const HSCPlazStoreLayout layout(change.place, change.place);
+        takeBackCatalog(layout);
+        return removeLeftovers(layout);
+    }
     if (store && !change.files.empty()) return finishFiles(change, *store);
     if (!change.item || !store || !isInside(m_task, *store, change.item->getLocalDir())) return;
     const std::string name = change.item->getName();
     if (!bringIntoPlace(change, incomingOf(m_task, *store))) {
         m_task.tell(Msg::changeUndone, MsgSeverity::warning, name);
+        describeReturned(m_task, *store);
         return;
     }
     const HSCPlazFoundItem known{store, store->getItem(name, change.item->getRevision())};

@@ -41,7 +41,7 @@ bool takeCatalogAlong(HSCPlazTask& task, const HSCPlazQStoreModel& store, const 
     const HSCPlazGitRemoved incoming(place.getIncoming());
     if (HUTFile::exists(old.getCatalogDir()) &&
         !(HUTFile::rmRecursive(incoming.getName()) && copyWithoutRepository(old.getCatalogDir(), incoming.getName()) &&
-          HUTFile::replaceDirectory(incoming.getName(), place.getCatalogDir())))
+          HUTFile::flush(incoming.getName()) && HUTFile::replaceDirectory(incoming.getName(), place.getCatalogDir())))
         return task.fail(Msg::dirNotWritable, place.getCatalogDir());
     const std::string obstacle = HSCPlazFetchedFiles::take(old.getArea(), place.getArea(), files);
     if (!obstacle.empty()) return task.fail(Msg::dirNotWritable, obstacle);

@@ -9,6 +9,7 @@
 #include "plaz/model/repo/git/HSCPlazGitCatalog.h"
 #include "plaz/model/repo/git/HSCPlazGitHead.h"
 #include "plaz/model/repo/git/HSCPlazGitRemoved.h"
+#include "plaz/store/HSCPlazChangeNote.h"
 #include "plaz/store/HSCPlazHubBuilder.h"
 #include "plaz/store/HSCPlazPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
@@ -58,8 +59,8 @@ bool isDescribed(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item)
 class Descriptions {
 public:
     Descriptions(HSCPlazTask& task, const HSCPlazQStoreModel& store, const HSCPlazStoreLayout& layout)
-        : m_task(task), m_store(store), m_catalogDir(layout.getCatalogDir()), m_fresh(layout.getIncoming()),
-          m_fetched(layout.getStaging()) {}
+        : m_task(task), m_store(store), m_area(layout.getArea()), m_catalogDir(layout.getCatalogDir()),
+          m_fresh(layout.getIncoming()), m_fetched(layout.getStaging()) {}
 
     bool takeAll() {
         const HSCPlazGitRemoved fresh(m_fresh);
@@ -68,11 +69,20 @@ public:
             return m_task.fail(Msg::dirNotWritable, m_fresh);
         for (const auto& item : m_store.getItems())
             if (isDescribed(m_store, *item) && !take(*item)) return false;
-        return !HUTFile::exists(m_fresh) || HUTFile::replaceDirectory(m_fresh, m_catalogDir) ||
-               m_task.fail(Msg::dirNotWritable, m_catalogDir);
+        return !HUTFile::exists(m_fresh) || putInForce();
     }
 
 private:
+    /// Where directories cannot change places in one step, whoever ends in between leaves a note.
+    bool putInForce() {
+        const HSCPlazChangeNote note(m_task.getWorkspace().paths.getChangeFile());
+        if (!HUTFile::flush(m_fresh)) return m_task.fail(Msg::dirNotWritable, m_fresh);
+        if (!note.write({m_store.getName(), nullptr, false, "", {}, m_area}))
+            return m_task.fail(Msg::databaseNotSaved, note.getFile());
+        const bool isReplaced = HUTFile::replaceDirectory(m_fresh, m_catalogDir);
+        return note.forget() && (isReplaced || m_task.fail(Msg::dirNotWritable, m_catalogDir));
+    }
+
     /// Puts one item's fetched metadata file, and its change log, where the new descriptions lie, and reads it.
     /// @return false when it cannot be written there
     bool take(HSCPlazQItemModel& item) {
@@ -101,6 +111,7 @@ private:
 
     HSCPlazTask& m_task;
     const HSCPlazQStoreModel& m_store;
+    const std::string m_area;
     const std::string m_catalogDir;
     const std::string m_fresh;
     const HIOStream::Root m_fetched;

@@ -6,6 +6,7 @@
 #include "plaz/store/HSCPlazInstalledState.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "support/HDGUIStatus.h"
+#include "support/HUTFileLock.h"
 #include "support/HUTFork.h"
 
 bool HSCPlazTask::isCancelled() const {
@@ -47,9 +48,8 @@ bool HSCPlazTask::run(const std::function<bool()>& work, const HSCPlazQStore* on
 }
 
 bool HSCPlazTask::runIfFree(const std::function<bool()>& work) {
-    const auto taken =
-        HSCPlazHubLock::take(m_workspace.paths.getLockFile(), {[] { return true; }, [](const HSCPlazReport&) {}});
-    return taken.lock && runLocked(work, nullptr);
+    const auto taken = HSCPlazHubLock::take(m_workspace.paths.getLockFile(), {[] { return true; }, nullptr});
+    return taken.lock && taken.lock->isHeld() && runLocked(work, nullptr);
 }
 
 bool HSCPlazTask::runLocked(const std::function<bool()>& work, const HSCPlazQStore* only) {

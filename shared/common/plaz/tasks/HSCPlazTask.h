@@ -63,7 +63,7 @@ public:
     /// @param only  the one store whose record the work may change; null where it may be that of any
     /// @throws HEXAll what the work throws, and when the hub has no area that exists
     bool run(const std::function<bool()>& work, const HSCPlazQStore* only = nullptr);
-    /// The same where the lock is free at once; else nothing is done, and nothing told.
+    /// The same where the lock is free at once; else, or where no lock can be had, nothing is done, and nothing told.
     bool runIfFree(const std::function<bool()>& work);
     /// Does something while this process holds the hub's lock; inside a task, which holds it already, at once.
     /// @return false without doing it when the lock is not to be had in time (Msg::hubBusy), or on cancellation

@@ -1,6 +1,7 @@
 #include "plaz/model/repo/git/HSCPlazGitEnv.h"
 
 #include "plaz/base/HSCPlazNames.h"
+#include "plaz/base/HSCPlazStoreLayout.h"
 #include "plaz/base/HSCPlazUrl.h"
 #include "plaz/model/repo/git/HSCPlazGitCredentials.h"
 #include "plaz/model/repo/git/HSCPlazGitParams.h"
@@ -96,14 +97,19 @@ void addSetting(HUTFork& git, std::size_t number, const std::string& key, const 
     git.setEnv("GIT_CONFIG_VALUE_" + std::to_string(number), value);
 }
 
-void addSettings(HUTFork& git, const std::string& command, const std::string& remoteUrl) {
+// The marker of a complete clone must not outlive what was fetched; a checkout is thrown away soon. Git gives up where
+// it cannot flush.
+bool hasToFlush(const std::string& command, const std::string& workDir) {
+    return command == "fetch" && HUTFile::canFlush(workDir + "/" + HSCPlazStoreLayout::gitDir + "/HEAD");
+}
+
+void addSettings(HUTFork& git, const std::string& command, const std::string& workDir, const std::string& remoteUrl) {
     std::size_t count = 0;
     for (const Setting& setting : settings) addSetting(git, count++, setting.key, setting.value);
     // The user's hooks and attributes are not ours.
     for (const char* key : {"core.hooksPath", "core.attributesFile"})
         addSetting(git, count++, key, HUTFile::getNullDevice());
-    // The marker of a complete clone must not outlive what was fetched; a checkout is thrown away soon.
-    addSetting(git, count++, "core.fsync", command == "fetch" ? "committed,reference" : "none");
+    addSetting(git, count++, "core.fsync", hasToFlush(command, workDir) ? "committed,reference" : "none");
     // A server that falls silent is given up by commands that run without a time limit, too.
     addSetting(git, count++, "http.lowSpeedLimit", "1");
     addSetting(git, count++, "http.lowSpeedTime", std::to_string(HSCPlazGitParams::getTimeOut()));
@@ -131,7 +137,7 @@ void HSCPlazGitEnv::apply(HUTFork& git, const std::string& command, const std::s
                           const std::string& remoteUrl) {
     dropInherited(git);
     forbidPrompts(git);
-    addSettings(git, command, remoteUrl);
+    addSettings(git, command, workDir, remoteUrl);
     // What is meant to be local must not fetch what a working copy lacks.
     git.setEnv("GIT_ALLOW_PROTOCOL", mayTransfer(command) ? "file:git:http:https:ssh" : "none");
     git.setEnv("LC_ALL", "C.UTF-8"); // error lines are recognised by their English words
