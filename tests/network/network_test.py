@@ -85,7 +85,7 @@ class NetworkTest(HubTest):
     def run_plaz(self, command, settings=(), status=0):
         """Runs the program at a terminal where nobody types. @return its document, and all that it told"""
         directory = pathlib.Path(tempfile.mkdtemp(dir=self.dir))
-        settings = [f"--set={setting}" for setting in ("plaz.enableLog=true", "plaz.enableDebugGit=true", *settings)]
+        settings = [f"--set={setting}" for setting in ("plaz.enableLog=true", *settings)]
         line = shlex.join([str(PLAZ), "--json", *settings, *command.split()]) + " >out 2>err"
         terminal = run("script", "--quiet", "--return", "--command", line, "/dev/null", cwd=directory, env=self.env)
         self.assertEqual(terminal.stdout, "")
@@ -108,7 +108,8 @@ class NetworkTest(HubTest):
             display = self.publish(store)
             if not is_first:
                 self.assertEqual(self.check_remote(store, settings), "outdated")
-            self.run_plaz(f"refresh {store}", settings)
+            _, told = self.run_plaz(f"refresh {store}", settings)
+            self.assertIn(f"executing: {self.dir}", told)
             self.assertIn(display, self.get_items(store).values())
             self.assertEqual(self.check_remote(store, settings), "up-to-date")
 

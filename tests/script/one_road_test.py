@@ -1,4 +1,4 @@
-"""Does the same work by the program, by Tcl commands, by the Python module and by the facade of user interfaces."""
+"""Does the same work by the program, by Tcl commands, which user interfaces send, and by the Python module."""
 
 import re
 import sys
@@ -33,7 +33,7 @@ def command_of(way, step, name):
         script = "refresh_catalog [plaz::get_qstores {}]" if step == "refresh" else f"{step} [plaz::get_qitems {{}}]"
         return [PLAZ, "--no-progress", "shell"], "plaz::" + script.format(name)
     programs = {"program": [PLAZ, "--no-progress"], "python": [sys.executable, "-c", PYTHON]}
-    return [*programs.get(way, [BUILD / "bin/facade_driver"]), step, name], ""
+    return [*programs[way], step, name], ""
 
 
 def read_tree(area):
@@ -59,7 +59,7 @@ class OneRoadTest(HubTest):
         program = list(self.go("program"))
         self.assertEqual([status for status, _, _ in program], [0, 0, 0, 1, 0, 0])
         self.assertTrue(any(b'"aurora"' in content for content in program[2][2].values()), "nothing was recorded")
-        for way in ("tcl", "python", "facade"):
+        for way in ("tcl", "python"):
             for step, ours, theirs in zip(STEPS, self.go(way), program):
                 with self.subTest(f"{way}: {step}"):
                     self.assertEqual(ours[:2], theirs[:2])

@@ -12,14 +12,6 @@ protected:
         files.addStore("boards", "board", true).item("aurora", "1.0");
         files.ship();
     }
-    void writeDatabase(const std::string& release, const std::string& items) const {
-        files.temp.write(boardsDb, filled(R"({"plaz": {"product": "Solvan", "release": "%", "qstores": [{"name":
-            "boards", "items": [%]}], "_major": "1", "_minor": "1"}})",
-                                          {release, items}));
-    }
-    static std::string record(const std::string& name, const std::string& revision) {
-        return filled(R"({"name": "%", "revision": "%", "commit_id": "c1"})", {name, revision});
-    }
 };
 
 } // namespace
@@ -47,27 +39,12 @@ TEST_F(StartUpTest, LoadsWhatIsShippedAndPlacesTheStores) {
     EXPECT_EQ(HSCPlazMgr::getInstance().getCurrentStore(), nullptr);
 }
 
-// What was installed forgotten after a restart, or a revision that the catalog dropped gone from sight.
-TEST_F(StartUpTest, MergesWhatIsInstalled) {
-    files.addStore("boards", "board", true).item("aurora", "1.0").item("aurora", "2.0");
-    files.ship();
-    writeDatabase("2024.2", record("aurora", "1.0") + "," + record("aurora", "0.9") + "," + record("gone", "7"));
-    files.temp.write("appdata/2024.2/plaz/board_store/items/aurora/0.9/item.json",
-                     R"({"config": {"items": [{"infra": {"name": "aurora", "display": "Old aurora", "revision": "0.9",
-                     "dependencies": [{"item": "d", "store": "boards", "revision": ""}]}}]}})");
-    HSCPlazQStore& boards = *hub().getStore("boards");
-    EXPECT_EQ(boards.getItems().size(), 4U);
-    EXPECT_TRUE(!boards.getItem("aurora")->IsInstalled() && boards.getItem("gone")->IsInstalled());
-    EXPECT_TRUE(boards.getItem("aurora", "1.0")->IsInstalled() && boards.getItem("aurora", "1.0")->NeedsRefresh());
-    EXPECT_EQ(boards.getItem("aurora", "0.9")->getDisplayName(), "Old aurora");
-    EXPECT_EQ(boards.getItem("aurora", "0.9")->getItemDependencies().size(), 1U);
-}
-
 // A database of another release read as ours, or overwritten by the next save.
 TEST_F(StartUpTest, LeavesTheDatabaseOfAnotherReleaseAlone) {
     ship();
-    writeDatabase("2023.1", record("aurora", "1.0"));
-    const std::string before = readFile(files.temp.path(boardsDb));
+    const std::string before = R"({"plaz": {"product": "Solvan", "release": "2023.1", "qstores": [{"name": "boards",
+        "items": [{"name": "aurora", "revision": "1.0", "commit_id": "c1"}]}], "_major": "1", "_minor": "1"}})";
+    files.temp.write(boardsDb, before);
     HSCPlazQStore& boards = *hub().getStore("boards");
     EXPECT_EQ(takeIds(), Names{"17-2162"});
     EXPECT_FALSE(boards.getItem("aurora")->IsInstalled());

@@ -2,9 +2,6 @@
 #include "plaz/store/HSCPlazChangeNote.h"
 #include "plaz/tasks/HSCPlazItemChanges.h"
 
-#include <functional>
-#include <random>
-#include <set>
 #include <sstream>
 
 namespace {
@@ -13,8 +10,8 @@ namespace {
 class ItemTasksTest : public HubOnDiskTest {
 protected:
     /// Ships the store "tcl" with items of revision 1: "a b<a" is a, and b that needs it.
-    StoreOnDisk& ship(const std::string& items, bool multiRevision = false) {
-        StoreOnDisk& store = files.addStore("tcl", "ced", multiRevision);
+    StoreOnDisk& ship(const std::string& items) {
+        StoreOnDisk& store = files.addStore("tcl", "ced", false);
         std::istringstream words(items);
         for (std::string word, name, need; words >> word;) {
             std::istringstream parts(word);
@@ -167,23 +164,6 @@ TEST_F(ItemTasksTest, UpdateFollowsTheNewDescription) {
           {"-top", " 17-1553 17-1553 17-1574", "kept@1 tool 1;other@1 user 0;"}});
 }
 
-// Revisions in each other's way; a dependency that stays for ever because the catalog has moved on meanwhile.
-TEST_F(ItemTasksTest, RevisionsStandSideBySideAndTheInstalledOneIsReleased) {
-    StoreOnDisk& store = ship("x y<x", true);
-    walk({{"+y", " 17-1570 17-1573 17-1554", "x@1 tool 1;y@1 user 0;"}});
-    store.item("x", "2");
-    reload();
-    store.item("z", "1", {{"tcl", "x", "1"}});
-    reload();
-    walk({{"+z", " 17-1570 17-1573", "x@1 tool 2;y@1 user 0;z@1 user 0;"},
-          {"+x", " 17-1570 17-1573", "x@2 user 1;x@1 tool 1;y@1 user 0;z@1 user 0;"}});
-    EXPECT_EQ(body("x/1") + body("x/2"), "x 1\nx 2\n");
-    walk({{"-z", " 17-1553 17-1574", "x@2 user 1;y@1 user 0;"},
-          {"-x", "", "x@2 tool 1;y@1 user 0;"},
-          {"-y", " 17-1553 17-1574", ""}});
-    EXPECT_EQ(HUTFile::createFileIter(files.area("ced_store/items/y/1")), Names{"item.json"});
-}
-
 // What a killed or failed task has left missing must come with the next one, and counts must be right afterwards.
 TEST_F(ItemTasksTest, InstallingAgainBringsWhatIsMissing) {
     ship("leaf mid<leaf top<mid,leaf");
@@ -198,14 +178,6 @@ TEST_F(ItemTasksTest, InstallingAgainBringsWhatIsMissing) {
     walk({{"+leaf", " 17-1570 17-1573", "leaf@1 user 2;mid@1 tool 1;top@1 user 0;"},
           {"-leaf", "", whole.c_str()},
           {"-top", " 17-1553 17-1553 17-1574", ""}});
-}
-
-// A circle that never ends, or that makes an item hold itself.
-TEST_F(ItemTasksTest, RevisionAskedForIsNotTheOneThatACircleMeans) {
-    ship("c<d d<c", true).item("c", "2");
-    reload();
-    ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), store().getItem("c", "1"), false, nullptr));
-    EXPECT_EQ(describe(find("c")), "c@2 tool 1;");
 }
 
 // A task that reports success although nobody will know of it, or that leaves rubbish of a killed one.
@@ -257,39 +229,6 @@ TEST_F(ItemTasksTest, ChangeCutShortIsUndoneOrFinished) {
     ASSERT_TRUE(note.write({"tcl", after, false, "", {}, ""}));
     walk({{"+b", " 17-1572", "a@2 user 0;b@1 user 0;"}});
     EXPECT_EQ(readFile(files.temp.path("precious/file")), "keep");
-}
-
-// Counts or modes that drift apart over a long life: an item gone with the first of those who want it, the user or
-// another item, or there for ever after the last.
-TEST_F(ItemTasksTest, LongLifeKeepsWhatIsNeededAndNothingElse) {
-    std::mt19937 random(20241124);
-    const auto pick = [&](std::size_t below) { return static_cast<std::size_t>(random() % below); };
-    constexpr std::size_t count = 7;
-    const auto nameOf = [](std::size_t number) { return "i" + std::to_string(number); };
-    std::string items;
-    for (std::size_t number = 0; number < count; ++number) { // circles included
-        items += " " + nameOf(number);
-        for (std::size_t edge = 0, edges = pick(3); edge < edges; ++edge)
-            items += (edge == 0 ? "<" : ",") + nameOf(pick(count));
-    }
-    ship(items);
-    const std::function<void(const HSCPlazQItem&, std::set<std::string>&)> reach = [&](const auto& item, auto& needed) {
-        if (!needed.insert(item.getName()).second) return;
-        for (const HSCPlazQItemDependency* next : item.getItemDependencies()) reach(find(next->getItem()), needed);
-    };
-    std::set<std::string> wanted;
-    for (int round = 0; round < 60 || !wanted.empty(); ++round) {
-        const std::string name = round < 60 ? nameOf(pick(count)) : *wanted.begin();
-        const bool isNew = wanted.insert(name).second;
-        ASSERT_TRUE(isNew ? install(name) : uninstall(name));
-        if (!isNew) wanted.erase(name);
-        if (round % 7 == 3) lose(nameOf(pick(count))); // repaired by the next one who needs it
-        std::set<std::string> needed;
-        for (const std::string& want : wanted) reach(find(want), needed);
-        for (std::size_t number = 0; number < count; ++number)
-            ASSERT_EQ(find(nameOf(number)).IsInstalled(), needed.count(nameOf(number)) != 0) << nameOf(number);
-    }
-    EXPECT_EQ(recorded(), "");
 }
 
 // Whatever the database says, nothing outside the item's own directory is removed.

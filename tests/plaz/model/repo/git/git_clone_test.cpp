@@ -10,7 +10,7 @@ class GitClone : public GitRemoteTest {
 protected:
     GitClone() {
         for (const char* file : {"a/item.json", "a/changelog.txt", "a/big", "b/item.json"}) remote.write(file, "{}");
-        remote.write("catalog.json", "1").commit();
+        remote.commit();
         hubModel.setRoot("hub");
     }
     int stage() { return HSCPlazGit::cloneOrUpdateRepoForStore(&model, false); }

@@ -9,7 +9,6 @@ constexpr const char* hubUrl = "https://hub.test/hub";
 
 class GitCredentials : public GitRemoteTest {
 protected:
-    GitCredentials() { remote.write("catalog.json", "1").commit(); }
     void configureCredentials() {
         temp.write("data/plaz/plaz_config.json", filled(R"({"plaz": {"remote_repository": {"url": "%",
             "authentication": {"user_id": "hub", "user_token": "s3cr3t-h"}}, "qstores": [{"url": "%",

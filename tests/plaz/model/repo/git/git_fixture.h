@@ -47,10 +47,13 @@ protected:
     const std::string index = temp.path("area/.plaz/.index");
 };
 
-/// The same with a repository, which is the store's.
+/// The same with a repository, which is the store's and holds a catalog.
 class GitRemoteTest : public GitTest {
 protected:
-    GitRemoteTest() { model.setUrl(remote.getDir()); }
+    GitRemoteTest() {
+        model.setUrl(remote.getDir());
+        remote.write("catalog.json", "1").commit();
+    }
 
     static std::string config(const std::string& dir) { return readFile(dir + "/.git/config"); }
     /// The proxies and the URL that the store's working copy records.

@@ -5,10 +5,7 @@ namespace {
 
 constexpr const char* realGit = "exec git \"$@\"";
 
-class GitSettings : public GitRemoteTest {
-protected:
-    GitSettings() { remote.write("catalog.json", "1").commit(); }
-};
+using GitSettings = GitRemoteTest;
 
 // Faults: another product's proxy, detection for the wrong protocol, over a given proxy or at each refresh, a working
 // copy that keeps a proxy which is no longer chosen, a helper's log left behind.

@@ -11,7 +11,6 @@ using GitUpdateCheck = GitRemoteTest;
 // Faults: a moved branch goes unnoticed, the check asks another repository than a refresh would fetch, a URL becomes
 // an option, files are left.
 TEST_F(GitUpdateCheck, AsksTheRemote) {
-    remote.write("catalog.json", "1").commit();
     const std::string source = "file://" + remote.getDir();
     model.setStoreType("board");
     model.setUrl(source);
