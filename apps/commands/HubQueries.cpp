@@ -241,6 +241,13 @@ std::vector<HSCPlazQItem*> HubQueries::findOutdated() const {
     return outdated;
 }
 
+std::vector<std::string> HubQueries::findUnread() const {
+    std::vector<std::string> unread;
+    for (const HSCPlazQStore* store : m_hub.getStores())
+        if (store->getModel()->isUnread()) unread.push_back(store->getName());
+    return unread;
+}
+
 ItemInfo HubQueries::describe(HSCPlazQItem& item) const {
     const std::vector<HSCPlazQItem*> entries =
         item.getStore() ? entriesOf(*item.getStore(), item.getName()) : std::vector<HSCPlazQItem*>{&item};

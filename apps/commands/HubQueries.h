@@ -84,6 +84,9 @@ public:
     /// @throws HEXAll Msg::databaseUnreadable where it is not known what is installed
     std::vector<HSCPlazQItem*> findOutdated() const;
 
+    /// The stores of which nobody knows what they offer, since their files could not be read.
+    std::vector<std::string> findUnread() const;
+
     ItemInfo describe(HSCPlazQItem& item) const;
 
 private:

@@ -244,9 +244,13 @@ int Program::runRepair() {
 
 int Program::runUpdate() {
     if (!m_options.all) return show(makeActions().update(resolveAll(&HubQueries::resolveForUpdate)));
-    const std::vector<HSCPlazQItem*> outdated = HubQueries(getHub()).findOutdated();
-    if (outdated.empty()) ComMsgMgr::send(ShellMsg::nothingToUpdate, MsgSeverity::info);
-    return show(makeActions().update(outdated));
+    const HubQueries queries(getHub());
+    const std::vector<HSCPlazQItem*> outdated = queries.findOutdated();
+    const std::vector<std::string> unread = queries.findUnread();
+    if (outdated.empty() && unread.empty()) ComMsgMgr::send(ShellMsg::nothingToUpdate, MsgSeverity::info);
+    int status = show(makeActions().update(outdated));
+    for (const std::string& store : unread) status = fail(messageOf(Msg::catalogUnread, store, store));
+    return status;
 }
 
 int Program::runPaths() {

@@ -121,7 +121,8 @@ HSCPlazItemResult HSCPlazTaskMgr::updateItem(HSCPlaz& hub, HSCPlazQItem& item, H
     if (!item.IsInstalled()) return resultOf(task, item, ItemOutcome::removed);
     if (HSCPlazUpdateTask::hasNothingToDo(task, item)) {
         HSCPlazUpdateTask::tellHeld(task, item);
-        return resultOf(task, item, ItemOutcome::upToDate);
+        const bool isKnown = HSCPlazUpdateTask::isOfferKnown(task, item);
+        return resultOf(task, item, isKnown ? ItemOutcome::upToDate : ItemOutcome::failed);
     }
     const std::string previous = item.getRevision();
     ItemOutcome outcome = ItemOutcome::failed;

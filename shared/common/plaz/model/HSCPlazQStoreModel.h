@@ -32,10 +32,13 @@ public:
     /// The repository needs credentials.
     bool isPrivateRepository() const { return m_private; }
     void setIsPrivateRepository(bool value) { m_private = value; }
-    /// The store was added by the user rather than shipped.
     /// The hub offers it to the running product. One of which something is installed may be offered no more.
     bool isOffered() const { return m_offered; }
     void setIsOffered(bool value) { m_offered = value; }
+    /// What it offers is not known: the file that tells of it could not be read, or is damaged.
+    bool isUnread() const { return m_unread; }
+    void setIsUnread(bool value) { m_unread = value; }
+    /// The store was added by the user rather than shipped.
     bool isUserRepository() const { return m_userRepository; }
     void setIsUserRepository(bool value) { m_userRepository = value; }
     /// Several revisions of one item can be installed side by side.
@@ -110,6 +113,7 @@ private:
     std::vector<HSCPlazCategoryModel> m_categories;
     bool m_productSpecific = false;
     bool m_offered = true;
+    bool m_unread = false;
     bool m_private = false;
     bool m_userRepository = false;
     bool m_multiRevision = false;

@@ -73,6 +73,7 @@ void HSCPlazCatalogLoader::loadStore(HSCPlazModel* hubModel, HSCPlazQStoreModel*
     const std::string& localRoot = store->getLocalRootDir();
     const std::string& name = store->getName();
     inside(loadStoreName, " Store ", name, " local root dir ", localRoot);
+    store->setIsUnread(false);
     const bool exists = !localRoot.empty() && HUTFile::exists(localRoot);
     if (!localRoot.empty() && !exists) inside(loadStoreName, " Store ", name, " local root dir doesn't exists ");
     if (exists && !isShared)
@@ -123,7 +124,7 @@ bool HSCPlazCatalogLoader::loadFromData(HSCPlazModel& hubModel, HSCPlazQStoreMod
 
 void HSCPlazCatalogLoader::readMetadata(HSCPlazQStoreModel& store, const std::string& file) const {
     HSCPlazFindings found;
-    HSCPlazQStoreReader::read(file, store, found);
+    if (!HSCPlazQStoreReader::read(file, store, found)) store.setIsUnread(true);
     m_report.append(found.toReport());
 }
 
@@ -131,7 +132,7 @@ void HSCPlazCatalogLoader::readMetadata(HSCPlazQStoreModel& store, const std::st
 void HSCPlazCatalogLoader::readCatalog(HSCPlazQStoreModel& store, const std::string& file) const {
     store.clearCatalog();
     HSCPlazFindings found;
-    HSCPlazQItemCatalogReader::read(file, store, found);
+    if (!HSCPlazQItemCatalogReader::read(file, store, found)) store.setIsUnread(true);
     m_report.append(found.toReport());
 }
 

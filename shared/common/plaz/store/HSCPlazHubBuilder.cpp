@@ -33,6 +33,12 @@ std::string configuredRemote(const HSCPlazUserPref& pref, HSCPlazReport& report)
     }
 }
 
+/// What the last refresh has brought goes before what is shipped.
+std::string fileInForce(const HSCPlazPathMgr& paths) {
+    const std::string refreshed = paths.getRefreshedHubMetadataFile();
+    return HUTFile::exists(refreshed) ? refreshed : paths.getHubMetadataFile();
+}
+
 } // namespace
 
 void HSCPlazHubBuilder::build() const {
@@ -62,8 +68,7 @@ void HSCPlazHubBuilder::build() const {
 
 bool HSCPlazHubBuilder::readMetadata() const {
     const std::string shipped = m_workspace.paths.getHubMetadataFile();
-    const std::string refreshed = m_workspace.paths.getRefreshedHubMetadataFile();
-    const std::string file = HUTFile::exists(refreshed) ? refreshed : shipped;
+    const std::string file = fileInForce(m_workspace.paths);
     inside(initHubName, " plazJsonFilePath ", file);
     if (!HUTFile::exists(file)) {
         m_report.add(Msg::hubMetadataMissing, MsgSeverity::error);
@@ -78,7 +83,7 @@ bool HSCPlazHubBuilder::readMetadata() const {
     }
     hub.setLocalRoot(file);
     readHub(file, hub);
-    if (file == refreshed && hub.getStores().empty()) {
+    if (file != shipped && hub.getStores().empty()) {
         // It is damaged: what is shipped still stands.
         hub.setLocalRoot(shipped);
         readHub(shipped, hub);
@@ -102,7 +107,11 @@ void HSCPlazHubBuilder::readStores() const {
     // What is shipped of a store that the hub knows is not read a second time: nobody asks for it.
     for (const auto& store : shared.getStores())
         if (!hub.findStore(store->getName())) loader.loadStore(&shared, store.get(), true);
+    const std::size_t listed = hub.getStores().size();
+    const bool isHubRead = listed > 0 && hub.getLocalRoot() == fileInForce(m_workspace.paths);
     HSCPlazPlaces(m_workspace).addWithdrawn(m_report);
+    // Who knows whether they are withdrawn?
+    for (std::size_t i = listed; i < hub.getStores().size(); ++i) hub.getStores()[i]->setIsUnread(!isHubRead);
 }
 
 void HSCPlazHubBuilder::readShared() const {

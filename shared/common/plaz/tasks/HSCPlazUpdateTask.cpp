@@ -3,6 +3,7 @@
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/HSCPlazQStoreModel.h"
 #include "plaz/model/HSCPlazUpdateDecision.h"
 #include "plaz/store/HSCPlazInstalledFiles.h"
 #include "plaz/store/HSCPlazInstalledTrees.h"
@@ -56,7 +57,7 @@ Outcome HSCPlazUpdateTask::update(HSCPlazTask& task, HSCPlazItemChanges& changes
         task.fail(Msg::itemNotInstalled, Files::shownName(item));
         return Outcome::failed;
     }
-    if (hasNothingToDo(task, item)) return Outcome::upToDate;
+    if (hasNothingToDo(task, item)) return isOfferKnown(task, item) ? Outcome::upToDate : Outcome::failed;
     switch (HSCPlazUpdateDecision::decide(item)) {
     case Step::fetchAgain:
         return outcomeOf(fetchAgain(task, changes, item));
@@ -72,6 +73,11 @@ Outcome HSCPlazUpdateTask::update(HSCPlazTask& task, HSCPlazItemChanges& changes
 bool HSCPlazUpdateTask::hasNothingToDo(const HSCPlazTask& task, HSCPlazQItem& item) {
     return HSCPlazUpdateDecision::decide(item) == Step::none &&
            HSCPlazInstalledTrees::isComplete(task.getWorkspace(), task.getHub(), {item.getStore(), &item});
+}
+
+bool HSCPlazUpdateTask::isOfferKnown(HSCPlazTask& task, const HSCPlazQItem& item) {
+    const std::string store = item.getStoreName();
+    return !item.getStore()->getModel()->isUnread() || task.fail(Msg::catalogUnread, store, store);
 }
 
 void HSCPlazUpdateTask::tellHeld(HSCPlazTask& task, const HSCPlazQItem& item) {

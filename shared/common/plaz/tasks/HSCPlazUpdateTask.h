@@ -16,6 +16,8 @@ HSCPlazItemResult::Outcome update(HSCPlazTask& task, HSCPlazItemChanges& changes
 
 /// Whether it would do nothing: the item is up to date, and all that it needs is there.
 bool hasNothingToDo(const HSCPlazTask& task, HSCPlazQItem& item);
+/// Tells where that is only so because nobody knows what is on offer (Msg::catalogUnread). @return whether it is known
+bool isOfferKnown(HSCPlazTask& task, const HSCPlazQItem& item);
 /// Tells of one that is not the latest and stays since others need it as it is (Msg::itemHeldAt).
 void tellHeld(HSCPlazTask& task, const HSCPlazQItem& item);
 
