@@ -60,16 +60,19 @@ bool isInside(const HSCPlazTask& task, const HSCPlazQStore& store, const std::st
            !HUTFile::isBeneath(layout.getHiddenDir(), dir);
 }
 
-/// Whether the new files are in the item's place, or only have to be put there: where directories cannot change places
-/// in one step, a process may have ended between two of them.
-bool bringIntoPlace(const HSCPlazPendingChange& change, const std::string& incoming) {
+/// Where directories cannot change places in one step, a process may have ended between two of them. Puts the new
+/// files, if they are whole, or else the old ones into a place that is empty. @return false when they are kept from
+/// there
+bool fillPlace(const HSCPlazPendingChange& change, const std::string& incoming) {
     const std::string dir = change.item->getLocalDir();
-    if (change.identity.empty()) return true;
-    if (!HUTFile::exists(dir)) {
-        const bool isComing = HUTFile::getIdentity(incoming) == change.identity;
-        HUTFile::rename(isComing ? incoming : HUTFile::getAside(incoming), dir);
-    }
-    return HUTFile::getIdentity(dir) == change.identity;
+    if (change.identity.empty() || HUTFile::exists(dir)) return true;
+    const bool isComing = HUTFile::getIdentity(incoming) == change.identity;
+    const std::string files = isComing ? incoming : HUTFile::getAside(incoming);
+    return !HUTFile::exists(files) || HUTFile::rename(files, dir);
+}
+
+bool isInPlace(const HSCPlazPendingChange& change) {
+    return change.identity.empty() || HUTFile::getIdentity(change.item->getLocalDir()) == change.identity;
 }
 
 bool isRecorded(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change) {
@@ -148,7 +151,7 @@ void HSCPlazItemChanges::finishAtStart(HSCPlazWorkspace& workspace) {
 bool HSCPlazItemChanges::runLocked(HSCPlazTask& task, const std::function<bool(HSCPlazItemChanges&)>& work) {
     HSCPlazItemChanges changes(task);
     changes.finishInterrupted();
-    if (changes.m_isStuck) return false; // another change would take the place of the note
+    if (changes.m_isUnfinished) return false; // another change would take the place of the note
     removeLeftovers(task);
     bool isDone = false;
     try {
@@ -217,7 +220,14 @@ HSCPlazPendingChange HSCPlazItemChanges::toRemoval(const HSCPlazFoundItem& found
 }
 
 bool HSCPlazItemChanges::announce(const HSCPlazPendingChange& change) {
+    if (m_isUnfinished) return false; // the note says of what, and why has been told
     return m_note.write(change) || m_task.fail(Msg::databaseNotSaved, m_note.getFile());
+}
+
+void HSCPlazItemChanges::withdraw(HSCPlazPendingChange change, const std::string& incoming) {
+    change.identity = "none";
+    m_note.write(change);
+    m_isUnfinished = !HUTFile::exists(change.item->getLocalDir()) && HUTFile::exists(HUTFile::getAside(incoming));
 }
 
 bool HSCPlazItemChanges::put(const HSCPlazFoundItem& found, HSCPlazPendingChange change,
@@ -225,11 +235,17 @@ bool HSCPlazItemChanges::put(const HSCPlazFoundItem& found, HSCPlazPendingChange
     const std::string incoming = incomingOf(m_task, *found.store);
     const std::string dir = change.item->getLocalDir();
     change.identity = HUTFile::getIdentity(incoming);
-    if (!HUTFile::flush(incoming)) return m_task.fail(Msg::dirNotWritable, incoming);
+    if (change.identity.empty() || !HUTFile::flush(incoming)) return m_task.fail(Msg::dirNotWritable, incoming);
     if (!announce(change)) return false;
-    if (!HUTFile::exchangeDirectories(incoming, dir)) return m_task.fail(obstacle);
+    if (!HUTFile::exchangeDirectories(incoming, dir)) {
+        withdraw(change, incoming);
+        return m_task.fail(obstacle);
+    }
     if (record(found, change)) return true;
-    m_isStuck = !undo(incoming, dir);
+    if (undo(incoming, dir))
+        withdraw(change, incoming);
+    else
+        m_isUnfinished = true;
     return giveUp(*found.store);
 }
 
@@ -289,7 +305,12 @@ void HSCPlazItemChanges::finishInterrupted() {
     if (store && !change.files.empty()) return finishFiles(change, *store);
     if (!change.item || !store || !isInside(m_task, *store, change.item->getLocalDir())) return;
     const std::string name = change.item->getName();
-    if (!bringIntoPlace(change, incomingOf(m_task, *store))) {
+    m_isUnfinished = !fillPlace(change, incomingOf(m_task, *store));
+    if (m_isUnfinished) {
+        m_task.fail(Msg::dirNotWritable, change.item->getLocalDir());
+        return;
+    }
+    if (!isInPlace(change)) {
         m_task.tell(Msg::changeUndone, MsgSeverity::warning, name);
         return;
     }
@@ -301,15 +322,15 @@ void HSCPlazItemChanges::finishInterrupted() {
         HSCPlazInstalledState::addMissingItems(*store);
     }
     const HSCPlazFoundItem found{store, store->getItem(name, change.item->getRevision())};
-    m_isStuck = found && !record(found, change);
-    if (!m_isStuck) m_task.tell(Msg::changeFinished, MsgSeverity::warning, name);
+    m_isUnfinished = found && !record(found, change);
+    if (!m_isUnfinished) m_task.tell(Msg::changeFinished, MsgSeverity::warning, name);
 }
 
 void HSCPlazItemChanges::finishFiles(const HSCPlazPendingChange& change, const HSCPlazQStore& store) {
     const HSCPlazStoreLayout layout = m_task.getWorkspace().paths.getStoreLayout(*store.getModel());
     const std::string obstacle = HSCPlazFetchedFiles::moveIn(layout.getIncoming(), layout.getArea(), change.files);
-    m_isStuck = !obstacle.empty();
-    if (m_isStuck)
+    m_isUnfinished = !obstacle.empty();
+    if (m_isUnfinished)
         m_task.fail(Msg::dirNotWritable, obstacle);
     else
         m_note.forget();
@@ -341,7 +362,8 @@ bool HSCPlazItemChanges::removeUnneeded() {
 
 bool HSCPlazItemChanges::end() {
     if (!m_note.exists()) return m_isSound;
-    if (!m_note.read().files.empty()) return false;       // of a catalog that could not be put into its place
+    // The files of a catalog, or of an item, could not be put into their place.
+    if (m_isUnfinished || !m_note.read().files.empty()) return false;
     const bool areGone = removeUnneeded() || m_isBlocked; // what was to be done is done all the same
     if (!m_isStuck) m_note.forget();
     return areGone && m_isSound && (!m_isStuck || m_isBlocked);
