@@ -209,6 +209,8 @@ class Stage:
             word in result.stderr.lower() for word in ("error", "critical warning")
         ):
             yield bad, f"exit {result.returncode} without a word: {result.stderr[-300:]!r}"
+        elif point.kind == "hold-once":
+            yield bad, f"exit {result.returncode}, though it passes: {result.stderr[-300:]!r}"
         if result.returncode > 130 and point.kind not in ("kill", "kill-all"):
             yield bad, f"exit {result.returncode}"
 
