@@ -83,12 +83,14 @@ bool isRecorded(const HSCPlazFoundItem& found, const HSCPlazPendingChange& chang
            item.getInstallationMode() == change.item->getInstallationMode();
 }
 
-void removeLeftovers(const HSCPlazStoreLayout& layout) {
+bool removeLeftovers(const HSCPlazStoreLayout& layout) {
+    bool areGone = true;
     for (const std::string& leftover :
          {layout.getStaging(), layout.getIncoming(), HUTFile::getAside(layout.getIncoming())})
-        if (HUTFile::exists(leftover)) HUTFile::rmRecursive(leftover);
+        areGone = HUTFile::rmRecursive(leftover) && areGone;
     for (const std::string& dir : {layout.getArea(), layout.getHiddenDir(), layout.getIndex()})
-        HUTFile::removeTemporaries(dir);
+        areGone = HUTFile::removeTemporaries(dir) && areGone;
+    return areGone;
 }
 
 /// What interrupted tasks have left.
@@ -301,7 +303,10 @@ void HSCPlazItemChanges::finishInterrupted() {
     if (!m_note.exists()) return;
     const HSCPlazPendingChange change = m_note.read();
     HSCPlazQStore* store = m_task.getHub().getStore(change.store);
-    if (!change.place.empty()) return removeLeftovers(HSCPlazStoreLayout(change.place, change.place));
+    if (!change.place.empty()) {
+        removeLeftovers(HSCPlazStoreLayout(change.place, change.place));
+        return;
+    }
     if (store && !change.files.empty()) return finishFiles(change, *store);
     if (!change.item || !store || !isInside(m_task, *store, change.item->getLocalDir())) return;
     const std::string name = change.item->getName();
@@ -362,9 +367,10 @@ bool HSCPlazItemChanges::removeUnneeded() {
 
 bool HSCPlazItemChanges::end() {
     if (!m_note.exists()) return m_isSound;
-    // The files of a catalog, or of an item, could not be put into their place.
-    if (m_isUnfinished || !m_note.read().files.empty()) return false;
+    const HSCPlazPendingChange change = m_note.read();
+    if (m_isUnfinished || !change.files.empty()) return false; // files could not be put into their place
+    const bool isClean = change.place.empty() || removeLeftovers(HSCPlazStoreLayout(change.place, change.place));
     const bool areGone = removeUnneeded() || m_isBlocked; // what was to be done is done all the same
-    if (!m_isStuck) m_note.forget();
+    if (!m_isStuck && isClean) m_note.forget();
     return areGone && m_isSound && (!m_isStuck || m_isBlocked);
 }
