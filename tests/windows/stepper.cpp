@@ -11,13 +11,14 @@
 //   hold-once  like hold, but lets go of it after he has been in the way three times
 //
 // RATIONALE: whichever library changes a file, its call passes kernelbase.dll, which imports a few native ones for all
-// of them. Their entries are replaced there. What children do is not seen.
+// of them. Their entries are replaced there. Calls on files below GDA_APPDATA_DIR count; what children do is not seen.
 
 #include <windows.h>
 
 #include <winternl.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <map>
 #include <mutex>
 #include <sstream>
@@ -60,9 +61,8 @@ public:
 
     /// @return the error that the call fails with, or 0
     NTSTATUS step(const Call& call) {
-        if (call.file.substr(1, 2) != L":\\") return 0; // a device or a pipe
         // What a running git prints is looked at again and again, so that its file would move all numbers.
-        if (call.file.find(L"git_fork.log") != std::wstring::npos) return 0;
+        if (call.file.rfind(m_home, 0) != 0 || call.file.find(L"git_fork.log") != std::wstring::npos) return 0;
         const std::lock_guard<std::mutex> guard(m_mutex);
         const bool isCounted = call.changes || (m_countsOpenings && call.opens);
         if (isCounted && (m_at == 0 || m_count < m_at)) {
@@ -104,6 +104,7 @@ private:
     long m_at = 0, m_count = 0, m_obstacles = 0;
     bool m_countsOpenings = false;
     HANDLE m_report = nullptr;
+    std::wstring m_home = std::filesystem::path(_wgetenv(L"GDA_APPDATA_DIR")).make_preferred();
     std::wstring m_held;
     std::mutex m_mutex;
 };
