@@ -76,10 +76,9 @@ public:
 private:
     // Past kernelbase.dll, so that it is no step itself.
     void tell(const Call& call) {
-        std::string line = "plaz " + call.name + " ";
-        for (const wchar_t c : call.file.substr(2)) line += c == L'\\' ? '/' : c < 128 ? static_cast<char>(c) : '?';
         IO_STATUS_BLOCK io{};
-        line += '\n';
+        std::string line =
+            "plaz " + call.name + ' ' + std::filesystem::path(call.file.substr(2)).generic_u8string() + '\n';
         NtWriteFile(m_report, nullptr, nullptr, nullptr, &io, line.data(), static_cast<ULONG>(line.size()), nullptr,
                     nullptr);
     }
@@ -116,8 +115,8 @@ Stepper& stepper() {
 
 NTSTATUS stepOpening(const char* name, const OBJECT_ATTRIBUTES& object, ACCESS_MASK access, ULONG disposition) {
     std::wstring native(object.ObjectName->Buffer, object.ObjectName->Length / sizeof(wchar_t));
-    if (native.back() == L'\\') native.pop_back();
     if (object.RootDirectory != nullptr || native.rfind(LR"(\??\)", 0) != 0) return 0;
+    if (native.back() == L'\\') native.pop_back();
     const bool isThere = GetFileAttributesW((LR"(\\?\)" + native.substr(4)).c_str()) != INVALID_FILE_ATTRIBUTES;
     const bool opens = isThere && disposition != FILE_CREATE;
     const bool writes = disposition == FILE_SUPERSEDE || disposition >= FILE_OVERWRITE;
@@ -134,26 +133,27 @@ NTSTATUS stepHandle(const char* name, HANDLE handle, bool renames = false) {
     return file.size() < 4 ? 0 : stepper().step({name, file.substr(4), false, true, false, renames});
 }
 
+template <typename Function, typename... Args> NTSTATUS goOn(NTSTATUS error, Function* function, Args... args) {
+    return error != 0 ? error : function(args...);
+}
+
 NTSTATUS NTAPI createFile(PHANDLE handle, ACCESS_MASK access, POBJECT_ATTRIBUTES object, PIO_STATUS_BLOCK io,
                           PLARGE_INTEGER size, ULONG attributes, ULONG share, ULONG disposition, ULONG options,
                           PVOID extra, ULONG extraSize) {
-    const NTSTATUS error =
-        stepOpening((options & FILE_DELETE_ON_CLOSE) != 0 ? "delete" : "create", *object, access, disposition);
-    return error != 0 ? error
-                      : NtCreateFile(handle, access, object, io, size, attributes, share, disposition, options, extra,
-                                     extraSize);
+    const char* const name = (options & FILE_DELETE_ON_CLOSE) != 0 ? "delete" : "create";
+    return goOn(stepOpening(name, *object, access, disposition), NtCreateFile, handle, access, object, io, size,
+                attributes, share, disposition, options, extra, extraSize);
 }
 
 NTSTATUS NTAPI openFile(PHANDLE handle, ACCESS_MASK access, POBJECT_ATTRIBUTES object, PIO_STATUS_BLOCK io, ULONG share,
                         ULONG options) {
-    const NTSTATUS error = stepOpening("open", *object, access, FILE_OPEN);
-    return error != 0 ? error : NtOpenFile(handle, access, object, io, share, options);
+    return goOn(stepOpening("open", *object, access, FILE_OPEN), NtOpenFile, handle, access, object, io, share,
+                options);
 }
 
 NTSTATUS NTAPI writeFile(HANDLE handle, HANDLE event, PIO_APC_ROUTINE routine, PVOID context, PIO_STATUS_BLOCK io,
                          PVOID bytes, ULONG size, PLARGE_INTEGER at, PULONG key) {
-    const NTSTATUS error = stepHandle("write", handle);
-    return error != 0 ? error : NtWriteFile(handle, event, routine, context, io, bytes, size, at, key);
+    return goOn(stepHandle("write", handle), NtWriteFile, handle, event, routine, context, io, bytes, size, at, key);
 }
 
 NTSTATUS NTAPI setInformation(HANDLE handle, PIO_STATUS_BLOCK io, PVOID information, ULONG size,
@@ -163,45 +163,41 @@ NTSTATUS NTAPI setInformation(HANDLE handle, PIO_STATUS_BLOCK io, PVOID informat
     const auto name = names.find(what);
     const NTSTATUS error =
         name == names.end() ? 0 : stepHandle(name->second, handle, name->second == std::string("rename"));
-    return error != 0 ? error : NtSetInformationFile(handle, io, information, size, what);
+    return goOn(error, NtSetInformationFile, handle, io, information, size, what);
 }
 
 NTSTATUS NTAPI flushFile(HANDLE handle, PIO_STATUS_BLOCK io) {
-    const NTSTATUS error = stepHandle("flush", handle);
-    return error != 0 ? error : NtFlushBuffersFile(handle, io);
+    return goOn(stepHandle("flush", handle), NtFlushBuffersFile, handle, io);
 }
 
 template <typename Function> ULONG_PTR addressOf(Function* function) {
     return reinterpret_cast<ULONG_PTR>(function);
 }
 
-/// Replaces functions that a module imports from the system's native library.
-void replaceImports(const wchar_t* name, const std::map<std::string, ULONG_PTR>& replacements) {
-    const HMODULE module = GetModuleHandleW(name), native = GetModuleHandleW(L"ntdll.dll");
+/// Replaces functions that a module imports, by their addresses.
+void replaceImports(HMODULE module, const std::map<ULONG_PTR, ULONG_PTR>& replacements) {
     auto* const base = reinterpret_cast<std::byte*>(module);
     const auto* const dos = reinterpret_cast<const IMAGE_DOS_HEADER*>(base);
     const auto* const header = reinterpret_cast<const IMAGE_NT_HEADERS*>(base + dos->e_lfanew);
     const IMAGE_DATA_DIRECTORY table = header->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IAT];
-    std::map<ULONG_PTR, ULONG_PTR> byAddress;
-    for (const auto& [function, replacement] : replacements)
-        byAddress[addressOf(GetProcAddress(native, function.c_str()))] = replacement;
-    for (auto* entry = reinterpret_cast<ULONG_PTR*>(base + table.VirtualAddress);
-         entry != reinterpret_cast<ULONG_PTR*>(base + table.VirtualAddress + table.Size); ++entry) {
-        const auto found = byAddress.find(*entry);
+    auto* const entries = reinterpret_cast<ULONG_PTR*>(base + table.VirtualAddress);
+    for (std::size_t i = 0; i < table.Size / sizeof *entries; ++i) {
+        const auto found = replacements.find(entries[i]);
         DWORD old = 0;
-        if (found != byAddress.end() && VirtualProtect(entry, sizeof *entry, PAGE_READWRITE, &old))
-            *entry = found->second;
+        if (found != replacements.end() && VirtualProtect(entries + i, sizeof *entries, PAGE_READWRITE, &old))
+            entries[i] = found->second;
     }
 }
 
 [[maybe_unused]] const bool isSet = [] {
     stepper();
-    for (const wchar_t* const module : {L"kernelbase.dll", L"kernel32.dll"})
-        replaceImports(module, {{"NtCreateFile", addressOf(createFile)},
-                                {"NtOpenFile", addressOf(openFile)},
-                                {"NtWriteFile", addressOf(writeFile)},
-                                {"NtSetInformationFile", addressOf(setInformation)},
-                                {"NtFlushBuffersFile", addressOf(flushFile)}});
+    const auto find = [](const char* name) { return addressOf(GetProcAddress(GetModuleHandleA("ntdll.dll"), name)); };
+    for (const char* const module : {"kernelbase.dll", "kernel32.dll"})
+        replaceImports(GetModuleHandleA(module), {{find("NtCreateFile"), addressOf(createFile)},
+                                                  {find("NtOpenFile"), addressOf(openFile)},
+                                                  {find("NtWriteFile"), addressOf(writeFile)},
+                                                  {find("NtSetInformationFile"), addressOf(setInformation)},
+                                                  {find("NtFlushBuffersFile"), addressOf(flushFile)}});
     return true;
 }();
 
