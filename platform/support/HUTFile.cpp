@@ -239,9 +239,12 @@ bool HUTFile::writeAtomically(const std::string& file, const std::string& conten
     return platform::writeAtomically(file, content, ownerOnly);
 }
 
-void HUTFile::removeTemporaries(const std::string& dir) {
+bool HUTFile::removeTemporaries(const std::string& dir) {
+    bool areGone = true;
     for (const std::string& name : createFileIter(dir))
-        if (fs::path(name).extension() == ".tmp" && name.compare(0, 6, ".plaz-") == 0) rmRecursive(dir + "/" + name);
+        if (fs::path(name).extension() == ".tmp" && name.compare(0, 6, ".plaz-") == 0)
+            areGone = rmRecursive(dir + "/" + name) && areGone;
+    return areGone;
 }
 
 bool HUTFile::rename(const std::string& from, const std::string& to) {

@@ -90,8 +90,8 @@ public:
     /// @return false, with the old file untouched and nothing left beside it, when that failed
     static bool writeAtomically(const std::string& file, const std::string& content, bool ownerOnly = false);
     /// Removes from a directory what processes that were killed while they wrote a file have left (".plaz-….tmp").
-    /// Whoever calls it knows that nobody else is writing there.
-    static void removeTemporaries(const std::string& dir);
+    /// Whoever calls it knows that nobody else is writing there. @return false when something of it stays
+    static bool removeTemporaries(const std::string& dir);
     /// Waits until a file, or a directory with all that it holds, is on the disk itself, so that it outlives a power
     /// failure. What the file system does not keep there counts as done. @return false when the disk reports an error
     static bool flush(const std::string& path);

@@ -7,7 +7,7 @@ import json
 import re
 from typing import NamedTuple
 
-from support.hubtest import succeed
+from support.hubtest import DRIVE, succeed
 
 DATABASE, PLACES, METADATA = "plaz_local_db.json", "plaz_stores.json", "item.json"
 GARBAGE = re.compile(r"tmp_.*|.*\.lock|.*\.log")  # left in a working copy where a command on it ended early
@@ -58,7 +58,7 @@ class Home:
     what cannot be read, and what was left in working copies, whose files are no concern of ours otherwise."""
 
     def __init__(self, directory, origin):
-        self.origin, self.directory = origin, str(directory)
+        self.origin, self.names = origin, (f"{DRIVE}{directory}".encode(), str(directory).encode())
         self.files, self.records, self.damage, self.garbage = {}, {}, [], []
         self.chosen = {}  # the directories of stores that have moved
         for file in sorted(directory.rglob("*")):
@@ -74,11 +74,14 @@ class Home:
             elif file.name == PLACES:
                 self.read(file, self.read_places)
             elif file.name != "plaz.lock":
-                self.files[path] = file.read_bytes().replace(self.directory.encode(), b"@")
+                self.files[path] = self.read_relative(file)
+
+    def read_relative(self, file):
+        return functools.reduce(lambda text, name: text.replace(name, b"@"), self.names, file.read_bytes())
 
     def read(self, file, take):
         try:
-            take(json.loads(file.read_text("utf-8").replace(self.directory, "@"))["plaz"]["qstores"])
+            take(json.loads(self.read_relative(file))["plaz"]["qstores"])
         except (ValueError, KeyError, TypeError) as error:
             self.damage.append(f"{file} cannot be read: {error!r}")
 

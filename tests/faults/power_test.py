@@ -52,7 +52,7 @@ def find_lost(stage, disk, point):
     try:
         copy_home(stage.dir / point.scenario, home)
         succeed("sync", "--file-system", home)
-        result, _ = stage.bring_in(point, home)
+        result, _ = stage.step(home, point, "write")
         disk.cut_power()
         return [f"{point}: {kind}: {text}" for kind, text in stage.judge(point, home, result)]
     finally:

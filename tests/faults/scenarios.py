@@ -2,6 +2,7 @@
 
 import functools
 import json
+import pathlib
 import re
 import shutil
 import subprocess
@@ -9,12 +10,16 @@ import threading
 from typing import NamedTuple
 
 from faults.judge import DATABASE, PLACES, Home, Origin
-from support.hubtest import BUILD, PLAZ, PRODUCT_DATA, commit, edit, make_env, make_hub, run, succeed
+from support.hubtest import BUILD, DRIVE, PLAZ, PRODUCT_DATA, WINDOWS, commit, edit, make_env, make_hub, run, succeed
 
-STEPPER = BUILD / "bin/stepper"
+PROGRAM = WINDOWS or [PLAZ]
+STEPPER = pathlib.Path(WINDOWS[-1]).with_name("stepper.exe") if WINDOWS else BUILD / "bin/stepper"
+ENDS = ("kill", "kill-all", "interrupt")
 ERRORS = ("ENOSPC", "EIO", "EACCES", "EROFS", "EMFILE")
 NO_FAULT = "nothing"
-KINDS = ("kill", "kill-all", "interrupt", *ERRORS)
+HOLDS = ("hold", "lock", "hold-once")
+KINDS = ("kill", *ERRORS, *HOLDS) if WINDOWS else (*ENDS, *ERRORS)
+SCOPES = ("alone",) if WINDOWS else ("alone", "children")
 ALREADY_GONE = "is not installed"
 FINDINGS = ("neither old nor new", "leftovers", "not completed", "exit 0 too early", "bad end")
 
@@ -59,7 +64,7 @@ DISKS = {
 class Point(NamedTuple):
     scenario: str
     kind: str
-    scope: str  # whose calls are counted: "alone" or "children"
+    scope: str  # whose calls are counted
     at: int
     refused: str = ""  # by the disk, whatever else happens
 
@@ -115,11 +120,11 @@ def publish(repositories, env):
     commit(repositories / "hub.git", lambda work: edit(work / "plaz.json", change_hub), env)
 
 
-def copy_home(source, target):
-    """Copies a home, with the places that it records."""
+def copy_home(source, target, drive=""):
+    """Copies a home, with the places that it records, which are on a drive then."""
     shutil.copytree(source, target, symlinks=True)
     for file in (*target.glob(f"*/plaz/*/.plaz/{DATABASE}"), *target.glob(f"*/plaz/{PLACES}")):
-        file.write_text(file.read_text("utf-8").replace(str(source), str(target)), "utf-8")
+        file.write_text(file.read_text("utf-8").replace(str(source), f"{drive}{target}"), "utf-8")
 
 
 class Stage:
@@ -141,8 +146,8 @@ class Stage:
             self.ends[scenario.name] = (*self.end(home), *self.end(home, scenario.command))
             self.check_ends(scenario)
 
-    def env(self, home):
-        return make_env(home, self.hub / "data", PRODUCT_DATA)
+    def env(self, home, drive=""):
+        return make_env(home, self.hub / "data", PRODUCT_DATA, drive=drive)
 
     def run_all(self, home, commands):
         home.mkdir(exist_ok=True)
@@ -168,25 +173,34 @@ class Stage:
             if wrong:
                 raise AssertionError(f"{scenario.name}, undisturbed: {wrong}")
 
-    def step(self, name, home, *options):
+    def run_program(self, home, program, *words, **env):
+        """Runs the program that is to be looked at."""
+        words = (str(word).format(home=f"{DRIVE}{home}") for word in words)
+        return run(*program, *words, env={**self.env(home, DRIVE), **env}, cwd=home.parent)
+
+    def step(self, home, point, counted):
         """Runs a scenario's command under the stepper. @return the process, and the calls that were counted"""
+        name, fault, scope, at, refused = point
         report = home.with_name("calls")
-        command = self.scenarios[name].command.format(home=home).split()
-        options = (*options, "--report", report, "--", PLAZ, "--quiet", "--no-progress", *command)
-        return run(STEPPER, *options, env=self.env(home), cwd=home.parent), report.read_text().splitlines()
+        order = f"{fault} {counted} {at} {DRIVE}{report}"
+        options = ["--do", fault] * (fault != NO_FAULT) + ["--refuse", refused] * bool(refused)
+        options += ["--kind", counted, f"--{scope}", "--at", str(at), "--report", report, "--", PLAZ]
+        stepper = [*WINDOWS[:-1], STEPPER] if WINDOWS else [STEPPER, *options]
+        words = ("--quiet", "--no-progress", *self.scenarios[name].command.split())
+        return self.run_program(home, stepper, *words, STEPPER=order), report.read_text().splitlines()
 
     @functools.cache
-    def find_calls(self, name, scope, kind, *options):
+    def find_calls(self, name, scope, kind, refused=""):
         """@return what is called at each point that a scenario has"""
         home = self.dir / "count" / "home"
-        copy_home(self.dir / name, home)
-        calls = self.step(name, home, f"--{scope}", "--kind", kind, *options)[1]
+        copy_home(self.dir / name, home, DRIVE)
+        calls = self.step(home, Point(name, "kill", scope, 0, refused), kind)[1]
         shutil.rmtree(home.parent)
         return calls
 
-    def find_exchanges(self, name, *options):
+    def find_exchanges(self, name, refused=""):
         """@return at which of the program's calls directories change places"""
-        calls = enumerate(self.find_calls(name, "alone", "write", *options), 1)
+        calls = enumerate(self.find_calls(name, "alone", "write", refused), 1)
         return [at for at, call in calls if re.search(r" rename(at2)? .*/\.incoming(\.old)?( ->|$)", call)]
 
     def run_point(self, point):
@@ -194,9 +208,9 @@ class Stage:
         slot = self.dir / f"slot-{threading.get_ident()}"
         shutil.rmtree(slot, ignore_errors=True)
         home = slot / "home"
-        copy_home(self.dir / point.scenario, home)
+        copy_home(self.dir / point.scenario, home, DRIVE)
         try:
-            result, calls = self.bring_in(point, home)
+            result, calls = self.step(home, point, get_counted(point.kind))
             if len(calls) < point.at:
                 return None, []
             return calls[-1].replace(str(home), "@"), [*self.judge(point, home, result)]
@@ -204,11 +218,6 @@ class Stage:
             return "?", [("bad end", repr(failure))]
         finally:
             shutil.rmtree(slot)
-
-    def bring_in(self, point, home):
-        options = [f"--{point.scope}", "--kind", get_counted(point.kind), "--at", str(point.at)]
-        options += ["--do", point.kind] * (point.kind != NO_FAULT) + ["--refuse", point.refused] * bool(point.refused)
-        return self.step(point.scenario, home, *options)
 
     def judge(self, point, home, result):
         scenario, (old, old_next, new, new_next) = self.scenarios[point.scenario], self.ends[point.scenario]
@@ -218,10 +227,12 @@ class Stage:
         lacking = [*found.describe_difference(new, old)]
         if result.returncode == 0:
             yield from ((early, text) for text in lacking)
-        elif point.kind in (*ERRORS, NO_FAULT) and not any(
+        elif point.kind not in ENDS and not any(
             word in result.stderr.lower() for word in ("error", "critical warning")
         ):
             yield bad, f"exit {result.returncode} without a word: {result.stderr[-300:]!r}"
+        elif point.kind == "hold-once":
+            yield bad, f"exit {result.returncode}, though it passes: {result.stderr[-300:]!r}"
         if result.returncode > 130 and point.kind not in ("kill", "kill-all"):
             yield bad, f"exit {result.returncode}"
         if point.kind == NO_FAULT and point.refused in DISKS:
@@ -248,7 +259,7 @@ class Stage:
 
         shutil.rmtree(home)
         saved.rename(home)
-        status, error, _ = self.run_plaz(home, scenario.command.format(home=home))
+        status, error, _ = self.run_plaz(home, scenario.command)
         again = Home(home, self.origin)
         if status and lacking and ALREADY_GONE not in error:  # the start itself may have finished a removal
             yield unfinished, f"{fault}, the same again fails: {error}"
@@ -266,10 +277,10 @@ class Stage:
 
     def run_plaz(self, home, command):
         """@return exit status, error and list of items"""
-        result = run(PLAZ, "--json", *command.split(), env=self.env(home), cwd=home.parent)
+        result = self.run_program(home, PROGRAM, "--json", *command.split())
         document = json.loads(result.stdout or "{}")
         return result.returncode, document.get("error", result.stderr[-300:]), document.get("items", [])
 
 
 def get_counted(kind):
-    return "open" if kind == "EMFILE" else "write"
+    return "open" if kind in ("EMFILE", *HOLDS) else "write"

@@ -21,6 +21,9 @@ TREE = pathlib.Path(__file__).resolve().parents[2]
 BUILD = pathlib.Path(os.environ.get("PLAZ_BUILD", TREE / "build/release")).resolve()
 PLAZ = BUILD / "bin/plaz"
 PRODUCT_DATA = BUILD / "share/plaz/data"
+# The program for Windows with what starts it, where a test looks at that, and the drive by which it finds our files.
+WINDOWS = os.environ["PLAZ_WINDOWS"].split(";") if "PLAZ_WINDOWS" in os.environ else []
+DRIVE = "Z:" if WINDOWS else ""
 TEXT = {"encoding": "utf-8", "stdout": subprocess.PIPE, "stderr": subprocess.PIPE}
 SCRATCH = tempfile.TemporaryDirectory(prefix="plaz-test-")  # gone at the end of the process
 
@@ -28,11 +31,12 @@ SCRATCH = tempfile.TemporaryDirectory(prefix="plaz-test-")  # gone at the end of
 STEERING = re.compile("(GDA|ZENTOR|PLAZ|GIT|PIP|JAVA|XDG|LC|SSL)_|PYTHON|TCL|LANG|HOME|.*_proxy$", re.IGNORECASE)
 
 
-def make_env(home, *data_roots, **more):
-    """The environment of a user at @p home, with the hub that the data roots describe."""
+def make_env(home, *data_roots, drive="", **more):
+    """The environment of a user at @p home, with the hub that the data roots describe, all on a drive."""
     env = {name: value for name, value in os.environ.items() if not STEERING.match(name)}
-    roots = os.pathsep.join(map(str, data_roots))
-    return {**env, "HOME": str(home), "GDA_APPDATA_DIR": str(home), "GDA_DATA_DIR": roots, "LC_ALL": "C.UTF-8", **more}
+    roots = (";" if drive else os.pathsep).join(f"{drive}{root}" for root in data_roots)
+    places = {"HOME": str(home), "GDA_APPDATA_DIR": f"{drive}{home}", "GDA_DATA_DIR": roots}
+    return {**env, **places, "LC_ALL": "C.UTF-8", **more}
 
 
 def read_cache():

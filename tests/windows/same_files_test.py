@@ -1,18 +1,16 @@
 """Does the same on both systems, in the same place, and compares; the catalogs have CRLF on Windows."""
 
-import os
 import re
 
-from support.hubtest import PLAZ, PRODUCT_DATA, HubTest, make_env, run
+from support.hubtest import DRIVE, PLAZ, PRODUCT_DATA, WINDOWS, HubTest, make_env, run
 
 RECORDS = ("plaz_local_db.json", "plaz_stores.json", "preferences.json")
 
 
 class SameFilesTest(HubTest):
-    def work(self, program, drive="", separator=":"):
+    def work(self, program, drive=""):
         """@return what the program prints, the names of what it leaves, and the bytes of what it records"""
-        roots = f"{drive}{self.data}{separator}{drive}{PRODUCT_DATA}"
-        env = make_env(f"{drive}{self.home}", HOME=str(self.dir), GDA_DATA_DIR=roots)
+        env = make_env(self.home, self.data, PRODUCT_DATA, drive=drive, HOME=str(self.dir))
         printed = []
         for words in (
             ["items", "--all-revisions"],
@@ -37,7 +35,5 @@ class SameFilesTest(HubTest):
         self.home.rename(self.dir / "native")
         for file in self.data.rglob("*.json"):
             file.write_bytes(re.sub(rb"\r?\n", b"\r\n", file.read_bytes()))
-        for what, ours, theirs in zip(
-            ("prints", "leaves", "records"), native, self.work(os.environ["PLAZ_WINDOWS"].split(";"), "Z:", ";")
-        ):
+        for what, ours, theirs in zip(("prints", "leaves", "records"), native, self.work(WINDOWS, DRIVE)):
             self.check(what, theirs, ours)

@@ -234,6 +234,24 @@ bool removeEntry(const std::wstring& name, DWORD attributes, Patience& patience)
     return untilGone(name, RemoveDirectoryW, patience);
 }
 
+bool flushFile(const std::wstring& name, Patience& patience) {
+    const bool wasReadOnly = makeWriteable(name);
+    const bool isFlushed = patience.untilDone([&name] {
+        const Handle file = open(name, GENERIC_WRITE);
+        return flushFile(file) ? 0 : GetLastError();
+    });
+    if (wasReadOnly) SetFileAttributesW(name.c_str(), GetFileAttributesW(name.c_str()) | FILE_ATTRIBUTE_READONLY);
+    return isFlushed;
+}
+
+bool flushAll(const std::string& path, Patience& patience) {
+    const std::wstring name = toLongName(path);
+    if (!isDirectory(name)) return flushFile(name, patience);
+    const auto entries = listEntries(path);
+    return entries && std::all_of(entries->begin(), entries->end(),
+                                  [&](const std::string& entry) { return flushAll(path + "/" + entry, patience); });
+}
+
 /// Boost turns texts into names, and names into texts, by the rule of all others here: in UTF-8, and without an error
 /// for what is no text. It gives and wants all of a text at once, with room for it.
 class NameConversion : public std::codecvt<wchar_t, char, std::mbstate_t> {
@@ -357,17 +375,8 @@ bool canFlush(const std::string& path) {
 }
 
 bool flush(const std::string& path) {
-    const std::wstring name = toLongName(path);
-    if (!isDirectory(name)) {
-        const bool wasReadOnly = makeWriteable(name);
-        const Handle file = open(name, GENERIC_WRITE);
-        const bool isFlushed = flushFile(file);
-        if (wasReadOnly) SetFileAttributesW(name.c_str(), GetFileAttributesW(name.c_str()) | FILE_ATTRIBUTE_READONLY);
-        return isFlushed;
-    }
-    const auto entries = listEntries(path);
-    return entries && std::all_of(entries->begin(), entries->end(),
-                                  [&](const std::string& entry) { return flush(path + "/" + entry); });
+    Patience patience;
+    return flushAll(path, patience);
 }
 
 // Names are written through as they change.
@@ -380,7 +389,9 @@ bool isWriteable(const std::string& path) {
     const DWORD attributes = GetFileAttributesW(name.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES) return false;
     const bool isDirectory = (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
-    return static_cast<bool>(open(name, isDirectory ? FILE_ADD_FILE | FILE_ADD_SUBDIRECTORY : FILE_WRITE_DATA));
+    // Who may write to what another program keeps to itself may do so later.
+    return open(name, isDirectory ? FILE_ADD_FILE | FILE_ADD_SUBDIRECTORY : FILE_WRITE_DATA) ||
+           GetLastError() == ERROR_SHARING_VIOLATION;
 }
 
 std::string resolveLinks(const std::string& path, std::error_code& error) {

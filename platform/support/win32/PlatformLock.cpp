@@ -55,7 +55,7 @@ HUTFileLock::Result HUTFileLock::tryLock() {
         m_handle = reinterpret_cast<std::intptr_t>(CreateFileW(win32::toLongName(m_file).c_str(),
                                                                GENERIC_READ | GENERIC_WRITE, win32::shareAll, nullptr,
                                                                OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (m_handle == noHandle) return Result::unavailable;
+    if (m_handle == noHandle) return GetLastError() == ERROR_SHARING_VIOLATION ? Result::busy : Result::unavailable;
     if (m_isHeld) return Result::held;
     OVERLAPPED place = placeOfLock();
     m_isHeld =

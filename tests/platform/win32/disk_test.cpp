@@ -98,8 +98,8 @@ TEST(DiskTest, ReadOnlyFilesAreNoObstacle) {
     EXPECT_TRUE(test_system::isReadableByOthers(temp.path("file"))) << "the test cannot tell";
 }
 
-// Fault: what somebody reads for a moment is not replaced or removed; what stays open is lost, loses its attributes, or
-// leaves rubbish.
+// Fault: what somebody reads for a moment is not replaced, flushed or removed; what stays open is lost, loses its
+// attributes, or leaves rubbish.
 TEST(DiskTest, WhatIsOpenIsTriedAgain) {
     TempDir temp;
     const std::string file = temp.write("dir/file", "old");
@@ -122,6 +122,9 @@ TEST(DiskTest, WhatIsOpenIsTriedAgain) {
     EXPECT_TRUE(whileHeld(held, [&] { return HUTFile::writeAtomically(file, "new"); }));
     EXPECT_EQ(readFile(file), "new");
 
+    held = openForReading(file, FILE_SHARE_READ);
+    EXPECT_TRUE(HUTFile::isWriteable(file)) << "the right to write is there";
+    EXPECT_TRUE(whileHeld(held, [&] { return HUTFile::flush(temp.path("dir")); }));
     held = openForReading(file, FILE_SHARE_READ | FILE_SHARE_DELETE);
     EXPECT_TRUE(whileHeld(held, [&] { return HUTFile::rmRecursive(file) && !HUTFile::exists(file); }));
     held = openForReading(temp.path("dir"), FILE_SHARE_READ);

@@ -64,16 +64,19 @@ bool isInside(const HSCPlazTask& task, const HSCPlazQStore& store, const std::st
            !HUTFile::isBeneath(layout.getHiddenDir(), dir);
 }
 
-/// Whether the new files are in the item's place, or only have to be put there: where directories cannot change places
-/// in one step, a process may have ended between two of them.
-bool bringIntoPlace(const HSCPlazPendingChange& change, const std::string& incoming) {
+/// Where directories cannot change places in one step, a process may have ended between two of them. Puts the new
+/// files, if they are whole, or else the old ones into a place that is empty. @return false when they are kept from
+/// there
+bool fillPlace(const HSCPlazPendingChange& change, const std::string& incoming) {
     const std::string dir = change.item->getLocalDir();
-    if (change.identity.empty()) return true;
-    if (!HUTFile::exists(dir)) {
-        const bool isComing = HUTFile::getIdentity(incoming) == change.identity;
-        HUTFile::rename(isComing ? incoming : HUTFile::getAside(incoming), dir);
-    }
-    return HUTFile::getIdentity(dir) == change.identity;
+    if (change.identity.empty() || HUTFile::exists(dir)) return true;
+    const bool isComing = HUTFile::getIdentity(incoming) == change.identity;
+    const std::string files = isComing ? incoming : HUTFile::getAside(incoming);
+    return !HUTFile::exists(files) || HUTFile::rename(files, dir);
+}
+
+bool isInPlace(const HSCPlazPendingChange& change) {
+    return change.identity.empty() || HUTFile::getIdentity(change.item->getLocalDir()) == change.identity;
 }
 
 bool isRecorded(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change) {
@@ -84,12 +87,14 @@ bool isRecorded(const HSCPlazFoundItem& found, const HSCPlazPendingChange& chang
            item.getInstallationMode() == change.item->getInstallationMode();
 }
 
-void removeLeftovers(const HSCPlazStoreLayout& layout) {
+bool removeLeftovers(const HSCPlazStoreLayout& layout) {
+    bool areGone = true;
     for (const std::string& leftover :
          {layout.getStaging(), layout.getIncoming(), HUTFile::getAside(layout.getIncoming())})
-        if (HUTFile::exists(leftover)) HUTFile::rmRecursive(leftover);
+        areGone = HUTFile::rmRecursive(leftover) && areGone;
     for (const std::string& dir : {layout.getArea(), layout.getHiddenDir(), layout.getIndex()})
-        HUTFile::removeTemporaries(dir);
+        areGone = HUTFile::removeTemporaries(dir) && areGone;
+    return areGone;
 }
 
 void removeStaleTrees(const HSCPlazTask& task) {
@@ -173,7 +178,7 @@ void HSCPlazItemChanges::finishAtStart(HSCPlazWorkspace& workspace) {
 bool HSCPlazItemChanges::runLocked(HSCPlazTask& task, const std::function<bool(HSCPlazItemChanges&)>& work) {
     HSCPlazItemChanges changes(task);
     changes.finishInterrupted();
-    if (changes.m_isStuck) return false; // another change would take the place of the note
+    if (changes.m_isUnfinished) return false; // another change would take the place of the note
     removeLeftovers(task);
     bool isDone = false;
     try {
@@ -253,7 +258,14 @@ HSCPlazPendingChange HSCPlazItemChanges::toRemoval(const HSCPlazFoundItem& found
 }
 
 bool HSCPlazItemChanges::announce(const HSCPlazPendingChange& change) {
+    if (m_isUnfinished) return false; // the note says of what, and why has been told
     return m_note.write(change) || m_task.fail(Msg::databaseNotSaved, m_note.getFile());
+}
+
+void HSCPlazItemChanges::withdraw(HSCPlazPendingChange change, const std::string& incoming) {
+    change.identity = "none";
+    m_note.write(change);
+    m_isUnfinished = !HUTFile::exists(change.item->getLocalDir()) && HUTFile::exists(HUTFile::getAside(incoming));
 }
 
 bool HSCPlazItemChanges::put(const HSCPlazFoundItem& found, HSCPlazPendingChange change,
@@ -262,11 +274,17 @@ bool HSCPlazItemChanges::put(const HSCPlazFoundItem& found, HSCPlazPendingChange
     const std::string dir = change.item->getLocalDir();
     if (!HSCPlazOwnFiles::keepAside(m_task, found, dir, incoming)) return false;
     change.identity = HUTFile::getIdentity(incoming);
-    if (!HUTFile::flush(incoming)) return m_task.fail(Msg::dirNotWritable, incoming);
+    if (change.identity.empty() || !HUTFile::flush(incoming)) return m_task.fail(Msg::dirNotWritable, incoming);
     if (!announce(change)) return false;
-    if (!HUTFile::exchangeDirectories(incoming, dir)) return m_task.fail(obstacle);
+    if (!HUTFile::exchangeDirectories(incoming, dir)) {
+        withdraw(change, incoming);
+        return m_task.fail(obstacle);
+    }
     if (record(found, change)) return true;
-    m_isStuck = !undo(incoming, dir);
+    if (undo(incoming, dir))
+        withdraw(change, incoming);
+    else
+        m_isUnfinished = true;
     return giveUp(*found.store);
 }
 
@@ -325,12 +343,18 @@ void HSCPlazItemChanges::finishInterrupted() {
     if (!change.place.empty()) {
         const HSCPlazStoreLayout layout(change.place, change.place);
         takeBackCatalog(layout);
-        return removeLeftovers(layout);
+        removeLeftovers(layout);
+        return;
     }
     if (store && !change.files.empty()) return finishFiles(change, *store);
     if (!change.item || !store || !isInside(m_task, *store, change.item->getLocalDir())) return;
     const std::string name = change.item->getName();
-    if (!bringIntoPlace(change, incomingOf(m_task, *store))) {
+    m_isUnfinished = !fillPlace(change, incomingOf(m_task, *store));
+    if (m_isUnfinished) {
+        m_task.fail(Msg::dirNotWritable, change.item->getLocalDir());
+        return;
+    }
+    if (!isInPlace(change)) {
         m_task.tell(Msg::changeUndone, MsgSeverity::warning, name);
         describeReturned(m_task, *store);
         return;
@@ -343,15 +367,15 @@ void HSCPlazItemChanges::finishInterrupted() {
         HSCPlazInstalledState::addMissingItems(*store);
     }
     const HSCPlazFoundItem found{store, store->getItem(name, change.item->getRevision())};
-    m_isStuck = found && !record(found, change);
-    if (!m_isStuck) m_task.tell(Msg::changeFinished, MsgSeverity::warning, name);
+    m_isUnfinished = found && !record(found, change);
+    if (!m_isUnfinished) m_task.tell(Msg::changeFinished, MsgSeverity::warning, name);
 }
 
 void HSCPlazItemChanges::finishFiles(const HSCPlazPendingChange& change, const HSCPlazQStore& store) {
     const HSCPlazStoreLayout layout = m_task.getWorkspace().paths.getStoreLayout(*store.getModel());
     const std::string obstacle = HSCPlazFetchedFiles::moveIn(layout.getIncoming(), layout.getArea(), change.files);
-    m_isStuck = !obstacle.empty();
-    if (m_isStuck)
+    m_isUnfinished = !obstacle.empty();
+    if (m_isUnfinished)
         m_task.fail(Msg::dirNotWritable, obstacle);
     else
         m_note.forget();
@@ -383,13 +407,15 @@ bool HSCPlazItemChanges::removeUnneeded() {
 
 bool HSCPlazItemChanges::end() {
     const bool isChanged = m_note.exists();
-    if (isChanged && !m_note.read().files.empty()) return false; // of a catalog that could not be put into its place
+    const HSCPlazPendingChange change = isChanged ? m_note.read() : HSCPlazPendingChange();
+    if (m_isUnfinished || !change.files.empty()) return false; // files could not be put into their place
+    const bool isClean = change.place.empty() || removeLeftovers(HSCPlazStoreLayout(change.place, change.place));
     // What keeps items that nobody needs from going concerns who changes what is installed, and nobody else.
     m_isBlocked = m_isBlocked || !isChanged;
     const bool areGone = removeUnneeded() || m_isBlocked; // what was to be done is done all the same
     if (m_note.exists()) {
         removeStaleTrees(m_task);
-        if (!m_isStuck) m_note.forget();
+        if (!m_isStuck && isClean) m_note.forget();
     }
     return areGone && m_isSound && (!m_isStuck || m_isBlocked);
 }

@@ -61,6 +61,9 @@ private:
     HSCPlazPendingChange toInstallation(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode) const;
     static HSCPlazPendingChange toRemoval(const HSCPlazFoundItem& found, const std::string& dir);
     bool announce(const HSCPlazPendingChange& change);
+    /// What was announced does not happen. The note says so before the new files go, of which some may resist: nobody
+    /// is to take these for whole.
+    void withdraw(HSCPlazPendingChange change, const std::string& incoming);
     bool put(const HSCPlazFoundItem& found, HSCPlazPendingChange change, const HSCPlazReport& obstacle);
     bool record(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change);
     bool save(HSCPlazQStore& store);
@@ -73,7 +76,8 @@ private:
     HSCPlazTask& m_task;
     const HSCPlazChangeNote m_note;
     bool m_isSound = true;                     ///< all that was to be recorded was
-    bool m_isStuck = false;                    ///< the note has to stay
+    bool m_isStuck = false;                    ///< the note has to stay, since something else does
+    bool m_isUnfinished = false;               ///< the note has to stay as it is, since what it says is only half done
     bool m_isBlocked = false;                  ///< what is needed is not known, and that has been told
     std::set<const HSCPlazQItem*> m_obstinate; ///< what could not be removed
 };
