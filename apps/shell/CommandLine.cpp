@@ -151,10 +151,10 @@ void addCommands(CLI::App& app, Options& options) {
     CLI::App* shell = app.add_subcommand("shell", "Run Tcl with the hub's commands: plaz shell [SCRIPT [ARG...]]");
     shell->prefix_command()->fallthrough(false); // what stands behind SCRIPT is the script's
     addSharedOptions(*shell, options);
-    shell->footer(
-        "Commands: plaz::get_qstores, plaz::get_qitems, plaz::install, plaz::uninstall, plaz::update, "
-        "plaz::refresh_catalog, get_property, set_param and others; each takes -help. Without SCRIPT they are "
-        "read from standard input.");
+    shell->footer("Commands: plaz::get_qstores, plaz::get_qitems, plaz::install, plaz::uninstall, plaz::update, "
+                  "plaz::verify, plaz::repair, plaz::refresh_catalog, get_property, set_param and others; each takes "
+                  "-help. Without SCRIPT they are "
+                  "read from standard input.");
     CLI::App* validate = app.add_subcommand("validate", "Check metadata files against their schemas");
     validate->add_option("FILE", options.files, "Hub, configuration, store, catalog, item or database files")
         ->type_name("")

@@ -142,13 +142,8 @@ void TextOutput::showFiles(const std::vector<HSCPlazFilesResult>& results) {
         if (m_quiet && result.isDone()) continue;
         table.addRow({HSCPlazFilesResult::nameOf(result.outcome),
                       ItemReference{result.store, result.name, result.revision}.toText(), result.directory});
-        const auto addFiles = [&](const char* what, const std::vector<std::string>& files) {
-            for (const std::string& file : files) table.addRow({"", std::string(what) + " " + file, ""});
-        };
-        addFiles("changed", result.changed);
-        addFiles("missing", result.missing);
-        addFiles("unreadable", result.unreadable);
-        addFiles("additional", result.additional);
+        for (const auto& [state, files] : result.list())
+            for (const std::string& file : *files) table.addRow({"", std::string(state) + " " + file, ""});
     }
     table.print(m_out);
 }

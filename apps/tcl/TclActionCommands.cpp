@@ -13,14 +13,19 @@
 #include "support/HDGUIStatus.h"
 
 #include <algorithm>
+#include <functional>
 
 namespace {
 
 using Items = std::vector<HSCPlazQItem*>;
 using Stores = std::vector<HSCPlazQStore*>;
+/// The installed revisions that a reference means, in a store or, for "", in all.
+using Resolve = std::function<Items(const ItemReference& reference, const std::string& store)>;
 
 HubActions makeActions(const TclCall& call) {
-    return HubActions(requireHub(), call.getStatus(), {call.has(commandOptions::quiet)});
+    return HubActions(requireHub(), call.getStatus(),
+                      {call.has(commandOptions::quiet), call.has(commandOptions::discardChanges),
+                       call.has(commandOptions::reinstall)});
 }
 
 /// The result of a command is how many parts it had; one of which something failed ends with the reason.
@@ -58,34 +63,73 @@ bool hasInstalled(const HSCPlazQItem& item) {
 /// named.
 /// RATIONALE: a list of objects, as a look-up by name or pattern gives it, may hold items that are not installed; they
 /// are passed over where others are. A text that means one is an error, as in the program.
-Items resolveInstalled(const TclCall& call, HubQueries::Resolve resolve) {
-    const HubQueries queries(requireHub());
+Items resolveInstalled(const TclCall& call, const Resolve& resolve) {
     Items items;
+    const auto add = [&](const Items& meant) {
+        for (HSCPlazQItem* item : meant) addOnce(items, *item);
+    };
     std::string notInstalled;
     for (const Meant& meant : readItems(call)) {
         if (!meant.item) {
             if (meant.store) requireItem(meant);
-            addOnce(items, (queries.*resolve)(requireReference(meant.getText()), ""));
+            add(resolve(requireReference(meant.getText()), ""));
         } else if (meant.item->IsInstalled()) {
-            addOnce(items, *meant.item);
+            add({meant.item});
         } else if (hasInstalled(*meant.item)) {
-            addOnce(items, (queries.*resolve)({{}, meant.item->getName(), {}}, meant.item->getStoreName()));
+            add(resolve({{}, meant.item->getName(), {}}, meant.item->getStoreName()));
         } else if (notInstalled.empty()) {
             notInstalled = ItemReference::of(*meant.item).toText();
         }
     }
     if (items.empty() && !notInstalled.empty()) failWith(Msg::itemNotInstalled, notInstalled);
-    return items;
+    return requireSome(items);
+}
+
+Resolve toOne(HubQueries::Resolve resolve) {
+    return [resolve](const ItemReference& reference, const std::string& store) {
+        return Items{&(HubQueries(requireHub()).*resolve)(reference, store)};
+    };
 }
 
 Tcl_Obj* uninstall(const TclCall& call) {
-    const Items items = resolveInstalled(call, &HubQueries::resolveInstalled);
-    return answer(call, makeActions(call).uninstall(requireSome(items)));
+    return answer(call, makeActions(call).uninstall(resolveInstalled(call, toOne(&HubQueries::resolveInstalled))));
 }
 
 Tcl_Obj* update(const TclCall& call) {
-    const Items items = resolveInstalled(call, &HubQueries::resolveForUpdate);
-    return answer(call, makeActions(call).update(requireSome(items)));
+    return answer(call, makeActions(call).update(resolveInstalled(call, toOne(&HubQueries::resolveForUpdate))));
+}
+
+/// Every installed revision of what words mean, of all items without a word.
+Items resolveRevisions(const TclCall& call) {
+    const HubQueries queries(requireHub());
+    if (call.getWords().empty()) return queries.findRecorded("");
+    return resolveInstalled(call, [&](const ItemReference& reference, const std::string& store) {
+        return queries.resolveRevisions(reference, store, false);
+    });
+}
+
+/// Adds the triples of one item: the item, what is wrong with a file, and the file.
+void addFiles(Tcl_Obj* triples, HSCPlazQItem& item, const HSCPlazFilesResult& result) {
+    for (const auto& [state, files] : result.list())
+        for (const std::string& file : *files)
+            for (Tcl_Obj* element : {scriptOf(item), makeText(state), makeText(file)})
+                Tcl_ListObjAppendElement(nullptr, triples, element);
+}
+
+/// RATIONALE: damage is what the command is asked for, and no failure; not to know of it is.
+Tcl_Obj* verify(const TclCall& call) {
+    const Items items = resolveRevisions(call);
+    const FilesResult result = makeActions(call).verify(items);
+    if (call.getStatus().isCanceled()) failWith(ShellMsg::cancelled);
+    for (const HSCPlazFilesResult& part : result.parts)
+        if (part.outcome == HSCPlazFilesResult::Outcome::unknown) throw HEXAll(*part.report.findProblem());
+    Tcl_Obj* triples = Tcl_NewListObj(0, nullptr);
+    for (std::size_t i = 0; i < items.size(); ++i) addFiles(triples, *items[i], result.parts[i]);
+    return triples;
+}
+
+Tcl_Obj* repair(const TclCall& call) {
+    return answer(call, makeActions(call).repair(resolveRevisions(call)));
 }
 
 Tcl_Obj* refresh(const TclCall& call) {
@@ -102,23 +146,39 @@ Tcl_Obj* refresh(const TclCall& call) {
     return answer(call, makeActions(call).refresh(requireSome(words.empty() ? requireHub().getStores() : stores)));
 }
 
-TclCommand actionCommand(const char* name, const char* description, Tcl_Obj* (*run)(const TclCall&)) {
-    return {name, "items ...", description, tclOptions({commandOptions::quiet}), TclSubject::items, false, run};
+TclCommand actionCommand(const char* name, const char* arguments, const char* description,
+                         std::initializer_list<CommandOption> options, Tcl_Obj* (*run)(const TclCall&)) {
+    return {name, arguments, description, tclOptions(options), TclSubject::items, false, run};
 }
 
 } // namespace
 
 const std::vector<TclCommand>& actionCommands() {
+    using namespace commandOptions;
     static const std::vector<TclCommand> commands{
-        actionCommand("plaz::install", "Installs items and what they need. The result is how many were named.",
-                      install),
-        actionCommand("plaz::uninstall",
-                      "Removes items and what nothing else needs. The result is how many were named.", uninstall),
-        actionCommand("plaz::update", "Brings installed items up to date. The result is how many were named.", update),
+        actionCommand("plaz::install", "items ...",
+                      "Installs items and what they need. The result is how many were named.",
+                      {quiet, reinstall, discardChanges}, install),
+        actionCommand("plaz::uninstall", "items ...",
+                      "Removes items and what nothing else needs. The result is how many were named.",
+                      {quiet, discardChanges}, uninstall),
+        actionCommand("plaz::update", "items ...",
+                      "Brings installed items up to date. The result is how many were named.", {quiet, discardChanges},
+                      update),
+        actionCommand(
+            "plaz::verify", "?items ...?",
+            "Compares the files of installed items, all without a word, with those of the recorded commits. "
+            "The result is a list with three elements for each file that is not as installed: the item, "
+            "\"changed\", \"missing\", \"unreadable\" or \"additional\", and the file in the item's directory.",
+            {}, verify),
+        actionCommand("plaz::repair", "?items ...?",
+                      "Brings back files of installed items, all without a word, that were changed or are missing. The "
+                      "result is how many items that were.",
+                      {quiet, discardChanges}, repair),
         {"plaz::refresh_catalog", "?stores ...?",
          "Fetches the catalogs of stores, all without a word, and what they say of items, which are new objects then; "
          "with -hub the stores are, too. The result is how many stores were fetched.",
-         tclOptions({commandOptions::quiet, commandOptions::hub}), TclSubject::stores, false, refresh},
+         tclOptions({quiet, hub}), TclSubject::stores, false, refresh},
     };
     return commands;
 }

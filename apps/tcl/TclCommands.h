@@ -8,8 +8,9 @@ struct TclCommand;
 struct Tcl_Interp;
 
 /// Gives an interpreter the hub's commands: plaz::get_qstores, plaz::get_qitems, plaz::install, plaz::uninstall,
-/// plaz::update, plaz::refresh_catalog, get_property, set_property, list_property, report_property,
-/// current_solvan_preferences, set_param, get_param, list_param, reset_param and report_param. Each takes -help.
+/// plaz::update, plaz::verify, plaz::repair, plaz::refresh_catalog, get_property, set_property, list_property,
+/// report_property, current_solvan_preferences, set_param, get_param, list_param, reset_param and report_param. Each
+/// takes -help.
 ///
 /// Prints the commands that come through HSCPlazSwigIntf from now on, unless the parameter
 /// "plaz.echoCommandFromToolSettings" is off. May be called again.

@@ -92,7 +92,8 @@ TEST_F(TclCommandsTest, refusesWhatItCannotUse) {
     const std::string deep = "plaz::get_qitems -filter {" + std::string(100000, '(') + "}";
     const std::string longName = "plaz::install " + std::string(1000000, 'n');
     check(
-        {{"plaz::install", "!TCL WRONGARGS: wrong # args: should be \"plaz::install ?-quiet? items ...\""},
+        {{"plaz::install", "!TCL WRONGARGS: wrong # args: should be \"plaz::install ?-quiet? ?-reinstall? "
+                           "?-discard_changes? items ...\""},
          {"plaz::get_qitems -bogus",
           "!TCL LOOKUP INDEX option -bogus: bad option \"-bogus\": must be -store, -filter, ..."},
          {"plaz::install {}", "!PLAZ 17-2205..."},
@@ -106,6 +107,10 @@ TEST_F(TclCommandsTest, refusesWhatItCannotUse) {
          {"plaz::refresh_catalog {}", "!PLAZ 17-2205..."},
          {"plaz::uninstall x", "!PLAZ 17-2165..."},
          {"plaz::update [plaz::get_qitems x]", "!PLAZ 17-2165..."},
+         {"plaz::verify x", "!PLAZ 17-2165..."},
+         {"plaz::verify [plaz::get_qitems x]", "!PLAZ 17-2165..."},
+         {"plaz::repair {}", "!PLAZ 17-2205..."},
+         {"plaz::verify -quiet", "!TCL LOOKUP..."},
          {"plaz::install \\{nix", "!PLAZ 17-2181..."},
          {"plaz::install {[exit] $x}", "!PLAZ 17-2181..."},
          {"plaz::install \"x\\0y\"", "!PLAZ 17-2209..."},
@@ -152,6 +157,34 @@ TEST_F(TclCommandsTest, actsOnObjectsAndNames) {
     check({{"plaz::uninstall x", "!PLAZ CANCELLED..."}});
     status.setState(HDGUIStatus::running);
     check({{"plaz::get_qitems -installed", "x {my board}"}});
+}
+
+// Catches: a file that is missed or told of another revision, damage that ends a script, a user's work lost or kept
+// against their will.
+TEST_F(TclCommandsTest, comparesAndRepairsFiles) {
+    check(
+        {{"plaz::verify; plaz::repair", "0"},
+         {"plaz::install -quiet x@1 x@2 tool", "3"},
+         {"plaz::verify [plaz::get_qitems] tool", ""},
+         {"proc at {item file} {file join [get_property LOCAL_DIRECTORY $item] $file}\n"
+          "proc put {item file} {set f [open [at $item $file] w]; puts $f mine; close $f}\n"
+          "put x@1 {my own}; put tool body.txt; file delete [at kit body.txt]; plaz::verify",
+          "x@1 additional {my own} kit missing body.txt tool changed body.txt"},
+         {"plaz::verify x kit", "x@1 additional {my own} kit missing body.txt"},
+         {"plaz::verify [plaz::get_qitems x]", ""},
+         {"foreach {item state file} [plaz::verify] {append left [get_property NAME $item] [string index $state 0]}\n"
+          "set left",
+          "xakitmtoolc"},
+         {"plaz::repair -quiet -discard_changes tool; plaz::verify kit tool", "kit missing body.txt"},
+         {"plaz::repair -quiet; put kit body.txt; plaz::repair -quiet kit", "1"},
+         {"plaz::verify", "x@1 additional {my own}"},
+         {"put x@1 body.txt; plaz::install -quiet x@1; plaz::verify x", "x@1 changed body.txt x@1 additional {my own}"},
+         {"plaz::install -quiet -reinstall -discard_changes x@1; plaz::verify", ""},
+         {"put kit {my own}; plaz::uninstall -quiet -discard_changes tool; plaz::get_qitems -installed", "x"}});
+    const Names ids = takeIds();
+    EXPECT_EQ(std::count(ids.begin(), ids.end(), "17-2231"), 1) << "what was kept";
+    HUTFile::rmRecursive(files.area("board_store/.plaz"));
+    check({{"plaz::verify", "!PLAZ 17-2237..."}});
 }
 
 // Catches: values of the wrong form, a preference or parameter that is not kept or not saved without a word, secrets

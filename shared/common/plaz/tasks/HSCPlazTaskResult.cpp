@@ -48,6 +48,10 @@ const char* HSCPlazFilesResult::nameOf(Outcome outcome) {
     return "unknown";
 }
 
+std::vector<std::pair<const char*, const std::vector<std::string>*>> HSCPlazFilesResult::list() const {
+    return {{"changed", &changed}, {"missing", &missing}, {"unreadable", &unreadable}, {"additional", &additional}};
+}
+
 std::string HSCPlazFilesResult::join(const std::vector<std::string>& files) {
     constexpr std::size_t shown = 10;
     std::string text;

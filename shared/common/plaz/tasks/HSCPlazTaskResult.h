@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <string>
+#include <utility>
 #include <vector>
 
 class HSCPlazQItem;
@@ -61,6 +62,8 @@ struct PLAZ_API HSCPlazFilesResult {
     /// "whole", "damaged", "unknown".
     static const char* nameOf(Outcome outcome);
     bool isDone() const { return outcome == Outcome::whole; }
+    /// The lists of files with what they are: "changed", "missing", "unreadable" and "additional". Of this object.
+    std::vector<std::pair<const char*, const std::vector<std::string>*>> list() const;
     /// What is wrong, for people: "changed: a, b; missing: c".
     std::string describe() const;
     /// "a, b, c": at most ten of them, then "...".
