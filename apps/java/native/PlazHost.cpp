@@ -1,6 +1,12 @@
 // What a design tool does for the hub, done for a program in Java: see PlazHost.java.
 
+#include "Failure.h"
+#include "HubActions.h"
+#include "HubQueries.h"
+#include "ShellMsg.h"
 #include "TclCommands.h"
+#include "TclObjects.h"
+#include "TclText.h"
 
 #include "plaz/HSCPlazParams.h"
 #include "plaz/bindings/java/JniSupport.h"
@@ -71,6 +77,64 @@ private:
     jmethodID m_progress;
 };
 
+std::vector<std::string> toNative(JNIEnv* env, jobjectArray texts) {
+    std::vector<std::string> natives;
+    const jsize count = env->GetArrayLength(texts);
+    for (jsize i = 0; i < count; ++i) {
+        auto* const text = static_cast<jstring>(env->GetObjectArrayElement(texts, i));
+        natives.push_back(jni::toNative(env, text));
+        env->DeleteLocalRef(text);
+    }
+    return natives;
+}
+
+/// Null, with an exception on its way, when Java's memory is exhausted.
+jobjectArray toJava(JNIEnv* env, const std::vector<std::string>& natives) {
+    jclass type = env->FindClass("java/lang/String");
+    jobjectArray texts = type ? env->NewObjectArray(static_cast<jsize>(natives.size()), type, nullptr) : nullptr;
+    for (jsize i = 0; texts && i < static_cast<jsize>(natives.size()); ++i) {
+        jstring text = jni::toJava(env, natives[static_cast<std::size_t>(i)]);
+        if (!text) return nullptr;
+        env->SetObjectArrayElement(texts, i, text);
+        env->DeleteLocalRef(text);
+    }
+    return texts;
+}
+
+std::vector<HSCPlazQItem*> resolve(const std::vector<std::string>& references) {
+    const HubQueries queries(requireHub());
+    if (references.empty()) return queries.findRecorded("");
+    std::vector<HSCPlazQItem*> items;
+    for (const std::string& reference : references)
+        for (HSCPlazQItem* item : queries.resolveRevisions(requireReference(reference), "", false))
+            addOnce(items, *item);
+    return items;
+}
+
+/// Triples of an item, what is known of its files or of one of them, and that file or "".
+/// RATIONALE: not by the Tcl command, whose objects do not tell in their text which store and revision they are of, and
+/// which fails for all items when nobody knows of one what its files should be.
+std::vector<std::string> compare(const std::vector<std::string>& references) {
+    const FilesResult result = HubActions(requireHub(), commandStatus(), {}).verify(resolve(references));
+    if (commandStatus().isCanceled()) failWith(ShellMsg::cancelled);
+    std::vector<std::string> triples;
+    for (const HSCPlazFilesResult& part : result.parts) {
+        const std::string item = ItemReference{part.store, part.name, part.revision}.toText();
+        const auto add = [&](const char* state, const std::string& file) {
+            triples.insert(triples.end(), {item, state, file});
+        };
+        if (part.outcome != HSCPlazFilesResult::Outcome::damaged) add(HSCPlazFilesResult::nameOf(part.outcome), "");
+        for (const auto& [state, files] : part.list())
+            for (const std::string& file : *files) add(state, file);
+    }
+    return triples;
+}
+
+void repair(std::vector<std::string> references) {
+    references.insert(references.begin(), "plaz::repair");
+    hdi::tcltasks::task_manager::eval_in_tcl_throw(textOf(TclRef(makeList(references)).get()), nullptr, false);
+}
+
 } // namespace
 
 JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_startHub(JNIEnv* env, jclass host) {
@@ -101,4 +165,14 @@ JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_cancel(JNIEnv* env, jc
 
 JNIEXPORT jstring JNICALL Java_ui_frmwork_plaz_host_PlazHost_getUserDirectory(JNIEnv* env, jclass) {
     return guard(env, [] { return HUTEnv::getHDIAppDataDir(); });
+}
+
+JNIEXPORT jobjectArray JNICALL Java_ui_frmwork_plaz_host_PlazHost_compare(JNIEnv* env, jclass, jobjectArray items) {
+    jobjectArray triples = nullptr;
+    guard(env, [&] { triples = toJava(env, compare(toNative(env, items))); });
+    return triples;
+}
+
+JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_repair(JNIEnv* env, jclass, jobjectArray items) {
+    guard(env, [&] { repair(toNative(env, items)); });
 }

@@ -12,6 +12,7 @@ import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
+import java.util.function.Consumer;
 import java.util.stream.Stream;
 import java.util.stream.StreamSupport;
 import org.junit.jupiter.api.AfterAll;
@@ -23,6 +24,8 @@ import org.junit.jupiter.api.Test;
 import org.junit.jupiter.api.TestMethodOrder;
 import ui.frmwork.cmd.CommandFailedException;
 import ui.frmwork.plaz.host.PlazHost;
+import ui.frmwork.plaz.host.PlazHost.FileState;
+import ui.frmwork.plaz.host.PlazHost.Finding;
 
 /** The sample hub, from the first refresh on; each test goes on where the one before stopped. */
 @TestMethodOrder(MethodOrderer.OrderAnnotation.class)
@@ -173,7 +176,7 @@ class HubTest {
     /** Catches: an action that goes elsewhere, whose failure or message gets lost on the way to Java, or is cut off. */
     @Test
     @Order(3)
-    void itemsAreInstalledAndRemoved() {
+    void itemsAreInstalledAndRemoved() throws IOException {
         assertTrue(PlazSwigIntf.install(item("boards", "aurora"), STATUS, RECORD), TOLD::toString);
         assertTold("INFO 17-1573 ");
         PlazItem aurora = item("boards", "boards::aurora@2.0");
@@ -181,6 +184,22 @@ class HubTest {
         assertTrue(Files.isRegularFile(Path.of(aurora.getLocalRootDir(), "board.xml")), aurora.getLocalRootDir());
         assertFalse(aurora.getHistory().isEmpty());
         assertFalse(aurora.NeedsRefresh());
+        Path directory = Path.of(aurora.getLocalRootDir());
+        Files.writeString(directory.resolve("board.xml"), "mine");
+        Files.writeString(directory.resolve("größe \ud83d\ude00"), "mine, too");
+        Finding added = new Finding("boards::aurora@2.0", FileState.ADDITIONAL, "größe \ud83d\ude00");
+        assertEquals(List.of(new Finding("boards::aurora@2.0", FileState.CHANGED, "board.xml"), added),
+                PlazHost.verify("boards::aurora"));
+        assertTold("ERROR 17-2236 ");
+        PlazHost.repair("boards::aurora@2.0");
+        assertTold("WARNING 17-2231 ");
+        List<Finding> all = PlazHost.verify();
+        assertTrue(all.size() > 2 && all.contains(added), all::toString);
+        all.forEach(each -> assertTrue(each.equals(added) || each.state() == FileState.WHOLE, each::toString));
+        for (String missing : List.of("boards::aurora@1.0", "{", "boards::no such"))
+            for (Consumer<String> call : List.<Consumer<String>>of(PlazHost::verify, PlazHost::repair))
+                assertThrows(CommandFailedException.class, () -> call.accept(missing), missing);
+        assertThrows(NullPointerException.class, () -> PlazHost.verify((String) null));
         assertTrue(PlazSwigIntf.update(aurora, STATUS, RECORD), TOLD::toString);
         CommandFailedException failure = assertThrows(CommandFailedException.class,
                 () -> PlazSwigIntf.uninstall(item("tclscripts", "string-kit"), STATUS, RECORD));

@@ -20,6 +20,9 @@ final class BrowserActions {
     final Action install;
     final Action uninstall;
     final Action update;
+    final Action verify;
+    final Action repair;
+    final Action verifyAll;
     final Action refresh;
     final Action check;
     final Action cancel;
@@ -30,12 +33,16 @@ final class BrowserActions {
         install = action("Install", 'N', "control I", () -> window.submitForItem(Operation::install));
         uninstall = action("Uninstall", 'U', "control DELETE", () -> window.submitForItem(Operation::uninstall));
         update = action("Update", 'P', "control U", () -> window.submitForItem(Operation::update));
+        verify = action("Verify", 'V', "F7", () -> window.submitForItem(Operation::verify));
+        repair = action("Repair", 'R', "control R", () -> window.submitForItem(Operation::repair));
+        verifyAll = action("Verify all", 'A', "shift F7", window::verifyAll);
         refresh = action("Refresh", 'R', "F5", () -> window.submitForStores(Operation::refresh));
         check = action("Check", 'K', "F6", () -> window.submitForStores(Operation::check));
         cancel = action("Cancel", 'C', "", window::cancel); // Esc, which also clears the search
         settings = action("Settings ...", 'S', "control COMMA", window::openSettings);
         addMenu("File", 'F', settings, action("Quit", 'Q', "control Q", window::close));
-        addMenu("Item", 'I', action("Find", 'F', "control F", window::find), install, uninstall, update);
+        addMenu("Item", 'I', action("Find", 'F', "control F", window::find), install, uninstall, update, verify, repair,
+                verifyAll);
         addMenu("Store", 'T', refresh, check, cancel);
         addMenu("View", 'V', action("Larger text", 'L', "control EQUALS", () -> window.resizeText(10)),
                 action("Smaller text", 'S', "control MINUS", () -> window.resizeText(-10)));
@@ -54,12 +61,15 @@ final class BrowserActions {
     /**
      * Enables what makes sense now.
      *
-     * @param stores those that have an item of the chosen one's name
+     * @param stores how many have an item of the chosen one's name
      */
     void enable(HubThread hub, Optional<Item> item, int stores, List<String> chosenStores, boolean isWorking) {
         enableItem(install, hub, item.filter(it -> !it.isLatestInstalled()), Operation::install, stores);
         enableItem(uninstall, hub, item.filter(Item::isInstalled), Operation::uninstall, stores);
         enableItem(update, hub, item.filter(it -> it.state() == State.OUTDATED), Operation::update, stores);
+        enableItem(verify, hub, item.filter(Item::isInstalled), Operation::verify, 1);
+        enableItem(repair, hub, item.filter(Item::isInstalled), Operation::repair, 1);
+        verifyAll.setEnabled(!hub.isUnderway(Operation.verifyAll().title()));
         refresh.setEnabled(chosenStores.stream().anyMatch(it -> !hub.isUnderway(Operation.refresh(it).title())));
         check.setEnabled(chosenStores.stream().anyMatch(it -> !hub.isUnderway(Operation.check(it).title())));
         cancel.setEnabled(isWorking);
@@ -67,8 +77,9 @@ final class BrowserActions {
 
     /** Nothing can be begun any more. */
     void disable() {
-        for (Action each : List.of(install, uninstall, update, refresh, check, cancel, settings))
-            each.setEnabled(false);
+        List<Action> all =
+                List.of(install, uninstall, update, verify, repair, verifyAll, refresh, check, cancel, settings);
+        for (Action each : all) each.setEnabled(false);
     }
 
     /** The hub goes by an item's name alone, so a button says when that means more than the item that is chosen. */

@@ -6,7 +6,9 @@ import java.awt.event.WindowAdapter;
 import java.awt.event.WindowEvent;
 import java.io.IOException;
 import java.nio.file.Path;
+import java.util.HashMap;
 import java.util.List;
+import java.util.Map;
 import java.util.Optional;
 import java.util.function.Function;
 import javax.swing.JComponent;
@@ -31,6 +33,7 @@ final class BrowserWindow extends JFrame implements HubListener {
     private final transient WindowState state;
     private final transient BrowserActions actions;
     private final BrowserPanes panes;
+    private final transient Map<String, String> compared = new HashMap<>();
     private transient Snapshot snapshot;
     private int textSize;
     private boolean isWorking;
@@ -112,6 +115,10 @@ final class BrowserWindow extends JFrame implements HubListener {
 
     void submitForItem(Function<Key, Operation> operation) {
         panes.items.chosen().ifPresent(item -> submit(operation.apply(item.key())));
+    }
+
+    void verifyAll() {
+        submit(Operation.verifyAll());
     }
 
     void submitForStores(Function<String, Operation> operation) {
@@ -197,6 +204,7 @@ final class BrowserWindow extends JFrame implements HubListener {
     public void changed(Snapshot newest) {
         if (newest.equals(snapshot)) return;
         snapshot = newest;
+        compared.clear(); // what was compared may be gone, or other files
         isChanging = true;
         panes.stores.show(newest.stores());
         panes.items.show(newest.items().toList());
@@ -208,6 +216,12 @@ final class BrowserWindow extends JFrame implements HubListener {
     @Override
     public void history(Key key, String text) {
         panes.details.showHistory(key, text);
+    }
+
+    @Override
+    public void compared(Map<String, String> texts) {
+        compared.putAll(texts);
+        showDetails();
     }
 
     @Override
@@ -247,7 +261,7 @@ final class BrowserWindow extends JFrame implements HubListener {
 
     private void showDetails() {
         Optional<Item> item = panes.items.chosen();
-        if (panes.details.show(snapshot, item)) hub.readHistory(item.orElseThrow().key());
+        if (panes.details.show(snapshot, item, compared)) hub.readHistory(item.orElseThrow().key());
         enableActions();
     }
 

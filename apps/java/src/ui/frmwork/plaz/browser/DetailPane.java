@@ -12,9 +12,11 @@ import java.awt.Rectangle;
 import java.awt.image.BufferedImage;
 import java.net.URI;
 import java.util.List;
+import java.util.Map;
 import java.util.Optional;
 import java.util.concurrent.ExecutionException;
 import java.util.function.Consumer;
+import java.util.stream.Collectors;
 import javax.swing.BorderFactory;
 import javax.swing.JComponent;
 import javax.swing.JLabel;
@@ -38,6 +40,7 @@ final class DetailPane extends JPanel implements Scrollable {
     private final JTextArea history = Look.readOnlyText("Change log", "");
     private transient Optional<Item> shown = Optional.empty();
     private transient List<String> stores = List.of();
+    private String comparison = "";
     private int row;
 
     /**
@@ -53,16 +56,21 @@ final class DetailPane extends JPanel implements Scrollable {
         build(Snapshot.NOTHING);
     }
 
-    /** @return whether there is another item, or the same one changed, so that its change log is to be read */
-    boolean show(Snapshot snapshot, Optional<Item> item) {
+    /**
+     * @param compared how the files of items compare with those that were installed, by item and revision
+     * @return whether there is another item, or the same one changed, so that its change log is to be read
+     */
+    boolean show(Snapshot snapshot, Optional<Item> item, Map<String, String> compared) {
         List<String> others = item.map(found -> snapshot.storesWith(found.key().name())).orElse(List.of());
-        if (item.equals(shown) && others.equals(stores)) return false;
+        String newest = item.map(found -> comparison(found, compared)).orElse("");
+        if (item.equals(shown) && others.equals(stores) && newest.equals(comparison)) return false;
         if (!item.map(Item::key).equals(shown.map(Item::key))) {
             history.setText("");
             scrollRectToVisible(new Rectangle(1, 1));
         }
         shown = item;
         stores = others;
+        comparison = newest;
         build(snapshot);
         return item.isPresent();
     }
@@ -99,6 +107,7 @@ final class DetailPane extends JPanel implements Scrollable {
                         () -> addField("Web page", item.website()));
         addField("Revisions", revisions(item.revisions()));
         addField("Installed in", directories(item.revisions()));
+        addField("Verified", comparison);
         addField("Needs", dependencies(snapshot, item.dependencies()));
         addField("Change log", history);
     }
@@ -115,7 +124,7 @@ final class DetailPane extends JPanel implements Scrollable {
         JPanel names = new JPanel(new BorderLayout(0, Look.gap(this)));
         names.setOpaque(false);
         names.add(title);
-        names.add(Look.readOnlyText("Item", id(item.key()) + "@" + item.revision()), BorderLayout.PAGE_END);
+        names.add(Look.readOnlyText("Item", item.key().at(item.revision())), BorderLayout.PAGE_END);
         GridBagConstraints beside = place(1, 1);
         beside.anchor = GridBagConstraints.LINE_START;
         add(names, beside);
@@ -164,6 +173,15 @@ final class DetailPane extends JPanel implements Scrollable {
         return String.join("\n", revisions.stream().map(Revision::directory).filter(path -> !path.isEmpty()).toList());
     }
 
+    private static String comparison(Item item, Map<String, String> compared) {
+        return item.revisions()
+                .stream()
+                .map(Revision::text)
+                .filter(revision -> compared.containsKey(item.key().at(revision)))
+                .map(revision -> (revision + "  " + compared.get(item.key().at(revision))).strip())
+                .collect(Collectors.joining("\n"));
+    }
+
     private JComponent dependencies(Snapshot snapshot, List<Dependency> needed) {
         JPanel panel = new JPanel(new GridBagLayout());
         panel.setOpaque(false);
@@ -178,16 +196,12 @@ final class DetailPane extends JPanel implements Scrollable {
 
     private JComponent dependency(Snapshot snapshot, Dependency needed) {
         Key key = needed.key();
-        String id = id(key);
-        String named = needed.revision().isEmpty() ? id : id + "@" + needed.revision();
+        String id = key.toString();
+        String named = key.at(needed.revision());
         String shownText = needed.isOptional() ? named + "  (optional)" : named;
         return snapshot.item(key)
                 .<JComponent>map(item -> new LinkButton(id, shownText, () -> jump.accept(key)))
                 .orElseGet(() -> Look.readOnlyText(id, shownText + "  (not in the catalog)"));
-    }
-
-    private static String id(Key key) {
-        return key.store() + "::" + key.name();
     }
 
     private void addField(String name, String text) {

@@ -1,5 +1,6 @@
 package ui.frmwork.plaz.browser;
 
+import java.util.Map;
 import ui.frmwork.plaz.browser.Snapshot.Key;
 
 /** Told by {@link HubThread} what happens, on the thread of the windows. */
@@ -8,6 +9,9 @@ interface HubListener {
 
     /** @param text for people */
     void history(Key key, String text);
+
+    /** @param texts how the files of items compare with those that were installed, by item and revision */
+    void compared(Map<String, String> texts);
 
     void told(Message message);
 

@@ -19,6 +19,7 @@ import ui.frmwork.cmd.CommandFailedException;
 import ui.frmwork.plaz.PlazException;
 import ui.frmwork.plaz.PlazItem;
 import ui.frmwork.plaz.TaskStatus;
+import ui.frmwork.plaz.browser.Operation.Outcome;
 import ui.frmwork.plaz.browser.Snapshot.Key;
 import ui.frmwork.plaz.host.PlazHost;
 import ui.frmwork.plaz.host.PlazHost.Severity;
@@ -156,9 +157,10 @@ final class HubThread {
         toldTexts.clear();
         hasToldError = false;
         try (PlazException failure = new PlazException()) {
-            String outcome = operation.action().run(status, failure);
+            Outcome outcome = operation.action().run(status, failure);
             if (!failure.getErrorMsg().isEmpty()) tell(Message.error(failure.getErrorMsg().strip()));
-            else if (!outcome.isEmpty() && !hasToldError) tell(Message.info(outcome));
+            else if (!outcome.text().isEmpty() && !hasToldError) tell(Message.info(outcome.text()));
+            if (!outcome.compared().isEmpty()) post(to -> to.compared(outcome.compared()));
         } catch (RuntimeException | Error e) {
             tellFailure(e);
         } finally {

@@ -1,6 +1,7 @@
 package ui.frmwork.plaz.browser;
 
 import java.util.List;
+import java.util.Map;
 import ui.frmwork.cmd.CommandFailedException;
 import ui.frmwork.plaz.PlazException;
 import ui.frmwork.plaz.PlazItem;
@@ -8,6 +9,7 @@ import ui.frmwork.plaz.PlazStore;
 import ui.frmwork.plaz.PlazSwigIntf;
 import ui.frmwork.plaz.TaskStatus;
 import ui.frmwork.plaz.browser.Snapshot.Key;
+import ui.frmwork.plaz.host.PlazHost;
 
 /**
  * Something to be done with the hub, once; {@link HubThread} runs it.
@@ -16,10 +18,21 @@ import ui.frmwork.plaz.browser.Snapshot.Key;
  * @param isSetting whether it is carried out even when what waits is cancelled
  */
 record Operation(String title, boolean isSetting, Action action) {
+    /**
+     * What came of it.
+     *
+     * @param text what there is to tell in the end; empty when the hub has told everything
+     * @param compared how files compare with those that were installed, in words, by item and revision
+     */
+    record Outcome(String text, Map<String, String> compared) {
+        private static Outcome of(String text) {
+            return new Outcome(text, Map.of());
+        }
+    }
+
     /** What is done. */
     interface Action {
-        /** @return what there is to tell in the end; empty when the hub has told everything */
-        String run(TaskStatus status, PlazException failure);
+        Outcome run(TaskStatus status, PlazException failure);
     }
 
     private interface ItemCall {
@@ -40,6 +53,31 @@ record Operation(String title, boolean isSetting, Action action) {
 
     static Operation update(Key key) {
         return onItem("Updating", key, PlazSwigIntf::update);
+    }
+
+    static Operation verify(Key key) {
+        return new Operation("Verifying " + key, false, (status, failure) -> compare(key));
+    }
+
+    static Operation repair(Key key) {
+        return new Operation("Repairing " + key, false, (status, failure) -> {
+            PlazHost.repair(key.toString());
+            return compare(key);
+        });
+    }
+
+    static Operation verifyAll() {
+        return new Operation("Verifying all that is installed", false, (status, failure) -> {
+            Map<String, String> compared = Comparisons.describe(PlazHost.verify());
+            String all = compared.isEmpty() ? "Nothing is installed." : "Everything is as it was installed.";
+            return new Outcome(all, compared);
+        });
+    }
+
+    /** What is wrong the hub tells. */
+    private static Outcome compare(Key key) {
+        return new Outcome(
+                "\"" + key + "\" is as it was installed.", Comparisons.describe(PlazHost.verify(key.toString())));
     }
 
     static Operation refresh(String store) {
@@ -73,14 +111,15 @@ record Operation(String title, boolean isSetting, Action action) {
             } catch (CommandFailedException e) { // it may repeat the proxy, password and all
                 throw proxy.isEmpty() ? e : new CommandFailedException(e.getMessage().replace(proxy, "***"));
             }
-            return proxy.isEmpty() ? "No proxy is set any more." : "The proxy is set.";
+            return Outcome.of(proxy.isEmpty() ? "No proxy is set any more." : "The proxy is set.");
         });
     }
 
     static Operation setStoresPath(String path) {
         return new Operation("Setting the directory of the stores", true, (status, failure) -> {
             PlazSwigIntf.setQStoresPath(path);
-            return path.isEmpty() ? "Stores lie at their default place." : "Stores lie below \"" + path + "\".";
+            String place = path.isEmpty() ? "at their default place" : "below \"" + path + "\"";
+            return Outcome.of("Stores lie " + place + ".");
         });
     }
 
@@ -90,7 +129,7 @@ record Operation(String title, boolean isSetting, Action action) {
             if (entries.isEmpty())
                 throw new CommandFailedException("There is no item \"" + key.name() + "\" any more.");
             call.on(entries.get(0), status, failure);
-            return "";
+            return Outcome.of("");
         });
     }
 
@@ -98,7 +137,7 @@ record Operation(String title, boolean isSetting, Action action) {
         return new Operation(doing + " " + store, isSetting, (status, failure) -> {
             PlazStore found = PlazSwigIntf.getStore(store);
             if (found == null) throw new CommandFailedException("There is no store \"" + store + "\" any more.");
-            return call.on(found, status, failure);
+            return Outcome.of(call.on(found, status, failure));
         });
     }
 }

@@ -24,7 +24,18 @@ record Snapshot(List<Store> stores, String proxy, String storesPath) {
     }
 
     /** What names an item. */
-    record Key(String store, String name) {}
+    record Key(String store, String name) {
+        /** As the hub's commands take it, for each revision. */
+        @Override
+        public String toString() {
+            return store + "::" + name;
+        }
+
+        /** @param revision empty for none in particular */
+        String at(String revision) {
+            return revision.isEmpty() ? toString() : this + "@" + revision;
+        }
+    }
 
     /** How an item stands on this machine, in the order in which the table sorts it. */
     enum State {

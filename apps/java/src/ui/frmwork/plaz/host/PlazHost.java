@@ -1,5 +1,8 @@
 package ui.frmwork.plaz.host;
 
+import java.util.ArrayList;
+import java.util.List;
+import java.util.Locale;
 import java.util.Objects;
 
 /**
@@ -32,6 +35,17 @@ public final class PlazHost {
         void progress(String text, double percent);
     }
 
+    /** What {@link #verify} finds of an item (the first two) or of one of its files. */
+    public enum FileState { WHOLE, UNKNOWN, CHANGED, MISSING, UNREADABLE, ADDITIONAL }
+
+    /**
+     * What is known of an installed item, or of one of its files.
+     *
+     * @param item such as "boards::aurora@2.0"
+     * @param file its path in the item's directory; empty for what is known of the item
+     */
+    public record Finding(String item, FileState state, String file) {}
+
     private static Listener listener;
 
     static {
@@ -59,6 +73,35 @@ public final class PlazHost {
 
     /** The directory of the user's own files: preferences, history, stores. */
     public static native String getUserDirectory();
+
+    /**
+     * Compares the files of installed items with those of the commits that were installed. Changes nothing and needs
+     * no network. What is wrong is told, too.
+     *
+     * @param items such as "boards::aurora", for each revision that is installed, or "boards::aurora@2.0"; none for all
+     * @return in their order, WHOLE, UNKNOWN or its damaged files for each item; files that were added do no harm
+     * @throws ui.frmwork.cmd.CommandFailedException when one is not installed, or it was cancelled
+     */
+    public static List<Finding> verify(String... items) {
+        String[] triples = compare(items);
+        List<Finding> findings = new ArrayList<>();
+        for (int i = 0; i < triples.length; i += 3) {
+            FileState state = FileState.valueOf(triples[i + 1].toUpperCase(Locale.ROOT));
+            findings.add(new Finding(triples[i], state, triples[i + 2]));
+        }
+        return List.copyOf(findings);
+    }
+
+    /**
+     * Brings back what {@link #verify} finds changed or missing. What a user had changed is kept aside, which is told;
+     * what was added stays.
+     *
+     * @param items as for {@link #verify}
+     * @throws ui.frmwork.cmd.CommandFailedException when it failed, or was cancelled
+     */
+    public static native void repair(String... items);
+
+    private static native String[] compare(String... items);
 
     private static native void startHub();
 

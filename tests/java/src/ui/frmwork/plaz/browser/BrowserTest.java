@@ -72,6 +72,7 @@ class BrowserTest {
         refreshesAndFilters();
         updatesWhatIsOutdated();
         installsWithWhatIsNeededAndFollowsLinks();
+        verifiesAndRepairs();
         tellsOfNamesThatSeveralStoresHave();
         staysAliveAndCancels();
         uninstallsAndTellsFailuresOnce();
@@ -160,6 +161,32 @@ class BrowserTest {
         assertEquals("https://example.org/boards/aurora", clipboard.getData(DataFlavor.stringFlavor));
     }
 
+    /**
+     * Catches: damage that is not shown or of another item, repaired files that are shown as damaged, work that is
+     * lost.
+     */
+    private static void verifiesAndRepairs() throws Exception {
+        choose("boards", "aurora");
+        Path directory = Path.of(text("Installed in"));
+        Files.writeString(directory.resolve("board.xml"), "mine");
+        Files.writeString(directory.resolve("notes"), "mine, too");
+        press(KeyEvent.VK_SHIFT, KeyEvent.VK_F7);
+        awaitRest("\"boards::aurora@2.0\" is not as it was installed: changed: board.xml.");
+        assertEquals("2.0  changed: board.xml; added: notes", text("Verified"));
+        choose("tclscripts", "csv-kit");
+        assertTrue(text("Verified").endsWith("  as it was installed"), text("Verified"));
+        choose("boards", "aurora");
+        press(KeyEvent.VK_CONTROL, KeyEvent.VK_R);
+        awaitRest("\"boards::aurora\" is as it was installed.");
+        assertEquals("2.0  as it was installed; added: notes", text("Verified"));
+        assertTrue(text("messages").contains("WARNING: [17-2231]"), text("messages"));
+        Files.delete(directory.resolve("board.xml"));
+        press(KeyEvent.VK_F7);
+        await("damage", () -> text("Verified").startsWith("2.0  missing: board.xml"));
+        press(KeyEvent.VK_CONTROL, KeyEvent.VK_R);
+        await("repair", () -> count("\"boards::aurora\" is as it was installed.") == 2);
+    }
+
     /** Catches: a name in two stores that acts on both without a word, and check results that are not told. */
     private static void tellsOfNamesThatSeveralStoresHave() throws Exception {
         choose("boards", "clocking");
@@ -169,7 +196,7 @@ class BrowserTest {
         await("both", () -> state("tclscripts", "clocking") == State.INSTALLED);
         assertEquals(State.INSTALLED, state("boards", "clocking"));
         ask(() -> stores().choose(Scope.of("boards")));
-        click(find("check"));
+        press(KeyEvent.VK_F6);
         awaitRest("\"boards\" is up to date.");
         assertFalse(text("messages").contains("\"tclscripts\" is up to date."));
         ask(() -> stores().choose(Scope.ALL));
@@ -212,13 +239,14 @@ class BrowserTest {
     private static void uninstallsAndTellsFailuresOnce() throws Exception {
         choose("boards", "connectors-common");
         click(find("uninstall"));
-        awaitRest("stays installed, because other items need it.");
-        assertEquals(1, count("stays installed, because other items need it."));
-        assertEquals(1, count("ERROR:"), text("messages"));
+        awaitRest("stays installed, because other items need it");
+        assertEquals(1, count("stays installed, because other items need it"));
+        assertEquals(3, count("ERROR:"), text("messages")); // two were about the damage
         assertEquals(List.of(window), Stream.of(Window.getWindows()).filter(Component::isShowing).toList());
         choose("boards", "aurora");
         click(find("uninstall"));
         awaitRest("Uninstalled \"Aurora Entwicklungsplatine\".");
+        assertEquals(2, count("[17-2231]"), "the notes, too");
         assertEquals(State.NONE, state("tclscripts", "csv-kit"));
     }
 
