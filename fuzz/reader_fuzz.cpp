@@ -8,8 +8,10 @@
 #include "plaz/model/reader/HSCPlazQStoreReader.h"
 #include "plaz/model/reader/HSCPlazReader.h"
 #include "plaz/pref/HSCPlazPathMgr.h"
+#include "plaz/store/HSCPlazItemTree.h"
 #include "plaz/store/HSCPlazLocalDBMgr.h"
 #include "support/ComMsgMgr.h"
+#include "support/HIOStream.h"
 #include "support/TempDir.h"
 
 #include <cstdint>
@@ -57,6 +59,15 @@ void read(const std::string& file) {
     check(HSCPlazQItemCatalogReader().parse(file, &hub, &store));
     for (const auto& item : store.getItems())
         check(staysInside(item->getRoot()) && staysInside(item->getMetadataFile()) && staysInside(item->getRevision()));
+#elif defined(FUZZ_TREE)
+    std::string listing, problem;
+    HIOStream::read(file, listing);
+    const auto tree = HSCPlazItemTree::parse(listing, "0123456", "boards/aurora", problem);
+    check(tree.has_value() == problem.empty());
+    if (!tree) return;
+    for (const auto& entry : tree->getEntries())
+        check(entry.path.front() != '/' && ("/" + entry.path + "/").find("/../") == std::string::npos);
+    check(tree->write(file) && HSCPlazItemTree::read(file, "0123456"));
 #elif defined(FUZZ_ITEM)
     HSCPlazQItemModel item;
     check(HSCPlazQItemReader().parse(file, &item));
