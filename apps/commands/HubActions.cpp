@@ -1,6 +1,8 @@
 #include "HubActions.h"
 
 #include "HubQueries.h"
+#include "ItemReference.h"
+#include "ShellMsg.h"
 
 #include "plaz/HSCPlazTaskMgr.h"
 #include "plaz/model/HSCPlaz.h"
@@ -17,10 +19,21 @@ namespace {
 using Items = std::vector<HSCPlazQItem*>;
 using Stores = std::vector<HSCPlazQStore*>;
 
-/// The first problem of what failed.
-std::optional<ComMsgMgrInstance> reasonOf(const HSCPlazReport& report) {
+/// The first problem of what failed. @param more  to tell behind it
+std::optional<ExplainedFailure> reasonOf(const HSCPlazReport& report, const std::string& more = {}) {
     const ComMsgMgrInstance* problem = report.findProblem();
-    return problem ? std::optional<ComMsgMgrInstance>(*problem) : std::nullopt;
+    return problem ? std::optional<ExplainedFailure>({*problem, more}) : std::nullopt;
+}
+
+template <typename Result> std::string describeNeeds(const std::vector<Result>&) {
+    return {};
+}
+
+std::string describeNeeds(const std::vector<HSCPlazItemResult>& parts) {
+    std::string text;
+    for (const HSCPlazItemResult& part : parts)
+        if (const auto need = describeNeed(part); need && !part.isDone()) text += " " + need->getMessage();
+    return text;
 }
 
 /// What was done and told of a problem lacks something all the same, such as what a dependency needs.
@@ -33,7 +46,7 @@ template <typename Result> CommandResult<Result> toResult(std::vector<Result> pa
     CommandResult<Result> result{std::move(parts), false, {}};
     const auto failed = std::find_if_not(result.parts.begin(), result.parts.end(), isWhole<Result>);
     result.isDone = failed == result.parts.end() && result.parts.size() == count;
-    if (failed != result.parts.end()) result.reason = reasonOf(failed->report);
+    if (failed != result.parts.end()) result.reason = reasonOf(failed->report, describeNeeds(result.parts));
     return result;
 }
 
@@ -55,6 +68,12 @@ HSCPlazItemResult removed(const HSCPlazQItem& item) {
 }
 
 } // namespace
+
+std::optional<ComMsgMgrInstance> describeNeed(const HSCPlazItemResult& result) {
+    if (result.neededBy.empty()) return std::nullopt;
+    return messageOf(ShellMsg::itemNeeded, ItemReference{result.store, result.name, result.revision}.toText(),
+                     result.neededBy);
+}
 
 template <typename Subject, typename Action>
 auto HubActions::doEach(const std::vector<Subject*>& subjects, Action act) const {

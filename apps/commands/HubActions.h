@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Failure.h"
+
 #include "plaz/tasks/HSCPlazTaskOptions.h"
 #include "plaz/tasks/HSCPlazTaskResult.h"
 
@@ -22,12 +24,16 @@ using BeginPart = std::function<void(std::size_t number, std::size_t count)>;
 template <typename Result> struct CommandResult {
     std::vector<Result> parts; ///< in the order in which they were named; fewer of them after a cancellation
     bool isDone;               ///< all that was asked for
-    /// Why not; nothing where all is well, and after a cancellation before anything failed.
-    std::optional<ComMsgMgrInstance> reason;
+    /// Why not, with who needs what was not removed; nothing where all is well, and after a cancellation before
+    /// anything failed.
+    std::optional<ExplainedFailure> reason;
 };
 using ItemsResult = CommandResult<HSCPlazItemResult>;
 using FilesResult = CommandResult<HSCPlazFilesResult>;
 using StoresResult = CommandResult<HSCPlazStoreResult>;
+
+/// Who needs an item that was not removed, for front ends that show no neededBy; nothing where nobody does.
+std::optional<ComMsgMgrInstance> describeNeed(const HSCPlazItemResult& result);
 
 /// Adds what is not among them yet: commands take each thing once.
 template <typename Native> void addOnce(std::vector<Native*>& natives, Native& native) {

@@ -5,23 +5,47 @@
 #include "HubQueries.h"
 #include "PythonMsg.h"
 
+#include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "support/HUTEnv.h"
 
+#include <functional>
+
 namespace py = pybind11;
 
 namespace {
 
-using Resolve = HubQueries::Resolve;
-using Action = ItemsResult (HubActions::*)(const std::vector<HSCPlazQItem*>&) const;
+using Items = std::vector<HSCPlazQItem*>;
+
+/// What scripts name: nothing for all that is recorded as installed.
+using Named = std::optional<std::vector<NamedItem>>;
+
+/// How what scripts name becomes items.
+struct Resolver {
+    std::function<Items(const HubQueries&, HSCPlazQItem&)> ofObject;
+    std::function<Items(const HubQueries&, const ItemReference&, const std::string& store)> ofText;
+};
 
 py::object toPython(const HSCPlazItemResult& result) {
     return py::module_::import("plaz._results")
         .attr("ActionResult")(::toPython(result.store), ::toPython(result.name), ::toPython(result.revision),
                               ::toPython(result.previousRevision), ::toPython(result.directory),
-                              HSCPlazItemResult::nameOf(result.outcome));
+                              HSCPlazItemResult::nameOf(result.outcome), ::toPython(result.neededBy));
+}
+
+py::object toPython(const HSCPlazFilesResult& result) {
+    const auto toTuple = [](const std::vector<std::string>& files) {
+        py::list texts;
+        for (const std::string& file : files) texts.append(::toPython(file));
+        return py::tuple(texts);
+    };
+    return py::module_::import("plaz._results")
+        .attr("FilesResult")(::toPython(result.store), ::toPython(result.name), ::toPython(result.revision),
+                             HSCPlazFilesResult::nameOf(result.outcome), ::toPython(result.directory),
+                             toTuple(result.changed), toTuple(result.missing), toTuple(result.additional),
+                             toTuple(result.unreadable));
 }
 
 py::object toPython(const HSCPlazStoreResult& result) {
@@ -30,71 +54,108 @@ py::object toPython(const HSCPlazStoreResult& result) {
                              ::toPython(result.directory), result.items);
 }
 
-HubActions makeActions(Call& call, bool quiet) {
-    return HubActions(call.getHub(), call.getStatus(), {quiet},
+HubActions makeActions(Call& call, HSCPlazTaskOptions options = {}) {
+    return HubActions(call.getHub(), call.getStatus(), options,
                       [&](std::size_t, std::size_t) { call.getStatus().forgetProgress(); });
+}
+
+template <typename Result> bool hasFailed(const Call&, const CommandResult<Result>& result) {
+    return !result.isDone;
+}
+
+/// RATIONALE: damage is what is asked for, and no failure.
+bool hasFailed(Call& call, const FilesResult&) {
+    return call.getStatus().isCanceled();
 }
 
 /// What became of each part.
 template <typename Result> py::list answer(Call& call, const CommandResult<Result>& result) {
     py::list shown;
     for (const Result& part : result.parts) shown.append(toPython(part));
-    if (!result.isDone) call.fail(result.reason, shown);
+    if (hasFailed(call, result)) call.fail(result.reason, shown);
     return shown;
 }
 
-/// The item that an object stands for: the very one.
-HSCPlazQItem& itself(const HubQueries&, const ItemHandle& handle) {
-    return handle.get();
+Items itself(const HubQueries&, HSCPlazQItem& item) {
+    return {&item};
 }
 
 /// For an update, an object whose revision is not installed stands for the installed revision of its item.
-HSCPlazQItem& installedFor(const HubQueries& queries, const ItemHandle& handle) {
-    HSCPlazQItem& item = handle.get();
-    return item.IsInstalled() ? item : queries.resolveForUpdate({item.getStoreName(), item.getName(), {}}, "");
+Items installedFor(const HubQueries& queries, HSCPlazQItem& item) {
+    return {item.IsInstalled() ? &item : &queries.resolveForUpdate({item.getStoreName(), item.getName(), {}}, "")};
+}
+
+Items itselfInstalled(const HubQueries&, HSCPlazQItem& item) {
+    if (!item.IsInstalled()) failWith(Msg::itemNotInstalled, ItemReference::of(item).toText());
+    return {&item};
+}
+
+auto oneBy(HubQueries::Resolve resolve) {
+    return [resolve](const HubQueries& queries, const ItemReference& reference, const std::string& store) {
+        return Items{&(queries.*resolve)(reference, store)};
+    };
+}
+
+Items revisionsOf(const HubQueries& queries, const ItemReference& reference, const std::string& store) {
+    return queries.resolveRevisions(reference, store, false);
 }
 
 /// Every item that is named, once each. All are found before any is touched.
-template <typename FromObject>
-std::vector<HSCPlazQItem*> resolveAll(const HubQueries& queries, const std::vector<NamedItem>& named,
-                                      const std::string& store, Resolve resolve, FromObject fromObject) {
-    std::vector<HSCPlazQItem*> items;
-    for (const NamedItem& one : named) {
+Items resolveAll(const HubQueries& queries, const Named& named, const std::string& store, const Resolver& resolver) {
+    if (!named) return queries.findRecorded(store);
+    Items items;
+    for (const NamedItem& one : *named) {
         const auto* object = std::get_if<const ItemHandle*>(&one);
-        addOnce(items,
-                object ? fromObject(queries, **object) : (queries.*resolve)(std::get<ItemReference>(one), store));
+        const Items meant = object ? resolver.ofObject(queries, (*object)->get())
+                                   : resolver.ofText(queries, std::get<ItemReference>(one), store);
+        for (HSCPlazQItem* item : meant) addOnce(items, *item);
     }
     return items;
 }
 
-template <typename FromObject>
-py::list actOnItems(const py::object& items, const OptionalText& store, bool quiet, py::object progress,
-                    Resolve resolve, FromObject fromObject, Action action) {
-    const py::list given = listNamed(items);
-    const std::vector<NamedItem> named = readItems(given);
+/// @param items  None for all that is recorded as installed
+template <typename Result>
+py::list actOnItems(const py::object& items, const OptionalText& store, HSCPlazTaskOptions options, py::object progress,
+                    const Resolver& resolver, Result (HubActions::*action)(const Items&) const) {
+    const py::list given = items.is_none() ? py::list() : listNamed(items);
+    const Named named = items.is_none() ? std::nullopt : Named(readItems(given));
     return callHub(
         [&](Call& call) {
-            const std::vector<HSCPlazQItem*> found =
-                resolveAll(HubQueries(call.getHub()), named, store ? store->value : std::string(), resolve, fromObject);
-            return answer(call, (makeActions(call, quiet).*action)(found));
+            const Items found =
+                resolveAll(HubQueries(call.getHub()), named, store ? store->value : std::string(), resolver);
+            return answer(call, (makeActions(call, options).*action)(found));
         },
         std::move(progress));
 }
 
 } // namespace
 
-py::list install(const py::object& items, const OptionalText& store, bool quiet, py::object progress) {
-    return actOnItems(items, store, quiet, std::move(progress), &HubQueries::resolve, itself, &HubActions::install);
+py::list install(const py::object& items, const OptionalText& store, bool quiet, bool reinstall, bool discardChanges,
+                 py::object progress) {
+    return actOnItems(items, store, {quiet, discardChanges, reinstall}, std::move(progress),
+                      {itself, oneBy(&HubQueries::resolve)}, &HubActions::install);
 }
 
-py::list uninstall(const py::object& items, const OptionalText& store, bool quiet, py::object progress) {
-    return actOnItems(items, store, quiet, std::move(progress), &HubQueries::resolveInstalled, itself,
-                      &HubActions::uninstall);
+py::list uninstall(const py::object& items, const OptionalText& store, bool quiet, bool discardChanges,
+                   py::object progress) {
+    return actOnItems(items, store, {quiet, discardChanges}, std::move(progress),
+                      {itself, oneBy(&HubQueries::resolveInstalled)}, &HubActions::uninstall);
 }
 
-py::list update(const py::object& items, const OptionalText& store, bool quiet, py::object progress) {
-    return actOnItems(items, store, quiet, std::move(progress), &HubQueries::resolveForUpdate, installedFor,
-                      &HubActions::update);
+py::list update(const py::object& items, const OptionalText& store, bool quiet, bool discardChanges,
+                py::object progress) {
+    return actOnItems(items, store, {quiet, discardChanges}, std::move(progress),
+                      {installedFor, oneBy(&HubQueries::resolveForUpdate)}, &HubActions::update);
+}
+
+py::list verify(const py::object& items, const OptionalText& store, py::object progress) {
+    return actOnItems(items, store, {}, std::move(progress), {itselfInstalled, revisionsOf}, &HubActions::verify);
+}
+
+py::list repair(const py::object& items, const OptionalText& store, bool quiet, bool discardChanges,
+                py::object progress) {
+    return actOnItems(items, store, {quiet, discardChanges}, std::move(progress), {itselfInstalled, revisionsOf},
+                      &HubActions::repair);
 }
 
 py::list refresh(const py::object& stores, bool hub, py::object progress) {
@@ -104,7 +165,7 @@ py::list refresh(const py::object& stores, bool hub, py::object progress) {
     return callHub(
         [&](Call& call) {
             if (isNothing) return py::list();
-            const HubActions actions = makeActions(call, false);
+            const HubActions actions = makeActions(call);
             if (hub) return answer(call, actions.refreshHub(names));
             return answer(call, actions.refresh(HubQueries(call.getHub()).getStores(names)));
         },
@@ -114,7 +175,7 @@ py::list refresh(const py::object& stores, bool hub, py::object progress) {
 py::object checkStore(const StoreHandle& store) {
     return callHub([&](Call& call) {
         const std::vector<HSCPlazQStore*> stores{&store.get()};
-        return py::object(answer(call, makeActions(call, false).check(stores))[0]);
+        return py::object(answer(call, makeActions(call).check(stores))[0]);
     });
 }
 

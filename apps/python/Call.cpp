@@ -119,12 +119,13 @@ void Call::finish() {
     if (m_raised) throw py::error_already_set(*m_raised);
 }
 
-void Call::fail(const std::optional<ComMsgMgrInstance>& reason, const py::list& results) {
+void Call::fail(const std::optional<ExplainedFailure>& reason, const py::list& results) {
     leave();
     if (m_raised) finish();
     const Messages messages = std::exchange(m_messages, {});
     if (m_status.isCanceled()) raiseError(HEXAll(messageOf(ShellMsg::cancelled)), messages, results);
-    raiseError(HEXAll(reason ? *reason : messageOf(PythonMsg::callFailed)), messages, results);
+    if (reason) raiseError(*reason, messages, results);
+    raiseError(HEXAll(messageOf(PythonMsg::callFailed)), messages, results);
 }
 
 void Call::fail(const HEXAll& failure) {

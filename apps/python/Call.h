@@ -44,7 +44,7 @@ public:
     void finish();
     /// Ends it with the exception that tells why an action failed: what a callback raised, that the call was cancelled,
     /// or @p reason.
-    [[noreturn]] void fail(const std::optional<ComMsgMgrInstance>& reason, const pybind11::list& results);
+    [[noreturn]] void fail(const std::optional<ExplainedFailure>& reason, const pybind11::list& results);
     /// Ends it with what the hub threw.
     [[noreturn]] void fail(const HEXAll& failure);
 

@@ -65,26 +65,46 @@ void defineQueries(py::module_& module) {
 
 void defineActions(py::module_& module) {
     module.def("install", &install, "items"_a, py::kw_only(), "store"_a = py::none(), "quiet"_a = false,
-               "progress"_a = py::none(),
-               "install(items, *, store=None, quiet=False, progress=None)\n--\n\n"
+               "reinstall"_a = false, "discard_changes"_a = false, "progress"_a = py::none(),
+               "install(items, *, store=None, quiet=False, reinstall=False, discard_changes=False, "
+               "progress=None)\n--\n\n"
                "Installs items, each with all that it needs.\n\n"
                "items: one Item or reference, or several; all are found before any is touched.\n"
                "store: name of the store in which references are looked up.\n"
                "quiet: leaves out the good news.\n"
+               "reinstall: fetches the items' files again, also where they are there.\n"
+               "discard_changes: does not keep what the user has changed or added in the folders of items that go.\n"
                "progress: called with a text and a percentage at each step; cancels by returning False or raising. "
                "cancel() need not wait for the next step.\n\n"
                "Returns an ActionResult for each item. Raises Error when one fails, with what became of each in "
                "its results; what was done stays done.");
     module.def("uninstall", &uninstall, "items"_a, py::kw_only(), "store"_a = py::none(), "quiet"_a = false,
-               "progress"_a = py::none(),
-               "uninstall(items, *, store=None, quiet=False, progress=None)\n--\n\n"
+               "discard_changes"_a = false, "progress"_a = py::none(),
+               "uninstall(items, *, store=None, quiet=False, discard_changes=False, progress=None)\n--\n\n"
                "Removes installed items with all that nothing else needs. A reference without a revision means the "
-               "one that is installed. Arguments and result are those of install().");
+               "one that is installed. One that others need stays; needed_by of its result tells which, and where that "
+               "is a failure the text of the Error, too. Arguments and result are those of install().");
     module.def("update", &update, "items"_a, py::kw_only(), "store"_a = py::none(), "quiet"_a = false,
-               "progress"_a = py::none(),
-               "update(items, *, store=None, quiet=False, progress=None)\n--\n\n"
+               "discard_changes"_a = false, "progress"_a = py::none(),
+               "update(items, *, store=None, quiet=False, discard_changes=False, progress=None)\n--\n\n"
                "Brings installed items up to date. An Item whose revision is not installed means the installed one. "
                "Arguments and result are those of install().");
+    module.def("verify", &verify, "items"_a = py::none(), py::kw_only(), "store"_a = py::none(),
+               "progress"_a = py::none(),
+               "verify(items=None, *, store=None, progress=None)\n--\n\n"
+               "Compares the files of installed items with those of the commits that are recorded of them; changes "
+               "nothing and needs no network.\n\n"
+               "items: as for install(); all that is installed, or of the store, without any. A reference without a "
+               "revision means every one that is installed.\n"
+               "store, progress: as for install().\n\n"
+               "Returns a FilesResult for each item. Damage raises nothing. Raises Error for an item that is not "
+               "installed.");
+    module.def("repair", &repair, "items"_a = py::none(), py::kw_only(), "store"_a = py::none(), "quiet"_a = false,
+               "discard_changes"_a = false, "progress"_a = py::none(),
+               "repair(items=None, *, store=None, quiet=False, discard_changes=False, progress=None)\n--\n\n"
+               "Brings back files of installed items that were changed or are missing. What the user had changed is "
+               "kept, and a message says where, unless it is discarded; what was added stays.\n\n"
+               "items: as for verify(). The other arguments and the result are those of install().");
     module.def("refresh", &refresh, "stores"_a = py::none(), py::kw_only(), "hub"_a = false, "progress"_a = py::none(),
                "refresh(stores=None, *, hub=False, progress=None)\n--\n\n"
                "Fetches the catalogs of stores, names or Store objects; of all stores without any. Their items are new "
@@ -163,26 +183,49 @@ void defineStore(py::module_& module) {
             .c_str());
 }
 
+std::string documentedAction(const std::string& name, const char* options) {
+    return documented<HSCPlazQItem>(name + "(self, *, " + options + ")\n--\n\nDoes to this item what plaz." + name +
+                                    "() does, and returns its result.");
+}
+
 /// The method of an item that does what the function of that name does to it alone.
 template <typename Act> void defineAction(const char* name, Act act) {
     defineMethod<HSCPlazQItem>(
         name,
-        [act](const ItemHandle& self, bool quiet, py::object progress) -> py::object {
-            return act(self.toObject(), {}, quiet, std::move(progress))[0];
+        [act](const ItemHandle& self, bool quiet, bool discardChanges, py::object progress) -> py::object {
+            return act(self.toObject(), {}, quiet, discardChanges, std::move(progress))[0];
         },
-        py::kw_only(), "quiet"_a = false, "progress"_a = py::none(),
-        documented<HSCPlazQItem>(std::string(name) +
-                                 "(self, *, quiet=False, progress=None)\n--\n\nDoes to this item what plaz." + name +
-                                 "() does, and returns its ActionResult.")
-            .c_str());
+        py::kw_only(), "quiet"_a = false, "discard_changes"_a = false, "progress"_a = py::none(),
+        documentedAction(name, "quiet=False, discard_changes=False, progress=None").c_str());
+}
+
+void defineInstall() {
+    defineMethod<HSCPlazQItem>(
+        "install",
+        [](const ItemHandle& self, bool quiet, bool reinstall, bool discardChanges, py::object progress) -> py::object {
+            return install(self.toObject(), {}, quiet, reinstall, discardChanges, std::move(progress))[0];
+        },
+        py::kw_only(), "quiet"_a = false, "reinstall"_a = false, "discard_changes"_a = false, "progress"_a = py::none(),
+        documentedAction("install", "quiet=False, reinstall=False, discard_changes=False, progress=None").c_str());
+}
+
+void defineVerify() {
+    defineMethod<HSCPlazQItem>(
+        "verify",
+        [](const ItemHandle& self, py::object progress) -> py::object {
+            return verify(self.toObject(), {}, std::move(progress))[0];
+        },
+        py::kw_only(), "progress"_a = py::none(), documentedAction("verify", "progress=None").c_str());
 }
 
 void defineItem(py::module_& module) {
     defineClass<HSCPlazQItem>(module, "Item", "One revision of an item of a store's catalog.");
     refuseToPickle<HSCPlazQItem>();
-    defineAction("install", &install);
+    defineInstall();
     defineAction("uninstall", &uninstall);
     defineAction("update", &update);
+    defineAction("repair", &repair);
+    defineVerify();
     defineMethod<HSCPlazQItem>(
         "needed_items", &findNeeded,
         documented<HSCPlazQItem>(

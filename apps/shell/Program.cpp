@@ -181,7 +181,7 @@ HubActions Program::makeActions() {
 
 template <typename Result> int Program::conclude(const CommandResult<Result>& result) {
     if (result.isDone) return exitStatus::done;
-    if (result.reason) m_failure = result.reason->getMessage();
+    if (result.reason) m_failure = result.reason->what();
     return exitStatus::failed;
 }
 

@@ -33,7 +33,7 @@ template <typename Result> Tcl_Obj* answer(const TclCall& call, const CommandRes
     if (result.isDone) return Tcl_NewIntObj(static_cast<int>(result.parts.size()));
     if (call.getStatus().isCanceled()) failWith(ShellMsg::cancelled);
     if (!result.reason) failWith(Msg::unexpectedFailure, "no reason was given");
-    throw HEXAll(*result.reason);
+    throw ExplainedFailure(*result.reason);
 }
 
 template <typename Native> const std::vector<Native*>& requireSome(const std::vector<Native*>& natives) {
@@ -92,7 +92,12 @@ Resolve toOne(HubQueries::Resolve resolve) {
 }
 
 Tcl_Obj* uninstall(const TclCall& call) {
-    return answer(call, makeActions(call).uninstall(resolveInstalled(call, toOne(&HubQueries::resolveInstalled))));
+    const ItemsResult result =
+        makeActions(call).uninstall(resolveInstalled(call, toOne(&HubQueries::resolveInstalled)));
+    for (const HSCPlazItemResult& part : result.parts) // the error, if it comes to one, tells of the others
+        if (const auto need = describeNeed(part); need && part.isDone() && !call.has(commandOptions::quiet))
+            ComMsgMgr::send(*need, MsgSeverity::info);
+    return answer(call, result);
 }
 
 Tcl_Obj* update(const TclCall& call) {

@@ -42,9 +42,9 @@ std::string codeOf(const ComMsgMgrInstance& failure) {
 }
 
 /// Makes the failure the interpreter's error.
-void setError(Tcl_Interp* interp, const ComMsgMgrInstance& failure) {
-    Tcl_SetObjResult(interp, makeText(HSCPlazTrust::maskSecrets(failure.getMessage())));
-    Tcl_SetObjErrorCode(interp, makeList({"PLAZ", codeOf(failure)}));
+void setError(Tcl_Interp* interp, const HEXAll& failure) {
+    Tcl_SetObjResult(interp, makeText(HSCPlazTrust::maskSecrets(failure.what())));
+    Tcl_SetObjErrorCode(interp, makeList({"PLAZ", codeOf(failure.getMsg())}));
 }
 
 /// How a command whose words are hidden stands in a trace.
@@ -82,9 +82,9 @@ int runCommand(ClientData data, Tcl_Interp* interp, int count, Tcl_Obj* const wo
         return TCL_OK;
     } catch (const TclErrorIsSet&) {
     } catch (const HEXAll& failure) {
-        setError(interp, failure.getMsg());
+        setError(interp, failure);
     } catch (const std::exception& failure) {
-        setError(interp, messageOf(Msg::unexpectedFailure, failure.what()));
+        setError(interp, HEXAll(messageOf(Msg::unexpectedFailure, failure.what())));
     }
     if (command.takesSecrets) hideWords(interp, command);
     return TCL_ERROR;

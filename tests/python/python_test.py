@@ -8,6 +8,7 @@ import inspect
 import io
 import logging
 import os
+import pathlib
 import pickle
 import re
 import shutil
@@ -150,9 +151,42 @@ class PythonTest(HubTest):
             failed = self.raised(plaz.Error, plaz.uninstall, ["csv-kit", "string-kit"], quiet=True)
         self.check("failure", (failed.message_id, failed.text in str(failed)), ("17-1568", True))
         self.check("its errors", [m.id for m in failed.messages if m.label == "ERROR"], ["17-1568"])
+        holders = ["tclscripts::pin-report@1.0, tclscripts::board-check@1.0", "tclscripts::csv-kit@1.1"]
         self.check("its results", [r.outcome for r in failed.results], ["failed", "kept"])
+        self.check("who needs them", [r.needed_by for r in failed.results], holders)
+        self.check_shown(failed.text, holders[0])
         removed = [f"{r.name} {r.outcome}" for r in plaz.uninstall(["csv-kit", "aurora"])]
         self.check("removal", removed, ["csv-kit removed", "aurora removed"])
+
+    def test_compares_and_repairs_files(self):
+        """Catches: damage that is an error or goes unseen, an item left out, a user's work lost or kept unasked."""
+
+        def told(results):
+            return [f"{r.name} {r.revision} {r.outcome} {r.changed + r.missing + r.additional}" for r in results]
+
+        self.check("nothing", (plaz.verify(), plaz.repair(), plaz.verify([])), ([], [], []))
+        plaz.install(["hikari", "string-kit"], quiet=True)
+        hikari = plaz.item("hikari")
+        files = [file for file in pathlib.Path(hikari.local_directory).iterdir() if file.is_file()]
+        files[0].write_text("mine", "utf-8")
+        damaged = f"hikari {hikari.revision} damaged ('{files[0].name}',)"
+        whole = f"hikari {hikari.revision} whole ()"
+        self.check("object", told([hikari.verify()]), [damaged])
+        self.check("store", told(plaz.verify(store="boards"))[-1:], [damaged])
+        self.check("others", told(plaz.verify("string-kit")), ["string-kit 1.0 whole ()"])
+        for repair, kept, outcome in (
+            (lambda: plaz.repair(hikari), 1, "repaired"),
+            (lambda: plaz.repair("hikari"), 1, "whole"),
+            (lambda: [hikari.repair(discard_changes=True)], 1, "repaired"),
+            (lambda: [hikari.install(reinstall=True)], 2, "installed"),
+        ):
+            if outcome != "whole":
+                files[0].write_text("mine", "utf-8")
+            self.check("outcome", [r.outcome for r in repair()], [outcome])
+            self.check("files", told([hikari.verify()]), [whole])
+            self.check("kept", len(list(self.home.rglob(f"plaz_kept/*/**/{files[0].name}"))), kept)
+        for refused in (plaz.item("aurora").verify, plaz.item("aurora").repair):
+            self.check("not installed", self.raised(plaz.Error, refused).message_id, "17-2165")
 
     def test_refreshes_and_updates(self):
         """Catches: an update that leaves the old revision as the newest, a failed refresh that is passed over."""

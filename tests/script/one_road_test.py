@@ -7,7 +7,7 @@ from support.hubtest import BUILD, PLAZ, PRODUCT_DATA, HubTest, make_env, run
 
 # A failing step among them: what others need is not removed.
 STEPS = ["refresh boards", "install pin-report", "install aurora", "uninstall string-kit", "update aurora"]
-STEPS += ["uninstall aurora"]
+STEPS += ["verify aurora", "repair aurora", "uninstall aurora"]
 PYTHON = """
 import logging, sys, plaz
 
@@ -49,6 +49,8 @@ class OneRoadTest(HubTest):
         area.mkdir()
         env = make_env(area, self.data, PRODUCT_DATA, PYTHONPATH=str(BUILD / "python"))
         for step in STEPS:
+            if step == "repair aurora":
+                next(area.rglob("aurora/2.0/board.xml")).unlink()
             command, text = command_of(way, *step.split())
             result = run(*command, env=env, input=text)
             told = result.stderr.replace(str(area), "AREA")
@@ -57,8 +59,9 @@ class OneRoadTest(HubTest):
     def test_all_front_ends_take_it(self):
         """Catches: a front end that ends otherwise, sends other messages or leaves other files than the others."""
         program = list(self.go("program"))
-        self.assertEqual([status for status, _, _ in program], [0, 0, 0, 1, 0, 0])
+        self.assertEqual([status for status, _, _ in program], [0, 0, 0, 1, 0, 0, 0, 0])
         self.assertTrue(any(b'"aurora"' in content for content in program[2][2].values()), "nothing was recorded")
+        self.assertEqual(program[6][2].keys(), program[5][2].keys(), "the file that was missing")
         for way in ("tcl", "python"):
             for step, ours, theirs in zip(STEPS, self.go(way), program):
                 with self.subTest(f"{way}: {step}"):

@@ -20,8 +20,23 @@ can load the package once, in one interpreter.
 """
 
 from plaz._errors import AmbiguousError, BusyError, Cancelled, Error, NotFoundError, StaleObjectError
-from plaz._plaz import Item, Store, cancel, install, item, items, refresh, set_product, store, stores, uninstall, update
-from plaz._results import ActionResult, Message, StoreResult
+from plaz._plaz import (
+    Item,
+    Store,
+    cancel,
+    install,
+    item,
+    items,
+    refresh,
+    repair,
+    set_product,
+    store,
+    stores,
+    uninstall,
+    update,
+    verify,
+)
+from plaz._results import ActionResult, FilesResult, Message, StoreResult
 from plaz._settings import Parameters, Preferences
 
 params = Parameters()
@@ -33,6 +48,7 @@ __all__ = [
     "BusyError",
     "Cancelled",
     "Error",
+    "FilesResult",
     "Item",
     "Message",
     "NotFoundError",
@@ -48,9 +64,11 @@ __all__ = [
     "params",
     "preferences",
     "refresh",
+    "repair",
     "set_product",
     "store",
     "stores",
     "uninstall",
     "update",
+    "verify",
 ]

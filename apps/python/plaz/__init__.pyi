@@ -16,6 +16,18 @@ class ActionResult(NamedTuple):
     previous_revision: str
     directory: str
     outcome: str
+    needed_by: str = ...
+
+class FilesResult(NamedTuple):
+    store: str
+    name: str
+    revision: str
+    outcome: str
+    directory: str
+    changed: tuple[str, ...]
+    missing: tuple[str, ...]
+    additional: tuple[str, ...]
+    unreadable: tuple[str, ...]
 
 class StoreResult(NamedTuple):
     store: str
@@ -27,13 +39,13 @@ class Error(Exception):
     text: str
     message_id: str
     messages: tuple[Message, ...]
-    results: tuple[ActionResult | StoreResult, ...]
+    results: tuple[ActionResult | FilesResult | StoreResult, ...]
     def __init__(
         self,
         text: str,
         message_id: str = "",
         messages: tuple[Message, ...] = (),
-        results: tuple[ActionResult | StoreResult, ...] = (),
+        results: tuple[ActionResult | FilesResult | StoreResult, ...] = (),
     ) -> None: ...
 
 class NotFoundError(Error, KeyError): ...
@@ -145,9 +157,24 @@ class Item:
     def reference_count(self) -> int: ...
     @property
     def local_directory(self) -> str: ...
-    def install(self, *, quiet: bool = False, progress: _Progress | None = None) -> ActionResult: ...
-    def uninstall(self, *, quiet: bool = False, progress: _Progress | None = None) -> ActionResult: ...
-    def update(self, *, quiet: bool = False, progress: _Progress | None = None) -> ActionResult: ...
+    def install(
+        self,
+        *,
+        quiet: bool = False,
+        reinstall: bool = False,
+        discard_changes: bool = False,
+        progress: _Progress | None = None,
+    ) -> ActionResult: ...
+    def uninstall(
+        self, *, quiet: bool = False, discard_changes: bool = False, progress: _Progress | None = None
+    ) -> ActionResult: ...
+    def update(
+        self, *, quiet: bool = False, discard_changes: bool = False, progress: _Progress | None = None
+    ) -> ActionResult: ...
+    def repair(
+        self, *, quiet: bool = False, discard_changes: bool = False, progress: _Progress | None = None
+    ) -> ActionResult: ...
+    def verify(self, *, progress: _Progress | None = None) -> FilesResult: ...
     def needed_items(self) -> list[Item]: ...
 
 class Parameters(Mapping[str, str | int | bool]):
@@ -186,6 +213,8 @@ def install(
     *,
     store: str | None = None,
     quiet: bool = False,
+    reinstall: bool = False,
+    discard_changes: bool = False,
     progress: _Progress | None = None,
 ) -> list[ActionResult]: ...
 def uninstall(
@@ -193,6 +222,7 @@ def uninstall(
     *,
     store: str | None = None,
     quiet: bool = False,
+    discard_changes: bool = False,
     progress: _Progress | None = None,
 ) -> list[ActionResult]: ...
 def update(
@@ -200,6 +230,21 @@ def update(
     *,
     store: str | None = None,
     quiet: bool = False,
+    discard_changes: bool = False,
+    progress: _Progress | None = None,
+) -> list[ActionResult]: ...
+def verify(
+    items: Item | str | Iterable[Item | str] | None = None,
+    *,
+    store: str | None = None,
+    progress: _Progress | None = None,
+) -> list[FilesResult]: ...
+def repair(
+    items: Item | str | Iterable[Item | str] | None = None,
+    *,
+    store: str | None = None,
+    quiet: bool = False,
+    discard_changes: bool = False,
     progress: _Progress | None = None,
 ) -> list[ActionResult]: ...
 def refresh(
@@ -217,6 +262,7 @@ __all__ = [
     "BusyError",
     "Cancelled",
     "Error",
+    "FilesResult",
     "Item",
     "Message",
     "NotFoundError",
@@ -232,9 +278,11 @@ __all__ = [
     "params",
     "preferences",
     "refresh",
+    "repair",
     "set_product",
     "store",
     "stores",
     "uninstall",
     "update",
+    "verify",
 ]

@@ -15,10 +15,11 @@ class Message(NamedTuple):
 class ActionResult(NamedTuple):
     """What became of an item.
 
-    outcome: "installed", "removed", "kept" (its files stay: others need it, or it is shipped), "updated", "up-to-date"
-    or "failed".
+    outcome: "installed", "removed", "kept" (its files stay: others need it, or it is shipped), "updated", "up-to-date",
+    "repaired", "whole" (there was nothing to repair) or "failed".
     previous_revision: of an update, the one that was installed before.
     directory: where it is installed; empty when it is not.
+    needed_by: of a removal, the items for which it stays, such as "boards::aurora@2.0, tools::kit@1.0".
     """
 
     store: str
@@ -27,6 +28,27 @@ class ActionResult(NamedTuple):
     previous_revision: str
     directory: str
     outcome: str
+    needed_by: str = ""
+
+
+class FilesResult(NamedTuple):
+    """How the files of an installed item compare with those of its recorded commit.
+
+    outcome: "whole", "damaged" (some are changed, missing or cannot be read) or "unknown" (nobody knows what they
+    should be; a message says why).
+    directory: where it is installed. The files are named relative to it.
+    additional: files that were not installed. They do no harm.
+    """
+
+    store: str
+    name: str
+    revision: str
+    outcome: str
+    directory: str
+    changed: Tuple[str, ...]
+    missing: Tuple[str, ...]
+    additional: Tuple[str, ...]
+    unreadable: Tuple[str, ...]
 
 
 class StoreResult(NamedTuple):

@@ -143,7 +143,10 @@ TEST_F(TclCommandsTest, actsOnObjectsAndNames) {
            {"plaz::uninstall -quiet [list [plaz::get_qitems kit] [list [plaz::get_qitems tool]]]", "2"},
            {"plaz::install -quiet tool kit; plaz::uninstall -quiet [plaz::get_qitems -installed -store tcl]", "2"},
            {"plaz::install -quiet tool; plaz::get_qitems -installed", "x@1 kit tool"},
-           {"plaz::uninstall kit", "!PLAZ 17-1568..."},
+           {"plaz::uninstall kit",
+            "!PLAZ 17-1568: \"The kit\" stays installed, because other items need it. Uninstall those first. "
+            "\"tcl::kit@1\" stays until these are gone: tcl::tool@1."},
+           {"plaz::install -quiet kit; plaz::uninstall kit", "1"},
            {"plaz::uninstall -quiet [plaz::get_qitems x]", "1"},
            {"plaz::install -quiet {my board}", "1"},
            {"plaz::install -quiet {x tcl::both}", "2"},
@@ -153,6 +156,8 @@ TEST_F(TclCommandsTest, actsOnObjectsAndNames) {
            {"get_property NAME $gone", "!PLAZ STALE..."},
            {"plaz::get_qitems x $gone", "!PLAZ STALE..."},
            {"plaz::uninstall -quiet tool; plaz::get_qitems -installed", "x {my board}"}});
+    const Names ids = takeIds();
+    EXPECT_EQ(std::count(ids.begin(), ids.end(), "17-2239"), 1) << "what was kept for others";
     status.cancel();
     check({{"plaz::uninstall x", "!PLAZ CANCELLED..."}});
     status.setState(HDGUIStatus::running);

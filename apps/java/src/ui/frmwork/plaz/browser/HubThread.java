@@ -181,12 +181,17 @@ final class HubThread {
         post(to -> to.changed(snapshot));
     }
 
-    /** What a command fails with has often been told as a message already. To be cancelled is no failure. */
+    /**
+     * What a command fails with has often been told as a message already, but for an explanation behind it. To be
+     * cancelled is no failure.
+     */
     private void tellFailure(Throwable failure) {
         boolean isOfHub = failure instanceof CommandFailedException;
-        String text = isOfHub ? failure.getMessage() : failure.toString();
-        Message message = isOfHub && status.isCanceled() ? Message.info(text) : Message.error(text);
-        if (!toldTexts.contains(message.text())) tell(message);
+        Message message = Message.error(isOfHub ? failure.getMessage() : failure.toString());
+        int known = toldTexts.stream().filter(message.text()::startsWith).mapToInt(String::length).max().orElse(0);
+        String news = message.text().substring(known).strip();
+        boolean isExplanation = known > 0 || isOfHub && status.isCanceled();
+        if (!news.isEmpty()) tell(isExplanation ? Message.info(news) : message);
     }
 
     private void tell(Message message) {

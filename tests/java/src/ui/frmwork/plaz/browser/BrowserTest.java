@@ -239,8 +239,10 @@ class BrowserTest {
     private static void uninstallsAndTellsFailuresOnce() throws Exception {
         choose("boards", "connectors-common");
         click(find("uninstall"));
-        awaitRest("stays installed, because other items need it");
-        assertEquals(1, count("stays installed, because other items need it"));
+        awaitRest("stays installed, because other items need it.");
+        assertEquals(1, count("stays installed, because other items need it."));
+        String last = text("messages").lines().reduce("", (before, line) -> line);
+        assertTrue(last.startsWith("INFO: ") && last.contains("boards::aurora@2.0"), last);
         assertEquals(3, count("ERROR:"), text("messages")); // two were about the damage
         assertEquals(List.of(window), Stream.of(Window.getWindows()).filter(Component::isShowing).toList());
         choose("boards", "aurora");
