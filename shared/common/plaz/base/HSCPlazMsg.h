@@ -81,6 +81,6 @@ inline constexpr MsgId<3> filesChanged{"@17-2235@%s%s%s"};       ///< display na
 inline constexpr MsgId<3> itemDamaged{"@17-2236@%s%s%s"};        ///< reference, in what way, reference
 inline constexpr MsgId<3> filesUnknown{"@17-2237@%s%s%s"};       ///< reference, why, reference
 inline constexpr MsgId<1> hubUnlocked{"@17-2240@%s"};            ///< lock file
-inline constexpr MsgId<2> catalogUnread{"@17-2239@%s%s"};        ///< store, store
+inline constexpr MsgId<2> catalogUnread{"@17-2214@%s%s"};        ///< store, store
 inline constexpr MsgId<1> clonedRepo{"@60-832@%s"};              ///< directory
 } // namespace Msg
