@@ -194,9 +194,10 @@ void TclShell::showError(std::size_t messagesBefore, bool withTrace) {
     std::string shown = withTrace ? traceOf(m_interp) : error;
     if (shown.compare(0, error.size(), error) != 0) shown.insert(0, error + '\n'); // a script has made the trace
     const auto& messages = m_log.getMessages();
-    const bool isKnown = std::any_of(messages.begin() + static_cast<std::ptrdiff_t>(messagesBefore), messages.end(),
-                                     [&](const ComMsgMgr::Message& message) { return message.text == error; });
-    if (isKnown) shown.erase(0, error.size());
+    const auto told = std::find_if(
+        messages.begin() + static_cast<std::ptrdiff_t>(messagesBefore), messages.end(),
+        [&](const ComMsgMgr::Message& message) { return (error + ' ').rfind(message.text + ' ', 0) == 0; });
+    if (told != messages.end()) shown.erase(0, std::min(told->text.size() + 1, error.size())); // there may be more
     shown = shownTrace(shown);
     shown.erase(0, shown.find_first_not_of('\n'));
     if (!shown.empty()) std::cerr << HUTText::printable(shown, true) << std::endl;
