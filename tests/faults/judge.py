@@ -169,7 +169,7 @@ class Home:
         told = {f"{where}/{name}" for where, names in told for name in names.split(", ")}
         yield from (f"{path} is told as kept" for path in told - whole)
         places = {path.split("/", 6)[-1] for path in (told if is_done else whole)}
-        for path in (path for path in own if own[path] and self.files.get(path) != own[path]):
+        for path in (path for path in own if own[path] and own[path] not in self.files.values()):
             if path.split("/", 4)[4] not in places:
                 yield f"{path} is lost, or not told as kept"
 

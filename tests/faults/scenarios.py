@@ -39,7 +39,8 @@ class Scenario(NamedTuple):
     command: str
     next_task: str = "uninstall resistances"  # another one that changes something, without the network
     stays: tuple = None  # of what the user has made of files; None where that is nothing
-    status: int = 0  # that the command ends with
+    writes: bool = True  # else it finds something wrong, and ends with 1
+    weight: int = 1  # of its points in a spread
 
     def get_own(self, names=OWN):
         return {} if self.stays is None else {f"@/{AREA}/{name}": OWN[name] for name in names}
@@ -52,8 +53,8 @@ SCENARIOS = (
     Scenario("update", INSTALLED, ("refresh tclscripts",), "update pin-report"),
     Scenario("update-many", ("install aurora@1.1 resistances",), (), "update aurora"),
     Scenario("update-again", ("install hikari resistances",), ("refresh boards",), "update hikari"),
-    Scenario("refresh", ("refresh tclscripts", "install pin-report resistances"), (), "refresh tclscripts"),
-    Scenario("refresh-hub", ("refresh --hub", "install hikari resistances"), (), "refresh --hub"),
+    Scenario("refresh", ("refresh tclscripts", "install pin-report resistances"), (), "refresh tclscripts", weight=3),
+    Scenario("refresh-hub", ("refresh --hub", "install hikari resistances"), (), "refresh --hub", weight=3),
     Scenario(
         "relocate",
         ("refresh tclscripts", "install resistances legacy-carrier"),
@@ -61,7 +62,7 @@ SCENARIOS = (
         "relocate tclscripts {home}/moved",
         "uninstall legacy-carrier",
     ),
-    Scenario("verify", INSTALLED, (), "verify pin-report", stays=(*OWN,), status=1),
+    Scenario("verify", INSTALLED, (), "verify pin-report", stays=(*OWN,), writes=False),
     Scenario("repair", INSTALLED, (), "repair pin-report", stays=(ADDED, CHANGED_BELOW, MISSING_BELOW)),
     Scenario("restore", INSTALLED, (), "install pin-report", stays=(CHANGED, ADDED, CHANGED_BELOW)),
     Scenario("reinstall", INSTALLED, (), "install --reinstall pin-report", stays=(CHANGED_BELOW,)),
@@ -194,7 +195,7 @@ class Stage:
         """@return the home that a copy becomes by a command, and by the next task after it"""
         home, scenario = self.dir / "end", self.scenarios[prepared.name]
         copy_home(prepared, home)
-        self.run_all(home, commands, scenario.status)
+        self.run_all(home, commands, int(not scenario.writes))
         end = Home(home, self.origin, scenario.get_own(own))
         self.run_all(home, [scenario.next_task])
         after_next = Home(home, self.origin, scenario.get_own(own))
@@ -203,7 +204,7 @@ class Stage:
 
     def check_ends(self, scenario):
         """What no fault disturbs has to be right: nothing could be said of the rest otherwise."""
-        if scenario.status and (calls := self.find_calls(scenario.name, "children", "write")):
+        if not scenario.writes and (calls := self.find_calls(scenario.name, "children", "write")):
             raise AssertionError(f"{scenario.name} changes something: {calls}")
         for home in self.ends[scenario.name]:
             wrong = [*home.judge_items(home, home), *home.find_leftovers(home, home)]
@@ -264,7 +265,7 @@ class Stage:
             (lost, f"{fault}: {text}") for text in found.judge_own(old.own, result.stderr, not result.returncode)
         )
         if result.returncode == 0:
-            yield from ((early, text) for text in (*lacking, *["nothing is wrong"] * scenario.status))
+            yield from ((early, text) for text in (*lacking, *["nothing is wrong"] * (not scenario.writes)))
         elif point.kind in (*ERRORS, NO_FAULT) and not any(
             word in result.stderr.lower() for word in ("error", "critical warning")
         ):
