@@ -48,7 +48,7 @@ class Model:
         counts = dict.fromkeys(self.installed, 0)
         ways = [(item, {item}) for item in self.list_asked_for()]
         for item, keys in ways:  # by which it names itself
-            if item[0] == ONE or item == self.find_offer(*item[:2], ""):
+            if item[0] == ONE or item == (self.find_offer(*item[:2], "") or self.find_server(*item[:2], "")):
                 keys.add((*item[:2], ""))
         for _ in range(TOO_MANY):
             if not ways:
@@ -116,7 +116,8 @@ class Model:
         seen, lacking = {top}, []
 
         def bring(key):
-            item = self.find_offer(*key)
+            there = (item for item in self.list_revisions(*key[:2]) if key[2] in ("", item[2]))  # left out meanwhile
+            item = self.find_offer(*key) or next(there, None)
             if not item or (item not in self.installed and not self.put(item, "tool")):
                 lacking.append(key)
                 return False
