@@ -336,7 +336,7 @@ void HSCPlazItemChanges::finishInterrupted() {
         return;
     }
     const HSCPlazFoundItem known{store, store->getItem(name, change.item->getRevision())};
-    if (isRecorded(known, change)) return;
+    if (isRecorded(known, change)) return describeReturned(m_task, *store);
     if (!known && change.isInstalled) {
         // What the catalog has left out meanwhile is listed because it is installed.
         HSCPlazInstalledItems(*store->getModel(), m_task.getWorkspace().paths).apply(*change.item);

@@ -183,6 +183,7 @@ bool HSCPlazItemFiles::makeRemains(HSCPlazTask& task, const HSCPlazFoundItem& fo
 void HSCPlazItemFiles::describe(HSCPlazTask& task, const HSCPlazFoundItem& found) {
     HSCPlazQItemModel description;
     HSCPlazQItemModel& item = *found.item->getModel();
+    if (item.getMetadataFile().empty()) return; // what the catalog has left out keeps what it was read with
     if (describedOnDisk(task, found, description)) item.copyDescriptionFrom(description);
     item.setIsDescribedByItself(!description.getName().empty());
 }

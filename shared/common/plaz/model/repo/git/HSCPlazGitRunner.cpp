@@ -293,10 +293,7 @@ HSCPlazGitAnswer HSCPlazGitRunner::ask(const std::vector<std::string>& args, con
     prepare(process, words, workDir, outFile.getName());
     process.setTimeout(HSCPlazGitParams::getTimeOut());
     HSCPlazGitAnswer answer{process.launch(true, true, true, true), {}};
-    const bool isRead = HIOStream::read(outFile.getName(), answer.text) == HIOStream::Status::ok;
-    // Where the file cannot be made what git says goes nowhere, and git notices nothing.
-    if (!isRead && answer.status == 0)
-        return {HUTFork::notStarted, "fatal: the file \"" + outFile.getName() + "\" cannot be written"};
+    answer.isHeard = HIOStream::read(outFile.getName(), answer.text) == HIOStream::Status::ok;
     answer.text = HSCPlazTrust::maskSecrets(answer.text);
     return answer;
 }
