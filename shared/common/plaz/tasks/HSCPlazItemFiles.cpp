@@ -140,10 +140,14 @@ std::string HSCPlazItemFiles::directoryOf(const HSCPlazWorkspace& workspace, con
     return workspace.paths.getItemDir(*found.store->getModel(), *found.item->getModel());
 }
 
-bool HSCPlazItemFiles::areInPlace(HSCPlazTask& task, const HSCPlazFoundItem& found) {
-    const std::string dir = directoryOf(task.getWorkspace(), found);
+bool HSCPlazItemFiles::areInPlace(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record) {
+    const std::string& dir = record.getLocalDir();
     HSCPlazQItemModel description;
-    return !dir.empty() && HUTFile::createFileIter(dir).size() >= 2 && describedOnDisk(task, found, description);
+    if (dir.empty() || HUTFile::createFileIter(dir).size() < 2 || !describedOnDisk(task, found, description))
+        return false;
+    std::string unknown;
+    const auto tree = Trees::find(Trees::placeOf(task.getWorkspace(), found, record), unknown);
+    return !tree || tree->findLost(dir).areNone();
 }
 
 bool HSCPlazItemFiles::fetch(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record,
