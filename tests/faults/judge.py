@@ -165,7 +165,7 @@ class Home:
         by a command that is done."""
         texts = {path.split("/", 4)[4]: text for path, text in own.items() if text}
         whole = {path for path, text in self.kept.items() if text == texts.get(path.split("/", 6)[-1])}
-        told = re.findall(r'is kept in "(.*)": (.*)\.', said.replace(self.directory, "@"))
+        told = re.findall(r'(@\S*/plaz_kept/[^" ]*)"?:? (.*?)\.?$', said.replace(self.directory, "@"), re.M)
         told = {f"{where}/{name}" for where, names in told for name in names.split(", ")}
         yield from (f"{path} is told as kept" for path in told - whole)
         places = {path.split("/", 6)[-1] for path in (told if is_done else whole)}
