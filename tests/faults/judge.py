@@ -13,6 +13,15 @@ DATABASE, PLACES, METADATA = "plaz_local_db.json", "plaz_stores.json", "item.jso
 GARBAGE = re.compile(r"tmp_.*|.*\.lock|.*\.log")  # left in a working copy where a command on it ended early
 
 
+def parse_listing(text):
+    """@return the blob of each file that git lists"""
+    return {name: about.split()[2] for about, name in (line.split("\t") for line in text.split("\0")[:-1])}
+
+
+def get_blob(text):
+    return hashlib.sha1(b"blob %d\0" % len(text) + text).hexdigest()
+
+
 class Record(NamedTuple):
     """What a database says of an item."""
 
@@ -38,8 +47,8 @@ class Origin:
     @functools.cache
     def get_blobs(self, repository, commit, folder):
         """@return the blob of each file below a folder"""
-        lines = self.git(repository, "ls-tree", "-r", "-z", commit, "--", f"{folder}/").split("\0")[:-1]
-        return {name[len(folder) + 1 :]: about.split()[2] for about, name in (line.split("\t") for line in lines)}
+        listed = parse_listing(self.git(repository, "ls-tree", "-r", "-z", commit, "--", f"{folder}/"))
+        return {name[len(folder) + 1 :]: blob for name, blob in listed.items()}
 
     @functools.cache
     def get_dependencies(self, repository, commit, folder):
@@ -55,11 +64,13 @@ class Origin:
 
 class Home:
     """A home as it lies on disk, its own place written "@": files, the records of all databases by the items' places,
-    what cannot be read, and what was left in working copies, whose files are no concern of ours otherwise."""
+    what cannot be read, what was left in working copies, whose files are no concern of ours otherwise, what is kept
+    aside of users' files, and the trees that installations keep. own: what a user has made of files, None for gone."""
 
-    def __init__(self, directory, origin):
+    def __init__(self, directory, origin, own=()):
         self.origin, self.names = origin, (f"{DRIVE}{directory}".encode(), str(directory).encode())
-        self.files, self.records, self.damage, self.garbage = {}, {}, [], []
+        self.own = dict(own)
+        self.files, self.records, self.damage, self.garbage, self.kept, self.trees = {}, {}, [], [], {}, []
         self.chosen = {}  # the directories of stores that have moved
         for file in sorted(directory.rglob("*")):
             path = f"@/{file.relative_to(directory).as_posix()}"
@@ -69,6 +80,11 @@ class Home:
             elif "/.plaz/.index/" in path:
                 if GARBAGE.fullmatch(file.name):
                     self.garbage.append(path)
+            elif "/plaz_kept/" in path:
+                self.kept[path] = file.read_bytes()
+            elif "/.plaz/.trees/" in path and not file.name.startswith(".plaz-"):
+                *_, commit, listing = file.read_text("utf-8").split("\n", 3)
+                self.trees.append((path.partition("/.plaz/")[0], commit, parse_listing(listing)))
             elif file.name == DATABASE:
                 self.read(file, self.read_records)
             elif file.name == PLACES:
@@ -128,14 +144,40 @@ class Home:
         """@return the place of the item that a file belongs to, of all that these homes know"""
         return next((w for home in (self, *others) for w in home.records if path.startswith(f"{w}/")), None)
 
-    def describe_lack(self, where):
-        """Says what an item's files lack of those of the recorded commit."""
+    def get_tree(self, where):
+        """@return what its installation keeps of an item's files"""
         record = self.records[where]
         blobs = self.origin.get_blobs(record.repository, record.commit, record.folder)
-        for name in sorted({path[len(where) + 1 :] for path in self.files if path.startswith(f"{where}/")} | {*blobs}):
-            text = self.files.get(f"{where}/{name}", b"")
-            if hashlib.sha1(b"blob %d\0" % len(text) + text).hexdigest() != blobs.get(name):
-                yield f"{where}/{name} is not as in {record.commit[:7]}, which is recorded"
+        return where.partition(f"/{record.folder}")[0], record.commit, blobs
+
+    def describe_lack(self, where, *owns):
+        """Says what an item lacks: its tree, and the files of the recorded commit, with what a user made of them."""
+        if self.get_tree(where) not in self.trees:
+            yield f"{where} is there without its tree"
+        start, (_, commit, blobs) = f"{where}/", self.get_tree(where)
+        found = {path: get_blob(text) for path, text in self.files.items() if path.startswith(start)}
+        lacks = []
+        for own in owns:
+            expected = {start + name: blob for name, blob in blobs.items()}
+            expected |= {p: text if text is None else get_blob(text) for p, text in own.items() if p.startswith(start)}
+            lacks.append([p for p in sorted({*found, *expected}) if found.get(p) != expected.get(p)])
+        for path in min(lacks, key=len):
+            yield f"{path} is not as in {commit[:7]}, which is recorded"
+
+    def judge_own(self, own, said="", is_done=False):
+        """Says which of a user's files are nowhere any more, or are told as kept and are not, or the other way around
+        by a command that is done."""
+        texts = {path.split("/", 4)[4]: text for path, text in own.items() if text}
+        whole = {path for path, text in self.kept.items() if text == texts.get(path.split("/", 6)[-1])}
+        for name in self.names:
+            said = said.replace(name.decode(), "@")
+        told = re.findall(r'(@\S*/plaz_kept/[^" ]*)"?:? (.*?)\.?$', said, re.M)
+        told = {f"{where}/{name}" for where, names in told for name in names.split(", ")}
+        yield from (f"{path} is told as kept" for path in told - whole)
+        places = {path.split("/", 6)[-1] for path in (told if is_done else whole)}
+        for path in (path for path in own if own[path] and own[path] not in self.files.values()):
+            if path.split("/", 4)[4] not in places:
+                yield f"{path} is lost, or not told as kept"
 
     def describe_counts(self, found):
         """Says which of these counts, by item, are not those that dependencies give."""
@@ -160,7 +202,8 @@ class Home:
             elif found.mode not in [record.mode for record in known]:
                 yield f'{where} is installed for "{found.mode}"'
             else:
-                yield from self.describe_lack(where)
+                homes = (home for home, record in ((old, before), (new, after)) if record and record[3] == found[3])
+                yield from self.describe_lack(where, *(home.own for home in homes))
 
     def judge_shown(self, shown):
         """Says where the list of what is installed is not what is recorded."""
@@ -190,6 +233,10 @@ class Home:
     def find_leftovers(self, old, new):
         """Says which files belong to nothing that is recorded, nor were there in one of the homes. What an item that is
         gone leaves of itself is its metadata file."""
+        needed = [self.get_tree(where) for where in self.records]
+        for tree in self.trees:
+            if self.trees.count(tree) > needed.count(tree):
+                yield f"a tree of {tree[0]} at {tree[1][:7]} is left over"
         for path in self.files:
             owner = self.find_owner(path, old, new)
             known = path == f"{owner}/{METADATA}" if owner else path in old.files or path in new.files

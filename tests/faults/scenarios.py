@@ -10,18 +10,31 @@ import threading
 from typing import NamedTuple
 
 from faults.judge import DATABASE, PLACES, Home, Origin
-from support.hubtest import BUILD, DRIVE, PLAZ, PRODUCT_DATA, WINDOWS, commit, edit, make_env, make_hub, run, succeed
+from support.hubtest import BUILD, DRIVE, PLAZ, PRODUCT_DATA, WINDOWS, commit, edit, make_env, make_hub, run
 
 PROGRAM = WINDOWS or [PLAZ]
 STEPPER = pathlib.Path(WINDOWS[-1]).with_name("stepper.exe") if WINDOWS else BUILD / "bin/stepper"
 ENDS = ("kill", "kill-all", "interrupt")
 ERRORS = ("ENOSPC", "EIO", "EACCES", "EROFS", "EMFILE")
+NOTE = "plaz_change.json"
 NO_FAULT = "nothing"
 HOLDS = ("hold", "lock", "hold-once")
-KINDS = ("kill", *ERRORS, *HOLDS) if WINDOWS else (*ENDS, *ERRORS)
+KINDS = ("kill", *ERRORS, *HOLDS) if WINDOWS else (*ENDS, *ERRORS, "full")
 SCOPES = ("alone",) if WINDOWS else ("alone", "children")
 ALREADY_GONE = "is not installed"
-FINDINGS = ("neither old nor new", "leftovers", "not completed", "exit 0 too early", "bad end")
+FINDINGS = ("neither old nor new", "leftovers", "not completed", "exit 0 too early", "bad end", "lost")
+
+
+AREA = "2024.2/plaz/ced_store/scripts"
+OWN = {  # what a user has made of files below: changed, emptied, removed and added them
+    "pin-report/changelog.txt": b"Mine.\n",
+    "pin-report/logo.svg": b"",
+    "pin-report/pin_report.tcl": None,
+    "pin-report/mine/notes.txt": b"Added.\n",
+    "text-tables/changelog.txt": b"Mine, too.\n",
+    "text-tables/logo.svg": None,
+}
+CHANGED, EMPTIED, MISSING, ADDED, CHANGED_BELOW, MISSING_BELOW = OWN
 
 
 class Scenario(NamedTuple):
@@ -30,16 +43,23 @@ class Scenario(NamedTuple):
     after: tuple
     command: str
     next_task: str = "uninstall resistances"  # another one that changes something, without the network
+    stays: tuple = None  # of what the user has made of files; None where that is nothing
+    writes: bool = True  # else it finds something wrong, and ends with 1
+    weight: int = 1  # of its points in a spread
+
+    def get_own(self, names=OWN):
+        return {} if self.stays is None else {f"@/{AREA}/{name}": OWN[name] for name in names}
 
 
+INSTALLED = ("install pin-report resistances",)
 SCENARIOS = (
     Scenario("install", ("install resistances",), (), "install aurora"),
     Scenario("uninstall", ("install aurora resistances legacy-carrier",), (), "uninstall aurora"),
-    Scenario("update", ("install pin-report resistances",), ("refresh tclscripts",), "update pin-report"),
+    Scenario("update", INSTALLED, ("refresh tclscripts",), "update pin-report"),
     Scenario("update-many", ("install aurora@1.1 resistances",), (), "update aurora"),
     Scenario("update-again", ("install hikari resistances",), ("refresh boards",), "update hikari"),
-    Scenario("refresh", ("refresh tclscripts", "install pin-report resistances"), (), "refresh tclscripts"),
-    Scenario("refresh-hub", ("refresh --hub", "install hikari resistances"), (), "refresh --hub"),
+    Scenario("refresh", ("refresh tclscripts", "install pin-report resistances"), (), "refresh tclscripts", weight=3),
+    Scenario("refresh-hub", ("refresh --hub", "install hikari resistances"), (), "refresh --hub", weight=3),
     Scenario(
         "relocate",
         ("refresh tclscripts", "install resistances legacy-carrier"),
@@ -47,6 +67,12 @@ SCENARIOS = (
         "relocate tclscripts {home}/moved",
         "uninstall legacy-carrier",
     ),
+    Scenario("verify", INSTALLED, (), "verify pin-report", stays=(*OWN,), writes=False),
+    Scenario("repair", INSTALLED, (), "repair pin-report", stays=(ADDED, CHANGED_BELOW, MISSING_BELOW)),
+    Scenario("restore", INSTALLED, (), "install pin-report", stays=(CHANGED, ADDED, CHANGED_BELOW)),
+    Scenario("reinstall", INSTALLED, (), "install --reinstall pin-report", stays=(CHANGED_BELOW,)),
+    Scenario("uninstall-own", INSTALLED, (), "uninstall pin-report", stays=(CHANGED_BELOW, MISSING_BELOW)),
+    Scenario("update-own", INSTALLED, ("refresh tclscripts",), "update pin-report", stays=(CHANGED_BELOW,)),
 )
 
 
@@ -127,6 +153,16 @@ def copy_home(source, target, drive=""):
         file.write_text(file.read_text("utf-8").replace(str(source), f"{drive}{target}"), "utf-8")
 
 
+def save_home(home, saved):
+    """Copies a home that is to come back to its place, with the directory that an interrupted change names."""
+    shutil.copytree(home, saved, symlinks=True)
+    for note in saved.glob(f"*/plaz/{NOTE}"):
+        named = json.loads(note.read_text("utf-8"))["plaz"]["identity"]
+        for directory in (path for path in home.rglob("*") if named and str(path.lstat().st_ino) == named):
+            copied = str((saved / directory.relative_to(home)).stat().st_ino)
+            edit(note, lambda document: document["plaz"].update(identity=copied))
+
+
 class Stage:
     """A hub with the prepared homes of scenarios, below a directory."""
 
@@ -143,32 +179,41 @@ class Stage:
         for scenario in scenarios:
             home = directory / scenario.name
             self.run_all(home, scenario.after)
-            self.ends[scenario.name] = (*self.end(home), *self.end(home, scenario.command))
+            for name, text in OWN.items() if scenario.get_own() else ():
+                place = home / AREA / name
+                place.parent.mkdir(exist_ok=True)
+                place.unlink() if text is None else place.write_bytes(text)
+            self.ends[scenario.name] = (*self.end(home, OWN), *self.end(home, scenario.stays or (), scenario.command))
             self.check_ends(scenario)
 
     def env(self, home, drive=""):
         return make_env(home, self.hub / "data", PRODUCT_DATA, drive=drive)
 
-    def run_all(self, home, commands):
+    def run_all(self, home, commands, status=0):
         home.mkdir(exist_ok=True)
         for command in commands:
-            succeed(PLAZ, *command.format(home=home).split(), env=self.env(home))
+            result = run(PLAZ, *command.format(home=home).split(), env=self.env(home))
+            if result.returncode != status:
+                raise AssertionError(f"{command} ends with {result.returncode}: {result.stdout}{result.stderr}")
 
-    def end(self, prepared, *commands):
+    def end(self, prepared, own, *commands):
         """@return the home that a copy becomes by a command, and by the next task after it"""
-        home = self.dir / "end"
+        home, scenario = self.dir / "end", self.scenarios[prepared.name]
         copy_home(prepared, home)
-        self.run_all(home, commands)
-        end = Home(home, self.origin)
-        self.run_all(home, [self.scenarios[prepared.name].next_task])
-        after_next = Home(home, self.origin)
+        self.run_all(home, commands, int(not scenario.writes))
+        end = Home(home, self.origin, scenario.get_own(own))
+        self.run_all(home, [scenario.next_task])
+        after_next = Home(home, self.origin, scenario.get_own(own))
         shutil.rmtree(home)
         return end, after_next
 
     def check_ends(self, scenario):
         """What no fault disturbs has to be right: nothing could be said of the rest otherwise."""
+        if not scenario.writes and (calls := self.find_calls(scenario.name, "children", "write")):
+            raise AssertionError(f"{scenario.name} changes something: {calls}")
         for home in self.ends[scenario.name]:
             wrong = [*home.judge_items(home, home), *home.find_leftovers(home, home)]
+            wrong += home.judge_own(scenario.get_own())
             wrong += home.describe_counts({record[:3]: record.count for record in home.get_in_force()})
             if wrong:
                 raise AssertionError(f"{scenario.name}, undisturbed: {wrong}")
@@ -213,7 +258,7 @@ class Stage:
             result, calls = self.step(home, point, get_counted(point.kind))
             if len(calls) < point.at:
                 return None, []
-            return calls[-1].replace(str(home), "@"), [*self.judge(point, home, result)]
+            return (calls or ["no call"])[-1].replace(str(home), "@"), [*self.judge(point, home, result)]
         except (subprocess.TimeoutExpired, ValueError, AssertionError) as failure:
             return "?", [("bad end", repr(failure))]
         finally:
@@ -221,12 +266,15 @@ class Stage:
 
     def judge(self, point, home, result):
         scenario, (old, old_next, new, new_next) = self.scenarios[point.scenario], self.ends[point.scenario]
-        neither, leftovers, unfinished, early, bad = FINDINGS
+        neither, leftovers, unfinished, early, bad, lost = FINDINGS
         fault = f"after exit {result.returncode}"
         found = Home(home, self.origin)
         lacking = [*found.describe_difference(new, old)]
+        yield from (
+            (lost, f"{fault}: {text}") for text in found.judge_own(old.own, result.stderr, not result.returncode)
+        )
         if result.returncode == 0:
-            yield from ((early, text) for text in lacking)
+            yield from ((early, text) for text in (*lacking, *["nothing is wrong"] * (not scenario.writes)))
         elif point.kind not in ENDS and not any(
             word in result.stderr.lower() for word in ("error", "critical warning")
         ):
@@ -239,7 +287,7 @@ class Stage:
             yield from ((bad, text) for text in self.judge_refusal(point.refused, home, result))
 
         saved = home.with_name("saved")
-        shutil.copytree(home, saved, symlinks=True)
+        save_home(home, saved)
         status, error, shown = self.run_plaz(home, "items --installed --all-revisions")
         started = Home(home, self.origin)
         if status:
@@ -254,6 +302,7 @@ class Stage:
         judged = (later.judge_items(old_next, new_next), later.judge_files(old_next, new_next))
         for text in (*judged[0], *judged[1], *later.describe_counts(counts)):
             yield neither, f"{fault}, after the next task: {text}"
+        yield from ((lost, f"{fault}, after the next task: {text}") for text in later.judge_own(old.own))
         for text in later.find_leftovers(old_next, new_next):
             yield leftovers, f"{fault}, after the next task: {text}"
 
@@ -261,6 +310,7 @@ class Stage:
         saved.rename(home)
         status, error, _ = self.run_plaz(home, scenario.command)
         again = Home(home, self.origin)
+        yield from ((lost, f"{fault}, after the same again: {text}") for text in again.judge_own(old.own))
         if status and lacking and ALREADY_GONE not in error:  # the start itself may have finished a removal
             yield unfinished, f"{fault}, the same again fails: {error}"
         for text in again.describe_difference(new, old):

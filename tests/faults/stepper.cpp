@@ -9,6 +9,7 @@
 //                kill-all   the program and all that it has started are killed
 //                interrupt  the program's process group gets SIGINT, as by Ctrl-C
 //                ENOSPC, EIO, EACCES, EMFILE, EROFS  the call fails with that error
+//                full       from then on every call that needs room on the disk fails with ENOSPC
 //   --kind open  count each opening of a file or directory instead, also for reading
 //   --children   count the calls of all processes (default); --alone: those of the program itself
 //   --refuse C=E beside the fault, every call C (flock, fsync, renameat2) of all processes fails with the error E, such
@@ -108,7 +109,11 @@ constexpr std::array calls{
 };
 
 const std::map<std::string, int> errors{
-    {"ENOSPC", ENOSPC}, {"EIO", EIO}, {"EACCES", EACCES}, {"EMFILE", EMFILE}, {"EROFS", EROFS}};
+    {"ENOSPC", ENOSPC}, {"EIO", EIO}, {"EACCES", EACCES}, {"EMFILE", EMFILE}, {"EROFS", EROFS}, {"full", ENOSPC}};
+
+/// What needs room on a disk although its file is there.
+const std::set<long> growing{SYS_write,    SYS_pwrite64,        SYS_writev,   SYS_pwritev, SYS_pwritev2,
+                             SYS_sendfile, SYS_copy_file_range, SYS_fallocate};
 
 /// What there are disks without, and how these say so.
 const std::map<std::string, unsigned> refusable{
@@ -306,13 +311,17 @@ private:
         const auto call = std::find_if(calls.begin(), calls.end(), [&held](const Call& known) {
             return known.number == static_cast<long>(held.registers.orig_rax);
         });
-        if (call == calls.end() || (options.at != 0 && count == options.at)) return;
-        if (!options.withChildren && !isOwn(held.task)) return;
+        const bool isIn = options.at != 0 && count == options.at;
+        if (call == calls.end() || (isIn && options.fault != "full")) return;
+        if (!isIn && !options.withChildren && !isOwn(held.task)) return;
         const File file = findFile(held, *call);
         if (!counts(held, *call, file, options.openings)) return;
+        const bool needsRoom = growing.count(call->number) != 0 || (call->works != Works::onOld && file.getMode() == 0);
+        if (isIn && needsRoom) bringIn(held);
+        if (isIn) return;
         ++count;
         tell(held, *call, file);
-        if (count == options.at) bringIn(held);
+        if (count == options.at && (needsRoom || options.fault != "full")) bringIn(held);
     }
 
     bool isOwn(pid_t task) const {

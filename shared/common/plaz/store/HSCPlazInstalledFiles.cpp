@@ -13,7 +13,9 @@ bool HSCPlazInstalledFiles::areThere(const HSCPlazQItem* item, const HSCPlazQSto
     const std::string folder = HSCPlazPathMgr::getItemFolder(*store->getModel(), *item->getModel());
     if (folder.empty()) return false;
     try {
-        return HUTFile::createFileIter((userPref.getUserRepoPath(store) / folder).generic_string()).size() >= 2;
+        const std::string dir = (userPref.getUserRepoPath(store) / folder).generic_string();
+        const auto names = HUTFile::readDirectory(dir);
+        return names ? names->size() >= 2 : HUTFile::exists(dir); // one that cannot be listed is not gone
     } catch (const HEXAll&) {
         return false; // the store's area does not exist
     }

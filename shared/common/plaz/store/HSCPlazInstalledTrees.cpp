@@ -81,7 +81,7 @@ std::optional<HSCPlazItemTree> HSCPlazInstalledTrees::find(const Place& place, s
     }
     const HSCPlazGitAnswer answer = HSCPlazGitTree::list(place.layout, place.commit, place.root);
     if (answer.status != 0) {
-        problem = "the store's working copy does not hold its commit " + place.commit;
+        problem = "the store's working copy does not give its commit " + place.commit + ": " + answer.getReason();
         return std::nullopt;
     }
     auto tree = HSCPlazItemTree::parse(answer.text, place.commit, place.root, problem);

@@ -191,8 +191,8 @@ bool HSCPlazItemChanges::runLocked(HSCPlazTask& task, const std::function<bool(H
 }
 
 bool HSCPlazItemChanges::install(const HSCPlazFoundItem& found, Mode mode, bool isAskedFor) {
-    if (!Files::areInPlace(m_task, found)) return fetch(found, mode, isAskedFor);
     const HSCPlazPendingChange change = toInstallation(found, mode);
+    if (!Files::areInPlace(m_task, found, *change.item)) return fetch(found, mode, isAskedFor);
     if (!announce(change)) return false;
     if (!record(found, change)) return giveUp(*found.store);
     found.item->setSource(HSCPlazTypes::LOCAL);
@@ -230,7 +230,8 @@ bool HSCPlazItemChanges::restore(const HSCPlazFoundItem& found, bool areEditsKep
     item->setLocalDir(dir);
     if (!Files::fetch(m_task, found, *item, false)) return false;
     const HSCPlazPendingChange change{found.store->getName(), item, true, "", {}, ""};
-    return Files::takeAlong(m_task, found, dir, HSCPlazOwnFiles::findStaying(m_task, found, areEditsKept)) &&
+    const auto staying = HSCPlazOwnFiles::findStaying(m_task, found, areEditsKept);
+    return staying && Files::takeAlong(m_task, found, dir, *staying) &&
            put(found, change, {Msg::dirNotWritable, MsgSeverity::error, dir});
 }
 
@@ -360,7 +361,7 @@ void HSCPlazItemChanges::finishInterrupted() {
         return;
     }
     const HSCPlazFoundItem known{store, store->getItem(name, change.item->getRevision())};
-    if (isRecorded(known, change)) return;
+    if (isRecorded(known, change)) return describeReturned(m_task, *store);
     if (!known && change.isInstalled) {
         // What the catalog has left out meanwhile is listed because it is installed.
         HSCPlazInstalledItems(*store->getModel(), m_task.getWorkspace().paths).apply(*change.item);

@@ -140,10 +140,14 @@ std::string HSCPlazItemFiles::directoryOf(const HSCPlazWorkspace& workspace, con
     return workspace.paths.getItemDir(*found.store->getModel(), *found.item->getModel());
 }
 
-bool HSCPlazItemFiles::areInPlace(HSCPlazTask& task, const HSCPlazFoundItem& found) {
-    const std::string dir = directoryOf(task.getWorkspace(), found);
+bool HSCPlazItemFiles::areInPlace(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record) {
+    const std::string& dir = record.getLocalDir();
     HSCPlazQItemModel description;
-    return !dir.empty() && HUTFile::createFileIter(dir).size() >= 2 && describedOnDisk(task, found, description);
+    if (dir.empty() || HUTFile::createFileIter(dir).size() < 2 || !describedOnDisk(task, found, description))
+        return false;
+    std::string unknown;
+    const auto tree = Trees::find(Trees::placeOf(task.getWorkspace(), found, record), unknown);
+    return !tree || tree->findLost(dir).areNone();
 }
 
 bool HSCPlazItemFiles::fetch(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record,
@@ -183,6 +187,7 @@ bool HSCPlazItemFiles::makeRemains(HSCPlazTask& task, const HSCPlazFoundItem& fo
 void HSCPlazItemFiles::describe(HSCPlazTask& task, const HSCPlazFoundItem& found) {
     HSCPlazQItemModel description;
     HSCPlazQItemModel& item = *found.item->getModel();
+    if (item.getMetadataFile().empty()) return; // what the catalog has left out keeps what it was read with
     if (describedOnDisk(task, found, description)) item.copyDescriptionFrom(description);
     item.setIsDescribedByItself(!description.getName().empty());
 }

@@ -22,8 +22,9 @@ std::string joinHolders(const HSCPlaz& hub, const HSCPlazQItem& item);
 std::string directoryOf(const HSCPlazWorkspace& workspace, const HSCPlazFoundItem& found);
 
 /// Whether the files of an item that no record knows are in place, left by an earlier installation or put there by
-/// hand: they are this very item.
-bool areInPlace(HSCPlazTask& task, const HSCPlazFoundItem& found);
+/// hand: they are this very item, and lack nothing of what its commit is known to list.
+/// @param record  commit and local directory of what is to be installed
+bool areInPlace(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record);
 /// Has the repository fetch the item's files into the store's incoming directory, and keeps the tree that they are of.
 /// In a store where what is there is part of the item's folder, such as its revisions, that is put beside them.
 /// @param record      the commit to fetch, and the directory that they are for

@@ -92,13 +92,20 @@ bool copy(const std::vector<std::string>& files, const std::string& from, const 
 
 } // namespace
 
-std::vector<std::string> HSCPlazOwnFiles::findStaying(const HSCPlazTask& task, const HSCPlazFoundItem& found,
-                                                      bool areEditsKept) {
+std::optional<std::vector<std::string>> HSCPlazOwnFiles::findStaying(HSCPlazTask& task, const HSCPlazFoundItem& found,
+                                                                     bool areEditsKept) {
     const Trees::Place place = Trees::placeOf(task.getWorkspace(), found);
-    const std::string dir = place.getDirectory();
+    const std::string dir = place.getDirectory(), name = HSCPlazItemFiles::shownName(*found.item);
+    const auto fail = [&](const std::string& file) {
+        task.fail(Msg::ownFileUnreadable, file, name);
+        return std::nullopt;
+    };
     const auto tree = Trees::readKept(place);
-    const Differences files = Trees::compare(task.getWorkspace(), *found.store, dir, tree ? &*tree : nullptr);
-    const std::vector<std::string> replaced = areEditsKept && tree ? tree->findLost(dir).changed : files.changed;
+    if (!tree) return fail(place.layout.getTreesDir()); // it was written a moment ago
+    const Differences files = Trees::compare(task.getWorkspace(), *found.store, dir, &*tree);
+    if (!files.unreadable.empty() && !task.getOptions().areChangesDiscarded)
+        return fail(dir + "/" + files.unreadable.front());
+    const std::vector<std::string> replaced = areEditsKept ? tree->findLost(dir).changed : files.changed;
     std::vector<std::string> staying;
     std::set_difference(files.changed.begin(), files.changed.end(), replaced.begin(), replaced.end(),
                         std::back_inserter(staying));

@@ -2,6 +2,7 @@
 
 #include "plaz/store/HSCPlazDependencies.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,7 +13,9 @@ namespace HSCPlazOwnFiles {
 
 /// What stays in the folder of an installed item when its files are fetched again: what was added.
 /// @param areEditsKept  and what was changed, unless nothing is left in it
-std::vector<std::string> findStaying(const HSCPlazTask& task, const HSCPlazFoundItem& found, bool areEditsKept);
+/// @return empty where that cannot be read (Msg::ownFileUnreadable)
+std::optional<std::vector<std::string>> findStaying(HSCPlazTask& task, const HSCPlazFoundItem& found,
+                                                    bool areEditsKept);
 
 /// Puts aside what would be gone once an item's folder has changed places with another directory: what is not as the
 /// installation that is recorded there has left it, and not the same in the other directory. Where no installation is

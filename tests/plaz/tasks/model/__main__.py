@@ -23,10 +23,11 @@ if pathlib.Path("/dev/shm").is_dir():
 sys.path.append(str(pathlib.Path(__file__).resolve().parents[3]))
 from hubs import Publisher, make_history  # noqa: E402 (beside this file)
 from rules import ONE, SEVERAL, Fact, Model  # noqa: E402
-from support.hubtest import BUILD, PLAZ, HubTest  # noqa: E402 (below "tests")
+from support.hubtest import BUILD, PLAZ, HubTest, run  # noqa: E402 (below "tests")
 
 sys.path.insert(0, str(BUILD / "python"))
 AREAS = {SEVERAL: "2024.2/plaz/board_store", ONE: "2024.2/plaz/ced_store"}
+KEPT = "2024.2/plaz/plaz_kept"
 DONE, FAILED, CANCELLED = 0, 1, 130
 
 
@@ -85,10 +86,13 @@ class History(HubTest):
         if how == "publish":  # together with its neighbours
             self.changes.append((arguments[0], action, *arguments[1:]))
             return True
+        if how == "user":
+            self.edit(amount, *arguments)
+            return True
         for store in {change[0] for change in self.changes}:
             self.publisher.publish(store, [change[1:] for change in self.changes if change[0] == store])
         self.changes = []
-        is_program = how in ("program", "interrupt") or action == "update_all"
+        is_program = how in ("program", "interrupt") or action in ("update_all", "repair")
         if how == "restart" or is_program:
             self.end_worker()
         before = Model(**vars(self.model))
@@ -106,7 +110,8 @@ class History(HubTest):
         facts, counts = self.read_databases()
         self.compare("recorded", facts, self.model.installed)
         self.compare("counted", counts, expected := self.model.count())
-        self.compare_files(facts, is_at_rest=True)
+        self.compare_files(facts, self.model)
+        self.compare_own()
         if shown is not None:
             modes = {item: (fact.mode, expected[item]) for item, fact in self.model.installed.items()}
             self.compare("shown", shown, modes)
@@ -148,18 +153,43 @@ class History(HubTest):
         differing = [key for key in sorted({*found, *expected}) if found.get(key) != expected.get(key)]
         self.problems += [f"{what}: {key} {found.get(key)} instead of {expected.get(key)}" for key in differing]
 
-    def compare_files(self, facts, is_at_rest):
-        """Each item's files are those of its commit. At rest there are no others, but for descriptions."""
-        tops = [self.home / area / "items" for area in AREAS.values()]
+    def edit(self, number, name, text):
+        if item := self.model.edit(number, name, text):
+            file = self.home / AREAS[item[0]] / self.model.installed[item].folder / name
+            file.unlink(missing_ok=True) if text is None else file.write_text(text)
+
+    def read_files(self):
+        tops = [self.home / top for top in (KEPT, *(f"{area}/items" for area in AREAS.values()))]
         files = [file for top in tops for file in top.glob("**/*") if file.is_file()]
-        found = {str(file.relative_to(self.home)): file.read_text() for file in files}
-        expected = {
-            f"{AREAS[item[0]]}/{fact.folder}/{name}": text
-            for item, fact in facts.items()
-            for name, text in self.publisher.files[fact.commit].items()
-        }
-        extra = [name for name in found.keys() - expected.keys() if not is_at_rest or name.endswith("/item.json")]
+        return {str(file.relative_to(self.home)): file.read_text() for file in files}
+
+    def compare_files(self, facts, *models):
+        """Each item's files are those of its commit, with what the user has made of them by one of the models. At rest,
+        where there is one model, there are no others, but for descriptions."""
+        found, expected = {n: text for n, text in self.read_files().items() if not n.startswith(KEPT)}, {}
+        for item, fact in facts.items():
+            start = f"{AREAS[item[0]]}/{fact.folder}"
+            wholes = [self.publisher.files[fact.commit] | model.own.get(item, {}) for model in models]
+            wholes = [{f"{start}/{name}": text for name, text in whole.items()} for whole in wholes]
+            expected |= next((whole for whole in wholes if all(found.get(n) == whole[n] for n in whole)), wholes[-1])
+        extra = [name for name in found.keys() - expected.keys() if len(models) > 1 or name.endswith("/item.json")]
         self.compare("file", {name: found[name] for name in found.keys() - extra}, expected)
+
+    def compare_own(self):
+        """What is put aside, and what is told of the files of each item."""
+        kept = {(n.split("/", 5)[5], text) for n, text in self.read_files().items() if n.startswith(KEPT)}
+        self.compare("kept", dict.fromkeys(kept, "there"), dict.fromkeys(self.model.kept, "there"))
+        lists, expected = ("changed", "missing", "additional"), {}
+        for item in self.model.installed:
+            files, own = self.model.get_files(item), self.model.own.get(item, {})
+            kinds = {name: lists[2 if name not in files else own[name] is None] for name in sorted(own)}
+            expected[item] = [[name for name in kinds if kinds[name] == kind] for kind in lists]
+        expected["exit",] = int(any(changed or missing for changed, missing, _ in expected.values()))
+        result = run(PLAZ, "--json", "verify", env=self.env)
+        items = json.loads(result.stdout)["items"]
+        told = {(i["store"], i["name"], i["revision"]): [i[kind] for kind in lists] for i in items}
+        told["exit",] = result.returncode
+        self.compare("verified", told, expected)
 
     def compare_cancelled(self, before, action):
         """What is recorded lies between before and after, and is whole."""
@@ -169,13 +199,19 @@ class History(HubTest):
         self.problems += [f"cancelled: with or without {item}" for item in strange]
         if action != "refresh":  # where it is not known which catalogs are in force
             self.compare("cancelled: counted", counts, Model(self.publisher, before.catalogs, facts).count())
-        self.compare_files(facts, is_at_rest=False)
+        restored = Model(**vars(before))
+        for item in before.installed:
+            restored.restore(item)
+        self.compare_files(facts, before, restored, self.model)
+        there = {None, *self.read_files().values()}
+        own = {text for own in before.own.values() for text in own.values()}
+        self.problems += [f"cancelled: lost {text}" for text in own - there]
 
 
 def simplify(how, amount, action, *arguments):
     """@return steps that do less, or in a plainer way"""
     if action != "put":
-        return [] if how in ("module", "publish") else [("module", 0, action, *arguments)]
+        return [] if how in ("module", "publish", "user") else [("module", 0, action, *arguments)]
     *head, needs = arguments
     return [(how, amount, action, *head, needs[:place] + needs[place + 1 :]) for place in range(len(needs))]
 
@@ -196,7 +232,7 @@ def shrink(steps, fails):
 
 
 def show(how, amount, action, *arguments):
-    words = " ".join(write_words(action, arguments[:3]))
+    words = " ".join(map(str, write_words(action, arguments[:3])))
     needs = ", ".join(write_words("", key)[1] for key in arguments[3]) if action == "put" else ""
     print(f"  {how} {amount or ''}: {words}" + (needs and f" which needs {needs}"))
 

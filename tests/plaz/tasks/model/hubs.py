@@ -9,7 +9,8 @@ import subprocess
 from rules import ONE, SEVERAL, Entry
 
 REVISIONS = ("1.0", "1.1", "2.0", "10.0")
-CHANCES = {"install": 6, "uninstall": 4, "update": 3, "update_all": 1, "publish": 4, "refresh": 2}
+CHANCES = dict(install=6, uninstall=4, update=3, update_all=1, publish=4, refresh=2, edit=6, repair=2)
+EDITS = (("data.txt", None), ("data.txt", ""), ("notes.txt", ""), ("own.txt", None))  # or a text of the user's
 GONE = "0" * 39 + "1"  # a commit that no repository has
 FILES = {SEVERAL: ("boards-store.git", "boards_catalog.json"), ONE: ("tcl-store.git", "scripts_catalog.json")}
 
@@ -62,7 +63,8 @@ def make_files(name, revision, needs, number):
     needs = [{"store": store, "item": item, "revision": revision} for store, item, revision in needs]
     infra = {"name": name, "display": name, "company": "c", "revision": revision, "dependencies": needs}
     config = {"_major": "1", "_minor": "0", "items": [{"infra": {**infra, "is_active": True}}]}
-    return {"item.json": json.dumps({"_major": 1, "_minor": 0, "config": config}), "data.txt": f"{number}\n"}
+    document = json.dumps({"_major": 1, "_minor": 0, "config": config})
+    return {"item.json": document, "data.txt": f"{number}\n", "notes.txt": "\n"}
 
 
 def make_catalog(catalog, keeps_several):
@@ -100,6 +102,9 @@ def make_history(random, length):
                 kind = random.choice(("put",) * 7 + ("withdraw", "drop", "lose", "rename"))
                 steps.append(make_put(place) if kind == "put" else ("publish", 0, kind, *items[place]))
             steps.append((how, amount, "refresh", *random.choice(((), ("--hub",), (SEVERAL,), (ONE,)))))
+        elif action == "edit":
+            name, text = random.choice(EDITS)
+            steps.append(("user", random.randrange(99), action, name, random.choice((text, f"{random.random()}\n"))))
         elif action == "update_all":
             steps.append(("program", 0, action) if how == "cancel" else (how, amount, action))
         else:

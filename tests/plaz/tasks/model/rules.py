@@ -12,11 +12,12 @@ Fact = namedtuple("Fact", "commit mode folder")  # of an installed item
 
 
 class Model:
-    """catalogs: what the user's hub offers, as it was published when last refreshed."""
+    """catalogs: what the user's hub offers, as it was published when last refreshed. own: what the user has made of an
+    item's files, None where one is removed. kept: what of that is put aside."""
 
-    def __init__(self, published, catalogs=(), installed=()):
+    def __init__(self, published, catalogs=(), installed=(), own=(), kept=()):
         self.published, self.catalogs = published, {SEVERAL: {}, ONE: {}, **dict(catalogs)}
-        self.installed = dict(installed)
+        self.installed, self.own, self.kept = dict(installed), dict(own), set(kept)
 
     def list_revisions(self, store, name):
         """@return the installed ones as items, the newest first"""
@@ -47,7 +48,7 @@ class Model:
         counts = dict.fromkeys(self.installed, 0)
         ways = [(item, {item}) for item in self.list_asked_for()]
         for item, keys in ways:  # by which it names itself
-            if item[0] == ONE or item == self.find_offer(*item[:2], ""):
+            if item[0] == ONE or item == (self.find_offer(*item[:2], "") or self.find_server(*item[:2], "")):
                 keys.add((*item[:2], ""))
         for _ in range(TOO_MANY):
             if not ways:
@@ -59,6 +60,29 @@ class Model:
                     ways.append((server, path | {key}))
         return None
 
+    def edit(self, number, name, text):
+        """@return the installed item that is edited, or None"""
+        if not self.installed:
+            return None
+        item = sorted(self.installed)[number % len(self.installed)]
+        self.own[item] = {**self.own.get(item, {}), name: text}
+        if text is None and name not in self.get_files(item):
+            del self.own[item][name]
+        return item
+
+    def get_files(self, item):
+        return self.published.files[self.installed[item].commit]
+
+    def put_aside(self, item, is_repaired=False):
+        """What a user has made of an item's files goes. Where it is repaired, what was added stays."""
+        own, going = self.own.get(item, {}), self.get_files(item) if is_repaired else self.own.get(item, {})
+        self.kept |= {(f"{self.installed[item].folder}/{name}", own[name]) for name in going if own.get(name)}
+        self.own[item] = {name: text for name, text in own.items() if name not in going}
+
+    def restore(self, item):
+        """What is missing or empty comes back."""
+        self.own[item] = {name: text for name, text in self.own.get(item, {}).items() if text}
+
     def collect(self):
         """Lets go of what no way leads to."""
         ways, reached = self.list_asked_for(), set()
@@ -67,7 +91,9 @@ class Model:
             if item and item not in reached:
                 reached.add(item)
                 ways += [self.find_server(*key) for key in self.get_needs(item)]
-        self.installed = {item: fact for item, fact in self.installed.items() if item in reached}
+        for item in self.installed.keys() - reached:
+            self.put_aside(item)
+            del self.installed[item]
 
     def put(self, item, mode):
         """Fetches an offered item. Where one revision is kept it takes the place of another, and its mode "user"."""
@@ -78,6 +104,8 @@ class Model:
         taken = [fact.folder for other, fact in self.installed.items() if other[0] == store and other not in replaced]
         if commit not in self.published.contents or folder in taken:
             return False
+        for other in replaced:
+            self.put_aside(other)
         modes = [self.installed.pop(other).mode for other in replaced]
         self.installed[item] = Fact(commit, "user" if "user" in modes else mode, folder)
         return True
@@ -88,10 +116,12 @@ class Model:
         seen, lacking = {top}, []
 
         def bring(key):
-            item = self.find_offer(*key)
+            there = (item for item in self.list_revisions(*key[:2]) if key[2] in ("", item[2]))  # left out meanwhile
+            item = self.find_offer(*key) or next(there, None)
             if not item or (item not in self.installed and not self.put(item, "tool")):
                 lacking.append(key)
                 return False
+            self.restore(item)
             if item not in seen:
                 seen.add(item)
                 for need in self.get_needs(item):
@@ -105,8 +135,10 @@ class Model:
                     bring(key)
                 elif server not in seen:
                     seen.add(server)
+                    self.restore(server)
                     look(server)
 
+        self.restore(top)
         if is_new:
             all(bring(key) for key in self.get_needs(top))
         else:
@@ -130,10 +162,18 @@ class Model:
         is_held = item and self.count()[item] > 0
         if not item or (is_held and self.installed[item].mode == "tool"):
             return False
-        fact = self.installed.pop(item)
         if is_held:
-            self.installed[item] = fact._replace(mode="tool")
+            self.installed[item] = self.installed[item]._replace(mode="tool")
+        else:
+            self.put_aside(item)
+            del self.installed[item]
         return True
+
+    def repair(self, store, name, revision):
+        items = [item for item in self.list_revisions(store, name) if revision in ("", item[2])]
+        for item in items:
+            self.put_aside(item, is_repaired=True)
+        return bool(items)
 
     def update(self, *key):
         item = self.find_server(*key)

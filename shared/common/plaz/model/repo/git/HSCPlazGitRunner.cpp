@@ -293,7 +293,7 @@ HSCPlazGitAnswer HSCPlazGitRunner::ask(const std::vector<std::string>& args, con
     prepare(process, words, workDir, outFile.getName());
     process.setTimeout(HSCPlazGitParams::getTimeOut());
     HSCPlazGitAnswer answer{process.launch(true, true, true, true), {}};
-    HIOStream::read(outFile.getName(), answer.text);
+    answer.isHeard = HIOStream::read(outFile.getName(), answer.text) == HIOStream::Status::ok;
     answer.text = HSCPlazTrust::maskSecrets(answer.text);
     return answer;
 }

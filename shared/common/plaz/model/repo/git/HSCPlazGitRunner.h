@@ -24,6 +24,8 @@ private:
 struct HSCPlazGitAnswer {
     int status;       ///< exit status of git, or one of those that HUTFork has for a run without end
     std::string text; ///< all it wrote, secrets masked
+    /// False where the file for that could not be made, which git itself does not notice.
+    bool isHeard = true;
 
     /// git's error lines in one, or what to say where there are none.
     std::string getReason() const;
