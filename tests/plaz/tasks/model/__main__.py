@@ -243,7 +243,7 @@ def main():
     parser.add_argument("--seed", type=int, default=1)
     options = parser.parse_args()
     for seed in range(options.seed, options.seed + options.histories):
-        steps = make_history(random.Random(seed), 12)
+        steps = make_history(random.Random(seed), 14)
         problems, taken = History().take(steps)
         if problems:
             print(f"seed {seed}:", *problems, sep="\n  ", flush=True)

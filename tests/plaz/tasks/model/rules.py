@@ -169,11 +169,11 @@ class Model:
             del self.installed[item]
         return True
 
-    def repair(self, store, name, revision):
-        items = [item for item in self.list_revisions(store, name) if revision in ("", item[2])]
+    def repair(self, *key):
+        items = [item for item in self.installed if not key or (item[:2] == key[:2] and key[2] in ("", item[2]))]
         for item in items:
             self.put_aside(item, is_repaired=True)
-        return bool(items)
+        return bool(items or not key)
 
     def update(self, *key):
         item = self.find_server(*key)
