@@ -5,7 +5,6 @@
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/store/HSCPlazInstalledTrees.h"
 #include "plaz/store/HSCPlazWorkspace.h"
-#include "plaz/tasks/HSCPlazDependencyWalk.h"
 #include "plaz/tasks/HSCPlazItemChanges.h"
 #include "plaz/tasks/HSCPlazItemFiles.h"
 #include "plaz/tasks/HSCPlazTask.h"
@@ -52,7 +51,8 @@ HSCPlazFilesResult HSCPlazRepairTask::verify(const HSCPlazWorkspace& workspace, 
 }
 
 ItemOutcome HSCPlazRepairTask::repair(HSCPlazTask& task, HSCPlazItemChanges& changes, const HSCPlazQItem& asked) {
-    const HSCPlazFoundItem found = HSCPlazDependencyWalk::find(task.getHub(), &asked);
+    const HSCPlazFoundItem found =
+        HSCPlazDependencies::findByName(task.getHub(), asked.getStoreName(), asked.getName(), asked.getRevision());
     if (!isThere(found)) {
         task.fail(Msg::itemNotInstalled, Files::shownName(asked));
         return ItemOutcome::failed;
