@@ -103,7 +103,12 @@ class History(HubTest):
         run = self.run_program if is_program else self.run_module
         status, shown = run(write_words(action, arguments), amount)
         if amount and status == CANCELLED:
-            self.compare_cancelled(before, action)
+            facts = self.compare_cancelled(before, action)
+            if action != "refresh":  # it goes on from there
+                self.model = before
+                before.take_over(facts)
+                getattr(before, action)(*arguments)
+                before.collect()
             _, shown = run(write_words(action, arguments), 0)
         elif status != (DONE if went_well else FAILED):
             self.problems.append(f"ends with {status} in spite of {'success' if went_well else 'failure'}")
@@ -206,6 +211,7 @@ class History(HubTest):
         there = {None, *self.read_files().values()}
         own = {text for own in before.own.values() for text in own.values()}
         self.problems += [f"cancelled: lost {text}" for text in own - there]
+        return facts
 
 
 def simplify(how, amount, action, *arguments):
