@@ -208,9 +208,8 @@ class History(HubTest):
         for item in before.installed:
             restored.restore(item)
         self.compare_files(facts, before, restored, self.model)
-        there = {None, *self.read_files().values()}
-        own = {text for own in before.own.values() for text in own.values()}
-        self.problems += [f"cancelled: lost {text}" for text in own - there]
+        own = {text for own in before.own.values() for text in own.values() if text}
+        self.problems += [f"cancelled: lost {text}" for text in own - {*self.read_files().values()}]
         return facts
 
 
