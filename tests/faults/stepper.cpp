@@ -108,12 +108,12 @@ constexpr std::array calls{
     Call{SYS_symlinkat, "symlinkat", Works::onNew, 1, 2},
 };
 
-const std::map<std::string, int> errors{
-    {"ENOSPC", ENOSPC}, {"EIO", EIO}, {"EACCES", EACCES}, {"EMFILE", EMFILE}, {"EROFS", EROFS}, {"full", ENOSPC}};
+const std::map<std::string, int> errors{{"ENOSPC", ENOSPC}, {"EIO", EIO},     {"EACCES", EACCES},
+                                        {"EMFILE", EMFILE}, {"EROFS", EROFS}, {"full", ENOSPC}};
 
 /// What needs room on a disk although its file is there.
-const std::set<long> growing{SYS_write,    SYS_pwrite64,        SYS_writev,   SYS_pwritev, SYS_pwritev2,
-                             SYS_sendfile, SYS_copy_file_range, SYS_fallocate};
+const std::set<long> growing{SYS_write,    SYS_pwrite64, SYS_writev,          SYS_pwritev,
+                             SYS_pwritev2, SYS_sendfile, SYS_copy_file_range, SYS_fallocate};
 
 /// What there are disks without, and how these say so.
 const std::map<std::string, unsigned> refusable{

@@ -36,8 +36,9 @@ bool canBeKept(HSCPlazTask& task, const HSCPlazQStore& store, const HSCPlazStore
 bool takeCatalogAlong(HSCPlazTask& task, const HSCPlazQStoreModel& store, const HSCPlazStoreLayout& place) {
     const HSCPlazStoreLayout old(store.getLocalRootDir(), store.getLocalRootDir());
     if (!HSCPlazStoreLayout::isComplete(old.getArea()) || HSCPlazStoreLayout::isComplete(place.getArea())) return true;
-    std::vector<std::string> files{store.getMetadataFile()};
-    if (!store.getCatalogFile().empty()) files.push_back(store.getCatalogFile());
+    const std::vector<std::string> files{store.getMetadataFile(), store.getCatalogFile()};
+    // Which file is the catalog stands in the metadata, and these could not be read when the hub was.
+    if (files.back().empty()) return task.fail(Msg::fileMissing, old.getArea() + "/" + files.front());
     const HSCPlazGitRemoved incoming(place.getIncoming());
     if (HUTFile::exists(old.getCatalogDir()) &&
         !(HUTFile::rmRecursive(incoming.getName()) && copyWithoutRepository(old.getCatalogDir(), incoming.getName()) &&

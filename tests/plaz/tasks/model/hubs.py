@@ -9,8 +9,9 @@ import subprocess
 from rules import ONE, SEVERAL, Entry
 
 REVISIONS = ("1.0", "1.1", "2.0", "10.0")
-CHANCES = dict(install=6, uninstall=4, update=3, update_all=1, publish=4, refresh=2, edit=6, repair=2)
-EDITS = (("data.txt", None), ("data.txt", ""), ("notes.txt", ""), ("own.txt", None))  # or a text of the user's
+CHANCES = dict(install=6, uninstall=4, update=3, update_all=1, publish=4, refresh=2, edit=8, repair=4)
+OWN = ("data.txt", "notes.txt", "own.txt")
+EDITS = (("data.txt", None), ("data.txt", ""), ("own.txt", None), *((name, "mine") for name in OWN))
 GONE = "0" * 39 + "1"  # a commit that no repository has
 FILES = {SEVERAL: ("boards-store.git", "boards_catalog.json"), ONE: ("tcl-store.git", "scripts_catalog.json")}
 
@@ -103,8 +104,10 @@ def make_history(random, length):
                 steps.append(make_put(place) if kind == "put" else ("publish", 0, kind, *items[place]))
             steps.append((how, amount, "refresh", *random.choice(((), ("--hub",), (SEVERAL,), (ONE,)))))
         elif action == "edit":
-            name, text = random.choice(EDITS)
-            steps.append(("user", random.randrange(99), action, name, random.choice((text, f"{random.random()}\n"))))
+            for name, text in random.choices(EDITS, k=6):
+                steps.append(("user", random.randrange(99), action, name, text and f"{text} {random.random()}"))
+        elif action == "repair" and random.random() < 0.5:
+            steps.append(("program", 0, action))
         elif action == "update_all":
             steps.append(("program", 0, action) if how == "cancel" else (how, amount, action))
         else:

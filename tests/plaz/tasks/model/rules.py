@@ -79,6 +79,11 @@ class Model:
         self.kept |= {(f"{self.installed[item].folder}/{name}", own[name]) for name in going if own.get(name)}
         self.own[item] = {name: text for name, text in own.items() if name not in going}
 
+    def take_over(self, facts):
+        for item in [item for item, fact in self.installed.items() if item not in facts or facts[item][0] != fact[0]]:
+            self.put_aside(item)
+        self.installed = facts
+
     def restore(self, item):
         """What is missing or empty comes back."""
         self.own[item] = {name: text for name, text in self.own.get(item, {}).items() if text}
@@ -169,11 +174,11 @@ class Model:
             del self.installed[item]
         return True
 
-    def repair(self, store, name, revision):
-        items = [item for item in self.list_revisions(store, name) if revision in ("", item[2])]
+    def repair(self, *key):
+        items = [item for item in self.installed if not key or (item[:2] == key[:2] and key[2] in ("", item[2]))]
         for item in items:
             self.put_aside(item, is_repaired=True)
-        return bool(items)
+        return bool(items or not key)
 
     def update(self, *key):
         item = self.find_server(*key)
