@@ -2,6 +2,8 @@
 
 #include "support/PlatformTree.h"
 
+#include <boost/filesystem/operations.hpp>
+
 #include <iterator>
 
 namespace {
@@ -28,6 +30,12 @@ HUTFileTree HUTFileTree::scan(const std::string& dir) {
         std::move(found.begin(), found.end(), std::back_inserter(tree.entries));
     }
     return tree;
+}
+
+bool HUTFileTree::isLink(const std::string& path) {
+    boost::system::error_code failure;
+    const auto type = boost::filesystem::symlink_status(path, failure).type();
+    return type == boost::filesystem::symlink_file || type == boost::filesystem::reparse_file;
 }
 
 HIOStatus HUTFileTree::getSize(const std::string& file, std::uint64_t& bytes) {

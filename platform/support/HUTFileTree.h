@@ -25,4 +25,6 @@ struct HOST_API HUTFileTree {
     /// @param bytes  replaced; 0 unless the result is ok
     /// @return ok, missing, notRegular, or unreadable where nobody can say
     static HIOStatus getSize(const std::string& file, std::uint64_t& bytes);
+    /// Whether a name is that of a link, wherever it leads.
+    static bool isLink(const std::string& path);
 };

@@ -75,8 +75,13 @@ std::optional<HSCPlazItemTree> HSCPlazInstalledTrees::readKept(const Place& plac
 
 std::optional<HSCPlazItemTree> HSCPlazInstalledTrees::find(const Place& place, std::string& problem) {
     if (auto kept = readKept(place)) return kept;
-    if (place.commit.empty() || place.folder.empty()) {
-        problem = "no commit is recorded of it";
+    if (place.folder.empty() || place.commit.empty()) {
+        problem = place.folder.empty() ? "its folder does not lie in the store's directory, or a link leads out of that"
+                                       : "no commit is recorded of it";
+        return std::nullopt;
+    }
+    if (!HSCPlazStoreLayout::isComplete(place.layout.getIndex())) {
+        problem = "the list that its installation had kept is gone, and the store has no working copy to ask";
         return std::nullopt;
     }
     const HSCPlazGitAnswer answer = HSCPlazGitTree::list(place.layout, place.commit, place.root);

@@ -9,6 +9,7 @@
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/reader/HSCPlazLocalDBReader.h"
 #include "plaz/model/reader/HSCPlazLocalDBWriter.h"
+#include "plaz/pref/HSCPlazPathMgr.h"
 #include "plaz/store/HSCPlazInstalledItems.h"
 #include "support/HIOStream.h"
 #include "support/HUTEnv.h"
@@ -118,7 +119,10 @@ HSCPlazLocalDBMgr::Merge HSCPlazLocalDBMgr::merge(const std::string& file, HSCPl
     using Outcome = HSCPlazLocalDBReader::Result::Outcome;
     m_unreadable.erase(file);
     const std::string stamp = m_stamps[file] = HUTFile::getStamp(file);
-    if (stamp.empty()) return Merge::nothing;
+    if (stamp.empty() && canBeRead(file)) {
+        m_hasLost = m_hasLost || !HUTFile::createFileIter(paths.getStoreLayout(store).getTreesDir()).empty();
+        return Merge::nothing;
+    }
     HSCPlazModel recorded;
     HSCPlazFindings found;
     const HSCPlazLocalDBReader::Result read = HSCPlazLocalDBReader::read(file, recorded, !m_regressionMode, found);
@@ -131,6 +135,7 @@ HSCPlazLocalDBMgr::Merge HSCPlazLocalDBMgr::merge(const std::string& file, HSCPl
     if (read.outcome == Outcome::foreign) return Merge::foreign;
     if (read.outcome == Outcome::damaged) {
         m_damaged.insert(file);
+        m_hasLost = true;
         report.add(Msg::databaseDamaged, MsgSeverity::warning, file, HSCPlazKeptFile::nameFor(file));
     }
     const HSCPlazQStoreModel* records = recorded.findStore(store.getName());

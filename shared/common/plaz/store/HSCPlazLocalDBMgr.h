@@ -64,6 +64,10 @@ public:
     /// It could not be read when that was tried last.
     bool isUnreadable(const std::string& file) const { return m_unreadable.count(file) != 0; }
 
+    /// Records were lost: a database was damaged, or is gone although items had been installed. Who asked for an item
+    /// or needs it may have stood there.
+    bool hasLostRecords() const { return m_hasLost; }
+
     /// Layout version that is written.
     const std::string& getMajorVersion() const { return m_major; }
     const std::string& getMinorVersion() const { return m_minor; }
@@ -83,6 +87,7 @@ private:
     bool m_regressionMode;
     std::set<std::string> m_damaged;
     std::set<std::string> m_unreadable;
+    bool m_hasLost = false;
     std::map<std::string, std::string> m_stamps; // of the databases as they were read or written last
     std::string m_major = "1";
     std::string m_minor = "0";

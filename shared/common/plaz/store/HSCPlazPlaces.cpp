@@ -137,7 +137,9 @@ void HSCPlazPlaces::applyDefaults(HSCPlazReport& report) const {
 
 void HSCPlazPlaces::claim(HSCPlazQStoreModel& store, const std::string& dir) const {
     if (store.isProductSpecific() || dir.empty()) return;
-    if (!m_workspace.databases.findRecord(HSCPlazStoreLayout(dir, dir).getDatabase(), store.getName())) return;
+    const std::string file = HSCPlazStoreLayout(dir, dir).getDatabase();
+    // Where nobody may look something may be installed.
+    if (!m_workspace.databases.findRecord(file, store.getName()) && m_workspace.databases.canBeRead(file)) return;
     store.setIsProductSpecific(true);
     store.setIsOffered(false);
 }

@@ -1,6 +1,7 @@
 #include "plaz/store/HSCPlazWorkspace.h"
 
 #include "plaz/model/HSCPlazQStore.h"
+#include "support/HUTFile.h"
 
 #include <algorithm>
 
@@ -29,6 +30,14 @@ std::string HSCPlazWorkspace::findUnreadableRecord(const HSCPlaz& stores, const 
     for (const HSCPlazQStore* store : stores.getStores()) {
         const std::string file = store->getLocalDbFilePath();
         if (store->isProductSpecific() && (!only || store == only) && databases.isUnreadable(file)) return file;
+    }
+    return {};
+}
+
+std::string HSCPlazWorkspace::findMissingRecord() {
+    for (const HSCPlazRepoInfoMgr::Record& record : places.getChosen()) {
+        const std::string area = record.directory + "/" + record.root;
+        if (!HUTFile::isDirectory(record.directory)) return HSCPlazStoreLayout(area, area).getDatabase();
     }
     return {};
 }

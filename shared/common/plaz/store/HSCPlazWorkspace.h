@@ -32,6 +32,10 @@ struct HSCPlazWorkspace {
     /// @param only  null for all
     std::string findUnreadableRecord(const HSCPlaz& stores, const HSCPlazQStore* only) const;
 
+    /// The database of a store whose chosen directory is not there, as on a disk that is not mounted; empty when there
+    /// is none.
+    std::string findMissingRecord();
+
     HSCPlazUserPref userPref;
     HSCPlazPathMgr paths;
     HSCPlazLocalDBMgr databases;

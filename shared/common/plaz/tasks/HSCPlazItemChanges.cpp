@@ -145,6 +145,12 @@ const HSCPlazQItem* findUndescribed(const HSCPlaz& hub) {
     return nullptr;
 }
 
+/// A database that cannot be looked into now; empty when there is none.
+std::string findUnknownRecord(const HSCPlazTask& task) {
+    const std::string unreadable = task.getWorkspace().findUnreadableRecord(task.getHub(), nullptr);
+    return unreadable.empty() ? task.getWorkspace().findMissingRecord() : unreadable;
+}
+
 HSCPlazFoundItem findUnneeded(const HSCPlaz& hub, const std::set<const HSCPlazQItem*>& without) {
     for (HSCPlazQStore* store : hub.getStores())
         for (HSCPlazQItem* item : store->getItems())
@@ -273,7 +279,7 @@ bool HSCPlazItemChanges::put(const HSCPlazFoundItem& found, HSCPlazPendingChange
                              const HSCPlazReport& obstacle) {
     const std::string incoming = incomingOf(m_task, *found.store);
     const std::string dir = change.item->getLocalDir();
-    if (!HSCPlazOwnFiles::keepAside(m_task, found, dir, incoming)) return false;
+    if (!HSCPlazOwnFiles::keepAside(m_task, found, dir, incoming, !change.isInstalled)) return false;
     change.identity = HUTFile::getIdentity(incoming);
     if (change.identity.empty() || !HUTFile::flush(incoming)) return m_task.fail(Msg::dirNotWritable, incoming);
     if (!announce(change)) return false;
@@ -384,9 +390,9 @@ void HSCPlazItemChanges::finishFiles(const HSCPlazPendingChange& change, const H
 
 bool HSCPlazItemChanges::removeUnneeded() {
     HSCPlazFoundItem unneeded = findUnneeded(m_task.getHub(), m_obstinate);
+    if (unneeded && m_task.getWorkspace().databases.hasLostRecords()) return leaveToUser(unneeded);
     const HSCPlazQItem* undescribed = unneeded ? findUndescribed(m_task.getHub()) : nullptr;
-    const std::string unreadable =
-        unneeded ? m_task.getWorkspace().findUnreadableRecord(m_task.getHub(), nullptr) : std::string();
+    const std::string unreadable = unneeded ? findUnknownRecord(m_task) : std::string();
     if (undescribed || !unreadable.empty()) {
         m_isStuck = true; // once it can be read, they go
         if (std::exchange(m_isBlocked, true)) return false;
@@ -404,6 +410,12 @@ bool HSCPlazItemChanges::removeUnneeded() {
         m_isStuck = m_isStuck || !isRefused; // any other obstacle passes, and the next task tries again
     }
     return m_obstinate.empty();
+}
+
+bool HSCPlazItemChanges::leaveToUser(HSCPlazFoundItem unneeded) {
+    for (; unneeded; unneeded = findUnneeded(m_task.getHub(), m_obstinate))
+        if (!setMode(unneeded, Mode::user)) return false;
+    return true;
 }
 
 bool HSCPlazItemChanges::end() {

@@ -51,7 +51,8 @@ public:
     /// Says for whom an installed item is there.
     bool setMode(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode);
     /// Removes what nobody asked for and nobody needs (Msg::dependencyRemoved), as the end of the task does. Nothing
-    /// goes while what an installed item needs is not known (Msg::needsUnknown, databaseUnreadable).
+    /// goes while what an installed item needs is not known (Msg::needsUnknown, databaseUnreadable); where records were
+    /// lost they become the user's.
     /// @return false when something stays that should go; the reason has been told
     bool removeUnneeded();
 
@@ -71,6 +72,8 @@ private:
     void restoreShipped(const HSCPlazFoundItem& found) const;
     void finishInterrupted();
     void finishFiles(const HSCPlazPendingChange& change, const HSCPlazQStore& store);
+    /// Where records were lost nobody knows who needs an item, or asked for it: it stays, as the user's own.
+    bool leaveToUser(HSCPlazFoundItem unneeded);
     bool end();
 
     HSCPlazTask& m_task;

@@ -12,6 +12,7 @@
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazTask.h"
 #include "support/HUTFile.h"
+#include "support/HUTFileTree.h"
 
 #include <boost/filesystem/path.hpp>
 
@@ -59,10 +60,10 @@ bool takeBeside(const std::string& from, const std::string& to, const std::vecto
     for (const std::string& name : names) {
         const std::string source = from + "/" + name;
         const std::string target = to + "/" + name;
-        const bool isTaken =
-            HUTFile::mkDirRecursive(boost::filesystem::path(target).parent_path().generic_string()) &&
-            (HUTFile::isDirectory(source) ? HUTFile::cloneTree(source, target, [](const std::string&) { return true; })
-                                          : HUTFile::copyTo(source, target, HUTFile::copyOver));
+        const bool isTaken = HUTFile::mkDirRecursive(boost::filesystem::path(target).parent_path().generic_string()) &&
+                             (HUTFile::isDirectory(source) && !HUTFileTree::isLink(source)
+                                  ? HUTFile::cloneTree(source, target, [](const std::string&) { return true; })
+                                  : HUTFile::copyTo(source, target, HUTFile::copyOver));
         if (!isTaken) return false;
     }
     return true;

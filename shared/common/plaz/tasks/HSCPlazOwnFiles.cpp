@@ -33,6 +33,20 @@ HSCPlazFoundItem findInstalledAt(const HSCPlazFoundItem& found, const std::strin
     return {};
 }
 
+template <typename Predicate> void drop(std::vector<std::string>& files, Predicate isDropped) {
+    files.erase(std::remove_if(files.begin(), files.end(), isDropped), files.end());
+}
+
+/// Pipes, sockets and devices hold nothing that could be kept.
+void dropSpecial(Differences& files, const std::string& dir) {
+    const auto isSpecial = [&](const std::string& file) {
+        const std::string path = dir + "/" + file;
+        return !HUTFileTree::isLink(path) && !HUTFile::isRegularFile(path) && !HUTFile::isDirectory(path);
+    };
+    drop(files.additional, isSpecial);
+    drop(files.changed, isSpecial);
+}
+
 /// What a folder holds beside what its installation has left there.
 Differences compare(const HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir) {
     const HSCPlazWorkspace& workspace = task.getWorkspace();
@@ -42,9 +56,11 @@ Differences compare(const HSCPlazTask& task, const HSCPlazFoundItem& found, cons
         tree = Trees::find(Trees::placeOf(workspace, installed), unknown);
     Differences files = Trees::compare(workspace, *found.store, dir, tree ? &*tree : nullptr);
     if (!tree) {
-        auto& all = files.additional; // the metadata file is what an item that goes leaves of itself
-        all.erase(std::remove(all.begin(), all.end(), found.item->getMetadataFile()), all.end());
+        // The metadata file is what an item that goes leaves of itself.
+        const std::string metadata = found.item->getMetadataFile();
+        drop(files.additional, [&](const std::string& file) { return file == metadata; });
     }
+    dropSpecial(files, dir);
     return files;
 }
 
@@ -58,7 +74,9 @@ bool isEmpty(const std::string& file) {
     return HUTFileTree::getSize(file, bytes) == HIOStatus::ok && bytes == 0;
 }
 
+/// A link can only have been taken along: what git checks out holds none.
 bool areSame(const std::string& a, const std::string& b) {
+    if (HUTFileTree::isLink(a) || HUTFileTree::isLink(b)) return HUTFileTree::isLink(a) && HUTFileTree::isLink(b);
     const auto idOf = [](const std::string& file) { return HUTDigest::ofFile(HUTDigest::Kind::sha1, file).id; };
     return HUTFile::isRegularFile(a) && HUTFile::isRegularFile(b) && idOf(a) == idOf(b);
 }
@@ -90,6 +108,19 @@ bool copy(const std::vector<std::string>& files, const std::string& from, const 
     return std::all_of(files.begin(), files.end(), copyOne) && HUTFile::flush(to);
 }
 
+/// @param from  where the files are; a directory of the item's own or the one above it
+bool copyAside(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir, const std::string& from,
+               const std::vector<std::string>& files) {
+    const std::string name = HSCPlazItemFiles::shownName(*found.item);
+    const std::string kept = chooseDirectory(task, found, dir);
+    if (!copy(files, from, kept)) {
+        HUTFile::rmRecursive(kept);
+        return task.fail(Msg::ownFilesNotKept, name, kept);
+    }
+    task.tell(Msg::ownFilesKept, MsgSeverity::warning, name, kept, HSCPlazFilesResult::join(files));
+    return true;
+}
+
 } // namespace
 
 std::optional<std::vector<std::string>> HSCPlazOwnFiles::findStaying(HSCPlazTask& task, const HSCPlazFoundItem& found,
@@ -102,7 +133,8 @@ std::optional<std::vector<std::string>> HSCPlazOwnFiles::findStaying(HSCPlazTask
     };
     const auto tree = Trees::readKept(place);
     if (!tree) return fail(place.layout.getTreesDir()); // it was written a moment ago
-    const Differences files = Trees::compare(task.getWorkspace(), *found.store, dir, &*tree);
+    Differences files = Trees::compare(task.getWorkspace(), *found.store, dir, &*tree);
+    dropSpecial(files, dir);
     if (!files.unreadable.empty() && !task.getOptions().areChangesDiscarded)
         return fail(dir + "/" + files.unreadable.front());
     const std::vector<std::string> replaced = areEditsKept ? tree->findLost(dir).changed : files.changed;
@@ -116,23 +148,22 @@ std::optional<std::vector<std::string>> HSCPlazOwnFiles::findStaying(HSCPlazTask
 }
 
 bool HSCPlazOwnFiles::keepAside(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir,
-                                const std::string& incoming) {
+                                const std::string& incoming, bool isRemoval) {
     if (task.getOptions().areChangesDiscarded || !HUTFile::exists(dir)) return true;
+    if (!HUTFile::isDirectory(dir) || HUTFileTree::isLink(dir)) {
+        const boost::filesystem::path path(dir);
+        return copyAside(task, found, dir, path.parent_path().generic_string(), {path.filename().string()});
+    }
     const Differences files = compare(task, found, dir);
     const std::string name = HSCPlazItemFiles::shownName(*found.item);
     if (!files.unreadable.empty()) return task.fail(Msg::ownFileUnreadable, dir + "/" + files.unreadable.front(), name);
     std::vector<std::string> own = files.additional;
     std::copy_if(files.changed.begin(), files.changed.end(), std::back_inserter(own),
                  [&](const std::string& file) { return !isEmpty(dir + "/" + file); });
-    const auto stays = [&](const std::string& file) { return areSame(dir + "/" + file, incoming + "/" + file); };
-    own.erase(std::remove_if(own.begin(), own.end(), stays), own.end());
+    // What an item leaves of itself is written over when it is installed again.
+    const std::string metadata = isRemoval ? found.item->getMetadataFile() : std::string();
+    drop(own,
+         [&](const std::string& file) { return file != metadata && areSame(dir + "/" + file, incoming + "/" + file); });
     std::sort(own.begin(), own.end());
-    if (own.empty()) return true;
-    const std::string kept = chooseDirectory(task, found, dir);
-    if (!copy(own, dir, kept)) {
-        HUTFile::rmRecursive(kept);
-        return task.fail(Msg::ownFilesNotKept, name, kept);
-    }
-    task.tell(Msg::ownFilesKept, MsgSeverity::warning, name, kept, HSCPlazFilesResult::join(own));
-    return true;
+    return own.empty() || copyAside(task, found, dir, dir, own);
 }

@@ -25,7 +25,9 @@ std::optional<std::vector<std::string>> findStaying(HSCPlazTask& task, const HSC
 /// @param found     the item that the change is about
 /// @param dir       its folder; need not exist
 /// @param incoming  the other directory
+/// @param isRemoval what the item leaves of itself is kept, too, where it was changed
 /// @return false when that failed (Msg::ownFilesNotKept, ownFileUnreadable); the folder is as it was
-bool keepAside(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir, const std::string& incoming);
+bool keepAside(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir, const std::string& incoming,
+               bool isRemoval);
 
 } // namespace HSCPlazOwnFiles

@@ -56,7 +56,7 @@ std::string HSCPlazFilesResult::join(const std::vector<std::string>& files) {
     constexpr std::size_t shown = 10;
     std::string text;
     for (std::size_t i = 0; i < files.size() && i < shown; ++i) text += (i == 0 ? "" : ", ") + files[i];
-    return files.size() > shown ? text + ", ..." : text;
+    return files.size() > shown ? text + " and " + std::to_string(files.size() - shown) + " more" : text;
 }
 
 std::string HSCPlazFilesResult::describe() const {

@@ -66,7 +66,7 @@ struct PLAZ_API HSCPlazFilesResult {
     std::vector<std::pair<const char*, const std::vector<std::string>*>> list() const;
     /// What is wrong, for people: "changed: a, b; missing: c".
     std::string describe() const;
-    /// "a, b, c": at most ten of them, then "...".
+    /// "a, b, c": at most ten of them, then "and 5 more".
     static std::string join(const std::vector<std::string>& files);
 };
 
