@@ -103,7 +103,7 @@ TEST_F(ItemTreeTest, TellsWhatDiffers) {
     put(".done", "");
     put(".git/config", "x");
     HUTFile::mkDirRecursive(installed + "/empty folder");
-    EXPECT_EQ(summarize(tree.compare(installed)), "") << "the hub's marks and empty directories";
+    EXPECT_EQ(summarize(tree.compare(installed)), "additional .done\nadditional .git/config\n") << "no directories";
 
     put("big", std::string((3 << 20) - 1, 'b') + "c");
     put("empty", "x");
@@ -112,10 +112,10 @@ TEST_F(ItemTreeTest, TellsWhatDiffers) {
     put("link/file", "x");
     put("bin", "x");
     put("new/.git", "x");
-    EXPECT_EQ(
-        summarize(tree.compare(installed)),
-        "changed big\nchanged empty\nchanged item.json\nchanged lines.txt\nchanged link\n"
-        "missing bin/Größe & Maß\nmissing bin/run 'x'\nadditional bin\nadditional link/file\nadditional new/.git\n");
+    EXPECT_EQ(summarize(tree.compare(installed)),
+              "changed big\nchanged empty\nchanged item.json\nchanged lines.txt\nchanged link\n"
+              "missing bin/Größe & Maß\nmissing bin/run 'x'\nadditional .done\nadditional .git/config\nadditional "
+              "bin\nadditional link/file\nadditional new/.git\n");
     EXPECT_EQ(summarize(tree.findLost(installed)), "changed item.json\nchanged link\nmissing bin/Größe & Maß\n"
                                                    "missing bin/run 'x'\n");
 }
@@ -144,8 +144,8 @@ TEST_F(ItemTreeTest, RefusesListings) {
         EXPECT_FALSE(Tree::parse(text, "c", "r", problem)) << text;
         EXPECT_EQ(problem, expected) << text;
     }
-    for (const char* path : {"", "..", "../a", "a/../../b", "/a", "a//b", "a/", "./a", ".git", "a/.GIT/hooks/x", "a\nb",
-                             "a\x7f", ".git/config"}) {
+    for (const char* path :
+         {"", "..", "../a", "a/../../b", "/a", "a//b", "a/", "./a", ".git", "a/.GIT/hooks/x", ".git/config"}) {
         EXPECT_FALSE(Tree::parse(good + line("r/" + std::string(path)), "c", "r", problem)) << path;
         EXPECT_NE(problem.find("is no path inside the item's folder"), std::string::npos) << problem;
     }

@@ -64,6 +64,7 @@ void HSCPlazHubBuilder::build() const {
         readStores();
     }
     makeHub();
+    HSCPlazHolds::apply(*m_workspace.hub);
 }
 
 bool HSCPlazHubBuilder::readMetadata() const {
@@ -143,6 +144,7 @@ void HSCPlazHubBuilder::rebuild(std::unique_ptr<HSCPlazModel> model) const {
     m_workspace.sharedHubModel->setMetadataFile(m_workspace.hubModel->getMetadataFile());
     readStores();
     makeHub();
+    save(hub, HSCPlazHolds::apply(hub));
     m_workspace.currentStore = current ? hub.getStore(selected) : nullptr;
 }
 
@@ -172,7 +174,13 @@ void HSCPlazHubBuilder::restoreInstalled() const {
         installed.describe(model);
         HSCPlazInstalledState::addMissingItems(*store);
     }
-    HSCPlazHolds::apply(*m_workspace.hub);
+}
+
+void HSCPlazHubBuilder::save(const HSCPlaz& hub, const std::set<HSCPlazQStore*>& stores) const {
+    for (HSCPlazQStore* store : stores) {
+        const std::string unwritten = m_workspace.databases.write(hub, *store);
+        if (!unwritten.empty()) m_report.add(Msg::databaseNotSaved, MsgSeverity::error, unwritten);
+    }
 }
 
 void HSCPlazHubBuilder::reloadStore(HSCPlaz& hub, HSCPlazQStore& store, bool isShared) const {
@@ -197,7 +205,7 @@ void HSCPlazHubBuilder::reloadStore(HSCPlaz& hub, HSCPlazQStore& store, bool isS
     installed.merge(model);
     installed.describe(model);
     store.assignModel(&model);
-    HSCPlazHolds::apply(hub);
-    const std::string unwritten = m_workspace.databases.write(hub, store);
-    if (!unwritten.empty()) m_report.add(Msg::databaseNotSaved, MsgSeverity::error, unwritten);
+    std::set<HSCPlazQStore*> changed = HSCPlazHolds::apply(hub);
+    changed.insert(&store);
+    save(hub, changed);
 }

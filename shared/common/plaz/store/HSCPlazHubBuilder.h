@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <set>
 #include <string>
 
 class HSCPlaz;
@@ -29,6 +30,7 @@ public:
     void reloadStore(HSCPlaz& hub, HSCPlazQStore& store, bool isShared) const;
 
 private:
+    void save(const HSCPlaz& hub, const std::set<HSCPlazQStore*>& stores) const;
     bool readMetadata() const;
     void readHub(const std::string& file, HSCPlazModel& model) const;
     void readShared() const;

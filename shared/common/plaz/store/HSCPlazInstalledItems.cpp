@@ -107,6 +107,7 @@ std::string HSCPlazInstalledItems::apply(const HSCPlazQItemModel& record) {
     item.setInstalledCommitId(record.getCommitId());
     item.setLocalDir(toLocalDir(record, item));
     item.setInstallationMode(record.getInstallationMode());
+    item.setReferenceCount(record.getReferenceCount());
     item.deriveOutdated();
     return {};
 }

@@ -1,5 +1,6 @@
 #include "plaz/store/HSCPlazInstalledTrees.h"
 
+#include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQItemModel.h"
@@ -33,18 +34,36 @@ std::string fileOf(const Place& place) {
     return place.layout.getTreesDir() + "/" + nameOf(place);
 }
 
-/// The folders of the store's items that lie below a directory, relative to it, each with a "/" at its end.
-std::vector<std::string> findFoldersInside(const HSCPlazWorkspace& workspace, const HSCPlazQStore& store,
-                                           const std::string& dir) {
+/// The folders of installed items that lie below a directory, relative to it, each with a "/" at its end.
+std::vector<std::string> findFoldersInside(const HSCPlazQStore& store, const std::string& dir) {
     const std::string start = dir + "/";
     std::vector<std::string> folders;
     for (const HSCPlazQItem* item : store.getItems()) {
-        const std::string recorded = item->getLocalRootDir();
-        const std::string theirs =
-            recorded.empty() ? workspace.paths.getItemDir(*store.getModel(), *item->getModel()) : recorded;
-        if (starts_with(theirs, start)) folders.push_back(theirs.substr(start.size()) + "/");
+        const std::string theirs = item->getLocalRootDir();
+        if (item->IsInstalled() && starts_with(theirs, start)) folders.push_back(theirs.substr(start.size()) + "/");
     }
     return folders;
+}
+
+/// As the store's working copy has it.
+std::optional<HSCPlazItemTree> ask(const Place& place, std::string& problem) {
+    if (place.folder.empty() || place.commit.empty()) {
+        problem = place.folder.empty() ? "its folder does not lie in the store's directory, or a link leads out of that"
+                                       : "no commit is recorded of it";
+        return std::nullopt;
+    }
+    if (!HSCPlazStoreLayout::isComplete(place.layout.getIndex())) {
+        problem = "the list that its installation had kept is gone, and the store has no working copy to ask";
+        return std::nullopt;
+    }
+    const HSCPlazGitAnswer answer = HSCPlazGitTree::list(place.layout, place.commit, place.root);
+    if (answer.status != 0) {
+        problem = "the store's working copy does not give its commit " + place.commit + ": " + answer.getReason();
+        return std::nullopt;
+    }
+    auto tree = HSCPlazItemTree::parse(answer.text, place.commit, place.root, problem);
+    if (!tree) problem = "what its commit " + place.commit + " lists " + problem;
+    return tree;
 }
 
 } // namespace
@@ -75,23 +94,11 @@ std::optional<HSCPlazItemTree> HSCPlazInstalledTrees::readKept(const Place& plac
 
 std::optional<HSCPlazItemTree> HSCPlazInstalledTrees::find(const Place& place, std::string& problem) {
     if (auto kept = readKept(place)) return kept;
-    if (place.folder.empty() || place.commit.empty()) {
-        problem = place.folder.empty() ? "its folder does not lie in the store's directory, or a link leads out of that"
-                                       : "no commit is recorded of it";
-        return std::nullopt;
-    }
-    if (!HSCPlazStoreLayout::isComplete(place.layout.getIndex())) {
-        problem = "the list that its installation had kept is gone, and the store has no working copy to ask";
-        return std::nullopt;
-    }
-    const HSCPlazGitAnswer answer = HSCPlazGitTree::list(place.layout, place.commit, place.root);
-    if (answer.status != 0) {
-        problem = "the store's working copy does not give its commit " + place.commit + ": " + answer.getReason();
-        return std::nullopt;
-    }
-    auto tree = HSCPlazItemTree::parse(answer.text, place.commit, place.root, problem);
-    if (!tree) problem = "what its commit " + place.commit + " lists " + problem;
-    return tree;
+    return ask(place, problem);
+}
+
+std::optional<HSCPlazItemTree> HSCPlazInstalledTrees::learn(const Place& place, std::string& problem) {
+    return HSCPlazTrust::isCommitId(place.commit) ? find(place, problem) : ask(place, problem);
 }
 
 bool HSCPlazInstalledTrees::keep(const Place& place, const HSCPlazItemTree& tree) {
@@ -99,9 +106,10 @@ bool HSCPlazInstalledTrees::keep(const Place& place, const HSCPlazItemTree& tree
 }
 
 void HSCPlazInstalledTrees::removeStale(const HSCPlazWorkspace& workspace, const HSCPlazQStore& store) {
-    const std::string dir = workspace.paths.getStoreLayout(*store.getModel()).getTreesDir();
+    const HSCPlazStoreLayout layout = workspace.paths.getStoreLayout(*store.getModel());
+    const std::string dir = layout.getTreesDir();
     const std::vector<std::string> kept = HUTFile::createFileIter(dir);
-    if (kept.empty()) return;
+    if (kept.empty() || !HUTFile::isBeneath(layout.getArea(), dir)) return; // a link may lead elsewhere
     std::set<std::string> needed;
     for (HSCPlazQItem* item : store.getItems())
         if (item->IsInstalled()) needed.insert(nameOf(placeOf(workspace, {item->getStore(), item})));
@@ -110,11 +118,11 @@ void HSCPlazInstalledTrees::removeStale(const HSCPlazWorkspace& workspace, const
     if (needed.empty()) HUTFile::rmRecursive(dir);
 }
 
-Differences HSCPlazInstalledTrees::compare(const HSCPlazWorkspace& workspace, const HSCPlazQStore& store,
-                                           const std::string& dir, const HSCPlazItemTree* tree) {
+Differences HSCPlazInstalledTrees::compare(const HSCPlazQStore& store, const std::string& dir,
+                                           const HSCPlazItemTree* tree) {
     Differences found = tree ? tree->compare(dir) : HSCPlazItemTree::listAll(dir);
     if (found.additional.empty()) return found;
-    const std::vector<std::string> folders = findFoldersInside(workspace, store, dir);
+    const std::vector<std::string> folders = findFoldersInside(store, dir);
     const auto isOthers = [&](const std::string& path) {
         return std::any_of(folders.begin(), folders.end(),
                            [&](const std::string& folder) { return starts_with(path, folder); });

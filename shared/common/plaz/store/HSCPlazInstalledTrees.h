@@ -38,16 +38,18 @@ std::optional<HSCPlazItemTree> readKept(const Place& place);
 /// Kept, or else as the working copy has it.
 /// @param problem  why it is not known, as an end of a sentence
 std::optional<HSCPlazItemTree> find(const Place& place, std::string& problem);
+/// The same for a commit that has just been fetched: what was kept of a name that is no commit's id, such as a
+/// branch's, may be out of date.
+std::optional<HSCPlazItemTree> learn(const Place& place, std::string& problem);
 /// Keeps it. @return false when that could not be written
 bool keep(const Place& place, const HSCPlazItemTree& tree);
 /// Removes what is kept of items that are not installed, or not at that commit.
 void removeStale(const HSCPlazWorkspace& workspace, const HSCPlazQStore& store);
 
-/// What an item's folder holds beside its tree. What lies in the folders of other items of the store, such as the
-/// item's own revisions, is none of it.
+/// What an item's folder holds beside its tree. What lies in the folders of other installed items of the store, such as
+/// the item's own revisions, is none of it.
 /// @param tree  null for one that is not known, so that all is additional
-HSCPlazItemTree::Differences compare(const HSCPlazWorkspace& workspace, const HSCPlazQStore& store,
-                                     const std::string& dir, const HSCPlazItemTree* tree);
+HSCPlazItemTree::Differences compare(const HSCPlazQStore& store, const std::string& dir, const HSCPlazItemTree* tree);
 
 /// Whether an installed item is there with all its files, as far as that shows without opening them.
 bool isWhole(const HSCPlazWorkspace& workspace, const HSCPlazFoundItem& found);

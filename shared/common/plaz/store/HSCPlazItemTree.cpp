@@ -60,8 +60,6 @@ bool isPlainComponent(std::string_view name) {
 }
 
 bool staysInside(std::string_view path) {
-    const auto isControl = [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7f; };
-    if (std::any_of(path.begin(), path.end(), isControl)) return false;
     while (const auto component = takeUntil(path, '/'))
         if (!isPlainComponent(*component)) return false;
     return isPlainComponent(path);
@@ -150,8 +148,7 @@ public:
 
     Differences run() {
         const HUTFileTree disk = HUTFileTree::scan(m_dir);
-        for (const HUTFileTree::Entry& found : disk.entries)
-            if (!isMarker(found.path)) meet(found);
+        for (const HUTFileTree::Entry& found : disk.entries) meet(found);
         addUnmet(disk.unreadable);
         for (auto* names : {&m_result.changed, &m_result.missing, &m_result.additional, &m_result.unreadable})
             std::sort(names->begin(), names->end());
@@ -184,8 +181,7 @@ private:
 
     // What lies in a directory that cannot be listed may be there or not.
     void addUnmet(const std::vector<std::string>& unreadable) {
-        for (const std::string& dir : unreadable)
-            if (!isMarker(dir)) m_result.unreadable.push_back(dir);
+        for (const std::string& dir : unreadable) m_result.unreadable.push_back(dir);
         for (const auto& [key, entry] : m_expected) {
             const std::string& path = entry->path;
             const bool isHidden = std::any_of(unreadable.begin(), unreadable.end(),

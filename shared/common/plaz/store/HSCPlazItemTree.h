@@ -39,8 +39,7 @@ public:
     /// @param problem  why there is no result, as an end of a sentence: what is listed "is no listing of git",
     ///                 "holds no files", or "holds "x/../y", which ..."
     /// @return empty for a listing that is cut off or damaged, that holds nothing, or that names a path that might lead
-    ///         elsewhere: with an empty component, ".", "..", ".git" in any case, a control character, or not in @p
-    ///         root
+    ///         elsewhere: with an empty component, ".", "..", ".git" in any case, or not in @p root
     static std::optional<HSCPlazItemTree> parse(std::string_view lsTree, const std::string& commit,
                                                 const std::string& root, std::string& problem);
 
@@ -57,8 +56,8 @@ public:
     /// Sorted by path.
     const std::vector<Entry>& getEntries() const { return m_entries; }
 
-    /// Reads every file below an item's folder. The hub's own ".git" and ".done" at its top are left out, and so are
-    /// directories, which git does not know. Whether a file may be run counts where disks know that.
+    /// Reads every file below an item's folder. Directories, which git does not know, are left out. Whether a file may
+    /// be run counts where disks know that.
     /// @param dir  the item's folder; when it is missing, so are its files
     Differences compare(const std::string& dir) const;
 

@@ -97,6 +97,9 @@ std::unique_ptr<HSCPlazQItemModel> toWanted(const HSCPlazFoundItem& found, const
     wanted->setMetadataFile(found.item->getMetadataFile());
     wanted->setRoot(place.root);
     wanted->setCommitId(place.commit);
+    // What is recorded comes back as it is, whatever the catalog calls its metadata file by now.
+    const bool isRecorded = found.item->IsInstalled() && found.item->getModel()->getInstalledCommitId() == place.commit;
+    wanted->setIsListed(!isRecorded && found.item->getModel()->isListed());
     return wanted;
 }
 
@@ -104,7 +107,7 @@ std::unique_ptr<HSCPlazQItemModel> toWanted(const HSCPlazFoundItem& found, const
 bool checkAndKeepTree(HSCPlazTask& task, const HSCPlazFoundItem& found, const Trees::Place& place,
                       const std::string& incoming) {
     std::string problem;
-    const auto tree = Trees::find(place, problem);
+    const auto tree = Trees::learn(place, problem);
     if (!tree) return task.fail(Msg::itemRefused, found.item->getName(), problem);
     const HSCPlazItemTree::Differences lost = tree->findLost(incoming);
     for (const auto* files : {&lost.missing, &lost.changed, &lost.unreadable})

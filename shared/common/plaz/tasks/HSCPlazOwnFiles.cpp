@@ -54,7 +54,7 @@ Differences compare(const HSCPlazTask& task, const HSCPlazFoundItem& found, cons
     std::string unknown;
     if (const HSCPlazFoundItem installed = findInstalledAt(found, dir))
         tree = Trees::find(Trees::placeOf(workspace, installed), unknown);
-    Differences files = Trees::compare(workspace, *found.store, dir, tree ? &*tree : nullptr);
+    Differences files = Trees::compare(*found.store, dir, tree ? &*tree : nullptr);
     if (!tree) {
         // The metadata file is what an item that goes leaves of itself.
         const std::string metadata = found.item->getMetadataFile();
@@ -67,6 +67,14 @@ Differences compare(const HSCPlazTask& task, const HSCPlazFoundItem& found, cons
 bool isBelow(const std::string& file, const std::vector<std::string>& dirs) {
     return std::any_of(dirs.begin(), dirs.end(),
                        [&](const std::string& dir) { return boost::algorithm::starts_with(file, dir + "/"); });
+}
+
+/// Whether files of the tree are to lie below a name.
+bool isAbove(const std::string& name, const HSCPlazItemTree& tree) {
+    const auto& entries = tree.getEntries();
+    const auto next = std::lower_bound(entries.begin(), entries.end(), name + "/",
+                                       [](const auto& entry, const std::string& start) { return entry.path < start; });
+    return next != entries.end() && boost::algorithm::starts_with(next->path, name + "/");
 }
 
 bool isEmpty(const std::string& file) {
@@ -113,6 +121,7 @@ bool copyAside(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::stri
                const std::vector<std::string>& files) {
     const std::string name = HSCPlazItemFiles::shownName(*found.item);
     const std::string kept = chooseDirectory(task, found, dir);
+    HUTFile::mkDirForOwner(task.getWorkspace().paths.getKeptDir()); // some of it may have been for the user's eyes
     if (!copy(files, from, kept)) {
         HUTFile::rmRecursive(kept);
         return task.fail(Msg::ownFilesNotKept, name, kept);
@@ -133,7 +142,7 @@ std::optional<std::vector<std::string>> HSCPlazOwnFiles::findStaying(HSCPlazTask
     };
     const auto tree = Trees::readKept(place);
     if (!tree) return fail(place.layout.getTreesDir()); // it was written a moment ago
-    Differences files = Trees::compare(task.getWorkspace(), *found.store, dir, &*tree);
+    Differences files = Trees::compare(*found.store, dir, &*tree);
     dropSpecial(files, dir);
     if (!files.unreadable.empty() && !task.getOptions().areChangesDiscarded)
         return fail(dir + "/" + files.unreadable.front());
@@ -141,9 +150,9 @@ std::optional<std::vector<std::string>> HSCPlazOwnFiles::findStaying(HSCPlazTask
     std::vector<std::string> staying;
     std::set_difference(files.changed.begin(), files.changed.end(), replaced.begin(), replaced.end(),
                         std::back_inserter(staying));
-    // A file may come back where there is a directory now, with what was put into that.
+    // A file may come back where there is a directory now, with what was put into that; or the other way around.
     std::copy_if(files.additional.begin(), files.additional.end(), std::back_inserter(staying),
-                 [&](const std::string& file) { return !isBelow(file, replaced); });
+                 [&](const std::string& file) { return !isBelow(file, replaced) && !isAbove(file, *tree); });
     return staying;
 }
 

@@ -39,7 +39,7 @@ HSCPlazFilesResult HSCPlazRepairTask::verify(const HSCPlazWorkspace& workspace, 
         result.report.add(Msg::filesUnknown, MsgSeverity::error, reference, problem, reference);
         return result;
     }
-    Differences files = Trees::compare(workspace, *found.store, result.directory, &*tree);
+    Differences files = Trees::compare(*found.store, result.directory, &*tree);
     result.changed = std::move(files.changed);
     result.missing = std::move(files.missing);
     result.additional = std::move(files.additional);
