@@ -107,7 +107,7 @@ TEST_F(LocalDbTest, mergesIntoTheCatalog) {
     EXPECT_TRUE(HUTFile::exists(temp.path("db.json.bad"))) << "refused records are lost";
     const HSCPlazQItemModel& added = *store.getItems()[5];
     EXPECT_EQ(added.getDisplayName() + added.getMetadataFile() + added.getLatestRevision(), "Goneitem.json3");
-    EXPECT_EQ(added.getInstallationMode() + std::to_string(added.getReferenceCount()), "user0");
+    EXPECT_EQ(added.getInstallationMode() + std::to_string(added.getReferenceCount()), "user3");
     const std::size_t count = store.getItems().size();
     EXPECT_EQ(Merge::merged, merge({"gone 1 c1 x"})); // again: found, not added once more
     EXPECT_EQ(store.getItems().size(), count);

@@ -16,9 +16,12 @@ std::string keyOf(const std::string& store, const std::string& item, const std::
 }
 
 bool isNewer(const HSCPlazQItem& item, const HSCPlazQItem& than) {
-    const bool isListed = item.getModel()->isListed();
-    if (isListed != than.getModel()->isListed()) return isListed;
-    return !isListed && HUTText::compareNumbers(item.getRevision(), than.getRevision()) > 0;
+    const auto rankOf = [](const HSCPlazQItem& one) {
+        if (!one.getModel()->isListed()) return 2;
+        return one.getRevision() == one.getLatestRevision() ? 0 : 1;
+    };
+    if (rankOf(item) != rankOf(than)) return rankOf(item) < rankOf(than);
+    return HUTText::compareNumbers(item.getRevision(), than.getRevision()) > 0;
 }
 
 HSCPlazQItem* findNewestInstalled(const HSCPlazQStore& store, const std::string& name) {
@@ -53,7 +56,8 @@ std::set<std::string> HSCPlazDependencies::keysOf(const HSCPlazQItem& item) {
     std::set<std::string> keys{item.getCompany() + "::" + item.getName(),
                                ::keyOf(item.getStoreName(), item.getName(), revision)};
     const bool isMeantByName = revision.empty() || revision == item.getLatestRevision() || !item.getStore() ||
-                               !item.getStore()->IsMultiRevisionSupported();
+                               !item.getStore()->IsMultiRevisionSupported() ||
+                               findNewestInstalled(*item.getStore(), item.getName()) == &item;
     if (isMeantByName) keys.insert(::keyOf(item.getStoreName(), item.getName(), ""));
     return keys;
 }

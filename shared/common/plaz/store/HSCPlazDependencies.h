@@ -30,8 +30,8 @@ HSCPlazFoundItem findByName(const HSCPlaz& hub, const std::string& store, const 
 /// What the catalog offers for a dependency.
 HSCPlazFoundItem findOffered(const HSCPlaz& hub, const HSCPlazQItemDependency& dependency);
 /// The installed item that serves a dependency: in a store that keeps several revisions the one that is named, else the
-/// newest that is installed. The newest is the first in the catalog's order; those that it does not list come after
-/// those that it does, the one of the higher number first.
+/// newest that is installed. The newest is the latest in the catalog's order; after that one the number decides, first
+/// among those that the catalog lists, then among others.
 HSCPlazFoundItem findInstalled(const HSCPlaz& hub, const HSCPlazQItemDependency& dependency);
 /// The installed items that depend on this one themselves, in the hub's order.
 std::vector<HSCPlazQItem*> findHolders(const HSCPlaz& hub, const HSCPlazQItem& item);

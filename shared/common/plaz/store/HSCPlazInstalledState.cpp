@@ -59,19 +59,23 @@ void HSCPlazInstalledState::addMissingItems(HSCPlazQStore& store) {
 }
 
 void HSCPlazInstalledState::describe(const HSCPlazQStoreModel& store) const {
-    const HIOStream::Root root(store.getLocalDbFilePath().empty() ? std::string()
-                                                                  : m_workspace.paths.getStoreArea(store));
+    const std::string area = store.getLocalDbFilePath().empty() ? std::string() : m_workspace.paths.getStoreArea(store);
+    const HIOStream::Root root(area);
     HSCPlazJsonDocument document;
     HSCPlazFindings found;
     for (const auto& item : store.getItems()) {
         if (!item->isInstalled()) continue;
-        const std::string folder = HSCPlazPathMgr::getItemFolder(store, *item);
+        // Where it is: its folder in the repository may be another one by now.
+        const std::string& place = item->getLocalDir();
+        const bool isInArea = !area.empty() && place.compare(0, area.size() + 1, area + "/") == 0;
+        const std::string folder =
+            isInArea ? place.substr(area.size() + 1) : HSCPlazPathMgr::getItemFolder(store, *item);
         const std::string& file = item->getMetadataFile();
         std::unique_ptr<HSCPlazQItemModel> description;
         if (!file.empty())
             description = readDescription(root, folder + "/" + file, document, found);
         else if (!folder.empty())
-            description = readWithdrawn(root, m_workspace.paths.getStoreArea(store), folder, document, *item);
+            description = readWithdrawn(root, area, folder, document, *item);
         item->setIsDescribedByItself(description != nullptr);
         if (description && describes(*description, *item)) item->copyDescriptionFrom(*description);
     }

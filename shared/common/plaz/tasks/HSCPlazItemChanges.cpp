@@ -17,6 +17,8 @@
 #include "plaz/tasks/HSCPlazTask.h"
 #include "support/HUTFile.h"
 
+#include <boost/filesystem/path.hpp>
+
 #include <algorithm>
 #include <utility>
 #include <vector>
@@ -50,18 +52,31 @@ std::shared_ptr<HSCPlazQItemModel> toRecord(const HSCPlazQItemModel& item) {
     return record;
 }
 
-/// Back to where they were. @param incoming  what was put in its place came from there
-bool undo(const std::string& incoming, const std::string& dir) {
-    if (HUTFile::exists(incoming)) return HUTFile::exchangeDirectories(incoming, dir);
-    const std::string aside = HUTFile::getAside(incoming); // where the last of three renamings has failed
-    return HUTFile::rename(dir, incoming) && (!HUTFile::exists(aside) || HUTFile::rename(aside, dir));
-}
-
 /// A directory of an item, whatever a note says.
 bool isInside(const HSCPlazTask& task, const HSCPlazQStore& store, const std::string& dir) {
     const HSCPlazStoreLayout layout = task.getWorkspace().paths.getStoreLayout(*store.getModel());
     return !dir.empty() && HUTFile::isBeneath(layout.getArea(), dir) && !HUTFile::isAKA(layout.getArea(), dir) &&
            !HUTFile::isBeneath(layout.getHiddenDir(), dir);
+}
+
+/// Where an item's files are as long as they have not come to another place, because its folder in the repository is
+/// another one now; empty where they do not move, or where other items lie in that folder.
+std::string formerDirectory(const HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir) {
+    const std::string old = found.item->IsInstalled() ? found.item->getLocalRootDir() : std::string();
+    const auto isThere = [&](const HSCPlazQItem* other) {
+        return other != found.item && other->IsInstalled() && HUTFile::isBeneath(old, other->getLocalRootDir());
+    };
+    const auto& items = found.store->getItems();
+    const bool isFree = !old.empty() && old != dir && isInside(task, *found.store, old) &&
+                        !HUTFile::isBeneath(old, dir) && std::none_of(items.begin(), items.end(), isThere);
+    return isFree ? old : std::string();
+}
+
+/// Back to where they were. @param incoming  what was put in its place came from there
+bool undo(const std::string& incoming, const std::string& dir) {
+    if (HUTFile::exists(incoming)) return HUTFile::exchangeDirectories(incoming, dir);
+    const std::string aside = HUTFile::getAside(incoming); // where the last of three renamings has failed
+    return HUTFile::rename(dir, incoming) && (!HUTFile::exists(aside) || HUTFile::rename(aside, dir));
 }
 
 /// Where directories cannot change places in one step, a process may have ended between two of them. Puts the new
@@ -72,7 +87,9 @@ bool fillPlace(const HSCPlazPendingChange& change, const std::string& incoming) 
     if (change.identity.empty() || HUTFile::exists(dir)) return true;
     const bool isComing = HUTFile::getIdentity(incoming) == change.identity;
     const std::string files = isComing ? incoming : HUTFile::getAside(incoming);
-    return !HUTFile::exists(files) || HUTFile::rename(files, dir);
+    return !HUTFile::exists(files) ||
+           (HUTFile::mkDirRecursive(boost::filesystem::path(dir).parent_path().generic_string()) &&
+            HUTFile::rename(files, dir));
 }
 
 bool isInPlace(const HSCPlazPendingChange& change) {
@@ -279,7 +296,9 @@ bool HSCPlazItemChanges::put(const HSCPlazFoundItem& found, HSCPlazPendingChange
                              const HSCPlazReport& obstacle) {
     const std::string incoming = incomingOf(m_task, *found.store);
     const std::string dir = change.item->getLocalDir();
-    if (!HSCPlazOwnFiles::keepAside(m_task, found, dir, incoming, !change.isInstalled)) return false;
+    const std::string old = formerDirectory(m_task, found, dir);
+    for (const std::string& going : {dir, old})
+        if (!HSCPlazOwnFiles::keepAside(m_task, found, going, incoming, !change.isInstalled)) return false;
     change.identity = HUTFile::getIdentity(incoming);
     if (change.identity.empty() || !HUTFile::flush(incoming)) return m_task.fail(Msg::dirNotWritable, incoming);
     if (!announce(change)) return false;
@@ -287,7 +306,10 @@ bool HSCPlazItemChanges::put(const HSCPlazFoundItem& found, HSCPlazPendingChange
         withdraw(change, incoming);
         return m_task.fail(obstacle);
     }
-    if (record(found, change)) return true;
+    if (record(found, change)) {
+        if (!old.empty()) HUTFile::rmRecursive(old);
+        return true;
+    }
     if (undo(incoming, dir))
         withdraw(change, incoming);
     else

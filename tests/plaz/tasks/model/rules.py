@@ -22,9 +22,9 @@ class Model:
     def list_revisions(self, store, name):
         """@return the installed ones as items, the newest first"""
         latest, commits, _ = self.catalogs[store].get(name, ("", {}, ""))
-        ranks = {revision: (rank,) for rank, revision in enumerate(dict.fromkeys([latest, *commits]))}
         items = [item for item in self.installed if item[:2] == (store, name)]
-        return sorted(items, key=lambda item: ranks.get(item[2]) or (99, *(-int(part) for part in item[2].split("."))))
+        ranks = {item: (item[2] != latest) + (item[2] not in commits) for item in items}
+        return sorted(items, key=lambda item: (ranks[item], *(-int(part) for part in item[2].split("."))))
 
     def find_server(self, store, name, revision):
         """@return the installed item that serves a key, or None"""
@@ -48,7 +48,7 @@ class Model:
         counts = dict.fromkeys(self.installed, 0)
         ways = [(item, {item}) for item in self.list_asked_for()]
         for item, keys in ways:  # by which it names itself
-            if item[0] == ONE or item == (self.find_offer(*item[:2], "") or self.find_server(*item[:2], "")):
+            if item[0] == ONE or item in (self.find_offer(*item[:2], ""), self.find_server(*item[:2], "")):
                 keys.add((*item[:2], ""))
         for _ in range(TOO_MANY):
             if not ways:
