@@ -120,7 +120,8 @@ HSCPlazLocalDBMgr::Merge HSCPlazLocalDBMgr::merge(const std::string& file, HSCPl
     m_unreadable.erase(file);
     const std::string stamp = m_stamps[file] = HUTFile::getStamp(file);
     if (stamp.empty() && canBeRead(file)) {
-        m_hasLost = m_hasLost || !HUTFile::createFileIter(paths.getStoreLayout(store).getTreesDir()).empty();
+        // A first installation that was cut short leaves the tree of one item at most.
+        m_hasLost = m_hasLost || HUTFile::createFileIter(paths.getStoreLayout(store).getTreesDir()).size() > 1;
         return Merge::nothing;
     }
     HSCPlazModel recorded;
