@@ -307,8 +307,8 @@ bool HSCPlazItemChanges::put(const HSCPlazFoundItem& found, HSCPlazPendingChange
         return m_task.fail(obstacle);
     }
     if (record(found, change)) {
-        if (!old.empty()) HUTFile::rmRecursive(old);
-        return true;
+        const bool isGone = old.empty() || HUTFile::rmRecursive(old);
+        return isGone || m_task.fail(Msg::removalIncomplete, found.item->getName(), old);
     }
     if (undo(incoming, dir))
         withdraw(change, incoming);
