@@ -81,7 +81,7 @@ std::vector<Finding> doctor::checkItems(const HSCPlazQStore& store, const HDGUIS
     std::vector<Finding> findings;
     std::size_t whole = 0;
     for (HSCPlazQItem* item : store.getItems()) {
-        if (!item->IsInstalled() || item->getMode() == HSCPlazInstallationMode::none) continue;
+        if (!item->isRecorded()) continue;
         if (status.isCanceled()) return findings;
         const HSCPlazFilesResult files = HSCPlazInspection::compareFiles(*item);
         const std::string name = ItemReference::of(*item).toText();

@@ -221,7 +221,7 @@ std::vector<HSCPlazQItem*> HubQueries::findRecorded(const std::string& store) co
     std::vector<HSCPlazQItem*> recorded;
     for (const HSCPlazQStore* one : getScope(store))
         for (HSCPlazQItem* item : one->getItems())
-            if (item->IsInstalled() && item->getMode() != HSCPlazInstallationMode::none) recorded.push_back(item);
+            if (item->isRecorded()) recorded.push_back(item);
     return recorded;
 }
 

@@ -156,8 +156,7 @@ std::vector<HSCPlazQItem*> HSCPlazInstalledTrees::findIncomplete(const HSCPlazWo
     std::vector<HSCPlazQItem*> incomplete;
     for (HSCPlazQStore* store : hub.getStores())
         for (HSCPlazQItem* item : store->getItems()) {
-            const bool isRecorded = item->IsInstalled() && item->getMode() != HSCPlazInstallationMode::none;
-            if (isRecorded && !(fits({store, item}) && HSCPlazDependencies::areComplete(hub, *item, fits)))
+            if (item->isRecorded() && !(fits({store, item}) && HSCPlazDependencies::areComplete(hub, *item, fits)))
                 incomplete.push_back(item);
         }
     return incomplete;

@@ -157,8 +157,7 @@ bool keepPlaces(HSCPlazTask& task) {
 const HSCPlazQItem* findUndescribed(const HSCPlaz& hub) {
     for (const HSCPlazQStore* store : hub.getStores())
         for (const HSCPlazQItem* item : store->getItems())
-            if (item->IsInstalled() && item->getMode() != Mode::none && !item->getModel()->isDescribedByItself())
-                return item;
+            if (item->isRecorded() && !item->getModel()->isDescribedByItself()) return item;
     return nullptr;
 }
 

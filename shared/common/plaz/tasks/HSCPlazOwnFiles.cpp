@@ -28,8 +28,7 @@ namespace {
 /// The installation whose files lie in a folder; of several revisions that share it one alone is recorded.
 HSCPlazFoundItem findInstalledAt(const HSCPlazFoundItem& found, const std::string& dir) {
     for (HSCPlazQItem* item : found.store->getItems())
-        if (item->IsInstalled() && item->getMode() != HSCPlazInstallationMode::none && item->getLocalRootDir() == dir)
-            return {found.store, item};
+        if (item->isRecorded() && item->getLocalRootDir() == dir) return {found.store, item};
     return {};
 }
 

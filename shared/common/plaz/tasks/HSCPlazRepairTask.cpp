@@ -18,7 +18,7 @@ namespace Trees = HSCPlazInstalledTrees;
 namespace {
 
 bool isThere(const HSCPlazFoundItem& found) {
-    return found && found.item->IsInstalled() && found.item->getMode() != HSCPlazInstallationMode::none;
+    return found && found.item->isRecorded();
 }
 
 } // namespace
