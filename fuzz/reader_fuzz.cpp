@@ -7,6 +7,7 @@
 #include "plaz/model/reader/HSCPlazQItemReader.h"
 #include "plaz/model/reader/HSCPlazQStoreReader.h"
 #include "plaz/model/reader/HSCPlazReader.h"
+#include "plaz/model/repo/git/HSCPlazGitTree.h"
 #include "plaz/pref/HSCPlazPathMgr.h"
 #include "plaz/store/HSCPlazItemTree.h"
 #include "plaz/store/HSCPlazLocalDBMgr.h"
@@ -62,6 +63,7 @@ void read(const std::string& file) {
 #elif defined(FUZZ_TREE)
     std::string listing, problem;
     HIOStream::read(file, listing);
+    if (const std::string index = HSCPlazGitTree::listIndex(listing, "boards/aurora"); !index.empty()) listing = index;
     const auto tree = HSCPlazItemTree::parse(listing, "0123456", "boards/aurora", problem);
     check(tree.has_value() == problem.empty());
     if (!tree) return;

@@ -26,12 +26,18 @@ using Place = HSCPlazInstalledTrees::Place;
 namespace {
 
 /// Folders lie in one another, so that no name made of theirs would be safe.
-std::string nameOf(const Place& place) {
-    return HUTDigest::ofBlob(HUTDigest::Kind::sha1, place.folder + "\n" + place.commit);
+std::string nameOf(const std::string& folder, const std::string& commit) {
+    return HUTDigest::ofBlob(HUTDigest::Kind::sha1, folder + "\n" + commit);
 }
 
 std::string fileOf(const Place& place) {
-    return place.layout.getTreesDir() + "/" + nameOf(place);
+    return place.layout.getTreesDir() + "/" + nameOf(place.folder, place.commit);
+}
+
+/// Of a directory, relative to the store's area; empty for one that does not lie there.
+std::string folderIn(const HSCPlazStoreLayout& layout, const std::string& dir) {
+    const std::string start = layout.getArea() + "/";
+    return starts_with(dir, start) ? dir.substr(start.size()) : std::string();
 }
 
 /// The folders of installed items that lie below a directory, relative to it, each with a "/" at its end.
@@ -43,6 +49,12 @@ std::vector<std::string> findFoldersInside(const HSCPlazQStore& store, const std
         if (item->IsInstalled() && starts_with(theirs, start)) folders.push_back(theirs.substr(start.size()) + "/");
     }
     return folders;
+}
+
+std::optional<HSCPlazItemTree> parse(const Place& place, const std::string& listing, std::string& problem) {
+    auto tree = HSCPlazItemTree::parse(listing, place.commit, place.root, problem);
+    if (!tree) problem = "what its commit " + place.commit + " lists " + problem;
+    return tree;
 }
 
 /// As the store's working copy has it.
@@ -61,9 +73,7 @@ std::optional<HSCPlazItemTree> ask(const Place& place, std::string& problem) {
         problem = "the store's working copy does not give its commit " + place.commit + ": " + answer.getReason();
         return std::nullopt;
     }
-    auto tree = HSCPlazItemTree::parse(answer.text, place.commit, place.root, problem);
-    if (!tree) problem = "what its commit " + place.commit + " lists " + problem;
-    return tree;
+    return parse(place, answer.text, problem);
 }
 
 } // namespace
@@ -71,9 +81,8 @@ std::optional<HSCPlazItemTree> ask(const Place& place, std::string& problem) {
 Place HSCPlazInstalledTrees::placeOf(const HSCPlazWorkspace& workspace, const HSCPlazFoundItem& found,
                                      const HSCPlazQItemModel& record) {
     const HSCPlazQStoreModel& store = *found.store->getModel();
-    Place place{workspace.paths.getStoreLayout(store), {}, {}, record.getCommitId()};
-    const std::string start = place.layout.getArea() + "/";
-    if (starts_with(record.getLocalDir(), start)) place.folder = record.getLocalDir().substr(start.size());
+    const HSCPlazStoreLayout layout = workspace.paths.getStoreLayout(store);
+    Place place{layout, folderIn(layout, record.getLocalDir()), {}, record.getCommitId()};
     place.root = place.folder;
     const std::string ending = "/" + found.item->getRevision();
     if (store.isMultiRevisionSupported() && ending.size() > 1 && ends_with(place.root, ending))
@@ -97,7 +106,9 @@ std::optional<HSCPlazItemTree> HSCPlazInstalledTrees::find(const Place& place, s
     return ask(place, problem);
 }
 
-std::optional<HSCPlazItemTree> HSCPlazInstalledTrees::learn(const Place& place, std::string& problem) {
+std::optional<HSCPlazItemTree> HSCPlazInstalledTrees::learn(const Place& place, const std::string& listing,
+                                                            std::string& problem) {
+    if (!listing.empty()) return parse(place, listing, problem);
     return HSCPlazTrust::isCommitId(place.commit) ? find(place, problem) : ask(place, problem);
 }
 
@@ -112,7 +123,8 @@ void HSCPlazInstalledTrees::removeStale(const HSCPlazWorkspace& workspace, const
     if (kept.empty() || !HUTFile::isBeneath(layout.getArea(), dir)) return; // a link may lead elsewhere
     std::set<std::string> needed;
     for (HSCPlazQItem* item : store.getItems())
-        if (item->IsInstalled()) needed.insert(nameOf(placeOf(workspace, {item->getStore(), item})));
+        if (item->IsInstalled())
+            needed.insert(nameOf(folderIn(layout, item->getLocalRootDir()), item->getModel()->getInstalledCommitId()));
     for (const std::string& name : kept)
         if (needed.count(name) == 0) HUTFile::rmRecursive(dir + "/" + name);
     if (needed.empty()) HUTFile::rmRecursive(dir);

@@ -40,7 +40,8 @@ std::optional<HSCPlazItemTree> readKept(const Place& place);
 std::optional<HSCPlazItemTree> find(const Place& place, std::string& problem);
 /// The same for a commit that has just been fetched: what was kept of a name that is no commit's id, such as a
 /// branch's, may be out of date.
-std::optional<HSCPlazItemTree> learn(const Place& place, std::string& problem);
+/// @param listing  of its files, as git gives it; empty where that has to be asked for
+std::optional<HSCPlazItemTree> learn(const Place& place, const std::string& listing, std::string& problem);
 /// Keeps it. @return false when that could not be written
 bool keep(const Place& place, const HSCPlazItemTree& tree);
 /// Removes what is kept of items that are not installed, or not at that commit.

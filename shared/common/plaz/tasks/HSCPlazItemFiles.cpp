@@ -105,9 +105,9 @@ std::unique_ptr<HSCPlazQItemModel> toWanted(const HSCPlazFoundItem& found, const
 
 /// Whether what has come is all that the commit lists; that is kept.
 bool checkAndKeepTree(HSCPlazTask& task, const HSCPlazFoundItem& found, const Trees::Place& place,
-                      const std::string& incoming) {
+                      const std::string& incoming, const std::string& listing) {
     std::string problem;
-    const auto tree = Trees::learn(place, problem);
+    const auto tree = Trees::learn(place, listing, problem);
     if (!tree) return task.fail(Msg::itemRefused, found.item->getName(), problem);
     const HSCPlazItemTree::Differences lost = tree->findLost(incoming);
     for (const auto* files : {&lost.missing, &lost.changed, &lost.unreadable})
@@ -166,11 +166,12 @@ bool HSCPlazItemFiles::fetch(HSCPlazTask& task, const HSCPlazFoundItem& found, c
     const Trees::Place place = Trees::placeOf(workspace, found, record);
     const std::string incoming = place.layout.getIncoming();
     const std::string& dir = record.getLocalDir();
-    const HSCPlazGitOutcome outcome = HSCPlazGitInstall::fetch(workspace.gitStore(*found.store->getModel()),
-                                                               *toWanted(found, place), {dir, incoming});
+    const auto [outcome, listing] = HSCPlazGitInstall::fetch(workspace.gitStore(*found.store->getModel()),
+                                                             *toWanted(found, place), {dir, incoming});
     if (!outcome.isDone) return task.fail(outcome.getWhole());
     task.tell(outcome.report);
-    return checkAndKeepTree(task, found, place, incoming) && takeAlong(task, found, dir, findItemsInside(found, dir));
+    return checkAndKeepTree(task, found, place, incoming, listing) &&
+           takeAlong(task, found, dir, findItemsInside(found, dir));
 }
 
 bool HSCPlazItemFiles::takeAlong(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir,

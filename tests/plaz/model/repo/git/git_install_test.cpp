@@ -1,6 +1,10 @@
+#include "plaz/model/repo/git/HSCPlazGitTree.h"
 #include "plaz/model/repo/git/git_fixture.h"
 
 #include <boost/algorithm/string/predicate.hpp>
+#include <boost/algorithm/string/replace.hpp>
+
+#include <filesystem>
 
 namespace {
 
@@ -54,6 +58,33 @@ TEST_F(GitInstall, CompleteWorkingCopyIsFetchedOnlyForAMissingCommit) {
     EXPECT_TRUE(install(remote.write("boards/a/item.json", "{\"v\": 3}").commit()));
     EXPECT_EQ(installed("boards/a/item.json"), "{\"v\": 3}");
     EXPECT_EQ(takeIds(), Names{}) << "nobody is told of an attempt that was made good";
+}
+
+// Faults: an index that is read in another way than git reads it; one that cannot be read taken for an empty folder.
+TEST_F(GitInstall, IndexListsAsGitDoes) {
+    const std::string dir = remote.write("boards/a/sub/\xc3\xa4 b", "1").write("boards/ab", "2").getDir();
+    std::filesystem::permissions(dir + "/boards/a/item.json", std::filesystem::perms::owner_exec,
+                                 std::filesystem::perm_options::add);
+    remote.write("boards/a/" + std::string(150, 'x') + "/" + std::string(200, 'y'), "3").commit();
+    const auto readIndex = [&] { return readFile(dir + "/.git/index"); };
+    const auto run = [&](const Names& args) { EXPECT_EQ(HSCPlazGitRunner::ask(args, dir).status, 0); };
+    for (const std::string root : {"boards/a", "boards", ""}) {
+        Names command{"ls-tree", "-r", "-z", "HEAD"};
+        if (!root.empty()) command.push_back(root);
+        EXPECT_EQ(HSCPlazGitTree::listIndex(readIndex(), root), HSCPlazGitRunner::ask(command, dir).text);
+    }
+    const std::string listing = HSCPlazGitTree::listIndex(readIndex(), "boards/a");
+    run({"update-index", "--skip-worktree", "boards/ab", "boards/a/item.json"}); // the third version, as in a checkout
+    EXPECT_EQ(HSCPlazGitTree::listIndex(readIndex(), "boards/a"), listing);
+    const std::string whole = readIndex();
+    for (const std::size_t size :
+         {std::size_t{0}, std::size_t{11}, std::size_t{12}, std::size_t{300}, whole.size() - 1})
+        EXPECT_EQ(HSCPlazGitTree::listIndex(whole.substr(0, size), "boards/a"), "") << size;
+    run({"update-index", "--index-version", "4"});
+    EXPECT_EQ(HSCPlazGitTree::listIndex(readIndex(), "boards/a"), "") << "names that are told in parts";
+    const std::string inParts = boost::algorithm::replace_last_copy(whole, "TREE", "link");
+    ASSERT_NE(inParts, whole);
+    EXPECT_EQ(HSCPlazGitTree::listIndex(inParts, "boards/a"), "") << "most of it stands in another file";
 }
 
 // Faults: noise or a long search for a commit that is nowhere; damage that nothing mends; either costs what is

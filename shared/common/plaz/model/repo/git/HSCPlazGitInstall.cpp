@@ -9,7 +9,10 @@
 #include "plaz/model/repo/git/HSCPlazGitHead.h"
 #include "plaz/model/repo/git/HSCPlazGitRemoved.h"
 #include "plaz/model/repo/git/HSCPlazGitTrace.h"
+#include "plaz/model/repo/git/HSCPlazGitTree.h"
 #include "plaz/model/repo/git/HSCPlazGitWorkingCopy.h"
+#include "support/HIOStream.h"
+#include "support/HUTFileTree.h"
 #include "support/HUTFork.h"
 
 #include <boost/filesystem/path.hpp>
@@ -25,7 +28,8 @@ class Fetch {
 public:
     Fetch(const HSCPlazGitStore& store, const HSCPlazQItemModel& item, const HSCPlazGitInstall::Place& place,
           HSCPlazReport& report)
-        : m_store(store), m_item(item), m_place(place), m_staging(store.layout.getStaging()), m_report(report) {}
+        : m_store(store), m_item(item), m_place(place), m_staging(store.layout.getStaging()),
+          m_indexFile(m_staging + "/" + HSCPlazStoreLayout::gitDir + "/index"), m_report(report) {}
 
     bool run() {
         if (!accept()) return false;
@@ -38,6 +42,8 @@ public:
         verify(source);
         return takeIn(source) || tellNotWritable(m_place.incoming);
     }
+
+    const std::string& getListing() const { return m_listing; }
 
 private:
     bool refuse(const std::string& reason) {
@@ -78,7 +84,12 @@ private:
     bool checkOutCommit() {
         HSCPlazGitCheckout::enableSparse(m_staging);
         if (!HSCPlazGitCheckout::writeSparseList(m_staging, {m_item.getRoot()})) return tellNotWritable(m_staging);
+        // An index that came along with the copy might hold what somebody has added to it.
+        const bool isIndexNew = !HUTFile::exists(m_indexFile);
         HSCPlazGitCheckout::checkOut(m_staging, m_item.getCommitId());
+        std::string index;
+        if (isIndexNew && HIOStream::read(m_indexFile, index) == HIOStatus::ok)
+            m_listing = HSCPlazGitTree::listIndex(index, m_item.getRoot());
         return true;
     }
 
@@ -102,17 +113,20 @@ private:
     }
 
     // The staging directory goes anyway, so its files are moved where both places lie on one file system. What a copy
-    // would leave out is left out.
+    // would leave out is left out. Nothing needs to be on the disk before the item takes its place.
     bool takeIn(const std::string& source) const {
         HSCPlazStoreLayout::unmark(source);
-        return HUTFile::rmRecursive(m_place.incoming) &&
-               (HUTFile::replaceDirectory(source, m_place.incoming) || copyWithoutRepository(source, m_place.incoming));
+        const bool isMovable = HUTFile::isDirectory(source) && !HUTFileTree::isLink(source);
+        return HUTFile::rmRecursive(m_place.incoming) && ((isMovable && HUTFile::rename(source, m_place.incoming)) ||
+                                                          copyWithoutRepository(source, m_place.incoming));
     }
 
     const HSCPlazGitStore& m_store;
     const HSCPlazQItemModel& m_item;
     const HSCPlazGitInstall::Place& m_place;
     const std::string m_staging;
+    const std::string m_indexFile; ///< git's, of the staging directory
+    std::string m_listing;
     HSCPlazReport& m_report;
 };
 
@@ -134,17 +148,24 @@ HSCPlazGitOutcome HSCPlazGitInstall::check(const HSCPlazQItemModel& item) {
     });
 }
 
-HSCPlazGitOutcome HSCPlazGitInstall::fetch(const HSCPlazGitStore& store, const HSCPlazQItemModel& item,
-                                           const Place& place) {
+HSCPlazGitInstall::Fetched HSCPlazGitInstall::fetch(const HSCPlazGitStore& store, const HSCPlazQItemModel& item,
+                                                    const Place& place) {
     HSCPlazGitOutcome checked = check(item);
-    if (!checked.isDone) return checked;
-    return HSCPlazGitOutcome::of([&](HSCPlazReport& report) { return Fetch(store, item, place, report).run(); });
+    if (!checked.isDone) return {checked, {}};
+    std::string listing;
+    const auto outcome = HSCPlazGitOutcome::of([&](HSCPlazReport& report) {
+        Fetch fetch(store, item, place, report);
+        const bool isDone = fetch.run();
+        listing = fetch.getListing();
+        return isDone;
+    });
+    return {outcome, listing};
 }
 
 HSCPlazGitOutcome HSCPlazGitInstall::install(const HSCPlazGitStore& store, const HSCPlazQItemModel& item,
                                              const Place& place) {
     const HSCPlazGitRemoved incoming(place.incoming);
-    HSCPlazGitOutcome fetched = fetch(store, item, place);
+    HSCPlazGitOutcome fetched = fetch(store, item, place).outcome;
     if (!fetched.isDone) return fetched;
     trace("copying qitem.\n source: ", place.incoming, "\n destination: ", place.directory);
     // The folder of an item without a revision holds those of its revisions, which must not go with the old files.

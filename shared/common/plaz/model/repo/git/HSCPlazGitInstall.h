@@ -15,6 +15,14 @@ struct Place {
     std::string incoming;  ///< for its files on their way there, on the same disk
 };
 
+/// What came of a fetch.
+struct Fetched {
+    HSCPlazGitOutcome outcome;
+    /// All files of the item's folder at the commit, as HSCPlazGitTree::list() gives them; empty where the checkout has
+    /// not told, so that one has to ask.
+    std::string listing;
+};
+
 /// What can be said before anything is done: remote access is off, or no commit is known.
 HSCPlazGitOutcome check(const HSCPlazQItemModel& item);
 
@@ -23,7 +31,7 @@ HSCPlazGitOutcome check(const HSCPlazQItemModel& item);
 /// @return not done, with what was installed untouched: Msg::remoteAccessOff, commitIdMissing, commitGone (in the
 ///         remote, too), itemRefused, storeRefused, dirNotWritable, and ended by Msg::fetchedItemInvalid when the
 ///         fetched metadata file cannot be trusted
-HSCPlazGitOutcome fetch(const HSCPlazGitStore& store, const HSCPlazQItemModel& item, const Place& place);
+Fetched fetch(const HSCPlazGitStore& store, const HSCPlazQItemModel& item, const Place& place);
 /// The same, and puts the files into their place, in one step, so that an interruption leaves the old ones or the new
 /// ones.
 HSCPlazGitOutcome install(const HSCPlazGitStore& store, const HSCPlazQItemModel& item, const Place& place);

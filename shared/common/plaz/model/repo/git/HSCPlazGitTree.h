@@ -3,6 +3,7 @@
 #include "plaz/model/repo/git/HSCPlazGitRunner.h"
 
 #include <string>
+#include <string_view>
 
 class HSCPlazWorkLayout;
 
@@ -14,5 +15,10 @@ namespace HSCPlazGitTree {
 /// @param root    the folder in the repository; empty for all of it
 /// @return a status other than 0 where the working copy is not there or does not hold the commit
 HSCPlazGitAnswer list(const HSCPlazWorkLayout& layout, const std::string& commit, const std::string& root);
+
+/// The same from git's index, which a checkout of the commit has written: without starting a process.
+/// @param index  content of the file, as versions 2 and 3 of its format have it
+/// @return empty for anything else, such as ids of SHA-256, an index in parts, or one with conflicts
+std::string listIndex(std::string_view index, const std::string& root);
 
 } // namespace HSCPlazGitTree
