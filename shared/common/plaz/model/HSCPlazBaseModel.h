@@ -16,9 +16,12 @@ public:
     const std::string& getName() const { return m_name; }
     void setName(const std::string& value) {
         m_name = value;
-        noteNaming();
+        if (m_isNameIndexed) noteNaming();
     }
-    /// How many names this process has set. Whoever keeps an index of names learns from it that one may have changed.
+    /// Tells that an index of names has taken up this one, so that a change of it counts.
+    void indexName() { m_isNameIndexed = true; }
+    /// How many of the names that were indexed this process has set. Whoever keeps an index of names learns from it
+    /// that one may have changed.
     static std::size_t getNamings() { return s_namings; }
     /// Counts what gives an object another name without setting one.
     static void noteNaming() { ++s_namings; }
@@ -40,6 +43,7 @@ public:
 private:
     inline static std::size_t s_namings = 0;
 
+    bool m_isNameIndexed = false;
     std::string m_name;
     std::string m_displayName;
     std::string m_description;

@@ -198,8 +198,9 @@ void HSCPlazQStore::buildIndex() const {
     m_nextOfName.assign(m_items.size(), noPosition);
     // From the back, so that each chain runs in catalog order.
     for (std::size_t position = m_items.size(); position-- > 0;) {
-        const HSCPlazQItemModel* model = m_items[position]->getModel();
+        HSCPlazQItemModel* model = m_items[position]->getModel();
         if (!model) continue;
+        model->indexName();
         const auto [entry, isNew] = m_firstOfName.try_emplace(model->getName(), position);
         if (isNew) continue;
         m_nextOfName[position] = entry->second;

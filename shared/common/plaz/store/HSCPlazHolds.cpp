@@ -36,22 +36,25 @@ public:
     explicit Graph(const HSCPlaz& hub) : m_hub(hub) {
         for (const HSCPlazQStore* store : hub.getStores())
             for (HSCPlazQItem* item : store->getItems())
-                if (item->IsInstalled() && item->getMode() == HSCPlazInstallationMode::user)
-                    m_starts.push_back(addNode(item, 1));
+                if (item->IsInstalled()) m_installed.push_back(item);
+        for (HSCPlazQItem* item : m_installed)
+            if (item->getMode() == HSCPlazInstallationMode::user) m_starts.push_back(addNode(item, 1));
         for (Node node = 0; node < m_nodes.size(); ++node) expand(node);
     }
 
-    /// How many ways lead to each installed item that is needed.
-    std::unordered_map<const HSCPlazQItem*, Ways> count() {
+    /// How many ways lead to each installed item.
+    HSCPlazHolds::Counts count() {
         for (const Nodes& part : findParts()) {
             if (isCircle(part)) followCircle(part);
             for (const Node node : part)
                 for (const Node next : m_nodes[node].next)
                     if (m_part[next] != m_part[node]) m_nodes[next].ways = add(m_nodes[next].ways, m_nodes[node].ways);
         }
-        std::unordered_map<const HSCPlazQItem*, Ways> counts;
+        std::unordered_map<const HSCPlazQItem*, Ways> found;
         for (Node node = m_starts.size(); node < m_nodes.size(); ++node)
-            if (const HSCPlazQItem* item = m_nodes[node].item) counts[item] = add(counts[item], m_nodes[node].ways);
+            if (const HSCPlazQItem* item = m_nodes[node].item) found[item] = add(found[item], m_nodes[node].ways);
+        HSCPlazHolds::Counts counts;
+        for (HSCPlazQItem* item : m_installed) counts.emplace_back(item, found[item]);
         return counts;
     }
 
@@ -143,6 +146,7 @@ private:
     }
 
     const HSCPlaz& m_hub;
+    std::vector<HSCPlazQItem*> m_installed;
     std::vector<Step> m_nodes; // the items that the user asked for first
     Nodes m_starts;
     std::unordered_map<std::string, Node> m_named;
@@ -152,15 +156,7 @@ private:
 } // namespace
 
 HSCPlazHolds::Counts HSCPlazHolds::count(const HSCPlaz& hub) {
-    const auto ways = Graph(hub).count();
-    Counts counts;
-    for (const HSCPlazQStore* store : hub.getStores())
-        for (HSCPlazQItem* item : store->getItems()) {
-            if (!item->IsInstalled()) continue;
-            const auto found = ways.find(item);
-            counts.emplace_back(item, found == ways.end() ? 0 : found->second);
-        }
-    return counts;
+    return Graph(hub).count();
 }
 
 std::set<HSCPlazQStore*> HSCPlazHolds::apply(const HSCPlaz& hub) {

@@ -29,9 +29,13 @@ std::string findArea(const HSCPlazQStoreModel& store, const HSCPlazPathMgr& path
 
 } // namespace
 
-HSCPlazInstalledItems::HSCPlazInstalledItems(HSCPlazQStoreModel& store, const HSCPlazPathMgr& paths)
+HSCPlazInstalledItems::HSCPlazInstalledItems(HSCPlazQStoreModel& store, const HSCPlazPathMgr& paths,
+                                             const std::vector<std::string>& names)
     : m_store(store), m_paths(paths), m_area(findArea(store, paths)) {
-    for (const auto& item : store.getItems()) m_itemsOfName[item->getName()].push_back(item.get());
+    for (const std::string& name : names) m_itemsOfName.try_emplace(name);
+    for (const auto& item : store.getItems())
+        if (const auto recorded = m_itemsOfName.find(item->getName()); recorded != m_itemsOfName.end())
+            recorded->second.push_back(item.get());
 }
 
 HSCPlazQItemModel* HSCPlazInstalledItems::findRevision(const HSCPlazQItemModel& record) const {
@@ -44,7 +48,7 @@ HSCPlazQItemModel* HSCPlazInstalledItems::findRevision(const HSCPlazQItemModel& 
 
 const HSCPlazQItemModel* HSCPlazInstalledItems::findListed(const std::string& name) const {
     const auto items = m_itemsOfName.find(name);
-    if (items == m_itemsOfName.end()) return nullptr;
+    if (items == m_itemsOfName.end() || items->second.empty()) return nullptr;
     for (const HSCPlazQItemModel* item : items->second)
         if (item->getRevision() == item->getLatestRevision()) return item;
     return items->second.front();

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <string_view>
 #include <unordered_map>
 #include <vector>
 
@@ -12,9 +11,11 @@ class HSCPlazQStoreModel;
 /// Puts what a local database records as installed into a store's catalog.
 class HSCPlazInstalledItems {
 public:
-    /// @param store  its items are looked up, and those that its catalog does not list are added. Both arguments must
+    /// @param store  its items are looked up, and those that its catalog does not list are added. Like @p paths it must
     ///               outlive the object.
-    HSCPlazInstalledItems(HSCPlazQStoreModel& store, const HSCPlazPathMgr& paths);
+    /// @param names  those of all records that will be applied
+    HSCPlazInstalledItems(HSCPlazQStoreModel& store, const HSCPlazPathMgr& paths,
+                          const std::vector<std::string>& names);
 
     /// Marks the item of the record's name and revision installed. One that the catalog does not list is added,
     /// described by what the catalog says of the item; one of which it says nothing at all is taken from the record. A
@@ -35,5 +36,5 @@ private:
     HSCPlazQStoreModel& m_store;
     const HSCPlazPathMgr& m_paths;
     std::string m_area; // canonical; empty when the store has none
-    std::unordered_map<std::string_view, std::vector<HSCPlazQItemModel*>> m_itemsOfName;
+    std::unordered_map<std::string, std::vector<HSCPlazQItemModel*>> m_itemsOfName; // of the records' names alone
 };

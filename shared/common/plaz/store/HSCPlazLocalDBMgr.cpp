@@ -145,7 +145,9 @@ HSCPlazLocalDBMgr::Merge HSCPlazLocalDBMgr::merge(const std::string& file, HSCPl
     if (!records) return isDamaged ? Merge::damaged : Merge::nothing;
     if (store.getOwnBranch().empty()) store.setBranch(records->getOwnBranch());
     if (records->isUserRepository()) store.setIsUserRepository(true);
-    HSCPlazInstalledItems installed(store, paths);
+    std::vector<std::string> names;
+    for (const auto& record : records->getItems()) names.push_back(record->getName());
+    HSCPlazInstalledItems installed(store, paths, names);
     for (const auto& record : records->getItems()) {
         const std::string refusal = installed.apply(*record);
         if (refusal.empty()) continue;

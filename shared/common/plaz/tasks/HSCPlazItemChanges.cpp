@@ -316,6 +316,10 @@ bool HSCPlazItemChanges::put(const HSCPlazFoundItem& found, HSCPlazPendingChange
     return giveUp(*found.store);
 }
 
+std::string HSCPlazItemChanges::apply(HSCPlazQStore& store, const HSCPlazQItemModel& record) const {
+    return HSCPlazInstalledItems(*store.getModel(), m_task.getWorkspace().paths, {record.getName()}).apply(record);
+}
+
 bool HSCPlazItemChanges::record(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change) {
     if (change.isInstalled) {
         for (HSCPlazQItem* other : findReplaced(found)) {
@@ -324,8 +328,7 @@ bool HSCPlazItemChanges::record(const HSCPlazFoundItem& found, const HSCPlazPend
             const bool hasItsOwn = HUTFile::exists(theirs) && !HUTFile::isAKA(theirs, change.item->getLocalDir());
             hasItsOwn ? other->getModel()->setMode(Mode::tool) : other->getModel()->clearInstallation();
         }
-        const std::string refusal =
-            HSCPlazInstalledItems(*found.store->getModel(), m_task.getWorkspace().paths).apply(*change.item);
+        const std::string refusal = apply(*found.store, *change.item);
         if (!refusal.empty()) return m_task.fail(Msg::itemRefused, change.item->getName(), refusal);
         Files::describe(m_task, found);
     } else {
@@ -391,7 +394,7 @@ void HSCPlazItemChanges::finishInterrupted() {
     if (isRecorded(known, change)) return describeReturned(m_task, *store);
     if (!known && change.isInstalled) {
         // What the catalog has left out meanwhile is listed because it is installed.
-        HSCPlazInstalledItems(*store->getModel(), m_task.getWorkspace().paths).apply(*change.item);
+        apply(*store, *change.item);
         HSCPlazInstalledState::addMissingItems(*store);
     }
     const HSCPlazFoundItem found{store, store->getItem(name, change.item->getRevision())};

@@ -66,6 +66,8 @@ private:
     /// is to take these for whole.
     void withdraw(HSCPlazPendingChange change, const std::string& incoming);
     bool put(const HSCPlazFoundItem& found, HSCPlazPendingChange change, const HSCPlazReport& obstacle);
+    /// Marks the item as installed. @return why it may not be recorded; empty when it may
+    std::string apply(HSCPlazQStore& store, const HSCPlazQItemModel& record) const;
     bool record(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change);
     bool save(HSCPlazQStore& store);
     bool giveUp(HSCPlazQStore& store);
