@@ -34,7 +34,9 @@ public:
     // Those without dependencies, one after the other.
     HSCPlazQItem& getItem(int number) const { return *m_store.getItems()[static_cast<std::size_t>(number) * 4 + 1]; }
 
-    void compareInstall(benchmark::State& state, const std::function<bool(HSCPlazQItem&)>& install) const {
+    /// @param flush  what the floor flushes once the item is in the given directory
+    void compareInstall(benchmark::State& state, const std::function<bool(HSCPlazQItem&)>& install,
+                        const std::function<void(const std::string& dir)>& flush) const {
         // Beside ours: how long the file system takes to make an entry depends on the directory.
         const std::string staging = std::filesystem::path(m_index).parent_path().parent_path() / ".bare-staging";
         BareInstall bare(m_index);
@@ -45,7 +47,10 @@ public:
         };
         const auto floor = [&](int round) {
             const HSCPlazQItem& item = getItem(round);
-            const double seconds = secondsOf([&] { bare.run(staging, item.getRoot(), item.getCommitId()); });
+            const double seconds = secondsOf([&] {
+                bare.run(staging, item.getRoot(), item.getCommitId());
+                flush(staging + "/" + item.getRoot());
+            });
             if (!HUTFile::exists(staging + "/" + item.getRoot() + "/content.bin"))
                 throw std::runtime_error("nothing was checked out");
             HUTFile::rmRecursive(staging);
@@ -72,14 +77,22 @@ private:
 
 void installByGit(benchmark::State& state, const std::string& storeName) {
     const InstallableStore store(storeName);
-    store.compareInstall(state, [&](HSCPlazQItem& item) { return store.installByGit(item); });
+    store.compareInstall(
+        state, [&](HSCPlazQItem& item) { return store.installByGit(item); }, [](const std::string& /*dir*/) {});
     store.uninstallAll();
 }
 
 void installByTask(benchmark::State& state, const std::string& storeName) {
     const InstallableStore store(storeName);
     store.uninstallAll();
-    store.compareInstall(state, [&](HSCPlazQItem& item) { return store.installByTask(item); });
+    // The least that outlives a power failure: the files, and after them one record of them.
+    const auto flush = [](const std::string& dir) {
+        const std::string record = dir + "/../record";
+        if (!HUTFile::flush(dir) || !HUTFile::writeAtomically(record, "installed"))
+            throw std::runtime_error("the disk refuses to flush");
+    };
+    store.compareInstall(
+        state, [&](HSCPlazQItem& item) { return store.installByTask(item); }, flush);
     store.uninstallAll();
 }
 
