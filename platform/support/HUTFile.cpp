@@ -236,7 +236,11 @@ std::string HUTFile::getStamp(const std::string& path) {
 }
 
 bool HUTFile::writeAtomically(const std::string& file, const std::string& content, bool ownerOnly) {
-    return platform::writeAtomically(file, content, ownerOnly);
+    return platform::writeWhole(file, content, ownerOnly, true);
+}
+
+bool HUTFile::writeUnflushed(const std::string& file, const std::string& content) {
+    return platform::writeWhole(file, content, false, false);
 }
 
 bool HUTFile::removeTemporaries(const std::string& dir) {
@@ -265,6 +269,10 @@ std::string HUTFile::getIdentity(const std::string& path) {
 
 bool HUTFile::flush(const std::string& path) {
     return platform::flush(path);
+}
+
+bool HUTFile::flushWithName(const std::string& file) {
+    return platform::flush(file) && platform::flushNames(fs::path(file).parent_path().string());
 }
 
 bool HUTFile::canFlush(const std::string& path) {

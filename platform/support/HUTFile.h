@@ -89,12 +89,17 @@ public:
     /// @param ownerOnly  readable by its owner alone
     /// @return false, with the old file untouched and nothing left beside it, when that failed
     static bool writeAtomically(const std::string& file, const std::string& content, bool ownerOnly = false);
+    /// The same, but nothing waits for the disk: after a power failure neither the old file nor the new one may be
+    /// whole.
+    static bool writeUnflushed(const std::string& file, const std::string& content);
     /// Removes from a directory what processes that were killed while they wrote a file have left (".plaz-….tmp").
     /// Whoever calls it knows that nobody else is writing there. @return false when something of it stays
     static bool removeTemporaries(const std::string& dir);
     /// Waits until a file, or a directory with all that it holds, is on the disk itself, so that it outlives a power
     /// failure. What the file system does not keep there counts as done. @return false when the disk reports an error
     static bool flush(const std::string& path);
+    /// The same for a file and the name that it has been given.
+    static bool flushWithName(const std::string& file);
     /// Whether the disk of a file or directory that may be written can be told to keep what was written. Where it
     /// cannot, all of this goes on without.
     static bool canFlush(const std::string& path);

@@ -104,8 +104,8 @@ bool copyFile(const std::string& source, const std::string& dest);
 /// while where that stands in the way.
 bool rename(const std::string& from, const std::string& to);
 
-/// Writes a file whole, as HUTFile::writeAtomically says.
-bool writeAtomically(const std::string& file, const std::string& content, bool ownerOnly);
+/// Writes a file whole, as HUTFile::writeAtomically and writeUnflushed say.
+bool writeWhole(const std::string& file, const std::string& content, bool ownerOnly, bool isFlushed);
 
 /// Lets two entries change places in one step. @return false, with nothing changed, where the system cannot do that
 bool exchange(const std::string& a, const std::string& b);

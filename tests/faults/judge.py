@@ -109,9 +109,11 @@ class Home:
             for item in store["items"]:
                 key = store["name"], item["name"], item["revision"]
                 said = [item[name] for name in ("commit_id", "installation_mode", "reference_count")]
-                record = Record(*key, *said, store["root"], f"{store['item_root']}/{item['name']}")
-                if self.records.setdefault(item["local_directory"], record) is not record:
-                    self.damage.append(f"{item['local_directory']} is recorded twice")
+                where, root = item["local_directory"], store["item_root"]
+                folder = where.partition(f"/{root}/")[2].removesuffix(f"/{item['revision']}")
+                record = Record(*key, *said, store["root"], f"{root}/{folder}")
+                if self.records.setdefault(where, record) is not record:
+                    self.damage.append(f"{where} is recorded twice")
 
     def get_in_force(self):
         """The records of the places where the stores are kept now."""

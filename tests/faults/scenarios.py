@@ -58,6 +58,7 @@ SCENARIOS = (
     Scenario("update", INSTALLED, ("refresh tclscripts",), "update pin-report"),
     Scenario("update-many", ("install aurora@1.1 resistances",), (), "update aurora"),
     Scenario("update-again", ("install hikari resistances",), ("refresh boards",), "update hikari"),
+    Scenario("update-moved", ("install csv-kit resistances",), ("refresh tclscripts",), "update csv-kit"),
     Scenario("refresh", ("refresh tclscripts", "install pin-report resistances"), (), "refresh tclscripts", weight=3),
     Scenario("refresh-hub", ("refresh --hub", "install hikari resistances"), (), "refresh --hub", weight=3),
     Scenario(
@@ -102,9 +103,12 @@ class Point(NamedTuple):
 def publish(repositories, env):
     """Commits newer items to the stores, with other files and other dependencies, and newer metadata to the hub."""
 
-    def publish_item(repository, folder, name, revision, needs):
+    def publish_item(repository, folder, name, revision, needs, new_folder=None):
         def change_item(work):
             directory = work / folder / name
+            if new_folder:
+                (work / new_folder).mkdir()
+                directory = directory.rename(work / new_folder / name)
 
             def change(document):
                 infra = document["config"]["items"][0]["infra"]
@@ -123,6 +127,7 @@ def publish(repositories, env):
             def change(document):
                 item = next(i for i in document["catalog"]["items"] if i["name"] == name)
                 item.update(latest_revision=revision, commit_id=new)
+                item["root"] = item["config"]["root"] = f"{new_folder or folder}/{name}"
                 item["revisions"] = [r for r in item["revisions"] if r["revision"] != revision]
                 item["revisions"].append({"revision": revision, "commit_id": new, "history": "Newer."})
 
@@ -138,6 +143,7 @@ def publish(repositories, env):
     scripts = "tclscripts"
     publish_item("tcl-store", "scripts", "pin-report", "1.1", ((scripts, "text-tables"), (scripts, "clocking")))
     publish_item("tcl-store", "scripts", "clocking", "1.0", ((scripts, "pin-report"),))
+    publish_item("tcl-store", "scripts", "csv-kit", "1.2", ((scripts, "string-kit"),), "scripts/tables")
     publish_item("boards-store", "boards", "hikari", "1.0", (("boards", "connectors-common"), ("boards", "io-panel")))
 
     def change_hub(document):

@@ -356,7 +356,7 @@ bool rename(const std::string& from, const std::string& to) {
     return std::rename(from.c_str(), to.c_str()) == 0;
 }
 
-bool writeAtomically(const std::string& file, const std::string& content, bool ownerOnly) {
+bool writeWhole(const std::string& file, const std::string& content, bool ownerOnly, bool isFlushed) {
     if (holdsNull(file)) return false;
     const std::string dir = directoryOf(file);
     TemporaryFile temporary(dir, ownerOnly ? 0600 : 0644);
@@ -364,8 +364,9 @@ bool writeAtomically(const std::string& file, const std::string& content, bool o
     if (!fd) return false;
     struct stat old {};
     if (!ownerOnly && stat(file.c_str(), &old) == 0 && fchmod(fd.get(), old.st_mode & 07777) != 0) return false;
-    if (!writeAll(fd.get(), content) || !flushFile(fd) || !fd.close() || !temporary.renameTo(file)) return false;
-    flushNames(dir); // they are in force already; a directory that cannot be flushed does not undo it
+    if (!writeAll(fd.get(), content) || (isFlushed && !flushFile(fd)) || !fd.close() || !temporary.renameTo(file))
+        return false;
+    if (isFlushed) flushNames(dir); // they are in force already; a directory that cannot be flushed does not undo it
     return true;
 }
 

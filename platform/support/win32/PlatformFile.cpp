@@ -433,11 +433,12 @@ bool rename(const std::string& from, const std::string& to) {
     return moveOverPatiently(toLongName(from), toLongName(to));
 }
 
-bool writeAtomically(const std::string& file, const std::string& content, bool ownerOnly) {
+bool writeWhole(const std::string& file, const std::string& content, bool ownerOnly, bool isFlushed) {
     if (holdsNull(file)) return false;
     const std::wstring name = toLongName(file);
     TemporaryFile temporary(name, ownerOnly);
-    return temporary.file && writeAll(temporary.file, content) && flushFile(temporary.file) && temporary.renameTo(name);
+    return temporary.file && writeAll(temporary.file, content) && (!isFlushed || flushFile(temporary.file)) &&
+           temporary.renameTo(name);
 }
 
 bool exchange(const std::string& /*a*/, const std::string& /*b*/) {

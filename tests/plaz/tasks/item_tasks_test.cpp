@@ -226,7 +226,7 @@ TEST_F(ItemTasksTest, ChangeCutShortIsUndoneOrFinished) {
     walk({{"+b", " 17-1572", "a@2 user 0;b@1 user 0;"}});
     after->setLocalDir(files.temp.path("precious"));
     files.temp.write("precious/file", "keep");
-    ASSERT_TRUE(note.write({"tcl", after, false, "", {}, ""}));
+    ASSERT_TRUE(note.write({"tcl", after, false}));
     walk({{"+b", " 17-1572", "a@2 user 0;b@1 user 0;"}});
     EXPECT_EQ(readFile(files.temp.path("precious/file")), "keep");
 }

@@ -18,6 +18,7 @@ constexpr const char* installedKey = "installed";
 constexpr const char* filesKey = "files";
 constexpr const char* placeKey = "place";
 constexpr const char* identityKey = "identity";
+constexpr const char* formerKey = "former";
 
 /// Names that may not be used are none.
 std::vector<std::string> readFiles(const rapidjson::Value& plaz) {
@@ -35,7 +36,7 @@ bool HSCPlazChangeNote::exists() const {
     return HUTFile::exists(m_file);
 }
 
-bool HSCPlazChangeNote::write(const HSCPlazPendingChange& change) const {
+bool HSCPlazChangeNote::prepare(const HSCPlazPendingChange& change) const {
     rapidjson::Document document(rapidjson::kObjectType);
     rapidjson::Value plaz(rapidjson::kObjectType);
     Json::AddStringProperty(document, plaz, HSCPlazKey::majorVersion, "1");
@@ -44,6 +45,7 @@ bool HSCPlazChangeNote::write(const HSCPlazPendingChange& change) const {
     Json::AddBooleanProperty(document, plaz, installedKey, change.isInstalled);
     Json::AddStringProperty(document, plaz, identityKey, change.identity);
     Json::AddStringProperty(document, plaz, placeKey, change.place);
+    Json::AddStringProperty(document, plaz, formerKey, change.former);
     if (change.item) {
         rapidjson::Value item = HSCPlazLocalDBWriter::toRecord(document, *change.item);
         Json::AddGenericValueProperty(document, plaz, itemKey, item);
@@ -53,7 +55,11 @@ bool HSCPlazChangeNote::write(const HSCPlazPendingChange& change) const {
         files.PushBack(rapidjson::Value(file.c_str(), document.GetAllocator()), document.GetAllocator());
     Json::AddGenericValueProperty(document, plaz, filesKey, files);
     Json::AddGenericValueProperty(document, document, HSCPlazKey::plaz, plaz);
-    return HUTFile::writeAtomically(m_file, Json::toText(document));
+    return HUTFile::writeUnflushed(m_file, Json::toText(document));
+}
+
+bool HSCPlazChangeNote::flush() const {
+    return HUTFile::flushWithName(m_file);
 }
 
 HSCPlazPendingChange HSCPlazChangeNote::read() const {
@@ -64,7 +70,8 @@ HSCPlazPendingChange HSCPlazChangeNote::read() const {
     if (!plaz) return {};
     HSCPlazPendingChange change{
         Json::GetStringProperty(*plaz, storeKey),    nullptr,          Json::GetBooleanProperty(*plaz, installedKey),
-        Json::GetStringProperty(*plaz, identityKey), readFiles(*plaz), Json::GetStringProperty(*plaz, placeKey)};
+        Json::GetStringProperty(*plaz, identityKey), readFiles(*plaz), Json::GetStringProperty(*plaz, placeKey),
+        Json::GetStringProperty(*plaz, formerKey)};
     if (const rapidjson::Value* item = Json::FindObject(*plaz, itemKey))
         change.item = HSCPlazLocalDBReader::toItem(*item);
     return change;

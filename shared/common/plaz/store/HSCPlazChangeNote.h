@@ -13,12 +13,14 @@ struct HSCPlazPendingChange {
     std::shared_ptr<const HSCPlazQItemModel> item;
     bool isInstalled = false; ///< afterwards
     /// Of the directory that will be in the item's place (HUTFile::getIdentity); empty where its files stay.
-    std::string identity;
+    std::string identity = {};
     /// Of a catalog, relative to the store's area. They lie in its incoming directory, by their number.
-    std::vector<std::string> files;
+    std::vector<std::string> files = {};
     /// The area that a store is about to move to, or in which the descriptions of its catalog are about to be replaced.
     /// Nothing of a move counts until the place is recorded.
-    std::string place;
+    std::string place = {};
+    /// Where the item's files were before, if that is another directory. They go once the change is recorded.
+    std::string former = {};
 };
 
 /// The note of a change under way. It is there from before the first file of a task changes its place until all that
@@ -32,7 +34,11 @@ public:
     const std::string& getFile() const { return m_file; }
     bool exists() const;
     /// In the place of an earlier one. @return false when it could not be written
-    bool write(const HSCPlazPendingChange& change) const;
+    bool write(const HSCPlazPendingChange& change) const { return prepare(change) && flush(); }
+    /// The same, but it outlives a power failure only after flush(), so that the disk is waited for once for the note
+    /// and for the files of which it tells. A note that is not whole says nothing.
+    bool prepare(const HSCPlazPendingChange& change) const;
+    bool flush() const;
     /// A note that says nothing that can be used gives a change of nothing.
     HSCPlazPendingChange read() const;
     bool forget() const;

@@ -229,7 +229,7 @@ bool HSCPlazItemTree::write(const std::string& file) const {
     for (const Entry& entry : m_entries) text += entry.mode + " blob " + entry.id + '\t' + entry.path + '\0';
     const std::string digest = HUTDigest::ofBlob(HUTDigest::Kind::sha1, text) + '\n';
     HUTFile::mkDirRecursive(boost::filesystem::path(file).parent_path().generic_string());
-    return HUTFile::writeAtomically(file, std::string(formatLine) + digest + text);
+    return HUTFile::writeUnflushed(file, std::string(formatLine) + digest + text);
 }
 
 Differences HSCPlazItemTree::compare(const std::string& dir) const {

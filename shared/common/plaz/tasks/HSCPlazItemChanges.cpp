@@ -59,17 +59,22 @@ bool isInside(const HSCPlazTask& task, const HSCPlazQStore& store, const std::st
            !HUTFile::isBeneath(layout.getHiddenDir(), dir);
 }
 
-/// Where an item's files are as long as they have not come to another place, because its folder in the repository is
-/// another one now; empty where they do not move, or where other items lie in that folder.
-std::string formerDirectory(const HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir) {
-    const std::string old = found.item->IsInstalled() ? found.item->getLocalRootDir() : std::string();
+/// Whether a directory in which an item was before may go: nothing else that is installed lies there.
+bool isDisposable(const HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& old,
+                  const std::string& dir) {
     const auto isThere = [&](const HSCPlazQItem* other) {
         return other != found.item && other->IsInstalled() && HUTFile::isBeneath(old, other->getLocalRootDir());
     };
     const auto& items = found.store->getItems();
-    const bool isFree = !old.empty() && old != dir && isInside(task, *found.store, old) &&
-                        !HUTFile::isBeneath(old, dir) && std::none_of(items.begin(), items.end(), isThere);
-    return isFree ? old : std::string();
+    return !old.empty() && old != dir && isInside(task, *found.store, old) && !HUTFile::isBeneath(old, dir) &&
+           std::none_of(items.begin(), items.end(), isThere);
+}
+
+/// Where an item's files are as long as they have not come to another place, because its folder in the repository is
+/// another one now; empty where they do not move, or where other items lie in that folder.
+std::string formerDirectory(const HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir) {
+    const std::string old = found.item->IsInstalled() ? found.item->getLocalRootDir() : std::string();
+    return isDisposable(task, found, old, dir) ? old : std::string();
 }
 
 /// Back to where they were. @param incoming  what was put in its place came from there
@@ -251,7 +256,7 @@ bool HSCPlazItemChanges::restore(const HSCPlazFoundItem& found, bool areEditsKep
     const auto item = toRecord(*found.item->getModel());
     item->setLocalDir(dir);
     if (!Files::fetch(m_task, found, *item, false)) return false;
-    const HSCPlazPendingChange change{found.store->getName(), item, true, "", {}, ""};
+    const HSCPlazPendingChange change{found.store->getName(), item, true};
     const auto staying = HSCPlazOwnFiles::findStaying(m_task, found, areEditsKept);
     return staying && Files::takeAlong(m_task, found, dir, *staying) &&
            put(found, change, {Msg::dirNotWritable, MsgSeverity::error, dir});
@@ -271,18 +276,28 @@ HSCPlazPendingChange HSCPlazItemChanges::toInstallation(const HSCPlazFoundItem& 
     item->setCommitId(found.item->getModel()->getCommitId());
     item->setLocalDir(Files::directoryOf(m_task.getWorkspace(), found));
     item->setMode(wasUsers ? Mode::user : mode);
-    return {found.store->getName(), item, true, "", {}, ""};
+    return {found.store->getName(), item, true};
 }
 
 HSCPlazPendingChange HSCPlazItemChanges::toRemoval(const HSCPlazFoundItem& found, const std::string& dir) {
     const auto item = toRecord(*found.item->getModel());
     item->setLocalDir(dir);
-    return {found.store->getName(), item, false, "", {}, ""};
+    return {found.store->getName(), item, false};
 }
 
 bool HSCPlazItemChanges::announce(const HSCPlazPendingChange& change) {
     if (m_isUnfinished) return false; // the note says of what, and why has been told
     return m_note.write(change) || m_task.fail(Msg::databaseNotSaved, m_note.getFile());
+}
+
+bool HSCPlazItemChanges::announce(const HSCPlazPendingChange& change, const std::string& incoming) {
+    if (m_isUnfinished) return false;
+    if (!m_note.prepare(change)) return m_task.fail(Msg::databaseNotSaved, m_note.getFile());
+    const bool areFilesSafe = HUTFile::flush(incoming);
+    if (areFilesSafe && m_note.flush()) return true;
+    withdraw(change, incoming);
+    return areFilesSafe ? m_task.fail(Msg::databaseNotSaved, m_note.getFile())
+                        : m_task.fail(Msg::dirNotWritable, incoming);
 }
 
 void HSCPlazItemChanges::withdraw(HSCPlazPendingChange change, const std::string& incoming) {
@@ -295,20 +310,17 @@ bool HSCPlazItemChanges::put(const HSCPlazFoundItem& found, HSCPlazPendingChange
                              const HSCPlazReport& obstacle) {
     const std::string incoming = incomingOf(m_task, *found.store);
     const std::string dir = change.item->getLocalDir();
-    const std::string old = formerDirectory(m_task, found, dir);
-    for (const std::string& going : {dir, old})
+    change.former = formerDirectory(m_task, found, dir);
+    for (const std::string& going : {dir, change.former})
         if (!HSCPlazOwnFiles::keepAside(m_task, found, going, incoming, !change.isInstalled)) return false;
     change.identity = HUTFile::getIdentity(incoming);
-    if (change.identity.empty() || !HUTFile::flush(incoming)) return m_task.fail(Msg::dirNotWritable, incoming);
-    if (!announce(change)) return false;
+    if (change.identity.empty()) return m_task.fail(Msg::dirNotWritable, incoming);
+    if (!announce(change, incoming)) return false;
     if (!HUTFile::exchangeDirectories(incoming, dir)) {
         withdraw(change, incoming);
         return m_task.fail(obstacle);
     }
-    if (record(found, change)) {
-        const bool isGone = old.empty() || HUTFile::rmRecursive(old);
-        return isGone || m_task.fail(Msg::removalIncomplete, found.item->getName(), old);
-    }
+    if (record(found, change)) return removeFormer(found, change);
     if (undo(incoming, dir))
         withdraw(change, incoming);
     else
@@ -336,6 +348,12 @@ bool HSCPlazItemChanges::record(const HSCPlazFoundItem& found, const HSCPlazPend
         restoreShipped(found);
     }
     return save(*found.store);
+}
+
+bool HSCPlazItemChanges::removeFormer(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change) {
+    if (!isDisposable(m_task, found, change.former, change.item->getLocalDir())) return true;
+    return HUTFile::rmRecursive(change.former) ||
+           m_task.fail(Msg::removalIncomplete, change.item->getName(), change.former);
 }
 
 bool HSCPlazItemChanges::save(HSCPlazQStore& store) {
@@ -391,7 +409,10 @@ void HSCPlazItemChanges::finishInterrupted() {
         return;
     }
     const HSCPlazFoundItem known{store, store->getItem(name, change.item->getRevision())};
-    if (isRecorded(known, change)) return describeReturned(m_task, *store);
+    if (isRecorded(known, change)) {
+        removeFormer(known, change);
+        return describeReturned(m_task, *store);
+    }
     if (!known && change.isInstalled) {
         // What the catalog has left out meanwhile is listed because it is installed.
         apply(*store, *change.item);
@@ -399,6 +420,7 @@ void HSCPlazItemChanges::finishInterrupted() {
     }
     const HSCPlazFoundItem found{store, store->getItem(name, change.item->getRevision())};
     m_isUnfinished = found && !record(found, change);
+    if (found && !m_isUnfinished) removeFormer(found, change);
     if (!m_isUnfinished) m_task.tell(Msg::changeFinished, MsgSeverity::warning, name);
 }
 

@@ -62,6 +62,8 @@ private:
     HSCPlazPendingChange toInstallation(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode) const;
     static HSCPlazPendingChange toRemoval(const HSCPlazFoundItem& found, const std::string& dir);
     bool announce(const HSCPlazPendingChange& change);
+    /// The same for files that wait in the incoming directory: both are on the disk then.
+    bool announce(const HSCPlazPendingChange& change, const std::string& incoming);
     /// What was announced does not happen. The note says so before the new files go, of which some may resist: nobody
     /// is to take these for whole.
     void withdraw(HSCPlazPendingChange change, const std::string& incoming);
@@ -69,6 +71,8 @@ private:
     /// Marks the item as installed. @return why it may not be recorded; empty when it may
     std::string apply(HSCPlazQStore& store, const HSCPlazQItemModel& record) const;
     bool record(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change);
+    /// What a recorded change has left in another directory.
+    bool removeFormer(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change);
     bool save(HSCPlazQStore& store);
     bool giveUp(HSCPlazQStore& store);
     void restoreShipped(const HSCPlazFoundItem& found) const;
