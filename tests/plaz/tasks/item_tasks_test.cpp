@@ -86,6 +86,16 @@ TEST_F(ItemTasksTest, FailuresOfDependencies) {
           {"-direct", " 17-1574", "leaf@1 tool 1;mid@1 tool 1;deep@1 user 0;"}});
 }
 
+// An older revision taken for what its own name means in the catalog, or the newest for one that it does not need.
+TEST_F(ItemTasksTest, OlderRevisionNeedsTheNewest) {
+    files.addStore("tcl", "ced", true).item("a", "1", {{"tcl", "a", ""}}).item("a", "2");
+    files.ship();
+    ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), store().getItem("a", "1"), true, nullptr));
+    EXPECT_EQ(recorded(), "a@2 tool 1;a@1 user 0;");
+    ASSERT_TRUE(HSCPlazTaskMgr::uninstall(&hub(), store().getItem("a", "1"), true));
+    EXPECT_EQ(recorded(), "");
+}
+
 // Work on what is installed while the record of it cannot be read, a second message of it, or no way back.
 TEST_F(ItemTasksTest, NothingIsChangedWhileTheRecordCannotBeRead) {
     ship("a b");

@@ -56,9 +56,15 @@ std::set<std::string> HSCPlazDependencies::keysOf(const HSCPlazQItem& item) {
     std::set<std::string> keys{item.getCompany() + "::" + item.getName(),
                                ::keyOf(item.getStoreName(), item.getName(), revision)};
     const bool isMeantByName = revision.empty() || revision == item.getLatestRevision() || !item.getStore() ||
-                               !item.getStore()->IsMultiRevisionSupported() ||
-                               findNewestInstalled(*item.getStore(), item.getName()) == &item;
+                               !item.getStore()->IsMultiRevisionSupported();
     if (isMeantByName) keys.insert(::keyOf(item.getStoreName(), item.getName(), ""));
+    return keys;
+}
+
+std::set<std::string> HSCPlazDependencies::keysOfInstalled(const HSCPlazQItem& item) {
+    std::set<std::string> keys = keysOf(item);
+    if (item.getStore() && findNewestInstalled(*item.getStore(), item.getName()) == &item)
+        keys.insert(::keyOf(item.getStoreName(), item.getName(), ""));
     return keys;
 }
 

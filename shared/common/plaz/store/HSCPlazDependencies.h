@@ -21,8 +21,10 @@ struct HSCPlazFoundItem {
 namespace HSCPlazDependencies {
 
 std::string keyOf(const HSCPlazQItemDependency& dependency);
-/// The item's own key and those under which dependencies can name it.
+/// The item's own key, and those of dependencies for which the catalog offers it.
 std::set<std::string> keysOf(const HSCPlazQItem& item);
+/// The same, and that of its name alone where it is what serves that of all that is installed.
+std::set<std::string> keysOfInstalled(const HSCPlazQItem& item);
 
 /// By its revision, else the latest.
 HSCPlazFoundItem findByName(const HSCPlaz& hub, const std::string& store, const std::string& name,

@@ -88,7 +88,7 @@ private:
     /// The names of the item that somebody uses.
     Nodes namesOf(Node start) const {
         Nodes names;
-        for (const std::string& key : Dependencies::keysOf(*m_nodes[start].item))
+        for (const std::string& key : Dependencies::keysOfInstalled(*m_nodes[start].item))
             if (const auto named = m_named.find(key); named != m_named.end()) names.push_back(named->second);
         return names;
     }

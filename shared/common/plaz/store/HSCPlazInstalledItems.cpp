@@ -85,16 +85,17 @@ HSCPlazQItemModel& HSCPlazInstalledItems::addUnlisted(const HSCPlazQItemModel& r
     added->setRevision(record.getRevision());
     added->setIsListed(false);
     added->setCommitId(record.getCommitId());
+    const std::string root = toRoot(record); // where it was installed, whatever folder others come from by now
     if (const HSCPlazQItemModel* listed = findListed(record.getName())) {
         added->copyDescriptionFrom(*listed);
-        added->setRoot(listed->getRoot());
+        added->setRoot(root.empty() ? listed->getRoot() : root);
         added->setItemRoot(listed->getItemRoot());
         added->setMetadataFile(listed->getMetadataFile());
         added->setLatestRevision(listed->getLatestRevision());
         added->shareRevisionsOf(*listed);
     } else {
         added->setCompany(record.getCompany());
-        added->setRoot(toRoot(record));
+        added->setRoot(root);
         // The best that is known; without it nobody would find the item by its name alone.
         added->setLatestRevision(record.getRevision());
     }

@@ -42,7 +42,7 @@ private:
 };
 
 HSCPlazDependencyWalk::HSCPlazDependencyWalk(HSCPlazTask& task, HSCPlazItemChanges& changes, const HSCPlazQItem& item)
-    : m_task(task), m_changes(changes), m_hub(task.getHub()), m_path(Dependencies::keysOf(item)) {}
+    : m_task(task), m_changes(changes), m_hub(task.getHub()), m_path(Dependencies::keysOf(item)), m_seen{&item} {}
 
 HSCPlazFoundItem HSCPlazDependencyWalk::find(const HSCPlaz& hub, const HSCPlazQItem* item) {
     return Dependencies::findByName(hub, item->getStoreName(), item->getName(), item->getRevision());
