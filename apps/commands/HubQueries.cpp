@@ -198,7 +198,7 @@ std::vector<HSCPlazQItem*> HubQueries::resolveRevisions(const ItemReference& ref
         candidates.erase(std::remove_if(candidates.begin(), candidates.end(),
                                         [](const HSCPlazQItem* item) { return item->isLatest(); }),
                          candidates.end());
-    if (candidates.empty()) failWith(Msg::itemNotInstalled, reference.toText() + " (an older revision)");
+    if (candidates.empty()) failWith(ShellMsg::noOldRevision, reference.toText());
     return candidates;
 }
 
@@ -233,10 +233,10 @@ std::vector<HSCPlazQItem*> HubQueries::findOutdated() const {
     const auto isIncomplete = [&](const HSCPlazQItem* item) { return incompletes.count(item) != 0; };
     for (const HSCPlazQStore* store : m_hub.getStores())
         for (const auto& entries : groupByName(store->getItems())) {
-            HSCPlazQItem* item = pickOutdated(entries);
-            const auto incomplete = item ? entries.end() : std::find_if(entries.begin(), entries.end(), isIncomplete);
-            if (incomplete != entries.end()) item = *incomplete;
-            if (item) outdated.push_back(item);
+            HSCPlazQItem* const newer = pickOutdated(entries);
+            if (newer) outdated.push_back(newer);
+            std::copy_if(entries.begin(), entries.end(), std::back_inserter(outdated),
+                         [&](const HSCPlazQItem* item) { return item != newer && isIncomplete(item); });
         }
     return outdated;
 }

@@ -38,7 +38,7 @@ struct ItemInfo {
 
 /// Finds stores and items of a hub. The hub must outlive the object; results are borrowed from it and last until their
 /// store is reloaded. Failures are thrown as HEXAll: ShellMsg::storeUnknown, itemUnknown, itemUnknownNear,
-/// itemAmbiguous, revisionUnknown, severalInstalled or Msg::itemNotInstalled.
+/// itemAmbiguous, revisionUnknown, severalInstalled, noOldRevision or Msg::itemNotInstalled.
 class HubQueries {
 public:
     explicit HubQueries(HSCPlaz& hub) : m_hub(hub) {}
@@ -80,7 +80,8 @@ public:
     /// All items that are recorded as installed, each revision, or those of one store.
     /// @throws HEXAll Msg::databaseUnreadable where it is not known what is installed
     std::vector<HSCPlazQItem*> findRecorded(const std::string& store) const;
-    /// What resolveForUpdate() gives of every item that has an update, or lacks something that it needs.
+    /// What resolveForUpdate() gives of every item that has an update, and each revision that lacks something that it
+    /// needs.
     /// @throws HEXAll Msg::databaseUnreadable where it is not known what is installed
     std::vector<HSCPlazQItem*> findOutdated() const;
 

@@ -31,6 +31,7 @@ inline constexpr MsgId<1> notOneObject{"@17-2211@%s"}; ///< how many were named
 inline constexpr MsgId<0> objectsForgotten{"@17-2212@"};
 inline constexpr MsgId<2> itemOfOtherStore{"@17-2213@%s%s"}; ///< a reference; the store in which it was to be
 inline constexpr MsgId<0> nothingInstalled{"@17-2238@"};
-inline constexpr MsgId<2> itemNeeded{"@17-2239@%s%s"}; ///< reference, by what
+inline constexpr MsgId<2> itemNeeded{"@17-2239@%s%s"};  ///< reference, by what
+inline constexpr MsgId<1> noOldRevision{"@17-2241@%s"}; ///< reference
 inline constexpr MsgId<0> cancelled{"@17-2190@"};
 } // namespace ShellMsg
