@@ -112,7 +112,7 @@ TEST_F(HubQueriesTest, resolvesReferencesOrSaysWhyNot) {
     for (const HSCPlazQItem* item : HubQueries(m_hub).findOutdated())
         outdated += ItemReference::of(*item).toText() + " ";
     // None of them has its files, so that each installed item comes along, by its outdated revision where it has one.
-    EXPECT_EQ(outdated, "s::x@2 s::both@1 t::both@2 t::left@1 t::x@1 t::z@1 ");
+    EXPECT_EQ(outdated, "s::x@2 s::x@1 s::both@1 t::both@2 t::left@1 t::x@1 t::z@1 ");
 }
 
 } // namespace
