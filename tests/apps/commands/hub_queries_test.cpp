@@ -111,7 +111,7 @@ TEST_F(HubQueriesTest, resolvesReferencesOrSaysWhyNot) {
     std::string outdated;
     for (const HSCPlazQItem* item : HubQueries(m_hub).findOutdated())
         outdated += ItemReference::of(*item).toText() + " ";
-    // None of them has its files, so that each installed item comes along, by its outdated revision where it has one.
+    // None of them has its files, so that each installed revision comes along, the outdated one of an item first.
     EXPECT_EQ(outdated, "s::x@2 s::x@1 s::both@1 t::both@2 t::left@1 t::x@1 t::z@1 ");
 }
 

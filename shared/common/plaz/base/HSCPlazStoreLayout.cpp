@@ -10,6 +10,12 @@ std::string markerIn(const std::string& dir) {
 
 } // namespace
 
+std::string HSCPlazStoreLayout::getFolderOf(const std::string& dir) const {
+    const std::string start = m_area + "/";
+    const bool isThere = !m_area.empty() && dir.compare(0, start.size(), start) == 0;
+    return isThere ? dir.substr(start.size()) : std::string();
+}
+
 bool HSCPlazStoreLayout::isComplete(const std::string& dir) {
     return !dir.empty() && HUTFile::exists(markerIn(dir));
 }

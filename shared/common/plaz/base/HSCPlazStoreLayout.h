@@ -57,6 +57,8 @@ public:
         : HSCPlazWorkLayout(std::move(work)), m_area(std::move(area)) {}
 
     const std::string& getArea() const { return m_area; }
+    /// A directory's place in the area; empty for one that does not lie there.
+    std::string getFolderOf(const std::string& dir) const;
     std::string getHiddenDir() const { return below(m_area, hiddenDir); }
     /// Ends in "/".
     std::string getCatalogDir() const { return below(m_area, catalogFolder); }

@@ -60,16 +60,15 @@ void HSCPlazInstalledState::addMissingItems(HSCPlazQStore& store) {
 
 void HSCPlazInstalledState::describe(const HSCPlazQStoreModel& store) const {
     const std::string area = store.getLocalDbFilePath().empty() ? std::string() : m_workspace.paths.getStoreArea(store);
+    const HSCPlazStoreLayout layout(area, area);
     const HIOStream::Root root(area);
     HSCPlazJsonDocument document;
     HSCPlazFindings found;
     for (const auto& item : store.getItems()) {
         if (!item->isInstalled()) continue;
         // Where it is: its folder in the repository may be another one by now.
-        const std::string& place = item->getLocalDir();
-        const bool isInArea = !area.empty() && place.compare(0, area.size() + 1, area + "/") == 0;
-        const std::string folder =
-            isInArea ? place.substr(area.size() + 1) : HSCPlazPathMgr::getItemFolder(store, *item);
+        std::string folder = layout.getFolderOf(item->getLocalDir());
+        if (folder.empty()) folder = HSCPlazPathMgr::getItemFolder(store, *item);
         const std::string& file = item->getMetadataFile();
         std::unique_ptr<HSCPlazQItemModel> description;
         if (!file.empty())

@@ -34,12 +34,6 @@ std::string fileOf(const Place& place) {
     return place.layout.getTreesDir() + "/" + nameOf(place.folder, place.commit);
 }
 
-/// Of a directory, relative to the store's area; empty for one that does not lie there.
-std::string folderIn(const HSCPlazStoreLayout& layout, const std::string& dir) {
-    const std::string start = layout.getArea() + "/";
-    return starts_with(dir, start) ? dir.substr(start.size()) : std::string();
-}
-
 /// The folders of installed items that lie below a directory, relative to it, each with a "/" at its end.
 std::vector<std::string> findFoldersInside(const HSCPlazQStore& store, const std::string& dir) {
     const std::string start = dir + "/";
@@ -82,7 +76,7 @@ Place HSCPlazInstalledTrees::placeOf(const HSCPlazWorkspace& workspace, const HS
                                      const HSCPlazQItemModel& record) {
     const HSCPlazQStoreModel& store = *found.store->getModel();
     const HSCPlazStoreLayout layout = workspace.paths.getStoreLayout(store);
-    Place place{layout, folderIn(layout, record.getLocalDir()), {}, record.getCommitId()};
+    Place place{layout, layout.getFolderOf(record.getLocalDir()), {}, record.getCommitId()};
     place.root = place.folder;
     const std::string ending = "/" + found.item->getRevision();
     if (store.isMultiRevisionSupported() && ending.size() > 1 && ends_with(place.root, ending))
@@ -124,7 +118,8 @@ void HSCPlazInstalledTrees::removeStale(const HSCPlazWorkspace& workspace, const
     std::set<std::string> needed;
     for (HSCPlazQItem* item : store.getItems())
         if (item->IsInstalled())
-            needed.insert(nameOf(folderIn(layout, item->getLocalRootDir()), item->getModel()->getInstalledCommitId()));
+            needed.insert(
+                nameOf(layout.getFolderOf(item->getLocalRootDir()), item->getModel()->getInstalledCommitId()));
     for (const std::string& name : kept)
         if (needed.count(name) == 0) HUTFile::rmRecursive(dir + "/" + name);
     if (needed.empty()) HUTFile::rmRecursive(dir);
