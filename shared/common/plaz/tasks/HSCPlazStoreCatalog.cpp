@@ -20,12 +20,16 @@ namespace {
 
 constexpr const char* loadName = "HSCPlazTaskMgr::loadStoreModelCatalog";
 
+void require(bool isUsable, const MsgId<2>& message, const HSCPlazQStoreModel& store, const std::string& file) {
+    if (!isUsable) throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", message, store.getName(), file));
+}
+
 void requireUsable(HSCPlazTask& task, const MsgId<2>& message, const HSCPlazQStoreModel& store,
                    const std::string& file) {
     HSCPlazReport problem;
     const bool isUsable = HSCPlazFetchedFiles::isCatalog(file, problem);
     task.tell(problem);
-    if (!isUsable) throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", message, store.getName(), file));
+    require(isUsable, message, store, file);
 }
 
 bool fetchFiles(HSCPlazTask& task, const HSCPlazQStoreModel& store, const std::vector<std::string>& files) {
@@ -74,12 +78,14 @@ bool HSCPlazStoreCatalog::fetch(HSCPlazTask& task, HSCPlazQStoreModel& store) {
     if (!store.getCatalogFile().empty()) files.push_back(store.getCatalogFile());
     if (!fetchFiles(task, store, files)) return false;
     // What the metadata says, before anything of it counts.
-    requireUsable(task, Msg::storeFileInvalid, store, staging.getFile(store.getMetadataFile()));
+    const std::string metadataFile = staging.getFile(store.getMetadataFile());
+    requireUsable(task, Msg::storeFileInvalid, store, metadataFile);
     HSCPlazQStoreModel fetched;
     fetched.setName(store.getName());
     HSCPlazFindings found;
-    HSCPlazQStoreReader::read(staging.getFile(store.getMetadataFile()), fetched, found);
+    const bool isRead = HSCPlazQStoreReader::read(metadataFile, fetched, found);
     task.mention(found.toReport());
+    require(isRead, Msg::storeFileInvalid, store, metadataFile);
     // The metadata may name another catalog or branch than the one that was known until now.
     const bool namesOther =
         fetched.getCatalogFile() != store.getCatalogFile() || fetched.getBranchToSync() != store.getBranchToSync();
