@@ -6,6 +6,7 @@
 #include "ShellMsg.h"
 
 #include "plaz/HSCPlazInspection.h"
+#include "plaz/HSCPlazTaskMgr.h"
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazModel.h"
@@ -196,7 +197,7 @@ std::vector<HSCPlazQItem*> HubQueries::resolveRevisions(const ItemReference& ref
     std::vector<HSCPlazQItem*> candidates = findInstalled(reference, store);
     if (isOldOnly)
         candidates.erase(std::remove_if(candidates.begin(), candidates.end(),
-                                        [](const HSCPlazQItem* item) { return item->isLatest(); }),
+                                        [](auto* item) { return HSCPlazInspection::isNewestInstalled(*item); }),
                          candidates.end());
     if (candidates.empty()) failWith(ShellMsg::noOldRevision, reference.toText());
     return candidates;
@@ -212,6 +213,7 @@ HSCPlazQItem& HubQueries::resolveForUpdate(const ItemReference& reference, const
 }
 
 void HubQueries::requireRecords() const {
+    HSCPlazTaskMgr::takeOverRecords();
     const std::string unreadable = HSCPlazInspection::findUnreadableRecord(m_hub);
     if (!unreadable.empty()) failWith(Msg::databaseUnreadable, unreadable);
 }

@@ -69,7 +69,7 @@ public:
     HSCPlazQItem& resolve(const ItemReference& reference, const std::string& store) const;
     /// The one installed revision that a reference means.
     HSCPlazQItem& resolveInstalled(const ItemReference& reference, const std::string& store) const;
-    /// All installed revisions that a reference means. @param isOldOnly  without the one that is the latest
+    /// All installed revisions that a reference means. @param isOldOnly  without the newest of them
     std::vector<HSCPlazQItem*> resolveRevisions(const ItemReference& reference, const std::string& store,
                                                 bool isOldOnly) const;
     /// The installed revision, of the one item that a reference means, that is to be updated: an outdated one (one that

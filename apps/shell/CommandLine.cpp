@@ -96,7 +96,7 @@ void addInstallCommands(CLI::App& app, Options& options) {
     addItems(*uninstall, options, true);
     CLI::Option* all =
         uninstall->add_flag("--all-revisions", options.allRevisions, "Every revision of an item that is installed");
-    uninstall->add_flag("--old-revisions", options.oldRevisions, "Every one of them but the latest")->excludes(all);
+    uninstall->add_flag("--old-revisions", options.oldRevisions, "Every one of them but the newest")->excludes(all);
     CLI::App* update = app.add_subcommand("update", "Bring installed items up to date");
     addItems(*update, options, false);
     update->add_flag("--all", options.all, "Update everything that is outdated");

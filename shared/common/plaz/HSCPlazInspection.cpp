@@ -3,6 +3,7 @@
 #include "plaz/HSCPlazMgr.h"
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/repo/git/HSCPlazGitConfigFile.h"
 #include "plaz/model/repo/git/HSCPlazGitCredentials.h"
 #include "plaz/model/repo/git/HSCPlazGitParams.h"
@@ -79,6 +80,10 @@ HSCPlazQItem* HSCPlazInspection::findServing(const HSCPlaz& hub, const HSCPlazQI
 
 std::vector<HSCPlazQItem*> HSCPlazInspection::findHolders(const HSCPlaz& hub, const HSCPlazQItem& item) {
     return HSCPlazDependencies::findHolders(hub, item);
+}
+
+bool HSCPlazInspection::isNewestInstalled(const HSCPlazQItem& item) {
+    return item.getStore() && HSCPlazDependencies::findNewestInstalled(*item.getStore(), item.getName()) == &item;
 }
 
 std::vector<HSCPlazQItem*> HSCPlazInspection::findIncomplete(const HSCPlaz& hub) {

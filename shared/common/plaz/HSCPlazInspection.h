@@ -53,6 +53,9 @@ PLAZ_API HSCPlazQItem* findServing(const HSCPlaz& hub, const HSCPlazQItemDepende
 /// The installed items that depend on this one themselves, in the hub's order.
 PLAZ_API std::vector<HSCPlazQItem*> findHolders(const HSCPlaz& hub, const HSCPlazQItem& item);
 
+/// Of an item's revisions that are installed, this is the newest one.
+PLAZ_API bool isNewestInstalled(const HSCPlazQItem& item);
+
 /// The installed items that lack files of their own, or something that they need at however many steps, as far as that
 /// shows without opening files.
 PLAZ_API std::vector<HSCPlazQItem*> findIncomplete(const HSCPlaz& hub);

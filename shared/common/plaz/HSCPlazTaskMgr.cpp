@@ -11,6 +11,8 @@
 #include "plaz/model/repo/git/HSCPlazGitParams.h"
 #include "plaz/model/repo/git/HSCPlazGitProxies.h"
 #include "plaz/store/HSCPlazChosenDirectory.h"
+#include "plaz/store/HSCPlazDependencies.h"
+#include "plaz/store/HSCPlazInstalledState.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazInstallTask.h"
 #include "plaz/tasks/HSCPlazItemChanges.h"
@@ -114,9 +116,10 @@ HSCPlazItemResult HSCPlazTaskMgr::uninstallItem(HSCPlaz& hub, HSCPlazQItem& item
     return result;
 }
 
-HSCPlazItemResult HSCPlazTaskMgr::updateItem(HSCPlaz& hub, HSCPlazQItem& item, HSCPlazTaskOptions options,
+HSCPlazItemResult HSCPlazTaskMgr::updateItem(HSCPlaz& hub, HSCPlazQItem& asked, HSCPlazTaskOptions options,
                                              HDGUIStatus* status) {
     HSCPlazTask task(workspace(), hub, status, options);
+    HSCPlazQItem& item = HSCPlazDependencies::findCurrent(asked);
     // Of several items in one command, an earlier one may have needed it last.
     if (!item.IsInstalled()) return resultOf(task, item, ItemOutcome::removed);
     if (HSCPlazUpdateTask::hasNothingToDo(task, item)) {
@@ -127,11 +130,11 @@ HSCPlazItemResult HSCPlazTaskMgr::updateItem(HSCPlaz& hub, HSCPlazQItem& item, H
     const std::string previous = item.getRevision();
     ItemOutcome outcome = ItemOutcome::failed;
     const bool isDone = carryOut(task, [&](Changes& changes) {
-        outcome = HSCPlazUpdateTask::update(task, changes, item);
+        outcome = HSCPlazUpdateTask::update(task, changes, HSCPlazDependencies::findCurrent(item));
         return outcome != ItemOutcome::failed;
     });
     if (!isDone) outcome = ItemOutcome::failed;
-    if (outcome == ItemOutcome::upToDate) return resultOf(task, item, outcome);
+    if (outcome == ItemOutcome::upToDate) return resultOf(task, HSCPlazDependencies::findCurrent(item), outcome);
     const HSCPlazQItem* latest = item.getStore() ? item.getStore()->getItem(item.getName()) : nullptr;
     HSCPlazItemResult result = resultOf(task, latest ? *latest : item, outcome);
     result.previousRevision = previous;
@@ -146,13 +149,20 @@ HSCPlazItemResult HSCPlazTaskMgr::repairItem(HSCPlaz& hub, HSCPlazQItem& item, H
         outcome = HSCPlazRepairTask::repair(task, changes, item);
         return outcome != ItemOutcome::failed;
     });
-    return resultOf(task, item, isDone ? outcome : ItemOutcome::failed);
+    return resultOf(task, HSCPlazDependencies::findCurrent(item), isDone ? outcome : ItemOutcome::failed);
+}
+
+void HSCPlazTaskMgr::takeOverRecords() {
+    HSCPlazReport report;
+    HSCPlazInstalledState(workspace(), report).update();
+    report.send();
 }
 
 HSCPlazFilesResult HSCPlazTaskMgr::verifyItem(HSCPlaz& hub, HSCPlazQItem& item, HDGUIStatus* status) {
     HSCPlazTask task(workspace(), hub, status);
     task.show("Comparing " + item.getDisplayName());
-    HSCPlazFilesResult result = HSCPlazRepairTask::verify(workspace(), item);
+    takeOverRecords();
+    HSCPlazFilesResult result = HSCPlazRepairTask::verify(workspace(), HSCPlazDependencies::findCurrent(item));
     task.tell(result.report);
     return result;
 }

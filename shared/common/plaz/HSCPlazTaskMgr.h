@@ -96,6 +96,8 @@ public:
     /// What a user had changed is kept aside (Msg::ownFilesKept), what was added stays.
     static HSCPlazItemResult repairItem(HSCPlaz& hub, HSCPlazQItem& item, HSCPlazTaskOptions options,
                                         HDGUIStatus* status);
+    /// Takes over what other processes have recorded since the hub was read, as each task does before it begins.
+    static void takeOverRecords();
     /// Compares the files of an installed item with those of the commit that is recorded of it. Changes nothing and
     /// waits for nobody; needs neither git nor a network for what the hub has installed. Sends Msg::itemDamaged or
     /// filesUnknown.

@@ -171,9 +171,18 @@ std::string HSCPlazPathMgr::getItemFolder(const HSCPlazQStoreModel& store, const
 }
 
 std::string HSCPlazPathMgr::getItemDir(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item) const {
+    return findItemDir(store, item, false);
+}
+
+std::string HSCPlazPathMgr::findLinkedItemDir(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item) const {
+    return findItemDir(store, item, true);
+}
+
+std::string HSCPlazPathMgr::findItemDir(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item,
+                                        bool isOutside) const {
     const std::string folder = getItemFolder(store, item);
     const std::string area = getStoreArea(store);
     if (folder.empty() || area.empty()) return "";
     const std::string dir = join({area, folder});
-    return HUTFile::isBeneath(area, dir) ? dir : std::string();
+    return HUTFile::isBeneath(area, dir) != isOutside ? dir : std::string();
 }

@@ -75,8 +75,11 @@ public:
     static std::string getItemFolder(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item);
     /// Where the item is, or is to be, installed; empty as above, and where a link on the way leads out of the area.
     std::string getItemDir(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item) const;
+    /// The same where such a link is what makes it empty: the link, or what lies behind it; else empty.
+    std::string findLinkedItemDir(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item) const;
 
 private:
+    std::string findItemDir(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item, bool isOutside) const;
     std::string getWorkDir(const HSCPlazQStoreModel& store) const;
 
     const HSCPlazCfgModel* m_config = nullptr;

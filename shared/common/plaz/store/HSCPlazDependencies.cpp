@@ -24,13 +24,6 @@ bool isNewer(const HSCPlazQItem& item, const HSCPlazQItem& than) {
     return HUTText::compareNumbers(item.getRevision(), than.getRevision()) > 0;
 }
 
-HSCPlazQItem* findNewestInstalled(const HSCPlazQStore& store, const std::string& name) {
-    HSCPlazQItem* newest = nullptr;
-    for (HSCPlazQItem* item : store.getItems(name))
-        if (item->IsInstalled() && (!newest || isNewer(*item, *newest))) newest = item;
-    return newest;
-}
-
 bool areComplete(const HSCPlaz& hub, const HSCPlazQItem& item, const std::function<bool(const HSCPlazFoundItem&)>& fits,
                  std::set<const HSCPlazQItem*>& seen) {
     const auto& dependencies = item.getItemDependencies();
@@ -87,6 +80,20 @@ HSCPlazFoundItem HSCPlazDependencies::findInstalled(const HSCPlaz& hub, const HS
         if (named.store->IsMultiRevisionSupported()) return {};
     }
     return {named.store, findNewestInstalled(*named.store, dependency.getItem())};
+}
+
+HSCPlazQItem* HSCPlazDependencies::findNewestInstalled(const HSCPlazQStore& store, const std::string& name) {
+    HSCPlazQItem* newest = nullptr;
+    for (HSCPlazQItem* item : store.getItems(name))
+        if (item->IsInstalled() && (!newest || isNewer(*item, *newest))) newest = item;
+    return newest;
+}
+
+HSCPlazQItem& HSCPlazDependencies::findCurrent(HSCPlazQItem& item) {
+    const HSCPlazQStore* store = item.getStore();
+    if (item.IsInstalled() || !store || store->IsMultiRevisionSupported()) return item;
+    HSCPlazQItem* other = findNewestInstalled(*store, item.getName());
+    return other ? *other : item;
 }
 
 std::vector<HSCPlazQItem*> HSCPlazDependencies::findHolders(const HSCPlaz& hub, const HSCPlazQItem& item) {

@@ -35,6 +35,10 @@ HSCPlazFoundItem findOffered(const HSCPlaz& hub, const HSCPlazQItemDependency& d
 /// newest that is installed. The newest is the latest in the catalog's order; after that one the number decides, first
 /// among those that the catalog lists, then among others.
 HSCPlazFoundItem findInstalled(const HSCPlaz& hub, const HSCPlazQItemDependency& dependency);
+/// Of the installed revisions of an item of that name; null when there is none.
+HSCPlazQItem* findNewestInstalled(const HSCPlazQStore& store, const std::string& name);
+/// The item; where another program has meanwhile installed another revision in its place, that one.
+HSCPlazQItem& findCurrent(HSCPlazQItem& item);
 /// The installed items that depend on this one themselves, in the hub's order.
 std::vector<HSCPlazQItem*> findHolders(const HSCPlaz& hub, const HSCPlazQItem& item);
 /// Whether what an installed item needs is installed, at however many steps, and fits.

@@ -54,8 +54,8 @@ std::optional<HSCPlazItemTree> parse(const Place& place, const std::string& list
 /// As the store's working copy has it.
 std::optional<HSCPlazItemTree> ask(const Place& place, std::string& problem) {
     if (place.folder.empty() || place.commit.empty()) {
-        problem = place.folder.empty() ? "its folder does not lie in the store's directory, or a link leads out of that"
-                                       : "no commit is recorded of it";
+        problem =
+            place.folder.empty() ? "its folder does not lie in the store's directory" : "no commit is recorded of it";
         return std::nullopt;
     }
     if (!HSCPlazStoreLayout::isComplete(place.layout.getIndex())) {
@@ -140,7 +140,7 @@ Differences HSCPlazInstalledTrees::compare(const HSCPlazQStore& store, const std
 }
 
 bool HSCPlazInstalledTrees::isWhole(const HSCPlazWorkspace& workspace, const HSCPlazFoundItem& found) {
-    if (!HSCPlazInstalledFiles::areThere(found.item, found.store, workspace.userPref)) return false;
+    if (!HSCPlazInstalledFiles::areThere(*found.item)) return false;
     const Place place = placeOf(workspace, found);
     const auto tree = readKept(place);
     return !tree || tree->findLost(place.getDirectory()).areNone();

@@ -48,10 +48,6 @@ HSCPlazFoundItem HSCPlazDependencyWalk::find(const HSCPlaz& hub, const HSCPlazQI
     return Dependencies::findByName(hub, item->getStoreName(), item->getName(), item->getRevision());
 }
 
-bool HSCPlazDependencyWalk::isProperlyInstalled(const HSCPlazFoundItem& found) const {
-    return HSCPlazInstalledFiles::areThere(found.item, found.store, m_task.getWorkspace().userPref);
-}
-
 bool HSCPlazDependencyWalk::complete(const HSCPlazFoundItem& found) {
     return HSCPlazRepairTask::restoreLost(m_task, m_changes, found, false) ||
            m_task.fail(Msg::dependencyInstallFailed, found.item->getName());
@@ -81,7 +77,7 @@ bool HSCPlazDependencyWalk::install(const HSCPlazQItemDependency& dependency) {
         return m_task.fail(Msg::dependencyUnknown, dependency.getItem(), dependency.getStore());
     }
     inside(installName, " found qitem ptr");
-    if (isProperlyInstalled(found)) {
+    if (HSCPlazInstalledFiles::areThere(*found.item)) {
         inside(installName, " ", dependency.getItem(), "is already installed");
         if (!complete(found)) return false;
     } else {
@@ -109,7 +105,7 @@ bool HSCPlazDependencyWalk::installMissing(const HSCPlazQItem& item) {
         const Step step(*this, *dependency);
         if (!step.isNew()) continue;
         const HSCPlazFoundItem found = Dependencies::findInstalled(m_hub, *dependency);
-        if (!found || !isProperlyInstalled(found)) {
+        if (!found || !HSCPlazInstalledFiles::areThere(*found.item)) {
             isComplete = install(*dependency) && isComplete;
         } else if (m_seen.insert(found.item).second) {
             isComplete = complete(found) && isComplete;

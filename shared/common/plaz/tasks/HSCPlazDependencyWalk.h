@@ -28,7 +28,6 @@ public:
 private:
     class Step;
     bool install(const HSCPlazQItemDependency& dependency);
-    bool isProperlyInstalled(const HSCPlazFoundItem& found) const;
     bool complete(const HSCPlazFoundItem& found);
 
     HSCPlazTask& m_task;

@@ -54,8 +54,7 @@ bool HSCPlazInstallTask::install(HSCPlazTask& task, HSCPlazItemChanges& changes,
            "\n\tstore name:", asked.getStoreName(), "\n\titem revision:", asked.getRevision());
     const HSCPlazFoundItem found = Walk::find(task.getHub(), &asked);
     if (!found) return task.fail(Msg::itemInstallFailed, Files::shownName(asked));
-    const bool isThere = !task.getOptions().isReinstallation &&
-                         HSCPlazInstalledFiles::areThere(found.item, found.store, task.getWorkspace().userPref);
+    const bool isThere = !task.getOptions().isReinstallation && HSCPlazInstalledFiles::areThere(*found.item);
     if (!isThere && task.isCancelled()) return false;
     const bool isDone = isThere ? completeInstalled(task, changes, found) : installFiles(task, changes, found, mode);
     return isDone || task.fail(Msg::itemInstallFailed, Files::shownName(*found.item));

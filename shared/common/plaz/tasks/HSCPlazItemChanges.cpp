@@ -13,7 +13,6 @@
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazFetchedFiles.h"
 #include "plaz/tasks/HSCPlazItemFiles.h"
-#include "plaz/tasks/HSCPlazOwnFiles.h"
 #include "plaz/tasks/HSCPlazTask.h"
 #include "support/HUTFile.h"
 
@@ -240,7 +239,9 @@ bool HSCPlazItemChanges::fetch(const HSCPlazFoundItem& found, Mode mode, bool is
 bool HSCPlazItemChanges::remove(const HSCPlazFoundItem& found) {
     const std::string dir = Files::removableDirectory(m_task, found);
     const std::string name = found.item->getName();
-    if (dir.empty()) return m_task.fail(Msg::removalRefused, name, found.item->getLocalRootDir());
+    if (dir.empty())
+        return Files::requireReachable(m_task, found) &&
+               m_task.fail(Msg::removalRefused, name, found.item->getLocalRootDir());
     const HSCPlazPendingChange change = toRemoval(found, dir);
     if (!HUTFile::exists(dir)) return announce(change) && (record(found, change) || giveUp(*found.store));
     const HSCPlazGitRemoved incoming(incomingOf(m_task, *found.store)); // the old files, in the end
@@ -309,23 +310,40 @@ void HSCPlazItemChanges::withdraw(HSCPlazPendingChange change, const std::string
 bool HSCPlazItemChanges::put(const HSCPlazFoundItem& found, HSCPlazPendingChange change,
                              const HSCPlazReport& obstacle) {
     const std::string incoming = incomingOf(m_task, *found.store);
-    const std::string dir = change.item->getLocalDir();
-    change.former = formerDirectory(m_task, found, dir);
-    for (const std::string& going : {dir, change.former})
-        if (!HSCPlazOwnFiles::keepAside(m_task, found, going, incoming, !change.isInstalled)) return false;
-    change.identity = HUTFile::getIdentity(incoming);
-    if (change.identity.empty()) return m_task.fail(Msg::dirNotWritable, incoming);
-    if (!announce(change, incoming)) return false;
-    if (!HUTFile::exchangeDirectories(incoming, dir)) {
-        withdraw(change, incoming);
-        return m_task.fail(obstacle);
-    }
-    if (record(found, change)) return removeFormer(found, change);
-    if (undo(incoming, dir))
+    change.former = formerDirectory(m_task, found, change.item->getLocalDir());
+    std::vector<HSCPlazOwnFiles::Kept> kept;
+    const bool isPut = keepOwn(found, change, incoming, kept) && exchange(change, incoming, obstacle);
+    const bool isDone = isPut && record(found, change);
+    const bool isUndone = !isPut || (!isDone && undo(incoming, change.item->getLocalDir()));
+    for (const HSCPlazOwnFiles::Kept& one : kept)
+        isUndone ? HSCPlazOwnFiles::discard(m_task.getWorkspace().paths, one) : m_task.tell(one.note);
+    if (isDone) return removeFormer(found, change);
+    if (!isPut) return false;
+    if (isUndone)
         withdraw(change, incoming);
     else
         m_isUnfinished = true;
     return giveUp(*found.store);
+}
+
+bool HSCPlazItemChanges::keepOwn(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change,
+                                 const std::string& incoming, std::vector<HSCPlazOwnFiles::Kept>& kept) {
+    for (const std::string& going : {change.item->getLocalDir(), change.former}) {
+        const auto one = HSCPlazOwnFiles::keepAside(m_task, found, going, incoming, !change.isInstalled);
+        if (!one) return false;
+        kept.push_back(*one);
+    }
+    return true;
+}
+
+bool HSCPlazItemChanges::exchange(HSCPlazPendingChange& change, const std::string& incoming,
+                                  const HSCPlazReport& obstacle) {
+    change.identity = HUTFile::getIdentity(incoming);
+    if (change.identity.empty()) return m_task.fail(Msg::dirNotWritable, incoming);
+    if (!announce(change, incoming)) return false;
+    if (HUTFile::exchangeDirectories(incoming, change.item->getLocalDir())) return true;
+    withdraw(change, incoming);
+    return m_task.fail(obstacle);
 }
 
 std::string HSCPlazItemChanges::apply(HSCPlazQStore& store, const HSCPlazQItemModel& record) const {

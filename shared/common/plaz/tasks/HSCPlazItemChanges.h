@@ -3,6 +3,7 @@
 #include "plaz/base/HSCPlazInstallationMode.h"
 #include "plaz/store/HSCPlazChangeNote.h"
 #include "plaz/store/HSCPlazDependencies.h"
+#include "plaz/tasks/HSCPlazOwnFiles.h"
 
 #include <functional>
 #include <set>
@@ -68,6 +69,10 @@ private:
     /// is to take these for whole.
     void withdraw(HSCPlazPendingChange change, const std::string& incoming);
     bool put(const HSCPlazFoundItem& found, HSCPlazPendingChange change, const HSCPlazReport& obstacle);
+    /// What a user has made of files in folders that go.
+    bool keepOwn(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change, const std::string& incoming,
+                 std::vector<HSCPlazOwnFiles::Kept>& kept);
+    bool exchange(HSCPlazPendingChange& change, const std::string& incoming, const HSCPlazReport& obstacle);
     /// Marks the item as installed. @return why it may not be recorded; empty when it may
     std::string apply(HSCPlazQStore& store, const HSCPlazQItemModel& record) const;
     bool record(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change);

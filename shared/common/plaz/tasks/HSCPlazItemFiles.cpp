@@ -144,6 +144,12 @@ std::string HSCPlazItemFiles::directoryOf(const HSCPlazWorkspace& workspace, con
     return workspace.paths.getItemDir(*found.store->getModel(), *found.item->getModel());
 }
 
+bool HSCPlazItemFiles::requireReachable(HSCPlazTask& task, const HSCPlazFoundItem& found) {
+    const std::string dir =
+        task.getWorkspace().paths.findLinkedItemDir(*found.store->getModel(), *found.item->getModel());
+    return dir.empty() || task.fail(Msg::linkLeadsOut, dir, shownName(*found.item));
+}
+
 bool HSCPlazItemFiles::areInPlace(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record) {
     const std::string& dir = record.getLocalDir();
     HSCPlazQItemModel description;
@@ -159,6 +165,7 @@ bool HSCPlazItemFiles::fetch(HSCPlazTask& task, const HSCPlazFoundItem& found, c
     if (isAskedFor)
         task.tell(Msg::itemInstalling, MsgSeverity::warning, shownName(*found.item),
                   HSCPlazTrust::maskSecrets(found.store->getUrl()));
+    if (!requireReachable(task, found)) return false;
     if (const HSCPlazQItem* other = findOverlap(found))
         return task.fail(Msg::itemRefused, found.item->getName(),
                          "its directory overlaps that of the installed item " + other->getName());

@@ -21,6 +21,9 @@ std::string joinHolders(const HSCPlaz& hub, const HSCPlazQItem& item);
 /// Where the item is, or is to be, installed; empty where its names may not be used.
 std::string directoryOf(const HSCPlazWorkspace& workspace, const HSCPlazFoundItem& found);
 
+/// Fails with Msg::linkLeadsOut where a link on the way to an item's folder leads out of its store's area.
+bool requireReachable(HSCPlazTask& task, const HSCPlazFoundItem& found);
+
 /// Whether the files of an item that no record knows are in place, left by an earlier installation or put there by
 /// hand: they are this very item, and lack nothing of what its commit is known to list.
 /// @param record  commit and local directory of what is to be installed

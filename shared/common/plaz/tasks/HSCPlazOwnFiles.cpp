@@ -21,6 +21,7 @@
 #include <iterator>
 
 using Differences = HSCPlazItemTree::Differences;
+using Kept = HSCPlazOwnFiles::Kept;
 namespace Trees = HSCPlazInstalledTrees;
 
 namespace {
@@ -116,17 +117,19 @@ bool copy(const std::vector<std::string>& files, const std::string& from, const 
 }
 
 /// @param from  where the files are; a directory of the item's own or the one above it
-bool copyAside(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir, const std::string& from,
-               const std::vector<std::string>& files) {
+std::optional<Kept> copyAside(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir,
+                              const std::string& from, const std::vector<std::string>& files) {
     const std::string name = HSCPlazItemFiles::shownName(*found.item);
     const std::string kept = chooseDirectory(task, found, dir);
     HUTFile::mkDirForOwner(task.getWorkspace().paths.getKeptDir()); // some of it may have been for the user's eyes
     if (!copy(files, from, kept)) {
-        HUTFile::rmRecursive(kept);
-        return task.fail(Msg::ownFilesNotKept, name, kept);
+        HSCPlazOwnFiles::discard(task.getWorkspace().paths, {kept, {}});
+        task.fail(Msg::ownFilesNotKept, name, kept);
+        return std::nullopt;
     }
-    task.tell(Msg::ownFilesKept, MsgSeverity::warning, name, kept, HSCPlazFilesResult::join(files));
-    return true;
+    HSCPlazReport note;
+    note.add(Msg::ownFilesKept, MsgSeverity::warning, name, kept, HSCPlazFilesResult::join(files));
+    return Kept{kept, note};
 }
 
 } // namespace
@@ -155,16 +158,19 @@ std::optional<std::vector<std::string>> HSCPlazOwnFiles::findStaying(HSCPlazTask
     return staying;
 }
 
-bool HSCPlazOwnFiles::keepAside(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir,
-                                const std::string& incoming, bool isRemoval) {
-    if (task.getOptions().areChangesDiscarded || !HUTFile::exists(dir)) return true;
+std::optional<Kept> HSCPlazOwnFiles::keepAside(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir,
+                                               const std::string& incoming, bool isRemoval) {
+    if (task.getOptions().areChangesDiscarded || !HUTFile::exists(dir)) return Kept();
     if (!HUTFile::isDirectory(dir) || HUTFileTree::isLink(dir)) {
         const boost::filesystem::path path(dir);
         return copyAside(task, found, dir, path.parent_path().generic_string(), {path.filename().string()});
     }
     const Differences files = compare(task, found, dir);
     const std::string name = HSCPlazItemFiles::shownName(*found.item);
-    if (!files.unreadable.empty()) return task.fail(Msg::ownFileUnreadable, dir + "/" + files.unreadable.front(), name);
+    if (!files.unreadable.empty()) {
+        task.fail(Msg::ownFileUnreadable, dir + "/" + files.unreadable.front(), name);
+        return std::nullopt;
+    }
     std::vector<std::string> own = files.additional;
     std::copy_if(files.changed.begin(), files.changed.end(), std::back_inserter(own),
                  [&](const std::string& file) { return !isEmpty(dir + "/" + file); });
@@ -173,5 +179,15 @@ bool HSCPlazOwnFiles::keepAside(HSCPlazTask& task, const HSCPlazFoundItem& found
     drop(own,
          [&](const std::string& file) { return file != metadata && areSame(dir + "/" + file, incoming + "/" + file); });
     std::sort(own.begin(), own.end());
-    return own.empty() || copyAside(task, found, dir, dir, own);
+    return own.empty() ? Kept() : copyAside(task, found, dir, dir, own);
+}
+
+void HSCPlazOwnFiles::discard(const HSCPlazPathMgr& paths, const Kept& kept) {
+    if (kept.directory.empty()) return;
+    std::string dir = kept.directory;
+    HUTFile::rmRecursive(dir);
+    while (HUTFile::isBeneath(paths.getKeptDir(), dir) && HUTFile::createFileIter(dir).empty()) {
+        HUTFile::rmRecursive(dir);
+        dir = boost::filesystem::path(dir).parent_path().generic_string();
+    }
 }

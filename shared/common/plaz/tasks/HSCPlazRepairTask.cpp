@@ -33,6 +33,11 @@ HSCPlazFilesResult HSCPlazRepairTask::verify(const HSCPlazWorkspace& workspace, 
     }
     result.directory = item.getLocalRootDir();
     const std::string reference = Files::referenceOf(item);
+    const std::string linked = workspace.paths.findLinkedItemDir(*found.store->getModel(), *item.getModel());
+    if (!linked.empty()) {
+        result.report.add(Msg::linkLeadsOut, MsgSeverity::error, linked, Files::shownName(item));
+        return result;
+    }
     std::string problem;
     const auto tree = Trees::find(Trees::placeOf(workspace, found), problem);
     if (!tree) {
@@ -51,8 +56,9 @@ HSCPlazFilesResult HSCPlazRepairTask::verify(const HSCPlazWorkspace& workspace, 
 }
 
 ItemOutcome HSCPlazRepairTask::repair(HSCPlazTask& task, HSCPlazItemChanges& changes, const HSCPlazQItem& asked) {
-    const HSCPlazFoundItem found =
+    HSCPlazFoundItem found =
         HSCPlazDependencies::findByName(task.getHub(), asked.getStoreName(), asked.getName(), asked.getRevision());
+    if (found) found.item = &HSCPlazDependencies::findCurrent(*found.item);
     if (!isThere(found)) {
         task.fail(Msg::itemNotInstalled, Files::shownName(asked));
         return ItemOutcome::failed;

@@ -42,7 +42,7 @@ bool fetchAgain(HSCPlazTask& task, HSCPlazItemChanges& changes, HSCPlazQItem& it
 /// One of which nothing newer is there gets what it lacks.
 bool complete(HSCPlazTask& task, HSCPlazItemChanges& changes, HSCPlazQItem& item) {
     const HSCPlazFoundItem found{item.getStore(), &item};
-    const bool isThere = HSCPlazInstalledFiles::areThere(found.item, found.store, task.getWorkspace().userPref);
+    const bool isThere = HSCPlazInstalledFiles::areThere(item);
     const bool isDone = (isThere ? HSCPlazRepairTask::restoreLost(task, changes, found, false)
                                  : changes.fetch(found, modeAfter(item), true)) &&
                         Walk(task, changes, item).installMissing(item);
@@ -53,7 +53,7 @@ bool complete(HSCPlazTask& task, HSCPlazItemChanges& changes, HSCPlazQItem& item
 
 Outcome HSCPlazUpdateTask::update(HSCPlazTask& task, HSCPlazItemChanges& changes, HSCPlazQItem& item) {
     const auto outcomeOf = [](bool isDone) { return isDone ? Outcome::updated : Outcome::failed; };
-    if (!item.IsInstalled()) { // another program was quicker
+    if (!item.IsInstalled()) {
         task.fail(Msg::itemNotInstalled, Files::shownName(item));
         return Outcome::failed;
     }

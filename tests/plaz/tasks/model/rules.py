@@ -186,7 +186,7 @@ class Model:
             return False
         fact, latest = self.installed[item], self.find_offer(*item[:2], "")
         is_new = bool(latest) and latest not in self.installed and fact.mode == "user"
-        if latest and (latest[0] == ONE or latest == item or fact.mode == "user"):
+        if latest and (latest[0] == ONE or latest == item or is_new):
             item, fact = latest, self.installed.get(latest, fact._replace(commit=""))
             if fact.commit != self.catalogs[item[0]][item[1]].commits[item[2]] and not self.put(item, fact.mode):
                 return False

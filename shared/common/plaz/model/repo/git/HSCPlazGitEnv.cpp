@@ -129,6 +129,7 @@ void addSettings(HUTFork& git, const std::string& command, const std::string& wo
     git.setEnv("GIT_CONFIG_COUNT", std::to_string(count));
     git.setEnv("GIT_CONFIG_GLOBAL", HUTFile::getNullDevice());
     git.setEnv("GIT_ATTR_NOSYSTEM", "1");
+    git.setEnv("GIT_NO_REPLACE_OBJECTS", "1"); // an id stands for what it was made of
 }
 
 } // namespace

@@ -28,8 +28,7 @@ class Fetch {
 public:
     Fetch(const HSCPlazGitStore& store, const HSCPlazQItemModel& item, const HSCPlazGitInstall::Place& place,
           HSCPlazReport& report)
-        : m_store(store), m_item(item), m_place(place), m_staging(store.layout.getStaging()),
-          m_indexFile(m_staging + "/" + HSCPlazStoreLayout::gitDir + "/index"), m_report(report) {}
+        : m_store(store), m_item(item), m_place(place), m_staging(store.layout.getStaging()), m_report(report) {}
 
     bool run() {
         if (!accept()) return false;
@@ -39,6 +38,8 @@ public:
               m_item.getCommitId());
         if (!checkOut()) return false;
         const std::string source = (fs::path(m_staging) / m_item.getRoot()).generic_string();
+        if (!m_item.isListed() && !HUTFile::exists(source))
+            return refuse("its commit " + m_item.getCommitId() + " has no folder \"" + m_item.getRoot() + "\"");
         verify(source);
         return takeIn(source) || tellNotWritable(m_place.incoming);
     }
@@ -84,11 +85,9 @@ private:
     bool checkOutCommit() {
         HSCPlazGitCheckout::enableSparse(m_staging);
         if (!HSCPlazGitCheckout::writeSparseList(m_staging, {m_item.getRoot()})) return tellNotWritable(m_staging);
-        // An index that came along with the copy might hold what somebody has added to it.
-        const bool isIndexNew = !HUTFile::exists(m_indexFile);
         HSCPlazGitCheckout::checkOut(m_staging, m_item.getCommitId());
         std::string index;
-        if (isIndexNew && HIOStream::read(m_indexFile, index) == HIOStatus::ok)
+        if (HIOStream::read(m_staging + "/" + HSCPlazStoreLayout::gitDir + "/index", index) == HIOStatus::ok)
             m_listing = HSCPlazGitTree::listIndex(index, m_item.getRoot());
         return true;
     }
@@ -125,7 +124,6 @@ private:
     const HSCPlazQItemModel& m_item;
     const HSCPlazGitInstall::Place& m_place;
     const std::string m_staging;
-    const std::string m_indexFile; ///< git's, of the staging directory
     std::string m_listing;
     HSCPlazReport& m_report;
 };

@@ -4,6 +4,7 @@
 #include "plaz/model/HSCPlazQStoreModel.h"
 #include "plaz/model/repo/git/HSCPlazGitConfigFile.h"
 #include "plaz/model/repo/git/HSCPlazGitCredentials.h"
+#include "plaz/model/repo/git/HSCPlazGitEnv.h"
 #include "plaz/model/repo/git/HSCPlazGitRemote.h"
 #include "plaz/model/repo/git/HSCPlazGitRunner.h"
 #include "plaz/model/repo/git/HSCPlazGitSettings.h"
@@ -43,13 +44,18 @@ void removeIndex(const std::string& index) {
     HUTFile::rmRecursive(index);
 }
 
+/// Somebody has told git to write files elsewhere.
+bool leadsElsewhere(const std::string& index) {
+    return HSCPlazGitConfigFile::findValue(index, "core.worktree").has_value();
+}
+
 void discardForeignIndex(const std::string& index, const std::string& url) {
     trace("Checking cloned repo url matches with store url or not.");
     trace("Reconstructed git url :", url);
     const std::string recorded = HSCPlazGitConfigFile::getRemoteUrl(index);
     trace("Index remote url: ", recorded);
     trace("Store remote url: ", url);
-    if (recorded == url) {
+    if (recorded == url && !leadsElsewhere(index)) {
         trace("Cloned repo url matches with store url, no action required.");
         return;
     }
@@ -91,14 +97,23 @@ bool refreshIndex(const HSCPlazGitStore& store, HSCPlazReport& report) {
 bool isReplacedWhole(const std::string& relative) {
     for (const char* dir : {".git/objects/", ".git/refs/"})
         if (boost::algorithm::starts_with(relative, dir)) return true;
-    for (const char* file :
-         {Layout::doneMarker, ".git/HEAD", ".git/config", ".git/packed-refs", ".git/info/attributes"})
+    for (const char* file : {".git/HEAD", ".git/config", ".git/packed-refs"})
         if (relative == file) return true;
     return false;
 }
 
+/// The repository alone: an index, files and attributes that somebody has left there are none of the commits'.
+bool copyRepository(const std::string& index, const std::string& staging) {
+    const auto isLinked = [](const std::string& relative) { return isReplacedWhole(".git/" + relative); };
+    return HUTFile::mkDirForOwner(staging) && HUTFile::cloneTree(index, staging, isLinked) &&
+           HUTFile::rmRecursive(staging + "/index") && HUTFile::mkDirRecursive(staging + "/info") &&
+           HUTFile::writeUnflushed(staging + "/info/attributes", HSCPlazGitEnv::plainAttributes);
+}
+
 bool copyIndex(const std::string& index, const std::string& staging, HSCPlazReport& report) {
-    if (HUTFile::mkDirForOwner(staging + "/" + Layout::gitDir) && HUTFile::cloneTree(index, staging, isReplacedWhole))
+    const std::string gitDir = std::string("/") + Layout::gitDir, marker = std::string("/") + Layout::doneMarker;
+    if (copyRepository(index + gitDir, staging + gitDir) &&
+        HUTFile::copyTo(index + marker, staging + marker, HUTFile::copyOver))
         return true;
     HUTFile::rmRecursive(staging);
     return tellNotWritable(staging, report);
@@ -119,7 +134,8 @@ bool HSCPlazGitWorkingCopy::stage(const HSCPlazGitStore& store, bool isFetched, 
     trace("bInternet = ", std::to_string(isFetched));
 
     tidyAfterCrash(index + "/" + Layout::gitDir);
-    if (!isFetched && Layout::isComplete(index) && HSCPlazGitConfigFile::getRemoteUrl(index) == store.access)
+    if (!isFetched && Layout::isComplete(index) && HSCPlazGitConfigFile::getRemoteUrl(index) == store.access &&
+        !leadsElsewhere(index))
         trace("No need of git init/fetch.");
     else if (!refreshIndex(store, report))
         return false;
