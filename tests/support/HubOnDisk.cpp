@@ -4,12 +4,6 @@
 
 namespace {
 
-// Not every system has files of every name.
-std::string folderOf(std::string name) {
-    std::replace(name.begin(), name.end(), '*', '_');
-    return name;
-}
-
 std::string metadataOf(const std::string& name, const std::string& revision,
                        const std::vector<StoreOnDisk::Needs>& needs) {
     std::string list;
@@ -26,6 +20,18 @@ std::string metadataOf(const std::string& name, const std::string& revision,
 StoreOnDisk::StoreOnDisk(const TempDir& dir, std::string name, std::string type, bool multiRevision)
     : m_name(std::move(name)), m_type(std::move(type)), m_multiRevision(multiRevision),
       m_repo(dir.path("repos/" + m_name), "master") {}
+
+StoreOnDisk& StoreOnDisk::move(const std::string& name, const std::string& folder) {
+    m_folders[name] = folder;
+    return *this;
+}
+
+std::string StoreOnDisk::folderOf(const std::string& name) const {
+    const auto moved = m_folders.find(name);
+    std::string folder = moved == m_folders.end() ? name : moved->second;
+    std::replace(folder.begin(), folder.end(), '*', '_'); // not every system has files of every name
+    return folder;
+}
 
 StoreOnDisk& StoreOnDisk::item(const std::string& name, const std::string& revision, const std::vector<Needs>& needs) {
     const std::string metadata = metadataOf(name, revision, needs);

@@ -3,6 +3,7 @@
 #include "support/GitRepo.h"
 #include "support/TempDir.h"
 
+#include <map>
 #include <memory>
 
 /// A store with a real repository and what the hub ships of it.
@@ -20,6 +21,8 @@ public:
     GitRepo& getRepo() { return m_repo; }
     /// Commits a revision of an item, for the first time or again; the last one committed is the latest in the catalog.
     StoreOnDisk& item(const std::string& name, const std::string& revision, const std::vector<Needs>& needs = {});
+    /// Gives an item another folder below "items", for the revisions that are committed from now on.
+    StoreOnDisk& move(const std::string& name, const std::string& folder);
     /// Leaves an item out of the catalog; the commits stay.
     void withdraw(const std::string& name);
     /// Writes store metadata, catalog and item metadata below @p storesData.
@@ -37,11 +40,14 @@ private:
     };
     using Item = std::pair<std::string, std::vector<Revision>>; // its name, and what there is of it
 
+    std::string folderOf(const std::string& name) const;
+
     std::string m_name;
     std::string m_type;
     bool m_multiRevision;
     GitRepo m_repo;
     std::vector<Item> m_items;
+    std::map<std::string, std::string> m_folders; // of items that have moved
 };
 
 /// A temporary directory, and an environment that leads to it and to nothing of the developer's own.

@@ -2,6 +2,7 @@
 #include "plaz/store/HSCPlazChangeNote.h"
 #include "plaz/tasks/HSCPlazItemChanges.h"
 
+#include <algorithm>
 #include <sstream>
 
 namespace {
@@ -266,7 +267,43 @@ TEST_F(ItemTasksTest, RemovalStaysInTheStoresArea) {
 TEST_F(ItemTasksTest, ItemsInsideOneAnotherAreRefused) {
     ship("a a/inner");
     walk({{"+a/inner", " 17-1570 17-1573", "a/inner@1 user 0;"},
-          {"+a", "! 17-1570 17-2160 17-1567", "a/inner@1 user 0;"}});
+          {"+a", "! 17-1570 17-2243 17-1567", "a/inner@1 user 0;"}});
+}
+
+// An item's folder that moves: what is left of the old one, its new files gone with it, or other items' or the user's.
+TEST_F(ItemTasksTest, FoldersMove) {
+    StoreOnDisk& store = ship("x y");
+    ASSERT_TRUE(install("x") && install("y"));
+    const std::string area = files.area("ced_store/items/");
+    const auto list = [&](const std::string& dir) {
+        Names names = HUTFile::listTree(area + dir);
+        std::sort(names.begin(), names.end());
+        return names;
+    };
+    const auto moveTo = [&](const std::string& item, const std::string& folder) {
+        store.move(item, folder).item(item, "1");
+        reload();
+    };
+    const auto update = [&](const std::string& folder) {
+        files.temp.write("appdata/2024.2/plaz/ced_store/items/" + folder + "/own.txt", folder);
+        takeIds();
+        EXPECT_TRUE(ItemTasksTest::update("x"));
+        EXPECT_EQ(takeIds(), (Names{"17-1570", "17-2231", "17-2188"}));
+        EXPECT_TRUE(HSCPlazTaskMgr::verifyItem(hub(), find("x"), nullptr).isDone());
+    };
+    moveTo("x", "x/in");
+    update("x");
+    EXPECT_EQ(list("x"), (Names{"in", "in/body.txt", "in/item.json"}));
+    moveTo("x", "x");
+    update("x/in"); // of which the commit has files, too
+    EXPECT_EQ(list("x"), (Names{"body.txt", "in", "in/body.txt", "in/item.json", "item.json"}));
+    moveTo("y", "z");
+    moveTo("x", "y");
+    walk({{"^x", "! 17-1570 17-2243 17-1567", "x@1 user 0;y@1 user 0;"},
+          {"^y", " 17-1570 17-2188", "x@1 user 0;y@1 user 0;"}});
+    update("x");
+    EXPECT_EQ(list("x"), Names{});
+    EXPECT_EQ(body("y") + body("z"), "x 1\ny 1\n");
 }
 
 // An alarm about what the user has stopped; good news that nobody asked for, or an error kept back with them.

@@ -19,6 +19,7 @@ constexpr const char* filesKey = "files";
 constexpr const char* placeKey = "place";
 constexpr const char* identityKey = "identity";
 constexpr const char* formerKey = "former";
+constexpr const char* formerCommitKey = "former_commit";
 
 /// Names that may not be used are none.
 std::vector<std::string> readFiles(const rapidjson::Value& plaz) {
@@ -46,6 +47,7 @@ bool HSCPlazChangeNote::prepare(const HSCPlazPendingChange& change) const {
     Json::AddStringProperty(document, plaz, identityKey, change.identity);
     Json::AddStringProperty(document, plaz, placeKey, change.place);
     Json::AddStringProperty(document, plaz, formerKey, change.former);
+    Json::AddStringProperty(document, plaz, formerCommitKey, change.formerCommit);
     if (change.item) {
         rapidjson::Value item = HSCPlazLocalDBWriter::toRecord(document, *change.item);
         Json::AddGenericValueProperty(document, plaz, itemKey, item);
@@ -68,10 +70,14 @@ HSCPlazPendingChange HSCPlazChangeNote::read() const {
     if (HIOStream::read(m_file, text) != HIOStream::Status::ok || !Json::parseInPlace(text, document, error)) return {};
     const rapidjson::Value* plaz = Json::FindObject(document, HSCPlazKey::plaz);
     if (!plaz) return {};
-    HSCPlazPendingChange change{
-        Json::GetStringProperty(*plaz, storeKey),    nullptr,          Json::GetBooleanProperty(*plaz, installedKey),
-        Json::GetStringProperty(*plaz, identityKey), readFiles(*plaz), Json::GetStringProperty(*plaz, placeKey),
-        Json::GetStringProperty(*plaz, formerKey)};
+    HSCPlazPendingChange change{Json::GetStringProperty(*plaz, storeKey),
+                                nullptr,
+                                Json::GetBooleanProperty(*plaz, installedKey),
+                                Json::GetStringProperty(*plaz, identityKey),
+                                readFiles(*plaz),
+                                Json::GetStringProperty(*plaz, placeKey),
+                                Json::GetStringProperty(*plaz, formerKey),
+                                Json::GetStringProperty(*plaz, formerCommitKey)};
     if (const rapidjson::Value* item = Json::FindObject(*plaz, itemKey))
         change.item = HSCPlazLocalDBReader::toItem(*item);
     return change;

@@ -19,8 +19,9 @@ struct HSCPlazPendingChange {
     /// The area that a store is about to move to, or in which the descriptions of its catalog are about to be replaced.
     /// Nothing of a move counts until the place is recorded.
     std::string place = {};
-    /// Where the item's files were before, if that is another directory. They go once the change is recorded.
-    std::string former = {};
+    /// Where the item's files were before, if that is another directory, and of which commit. They go once the change
+    /// is recorded.
+    std::string former = {}, formerCommit = {};
 };
 
 /// The note of a change under way. It is there from before the first file of a task changes its place until all that

@@ -72,14 +72,18 @@ std::optional<HSCPlazItemTree> ask(const Place& place, std::string& problem) {
 
 } // namespace
 
+Place HSCPlazInstalledTrees::placeAt(const HSCPlazWorkspace& workspace, const HSCPlazQStore& store,
+                                     const std::string& dir, const std::string& commit) {
+    const HSCPlazStoreLayout layout = workspace.paths.getStoreLayout(*store.getModel());
+    return {layout, layout.getFolderOf(dir), {}, commit};
+}
+
 Place HSCPlazInstalledTrees::placeOf(const HSCPlazWorkspace& workspace, const HSCPlazFoundItem& found,
                                      const HSCPlazQItemModel& record) {
-    const HSCPlazQStoreModel& store = *found.store->getModel();
-    const HSCPlazStoreLayout layout = workspace.paths.getStoreLayout(store);
-    Place place{layout, layout.getFolderOf(record.getLocalDir()), {}, record.getCommitId()};
+    Place place = placeAt(workspace, *found.store, record.getLocalDir(), record.getCommitId());
     place.root = place.folder;
     const std::string ending = "/" + found.item->getRevision();
-    if (store.isMultiRevisionSupported() && ending.size() > 1 && ends_with(place.root, ending))
+    if (found.store->IsMultiRevisionSupported() && ending.size() > 1 && ends_with(place.root, ending))
         place.root.resize(place.root.size() - ending.size());
     return place;
 }

@@ -30,6 +30,9 @@ struct Place {
 
 /// @param record  commit and local directory of the item's files, as the database has them
 Place placeOf(const HSCPlazWorkspace& workspace, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record);
+/// Where files of a commit are, whatever is recorded; without a folder in the repository.
+Place placeAt(const HSCPlazWorkspace& workspace, const HSCPlazQStore& store, const std::string& dir,
+              const std::string& commit);
 /// Of an item that is installed.
 Place placeOf(const HSCPlazWorkspace& workspace, const HSCPlazFoundItem& found);
 

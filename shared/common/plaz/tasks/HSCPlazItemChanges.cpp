@@ -15,6 +15,9 @@
 #include "plaz/tasks/HSCPlazItemFiles.h"
 #include "plaz/tasks/HSCPlazTask.h"
 #include "support/HUTFile.h"
+#include "support/HUTFileTree.h"
+
+#include <boost/algorithm/string/predicate.hpp>
 
 #include <boost/filesystem/path.hpp>
 
@@ -58,22 +61,32 @@ bool isInside(const HSCPlazTask& task, const HSCPlazQStore& store, const std::st
            !HUTFile::isBeneath(layout.getHiddenDir(), dir);
 }
 
-/// Whether a directory in which an item was before may go: nothing else that is installed lies there.
-bool isDisposable(const HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& old,
-                  const std::string& dir) {
-    const auto isThere = [&](const HSCPlazQItem* other) {
-        return other != found.item && other->IsInstalled() && HUTFile::isBeneath(old, other->getLocalRootDir());
-    };
-    const auto& items = found.store->getItems();
-    return !old.empty() && old != dir && isInside(task, *found.store, old) && !HUTFile::isBeneath(old, dir) &&
-           std::none_of(items.begin(), items.end(), isThere);
-}
-
 /// Where an item's files are as long as they have not come to another place, because its folder in the repository is
-/// another one now; empty where they do not move, or where other items lie in that folder.
+/// another one now; empty where they do not move.
 std::string formerDirectory(const HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir) {
     const std::string old = found.item->IsInstalled() ? found.item->getLocalRootDir() : std::string();
-    return isDisposable(task, found, old, dir) ? old : std::string();
+    return old != dir && isInside(task, *found.store, old) ? old : std::string();
+}
+
+std::vector<std::string> findInstalledDirs(const HSCPlazQStore& store) {
+    std::vector<std::string> dirs;
+    for (const HSCPlazQItem* item : store.getItems())
+        if (item->IsInstalled() && !item->getLocalRootDir().empty()) dirs.push_back(item->getLocalRootDir());
+    return dirs;
+}
+
+/// Removes a directory but for others in it. @return false when something resists
+bool removeAllBut(const std::string& dir, const std::vector<std::string>& kept) {
+    bool areGone = true;
+    for (const std::string& name : HUTFile::createFileIter(dir)) {
+        const std::string path = dir + "/" + name;
+        const auto isAt = [&](const std::string& one) { return one == path; };
+        const auto isIn = [&](const std::string& one) { return boost::algorithm::starts_with(one, path + "/"); };
+        if (std::any_of(kept.begin(), kept.end(), isAt)) continue;
+        const bool isPassed = std::any_of(kept.begin(), kept.end(), isIn) && !HUTFileTree::isLink(path);
+        areGone = (isPassed ? removeAllBut(path, kept) : HUTFile::rmRecursive(path)) && areGone;
+    }
+    return areGone && (!HUTFile::createFileIter(dir).empty() || HUTFile::rmRecursive(dir));
 }
 
 /// Back to where they were. @param incoming  what was put in its place came from there
@@ -311,13 +324,18 @@ bool HSCPlazItemChanges::put(const HSCPlazFoundItem& found, HSCPlazPendingChange
                              const HSCPlazReport& obstacle) {
     const std::string incoming = incomingOf(m_task, *found.store);
     change.former = formerDirectory(m_task, found, change.item->getLocalDir());
+    change.formerCommit = found.item->getModel()->getInstalledCommitId();
     std::vector<HSCPlazOwnFiles::Kept> kept;
     const bool isPut = keepOwn(found, change, incoming, kept) && exchange(change, incoming, obstacle);
     const bool isDone = isPut && record(found, change);
     const bool isUndone = !isPut || (!isDone && undo(incoming, change.item->getLocalDir()));
     for (const HSCPlazOwnFiles::Kept& one : kept)
         isUndone ? HSCPlazOwnFiles::discard(m_task.getWorkspace().paths, one) : m_task.tell(one.note);
-    if (isDone) return removeFormer(found, change);
+    if (isDone) {
+        const bool isLeft = removeFormer(found, change);
+        m_isStuck = m_isStuck || !isLeft; // the next task tries again
+        return isLeft;
+    }
     if (!isPut) return false;
     if (isUndone)
         withdraw(change, incoming);
@@ -328,7 +346,13 @@ bool HSCPlazItemChanges::put(const HSCPlazFoundItem& found, HSCPlazPendingChange
 
 bool HSCPlazItemChanges::keepOwn(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change,
                                  const std::string& incoming, std::vector<HSCPlazOwnFiles::Kept>& kept) {
-    for (const std::string& going : {change.item->getLocalDir(), change.former}) {
+    std::vector<std::string> leaving{change.item->getLocalDir(), change.former};
+    if (change.isInstalled)
+        for (const HSCPlazQItem* other : findReplaced(found))
+            if (HUTFile::isBeneath(leaving.front(), other->getLocalRootDir()) &&
+                other->getLocalRootDir() != leaving.front())
+                leaving.push_back(other->getLocalRootDir());
+    for (const std::string& going : leaving) {
         const auto one = HSCPlazOwnFiles::keepAside(m_task, found, going, incoming, !change.isInstalled);
         if (!one) return false;
         kept.push_back(*one);
@@ -355,7 +379,7 @@ bool HSCPlazItemChanges::record(const HSCPlazFoundItem& found, const HSCPlazPend
         for (HSCPlazQItem* other : findReplaced(found)) {
             // One in another folder goes at the end of the task, since nobody needs it any more.
             const std::string theirs = Files::removableDirectory(m_task, {found.store, other});
-            const bool hasItsOwn = HUTFile::exists(theirs) && !HUTFile::isAKA(theirs, change.item->getLocalDir());
+            const bool hasItsOwn = HUTFile::exists(theirs) && !HUTFile::isBeneath(change.item->getLocalDir(), theirs);
             hasItsOwn ? other->getModel()->setMode(Mode::tool) : other->getModel()->clearInstallation();
         }
         const std::string refusal = apply(*found.store, *change.item);
@@ -369,9 +393,26 @@ bool HSCPlazItemChanges::record(const HSCPlazFoundItem& found, const HSCPlazPend
 }
 
 bool HSCPlazItemChanges::removeFormer(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change) {
-    if (!isDisposable(m_task, found, change.former, change.item->getLocalDir())) return true;
-    return HUTFile::rmRecursive(change.former) ||
-           m_task.fail(Msg::removalIncomplete, change.item->getName(), change.former);
+    const std::string& former = change.former;
+    if (!isInside(m_task, *found.store, former) || !HUTFile::isDirectory(former)) return true;
+    const std::vector<std::string> dirs = findInstalledDirs(*found.store);
+    // What lies in an installed item's folder is that item's.
+    const bool isOthers =
+        std::any_of(dirs.begin(), dirs.end(), [&](const std::string& dir) { return HUTFile::isBeneath(dir, former); });
+    return isOthers || removeAllBut(former, dirs) ||
+           m_task.fail(Msg::formerFolderStays, Files::shownName(*found.item), change.item->getLocalDir(), former);
+}
+
+void HSCPlazItemChanges::finishFormer(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change) {
+    if (!found || !isInside(m_task, *found.store, change.former)) return;
+    // Since the note was written, somebody may have worked there.
+    const auto place =
+        HSCPlazInstalledTrees::placeAt(m_task.getWorkspace(), *found.store, change.former, change.formerCommit);
+    if (!HSCPlazInstalledTrees::readKept(place)) return;
+    const auto kept = HSCPlazOwnFiles::keepAside(m_task, found, change.former, incomingOf(m_task, *found.store), false,
+                                                 change.formerCommit);
+    if (kept) m_task.tell(kept->note);
+    if (kept) removeFormer(found, change);
 }
 
 bool HSCPlazItemChanges::save(HSCPlazQStore& store) {
@@ -428,8 +469,8 @@ void HSCPlazItemChanges::finishInterrupted() {
     }
     const HSCPlazFoundItem known{store, store->getItem(name, change.item->getRevision())};
     if (isRecorded(known, change)) {
-        removeFormer(known, change);
-        return describeReturned(m_task, *store);
+        describeReturned(m_task, *store);
+        return finishFormer(known, change);
     }
     if (!known && change.isInstalled) {
         // What the catalog has left out meanwhile is listed because it is installed.
@@ -438,7 +479,7 @@ void HSCPlazItemChanges::finishInterrupted() {
     }
     const HSCPlazFoundItem found{store, store->getItem(name, change.item->getRevision())};
     m_isUnfinished = found && !record(found, change);
-    if (found && !m_isUnfinished) removeFormer(found, change);
+    if (!m_isUnfinished) finishFormer(found, change);
     if (!m_isUnfinished) m_task.tell(Msg::changeFinished, MsgSeverity::warning, name);
 }
 
@@ -490,9 +531,9 @@ bool HSCPlazItemChanges::end() {
     // What keeps items that nobody needs from going concerns who changes what is installed, and nobody else.
     m_isBlocked = m_isBlocked || !isChanged;
     const bool areGone = removeUnneeded() || m_isBlocked; // what was to be done is done all the same
-    if (m_note.exists()) {
+    if (m_note.exists() && !m_isStuck) { // else the next task goes by both
         removeStaleTrees(m_task);
-        if (!m_isStuck && isClean) m_note.forget();
+        if (isClean) m_note.forget();
     }
     return areGone && m_isSound && (!m_isStuck || m_isBlocked);
 }

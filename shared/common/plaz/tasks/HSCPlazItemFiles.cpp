@@ -43,14 +43,20 @@ bool describedOnDisk(HSCPlazTask& task, const HSCPlazFoundItem& found, HSCPlazQI
            description.getRevision() == found.item->getRevision();
 }
 
-/// An item that is or holds the directory of another: its files would be replaced together with it.
-const HSCPlazQItem* findOverlap(const HSCPlazFoundItem& found) {
-    const auto keyOf = [](const HSCPlazQItem& item) { return HUTFile::getNameKey(item.getRoot()) + "/"; };
-    const std::string own = keyOf(*found.item);
+bool areOneInAnother(const std::string& a, const std::string& b) {
+    const std::string first = HUTFile::getNameKey(a) + "/", second = HUTFile::getNameKey(b) + "/";
+    return first.compare(0, second.size(), second) == 0 || second.compare(0, first.size(), first) == 0;
+}
+
+/// An item that is or holds the directory of another, where the catalog has both or where the other is recorded: its
+/// files would be replaced together with it.
+const HSCPlazQItem* findOverlap(const HSCPlazFoundItem& found, const std::string& dir) {
     for (const HSCPlazQItem* other : found.store->getItems()) {
         if (!other->IsInstalled() || other->getName() == found.item->getName()) continue;
-        const std::string theirs = keyOf(*other);
-        if (own.compare(0, theirs.size(), theirs) == 0 || theirs.compare(0, own.size(), own) == 0) return other;
+        const std::string theirs = other->getLocalRootDir();
+        if (areOneInAnother(found.item->getRoot(), other->getRoot()) ||
+            (!theirs.empty() && areOneInAnother(dir, theirs)))
+            return other;
     }
     return nullptr;
 }
@@ -70,12 +76,15 @@ bool takeBeside(const std::string& from, const std::string& to, const std::vecto
 }
 
 /// Folders of other installed items, such as the item's own revisions, that lie in a directory; relative to it.
-std::vector<std::string> findItemsInside(const HSCPlazFoundItem& found, const std::string& dir) {
+/// @param isReplacing  not those of revisions in whose place the item comes
+std::vector<std::string> findItemsInside(const HSCPlazFoundItem& found, const std::string& dir, bool isReplacing) {
     const std::string start = dir + "/";
     std::vector<std::string> names;
     for (const HSCPlazQItem* other : found.store->getItems()) {
         const std::string theirs = other->getLocalRootDir();
-        if (other != found.item && other->IsInstalled() && theirs.compare(0, start.size(), start) == 0 &&
+        const bool isReplaced =
+            isReplacing && !found.store->IsMultiRevisionSupported() && other->getName() == found.item->getName();
+        if (other != found.item && !isReplaced && other->IsInstalled() && theirs.compare(0, start.size(), start) == 0 &&
             HUTFile::exists(theirs))
             names.push_back(theirs.substr(start.size()));
     }
@@ -166,19 +175,18 @@ bool HSCPlazItemFiles::fetch(HSCPlazTask& task, const HSCPlazFoundItem& found, c
         task.tell(Msg::itemInstalling, MsgSeverity::warning, shownName(*found.item),
                   HSCPlazTrust::maskSecrets(found.store->getUrl()));
     if (!requireReachable(task, found)) return false;
-    if (const HSCPlazQItem* other = findOverlap(found))
-        return task.fail(Msg::itemRefused, found.item->getName(),
-                         "its directory overlaps that of the installed item " + other->getName());
+    const std::string& dir = record.getLocalDir();
+    if (const HSCPlazQItem* other = findOverlap(found, dir))
+        return task.fail(Msg::itemOverlaps, found.item->getName(), dir, referenceOf(*other));
     const HSCPlazWorkspace& workspace = task.getWorkspace();
     const Trees::Place place = Trees::placeOf(workspace, found, record);
     const std::string incoming = place.layout.getIncoming();
-    const std::string& dir = record.getLocalDir();
     const auto [outcome, listing] = HSCPlazGitInstall::fetch(workspace.gitStore(*found.store->getModel()),
                                                              *toWanted(found, place), {dir, incoming});
     if (!outcome.isDone) return task.fail(outcome.getWhole());
     task.tell(outcome.report);
     return checkAndKeepTree(task, found, place, incoming, listing) &&
-           takeAlong(task, found, dir, findItemsInside(found, dir));
+           takeAlong(task, found, dir, findItemsInside(found, dir, true));
 }
 
 bool HSCPlazItemFiles::takeAlong(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir,
@@ -189,7 +197,7 @@ bool HSCPlazItemFiles::takeAlong(HSCPlazTask& task, const HSCPlazFoundItem& foun
 
 bool HSCPlazItemFiles::makeRemains(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir) {
     const std::string remains = layoutOf(task, found).getIncoming();
-    std::vector<std::string> kept = findItemsInside(found, dir);
+    std::vector<std::string> kept = findItemsInside(found, dir, false);
     const std::string metadata = found.item->getMetadataFile();
     if (!metadata.empty() && HUTFile::isRegularFile(dir + "/" + metadata)) kept.push_back(metadata);
     return (HUTFile::rmRecursive(remains) && HUTFile::mkDirRecursive(remains) && takeBeside(dir, remains, kept)) ||
@@ -207,6 +215,12 @@ void HSCPlazItemFiles::describe(HSCPlazTask& task, const HSCPlazFoundItem& found
 std::string HSCPlazItemFiles::removableDirectory(const HSCPlazTask& task, const HSCPlazFoundItem& found) {
     const std::string own = directoryOf(task.getWorkspace(), found);
     const std::string recorded = found.item->getLocalRootDir();
+    const auto& items = found.store->getItems();
+    const bool isShared = std::any_of(items.begin(), items.end(), [&](const HSCPlazQItem* other) {
+        return other != found.item && other->IsInstalled() &&
+               other->getLocalRootDir() == (recorded.empty() ? own : recorded);
+    });
+    if (isShared) return {};
     if (recorded.empty() || recorded == own) return own;
     const std::string area = layoutOf(task, found).getArea();
     const std::string metadata = found.item->getMetadataFile();

@@ -48,11 +48,14 @@ void dropSpecial(Differences& files, const std::string& dir) {
 }
 
 /// What a folder holds beside what its installation has left there.
-Differences compare(const HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir) {
+Differences compare(const HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir,
+                    const std::string& commit) {
     const HSCPlazWorkspace& workspace = task.getWorkspace();
     std::optional<HSCPlazItemTree> tree;
     std::string unknown;
-    if (const HSCPlazFoundItem installed = findInstalledAt(found, dir))
+    if (!commit.empty())
+        tree = Trees::readKept(Trees::placeAt(workspace, *found.store, dir, commit));
+    else if (const HSCPlazFoundItem installed = findInstalledAt(found, dir))
         tree = Trees::find(Trees::placeOf(workspace, installed), unknown);
     Differences files = Trees::compare(*found.store, dir, tree ? &*tree : nullptr);
     if (!tree) {
@@ -159,13 +162,13 @@ std::optional<std::vector<std::string>> HSCPlazOwnFiles::findStaying(HSCPlazTask
 }
 
 std::optional<Kept> HSCPlazOwnFiles::keepAside(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir,
-                                               const std::string& incoming, bool isRemoval) {
+                                               const std::string& incoming, bool isRemoval, const std::string& commit) {
     if (task.getOptions().areChangesDiscarded || !HUTFile::exists(dir)) return Kept();
     if (!HUTFile::isDirectory(dir) || HUTFileTree::isLink(dir)) {
         const boost::filesystem::path path(dir);
         return copyAside(task, found, dir, path.parent_path().generic_string(), {path.filename().string()});
     }
-    const Differences files = compare(task, found, dir);
+    const Differences files = compare(task, found, dir, commit);
     const std::string name = HSCPlazItemFiles::shownName(*found.item);
     if (!files.unreadable.empty()) {
         task.fail(Msg::ownFileUnreadable, dir + "/" + files.unreadable.front(), name);

@@ -34,9 +34,10 @@ struct Kept {
 /// @param dir       its folder; need not exist
 /// @param incoming  the other directory
 /// @param isRemoval what the item leaves of itself is kept, too, where it was changed
+/// @param commit    of which its files were installed; empty where that is recorded
 /// @return empty when that failed (Msg::ownFilesNotKept, ownFileUnreadable); the folder is as it was
 std::optional<Kept> keepAside(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir,
-                              const std::string& incoming, bool isRemoval);
+                              const std::string& incoming, bool isRemoval, const std::string& commit = "");
 /// Where the change does not happen, and all is where it was.
 void discard(const HSCPlazPathMgr& paths, const Kept& kept);
 

@@ -77,6 +77,8 @@ bool HSCPlazRepairTask::restoreLost(HSCPlazTask& task, HSCPlazItemChanges& chang
     if (!tree) return true; // nobody knows of anything that is lost
     const Differences lost = tree->findLost(place.getDirectory());
     const std::string name = Files::shownName(*found.item);
+    if (!lost.unreadable.empty())
+        return task.fail(Msg::ownFileUnreadable, place.getDirectory() + "/" + lost.unreadable.front(), name);
     if (!lost.missing.empty() || !lost.changed.empty()) {
         std::vector<std::string> files = lost.missing;
         files.insert(files.end(), lost.changed.begin(), lost.changed.end());
