@@ -60,6 +60,22 @@ TEST_F(GitInstall, CompleteWorkingCopyIsFetchedOnlyForAMissingCommit) {
     EXPECT_EQ(takeIds(), Names{}) << "nobody is told of an attempt that was made good";
 }
 
+// Faults: what somebody has left in a working copy is installed; files are written to where it says.
+TEST_F(GitInstall, WorkingCopyCountsByItsCommitsAlone) {
+    ASSERT_TRUE(install(first));
+    const auto run = [&](const Names& args) { EXPECT_EQ(HSCPlazGitRunner::ask(args, index).status, 0); };
+    run({"checkout", first});
+    writeFile(index + "/boards/a/item.json", "{}");
+    writeFile(index + "/boards/a/more", "x");
+    run({"add", "boards"});
+    ASSERT_TRUE(install(first));
+    EXPECT_EQ(installed("boards/a/item.json"), "{\"v\": 1}");
+    EXPECT_EQ(list("area/boards/a"), (Names{"item.json", "old"}));
+    run({"config", "core.worktree", temp.makeDir("elsewhere")});
+    EXPECT_TRUE(install(second));
+    EXPECT_EQ(list("elsewhere"), Names{});
+}
+
 // Faults: an index that is read in another way than git reads it; one that cannot be read taken for an empty folder.
 TEST_F(GitInstall, IndexListsAsGitDoes) {
     const std::string dir = remote.write("boards/a/sub/\xc3\xa4 b", "1").write("boards/ab", "2").getDir();
