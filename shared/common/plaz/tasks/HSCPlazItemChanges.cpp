@@ -531,7 +531,7 @@ bool HSCPlazItemChanges::end() {
     // What keeps items that nobody needs from going concerns who changes what is installed, and nobody else.
     m_isBlocked = m_isBlocked || !isChanged;
     const bool areGone = removeUnneeded() || m_isBlocked; // what was to be done is done all the same
-    if (m_note.exists() && !m_isStuck) { // else the next task goes by both
+    if (m_note.exists() && !m_isStuck) {                  // else the next task goes by both
         removeStaleTrees(m_task);
         if (isClean) m_note.forget();
     }
