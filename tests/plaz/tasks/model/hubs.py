@@ -17,11 +17,12 @@ FILES = {SEVERAL: ("boards-store.git", "boards_catalog.json"), ONE: ("tcl-store.
 
 
 class Publisher:
-    """catalogs: what each store offers by now. contents, files: dependencies, and files, of each commit."""
+    """catalogs: what each store offers by now. contents, files: dependencies, and files, of each commit. names: what
+    its item calls itself."""
 
     def __init__(self, repositories):
         self.repositories = repositories
-        self.catalogs, self.contents, self.files = {SEVERAL: {}, ONE: {}}, {}, {}
+        self.catalogs, self.contents, self.files, self.names = {SEVERAL: {}, ONE: {}}, {}, {}, {}
 
     def publish(self, store, changes):
         """Commits items, and then the catalog. A change is (kind, name, ...)."""
@@ -37,7 +38,7 @@ class Publisher:
                     _, commits, folder = catalog.get(name, new)
                     files = make_files(name, *more, len(self.files))
                     commit = commit_files(git, {f"{folder}/{file}": text for file, text in files.items()})
-                    self.files[commit], self.contents[commit] = files, more[1]
+                    self.files[commit], self.contents[commit], self.names[commit] = files, more[1], name
                     catalog[name] = Entry(more[0], {**commits, more[0]: commit}, folder)
                 elif entry := catalog.pop(name, None):  # or it is withdrawn
                     latest = entry.latest

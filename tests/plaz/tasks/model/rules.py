@@ -38,7 +38,8 @@ class Model:
         return item if item[2] in (commits if store == SEVERAL else [latest]) and item[2] else None
 
     def get_needs(self, item):
-        return self.published.contents[self.installed[item].commit]
+        commit = self.installed[item].commit
+        return self.published.contents[commit] if self.published.names[commit] == item[1] else ()  # not of another item
 
     def list_asked_for(self):
         return [item for item, fact in self.installed.items() if fact.mode == "user"]
