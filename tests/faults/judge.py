@@ -18,6 +18,12 @@ def parse_listing(text):
     return {name: about.split()[2] for about, name in (line.split("\t") for line in text.split("\0")[:-1])}
 
 
+def read_tree(file):
+    """@return commit and listing of a kept tree that is whole"""
+    parts = file.read_text("utf-8").split("\n", 3)
+    return (parts[2], parse_listing(parts[3])) if parts[3:] and parts[3].endswith("\0") else None
+
+
 def get_blob(text):
     return hashlib.sha1(b"blob %d\0" % len(text) + text).hexdigest()
 
@@ -82,9 +88,8 @@ class Home:
                     self.garbage.append(path)
             elif "/plaz_kept/" in path:
                 self.kept[path] = file.read_bytes()
-            elif "/.plaz/.trees/" in path and not file.name.startswith(".plaz-"):
-                *_, commit, listing = file.read_text("utf-8").split("\n", 3)
-                self.trees.append((path.partition("/.plaz/")[0], commit, parse_listing(listing)))
+            elif "/.plaz/.trees/" in path and not file.name.startswith(".plaz-") and (tree := read_tree(file)):
+                self.trees.append((path.partition("/.plaz/")[0], *tree))
             elif file.name == DATABASE:
                 self.read(file, self.read_records)
             elif file.name == PLACES:

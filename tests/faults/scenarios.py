@@ -163,7 +163,10 @@ def save_home(home, saved):
     """Copies a home that is to come back to its place, with the directory that an interrupted change names."""
     shutil.copytree(home, saved, symlinks=True)
     for note in saved.glob(f"*/plaz/{NOTE}"):
-        named = json.loads(note.read_text("utf-8"))["plaz"]["identity"]
+        try:
+            named = json.loads(note.read_text("utf-8"))["plaz"]["identity"]
+        except ValueError:  # it was not on the disk yet
+            continue
         for directory in (path for path in home.rglob("*") if named and str(path.lstat().st_ino) == named):
             copied = str((saved / directory.relative_to(home)).stat().st_ino)
             edit(note, lambda document: document["plaz"].update(identity=copied))

@@ -114,6 +114,10 @@ bool HSCPlazInstalledTrees::keep(const Place& place, const HSCPlazItemTree& tree
     return tree.write(fileOf(place));
 }
 
+bool HSCPlazInstalledTrees::flush(const Place& place) {
+    return HUTFile::flushWithName(fileOf(place));
+}
+
 void HSCPlazInstalledTrees::removeStale(const HSCPlazWorkspace& workspace, const HSCPlazQStore& store) {
     const HSCPlazStoreLayout layout = workspace.paths.getStoreLayout(*store.getModel());
     const std::string dir = layout.getTreesDir();

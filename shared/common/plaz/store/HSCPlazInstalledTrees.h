@@ -47,6 +47,8 @@ std::optional<HSCPlazItemTree> find(const Place& place, std::string& problem);
 std::optional<HSCPlazItemTree> learn(const Place& place, const std::string& listing, std::string& problem);
 /// Keeps it. @return false when that could not be written
 bool keep(const Place& place, const HSCPlazItemTree& tree);
+/// Waits until what has been kept is on the disk. @return false when it is not there, or the disk reports an error
+bool flush(const Place& place);
 /// Removes what is kept of items that are not installed, or not at that commit.
 void removeStale(const HSCPlazWorkspace& workspace, const HSCPlazQStore& store);
 

@@ -48,7 +48,7 @@ public:
     static std::optional<HSCPlazItemTree> read(const std::string& file, const std::string& commit);
     /// Writes the tree to a file of its own, whole or not at all; makes its directory. The file holds a line that names
     /// its format, the digest of all that follows, the commit, and the files as git lists them. Nothing waits for the
-    /// disk: a file that a power failure has harmed counts as damaged, and git is asked again.
+    /// disk.
     /// @return false, with an old file untouched, when that failed
     bool write(const std::string& file) const;
 

@@ -304,10 +304,13 @@ bool HSCPlazItemChanges::announce(const HSCPlazPendingChange& change) {
     return m_note.write(change) || m_task.fail(Msg::databaseNotSaved, m_note.getFile());
 }
 
-bool HSCPlazItemChanges::announce(const HSCPlazPendingChange& change, const std::string& incoming) {
+bool HSCPlazItemChanges::announce(const HSCPlazQStore& store, const HSCPlazPendingChange& change,
+                                  const std::string& incoming) {
     if (m_isUnfinished) return false;
     if (!m_note.prepare(change)) return m_task.fail(Msg::databaseNotSaved, m_note.getFile());
-    const bool areFilesSafe = HUTFile::flush(incoming);
+    const auto place = HSCPlazInstalledTrees::placeAt(m_task.getWorkspace(), store, change.item->getLocalDir(),
+                                                      change.item->getCommitId());
+    const bool areFilesSafe = HUTFile::flush(incoming) && (!change.isInstalled || HSCPlazInstalledTrees::flush(place));
     if (areFilesSafe && m_note.flush()) return true;
     withdraw(change, incoming);
     return areFilesSafe ? m_task.fail(Msg::databaseNotSaved, m_note.getFile())
@@ -326,7 +329,7 @@ bool HSCPlazItemChanges::put(const HSCPlazFoundItem& found, HSCPlazPendingChange
     change.former = formerDirectory(m_task, found, change.item->getLocalDir());
     change.formerCommit = found.item->getModel()->getInstalledCommitId();
     std::vector<HSCPlazOwnFiles::Kept> kept;
-    const bool isPut = keepOwn(found, change, incoming, kept) && exchange(change, incoming, obstacle);
+    const bool isPut = keepOwn(found, change, incoming, kept) && exchange(*found.store, change, incoming, obstacle);
     const bool isDone = isPut && record(found, change);
     const bool isUndone = !isPut || (!isDone && undo(incoming, change.item->getLocalDir()));
     for (const HSCPlazOwnFiles::Kept& one : kept)
@@ -360,11 +363,11 @@ bool HSCPlazItemChanges::keepOwn(const HSCPlazFoundItem& found, const HSCPlazPen
     return true;
 }
 
-bool HSCPlazItemChanges::exchange(HSCPlazPendingChange& change, const std::string& incoming,
+bool HSCPlazItemChanges::exchange(const HSCPlazQStore& store, HSCPlazPendingChange& change, const std::string& incoming,
                                   const HSCPlazReport& obstacle) {
     change.identity = HUTFile::getIdentity(incoming);
     if (change.identity.empty()) return m_task.fail(Msg::dirNotWritable, incoming);
-    if (!announce(change, incoming)) return false;
+    if (!announce(store, change, incoming)) return false;
     if (HUTFile::exchangeDirectories(incoming, change.item->getLocalDir())) return true;
     withdraw(change, incoming);
     return m_task.fail(obstacle);

@@ -63,8 +63,9 @@ private:
     HSCPlazPendingChange toInstallation(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode) const;
     static HSCPlazPendingChange toRemoval(const HSCPlazFoundItem& found, const std::string& dir);
     bool announce(const HSCPlazPendingChange& change);
-    /// The same for files that wait in the incoming directory: both are on the disk then.
-    bool announce(const HSCPlazPendingChange& change, const std::string& incoming);
+    /// The same for files that wait in the incoming directory: they, the tree that is kept of them and the note are on
+    /// the disk then.
+    bool announce(const HSCPlazQStore& store, const HSCPlazPendingChange& change, const std::string& incoming);
     /// What was announced does not happen. The note says so before the new files go, of which some may resist: nobody
     /// is to take these for whole.
     void withdraw(HSCPlazPendingChange change, const std::string& incoming);
@@ -72,7 +73,8 @@ private:
     /// What a user has made of files in folders that go.
     bool keepOwn(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change, const std::string& incoming,
                  std::vector<HSCPlazOwnFiles::Kept>& kept);
-    bool exchange(HSCPlazPendingChange& change, const std::string& incoming, const HSCPlazReport& obstacle);
+    bool exchange(const HSCPlazQStore& store, HSCPlazPendingChange& change, const std::string& incoming,
+                  const HSCPlazReport& obstacle);
     /// Marks the item as installed. @return why it may not be recorded; empty when it may
     std::string apply(HSCPlazQStore& store, const HSCPlazQItemModel& record) const;
     bool record(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change);
