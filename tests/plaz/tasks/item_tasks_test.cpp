@@ -87,6 +87,16 @@ TEST_F(ItemTasksTest, FailuresOfDependencies) {
           {"-direct", " 17-1574", "leaf@1 tool 1;mid@1 tool 1;deep@1 user 0;"}});
 }
 
+// A revision that was replaced comes back in the place of the new one, since that names it; one that is held all the
+// same told as not there.
+TEST_F(ItemTasksTest, ReplacedRevisionIsNotOnOffer) {
+    StoreOnDisk& store = ship("a b");
+    ASSERT_TRUE(install("a"));
+    store.item("a", "2", {{"tcl", "a", "1"}}).item("b", "1", {{"tcl", "a", "1"}});
+    reload();
+    walk({{"^a", " 17-1570 17-1573", "a@2 user 0;"}, {"+b", " 17-1570 17-1573", "a@2 user 1;b@1 user 0;"}});
+}
+
 // An older revision taken for what its own name means in the catalog, or the newest for one that it does not need.
 TEST_F(ItemTasksTest, OlderRevisionNeedsTheNewest) {
     files.addStore("tcl", "ced", true).item("a", "1", {{"tcl", "a", ""}}).item("a", "2");

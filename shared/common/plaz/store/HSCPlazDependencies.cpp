@@ -54,13 +54,6 @@ std::set<std::string> HSCPlazDependencies::keysOf(const HSCPlazQItem& item) {
     return keys;
 }
 
-std::set<std::string> HSCPlazDependencies::keysOfInstalled(const HSCPlazQItem& item) {
-    std::set<std::string> keys = keysOf(item);
-    if (item.getStore() && findNewestInstalled(*item.getStore(), item.getName()) == &item)
-        keys.insert(::keyOf(item.getStoreName(), item.getName(), ""));
-    return keys;
-}
-
 HSCPlazFoundItem HSCPlazDependencies::findByName(const HSCPlaz& hub, const std::string& store, const std::string& name,
                                                  const std::string& revision) {
     HSCPlazQStore* owner = hub.getStore(store);
@@ -70,6 +63,14 @@ HSCPlazFoundItem HSCPlazDependencies::findByName(const HSCPlaz& hub, const std::
 
 HSCPlazFoundItem HSCPlazDependencies::findOffered(const HSCPlaz& hub, const HSCPlazQItemDependency& dependency) {
     return findByName(hub, dependency.getStore(), dependency.getItem(), dependency.getRevision());
+}
+
+HSCPlazFoundItem HSCPlazDependencies::findOfferedOrInstalled(const HSCPlaz& hub,
+                                                             const HSCPlazQItemDependency& dependency) {
+    // What the catalog has left out is no longer on offer once it is not installed any more.
+    const HSCPlazFoundItem offered = findOffered(hub, dependency);
+    const bool isOnOffer = offered && (offered.item->getModel()->isListed() || offered.item->IsInstalled());
+    return isOnOffer ? offered : findInstalled(hub, dependency);
 }
 
 HSCPlazFoundItem HSCPlazDependencies::findInstalled(const HSCPlaz& hub, const HSCPlazQItemDependency& dependency) {

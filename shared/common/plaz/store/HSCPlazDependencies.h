@@ -23,14 +23,14 @@ namespace HSCPlazDependencies {
 std::string keyOf(const HSCPlazQItemDependency& dependency);
 /// The item's own key, and those of dependencies for which the catalog offers it.
 std::set<std::string> keysOf(const HSCPlazQItem& item);
-/// The same, and that of its name alone where it is what serves that of all that is installed.
-std::set<std::string> keysOfInstalled(const HSCPlazQItem& item);
 
 /// By its revision, else the latest.
 HSCPlazFoundItem findByName(const HSCPlaz& hub, const std::string& store, const std::string& name,
                             const std::string& revision);
 /// What the catalog offers for a dependency.
 HSCPlazFoundItem findOffered(const HSCPlaz& hub, const HSCPlazQItemDependency& dependency);
+/// The same, or else what is installed and serves it.
+HSCPlazFoundItem findOfferedOrInstalled(const HSCPlaz& hub, const HSCPlazQItemDependency& dependency);
 /// The installed item that serves a dependency: in a store that keeps several revisions the one that is named, else the
 /// newest that is installed. The newest is the latest in the catalog's order; after that one the number decides, first
 /// among those that the catalog lists, then among others.

@@ -74,7 +74,9 @@ private:
     Node nodeOf(const HSCPlazQItemDependency& dependency) {
         const auto [known, isNew] = m_named.try_emplace(Dependencies::keyOf(dependency), m_nodes.size());
         if (!isNew) return known->second;
-        return addNode(Dependencies::findInstalled(m_hub, dependency).item, 0);
+        const Node node = addNode(Dependencies::findInstalled(m_hub, dependency).item, 0);
+        m_namesOf[m_nodes[node].item].push_back(node);
+        return node;
     }
 
     void expand(Node node) {
@@ -85,12 +87,11 @@ private:
         }
     }
 
-    /// The names of the item that somebody uses.
-    Nodes namesOf(Node start) const {
-        Nodes names;
-        for (const std::string& key : Dependencies::keysOfInstalled(*m_nodes[start].item))
-            if (const auto named = m_named.find(key); named != m_named.end()) names.push_back(named->second);
-        return names;
+    /// The names that somebody uses and that mean the item.
+    const Nodes& namesOf(Node start) const {
+        static const Nodes none;
+        const auto names = m_namesOf.find(m_nodes[start].item);
+        return names == m_namesOf.end() ? none : names->second;
     }
 
     /// The circles and, each for itself, the nodes that are in none; what leads to others goes before them.
@@ -150,6 +151,7 @@ private:
     std::vector<Step> m_nodes; // the items that the user asked for first
     Nodes m_starts;
     std::unordered_map<std::string, Node> m_named;
+    std::unordered_map<const HSCPlazQItem*, Nodes> m_namesOf;
     std::vector<std::size_t> m_part; // of each node
 };
 

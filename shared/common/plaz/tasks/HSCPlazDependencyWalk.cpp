@@ -71,7 +71,7 @@ bool HSCPlazDependencyWalk::installAll(const HSCPlazQItem& item) {
 bool HSCPlazDependencyWalk::install(const HSCPlazQItemDependency& dependency) {
     m_isCut = m_isCut || m_task.isCancelled();
     if (m_isCut) return false;
-    const HSCPlazFoundItem found = Dependencies::findOffered(m_hub, dependency);
+    const HSCPlazFoundItem found = Dependencies::findOfferedOrInstalled(m_hub, dependency);
     if (!found) {
         inside(installName, " couldn't find the qitem ptr");
         return m_task.fail(Msg::dependencyUnknown, dependency.getItem(), dependency.getStore());

@@ -48,9 +48,9 @@ class Model:
         """@return by how many ways each item is reached from what the user asked for; None when there are too many"""
         counts = dict.fromkeys(self.installed, 0)
         ways = [(item, {item}) for item in self.list_asked_for()]
-        for item, keys in ways:  # by which it names itself
-            if item[0] == ONE or item in (self.find_offer(*item[:2], ""), self.find_server(*item[:2], "")):
-                keys.add((*item[:2], ""))
+        needs = {key: self.find_server(*key) for other in self.installed for key in self.get_needs(other)}
+        for item, keys in ways:  # by which it is named
+            keys |= {key for key, server in needs.items() if server == item}
         for _ in range(TOO_MANY):
             if not ways:
                 return counts
@@ -122,8 +122,7 @@ class Model:
         seen, lacking = {top}, []
 
         def bring(key):
-            there = (item for item in self.list_revisions(*key[:2]) if key[2] in ("", item[2]))  # left out meanwhile
-            item = self.find_offer(*key) or next(there, None)
+            item = self.find_offer(*key) or self.find_server(*key)
             if not item or (item not in self.installed and not self.put(item, "tool")):
                 lacking.append(key)
                 return False
