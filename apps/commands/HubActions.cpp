@@ -119,6 +119,7 @@ ItemsResult HubActions::uninstall(const Items& items) const {
 }
 
 FilesResult HubActions::verify(const Items& items) const {
+    HSCPlazTaskMgr::takeOverRecords(); // once, however many items there are
     return doEach(items, [&](HSCPlazQItem& item) { return HSCPlazTaskMgr::verifyItem(m_hub, item, &m_status); });
 }
 

@@ -161,7 +161,6 @@ void HSCPlazTaskMgr::takeOverRecords() {
 HSCPlazFilesResult HSCPlazTaskMgr::verifyItem(HSCPlaz& hub, HSCPlazQItem& item, HDGUIStatus* status) {
     HSCPlazTask task(workspace(), hub, status);
     task.show("Comparing " + item.getDisplayName());
-    takeOverRecords();
     HSCPlazFilesResult result = HSCPlazRepairTask::verify(workspace(), HSCPlazDependencies::findCurrent(item));
     task.tell(result.report);
     return result;
