@@ -12,20 +12,17 @@
 #include "plaz/store/HSCPlazPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazFetchedFiles.h"
+#include "plaz/tasks/HSCPlazItemDirectories.h"
 #include "plaz/tasks/HSCPlazItemFiles.h"
 #include "plaz/tasks/HSCPlazTask.h"
 #include "support/HUTFile.h"
-#include "support/HUTFileTree.h"
-
-#include <boost/algorithm/string/predicate.hpp>
-
-#include <boost/filesystem/path.hpp>
 
 #include <algorithm>
 #include <utility>
 #include <vector>
 
 using Mode = HSCPlazInstallationMode;
+namespace Directories = HSCPlazItemDirectories;
 namespace Files = HSCPlazItemFiles;
 
 namespace {
@@ -39,10 +36,6 @@ std::vector<HSCPlazQItem*> findReplaced(const HSCPlazFoundItem& found) {
     return replaced;
 }
 
-std::string incomingOf(const HSCPlazTask& task, const HSCPlazQStore& store) {
-    return task.getWorkspace().paths.getStoreLayout(*store.getModel()).getIncoming();
-}
-
 /// What a record says of the item.
 std::shared_ptr<HSCPlazQItemModel> toRecord(const HSCPlazQItemModel& item) {
     auto record = std::make_shared<HSCPlazQItemModel>();
@@ -54,65 +47,6 @@ std::shared_ptr<HSCPlazQItemModel> toRecord(const HSCPlazQItemModel& item) {
     return record;
 }
 
-/// A directory of an item, whatever a note says.
-bool isInside(const HSCPlazTask& task, const HSCPlazQStore& store, const std::string& dir) {
-    const HSCPlazStoreLayout layout = task.getWorkspace().paths.getStoreLayout(*store.getModel());
-    return !dir.empty() && HUTFile::isBeneath(layout.getArea(), dir) && !HUTFile::isAKA(layout.getArea(), dir) &&
-           !HUTFile::isBeneath(layout.getHiddenDir(), dir);
-}
-
-/// Where an item's files are as long as they have not come to another place, because its folder in the repository is
-/// another one now; empty where they do not move.
-std::string formerDirectory(const HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir) {
-    const std::string old = found.item->IsInstalled() ? found.item->getLocalRootDir() : std::string();
-    return old != dir && isInside(task, *found.store, old) ? old : std::string();
-}
-
-std::vector<std::string> findInstalledDirs(const HSCPlazQStore& store) {
-    std::vector<std::string> dirs;
-    for (const HSCPlazQItem* item : store.getItems())
-        if (item->IsInstalled() && !item->getLocalRootDir().empty()) dirs.push_back(item->getLocalRootDir());
-    return dirs;
-}
-
-/// Removes a directory but for others in it. @return false when something resists
-bool removeAllBut(const std::string& dir, const std::vector<std::string>& kept) {
-    bool areGone = true;
-    for (const std::string& name : HUTFile::createFileIter(dir)) {
-        const std::string path = dir + "/" + name;
-        const auto isAt = [&](const std::string& one) { return one == path; };
-        const auto isIn = [&](const std::string& one) { return boost::algorithm::starts_with(one, path + "/"); };
-        if (std::any_of(kept.begin(), kept.end(), isAt)) continue;
-        const bool isPassed = std::any_of(kept.begin(), kept.end(), isIn) && !HUTFileTree::isLink(path);
-        areGone = (isPassed ? removeAllBut(path, kept) : HUTFile::rmRecursive(path)) && areGone;
-    }
-    return areGone && (!HUTFile::createFileIter(dir).empty() || HUTFile::rmRecursive(dir));
-}
-
-/// Back to where they were. @param incoming  what was put in its place came from there
-bool undo(const std::string& incoming, const std::string& dir) {
-    if (HUTFile::exists(incoming)) return HUTFile::exchangeDirectories(incoming, dir);
-    const std::string aside = HUTFile::getAside(incoming); // where the last of three renamings has failed
-    return HUTFile::rename(dir, incoming) && (!HUTFile::exists(aside) || HUTFile::rename(aside, dir));
-}
-
-/// Where directories cannot change places in one step, a process may have ended between two of them. Puts the new
-/// files, if they are whole, or else the old ones into a place that is empty. @return false when they are kept from
-/// there
-bool fillPlace(const HSCPlazPendingChange& change, const std::string& incoming) {
-    const std::string dir = change.item->getLocalDir();
-    if (change.identity.empty() || HUTFile::exists(dir)) return true;
-    const bool isComing = HUTFile::getIdentity(incoming) == change.identity;
-    const std::string files = isComing ? incoming : HUTFile::getAside(incoming);
-    return !HUTFile::exists(files) ||
-           (HUTFile::mkDirRecursive(boost::filesystem::path(dir).parent_path().generic_string()) &&
-            HUTFile::rename(files, dir));
-}
-
-bool isInPlace(const HSCPlazPendingChange& change) {
-    return change.identity.empty() || HUTFile::getIdentity(change.item->getLocalDir()) == change.identity;
-}
-
 bool isRecorded(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change) {
     if (!found || !found.item->IsInstalled()) return !change.isInstalled;
     const HSCPlazQItemModel& item = *found.item->getModel();
@@ -121,46 +55,11 @@ bool isRecorded(const HSCPlazFoundItem& found, const HSCPlazPendingChange& chang
            item.getInstallationMode() == change.item->getInstallationMode();
 }
 
-bool removeLeftovers(const HSCPlazStoreLayout& layout) {
-    bool areGone = true;
-    for (const std::string& leftover :
-         {layout.getStaging(), layout.getIncoming(), HUTFile::getAside(layout.getIncoming())})
-        areGone = HUTFile::rmRecursive(leftover) && areGone;
-    for (const std::string& dir : {layout.getArea(), layout.getHiddenDir(), layout.getIndex()})
-        areGone = HUTFile::removeTemporaries(dir) && areGone;
-    return areGone;
-}
-
-void removeStaleTrees(const HSCPlazTask& task) {
-    for (const HSCPlazQStore* store : task.getHub().getStores())
-        if (store->isProductSpecific()) HSCPlazInstalledTrees::removeStale(task.getWorkspace(), *store);
-}
-
-/// Puts the descriptions of a store's catalog back where the process ended between two renamings, one of which had
-/// taken them aside.
-void takeBackCatalog(const HSCPlazStoreLayout& layout) {
-    const std::string aside = HUTFile::getAside(layout.getIncoming());
-    if (!HUTFile::exists(layout.getCatalogDir()) && HUTFile::exists(aside))
-        HUTFile::exchangeDirectories(aside, layout.getCatalogDir());
-}
-
 /// Items that were out of their places when the hub was read.
 void describeReturned(HSCPlazTask& task, HSCPlazQStore& store) {
     for (HSCPlazQItem* item : store.getItems())
         if (item->IsInstalled() && !item->getModel()->isDescribedByItself()) Files::describe(task, {&store, item});
     HSCPlazHolds::apply(task.getHub());
-}
-
-/// What interrupted tasks have left.
-void removeLeftovers(const HSCPlazTask& task) {
-    for (const HSCPlazQStore* store : task.getHub().getStores())
-        if (store->isProductSpecific()) removeLeftovers(task.getWorkspace().paths.getStoreLayout(*store->getModel()));
-    removeStaleTrees(task);
-    const HSCPlazPathMgr& paths = task.getWorkspace().paths;
-    const std::string& root = task.getHub().getRoot();
-    HUTFile::rmRecursive(paths.getStagingDir(root));
-    for (const std::string& dir : {paths.getUserAreaRoot(), paths.getUserAreaRoot(root)})
-        HUTFile::removeTemporaries(dir);
 }
 
 /// Where the stores are is written down before anything is put there, so that no other order of theirs moves them.
@@ -218,7 +117,7 @@ bool HSCPlazItemChanges::runLocked(HSCPlazTask& task, const std::function<bool(H
     HSCPlazItemChanges changes(task);
     changes.finishInterrupted();
     if (changes.m_isUnfinished) return false; // another change would take the place of the note
-    removeLeftovers(task);
+    Directories::removeLeftovers(task);
     bool isDone = false;
     try {
         isDone = work(changes);
@@ -239,7 +138,7 @@ bool HSCPlazItemChanges::install(const HSCPlazFoundItem& found, Mode mode, bool 
 }
 
 bool HSCPlazItemChanges::fetch(const HSCPlazFoundItem& found, Mode mode, bool isAskedFor) {
-    const HSCPlazGitRemoved incoming(incomingOf(m_task, *found.store)); // the old files, in the end
+    const HSCPlazGitRemoved incoming(Directories::incomingOf(m_task, *found.store)); // the old files, in the end
     const HSCPlazPendingChange change = toInstallation(found, mode);
     if (!Files::fetch(m_task, found, *change.item, isAskedFor)) return false;
     if (!put(found, change, {Msg::dirNotWritable, MsgSeverity::error, change.item->getLocalDir()})) return false;
@@ -257,7 +156,7 @@ bool HSCPlazItemChanges::remove(const HSCPlazFoundItem& found) {
                m_task.fail(Msg::removalRefused, name, found.item->getLocalRootDir());
     const HSCPlazPendingChange change = toRemoval(found, dir);
     if (!HUTFile::exists(dir)) return announce(change) && (record(found, change) || giveUp(*found.store));
-    const HSCPlazGitRemoved incoming(incomingOf(m_task, *found.store)); // the old files, in the end
+    const HSCPlazGitRemoved incoming(Directories::incomingOf(m_task, *found.store)); // the old files, in the end
     if (!Files::makeRemains(m_task, found, dir)) return false;
     if (!put(found, change, {Msg::removalIncomplete, MsgSeverity::error, name, dir})) return false;
     if (HUTFile::createFileIter(dir).empty()) HUTFile::rmRecursive(dir);
@@ -265,7 +164,7 @@ bool HSCPlazItemChanges::remove(const HSCPlazFoundItem& found) {
 }
 
 bool HSCPlazItemChanges::restore(const HSCPlazFoundItem& found, bool areEditsKept) {
-    const HSCPlazGitRemoved incoming(incomingOf(m_task, *found.store)); // the old files, in the end
+    const HSCPlazGitRemoved incoming(Directories::incomingOf(m_task, *found.store)); // the old files, in the end
     const std::string dir = found.item->getLocalRootDir();
     const auto item = toRecord(*found.item->getModel());
     item->setLocalDir(dir);
@@ -325,13 +224,13 @@ void HSCPlazItemChanges::withdraw(HSCPlazPendingChange change, const std::string
 
 bool HSCPlazItemChanges::put(const HSCPlazFoundItem& found, HSCPlazPendingChange change,
                              const HSCPlazReport& obstacle) {
-    const std::string incoming = incomingOf(m_task, *found.store);
-    change.former = formerDirectory(m_task, found, change.item->getLocalDir());
+    const std::string incoming = Directories::incomingOf(m_task, *found.store);
+    change.former = Directories::findFormer(m_task, found, change.item->getLocalDir());
     change.formerCommit = found.item->getModel()->getInstalledCommitId();
     std::vector<HSCPlazOwnFiles::Kept> kept;
     const bool isPut = keepOwn(found, change, incoming, kept) && exchange(*found.store, change, incoming, obstacle);
     const bool isDone = isPut && record(found, change);
-    const bool isUndone = !isPut || (!isDone && undo(incoming, change.item->getLocalDir()));
+    const bool isUndone = !isPut || (!isDone && Directories::undo(incoming, change.item->getLocalDir()));
     for (const HSCPlazOwnFiles::Kept& one : kept)
         isUndone ? HSCPlazOwnFiles::discard(m_task.getWorkspace().paths, one) : m_task.tell(one.note);
     if (isDone) {
@@ -396,24 +295,19 @@ bool HSCPlazItemChanges::record(const HSCPlazFoundItem& found, const HSCPlazPend
 }
 
 bool HSCPlazItemChanges::removeFormer(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change) {
-    const std::string& former = change.former;
-    if (!isInside(m_task, *found.store, former) || !HUTFile::isDirectory(former)) return true;
-    const std::vector<std::string> dirs = findInstalledDirs(*found.store);
-    // What lies in an installed item's folder is that item's.
-    const bool isOthers =
-        std::any_of(dirs.begin(), dirs.end(), [&](const std::string& dir) { return HUTFile::isBeneath(dir, former); });
-    return isOthers || removeAllBut(former, dirs) ||
-           m_task.fail(Msg::formerFolderStays, Files::shownName(*found.item), change.item->getLocalDir(), former);
+    return Directories::removeFormer(m_task, *found.store, change.former) ||
+           m_task.fail(Msg::formerFolderStays, Files::shownName(*found.item), change.item->getLocalDir(),
+                       change.former);
 }
 
 void HSCPlazItemChanges::finishFormer(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change) {
-    if (!found || !isInside(m_task, *found.store, change.former)) return;
+    if (!found || !Directories::isInside(m_task, *found.store, change.former)) return;
     // Since the note was written, somebody may have worked there.
     const auto place =
         HSCPlazInstalledTrees::placeAt(m_task.getWorkspace(), *found.store, change.former, change.formerCommit);
     if (!HSCPlazInstalledTrees::readKept(place)) return;
-    const auto kept = HSCPlazOwnFiles::keepAside(m_task, found, change.former, incomingOf(m_task, *found.store), false,
-                                                 change.formerCommit);
+    const auto kept = HSCPlazOwnFiles::keepAside(
+        m_task, found, change.former, Directories::incomingOf(m_task, *found.store), false, change.formerCommit);
     if (kept) m_task.tell(kept->note);
     if (kept) removeFormer(found, change);
 }
@@ -453,19 +347,19 @@ void HSCPlazItemChanges::finishInterrupted() {
     HSCPlazQStore* store = m_task.getHub().getStore(change.store);
     if (!change.place.empty()) {
         const HSCPlazStoreLayout layout(change.place, change.place);
-        takeBackCatalog(layout);
-        removeLeftovers(layout);
+        Directories::takeBackCatalog(layout);
+        Directories::removeLeftovers(layout);
         return;
     }
     if (store && !change.files.empty()) return finishFiles(change, *store);
-    if (!change.item || !store || !isInside(m_task, *store, change.item->getLocalDir())) return;
+    if (!change.item || !store || !Directories::isInside(m_task, *store, change.item->getLocalDir())) return;
     const std::string name = change.item->getName();
-    m_isUnfinished = !fillPlace(change, incomingOf(m_task, *store));
+    m_isUnfinished = !Directories::fillPlace(change, Directories::incomingOf(m_task, *store));
     if (m_isUnfinished) {
         m_task.fail(Msg::dirNotWritable, change.item->getLocalDir());
         return;
     }
-    if (!isInPlace(change)) {
+    if (!Directories::isInPlace(change)) {
         m_task.tell(Msg::changeUndone, MsgSeverity::warning, name);
         describeReturned(m_task, *store);
         return;
@@ -530,12 +424,13 @@ bool HSCPlazItemChanges::end() {
     const bool isChanged = m_note.exists();
     const HSCPlazPendingChange change = isChanged ? m_note.read() : HSCPlazPendingChange();
     if (m_isUnfinished || !change.files.empty()) return false; // files could not be put into their place
-    const bool isClean = change.place.empty() || removeLeftovers(HSCPlazStoreLayout(change.place, change.place));
+    const bool isClean =
+        change.place.empty() || Directories::removeLeftovers(HSCPlazStoreLayout(change.place, change.place));
     // What keeps items that nobody needs from going concerns who changes what is installed, and nobody else.
     m_isBlocked = m_isBlocked || !isChanged;
     const bool areGone = removeUnneeded() || m_isBlocked; // what was to be done is done all the same
     if (m_note.exists() && !m_isStuck) {                  // else the next task goes by both
-        removeStaleTrees(m_task);
+        Directories::removeStaleTrees(m_task);
         if (isClean) m_note.forget();
     }
     return areGone && m_isSound && (!m_isStuck || m_isBlocked);

@@ -1,0 +1,121 @@
+#include "plaz/tasks/HSCPlazItemDirectories.h"
+
+#include "plaz/model/HSCPlazQItem.h"
+#include "plaz/model/HSCPlazQItemModel.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/store/HSCPlazChangeNote.h"
+#include "plaz/store/HSCPlazInstalledTrees.h"
+#include "plaz/store/HSCPlazWorkspace.h"
+#include "plaz/tasks/HSCPlazTask.h"
+#include "support/HUTFile.h"
+#include "support/HUTFileTree.h"
+
+#include <boost/algorithm/string/predicate.hpp>
+
+#include <boost/filesystem/path.hpp>
+
+#include <algorithm>
+#include <vector>
+
+namespace {
+
+std::vector<std::string> findInstalledDirs(const HSCPlazQStore& store) {
+    std::vector<std::string> dirs;
+    for (const HSCPlazQItem* item : store.getItems())
+        if (item->IsInstalled() && !item->getLocalRootDir().empty()) dirs.push_back(item->getLocalRootDir());
+    return dirs;
+}
+
+/// Removes a directory but for others in it. @return false when something resists
+bool removeAllBut(const std::string& dir, const std::vector<std::string>& kept) {
+    bool areGone = true;
+    for (const std::string& name : HUTFile::createFileIter(dir)) {
+        const std::string path = dir + "/" + name;
+        const auto isAt = [&](const std::string& one) { return one == path; };
+        const auto isIn = [&](const std::string& one) { return boost::algorithm::starts_with(one, path + "/"); };
+        if (std::any_of(kept.begin(), kept.end(), isAt)) continue;
+        const bool isPassed = std::any_of(kept.begin(), kept.end(), isIn) && !HUTFileTree::isLink(path);
+        areGone = (isPassed ? removeAllBut(path, kept) : HUTFile::rmRecursive(path)) && areGone;
+    }
+    return areGone && (!HUTFile::createFileIter(dir).empty() || HUTFile::rmRecursive(dir));
+}
+
+} // namespace
+
+std::string HSCPlazItemDirectories::incomingOf(const HSCPlazTask& task, const HSCPlazQStore& store) {
+    return task.getWorkspace().paths.getStoreLayout(*store.getModel()).getIncoming();
+}
+
+bool HSCPlazItemDirectories::isInside(const HSCPlazTask& task, const HSCPlazQStore& store, const std::string& dir) {
+    const HSCPlazStoreLayout layout = task.getWorkspace().paths.getStoreLayout(*store.getModel());
+    return !dir.empty() && HUTFile::isBeneath(layout.getArea(), dir) && !HUTFile::isAKA(layout.getArea(), dir) &&
+           !HUTFile::isBeneath(layout.getHiddenDir(), dir);
+}
+
+std::string HSCPlazItemDirectories::findFormer(const HSCPlazTask& task, const HSCPlazFoundItem& found,
+                                               const std::string& dir) {
+    const std::string old = found.item->IsInstalled() ? found.item->getLocalRootDir() : std::string();
+    return old != dir && isInside(task, *found.store, old) ? old : std::string();
+}
+
+bool HSCPlazItemDirectories::removeFormer(const HSCPlazTask& task, const HSCPlazQStore& store,
+                                          const std::string& former) {
+    if (!isInside(task, store, former) || !HUTFile::isDirectory(former)) return true;
+    const std::vector<std::string> dirs = findInstalledDirs(store);
+    // What lies in an installed item's folder is that item's.
+    const bool isOthers =
+        std::any_of(dirs.begin(), dirs.end(), [&](const std::string& dir) { return HUTFile::isBeneath(dir, former); });
+    return isOthers || removeAllBut(former, dirs);
+}
+
+bool HSCPlazItemDirectories::undo(const std::string& incoming, const std::string& dir) {
+    if (HUTFile::exists(incoming)) return HUTFile::exchangeDirectories(incoming, dir);
+    const std::string aside = HUTFile::getAside(incoming); // where the last of three renamings has failed
+    return HUTFile::rename(dir, incoming) && (!HUTFile::exists(aside) || HUTFile::rename(aside, dir));
+}
+
+bool HSCPlazItemDirectories::fillPlace(const HSCPlazPendingChange& change, const std::string& incoming) {
+    const std::string dir = change.item->getLocalDir();
+    if (change.identity.empty() || HUTFile::exists(dir)) return true;
+    const bool isComing = HUTFile::getIdentity(incoming) == change.identity;
+    const std::string files = isComing ? incoming : HUTFile::getAside(incoming);
+    return !HUTFile::exists(files) ||
+           (HUTFile::mkDirRecursive(boost::filesystem::path(dir).parent_path().generic_string()) &&
+            HUTFile::rename(files, dir));
+}
+
+bool HSCPlazItemDirectories::isInPlace(const HSCPlazPendingChange& change) {
+    return change.identity.empty() || HUTFile::getIdentity(change.item->getLocalDir()) == change.identity;
+}
+
+bool HSCPlazItemDirectories::removeLeftovers(const HSCPlazStoreLayout& layout) {
+    bool areGone = true;
+    for (const std::string& leftover :
+         {layout.getStaging(), layout.getIncoming(), HUTFile::getAside(layout.getIncoming())})
+        areGone = HUTFile::rmRecursive(leftover) && areGone;
+    for (const std::string& dir : {layout.getArea(), layout.getHiddenDir(), layout.getIndex()})
+        areGone = HUTFile::removeTemporaries(dir) && areGone;
+    return areGone;
+}
+
+void HSCPlazItemDirectories::removeStaleTrees(const HSCPlazTask& task) {
+    for (const HSCPlazQStore* store : task.getHub().getStores())
+        if (store->isProductSpecific()) HSCPlazInstalledTrees::removeStale(task.getWorkspace(), *store);
+}
+
+void HSCPlazItemDirectories::takeBackCatalog(const HSCPlazStoreLayout& layout) {
+    const std::string aside = HUTFile::getAside(layout.getIncoming());
+    if (!HUTFile::exists(layout.getCatalogDir()) && HUTFile::exists(aside))
+        HUTFile::exchangeDirectories(aside, layout.getCatalogDir());
+}
+
+void HSCPlazItemDirectories::removeLeftovers(const HSCPlazTask& task) {
+    for (const HSCPlazQStore* store : task.getHub().getStores())
+        if (store->isProductSpecific()) removeLeftovers(task.getWorkspace().paths.getStoreLayout(*store->getModel()));
+    removeStaleTrees(task);
+    const HSCPlazPathMgr& paths = task.getWorkspace().paths;
+    const std::string& root = task.getHub().getRoot();
+    HUTFile::rmRecursive(paths.getStagingDir(root));
+    for (const std::string& dir : {paths.getUserAreaRoot(), paths.getUserAreaRoot(root)})
+        HUTFile::removeTemporaries(dir);
+}
