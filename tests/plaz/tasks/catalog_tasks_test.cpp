@@ -216,6 +216,9 @@ TEST_F(HubRefreshTest, RebuildsTheHubFromWhatIsPublished) {
     ASSERT_EQ(hub().getStores().size(), 2U);
     HSCPlazQItem* const withdrawn = store().getItem("a", "2");
     ASSERT_TRUE(withdrawn && withdrawn->IsInstalled() && !withdrawn->getModel()->isListed());
+    HUTFile::rmRecursive(withdrawn->getLocalRootDir() + "/body.txt");
+    EXPECT_TRUE(HSCPlazTaskMgr::repairItem(hub(), *withdrawn, {}, nullptr).isDone());
+    EXPECT_EQ(readFile(withdrawn->getLocalRootDir() + "/body.txt"), "a 2\n");
     EXPECT_TRUE(HSCPlazTaskMgr::uninstall(&hub(), hub().getStore("extra")->getItem("b"), true));
     EXPECT_TRUE(HSCPlazTaskMgr::uninstall(&hub(), withdrawn, true));
     ASSERT_TRUE(refreshHub());

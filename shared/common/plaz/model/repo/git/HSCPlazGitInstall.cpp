@@ -96,8 +96,10 @@ private:
         return HSCPlazGitRunner::ask({"cat-file", "-e", commit + "^{commit}"}, dir).status == 0;
     }
 
-    // A working copy from which a commit that is there cannot be checked out, or which lacks one that it has fetched.
+    // A working copy from which a commit that is there cannot be checked out, or which lacks one that it has fetched,
+    // and can be made afresh.
     bool isSuspect() const {
+        if (!m_store.hasRemote()) return false;
         const std::string index = m_store.layout.getIndex();
         const std::string branch = HSCPlazGitHead::findBranch(index, m_store.model.getBranch());
         const std::string fetched = HSCPlazGitHead::getCommit(index, branch);

@@ -16,6 +16,9 @@ struct HSCPlazGitStore {
     std::string access;  ///< the same with the store's credentials: what a working copy records
     bool hasCredentials; ///< user id or token are known
 
+    /// Not for a store that the hub has left out: its working copy is all that there is of it.
+    bool hasRemote() const { return !url.empty(); }
+
     /// @param config  who has credentials for what; null for none
     static HSCPlazGitStore of(const HSCPlazQStoreModel& model, HSCPlazWorkLayout layout, const HSCPlazCfgModel* config);
     /// What is really asked at a URL, with credentials: which store of the hub has it decides on both.

@@ -63,6 +63,13 @@ void discardForeignIndex(const std::string& index, const std::string& url) {
     removeIndex(index);
 }
 
+/// Of the right URL, and completed at some time.
+bool isUsable(const HSCPlazGitStore& store) {
+    const std::string index = store.layout.getIndex();
+    return Layout::isComplete(index) && !leadsElsewhere(index) &&
+           (!store.hasRemote() || HSCPlazGitConfigFile::getRemoteUrl(index) == store.access);
+}
+
 // Each installation copies them and removes the copies again. git makes those that it needs.
 void dropEmptyDirs(const std::string& gitDir) {
     for (const char* dir : {"/objects/info", "/refs/heads", "/refs/tags"})
@@ -122,7 +129,9 @@ bool copyIndex(const std::string& index, const std::string& staging, HSCPlazRepo
 } // namespace
 
 bool HSCPlazGitWorkingCopy::stage(const HSCPlazGitStore& store, bool isFetched, HSCPlazReport& report) {
-    if (const std::string refusal = HSCPlazGitUrl::findRefusal(store.url); !refusal.empty()) {
+    const bool isTaken = !isFetched && isUsable(store);
+    const std::string refusal = HSCPlazGitUrl::findRefusal(store.url);
+    if (!refusal.empty() && (store.hasRemote() || !isTaken)) {
         report.add(Msg::storeRefused, MsgSeverity::error, store.model.getName(), refusal);
         return false;
     }
@@ -134,8 +143,7 @@ bool HSCPlazGitWorkingCopy::stage(const HSCPlazGitStore& store, bool isFetched, 
     trace("bInternet = ", std::to_string(isFetched));
 
     tidyAfterCrash(index + "/" + Layout::gitDir);
-    if (!isFetched && Layout::isComplete(index) && HSCPlazGitConfigFile::getRemoteUrl(index) == store.access &&
-        !leadsElsewhere(index))
+    if (isTaken)
         trace("No need of git init/fetch.");
     else if (!refreshIndex(store, report))
         return false;

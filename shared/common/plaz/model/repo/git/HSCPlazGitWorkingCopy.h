@@ -17,7 +17,7 @@
 namespace HSCPlazGitWorkingCopy {
 
 /// Makes the staging directory a copy of the working copy, which is created, made afresh (another URL, never completed)
-/// or fetched first.
+/// or fetched first. Of a store without a remote it is taken as it is, while it is complete.
 /// @param isFetched  fetch even a complete working copy of the right URL
 /// @param report     Msg::storeRefused for a URL that git is not given, dirNotWritable, credentialsMissing
 /// @return false leaves no staging directory
