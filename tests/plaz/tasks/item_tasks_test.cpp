@@ -252,9 +252,10 @@ TEST_F(ItemTasksTest, ChangeCutShortIsUndoneOrFinished) {
     EXPECT_EQ(readFile(files.temp.path("precious/file")), "keep");
 }
 
-// Whatever the database says, nothing outside the item's own directory is removed.
+// Whatever the database says, nothing outside the item's own directory is removed; what can never be removed, since its
+// place follows another rule by now.
 TEST_F(ItemTasksTest, RemovalStaysInTheStoresArea) {
-    ship("a b d c<d");
+    StoreOnDisk& store = ship("a b d c<d");
     ASSERT_TRUE(install("a") && install("b") && install("c"));
     files.temp.write("precious/item.json", "{}");
     files.temp.write("precious/file", "keep");
@@ -271,6 +272,11 @@ TEST_F(ItemTasksTest, RemovalStaysInTheStoresArea) {
     EXPECT_FALSE(uninstall("c")) << "what it needed is still there";
     EXPECT_EQ(takeIds(), (Names{"17-2163", "17-1574"}));
     EXPECT_EQ(recorded(), "a@1 user 0;b@1 user 0;d@1 tool 0;");
+    store.withdraw("b");
+    reload();
+    ItemTasksTest::store().IsMultiRevisionSupported(true);
+    EXPECT_TRUE(uninstall("b"));
+    EXPECT_EQ(body("b"), "");
 }
 
 // An item whose files take those of another one with them.

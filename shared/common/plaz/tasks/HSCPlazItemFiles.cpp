@@ -10,6 +10,7 @@
 #include "plaz/model/repo/git/HSCPlazGitInstall.h"
 #include "plaz/store/HSCPlazInstalledTrees.h"
 #include "plaz/store/HSCPlazWorkspace.h"
+#include "plaz/tasks/HSCPlazItemDirectories.h"
 #include "plaz/tasks/HSCPlazTask.h"
 #include "support/HUTFile.h"
 #include "support/HUTFileTree.h"
@@ -125,6 +126,14 @@ bool checkAndKeepTree(HSCPlazTask& task, const HSCPlazFoundItem& found, const Tr
     return Trees::keep(place, *tree) || task.fail(Msg::dirNotWritable, place.layout.getTreesDir());
 }
 
+/// Whether a folder is an item's, whatever its folder would be called today: it holds the item's metadata file, or is
+/// where an installation has put it.
+bool isKnownIn(const HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir) {
+    const std::string metadata = found.item->getMetadataFile();
+    return (!metadata.empty() && HUTFile::isRegularFile(dir + "/" + metadata)) ||
+           Trees::readKept(Trees::placeOf(task.getWorkspace(), found)).has_value();
+}
+
 } // namespace
 
 std::string HSCPlazItemFiles::shownName(const HSCPlazQItem& item) {
@@ -222,9 +231,7 @@ std::string HSCPlazItemFiles::removableDirectory(const HSCPlazTask& task, const 
     });
     if (isShared) return {};
     if (recorded.empty() || recorded == own) return own;
-    const std::string area = layoutOf(task, found).getArea();
-    const std::string metadata = found.item->getMetadataFile();
-    const bool isItsOwn = !metadata.empty() && !HUTFile::isAKA(area, recorded) && HUTFile::isBeneath(area, recorded) &&
-                          HUTFile::isRegularFile(recorded + "/" + metadata);
+    const bool isItsOwn =
+        HSCPlazItemDirectories::isInside(task, *found.store, recorded) && isKnownIn(task, found, recorded);
     return isItsOwn ? recorded : std::string();
 }

@@ -46,7 +46,8 @@ bool makeRemains(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::st
 void describe(HSCPlazTask& task, const HSCPlazFoundItem& found);
 
 /// Where the item's files are, if that is a place that may be emptied: below the store's area, whatever the database
-/// says, and the item's own directory or at least one that holds its metadata file. Empty where it is not.
+/// says, and the item's own directory, or at least one that holds its metadata file or where an installation has put
+/// it. Empty where it is not.
 std::string removableDirectory(const HSCPlazTask& task, const HSCPlazFoundItem& found);
 
 } // namespace HSCPlazItemFiles
