@@ -13,7 +13,8 @@ public:
     /// @return false, with nothing changed, when @p dir cannot be entered
     static bool changeDir(const std::string& dir);
 
-    /// For main(): from now on the output streams carry bytes as they are, and a terminal takes them as UTF-8.
+    /// For main(): from now on the output streams carry bytes as they are, and a terminal takes them as UTF-8; a file
+    /// that may not grow further is an error, and no longer the end of the process.
     /// @return the arguments in UTF-8, the program's name first
     static std::vector<std::string> startProgram(int argc, const char* const* argv);
     /// Has the system's command interpreter carry out a line. Words from elsewhere have no place in it unless they are

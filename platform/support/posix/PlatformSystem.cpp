@@ -61,6 +61,7 @@ void setEnvironment(const std::string& name, const std::string& value) {
 }
 
 std::vector<std::string> startProgram(int argc, const char* const* argv) {
+    std::signal(SIGXFSZ, SIG_IGN); // a limit of the user's for files is told as a full disk is
     return {argv, argv + argc};
 }
 
