@@ -81,8 +81,9 @@ def make_catalog(catalog, keeps_several):
 
 
 def make_history(random, length):
-    names = [f"i{number}" for number in range(random.randint(10, 20))]
+    names = [f"i{number}" for number in range(30)]
     items = [(store, name) for name in names for store in random.choice(((SEVERAL,), (ONE,), (SEVERAL, ONE)))]
+    items = items[: random.randint(15, 30)]
 
     def make_put(place):
         """Mostly needs items further on: cycles shall not be the rule."""
