@@ -34,7 +34,7 @@ std::string getNameKey(const std::string& name);
 /// A directory held open, so that names below it are resolved by the system without leaving it.
 class OpenDirectory {
 public:
-    /// @param dir  may be missing; every read then gives `missing`
+    /// @param dir  may be missing; every read then gives `missing`, and `unreadable` where it could not be opened
     explicit OpenDirectory(const std::string& dir);
     ~OpenDirectory();
     OpenDirectory(const OpenDirectory&) = delete;
@@ -46,6 +46,7 @@ public:
 private:
     std::string m_dir;                       ///< as it was given, or with its links resolved
     [[maybe_unused]] std::intptr_t m_handle; ///< of the system, where it keeps one for this
+    HIOStatus m_state = HIOStatus::missing;  ///< of the directory
 };
 
 /// Reads a whole file as it stands on disk; @p content is replaced, and undefined unless the result is ok.

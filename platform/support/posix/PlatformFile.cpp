@@ -206,14 +206,17 @@ std::string getNameKey(const std::string& name) {
 }
 
 OpenDirectory::OpenDirectory(const std::string& dir)
-    : m_dir(dir), m_handle(holdsNull(dir) ? -1 : open(dir.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)) {}
+    : m_dir(dir), m_handle(holdsNull(dir) ? -1 : open(dir.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)) {
+    if (!holdsNull(dir)) m_state = m_handle < 0 ? statusOfError(errno) : Status::ok;
+}
 
 OpenDirectory::~OpenDirectory() {
     if (m_handle >= 0) close(static_cast<int>(m_handle));
 }
 
 HIOStatus OpenDirectory::read(const std::string& relative, std::string& content) const {
-    if (m_handle < 0 || relative.empty() || holdsNull(relative)) return Status::missing;
+    if (m_state != Status::ok) return m_state;
+    if (relative.empty() || holdsNull(relative)) return Status::missing;
     const Descriptor fd(openBeneath(static_cast<int>(m_handle), relative));
     if (fd) return readAll(fd.get(), content);
     switch (errno) {

@@ -300,12 +300,16 @@ std::string getNameKey(const std::string& name) {
 // RATIONALE: a handle of a directory keeps those above it from being renamed, so that none is held; what is read shows
 // by its own handle where it lies.
 OpenDirectory::OpenDirectory(const std::string& dir) : m_handle(0) {
-    if (!holdsNull(dir)) m_dir = win32::toUtf8(win32::getFinalName(open(toLongName(dir), FILE_READ_ATTRIBUTES)));
+    if (dir.empty() || holdsNull(dir)) return;
+    const Handle handle = open(toLongName(dir), FILE_READ_ATTRIBUTES);
+    m_state = handle ? Status::ok : statusOfError(GetLastError());
+    if (handle) m_dir = win32::toUtf8(win32::getFinalName(handle));
 }
 
 OpenDirectory::~OpenDirectory() = default;
 
 HIOStatus OpenDirectory::read(const std::string& relative, std::string& content) const {
+    if (m_state != Status::ok) return m_state;
     if (m_dir.empty() || relative.empty() || holdsNull(relative)) return Status::missing;
     const std::wstring root = win32::toWide(m_dir);
     const std::wstring name = joinBeneath(root, relative);

@@ -10,7 +10,8 @@ namespace {
 
 using Status = HIOStream::Status;
 
-// Fault: a name that leads out of the directory, a pipe that hangs the reader, a directory read as a file.
+// Fault: a name that leads out of the directory, a pipe that hangs the reader, a directory read as a file, one that
+// cannot be opened taken for one that is not there.
 TEST(StreamTest, RootConfinesReading) {
     TempDir temp;
     temp.write("secret", "secret");
@@ -40,6 +41,7 @@ TEST(StreamTest, RootConfinesReading) {
             EXPECT_EQ(content, status == Status::ok ? "inside" : "") << name;
         }
     EXPECT_EQ(HIOStream::Root(temp.path("absent")).read("file", content), Status::missing);
+    EXPECT_EQ(HIOStream::Root(temp.path("root/loop")).read("file", content), Status::unreadable);
 }
 
 // Fault: a buffer's old content showing through, files without a size read as empty, a giant that takes all memory.

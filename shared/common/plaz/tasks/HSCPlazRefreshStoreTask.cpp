@@ -137,7 +137,7 @@ bool HSCPlazRefreshStoreTask::loadCatalog(HSCPlazTask& task, HSCPlazQStore& stor
     HSCPlazHubBuilder(workspace, reloaded).reloadStore(task.getHub(), store, false);
     task.mentionBrought(reloaded);
     Catalog::tellWithdrawn(task, holdings);
-    return true;
+    return !model.isUnread() || task.fail(Msg::catalogUnread, model.getName(), model.getName());
 }
 
 bool HSCPlazRefreshStoreTask::describeItems(HSCPlazTask& task, HSCPlazQStore& store) {
