@@ -11,6 +11,7 @@
 #include "plaz/model/HSCPlazQStore.h"
 #include "support/HUTText.h"
 
+#include <algorithm>
 #include <map>
 #include <ostream>
 
@@ -27,14 +28,20 @@ std::string firstOf(const std::string& text, const std::string& otherwise) {
     return text.empty() ? otherwise : text;
 }
 
+/// Whether what is installed of it is there for other items alone.
+bool isDependency(const HSCPlazQItem* item) {
+    return !item->IsInstalled() || item->getMode() == HSCPlazInstallationMode::tool;
+}
+
 /// "outdated", "installed" or "dependency", and which revision where it is not the one shown.
 std::string stateOf(const ListedItem& listed) {
-    const HSCPlazQItem& item = *listed.item;
     if (listed.installedRevisions.empty()) return {};
-    if (!item.IsInstalled())
-        return (listed.isOutdated ? "outdated (" : "installed (") + join(listed.installedRevisions) + ")";
-    if (listed.isOutdated) return "outdated";
-    return item.getMode() == HSCPlazInstallationMode::tool ? "dependency" : "installed";
+    const HSCPlazQItem& item = *listed.item;
+    const auto revisions =
+        item.IsInstalled() ? std::vector<HSCPlazQItem*>{listed.item} : item.getStore()->getItems(item.getName());
+    const bool isNeededOnly = std::all_of(revisions.begin(), revisions.end(), isDependency);
+    const std::string state = listed.isOutdated ? "outdated" : isNeededOnly ? "dependency" : "installed";
+    return item.IsInstalled() ? state : state + " (" + join(listed.installedRevisions) + ")";
 }
 
 void addField(TextTable& table, const std::string& name, const std::string& value) {
