@@ -250,6 +250,9 @@ TEST_F(ItemTasksTest, ChangeCutShortIsUndoneOrFinished) {
     ASSERT_TRUE(note.write({"tcl", after, false}));
     walk({{"+b", " 17-1572", "a@2 user 0;b@1 user 0;"}});
     EXPECT_EQ(readFile(files.temp.path("precious/file")), "keep");
+    files.temp.write("appdata/2024.2/plaz/plaz_change.json", "\x89HPF\r\n\x1A\n"); // which cannot be read as it is
+    walk({{"+b", "! 17-2224", "a@2 user 0;b@1 user 0;"}});
+    EXPECT_TRUE(note.exists());
 }
 
 // Whatever the database says, nothing outside the item's own directory is removed; what can never be removed, since its

@@ -64,12 +64,13 @@ bool HSCPlazChangeNote::flush() const {
     return HUTFile::flushWithName(m_file);
 }
 
-HSCPlazPendingChange HSCPlazChangeNote::read() const {
+std::optional<HSCPlazPendingChange> HSCPlazChangeNote::read() const {
     std::string text, error;
     rapidjson::Document document;
-    if (HIOStream::read(m_file, text) != HIOStream::Status::ok || !Json::parseInPlace(text, document, error)) return {};
-    const rapidjson::Value* plaz = Json::FindObject(document, HSCPlazKey::plaz);
-    if (!plaz) return {};
+    if (HIOStream::read(m_file, text) == HIOStream::Status::unreadable) return std::nullopt;
+    const bool isParsed = Json::parseInPlace(text, document, error);
+    const rapidjson::Value* plaz = isParsed ? Json::FindObject(document, HSCPlazKey::plaz) : nullptr;
+    if (!plaz) return HSCPlazPendingChange();
     HSCPlazPendingChange change{Json::GetStringProperty(*plaz, storeKey),
                                 nullptr,
                                 Json::GetBooleanProperty(*plaz, installedKey),

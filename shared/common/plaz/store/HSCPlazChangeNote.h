@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -40,8 +41,9 @@ public:
     /// and for the files of which it tells. A note that is not whole says nothing.
     bool prepare(const HSCPlazPendingChange& change) const;
     bool flush() const;
-    /// A note that says nothing that can be used gives a change of nothing.
-    HSCPlazPendingChange read() const;
+    /// A note that is gone, or says nothing that can be used, gives a change of nothing.
+    /// @return empty where it cannot be read now
+    std::optional<HSCPlazPendingChange> read() const;
     bool forget() const;
 
 private:

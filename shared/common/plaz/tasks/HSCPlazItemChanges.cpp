@@ -343,7 +343,13 @@ void HSCPlazItemChanges::restoreShipped(const HSCPlazFoundItem& found) const {
 
 void HSCPlazItemChanges::finishInterrupted() {
     if (!m_note.exists()) return;
-    const HSCPlazPendingChange change = m_note.read();
+    const auto note = m_note.read();
+    if (!note) {
+        m_isUnfinished = true;
+        m_task.fail(Msg::databaseUnreadable, m_note.getFile());
+        return;
+    }
+    const HSCPlazPendingChange& change = *note;
     HSCPlazQStore* store = m_task.getHub().getStore(change.store);
     if (!change.place.empty()) {
         const HSCPlazStoreLayout layout(change.place, change.place);
@@ -422,7 +428,9 @@ bool HSCPlazItemChanges::leaveToUser(HSCPlazFoundItem unneeded) {
 
 bool HSCPlazItemChanges::end() {
     const bool isChanged = m_note.exists();
-    const HSCPlazPendingChange change = isChanged ? m_note.read() : HSCPlazPendingChange();
+    const auto note = isChanged ? m_note.read() : HSCPlazPendingChange();
+    if (!note) return m_task.fail(Msg::databaseUnreadable, m_note.getFile());
+    const HSCPlazPendingChange& change = *note;
     if (m_isUnfinished || !change.files.empty()) return false; // files could not be put into their place
     const bool isClean =
         change.place.empty() || Directories::removeLeftovers(HSCPlazStoreLayout(change.place, change.place));
