@@ -29,7 +29,7 @@ public:
     /// @return false when the item or one of its direct dependencies could not be installed or recorded, or on
     ///         cancellation (nothing is sent then). What was installed before a failure stays installed.
     /// Sends Msg::itemAlreadyInstalled, itemInstalling, itemInstalled, itemInstallFailed, dependencyInstalled,
-    /// dependencyInstallFailed, dependencyUnknown, databaseNotSaved and what the repository sends.
+    /// dependencyInstallFailed, dependencyUnknown, itemWithdrawn, databaseNotSaved and what the repository sends.
     static bool install(HSCPlaz* hub, HSCPlazQItem* item, bool quiet, HDGUIStatus* status);
 
     /// Removes an item's files, its metadata file excepted, unless something still needs them, and releases what it

@@ -123,6 +123,8 @@ TEST_F(CatalogTasksTest, OddStoresAreTakenAsTheyAre) {
     tcl.publish();
     EXPECT_TRUE(refresh() && HSCPlazTaskMgr::uninstall(&hub(), store().getItem("a"), true));
     EXPECT_EQ(takeIds(), Names{});
+    EXPECT_FALSE(install("a")) << "which nobody offers, though the store still knows it";
+    EXPECT_EQ(takeIds(), (Names{"17-2245", "17-1567"}));
     EXPECT_TRUE(refresh() && !HSCPlazTaskMgr::hasUpdate(&store()));
     EXPECT_EQ(takeIds(), Names{"17-1929"});
 }

@@ -83,6 +83,7 @@ inline constexpr MsgId<3> filesUnknown{"@17-2237@%s%s%s"};       ///< reference,
 inline constexpr MsgId<2> linkLeadsOut{"@17-2242@%s%s"};         ///< folder, item
 inline constexpr MsgId<3> itemOverlaps{"@17-2243@%s%s%s"};       ///< item, folder, reference of the other one
 inline constexpr MsgId<3> formerFolderStays{"@17-2244@%s%s%s"};  ///< display name, folder, former folder
+inline constexpr MsgId<2> itemWithdrawn{"@17-2245@%s%s"};        ///< store, display name
 inline constexpr MsgId<1> hubUnlocked{"@17-2240@%s"};            ///< lock file
 inline constexpr MsgId<2> catalogUnread{"@17-2214@%s%s"};        ///< store, store
 inline constexpr MsgId<1> clonedRepo{"@60-832@%s"};              ///< directory

@@ -61,16 +61,18 @@ HSCPlazFoundItem HSCPlazDependencies::findByName(const HSCPlaz& hub, const std::
     return {owner, revision.empty() ? owner->getItem(name) : owner->getItem(name, revision)};
 }
 
+bool HSCPlazDependencies::isToBeHad(const HSCPlazFoundItem& found) {
+    return found && (found.item->getModel()->isListed() || found.item->IsInstalled());
+}
+
 HSCPlazFoundItem HSCPlazDependencies::findOffered(const HSCPlaz& hub, const HSCPlazQItemDependency& dependency) {
     return findByName(hub, dependency.getStore(), dependency.getItem(), dependency.getRevision());
 }
 
 HSCPlazFoundItem HSCPlazDependencies::findOfferedOrInstalled(const HSCPlaz& hub,
                                                              const HSCPlazQItemDependency& dependency) {
-    // What the catalog has left out is no longer on offer once it is not installed any more.
     const HSCPlazFoundItem offered = findOffered(hub, dependency);
-    const bool isOnOffer = offered && (offered.item->getModel()->isListed() || offered.item->IsInstalled());
-    return isOnOffer ? offered : findInstalled(hub, dependency);
+    return isToBeHad(offered) ? offered : findInstalled(hub, dependency);
 }
 
 HSCPlazFoundItem HSCPlazDependencies::findInstalled(const HSCPlaz& hub, const HSCPlazQItemDependency& dependency) {

@@ -27,6 +27,8 @@ std::set<std::string> keysOf(const HSCPlazQItem& item);
 /// By its revision, else the latest.
 HSCPlazFoundItem findByName(const HSCPlaz& hub, const std::string& store, const std::string& name,
                             const std::string& revision);
+/// Whether the catalog offers it, or it is installed: what the catalog has left out cannot be had once it is gone.
+bool isToBeHad(const HSCPlazFoundItem& found);
 /// What the catalog offers for a dependency.
 HSCPlazFoundItem findOffered(const HSCPlaz& hub, const HSCPlazQItemDependency& dependency);
 /// The same, or else what is installed and serves it.

@@ -53,7 +53,9 @@ bool HSCPlazInstallTask::install(HSCPlazTask& task, HSCPlazItemChanges& changes,
     inside(installName, "qitem info:\n", "\tname:", asked.getName(), "\n\tcompany:", asked.getCompany(),
            "\n\tstore name:", asked.getStoreName(), "\n\titem revision:", asked.getRevision());
     const HSCPlazFoundItem found = Walk::find(task.getHub(), &asked);
-    if (!found) return task.fail(Msg::itemInstallFailed, Files::shownName(asked));
+    if (found && !HSCPlazDependencies::isToBeHad(found))
+        task.fail(Msg::itemWithdrawn, asked.getStoreName(), Files::shownName(asked));
+    if (!HSCPlazDependencies::isToBeHad(found)) return task.fail(Msg::itemInstallFailed, Files::shownName(asked));
     const bool isThere = !task.getOptions().isReinstallation && HSCPlazInstalledFiles::areThere(*found.item);
     if (!isThere && task.isCancelled()) return false;
     const bool isDone = isThere ? completeInstalled(task, changes, found) : installFiles(task, changes, found, mode);
