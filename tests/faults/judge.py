@@ -20,8 +20,8 @@ def parse_listing(text):
 
 def read_tree(file):
     """@return commit and listing of a kept tree that is whole"""
-    parts = file.read_text("utf-8").split("\n", 3)
-    return (parts[2], parse_listing(parts[3])) if parts[3:] and parts[3].endswith("\0") else None
+    parts = file.read_text("utf-8").split("\n", 4)
+    return (parts[2], parse_listing(parts[4])) if parts[4:] and parts[4].endswith("\0") else None
 
 
 def get_blob(text):

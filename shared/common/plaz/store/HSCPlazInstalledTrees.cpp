@@ -83,8 +83,10 @@ Place HSCPlazInstalledTrees::placeOf(const HSCPlazWorkspace& workspace, const HS
     Place place = placeAt(workspace, *found.store, record.getLocalDir(), record.getCommitId());
     place.root = place.folder;
     const std::string ending = "/" + found.item->getRevision();
-    if (found.store->IsMultiRevisionSupported() && ending.size() > 1 && ends_with(place.root, ending))
-        place.root.resize(place.root.size() - ending.size());
+    if (ending.size() == 1 || !ends_with(place.root, ending)) return place;
+    const std::string above = place.root.substr(0, place.root.size() - ending.size());
+    // The store may keep one revision by now.
+    if (found.store->IsMultiRevisionSupported() || above == found.item->getRoot()) place.root = above;
     return place;
 }
 
@@ -93,6 +95,10 @@ Place HSCPlazInstalledTrees::placeOf(const HSCPlazWorkspace& workspace, const HS
     record.setCommitId(found.item->getModel()->getInstalledCommitId());
     record.setLocalDir(found.item->getLocalRootDir());
     return placeOf(workspace, found, record);
+}
+
+bool HSCPlazInstalledTrees::isKept(const Place& place) {
+    return HUTFile::exists(fileOf(place));
 }
 
 std::optional<HSCPlazItemTree> HSCPlazInstalledTrees::readKept(const Place& place) {

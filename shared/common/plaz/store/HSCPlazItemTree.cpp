@@ -23,7 +23,7 @@ constexpr std::string_view plainMode = "100644";
 constexpr std::string_view programMode = "100755";
 constexpr std::string_view linkMode = "120000";
 constexpr std::string_view submoduleMode = "160000";
-constexpr std::string_view formatLine = "plaz item tree 1\n";
+constexpr std::string_view formatLine = "plaz item tree 2\n";
 
 constexpr const char* noListing = "is no listing of git";
 
@@ -208,7 +208,7 @@ std::optional<HSCPlazItemTree> HSCPlazItemTree::parse(std::string_view lsTree, c
     const bool isTaken = listing.take(lsTree);
     problem = std::move(listing.problem);
     if (!isTaken) return std::nullopt;
-    return HSCPlazItemTree(commit, listing.kind, std::move(listing.entries));
+    return HSCPlazItemTree(commit, root, listing.kind, std::move(listing.entries));
 }
 
 std::optional<HSCPlazItemTree> HSCPlazItemTree::read(const std::string& file, const std::string& commit) {
@@ -220,12 +220,15 @@ std::optional<HSCPlazItemTree> HSCPlazItemTree::read(const std::string& file, co
     const auto digest = takeUntil(text, '\n');
     if (!digest || *digest != HUTDigest::ofBlob(HUTDigest::Kind::sha1, text)) return std::nullopt;
     if (takeUntil(text, '\n') != commit) return std::nullopt;
+    const auto root = takeUntil(text, '\n');
     std::string ignored;
-    return parse(text, commit, "", ignored);
+    auto tree = root ? parse(text, commit, "", ignored) : std::nullopt;
+    if (tree) tree->m_root = *root;
+    return tree;
 }
 
 bool HSCPlazItemTree::write(const std::string& file) const {
-    std::string text = m_commit + '\n';
+    std::string text = m_commit + '\n' + m_root + '\n';
     for (const Entry& entry : m_entries) text += entry.mode + " blob " + entry.id + '\t' + entry.path + '\0';
     const std::string digest = HUTDigest::ofBlob(HUTDigest::Kind::sha1, text) + '\n';
     HUTFile::mkDirRecursive(boost::filesystem::path(file).parent_path().generic_string());

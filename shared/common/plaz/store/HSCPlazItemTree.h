@@ -47,13 +47,15 @@ public:
     /// another commit
     static std::optional<HSCPlazItemTree> read(const std::string& file, const std::string& commit);
     /// Writes the tree to a file of its own, whole or not at all; makes its directory. The file holds a line that names
-    /// its format, the digest of all that follows, the commit, and the files as git lists them. Nothing waits for the
+    /// its format, the digest of all that follows, the commit, the folder in the repository, and the files as git lists
+    /// them. Nothing waits for the
     /// disk.
     /// @return false, with an old file untouched, when that failed
     bool write(const std::string& file) const;
 
     /// As it was given to parse().
     const std::string& getCommit() const { return m_commit; }
+    const std::string& getRoot() const { return m_root; }
     /// Sorted by path.
     const std::vector<Entry>& getEntries() const { return m_entries; }
 
@@ -70,10 +72,11 @@ public:
     Differences findLost(const std::string& dir) const;
 
 private:
-    HSCPlazItemTree(std::string commit, HUTDigest::Kind kind, std::vector<Entry> entries)
-        : m_commit(std::move(commit)), m_kind(kind), m_entries(std::move(entries)) {}
+    HSCPlazItemTree(std::string commit, std::string root, HUTDigest::Kind kind, std::vector<Entry> entries)
+        : m_commit(std::move(commit)), m_root(std::move(root)), m_kind(kind), m_entries(std::move(entries)) {}
 
     std::string m_commit;
+    std::string m_root;
     HUTDigest::Kind m_kind;
     std::vector<Entry> m_entries;
 };
