@@ -5,6 +5,7 @@
 #include "ShellMsg.h"
 
 #include "plaz/HSCPlazTaskMgr.h"
+#include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
@@ -82,6 +83,7 @@ auto HubActions::doEach(const std::vector<Subject*>& subjects, Action act) const
         if (m_status.isCanceled()) break;
         if (m_begin) m_begin(parts.size() + 1, subjects.size());
         parts.push_back(act(*subject));
+        if (parts.back().report.tells(Msg::hubBusy)) break; // who has waited in vain once need not wait for each
     }
     return toResult(std::move(parts), subjects.size());
 }
@@ -102,18 +104,21 @@ ItemsResult HubActions::uninstall(const Items& items) const {
                  [](const HSCPlazQItem* item) { return item->IsInstalled(); });
     const auto isGone = [&](const HSCPlazQItem& item) { return installed.count(&item) != 0 && !item.IsInstalled(); };
     std::map<const HSCPlazQItem*, HSCPlazItemResult> done;
-    for (Items pending = items; !pending.empty() && !m_status.isCanceled();) {
+    bool isBusy = false;
+    for (Items pending = items; !pending.empty() && !m_status.isCanceled() && !isBusy;) {
         if (m_begin) m_begin(done.size() + 1, items.size());
         HSCPlazQItem& item = takeNext(pending);
-        done.emplace(&item,
-                     isGone(item) ? removed(item) : HSCPlazTaskMgr::uninstallItem(m_hub, item, m_options, &m_status));
+        const auto entry = done.emplace(
+            &item, isGone(item) ? removed(item) : HSCPlazTaskMgr::uninstallItem(m_hub, item, m_options, &m_status));
+        isBusy = entry.first->second.report.tells(Msg::hubBusy);
     }
     std::vector<HSCPlazItemResult> parts;
     for (const HSCPlazQItem* item : items) {
         const auto result = done.find(item);
         if (result == done.end()) continue;
         // One that was kept for others may have gone with them.
-        parts.push_back(result->second.isDone() && isGone(*item) ? removed(*item) : result->second);
+        parts.push_back(result->second.outcome == HSCPlazItemResult::Outcome::kept && isGone(*item) ? removed(*item)
+                                                                                                    : result->second);
     }
     return toResult(std::move(parts), items.size());
 }
@@ -124,8 +129,10 @@ FilesResult HubActions::verify(const Items& items) const {
 }
 
 ItemsResult HubActions::repair(const Items& items) const {
-    return doEach(items,
-                  [&](HSCPlazQItem& item) { return HSCPlazTaskMgr::repairItem(m_hub, item, m_options, &m_status); });
+    const auto begin = [&](std::size_t number) {
+        if (m_begin) m_begin(number, items.size());
+    };
+    return toResult(HSCPlazTaskMgr::repairItems(m_hub, items, m_options, &m_status, begin), items.size());
 }
 
 StoresResult HubActions::refresh(const Stores& stores) const {

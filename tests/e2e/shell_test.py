@@ -78,7 +78,7 @@ class ShellTest(HubTest):
         self.check_shown(self.run_plaz("update --all").stderr, "17-2186")
         for file in self.home.glob("*/plaz/board_store/boards/aurora/*/board.xml"):
             file.unlink()
-        self.expect("update --all", "items: revision outcome", "2.0 updated", "2.0 updated")
+        self.expect("update --all", "items: revision outcome", "2.0 updated", "1.1 updated")
         self.run_plaz("verify")
         several = self.run_json("uninstall aurora", status=1)["error"]
         self.check_shown(several, "boards::aurora@1.1", "boards::aurora@2.0")

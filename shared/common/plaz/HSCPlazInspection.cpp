@@ -98,6 +98,14 @@ std::string HSCPlazInspection::findUnreadableRecord(const HSCPlaz& hub) {
     return workspace().findUnreadableRecord(hub, nullptr);
 }
 
+bool HSCPlazInspection::isRecordGone(const HSCPlazQStoreModel& store) {
+    return HSCPlazLocalDBMgr::isGone(workspace().paths.getStoreLayout(store));
+}
+
+std::string HSCPlazInspection::getPlacesFile() {
+    return workspace().places.getFile();
+}
+
 std::string HSCPlazInspection::getArea(const HSCPlazQStoreModel& store) {
     return workspace().paths.getStoreArea(store);
 }

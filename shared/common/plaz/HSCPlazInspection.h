@@ -64,6 +64,11 @@ PLAZ_API HSCPlazFilesResult compareFiles(HSCPlazQItem& item);
 /// A file that tells what is installed and could not be read; empty when there is none.
 PLAZ_API std::string findUnreadableRecord(const HSCPlaz& hub);
 
+/// Items of the store had been installed, and their record is gone.
+PLAZ_API bool isRecordGone(const HSCPlazQStoreModel& store);
+/// Where the file is that tells where stores are kept. Need not exist.
+PLAZ_API std::string getPlacesFile();
+
 /// Where a store keeps its items and its catalog. @throws HEXAll where that cannot be named
 PLAZ_API std::string getArea(const HSCPlazQStoreModel& store);
 PLAZ_API std::string getWorkingCopy(const HSCPlazQStoreModel& store);

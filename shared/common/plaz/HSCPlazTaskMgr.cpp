@@ -6,6 +6,7 @@
 #include "plaz/base/HSCPlazProduct.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/HSCPlazUpdateDecision.h"
 #include "plaz/model/repo/HSCPlazGit.h"
 #include "plaz/model/repo/HSCPlazRepoFactory.h"
 #include "plaz/model/repo/git/HSCPlazGitParams.h"
@@ -107,11 +108,13 @@ HSCPlazItemResult HSCPlazTaskMgr::uninstallItem(HSCPlaz& hub, HSCPlazQItem& item
                                                 HDGUIStatus* status) {
     HSCPlazTask task(workspace(), hub, status, options);
     task.show("Removing " + item.getDisplayName());
+    const bool wasRecorded = item.isRecorded();
     const bool isDone = !task.isCancelled() && carryOut(task, [&](Changes& changes) {
         return HSCPlazUninstallTask::uninstall(task, changes, item);
     });
+    const bool isRemoved = wasRecorded && !item.isRecorded(); // whatever else has to stay
     const ItemOutcome outcome = item.IsInstalled() ? ItemOutcome::kept : ItemOutcome::removed;
-    HSCPlazItemResult result = resultOf(task, item, isDone ? outcome : ItemOutcome::failed);
+    HSCPlazItemResult result = resultOf(task, item, isDone || isRemoved ? outcome : ItemOutcome::failed);
     if (item.IsInstalled()) result.neededBy = HSCPlazItemFiles::joinHolders(hub, item);
     return result;
 }
@@ -128,28 +131,53 @@ HSCPlazItemResult HSCPlazTaskMgr::updateItem(HSCPlaz& hub, HSCPlazQItem& asked, 
         return resultOf(task, item, isKnown ? ItemOutcome::upToDate : ItemOutcome::failed);
     }
     const std::string previous = item.getRevision();
+    const bool isCompleted = HSCPlazUpdateDecision::decide(item) == HSCPlazUpdateDecision::Step::none;
     ItemOutcome outcome = ItemOutcome::failed;
     const bool isDone = carryOut(task, [&](Changes& changes) {
         outcome = HSCPlazUpdateTask::update(task, changes, HSCPlazDependencies::findCurrent(item));
         return outcome != ItemOutcome::failed;
     });
     if (!isDone) outcome = ItemOutcome::failed;
-    if (outcome == ItemOutcome::upToDate) return resultOf(task, HSCPlazDependencies::findCurrent(item), outcome);
+    if (outcome == ItemOutcome::upToDate || isCompleted)
+        return resultOf(task, HSCPlazDependencies::findCurrent(item), outcome);
     const HSCPlazQItem* latest = item.getStore() ? item.getStore()->getItem(item.getName()) : nullptr;
     HSCPlazItemResult result = resultOf(task, latest ? *latest : item, outcome);
     result.previousRevision = previous;
     return result;
 }
 
-HSCPlazItemResult HSCPlazTaskMgr::repairItem(HSCPlaz& hub, HSCPlazQItem& item, HSCPlazTaskOptions options,
-                                             HDGUIStatus* status) {
+std::vector<HSCPlazItemResult> HSCPlazTaskMgr::repairItems(HSCPlaz& hub, const std::vector<HSCPlazQItem*>& items,
+                                                           HSCPlazTaskOptions options, HDGUIStatus* status,
+                                                           const std::function<void(std::size_t)>& begin) {
     HSCPlazTask task(workspace(), hub, status, options);
-    ItemOutcome outcome = ItemOutcome::failed;
+    std::vector<HSCPlazItemResult> results;
+    if (items.empty()) return results;
+    std::size_t told = 0;
+    const auto repairOne = [&](Changes& changes, const HSCPlazQItem& item) {
+        ItemOutcome outcome = ItemOutcome::failed;
+        task.guard([&] {
+            outcome = HSCPlazRepairTask::repair(task, changes, item);
+            return true;
+        });
+        return outcome;
+    };
     const bool isDone = carryOut(task, [&](Changes& changes) {
-        outcome = HSCPlazRepairTask::repair(task, changes, item);
-        return outcome != ItemOutcome::failed;
+        for (HSCPlazQItem* item : items) {
+            if (task.isCancelled()) return false;
+            if (begin) begin(results.size() + 1);
+            told = task.getReport().getNotes().size();
+            const ItemOutcome outcome = repairOne(changes, *item);
+            results.push_back(HSCPlazItemResult::of(HSCPlazDependencies::findCurrent(*item), outcome));
+            results.back().report = task.getReport().getBehind(told);
+        }
+        return true;
     });
-    return resultOf(task, HSCPlazDependencies::findCurrent(item), isDone ? outcome : ItemOutcome::failed);
+    if (results.empty() && !isDone) results.push_back(HSCPlazItemResult::of(*items.front(), ItemOutcome::failed));
+    if (!results.empty()) results.back().report = task.getReport().getBehind(told); // and what the end has told
+    for (std::size_t i = 0; i < results.size(); ++i)
+        if (results[i].isDone() && !HSCPlazDependencies::findCurrent(*items[i]).isRecorded())
+            results[i].outcome = ItemOutcome::removed;
+    return results;
 }
 
 void HSCPlazTaskMgr::takeOverRecords() {
@@ -235,7 +263,9 @@ bool HSCPlazTaskMgr::install(HSCPlaz* hub, HSCPlazQItem* item, bool quiet, HDGUI
 }
 
 bool HSCPlazTaskMgr::uninstall(HSCPlaz* hub, HSCPlazQItem* item, bool quiet) {
-    return hub && item && item->getModel() && uninstallItem(*hub, *item, {quiet}, nullptr).isDone();
+    if (!hub || !item || !item->getModel()) return false;
+    const HSCPlazItemResult result = uninstallItem(*hub, *item, {quiet}, nullptr);
+    return result.isDone() && !result.report.findProblem();
 }
 
 bool HSCPlazTaskMgr::updateCatalog(HSCPlaz* hub, HDGUIStatus* status) {

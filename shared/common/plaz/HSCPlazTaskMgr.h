@@ -4,7 +4,10 @@
 #include "plaz/tasks/HSCPlazTaskOptions.h"
 #include "plaz/tasks/HSCPlazTaskResult.h"
 
+#include <cstddef>
+#include <functional>
 #include <string>
+#include <vector>
 
 class HDGUIStatus;
 class HSCPlaz;
@@ -88,14 +91,18 @@ public:
                                            HDGUIStatus* status);
     /// Brings an installed revision up to date and keeps its installation mode. What the old files needed is given up,
     /// what the new ones need is brought. Where the store keeps several revisions the older one stays beside the new
-    /// one. The result is that of the latest revision. Sends Msg::itemFetchedAgain unless quiet, and what install()
+    /// one. The result is that of the latest revision, or of this one where it only lacked something. Sends Msg::itemFetchedAgain unless quiet, and what install()
     /// sends.
     static HSCPlazItemResult updateItem(HSCPlaz& hub, HSCPlazQItem& item, HSCPlazTaskOptions options,
                                         HDGUIStatus* status);
-    /// Brings back files of an installed item that were changed or are missing, at the commit that is recorded of it.
-    /// What a user had changed is kept aside (Msg::ownFilesKept), what was added stays.
-    static HSCPlazItemResult repairItem(HSCPlaz& hub, HSCPlazQItem& item, HSCPlazTaskOptions options,
-                                        HDGUIStatus* status);
+    /// Brings back files of installed items that were changed or are missing, at the commit that is recorded of each.
+    /// What a user had changed is kept aside (Msg::ownFilesKept), what was added stays. What nobody needs goes once all
+    /// of them have been repaired, for a damaged one may need it.
+    /// @param begin  called with the number of each, from 1, before its turn; may be empty
+    /// @return one for each item in this order; after a cancellation, or where the hub was busy, for fewer
+    static std::vector<HSCPlazItemResult> repairItems(HSCPlaz& hub, const std::vector<HSCPlazQItem*>& items,
+                                                      HSCPlazTaskOptions options, HDGUIStatus* status,
+                                                      const std::function<void(std::size_t number)>& begin = {});
     /// Takes over what other processes have recorded since the hub was read, as each task does before it begins.
     static void takeOverRecords();
     /// Compares the files of an installed item with those of the commit that is recorded of it. Changes nothing and

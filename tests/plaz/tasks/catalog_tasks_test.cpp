@@ -219,7 +219,7 @@ TEST_F(HubRefreshTest, RebuildsTheHubFromWhatIsPublished) {
     HSCPlazQItem* const withdrawn = store().getItem("a", "2");
     ASSERT_TRUE(withdrawn && withdrawn->IsInstalled() && !withdrawn->getModel()->isListed());
     HUTFile::rmRecursive(withdrawn->getLocalRootDir() + "/body.txt");
-    EXPECT_TRUE(HSCPlazTaskMgr::repairItem(hub(), *withdrawn, {}, nullptr).isDone());
+    EXPECT_TRUE(HSCPlazTaskMgr::repairItems(hub(), {withdrawn}, {}, nullptr).front().isDone());
     EXPECT_EQ(readFile(withdrawn->getLocalRootDir() + "/body.txt"), "a 2\n");
     EXPECT_TRUE(HSCPlazTaskMgr::uninstall(&hub(), hub().getStore("extra")->getItem("b"), true));
     EXPECT_TRUE(HSCPlazTaskMgr::uninstall(&hub(), withdrawn, true));

@@ -2,6 +2,8 @@
 #include "plaz/store/HSCPlazChangeNote.h"
 #include "plaz/tasks/HSCPlazItemChanges.h"
 
+#include <boost/algorithm/string/replace.hpp>
+
 #include <algorithm>
 #include <sstream>
 
@@ -282,11 +284,89 @@ TEST_F(ItemTasksTest, RemovalStaysInTheStoresArea) {
     EXPECT_EQ(body("b"), "");
 }
 
+// What is needed taken away since a record of who needs it cannot be used; that record overwritten; items looked for
+// where the catalog has them by now since the user area has come to another place.
+TEST_F(ItemTasksTest, RecordsOutliveWhatIsDoneToThem) {
+    StoreOnDisk& store = ship("m a<m c");
+    ASSERT_TRUE(install("a") && install("c"));
+    const std::string file = files.area("ced_store/.plaz/plaz_local_db.json"), whole = readFile(file);
+    const auto write = [&](const std::string& text, const std::string& by) {
+        std::string changed = whole;
+        boost::algorithm::replace_all(changed, text, by);
+        EXPECT_NE(changed, whole);
+        files.temp.write("appdata/2024.2/plaz/ced_store/.plaz/plaz_local_db.json", changed);
+        reload();
+        return changed;
+    };
+    store.move("a", "b").item("a", "1", {{"tcl", "m", ""}});
+    write(files.temp.path("appdata"), "/elsewhere");
+    EXPECT_EQ(find("a").getLocalRootDir(), files.area("ced_store/items/a"));
+    ASSERT_TRUE(install("c"));
+    EXPECT_EQ(readFile(file).find("elsewhere"), std::string::npos);
+    for (const auto& [text, by] : {std::pair<std::string, std::string>{R"("name": "a")", R"("name": 1)"},
+                                   {R"("commit_id": ")", R"("commit_id": "?)"},
+                                   {R"("items": [)", R"("items": {}, "others": [)"}}) {
+        SCOPED_TRACE(by);
+        const std::string damaged = write(text, by);
+        ASSERT_TRUE(install("c") && uninstall("c"));
+        EXPECT_EQ(body("m"), "m 1\n");
+        EXPECT_EQ(readFile(file + ".bad"), damaged);
+        HUTFile::rmRecursive(file + ".bad");
+    }
+}
+
+// What a damaged item needs gone before it is repaired, or with its repair; one that cannot be repaired since its
+// folder is another's by now, or nobody offers it, or its store keeps several revisions; a session that fails ever
+// after.
+TEST_F(ItemTasksTest, DamagedItemsComeBackWhateverTheCatalogSays) {
+    StoreOnDisk& store = ship("m a<m j c");
+    ASSERT_TRUE(install("a") && install("j") && install("c"));
+    const std::string dir = "appdata/2024.2/plaz/ced_store/items/a/",
+                      metadata = readFile(files.temp.path(dir + "item.json"));
+    const auto mend = [&](bool isRepair, const std::string& text) {
+        SCOPED_TRACE(text + (isRepair ? " repaired" : " installed"));
+        files.temp.write(dir + "item.json", text);
+        if (text.empty()) HUTFile::rmRecursive(files.temp.path(dir + "item.json"));
+        lose("a");
+        lose("j");
+        reload();
+        const std::vector<HSCPlazQItem*> all{&find("j"), &find("a"), &find("m")};
+        for (const auto& result :
+             isRepair ? HSCPlazTaskMgr::repairItems(hub(), all, {}, nullptr) : std::vector<HSCPlazItemResult>())
+            EXPECT_TRUE(result.isDone()) << result.name;
+        EXPECT_TRUE(isRepair || (install("a") && install("j")));
+        for (const char* item : {"m", "a", "j"})
+            EXPECT_TRUE(HSCPlazTaskMgr::verifyItem(hub(), find(item), nullptr).isDone()) << item;
+        EXPECT_TRUE(install("c"));
+    };
+    const auto mendAll = [&] {
+        mend(true, R"({"_major": 1, "config": {"_major": "1", "items": [{"infra": {"name": "a", "revision": "1"}}]}})");
+        mend(true, "");
+        mend(false, "");
+        mend(false, metadata);
+    };
+    mendAll();
+    store.move("a", "lib/a").item("a", "1", {{"tcl", "m", ""}});
+    mendAll();
+    store.move("a", "j").item("a", "1", {{"tcl", "m", ""}}).move("j", "a").item("j", "1");
+    mendAll();
+    store.withdraw("a");
+    mendAll();
+    ItemTasksTest::store().IsMultiRevisionSupported(true);
+    EXPECT_TRUE(uninstall("a"));
+    EXPECT_FALSE(find("m").IsInstalled());
+}
+
 // An item whose files take those of another one with them.
 TEST_F(ItemTasksTest, ItemsInsideOneAnotherAreRefused) {
-    ship("a a/inner");
+    const std::string metadata = readFile(ship("a a/inner").getRepo().getDir() + "/items/a/inner/item.json");
     walk({{"+a/inner", " 17-1570 17-1573", "a/inner@1 user 0;"},
-          {"+a", "! 17-1570 17-2243 17-1567", "a/inner@1 user 0;"}});
+          {"+a", "! 17-1570 17-2243 17-1567", "a/inner@1 user 0;"},
+          {"-a/inner", " 17-1574", ""}});
+    walk({{"+a", " 17-1570 17-2231 17-1573", "a@1 user 0;"}}); // what the other one has left is put aside
+    files.temp.write("appdata/2024.2/plaz/ced_store/items/a/inner/item.json", metadata); // as if put there by hand
+    files.temp.write("appdata/2024.2/plaz/ced_store/items/a/inner/body.txt", "a/inner 1\n");
+    walk({{"+a/inner", "! 17-2243 17-1567", "a@1 user 0;"}});
 }
 
 // An item's folder that moves: what is left of the old one, its new files gone with it, or other items' or the user's.

@@ -55,7 +55,7 @@ inline constexpr MsgId<1> repositoryEmpty{"@17-2172@%s"};       ///< store
 inline constexpr MsgId<2> commitGone{"@17-2173@%s%s"};          ///< item, commit
 inline constexpr MsgId<1> credentialsWithheld{"@17-2174@%s"};   ///< URL without user part
 inline constexpr MsgId<1> storeMovedMeanwhile{"@17-2175@%s"};   ///< store
-inline constexpr MsgId<2> itemsLeftBehind{"@17-2176@%s%s"};     ///< store, directory
+inline constexpr MsgId<3> itemsLeftBehind{"@17-2176@%s%s%s"};   ///< store, directory, where to move it back to
 inline constexpr MsgId<1> placesNotSaved{"@17-2177@%s"};        ///< file
 inline constexpr MsgId<2> storeWithdrawn{"@17-2178@%s%s"};      ///< store, its area
 inline constexpr MsgId<1> textNotForTcl{"@17-2179@%s"};         ///< name, path or proxy
@@ -69,7 +69,7 @@ inline constexpr MsgId<2> waitsForHub{"@17-2223@%s%s"};          ///< which proc
 inline constexpr MsgId<1> databaseUnreadable{"@17-2224@%s"};     ///< file
 inline constexpr MsgId<1> changeFinished{"@17-2225@%s"};         ///< item
 inline constexpr MsgId<1> changeUndone{"@17-2226@%s"};           ///< item
-inline constexpr MsgId<1> needsUnknown{"@17-2227@%s"};           ///< display name
+inline constexpr MsgId<1> needsUnknown{"@17-2227@%s"};           ///< reference
 inline constexpr MsgId<2> databaseDamaged{"@17-2228@%s%s"};      ///< file, where it will be kept
 inline constexpr MsgId<2> databaseOfOtherStore{"@17-2229@%s%s"}; ///< store, database file
 inline constexpr MsgId<3> itemHeldAt{"@17-2230@%s%s%s"};         ///< display name, revision, by whom
@@ -84,6 +84,9 @@ inline constexpr MsgId<2> linkLeadsOut{"@17-2242@%s%s"};         ///< folder, it
 inline constexpr MsgId<3> itemOverlaps{"@17-2243@%s%s%s"};       ///< item, folder, reference of the other one
 inline constexpr MsgId<3> formerFolderStays{"@17-2244@%s%s%s"};  ///< display name, folder, former folder
 inline constexpr MsgId<2> itemWithdrawn{"@17-2245@%s%s"};        ///< store, display name
+inline constexpr MsgId<3> placesDamaged{"@17-2246@%s%s%s"};      ///< file, parser's message, where it will be kept
+inline constexpr MsgId<1> oldFilesStay{"@17-2248@%s"};           ///< directory
+inline constexpr MsgId<1> databaseGone{"@17-2247@%s"};           ///< file
 inline constexpr MsgId<1> hubUnlocked{"@17-2240@%s"};            ///< lock file
 inline constexpr MsgId<2> catalogUnread{"@17-2214@%s%s"};        ///< store, store
 inline constexpr MsgId<1> clonedRepo{"@60-832@%s"};              ///< directory

@@ -44,6 +44,12 @@ const ComMsgMgrInstance* HSCPlazReport::findProblem() const {
     return found == m_notes.end() ? nullptr : &found->message;
 }
 
+bool HSCPlazReport::tells(const char* key) const {
+    const ComMsgMgrInstance wanted("", 0, "common", key, {});
+    return std::any_of(m_notes.begin(), m_notes.end(),
+                       [&](const Note& note) { return note.message.getId() == wanted.getId(); });
+}
+
 void HSCPlazReport::send() const {
     for (const Note& note : m_notes) ComMsgMgr::send(note.message, note.severity);
 }

@@ -45,9 +45,14 @@ public:
     /// well.
     const ComMsgMgrInstance* findProblem() const;
 
+    /// Whether a message of this kind is among them.
+    template <std::size_t Arity> bool tells(const MsgId<Arity>& id) const { return tells(id.key); }
+
     /// Sends all of it to the message service.
     void send() const;
 
 private:
+    bool tells(const char* key) const;
+
     std::vector<Note> m_notes;
 };

@@ -34,6 +34,7 @@ void HSCPlazQItemModel::clearInstallation() {
     m_installationMode.clear();
     m_referenceCount = 0;
     m_localDir.clear();
+    m_recordedDir.clear();
     m_installedCommitId.clear();
 }
 

@@ -97,6 +97,9 @@ public:
     /// Directory where the item is installed.
     const std::string& getLocalDir() const { return m_localDir; }
     void setLocalDir(const std::string& value) { m_localDir = value; }
+    /// The same, or what is recorded of a directory that cannot be reached now.
+    const std::string& getRecordedDir() const { return m_localDir.empty() ? m_recordedDir : m_localDir; }
+    void setRecordedDir(const std::string& value) { m_recordedDir = value; }
     /// As it is recorded: "user", "tool" or empty. A database may hold another text, which is kept.
     const std::string& getInstallationMode() const { return m_installationMode; }
     void setInstallationMode(const std::string& value) { m_installationMode = value; }
@@ -141,6 +144,7 @@ private:
     std::string m_website;
     HSTVector<HSCPlazQItemDependency*> m_dependencies;
     std::string m_localDir;
+    std::string m_recordedDir;
     std::string m_installationMode;
     std::string m_commitId;
     std::string m_installedCommitId;

@@ -175,7 +175,8 @@ std::string HSCPlazPathMgr::getItemDir(const HSCPlazQStoreModel& store, const HS
 }
 
 std::string HSCPlazPathMgr::findLinkedItemDir(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item) const {
-    return findItemDir(store, item, true);
+    const bool isOutOfReach = item.isInstalled() && item.getLocalDir().empty() && !item.getRecordedDir().empty();
+    return isOutOfReach ? item.getRecordedDir() : findItemDir(store, item, true);
 }
 
 std::string HSCPlazPathMgr::findItemDir(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item,

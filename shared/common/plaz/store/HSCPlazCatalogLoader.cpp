@@ -93,9 +93,15 @@ void HSCPlazCatalogLoader::loadFromArea(HSCPlazQStoreModel& store) const {
     } else {
         inside(loadStoreName, " Store ", name, " qstore json file not found ");
     }
-    if (!store.isProductSpecific() || !hasFile(store, localRoot, store.getCatalogFile(), m_report)) return;
+    if (!store.isProductSpecific() || store.getCatalogFile().empty()) return;
+    const std::string catalog = joined(localRoot, store.getCatalogFile());
+    if (HSCPlazStoreLayout::isComplete(localRoot) && !HUTFile::exists(catalog)) {
+        m_report.add(Msg::fileMissing, MsgSeverity::fileError, catalog);
+        store.setIsUnread(true);
+    }
+    if (!hasFile(store, localRoot, store.getCatalogFile(), m_report)) return;
     inside(loadStoreName, " Store ", name, " item catalog json file found ");
-    readCatalog(store, joined(localRoot, store.getCatalogFile()));
+    readCatalog(store, catalog);
 }
 
 bool HSCPlazCatalogLoader::loadFromData(HSCPlazModel& hubModel, HSCPlazQStoreModel& store) const {
@@ -124,7 +130,8 @@ bool HSCPlazCatalogLoader::loadFromData(HSCPlazModel& hubModel, HSCPlazQStoreMod
 
 void HSCPlazCatalogLoader::readMetadata(HSCPlazQStoreModel& store, const std::string& file) const {
     HSCPlazFindings found;
-    if (!HSCPlazQStoreReader::read(file, store, found)) store.setIsUnread(true);
+    HSCPlazQStoreReader::read(file, store, found);
+    if (found.tellOfDamage()) store.setIsUnread(true);
     m_report.append(found.toReport());
 }
 
@@ -132,7 +139,8 @@ void HSCPlazCatalogLoader::readMetadata(HSCPlazQStoreModel& store, const std::st
 void HSCPlazCatalogLoader::readCatalog(HSCPlazQStoreModel& store, const std::string& file) const {
     store.clearCatalog();
     HSCPlazFindings found;
-    if (!HSCPlazQItemCatalogReader::read(file, store, found)) store.setIsUnread(true);
+    HSCPlazQItemCatalogReader::read(file, store, found);
+    if (found.tellOfDamage()) store.setIsUnread(true);
     m_report.append(found.toReport());
 }
 

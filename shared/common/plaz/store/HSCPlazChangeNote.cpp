@@ -20,6 +20,7 @@ constexpr const char* placeKey = "place";
 constexpr const char* identityKey = "identity";
 constexpr const char* formerKey = "former";
 constexpr const char* formerCommitKey = "former_commit";
+constexpr const char* areaKey = "area";
 
 /// Names that may not be used are none.
 std::vector<std::string> readFiles(const rapidjson::Value& plaz) {
@@ -48,6 +49,7 @@ bool HSCPlazChangeNote::prepare(const HSCPlazPendingChange& change) const {
     Json::AddStringProperty(document, plaz, placeKey, change.place);
     Json::AddStringProperty(document, plaz, formerKey, change.former);
     Json::AddStringProperty(document, plaz, formerCommitKey, change.formerCommit);
+    Json::AddStringProperty(document, plaz, areaKey, change.area);
     if (change.item) {
         rapidjson::Value item = HSCPlazLocalDBWriter::toRecord(document, *change.item);
         Json::AddGenericValueProperty(document, plaz, itemKey, item);
@@ -78,7 +80,8 @@ std::optional<HSCPlazPendingChange> HSCPlazChangeNote::read() const {
                                 readFiles(*plaz),
                                 Json::GetStringProperty(*plaz, placeKey),
                                 Json::GetStringProperty(*plaz, formerKey),
-                                Json::GetStringProperty(*plaz, formerCommitKey)};
+                                Json::GetStringProperty(*plaz, formerCommitKey),
+                                Json::GetStringProperty(*plaz, areaKey)};
     if (const rapidjson::Value* item = Json::FindObject(*plaz, itemKey))
         change.item = HSCPlazLocalDBReader::toItem(*item);
     return change;

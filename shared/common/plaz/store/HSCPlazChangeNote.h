@@ -11,7 +11,7 @@ class HSCPlazQItemModel;
 struct HSCPlazPendingChange {
     std::string store;
     /// Null where it is about the catalog. The item as it will be recorded; of one that goes, as it was.
-    std::shared_ptr<const HSCPlazQItemModel> item;
+    std::shared_ptr<HSCPlazQItemModel> item;
     bool isInstalled = false; ///< afterwards
     /// Of the directory that will be in the item's place (HUTFile::getIdentity); empty where its files stay.
     std::string identity = {};
@@ -23,6 +23,8 @@ struct HSCPlazPendingChange {
     /// Where the item's files were before, if that is another directory, and of which commit. They go once the change
     /// is recorded.
     std::string former = {}, formerCommit = {};
+    /// Of the store, below which the item's directories are.
+    std::string area = {};
 };
 
 /// The note of a change under way. It is there from before the first file of a task changes its place until all that

@@ -4,6 +4,7 @@
 #include "plaz/model/HSCPlazQStoreModel.h"
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
 #include "plaz/pref/HSCPlazPathMgr.h"
+#include "plaz/store/HSCPlazInstalledTrees.h"
 #include "support/ComMsgMgr.h"
 #include "support/HUTFile.h"
 
@@ -16,6 +17,11 @@ std::string findRefusal(const HSCPlazQItemModel& record) {
     if (record.getName().empty()) return "its record in the local database has no name";
     std::string refusal = Rules::findRefusal(Rules::folderName, HSCPlazKey::revision, record.getRevision());
     return refusal.empty() ? Rules::findRefusal(Rules::gitRef, HSCPlazKey::commitId, record.getCommitId()) : refusal;
+}
+
+/// What begins with a dot is the hub's own: working copy, staging directory.
+bool isItemFolder(const std::string& folder) {
+    return HSCPlazTrust::isSafeRelativePath(folder) && folder.front() != '.';
 }
 
 /// Canonical; empty where the store has none.
@@ -54,19 +60,37 @@ const HSCPlazQItemModel* HSCPlazInstalledItems::findListed(const std::string& na
     return items->second.front();
 }
 
-std::string HSCPlazInstalledItems::toFolder(const std::string& directory) const {
+bool HSCPlazInstalledItems::isInArea(const std::string& dir) const {
     const std::string prefix = m_area + "/";
-    const std::string dir = HUTFile::getNonNativeCanonicalName(directory);
     const auto keyOf = [](const std::string& name) { return HUTFile::getNameKey(name); };
-    if (m_area.empty() || keyOf(dir.substr(0, prefix.size())) != keyOf(prefix)) return "";
-    std::string folder = dir.substr(prefix.size());
-    // What begins with a dot is the hub's own: working copy, staging directory.
-    if (!HSCPlazTrust::isSafeRelativePath(folder) || folder.front() == '.') return "";
-    return HUTFile::isBeneath(m_area, dir) ? folder : std::string();
+    return !m_area.empty() && keyOf(dir.substr(0, prefix.size())) == keyOf(prefix);
+}
+
+// Links on the way may lead out.
+bool HSCPlazInstalledItems::isNamedInArea(const std::string& dir) const {
+    const HSCPlazStoreLayout canonical(m_area, m_area);
+    return isItemFolder(m_paths.getStoreLayout(m_store).getFolderOf(dir)) || isItemFolder(canonical.getFolderOf(dir));
+}
+
+// What the installation has kept there tells of which folder it is.
+std::string HSCPlazInstalledItems::findMoved(const std::string& dir, const std::string& commit) const {
+    const HSCPlazStoreLayout layout(m_area, m_area);
+    for (std::size_t at = dir.find('/'); at != std::string::npos; at = dir.find('/', at + 1)) {
+        const std::string folder = dir.substr(at + 1);
+        if (HSCPlazInstalledTrees::isKept({layout, folder, {}, commit})) return folder;
+    }
+    return "";
+}
+
+std::string HSCPlazInstalledItems::toFolder(const HSCPlazQItemModel& record) const {
+    if (m_area.empty()) return "";
+    const std::string dir = HUTFile::getNonNativeCanonicalName(record.getLocalDir());
+    std::string folder = isInArea(dir) ? dir.substr(m_area.size() + 1) : findMoved(dir, record.getCommitId());
+    return isItemFolder(folder) && HUTFile::isBeneath(m_area, m_area + "/" + folder) ? folder : std::string();
 }
 
 std::string HSCPlazInstalledItems::toRoot(const HSCPlazQItemModel& record) const {
-    std::string folder = toFolder(record.getLocalDir());
+    std::string folder = toFolder(record);
     if (!m_store.isMultiRevisionSupported() || record.getRevision().empty()) return folder;
     const std::string ending = "/" + record.getRevision();
     if (folder.size() <= ending.size() || folder.substr(folder.size() - ending.size()) != ending) return "";
@@ -74,9 +98,10 @@ std::string HSCPlazInstalledItems::toRoot(const HSCPlazQItemModel& record) const
 }
 
 std::string HSCPlazInstalledItems::toLocalDir(const HSCPlazQItemModel& record, const HSCPlazQItemModel& item) const {
-    const std::string folder = toFolder(record.getLocalDir());
+    const std::string folder = toFolder(record);
     if (!folder.empty()) return m_area + "/" + folder;
-    return m_area.empty() ? std::string() : m_paths.getItemDir(m_store, item);
+    if (m_area.empty() || isNamedInArea(record.getLocalDir())) return ""; // it is out of reach
+    return m_paths.getItemDir(m_store, item);
 }
 
 HSCPlazQItemModel& HSCPlazInstalledItems::addUnlisted(const HSCPlazQItemModel& record) {
@@ -111,6 +136,7 @@ std::string HSCPlazInstalledItems::apply(const HSCPlazQItemModel& record) {
     item.setIsInstalled(true);
     item.setInstalledCommitId(record.getCommitId());
     item.setLocalDir(toLocalDir(record, item));
+    item.setRecordedDir(record.getLocalDir());
     item.setInstallationMode(record.getInstallationMode());
     item.setReferenceCount(record.getReferenceCount());
     item.deriveOutdated();

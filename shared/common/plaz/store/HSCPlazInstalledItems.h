@@ -28,8 +28,13 @@ private:
     /// What the catalog says of the item: its latest revision where it lists that; null for an item it does not know.
     const HSCPlazQItemModel* findListed(const std::string& name) const;
     HSCPlazQItemModel& addUnlisted(const HSCPlazQItemModel& record);
+    bool isInArea(const std::string& dir) const;
+    bool isNamedInArea(const std::string& dir) const;
+    /// The part of a directory that was below the store's area when that was elsewhere, or had another name; empty
+    /// where that is not known.
+    std::string findMoved(const std::string& dir, const std::string& commit) const;
     /// The part of a recorded directory below the store's area; empty when it may not be used.
-    std::string toFolder(const std::string& directory) const;
+    std::string toFolder(const HSCPlazQItemModel& record) const;
     std::string toRoot(const HSCPlazQItemModel& record) const;
     std::string toLocalDir(const HSCPlazQItemModel& record, const HSCPlazQItemModel& item) const;
 

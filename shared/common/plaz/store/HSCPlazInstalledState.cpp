@@ -13,6 +13,7 @@
 
 #include <boost/filesystem/path.hpp>
 
+#include <array>
 #include <memory>
 
 namespace {
@@ -59,12 +60,21 @@ void HSCPlazInstalledState::addMissingItems(HSCPlazQStore& store) {
 }
 
 void HSCPlazInstalledState::describe(const HSCPlazQStoreModel& store) const {
+    describe(store, store.getItems());
+}
+
+void HSCPlazInstalledState::describe(const HSCPlazQStoreModel& store, HSCPlazQItemModel& item) const {
+    describe(store, std::array{&item});
+}
+
+template <typename Items>
+void HSCPlazInstalledState::describe(const HSCPlazQStoreModel& store, const Items& items) const {
     const std::string area = store.getLocalDbFilePath().empty() ? std::string() : m_workspace.paths.getStoreArea(store);
     const HSCPlazStoreLayout layout(area, area);
     const HIOStream::Root root(area);
     HSCPlazJsonDocument document;
     HSCPlazFindings found;
-    for (const auto& item : store.getItems()) {
+    for (const auto& item : items) {
         if (!item->isInstalled()) continue;
         // Where it is: its folder in the repository may be another one by now.
         std::string folder = layout.getFolderOf(item->getLocalDir());

@@ -1,6 +1,7 @@
 #pragma once
 
 class HSCPlazQStore;
+class HSCPlazQItemModel;
 class HSCPlazQStoreModel;
 class HSCPlazReport;
 struct HSCPlazWorkspace;
@@ -18,6 +19,8 @@ public:
     void merge(HSCPlazQStoreModel& store) const;
     /// Describes what is installed by its own files: what it depends on may differ from what the catalog says today.
     void describe(const HSCPlazQStoreModel& store) const;
+    /// The same for one of its items.
+    void describe(const HSCPlazQStoreModel& store, HSCPlazQItemModel& item) const;
     /// Takes over what a store's database records, in the place of what was known.
     void takeOver(HSCPlazQStore& store) const;
     /// Takes over what other processes have installed and removed since the databases were read.
@@ -27,6 +30,7 @@ public:
     static void addMissingItems(HSCPlazQStore& store);
 
 private:
+    template <typename Items> void describe(const HSCPlazQStoreModel& store, const Items& items) const;
     HSCPlazWorkspace& m_workspace;
     HSCPlazReport& m_report;
 };

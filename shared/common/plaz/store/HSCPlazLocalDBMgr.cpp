@@ -101,6 +101,11 @@ std::shared_ptr<HSCPlazQStoreModel> HSCPlazLocalDBMgr::findRecord(const std::str
     return nullptr;
 }
 
+bool HSCPlazLocalDBMgr::isGone(const HSCPlazStoreLayout& layout) {
+    // A first installation that was cut short leaves the tree of one item at most.
+    return !HUTFile::exists(layout.getDatabase()) && HUTFile::createFileIter(layout.getTreesDir()).size() > 1;
+}
+
 bool HSCPlazLocalDBMgr::hasChanged(const std::string& file) const {
     const auto known = m_stamps.find(file);
     return isUnreadable(file) || (known != m_stamps.end() && known->second != HUTFile::getStamp(file));
@@ -120,8 +125,9 @@ HSCPlazLocalDBMgr::Merge HSCPlazLocalDBMgr::merge(const std::string& file, HSCPl
     m_unreadable.erase(file);
     const std::string stamp = m_stamps[file] = HUTFile::getStamp(file);
     if (stamp.empty() && canBeRead(file)) {
-        // A first installation that was cut short leaves the tree of one item at most.
-        m_hasLost = m_hasLost || HUTFile::createFileIter(paths.getStoreLayout(store).getTreesDir()).size() > 1;
+        if (!isGone(paths.getStoreLayout(store))) return Merge::nothing;
+        m_hasLost = true;
+        report.add(Msg::databaseGone, MsgSeverity::warning, file);
         return Merge::nothing;
     }
     HSCPlazModel recorded;
@@ -153,6 +159,7 @@ HSCPlazLocalDBMgr::Merge HSCPlazLocalDBMgr::merge(const std::string& file, HSCPl
         if (refusal.empty()) continue;
         report.add(Msg::itemRefused, MsgSeverity::criticalWarning, record->getName(), refusal);
         m_damaged.insert(file); // so that the record outlives the next save
+        m_hasLost = true;       // what it needs is not known
     }
     return isDamaged ? Merge::damaged : Merge::merged;
 }

@@ -12,6 +12,7 @@ class HSCPlazModel;
 class HSCPlazPathMgr;
 class HSCPlazQStore;
 class HSCPlazQStoreModel;
+class HSCPlazStoreLayout;
 class HSCPlazReport;
 
 /// Records, per store, what is installed, so that the next process knows without asking git.
@@ -56,6 +57,8 @@ public:
     /// The store as the database of the running product and release records it, if it records items of it; else null.
     std::shared_ptr<HSCPlazQStoreModel> findRecord(const std::string& file, const std::string& store) const;
 
+    /// Items had been installed there, and their record is gone.
+    static bool isGone(const HSCPlazStoreLayout& layout);
     /// Whether another process has written the database since it was merged or saved here, or it could not be read
     /// then.
     bool hasChanged(const std::string& file) const;

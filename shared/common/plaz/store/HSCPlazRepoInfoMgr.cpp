@@ -60,11 +60,10 @@ void HSCPlazRepoInfoMgr::read(HSCPlazReport& report) {
     rapidjson::Document document;
     m_unreadable = status != HIOStream::Status::ok;
     m_damaged = !m_unreadable && !Json::parseInPlace(text, document, error);
-    if (m_unreadable || m_damaged) {
-        const auto kind = m_damaged ? HSCPlazFinding::Kind::notJson : HSCPlazFinding::Kind::unreadable;
-        HSCPlazFinding{kind, m_file, error}.addTo(report);
-        return;
-    }
+    if (m_damaged)
+        report.add(Msg::placesDamaged, MsgSeverity::criticalWarning, m_file, error, HSCPlazKeptFile::nameFor(m_file));
+    if (m_unreadable) HSCPlazFinding{HSCPlazFinding::Kind::unreadable, m_file, error}.addTo(report);
+    if (m_unreadable || m_damaged) return;
     const rapidjson::Value* plaz = Json::FindObject(document, HSCPlazKey::plaz);
     if (plaz) m_content = {readRecords(*plaz, HSCPlazKey::qstores), readRecords(*plaz, defaultsKey)};
 }

@@ -4,7 +4,6 @@
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
-#include "plaz/model/repo/git/HSCPlazGitRemoved.h"
 #include "plaz/store/HSCPlazHolds.h"
 #include "plaz/store/HSCPlazInstalledItems.h"
 #include "plaz/store/HSCPlazInstalledState.h"
@@ -34,6 +33,29 @@ std::vector<HSCPlazQItem*> findReplaced(const HSCPlazFoundItem& found) {
     for (HSCPlazQItem* other : found.store->getItems(found.item->getName()))
         if (other != found.item && other->IsInstalled()) replaced.push_back(other);
     return replaced;
+}
+
+std::string areaOf(const HSCPlazTask& task, const HSCPlazQStore& store) {
+    return task.getWorkspace().paths.getStoreArea(*store.getModel());
+}
+
+HSCPlazPendingChange changeOf(const HSCPlazTask& task, const HSCPlazQStore& store,
+                              std::shared_ptr<HSCPlazQItemModel> item, bool isInstalled) {
+    HSCPlazPendingChange change{store.getName(), std::move(item), isInstalled};
+    change.area = areaOf(task, store);
+    return change;
+}
+
+/// Directories of a change are where the store's area is now, which may have come to another place since.
+HSCPlazPendingChange moved(HSCPlazPendingChange change, const std::string& area) {
+    const HSCPlazStoreLayout before(change.area, change.area);
+    const auto toPlace = [&](const std::string& dir) {
+        const std::string folder = before.getFolderOf(dir);
+        return folder.empty() ? dir : area + "/" + folder;
+    };
+    if (change.item) change.item->setLocalDir(toPlace(change.item->getLocalDir()));
+    change.former = toPlace(change.former);
+    return change;
 }
 
 /// What a record says of the item.
@@ -131,14 +153,14 @@ bool HSCPlazItemChanges::runLocked(HSCPlazTask& task, const std::function<bool(H
 bool HSCPlazItemChanges::install(const HSCPlazFoundItem& found, Mode mode, bool isAskedFor) {
     const HSCPlazPendingChange change = toInstallation(found, mode);
     if (!Files::areInPlace(m_task, found, *change.item)) return fetch(found, mode, isAskedFor);
-    if (!announce(change)) return false;
+    if (!Files::requireFree(m_task, found, change.item->getLocalDir()) || !announce(change)) return false;
     if (!record(found, change)) return giveUp(*found.store);
     found.item->setSource(HSCPlazTypes::LOCAL);
     return true;
 }
 
 bool HSCPlazItemChanges::fetch(const HSCPlazFoundItem& found, Mode mode, bool isAskedFor) {
-    const HSCPlazGitRemoved incoming(Directories::incomingOf(m_task, *found.store)); // the old files, in the end
+    const HSCPlazOldFiles incoming(Directories::incomingOf(m_task, *found.store));
     const HSCPlazPendingChange change = toInstallation(found, mode);
     if (!Files::fetch(m_task, found, *change.item, isAskedFor)) return false;
     if (!put(found, change, {Msg::dirNotWritable, MsgSeverity::error, change.item->getLocalDir()})) return false;
@@ -156,7 +178,7 @@ bool HSCPlazItemChanges::remove(const HSCPlazFoundItem& found) {
                m_task.fail(Msg::removalRefused, name, found.item->getLocalRootDir());
     const HSCPlazPendingChange change = toRemoval(found, dir);
     if (!HUTFile::exists(dir)) return announce(change) && (record(found, change) || giveUp(*found.store));
-    const HSCPlazGitRemoved incoming(Directories::incomingOf(m_task, *found.store)); // the old files, in the end
+    const HSCPlazOldFiles incoming(Directories::incomingOf(m_task, *found.store));
     if (!Files::makeRemains(m_task, found, dir)) return false;
     if (!put(found, change, {Msg::removalIncomplete, MsgSeverity::error, name, dir})) return false;
     if (HUTFile::createFileIter(dir).empty()) HUTFile::rmRecursive(dir);
@@ -164,12 +186,12 @@ bool HSCPlazItemChanges::remove(const HSCPlazFoundItem& found) {
 }
 
 bool HSCPlazItemChanges::restore(const HSCPlazFoundItem& found, bool areEditsKept) {
-    const HSCPlazGitRemoved incoming(Directories::incomingOf(m_task, *found.store)); // the old files, in the end
+    const HSCPlazOldFiles incoming(Directories::incomingOf(m_task, *found.store));
     const std::string dir = found.item->getLocalRootDir();
     const auto item = toRecord(*found.item->getModel());
     item->setLocalDir(dir);
     if (!Files::fetch(m_task, found, *item, false)) return false;
-    const HSCPlazPendingChange change{found.store->getName(), item, true};
+    const HSCPlazPendingChange change = changeOf(m_task, *found.store, item, true);
     const auto staying = HSCPlazOwnFiles::findStaying(m_task, found, areEditsKept);
     return staying && Files::takeAlong(m_task, found, dir, *staying) &&
            put(found, change, {Msg::dirNotWritable, MsgSeverity::error, dir});
@@ -189,13 +211,13 @@ HSCPlazPendingChange HSCPlazItemChanges::toInstallation(const HSCPlazFoundItem& 
     item->setCommitId(found.item->getModel()->getCommitId());
     item->setLocalDir(Files::directoryOf(m_task.getWorkspace(), found));
     item->setMode(wasUsers ? Mode::user : mode);
-    return {found.store->getName(), item, true};
+    return changeOf(m_task, *found.store, item, true);
 }
 
-HSCPlazPendingChange HSCPlazItemChanges::toRemoval(const HSCPlazFoundItem& found, const std::string& dir) {
+HSCPlazPendingChange HSCPlazItemChanges::toRemoval(const HSCPlazFoundItem& found, const std::string& dir) const {
     const auto item = toRecord(*found.item->getModel());
     item->setLocalDir(dir);
-    return {found.store->getName(), item, false};
+    return changeOf(m_task, *found.store, item, false);
 }
 
 bool HSCPlazItemChanges::announce(const HSCPlazPendingChange& change) {
@@ -349,8 +371,8 @@ void HSCPlazItemChanges::finishInterrupted() {
         m_task.fail(Msg::databaseUnreadable, m_note.getFile());
         return;
     }
-    const HSCPlazPendingChange& change = *note;
-    HSCPlazQStore* store = m_task.getHub().getStore(change.store);
+    HSCPlazQStore* store = m_task.getHub().getStore(note->store);
+    const HSCPlazPendingChange change = store ? moved(*note, areaOf(m_task, *store)) : *note;
     if (!change.place.empty()) {
         const HSCPlazStoreLayout layout(change.place, change.place);
         Directories::takeBackCatalog(layout);
@@ -404,7 +426,7 @@ bool HSCPlazItemChanges::removeUnneeded() {
     if (undescribed || !unreadable.empty()) {
         m_isStuck = true; // once it can be read, they go
         if (std::exchange(m_isBlocked, true)) return false;
-        return undescribed ? m_task.fail(Msg::needsUnknown, Files::shownName(*undescribed))
+        return undescribed ? m_task.fail(Msg::needsUnknown, Files::referenceOf(*undescribed))
                            : m_task.fail(Msg::databaseUnreadable, unreadable);
     }
     for (; unneeded; unneeded = findUnneeded(m_task.getHub(), m_obstinate)) {
@@ -437,7 +459,8 @@ bool HSCPlazItemChanges::end() {
     // What keeps items that nobody needs from going concerns who changes what is installed, and nobody else.
     m_isBlocked = m_isBlocked || !isChanged;
     const bool areGone = removeUnneeded() || m_isBlocked; // what was to be done is done all the same
-    if (m_note.exists() && !m_isStuck) {                  // else the next task goes by both
+    if (isChanged) Directories::tellOldFiles(m_task);
+    if (m_note.exists() && !m_isStuck) { // else the next task goes by both
         Directories::removeStaleTrees(m_task);
         if (isClean) m_note.forget();
     }

@@ -61,7 +61,7 @@ private:
     static bool runLocked(HSCPlazTask& task, const std::function<bool(HSCPlazItemChanges& changes)>& work);
     explicit HSCPlazItemChanges(HSCPlazTask& task);
     HSCPlazPendingChange toInstallation(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode) const;
-    static HSCPlazPendingChange toRemoval(const HSCPlazFoundItem& found, const std::string& dir);
+    HSCPlazPendingChange toRemoval(const HSCPlazFoundItem& found, const std::string& dir) const;
     bool announce(const HSCPlazPendingChange& change);
     /// The same for files that wait in the incoming directory: they, the tree that is kept of them and the note are on
     /// the disk then.

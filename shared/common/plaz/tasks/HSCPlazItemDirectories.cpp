@@ -1,5 +1,6 @@
 #include "plaz/tasks/HSCPlazItemDirectories.h"
 
+#include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
@@ -40,7 +41,28 @@ bool removeAllBut(const std::string& dir, const std::vector<std::string>& kept) 
     return areGone && (!HUTFile::createFileIter(dir).empty() || HUTFile::rmRecursive(dir));
 }
 
+constexpr const char* oldFilesName = ".old-files-";
+
+bool removeOrPutAside(const std::string& dir) {
+    if (HUTFile::rmRecursive(dir)) return true;
+    const std::string start = boost::filesystem::path(dir).parent_path().generic_string() + "/" + oldFilesName;
+    int number = 1;
+    while (HUTFile::exists(start + std::to_string(number))) ++number;
+    return HUTFile::rename(dir, start + std::to_string(number));
+}
+
+std::vector<std::string> findOldFiles(const HSCPlazStoreLayout& layout) {
+    std::vector<std::string> found;
+    for (const std::string& name : HUTFile::createFileIter(layout.getHiddenDir()))
+        if (boost::algorithm::starts_with(name, oldFilesName)) found.push_back(layout.getHiddenDir() + "/" + name);
+    return found;
+}
+
 } // namespace
+
+HSCPlazOldFiles::~HSCPlazOldFiles() {
+    removeOrPutAside(m_incoming);
+}
 
 std::string HSCPlazItemDirectories::incomingOf(const HSCPlazTask& task, const HSCPlazQStore& store) {
     return task.getWorkspace().paths.getStoreLayout(*store.getModel()).getIncoming();
@@ -90,12 +112,20 @@ bool HSCPlazItemDirectories::isInPlace(const HSCPlazPendingChange& change) {
 
 bool HSCPlazItemDirectories::removeLeftovers(const HSCPlazStoreLayout& layout) {
     bool areGone = true;
-    for (const std::string& leftover :
-         {layout.getStaging(), layout.getIncoming(), HUTFile::getAside(layout.getIncoming())})
-        areGone = HUTFile::rmRecursive(leftover) && areGone;
+    for (const std::string& oldFiles : findOldFiles(layout)) HUTFile::rmRecursive(oldFiles);
+    for (const std::string& leftover : {layout.getIncoming(), HUTFile::getAside(layout.getIncoming())})
+        areGone = removeOrPutAside(leftover) && areGone;
+    areGone = HUTFile::rmRecursive(layout.getStaging()) && areGone;
     for (const std::string& dir : {layout.getArea(), layout.getHiddenDir(), layout.getIndex()})
         areGone = HUTFile::removeTemporaries(dir) && areGone;
     return areGone;
+}
+
+void HSCPlazItemDirectories::tellOldFiles(HSCPlazTask& task) {
+    for (const HSCPlazQStore* store : task.getHub().getStores())
+        if (store->isProductSpecific())
+            for (const std::string& dir : findOldFiles(task.getWorkspace().paths.getStoreLayout(*store->getModel())))
+                task.tell(Msg::oldFilesStay, MsgSeverity::warning, dir);
 }
 
 void HSCPlazItemDirectories::removeStaleTrees(const HSCPlazTask& task) {

@@ -3,6 +3,7 @@
 #include "plaz/store/HSCPlazDependencies.h"
 
 #include <string>
+#include <utility>
 
 class HSCPlazTask;
 struct HSCPlazPendingChange;
@@ -38,6 +39,8 @@ bool removeFormer(const HSCPlazTask& task, const HSCPlazQStore& store, const std
 bool removeLeftovers(const HSCPlazStoreLayout& layout);
 /// The same in all stores of the product, and beside them.
 void removeLeftovers(const HSCPlazTask& task);
+/// Tells of old files that could not be removed and lie out of the way (Msg::oldFilesStay).
+void tellOldFiles(HSCPlazTask& task);
 /// Trees that are kept of items that are gone.
 void removeStaleTrees(const HSCPlazTask& task);
 /// Puts the descriptions of a store's catalog back where the process ended between two renamings, one of which had
@@ -45,3 +48,16 @@ void removeStaleTrees(const HSCPlazTask& task);
 void takeBackCatalog(const HSCPlazStoreLayout& layout);
 
 } // namespace HSCPlazItemDirectories
+
+/// The old files of an item, in the incoming directory: gone when the block is left. What resists is put out of the
+/// way, so that it does not keep later changes from that directory.
+class HSCPlazOldFiles {
+public:
+    explicit HSCPlazOldFiles(std::string incoming) : m_incoming(std::move(incoming)) {}
+    ~HSCPlazOldFiles();
+    HSCPlazOldFiles(const HSCPlazOldFiles&) = delete;
+    HSCPlazOldFiles& operator=(const HSCPlazOldFiles&) = delete;
+
+private:
+    std::string m_incoming;
+};

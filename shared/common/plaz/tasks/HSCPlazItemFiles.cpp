@@ -8,6 +8,7 @@
 #include "plaz/model/reader/HSCPlazJsonCheck.h"
 #include "plaz/model/reader/HSCPlazQItemReader.h"
 #include "plaz/model/repo/git/HSCPlazGitInstall.h"
+#include "plaz/store/HSCPlazInstalledState.h"
 #include "plaz/store/HSCPlazInstalledTrees.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazItemDirectories.h"
@@ -99,6 +100,10 @@ std::vector<std::string> findItemsInside(const HSCPlazFoundItem& found, const st
     return names;
 }
 
+bool isRecordedAt(const HSCPlazQItem& item, const std::string& commit) {
+    return item.IsInstalled() && item.getModel()->getInstalledCommitId() == commit;
+}
+
 /// What the repository is asked for.
 std::unique_ptr<HSCPlazQItemModel> toWanted(const HSCPlazFoundItem& found, const Trees::Place& place) {
     auto wanted = std::make_unique<HSCPlazQItemModel>();
@@ -108,8 +113,7 @@ std::unique_ptr<HSCPlazQItemModel> toWanted(const HSCPlazFoundItem& found, const
     wanted->setRoot(place.root);
     wanted->setCommitId(place.commit);
     // What is recorded comes back as it is, whatever the catalog calls its metadata file by now.
-    const bool isRecorded = found.item->IsInstalled() && found.item->getModel()->getInstalledCommitId() == place.commit;
-    wanted->setIsListed(!isRecorded && found.item->getModel()->isListed());
+    wanted->setIsListed(!isRecordedAt(*found.item, place.commit) && found.item->getModel()->isListed());
     return wanted;
 }
 
@@ -168,6 +172,11 @@ bool HSCPlazItemFiles::requireReachable(HSCPlazTask& task, const HSCPlazFoundIte
     return dir.empty() || task.fail(Msg::linkLeadsOut, dir, shownName(*found.item));
 }
 
+bool HSCPlazItemFiles::requireFree(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir) {
+    const HSCPlazQItem* other = findOverlap(found, dir);
+    return !other || task.fail(Msg::itemOverlaps, found.item->getName(), dir, referenceOf(*other));
+}
+
 bool HSCPlazItemFiles::areInPlace(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record) {
     const std::string& dir = record.getLocalDir();
     HSCPlazQItemModel description;
@@ -180,15 +189,16 @@ bool HSCPlazItemFiles::areInPlace(HSCPlazTask& task, const HSCPlazFoundItem& fou
 
 bool HSCPlazItemFiles::fetch(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record,
                              bool isAskedFor) {
+    const std::string url = found.store->getUrl();
     if (isAskedFor)
         task.tell(Msg::itemInstalling, MsgSeverity::warning, shownName(*found.item),
-                  HSCPlazTrust::maskSecrets(found.store->getUrl()));
-    if (!requireReachable(task, found)) return false;
+                  url.empty() ? layoutOf(task, found).getIndex() : HSCPlazTrust::maskSecrets(url));
     const std::string& dir = record.getLocalDir();
-    if (const HSCPlazQItem* other = findOverlap(found, dir))
-        return task.fail(Msg::itemOverlaps, found.item->getName(), dir, referenceOf(*other));
+    if (!requireReachable(task, found) || !requireFree(task, found, dir)) return false;
     const HSCPlazWorkspace& workspace = task.getWorkspace();
-    const Trees::Place place = Trees::placeOf(workspace, found, record);
+    Trees::Place place = Trees::placeOf(workspace, found, record);
+    const auto kept = isRecordedAt(*found.item, place.commit) ? Trees::readKept(place) : std::nullopt;
+    if (kept) place.root = kept->getRoot(); // whatever the catalog says of the folder by now
     const std::string incoming = place.layout.getIncoming();
     const auto [outcome, listing] = HSCPlazGitInstall::fetch(workspace.gitStore(*found.store->getModel()),
                                                              *toWanted(found, place), {dir, incoming});
@@ -214,11 +224,9 @@ bool HSCPlazItemFiles::makeRemains(HSCPlazTask& task, const HSCPlazFoundItem& fo
 }
 
 void HSCPlazItemFiles::describe(HSCPlazTask& task, const HSCPlazFoundItem& found) {
-    HSCPlazQItemModel description;
-    HSCPlazQItemModel& item = *found.item->getModel();
-    if (item.getMetadataFile().empty()) return; // what the catalog has left out keeps what it was read with
-    if (describedOnDisk(task, found, description)) item.copyDescriptionFrom(description);
-    item.setIsDescribedByItself(!description.getName().empty());
+    HSCPlazReport report;
+    HSCPlazInstalledState(task.getWorkspace(), report).describe(*found.store->getModel(), *found.item->getModel());
+    task.mention(report);
 }
 
 std::string HSCPlazItemFiles::removableDirectory(const HSCPlazTask& task, const HSCPlazFoundItem& found) {
@@ -229,7 +237,8 @@ std::string HSCPlazItemFiles::removableDirectory(const HSCPlazTask& task, const 
         return other != found.item && other->IsInstalled() &&
                other->getLocalRootDir() == (recorded.empty() ? own : recorded);
     });
-    if (isShared) return {};
+    const bool isOutOfReach = recorded.empty() && !found.item->getModel()->getRecordedDir().empty();
+    if (isShared || isOutOfReach) return {};
     if (recorded.empty() || recorded == own) return own;
     const bool isItsOwn =
         HSCPlazItemDirectories::isInside(task, *found.store, recorded) && isKnownIn(task, found, recorded);

@@ -24,6 +24,10 @@ std::string directoryOf(const HSCPlazWorkspace& workspace, const HSCPlazFoundIte
 /// Fails with Msg::linkLeadsOut where a link on the way to an item's folder leads out of its store's area.
 bool requireReachable(HSCPlazTask& task, const HSCPlazFoundItem& found);
 
+/// Fails with Msg::itemOverlaps where an item's files and those of another one would lie in one another.
+/// @param dir  where they are to be
+bool requireFree(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir);
+
 /// Whether the files of an item that no record knows are in place, left by an earlier installation or put there by
 /// hand: they are this very item, and lack nothing of what its commit is known to list.
 /// @param record  commit and local directory of what is to be installed

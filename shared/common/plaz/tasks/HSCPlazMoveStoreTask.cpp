@@ -65,12 +65,14 @@ bool isSameName(const std::string& a, const std::string& b) {
 
 bool HSCPlazMoveStoreTask::move(HSCPlazTask& task, HSCPlazQStore& store, const std::string& dir) {
     inside(moveName, " store - ", store.getName(), " local_root_dir - ", dir);
+    // Nothing would be left to list it by, and it could not be brought back.
+    if (!store.getModel()->isOffered()) return task.fail(Msg::storeWithdrawn, store.getName(), store.getLocalRootDir());
     HSCPlazWorkspace& workspace = task.getWorkspace();
     const HSCPlazPlaces places(workspace);
     const bool goesHome = isSameName(dir, places.getDefaultPlace(*store.getModel()));
     const std::string newRoot = goesHome || store.getRoot().empty() ? dir : dir + "/" + store.getRoot();
     const HSCPlazStoreLayout place(newRoot, newRoot);
-    const std::string oldRoot = store.getLocalRootDir();
+    const std::string oldRoot = store.getLocalRootDir(), chosen = workspace.places.getStoreDirectory(store.getName());
     const HSCPlazChangeNote note(workspace.paths.getChangeFile());
     if (!note.write({store.getName(), nullptr, false, "", {}, newRoot}))
         return task.fail(Msg::databaseNotSaved, note.getFile());
@@ -81,7 +83,8 @@ bool HSCPlazMoveStoreTask::move(HSCPlazTask& task, HSCPlazQStore& store, const s
     };
     if (!record(task, recordMove)) return false;
     if (!isSameName(newRoot, oldRoot) && HSCPlazStoreCatalog::holdsSomething(*store.getModel()))
-        task.tell(Msg::itemsLeftBehind, MsgSeverity::warning, store.getName(), oldRoot);
+        task.tell(Msg::itemsLeftBehind, MsgSeverity::warning, store.getName(), oldRoot,
+                  chosen.empty() ? oldRoot : chosen);
     store.setLocalDbFilePath(place.getDatabase());
     store.setLocalRootDir(newRoot);
     store.setInstallDir(newRoot);

@@ -189,7 +189,10 @@ void HSCPlazOwnFiles::discard(const HSCPlazPathMgr& paths, const Kept& kept) {
     if (kept.directory.empty()) return;
     std::string dir = kept.directory;
     HUTFile::rmRecursive(dir);
-    while (HUTFile::isBeneath(paths.getKeptDir(), dir) && HUTFile::createFileIter(dir).empty()) {
+    const auto isEmptyDirectory = [&] {
+        return HUTFile::isDirectory(dir) && !HUTFileTree::isLink(dir) && HUTFile::createFileIter(dir).empty();
+    };
+    while (HUTFile::isBeneath(paths.getKeptDir(), dir) && (!HUTFile::exists(dir) || isEmptyDirectory())) {
         HUTFile::rmRecursive(dir);
         dir = boost::filesystem::path(dir).parent_path().generic_string();
     }

@@ -123,6 +123,8 @@ private:
 bool HSCPlazRefreshStoreTask::loadCatalog(HSCPlazTask& task, HSCPlazQStore& store) {
     HSCPlazWorkspace& workspace = task.getWorkspace();
     HSCPlazQStoreModel& model = *store.getModel();
+    if (!model.isOffered() && model.getUrl().empty())
+        return task.fail(Msg::storeWithdrawn, model.getName(), workspace.paths.getStoreArea(model));
     task.show("Fetching", Catalog::shownName(model), 0);
     PlaceGuard place(model);
     HSCPlazReport placed;

@@ -3,6 +3,8 @@
 #include "plaz/base/HSCPlazMsg.h"
 #include "support/HostMsg.h"
 
+#include <algorithm>
+
 namespace {
 
 const MsgId<2>& refusalOf(HSCPlazFinding::Kind kind) {
@@ -32,6 +34,12 @@ void HSCPlazFinding::addTo(HSCPlazReport& report) const {
     case Kind::storeRefused:
         report.add(refusalOf(kind), MsgSeverity::criticalWarning, subject, text);
     }
+}
+
+bool HSCPlazFindings::tellOfDamage() const {
+    return std::any_of(m_all.begin(), m_all.end(), [](const HSCPlazFinding& finding) {
+        return finding.kind == HSCPlazFinding::Kind::unreadable || finding.kind == HSCPlazFinding::Kind::notJson;
+    });
 }
 
 HSCPlazReport HSCPlazFindings::toReport() const {

@@ -29,6 +29,8 @@ public:
     }
     bool isEmpty() const { return m_all.empty(); }
     const std::vector<HSCPlazFinding>& getAll() const { return m_all; }
+    /// Whether a file could not be read, or is not JSON.
+    bool tellOfDamage() const;
     /// All of it as messages.
     HSCPlazReport toReport() const;
     /// Sends all of it.

@@ -60,9 +60,10 @@ std::unique_ptr<Item> HSCPlazLocalDBReader::toItem(const Value& record) {
 
 namespace {
 
-void readStore(const Value& record, HSCPlazModel& model) {
+/// @return false when something in it is not what it should be, so that it may stand for items that are not known
+bool readStore(const Value& record, HSCPlazModel& model) {
     const std::string name = Json::GetStringProperty(record, Key::name);
-    if (name.empty()) return;
+    if (name.empty()) return false;
     Store* store = model.findStore(name);
     if (!store) {
         store = model.addStore(std::make_shared<Store>());
@@ -71,9 +72,11 @@ void readStore(const Value& record, HSCPlazModel& model) {
     HSCPlazJson::fillFields(storeFields, record, *store);
     if (record.HasMember(Key::userRepository))
         store->setIsUserRepository(Json::GetBooleanProperty(record, Key::userRepository));
-    if (const Value* items = Json::FindArray(record, Key::items))
-        for (const Value& item : items->GetArray())
-            if (item.IsObject()) store->addItem(HSCPlazLocalDBReader::toItem(item));
+    const Value* items = Json::FindArray(record, Key::items);
+    if (!items) return !record.HasMember(Key::items);
+    for (const Value& item : items->GetArray())
+        if (item.IsObject()) store->addItem(HSCPlazLocalDBReader::toItem(item));
+    return std::all_of(items->Begin(), items->End(), [](const Value& item) { return item.IsObject(); });
 }
 
 constexpr const char* checkName = "HSCPlazLocalDBReader::checkIfValidForProductAndRelease";
@@ -101,7 +104,7 @@ HSCPlazLocalDBReader::Result HSCPlazLocalDBReader::read(const std::string& file,
     using Outcome = Result::Outcome;
     HSCPlazJsonDocument document;
     if (!document.load(file, found)) return {Outcome::unreadable, {}, {}};
-    const bool isWhole = document.isParsed();
+    bool isWhole = document.isParsed();
     document.validate(HSCPlazSchema::Kind::localDb, found);
     if (!isWhole && isOwnOnly) document.loadReadablePart(file);
     const Value* plaz = Json::FindObject(document.getRoot(), Key::plaz);
@@ -109,7 +112,7 @@ HSCPlazLocalDBReader::Result HSCPlazLocalDBReader::read(const std::string& file,
     if (isOwnOnly && !isOfRunningProduct(*plaz)) return {Outcome::foreign, {}, {}};
     if (!plaz) return {Outcome::read, {}, {}};
     if (const Value* stores = Json::FindArray(*plaz, Key::qstores))
-        for (const Value& record : stores->GetArray()) readStore(record, model);
+        for (const Value& record : stores->GetArray()) isWhole = readStore(record, model) && isWhole;
     return {isWhole || !isOwnOnly ? Outcome::read : Outcome::damaged, Json::GetStringProperty(*plaz, Key::majorVersion),
             Json::GetStringProperty(*plaz, Key::minorVersion)};
 }

@@ -30,7 +30,7 @@ Value HSCPlazLocalDBWriter::toRecord(Document& document, const HSCPlazQItemModel
     addText(document, record, Key::company, item.getCompany());
     addText(document, record, Key::revision, item.getRevision());
     addText(document, record, Key::commitId, item.getInstalledCommitId());
-    addText(document, record, Key::localDirectory, item.getLocalDir());
+    addText(document, record, Key::localDirectory, item.getRecordedDir());
     addText(document, record, Key::installationMode, item.getInstallationMode());
     Json::AddIntegerProperty(document, record, Key::referenceCount, item.getReferenceCount());
     Json::AddBooleanProperty(document, record, Key::isLatest, item.isLatest());
