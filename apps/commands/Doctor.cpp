@@ -68,12 +68,15 @@ std::vector<StorePaths> pathsOf(const HSCPlaz& hub, const std::vector<HSCPlazQSt
     return paths;
 }
 
-void examineStore(Round& round, HSCPlazQStore& store, const std::string& trial, const HDGUIStatus& status) {
+void examineStore(Round& round, const HSCPlaz& hub, HSCPlazQStore& store, const std::string& trial,
+                  const HDGUIStatus& status) {
     const std::string name = "store " + store.getName();
     const HSCPlazQStoreModel& model = *store.getModel();
     round.makeOne(name + ": catalog", [&] { return doctor::checkCatalog(store); });
     round.makeOne(name + ": database", [&] { return doctor::checkDatabase(store); });
     round.make(name + ": installed items", [&] { return doctor::checkItems(store, status); });
+    round.make(name + ": what items need", [&] { return doctor::checkNeeds(hub, store); });
+    if (model.getUrl().empty() && !model.isOffered()) return; // nothing can be fetched
     round.makeOne(name + ": working copy", [&] { return doctor::checkWorkingCopy(model, trial); });
     if (model.isPrivateRepository())
         round.makeOne(name + ": credentials", [&] { return doctor::checkCredentials(model); });
@@ -100,13 +103,15 @@ std::vector<Finding> Doctor::examine(const std::vector<HSCPlazQStore*>& stores) 
     round.make("disk", [&] { return doctor::checkDisk(find(paths, "user area")); });
     round.makeOne("hub: metadata", doctor::checkHubMetadata);
     round.makeOne("hub: configuration", doctor::checkConfiguration);
-    for (HSCPlazQStore* store : stores) examineStore(round, *store, trial ? trial->getDir() : "", m_status);
+    round.make("hub: places of stores", doctor::checkPlaces);
+    for (HSCPlazQStore* store : stores) examineStore(round, m_hub, *store, trial ? trial->getDir() : "", m_status);
     if (!trial || !mayAskRemotes()) return round.take();
 
     round.makeOne("hub: remote", [&] {
         return doctor::checkRemote("hub: remote", m_hub.getModel()->getRemoteRepository(), "", trial->getDir());
     });
     for (const HSCPlazQStore* store : stores) {
+        if (store->getUrl().empty() && !store->getModel()->isOffered()) continue;
         const std::string subject = "store " + store->getName() + ": remote";
         round.makeOne(subject, [&] {
             return doctor::checkRemote(subject, store->getUrl(), store->getModel()->getBranch(), trial->getDir());

@@ -8,6 +8,7 @@
 #include <vector>
 
 class HDGUIStatus;
+class HSCPlaz;
 class HSCPlazQStore;
 class HSCPlazQStoreModel;
 
@@ -57,6 +58,8 @@ std::string findDamage(const std::string& file);
 /// The hub's metadata in force: shipped or refreshed.
 Finding checkHubMetadata();
 Finding checkConfiguration();
+/// What tells where stores are kept; no finding where that was never written.
+std::vector<Finding> checkPlaces();
 
 /// Metadata and catalog in force, and how old they are.
 Finding checkCatalog(HSCPlazQStore& store);
@@ -64,6 +67,8 @@ Finding checkCatalog(HSCPlazQStore& store);
 Finding checkDatabase(const HSCPlazQStore& store);
 /// Whether each installed item has its files as they were installed. Ends on cancellation.
 std::vector<Finding> checkItems(const HSCPlazQStore& store, const HDGUIStatus& status);
+/// Installed items that lack something that they need; no finding where none does.
+std::vector<Finding> checkNeeds(const HSCPlaz& hub, const HSCPlazQStore& store);
 /// @param trial  as for checkProxy(); empty where there is no git to look with
 Finding checkWorkingCopy(const HSCPlazQStoreModel& store, const std::string& trial);
 /// Whether a private store can be reached at all.

@@ -141,3 +141,10 @@ Finding doctor::checkConfiguration() {
     return warning("hub: configuration", "there is none, so the defaults are in force",
                    "Check GDA_DATA_DIR, or repair the installation.");
 }
+
+std::vector<Finding> doctor::checkPlaces() {
+    const std::string file = HSCPlazInspection::getPlacesFile();
+    if (!HUTFile::exists(file)) return {};
+    return {checkFile("hub: places of stores", file,
+                      "Correct it, or bring back a copy: until then each store is looked for in its usual place.", "")};
+}

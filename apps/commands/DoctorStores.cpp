@@ -34,6 +34,9 @@ std::string describeTime(std::time_t time) {
 Finding doctor::checkCatalog(HSCPlazQStore& store) {
     const HSCPlazQStoreModel& model = *store.getModel();
     const std::string subject = subjectOf(store.getName(), "catalog");
+    if (!model.isOffered())
+        return warning(subject, "the store is no longer offered to this product",
+                       "What is installed from it can be used; it goes when that is uninstalled.");
     const std::string refresh = "plaz refresh " + store.getName();
     const std::string area = HSCPlazInspection::getArea(model);
     const bool isRefreshed =
@@ -58,6 +61,10 @@ Finding doctor::checkCatalog(HSCPlazQStore& store) {
 Finding doctor::checkDatabase(const HSCPlazQStore& store) {
     const std::string subject = subjectOf(store.getName(), "database");
     const std::string file = store.getLocalDbFilePath();
+    if (HSCPlazInspection::isRecordGone(*store.getModel()))
+        return problem(subject, file + " is gone, and with it what it says of installed items",
+                       "Bring back a copy of the file, or install the items again; their files are taken over where "
+                       "they are whole.");
     if (!HUTFile::exists(file)) return ok(subject, "nothing was installed yet");
     const std::string damage = findDamage(file);
     std::string content;
@@ -68,12 +75,30 @@ Finding doctor::checkDatabase(const HSCPlazQStore& store) {
     if (!damage.empty())
         return problem(
             subject, damage,
-            "Bring back an older copy of the file, or remove it and install the items again; their files are "
-            "taken over.");
+            "Bring back an older copy of the file, or install what is missing again: what can be read of it counts, "
+            "and the next change writes it anew.");
     const auto& items = store.getModel()->getItems();
     const auto installed =
         std::count_if(items.begin(), items.end(), [](const auto& item) { return item->isInstalled(); });
     return ok(subject, file + ": " + std::to_string(installed) + " installed");
+}
+
+std::vector<Finding> doctor::checkNeeds(const HSCPlaz& hub, const HSCPlazQStore& store) {
+    const std::string subject = subjectOf(store.getName(), "what items need");
+    std::vector<Finding> findings;
+    for (const HSCPlazQItem* item : store.getItems()) {
+        if (!item->isRecorded()) continue;
+        const std::string name = ItemReference::of(*item).toText();
+        for (const HSCPlazQItemDependency* needed : item->getItemDependencies())
+            if (!HSCPlazInspection::findServing(hub, *needed))
+                findings.push_back(
+                    warning(subject,
+                            name + " needs " +
+                                ItemReference{needed->getStore(), needed->getItem(), needed->getRevision()}.toText() +
+                                ", which is not installed",
+                            "plaz install " + name));
+    }
+    return findings;
 }
 
 std::vector<Finding> doctor::checkItems(const HSCPlazQStore& store, const HDGUIStatus& status) {
@@ -88,8 +113,10 @@ std::vector<Finding> doctor::checkItems(const HSCPlazQStore& store, const HDGUIS
         if (files.isDone())
             ++whole;
         else if (files.outcome == HSCPlazFilesResult::Outcome::damaged)
-            findings.push_back(
-                problem(subject, name + " is not as it was installed: " + files.describe(), "plaz repair " + name));
+            findings.push_back(problem(subject, name + " is not as it was installed: " + files.describe(),
+                                       files.unreadable.empty()
+                                           ? "plaz repair " + name
+                                           : "Give yourself the right to read it, or check its disk."));
         else
             findings.push_back(problem(subject, files.report.findProblem()->getMessage(), ""));
     }

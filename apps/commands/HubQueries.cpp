@@ -97,7 +97,8 @@ void addLines(const ItemQuery& query, const std::vector<HSCPlazQItem*>& entries,
     std::vector<HSCPlazQItem*> fitting;
     std::copy_if(entries.begin(), entries.end(), std::back_inserter(fitting),
                  [&](const HSCPlazQItem* item) { return filter.fits(*item); });
-    if (!query.allRevisions && !fitting.empty()) fitting = {pickEntry(fitting)};
+    const bool areAllShown = query.allRevisions || query.installed;
+    if (!areAllShown && !fitting.empty()) fitting = {pickEntry(fitting)};
     for (HSCPlazQItem* item : fitting) lines.push_back(listed(*item, entries));
 }
 
@@ -265,14 +266,21 @@ ItemInfo HubQueries::describe(HSCPlazQItem& item) const {
 }
 
 std::vector<HSCPlazQItem*> HubQueries::findInstalled(const ItemReference& reference, const std::string& store) const {
-    std::vector<HSCPlazQItem*> installed;
     bool isKnown = false;
-    for (const HSCPlazQStore* one : getScope(scopeOf(reference, store)))
-        for (HSCPlazQItem* item : entriesOf(*one, reference.name)) {
-            if (!reference.revision.empty() && item->getRevision() != reference.revision) continue;
-            isKnown = true;
-            if (item->IsInstalled()) installed.push_back(item);
-        }
+    const auto find = [&] {
+        std::vector<HSCPlazQItem*> installed;
+        for (const HSCPlazQStore* one : getScope(scopeOf(reference, store)))
+            for (HSCPlazQItem* item : entriesOf(*one, reference.name)) {
+                if (!reference.revision.empty() && item->getRevision() != reference.revision) continue;
+                isKnown = true;
+                if (item->IsInstalled()) installed.push_back(item);
+            }
+        return installed;
+    };
+    std::vector<HSCPlazQItem*> installed = find();
+    if (!installed.empty()) return installed;
+    requireRecords(); // another process may have installed it
+    installed = find();
     if (!isKnown) throwUnknown(reference, store);
     if (installed.empty()) failWith(Msg::itemNotInstalled, reference.toText());
     return installed;

@@ -88,10 +88,12 @@ public:
     /// The stores of which nobody knows what they offer, since their files could not be read.
     std::vector<std::string> findUnread() const;
 
+    /// Fails with Msg::databaseUnreadable where what is installed is not known, since a record cannot be read.
+    void requireRecords() const;
+
     ItemInfo describe(HSCPlazQItem& item) const;
 
 private:
-    void requireRecords() const;
     std::vector<HSCPlazQItem*> findInstalled(const ItemReference& reference, const std::string& store) const;
     [[noreturn]] void throwUnknown(const ItemReference& reference, const std::string& store) const;
 

@@ -146,7 +146,9 @@ int Program::runStores() {
 }
 
 int Program::runItems() {
-    m_output->showItems(HubQueries(getHub()).findItems(m_options.query));
+    const HubQueries queries(getHub());
+    m_output->showItems(queries.findItems(m_options.query));
+    queries.requireRecords(); // else what is installed may be missing above
     return exitStatus::done;
 }
 
