@@ -97,8 +97,7 @@ void addLines(const ItemQuery& query, const std::vector<HSCPlazQItem*>& entries,
     std::vector<HSCPlazQItem*> fitting;
     std::copy_if(entries.begin(), entries.end(), std::back_inserter(fitting),
                  [&](const HSCPlazQItem* item) { return filter.fits(*item); });
-    const bool areAllShown = query.allRevisions || query.installed;
-    if (!areAllShown && !fitting.empty()) fitting = {pickEntry(fitting)};
+    if (!query.listsRevisions() && !fitting.empty()) fitting = {pickEntry(fitting)};
     for (HSCPlazQItem* item : fitting) lines.push_back(listed(*item, entries));
 }
 
@@ -169,7 +168,7 @@ std::vector<HSCPlazQItem*> HubQueries::selectItems(const ItemQuery& query,
         const ItemFilter filter(query, *store);
         const auto isWanted = [&](const HSCPlazQItem& item) { return filter.fits(item) && (!fits || fits(item)); };
         const HSTVector<HSCPlazQItem*>& items = store->getItems();
-        if (query.allRevisions)
+        if (query.listsRevisions())
             std::copy_if(items.begin(), items.end(), std::back_inserter(found),
                          [&](const HSCPlazQItem* item) { return isWanted(*item); });
         else

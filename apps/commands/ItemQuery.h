@@ -12,4 +12,7 @@ struct ItemQuery {
     bool installed = false;         ///< only installed revisions
     bool outdated = false;          ///< only installed revisions that a newer one could replace
     bool allRevisions = false;      ///< every revision instead of one for each item
+
+    /// What is installed is listed as it is, each revision.
+    bool listsRevisions() const { return allRevisions || installed; }
 };

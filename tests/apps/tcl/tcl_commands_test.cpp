@@ -185,7 +185,7 @@ TEST_F(TclCommandsTest, comparesAndRepairsFiles) {
          {"plaz::verify", "x@1 additional {my own}"},
          {"put x@1 body.txt; plaz::install -quiet x@1; plaz::verify x", "x@1 changed body.txt x@1 additional {my own}"},
          {"plaz::install -quiet -reinstall -discard_changes x@1; plaz::verify", ""},
-         {"put kit {my own}; plaz::uninstall -quiet -discard_changes tool; plaz::get_qitems -installed", "x"}});
+         {"put kit {my own}; plaz::uninstall -quiet -discard_changes tool; plaz::get_qitems -installed", "x x@1"}});
     const Names ids = takeIds();
     EXPECT_EQ(std::count(ids.begin(), ids.end(), "17-2231"), 1) << "what was kept";
     for (const std::string known : {".trees", ".index"}) HUTFile::rmRecursive(files.area("board_store/.plaz/" + known));
