@@ -91,6 +91,7 @@ bool mayBeMoved(const HSCPlazQStore* store, const std::string& dir) {
 
 bool isFree(HSCPlazTask& task, const HSCPlazQStore& store, const std::string& dir) {
     const HSCPlazQStore* user = HSCPlazChosenDirectory::findUser(store, dir);
+    if (!user) user = HSCPlazChosenDirectory::findNeighbour(store, dir);
     return !user || task.fail(Msg::dirUsedByOtherStore, user->getName(), HUTFile::getCanonicalName(dir));
 }
 

@@ -91,8 +91,8 @@ public:
                                            HDGUIStatus* status);
     /// Brings an installed revision up to date and keeps its installation mode. What the old files needed is given up,
     /// what the new ones need is brought. Where the store keeps several revisions the older one stays beside the new
-    /// one. The result is that of the latest revision, or of this one where it only lacked something. Sends Msg::itemFetchedAgain unless quiet, and what install()
-    /// sends.
+    /// one. The result is that of the latest revision, or of this one where it only lacked something. Sends
+    /// Msg::itemFetchedAgain unless quiet, and what install() sends.
     static HSCPlazItemResult updateItem(HSCPlaz& hub, HSCPlazQItem& item, HSCPlazTaskOptions options,
                                         HDGUIStatus* status);
     /// Brings back files of installed items that were changed or are missing, at the commit that is recorded of each.

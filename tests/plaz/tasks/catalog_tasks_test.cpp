@@ -138,6 +138,8 @@ TEST_F(CatalogTasksTest, StoresMoveToADirectoryOfTheUsersChoice) {
     hub().getStore("more")->setInstallDir(mine + "/tcl");
     EXPECT_FALSE(HSCPlazTaskMgr::moveStore(store(), mine).isDone());
     EXPECT_EQ(takeIds(), (Names{"17-1668", "17-2192"}));
+    EXPECT_FALSE(HSCPlazTaskMgr::moveStore(store(), mine + "/tcl/items/x").isDone()) << "inside another one's";
+    EXPECT_EQ(takeIds(), (Names{"17-1668", "17-2192"}));
     hub().getStore("more")->setInstallDir("");
     EXPECT_FALSE(moveTo("") || HSCPlazTaskMgr::setQStoreLocalRootDir(nullptr, "/x"));
     files.temp.write("foreign/tcl/.plaz/plaz_local_db.json",

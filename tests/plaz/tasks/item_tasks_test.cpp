@@ -357,6 +357,19 @@ TEST_F(ItemTasksTest, DamagedItemsComeBackWhateverTheCatalogSays) {
     EXPECT_FALSE(find("m").IsInstalled());
 }
 
+// A revision that goes when another one is brought back, since its store is one of single revisions by now.
+TEST_F(ItemTasksTest, BringingBackReplacesNothing) {
+    files.addStore("tcl", "ced", true).item("p", "1").item("p", "2");
+    files.ship();
+    const std::vector<HSCPlazQItem*> both{store().getItem("p", "1"), store().getItem("p", "2")};
+    for (HSCPlazQItem* item : both) ASSERT_TRUE(HSCPlazTaskMgr::install(&hub(), item, true, nullptr));
+    store().IsMultiRevisionSupported(false);
+    for (const HSCPlazQItem* item : both) HUTFile::rmRecursive(item->getLocalRootDir() + "/body.txt");
+    for (const auto& result : HSCPlazTaskMgr::repairItems(hub(), both, {}, nullptr))
+        EXPECT_EQ(result.outcome, HSCPlazItemResult::Outcome::repaired) << result.revision;
+    EXPECT_EQ(recorded(), "p@2 user 0;p@1 user 0;");
+}
+
 // An item whose files take those of another one with them.
 TEST_F(ItemTasksTest, ItemsInsideOneAnotherAreRefused) {
     const std::string metadata = readFile(ship("a a/inner").getRepo().getDir() + "/items/a/inner/item.json");

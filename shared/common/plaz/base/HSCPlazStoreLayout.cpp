@@ -1,5 +1,6 @@
 #include "plaz/base/HSCPlazStoreLayout.h"
 
+#include "support/HUTDigest.h"
 #include "support/HUTFile.h"
 
 namespace {
@@ -14,6 +15,10 @@ std::string HSCPlazStoreLayout::getFolderOf(const std::string& dir) const {
     const std::string start = m_area + "/";
     const bool isThere = !m_area.empty() && dir.compare(0, start.size(), start) == 0;
     return isThere ? dir.substr(start.size()) : std::string();
+}
+
+std::string HSCPlazStoreLayout::getTreeFile(const std::string& folder, const std::string& commit) const {
+    return getTreesDir() + "/" + HUTDigest::ofBlob(HUTDigest::Kind::sha1, folder + "\n" + commit);
 }
 
 bool HSCPlazStoreLayout::isComplete(const std::string& dir) {

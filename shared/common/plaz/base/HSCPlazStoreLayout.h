@@ -65,6 +65,11 @@ public:
     std::string getDatabase() const { return below(getHiddenDir(), databaseFile); }
     /// Where the trees of installed items are kept.
     std::string getTreesDir() const { return below(getHiddenDir(), ".trees"); }
+    /// What an installation keeps of its files.
+    /// @param folder  the item's, relative to the area; folders lie in one another, so that no name made of theirs
+    /// would
+    ///                be safe
+    std::string getTreeFile(const std::string& folder, const std::string& commit) const;
     std::string getIncoming() const { return below(getHiddenDir(), ".incoming"); }
 
     /// Whether what a directory holds (a working copy, a catalog) came whole. @param dir  empty: no

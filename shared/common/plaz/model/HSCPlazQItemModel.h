@@ -99,6 +99,7 @@ public:
     void setLocalDir(const std::string& value) { m_localDir = value; }
     /// The same, or what is recorded of a directory that cannot be reached now.
     const std::string& getRecordedDir() const { return m_localDir.empty() ? m_recordedDir : m_localDir; }
+    bool isOutOfReach() const { return m_localDir.empty() && !m_recordedDir.empty(); }
     void setRecordedDir(const std::string& value) { m_recordedDir = value; }
     /// As it is recorded: "user", "tool" or empty. A database may hold another text, which is kept.
     const std::string& getInstallationMode() const { return m_installationMode; }

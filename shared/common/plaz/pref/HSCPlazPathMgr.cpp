@@ -175,8 +175,7 @@ std::string HSCPlazPathMgr::getItemDir(const HSCPlazQStoreModel& store, const HS
 }
 
 std::string HSCPlazPathMgr::findLinkedItemDir(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item) const {
-    const bool isOutOfReach = item.isInstalled() && item.getLocalDir().empty() && !item.getRecordedDir().empty();
-    return isOutOfReach ? item.getRecordedDir() : findItemDir(store, item, true);
+    return item.isOutOfReach() ? item.getRecordedDir() : findItemDir(store, item, true);
 }
 
 std::string HSCPlazPathMgr::findItemDir(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item,

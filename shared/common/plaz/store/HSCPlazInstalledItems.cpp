@@ -4,9 +4,10 @@
 #include "plaz/model/HSCPlazQStoreModel.h"
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
 #include "plaz/pref/HSCPlazPathMgr.h"
-#include "plaz/store/HSCPlazInstalledTrees.h"
 #include "support/ComMsgMgr.h"
 #include "support/HUTFile.h"
+
+#include <boost/algorithm/string/predicate.hpp>
 
 namespace {
 
@@ -73,24 +74,27 @@ bool HSCPlazInstalledItems::isNamedInArea(const std::string& dir) const {
 }
 
 // What the installation has kept there tells of which folder it is.
-std::string HSCPlazInstalledItems::findMoved(const std::string& dir, const std::string& commit) const {
+std::string HSCPlazInstalledItems::findMoved(const std::string& dir, const std::string& commit,
+                                             const std::string& expected) const {
+    if (!expected.empty() && boost::algorithm::ends_with(dir, "/" + expected)) return expected;
     const HSCPlazStoreLayout layout(m_area, m_area);
     for (std::size_t at = dir.find('/'); at != std::string::npos; at = dir.find('/', at + 1)) {
         const std::string folder = dir.substr(at + 1);
-        if (HSCPlazInstalledTrees::isKept({layout, folder, {}, commit})) return folder;
+        if (HUTFile::exists(layout.getTreeFile(folder, commit))) return folder;
     }
     return "";
 }
 
-std::string HSCPlazInstalledItems::toFolder(const HSCPlazQItemModel& record) const {
+std::string HSCPlazInstalledItems::toFolder(const HSCPlazQItemModel& record, const std::string& expected) const {
     if (m_area.empty()) return "";
     const std::string dir = HUTFile::getNonNativeCanonicalName(record.getLocalDir());
-    std::string folder = isInArea(dir) ? dir.substr(m_area.size() + 1) : findMoved(dir, record.getCommitId());
+    const std::string folder =
+        isInArea(dir) ? dir.substr(m_area.size() + 1) : findMoved(dir, record.getCommitId(), expected);
     return isItemFolder(folder) && HUTFile::isBeneath(m_area, m_area + "/" + folder) ? folder : std::string();
 }
 
 std::string HSCPlazInstalledItems::toRoot(const HSCPlazQItemModel& record) const {
-    std::string folder = toFolder(record);
+    std::string folder = toFolder(record, "");
     if (!m_store.isMultiRevisionSupported() || record.getRevision().empty()) return folder;
     const std::string ending = "/" + record.getRevision();
     if (folder.size() <= ending.size() || folder.substr(folder.size() - ending.size()) != ending) return "";
@@ -98,7 +102,7 @@ std::string HSCPlazInstalledItems::toRoot(const HSCPlazQItemModel& record) const
 }
 
 std::string HSCPlazInstalledItems::toLocalDir(const HSCPlazQItemModel& record, const HSCPlazQItemModel& item) const {
-    const std::string folder = toFolder(record);
+    const std::string folder = toFolder(record, HSCPlazPathMgr::getItemFolder(m_store, item));
     if (!folder.empty()) return m_area + "/" + folder;
     if (m_area.empty() || isNamedInArea(record.getLocalDir())) return ""; // it is out of reach
     return m_paths.getItemDir(m_store, item);

@@ -32,9 +32,10 @@ private:
     bool isNamedInArea(const std::string& dir) const;
     /// The part of a directory that was below the store's area when that was elsewhere, or had another name; empty
     /// where that is not known.
-    std::string findMoved(const std::string& dir, const std::string& commit) const;
+    /// @param expected  the item's folder by the catalog; empty for none
+    std::string findMoved(const std::string& dir, const std::string& commit, const std::string& expected) const;
     /// The part of a recorded directory below the store's area; empty when it may not be used.
-    std::string toFolder(const HSCPlazQItemModel& record) const;
+    std::string toFolder(const HSCPlazQItemModel& record, const std::string& expected) const;
     std::string toRoot(const HSCPlazQItemModel& record) const;
     std::string toLocalDir(const HSCPlazQItemModel& record, const HSCPlazQItemModel& item) const;
 

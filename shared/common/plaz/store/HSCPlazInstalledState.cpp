@@ -76,6 +76,8 @@ void HSCPlazInstalledState::describe(const HSCPlazQStoreModel& store, const Item
     HSCPlazFindings found;
     for (const auto& item : items) {
         if (!item->isInstalled()) continue;
+        item->setIsDescribedByItself(false);
+        if (item->isOutOfReach()) continue;
         // Where it is: its folder in the repository may be another one by now.
         std::string folder = layout.getFolderOf(item->getLocalDir());
         if (folder.empty()) folder = HSCPlazPathMgr::getItemFolder(store, *item);

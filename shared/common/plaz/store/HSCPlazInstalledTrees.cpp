@@ -9,7 +9,6 @@
 #include "plaz/model/repo/git/HSCPlazGitTree.h"
 #include "plaz/store/HSCPlazInstalledFiles.h"
 #include "plaz/store/HSCPlazWorkspace.h"
-#include "support/HUTDigest.h"
 #include "support/HUTFile.h"
 
 #include <boost/algorithm/string/predicate.hpp>
@@ -25,13 +24,8 @@ using Place = HSCPlazInstalledTrees::Place;
 
 namespace {
 
-/// Folders lie in one another, so that no name made of theirs would be safe.
-std::string nameOf(const std::string& folder, const std::string& commit) {
-    return HUTDigest::ofBlob(HUTDigest::Kind::sha1, folder + "\n" + commit);
-}
-
 std::string fileOf(const Place& place) {
-    return place.layout.getTreesDir() + "/" + nameOf(place.folder, place.commit);
+    return place.layout.getTreeFile(place.folder, place.commit);
 }
 
 /// The folders of installed items that lie below a directory, relative to it, each with a "/" at its end.
@@ -97,10 +91,6 @@ Place HSCPlazInstalledTrees::placeOf(const HSCPlazWorkspace& workspace, const HS
     return placeOf(workspace, found, record);
 }
 
-bool HSCPlazInstalledTrees::isKept(const Place& place) {
-    return HUTFile::exists(fileOf(place));
-}
-
 std::optional<HSCPlazItemTree> HSCPlazInstalledTrees::readKept(const Place& place) {
     return HSCPlazItemTree::read(fileOf(place), place.commit);
 }
@@ -129,13 +119,14 @@ void HSCPlazInstalledTrees::removeStale(const HSCPlazWorkspace& workspace, const
     const std::string dir = layout.getTreesDir();
     const std::vector<std::string> kept = HUTFile::createFileIter(dir);
     if (kept.empty() || !HUTFile::isBeneath(layout.getArea(), dir)) return; // a link may lead elsewhere
+    if (HSCPlazLocalDBMgr::isGone(layout)) return;                          // they tell that it is
     std::set<std::string> needed;
     for (HSCPlazQItem* item : store.getItems())
         if (item->IsInstalled())
-            needed.insert(
-                nameOf(layout.getFolderOf(item->getLocalRootDir()), item->getModel()->getInstalledCommitId()));
+            needed.insert(layout.getTreeFile(layout.getFolderOf(item->getModel()->getRecordedDir()),
+                                             item->getModel()->getInstalledCommitId()));
     for (const std::string& name : kept)
-        if (needed.count(name) == 0) HUTFile::rmRecursive(dir + "/" + name);
+        if (needed.count(dir + "/" + name) == 0) HUTFile::rmRecursive(dir + "/" + name);
     if (needed.empty()) HUTFile::rmRecursive(dir);
 }
 

@@ -36,8 +36,6 @@ Place placeAt(const HSCPlazWorkspace& workspace, const HSCPlazQStore& store, con
 /// Of an item that is installed.
 Place placeOf(const HSCPlazWorkspace& workspace, const HSCPlazFoundItem& found);
 
-/// Whether an installation has kept one.
-bool isKept(const Place& place);
 /// As an installation has kept it; empty where none did.
 std::optional<HSCPlazItemTree> readKept(const Place& place);
 /// Kept, or else as the working copy has it.

@@ -32,6 +32,14 @@ Records readRecords(const rapidjson::Value& plaz, const char* key) {
     return records;
 }
 
+/// What stands in the file; null where anything else does.
+const rapidjson::Value* findPlaces(const rapidjson::Document& document) {
+    const rapidjson::Value* plaz = Json::FindObject(document, HSCPlazKey::plaz);
+    const bool isKnown = plaz && Json::FindArray(*plaz, HSCPlazKey::qstores) &&
+                         (!plaz->HasMember(defaultsKey) || Json::FindArray(*plaz, defaultsKey));
+    return isKnown ? plaz : nullptr;
+}
+
 void addRecords(rapidjson::Document& document, rapidjson::Value& plaz, const char* key, const Records& records) {
     rapidjson::Value stores(rapidjson::kArrayType);
     for (const auto& record : records) {
@@ -59,13 +67,17 @@ void HSCPlazRepoInfoMgr::read(HSCPlazReport& report) {
     if (status == HIOStream::Status::missing) return;
     rapidjson::Document document;
     m_unreadable = status != HIOStream::Status::ok;
-    m_damaged = !m_unreadable && !Json::parseInPlace(text, document, error);
+    const rapidjson::Value* plaz = nullptr;
+    if (!m_unreadable && Json::parseInPlace(text, document, error)) {
+        plaz = findPlaces(document);
+        if (!plaz) error = "it holds no list of stores";
+    }
+    m_damaged = !m_unreadable && !plaz;
     if (m_damaged)
         report.add(Msg::placesDamaged, MsgSeverity::criticalWarning, m_file, error, HSCPlazKeptFile::nameFor(m_file));
     if (m_unreadable) HSCPlazFinding{HSCPlazFinding::Kind::unreadable, m_file, error}.addTo(report);
     if (m_unreadable || m_damaged) return;
-    const rapidjson::Value* plaz = Json::FindObject(document, HSCPlazKey::plaz);
-    if (plaz) m_content = {readRecords(*plaz, HSCPlazKey::qstores), readRecords(*plaz, defaultsKey)};
+    m_content = {readRecords(*plaz, HSCPlazKey::qstores), readRecords(*plaz, defaultsKey)};
 }
 
 void HSCPlazRepoInfoMgr::readOnce() {

@@ -26,10 +26,11 @@ namespace Files = HSCPlazItemFiles;
 
 namespace {
 
-/// Other revisions whose place an item takes in a store that keeps one.
-std::vector<HSCPlazQItem*> findReplaced(const HSCPlazFoundItem& found) {
+/// Other revisions whose place an item takes in a store that keeps one; none where its own files come back.
+std::vector<HSCPlazQItem*> findReplaced(const HSCPlazFoundItem& found, const std::string& commit) {
     std::vector<HSCPlazQItem*> replaced;
-    if (found.store->IsMultiRevisionSupported()) return replaced;
+    const bool isRestored = found.item->IsInstalled() && found.item->getModel()->getInstalledCommitId() == commit;
+    if (isRestored || found.store->IsMultiRevisionSupported()) return replaced;
     for (HSCPlazQItem* other : found.store->getItems(found.item->getName()))
         if (other != found.item && other->IsInstalled()) replaced.push_back(other);
     return replaced;
@@ -51,10 +52,12 @@ HSCPlazPendingChange moved(HSCPlazPendingChange change, const std::string& area)
     const HSCPlazStoreLayout before(change.area, change.area);
     const auto toPlace = [&](const std::string& dir) {
         const std::string folder = before.getFolderOf(dir);
+        if (!dir.empty() && dir == change.area) return area;
         return folder.empty() ? dir : area + "/" + folder;
     };
     if (change.item) change.item->setLocalDir(toPlace(change.item->getLocalDir()));
     change.former = toPlace(change.former);
+    change.place = toPlace(change.place);
     return change;
 }
 
@@ -153,7 +156,10 @@ bool HSCPlazItemChanges::runLocked(HSCPlazTask& task, const std::function<bool(H
 bool HSCPlazItemChanges::install(const HSCPlazFoundItem& found, Mode mode, bool isAskedFor) {
     const HSCPlazPendingChange change = toInstallation(found, mode);
     if (!Files::areInPlace(m_task, found, *change.item)) return fetch(found, mode, isAskedFor);
-    if (!Files::requireFree(m_task, found, change.item->getLocalDir()) || !announce(change)) return false;
+    if (!requireReplaceable(found, change) || !Files::requireFree(m_task, found, change.item->getLocalDir()))
+        return false;
+    Files::keepTree(m_task, found, *change.item);
+    if (!announce(change)) return false;
     if (!record(found, change)) return giveUp(*found.store);
     found.item->setSource(HSCPlazTypes::LOCAL);
     return true;
@@ -162,7 +168,7 @@ bool HSCPlazItemChanges::install(const HSCPlazFoundItem& found, Mode mode, bool 
 bool HSCPlazItemChanges::fetch(const HSCPlazFoundItem& found, Mode mode, bool isAskedFor) {
     const HSCPlazOldFiles incoming(Directories::incomingOf(m_task, *found.store));
     const HSCPlazPendingChange change = toInstallation(found, mode);
-    if (!Files::fetch(m_task, found, *change.item, isAskedFor)) return false;
+    if (!requireReplaceable(found, change) || !Files::fetch(m_task, found, *change.item, isAskedFor)) return false;
     if (!put(found, change, {Msg::dirNotWritable, MsgSeverity::error, change.item->getLocalDir()})) return false;
     found.item->setSource(HSCPlazTypes::REPOSITORY);
     // It was whole before it came here; as long as it cannot be read, what the item needs is not known.
@@ -204,7 +210,7 @@ bool HSCPlazItemChanges::setMode(const HSCPlazFoundItem& found, Mode mode) {
 
 HSCPlazPendingChange HSCPlazItemChanges::toInstallation(const HSCPlazFoundItem& found, Mode mode) const {
     const auto isUsers = [](const HSCPlazQItem& item) { return item.IsInstalled() && item.getMode() == Mode::user; };
-    const std::vector<HSCPlazQItem*> replaced = findReplaced(found);
+    const std::vector<HSCPlazQItem*> replaced = findReplaced(found, found.item->getModel()->getCommitId());
     const bool wasUsers = isUsers(*found.item) || std::any_of(replaced.begin(), replaced.end(),
                                                               [&](const auto* other) { return isUsers(*other); });
     const auto item = toRecord(*found.item->getModel());
@@ -268,11 +274,18 @@ bool HSCPlazItemChanges::put(const HSCPlazFoundItem& found, HSCPlazPendingChange
     return giveUp(*found.store);
 }
 
+bool HSCPlazItemChanges::requireReplaceable(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change) {
+    const std::vector<HSCPlazQItem*> replaced = findReplaced(found, change.item->getCommitId());
+    return std::all_of(replaced.begin(), replaced.end(), [&](HSCPlazQItem* other) {
+        return Files::requireReachable(m_task, {found.store, other});
+    });
+}
+
 bool HSCPlazItemChanges::keepOwn(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change,
                                  const std::string& incoming, std::vector<HSCPlazOwnFiles::Kept>& kept) {
     std::vector<std::string> leaving{change.item->getLocalDir(), change.former};
     if (change.isInstalled)
-        for (const HSCPlazQItem* other : findReplaced(found))
+        for (const HSCPlazQItem* other : findReplaced(found, change.item->getCommitId()))
             if (HUTFile::isBeneath(leaving.front(), other->getLocalRootDir()) &&
                 other->getLocalRootDir() != leaving.front())
                 leaving.push_back(other->getLocalRootDir());
@@ -300,7 +313,7 @@ std::string HSCPlazItemChanges::apply(HSCPlazQStore& store, const HSCPlazQItemMo
 
 bool HSCPlazItemChanges::record(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change) {
     if (change.isInstalled) {
-        for (HSCPlazQItem* other : findReplaced(found)) {
+        for (HSCPlazQItem* other : findReplaced(found, change.item->getCommitId())) {
             // One in another folder goes at the end of the task, since nobody needs it any more.
             const std::string theirs = Files::removableDirectory(m_task, {found.store, other});
             const bool hasItsOwn = HUTFile::exists(theirs) && !HUTFile::isBeneath(change.item->getLocalDir(), theirs);
@@ -363,16 +376,22 @@ void HSCPlazItemChanges::restoreShipped(const HSCPlazFoundItem& found) const {
     found.item->NeedsRefresh(true);
 }
 
+std::optional<HSCPlazPendingChange> HSCPlazItemChanges::readNote() const {
+    const auto note = m_note.read();
+    const HSCPlazQStore* store = note ? m_task.getHub().getStore(note->store) : nullptr;
+    return store ? moved(*note, areaOf(m_task, *store)) : note;
+}
+
 void HSCPlazItemChanges::finishInterrupted() {
     if (!m_note.exists()) return;
-    const auto note = m_note.read();
+    const auto note = readNote();
     if (!note) {
         m_isUnfinished = true;
         m_task.fail(Msg::databaseUnreadable, m_note.getFile());
         return;
     }
-    HSCPlazQStore* store = m_task.getHub().getStore(note->store);
-    const HSCPlazPendingChange change = store ? moved(*note, areaOf(m_task, *store)) : *note;
+    const HSCPlazPendingChange& change = *note;
+    HSCPlazQStore* store = m_task.getHub().getStore(change.store);
     if (!change.place.empty()) {
         const HSCPlazStoreLayout layout(change.place, change.place);
         Directories::takeBackCatalog(layout);
@@ -450,7 +469,7 @@ bool HSCPlazItemChanges::leaveToUser(HSCPlazFoundItem unneeded) {
 
 bool HSCPlazItemChanges::end() {
     const bool isChanged = m_note.exists();
-    const auto note = isChanged ? m_note.read() : HSCPlazPendingChange();
+    const auto note = isChanged ? readNote() : HSCPlazPendingChange();
     if (!note) return m_task.fail(Msg::databaseUnreadable, m_note.getFile());
     const HSCPlazPendingChange& change = *note;
     if (m_isUnfinished || !change.files.empty()) return false; // files could not be put into their place

@@ -6,6 +6,7 @@
 #include "plaz/tasks/HSCPlazOwnFiles.h"
 
 #include <functional>
+#include <optional>
 #include <set>
 #include <string>
 
@@ -70,6 +71,8 @@ private:
     /// is to take these for whole.
     void withdraw(HSCPlazPendingChange change, const std::string& incoming);
     bool put(const HSCPlazFoundItem& found, HSCPlazPendingChange change, const HSCPlazReport& obstacle);
+    /// Fails where the files of another revision, in whose place the item comes, are out of reach.
+    bool requireReplaceable(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change);
     /// What a user has made of files in folders that go.
     bool keepOwn(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change, const std::string& incoming,
                  std::vector<HSCPlazOwnFiles::Kept>& kept);
@@ -84,6 +87,8 @@ private:
     bool save(HSCPlazQStore& store);
     bool giveUp(HSCPlazQStore& store);
     void restoreShipped(const HSCPlazFoundItem& found) const;
+    /// With the directories where they are now. Empty where it cannot be read.
+    std::optional<HSCPlazPendingChange> readNote() const;
     void finishInterrupted();
     void finishFiles(const HSCPlazPendingChange& change, const HSCPlazQStore& store);
     /// Where records were lost nobody knows who needs an item, or asked for it: it stays, as the user's own.

@@ -187,6 +187,12 @@ bool HSCPlazItemFiles::areInPlace(HSCPlazTask& task, const HSCPlazFoundItem& fou
     return !tree || tree->findLost(dir).areNone();
 }
 
+void HSCPlazItemFiles::keepTree(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record) {
+    const Trees::Place place = Trees::placeOf(task.getWorkspace(), found, record);
+    std::string unknown;
+    if (const auto tree = Trees::find(place, unknown); tree && Trees::keep(place, *tree)) Trees::flush(place);
+}
+
 bool HSCPlazItemFiles::fetch(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record,
                              bool isAskedFor) {
     const std::string url = found.store->getUrl();
@@ -237,8 +243,7 @@ std::string HSCPlazItemFiles::removableDirectory(const HSCPlazTask& task, const 
         return other != found.item && other->IsInstalled() &&
                other->getLocalRootDir() == (recorded.empty() ? own : recorded);
     });
-    const bool isOutOfReach = recorded.empty() && !found.item->getModel()->getRecordedDir().empty();
-    if (isShared || isOutOfReach) return {};
+    if (isShared || found.item->getModel()->isOutOfReach()) return {};
     if (recorded.empty() || recorded == own) return own;
     const bool isItsOwn =
         HSCPlazItemDirectories::isInside(task, *found.store, recorded) && isKnownIn(task, found, recorded);

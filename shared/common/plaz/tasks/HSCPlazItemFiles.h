@@ -32,6 +32,8 @@ bool requireFree(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::st
 /// hand: they are this very item, and lack nothing of what its commit is known to list.
 /// @param record  commit and local directory of what is to be installed
 bool areInPlace(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record);
+/// Keeps the tree of files that are taken over, where it is known.
+void keepTree(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record);
 /// Has the repository fetch the item's files into the store's incoming directory, and keeps the tree that they are of.
 /// In a store where what is there is part of the item's folder, such as its revisions, that is put beside them.
 /// @param record      the commit to fetch, and the directory that they are for

@@ -77,7 +77,7 @@ private:
     bool putInForce() {
         const HSCPlazChangeNote note(m_task.getWorkspace().paths.getChangeFile());
         if (!HUTFile::flush(m_fresh)) return m_task.fail(Msg::dirNotWritable, m_fresh);
-        if (!note.write({m_store.getName(), nullptr, false, "", {}, m_area}))
+        if (!note.write({m_store.getName(), nullptr, false, "", {}, m_area, "", "", m_area}))
             return m_task.fail(Msg::databaseNotSaved, note.getFile());
         const bool isReplaced = HUTFile::replaceDirectory(m_fresh, m_catalogDir);
         return note.forget() && (isReplaced || m_task.fail(Msg::dirNotWritable, m_catalogDir));

@@ -3,18 +3,30 @@
 
 #include <filesystem>
 
-// Files put where a link leads, or compared with what lies there.
+// Files put where a link leads, or compared with what lies there; an item that loses its place in the record while it
+// is out of reach, or its neighbours' files for its own.
 TEST_F(HubOnDiskTest, NothingFollowsALinkOutOfTheStoresArea) {
-    files.addStore("tcl", "ced", false).item("a", "1").item("b", "1");
+    StoreOnDisk& shipped = files.addStore("tcl", "ced", false).move("a", "x/a").move("b", "x/b");
+    shipped.item("a", "1", {{"tcl", "d", ""}}).item("b", "1").item("c", "1").item("d", "1");
     files.ship();
-    ASSERT_TRUE(install("a"));
-    HUTFile::rename(files.area("ced_store/items"), files.temp.path("elsewhere"));
-    std::filesystem::create_directory_symlink(files.temp.path("elsewhere"), files.area("ced_store/items"));
+    ASSERT_TRUE(install("a") && install("c"));
+    const std::string folder = files.area("ced_store/items/x"), elsewhere = files.temp.path("elsewhere");
+    HUTFile::rename(folder, elsewhere);
+    std::filesystem::create_directory_symlink(elsewhere, folder);
     takeIds();
     EXPECT_FALSE(install("b", false));
-    EXPECT_EQ(takeIds(), (std::vector<std::string>{"17-1570", "17-2242", "17-1567"}));
+    EXPECT_EQ(takeIds(), (Names{"17-1570", "17-2242", "17-1567"}));
     EXPECT_FALSE(HSCPlazTaskMgr::verifyItem(hub(), find("a"), nullptr).isDone());
     EXPECT_FALSE(HSCPlazTaskMgr::uninstall(&hub(), &find("a"), false));
-    EXPECT_EQ(takeIds(), (std::vector<std::string>{"17-2242", "17-2242"}));
-    EXPECT_TRUE(HUTFile::exists(files.temp.path("elsewhere/a/body.txt")));
+    EXPECT_EQ(takeIds(), (Names{"17-2242", "17-2242"}));
+    shipped.move("a", "c").item("a", "2").move("c", "n/c").item("c", "2");
+    reload();
+    EXPECT_FALSE(install("a"));
+    EXPECT_FALSE(HSCPlazTaskMgr::uninstall(&hub(), store().getItem("c", "1"), true)) << "is d needed?";
+    EXPECT_TRUE(find("d").IsInstalled());
+    HUTFile::rmRecursive(folder);
+    HUTFile::rename(elsewhere, folder);
+    reload();
+    EXPECT_TRUE(HSCPlazTaskMgr::verifyItem(hub(), *store().getItem("a", "1"), nullptr).isDone());
+    EXPECT_EQ(store().getItem("a", "1")->getLocalRootDir(), folder + "/a");
 }
