@@ -26,7 +26,7 @@ protected:
                             {items.empty() ? "" : ",", name, revision, commit, dir});
         }
         return mergeFile(temp.write("db.json", filled(R"({"plaz": {"product": "Solvan", "release": "2024.2", "qstores":
-            [{"name": "other", "items": [{"name": "x"}]}, {"name": "s", "items": [%]}]}})",
+            [{"name": "other", "items": [{"name": "x", "revision": "1"}]}, {"name": "s", "items": [%]}]}})",
                                                       {items})));
     }
     Merge mergeFile(const std::string& file) {

@@ -305,7 +305,9 @@ TEST_F(ItemTasksTest, RecordsOutliveWhatIsDoneToThem) {
     EXPECT_EQ(readFile(file).find("elsewhere"), std::string::npos);
     for (const auto& [text, by] : {std::pair<std::string, std::string>{R"("name": "a")", R"("name": 1)"},
                                    {R"("commit_id": ")", R"("commit_id": "?)"},
-                                   {R"("items": [)", R"("items": {}, "others": [)"}}) {
+                                   {R"("items": [)", R"("items": {}, "others": [)"},
+                                   {R"("items": [)", R"("others": [)"},
+                                   {R"("revision": "1")", R"("revision": 1)"}}) {
         SCOPED_TRACE(by);
         const std::string damaged = write(text, by);
         ASSERT_TRUE(install("c") && uninstall("c"));

@@ -32,6 +32,9 @@ struct HSCPlazPendingChange {
 /// belongs to whoever holds the hub's lock.
 class HSCPlazChangeNote {
 public:
+    /// Identity in the note of a change that was announced and does not happen.
+    static constexpr const char* withdrawn = "none";
+
     /// @param file  need not exist
     explicit HSCPlazChangeNote(std::string file) : m_file(std::move(file)) {}
 

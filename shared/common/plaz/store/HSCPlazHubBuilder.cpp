@@ -151,29 +151,40 @@ void HSCPlazHubBuilder::rebuild(std::unique_ptr<HSCPlazModel> model) const {
 void HSCPlazHubBuilder::makeHub() const {
     HSCPlaz& hub = *m_workspace.hub;
     hub.setModel(m_workspace.hubModel.get());
-    for (const auto& model : m_workspace.hubModel->getStores()) {
-        auto store = std::make_unique<HSCPlazQStore>(&hub);
-        store->assignModel(model.get());
-        hub.addStore(store.release());
-    }
+    for (const auto& model : m_workspace.hubModel->getStores()) addStore(*model);
     hub.setGlobalMode(true);
     HSCPlazPlaces(m_workspace).applyDefaults(m_report);
-    restoreInstalled();
+    for (HSCPlazQStore* store : hub.getStores()) restoreInstalled(*store);
 }
 
-void HSCPlazHubBuilder::restoreInstalled() const {
+void HSCPlazHubBuilder::addStore(HSCPlazQStoreModel& model) const {
+    auto store = std::make_unique<HSCPlazQStore>(m_workspace.hub.get());
+    store->assignModel(&model);
+    m_workspace.hub->addStore(store.release());
+}
+
+void HSCPlazHubBuilder::restoreInstalled(HSCPlazQStore& store) const {
+    if (!store.isProductSpecific()) return;
     const HSCPlazInstalledState installed(m_workspace, m_report);
-    for (HSCPlazQStore* store : m_workspace.hub->getStores()) {
-        if (!store->isProductSpecific()) continue;
-        HSCPlazQStoreModel& model = *store->getModel();
-        const std::string place = model.getLocalRootDir();
-        installed.merge(model);
-        // The store went out of another release's way, to where its own catalog is.
-        if (model.getLocalRootDir() != place && HSCPlazStoreLayout::isComplete(model.getLocalRootDir()))
-            reloadStore(*m_workspace.hub, *store, false);
-        installed.describe(model);
-        HSCPlazInstalledState::addMissingItems(*store);
+    HSCPlazQStoreModel& model = *store.getModel();
+    const std::string place = model.getLocalRootDir();
+    installed.merge(model);
+    // The store went out of another release's way, to where its own catalog is.
+    if (model.getLocalRootDir() != place && HSCPlazStoreLayout::isComplete(model.getLocalRootDir()))
+        reloadStore(*m_workspace.hub, store, false);
+    installed.describe(model);
+    HSCPlazInstalledState::addMissingItems(store);
+}
+
+void HSCPlazHubBuilder::addStoresOfOthers() const {
+    const auto& models = m_workspace.hubModel->getStores();
+    const std::size_t known = models.size();
+    HSCPlazPlaces(m_workspace).addWithdrawn(m_report);
+    for (std::size_t position = known; position < models.size(); ++position) {
+        addStore(*models[position]);
+        restoreInstalled(*m_workspace.hub->getStores().back());
     }
+    if (models.size() > known) HSCPlazHolds::apply(*m_workspace.hub);
 }
 
 void HSCPlazHubBuilder::save(const HSCPlaz& hub, const std::set<HSCPlazQStore*>& stores) const {

@@ -7,6 +7,7 @@
 class HSCPlaz;
 class HSCPlazModel;
 class HSCPlazQStore;
+class HSCPlazQStoreModel;
 class HSCPlazReport;
 struct HSCPlazWorkspace;
 
@@ -28,6 +29,9 @@ public:
     /// Reloads a store: clears it, reads its files, applies its database, makes its items anew and saves the database.
     /// Reports Msg::databaseNotSaved when that could not be written; the old one stays then.
     void reloadStore(HSCPlaz& hub, HSCPlazQStore& store, bool isShared) const;
+    /// Adds stores that other processes keep and this one does not know, with what is installed of them: their items
+    /// may need others. They count as withdrawn until the hub is read anew.
+    void addStoresOfOthers() const;
 
 private:
     void save(const HSCPlaz& hub, const std::set<HSCPlazQStore*>& stores) const;
@@ -36,7 +40,8 @@ private:
     void readShared() const;
     void readStores() const;
     void makeHub() const;
-    void restoreInstalled() const;
+    void addStore(HSCPlazQStoreModel& model) const;
+    void restoreInstalled(HSCPlazQStore& store) const;
 
     HSCPlazWorkspace& m_workspace;
     HSCPlazReport& m_report;

@@ -8,6 +8,7 @@
 #include "support/HUTFile.h"
 
 #include <boost/algorithm/string/predicate.hpp>
+#include <boost/filesystem/path.hpp>
 
 namespace {
 
@@ -87,7 +88,9 @@ std::string HSCPlazInstalledItems::findMoved(const std::string& dir, const std::
 
 std::string HSCPlazInstalledItems::toFolder(const HSCPlazQItemModel& record, const std::string& expected) const {
     if (m_area.empty()) return "";
-    const std::string dir = HUTFile::getNonNativeCanonicalName(record.getLocalDir());
+    const std::string& text = record.getLocalDir();
+    const bool isAbsolute = boost::filesystem::path(text).is_absolute(); // another system's is none here
+    const std::string dir = isAbsolute ? HUTFile::getNonNativeCanonicalName(text) : text;
     const std::string folder =
         isInArea(dir) ? dir.substr(m_area.size() + 1) : findMoved(dir, record.getCommitId(), expected);
     return isItemFolder(folder) && HUTFile::isBeneath(m_area, m_area + "/" + folder) ? folder : std::string();

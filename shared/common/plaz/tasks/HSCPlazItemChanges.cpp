@@ -5,6 +5,7 @@
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/store/HSCPlazHolds.h"
+#include "plaz/store/HSCPlazHubBuilder.h"
 #include "plaz/store/HSCPlazInstalledItems.h"
 #include "plaz/store/HSCPlazInstalledState.h"
 #include "plaz/store/HSCPlazInstalledTrees.h"
@@ -26,13 +27,16 @@ namespace Files = HSCPlazItemFiles;
 
 namespace {
 
-/// Other revisions whose place an item takes in a store that keeps one; none where its own files come back.
-std::vector<HSCPlazQItem*> findReplaced(const HSCPlazFoundItem& found, const std::string& commit) {
+/// Other revisions whose place an item takes, in a store that keeps one or in its folder; none where its own files come
+/// back.
+std::vector<HSCPlazQItem*> findReplaced(const HSCPlazFoundItem& found, const HSCPlazQItemModel& record) {
     std::vector<HSCPlazQItem*> replaced;
-    const bool isRestored = found.item->IsInstalled() && found.item->getModel()->getInstalledCommitId() == commit;
-    if (isRestored || found.store->IsMultiRevisionSupported()) return replaced;
+    if (found.item->IsInstalled() && found.item->getModel()->getInstalledCommitId() == record.getCommitId())
+        return replaced;
     for (HSCPlazQItem* other : found.store->getItems(found.item->getName()))
-        if (other != found.item && other->IsInstalled()) replaced.push_back(other);
+        if (other != found.item && other->IsInstalled() &&
+            (!found.store->IsMultiRevisionSupported() || other->getLocalRootDir() == record.getLocalDir()))
+            replaced.push_back(other);
     return replaced;
 }
 
@@ -95,6 +99,12 @@ bool keepPlaces(HSCPlazTask& task) {
     return areKept || task.fail(Msg::placesNotSaved, task.getWorkspace().places.getFile());
 }
 
+void takeOverStores(HSCPlazTask& task) {
+    HSCPlazReport report;
+    HSCPlazHubBuilder(task.getWorkspace(), report).addStoresOfOthers();
+    task.mention(report);
+}
+
 const HSCPlazQItem* findUndescribed(const HSCPlaz& hub) {
     for (const HSCPlazQStore* store : hub.getStores())
         for (const HSCPlazQItem* item : store->getItems())
@@ -139,6 +149,7 @@ void HSCPlazItemChanges::finishAtStart(HSCPlazWorkspace& workspace) {
 }
 
 bool HSCPlazItemChanges::runLocked(HSCPlazTask& task, const std::function<bool(HSCPlazItemChanges&)>& work) {
+    takeOverStores(task);
     HSCPlazItemChanges changes(task);
     changes.finishInterrupted();
     if (changes.m_isUnfinished) return false; // another change would take the place of the note
@@ -210,12 +221,12 @@ bool HSCPlazItemChanges::setMode(const HSCPlazFoundItem& found, Mode mode) {
 
 HSCPlazPendingChange HSCPlazItemChanges::toInstallation(const HSCPlazFoundItem& found, Mode mode) const {
     const auto isUsers = [](const HSCPlazQItem& item) { return item.IsInstalled() && item.getMode() == Mode::user; };
-    const std::vector<HSCPlazQItem*> replaced = findReplaced(found, found.item->getModel()->getCommitId());
-    const bool wasUsers = isUsers(*found.item) || std::any_of(replaced.begin(), replaced.end(),
-                                                              [&](const auto* other) { return isUsers(*other); });
     const auto item = toRecord(*found.item->getModel());
     item->setCommitId(found.item->getModel()->getCommitId());
     item->setLocalDir(Files::directoryOf(m_task.getWorkspace(), found));
+    const std::vector<HSCPlazQItem*> replaced = findReplaced(found, *item);
+    const bool wasUsers = isUsers(*found.item) || std::any_of(replaced.begin(), replaced.end(),
+                                                              [&](const auto* other) { return isUsers(*other); });
     item->setMode(wasUsers ? Mode::user : mode);
     return changeOf(m_task, *found.store, item, true);
 }
@@ -245,7 +256,7 @@ bool HSCPlazItemChanges::announce(const HSCPlazQStore& store, const HSCPlazPendi
 }
 
 void HSCPlazItemChanges::withdraw(HSCPlazPendingChange change, const std::string& incoming) {
-    change.identity = "none";
+    change.identity = HSCPlazChangeNote::withdrawn;
     m_note.write(change);
     m_isUnfinished = !HUTFile::exists(change.item->getLocalDir()) && HUTFile::exists(HUTFile::getAside(incoming));
 }
@@ -275,7 +286,7 @@ bool HSCPlazItemChanges::put(const HSCPlazFoundItem& found, HSCPlazPendingChange
 }
 
 bool HSCPlazItemChanges::requireReplaceable(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change) {
-    const std::vector<HSCPlazQItem*> replaced = findReplaced(found, change.item->getCommitId());
+    const std::vector<HSCPlazQItem*> replaced = findReplaced(found, *change.item);
     return std::all_of(replaced.begin(), replaced.end(), [&](HSCPlazQItem* other) {
         return Files::requireReachable(m_task, {found.store, other});
     });
@@ -285,7 +296,7 @@ bool HSCPlazItemChanges::keepOwn(const HSCPlazFoundItem& found, const HSCPlazPen
                                  const std::string& incoming, std::vector<HSCPlazOwnFiles::Kept>& kept) {
     std::vector<std::string> leaving{change.item->getLocalDir(), change.former};
     if (change.isInstalled)
-        for (const HSCPlazQItem* other : findReplaced(found, change.item->getCommitId()))
+        for (const HSCPlazQItem* other : findReplaced(found, *change.item))
             if (HUTFile::isBeneath(leaving.front(), other->getLocalRootDir()) &&
                 other->getLocalRootDir() != leaving.front())
                 leaving.push_back(other->getLocalRootDir());
@@ -313,7 +324,7 @@ std::string HSCPlazItemChanges::apply(HSCPlazQStore& store, const HSCPlazQItemMo
 
 bool HSCPlazItemChanges::record(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change) {
     if (change.isInstalled) {
-        for (HSCPlazQItem* other : findReplaced(found, change.item->getCommitId())) {
+        for (HSCPlazQItem* other : findReplaced(found, *change.item)) {
             // One in another folder goes at the end of the task, since nobody needs it any more.
             const std::string theirs = Files::removableDirectory(m_task, {found.store, other});
             const bool hasItsOwn = HUTFile::exists(theirs) && !HUTFile::isBeneath(change.item->getLocalDir(), theirs);
@@ -406,7 +417,7 @@ void HSCPlazItemChanges::finishInterrupted() {
         m_task.fail(Msg::dirNotWritable, change.item->getLocalDir());
         return;
     }
-    if (!Directories::isInPlace(change)) {
+    if (!Directories::isInPlace(m_task, *store, change)) {
         m_task.tell(Msg::changeUndone, MsgSeverity::warning, name);
         describeReturned(m_task, *store);
         return;

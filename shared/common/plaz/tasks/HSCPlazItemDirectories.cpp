@@ -106,8 +106,20 @@ bool HSCPlazItemDirectories::fillPlace(const HSCPlazPendingChange& change, const
             HUTFile::rename(files, dir));
 }
 
-bool HSCPlazItemDirectories::isInPlace(const HSCPlazPendingChange& change) {
-    return change.identity.empty() || HUTFile::getIdentity(change.item->getLocalDir()) == change.identity;
+bool HSCPlazItemDirectories::isInPlace(const HSCPlazTask& task, const HSCPlazQStore& store,
+                                       const HSCPlazPendingChange& change) {
+    const std::string dir = change.item->getLocalDir();
+    if (change.identity.empty() || HUTFile::getIdentity(dir) == change.identity) return true;
+    if (change.identity == HSCPlazChangeNote::withdrawn ||
+        HUTFile::getIdentity(incomingOf(task, store)) == change.identity)
+        return false;
+    // In a copy of the user area both are other directories.
+    const auto tree = HSCPlazInstalledTrees::readKept(
+        HSCPlazInstalledTrees::placeAt(task.getWorkspace(), store, dir, change.item->getCommitId()));
+    if (!tree) return false;
+    const HSCPlazItemTree::Differences found = tree->compare(dir);
+    if (!change.isInstalled) return found.missing.size() + 1 >= tree->getEntries().size();
+    return found.changed.empty() && found.missing.empty() && found.unreadable.empty();
 }
 
 bool HSCPlazItemDirectories::removeLeftovers(const HSCPlazStoreLayout& layout) {

@@ -23,7 +23,7 @@ bool isInside(const HSCPlazTask& task, const HSCPlazQStore& store, const std::st
 /// @return false when they are kept from there
 bool fillPlace(const HSCPlazPendingChange& change, const std::string& incoming);
 /// Whether the new files are in their place.
-bool isInPlace(const HSCPlazPendingChange& change);
+bool isInPlace(const HSCPlazTask& task, const HSCPlazQStore& store, const HSCPlazPendingChange& change);
 /// Puts both back to where they were.
 /// @param incoming  what is in its place came from there
 bool undo(const std::string& incoming, const std::string& dir);

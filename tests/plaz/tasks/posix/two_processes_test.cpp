@@ -24,6 +24,30 @@ TEST_F(TwoProcessesTest, TakeOverFromEachOther) {
     EXPECT_TRUE(find("a").IsInstalled() && find("b").IsInstalled());
 }
 
+// What an item of a store needs that only the other process knows.
+TEST_F(TwoProcessesTest, TakeOverEachOthersStores) {
+    files.addStore("tcl", "ced", false).item("a", "1").item("b", "1");
+    files.ship();
+    int started[2];
+    ASSERT_EQ(pipe(started), 0);
+    const pid_t other = fork();
+    if (other == 0) {
+        char begin = 0;
+        const bool isReady = read(started[0], &begin, 1) == 1;
+        files.addStore("more", "ced", false).item("x", "1", {{"tcl", "a", ""}});
+        files.ship();
+        HSCPlazQItem& item = *hub().getStore("more")->getItem("x");
+        _exit(isReady && HSCPlazTaskMgr::install(&hub(), &item, true, nullptr) ? 0 : 1);
+    }
+    hub();
+    int status = 1;
+    ASSERT_TRUE(write(started[1], "x", 1) == 1 && waitpid(other, &status, 0) == other && status == 0);
+    EXPECT_TRUE(install("b"));
+    EXPECT_TRUE(find("a").IsInstalled());
+    EXPECT_FALSE(HSCPlazTaskMgr::uninstall(&hub(), &find("a"), true));
+    EXPECT_TRUE(hub().getStore("more")->getItem("x")->IsInstalled());
+}
+
 // The files of an item published again, or its record, changed while another process is at work.
 TEST_F(TwoProcessesTest, UpdateWaitsForTheOther) {
     StoreOnDisk& shipped = files.addStore("tcl", "ced", false).item("a", "1").item("b", "1");

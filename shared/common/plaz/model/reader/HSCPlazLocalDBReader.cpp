@@ -60,8 +60,15 @@ std::unique_ptr<Item> HSCPlazLocalDBReader::toItem(const Value& record) {
 
 namespace {
 
+/// Which item and which revision of it a record is about.
+bool namesItem(const Value& record) {
+    const auto isText = [&](const char* key) { return record.HasMember(key) && record[key].IsString(); };
+    return record.IsObject() && isText(Key::name) && isText(Key::revision);
+}
+
+/// @param isOwnOnly  what names no revision of an item is left out
 /// @return false when something in it is not what it should be, so that it may stand for items that are not known
-bool readStore(const Value& record, HSCPlazModel& model) {
+bool readStore(const Value& record, bool isOwnOnly, HSCPlazModel& model) {
     const std::string name = Json::GetStringProperty(record, Key::name);
     if (name.empty()) return false;
     Store* store = model.findStore(name);
@@ -73,10 +80,14 @@ bool readStore(const Value& record, HSCPlazModel& model) {
     if (record.HasMember(Key::userRepository))
         store->setIsUserRepository(Json::GetBooleanProperty(record, Key::userRepository));
     const Value* items = Json::FindArray(record, Key::items);
-    if (!items) return !record.HasMember(Key::items);
-    for (const Value& item : items->GetArray())
-        if (item.IsObject()) store->addItem(HSCPlazLocalDBReader::toItem(item));
-    return std::all_of(items->Begin(), items->End(), [](const Value& item) { return item.IsObject(); });
+    if (!items) return false;
+    bool isWhole = true;
+    for (const Value& item : items->GetArray()) {
+        const bool isUsable = namesItem(item);
+        if (isUsable || (item.IsObject() && !isOwnOnly)) store->addItem(HSCPlazLocalDBReader::toItem(item));
+        isWhole = isWhole && isUsable;
+    }
+    return isWhole;
 }
 
 constexpr const char* checkName = "HSCPlazLocalDBReader::checkIfValidForProductAndRelease";
@@ -112,7 +123,7 @@ HSCPlazLocalDBReader::Result HSCPlazLocalDBReader::read(const std::string& file,
     if (isOwnOnly && !isOfRunningProduct(*plaz)) return {Outcome::foreign, {}, {}};
     if (!plaz) return {Outcome::read, {}, {}};
     if (const Value* stores = Json::FindArray(*plaz, Key::qstores))
-        for (const Value& record : stores->GetArray()) isWhole = readStore(record, model) && isWhole;
+        for (const Value& record : stores->GetArray()) isWhole = readStore(record, isOwnOnly, model) && isWhole;
     return {isWhole || !isOwnOnly ? Outcome::read : Outcome::damaged, Json::GetStringProperty(*plaz, Key::majorVersion),
             Json::GetStringProperty(*plaz, Key::minorVersion)};
 }

@@ -13,6 +13,8 @@
 #include "plaz/model/repo/git/HSCPlazGitTrace.h"
 #include "plaz/model/repo/git/HSCPlazGitWorkingCopy.h"
 
+#include "support/HUTFork.h"
+
 #include <boost/algorithm/string/join.hpp>
 
 #include <set>
@@ -107,12 +109,29 @@ bool checkOutFiles(const HSCPlazBaseModel& owner, const std::string& staging, co
     return true;
 }
 
+// Looking takes long, so it is not done where it is the network that fails.
+bool maySpeakOfDamage(const HEXAll& failure) {
+    const std::string text = failure.getMsg().getMessage();
+    return text.find("object") != std::string::npos || text.find("pack") != std::string::npos ||
+           text.find("checkout") != std::string::npos;
+}
+
 bool stageFiles(const HSCPlazGitStore& store, const Files& files, HSCPlazReport& report) {
-    HSCPlazGitRemoved staging(store.layout.getStaging());
-    if (!HSCPlazGitWorkingCopy::stage(store, true, report)) return false;
-    if (!checkOutFiles(store.model, staging.getName(), files, store.model.getBranch(), report)) return false;
-    staging.keep();
-    return true;
+    const auto attempt = [&] {
+        HSCPlazGitRemoved staging(store.layout.getStaging());
+        if (!HSCPlazGitWorkingCopy::stage(store, true, report)) return false;
+        if (!checkOutFiles(store.model, staging.getName(), files, store.model.getBranch(), report)) return false;
+        staging.keep();
+        return true;
+    };
+    try {
+        return attempt();
+    } catch (const HEXAll& failure) {
+        if (HUTFork::isInterrupted() || !maySpeakOfDamage(failure)) throw;
+        HSCPlazGitWorkingCopy::discardDamaged(store.layout);
+        if (HSCPlazStoreLayout::isComplete(store.layout.getIndex())) throw;
+    }
+    return attempt();
 }
 
 void traceStore(const HSCPlazGitStore& store) {
