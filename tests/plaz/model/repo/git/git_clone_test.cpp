@@ -2,6 +2,8 @@
 
 #include "plaz/model/repo/git/HSCPlazGitHead.h"
 
+#include <boost/algorithm/string/predicate.hpp>
+
 namespace fs = boost::filesystem;
 
 namespace {
@@ -95,6 +97,19 @@ TEST_F(GitClone, RefreshFollowsARemoteThatChanges) {
         EXPECT_TRUE(HSCPlazGitHead::moveTo(index, model.getBranch()));
         EXPECT_EQ(readFile(index + "/.git/HEAD"), remote.git({"rev-parse", "HEAD"}) + "\n");
     }
+}
+
+// Fault: a pack that a failing disk has emptied stops each refresh.
+TEST_F(GitClone, RefreshMakesADamagedWorkingCopyAfresh) {
+    ASSERT_TRUE(load(model));
+    ASSERT_TRUE(HSCPlazGitHead::moveTo(index, "master"));
+    const std::string packs = index + "/.git/objects/pack/";
+    for (const std::string& name : HUTFile::createFileIter(packs))
+        if (boost::algorithm::ends_with(name, ".pack")) fs::resize_file(packs + name, 0);
+    temp.write(mark, "");
+    EXPECT_TRUE(load(model));
+    EXPECT_FALSE(HUTFile::exists(temp.path(mark)));
+    EXPECT_EQ(takeIds(), Names{});
 }
 
 // Fault: a working copy that is not this store's, or not whole, is used; or one that is whole is thrown away.

@@ -17,6 +17,7 @@
 
 #include <boost/algorithm/string/join.hpp>
 
+#include <algorithm>
 #include <set>
 
 using HSCPlazGitTrace::trace;
@@ -110,10 +111,13 @@ bool checkOutFiles(const HSCPlazBaseModel& owner, const std::string& staging, co
 }
 
 // Looking takes long, so it is not done where it is the network that fails.
-bool maySpeakOfDamage(const HEXAll& failure) {
-    const std::string text = failure.getMsg().getMessage();
-    return text.find("object") != std::string::npos || text.find("pack") != std::string::npos ||
-           text.find("checkout") != std::string::npos;
+bool maySpeakOfDamage(const HSCPlazGitFailure& failure) {
+    const auto& notes = failure.getDetails().getNotes();
+    return std::any_of(notes.begin(), notes.end(), [](const HSCPlazReport::Note& note) {
+        const std::string text = note.message.getMessage();
+        return text.find("object") != std::string::npos || text.find("pack") != std::string::npos ||
+               text.find("checkout") != std::string::npos;
+    });
 }
 
 bool stageFiles(const HSCPlazGitStore& store, const Files& files, HSCPlazReport& report) {
@@ -126,7 +130,7 @@ bool stageFiles(const HSCPlazGitStore& store, const Files& files, HSCPlazReport&
     };
     try {
         return attempt();
-    } catch (const HEXAll& failure) {
+    } catch (const HSCPlazGitFailure& failure) {
         if (HUTFork::isInterrupted() || !maySpeakOfDamage(failure)) throw;
         HSCPlazGitWorkingCopy::discardDamaged(store.layout);
         if (HSCPlazStoreLayout::isComplete(store.layout.getIndex())) throw;
