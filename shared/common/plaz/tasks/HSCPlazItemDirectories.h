@@ -5,9 +5,9 @@
 #include <string>
 #include <utility>
 
+class HSCPlazStoreLayout;
 class HSCPlazTask;
 struct HSCPlazPendingChange;
-struct HSCPlazStoreLayout;
 
 /// Where the directories of a change go: new ones into their places, old ones away, and what a process has left that
 /// ended in between.
