@@ -166,10 +166,9 @@ bool HSCPlazItemChanges::runLocked(HSCPlazTask& task, const std::function<bool(H
 
 bool HSCPlazItemChanges::install(const HSCPlazFoundItem& found, Mode mode, bool isAskedFor) {
     const HSCPlazPendingChange change = toInstallation(found, mode);
-    if (!Files::areInPlace(m_task, found, *change.item)) return fetch(found, mode, isAskedFor);
+    if (!Files::takeOver(m_task, found, *change.item)) return fetch(found, mode, isAskedFor);
     if (!requireReplaceable(found, change) || !Files::requireFree(m_task, found, change.item->getLocalDir()))
         return false;
-    Files::keepTree(m_task, found, *change.item);
     if (!announce(change)) return false;
     if (!record(found, change)) return giveUp(*found.store);
     found.item->setSource(HSCPlazTypes::LOCAL);

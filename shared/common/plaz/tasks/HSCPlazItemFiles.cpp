@@ -177,20 +177,17 @@ bool HSCPlazItemFiles::requireFree(HSCPlazTask& task, const HSCPlazFoundItem& fo
     return !other || task.fail(Msg::itemOverlaps, found.item->getName(), dir, referenceOf(*other));
 }
 
-bool HSCPlazItemFiles::areInPlace(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record) {
+bool HSCPlazItemFiles::takeOver(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record) {
     const std::string& dir = record.getLocalDir();
     HSCPlazQItemModel description;
     if (dir.empty() || HUTFile::createFileIter(dir).size() < 2 || !describedOnDisk(task, found, description))
         return false;
     std::string unknown;
-    const auto tree = Trees::find(Trees::placeOf(task.getWorkspace(), found, record), unknown);
-    return !tree || tree->findLost(dir).areNone();
-}
-
-void HSCPlazItemFiles::keepTree(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record) {
     const Trees::Place place = Trees::placeOf(task.getWorkspace(), found, record);
-    std::string unknown;
-    if (const auto tree = Trees::find(place, unknown); tree && Trees::keep(place, *tree)) Trees::flush(place);
+    const auto tree = Trees::find(place, unknown);
+    if (tree && !tree->findLost(dir).areNone()) return false;
+    if (tree) Trees::keep(place, *tree); // what cannot be kept will be asked for again
+    return true;
 }
 
 bool HSCPlazItemFiles::fetch(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record,

@@ -28,12 +28,11 @@ bool requireReachable(HSCPlazTask& task, const HSCPlazFoundItem& found);
 /// @param dir  where they are to be
 bool requireFree(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir);
 
-/// Whether the files of an item that no record knows are in place, left by an earlier installation or put there by
-/// hand: they are this very item, and lack nothing of what its commit is known to list.
+/// Takes over files of an item that no record knows, left by an earlier installation or put there by hand, where they
+/// are this very item and lack nothing of what its commit is known to list. That is kept.
 /// @param record  commit and local directory of what is to be installed
-bool areInPlace(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record);
-/// Keeps the tree of files that are taken over, where it is known.
-void keepTree(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record);
+/// @return false when they are not, or not there
+bool takeOver(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record);
 /// Has the repository fetch the item's files into the store's incoming directory, and keeps the tree that they are of.
 /// In a store where what is there is part of the item's folder, such as its revisions, that is put beside them.
 /// @param record      the commit to fetch, and the directory that they are for
