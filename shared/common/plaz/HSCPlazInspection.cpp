@@ -99,7 +99,7 @@ std::string HSCPlazInspection::findUnreadableRecord(const HSCPlaz& hub) {
 }
 
 bool HSCPlazInspection::isRecordGone(const HSCPlazQStoreModel& store) {
-    return HSCPlazLocalDBMgr::isGone(workspace().paths.getStoreLayout(store));
+    return workspace().databases.isGone(workspace().paths.getStoreLayout(store));
 }
 
 std::string HSCPlazInspection::getPlacesFile() {

@@ -119,7 +119,7 @@ void HSCPlazInstalledTrees::removeStale(const HSCPlazWorkspace& workspace, const
     const std::string dir = layout.getTreesDir();
     const std::vector<std::string> kept = HUTFile::createFileIter(dir);
     if (kept.empty() || !HUTFile::isBeneath(layout.getArea(), dir)) return; // a link may lead elsewhere
-    if (HSCPlazLocalDBMgr::isGone(layout)) return;                          // they tell that it is
+    if (workspace.databases.isGone(layout)) return;                         // they tell that it is
     std::set<std::string> needed;
     for (HSCPlazQItem* item : store.getItems())
         if (item->IsInstalled())

@@ -57,8 +57,8 @@ public:
     /// The store as the database of the running product and release records it, if it records items of it; else null.
     std::shared_ptr<HSCPlazQStoreModel> findRecord(const std::string& file, const std::string& store) const;
 
-    /// Items had been installed there, and their record is gone.
-    static bool isGone(const HSCPlazStoreLayout& layout);
+    /// Items had been installed there, and their record is gone. Where none is written none can be.
+    bool isGone(const HSCPlazStoreLayout& layout) const;
     /// Whether another process has written the database since it was merged or saved here, or it could not be read
     /// then.
     bool hasChanged(const std::string& file) const;
