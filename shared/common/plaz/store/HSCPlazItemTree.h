@@ -48,8 +48,7 @@ public:
     static std::optional<HSCPlazItemTree> read(const std::string& file, const std::string& commit);
     /// Writes the tree to a file of its own, whole or not at all; makes its directory. The file holds a line that names
     /// its format, the digest of all that follows, the commit, the folder in the repository, and the files as git lists
-    /// them. Nothing waits for the
-    /// disk.
+    /// them. Nothing waits for the disk.
     /// @return false, with an old file untouched, when that failed
     bool write(const std::string& file) const;
 
