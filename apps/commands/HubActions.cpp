@@ -76,8 +76,7 @@ std::optional<ComMsgMgrInstance> describeNeed(const HSCPlazItemResult& result) {
                      result.neededBy);
 }
 
-template <typename Subject, typename Action>
-auto HubActions::doEach(const std::vector<Subject*>& subjects, Action act) const {
+template <typename Subject, typename Action> auto HubActions::doEach(std::vector<Subject*> subjects, Action act) const {
     std::vector<decltype(act(*subjects.front()))> parts;
     for (Subject* subject : subjects) {
         if (m_status.isCanceled()) break;

@@ -72,7 +72,8 @@ public:
     StoresResult relocate(HSCPlazQStore& store, const std::string& dir) const;
 
 private:
-    template <typename Subject, typename Action> auto doEach(const std::vector<Subject*>& subjects, Action act) const;
+    /// @param subjects  a list of its own: tasks may add stores to the hub
+    template <typename Subject, typename Action> auto doEach(std::vector<Subject*> subjects, Action act) const;
 
     HSCPlaz& m_hub;
     HDGUIStatus& m_status;

@@ -148,7 +148,8 @@ Tcl_Obj* refresh(const TclCall& call) {
     }
     if (!words.empty() && names.empty()) failWith(ShellMsg::nothingNamed);
     if (isHub) return answer(call, makeActions(call).refreshHub(names));
-    return answer(call, makeActions(call).refresh(requireSome(words.empty() ? requireHub().getStores() : stores)));
+    return answer(
+        call, makeActions(call).refresh(requireSome(words.empty() ? HubQueries(requireHub()).getStores({}) : stores)));
 }
 
 TclCommand actionCommand(const char* name, const char* arguments, const char* description,

@@ -29,6 +29,9 @@ void HSCPlaz::setLocalDBFilePath(const std::string& value) {
 }
 
 void HSCPlaz::addStore(HSCPlazQStore* store) {
+    // Who walks them while a task adds one that another process has brought keeps his place.
+    constexpr std::size_t usualRoom = 256;
+    if (m_stores.empty()) m_stores.reserve(usualRoom);
     if (store) m_stores.push_back(store);
 }
 

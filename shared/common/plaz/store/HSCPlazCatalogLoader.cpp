@@ -32,6 +32,8 @@ HIOStream::Status readItem(const HIOStream::Root& root, const std::string& relat
     HSCPlazFindings found;
     const HIOStream::Status status = HSCPlazQItemReader::readBelow(root, relative, document, item, found);
     report.append(found.toReport());
+    // A file that calls itself another item tells what that one needs.
+    if (!name.empty() && item.getName() != name) item.clearDependencies();
     if (!name.empty()) item.setName(name);
     if (!revision.empty()) item.setRevision(revision);
     return status;

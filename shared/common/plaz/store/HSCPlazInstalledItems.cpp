@@ -7,7 +7,6 @@
 #include "support/ComMsgMgr.h"
 #include "support/HUTFile.h"
 
-#include <boost/algorithm/string/predicate.hpp>
 #include <boost/filesystem/path.hpp>
 
 namespace {
@@ -77,11 +76,10 @@ bool HSCPlazInstalledItems::isNamedInArea(const std::string& dir) const {
 // What the installation has kept there tells of which folder it is.
 std::string HSCPlazInstalledItems::findMoved(const std::string& dir, const std::string& commit,
                                              const std::string& expected) const {
-    if (!expected.empty() && boost::algorithm::ends_with(dir, "/" + expected)) return expected;
     const HSCPlazStoreLayout layout(m_area, m_area);
     for (std::size_t at = dir.find('/'); at != std::string::npos; at = dir.find('/', at + 1)) {
         const std::string folder = dir.substr(at + 1);
-        if (HUTFile::exists(layout.getTreeFile(folder, commit))) return folder;
+        if (folder == expected || HUTFile::exists(layout.getTreeFile(folder, commit))) return folder;
     }
     return "";
 }

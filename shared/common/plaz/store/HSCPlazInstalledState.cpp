@@ -88,7 +88,9 @@ void HSCPlazInstalledState::describe(const HSCPlazQStoreModel& store, const Item
         else if (!folder.empty())
             description = readWithdrawn(root, area, folder, document, *item);
         item->setIsDescribedByItself(description != nullptr);
-        if (description && describes(*description, *item)) item->copyDescriptionFrom(*description);
+        if (!description) continue;
+        if (describes(*description, *item)) item->copyDescriptionFrom(*description);
+        if (description->getName() != item->getName()) item->clearDependencies(); // it is another item's
     }
     m_report.append(found.toReport());
 }

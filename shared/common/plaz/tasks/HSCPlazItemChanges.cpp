@@ -27,15 +27,16 @@ namespace Files = HSCPlazItemFiles;
 
 namespace {
 
-/// Other revisions whose place an item takes, in a store that keeps one or in its folder; none where its own files come
-/// back.
+/// Other revisions whose place an item takes: those in its folder, and in a store that keeps one all, unless its own
+/// files come back.
 std::vector<HSCPlazQItem*> findReplaced(const HSCPlazFoundItem& found, const HSCPlazQItemModel& record) {
+    const bool isRestored =
+        found.item->IsInstalled() && found.item->getModel()->getInstalledCommitId() == record.getCommitId();
+    const bool isOnlyOne = !found.store->IsMultiRevisionSupported() && !isRestored;
     std::vector<HSCPlazQItem*> replaced;
-    if (found.item->IsInstalled() && found.item->getModel()->getInstalledCommitId() == record.getCommitId())
-        return replaced;
     for (HSCPlazQItem* other : found.store->getItems(found.item->getName()))
         if (other != found.item && other->IsInstalled() &&
-            (!found.store->IsMultiRevisionSupported() || other->getLocalRootDir() == record.getLocalDir()))
+            (isOnlyOne || other->getLocalRootDir() == record.getLocalDir()))
             replaced.push_back(other);
     return replaced;
 }

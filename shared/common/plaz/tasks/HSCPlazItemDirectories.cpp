@@ -118,7 +118,7 @@ bool HSCPlazItemDirectories::isInPlace(const HSCPlazTask& task, const HSCPlazQSt
         HSCPlazInstalledTrees::placeAt(task.getWorkspace(), store, dir, change.item->getCommitId()));
     if (!tree) return false;
     const HSCPlazItemTree::Differences found = tree->compare(dir);
-    if (!change.isInstalled) return found.missing.size() + 1 >= tree->getEntries().size();
+    if (!change.isInstalled) return !found.missing.empty() && found.missing.size() + 1 >= tree->getEntries().size();
     return found.changed.empty() && found.missing.empty() && found.unreadable.empty();
 }
 

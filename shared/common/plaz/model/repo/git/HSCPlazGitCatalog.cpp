@@ -18,6 +18,7 @@
 #include <boost/algorithm/string/join.hpp>
 
 #include <algorithm>
+#include <iterator>
 #include <set>
 
 using HSCPlazGitTrace::trace;
@@ -110,13 +111,15 @@ bool checkOutFiles(const HSCPlazBaseModel& owner, const std::string& staging, co
     return true;
 }
 
-// Looking takes long, so it is not done where it is the network that fails.
+// Looking takes long, so it is not done where it is the network that fails. URLs and paths are part of what git says.
 bool maySpeakOfDamage(const HSCPlazGitFailure& failure) {
+    static constexpr const char* signs[] = {"bad object",   "necessary objects", "loose object", "packfile",
+                                            "invalid sha1", "unable to read",    "corrupt",      " checkout "};
     const auto& notes = failure.getDetails().getNotes();
     return std::any_of(notes.begin(), notes.end(), [](const HSCPlazReport::Note& note) {
         const std::string text = note.message.getMessage();
-        return text.find("object") != std::string::npos || text.find("pack") != std::string::npos ||
-               text.find("checkout") != std::string::npos;
+        return std::any_of(std::begin(signs), std::end(signs),
+                           [&](const char* sign) { return text.find(sign) != std::string::npos; });
     });
 }
 
@@ -128,10 +131,11 @@ bool stageFiles(const HSCPlazGitStore& store, const Files& files, HSCPlazReport&
         staging.keep();
         return true;
     };
+    const bool wasComplete = HSCPlazStoreLayout::isComplete(store.layout.getIndex());
     try {
         return attempt();
     } catch (const HSCPlazGitFailure& failure) {
-        if (HUTFork::isInterrupted() || !maySpeakOfDamage(failure)) throw;
+        if (!wasComplete || HUTFork::isInterrupted() || !maySpeakOfDamage(failure)) throw;
         HSCPlazGitWorkingCopy::discardDamaged(store.layout);
         if (HSCPlazStoreLayout::isComplete(store.layout.getIndex())) throw;
     }
