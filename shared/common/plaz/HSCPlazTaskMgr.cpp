@@ -113,7 +113,8 @@ HSCPlazItemResult HSCPlazTaskMgr::uninstallItem(HSCPlaz& hub, HSCPlazQItem& item
     const bool isDone = !task.isCancelled() && carryOut(task, [&](Changes& changes) {
         return HSCPlazUninstallTask::uninstall(task, changes, item);
     });
-    const bool isRemoved = wasRecorded && !item.isRecorded(); // whatever else has to stay
+    // Whatever else has to stay, if that has been told: of what was interrupted nothing is.
+    const bool isRemoved = wasRecorded && !item.isRecorded() && task.getReport().findProblem();
     const ItemOutcome outcome = item.IsInstalled() ? ItemOutcome::kept : ItemOutcome::removed;
     HSCPlazItemResult result = resultOf(task, item, isDone || isRemoved ? outcome : ItemOutcome::failed);
     if (item.IsInstalled()) result.neededBy = HSCPlazItemFiles::joinHolders(hub, item);
@@ -178,6 +179,8 @@ std::vector<HSCPlazItemResult> HSCPlazTaskMgr::repairItems(HSCPlaz& hub, const s
     for (std::size_t i = 0; i < results.size(); ++i)
         if (results[i].isDone() && !HSCPlazDependencies::findCurrent(*items[i]).isRecorded())
             results[i].outcome = ItemOutcome::removed;
+    // What was interrupted at its end is not told.
+    if (!isDone && !task.getReport().findProblem()) results.back().outcome = ItemOutcome::failed;
     return results;
 }
 
