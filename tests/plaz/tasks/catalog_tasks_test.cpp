@@ -191,7 +191,7 @@ TEST_F(HubRefreshTest, RebuildsTheHubFromWhatIsPublished) {
     ASSERT_TRUE(install("a"));
     HSCPlazMgr::getInstance().setCurrentStore(&store());
     const HSCPlaz* const before = &hub();
-    StoreOnDisk extra(files.temp, "extra", "ced", false);
+    StoreOnDisk extra(files.temp, "extra", "ced", true);
     StoreOnDisk broken(files.temp, "broken", "ced", false);
     extra.item("b", "1", {{"tcl", "a", ""}});
     tcl.item("a", "2");
@@ -213,6 +213,15 @@ TEST_F(HubRefreshTest, RebuildsTheHubFromWhatIsPublished) {
     EXPECT_EQ(hub().getStore("extra")->getLocalRootDir(), files.area("ced_store_extra"));
     EXPECT_TRUE(HSCPlazTaskMgr::install(&hub(), hub().getStore("extra")->getItem("b"), true, nullptr));
 
+    const auto repaired = [](HSCPlazQItem& item) {
+        HUTFile::rmRecursive(item.getLocalRootDir() + "/body.txt");
+        EXPECT_TRUE(HSCPlazTaskMgr::repairItems(hub(), {&item}, {}, nullptr).front().isDone());
+        return readFile(item.getLocalRootDir() + "/body.txt");
+    };
+    publishHub(listing(tcl.entry()));
+    ASSERT_TRUE(refreshHub());
+    HUTFile::rmRecursive(files.area("ced_store_extra/.plaz/.trees")); // nothing tells any more that it keeps several
+    EXPECT_EQ(repaired(*hub().getStore("extra")->getItem("b")), "b 1\n");
     publishHub(listing(extra.entry()));
     ASSERT_TRUE(refreshHub());
     EXPECT_EQ(takeIds().back(), "17-2178");
@@ -220,9 +229,7 @@ TEST_F(HubRefreshTest, RebuildsTheHubFromWhatIsPublished) {
     ASSERT_EQ(hub().getStores().size(), 2U);
     HSCPlazQItem* const withdrawn = store().getItem("a", "2");
     ASSERT_TRUE(withdrawn && withdrawn->IsInstalled() && !withdrawn->getModel()->isListed());
-    HUTFile::rmRecursive(withdrawn->getLocalRootDir() + "/body.txt");
-    EXPECT_TRUE(HSCPlazTaskMgr::repairItems(hub(), {withdrawn}, {}, nullptr).front().isDone());
-    EXPECT_EQ(readFile(withdrawn->getLocalRootDir() + "/body.txt"), "a 2\n");
+    EXPECT_EQ(repaired(*withdrawn), "a 2\n");
     EXPECT_TRUE(HSCPlazTaskMgr::uninstall(&hub(), hub().getStore("extra")->getItem("b"), true));
     EXPECT_TRUE(HSCPlazTaskMgr::uninstall(&hub(), withdrawn, true));
     ASSERT_TRUE(refreshHub());

@@ -79,8 +79,9 @@ Place HSCPlazInstalledTrees::placeOf(const HSCPlazWorkspace& workspace, const HS
     const std::string ending = "/" + found.item->getRevision();
     if (ending.size() == 1 || !ends_with(place.root, ending)) return place;
     const std::string above = place.root.substr(0, place.root.size() - ending.size());
-    // The store may keep one revision by now.
-    if (found.store->IsMultiRevisionSupported() || above == found.item->getRoot()) place.root = above;
+    // The store may keep one revision by now, or not say any more how many.
+    const bool isTold = found.item->getModel()->isListed();
+    if (found.store->IsMultiRevisionSupported() || !isTold || above == found.item->getRoot()) place.root = above;
     return place;
 }
 
