@@ -212,6 +212,19 @@ HSCPlazQItem& HubQueries::resolveForUpdate(const ItemReference& reference, const
     return outdated ? *outdated : *candidates.front();
 }
 
+std::vector<ComMsgMgrInstance> HubQueries::describeHeld() const {
+    std::vector<ComMsgMgrInstance> held;
+    for (const HSCPlazQStore* store : m_hub.getStores())
+        for (const HSCPlazQItem* item : store->getItems()) {
+            const bool isOld = item->IsInstalled() && !item->isLatest() && isForOthers(*item);
+            if (!isOld || !HSCPlazInspection::isNewestInstalled(*item)) continue;
+            const std::string holders = joinReferences(HSCPlazInspection::findHolders(m_hub, *item));
+            if (!holders.empty())
+                held.push_back(messageOf(Msg::itemHeldAt, item->getName(), item->getRevision(), holders));
+        }
+    return held;
+}
+
 void HubQueries::requireRecords() const {
     HSCPlazTaskMgr::takeOverRecords();
     const std::string unreadable = HSCPlazInspection::findUnreadableRecord(m_hub);

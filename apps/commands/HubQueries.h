@@ -3,6 +3,8 @@
 #include "ItemQuery.h"
 #include "ItemReference.h"
 
+#include "support/ComMsgMgr.h"
+
 #include <functional>
 #include <set>
 #include <string>
@@ -84,6 +86,9 @@ public:
     /// needs.
     /// @throws HEXAll Msg::databaseUnreadable where it is not known what is installed
     std::vector<HSCPlazQItem*> findOutdated() const;
+
+    /// What others hold at a revision that is not the latest, and by whom (Msg::itemHeldAt).
+    std::vector<ComMsgMgrInstance> describeHeld() const;
 
     /// The stores of which nobody knows what they offer, since their files could not be read.
     std::vector<std::string> findUnread() const;

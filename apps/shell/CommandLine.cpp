@@ -195,6 +195,13 @@ void checkUpdate(const Options& options) {
     if (!options.all && options.items.empty()) throw CLI::ValidationError("update", "name items, or say --all");
 }
 
+void checkUninstall(const Options& options) {
+    const auto namesRevision = [](const std::string& item) { return !ItemReference::parse(item)->revision.empty(); };
+    if ((options.allRevisions || options.oldRevisions) &&
+        std::any_of(options.items.begin(), options.items.end(), namesRevision))
+        throw CLI::ValidationError("uninstall", "--all-revisions and --old-revisions go with names without @REVISION");
+}
+
 std::vector<std::string> readScript(const Options& options, const std::vector<std::string>& words) {
     if (options.json) throw CLI::ValidationError("shell", "--json does not go with it: scripts print what they want");
     if (!words.empty() && words.front().rfind('-', 0) == 0) throw CLI::ExtrasError({words.front()});
@@ -222,6 +229,7 @@ CommandLine CommandLine::parse(const std::vector<std::string>& args) {
         options.command = app.get_subcommands().front()->get_name();
         options.query.words = splitWords(options.query.words);
         if (options.command == "update") checkUpdate(options);
+        if (options.command == "uninstall") checkUninstall(options);
         if (options.command == "shell")
             options.script = readScript(options, app.get_subcommands().front()->remaining());
         return line;

@@ -251,6 +251,7 @@ int Program::runUpdate() {
     const std::vector<std::string> unread = queries.findUnread();
     if (outdated.empty() && unread.empty()) ComMsgMgr::send(ShellMsg::nothingToUpdate, MsgSeverity::info);
     int status = show(makeActions().update(outdated));
+    for (const ComMsgMgrInstance& held : queries.describeHeld()) ComMsgMgr::send(held, MsgSeverity::info);
     for (const std::string& store : unread) status = fail(messageOf(Msg::catalogUnread, store, store));
     return status;
 }
