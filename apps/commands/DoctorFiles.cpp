@@ -9,6 +9,7 @@
 
 #include <boost/filesystem/path.hpp>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
@@ -85,10 +86,15 @@ Finding checkFile(const std::string& subject, const std::string& file, const std
 std::vector<Finding> doctor::checkDirectories(const std::vector<Path>& hub, const std::vector<StorePaths>& stores) {
     std::vector<Finding> findings;
     std::set<std::string> obstacles;
+    const std::map<std::string, std::string> missing = HSCPlazInspection::findMissingPlaces();
+    const auto isMissing = [&](const std::string& dir) {
+        return std::any_of(missing.begin(), missing.end(), [&](const auto& one) { return one.second == dir; });
+    };
     const auto look = [&](const std::string& owner, const Path& path) {
         const auto need = needs.find(path.name);
         if (need == needs.end()) return;
         const std::string subject = owner + path.name;
+        if (isMissing(path.path)) return; // that is told of the places
         if (need->second == Need::read) {
             findings.push_back(checkReadable(subject, path));
             return;
@@ -143,8 +149,16 @@ Finding doctor::checkConfiguration() {
 }
 
 std::vector<Finding> doctor::checkPlaces() {
-    const std::string file = HSCPlazInspection::getPlacesFile();
+    const std::string file = HSCPlazInspection::getPlacesFile(), subject = "hub: places of stores";
     if (!HUTFile::exists(file)) return {};
-    return {checkFile("hub: places of stores", file,
-                      "Correct it, or bring back a copy: until then each store is looked for in its usual place.", "")};
+    std::vector<Finding> findings;
+    for (const auto& [store, directory] : HSCPlazInspection::findMissingPlaces())
+        findings.push_back(
+            problem(subject, directory + " of the store \"" + store + "\" is not there, or is empty",
+                    "Connect its disk, or choose a directory, which may be the same one: plaz relocate " + store +
+                        " DIRECTORY"));
+    findings.push_back(
+        checkFile(subject, file,
+                  "Correct it, or bring back a copy: until then each store is looked for in its usual place.", ""));
+    return findings;
 }

@@ -65,6 +65,8 @@ Finding doctor::checkDatabase(const HSCPlazQStore& store) {
         return problem(subject, file + " is gone, and with it what it says of installed items",
                        "Bring back a copy of the file, or install the items again; their files are taken over where "
                        "they are whole.");
+    if (HSCPlazInspection::findMissingPlaces().count(store.getName()) != 0)
+        return warning(subject, "what is installed is not known, for the store's directory is not there", "");
     if (!HUTFile::exists(file)) return ok(subject, "nothing was installed yet");
     const std::string damage = findDamage(file);
     std::string content;

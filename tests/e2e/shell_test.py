@@ -65,6 +65,64 @@ class ShellTest(HubTest):
         self.assertTrue((self.dir / file).is_file())
         self.run_plaz(f"relocate boards {file}", status=1)
 
+    def test_keeps_what_items_need_that_are_away(self):
+        """Catches: items removed, or a place made anew, since a store's disk is not there, or nobody knows where it is; no
+        clean-up any more after a store went home; a shared place emptied by whoever comes to it."""
+        area = self.home / "2024.2/plaz"
+        chosen, mine = self.dir / "disk/boards-store", "aurora resistances"
+
+        def names(status=0):
+            return sorted(self.ask("items --installed", "items: name", status))
+
+        def take(place):
+            place.rename(self.dir / "away")
+
+        def empty():
+            take(chosen)
+            chosen.mkdir()
+
+        def lay_link():
+            (area / "board_store").rename(self.dir / "away")
+            (area / "board_store").symlink_to(chosen)
+
+        for name, relocation, lose, place in (
+            ("parent", "disk", lambda: take(chosen.parent), chosen.parent),
+            ("place", "disk", lambda: take(chosen), chosen),
+            ("mount point", "disk", empty, chosen),
+            ("link", area / "board_store", lay_link, chosen),
+        ):
+            with self.subTest(name):
+                self.setUp()
+                self.run_plaz(f"relocate boards {relocation}")
+                self.run_plaz(f"install {mine}")
+                lose()
+                kept = names()
+                for command in ("refresh boards", "refresh --hub", "install boards::hikari", "doctor"):
+                    self.check_shown(self.run_plaz(command, status=1).stdout, never=["nothing was installed yet"])
+                self.check_shown(self.run_plaz("uninstall resistances", status=1).stderr, "17-2249", "17-2250")
+                self.check("kept", names(), [each for each in kept if each != "resistances"])
+                self.check("made anew", place.exists() and any(place.iterdir()), False)
+                place.parent.mkdir(exist_ok=True)
+                (self.dir / "away").rename(place)
+                self.run_plaz("verify")
+                self.run_plaz("uninstall aurora")
+                self.check_installed()
+        self.run_plaz("relocate boards shared")
+        self.run_plaz(f"install {mine}")
+        (area / "plaz_stores.json").write_text("{}")
+        kept = names(1)
+        self.check_shown(self.run_plaz("uninstall resistances", status=1).stderr, "17-2246", "17-2224")
+        self.check("of places unknown", names(1), kept)
+        (area / "plaz_stores.json").unlink()
+        for home in (self.home, self.dir / "other"):
+            self.env["GDA_APPDATA_DIR"] = str(home)
+            for store in ("tclscripts", "boards"):
+                self.run_plaz(f"relocate {store} shared")
+            if home == self.home:
+                self.run_plaz("install aurora")
+                kept = names()
+        self.check("shared", names(), kept)
+
     def test_updates_and_keeps_modes(self):
         """Catches: an update that turns a dependency into the user's, drops the older revision, or never ends."""
         for command in ("install aurora@1.1", "install hikari"):
@@ -75,7 +133,8 @@ class ShellTest(HubTest):
         kept = ["aurora 2.0 user 0", "aurora 1.1 user 0", "io-panel 1.0 tool 2"]  # both ask for the panel's 1.0
         self.expect("items --installed --all-revisions [ai]*[al]", modes, *kept)
         self.expect("items --outdated", "items: name")
-        self.check_shown(self.run_plaz("update --all").stderr, "17-2186")
+        held = "17-2230] \"io-panel\" is held at 1.0 by boards::aurora@2.0, boards::aurora@1.1"
+        self.check_shown(self.run_plaz("update --all").stderr, "17-2186", held)
         for file in self.home.glob("*/plaz/board_store/boards/aurora/*/board.xml"):
             file.unlink()
         self.expect("update --all", "items: revision outcome", "2.0 updated", "1.1 updated")

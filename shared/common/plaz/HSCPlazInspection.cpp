@@ -15,6 +15,7 @@
 #include "plaz/model/repo/git/HSCPlazGitWorkingCopy.h"
 #include "plaz/store/HSCPlazDependencies.h"
 #include "plaz/store/HSCPlazInstalledTrees.h"
+#include "plaz/store/HSCPlazPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazRepairTask.h"
 
@@ -24,7 +25,7 @@
 
 namespace {
 
-const HSCPlazWorkspace& workspace() {
+HSCPlazWorkspace& workspace() {
     return HSCPlazMgr::getInstance().getWorkspace();
 }
 
@@ -100,6 +101,12 @@ std::string HSCPlazInspection::findUnreadableRecord(const HSCPlaz& hub) {
 
 bool HSCPlazInspection::isRecordGone(const HSCPlazQStoreModel& store) {
     return workspace().databases.isGone(workspace().paths.getStoreLayout(store));
+}
+
+std::map<std::string, std::string> HSCPlazInspection::findMissingPlaces() {
+    std::map<std::string, std::string> missing;
+    for (const auto& [store, directory] : HSCPlazPlaces(workspace()).findMissing()) missing.emplace(store, directory);
+    return missing;
 }
 
 std::string HSCPlazInspection::getPlacesFile() {

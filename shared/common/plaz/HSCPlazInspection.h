@@ -3,6 +3,7 @@
 #include "plaz/base/PlazExport.h"
 #include "plaz/tasks/HSCPlazTaskResult.h"
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -66,6 +67,8 @@ PLAZ_API std::string findUnreadableRecord(const HSCPlaz& hub);
 
 /// Items of the store had been installed, and their record is gone.
 PLAZ_API bool isRecordGone(const HSCPlazQStoreModel& store);
+/// The directories of stores, by the stores' names, that should be there and are not, as on a disk that is away.
+PLAZ_API std::map<std::string, std::string> findMissingPlaces();
 /// Where the file is that tells where stores are kept. Need not exist.
 PLAZ_API std::string getPlacesFile();
 

@@ -237,6 +237,7 @@ HSCPlazStoreResult HSCPlazTaskMgr::checkStore(HSCPlazQStore& store, HDGUIStatus*
     HSCPlazUpdateCheck check;
     bool isFetched = false;
     task.guard([&] {
+        if (!HSCPlazRefreshStoreTask::requireOffered(task, *store.getModel())) return false;
         const HSCPlazWorkLayout layout = workspace().paths.getWorkLayout(*store.getModel());
         isFetched = isRefreshed(&store) && HSCPlazStoreLayout::isComplete(layout.getIndex());
         if (isFetched) check = HSCPlazUpdateCheckTask::look(task, *store.getModel(), HSCPlazGitProxies::getPreferred());
@@ -245,20 +246,19 @@ HSCPlazStoreResult HSCPlazTaskMgr::checkStore(HSCPlazQStore& store, HDGUIStatus*
     if (!isFetched && task.getReport().isEmpty()) return resultOf(task, store, StoreOutcome::outdated);
     if (const std::optional<bool> moved = check.getAnswer())
         return resultOf(task, store, *moved ? StoreOutcome::outdated : StoreOutcome::upToDate);
-    const ComMsgMgrInstance* failure = task.getReport().findProblem();
-    task.fail(Msg::storeNotChecked, store.getName(),
-              check.reason.empty() && failure ? failure->getMessage() : check.reason);
+    if (!task.getReport().findProblem()) task.fail(Msg::storeNotChecked, store.getName(), check.reason);
     return resultOf(task, store, StoreOutcome::unknown);
 }
 
 HSCPlazStoreResult HSCPlazTaskMgr::moveStore(HSCPlazQStore& store, const std::string& dir) {
     HSCPlazTask task(workspace(), *store.getHub(), nullptr);
     const std::string path = HUTFile::getCanonicalName(dir);
-    const auto move = [&](Changes&) {
-        return isFree(task, store, path + "/" + store.getRoot()) && HSCPlazMoveStoreTask::move(task, store, path);
+    const auto move = [&](Changes& changes) {
+        return isFree(task, store, path + "/" + store.getRoot()) &&
+               HSCPlazMoveStoreTask::move(task, changes, store, path);
     };
     const bool isDone = mayBeMoved(&store, path) && carryOut(task, move, &store);
-    if (!isDone) task.fail(Msg::storeNotMoved, store.getName(), path);
+    if (!isDone && !task.getReport().findProblem()) task.fail(Msg::storeNotMoved, store.getName(), path);
     return resultOf(task, store, isDone ? StoreOutcome::moved : StoreOutcome::failed);
 }
 
@@ -326,5 +326,5 @@ bool HSCPlazTaskMgr::setQStoreLocalRootDir(HSCPlazQStore* store, const std::stri
     HSCPlazTask task(workspace(), *store->getHub(), nullptr);
     const std::string path = HUTFile::getCanonicalName(dir);
     return carryOut(
-        task, [&](Changes&) { return HSCPlazMoveStoreTask::move(task, *store, path); }, store);
+        task, [&](Changes& changes) { return HSCPlazMoveStoreTask::move(task, changes, *store, path); }, store);
 }

@@ -64,11 +64,13 @@ TEST_F(StartUpTest, StoreFilesAreNotReadThroughLinks) {
 }
 
 // Directories that the user chose lost with the next one, or with a file that is damaged.
-TEST_F(StartUpTest, KeepsADamagedStoreList) {
+TEST_F(StartUpTest, KeepsTheStoreList) {
     const std::string file = files.temp.write("stores.json", "[");
+    EXPECT_FALSE(HSCPlazRepoInfoMgr(file).setStoreDirectory("boards", "/d"));
+    EXPECT_EQ(readFile(file), "[");
+    HUTFile::rmRecursive(file);
     HSCPlazRepoInfoMgr recorded(file);
     EXPECT_TRUE(recorded.setStoreDirectory("boards", "/d") && recorded.setStoreDirectory("other", "/x"));
-    EXPECT_EQ(readFile(file + ".bad"), "[");
     EXPECT_EQ(HSCPlazRepoInfoMgr(file).getStoreDirectory("boards"), "/d");
     EXPECT_EQ(HSCPlazRepoInfoMgr(file).getStoreDirectory("none"), "");
 }

@@ -42,6 +42,22 @@ TEST_F(CatalogTasksTest, ChecksSeeWhatIsNewer) {
     EXPECT_EQ(HSCPlazTaskMgr::checkStore(store(), nullptr).outcome, HSCPlazStoreResult::Outcome::outdated);
 }
 
+// A catalog that is named like what is installed, or like a folder, put over it; no task possible any more after that.
+TEST_F(CatalogTasksTest, CatalogsComeIntoNobodysPlace) {
+    tcl.publish();
+    ASSERT_TRUE(refresh() && install("a"));
+    files.temp.makeDir("appdata/2024.2/plaz/ced_store/folder.json");
+    const std::string before = readFile(files.area("ced_store/items/a/item.json"));
+    for (const std::string name : {"items/a/item.json", "folder.json"}) {
+        tcl.getRepo().write(name, readFile(tcl.getRepo().getDir() + "/catalog.json"));
+        publishWith(name, "catalog.json");
+        EXPECT_EQ(thrownBy([] { refresh(); }), "17-2251") << name;
+        tcl.publish();
+    }
+    EXPECT_EQ(readFile(files.area("ced_store/items/a/item.json")), before);
+    EXPECT_TRUE(refresh());
+}
+
 // A failed or cancelled refresh that takes the known catalog away.
 TEST_F(CatalogTasksTest, WhatFailsLeavesTheOldCatalogInForce) {
     tcl.item("b", "1");
@@ -137,9 +153,9 @@ TEST_F(CatalogTasksTest, StoresMoveToADirectoryOfTheUsersChoice) {
     files.ship();
     hub().getStore("more")->setInstallDir(mine + "/tcl");
     EXPECT_FALSE(HSCPlazTaskMgr::moveStore(store(), mine).isDone());
-    EXPECT_EQ(takeIds(), (Names{"17-1668", "17-2192"}));
+    EXPECT_EQ(takeIds(), Names{"17-1668"});
     EXPECT_FALSE(HSCPlazTaskMgr::moveStore(store(), mine + "/tcl/items/x").isDone()) << "inside another one's";
-    EXPECT_EQ(takeIds(), (Names{"17-1668", "17-2192"}));
+    EXPECT_EQ(takeIds(), Names{"17-1668"});
     hub().getStore("more")->setInstallDir("");
     EXPECT_FALSE(moveTo("") || HSCPlazTaskMgr::setQStoreLocalRootDir(nullptr, "/x"));
     files.temp.write("foreign/tcl/.plaz/plaz_local_db.json",

@@ -140,6 +140,23 @@ TEST_F(ItemTasksTest, WithdrawnItemKeepsWhatItNeeds) {
     walk({{"-gone", " 17-1553 17-1574", "stays@1 user 0;"}});
 }
 
+// What an item needs taken away because the catalog calls its file something else by now, or somebody has put another
+// item's in its place.
+TEST_F(ItemTasksTest, WhatIsInstalledSaysWhatItNeeds) {
+    ship("a b<a c");
+    ASSERT_TRUE(install("b") && install("c"));
+    const std::string catalog = files.temp.path("data/plaz/storesdata/tcl/catalog.json"), text = readFile(catalog);
+    files.temp.write("data/plaz/storesdata/tcl/catalog.json",
+                     boost::algorithm::replace_all_copy(text, "item.json", "other.json"));
+    HSCPlazMgr::getInstance().loadStoreCatalog(&hub(), &store(), false);
+    walk({{"-a", "! 17-1568", "a@1 tool 1;b@1 user 0;c@1 user 0;"}});
+    reload();
+    HUTFile::copyTo(files.area("ced_store/items/c/item.json"), files.area("ced_store/items/b/item.json"),
+                    HUTFile::copyOver);
+    HSCPlazMgr::getInstance().loadStoreCatalog(&hub(), &store(), false);
+    walk({{"-c", "! 17-2227 17-1574", "a@1 tool 0;b@1 user 0;"}});
+}
+
 // An item that was fetched although its files are there, or taken as present because something lies in its place.
 TEST_F(ItemTasksTest, FilesInPlaceAreAdoptedOnlyWhenTheyAreTheItem) {
     const std::string metadata = readFile(ship("a b").getRepo().getDir() + "/items/a/item.json");
@@ -147,10 +164,17 @@ TEST_F(ItemTasksTest, FilesInPlaceAreAdoptedOnlyWhenTheyAreTheItem) {
         files.temp.write("appdata/2024.2/plaz/ced_store/items/" + item + "/item.json", metadata);
         files.temp.write("appdata/2024.2/plaz/ced_store/items/" + item + "/own.txt", "kept");
     }
+    HPAParamMgr::getParamMgr().setValue("plaz.enableRemoteAccess", "false"); // else what they lack is fetched
     ASSERT_TRUE(install("a"));
     EXPECT_EQ(takeIds(), Names{"17-1573"});
     EXPECT_EQ(find("a").getSource(), HSCPlazTypes::LOCAL);
     EXPECT_EQ(readFile(files.area("ced_store/items/a/own.txt")), "kept");
+    HPAParamMgr::getParamMgr().setValue("plaz.enableRemoteAccess", "true");
+    ASSERT_TRUE(install("b"));
+    EXPECT_EQ(body("b"), "b 1\n");
+    ASSERT_TRUE(HSCPlazTaskMgr::uninstall(&hub(), &find("b"), true));
+    files.temp.write("appdata/2024.2/plaz/ced_store/items/b/own.txt", "beside what an uninstallation leaves");
+    HUTFile::rmRecursive(files.area("ced_store/.plaz/.index"));
     ASSERT_TRUE(install("b"));
     EXPECT_EQ(body("b"), "b 1\n");
     EXPECT_FALSE(HUTFile::exists(files.area("ced_store/items/b/own.txt")));

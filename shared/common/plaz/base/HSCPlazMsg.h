@@ -84,9 +84,12 @@ inline constexpr MsgId<2> linkLeadsOut{"@17-2242@%s%s"};         ///< folder, it
 inline constexpr MsgId<3> itemOverlaps{"@17-2243@%s%s%s"};       ///< item, folder, reference of the other one
 inline constexpr MsgId<3> formerFolderStays{"@17-2244@%s%s%s"};  ///< display name, folder, former folder
 inline constexpr MsgId<2> itemWithdrawn{"@17-2245@%s%s"};        ///< store, display name
-inline constexpr MsgId<3> placesDamaged{"@17-2246@%s%s%s"};      ///< file, parser's message, where it will be kept
+inline constexpr MsgId<2> placesDamaged{"@17-2246@%s%s"};        ///< file, parser's message
 inline constexpr MsgId<1> oldFilesStay{"@17-2248@%s"};           ///< directory
 inline constexpr MsgId<1> databaseGone{"@17-2247@%s"};           ///< file
+inline constexpr MsgId<3> placeMissing{"@17-2249@%s%s%s"};       ///< directory, store, store
+inline constexpr MsgId<1> needsUnreadable{"@17-2250@%s"};        ///< database, or directory of a store
+inline constexpr MsgId<2> storeFileMisplaced{"@17-2251@%s%s"};   ///< store, file
 inline constexpr MsgId<1> hubUnlocked{"@17-2240@%s"};            ///< lock file
 inline constexpr MsgId<2> catalogUnread{"@17-2214@%s%s"};        ///< store, store
 inline constexpr MsgId<1> clonedRepo{"@60-832@%s"};              ///< directory

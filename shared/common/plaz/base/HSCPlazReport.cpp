@@ -11,7 +11,7 @@ bool isError(const HSCPlazReport::Note& note) {
 }
 
 bool isLoss(const HSCPlazReport::Note& note) {
-    return note.severity == MsgSeverity::criticalWarning || note.severity == MsgSeverity::fileError;
+    return note.severity == MsgSeverity::criticalWarning || isError(note);
 }
 
 } // namespace

@@ -39,7 +39,7 @@ public:
     HSCPlazReport getBehind(std::size_t count) const;
     /// What is told of an operation that somebody ended on purpose.
     HSCPlazReport withoutErrors() const;
-    /// What tells of something that had to be left out (critical warnings) or could not be read.
+    /// The errors, and what tells of something that had to be left out (critical warnings) or could not be read.
     HSCPlazReport getLosses() const;
     /// The first error, which is the cause of those behind it; where there is none, the first loss. Null when all is
     /// well.

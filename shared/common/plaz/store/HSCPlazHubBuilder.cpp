@@ -64,7 +64,7 @@ void HSCPlazHubBuilder::build() const {
         readStores();
     }
     makeHub();
-    HSCPlazHolds::apply(*m_workspace.hub);
+    m_workspace.deriveHolds(*m_workspace.hub);
 }
 
 bool HSCPlazHubBuilder::readMetadata() const {
@@ -135,6 +135,7 @@ void HSCPlazHubBuilder::rebuild(std::unique_ptr<HSCPlazModel> model) const {
     const auto& stores = hub.getStores();
     const HSCPlazQStore* const current = m_workspace.findCurrentStore();
     const std::string selected = current ? current->getName() : std::string();
+    m_workspace.unsaved.clear();
     while (!stores.empty()) hub.removeStore(stores.back());
     m_workspace.hubModel = std::move(model);
     // They were placed for the fetch; where they are read from is decided as at start-up.
@@ -184,7 +185,7 @@ void HSCPlazHubBuilder::addStoresOfOthers() const {
         addStore(*models[position]);
         restoreInstalled(*m_workspace.hub->getStores().back());
     }
-    if (models.size() > known) HSCPlazHolds::apply(*m_workspace.hub);
+    if (models.size() > known) m_workspace.deriveHolds(*m_workspace.hub);
 }
 
 void HSCPlazHubBuilder::save(const HSCPlaz& hub, const std::set<HSCPlazQStore*>& stores) const {

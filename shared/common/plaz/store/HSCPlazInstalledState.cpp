@@ -6,13 +6,14 @@
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/reader/HSCPlazJsonDocument.h"
 #include "plaz/model/reader/HSCPlazQItemReader.h"
-#include "plaz/store/HSCPlazHolds.h"
+#include "plaz/store/HSCPlazItemTree.h"
 #include "plaz/store/HSCPlazPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "support/HUTFile.h"
 
 #include <boost/filesystem/path.hpp>
 
+#include <algorithm>
 #include <array>
 #include <memory>
 
@@ -31,10 +32,10 @@ std::unique_ptr<HSCPlazQItemModel> readDescription(const HIOStream::Root& root, 
     return isItem ? std::move(description) : nullptr;
 }
 
-/// Nobody names the file that describes an item which the catalog has left out: it must be the only one that does.
-std::unique_ptr<HSCPlazQItemModel> readWithdrawn(const HIOStream::Root& root, const std::string& area,
-                                                 const std::string& folder, HSCPlazJsonDocument& document,
-                                                 const HSCPlazQItemModel& item) {
+/// Where nobody names the file that describes an item, it must be the only one that does.
+std::unique_ptr<HSCPlazQItemModel> findDescription(const HIOStream::Root& root, const std::string& area,
+                                                   const std::string& folder, HSCPlazJsonDocument& document,
+                                                   const HSCPlazQItemModel& item) {
     HSCPlazFindings ofOtherFiles;
     std::unique_ptr<HSCPlazQItemModel> only;
     for (const std::string& name : HUTFile::createFileIter(area + "/" + folder)) {
@@ -44,8 +45,16 @@ std::unique_ptr<HSCPlazQItemModel> readWithdrawn(const HIOStream::Root& root, co
         if (only) return nullptr;
         only = std::move(description);
     }
-    if (only) only->setIsActive(false); // nobody offers it any more
     return only;
+}
+
+/// What stands in the item's metadata file is not what has been installed.
+bool isChanged(const HSCPlazStoreLayout& layout, const HSCPlazQItemModel& item, const std::string& folder) {
+    const std::string& commit = item.getInstalledCommitId();
+    const auto tree = HSCPlazItemTree::read(layout.getTreeFile(folder, commit), commit);
+    if (!tree) return false;
+    const std::vector<std::string> changed = tree->compare(layout.getArea() + "/" + folder).changed;
+    return std::find(changed.begin(), changed.end(), item.getMetadataFile()) != changed.end();
 }
 
 } // namespace
@@ -81,16 +90,19 @@ void HSCPlazInstalledState::describe(const HSCPlazQStoreModel& store, const Item
         // Where it is: its folder in the repository may be another one by now.
         std::string folder = layout.getFolderOf(item->getLocalDir());
         if (folder.empty()) folder = HSCPlazPathMgr::getItemFolder(store, *item);
+        // The catalog may call its file something else by now, or not name any more.
         const std::string& file = item->getMetadataFile();
+        const bool isNamed = !file.empty() && HUTFile::exists(area + "/" + folder + "/" + file);
         std::unique_ptr<HSCPlazQItemModel> description;
-        if (!file.empty())
-            description = readDescription(root, folder + "/" + file, document, found);
-        else if (!folder.empty())
-            description = readWithdrawn(root, area, folder, document, *item);
+        if (!isNamed && !folder.empty()) description = findDescription(root, area, folder, document, *item);
+        if (!description && !file.empty()) description = readDescription(root, folder + "/" + file, document, found);
+        if (description && file.empty()) description->setIsActive(false); // nobody offers it any more
         item->setIsDescribedByItself(description != nullptr);
         if (!description) continue;
         if (describes(*description, *item)) item->copyDescriptionFrom(*description);
-        if (description->getName() != item->getName()) item->clearDependencies(); // it is another item's
+        if (description->getName() == item->getName()) continue;
+        item->clearDependencies(); // it is another item's
+        item->setIsDescribedByItself(!isChanged(layout, *item, folder));
     }
     m_report.append(found.toReport());
 }
@@ -110,7 +122,7 @@ void HSCPlazInstalledState::takeOver(HSCPlazQStore& store) const {
     merge(*store.getModel());
     describe(*store.getModel());
     addMissingItems(store);
-    HSCPlazHolds::apply(*m_workspace.hub);
+    m_workspace.deriveHolds(*m_workspace.hub);
 }
 
 void HSCPlazInstalledState::merge(HSCPlazQStoreModel& store) const {

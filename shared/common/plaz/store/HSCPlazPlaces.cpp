@@ -1,14 +1,17 @@
 #include "plaz/store/HSCPlazPlaces.h"
 
+#include "plaz/base/HSCPlazMsg.h"
 #include "plaz/base/HSCPlazReport.h"
 #include "plaz/store/HSCPlazCatalogLoader.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTFile.h"
+#include "support/HUTFileTree.h"
 #include "support/HUTText.h"
 
 #include <boost/filesystem/path.hpp>
 
+#include <algorithm>
 #include <unordered_map>
 
 namespace {
@@ -123,6 +126,7 @@ void HSCPlazPlaces::preferRefreshed(HSCPlazReport& report) const {
 
 void HSCPlazPlaces::applyDefaults(HSCPlazReport& report) const {
     m_workspace.places.read(report);
+    for (const auto& [name, dir] : findMissing()) report.add(Msg::placeMissing, MsgSeverity::warning, dir, name, name);
     const std::vector<std::string> dirs = defaultDirs(*m_workspace.hubModel);
     for (std::size_t position = 0; position < dirs.size(); ++position) {
         HSCPlazQStoreModel& store = *m_workspace.hubModel->getStores()[position];
@@ -144,18 +148,48 @@ void HSCPlazPlaces::claim(HSCPlazQStoreModel& store, const std::string& dir) con
     store.setIsOffered(false);
 }
 
-void HSCPlazPlaces::addWithdrawn(HSCPlazReport& report) const {
-    std::vector<HSCPlazRepoInfoMgr::Record> known = m_workspace.places.getChosen();
+std::vector<HSCPlazPlace> HSCPlazPlaces::findRecorded() const {
+    std::vector<HSCPlazRepoInfoMgr::Record> records = m_workspace.places.getChosen();
     const auto& defaults = m_workspace.places.getDefaultFolders();
-    known.insert(known.end(), defaults.begin(), defaults.end());
-    for (const auto& record : known) {
-        if (m_workspace.hubModel->findStore(record.store)) continue;
+    records.insert(records.end(), defaults.begin(), defaults.end());
+    std::vector<HSCPlazPlace> places;
+    for (const auto& record : records) {
+        const auto isOfStore = [&](const HSCPlazPlace& place) { return place.store == record.store; };
+        if (std::any_of(places.begin(), places.end(), isOfStore)) continue;
+        const HSCPlazQStoreModel* known = m_workspace.hubModel->findStore(record.store);
         HSCPlazQStoreModel named;
         named.setName(record.store);
         named.setRoot(record.root);
-        const std::string dir = defaultDir(named);
-        if (dir.empty()) continue;
-        auto store = m_workspace.databases.findRecord(HSCPlazStoreLayout(dir, dir).getDatabase(), record.store);
+        places.push_back({record.store, defaultDir(known ? *known : named)});
+    }
+    return places;
+}
+
+bool HSCPlazPlaces::isMissing(const HSCPlazPlace& place) const {
+    const auto leadsNowhere = [](const std::string& dir) { return HUTFileTree::isLink(dir) && !HUTFile::exists(dir); };
+    const std::string& dir = place.directory;
+    const std::string hidden = HSCPlazStoreLayout(dir, dir).getHiddenDir();
+    if (dir.empty() || HUTFile::isDirectory(hidden)) return false;
+    const bool isChosen = !m_workspace.places.getStoreDirectory(place.store).empty();
+    return isChosen || leadsNowhere(dir) || leadsNowhere(hidden);
+}
+
+std::string HSCPlazPlaces::findMissing(const HSCPlazQStoreModel& store) const {
+    const HSCPlazPlace place{store.getName(), defaultDir(store)};
+    return isMissing(place) ? place.directory : std::string();
+}
+
+std::vector<HSCPlazPlace> HSCPlazPlaces::findMissing() const {
+    std::vector<HSCPlazPlace> missing = findRecorded();
+    const auto isThere = [&](const HSCPlazPlace& place) { return !isMissing(place); };
+    missing.erase(std::remove_if(missing.begin(), missing.end(), isThere), missing.end());
+    return missing;
+}
+
+void HSCPlazPlaces::addWithdrawn(HSCPlazReport& report) const {
+    for (const auto& [name, dir] : findRecorded()) {
+        if (dir.empty() || m_workspace.hubModel->findStore(name)) continue;
+        auto store = m_workspace.databases.findRecord(HSCPlazStoreLayout(dir, dir).getDatabase(), name);
         if (!store) continue;
         store->clearCatalog();
         store->setIsProductSpecific(true);

@@ -8,6 +8,12 @@ class HSCPlazQStoreModel;
 class HSCPlazReport;
 struct HSCPlazWorkspace;
 
+/// The directory of a store.
+struct HSCPlazPlace {
+    std::string store;
+    std::string directory;
+};
+
 /// Decides where each store's own area lies: where the user put it, else in its default place. What cannot be read or
 /// named is added to a report.
 class HSCPlazPlaces {
@@ -37,10 +43,18 @@ public:
     void claim(HSCPlazQStoreModel& store, const std::string& dir) const;
     /// Adds the stores that the hub's metadata does not list any more and of which something is installed.
     void addWithdrawn(HSCPlazReport& report) const;
+    /// Where a store's area should be and is not, as on a disk that is not mounted: in a directory that was chosen, and
+    /// set up then, or behind a link. Empty where it is there, or has not been made yet.
+    std::string findMissing(const HSCPlazQStoreModel& store) const;
+    /// The same of all stores of which a place is recorded.
+    std::vector<HSCPlazPlace> findMissing() const;
     /// Puts a store's area there.
     void place(HSCPlazQStoreModel& store, const std::string& dir, HSCPlazReport& report) const;
 
 private:
+    /// Of all stores of which a place is recorded.
+    std::vector<HSCPlazPlace> findRecorded() const;
+    bool isMissing(const HSCPlazPlace& place) const;
     std::string defaultDir(const HSCPlazQStoreModel& store) const;
     std::vector<std::string> defaultDirs(const HSCPlazModel& hubModel) const;
     /// The same, with a place for stores that have none by default.

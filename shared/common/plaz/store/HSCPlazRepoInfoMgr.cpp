@@ -1,6 +1,5 @@
 #include "plaz/store/HSCPlazRepoInfoMgr.h"
 
-#include "plaz/base/HSCPlazKeptFile.h"
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/reader/HSCPlazFindings.h"
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
@@ -66,17 +65,16 @@ void HSCPlazRepoInfoMgr::read(HSCPlazReport& report) {
     const HIOStream::Status status = HIOStream::read(m_file, text);
     if (status == HIOStream::Status::missing) return;
     rapidjson::Document document;
-    m_unreadable = status != HIOStream::Status::ok;
+    const bool isRead = status == HIOStream::Status::ok;
     const rapidjson::Value* plaz = nullptr;
-    if (!m_unreadable && Json::parseInPlace(text, document, error)) {
+    if (isRead && Json::parseInPlace(text, document, error)) {
         plaz = findPlaces(document);
         if (!plaz) error = "it holds no list of stores";
     }
-    m_damaged = !m_unreadable && !plaz;
-    if (m_damaged)
-        report.add(Msg::placesDamaged, MsgSeverity::criticalWarning, m_file, error, HSCPlazKeptFile::nameFor(m_file));
-    if (m_unreadable) HSCPlazFinding{HSCPlazFinding::Kind::unreadable, m_file, error}.addTo(report);
-    if (m_unreadable || m_damaged) return;
+    m_unreadable = !plaz;
+    if (!isRead) HSCPlazFinding{HSCPlazFinding::Kind::unreadable, m_file, error}.addTo(report);
+    if (isRead && !plaz) report.add(Msg::placesDamaged, MsgSeverity::criticalWarning, m_file, error);
+    if (!plaz) return;
     m_content = {readRecords(*plaz, HSCPlazKey::qstores), readRecords(*plaz, defaultsKey)};
 }
 
@@ -88,7 +86,7 @@ void HSCPlazRepoInfoMgr::readOnce() {
 
 // Another process may have changed the file since.
 void HSCPlazRepoInfoMgr::readAgain(HSCPlazReport& report) {
-    m_read = m_damaged = m_unreadable = false;
+    m_read = m_unreadable = false;
     m_content = {};
     read(report);
 }
@@ -160,10 +158,7 @@ std::string HSCPlazRepoInfoMgr::findMovedStore(HSCPlazReport& report) {
 }
 
 bool HSCPlazRepoInfoMgr::replace(Content content) {
-    // What could not be read is not lost: it stays beside the new file.
-    const bool isKept = !m_damaged || HUTFile::copyTo(m_file, HSCPlazKeptFile::nameFor(m_file), HUTFile::copyOver);
-    if (m_unreadable || !isKept || !write(content)) return false;
-    m_damaged = false;
+    if (m_unreadable || !write(content)) return false;
     m_stamp = HUTFile::getStamp(m_file);
     m_content = std::move(content);
     return true;

@@ -10,7 +10,7 @@
 ///
 /// The file "plaz_stores.json" in the user area: {"plaz": {"_major": "1", "_minor": "0", "qstores": [{"name": ...,
 /// "directory": ...}], "default_folders": [the same]}}. It is read on first use and written whole and atomically at
-/// each change, upon what stands in it by then. A file that cannot be used is told and counts as an empty one.
+/// each change, upon what stands in it by then. A file that cannot be used is told, counts as an empty one, and stays.
 class PLAZ_API HSCPlazRepoInfoMgr {
 public:
     struct Record {
@@ -39,7 +39,7 @@ public:
     std::string getStoreRoot(const std::string& storeName);
     /// The stores that have such a directory.
     const std::vector<Record>& getChosen();
-    /// It is there, but could not be read when that was tried last: nothing is recorded then.
+    /// It is there, but could not be read when that was tried last, or is damaged: nothing is recorded then.
     bool isUnreadable() const { return m_unreadable; }
 
     /// The stores' default places: folder names in the user area. Empty as long as the hub is the shipped one.
@@ -67,6 +67,5 @@ private:
     Content m_content;
     std::string m_stamp; ///< of the file when it was read or written
     bool m_read = false;
-    bool m_damaged = false;
     bool m_unreadable = false;
 };

@@ -1,7 +1,7 @@
 #include "plaz/store/HSCPlazWorkspace.h"
 
 #include "plaz/model/HSCPlazQStore.h"
-#include "support/HUTFile.h"
+#include "plaz/store/HSCPlazHolds.h"
 
 #include <algorithm>
 
@@ -34,12 +34,8 @@ std::string HSCPlazWorkspace::findUnreadableRecord(const HSCPlaz& stores, const 
     return {};
 }
 
-std::string HSCPlazWorkspace::findMissingRecord() {
-    for (const HSCPlazRepoInfoMgr::Record& record : places.getChosen()) {
-        const std::string area = record.directory + "/" + record.root;
-        if (!HUTFile::isDirectory(record.directory)) return HSCPlazStoreLayout(area, area).getDatabase();
-    }
-    return {};
+void HSCPlazWorkspace::deriveHolds(const HSCPlaz& stores) {
+    unsaved.merge(HSCPlazHolds::apply(stores));
 }
 
 HSCPlazGitStore HSCPlazWorkspace::gitStore(const HSCPlazQStoreModel& store) const {

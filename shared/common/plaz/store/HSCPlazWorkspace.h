@@ -10,6 +10,7 @@
 #include "plaz/store/HSCPlazRepoInfoMgr.h"
 
 #include <memory>
+#include <set>
 
 class HSCPlazQStore;
 
@@ -32,9 +33,8 @@ struct HSCPlazWorkspace {
     /// @param only  null for all
     std::string findUnreadableRecord(const HSCPlaz& stores, const HSCPlazQStore* only) const;
 
-    /// The database of a store whose chosen directory is not there, as on a disk that is not mounted; empty when there
-    /// is none.
-    std::string findMissingRecord();
+    /// Derives anew who is needed by how many. Stores in which that is not as it is recorded are to be saved.
+    void deriveHolds(const HSCPlaz& stores);
 
     HSCPlazUserPref userPref;
     HSCPlazPathMgr paths;
@@ -45,6 +45,7 @@ struct HSCPlazWorkspace {
     std::unique_ptr<HSCPlazModel> sharedHubModel;
     std::unique_ptr<HSCPlazModel> hubModel; ///< null until the first start-up
     std::unique_ptr<HSCPlaz> hub;           ///< refers to the hub model
+    std::set<HSCPlazQStore*> unsaved;       ///< of which the next save writes the records, too
     /// The store that the user interface has selected; ask findCurrentStore().
     HSCPlazQStore* currentStore = nullptr;
 };

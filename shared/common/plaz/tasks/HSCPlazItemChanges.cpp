@@ -4,7 +4,6 @@
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
-#include "plaz/store/HSCPlazHolds.h"
 #include "plaz/store/HSCPlazHubBuilder.h"
 #include "plaz/store/HSCPlazInstalledItems.h"
 #include "plaz/store/HSCPlazInstalledState.h"
@@ -89,7 +88,7 @@ bool isRecorded(const HSCPlazFoundItem& found, const HSCPlazPendingChange& chang
 void describeReturned(HSCPlazTask& task, HSCPlazQStore& store) {
     for (HSCPlazQItem* item : store.getItems())
         if (item->IsInstalled() && !item->getModel()->isDescribedByItself()) Files::describe(task, {&store, item});
-    HSCPlazHolds::apply(task.getHub());
+    task.getWorkspace().deriveHolds(task.getHub());
 }
 
 /// Where the stores are is written down before anything is put there, so that no other order of theirs moves them.
@@ -113,18 +112,25 @@ const HSCPlazQItem* findUndescribed(const HSCPlaz& hub) {
     return nullptr;
 }
 
-/// A database that cannot be looked into now; empty when there is none.
+/// A database that cannot be looked into now, or a store's directory that is not there; empty when there is none.
 std::string findUnknownRecord(const HSCPlazTask& task) {
     const std::string unreadable = task.getWorkspace().findUnreadableRecord(task.getHub(), nullptr);
-    return unreadable.empty() ? task.getWorkspace().findMissingRecord() : unreadable;
+    if (!unreadable.empty()) return unreadable;
+    const std::vector<HSCPlazPlace> missing = HSCPlazPlaces(task.getWorkspace()).findMissing();
+    return missing.empty() ? std::string() : missing.front().directory;
+}
+
+HSCPlazFoundItem findUnneeded(HSCPlazQStore& store, const std::set<const HSCPlazQItem*>& without) {
+    for (HSCPlazQItem* item : store.getItems())
+        if (item->IsInstalled() && item->getMode() == Mode::tool && item->getReferenceCount() == 0 &&
+            without.count(item) == 0)
+            return {&store, item};
+    return {};
 }
 
 HSCPlazFoundItem findUnneeded(const HSCPlaz& hub, const std::set<const HSCPlazQItem*>& without) {
     for (HSCPlazQStore* store : hub.getStores())
-        for (HSCPlazQItem* item : store->getItems())
-            if (item->IsInstalled() && item->getMode() == Mode::tool && item->getReferenceCount() == 0 &&
-                without.count(item) == 0)
-                return {store, item};
+        if (const HSCPlazFoundItem found = findUnneeded(*store, without)) return found;
     return {};
 }
 
@@ -166,10 +172,12 @@ bool HSCPlazItemChanges::runLocked(HSCPlazTask& task, const std::function<bool(H
 }
 
 bool HSCPlazItemChanges::install(const HSCPlazFoundItem& found, Mode mode, bool isAskedFor) {
-    const HSCPlazPendingChange change = toInstallation(found, mode);
+    HSCPlazPendingChange change = toInstallation(found, mode);
     if (!Files::takeOver(m_task, found, *change.item)) return fetch(found, mode, isAskedFor);
     if (!requireReplaceable(found, change) || !Files::requireFree(m_task, found, change.item->getLocalDir()))
         return false;
+    // Somebody may have asked for it.
+    if (m_task.getWorkspace().databases.hasLostRecords()) change.item->setMode(Mode::user);
     if (!announce(change)) return false;
     if (!record(found, change)) return giveUp(*found.store);
     found.item->setSource(HSCPlazTypes::LOCAL);
@@ -360,7 +368,8 @@ void HSCPlazItemChanges::finishFormer(const HSCPlazFoundItem& found, const HSCPl
 
 bool HSCPlazItemChanges::save(HSCPlazQStore& store) {
     HSCPlazWorkspace& workspace = m_task.getWorkspace();
-    std::set<HSCPlazQStore*> others = HSCPlazHolds::apply(m_task.getHub());
+    workspace.deriveHolds(m_task.getHub());
+    std::set<HSCPlazQStore*> others = std::exchange(workspace.unsaved, {});
     others.erase(&store);
     const auto write = [&](HSCPlazQStore& changed) {
         const std::string unwritten = workspace.databases.write(m_task.getHub(), changed);
@@ -450,14 +459,17 @@ void HSCPlazItemChanges::finishFiles(const HSCPlazPendingChange& change, const H
 
 bool HSCPlazItemChanges::removeUnneeded() {
     HSCPlazFoundItem unneeded = findUnneeded(m_task.getHub(), m_obstinate);
-    if (unneeded && m_task.getWorkspace().databases.hasLostRecords()) return leaveToUser(unneeded);
+    if (unneeded && m_task.getWorkspace().databases.hasLostRecords()) {
+        const auto& stores = m_task.getHub().getStores();
+        return std::all_of(stores.begin(), stores.end(), [&](auto* store) { return adoptUnneeded(*store); });
+    }
     const HSCPlazQItem* undescribed = unneeded ? findUndescribed(m_task.getHub()) : nullptr;
     const std::string unreadable = unneeded ? findUnknownRecord(m_task) : std::string();
     if (undescribed || !unreadable.empty()) {
         m_isStuck = true; // once it can be read, they go
         if (std::exchange(m_isBlocked, true)) return false;
         return undescribed ? m_task.fail(Msg::needsUnknown, Files::referenceOf(*undescribed))
-                           : m_task.fail(Msg::databaseUnreadable, unreadable);
+                           : m_task.fail(Msg::needsUnreadable, unreadable);
     }
     for (; unneeded; unneeded = findUnneeded(m_task.getHub(), m_obstinate)) {
         const std::string name = unneeded.item->getName();
@@ -472,8 +484,8 @@ bool HSCPlazItemChanges::removeUnneeded() {
     return m_obstinate.empty();
 }
 
-bool HSCPlazItemChanges::leaveToUser(HSCPlazFoundItem unneeded) {
-    for (; unneeded; unneeded = findUnneeded(m_task.getHub(), m_obstinate))
+bool HSCPlazItemChanges::adoptUnneeded(HSCPlazQStore& store) {
+    while (const HSCPlazFoundItem unneeded = findUnneeded(store, m_obstinate))
         if (!setMode(unneeded, Mode::user)) return false;
     return true;
 }

@@ -52,6 +52,10 @@ public:
     bool restore(const HSCPlazFoundItem& found, bool areEditsKept);
     /// Says for whom an installed item is there.
     bool setMode(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode);
+    /// What nobody seems to need in a store that is kept in another place from now on becomes the user's: what was
+    /// there before may be needed by somebody who is not known here, or not yet.
+    /// @return false when that could not be recorded; the reason has been told
+    bool adoptUnneeded(HSCPlazQStore& store);
     /// Removes what nobody asked for and nobody needs (Msg::dependencyRemoved), as the end of the task does. Nothing
     /// goes while what an installed item needs is not known (Msg::needsUnknown, databaseUnreadable); where records were
     /// lost they become the user's.
@@ -91,8 +95,6 @@ private:
     std::optional<HSCPlazPendingChange> readNote() const;
     void finishInterrupted();
     void finishFiles(const HSCPlazPendingChange& change, const HSCPlazQStore& store);
-    /// Where records were lost nobody knows who needs an item, or asked for it: it stays, as the user's own.
-    bool leaveToUser(HSCPlazFoundItem unneeded);
     bool end();
 
     HSCPlazTask& m_task;

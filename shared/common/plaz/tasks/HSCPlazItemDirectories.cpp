@@ -109,7 +109,9 @@ bool HSCPlazItemDirectories::fillPlace(const HSCPlazPendingChange& change, const
 bool HSCPlazItemDirectories::isInPlace(const HSCPlazTask& task, const HSCPlazQStore& store,
                                        const HSCPlazPendingChange& change) {
     const std::string dir = change.item->getLocalDir();
-    if (change.identity.empty() || HUTFile::getIdentity(dir) == change.identity) return true;
+    // Nothing was to come into its place: what was taken over is there, what is removed was gone.
+    if (change.identity.empty()) return HUTFile::exists(dir) == change.isInstalled;
+    if (HUTFile::getIdentity(dir) == change.identity) return true;
     if (change.identity == HSCPlazChangeNote::withdrawn ||
         HUTFile::getIdentity(incomingOf(task, store)) == change.identity)
         return false;

@@ -8,6 +8,7 @@
 #include "plaz/model/reader/HSCPlazJsonCheck.h"
 #include "plaz/model/reader/HSCPlazQItemReader.h"
 #include "plaz/model/repo/git/HSCPlazGitInstall.h"
+#include "plaz/model/repo/git/HSCPlazGitParams.h"
 #include "plaz/store/HSCPlazInstalledState.h"
 #include "plaz/store/HSCPlazInstalledTrees.h"
 #include "plaz/store/HSCPlazWorkspace.h"
@@ -100,6 +101,10 @@ std::vector<std::string> findItemsInside(const HSCPlazFoundItem& found, const st
     return names;
 }
 
+bool canBeFetched(const HSCPlazQStore& store) {
+    return HSCPlazGitParams::isRemoteAccessEnabled() && !store.getUrl().empty();
+}
+
 bool isRecordedAt(const HSCPlazQItem& item, const std::string& commit) {
     return item.IsInstalled() && item.getModel()->getInstalledCommitId() == commit;
 }
@@ -169,10 +174,17 @@ std::string HSCPlazItemFiles::directoryOf(const HSCPlazWorkspace& workspace, con
 bool HSCPlazItemFiles::requireReachable(HSCPlazTask& task, const HSCPlazFoundItem& found) {
     const std::string dir =
         task.getWorkspace().paths.findLinkedItemDir(*found.store->getModel(), *found.item->getModel());
+    if (!task.requirePlace(*found.store->getModel())) return false;
     return dir.empty() || task.fail(Msg::linkLeadsOut, dir, shownName(*found.item));
 }
 
 bool HSCPlazItemFiles::requireFree(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir) {
+    const HSCPlazQStoreModel& store = *found.store->getModel();
+    for (const std::string& file : {store.getMetadataFile(), store.getCatalogFile()})
+        if (!file.empty() && areOneInAnother(dir, layoutOf(task, found).getArea() + "/" + file))
+            return task.fail(Msg::itemRefused, found.item->getName(),
+                             "its folder \"" + found.item->getRoot() + "\" is where the store has its \"" + file +
+                                 "\"");
     const HSCPlazQItem* other = findOverlap(found, dir);
     return !other || task.fail(Msg::itemOverlaps, found.item->getName(), dir, referenceOf(*other));
 }
@@ -185,7 +197,7 @@ bool HSCPlazItemFiles::takeOver(HSCPlazTask& task, const HSCPlazFoundItem& found
     std::string unknown;
     const Trees::Place place = Trees::placeOf(task.getWorkspace(), found, record);
     const auto tree = Trees::find(place, unknown);
-    if (tree && !tree->findLost(dir).areNone()) return false;
+    if (tree ? !tree->findLost(dir).areNone() : canBeFetched(*found.store)) return false;
     if (tree) Trees::keep(place, *tree); // what cannot be kept will be asked for again
     return true;
 }

@@ -11,6 +11,7 @@
 #include "plaz/store/HSCPlazPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazFetchedFiles.h"
+#include "plaz/tasks/HSCPlazItemChanges.h"
 #include "plaz/tasks/HSCPlazStoreCatalog.h"
 #include "plaz/tasks/HSCPlazTask.h"
 
@@ -63,7 +64,8 @@ bool isSameName(const std::string& a, const std::string& b) {
 
 } // namespace
 
-bool HSCPlazMoveStoreTask::move(HSCPlazTask& task, HSCPlazQStore& store, const std::string& dir) {
+bool HSCPlazMoveStoreTask::move(HSCPlazTask& task, HSCPlazItemChanges& changes, HSCPlazQStore& store,
+                                const std::string& dir) {
     inside(moveName, " store - ", store.getName(), " local_root_dir - ", dir);
     // Nothing would be left to list it by, and it could not be brought back.
     if (!store.getModel()->isOffered()) return task.fail(Msg::storeWithdrawn, store.getName(), store.getLocalRootDir());
@@ -91,5 +93,5 @@ bool HSCPlazMoveStoreTask::move(HSCPlazTask& task, HSCPlazQStore& store, const s
     HSCPlazReport report;
     HSCPlazHubBuilder(workspace, report).reloadStore(*store.getHub(), store, false);
     task.mention(report);
-    return true;
+    return changes.adoptUnneeded(store);
 }

@@ -120,11 +120,15 @@ private:
 
 } // namespace
 
+bool HSCPlazRefreshStoreTask::requireOffered(HSCPlazTask& task, const HSCPlazQStoreModel& store) {
+    return store.isOffered() || !store.getUrl().empty() ||
+           task.fail(Msg::storeWithdrawn, store.getName(), task.getWorkspace().paths.getStoreArea(store));
+}
+
 bool HSCPlazRefreshStoreTask::loadCatalog(HSCPlazTask& task, HSCPlazQStore& store) {
     HSCPlazWorkspace& workspace = task.getWorkspace();
     HSCPlazQStoreModel& model = *store.getModel();
-    if (!model.isOffered() && model.getUrl().empty())
-        return task.fail(Msg::storeWithdrawn, model.getName(), workspace.paths.getStoreArea(model));
+    if (!requireOffered(task, model)) return false;
     task.show("Fetching", Catalog::shownName(model), 0);
     PlaceGuard place(model);
     HSCPlazReport placed;
@@ -145,7 +149,7 @@ bool HSCPlazRefreshStoreTask::loadCatalog(HSCPlazTask& task, HSCPlazQStore& stor
 bool HSCPlazRefreshStoreTask::describeItems(HSCPlazTask& task, HSCPlazQStore& store) {
     HSCPlazQStoreModel& model = *store.getModel();
     task.show("Describing items of", Catalog::shownName(model), 50);
-    if (!Catalog::hasRepository(updateName) || task.isCancelled()) return false;
+    if (!Catalog::hasRepository(updateName) || task.isCancelled() || !task.requirePlace(model)) return false;
     const std::string& name = model.getName();
     if (model.getItems().empty()) {
         task.tell(Msg::storeWithoutCatalogs, MsgSeverity::warning, name);

@@ -1,11 +1,14 @@
 #pragma once
 
 class HSCPlazQStore;
+class HSCPlazQStoreModel;
 class HSCPlazTask;
 
 /// Refreshes what is known of one store. To be called within a task that runs (HSCPlazTask::run).
 namespace HSCPlazRefreshStoreTask {
 
+/// Fails where the hub no longer offers the store, so that nothing of it can be fetched (Msg::storeWithdrawn).
+bool requireOffered(HSCPlazTask& task, const HSCPlazQStoreModel& store);
 /// Fetches the store's metadata file and item catalog, and rebuilds the store from them. Until both have come and are
 /// whole the old catalog stays in force. Items and categories of the store are new objects afterwards.
 /// @return false on cancellation and when the fetch failed

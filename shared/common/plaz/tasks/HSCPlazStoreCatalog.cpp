@@ -2,6 +2,7 @@
 
 #include "plaz/base/HSCPlazDebugLog.h"
 #include "plaz/base/HSCPlazMsg.h"
+#include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/reader/HSCPlazQStoreReader.h"
 #include "plaz/model/repo/HSCPlazRepoFactory.h"
@@ -30,6 +31,25 @@ void requireUsable(HSCPlazTask& task, const MsgId<2>& message, const HSCPlazQSto
     const bool isUsable = HSCPlazFetchedFiles::isCatalog(file, problem);
     task.tell(problem);
     require(isUsable, message, store, file);
+}
+
+bool isInItem(const HSCPlaz& hub, const std::string& store, const std::string& file) {
+    const HSCPlazQStore* known = hub.getStore(store);
+    if (!known) return false;
+    const auto& items = known->getItems();
+    return std::any_of(items.begin(), items.end(), [&](const HSCPlazQItem* item) {
+        return item->IsInstalled() && HUTFile::isBeneath(item->getLocalRootDir(), file);
+    });
+}
+
+/// Files of a store that would come into an item's folder, or into the place of a directory, are none of its own.
+void requireFree(const HSCPlazTask& task, const HSCPlazQStoreModel& store, const std::string& area,
+                 const std::vector<std::string>& files) {
+    for (const std::string& name : files) {
+        const std::string file = area + "/" + name;
+        require(!HUTFile::isDirectory(file) && !isInItem(task.getHub(), store.getName(), file), Msg::storeFileMisplaced,
+                store, name);
+    }
 }
 
 bool fetchFiles(HSCPlazTask& task, const HSCPlazQStoreModel& store, const std::vector<std::string>& files) {
@@ -71,7 +91,7 @@ bool HSCPlazStoreCatalog::settle(HSCPlazTask& task, const std::function<HSCPlazG
 }
 
 bool HSCPlazStoreCatalog::fetch(HSCPlazTask& task, HSCPlazQStoreModel& store) {
-    if (!hasRepository(loadName) || task.isCancelled()) return false;
+    if (!hasRepository(loadName) || task.isCancelled() || !task.requirePlace(store)) return false;
     const HSCPlazStoreLayout layout = task.getWorkspace().paths.getStoreLayout(store);
     const HSCPlazFetchedFiles staging(layout.getStaging());
     std::vector<std::string> files{store.getMetadataFile()};
@@ -100,6 +120,7 @@ bool HSCPlazStoreCatalog::fetch(HSCPlazTask& task, HSCPlazQStoreModel& store) {
         files.insert(files.begin(), fetched.getCatalogFile()); // what the metadata names is there before it
     }
     if (task.isCancelled()) return false;
+    requireFree(task, store, layout.getArea(), files);
     if (!putInForce(task, store.getName(), staging.getDir(), layout, files)) return false;
     requireUsable(task, Msg::storeFileInvalid, store, layout.getArea() + "/" + store.getMetadataFile());
     return HSCPlazStoreLayout::markComplete(layout.getArea());

@@ -4,6 +4,7 @@
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/store/HSCPlazInstalledState.h"
+#include "plaz/store/HSCPlazPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "support/HDGUIStatus.h"
 #include "support/HUTFileLock.h"
@@ -61,6 +62,11 @@ bool HSCPlazTask::runLocked(const std::function<bool()>& work, const HSCPlazQSto
     mention(databases);
     const std::string unreadable = m_workspace.findUnreadableRecord(m_hub, only);
     return unreadable.empty() ? work() : fail(Msg::databaseUnreadable, unreadable);
+}
+
+bool HSCPlazTask::requirePlace(const HSCPlazQStoreModel& store) {
+    const std::string missing = HSCPlazPlaces(m_workspace).findMissing(store);
+    return missing.empty() || fail(Msg::placeMissing, missing, store.getName(), store.getName());
 }
 
 bool HSCPlazTask::withLock(const std::function<bool()>& action) {

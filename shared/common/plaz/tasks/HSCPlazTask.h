@@ -9,6 +9,7 @@
 class HDGUIStatus;
 class HSCPlaz;
 class HSCPlazQStore;
+class HSCPlazQStoreModel;
 struct HSCPlazWorkspace;
 
 /// What every task works with and has around it: the hub, progress and cancellation, the lock, and the one place from
@@ -57,6 +58,10 @@ public:
     }
     /// All that was told so far, without what was only mentioned.
     const HSCPlazReport& getReport() const { return m_report; }
+
+    /// Fails where the store's directory should be there and is not (Msg::placeMissing): what would be made in its
+    /// place is not the store.
+    bool requirePlace(const HSCPlazQStoreModel& store);
 
     /// Does the work while this process holds the hub's lock. What other processes have done is taken over first.
     /// Without a look at the record of what is installed nothing is done (Msg::databaseUnreadable).

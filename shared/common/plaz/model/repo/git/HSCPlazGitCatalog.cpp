@@ -56,7 +56,7 @@ bool acceptItemFile(const HSCPlazQItemModel& item, HSCPlazReport& report) {
 Files getItemFiles(const HSCPlazQStoreModel& store, HSCPlazReport& report) {
     Files files;
     for (const auto& item : store.getItems()) {
-        if (item->isInstalled() && item->getMetadataFile().empty()) continue; // the catalog has left it out
+        if (!item->isListed() && item->getMetadataFile().empty()) continue; // the catalog has left it out
         if (!acceptItemFile(*item, report)) continue;
         const std::string root = item->getRoot() + HUTFile::getDirSeparator();
         files.push_back(root + item->getMetadataFile());
