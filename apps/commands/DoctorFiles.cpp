@@ -158,7 +158,6 @@ std::vector<Finding> doctor::checkPlaces() {
                     "Connect its disk, or choose a directory, which may be the same one: plaz relocate " + store +
                         " DIRECTORY"));
     findings.push_back(
-        checkFile(subject, file,
-                  "Correct it, or bring back a copy: until then each store is looked for in its usual place.", ""));
+        checkFile(subject, file, "Correct it, or bring back a copy: until then nothing is changed.", ""));
     return findings;
 }
