@@ -66,8 +66,8 @@ class ShellTest(HubTest):
         self.run_plaz(f"relocate boards {file}", status=1)
 
     def test_keeps_what_items_need_that_are_away(self):
-        """Catches: items removed, or a place made anew, since a store's disk is not there, or nobody knows where it is; no
-        clean-up any more after a store went home; a shared place emptied by whoever comes to it."""
+        """Catches: items removed, or a place made anew, since a store's disk is not there, or nobody knows where it is;
+        no clean-up any more after a store went home; a shared place emptied by whoever comes to it."""
         area = self.home / "2024.2/plaz"
         chosen, mine = self.dir / "disk/boards-store", "aurora resistances"
 
@@ -133,7 +133,7 @@ class ShellTest(HubTest):
         kept = ["aurora 2.0 user 0", "aurora 1.1 user 0", "io-panel 1.0 tool 2"]  # both ask for the panel's 1.0
         self.expect("items --installed --all-revisions [ai]*[al]", modes, *kept)
         self.expect("items --outdated", "items: name")
-        held = "17-2230] \"io-panel\" is held at 1.0 by boards::aurora@2.0, boards::aurora@1.1"
+        held = '17-2230] "io-panel" is held at 1.0 by boards::aurora@2.0, boards::aurora@1.1'
         self.check_shown(self.run_plaz("update --all").stderr, "17-2186", held)
         for file in self.home.glob("*/plaz/board_store/boards/aurora/*/board.xml"):
             file.unlink()

@@ -67,7 +67,7 @@ Outcome HSCPlazUpdateTask::update(HSCPlazTask& task, HSCPlazItemChanges& changes
     case Step::none:
         break;
     }
-    return outcomeOf(complete(task, changes, item));
+    return outcomeOf(complete(task, changes, item) && isOfferKnown(task, item));
 }
 
 bool HSCPlazUpdateTask::hasNothingToDo(const HSCPlazTask& task, HSCPlazQItem& item) {
