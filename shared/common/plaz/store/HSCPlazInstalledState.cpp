@@ -48,6 +48,22 @@ std::unique_ptr<HSCPlazQItemModel> findDescription(const HIOStream::Root& root, 
     return only;
 }
 
+/// What an installed item says of itself. Null where nobody knows.
+std::unique_ptr<HSCPlazQItemModel> readOwn(const HIOStream::Root& root, const std::string& area,
+                                           const std::string& folder, const HSCPlazQItemModel& item,
+                                           HSCPlazJsonDocument& document, HSCPlazReport& report) {
+    const std::string& file = item.getMetadataFile();
+    HSCPlazFindings found;
+    std::unique_ptr<HSCPlazQItemModel> description;
+    if (!file.empty()) description = readDescription(root, folder + "/" + file, document, found);
+    // The catalog may call it something else by now, or not name it any more.
+    const bool isElsewhere = file.empty() || (!description && !HUTFile::exists(area + "/" + folder + "/" + file));
+    if (isElsewhere && !folder.empty()) description = findDescription(root, area, folder, document, item);
+    if (description && file.empty()) description->setIsActive(false); // nobody offers it any more
+    if (!description || !isElsewhere) report.append(found.toReport());
+    return description;
+}
+
 /// What stands in the item's metadata file is not what has been installed.
 bool isChanged(const HSCPlazStoreLayout& layout, const HSCPlazQItemModel& item, const std::string& folder) {
     const std::string& commit = item.getInstalledCommitId();
@@ -82,7 +98,7 @@ void HSCPlazInstalledState::describe(const HSCPlazQStoreModel& store, const Item
     const HSCPlazStoreLayout layout(area, area);
     const HIOStream::Root root(area);
     HSCPlazJsonDocument document;
-    HSCPlazFindings found;
+    HSCPlazReport report;
     for (const auto& item : items) {
         if (!item->isInstalled()) continue;
         item->setIsDescribedByItself(false);
@@ -90,13 +106,7 @@ void HSCPlazInstalledState::describe(const HSCPlazQStoreModel& store, const Item
         // Where it is: its folder in the repository may be another one by now.
         std::string folder = layout.getFolderOf(item->getLocalDir());
         if (folder.empty()) folder = HSCPlazPathMgr::getItemFolder(store, *item);
-        // The catalog may call its file something else by now, or not name any more.
-        const std::string& file = item->getMetadataFile();
-        const bool isNamed = !file.empty() && HUTFile::exists(area + "/" + folder + "/" + file);
-        std::unique_ptr<HSCPlazQItemModel> description;
-        if (!isNamed && !folder.empty()) description = findDescription(root, area, folder, document, *item);
-        if (!description && !file.empty()) description = readDescription(root, folder + "/" + file, document, found);
-        if (description && file.empty()) description->setIsActive(false); // nobody offers it any more
+        const auto description = readOwn(root, area, folder, *item, document, report);
         item->setIsDescribedByItself(description != nullptr);
         if (!description) continue;
         if (describes(*description, *item)) item->copyDescriptionFrom(*description);
@@ -104,7 +114,7 @@ void HSCPlazInstalledState::describe(const HSCPlazQStoreModel& store, const Item
         item->clearDependencies(); // it is another item's
         item->setIsDescribedByItself(!isChanged(layout, *item, folder));
     }
-    m_report.append(found.toReport());
+    m_report.append(report);
 }
 
 void HSCPlazInstalledState::update() const {

@@ -38,7 +38,8 @@ bool isInItem(const HSCPlaz& hub, const std::string& store, const std::string& f
     if (!known) return false;
     const auto& items = known->getItems();
     return std::any_of(items.begin(), items.end(), [&](const HSCPlazQItem* item) {
-        return item->IsInstalled() && HUTFile::isBeneath(item->getLocalRootDir(), file);
+        const std::string dir = item->getLocalRootDir(); // empty where it is out of reach
+        return item->IsInstalled() && !dir.empty() && HUTFile::isBeneath(dir, file);
     });
 }
 

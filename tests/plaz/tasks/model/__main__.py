@@ -26,6 +26,7 @@ from rules import ONE, SEVERAL, Fact, Model  # noqa: E402
 from support.hubtest import BUILD, PLAZ, HubTest, run  # noqa: E402 (below "tests")
 
 sys.path.insert(0, str(BUILD / "python"))
+METADATA = ("/item.json", "/about.json")
 AREAS = {SEVERAL: "2024.2/plaz/board_store", ONE: "2024.2/plaz/ced_store"}
 KEPT = "2024.2/plaz/plaz_kept"
 DONE, FAILED, CANCELLED = 0, 1, 130
@@ -177,12 +178,13 @@ class History(HubTest):
             wholes = [self.publisher.files[fact.commit] | model.own.get(item, {}) for model in models]
             wholes = [{f"{start}/{name}": text for name, text in whole.items()} for whole in wholes]
             expected |= next((whole for whole in wholes if all(found.get(n) == whole[n] for n in whole)), wholes[-1])
-        extra = [name for name in found.keys() - expected.keys() if len(models) > 1 or name.endswith("/item.json")]
+        extra = [name for name in found.keys() - expected.keys() if len(models) > 1 or name.endswith(METADATA)]
         self.compare("file", {name: found[name] for name in found.keys() - extra}, expected)
 
     def compare_own(self):
-        """What is put aside, and what is told of the files of each item."""
-        kept = {(n.split("/", 5)[5], text) for n, text in self.read_files().items() if n.startswith(KEPT)}
+        """What is put aside, but for descriptions by another name, and what is told of the files of each item."""
+        files = [(n, text) for n, text in self.read_files().items() if n.startswith(KEPT)]
+        kept = {(n.split("/", 5)[5], text) for n, text in files if not n.endswith(METADATA)}
         self.compare("kept", dict.fromkeys(kept, "there"), dict.fromkeys(self.model.kept, "there"))
         lists, expected = ("changed", "missing", "additional"), {}
         for item in self.model.installed:

@@ -36,8 +36,9 @@ class Publisher:
                     is_taken = f"items/{name}" in [entry.folder for entry in catalog.values()]
                     new = ("", {}, f"items/{name}-new" if is_taken else f"items/{name}")
                     _, commits, folder = catalog.get(name, new)
-                    files = make_files(name, *more, len(self.files))
-                    commit = commit_files(git, {f"{folder}/{file}": text for file, text in files.items()})
+                    metadata = "about.json" if store == ONE and len(self.files) % 4 == 0 else "item.json"
+                    files = make_files(metadata, name, *more, len(self.files))
+                    commit = commit_files(git, {f"{folder}/{file}": text for file, text in files.items()}, f"D {folder}\n")
                     self.files[commit], self.contents[commit], self.names[commit] = files, more[1], name
                     catalog[name] = Entry(more[0], {**commits, more[0]: commit}, folder)
                 elif entry := catalog.pop(name, None):  # or it is withdrawn
@@ -49,30 +50,31 @@ class Publisher:
                     elif kind == "lose":  # the latest one's commit
                         catalog[name] = entry._replace(commits={**entry.commits, latest: GONE})
             self.catalogs = {**self.catalogs, store: catalog}
-            commit_files(git, {catalog_file: make_catalog(catalog, store == SEVERAL)})
+            commit_files(git, {catalog_file: make_catalog(catalog, store == SEVERAL, self.files)})
 
 
-def commit_files(git, files, parent=""):
-    """@return the commit's id"""
-    text = f"commit refs/heads/main\nmark :1\ncommitter A <a@example.org> 1000000000 +0000\ndata 0\n{parent}"
+def commit_files(git, files, first=""):
+    """@param first  what goes before the files. @return the commit's id"""
+    text = f"commit refs/heads/main\nmark :1\ncommitter A <a@example.org> 1000000000 +0000\ndata 0\n{first}"
     text += "".join(f"M 100644 inline {file}\ndata {len(text)}\n{text}\n" for file, text in files.items())
     git.stdin.write(f"{text}\nget-mark :1\n")
     git.stdin.flush()
     return git.stdout.readline().strip()
 
 
-def make_files(name, revision, needs, number):
+def make_files(metadata, name, revision, needs, number):
     needs = [{"store": store, "item": item, "revision": revision} for store, item, revision in needs]
     infra = {"name": name, "display": name, "company": "c", "revision": revision, "dependencies": needs}
     config = {"_major": "1", "_minor": "0", "items": [{"infra": {**infra, "is_active": True}}]}
     document = json.dumps({"_major": 1, "_minor": 0, "config": config})
-    return {"item.json": document, "data.txt": f"{number}\n", "notes.txt": "\n"}
+    return {metadata: document, "data.txt": f"{number}\n", "notes.txt": "\n"}
 
 
-def make_catalog(catalog, keeps_several):
+def make_catalog(catalog, keeps_several, files):
+    metadata = {commit: next(iter(files[commit])) for commit in files} | {GONE: "item.json"}
     items = [
         {"name": name, "root": folder, "company": "c", "latest_revision": latest, "commit_id": commits[latest]}
-        | {"config": {"root": folder, "metadata_file": "item.json"}}
+        | {"config": {"root": folder, "metadata_file": metadata[commits[latest]]}}
         | {"revisions": [{"revision": revision, "commit_id": commit} for revision, commit in commits.items()]}
         for name, (latest, commits, folder) in catalog.items()
     ]
