@@ -154,9 +154,9 @@ std::vector<Finding> doctor::checkPlaces() {
     std::vector<Finding> findings;
     for (const auto& [store, directory] : HSCPlazInspection::findMissingPlaces())
         findings.push_back(
-            problem(subject, directory + " of the store \"" + store + "\" is not there, or is empty",
-                    "Connect its disk, or choose a directory, which may be the same one: plaz relocate " + store +
-                        " DIRECTORY"));
+            problem(subject, directory + " of the store \"" + store + "\" is not there, or not as it was left",
+                    "Connect its disk, or choose another directory: plaz relocate " + store +
+                        " DIRECTORY; for a store that the hub no longer lists, make " + directory + "/.plaz"));
     findings.push_back(
         checkFile(subject, file, "Correct it, or bring back a copy: until then nothing is changed.", ""));
     return findings;

@@ -60,10 +60,10 @@ bool hasInstalled(const HSCPlazQItem& item) {
 }
 
 /// The installed revisions that words mean: @p resolve says which where a revision that is not installed, or none, was
-/// named; for objects of such revisions only where @p serveOthers, so that a look-up by name will do.
+/// named.
 /// RATIONALE: a list of objects, as a look-up by name or pattern gives it, may hold items that are not installed; they
 /// are passed over where others are. A text that means one is an error, as in the program.
-Items resolveInstalled(const TclCall& call, const Resolve& resolve, bool serveOthers) {
+Items resolveInstalled(const TclCall& call, const Resolve& resolve) {
     Items items;
     const auto add = [&](const Items& meant) {
         for (HSCPlazQItem* item : meant) addOnce(items, *item);
@@ -75,7 +75,7 @@ Items resolveInstalled(const TclCall& call, const Resolve& resolve, bool serveOt
             add(resolve(requireReference(meant.getText()), ""));
         } else if (meant.item->IsInstalled()) {
             add({meant.item});
-        } else if (serveOthers && hasInstalled(*meant.item)) {
+        } else if (hasInstalled(*meant.item)) {
             add(resolve({{}, meant.item->getName(), {}}, meant.item->getStoreName()));
         } else if (notInstalled.empty()) {
             notInstalled = ItemReference::of(*meant.item).toText();
@@ -93,7 +93,7 @@ Resolve toOne(HubQueries::Resolve resolve) {
 
 Tcl_Obj* uninstall(const TclCall& call) {
     const ItemsResult result =
-        makeActions(call).uninstall(resolveInstalled(call, toOne(&HubQueries::resolveInstalled), true));
+        makeActions(call).uninstall(resolveInstalled(call, toOne(&HubQueries::resolveInstalled)));
     for (const HSCPlazItemResult& part : result.parts) // the error, if it comes to one, tells of the others
         if (const auto need = describeNeed(part); need && part.isDone() && !call.has(commandOptions::quiet))
             ComMsgMgr::send(*need, MsgSeverity::info);
@@ -101,19 +101,16 @@ Tcl_Obj* uninstall(const TclCall& call) {
 }
 
 Tcl_Obj* update(const TclCall& call) {
-    return answer(call, makeActions(call).update(resolveInstalled(call, toOne(&HubQueries::resolveForUpdate), true)));
+    return answer(call, makeActions(call).update(resolveInstalled(call, toOne(&HubQueries::resolveForUpdate))));
 }
 
 /// Every installed revision of what words mean, of all items without a word.
 Items resolveRevisions(const TclCall& call) {
     const HubQueries queries(requireHub());
     if (call.getWords().empty()) return queries.findRecorded("");
-    return resolveInstalled(
-        call,
-        [&](const ItemReference& reference, const std::string& store) {
-            return queries.resolveRevisions(reference, store, false);
-        },
-        false);
+    return resolveInstalled(call, [&](const ItemReference& reference, const std::string& store) {
+        return queries.resolveRevisions(reference, store, false);
+    });
 }
 
 /// Adds the triples of one item: the item, what is wrong with a file, and the file.

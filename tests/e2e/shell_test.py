@@ -114,14 +114,21 @@ class ShellTest(HubTest):
         self.check_shown(self.run_plaz("uninstall resistances", status=1).stderr, "17-2246", "17-2224")
         self.check("of places unknown", names(1), kept)
         (area / "plaz_stores.json").unlink()
-        for home in (self.home, self.dir / "other"):
+        self.run_plaz("uninstall resistances")
+        for home in (self.home, self.dir / "another", self.dir / "last"):  # of which the last one is alone by then
             self.env["GDA_APPDATA_DIR"] = str(home)
+            if home.name == "last":
+                shutil.rmtree(self.home)
+                shutil.rmtree(self.dir / "another")
             for store in ("tclscripts", "boards"):
                 self.run_plaz(f"relocate {store} shared")
+                if home != self.home:
+                    self.run_plaz("install resistances")
             if home == self.home:
                 self.run_plaz("install aurora")
-                kept = names()
-        self.check("shared", names(), kept)
+                kept = sorted([*names(), "resistances"])
+            else:
+                self.check("shared", names(), kept)
 
     def test_updates_and_keeps_modes(self):
         """Catches: an update that turns a dependency into the user's, drops the older revision, or never ends."""

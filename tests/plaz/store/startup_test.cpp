@@ -65,9 +65,13 @@ TEST_F(StartUpTest, StoreFilesAreNotReadThroughLinks) {
 
 // Directories that the user chose lost with the next one, or with a file that is damaged.
 TEST_F(StartUpTest, KeepsTheStoreList) {
-    const std::string file = files.temp.write("stores.json", "[");
-    EXPECT_FALSE(HSCPlazRepoInfoMgr(file).setStoreDirectory("boards", "/d"));
-    EXPECT_EQ(readFile(file), "[");
+    const std::string file = files.temp.path("stores.json");
+    for (const char* damaged :
+         {"[", R"({"plaz": {"qstores": [3]}})", R"({"plaz": {"qstores": [{"name": "other", "directroy": "/x"}]}})"}) {
+        files.temp.write("stores.json", damaged);
+        EXPECT_FALSE(HSCPlazRepoInfoMgr(file).setStoreDirectory("boards", "/d"));
+        EXPECT_EQ(readFile(file), damaged);
+    }
     HUTFile::rmRecursive(file);
     HSCPlazRepoInfoMgr recorded(file);
     EXPECT_TRUE(recorded.setStoreDirectory("boards", "/d") && recorded.setStoreDirectory("other", "/x"));

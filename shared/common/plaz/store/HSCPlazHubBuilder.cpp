@@ -64,7 +64,8 @@ void HSCPlazHubBuilder::build() const {
         readStores();
     }
     makeHub();
-    m_workspace.deriveHolds(*m_workspace.hub);
+    for (const auto& [store, dir] : HSCPlazPlaces(m_workspace).findMissing()) tellMissing(store, dir);
+    HSCPlazHolds::apply(*m_workspace.hub);
 }
 
 bool HSCPlazHubBuilder::readMetadata() const {
@@ -90,6 +91,14 @@ bool HSCPlazHubBuilder::readMetadata() const {
         readHub(shipped, hub);
     }
     return true;
+}
+
+void HSCPlazHubBuilder::tellMissing(const std::string& store, const std::string& dir) const {
+    if (m_workspace.hubModel->findStore(store))
+        m_report.add(Msg::placeMissing, MsgSeverity::warning, dir, store, store);
+    else
+        m_report.add(Msg::placeOfNoStoreMissing, MsgSeverity::warning, dir, store,
+                     HSCPlazStoreLayout(dir, dir).getHiddenDir());
 }
 
 void HSCPlazHubBuilder::readHub(const std::string& file, HSCPlazModel& model) const {
@@ -135,7 +144,6 @@ void HSCPlazHubBuilder::rebuild(std::unique_ptr<HSCPlazModel> model) const {
     const auto& stores = hub.getStores();
     const HSCPlazQStore* const current = m_workspace.findCurrentStore();
     const std::string selected = current ? current->getName() : std::string();
-    m_workspace.unsaved.clear();
     while (!stores.empty()) hub.removeStore(stores.back());
     m_workspace.hubModel = std::move(model);
     // They were placed for the fetch; where they are read from is decided as at start-up.
@@ -185,7 +193,7 @@ void HSCPlazHubBuilder::addStoresOfOthers() const {
         addStore(*models[position]);
         restoreInstalled(*m_workspace.hub->getStores().back());
     }
-    if (models.size() > known) m_workspace.deriveHolds(*m_workspace.hub);
+    if (models.size() > known) HSCPlazHolds::apply(*m_workspace.hub);
 }
 
 void HSCPlazHubBuilder::save(const HSCPlaz& hub, const std::set<HSCPlazQStore*>& stores) const {

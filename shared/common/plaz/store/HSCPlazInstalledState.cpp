@@ -6,6 +6,7 @@
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/reader/HSCPlazJsonDocument.h"
 #include "plaz/model/reader/HSCPlazQItemReader.h"
+#include "plaz/store/HSCPlazHolds.h"
 #include "plaz/store/HSCPlazItemTree.h"
 #include "plaz/store/HSCPlazPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
@@ -132,7 +133,7 @@ void HSCPlazInstalledState::takeOver(HSCPlazQStore& store) const {
     merge(*store.getModel());
     describe(*store.getModel());
     addMissingItems(store);
-    m_workspace.deriveHolds(*m_workspace.hub);
+    HSCPlazHolds::apply(*m_workspace.hub);
 }
 
 void HSCPlazInstalledState::merge(HSCPlazQStoreModel& store) const {

@@ -1,9 +1,9 @@
 #include "plaz/store/HSCPlazPlaces.h"
 
-#include "plaz/base/HSCPlazMsg.h"
 #include "plaz/base/HSCPlazReport.h"
 #include "plaz/store/HSCPlazCatalogLoader.h"
 #include "plaz/store/HSCPlazWorkspace.h"
+#include "support/HIOStream.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTFile.h"
 #include "support/HUTFileTree.h"
@@ -12,12 +12,33 @@
 #include <boost/filesystem/path.hpp>
 
 #include <algorithm>
+#include <sstream>
 #include <unordered_map>
 
 namespace {
 
 constexpr const char* boardStoreDir = "board_store";
 constexpr const char* otherStoreDir = "ced_store";
+
+/// Not where nobody may look.
+bool isGone(const std::string& file) {
+    std::string content;
+    return HIOStream::read(file, content) == HIOStream::Status::missing;
+}
+
+/// The user areas that keep a store in a place, one in each line.
+std::string usersFileOf(const std::string& area) {
+    return HSCPlazStoreLayout(area, area).getHiddenDir() + "/.users";
+}
+
+std::vector<std::string> readUsers(const std::string& file) {
+    std::string text;
+    HIOStream::read(file, text);
+    std::istringstream lines(text);
+    std::vector<std::string> users;
+    for (std::string line; std::getline(lines, line);) users.push_back(line);
+    return users;
+}
 
 } // namespace
 
@@ -126,7 +147,6 @@ void HSCPlazPlaces::preferRefreshed(HSCPlazReport& report) const {
 
 void HSCPlazPlaces::applyDefaults(HSCPlazReport& report) const {
     m_workspace.places.read(report);
-    for (const auto& [name, dir] : findMissing()) report.add(Msg::placeMissing, MsgSeverity::warning, dir, name, name);
     const std::vector<std::string> dirs = defaultDirs(*m_workspace.hubModel);
     for (std::size_t position = 0; position < dirs.size(); ++position) {
         HSCPlazQStoreModel& store = *m_workspace.hubModel->getStores()[position];
@@ -168,8 +188,9 @@ std::vector<HSCPlazPlace> HSCPlazPlaces::findRecorded() const {
 bool HSCPlazPlaces::isMissing(const HSCPlazPlace& place) const {
     const auto leadsNowhere = [](const std::string& dir) { return HUTFileTree::isLink(dir) && !HUTFile::exists(dir); };
     const std::string& dir = place.directory;
-    const std::string hidden = HSCPlazStoreLayout(dir, dir).getHiddenDir();
-    if (dir.empty() || HUTFile::isDirectory(hidden)) return false;
+    const HSCPlazStoreLayout layout(dir, dir);
+    const std::string hidden = layout.getHiddenDir();
+    if (dir.empty() || HUTFile::isDirectory(hidden) || !isGone(layout.getDatabase())) return false;
     const bool isChosen = !m_workspace.places.getStoreDirectory(place.store).empty();
     return isChosen || leadsNowhere(dir) || leadsNowhere(hidden);
 }
@@ -184,6 +205,26 @@ std::vector<HSCPlazPlace> HSCPlazPlaces::findMissing() const {
     const auto isThere = [&](const HSCPlazPlace& place) { return !isMissing(place); };
     missing.erase(std::remove_if(missing.begin(), missing.end(), isThere), missing.end());
     return missing;
+}
+
+bool HSCPlazPlaces::enter(const std::string& area) const {
+    const std::string own = m_workspace.paths.getUserAreaRoot(), file = usersFileOf(area);
+    const std::vector<std::string> users = readUsers(file);
+    if (std::find(users.begin(), users.end(), own) != users.end()) return true;
+    std::string text;
+    for (const std::string& user : users) text += user + "\n";
+    return HUTFile::writeAtomically(file, text + own + "\n");
+}
+
+bool HSCPlazPlaces::isShared(const HSCPlazQStoreModel& store) const {
+    const HSCPlazStoreLayout layout = m_workspace.paths.getStoreLayout(store);
+    if (HUTFile::exists(layout.getHiddenDir()) && !HUTFile::isWriteable(layout.getHiddenDir())) return true;
+    const std::string own = m_workspace.paths.getUserAreaRoot();
+    const std::string nameOfPlaces = m_workspace.places.getFile().substr(own.size());
+    const std::vector<std::string> users = readUsers(usersFileOf(layout.getArea()));
+    return std::any_of(users.begin(), users.end(), [&](const std::string& user) {
+        return user != own && !isGone(user + nameOfPlaces); // an area that has moved is no other one
+    });
 }
 
 void HSCPlazPlaces::addWithdrawn(HSCPlazReport& report) const {

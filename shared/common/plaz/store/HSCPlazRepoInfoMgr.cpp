@@ -31,11 +31,21 @@ Records readRecords(const rapidjson::Value& plaz, const char* key) {
     return records;
 }
 
+bool isRecord(const rapidjson::Value& record) {
+    const auto isText = [&](const char* key) { return record.HasMember(key) && record[key].IsString(); };
+    return record.IsObject() && isText(HSCPlazKey::name) && isText(directoryKey);
+}
+
+bool areRecords(const rapidjson::Value& plaz, const char* key) {
+    const rapidjson::Value* records = Json::FindArray(plaz, key);
+    return records && std::all_of(records->Begin(), records->End(), isRecord);
+}
+
 /// What stands in the file; null where anything else does.
 const rapidjson::Value* findPlaces(const rapidjson::Document& document) {
     const rapidjson::Value* plaz = Json::FindObject(document, HSCPlazKey::plaz);
-    const bool isKnown = plaz && Json::FindArray(*plaz, HSCPlazKey::qstores) &&
-                         (!plaz->HasMember(defaultsKey) || Json::FindArray(*plaz, defaultsKey));
+    const bool isKnown = plaz && areRecords(*plaz, HSCPlazKey::qstores) &&
+                         (!plaz->HasMember(defaultsKey) || areRecords(*plaz, defaultsKey));
     return isKnown ? plaz : nullptr;
 }
 
@@ -69,7 +79,7 @@ void HSCPlazRepoInfoMgr::read(HSCPlazReport& report) {
     const rapidjson::Value* plaz = nullptr;
     if (isRead && Json::parseInPlace(text, document, error)) {
         plaz = findPlaces(document);
-        if (!plaz) error = "it holds no list of stores";
+        if (!plaz) error = "it holds no list of stores, or one of them lacks its name or directory";
     }
     m_unreadable = !plaz;
     if (!isRead) HSCPlazFinding{HSCPlazFinding::Kind::unreadable, m_file, error}.addTo(report);

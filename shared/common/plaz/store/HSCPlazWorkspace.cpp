@@ -1,7 +1,6 @@
 #include "plaz/store/HSCPlazWorkspace.h"
 
 #include "plaz/model/HSCPlazQStore.h"
-#include "plaz/store/HSCPlazHolds.h"
 
 #include <algorithm>
 
@@ -32,10 +31,6 @@ std::string HSCPlazWorkspace::findUnreadableRecord(const HSCPlaz& stores, const 
         if (store->isProductSpecific() && (!only || store == only) && databases.isUnreadable(file)) return file;
     }
     return {};
-}
-
-void HSCPlazWorkspace::deriveHolds(const HSCPlaz& stores) {
-    unsaved.merge(HSCPlazHolds::apply(stores));
 }
 
 HSCPlazGitStore HSCPlazWorkspace::gitStore(const HSCPlazQStoreModel& store) const {

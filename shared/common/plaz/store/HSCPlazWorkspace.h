@@ -10,7 +10,6 @@
 #include "plaz/store/HSCPlazRepoInfoMgr.h"
 
 #include <memory>
-#include <set>
 
 class HSCPlazQStore;
 
@@ -33,9 +32,6 @@ struct HSCPlazWorkspace {
     /// @param only  null for all
     std::string findUnreadableRecord(const HSCPlaz& stores, const HSCPlazQStore* only) const;
 
-    /// Derives anew who is needed by how many. Stores in which that is not as it is recorded are to be saved.
-    void deriveHolds(const HSCPlaz& stores);
-
     HSCPlazUserPref userPref;
     HSCPlazPathMgr paths;
     HSCPlazLocalDBMgr databases;
@@ -45,7 +41,6 @@ struct HSCPlazWorkspace {
     std::unique_ptr<HSCPlazModel> sharedHubModel;
     std::unique_ptr<HSCPlazModel> hubModel; ///< null until the first start-up
     std::unique_ptr<HSCPlaz> hub;           ///< refers to the hub model
-    std::set<HSCPlazQStore*> unsaved;       ///< of which the next save writes the records, too
     /// The store that the user interface has selected; ask findCurrentStore().
     HSCPlazQStore* currentStore = nullptr;
 };

@@ -4,6 +4,7 @@
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
+#include "plaz/store/HSCPlazHolds.h"
 #include "plaz/store/HSCPlazHubBuilder.h"
 #include "plaz/store/HSCPlazInstalledItems.h"
 #include "plaz/store/HSCPlazInstalledState.h"
@@ -88,7 +89,7 @@ bool isRecorded(const HSCPlazFoundItem& found, const HSCPlazPendingChange& chang
 void describeReturned(HSCPlazTask& task, HSCPlazQStore& store) {
     for (HSCPlazQItem* item : store.getItems())
         if (item->IsInstalled() && !item->getModel()->isDescribedByItself()) Files::describe(task, {&store, item});
-    task.getWorkspace().deriveHolds(task.getHub());
+    HSCPlazHolds::apply(task.getHub());
 }
 
 /// Where the stores are is written down before anything is put there, so that no other order of theirs moves them.
@@ -120,7 +121,7 @@ std::string findUnknownRecord(const HSCPlazTask& task) {
     return missing.empty() ? std::string() : missing.front().directory;
 }
 
-HSCPlazFoundItem findUnneeded(HSCPlazQStore& store, const std::set<const HSCPlazQItem*>& without) {
+HSCPlazFoundItem findUnneededIn(HSCPlazQStore& store, const std::set<const HSCPlazQItem*>& without) {
     for (HSCPlazQItem* item : store.getItems())
         if (item->IsInstalled() && item->getMode() == Mode::tool && item->getReferenceCount() == 0 &&
             without.count(item) == 0)
@@ -128,9 +129,13 @@ HSCPlazFoundItem findUnneeded(HSCPlazQStore& store, const std::set<const HSCPlaz
     return {};
 }
 
-HSCPlazFoundItem findUnneeded(const HSCPlaz& hub, const std::set<const HSCPlazQItem*>& without) {
-    for (HSCPlazQStore* store : hub.getStores())
-        if (const HSCPlazFoundItem found = findUnneeded(*store, without)) return found;
+/// Not of a store that other user areas keep in the same place: they may need it.
+HSCPlazFoundItem findUnneeded(const HSCPlazTask& task, const std::set<const HSCPlazQItem*>& without) {
+    const HSCPlazPlaces places(task.getWorkspace());
+    for (HSCPlazQStore* store : task.getHub().getStores()) {
+        const HSCPlazFoundItem found = findUnneededIn(*store, without);
+        if (found && !places.isShared(*store->getModel())) return found;
+    }
     return {};
 }
 
@@ -368,8 +373,7 @@ void HSCPlazItemChanges::finishFormer(const HSCPlazFoundItem& found, const HSCPl
 
 bool HSCPlazItemChanges::save(HSCPlazQStore& store) {
     HSCPlazWorkspace& workspace = m_task.getWorkspace();
-    workspace.deriveHolds(m_task.getHub());
-    std::set<HSCPlazQStore*> others = std::exchange(workspace.unsaved, {});
+    std::set<HSCPlazQStore*> others = HSCPlazHolds::apply(m_task.getHub());
     others.erase(&store);
     const auto write = [&](HSCPlazQStore& changed) {
         const std::string unwritten = workspace.databases.write(m_task.getHub(), changed);
@@ -458,7 +462,7 @@ void HSCPlazItemChanges::finishFiles(const HSCPlazPendingChange& change, const H
 }
 
 bool HSCPlazItemChanges::removeUnneeded() {
-    HSCPlazFoundItem unneeded = findUnneeded(m_task.getHub(), m_obstinate);
+    HSCPlazFoundItem unneeded = findUnneeded(m_task, m_obstinate);
     if (unneeded && m_task.getWorkspace().databases.hasLostRecords()) {
         const auto& stores = m_task.getHub().getStores();
         return std::all_of(stores.begin(), stores.end(), [&](auto* store) { return adoptUnneeded(*store); });
@@ -471,7 +475,7 @@ bool HSCPlazItemChanges::removeUnneeded() {
         return undescribed ? m_task.fail(Msg::needsUnknown, Files::referenceOf(*undescribed))
                            : m_task.fail(Msg::needsUnreadable, unreadable);
     }
-    for (; unneeded; unneeded = findUnneeded(m_task.getHub(), m_obstinate)) {
+    for (; unneeded; unneeded = findUnneeded(m_task, m_obstinate)) {
         const std::string name = unneeded.item->getName();
         const bool isRefused = Files::removableDirectory(m_task, unneeded).empty();
         if (remove(unneeded)) {
@@ -485,7 +489,8 @@ bool HSCPlazItemChanges::removeUnneeded() {
 }
 
 bool HSCPlazItemChanges::adoptUnneeded(HSCPlazQStore& store) {
-    while (const HSCPlazFoundItem unneeded = findUnneeded(store, m_obstinate))
+    if (HSCPlazPlaces(m_task.getWorkspace()).isShared(*store.getModel())) return true;
+    while (const HSCPlazFoundItem unneeded = findUnneededIn(store, m_obstinate))
         if (!setMode(unneeded, Mode::user)) return false;
     return true;
 }

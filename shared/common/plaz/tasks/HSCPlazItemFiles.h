@@ -30,7 +30,7 @@ bool requireFree(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::st
 
 /// Takes over files of an item that no record knows, left by an earlier installation or put there by hand, where they
 /// are this very item and lack nothing of what its commit lists. That is kept. Where it is not known, they are taken
-/// over only if nothing can be fetched.
+/// over only if remote access is switched off.
 /// @param record  commit and local directory of what is to be installed
 /// @return false when they are not, or not there
 bool takeOver(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record);

@@ -38,7 +38,9 @@ class Publisher:
                     _, commits, folder = catalog.get(name, new)
                     metadata = "about.json" if store == ONE and len(self.files) % 4 == 0 else "item.json"
                     files = make_files(metadata, name, *more, len(self.files))
-                    commit = commit_files(git, {f"{folder}/{file}": text for file, text in files.items()}, f"D {folder}\n")
+                    commit = commit_files(
+                        git, {f"{folder}/{file}": text for file, text in files.items()}, f"D {folder}\n"
+                    )
                     self.files[commit], self.contents[commit], self.names[commit] = files, more[1], name
                     catalog[name] = Entry(more[0], {**commits, more[0]: commit}, folder)
                 elif entry := catalog.pop(name, None):  # or it is withdrawn
