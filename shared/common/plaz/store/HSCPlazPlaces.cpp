@@ -26,11 +26,6 @@ bool isGone(const std::string& file) {
     return HIOStream::read(file, content) == HIOStream::Status::missing;
 }
 
-/// The user areas that keep a store in a place, one in each line.
-std::string usersFileOf(const std::string& area) {
-    return HSCPlazStoreLayout(area, area).getHiddenDir() + "/.users";
-}
-
 std::vector<std::string> readUsers(const std::string& file) {
     std::string text;
     HIOStream::read(file, text);
@@ -208,7 +203,7 @@ std::vector<HSCPlazPlace> HSCPlazPlaces::findMissing() const {
 }
 
 bool HSCPlazPlaces::enter(const std::string& area) const {
-    const std::string own = m_workspace.paths.getUserAreaRoot(), file = usersFileOf(area);
+    const std::string own = m_workspace.paths.getUserAreaRoot(), file = HSCPlazStoreLayout(area, area).getUsersFile();
     const std::vector<std::string> users = readUsers(file);
     if (std::find(users.begin(), users.end(), own) != users.end()) return true;
     std::string text;
@@ -221,7 +216,7 @@ bool HSCPlazPlaces::isShared(const HSCPlazQStoreModel& store) const {
     if (HUTFile::exists(layout.getHiddenDir()) && !HUTFile::isWriteable(layout.getHiddenDir())) return true;
     const std::string own = m_workspace.paths.getUserAreaRoot();
     const std::string nameOfPlaces = m_workspace.places.getFile().substr(own.size());
-    const std::vector<std::string> users = readUsers(usersFileOf(layout.getArea()));
+    const std::vector<std::string> users = readUsers(layout.getUsersFile());
     return std::any_of(users.begin(), users.end(), [&](const std::string& user) {
         return user != own && !isGone(user + nameOfPlaces); // an area that has moved is no other one
     });
