@@ -18,11 +18,12 @@ FILES = {SEVERAL: ("boards-store.git", "boards_catalog.json"), ONE: ("tcl-store.
 
 class Publisher:
     """catalogs: what each store offers by now. contents, files: dependencies, and files, of each commit. names: what
-    its item calls itself."""
+    its item calls itself. metadata: the description's name by now, of each folder."""
 
     def __init__(self, repositories):
         self.repositories = repositories
         self.catalogs, self.contents, self.files, self.names = {SEVERAL: {}, ONE: {}}, {}, {}, {}
+        self.metadata = {SEVERAL: {}, ONE: {}}
 
     def publish(self, store, changes):
         """Commits items, and then the catalog. A change is (kind, name, ...)."""
@@ -37,6 +38,7 @@ class Publisher:
                     new = ("", {}, f"items/{name}-new" if is_taken else f"items/{name}")
                     _, commits, folder = catalog.get(name, new)
                     metadata = "about.json" if store == ONE and len(self.files) % 4 == 0 else "item.json"
+                    self.metadata[store][folder] = metadata
                     files = make_files(metadata, name, *more, len(self.files))
                     commit = commit_files(
                         git, {f"{folder}/{file}": text for file, text in files.items()}, f"D {folder}\n"
@@ -52,7 +54,7 @@ class Publisher:
                     elif kind == "lose":  # the latest one's commit
                         catalog[name] = entry._replace(commits={**entry.commits, latest: GONE})
             self.catalogs = {**self.catalogs, store: catalog}
-            commit_files(git, {catalog_file: make_catalog(catalog, store == SEVERAL, self.files)})
+            commit_files(git, {catalog_file: make_catalog(catalog, store == SEVERAL, self.metadata[store])})
 
 
 def commit_files(git, files, first=""):
@@ -72,11 +74,10 @@ def make_files(metadata, name, revision, needs, number):
     return {metadata: document, "data.txt": f"{number}\n", "notes.txt": "\n"}
 
 
-def make_catalog(catalog, keeps_several, files):
-    metadata = {commit: next(iter(files[commit])) for commit in files} | {GONE: "item.json"}
+def make_catalog(catalog, keeps_several, metadata):
     items = [
         {"name": name, "root": folder, "company": "c", "latest_revision": latest, "commit_id": commits[latest]}
-        | {"config": {"root": folder, "metadata_file": metadata[commits[latest]]}}
+        | {"config": {"root": folder, "metadata_file": metadata[folder]}}
         | {"revisions": [{"revision": revision, "commit_id": commit} for revision, commit in commits.items()]}
         for name, (latest, commits, folder) in catalog.items()
     ]
