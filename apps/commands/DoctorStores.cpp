@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <ctime>
+#include <map>
 
 namespace {
 
@@ -67,10 +68,11 @@ Finding doctor::checkDatabase(const HSCPlazQStore& store) {
                        "they are whole.");
     if (HSCPlazInspection::findMissingPlaces().count(store.getName()) != 0)
         return warning(subject, "what is installed is not known, for the store's directory is not there", "");
-    if (!HUTFile::exists(file)) return ok(subject, "nothing was installed yet");
-    const std::string damage = findDamage(file);
     std::string content;
-    if (!damage.empty() && HIOStream::read(file, content) != HIOStream::Status::ok)
+    const HIOStream::Status status = HIOStream::read(file, content);
+    if (status == HIOStream::Status::missing) return ok(subject, "nothing was installed yet");
+    const std::string damage = findDamage(file);
+    if (status != HIOStream::Status::ok)
         return problem(subject, damage,
                        "Give yourself the right to read it, or check its disk: until then nothing "
                        "that is installed can be changed.");
@@ -88,11 +90,12 @@ Finding doctor::checkDatabase(const HSCPlazQStore& store) {
 std::vector<Finding> doctor::checkNeeds(const HSCPlaz& hub, const HSCPlazQStore& store) {
     const std::string subject = subjectOf(store.getName(), "what items need");
     std::vector<Finding> findings;
+    const std::map<std::string, std::string> missing = HSCPlazInspection::findMissingPlaces();
     for (const HSCPlazQItem* item : store.getItems()) {
         if (!item->isRecorded()) continue;
         const std::string name = ItemReference::of(*item).toText();
         for (const HSCPlazQItemDependency* needed : item->getItemDependencies())
-            if (!HSCPlazInspection::findServing(hub, *needed))
+            if (missing.count(needed->getStore()) == 0 && !HSCPlazInspection::findServing(hub, *needed))
                 findings.push_back(
                     warning(subject,
                             name + " needs " +

@@ -227,8 +227,7 @@ std::vector<ComMsgMgrInstance> HubQueries::describeHeld() const {
 
 void HubQueries::requireRecords() const {
     HSCPlazTaskMgr::takeOverRecords();
-    const std::string unreadable = HSCPlazInspection::findUnreadableRecord(m_hub);
-    if (!unreadable.empty()) failWith(Msg::databaseUnreadable, unreadable);
+    if (const auto unknown = HSCPlazInspection::describeUnknownRecord(m_hub)) throw HEXAll(*unknown);
 }
 
 std::vector<HSCPlazQItem*> HubQueries::findRecorded(const std::string& store) const {

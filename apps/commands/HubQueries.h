@@ -80,11 +80,11 @@ public:
     /// One of those that give one item.
     using Resolve = HSCPlazQItem& (HubQueries::*)(const ItemReference&, const std::string&) const;
     /// All items that are recorded as installed, each revision, or those of one store.
-    /// @throws HEXAll Msg::databaseUnreadable where it is not known what is installed
+    /// @throws HEXAll Msg::databaseUnreadable, recordAway where it is not known what is installed
     std::vector<HSCPlazQItem*> findRecorded(const std::string& store) const;
     /// What resolveForUpdate() gives of every item that has an update, and each revision that lacks something that it
     /// needs.
-    /// @throws HEXAll Msg::databaseUnreadable where it is not known what is installed
+    /// @throws HEXAll Msg::databaseUnreadable, recordAway where it is not known what is installed
     std::vector<HSCPlazQItem*> findOutdated() const;
 
     /// What others hold at a revision that is not the latest, and by whom (Msg::itemHeldAt).
@@ -93,7 +93,7 @@ public:
     /// The stores of which nobody knows what they offer, since their files could not be read.
     std::vector<std::string> findUnread() const;
 
-    /// Fails with Msg::databaseUnreadable where what is installed is not known, since a record cannot be read.
+    /// Fails with Msg::databaseUnreadable or recordAway where not all that is installed is known.
     void requireRecords() const;
 
     ItemInfo describe(HSCPlazQItem& item) const;

@@ -95,10 +95,6 @@ HSCPlazFilesResult HSCPlazInspection::compareFiles(HSCPlazQItem& item) {
     return HSCPlazRepairTask::verify(workspace(), item);
 }
 
-std::string HSCPlazInspection::findUnreadableRecord(const HSCPlaz& hub) {
-    return workspace().findUnreadableRecord(hub, nullptr);
-}
-
 bool HSCPlazInspection::isRecordGone(const HSCPlazQStoreModel& store) {
     return workspace().databases.isGone(workspace().paths.getStoreLayout(store));
 }
@@ -107,6 +103,16 @@ std::map<std::string, std::string> HSCPlazInspection::findMissingPlaces() {
     std::map<std::string, std::string> missing;
     for (const auto& [store, directory] : HSCPlazPlaces(workspace()).findMissing()) missing.emplace(store, directory);
     return missing;
+}
+
+std::optional<ComMsgMgrInstance> HSCPlazInspection::describeUnknownRecord(const HSCPlaz& hub) {
+    HSCPlazReport report;
+    const std::string unreadable = workspace().findUnreadableRecord(hub, nullptr);
+    if (!unreadable.empty()) report.add(Msg::databaseUnreadable, MsgSeverity::error, unreadable);
+    for (const auto& [store, directory] : findMissingPlaces())
+        report.add(Msg::recordAway, MsgSeverity::error, directory);
+    const ComMsgMgrInstance* problem = report.findProblem();
+    return problem ? std::make_optional(*problem) : std::nullopt;
 }
 
 std::string HSCPlazInspection::getPlacesFile() {

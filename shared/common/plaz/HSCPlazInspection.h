@@ -4,6 +4,7 @@
 #include "plaz/tasks/HSCPlazTaskResult.h"
 
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -62,8 +63,9 @@ PLAZ_API bool isNewestInstalled(const HSCPlazQItem& item);
 PLAZ_API std::vector<HSCPlazQItem*> findIncomplete(const HSCPlaz& hub);
 /// How the files of an installed item compare with those of its recorded commit.
 PLAZ_API HSCPlazFilesResult compareFiles(HSCPlazQItem& item);
-/// A file that tells what is installed and could not be read; empty when there is none.
-PLAZ_API std::string findUnreadableRecord(const HSCPlaz& hub);
+/// Why it is not known what is installed: a file that tells it could not be read (Msg::databaseUnreadable), or a
+/// store's directory is not there (Msg::recordAway). Empty when it is known.
+PLAZ_API std::optional<ComMsgMgrInstance> describeUnknownRecord(const HSCPlaz& hub);
 
 /// Items of the store had been installed, and their record is gone.
 PLAZ_API bool isRecordGone(const HSCPlazQStoreModel& store);

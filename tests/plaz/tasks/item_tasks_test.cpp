@@ -1,5 +1,6 @@
 #include "plaz/hub_fixture.h"
 #include "plaz/store/HSCPlazChangeNote.h"
+#include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazItemChanges.h"
 
 #include <boost/algorithm/string/replace.hpp>
@@ -267,6 +268,12 @@ TEST_F(ItemTasksTest, ChangeCutShortIsUndoneOrFinished) {
     walk({{"+b", " 17-2226 17-1572", "b@1 user 0;a@1 user 0;"}});
     begin();
     HUTFile::rename(dir, HUTFile::getAside(incoming)); // where directories change places by renamings
+    HSCPlazWorkspace& workspace = HSCPlazMgr::getInstance().getWorkspace();
+    takeIds();
+    workspace.places.setStoreDirectory("tcl", files.temp.path("away"));
+    EXPECT_FALSE(uninstall("b")) << "while nobody knows how far the change has come";
+    EXPECT_EQ(takeIds(), Names{"17-2253"});
+    workspace.places.setStoreDirectory("tcl", "");
     walk({{"+b", " 17-2225 17-1572", "a@2 user 0;b@1 user 0;"}});
     EXPECT_FALSE(note.exists() || HUTFile::exists(incoming) || HUTFile::exists(HUTFile::getAside(incoming)));
     files.temp.write("appdata/2024.2/plaz/plaz_change.json", "{\"plaz\": {\"store\": \"tcl\", \"item\": 1");

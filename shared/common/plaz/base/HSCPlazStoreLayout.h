@@ -35,7 +35,6 @@ private:
 ///     <area>/.plaz/.catalog                     metadata and change logs of the catalog's items
 ///     <area>/.plaz/plaz_local_db.json           what is installed
 ///     <area>/.plaz/.trees                       what the files of installed items should be
-///     <area>/.plaz/.users                       which user areas keep the store here, once it was moved here
 ///     <area>/.plaz/.incoming                    files on their way in and out; gone between commands
 ///     <work>/.plaz/.index                       the working copy; ".done" in it marks it complete
 ///     <work>/.staging                           where a checkout is made; gone between commands
@@ -71,8 +70,6 @@ public:
     /// would
     ///                be safe
     std::string getTreeFile(const std::string& folder, const std::string& commit) const;
-    /// The user areas that keep the store here, one in each line.
-    std::string getUsersFile() const { return below(getHiddenDir(), ".users"); }
     std::string getIncoming() const { return below(getHiddenDir(), ".incoming"); }
 
     /// Whether what a directory holds (a working copy, a catalog) came whole. @param dir  empty: no

@@ -94,7 +94,8 @@ bool HSCPlazHubBuilder::readMetadata() const {
 }
 
 void HSCPlazHubBuilder::tellMissing(const std::string& store, const std::string& dir) const {
-    if (m_workspace.hubModel->findStore(store))
+    const HSCPlazQStoreModel* known = m_workspace.hubModel->findStore(store);
+    if (known && known->isProductSpecific()) // others are not moved
         m_report.add(Msg::placeMissing, MsgSeverity::warning, dir, store, store);
     else
         m_report.add(Msg::placeOfNoStoreMissing, MsgSeverity::warning, dir, store,
@@ -118,10 +119,11 @@ void HSCPlazHubBuilder::readStores() const {
     for (const auto& store : shared.getStores())
         if (!hub.findStore(store->getName())) loader.loadStore(&shared, store.get(), true);
     const std::size_t listed = hub.getStores().size();
-    const bool isHubRead = listed > 0 && hub.getLocalRoot() == fileInForce(m_workspace.paths);
+    m_workspace.isHubRead = listed > 0 && hub.getLocalRoot() == fileInForce(m_workspace.paths);
     HSCPlazPlaces(m_workspace).addWithdrawn(m_report);
     // Who knows whether they are withdrawn?
-    for (std::size_t i = listed; i < hub.getStores().size(); ++i) hub.getStores()[i]->setIsUnread(!isHubRead);
+    for (std::size_t i = listed; i < hub.getStores().size(); ++i)
+        hub.getStores()[i]->setIsUnread(!m_workspace.isHubRead);
 }
 
 void HSCPlazHubBuilder::readShared() const {
@@ -197,7 +199,9 @@ void HSCPlazHubBuilder::addStoresOfOthers() const {
 }
 
 void HSCPlazHubBuilder::save(const HSCPlaz& hub, const std::set<HSCPlazQStore*>& stores) const {
+    const HSCPlazPlaces places(m_workspace);
     for (HSCPlazQStore* store : stores) {
+        if (!places.mayChange(*store->getModel())) continue;
         const std::string unwritten = m_workspace.databases.write(hub, *store);
         if (!unwritten.empty()) m_report.add(Msg::databaseNotSaved, MsgSeverity::error, unwritten);
     }

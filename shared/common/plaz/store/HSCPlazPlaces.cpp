@@ -12,7 +12,6 @@
 #include <boost/filesystem/path.hpp>
 
 #include <algorithm>
-#include <sstream>
 #include <unordered_map>
 
 namespace {
@@ -24,15 +23,6 @@ constexpr const char* otherStoreDir = "ced_store";
 bool isGone(const std::string& file) {
     std::string content;
     return HIOStream::read(file, content) == HIOStream::Status::missing;
-}
-
-std::vector<std::string> readUsers(const std::string& file) {
-    std::string text;
-    HIOStream::read(file, text);
-    std::istringstream lines(text);
-    std::vector<std::string> users;
-    for (std::string line; std::getline(lines, line);) users.push_back(line);
-    return users;
 }
 
 } // namespace
@@ -202,24 +192,9 @@ std::vector<HSCPlazPlace> HSCPlazPlaces::findMissing() const {
     return missing;
 }
 
-bool HSCPlazPlaces::enter(const std::string& area) const {
-    const std::string own = m_workspace.paths.getUserAreaRoot(), file = HSCPlazStoreLayout(area, area).getUsersFile();
-    const std::vector<std::string> users = readUsers(file);
-    if (std::find(users.begin(), users.end(), own) != users.end()) return true;
-    std::string text;
-    for (const std::string& user : users) text += user + "\n";
-    return HUTFile::writeAtomically(file, text + own + "\n");
-}
-
-bool HSCPlazPlaces::isShared(const HSCPlazQStoreModel& store) const {
-    const HSCPlazStoreLayout layout = m_workspace.paths.getStoreLayout(store);
-    if (HUTFile::exists(layout.getHiddenDir()) && !HUTFile::isWriteable(layout.getHiddenDir())) return true;
-    const std::string own = m_workspace.paths.getUserAreaRoot();
-    const std::string nameOfPlaces = m_workspace.places.getFile().substr(own.size());
-    const std::vector<std::string> users = readUsers(layout.getUsersFile());
-    return std::any_of(users.begin(), users.end(), [&](const std::string& user) {
-        return user != own && !isGone(user + nameOfPlaces); // an area that has moved is no other one
-    });
+bool HSCPlazPlaces::mayChange(const HSCPlazQStoreModel& store) const {
+    const std::string hidden = m_workspace.paths.getStoreLayout(store).getHiddenDir();
+    return !HUTFile::exists(hidden) || HUTFile::isWriteable(hidden);
 }
 
 void HSCPlazPlaces::addWithdrawn(HSCPlazReport& report) const {

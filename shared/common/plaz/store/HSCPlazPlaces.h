@@ -48,11 +48,8 @@ public:
     std::string findMissing(const HSCPlazQStoreModel& store) const;
     /// The same of all stores of which a place is recorded.
     std::vector<HSCPlazPlace> findMissing() const;
-    /// Notes in a store's area that this user area keeps the store there. @return false when that could not be written
-    bool enter(const std::string& area) const;
-    /// Another user area keeps the store in the same place, or this one may write nothing there: what nobody needs here
-    /// may be needed elsewhere.
-    bool isShared(const HSCPlazQStoreModel& store) const;
+    /// False where nobody may write: nothing is recorded there, nor does anything go by itself.
+    bool mayChange(const HSCPlazQStoreModel& store) const;
     /// Puts a store's area there.
     void place(HSCPlazQStoreModel& store, const std::string& dir, HSCPlazReport& report) const;
 

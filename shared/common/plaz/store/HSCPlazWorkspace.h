@@ -41,6 +41,7 @@ struct HSCPlazWorkspace {
     std::unique_ptr<HSCPlazModel> sharedHubModel;
     std::unique_ptr<HSCPlazModel> hubModel; ///< null until the first start-up
     std::unique_ptr<HSCPlaz> hub;           ///< refers to the hub model
+    bool isHubRead = false;                 ///< else nobody knows which stores it lists
     /// The store that the user interface has selected; ask findCurrentStore().
     HSCPlazQStore* currentStore = nullptr;
 };

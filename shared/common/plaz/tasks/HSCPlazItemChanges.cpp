@@ -121,7 +121,7 @@ std::string findUnknownRecord(const HSCPlazTask& task) {
     return missing.empty() ? std::string() : missing.front().directory;
 }
 
-HSCPlazFoundItem findUnneededIn(HSCPlazQStore& store, const std::set<const HSCPlazQItem*>& without) {
+HSCPlazFoundItem findUnneeded(HSCPlazQStore& store, const std::set<const HSCPlazQItem*>& without) {
     for (HSCPlazQItem* item : store.getItems())
         if (item->IsInstalled() && item->getMode() == Mode::tool && item->getReferenceCount() == 0 &&
             without.count(item) == 0)
@@ -129,14 +129,29 @@ HSCPlazFoundItem findUnneededIn(HSCPlazQStore& store, const std::set<const HSCPl
     return {};
 }
 
-/// Not of a store that other user areas keep in the same place: they may need it.
 HSCPlazFoundItem findUnneeded(const HSCPlazTask& task, const std::set<const HSCPlazQItem*>& without) {
     const HSCPlazPlaces places(task.getWorkspace());
     for (HSCPlazQStore* store : task.getHub().getStores()) {
-        const HSCPlazFoundItem found = findUnneededIn(*store, without);
-        if (found && !places.isShared(*store->getModel())) return found;
+        const HSCPlazFoundItem found = findUnneeded(*store, without);
+        if (found && places.mayChange(*store->getModel())) return found;
     }
     return {};
+}
+
+/// Another revision has taken its place.
+bool isReplaced(const HSCPlazFoundItem& found) {
+    const auto entries = found.store->getItems(found.item->getName());
+    return !found.store->IsMultiRevisionSupported() &&
+           std::any_of(entries.begin(), entries.end(),
+                       [&](const auto* other) { return other != found.item && other->IsInstalled(); });
+}
+
+/// A change that was cut short waits for its store where that is out of sight.
+bool isOutOfSight(const HSCPlazTask& task, const HSCPlazPendingChange& change) {
+    if (change.store.empty() || (!change.place.empty() && change.area.empty())) return false; // a store that moves
+    const HSCPlazQStore* store = task.getHub().getStore(change.store);
+    return store ? !HSCPlazPlaces(task.getWorkspace()).findMissing(*store->getModel()).empty()
+                 : !task.getWorkspace().isHubRead;
 }
 
 } // namespace
@@ -375,13 +390,15 @@ bool HSCPlazItemChanges::save(HSCPlazQStore& store) {
     HSCPlazWorkspace& workspace = m_task.getWorkspace();
     std::set<HSCPlazQStore*> others = HSCPlazHolds::apply(m_task.getHub());
     others.erase(&store);
+    const HSCPlazPlaces places(workspace);
     const auto write = [&](HSCPlazQStore& changed) {
         const std::string unwritten = workspace.databases.write(m_task.getHub(), changed);
         return unwritten.empty() || m_task.fail(Msg::databaseNotSaved, unwritten);
     };
     if (!write(store)) return false;
     // What is derived can be derived again; that it is not on the disk is told all the same.
-    for (HSCPlazQStore* other : others) m_isSound = write(*other) && m_isSound;
+    for (HSCPlazQStore* other : others)
+        if (places.mayChange(*other->getModel())) m_isSound = write(*other) && m_isSound;
     return true;
 }
 
@@ -416,6 +433,11 @@ void HSCPlazItemChanges::finishInterrupted() {
     }
     const HSCPlazPendingChange& change = *note;
     HSCPlazQStore* store = m_task.getHub().getStore(change.store);
+    m_isUnfinished = isOutOfSight(m_task, change);
+    if (m_isUnfinished) {
+        m_task.fail(Msg::changeWaits, change.store, m_note.getFile());
+        return;
+    }
     if (!change.place.empty()) {
         const HSCPlazStoreLayout layout(change.place, change.place);
         Directories::takeBackCatalog(layout);
@@ -464,8 +486,9 @@ void HSCPlazItemChanges::finishFiles(const HSCPlazPendingChange& change, const H
 bool HSCPlazItemChanges::removeUnneeded() {
     HSCPlazFoundItem unneeded = findUnneeded(m_task, m_obstinate);
     if (unneeded && m_task.getWorkspace().databases.hasLostRecords()) {
-        const auto& stores = m_task.getHub().getStores();
-        return std::all_of(stores.begin(), stores.end(), [&](auto* store) { return adoptUnneeded(*store); });
+        for (HSCPlazQStore* store : m_task.getHub().getStores())
+            if (!adoptUnneeded(*store)) return false;
+        unneeded = findUnneeded(m_task, m_obstinate);
     }
     const HSCPlazQItem* undescribed = unneeded ? findUndescribed(m_task.getHub()) : nullptr;
     const std::string unreadable = unneeded ? findUnknownRecord(m_task) : std::string();
@@ -489,9 +512,14 @@ bool HSCPlazItemChanges::removeUnneeded() {
 }
 
 bool HSCPlazItemChanges::adoptUnneeded(HSCPlazQStore& store) {
-    if (HSCPlazPlaces(m_task.getWorkspace()).isShared(*store.getModel())) return true;
-    while (const HSCPlazFoundItem unneeded = findUnneededIn(store, m_obstinate))
-        if (!setMode(unneeded, Mode::user)) return false;
+    if (!HSCPlazPlaces(m_task.getWorkspace()).mayChange(*store.getModel())) return true;
+    std::set<const HSCPlazQItem*> passed = m_obstinate;
+    while (const HSCPlazFoundItem unneeded = findUnneeded(store, passed)) {
+        if (isReplaced(unneeded))
+            passed.insert(unneeded.item);
+        else if (!setMode(unneeded, Mode::user))
+            return false;
+    }
     return true;
 }
 

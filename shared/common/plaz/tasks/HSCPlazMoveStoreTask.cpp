@@ -79,9 +79,6 @@ bool HSCPlazMoveStoreTask::move(HSCPlazTask& task, HSCPlazItemChanges& changes, 
     if (!note.write({store.getName(), nullptr, false, "", {}, newRoot}))
         return task.fail(Msg::databaseNotSaved, note.getFile());
     if (!canBeKept(task, store, place) || !takeCatalogAlong(task, *store.getModel(), place)) return false;
-    // Where nobody may write, nothing can be changed either.
-    if (HUTFile::isWriteable(place.getHiddenDir()) && !places.enter(newRoot))
-        return task.fail(Msg::dirNotWritable, place.getHiddenDir());
     // Recorded first: a move that the next start does not know of would lose what is installed there.
     const auto recordMove = [&](HSCPlazReport& report) {
         return workspace.places.setStoreDirectory(store.getName(), goesHome ? "" : dir, report, store.getRoot());
