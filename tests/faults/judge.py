@@ -5,6 +5,7 @@ import functools
 import hashlib
 import json
 import re
+import time
 from typing import NamedTuple
 
 from support.hubtest import DRIVE, succeed
@@ -66,6 +67,15 @@ class Origin:
         names = self.git(repository, "ls-tree", "--name-only", "HEAD").split()
         (catalog,) = (name for name in names if name.endswith("_catalog.json"))
         return json.loads(self.git(repository, "show", f"HEAD:{catalog}"))["catalog"]["multi_revision_supported"]
+
+
+def read_home(directory, origin):
+    """Of a program that was killed; what it had started may end a moment later."""
+    while True:
+        try:
+            return Home(directory, origin)
+        except FileNotFoundError:
+            time.sleep(0.1)
 
 
 class Home:

@@ -9,7 +9,7 @@ import subprocess
 import threading
 from typing import NamedTuple
 
-from faults.judge import DATABASE, PLACES, Home, Origin
+from faults.judge import DATABASE, PLACES, Home, Origin, read_home
 from support.hubtest import BUILD, DRIVE, PLAZ, PRODUCT_DATA, WINDOWS, commit, edit, make_env, make_hub, run
 
 PROGRAM = WINDOWS or [PLAZ]
@@ -277,7 +277,7 @@ class Stage:
         scenario, (old, old_next, new, new_next) = self.scenarios[point.scenario], self.ends[point.scenario]
         neither, leftovers, unfinished, early, bad, lost = FINDINGS
         fault = f"after exit {result.returncode}"
-        found = Home(home, self.origin)
+        found = read_home(home, self.origin)
         lacking = [*found.describe_difference(new, old)]
         yield from (
             (lost, f"{fault}: {text}") for text in found.judge_own(old.own, result.stderr, not result.returncode)
