@@ -15,6 +15,7 @@
 #include "plaz/tasks/HSCPlazItemDirectories.h"
 #include "plaz/tasks/HSCPlazItemFiles.h"
 #include "plaz/tasks/HSCPlazTask.h"
+#include "plaz/tasks/HSCPlazUnneededItems.h"
 #include "support/HUTFile.h"
 
 #include <algorithm>
@@ -24,6 +25,7 @@
 using Mode = HSCPlazInstallationMode;
 namespace Directories = HSCPlazItemDirectories;
 namespace Files = HSCPlazItemFiles;
+namespace Unneeded = HSCPlazUnneededItems;
 
 namespace {
 
@@ -104,54 +106,6 @@ void takeOverStores(HSCPlazTask& task) {
     HSCPlazReport report;
     HSCPlazHubBuilder(task.getWorkspace(), report).addStoresOfOthers();
     task.mention(report);
-}
-
-const HSCPlazQItem* findUndescribed(const HSCPlaz& hub) {
-    for (const HSCPlazQStore* store : hub.getStores())
-        for (const HSCPlazQItem* item : store->getItems())
-            if (item->isRecorded() && !item->getModel()->isDescribedByItself()) return item;
-    return nullptr;
-}
-
-/// A database that cannot be looked into now, or a store's directory that is not there; empty when there is none.
-std::string findUnknownRecord(const HSCPlazTask& task) {
-    const std::string unreadable = task.getWorkspace().findUnreadableRecord(task.getHub(), nullptr);
-    if (!unreadable.empty()) return unreadable;
-    const std::vector<HSCPlazPlace> missing = HSCPlazPlaces(task.getWorkspace()).findMissing();
-    return missing.empty() ? std::string() : missing.front().directory;
-}
-
-HSCPlazFoundItem findUnneeded(HSCPlazQStore& store, const std::set<const HSCPlazQItem*>& without) {
-    for (HSCPlazQItem* item : store.getItems())
-        if (item->IsInstalled() && item->getMode() == Mode::tool && item->getReferenceCount() == 0 &&
-            without.count(item) == 0)
-            return {&store, item};
-    return {};
-}
-
-HSCPlazFoundItem findUnneeded(const HSCPlazTask& task, const std::set<const HSCPlazQItem*>& without) {
-    const HSCPlazPlaces places(task.getWorkspace());
-    for (HSCPlazQStore* store : task.getHub().getStores()) {
-        const HSCPlazFoundItem found = findUnneeded(*store, without);
-        if (found && places.mayChange(*store->getModel())) return found;
-    }
-    return {};
-}
-
-/// Another revision has taken its place.
-bool isReplaced(const HSCPlazFoundItem& found) {
-    const auto entries = found.store->getItems(found.item->getName());
-    return !found.store->IsMultiRevisionSupported() &&
-           std::any_of(entries.begin(), entries.end(),
-                       [&](const auto* other) { return other != found.item && other->IsInstalled(); });
-}
-
-/// A change that was cut short waits for its store where that is out of sight.
-bool isOutOfSight(const HSCPlazTask& task, const HSCPlazPendingChange& change) {
-    if (change.store.empty() || (!change.place.empty() && change.area.empty())) return false; // a store that moves
-    const HSCPlazQStore* store = task.getHub().getStore(change.store);
-    return store ? !HSCPlazPlaces(task.getWorkspace()).findMissing(*store->getModel()).empty()
-                 : !task.getWorkspace().isHubRead;
 }
 
 } // namespace
@@ -433,7 +387,7 @@ void HSCPlazItemChanges::finishInterrupted() {
     }
     const HSCPlazPendingChange& change = *note;
     HSCPlazQStore* store = m_task.getHub().getStore(change.store);
-    m_isUnfinished = isOutOfSight(m_task, change);
+    m_isUnfinished = Directories::isOutOfSight(m_task, change);
     if (m_isUnfinished) {
         m_task.fail(Msg::changeWaits, change.store, m_note.getFile());
         return;
@@ -484,21 +438,21 @@ void HSCPlazItemChanges::finishFiles(const HSCPlazPendingChange& change, const H
 }
 
 bool HSCPlazItemChanges::removeUnneeded() {
-    HSCPlazFoundItem unneeded = findUnneeded(m_task, m_obstinate);
+    HSCPlazFoundItem unneeded = Unneeded::find(m_task, m_obstinate);
     if (unneeded && m_task.getWorkspace().databases.hasLostRecords()) {
         for (HSCPlazQStore* store : m_task.getHub().getStores())
             if (!adoptUnneeded(*store)) return false;
-        unneeded = findUnneeded(m_task, m_obstinate);
+        unneeded = Unneeded::find(m_task, m_obstinate);
     }
-    const HSCPlazQItem* undescribed = unneeded ? findUndescribed(m_task.getHub()) : nullptr;
-    const std::string unreadable = unneeded ? findUnknownRecord(m_task) : std::string();
+    const HSCPlazQItem* undescribed = unneeded ? Unneeded::findUndescribed(m_task.getHub()) : nullptr;
+    const std::string unreadable = unneeded ? Unneeded::findUnknownRecord(m_task) : std::string();
     if (undescribed || !unreadable.empty()) {
         m_isStuck = true; // once it can be read, they go
         if (std::exchange(m_isBlocked, true)) return false;
         return undescribed ? m_task.fail(Msg::needsUnknown, Files::referenceOf(*undescribed))
                            : m_task.fail(Msg::needsUnreadable, unreadable);
     }
-    for (; unneeded; unneeded = findUnneeded(m_task, m_obstinate)) {
+    for (; unneeded; unneeded = Unneeded::find(m_task, m_obstinate)) {
         const std::string name = unneeded.item->getName();
         const bool isRefused = Files::removableDirectory(m_task, unneeded).empty();
         if (remove(unneeded)) {
@@ -514,8 +468,8 @@ bool HSCPlazItemChanges::removeUnneeded() {
 bool HSCPlazItemChanges::adoptUnneeded(HSCPlazQStore& store) {
     if (!HSCPlazPlaces(m_task.getWorkspace()).mayChange(*store.getModel())) return true;
     std::set<const HSCPlazQItem*> passed = m_obstinate;
-    while (const HSCPlazFoundItem unneeded = findUnneeded(store, passed)) {
-        if (isReplaced(unneeded))
+    while (const HSCPlazFoundItem unneeded = Unneeded::find(store, passed)) {
+        if (Unneeded::isReplaced(unneeded))
             passed.insert(unneeded.item);
         else if (!setMode(unneeded, Mode::user))
             return false;

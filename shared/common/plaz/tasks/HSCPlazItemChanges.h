@@ -57,7 +57,7 @@ public:
     /// @return false when that could not be recorded; the reason has been told
     bool adoptUnneeded(HSCPlazQStore& store);
     /// Removes what nobody asked for and nobody needs (Msg::dependencyRemoved), as the end of the task does. Nothing
-    /// goes while what an installed item needs is not known (Msg::needsUnknown, databaseUnreadable); where records were
+    /// goes while what an installed item needs is not known (Msg::needsUnknown, needsUnreadable); where records were
     /// lost they become the user's.
     /// @return false when something stays that should go; the reason has been told
     bool removeUnneeded();

@@ -6,6 +6,7 @@
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/store/HSCPlazChangeNote.h"
 #include "plaz/store/HSCPlazInstalledTrees.h"
+#include "plaz/store/HSCPlazPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazTask.h"
 #include "support/HUTFile.h"
@@ -88,6 +89,13 @@ bool HSCPlazItemDirectories::removeFormer(const HSCPlazTask& task, const HSCPlaz
     const bool isOthers =
         std::any_of(dirs.begin(), dirs.end(), [&](const std::string& dir) { return HUTFile::isBeneath(dir, former); });
     return isOthers || removeAllBut(former, dirs);
+}
+
+bool HSCPlazItemDirectories::isOutOfSight(const HSCPlazTask& task, const HSCPlazPendingChange& change) {
+    if (change.store.empty() || (!change.place.empty() && change.area.empty())) return false; // a store that moves
+    const HSCPlazQStore* store = task.getHub().getStore(change.store);
+    return store ? !HSCPlazPlaces(task.getWorkspace()).findMissing(*store->getModel()).empty()
+                 : !task.getWorkspace().isHubRead;
 }
 
 bool HSCPlazItemDirectories::undo(const std::string& incoming, const std::string& dir) {

@@ -18,6 +18,8 @@ std::string incomingOf(const HSCPlazTask& task, const HSCPlazQStore& store);
 /// Whether a directory is one of an item of the store, whatever a note or a record says.
 bool isInside(const HSCPlazTask& task, const HSCPlazQStore& store, const std::string& dir);
 
+/// Nobody can tell how far a change had come, since its store's directory is away or the hub cannot be read.
+bool isOutOfSight(const HSCPlazTask& task, const HSCPlazPendingChange& change);
 /// Puts the new files, if they are whole, or else the old ones into a place that is empty: where directories cannot
 /// change places in one step, a process may have ended between two of them.
 /// @return false when they are kept from there

@@ -172,9 +172,9 @@ std::string HSCPlazItemFiles::directoryOf(const HSCPlazWorkspace& workspace, con
 }
 
 bool HSCPlazItemFiles::requireReachable(HSCPlazTask& task, const HSCPlazFoundItem& found) {
+    if (!task.requirePlace(*found.store->getModel())) return false;
     const std::string dir =
         task.getWorkspace().paths.findLinkedItemDir(*found.store->getModel(), *found.item->getModel());
-    if (!task.requirePlace(*found.store->getModel())) return false;
     return dir.empty() || task.fail(Msg::linkLeadsOut, dir, shownName(*found.item));
 }
 

@@ -15,7 +15,7 @@ namespace HSCPlazMoveStoreTask {
 /// one holds from an earlier time, and nobody needs here, counts as the user's.
 /// @param dir  absolute
 /// @return false, with the store as it was, when the directory cannot be used (Msg::dirNotWritable, dirNotCreated) or
-///         the move not be recorded (Msg::placesNotSaved)
+///         the move not be recorded (Msg::placesNotSaved); moved, when what it holds could not be (databaseNotSaved)
 bool move(HSCPlazTask& task, HSCPlazItemChanges& changes, HSCPlazQStore& store, const std::string& dir);
 
 } // namespace HSCPlazMoveStoreTask

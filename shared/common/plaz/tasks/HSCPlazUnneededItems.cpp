@@ -1,0 +1,48 @@
+#include "plaz/tasks/HSCPlazUnneededItems.h"
+
+#include "plaz/model/HSCPlazQItem.h"
+#include "plaz/model/HSCPlazQItemModel.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/store/HSCPlazPlaces.h"
+#include "plaz/store/HSCPlazWorkspace.h"
+#include "plaz/tasks/HSCPlazTask.h"
+
+#include <algorithm>
+
+HSCPlazFoundItem HSCPlazUnneededItems::find(HSCPlazQStore& store, const std::set<const HSCPlazQItem*>& without) {
+    for (HSCPlazQItem* item : store.getItems())
+        if (item->IsInstalled() && item->getMode() == HSCPlazInstallationMode::tool && item->getReferenceCount() == 0 &&
+            without.count(item) == 0)
+            return {&store, item};
+    return {};
+}
+
+HSCPlazFoundItem HSCPlazUnneededItems::find(const HSCPlazTask& task, const std::set<const HSCPlazQItem*>& without) {
+    const HSCPlazPlaces places(task.getWorkspace());
+    for (HSCPlazQStore* store : task.getHub().getStores()) {
+        const HSCPlazFoundItem found = find(*store, without);
+        if (found && places.mayChange(*store->getModel())) return found;
+    }
+    return {};
+}
+
+bool HSCPlazUnneededItems::isReplaced(const HSCPlazFoundItem& found) {
+    const auto entries = found.store->getItems(found.item->getName());
+    return !found.store->IsMultiRevisionSupported() &&
+           std::any_of(entries.begin(), entries.end(),
+                       [&](const auto* other) { return other != found.item && other->IsInstalled(); });
+}
+
+const HSCPlazQItem* HSCPlazUnneededItems::findUndescribed(const HSCPlaz& hub) {
+    for (const HSCPlazQStore* store : hub.getStores())
+        for (const HSCPlazQItem* item : store->getItems())
+            if (item->isRecorded() && !item->getModel()->isDescribedByItself()) return item;
+    return nullptr;
+}
+
+std::string HSCPlazUnneededItems::findUnknownRecord(const HSCPlazTask& task) {
+    const std::string unreadable = task.getWorkspace().findUnreadableRecord(task.getHub(), nullptr);
+    if (!unreadable.empty()) return unreadable;
+    const std::vector<HSCPlazPlace> missing = HSCPlazPlaces(task.getWorkspace()).findMissing();
+    return missing.empty() ? std::string() : missing.front().directory;
+}
