@@ -91,7 +91,7 @@ std::vector<Finding> doctor::checkNeeds(const HSCPlaz& hub, const HSCPlazQStore&
     const std::string subject = subjectOf(store.getName(), "what items need");
     std::vector<Finding> findings;
     const std::map<std::string, std::string> missing = HSCPlazInspection::findMissingPlaces();
-    for (const HSCPlazQItem* item : store.getItems()) {
+    for (const HSCPlazQItem* item : store.getInstalledItems()) {
         if (!item->isRecorded()) continue;
         const std::string name = ItemReference::of(*item).toText();
         for (const HSCPlazQItemDependency* needed : item->getItemDependencies())
@@ -110,7 +110,7 @@ std::vector<Finding> doctor::checkItems(const HSCPlazQStore& store, const HDGUIS
     const std::string subject = subjectOf(store.getName(), "installed items");
     std::vector<Finding> findings;
     std::size_t whole = 0;
-    for (HSCPlazQItem* item : store.getItems()) {
+    for (HSCPlazQItem* item : store.getInstalledItems()) {
         if (!item->isRecorded()) continue;
         if (status.isCanceled()) return findings;
         const HSCPlazFilesResult files = HSCPlazInspection::compareFiles(*item);

@@ -215,9 +215,8 @@ HSCPlazQItem& HubQueries::resolveForUpdate(const ItemReference& reference, const
 std::vector<ComMsgMgrInstance> HubQueries::describeHeld() const {
     std::vector<ComMsgMgrInstance> held;
     for (const HSCPlazQStore* store : m_hub.getStores())
-        for (const HSCPlazQItem* item : store->getItems()) {
-            const bool isOld = item->IsInstalled() && !item->isLatest() && isForOthers(*item);
-            if (!isOld || !HSCPlazInspection::isNewestInstalled(*item)) continue;
+        for (const HSCPlazQItem* item : store->getInstalledItems()) {
+            if (item->isLatest() || !isForOthers(*item) || !HSCPlazInspection::isNewestInstalled(*item)) continue;
             const std::string holders = joinReferences(HSCPlazInspection::findHolders(m_hub, *item));
             if (!holders.empty())
                 held.push_back(messageOf(Msg::itemHeldAt, item->getName(), item->getRevision(), holders));
@@ -234,7 +233,7 @@ std::vector<HSCPlazQItem*> HubQueries::findRecorded(const std::string& store) co
     requireRecords();
     std::vector<HSCPlazQItem*> recorded;
     for (const HSCPlazQStore* one : getScope(store))
-        for (HSCPlazQItem* item : one->getItems())
+        for (HSCPlazQItem* item : one->getInstalledItems())
             if (item->isRecorded()) recorded.push_back(item);
     return recorded;
 }

@@ -26,6 +26,25 @@ TEST(StoreTest, FindsItemsByNameAndRevision) {
     EXPECT_NE(store.getItem("z"), nullptr);
 }
 
+// A list of what is installed that outlives an installation, a removal or a reload.
+TEST(StoreTest, InstalledItems) {
+    HSCPlazQStoreModel model;
+    addItem(model, "x", "1", "1");
+    addItem(model, "y", "1", "1").setIsInstalled(true);
+    HSCPlazQStore store;
+    EXPECT_TRUE(store.getInstalledItems().empty());
+    store.assignModel(&model);
+    const auto items = store.getItems();
+    using Items = std::vector<HSCPlazQItem*>;
+    EXPECT_EQ(store.getInstalledItems(), Items{items[1]});
+    items[0]->IsInstalled(true);
+    EXPECT_EQ(store.getInstalledItems(), (Items{items[0], items[1]}));
+    items[1]->getModel()->clearInstallation();
+    EXPECT_EQ(store.getInstalledItems(), Items{items[0]});
+    store.clearQStore();
+    EXPECT_TRUE(store.getInstalledItems().empty());
+}
+
 // A wiki made of what is no git URL.
 TEST(StoreTest, SupportUrl) {
     HSCPlazQStoreModel model;

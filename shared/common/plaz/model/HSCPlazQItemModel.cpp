@@ -21,6 +21,12 @@ void HSCPlazQItemModel::clearDependencies() {
     m_dependencies.clear();
 }
 
+void HSCPlazQItemModel::setIsInstalled(bool value) {
+    if (m_installed == value) return;
+    m_installed = value;
+    if (m_installations) ++*m_installations;
+}
+
 void HSCPlazQItemModel::deriveOutdated() {
     m_latest = m_revision == m_latestRevision;
     const bool hasMoved = !m_installedCommitId.empty() && !m_commitId.empty() && m_installedCommitId != m_commitId;
@@ -28,8 +34,8 @@ void HSCPlazQItemModel::deriveOutdated() {
 }
 
 void HSCPlazQItemModel::clearInstallation() {
+    setIsInstalled(false);
     m_describedByItself = false;
-    m_installed = false;
     m_needsRefresh = false;
     m_installationMode.clear();
     m_referenceCount = 0;

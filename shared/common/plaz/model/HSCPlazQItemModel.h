@@ -7,6 +7,7 @@
 #include "plaz/model/HSCPlazTypes.h"
 #include "support/HSTVector.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <iosfwd>
 #include <memory>
@@ -87,7 +88,9 @@ public:
     void setIsDescribedByItself(bool value) { m_describedByItself = value; }
 
     bool isInstalled() const { return m_installed; }
-    void setIsInstalled(bool value) { m_installed = value; }
+    void setIsInstalled(bool value);
+    /// Where it is counted that an item becomes installed, or is so no more; must outlive the item.
+    void countInstallationsIn(std::size_t& counter) { m_installations = &counter; }
     /// The installed copy is older than what the catalog offers.
     bool needsRefresh() const { return m_needsRefresh; }
     void setNeedsRefresh(bool value) { m_needsRefresh = value; }
@@ -131,6 +134,7 @@ private:
     std::string m_itemName;
     std::string m_storeName;
     const HSCPlazQStoreModel* m_storeModel = nullptr;
+    std::size_t* m_installations = nullptr;
     std::string m_root;
     std::string m_company;
     std::string m_companyDisplayName;

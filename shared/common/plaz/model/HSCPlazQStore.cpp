@@ -7,6 +7,9 @@
 #include "plaz/model/HSCPlazQItem.h"
 #include "support/HUTFile.h"
 
+#include <algorithm>
+#include <iterator>
+
 namespace {
 
 constexpr std::size_t noPosition = static_cast<std::size_t>(-1);
@@ -184,6 +187,7 @@ void HSCPlazQStore::addCategory(HSCPlazCategory* category) {
 void HSCPlazQStore::forgetIndex() const {
     m_firstOfName.clear();
     m_nextOfName.clear();
+    m_installed.reset();
 }
 
 void HSCPlazQStore::requireIndex() const {
@@ -224,6 +228,17 @@ std::vector<HSCPlazQItem*> HSCPlazQStore::getItems(const std::string& name) cons
     std::size_t position = first == m_firstOfName.end() ? noPosition : first->second;
     for (; position != noPosition; position = m_nextOfName[position]) items.push_back(m_items[position]);
     return items;
+}
+
+std::vector<HSCPlazQItem*> HSCPlazQStore::getInstalledItems() const {
+    const std::size_t installations = m_model ? m_model->getInstallations() : 0;
+    if (!m_installed || m_knownInstallations != installations) {
+        m_installed.emplace();
+        std::copy_if(m_items.begin(), m_items.end(), std::back_inserter(*m_installed),
+                     [](const HSCPlazQItem* item) { return item->IsInstalled(); });
+        m_knownInstallations = installations;
+    }
+    return *m_installed;
 }
 
 std::size_t HSCPlazQStore::getNextOfName(std::size_t position) const {

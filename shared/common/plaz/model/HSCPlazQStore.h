@@ -5,6 +5,7 @@
 #include "support/HSTVector.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -91,6 +92,8 @@ public:
     /// Appends a top-level category and takes ownership.
     void addCategory(HSCPlazCategory* category);
 
+    /// Those that are installed, in the catalog's order; without a walk over all items where it is still as it was.
+    std::vector<HSCPlazQItem*> getInstalledItems() const;
     /// All items of exactly that name, in the catalog's order.
     std::vector<HSCPlazQItem*> getItems(const std::string& name) const;
     /// Where in getItems() the next entry of the same name as that at @p position stands; past the end for none.
@@ -120,4 +123,7 @@ private:
     mutable std::unordered_map<std::string, std::size_t> m_firstOfName;
     mutable std::vector<std::size_t> m_nextOfName;
     mutable std::size_t m_indexedNamings = 0;
+    // In the same way; empty when it is to be made.
+    mutable std::optional<std::vector<HSCPlazQItem*>> m_installed;
+    mutable std::size_t m_knownInstallations = 0;
 };

@@ -5,6 +5,7 @@
 #include "plaz/model/HSCPlazBaseModel.h"
 #include "plaz/model/HSCPlazQItemModel.h"
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
@@ -87,6 +88,9 @@ public:
     const std::vector<std::unique_ptr<HSCPlazQItemModel>>& getItems() const { return m_items; }
     /// Appends an item and tells it the store's name. @return the item
     HSCPlazQItemModel* addItem(std::unique_ptr<HSCPlazQItemModel> item);
+    /// How often an item has become installed, or is so no more. Whoever keeps a list of them learns from it that it
+    /// has changed.
+    std::size_t getInstallations() const { return m_installations; }
     /// Top-level categories, in file order.
     const std::vector<HSCPlazCategoryModel>& getCategories() const { return m_categories; }
     void setCategories(std::vector<HSCPlazCategoryModel> value) { m_categories = std::move(value); }
@@ -109,6 +113,7 @@ private:
     std::string m_installDir;
     std::string m_localDbFilePath;
     std::string m_gdaDataLoc;
+    std::size_t m_installations = 0;
     std::vector<std::unique_ptr<HSCPlazQItemModel>> m_items;
     std::vector<HSCPlazCategoryModel> m_categories;
     bool m_productSpecific = false;

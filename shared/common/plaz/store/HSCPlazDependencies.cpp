@@ -105,10 +105,9 @@ std::vector<HSCPlazQItem*> HSCPlazDependencies::findHolders(const HSCPlaz& hub, 
     };
     std::vector<HSCPlazQItem*> holders;
     for (const HSCPlazQStore* store : hub.getStores())
-        for (HSCPlazQItem* other : store->getItems()) {
+        for (HSCPlazQItem* other : store->getInstalledItems()) {
             const auto& needs = other->getItemDependencies();
-            if (other != &item && other->IsInstalled() && std::any_of(needs.begin(), needs.end(), holds))
-                holders.push_back(other);
+            if (other != &item && std::any_of(needs.begin(), needs.end(), holds)) holders.push_back(other);
         }
     return holders;
 }

@@ -35,8 +35,7 @@ class Graph {
 public:
     explicit Graph(const HSCPlaz& hub) : m_hub(hub) {
         for (const HSCPlazQStore* store : hub.getStores())
-            for (HSCPlazQItem* item : store->getItems())
-                if (item->IsInstalled()) m_installed.push_back(item);
+            for (HSCPlazQItem* item : store->getInstalledItems()) m_installed.push_back(item);
         for (HSCPlazQItem* item : m_installed)
             if (item->getMode() == HSCPlazInstallationMode::user) m_starts.push_back(addNode(item, 1));
         for (Node node = 0; node < m_nodes.size(); ++node) expand(node);

@@ -32,9 +32,9 @@ std::string fileOf(const Place& place) {
 std::vector<std::string> findFoldersInside(const HSCPlazQStore& store, const std::string& dir) {
     const std::string start = dir + "/";
     std::vector<std::string> folders;
-    for (const HSCPlazQItem* item : store.getItems()) {
+    for (const HSCPlazQItem* item : store.getInstalledItems()) {
         const std::string theirs = item->getLocalRootDir();
-        if (item->IsInstalled() && starts_with(theirs, start)) folders.push_back(theirs.substr(start.size()) + "/");
+        if (starts_with(theirs, start)) folders.push_back(theirs.substr(start.size()) + "/");
     }
     return folders;
 }
@@ -122,10 +122,9 @@ void HSCPlazInstalledTrees::removeStale(const HSCPlazWorkspace& workspace, const
     if (kept.empty() || !HUTFile::isBeneath(layout.getArea(), dir)) return; // a link may lead elsewhere
     if (workspace.databases.isGone(layout)) return;                         // they tell that it is
     std::set<std::string> needed;
-    for (HSCPlazQItem* item : store.getItems())
-        if (item->IsInstalled())
-            needed.insert(layout.getTreeFile(layout.getFolderOf(item->getModel()->getRecordedDir()),
-                                             item->getModel()->getInstalledCommitId()));
+    for (const HSCPlazQItem* item : store.getInstalledItems())
+        needed.insert(layout.getTreeFile(layout.getFolderOf(item->getModel()->getRecordedDir()),
+                                         item->getModel()->getInstalledCommitId()));
     for (const std::string& name : kept)
         if (needed.count(dir + "/" + name) == 0) HUTFile::rmRecursive(dir + "/" + name);
     if (needed.empty()) HUTFile::rmRecursive(dir);
@@ -168,7 +167,7 @@ std::vector<HSCPlazQItem*> HSCPlazInstalledTrees::findIncomplete(const HSCPlazWo
     };
     std::vector<HSCPlazQItem*> incomplete;
     for (HSCPlazQStore* store : hub.getStores())
-        for (HSCPlazQItem* item : store->getItems()) {
+        for (HSCPlazQItem* item : store->getInstalledItems()) {
             if (item->isRecorded() && !(fits({store, item}) && HSCPlazDependencies::areComplete(hub, *item, fits)))
                 incomplete.push_back(item);
         }

@@ -89,8 +89,8 @@ bool isRecorded(const HSCPlazFoundItem& found, const HSCPlazPendingChange& chang
 
 /// Items that were out of their places when the hub was read.
 void describeReturned(HSCPlazTask& task, HSCPlazQStore& store) {
-    for (HSCPlazQItem* item : store.getItems())
-        if (item->IsInstalled() && !item->getModel()->isDescribedByItself()) Files::describe(task, {&store, item});
+    for (HSCPlazQItem* item : store.getInstalledItems())
+        if (!item->getModel()->isDescribedByItself()) Files::describe(task, {&store, item});
     HSCPlazHolds::apply(task.getHub());
 }
 

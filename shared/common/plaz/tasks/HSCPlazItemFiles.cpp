@@ -54,8 +54,8 @@ bool areOneInAnother(const std::string& a, const std::string& b) {
 /// An item that is or holds the directory of another, where the catalog has both or where the other is recorded: its
 /// files would be replaced together with it.
 const HSCPlazQItem* findOverlap(const HSCPlazFoundItem& found, const std::string& dir) {
-    for (const HSCPlazQItem* other : found.store->getItems()) {
-        if (!other->IsInstalled() || other->getName() == found.item->getName()) continue;
+    for (const HSCPlazQItem* other : found.store->getInstalledItems()) {
+        if (other->getName() == found.item->getName()) continue;
         const std::string theirs = other->getLocalRootDir();
         if (areOneInAnother(found.item->getRoot(), other->getRoot()) ||
             (!theirs.empty() && areOneInAnother(dir, theirs)))
@@ -83,11 +83,11 @@ bool takeBeside(const std::string& from, const std::string& to, const std::vecto
 std::vector<std::string> findItemsInside(const HSCPlazFoundItem& found, const std::string& dir, bool isReplacing) {
     const std::string start = dir + "/";
     std::vector<std::string> names;
-    for (const HSCPlazQItem* other : found.store->getItems()) {
+    for (const HSCPlazQItem* other : found.store->getInstalledItems()) {
         const std::string theirs = other->getLocalRootDir();
         const bool isReplaced =
             isReplacing && !found.store->IsMultiRevisionSupported() && other->getName() == found.item->getName();
-        if (other != found.item && !isReplaced && other->IsInstalled() && theirs.compare(0, start.size(), start) == 0 &&
+        if (other != found.item && !isReplaced && theirs.compare(0, start.size(), start) == 0 &&
             HUTFile::exists(theirs))
             names.push_back(theirs.substr(start.size()));
     }
@@ -247,10 +247,9 @@ void HSCPlazItemFiles::describe(HSCPlazTask& task, const HSCPlazFoundItem& found
 std::string HSCPlazItemFiles::removableDirectory(const HSCPlazTask& task, const HSCPlazFoundItem& found) {
     const std::string own = directoryOf(task.getWorkspace(), found);
     const std::string recorded = found.item->getLocalRootDir();
-    const auto& items = found.store->getItems();
+    const auto items = found.store->getInstalledItems();
     const bool isShared = std::any_of(items.begin(), items.end(), [&](const HSCPlazQItem* other) {
-        return other != found.item && other->IsInstalled() &&
-               other->getLocalRootDir() == (recorded.empty() ? own : recorded);
+        return other != found.item && other->getLocalRootDir() == (recorded.empty() ? own : recorded);
     });
     if (isShared || found.item->getModel()->isOutOfReach()) return {};
     if (recorded.empty() || recorded == own) return own;

@@ -28,7 +28,7 @@ namespace {
 
 /// The installation whose files lie in a folder; of several revisions that share it one alone is recorded.
 HSCPlazFoundItem findInstalledAt(const HSCPlazFoundItem& found, const std::string& dir) {
-    for (HSCPlazQItem* item : found.store->getItems())
+    for (HSCPlazQItem* item : found.store->getInstalledItems())
         if (item->isRecorded() && item->getLocalRootDir() == dir) return {found.store, item};
     return {};
 }

@@ -36,10 +36,10 @@ void requireUsable(HSCPlazTask& task, const MsgId<2>& message, const HSCPlazQSto
 bool isInItem(const HSCPlaz& hub, const std::string& store, const std::string& file) {
     const HSCPlazQStore* known = hub.getStore(store);
     if (!known) return false;
-    const auto& items = known->getItems();
+    const auto items = known->getInstalledItems();
     return std::any_of(items.begin(), items.end(), [&](const HSCPlazQItem* item) {
         const std::string dir = item->getLocalRootDir(); // empty where it is out of reach
-        return item->IsInstalled() && !dir.empty() && HUTFile::isBeneath(dir, file);
+        return !dir.empty() && HUTFile::isBeneath(dir, file);
     });
 }
 

@@ -10,8 +10,8 @@
 #include <algorithm>
 
 HSCPlazFoundItem HSCPlazUnneededItems::find(HSCPlazQStore& store, const std::set<const HSCPlazQItem*>& without) {
-    for (HSCPlazQItem* item : store.getItems())
-        if (item->IsInstalled() && item->getMode() == HSCPlazInstallationMode::tool && item->getReferenceCount() == 0 &&
+    for (HSCPlazQItem* item : store.getInstalledItems())
+        if (item->getMode() == HSCPlazInstallationMode::tool && item->getReferenceCount() == 0 &&
             without.count(item) == 0)
             return {&store, item};
     return {};
@@ -35,7 +35,7 @@ bool HSCPlazUnneededItems::isReplaced(const HSCPlazFoundItem& found) {
 
 const HSCPlazQItem* HSCPlazUnneededItems::findUndescribed(const HSCPlaz& hub) {
     for (const HSCPlazQStore* store : hub.getStores())
-        for (const HSCPlazQItem* item : store->getItems())
+        for (const HSCPlazQItem* item : store->getInstalledItems())
             if (item->isRecorded() && !item->getModel()->isDescribedByItself()) return item;
     return nullptr;
 }
