@@ -27,6 +27,14 @@ std::optional<int> parseInt(const std::string& text) {
     return value;
 }
 
+// Of another type: false, 0.
+bool toBool(const HPAParam& param) {
+    return param.getType() == HPAParam::Type::boolean && parseBool(param.getValue()).value_or(false);
+}
+int toInt(const HPAParam& param) {
+    return param.getType() == HPAParam::Type::integer ? parseInt(param.getValue()).value_or(0) : 0;
+}
+
 // The text in the form in which values are kept; nothing when it does not fit the type.
 std::optional<std::string> normalize(HPAParam::Type type, const std::string& text) {
     switch (type) {
@@ -51,11 +59,6 @@ struct HPAParamMgr::Impl {
     HPAParam* find(const std::string& name) const {
         const auto found = byName.find(HUTText::lowered(name));
         return found == byName.end() ? nullptr : found->second;
-    }
-
-    const HPAParam* find(const std::string& name, HPAParam::Type type) const {
-        const HPAParam* param = find(name);
-        return param && param->getType() == type ? param : nullptr;
     }
 
     void add(HPAParam param) {
@@ -97,26 +100,28 @@ const HPAParam* HPAParamMgr::findParam(const std::string& name) const {
 }
 
 bool HPAParamMgr::getValueAsBool(const std::string& name) const {
-    const HPAParam* param = m_impl->find(name, HPAParam::Type::boolean);
-    return param && parseBool(param->getValue()).value_or(false);
+    const HPAParam* param = m_impl->find(name);
+    return param && toBool(*param);
 }
 
 int HPAParamMgr::getValueAsInt(const std::string& name) const {
-    const HPAParam* param = m_impl->find(name, HPAParam::Type::integer);
-    return param ? parseInt(param->getValue()).value_or(0) : 0;
+    const HPAParam* param = m_impl->find(name);
+    return param ? toInt(*param) : 0;
 }
 
 std::string HPAParamMgr::getValueAsString(const std::string& name) const {
-    const HPAParam* param = m_impl->find(name, HPAParam::Type::string);
-    return param ? param->getValue() : std::string();
+    const HPAParam* param = m_impl->find(name);
+    return param && param->getType() == HPAParam::Type::string ? param->getValue() : std::string();
 }
 
 bool HPAParamMgr::getValueIfExistAsBool(const std::string& name, bool fallback) const {
-    return findParam(name) ? getValueAsBool(name) : fallback;
+    const HPAParam* param = m_impl->find(name);
+    return param ? toBool(*param) : fallback;
 }
 
 int HPAParamMgr::getValueIfExistAsInt(const std::string& name, int fallback) const {
-    return findParam(name) ? getValueAsInt(name) : fallback;
+    const HPAParam* param = m_impl->find(name);
+    return param ? toInt(*param) : fallback;
 }
 
 bool HPAParamMgr::setValue(const std::string& name, const std::string& text) {

@@ -174,6 +174,7 @@ bool HUTFile::isBeneath(const std::string& root, const std::string& path) {
 }
 
 bool HUTFile::mkDirRecursive(const std::string& dir) {
+    if (isDirectory(dir)) return true;
     Error error;
     fs::create_directories(sys(dir), error);
     return isDirectory(dir);

@@ -85,15 +85,11 @@ void HUTFork::setDir(const std::string& dir) {
 }
 
 void HUTFork::setEnv(const std::string& name, const std::string& value) {
-    const std::string key = platform::getVariableKey(name);
-    m_edited.insert(key);
-    m_env[key] = name + "=" + value;
+    m_env[platform::getVariableKey(name)] = name + "=" + value;
 }
 
 void HUTFork::unsetEnv(const std::string& name) {
-    const std::string key = platform::getVariableKey(name);
-    m_edited.insert(key);
-    m_env.erase(key);
+    m_env[platform::getVariableKey(name)].clear();
 }
 
 void HUTFork::usePipes() {
@@ -137,8 +133,9 @@ int HUTFork::launch(bool wait, bool log, bool kill, bool quiet) {
     if (m_timeoutSeconds > 0) spec.timeout = std::chrono::seconds(m_timeoutSeconds);
     spec.throughPipes = m_throughPipes;
     for (const std::string& variable : HUTEnv::getAll())
-        if (m_edited.count(platform::getVariableKey(nameOf(variable))) == 0) spec.environment.push_back(variable);
-    for (const auto& [key, variable] : m_env) spec.environment.push_back(variable);
+        if (m_env.count(platform::getVariableKey(nameOf(variable))) == 0) spec.environment.push_back(variable);
+    for (const auto& [key, variable] : m_env)
+        if (!variable.empty()) spec.environment.push_back(variable);
 
     platform::ProcessEnd end{How::notStarted, 0, {}, 0};
     if (!(wait && log && kill && quiet))

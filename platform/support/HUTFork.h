@@ -3,7 +3,6 @@
 #include "support/HostExport.h"
 
 #include <map>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -78,8 +77,9 @@ private:
     std::string m_prog;
     std::string m_dir;
     std::vector<std::string> m_args;
-    std::map<std::string, std::string> m_env; ///< "NAME=value" by the key of the name
-    std::set<std::string> m_edited;           ///< keys of the variables that the child does not have from the parent
+    /// "NAME=value" by the key of the name, for the variables that the child does not have from the parent; empty for
+    /// those that it does not have.
+    std::map<std::string, std::string> m_env;
     int m_timeoutSeconds = 0;
     int m_failedPipe = 0;
     bool m_useSearchPath = false;

@@ -35,10 +35,28 @@ fs::path resolve(const std::string& path) {
     return {};
 }
 
+// Whether the names alone say it: below the root, which is there, nothing on the way is a link or leads back.
+bool isPlainlyBeneath(const std::string& root, const std::string& path) {
+    const std::string start = root + "/";
+    if (path.compare(0, start.size(), start) != 0) return false;
+    for (std::size_t begin = start.size(), end = begin; end != path.size(); begin = end + 1) {
+        end = std::min(path.find('/', begin), path.size());
+        const std::string name = path.substr(begin, end - begin);
+        if (name.empty() || name == "." || name == "..") return false;
+        Error error;
+        const fs::file_type type = fs::symlink_status(toSystemName(path.substr(0, end)), error).type();
+        const bool isLast = type == fs::file_not_found && begin != start.size();
+        if (isLast) return path.find("/.", end) == std::string::npos;
+        if (type != fs::directory_file && type != fs::regular_file) return false;
+    }
+    return true;
+}
+
 } // namespace
 
 bool isBeneath(const std::string& root, const std::string& path) {
     if (root.empty() || path.empty() || (root + path).find('\0') != std::string::npos) return false;
+    if (isPlainlyBeneath(root, path)) return true;
     const fs::path realRoot = resolve(root);
     return !realRoot.empty() && liesBeneath(realRoot, resolve(path));
 }

@@ -292,7 +292,7 @@ bool flush(const std::string& path) {
         for (fs::recursive_directory_iterator entry(path, error), end; !error && entry != end; entry.increment(error))
             if (!entry->is_symlink()) names.push_back(entry->path().string());
     if (error) return false;
-    std::for_each(names.begin(), names.end(), startWriting);
+    if (names.size() > 1) std::for_each(names.begin(), names.end(), startWriting);
     constexpr std::size_t many = 20;
     return (names.size() > many && waitForWholeDisk(path)) || std::all_of(names.rbegin(), names.rend(), waitForDisk);
 }

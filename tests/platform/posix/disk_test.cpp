@@ -42,15 +42,16 @@ TEST(DiskTest, Containment) {
     temp.makeDir("rooted");
     for (const auto& [link, target] : {std::pair("root/out", "../rooted"),
                                        {"root/in", "dir"},
+                                       {"root/dir/up", "../../rooted"},
                                        {"root/loop", "loop"},
                                        {"root/dangling", "../absent"},
                                        {"alias", "root"}})
         std::filesystem::create_symlink(target, temp.path(link));
-    for (const char* inside : {"root", "root/", "root/in/new/file", "alias/dir/new", "root/dir/../new",
-                               "root/./new/./x", "root/out/../root"})
+    for (const char* inside : {"root", "root/", "root/dir/new/.x/file", "root/in/new/file", "alias/dir/new",
+                               "root/dir/../new", "root/./new/./x", "root/out/../root"})
         EXPECT_TRUE(HUTFile::isBeneath(temp.path("root"), temp.path(inside))) << inside;
-    for (const char* outside :
-         {"rooted", "root/out/new", "root/dangling", "root/dangling/x", "root/loop", "root/new/../x", "root/.."})
+    for (const char* outside : {"rooted", "root/out/new", "root/dir/up/new", "root/dir/new/../../../rooted",
+                                "root/dangling", "root/dangling/x", "root/loop", "root/new/../x", "root/.."})
         EXPECT_FALSE(HUTFile::isBeneath(temp.path("root"), temp.path(outside))) << outside;
     EXPECT_FALSE(HUTFile::isBeneath(temp.path("root"), temp.path(std::string("root/a\0", 7))));
     EXPECT_FALSE(HUTFile::isBeneath("", temp.path("root")) || HUTFile::isBeneath(temp.path("root"), ""));
