@@ -23,6 +23,13 @@ struct Setting {
     const char* value;
 };
 
+// All that "config" goes by, which runs before and after every other command.
+constexpr Setting generalSettings[] = {
+    {"core.longpaths", "true"},
+    // A working copy belongs to the hub, whoever owns its directory (network drives).
+    {"safe.directory", "*"},
+};
+
 constexpr Setting settings[] = {
     // Nothing but what was asked for runs.
     {"init.templateDir", ""},
@@ -36,10 +43,7 @@ constexpr Setting settings[] = {
     {"core.symlinks", "false"},
     {"core.protectHFS", "true"},
     {"core.protectNTFS", "true"},
-    {"core.longpaths", "true"},
     {"core.sparseCheckoutCone", "false"},
-    // A working copy belongs to the hub, whoever owns its directory (network drives).
-    {"safe.directory", "*"},
     {"init.defaultBranch", HSCPlazName::mainBranch},
     {"init.defaultRefFormat", "files"},
     {"checkout.guess", "true"},
@@ -103,13 +107,14 @@ bool hasToFlush(const std::string& command, const std::string& workDir) {
     return command == "fetch" && HUTFile::canFlush(workDir + "/" + HSCPlazStoreLayout::gitDir + "/HEAD");
 }
 
-void addSettings(HUTFork& git, const std::string& command, const std::string& workDir, const std::string& remoteUrl) {
-    std::size_t count = 0;
+void addFileSettings(HUTFork& git, std::size_t& count) {
     for (const Setting& setting : settings) addSetting(git, count++, setting.key, setting.value);
     // The user's hooks and attributes are not ours.
     for (const char* key : {"core.hooksPath", "core.attributesFile"})
         addSetting(git, count++, key, HUTFile::getNullDevice());
-    addSetting(git, count++, "core.fsync", hasToFlush(command, workDir) ? "committed,reference" : "none");
+}
+
+void addServerSettings(HUTFork& git, std::size_t& count, const std::string& remoteUrl) {
     // A server that falls silent is given up by commands that run without a time limit, too.
     addSetting(git, count++, "http.lowSpeedLimit", "1");
     addSetting(git, count++, "http.lowSpeedTime", std::to_string(HSCPlazGitParams::getTimeOut()));
@@ -125,6 +130,16 @@ void addSettings(HUTFork& git, const std::string& command, const std::string& wo
         addSetting(git, count++, "credential." + url.getServer() + ".helper", credentialHelper);
         git.setEnv("PLAZ_GIT_USER", credentials.userId);
         git.setEnv("PLAZ_GIT_TOKEN", credentials.token);
+    }
+}
+
+void addSettings(HUTFork& git, const std::string& command, const std::string& workDir, const std::string& remoteUrl) {
+    std::size_t count = 0;
+    for (const Setting& setting : generalSettings) addSetting(git, count++, setting.key, setting.value);
+    addSetting(git, count++, "core.fsync", hasToFlush(command, workDir) ? "committed,reference" : "none");
+    if (command != "config") {
+        addFileSettings(git, count);
+        addServerSettings(git, count, remoteUrl);
     }
     git.setEnv("GIT_CONFIG_COUNT", std::to_string(count));
     git.setEnv("GIT_CONFIG_GLOBAL", HUTFile::getNullDevice());

@@ -24,11 +24,6 @@ bool tellNotWritable(const std::string& dir, HSCPlazReport& report) {
     return false;
 }
 
-// Leaves the staging directory's parent, without the staging directory.
-bool clearStaging(const std::string& staging) {
-    return HUTFile::mkDirRecursive(staging) && HUTFile::rmRecursive(staging);
-}
-
 // Removes what a killed git leaves: locks, which would make every later command fail, and half-received packs.
 void tidyAfterCrash(const std::string& gitDir) {
     std::vector<std::string> leftovers;
@@ -104,7 +99,7 @@ bool refreshIndex(const HSCPlazGitStore& store, HSCPlazReport& report) {
 bool isReplacedWhole(const std::string& relative) {
     for (const char* dir : {".git/objects/", ".git/refs/"})
         if (boost::algorithm::starts_with(relative, dir)) return true;
-    for (const char* file : {".git/HEAD", ".git/config", ".git/packed-refs"})
+    for (const char* file : {".git/HEAD", ".git/config", ".git/packed-refs", ".git/info/attributes"})
         if (relative == file) return true;
     return false;
 }
@@ -136,7 +131,7 @@ bool HSCPlazGitWorkingCopy::stage(const HSCPlazGitStore& store, bool isFetched, 
         return false;
     }
     const std::string staging = store.layout.getStaging();
-    if (!clearStaging(staging)) return tellNotWritable(staging, report);
+    if (!HUTFile::rmRecursive(staging) || !HUTFile::mkDirRecursive(staging)) return tellNotWritable(staging, report);
     const std::string index = store.layout.getIndex();
     trace("Temp Dir = ", staging);
     trace("Store Dir = ", index);
