@@ -96,6 +96,7 @@ void HSCPlazRepoInfoMgr::readOnce() {
 
 // Another process may have changed the file since.
 void HSCPlazRepoInfoMgr::readAgain(HSCPlazReport& report) {
+    if (m_read && !m_unreadable && !m_stamp.empty() && m_stamp == HUTFile::getStamp(m_file)) return;
     m_read = m_unreadable = false;
     m_content = {};
     read(report);

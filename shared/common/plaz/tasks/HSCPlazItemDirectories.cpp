@@ -23,8 +23,8 @@ namespace {
 
 std::vector<std::string> findInstalledDirs(const HSCPlazQStore& store) {
     std::vector<std::string> dirs;
-    for (const HSCPlazQItem* item : store.getItems())
-        if (item->IsInstalled() && !item->getLocalRootDir().empty()) dirs.push_back(item->getLocalRootDir());
+    for (const HSCPlazQItem* item : store.getInstalledItems())
+        if (!item->getLocalRootDir().empty()) dirs.push_back(item->getLocalRootDir());
     return dirs;
 }
 
@@ -162,10 +162,16 @@ void HSCPlazItemDirectories::takeBackCatalog(const HSCPlazStoreLayout& layout) {
 }
 
 void HSCPlazItemDirectories::removeLeftovers(const HSCPlazTask& task) {
-    for (const HSCPlazQStore* store : task.getHub().getStores())
-        if (store->isProductSpecific()) removeLeftovers(task.getWorkspace().paths.getStoreLayout(*store->getModel()));
-    removeStaleTrees(task);
     const HSCPlazPathMgr& paths = task.getWorkspace().paths;
+    for (const HSCPlazQStore* store : task.getHub().getStores()) {
+        if (!store->isProductSpecific()) continue;
+        const HSCPlazStoreLayout layout = paths.getStoreLayout(*store->getModel());
+        if (!HUTFile::exists(layout.getArea())) continue;
+        // Without the files that it tells of, no tree has been written.
+        const bool hasStaleTrees = HUTFile::exists(layout.getIncoming());
+        removeLeftovers(layout);
+        if (hasStaleTrees) HSCPlazInstalledTrees::removeStale(task.getWorkspace(), *store);
+    }
     const std::string& root = task.getHub().getRoot();
     HUTFile::rmRecursive(paths.getStagingDir(root));
     for (const std::string& dir : {paths.getUserAreaRoot(), paths.getUserAreaRoot(root)})
