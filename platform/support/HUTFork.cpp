@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <string_view>
 
 namespace {
 
@@ -16,7 +17,7 @@ using How = platform::ProcessEnd::How;
 bool isPlain(const std::string& word) {
     return !word.empty() && std::all_of(word.begin(), word.end(), [](char c) {
         return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
-               std::string("_-+=.,:/@%^~").find(c) != std::string::npos;
+               std::string_view("_-+=.,:/@%^~").find(c) != std::string_view::npos;
     });
 }
 

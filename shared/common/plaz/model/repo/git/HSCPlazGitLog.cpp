@@ -29,7 +29,8 @@ std::optional<std::string> HSCPlazGitLog::findConfigValue(const std::string& con
         std::istringstream text(config);
         boost::property_tree::ptree tree;
         boost::property_tree::read_ini(text, tree);
-        return unquoteConfigValue(tree.get<std::string>(key));
+        const auto value = tree.get_optional<std::string>(key);
+        return value ? std::optional(unquoteConfigValue(*value)) : std::nullopt;
     } catch (const boost::property_tree::ptree_error&) {
         return std::nullopt;
     }
