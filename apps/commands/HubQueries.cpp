@@ -216,7 +216,7 @@ std::vector<ComMsgMgrInstance> HubQueries::describeHeld() const {
     std::vector<ComMsgMgrInstance> held;
     for (const HSCPlazQStore* store : m_hub.getStores())
         for (const HSCPlazQItem* item : store->getInstalledItems()) {
-            if (item->isLatest() || !isForOthers(*item) || !HSCPlazInspection::isNewestInstalled(*item)) continue;
+            if (!HSCPlazUpdateDecision::isHeldBack(*item) || !HSCPlazInspection::isNewestInstalled(*item)) continue;
             const std::string holders = joinReferences(HSCPlazInspection::findHolders(m_hub, *item));
             if (!holders.empty())
                 held.push_back(messageOf(Msg::itemHeldAt, item->getName(), item->getRevision(), holders));

@@ -16,3 +16,7 @@ HSCPlazUpdateDecision::Step HSCPlazUpdateDecision::decide(const HSCPlazQItem& it
 bool HSCPlazUpdateDecision::isOutdated(const HSCPlazQItem& item) {
     return decide(item) != Step::none;
 }
+
+bool HSCPlazUpdateDecision::isHeldBack(const HSCPlazQItem& item) {
+    return item.IsInstalled() && !item.isLatest() && item.getMode() == HSCPlazInstallationMode::tool;
+}

@@ -19,4 +19,7 @@ PLAZ_API Step decide(const HSCPlazQItem& item);
 /// Whether an update would do something for this installed revision.
 PLAZ_API bool isOutdated(const HSCPlazQItem& item);
 
+/// Whether it is there for other items alone, and is not the latest revision: they keep it where it is.
+PLAZ_API bool isHeldBack(const HSCPlazQItem& item);
+
 } // namespace HSCPlazUpdateDecision

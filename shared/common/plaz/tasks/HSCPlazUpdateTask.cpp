@@ -81,7 +81,7 @@ bool HSCPlazUpdateTask::isOfferKnown(HSCPlazTask& task, const HSCPlazQItem& item
 }
 
 void HSCPlazUpdateTask::tellHeld(HSCPlazTask& task, const HSCPlazQItem& item) {
+    if (!HSCPlazUpdateDecision::isHeldBack(item)) return;
     const std::string holders = Files::joinHolders(task.getHub(), item);
-    if (!item.isLatest() && item.getMode() == Mode::tool && !holders.empty())
-        task.tellNews(Msg::itemHeldAt, Files::shownName(item), item.getRevision(), holders);
+    if (!holders.empty()) task.tellNews(Msg::itemHeldAt, Files::shownName(item), item.getRevision(), holders);
 }
