@@ -42,7 +42,8 @@ TEST_F(CatalogTasksTest, ChecksSeeWhatIsNewer) {
     EXPECT_EQ(HSCPlazTaskMgr::checkStore(store(), nullptr).outcome, HSCPlazStoreResult::Outcome::outdated);
 }
 
-// A catalog that is named like what is installed, or like a folder, put over it; no task possible any more after that.
+// A catalog that is named like what is installed, or like a folder, put over it, or an item over the catalog; no task
+// possible any more after that.
 TEST_F(CatalogTasksTest, CatalogsComeIntoNobodysPlace) {
     tcl.publish();
     ASSERT_TRUE(refresh() && install("a"));
@@ -55,6 +56,12 @@ TEST_F(CatalogTasksTest, CatalogsComeIntoNobodysPlace) {
         tcl.publish();
     }
     EXPECT_EQ(readFile(files.area("ced_store/items/a/item.json")), before);
+    const std::string inItem = "items/z/catalog.json";
+    tcl.item("z", "1").publish();
+    tcl.getRepo().write(inItem, readFile(tcl.getRepo().getDir() + "/catalog.json"));
+    publishWith(inItem, "catalog.json");
+    EXPECT_TRUE(refresh() && !install("z"));
+    EXPECT_TRUE(HUTFile::exists(files.area("ced_store/" + inItem)));
     EXPECT_TRUE(refresh());
 }
 
