@@ -17,6 +17,7 @@
 #include <boost/filesystem/path.hpp>
 
 #include <algorithm>
+#include <iterator>
 #include <vector>
 
 namespace {
@@ -166,7 +167,8 @@ void HSCPlazItemDirectories::removeLeftovers(const HSCPlazTask& task) {
     for (const HSCPlazQStore* store : task.getHub().getStores()) {
         if (!store->isProductSpecific()) continue;
         const HSCPlazStoreLayout layout = paths.getStoreLayout(*store->getModel());
-        if (!HUTFile::exists(layout.getArea())) continue;
+        const std::string work[] = {layout.getArea(), layout.getStaging(), layout.getIndex()};
+        if (std::none_of(std::begin(work), std::end(work), HUTFile::exists)) continue;
         // Without the files that it tells of, no tree has been written.
         const bool hasStaleTrees = HUTFile::exists(layout.getIncoming());
         removeLeftovers(layout);

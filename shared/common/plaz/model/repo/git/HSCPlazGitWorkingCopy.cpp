@@ -24,6 +24,11 @@ bool tellNotWritable(const std::string& dir, HSCPlazReport& report) {
     return false;
 }
 
+// Leaves the staging directory's parent, without the staging directory.
+bool clearStaging(const std::string& staging) {
+    return HUTFile::mkDirRecursive(staging) && HUTFile::rmRecursive(staging);
+}
+
 // Removes what a killed git leaves: locks, which would make every later command fail, and half-received packs.
 void tidyAfterCrash(const std::string& gitDir) {
     std::vector<std::string> leftovers;
@@ -131,7 +136,7 @@ bool HSCPlazGitWorkingCopy::stage(const HSCPlazGitStore& store, bool isFetched, 
         return false;
     }
     const std::string staging = store.layout.getStaging();
-    if (!HUTFile::rmRecursive(staging) || !HUTFile::mkDirRecursive(staging)) return tellNotWritable(staging, report);
+    if (!clearStaging(staging)) return tellNotWritable(staging, report);
     const std::string index = store.layout.getIndex();
     trace("Temp Dir = ", staging);
     trace("Store Dir = ", index);
