@@ -35,14 +35,16 @@ fs::path resolve(const std::string& path) {
     return {};
 }
 
-// Whether the names alone say it: below the root, which is there, nothing on the way is a link or leads back.
+// Whether the names alone say it: below the root, which is there, nothing on the way is a link or leads back, and
+// nothing is in them that any system reads in a way of its own.
 bool isPlainlyBeneath(const std::string& root, const std::string& path) {
     const std::string start = root + "/";
-    if (path.compare(0, start.size(), start) != 0) return false;
+    if (path.size() == start.size() || path.compare(0, start.size(), start) != 0) return false;
+    if (path.find('\\') != std::string::npos) return false;
     for (std::size_t begin = start.size(), end = begin; end != path.size(); begin = end + 1) {
         end = std::min(path.find('/', begin), path.size());
         const std::string name = path.substr(begin, end - begin);
-        if (name.empty() || name == "." || name == "..") return false;
+        if (name.empty() || name.back() == '.' || name.back() == ' ') return false;
         Error error;
         const fs::file_type type = fs::symlink_status(toSystemName(path.substr(0, end)), error).type();
         const bool isLast = type == fs::file_not_found && begin != start.size();

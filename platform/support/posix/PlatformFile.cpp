@@ -272,8 +272,9 @@ std::string getStamp(const std::string& path) {
     const Descriptor fd(open(path.c_str(), readFlags));
     struct stat status {};
     if ((fd ? fstat(fd.get(), &status) : ::stat(path.c_str(), &status)) != 0) return {};
+    const char* end = fd ? "" : ":closed"; // what may be read no more has changed for whoever knows it
     return std::to_string(status.st_ino) + ':' + std::to_string(status.st_size) + ':' +
-           std::to_string(status.st_mtim.tv_sec) + '.' + std::to_string(status.st_mtim.tv_nsec);
+           std::to_string(status.st_mtim.tv_sec) + '.' + std::to_string(status.st_mtim.tv_nsec) + end;
 }
 
 // The number of the device is none of the disk's own: it is another one after the next mount, and on another machine.
