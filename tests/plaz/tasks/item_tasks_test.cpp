@@ -142,9 +142,9 @@ TEST_F(ItemTasksTest, WithdrawnItemKeepsWhatItNeeds) {
 }
 
 // What an item needs taken away because the catalog calls its file something else by now, or somebody has put another
-// item's in its place.
+// item's in its place; what was asked for while that keeps a change from its end becomes a dependency again.
 TEST_F(ItemTasksTest, WhatIsInstalledSaysWhatItNeeds) {
-    ship("a b<a c");
+    ship("a b<a c d e<d");
     ASSERT_TRUE(install("b") && install("c"));
     const std::string catalog = files.temp.path("data/plaz/storesdata/tcl/catalog.json"), text = readFile(catalog);
     files.temp.write("data/plaz/storesdata/tcl/catalog.json",
@@ -155,7 +155,10 @@ TEST_F(ItemTasksTest, WhatIsInstalledSaysWhatItNeeds) {
     HUTFile::copyTo(files.area("ced_store/items/c/item.json"), files.area("ced_store/items/b/item.json"),
                     HUTFile::copyOver);
     HSCPlazMgr::getInstance().loadStoreCatalog(&hub(), &store(), false);
-    walk({{"-c", "! 17-2227 17-1574", "a@1 tool 0;b@1 user 0;"}});
+    walk({{"-c", "! 17-2227 17-1574", "a@1 tool 0;b@1 user 0;"},
+          {"+e", " 17-1570 17-1573 17-1554 17-2227", "a@1 tool 0;b@1 user 0;d@1 tool 1;e@1 user 0;"},
+          {"+d", " 17-1572 17-2227", "a@1 tool 0;b@1 user 0;d@1 user 1;e@1 user 0;"},
+          {"+e", " 17-1572 17-2227", "a@1 tool 0;b@1 user 0;d@1 user 1;e@1 user 0;"}});
 }
 
 // An item that was fetched although its files are there, or taken as present because something lies in its place.

@@ -87,6 +87,11 @@ bool isRecorded(const HSCPlazFoundItem& found, const HSCPlazPendingChange& chang
            item.getInstallationMode() == change.item->getInstallationMode();
 }
 
+bool isOf(const HSCPlazPendingChange& change, const HSCPlazFoundItem& found) {
+    return change.item && change.isInstalled && change.store == found.store->getName() &&
+           change.item->getName() == found.item->getName() && change.item->getRevision() == found.item->getRevision();
+}
+
 /// Items that were out of their places when the hub was read.
 void describeReturned(HSCPlazTask& task, HSCPlazQStore& store) {
     for (HSCPlazQItem* item : store.getInstalledItems())
@@ -197,6 +202,11 @@ bool HSCPlazItemChanges::restore(const HSCPlazFoundItem& found, bool areEditsKep
 }
 
 bool HSCPlazItemChanges::setMode(const HSCPlazFoundItem& found, Mode mode) {
+    // A note that still waits would be taken for newer than the record.
+    if (const auto note = m_note.exists() ? readNote() : std::nullopt; note && isOf(*note, found)) {
+        note->item->setMode(mode);
+        if (!announce(*note)) return false;
+    }
     found.item->getModel()->setMode(mode);
     return save(*found.store) || giveUp(*found.store);
 }

@@ -164,13 +164,14 @@ void HSCPlazItemDirectories::takeBackCatalog(const HSCPlazStoreLayout& layout) {
 
 void HSCPlazItemDirectories::removeLeftovers(const HSCPlazTask& task) {
     const HSCPlazPathMgr& paths = task.getWorkspace().paths;
+    const bool isNoted = HUTFile::exists(paths.getChangeFile());
     for (const HSCPlazQStore* store : task.getHub().getStores()) {
         if (!store->isProductSpecific()) continue;
         const HSCPlazStoreLayout layout = paths.getStoreLayout(*store->getModel());
         const std::string work[] = {layout.getArea(), layout.getStaging(), layout.getIndex()};
         if (std::none_of(std::begin(work), std::end(work), HUTFile::exists)) continue;
-        // Without the files that it tells of, no tree has been written.
-        const bool hasStaleTrees = HUTFile::exists(layout.getIncoming());
+        // A change that came to its end has seen to it, and one without a trace left at most a tree for the next.
+        const bool hasStaleTrees = isNoted || HUTFile::exists(layout.getIncoming());
         removeLeftovers(layout);
         if (hasStaleTrees) HSCPlazInstalledTrees::removeStale(task.getWorkspace(), *store);
     }
