@@ -123,6 +123,10 @@ bool HubQueries::hasHub() const {
     return !m_hub.getStores().empty() || (m_hub.getModel() && m_hub.getModel()->hasMetadataFile());
 }
 
+void HubQueries::requireStores() const {
+    if (m_hub.getModel() && m_hub.getModel()->isUnread()) failWith(ShellMsg::hubNotFound);
+}
+
 HSCPlazQStore& HubQueries::getStore(const std::string& name) const {
     if (HSCPlazQStore* store = m_hub.getStore(name)) return *store;
     std::string known;
@@ -131,8 +135,9 @@ HSCPlazQStore& HubQueries::getStore(const std::string& name) const {
 }
 
 std::vector<HSCPlazQStore*> HubQueries::getScope(const std::string& store) const {
-    if (store.empty()) return m_hub.getStores();
-    return {&getStore(store)};
+    if (!store.empty()) return {&getStore(store)};
+    if (m_hub.getStores().empty()) requireStores();
+    return m_hub.getStores();
 }
 
 std::vector<HSCPlazQStore*> HubQueries::getStores(const std::vector<std::string>& names,
@@ -143,6 +148,7 @@ std::vector<HSCPlazQStore*> HubQueries::getStores(const std::vector<std::string>
                      [](const HSCPlazQStore* store) {
                          return store->getModel()->isOffered() || !store->getMetadataFile().empty();
                      });
+        if (stores.empty()) requireStores();
         return stores;
     }
     for (const std::string& name : names) stores.push_back(&getStore(name));

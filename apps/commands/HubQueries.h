@@ -48,12 +48,15 @@ public:
     /// Whether there is a hub to ask: its metadata was found, or it has stores all the same.
     bool hasHub() const;
 
+    /// Fails with ShellMsg::hubNotFound where nobody knows which stores the hub lists.
+    void requireStores() const;
+
     /// The first store of exactly that name.
     HSCPlazQStore& getStore(const std::string& name) const;
-    /// All stores, or the one named.
+    /// All stores, or the one named. That there is none fails where requireStores() does.
     std::vector<HSCPlazQStore*> getScope(const std::string& store) const;
     /// The stores of these names, in their order, and behind them those of @p others that are not among them. Without
-    /// names: all stores that the hub lists.
+    /// names: all stores that the hub lists; that there is none fails where requireStores() does.
     std::vector<HSCPlazQStore*> getStores(const std::vector<std::string>& names,
                                           const std::set<std::string>& others = {}) const;
 

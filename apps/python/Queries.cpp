@@ -66,7 +66,7 @@ std::vector<std::string> readStores(const py::list& stores) {
 py::list findStores(const OptionalText& pattern) {
     return callHub([&](Call& call) {
         py::list stores;
-        for (HSCPlazQStore* store : call.getHub().getStores())
+        for (HSCPlazQStore* store : HubQueries(call.getHub()).getScope(""))
             if (!pattern || fitsGlob(pattern->value, store->getName())) stores.append(wrap(*store));
         return stores;
     });

@@ -141,13 +141,16 @@ int Program::fail(const ComMsgMgrInstance& reason) {
 }
 
 int Program::runStores() {
-    m_output->showStores(getHub().getStores());
+    HSCPlaz& hub = getHub();
+    m_output->showStores(hub.getStores());
+    HubQueries(hub).requireStores(); // else not all are above
     return exitStatus::done;
 }
 
 int Program::runItems() {
     const HubQueries queries(getHub());
     m_output->showItems(queries.findItems(m_options.query));
+    queries.requireStores();  // else not all are above
     queries.requireRecords(); // else what is installed may be missing above
     return exitStatus::done;
 }
@@ -249,7 +252,10 @@ int Program::runUpdate() {
     const HubQueries queries(getHub());
     const std::vector<HSCPlazQItem*> outdated = queries.findOutdated();
     const std::vector<std::string> unread = queries.findUnread();
-    if (outdated.empty() && unread.empty()) ComMsgMgr::send(ShellMsg::nothingToUpdate, MsgSeverity::info);
+    if (outdated.empty() && unread.empty()) {
+        queries.requireStores();
+        ComMsgMgr::send(ShellMsg::nothingToUpdate, MsgSeverity::info);
+    }
     int status = show(makeActions().update(outdated));
     for (const ComMsgMgrInstance& held : queries.describeHeld()) ComMsgMgr::send(held, MsgSeverity::info);
     for (const std::string& store : unread) status = fail(messageOf(Msg::catalogUnread, store, store));
@@ -266,7 +272,7 @@ int Program::runPaths() {
 int Program::runDoctor() {
     HSCPlaz& hub = HSCPlazMgr::getInstance().getHub(); // one that cannot be read is looked at all the same
     const std::vector<Finding> findings =
-        Doctor(hub, m_status).examine(m_options.stores.empty() ? HubQueries(hub).getScope("") : getStores());
+        Doctor(hub, m_status).examine(m_options.stores.empty() ? hub.getStores() : getStores());
     m_progress.erase();
     m_output->showFindings(findings);
     const auto problems = std::count_if(findings.begin(), findings.end(), [](const Finding& finding) {

@@ -38,7 +38,7 @@ Names select(const std::vector<std::string>& patterns, const Names& known, const
 
 /// A store's object means that store by its name.
 Tcl_Obj* getStores(const TclCall& call) {
-    std::vector<HSCPlazQStore*> stores = requireHub().getStores();
+    std::vector<HSCPlazQStore*> stores = HubQueries(requireHub()).getScope("");
     if (!call.getWords().empty()) {
         Names known;
         for (const HSCPlazQStore* store : stores) known.insert(store->getName());

@@ -237,6 +237,25 @@ class ShellTest(HubTest):
         shutil.rmtree(self.repositories / "hub.git")
         self.check("hub that is gone", self.ask("refresh --hub", "messages: id", status=1)[-1], "17-2194")
 
+    def test_a_hub_that_cannot_be_used_is_no_empty_one(self):
+        """Catches: success where nobody knows which stores there are, and no way back from there."""
+
+        def replace_by_directory(file):
+            file.unlink()
+            file.mkdir()
+
+        # What cannot even be read is told until somebody mends it.
+        for damage, status in ((lambda file: file.write_text("{"), 0), (replace_by_directory, 1)):
+            for installed in ("", "string-kit"):
+                self.setUp()
+                if installed:
+                    self.run_plaz(f"install {installed}")
+                damage(self.hub_file)
+                for command in ("stores", "items", "refresh", "check", "update --all"):
+                    self.check_shown(self.run_plaz(command, status=1).stderr, str(self.hub_file))
+                self.run_plaz("refresh --hub", status=status)
+                self.expect("stores", "qstores: name", "boards", "tclscripts")
+
     def test_check_without_an_answer_is_no_good_news(self):
         """Catches: a remote that is gone, or has lost the branch, told as up to date."""
         self.run_plaz("refresh")

@@ -31,6 +31,9 @@ public:
     /// A hub metadata file was found.
     bool hasMetadataFile() const { return m_hasMetadataFile; }
     void setHasMetadataFile(bool value) { m_hasMetadataFile = value; }
+    /// Which stores it lists is not known: its file could not be read, or is damaged.
+    bool isUnread() const { return m_unread; }
+    void setIsUnread(bool value) { m_unread = value; }
 
     /// The store models in the order in which they were added.
     const std::vector<std::shared_ptr<HSCPlazQStoreModel>>& getStores() const { return m_stores; }
@@ -47,4 +50,5 @@ private:
     std::string m_localDbFilePath;
     std::vector<std::shared_ptr<HSCPlazQStoreModel>> m_stores;
     bool m_hasMetadataFile = false;
+    bool m_unread = false;
 };

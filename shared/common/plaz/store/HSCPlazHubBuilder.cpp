@@ -105,6 +105,7 @@ void HSCPlazHubBuilder::tellMissing(const std::string& store, const std::string&
 void HSCPlazHubBuilder::readHub(const std::string& file, HSCPlazModel& model) const {
     HSCPlazFindings found;
     HSCPlazReader::read(file, model, found);
+    model.setIsUnread(found.tellOfDamage());
     m_report.append(found.toReport());
 }
 
