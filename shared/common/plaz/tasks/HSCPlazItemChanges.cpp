@@ -14,6 +14,7 @@
 #include "plaz/tasks/HSCPlazFetchedFiles.h"
 #include "plaz/tasks/HSCPlazItemDirectories.h"
 #include "plaz/tasks/HSCPlazItemFiles.h"
+#include "plaz/tasks/HSCPlazPendingChanges.h"
 #include "plaz/tasks/HSCPlazTask.h"
 #include "plaz/tasks/HSCPlazUnneededItems.h"
 #include "support/HUTFile.h"
@@ -25,6 +26,7 @@
 using Mode = HSCPlazInstallationMode;
 namespace Directories = HSCPlazItemDirectories;
 namespace Files = HSCPlazItemFiles;
+namespace Pending = HSCPlazPendingChanges;
 namespace Unneeded = HSCPlazUnneededItems;
 
 namespace {
@@ -41,55 +43,6 @@ std::vector<HSCPlazQItem*> findReplaced(const HSCPlazFoundItem& found, const HSC
             (isOnlyOne || other->getLocalRootDir() == record.getLocalDir()))
             replaced.push_back(other);
     return replaced;
-}
-
-std::string areaOf(const HSCPlazTask& task, const HSCPlazQStore& store) {
-    return task.getWorkspace().paths.getStoreArea(*store.getModel());
-}
-
-HSCPlazPendingChange changeOf(const HSCPlazTask& task, const HSCPlazQStore& store,
-                              std::shared_ptr<HSCPlazQItemModel> item, bool isInstalled) {
-    HSCPlazPendingChange change{store.getName(), std::move(item), isInstalled};
-    change.area = areaOf(task, store);
-    return change;
-}
-
-/// Directories of a change are where the store's area is now, which may have come to another place since.
-HSCPlazPendingChange moved(HSCPlazPendingChange change, const std::string& area) {
-    const HSCPlazStoreLayout before(change.area, change.area);
-    const auto toPlace = [&](const std::string& dir) {
-        const std::string folder = before.getFolderOf(dir);
-        if (!dir.empty() && dir == change.area) return area;
-        return folder.empty() ? dir : area + "/" + folder;
-    };
-    if (change.item) change.item->setLocalDir(toPlace(change.item->getLocalDir()));
-    change.former = toPlace(change.former);
-    change.place = toPlace(change.place);
-    return change;
-}
-
-/// What a record says of the item.
-std::shared_ptr<HSCPlazQItemModel> toRecord(const HSCPlazQItemModel& item) {
-    auto record = std::make_shared<HSCPlazQItemModel>();
-    record->setName(item.getName());
-    record->setCompany(item.getCompany());
-    record->setRevision(item.getRevision());
-    record->setCommitId(item.getInstalledCommitId());
-    record->setInstallationMode(item.getInstallationMode());
-    return record;
-}
-
-bool isRecorded(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change) {
-    if (!found || !found.item->IsInstalled()) return !change.isInstalled;
-    const HSCPlazQItemModel& item = *found.item->getModel();
-    return change.isInstalled && item.getInstalledCommitId() == change.item->getCommitId() &&
-           item.getLocalDir() == change.item->getLocalDir() &&
-           item.getInstallationMode() == change.item->getInstallationMode();
-}
-
-bool isOf(const HSCPlazPendingChange& change, const HSCPlazFoundItem& found) {
-    return change.item && change.isInstalled && change.store == found.store->getName() &&
-           change.item->getName() == found.item->getName() && change.item->getRevision() == found.item->getRevision();
 }
 
 /// Items that were out of their places when the hub was read.
@@ -192,10 +145,10 @@ bool HSCPlazItemChanges::remove(const HSCPlazFoundItem& found) {
 bool HSCPlazItemChanges::restore(const HSCPlazFoundItem& found, bool areEditsKept) {
     const HSCPlazOldFiles incoming(Directories::incomingOf(m_task, *found.store));
     const std::string dir = found.item->getLocalRootDir();
-    const auto item = toRecord(*found.item->getModel());
+    const auto item = Pending::toRecord(*found.item->getModel());
     item->setLocalDir(dir);
     if (!Files::fetch(m_task, found, *item, false)) return false;
-    const HSCPlazPendingChange change = changeOf(m_task, *found.store, item, true);
+    const HSCPlazPendingChange change = Pending::of(m_task, *found.store, item, true);
     const auto staying = HSCPlazOwnFiles::findStaying(m_task, found, areEditsKept);
     return staying && Files::takeAlong(m_task, found, dir, *staying) &&
            put(found, change, {Msg::dirNotWritable, MsgSeverity::error, dir});
@@ -203,7 +156,7 @@ bool HSCPlazItemChanges::restore(const HSCPlazFoundItem& found, bool areEditsKep
 
 bool HSCPlazItemChanges::setMode(const HSCPlazFoundItem& found, Mode mode) {
     // A note that still waits would be taken for newer than the record.
-    if (const auto note = m_note.exists() ? readNote() : std::nullopt; note && isOf(*note, found)) {
+    if (const auto note = m_note.exists() ? readNote() : std::nullopt; note && Pending::isOf(*note, found)) {
         note->item->setMode(mode);
         if (!announce(*note)) return false;
     }
@@ -213,20 +166,20 @@ bool HSCPlazItemChanges::setMode(const HSCPlazFoundItem& found, Mode mode) {
 
 HSCPlazPendingChange HSCPlazItemChanges::toInstallation(const HSCPlazFoundItem& found, Mode mode) const {
     const auto isUsers = [](const HSCPlazQItem& item) { return item.IsInstalled() && item.getMode() == Mode::user; };
-    const auto item = toRecord(*found.item->getModel());
+    const auto item = Pending::toRecord(*found.item->getModel());
     item->setCommitId(found.item->getModel()->getCommitId());
     item->setLocalDir(Files::directoryOf(m_task.getWorkspace(), found));
     const std::vector<HSCPlazQItem*> replaced = findReplaced(found, *item);
     const bool wasUsers = isUsers(*found.item) || std::any_of(replaced.begin(), replaced.end(),
                                                               [&](const auto* other) { return isUsers(*other); });
     item->setMode(wasUsers ? Mode::user : mode);
-    return changeOf(m_task, *found.store, item, true);
+    return Pending::of(m_task, *found.store, item, true);
 }
 
 HSCPlazPendingChange HSCPlazItemChanges::toRemoval(const HSCPlazFoundItem& found, const std::string& dir) const {
-    const auto item = toRecord(*found.item->getModel());
+    const auto item = Pending::toRecord(*found.item->getModel());
     item->setLocalDir(dir);
-    return changeOf(m_task, *found.store, item, false);
+    return Pending::of(m_task, *found.store, item, false);
 }
 
 bool HSCPlazItemChanges::announce(const HSCPlazPendingChange& change) {
@@ -384,7 +337,7 @@ void HSCPlazItemChanges::restoreShipped(const HSCPlazFoundItem& found) const {
 std::optional<HSCPlazPendingChange> HSCPlazItemChanges::readNote() const {
     const auto note = m_note.read();
     const HSCPlazQStore* store = note ? m_task.getHub().getStore(note->store) : nullptr;
-    return store ? moved(*note, areaOf(m_task, *store)) : note;
+    return store ? Pending::moved(m_task, *store, *note) : note;
 }
 
 void HSCPlazItemChanges::finishInterrupted() {
@@ -422,7 +375,7 @@ void HSCPlazItemChanges::finishInterrupted() {
         return;
     }
     const HSCPlazFoundItem known{store, store->getItem(name, change.item->getRevision())};
-    if (isRecorded(known, change)) {
+    if (Pending::isRecorded(known, change)) {
         describeReturned(m_task, *store);
         return finishFormer(known, change);
     }
