@@ -47,8 +47,8 @@ bool isPlainlyBeneath(const std::string& root, const std::string& path) {
         if (name.empty() || name.back() == '.' || name.back() == ' ') return false;
         Error error;
         const fs::file_type type = fs::symlink_status(toSystemName(path.substr(0, end)), error).type();
-        const bool isLast = type == fs::file_not_found && begin != start.size();
-        if (isLast) return path.find("/.", end) == std::string::npos;
+        const bool isRestNew = type == fs::file_not_found && begin != start.size();
+        if (isRestNew) return path.find("/.", end) == std::string::npos;
         if (type != fs::directory_file && type != fs::regular_file) return false;
     }
     return true;

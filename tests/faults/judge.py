@@ -71,11 +71,12 @@ class Origin:
 
 def read_home(directory, origin):
     """Of a program that was killed; what it had started may end a moment later."""
-    while True:
+    for _ in range(50):
         try:
             return Home(directory, origin)
         except FileNotFoundError:
             time.sleep(0.1)
+    return Home(directory, origin)
 
 
 class Home:
