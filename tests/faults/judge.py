@@ -4,6 +4,7 @@ import collections
 import functools
 import hashlib
 import json
+import os
 import re
 import time
 from typing import NamedTuple
@@ -109,7 +110,9 @@ class Home:
                 self.files[path] = self.read_relative(file)
 
     def read_relative(self, file):
-        return functools.reduce(lambda text, name: text.replace(name, b"@"), self.names, file.read_bytes())
+        # A link may point nowhere: git makes such a one to find out whether it can.
+        content = os.readlink(os.fsencode(file)) if file.is_symlink() else file.read_bytes()
+        return functools.reduce(lambda text, name: text.replace(name, b"@"), self.names, content)
 
     def read(self, file, take):
         try:
