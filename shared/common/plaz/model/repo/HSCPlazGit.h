@@ -140,7 +140,8 @@ public:
 
     /// Runs one git command and waits for it; a command that fails is run once more.
     ///
-    /// In a directory that holds ".git" the setting http.sslVerify is false while the command runs and true afterwards.
+    /// In a directory that holds ".git" the setting http.sslVerify is false while the command runs and true afterwards;
+    /// it is left alone without git access.
     /// @param args          one git argument each, without the program
     /// @param workDir       where the command runs; must exist
     /// @param internalCall  leaves http.sslVerify alone
@@ -160,7 +161,8 @@ public:
     ///         (on Windows; elsewhere it writes into the file itself), -4 when it could not be started
     static int exec_git_win(const std::string& cmdLine, const std::string& workDir, const std::string& outFile,
                             std::uint32_t& exitCode);
-    /// Sets http.sslVerify ("true", "false") of the working copy in @p workDir, where there is one.
+    /// Sets http.sslVerify ("true", "false") of the working copy in @p workDir, where there is one. Nothing without git
+    /// access.
     /// @throws HEXAll as exec_git
     static void setSslVerify(const std::string& workDir, const std::string& value);
 

@@ -48,7 +48,8 @@ TEST_F(GitRunner, CommandThatFailsTwiceReportsItsErrorLines) {
     EXPECT_EQ(takeIds(), Names{}) << "nothing to tell but the exception";
 }
 
-// Fault: verification stays off, is switched without access, or a command runs outside the bracket.
+// Fault: verification stays off, is switched without access, the one way or the other, or a command runs outside the
+// bracket.
 TEST_F(GitRunner, TlsBracketSurroundsEachCommand) {
     temp.makeDir("work/.git");
     replaceGit("[ $1 != bad ]");
@@ -60,10 +61,11 @@ TEST_F(GitRunner, TlsBracketSurroundsEachCommand) {
     EXPECT_EQ(calls("bad", false), off + "bad\nbad\n" + on);
     EXPECT_EQ(calls("good", true), "good\n");
     setParam("plaz.enableGitAccess", "false");
-    EXPECT_EQ(calls("good", false), off + "good\n");
+    EXPECT_EQ(calls("good", false), "good\n");
 }
 
-// Faults: git runs in the wrong place, a missing git goes unnoticed, another product looks in the wrong place.
+// Faults: git runs in the wrong place, a missing git goes unnoticed, another product looks in the wrong place; the git
+// of the search path is not to be had, or one of the current directory is.
 TEST_F(GitRunner, NothingRunsWithoutProgramOrDirectory) {
     replaceGit("");
     EXPECT_EQ(thrownBy([this] { HSCPlazGit::exec_git({"clean"}, temp.path("missing"), false, ""); }), "17-1587");

@@ -240,12 +240,12 @@ int HSCPlazGitRunner::run(const std::vector<std::string>& args, const std::strin
         if (done.status != 0) fail(done);
         HUTSysCall::changeDir(startDir);
         trace("restore dir: ", HUTSysCall::getCurrDir());
-        if (!internalCall && HSCPlazGitParams::isAccessEnabled()) setSslVerify(workDir, "true");
+        if (!internalCall) setSslVerify(workDir, "true");
         return done.status;
     } catch (const std::exception& failure) {
         HUTSysCall::changeDir(startDir);
         trace(failure.what());
-        if (!internalCall && HSCPlazGitParams::isAccessEnabled()) restoreSslVerify(workDir);
+        if (!internalCall) restoreSslVerify(workDir);
         throw;
     }
 }
@@ -267,7 +267,8 @@ void HSCPlazGitRunner::configure(const std::string& dir, const std::string& key,
 }
 
 void HSCPlazGitRunner::setSslVerify(const std::string& workDir, const std::string& value) {
-    if (!HUTFile::isDirectory(workDir + "/" + HSCPlazStoreLayout::gitDir)) return;
+    if (!HSCPlazGitParams::isAccessEnabled() || !HUTFile::isDirectory(workDir + "/" + HSCPlazStoreLayout::gitDir))
+        return;
     configure(workDir, "http.sslVerify", value);
     HSCPlazDebugLog::write("set ssl verify " + value);
 }

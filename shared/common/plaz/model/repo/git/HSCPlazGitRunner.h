@@ -53,7 +53,7 @@ int run(const std::vector<std::string>& args, const std::string& workDir, bool i
 int runWithValue(std::vector<std::string> args, const std::string& value, const std::string& dir, bool internalCall);
 /// Records a setting of the working copy in @p dir, in the place of any before.
 void configure(const std::string& dir, const std::string& key, const std::string& value);
-/// Sets http.sslVerify of the working copy in @p workDir, where there is one.
+/// Sets http.sslVerify of the working copy in @p workDir, where there is one. Nothing without git access.
 void setSslVerify(const std::string& workDir, const std::string& value);
 
 /// Runs one complete command line (see HUTFork::splitCmdLine) in git's environment and waits for its end;
