@@ -4,6 +4,9 @@
 #include "support/HUTSysCall.h"
 #include "support/PlatformSystem.h"
 
+#include <boost/algorithm/string/predicate.hpp>
+#include <boost/filesystem/path.hpp>
+
 #include <algorithm>
 
 namespace {
@@ -24,15 +27,21 @@ std::string getAppRoot() {
     return HUTFile::getCanonicalName(root);
 }
 
-// The directories that a variable lists, or the one below the application root that stands in for them.
-std::vector<std::string> getRoots(const std::string& variable, const std::string& belowAppRoot) {
+std::vector<std::string> getListed(const std::string& variable) {
     const std::string list = HUTEnv::getEnv(variable);
-    std::vector<std::string> roots;
+    std::vector<std::string> directories;
     for (std::size_t begin = 0; begin < list.size();) {
         const std::size_t end = std::min(list.find(platform::pathListSeparator, begin), list.size());
-        if (end > begin) roots.push_back(HUTFile::getCanonicalName(list.substr(begin, end - begin)));
+        if (end > begin) directories.push_back(list.substr(begin, end - begin));
         begin = end + 1;
     }
+    return directories;
+}
+
+// The directories that a variable lists, or the one below the application root that stands in for them.
+std::vector<std::string> getRoots(const std::string& variable, const std::string& belowAppRoot) {
+    std::vector<std::string> roots = getListed(variable);
+    for (std::string& root : roots) root = HUTFile::getCanonicalName(root);
     if (roots.empty()) roots.push_back(join(getAppRoot(), belowAppRoot));
     return roots;
 }
@@ -103,6 +112,20 @@ std::string HUTEnv::getGDADataDir(const std::string& relative) {
 std::string HUTEnv::getGDATpsPath(const std::string& relative) {
     const std::string root = findRoot(getRoots("GDA_TPS_DIR", "tps"), relative);
     return root.empty() ? root : join(root, relative);
+}
+
+std::string HUTEnv::findProgram(const std::string& name) {
+    static const std::string ending = ".exe";
+    std::vector<std::string> names{name};
+    if (platform::programEnding.empty() && boost::algorithm::ends_with(name, ending))
+        names.push_back(name.substr(0, name.size() - ending.size()));
+    for (const std::string& dir : getListed("PATH")) {
+        // What the current directory holds is nobody's program.
+        if (!boost::filesystem::path(dir).is_absolute()) continue;
+        for (const std::string& file : names)
+            if (HUTFile::isRegularFile(join(dir, file))) return join(dir, file);
+    }
+    return {};
 }
 
 std::string HUTEnv::getHDIAppDataDir() {

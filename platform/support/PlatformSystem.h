@@ -10,6 +10,8 @@ namespace platform {
 
 /// Separates the directories of a list such as PATH.
 extern const char pathListSeparator;
+/// What the files of programs end in.
+extern const std::string programEnding;
 
 /// Absolute name of the file from which this library was loaded, links resolved; empty when it is unknown.
 const std::string& getLibraryFile();

@@ -23,6 +23,7 @@ std::string findLibraryFile() {
 } // namespace
 
 const char pathListSeparator = ':';
+const std::string programEnding;
 
 const std::string& getLibraryFile() {
     static const std::string file = findLibraryFile();

@@ -29,6 +29,7 @@ std::string findLibraryFile() {
 } // namespace
 
 const char pathListSeparator = ';';
+const std::string programEnding = ".exe";
 
 const std::string& getLibraryFile() {
     static const std::string file = findLibraryFile();

@@ -18,6 +18,9 @@ void registerAccessParams(HPAParamMgr& params) {
     params.registerIntParam("plaz.lockTimeout",
                             "Seconds to wait for another program that is at work on the hub (default: 1000)", 1000);
     params.setHidden("plaz.lockTimeout", true);
+    params.registerBoolParam("plaz.useGitOnSearchPath", "Use the git of the search path, not that of the installation",
+                             false);
+    params.setHidden("plaz.useGitOnSearchPath", true);
     params.registerBoolParam("plaz.enableDebugGit", "Enable git debugging for plaz", false);
     params.setHidden("plaz.enableDebugGit", true);
     params.registerStringParam(HSCPlazName::httpProxy, "Http proxy for plaz", "");

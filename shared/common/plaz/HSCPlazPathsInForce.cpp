@@ -7,6 +7,7 @@
 #include "plaz/model/HSCPlazModel.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/HSCPlazQStoreModel.h"
+#include "plaz/model/repo/git/HSCPlazGitParams.h"
 #include "plaz/model/repo/git/HSCPlazGitProgram.h"
 #include "plaz/store/HSCPlazPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
@@ -61,6 +62,7 @@ std::string chooserOfData() {
 }
 
 std::string chooserOfGit() {
+    if (HSCPlazGitParams::usesSearchPath()) return "along PATH (parameter plaz.useGitOnSearchPath)";
     if (!HSCPlazProduct::bringsTools()) return "in Solvan's installation";
     return chosenBy("GDA_TPS_DIR", chosenBy("GDA_APPROOT", "default: beside the library"));
 }

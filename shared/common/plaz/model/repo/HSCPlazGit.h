@@ -166,7 +166,8 @@ public:
     /// @throws HEXAll as exec_git
     static void setSslVerify(const std::string& workDir, const std::string& value);
 
-    /// Where git is; empty when it is nowhere. Looked up afresh at each call.
+    /// Where git is: in the installation, or along PATH while the parameter "plaz.useGitOnSearchPath" is on; empty when
+    /// it is nowhere. Looked up afresh at each call.
     static std::string getGitExePath();
     /// Seconds after which a command is killed: the parameter "plaz.gitTimeOut", else 100.
     static int getGitTimeOut();

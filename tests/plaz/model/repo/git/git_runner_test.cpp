@@ -1,6 +1,8 @@
 #include "plaz/model/repo/git/git_fixture.h"
 
 #include "plaz/model/repo/git/HSCPlazGitLog.h"
+#include "plaz/model/repo/git/HSCPlazGitRunner.h"
+#include "support/HUTEnv.h"
 
 #include <chrono>
 #include <thread>
@@ -77,6 +79,15 @@ TEST_F(GitRunner, NothingRunsWithoutProgramOrDirectory) {
     env.set("HOMEDRIVE", temp.path("drive"));
     env.set("GDA_DEVKIT", "kit");
     EXPECT_EQ(HSCPlazGit::getGitExePath(), temp.path("drive/cygwin/kit/win64/git-2.45.0/cmd/git.exe"));
+    EXPECT_EQ(run("fetch"), "17-1928");
+    const HSCPlazGitAnswer answer = HSCPlazGitRunner::ask({"x"}, work);
+    EXPECT_NE(answer.getReason().find("plaz.useGitOnSearchPath"), std::string::npos) << answer.getReason();
+    setParam("plaz.useGitOnSearchPath", "true");
+    for (const char* dir : {"cwd", "bin"}) writeScript(std::string(dir) + "/git.exe", "");
+    const std::string separator = test_system::pathListSeparator;
+    env.set("PATH", "." + separator + temp.path("bin") + separator + HUTEnv::getEnv("PATH"));
+    EXPECT_EQ(HSCPlazGit::getGitExePath(), temp.path("bin/git.exe"));
+    EXPECT_EQ(run("fetch"), "nothing");
 }
 
 // Fault: a current directory that is gone stops every command, or sends one elsewhere.

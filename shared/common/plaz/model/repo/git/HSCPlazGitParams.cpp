@@ -20,6 +20,10 @@ bool HSCPlazGitParams::isRemoteAccessEnabled() {
     return HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableRemoteAccess");
 }
 
+bool HSCPlazGitParams::usesSearchPath() {
+    return HPAParamMgr::getParamMgr().getValueAsBool("plaz.useGitOnSearchPath");
+}
+
 bool HSCPlazGitParams::mayAsk() {
     return HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableAskPassForPrivateRepo");
 }

@@ -13,6 +13,8 @@ bool isDebug();
 bool isAccessEnabled();
 /// The parameter "plaz.enableRemoteAccess".
 bool isRemoteAccessEnabled();
+/// git is the one along PATH: the parameter "plaz.useGitOnSearchPath".
+bool usesSearchPath();
 /// git may open dialogs: the parameter "plaz.enableAskPassForPrivateRepo".
 bool mayAsk();
 /// Where board stores are, instead of where their metadata says; empty for there.

@@ -1,5 +1,6 @@
 #include "plaz/model/repo/git/HSCPlazGitProgram.h"
 
+#include "plaz/base/HSCPlazMsg.h"
 #include "plaz/base/HSCPlazProduct.h"
 #include "plaz/model/repo/git/HSCPlazGitTrace.h"
 #include "support/HUTEnv.h"
@@ -14,6 +15,7 @@ using HSCPlazGitTrace::trace;
 namespace {
 
 constexpr const char* gitRelativePath = "win64/git-2.45.0/cmd/git.exe";
+constexpr const char* gitBareName = "git.exe";
 constexpr const char* helperRelativePath = "bin/zenproxy.exe";
 
 /// In the main tool's installation, which stands beside the running product's.
@@ -27,17 +29,27 @@ std::string inKit() {
         .generic_string();
 }
 
+std::string inInstallation() {
+    if (HSCPlazProduct::bringsTools()) return HUTEnv::getGDATpsPath(gitRelativePath);
+    const std::string path = inMainTool(std::string("tps/") + gitRelativePath);
+    return path.empty() ? inKit() : path;
+}
+
 } // namespace
 
 std::string HSCPlazGitProgram::find() {
-    std::string path = HSCPlazProduct::bringsTools() ? HUTEnv::getGDATpsPath(gitRelativePath)
-                                                     : inMainTool(std::string("tps/") + gitRelativePath);
-    if (path.empty() && !HSCPlazProduct::bringsTools()) path = inKit();
+    std::string path = HSCPlazGitParams::usesSearchPath() ? HUTEnv::findProgram(gitBareName) : inInstallation();
     trace("get exec path:", path);
     trace("get gitdir path:", path);
     path = HUTFile::getCanonicalName(path);
     trace("Git path : ", path);
     return path;
+}
+
+std::string HSCPlazGitProgram::require() {
+    std::string program = find();
+    if (HUTFile::exists(program)) return program;
+    throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::gitNotFound));
 }
 
 std::string HSCPlazGitProgram::findCertificates() {

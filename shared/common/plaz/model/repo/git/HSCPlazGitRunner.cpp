@@ -180,8 +180,7 @@ Run runHere(const std::vector<std::string>& args, const std::string& workDir, co
             CommandLog& log) {
     HUTFork git;
     git.dontUseHDLDPath();
-    const std::string program = HSCPlazGitProgram::find();
-    if (program.empty()) throw HSCPlazGitFailure(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::gitNotFound), {});
+    const std::string program = HSCPlazGitProgram::require();
     log.choose(workDir, startDir);
     git.setLogFile(log.getFile());
     HSCPlazDebugLog::inside(execGit, " gitdir : ", program);
@@ -287,7 +286,12 @@ int HSCPlazGitRunner::runDirect(const std::string& cmdLine, const std::string& w
 }
 
 HSCPlazGitAnswer HSCPlazGitRunner::ask(const std::vector<std::string>& args, const std::string& workDir) {
-    std::vector<std::string> words{HSCPlazGitProgram::find()};
+    std::vector<std::string> words;
+    try {
+        words.push_back(HSCPlazGitProgram::require());
+    } catch (const HEXAll& failure) {
+        return {HUTFork::notStarted, std::string("fatal: ") + failure.what()};
+    }
     words.insert(words.end(), args.begin(), args.end());
     const HSCPlazGitRemoved outFile(HUTFile::getTemporaryName(".log"));
     HUTFork process;

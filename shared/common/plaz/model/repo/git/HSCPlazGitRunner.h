@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-/// A git command that failed for good: Msg::gitFailed, or Msg::gitNotFound where there is no git.
+/// A git command that failed for good: Msg::gitFailed.
 class HSCPlazGitFailure : public HEXAll {
 public:
     HSCPlazGitFailure(const ComMsgMgrInstance& message, HSCPlazReport details)
@@ -44,7 +44,7 @@ namespace HSCPlazGitRunner {
 /// @param internalCall  leaves http.sslVerify alone
 /// @param logFile       receives the command's output; empty: a file in @p workDir that is gone afterwards
 /// @return 0
-/// @throws HSCPlazGitFailure when the command failed twice or was cancelled
+/// @throws HSCPlazGitFailure when the command failed twice or was cancelled, HEXAll Msg::gitNotFound
 int run(const std::vector<std::string>& args, const std::string& workDir, bool internalCall = false,
         const std::string& logFile = "");
 /// The same of a command that records @p value, its last argument, in the configuration of @p dir. A user part in the

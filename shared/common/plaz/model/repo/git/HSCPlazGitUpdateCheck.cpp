@@ -30,7 +30,7 @@ bool fitsCommandLine(const std::string& url) {
 std::uint32_t run(const std::string& arguments, const std::string& dir, const std::string& output) {
     std::uint32_t exitCode = 0;
     // RATIONALE: the program stands unquoted, as it always has; the runner finds its end.
-    if (HSCPlazGitRunner::runDirect(HSCPlazGitProgram::find() + arguments, dir, output, exitCode,
+    if (HSCPlazGitRunner::runDirect(HSCPlazGitProgram::require() + arguments, dir, output, exitCode,
                                     HSCPlazGitParams::getTimeOut()) == 0)
         return exitCode;
     trace("Error : exec_git_win");
