@@ -92,6 +92,7 @@ inline constexpr MsgId<1> needsUnreadable{"@17-2250@%s"};        ///< database, 
 inline constexpr MsgId<2> storeFileMisplaced{"@17-2251@%s%s"};   ///< store, file
 inline constexpr MsgId<2> changeWaits{"@17-2253@%s%s"};          ///< store, note
 inline constexpr MsgId<1> recordAway{"@17-2254@%s"};             ///< directory
+inline constexpr MsgId<0> gitAccessOff{"@17-2255@"};
 /// directory, store, what to make in it
 inline constexpr MsgId<3> placeOfNoStoreMissing{"@17-2252@%s%s%s"};
 inline constexpr MsgId<1> hubUnlocked{"@17-2240@%s"};     ///< lock file

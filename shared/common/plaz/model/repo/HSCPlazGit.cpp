@@ -157,8 +157,9 @@ bool HSCPlazGit::checkAskPass(const std::string& dir, const HSCPlazQStoreModel* 
 }
 
 bool HSCPlazGit::setRemote(const std::string& dir, const HSCPlazQStoreModel& store) {
-    return deliver(HSCPlazGitOutcome::of(
-        [&](HSCPlazReport&) { return HSCPlazGitRemote::set(dir, store.getName(), inHub(store).access); }));
+    return deliver(HSCPlazGitOutcome::of([&](HSCPlazReport& report) {
+        return HSCPlazGitRemote::set(dir, store.getName(), inHub(store).access, report);
+    }));
 }
 
 std::string HSCPlazGit::getRemoteUrl(const std::string& dir) {

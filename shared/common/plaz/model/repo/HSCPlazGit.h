@@ -32,8 +32,8 @@ public:
     /// @param model  the item; null, another kind of model or one of an unknown store gives false
     /// @return false, with what was installed untouched, when nothing was placed
     /// @throws HEXAll Msg::fetchedItemInvalid when the fetched metadata file cannot be trusted, and as exec_git
-    /// Sends Msg::remoteAccessOff, commitIdMissing, commitGone (in the remote, too), itemRefused, storeRefused,
-    /// dirNotWritable and what exec_git sends.
+    /// Sends Msg::remoteAccessOff, gitAccessOff, commitIdMissing, commitGone (in the remote, too), itemRefused,
+    /// storeRefused, dirNotWritable and what exec_git sends.
     bool install(HSCPlaz* hub, HSCPlazBaseModel* model) override;
     /// Does nothing. @return true
     bool update(HSCPlazBaseModel* model) override;
@@ -45,8 +45,9 @@ public:
     /// @param model  a store model; null and other models give false
     /// @return true also when there is nothing to fetch: a store that is not for the running product, or without items
     /// @throws HEXAll as exec_git; nothing is left in the staging directory then
-    /// Sends Msg::remoteAccessOff, storeRefused, itemRefused (the item is left out), dirNotWritable, branchReplaced
-    /// (once in a process until the branch is there again), branchMissing, repositoryEmpty and what exec_git sends.
+    /// Sends Msg::remoteAccessOff, gitAccessOff, storeRefused, itemRefused (the item is left out), dirNotWritable,
+    /// branchReplaced (once in a process until the branch is there again), branchMissing, repositoryEmpty and what
+    /// exec_git sends.
     bool updateCatalog(HSCPlazBaseModel* model) override;
     virtual ~HSCPlazGit();
 
@@ -69,13 +70,14 @@ public:
     /// @param bInternet  fetch even a complete working copy of the right URL
     /// @return non-zero when done; 0 leaves no staging directory
     /// @throws HEXAll as exec_git
-    /// Sends Msg::storeRefused for a URL that git is not given, Msg::dirNotWritable and what exec_git sends.
+    /// Sends Msg::storeRefused for a URL that git is not given, Msg::gitAccessOff, Msg::dirNotWritable and what
+    /// exec_git sends.
     static int cloneOrUpdateRepoForStore(const HSCPlazQStoreModel* store, bool bInternet);
     /// Makes @p stagingDir afresh: a working copy of the hub's own repository, nothing checked out. On failure it may
     /// hold a part of one. User id and token may be empty.
     /// @return false without git access, or when @p stagingDir cannot be written
     /// @throws HEXAll as exec_git
-    /// Sends Msg::dirNotWritable and what exec_git sends.
+    /// Sends Msg::gitAccessOff, Msg::dirNotWritable and what exec_git sends.
     static bool cloneRepoForHub(const std::string& root, const std::string& stagingDir, const std::string& url,
                                 const std::string& userId, const std::string& token);
     /// Clones a repository into @p dir, a directory of the hub's own, and checks out @p branch (empty: "master"), or
@@ -84,9 +86,8 @@ public:
     ///
     /// @param url    without credentials; those of the configuration file are added
     /// @param proxy  for this clone; empty: the one that setProxy(dir) finds
-    /// @throws HEXAll Msg::storeRefused for a URL or branch that git is not given, Msg::dirNotWritable, Msg::gitFailed
-    /// without git access, and as exec_git
-    /// Sends Msg::clonedRepo and what exec_git sends.
+    /// @throws HEXAll Msg::storeRefused for a URL or branch that git is not given, Msg::dirNotWritable,
+    /// Msg::gitAccessOff and as exec_git Sends Msg::clonedRepo and what exec_git sends.
     static void cloneRepo(const std::string& url, const std::string& dir, const std::string& branch,
                           const std::string& proxy);
     /// Pulls @p branch (empty: "master") from @p url into the clone in @p dir, only ever forward, and checks it out, or
@@ -120,11 +121,11 @@ public:
     static void config_credential_helper(const std::string& dir);
     /// Warns of a private store without credentials where git may not ask for them, then registers the remote and
     /// fetches (setRemote). @param store  null gives false
-    /// Sends Msg::credentialsMissing and what exec_git sends. @throws HEXAll as exec_git
+    /// Sends Msg::credentialsMissing, Msg::gitAccessOff and what exec_git sends. @throws HEXAll as exec_git
     static bool checkAskPass(const std::string& dir, const HSCPlazQStoreModel* store);
 
     /// Registers the store's URL, with its credentials, as "origin" in @p dir and fetches. @return false without git
-    /// access; nothing is done then
+    /// access (Msg::gitAccessOff is sent); nothing is done then
     /// @throws HEXAll as exec_git
     static bool setRemote(const std::string& dir, const HSCPlazQStoreModel& store);
     /// The URL of "origin" recorded in @p dir; empty when there is none or the file cannot be read. Runs no process.

@@ -150,7 +150,8 @@ TEST_F(GitClone, BoardStoreFollowsItsParameter) {
     EXPECT_TRUE(load(model));
 }
 
-// Faults: git is given a URL, branch or path that makes it do something else; switched-off access is used.
+// Faults: git is given a URL, branch or path that makes it do something else; switched-off access is used, or nobody is
+// told that it is off.
 TEST_F(GitClone, NothingRunsForARefusedStoreOrWithoutAccess) {
     const auto refuses = [this](const std::string& storeUrl, const std::string& branch, const std::string& file) {
         model.setUrl(storeUrl);
@@ -165,7 +166,10 @@ TEST_F(GitClone, NothingRunsForARefusedStoreOrWithoutAccess) {
     EXPECT_FALSE(load(model, {}));
     EXPECT_FALSE(HUTFile::exists(index));
     setParam("plaz.enableGitAccess", "false");
-    EXPECT_FALSE(load(model));
+    hubModel.setRemoteRepository(remote.getDir());
+    EXPECT_FALSE(load(model) || load(hubModel) || HSCPlazGit::setRemote(remote.getDir(), model));
+    EXPECT_EQ(thrownBy([this] { HSCPlazGit::cloneRepo(remote.getDir(), clone, "", ""); }), "17-2255");
+    EXPECT_EQ(takeIds(), (Names{"17-2255", "17-2255", "17-2255"}));
     EXPECT_FALSE(HSCPlazStoreLayout::isComplete(index));
     setParam("plaz.enableRemoteAccess", "false");
     EXPECT_FALSE(load(model) || git.updateCatalog(&model));

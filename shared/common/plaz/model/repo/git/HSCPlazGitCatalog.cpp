@@ -224,5 +224,5 @@ bool HSCPlazGitCatalog::cloneHub(const std::string& root, const std::string& sta
         report.add(Msg::dirNotWritable, MsgSeverity::error, staging);
         return false;
     }
-    return HSCPlazGitRemote::set(staging, root, credentials.putInto(url));
+    return HSCPlazGitRemote::set(staging, root, credentials.putInto(url), report);
 }

@@ -29,7 +29,7 @@ HSCPlazGitOutcome loadItemFiles(const HSCPlazGitStore& store);
 
 /// Makes @p staging afresh: a working copy of the hub's own repository, nothing checked out. On failure it may hold a
 /// part of one.
-/// @return false without git access, or when @p staging cannot be written
+/// @return false without git access (Msg::gitAccessOff), or when @p staging cannot be written (dirNotWritable)
 bool cloneHub(const std::string& root, const std::string& staging, const std::string& url,
               const HSCPlazGitCredentials& credentials, HSCPlazReport& report);
 

@@ -53,8 +53,8 @@ void makeClone(const std::string& access, const std::string& dir, const std::str
     requireDone(HUTFile::mkDirRecursive(dir) && HUTFile::rmRecursive(gitDir.getName()), dir);
     requireDone(HSCPlazGitSettings::initWorkingCopy(dir), dir);
     HSCPlazGitSettings::setProxy(dir, proxy);
-    if (!HSCPlazGitRemote::set(dir, dir, access))
-        throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::gitFailed));
+    HSCPlazReport denied;
+    if (!HSCPlazGitRemote::set(dir, dir, access, denied)) throw HEXAll(*denied.findProblem());
     checkOutOrMaster(dir, branch);
     requireDone(HSCPlazStoreLayout::markComplete(dir), dir);
     gitDir.keep();

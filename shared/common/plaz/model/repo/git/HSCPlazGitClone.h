@@ -14,8 +14,8 @@ namespace HSCPlazGitClone {
 /// @param proxy   for this clone; empty: the one in force
 /// @param config  null for none
 /// @return false, with nothing done, when @p dir holds a complete clone
-/// @throws HEXAll Msg::storeRefused for a URL or branch that git is not given, Msg::dirNotWritable, Msg::gitFailed
-/// without git access, and as HSCPlazGitRunner::run
+/// @throws HEXAll Msg::storeRefused for a URL or branch that git is not given, Msg::dirNotWritable, Msg::gitAccessOff
+/// and as HSCPlazGitRunner::run
 bool clone(const std::string& url, const std::string& dir, const std::string& branch, const std::string& proxy,
            const HSCPlazCfgModel* config);
 /// Pulls @p branch (empty: "master") from @p url into the clone in @p dir, only ever forward, and checks it out, or

@@ -22,11 +22,13 @@ template <typename Step> int runStep(const char* failureText, Step step) {
 
 } // namespace
 
-bool HSCPlazGitRemote::set(const std::string& dir, const std::string& name, const std::string& url) {
+bool HSCPlazGitRemote::set(const std::string& dir, const std::string& name, const std::string& url,
+                           HSCPlazReport& report) {
     static constexpr const char* remoteFailed = "Failed to set remote branch origin";
     trace("Inside setRemote method - setting remote for store - ", name);
     if (!HSCPlazGitParams::isAccessEnabled()) {
         trace(remoteFailed);
+        report.add(Msg::gitAccessOff, MsgSeverity::error);
         return false;
     }
     const int added = runStep(remoteFailed, [&] {
@@ -42,7 +44,7 @@ bool HSCPlazGitRemote::set(const std::string& dir, const std::string& name, cons
 bool HSCPlazGitRemote::set(const std::string& dir, const HSCPlazGitStore& store, HSCPlazReport& report) {
     if (!HSCPlazGitParams::mayAsk() && store.model.isPrivateRepository() && !store.hasCredentials)
         report.add(Msg::credentialsMissing, MsgSeverity::warning, store.model.getName());
-    return set(dir, store.model.getName(), store.access);
+    return set(dir, store.model.getName(), store.access, report);
 }
 
 HSCPlazGitAnswer HSCPlazGitRemote::ask(const std::string& url, const std::string& access, const std::string& workDir) {

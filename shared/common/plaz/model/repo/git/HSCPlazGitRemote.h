@@ -12,9 +12,9 @@ namespace HSCPlazGitRemote {
 /// Registers a repository as "origin" in @p dir and fetches.
 /// @param name  as it is called in traces
 /// @param url   with credentials, where there are any
-/// @return false without git access; nothing is done then
+/// @return false without git access (Msg::gitAccessOff); nothing is done then
 /// @throws HEXAll as HSCPlazGitRunner::run
-bool set(const std::string& dir, const std::string& name, const std::string& url);
+bool set(const std::string& dir, const std::string& name, const std::string& url, HSCPlazReport& report);
 /// Warns of a private store without credentials where git may not ask for them (Msg::credentialsMissing), and does
 /// that.
 bool set(const std::string& dir, const HSCPlazGitStore& store, HSCPlazReport& report);

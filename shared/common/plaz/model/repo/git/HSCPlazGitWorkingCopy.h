@@ -19,7 +19,8 @@ namespace HSCPlazGitWorkingCopy {
 /// Makes the staging directory a copy of the working copy, which is created, made afresh (another URL, never completed)
 /// or fetched first. Of a store without a remote it is taken as it is, while it is complete.
 /// @param isFetched  fetch even a complete working copy of the right URL
-/// @param report     Msg::storeRefused for a URL that git is not given, dirNotWritable, credentialsMissing
+/// @param report     Msg::storeRefused for a URL that git is not given, dirNotWritable, gitAccessOff,
+/// credentialsMissing
 /// @return false leaves no staging directory
 /// @throws HEXAll as HSCPlazGitRunner::run
 bool stage(const HSCPlazGitStore& store, bool isFetched, HSCPlazReport& report);
