@@ -216,11 +216,16 @@ TEST_F(GitClone, PlainCloneAndUpdate) {
     EXPECT_EQ(content(), "next");
 }
 
-// Faults: a whole repository for the hub's files, a failure that leaves half of them, a root that leads out is obeyed.
+// Faults: a whole repository for the hub's files, a failure that leaves half of them, a root that leads out is obeyed;
+// a message about the repository of nothing.
 TEST_F(GitClone, HubFilesAloneAreFetched) {
     hubModel.setRemoteRepository(remote.getDir());
     EXPECT_TRUE(load(hubModel));
     EXPECT_EQ(HUTFile::createFileIter(hubStaging), (Names{".git", "catalog.json"}));
+    hubModel.setRemoteRepository(GitRepo(temp.path("empty")).getDir());
+    EXPECT_FALSE(load(hubModel));
+    ASSERT_EQ(messages.size(), 1U);
+    EXPECT_EQ(messages[0].id + messages[0].args[0], "17-2172hub");
     hubModel.setRemoteRepository(temp.path("gone"));
     EXPECT_EQ(thrownBy([this] { load(hubModel); }), "17-1587");
     EXPECT_FALSE(HUTFile::exists(hubStaging));

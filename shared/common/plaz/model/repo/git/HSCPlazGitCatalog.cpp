@@ -27,18 +27,18 @@ using Files = std::vector<std::string>;
 
 namespace {
 
-bool refuse(const HSCPlazBaseModel& owner, const std::string& reason, HSCPlazReport& report) {
-    report.add(Msg::storeRefused, MsgSeverity::error, owner.getName(), reason);
+bool refuse(const std::string& owner, const std::string& reason, HSCPlazReport& report) {
+    report.add(Msg::storeRefused, MsgSeverity::error, owner, reason);
     return false;
 }
 
 bool acceptBranch(const HSCPlazQStoreModel& store, HSCPlazReport& report) {
     const std::string branch = store.getBranchOrMaster();
     return HSCPlazTrust::isSafeRef(branch) ||
-           refuse(store, "its branch \"" + branch + "\" is not the name of a branch", report);
+           refuse(store.getName(), "its branch \"" + branch + "\" is not the name of a branch", report);
 }
 
-bool acceptFiles(const HSCPlazBaseModel& owner, const Files& files, HSCPlazReport& report) {
+bool acceptFiles(const std::string& owner, const Files& files, HSCPlazReport& report) {
     for (const std::string& file : files)
         if (!HSCPlazTrust::isSafeRelativePath(file))
             return refuse(owner, "its catalog file \"" + file + "\" does not lie in its repository", report);
@@ -72,20 +72,20 @@ bool requireRemoteAccess(HSCPlazReport& report) {
 }
 
 // A refresh comes here for the catalog and again for what the items say of themselves; it is told once all the same.
-void warnOnce(const HSCPlazBaseModel& owner, const std::string& staging, const std::string& wanted, bool isThere,
+void warnOnce(const std::string& owner, const std::string& staging, const std::string& wanted, bool isThere,
               HSCPlazReport& report) {
     static std::set<std::string> told;
     const std::string key = staging + '\n' + wanted;
     if (isThere)
         told.erase(key);
     else if (told.insert(key).second)
-        report.add(Msg::branchReplaced, MsgSeverity::warning, owner.getName(), wanted);
+        report.add(Msg::branchReplaced, MsgSeverity::warning, owner, wanted);
 }
 
-bool tellNoBranch(const HSCPlazBaseModel& owner, const std::string& wanted, Files branches, HSCPlazReport& report) {
+bool tellNoBranch(const std::string& owner, const std::string& wanted, Files branches, HSCPlazReport& report) {
     static constexpr std::size_t shownBranches = 10;
     if (branches.empty()) {
-        report.add(Msg::repositoryEmpty, MsgSeverity::error, owner.getName());
+        report.add(Msg::repositoryEmpty, MsgSeverity::error, owner);
         return false;
     }
     const bool isCut = branches.size() > shownBranches;
@@ -93,12 +93,12 @@ bool tellNoBranch(const HSCPlazBaseModel& owner, const std::string& wanted, File
     const bool isMain = wanted.empty() || wanted == mainBranch;
     const std::string lacked = isMain ? "\"master\"" : '"' + wanted + "\" and no \"master\" either";
     const std::string names = boost::algorithm::join(branches, ", ") + (isCut ? ", ..." : "");
-    report.add(Msg::branchMissing, MsgSeverity::error, owner.getName(), lacked, names);
+    report.add(Msg::branchMissing, MsgSeverity::error, owner, lacked, names);
     return false;
 }
 
-bool checkOutFiles(const HSCPlazBaseModel& owner, const std::string& staging, const Files& files,
-                   const std::string& wanted, HSCPlazReport& report) {
+bool checkOutFiles(const std::string& owner, const std::string& staging, const Files& files, const std::string& wanted,
+                   HSCPlazReport& report) {
     const std::string branch = HSCPlazGitHead::findBranch(staging, wanted);
     if (branch.empty()) return tellNoBranch(owner, wanted, HSCPlazGitHead::listBranches(staging), report);
     warnOnce(owner, staging, wanted, wanted.empty() || branch == wanted, report);
@@ -127,7 +127,8 @@ bool stageFiles(const HSCPlazGitStore& store, const Files& files, HSCPlazReport&
     const auto attempt = [&] {
         HSCPlazGitRemoved staging(store.layout.getStaging());
         if (!HSCPlazGitWorkingCopy::stage(store, true, report)) return false;
-        if (!checkOutFiles(store.model, staging.getName(), files, store.model.getBranch(), report)) return false;
+        if (!checkOutFiles(store.model.getName(), staging.getName(), files, store.model.getBranch(), report))
+            return false;
         staging.keep();
         return true;
     };
@@ -151,12 +152,14 @@ void traceStore(const HSCPlazGitStore& store) {
     trace("Product Info :\n\t Product Name: ", product.name, ".\n\t Product Release : ", product.version);
 }
 
+/// Messages call the hub's own repository by the hub's root, for it has no other name.
 bool acceptHub(const HSCPlazModel& hub, const Files& files, HSCPlazReport& report) {
+    const std::string& root = hub.getRoot();
     const std::string refusal = HSCPlazGitUrl::findRefusal(hub.getRemoteRepository());
-    if (!refusal.empty()) return refuse(hub, refusal, report);
-    if (!acceptFiles(hub, files, report)) return false;
-    return hub.getRoot().empty() || HSCPlazTrust::isSafeRelativePath(hub.getRoot()) ||
-           refuse(hub, "its root \"" + hub.getRoot() + "\" leads elsewhere", report);
+    if (!refusal.empty()) return refuse(root, refusal, report);
+    if (!acceptFiles(root, files, report)) return false;
+    return root.empty() || HSCPlazTrust::isSafeRelativePath(root) ||
+           refuse(root, "its root \"" + root + "\" leads elsewhere", report);
 }
 
 } // namespace
@@ -168,7 +171,7 @@ HSCPlazGitOutcome HSCPlazGitCatalog::loadFiles(const HSCPlazGitStore& store, con
             trace("No catalog files provided to fetch.");
             return false;
         }
-        if (!acceptBranch(store.model, report) || !acceptFiles(store.model, files, report)) return false;
+        if (!acceptBranch(store.model, report) || !acceptFiles(store.model.getName(), files, report)) return false;
         trace("storePath = ", store.layout.getStaging());
         return stageFiles(store, files, report);
     });
@@ -188,7 +191,7 @@ HSCPlazGitOutcome HSCPlazGitCatalog::loadHubFiles(const HSCPlazModel& hub, const
         const HSCPlazGitCredentials credentials = HSCPlazGitCredentials::ofHub(config, url);
         HSCPlazGitRemoved removed(staging);
         if (!cloneHub(hub.getRoot(), staging, url, credentials, report)) return false;
-        if (!checkOutFiles(hub, staging, files, "", report)) return false;
+        if (!checkOutFiles(hub.getRoot(), staging, files, "", report)) return false;
         removed.keep();
         return true;
     });
