@@ -90,9 +90,10 @@ public:
     /// Msg::gitAccessOff and as exec_git Sends Msg::clonedRepo and what exec_git sends.
     static void cloneRepo(const std::string& url, const std::string& dir, const std::string& branch,
                           const std::string& proxy);
-    /// Pulls @p branch (empty: "master") from @p url into the clone in @p dir, only ever forward, and checks it out, or
-    /// "master" where that fails. A clone of another URL is told the new one.
-    /// @throws HEXAll as cloneRepo; the clone then stands where it stood
+    /// Moves @p branch (empty: "master") of the clone in @p dir to where it stands at @p url, only ever forward, and
+    /// checks it out, or "master" where that fails. No other branch moves, whichever is checked out. A clone of another
+    /// URL is told the new one.
+    /// @throws HEXAll as cloneRepo; what is checked out is then as it was
     static void updateRepo(const std::string& dir, const std::string& url, const std::string& branch);
     /// Whether the remote branch has moved past the last commit of the clone in @p cloneDir. Fetches nothing.
     ///

@@ -193,7 +193,8 @@ TEST_F(GitClone, CatalogUpdateFetchesItemFiles) {
     EXPECT_EQ(takeIds(), Names{"17-2160"});
 }
 
-// Faults: a half-made clone counts as one, a branch that is missing ends the work, an update goes to the old place.
+// Faults: a half-made clone counts as one, a branch that is missing ends the work, an update goes to the old place, or
+// moves another branch that happens to be checked out.
 TEST_F(GitClone, PlainCloneAndUpdate) {
     const auto content = [this] { return readFile(clone + "/catalog.json"); };
     EXPECT_EQ(thrownBy([this] { HSCPlazGit::cloneRepo(temp.path("gone"), clone, "", ""); }), "17-1587");
@@ -206,14 +207,19 @@ TEST_F(GitClone, PlainCloneAndUpdate) {
     EXPECT_EQ(content(), "1");
     fs::rename(remote.getDir(), temp.path("moved"));
     GitRepo moved(temp.path("moved"));
-    for (const char* branch : {"master", "next"}) {
-        moved.git({"checkout", "-B", branch});
-        moved.write("catalog.json", branch).commit();
+    for (const std::string line : {"branch next", "branch ahead", "checkout --orphan other", "commit --message=other"})
+        moved.git(HUTFork::splitCmdLine(line));
+    std::string text = "1";
+    for (const char* branch : {"master", "ahead", "next", "next", "other", "master"}) {
+        moved.git({"checkout", branch});
+        moved.write("catalog.json", text += branch).commit();
         HSCPlazGit::updateRepo(clone, moved.getDir(), branch);
-        EXPECT_EQ(content(), branch);
+        EXPECT_EQ(content(), text);
     }
+    for (const char* branch : {"master", "ahead", "next", "other"})
+        EXPECT_EQ(GitRepo(clone).git({"rev-parse", branch}), moved.git({"rev-parse", branch})) << branch;
     EXPECT_EQ(thrownBy([&] { HSCPlazGit::updateRepo(clone, moved.getDir(), "gone"); }), "17-1587");
-    EXPECT_EQ(content(), "next");
+    EXPECT_EQ(content(), text);
 }
 
 // Faults: a whole repository for the hub's files, a failure that leaves half of them, a root that leads out is obeyed;

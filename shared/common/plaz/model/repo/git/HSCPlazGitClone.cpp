@@ -48,6 +48,14 @@ void checkOutOrMaster(const std::string& dir, const std::string& branch) {
     trace("successfully checked out master branch.");
 }
 
+// RATIONALE: git merges what it pulls into the branch that is checked out, whichever that is. So the branch itself is
+// fetched into, where it only ever moves forward, and the merge is one of those that change nothing.
+void pull(const std::string& dir, const std::string& branch) {
+    HSCPlazGitRunner::run({"pull", "--no-rebase", "--squash", "--strategy=ours", "--allow-unrelated-histories",
+                           "origin", branch + ":" + branch},
+                          dir);
+}
+
 void makeClone(const std::string& access, const std::string& dir, const std::string& branch, const std::string& proxy) {
     HSCPlazGitRemoved gitDir(dir + "/" + HSCPlazStoreLayout::gitDir);
     requireDone(HUTFile::mkDirRecursive(dir) && HUTFile::rmRecursive(gitDir.getName()), dir);
@@ -88,6 +96,6 @@ void HSCPlazGitClone::update(const std::string& dir, const std::string& url, con
     const std::string access = withCredentials(url, config);
     if (HSCPlazGitConfigFile::getRemoteUrl(dir) != access)
         HSCPlazGitRunner::runWithValue({"remote", "set-url", "origin"}, access, dir, false);
-    HSCPlazGitRunner::run({"pull", "--ff-only", "origin", wanted}, dir);
+    pull(dir, "refs/heads/" + wanted);
     checkOutOrMaster(dir, wanted);
 }

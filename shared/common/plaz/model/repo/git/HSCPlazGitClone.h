@@ -18,9 +18,10 @@ namespace HSCPlazGitClone {
 /// and as HSCPlazGitRunner::run
 bool clone(const std::string& url, const std::string& dir, const std::string& branch, const std::string& proxy,
            const HSCPlazCfgModel* config);
-/// Pulls @p branch (empty: "master") from @p url into the clone in @p dir, only ever forward, and checks it out, or
-/// "master" where that fails. A clone of another URL is told the new one.
-/// @throws HEXAll as clone(); the clone then stands where it stood
+/// Moves @p branch (empty: "master") of the clone in @p dir to where it stands at @p url, only ever forward, and checks
+/// it out, or "master" where that fails. No other branch moves, whichever is checked out. A clone of another URL is
+/// told the new one.
+/// @throws HEXAll as clone(); what is checked out is then as it was
 void update(const std::string& dir, const std::string& url, const std::string& branch, const HSCPlazCfgModel* config);
 
 } // namespace HSCPlazGitClone

@@ -156,6 +156,10 @@ void HSCPlazGitEnv::apply(HUTFork& git, const std::string& command, const std::s
     addSettings(git, command, workDir, remoteUrl);
     // What is meant to be local must not fetch what a working copy lacks.
     git.setEnv("GIT_ALLOW_PROTOCOL", mayTransfer(command) ? "file:git:http:https:ssh" : "none");
+    if (command == "pull") { // which asks whose a commit would be, though it makes none
+        git.setEnv("GIT_COMMITTER_NAME", "plaz");
+        git.setEnv("GIT_COMMITTER_EMAIL", "plaz@localhost");
+    }
     git.setEnv("LC_ALL", "C.UTF-8"); // error lines are recognised by their English words
     // A directory whose ".git" is gone must not be taken for a part of a repository around it.
     git.setEnv("GIT_CEILING_DIRECTORIES", boost::filesystem::path(workDir).parent_path().generic_string());
