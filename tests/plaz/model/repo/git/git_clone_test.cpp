@@ -99,16 +99,23 @@ TEST_F(GitClone, RefreshFollowsARemoteThatChanges) {
     }
 }
 
-// Fault: a pack that a failing disk has emptied stops each refresh.
+// Fault: a pack that a failing disk has emptied, or a head that it has lost, stops each refresh.
 TEST_F(GitClone, RefreshMakesADamagedWorkingCopyAfresh) {
-    ASSERT_TRUE(load(model));
-    ASSERT_TRUE(HSCPlazGitHead::moveTo(index, "master"));
-    const std::string packs = index + "/.git/objects/pack/";
-    for (const std::string& name : HUTFile::createFileIter(packs))
-        if (boost::algorithm::ends_with(name, ".pack")) fs::resize_file(packs + name, 0);
-    temp.write(mark, "");
-    EXPECT_TRUE(load(model));
-    EXPECT_FALSE(HUTFile::exists(temp.path(mark)));
+    const std::string packs = index + "/.git/objects/pack/", head = index + "/.git/HEAD";
+    const std::function<void()> damages[] = {[&] {
+                                                 for (const std::string& name : HUTFile::createFileIter(packs))
+                                                     if (boost::algorithm::ends_with(name, ".pack"))
+                                                         fs::resize_file(packs + name, 0);
+                                             },
+                                             [&] { fs::remove(head); }, [&] { fs::resize_file(head, 0); }};
+    for (const auto& damage : damages) {
+        ASSERT_TRUE(load(model));
+        ASSERT_TRUE(HSCPlazGitHead::moveTo(index, "master"));
+        damage();
+        temp.write(mark, "");
+        EXPECT_TRUE(load(model));
+        EXPECT_FALSE(HUTFile::exists(temp.path(mark)));
+    }
     EXPECT_EQ(takeIds(), Names{});
 }
 

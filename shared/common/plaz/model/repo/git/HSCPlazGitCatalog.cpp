@@ -113,8 +113,9 @@ bool checkOutFiles(const std::string& owner, const std::string& staging, const F
 
 // Looking takes long, so it is not done where it is the network that fails. URLs and paths are part of what git says.
 bool maySpeakOfDamage(const HSCPlazGitFailure& failure) {
-    static constexpr const char* signs[] = {"bad object",   "necessary objects", "loose object", "packfile",
-                                            "invalid sha1", "unable to read",    "corrupt",      " checkout "};
+    static constexpr const char* signs[] = {"bad object",     "necessary objects",     "loose object", "packfile",
+                                            "invalid sha1",   "unable to read",        "corrupt",      " checkout ",
+                                            "not a git repo", "not in a git directory"};
     const auto& notes = failure.getDetails().getNotes();
     return std::any_of(notes.begin(), notes.end(), [](const HSCPlazReport::Note& note) {
         const std::string text = note.message.getMessage();
