@@ -16,6 +16,7 @@ namespace HSCPlazTrustRules {
 inline constexpr HSCPlazTrustRule insideStore{&HSCPlazTrust::isSafeRelativePath, "is not a path inside the store"};
 inline constexpr HSCPlazTrustRule folderName{&HSCPlazTrust::isSafeComponent, "is not a plain folder name"};
 inline constexpr HSCPlazTrustRule gitRef{&HSCPlazTrust::isSafeRef, "is not a name that git may be given"};
+inline constexpr HSCPlazTrustRule commitId{&HSCPlazTrust::isCommitId, "does not name a commit"};
 inline constexpr HSCPlazTrustRule gitUrl{&HSCPlazTrust::isSafeUrl, "is not an address that git may be given"};
 
 /// Why @p text is not used: `its root "../../x" is not a path inside the store`; empty when it may be used.

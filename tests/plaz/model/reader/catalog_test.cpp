@@ -57,46 +57,49 @@ protected:
 // Entries lost, or a revision, commit or place that is to be understood left out.
 TEST_F(CatalogTest, entries) {
     read(R"("items": [
-        {"name": "full", "root": "i/full", "company": "acme", "latest_revision": "2", "commit_id": "c2",
+        {"name": "full", "root": "i/full", "company": "acme", "latest_revision": "2", "commit_id": "c0ffee2",
          "config": {"root": "m", "metadata_file": "item.json"},
-         "revisions": [{"revision": "2", "commit_id": "other", "history": "new"}, {"revision": "1", "commit_id": "c1"}]},
+         "revisions": [{"revision": "2", "commit_id": "0bad1dea", "history": "new"}, {"revision": "1", "commit_id": "c0ffee1"}]},
         {"config": {"root": "i/bare", "metadata_file": "b.json"}, "name": "bare"},
-        {"name": "commit", "latest_revision": "3", "revisions": [{"revision": "1", "commit_id": "c1"},
-                                                                {"revision": "3", "commit_id": "c3"}]},
+        {"name": "commit", "latest_revision": "3", "revisions": [{"revision": "1", "commit_id": "c0ffee1"},
+                                                                {"revision": "3", "commit_id": "c0ffee3"}]},
         {"name": "commit"}])");
-    EXPECT_THAT(describe(store), ElementsAre("full@2 c2 i/full|m|item.json!", "bare@  i/bare|i/bare|b.json!",
-                                             "commit@3 c3 ||!", "commit@  ||!"));
+    EXPECT_THAT(describe(store), ElementsAre("full@2 c0ffee2 i/full|m|item.json!", "bare@  i/bare|i/bare|b.json!",
+                                             "commit@3 c0ffee3 ||!", "commit@  ||!"));
     const HSCPlazQItemModel& full = *store.getItems()[0];
     EXPECT_EQ(full.getCompany() + full.getLatestRevision() + full.getStoreName(), "acme2s");
     ASSERT_EQ(full.getRevisions().size(), 2u);
-    EXPECT_EQ(full.getRevisions()[0].history + full.getRevisions()[1].commitId, "newc1");
+    EXPECT_EQ(full.getRevisions()[0].history + full.getRevisions()[1].commitId, "newc0ffee1");
     EXPECT_THAT(takeMessages(), IsEmpty());
 }
 
 // Older revisions missing, doubled, or taken for the latest; "multi_revision_supported" behind the items.
 TEST_F(CatalogTest, severalRevisions) {
-    read(R"("items": [{"name": "a", "root": "a", "company": "acme", "latest_revision": "3", "commit_id": "c3",
-        "config": {"metadata_file": "m"}, "revisions": [{"revision": "1", "commit_id": "c1"}, {"revision": "3"},
-        {"revision": "2", "commit_id": "c2"}, {"revision": "1", "commit_id": "again"}, 5, {"commit_id": "x"}]},
+    read(R"("items": [{"name": "a", "root": "a", "company": "acme", "latest_revision": "3", "commit_id": "c0ffee3",
+        "config": {"metadata_file": "m"}, "revisions": [{"revision": "1", "commit_id": "c0ffee1"}, {"revision": "3"},
+        {"revision": "2", "commit_id": "c0ffee2"}, {"revision": "1", "commit_id": "0bad1dea"}, 5, {"commit_id": "0bad1dea"}]},
         {"name": "b", "root": "b", "latest_revision": "1"}], "multi_revision_supported": true)");
-    EXPECT_THAT(describe(store), ElementsAre("a@3 c3 a||m!", "a@1 c1 a||m", "a@2 c2 a||m", "b@1  b||!"));
+    EXPECT_THAT(describe(store), ElementsAre("a@3 c0ffee3 a||m!", "a@1 c0ffee1 a||m", "a@2 c0ffee2 a||m", "b@1  b||!"));
     const HSCPlazQItemModel& older = *store.getItems()[1];
     EXPECT_EQ(older.getCompany() + older.getLatestRevision(), "acme3");
     EXPECT_EQ(&older.getRevisions(), &store.getItems()[0]->getRevisions()); // one list, however many revisions
 }
 
-// An entry that leads out of the store used, or taking the rest of the catalog with it; a terminal that obeys its name.
+// An entry that leads out of the store used, or taking the rest of the catalog with it; one that stands for another
+// commit tomorrow; a terminal that obeys its name.
 TEST_F(CatalogTest, refusals) {
     setParam("plaz.enableSchemaValidation", "false");
     read(R"("multi_revision_supported": true, "items": [{"name": "root", "root": "../x"}, {}, {"name": ""},
         {"name": "item root", "config": {"root": "/etc"}}, {"name": "file", "config": {"metadata_file": "a\\b"}},
         {"name": "revision", "latest_revision": "../1"}, {"name": "commit", "commit_id": "--all"},
+        {"name": "branch", "commit_id": "main"},
         {"name": "older", "root": "o", "latest_revision": "2", "revisions": [{"revision": "../0"}, {"revision": "1",
-         "commit_id": "-x"}, {"revision": "1.5", "commit_id": "c"}]}])");
-    EXPECT_THAT(describe(store), ElementsAre("older@2  o||!", "older@1.5 c o||"));
+         "commit_id": "main"}, {"revision": "1.5", "commit_id": "c0ffee1"}]}])");
+    EXPECT_THAT(describe(store), ElementsAre("older@2  o||!", "older@1.5 c0ffee1 o||"));
     EXPECT_THAT(takeMessages(),
                 ElementsAre("17-2160 root|its root \"../x\" is not a path inside the store", HasSubstr("item root|"),
                             HasSubstr("file|"), HasSubstr("revision|"), HasSubstr("commit|"),
+                            "17-2160 branch|its commit_id \"main\" does not name a commit",
                             "17-2160 older|of its older revisions its revision \"../0\" is not a plain folder name",
                             "17-2160 s|entries of the store's catalog without a name: 2"));
     read("\"items\": [{\"name\": \"a\", \"root\": \"/\\u001b[2J" + std::string(5000, 'x') + "\"}]");

@@ -37,7 +37,7 @@ constexpr HSCPlazJson::TextField<Item> configFields[] = {
 
 std::string findRefusal(const HSCPlazRevisionModel& revision) {
     std::string refusal = Rules::findRefusal(Rules::folderName, Key::revision, revision.revision);
-    return refusal.empty() ? Rules::findRefusal(Rules::gitRef, Key::commitId, revision.commitId) : refusal;
+    return refusal.empty() ? Rules::findRefusal(Rules::commitId, Key::commitId, revision.commitId) : refusal;
 }
 
 /// Why the entry is left out by its own names; empty when it may be used.

@@ -2,7 +2,7 @@
 
 #include "plaz/base/HSCPlazFileCopy.h"
 #include "plaz/base/HSCPlazMsg.h"
-#include "plaz/base/HSCPlazTrust.h"
+#include "plaz/base/HSCPlazTrustRules.h"
 #include "plaz/model/HSCPlazQStoreModel.h"
 #include "plaz/model/reader/HSCPlazJsonCheck.h"
 #include "plaz/model/repo/git/HSCPlazGitCheckout.h"
@@ -57,8 +57,9 @@ private:
     }
 
     bool accept() {
-        if (!HSCPlazTrust::isSafeRef(m_item.getCommitId()))
-            return refuse("its commit id \"" + m_item.getCommitId() + "\" does not name a commit");
+        namespace Rules = HSCPlazTrustRules;
+        const std::string refusal = Rules::findRefusal(Rules::commitId, "commit_id", m_item.getCommitId());
+        if (!refusal.empty()) return refuse(refusal);
         const std::string& metadataFile = m_item.getMetadataFile();
         if (!metadataFile.empty() && !HSCPlazTrust::isSafeRelativePath(metadataFile))
             return refuse("its metadata file \"" + metadataFile + "\" does not lie in its folder");
