@@ -10,7 +10,6 @@
 #include "plaz/model/repo/HSCPlazGit.h"
 #include "plaz/model/repo/HSCPlazRepoFactory.h"
 #include "plaz/model/repo/git/HSCPlazGitParams.h"
-#include "plaz/model/repo/git/HSCPlazGitProxies.h"
 #include "plaz/store/HSCPlazChosenDirectory.h"
 #include "plaz/store/HSCPlazDependencies.h"
 #include "plaz/store/HSCPlazInstalledState.h"
@@ -240,7 +239,7 @@ HSCPlazStoreResult HSCPlazTaskMgr::checkStore(HSCPlazQStore& store, HDGUIStatus*
         if (!HSCPlazRefreshStoreTask::requireOffered(task, *store.getModel())) return false;
         const HSCPlazWorkLayout layout = workspace().paths.getWorkLayout(*store.getModel());
         isFetched = isRefreshed(&store) && HSCPlazStoreLayout::isComplete(layout.getIndex());
-        if (isFetched) check = HSCPlazUpdateCheckTask::look(task, *store.getModel(), HSCPlazGitProxies::getPreferred());
+        if (isFetched) check = HSCPlazUpdateCheckTask::look(task, *store.getModel(), "");
         return true;
     });
     if (!isFetched && task.getReport().isEmpty()) return resultOf(task, store, StoreOutcome::outdated);

@@ -119,8 +119,9 @@ public:
     static HSCPlazStoreResult refreshStore(HSCPlazQStore& store, HDGUIStatus* status);
     /// The rest of a store's refresh after refreshHub().
     static HSCPlazStoreResult describeItems(HSCPlazQStore& store, HDGUIStatus* status);
-    /// Asks the store's remote whether it has moved since the last refresh; a store that was never refreshed, or whose
-    /// working copy is not complete, counts as outdated. Msg::storeNotChecked says why there is no answer.
+    /// Asks the store's remote, through the proxies of the last refresh, whether it has moved since then; a store that
+    /// was never refreshed, or whose working copy is not complete, counts as outdated. Msg::storeNotChecked says why
+    /// there is no answer.
     static HSCPlazStoreResult checkStore(HSCPlazQStore& store, HDGUIStatus* status);
     /// Puts the store's area below a directory that no other store uses. What it holds stays where it is. Sends
     /// Msg::storeNotMoved on failure, after the reason.

@@ -1,6 +1,7 @@
 #include "plaz/hub_fixture.h"
 
 #include "plaz/store/HSCPlazRepoInfoMgr.h"
+#include "support/HCCXPrefMgr.h"
 
 #include <functional>
 
@@ -28,7 +29,8 @@ protected:
 
 } // namespace
 
-// A check blind to what the catalog or the repository offers, also where the working copy will be made afresh.
+// A check blind to what the catalog or the repository offers, also where the working copy will be made afresh; one
+// through another proxy than that of the last refresh.
 TEST_F(CatalogTasksTest, ChecksSeeWhatIsNewer) {
     ASSERT_TRUE(install("a"));
     EXPECT_FALSE(HSCPlazTaskMgr::hasUpdate(&store()));
@@ -38,6 +40,9 @@ TEST_F(CatalogTasksTest, ChecksSeeWhatIsNewer) {
     EXPECT_FALSE(HSCPlazTaskMgr::hasUpdate(&store(), ""));
     tcl.publish(); // a commit more
     EXPECT_TRUE(HSCPlazTaskMgr::hasUpdate(&store(), ""));
+    HCCXPrefMgr::getInstance().getDefaultXPref().setVal("plaz.http_proxy", {"now:1"});
+    EXPECT_EQ(HSCPlazTaskMgr::checkStore(store(), nullptr).outcome, HSCPlazStoreResult::Outcome::outdated);
+    EXPECT_EQ(readFile(files.area("ced_store/.plaz/.index/.git/config")).find("now:1"), std::string::npos);
     HUTFile::rmRecursive(files.area("ced_store/.plaz/.index/.done"));
     EXPECT_EQ(HSCPlazTaskMgr::checkStore(store(), nullptr).outcome, HSCPlazStoreResult::Outcome::outdated);
 }

@@ -93,9 +93,11 @@ bool HSCPlazGit::isInstalled(const HSCPlazQStore* store) const {
 }
 
 int HSCPlazGit::cloneOrUpdateRepoForStore(const HSCPlazQStoreModel* store, bool bInternet) {
+    using Use = HSCPlazGitWorkingCopy::Use;
     if (!store) return 0;
+    const Use use = bInternet ? Use::refreshed : Use::asItIs;
     return deliver(HSCPlazGitOutcome::of(
-               [&](HSCPlazReport& report) { return HSCPlazGitWorkingCopy::stage(inHub(*store), bInternet, report); }))
+               [&](HSCPlazReport& report) { return HSCPlazGitWorkingCopy::stage(inHub(*store), use, report); }))
                ? 1
                : 0;
 }

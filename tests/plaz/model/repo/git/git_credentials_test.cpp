@@ -23,7 +23,7 @@ protected:
 };
 
 // Faults: recorded credentials that others can read, or not taken for the store's own, so that each refresh clones
-// again; a proxy that git is not told of; a trace that shows a token.
+// again; a proxy that git is not told of, or only while it is in force; a trace that shows a token.
 TEST_F(GitCredentials, RecordedCredentialsAreTheStoresOwn) {
     for (const char* param : {"plaz.enableLog", "plaz.enableDebugGit"}) setParam(param, "true");
     setParam("plaz.https_proxy", "puser:s3cr3t-p@proxy.test:3");
@@ -39,7 +39,9 @@ TEST_F(GitCredentials, RecordedCredentialsAreTheStoresOwn) {
     testing::internal::CaptureStdout();
     EXPECT_TRUE(load(model) && load(hubModel));
     temp.write("area/.plaz/.index/.git/HEAD", remote.git({"rev-parse", "HEAD"}) + "\n");
+    setParam("plaz.https_proxy", "");
     EXPECT_EQ(HSCPlazGit::hasUpdate(index, url, "", ""), 0);
+    setParam("plaz.https_proxy", "puser:s3cr3t-p@proxy.test:3");
     temp.write("area/.plaz/.index/.git/mark", "");
     EXPECT_TRUE(load(model));
     EXPECT_TRUE(HUTFile::exists(index + "/.git/mark")) << "the working copy was made afresh";

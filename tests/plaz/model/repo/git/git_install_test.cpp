@@ -46,9 +46,12 @@ TEST_F(GitInstall, OtherRevisionsStay) {
     EXPECT_EQ(list("area"), (Names{".plaz", "boards"}));
 }
 
-// Faults: a process that need not be; the network for what is there already; a stale working copy that blocks.
+// Faults: a process that need not be; the network for what is there already; a stale working copy that blocks; another
+// proxy than that of the last refresh.
 TEST_F(GitInstall, CompleteWorkingCopyIsFetchedOnlyForAMissingCommit) {
+    setParam("plaz.http_proxy", "then:1");
     ASSERT_TRUE(install(first));
+    setParam("plaz.http_proxy", "now:1");
     replaceGit(R"(exec git "$@")");
     ASSERT_TRUE(install(second));
     EXPECT_EQ(takeCalls(), "config --replace-all core.sparsecheckout true\nconfig --replace-all http.sslVerify false\n"
@@ -57,6 +60,7 @@ TEST_F(GitInstall, CompleteWorkingCopyIsFetchedOnlyForAMissingCommit) {
     EXPECT_EQ(readFile(index + "/.git/config").find("sparsecheckout"), std::string::npos) << "files linked, not shared";
     EXPECT_TRUE(install(remote.write("boards/a/item.json", "{\"v\": 3}").commit()));
     EXPECT_EQ(installed("boards/a/item.json"), "{\"v\": 3}");
+    EXPECT_EQ(recordedProxies(), Names{"then:1"});
     EXPECT_EQ(takeIds(), Names{}) << "nobody is told of an attempt that was made good";
 }
 

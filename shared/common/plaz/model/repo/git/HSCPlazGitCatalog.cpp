@@ -127,7 +127,7 @@ bool maySpeakOfDamage(const HSCPlazGitFailure& failure) {
 bool stageFiles(const HSCPlazGitStore& store, const Files& files, HSCPlazReport& report) {
     const auto attempt = [&] {
         HSCPlazGitRemoved staging(store.layout.getStaging());
-        if (!HSCPlazGitWorkingCopy::stage(store, true, report)) return false;
+        if (!HSCPlazGitWorkingCopy::stage(store, HSCPlazGitWorkingCopy::Use::refreshed, report)) return false;
         if (!checkOutFiles(store.model.getName(), staging.getName(), files, store.model.getBranch(), report))
             return false;
         staging.keep();

@@ -3,9 +3,9 @@
 #include "plaz/base/HSCPlazNames.h"
 #include "plaz/base/HSCPlazStoreLayout.h"
 #include "plaz/base/HSCPlazUrl.h"
+#include "plaz/model/repo/git/HSCPlazGitConfigFile.h"
 #include "plaz/model/repo/git/HSCPlazGitCredentials.h"
 #include "plaz/model/repo/git/HSCPlazGitParams.h"
-#include "plaz/model/repo/git/HSCPlazGitProxies.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
 #include "support/HUTFork.h"
@@ -114,15 +114,15 @@ void addFileSettings(HUTFork& git, std::size_t& count) {
         addSetting(git, count++, key, HUTFile::getNullDevice());
 }
 
-void addServerSettings(HUTFork& git, std::size_t& count, const std::string& remoteUrl) {
+void addServerSettings(HUTFork& git, std::size_t& count, const std::string& workDir, const std::string& remoteUrl) {
     // A server that falls silent is given up by commands that run without a time limit, too.
     addSetting(git, count++, "http.lowSpeedLimit", "1");
     addSetting(git, count++, "http.lowSpeedTime", std::to_string(HSCPlazGitParams::getTimeOut()));
     const HSCPlazUrl url = HSCPlazUrl::parse(remoteUrl);
     const std::string plain = url.withoutUser();
-    // Git itself asks http.proxy for both protocols.
-    const std::string proxy = url.isHttps() ? HSCPlazGitProxies::getHttps() : std::string();
-    if (!proxy.empty()) addSetting(git, count++, "http." + plain + ".proxy", proxy);
+    // Git itself asks http.proxy for both protocols, and not for what a working copy records as https.proxy.
+    const auto proxy = url.isHttps() ? HSCPlazGitConfigFile::findValue(workDir, "https.proxy") : std::nullopt;
+    if (proxy) addSetting(git, count++, "http." + plain + ".proxy", *proxy);
     const HSCPlazGitCredentials credentials = HSCPlazGitCredentials::inUrl(remoteUrl);
     if (!credentials.isEmpty()) {
         addSetting(git, count++, "url." + plain + ".insteadOf", remoteUrl);
@@ -139,7 +139,7 @@ void addSettings(HUTFork& git, const std::string& command, const std::string& wo
     addSetting(git, count++, "core.fsync", hasToFlush(command, workDir) ? "committed,reference" : "none");
     if (command != "config") {
         addFileSettings(git, count);
-        addServerSettings(git, count, remoteUrl);
+        addServerSettings(git, count, workDir, remoteUrl);
     }
     git.setEnv("GIT_CONFIG_COUNT", std::to_string(count));
     git.setEnv("GIT_CONFIG_GLOBAL", HUTFile::getNullDevice());

@@ -20,6 +20,7 @@
 namespace fs = boost::filesystem;
 
 using HSCPlazGitTrace::trace;
+using HSCPlazGitWorkingCopy::Use;
 
 namespace {
 
@@ -71,13 +72,13 @@ private:
     // A working copy that is older than the catalog lacks the item's commit. Asking first would cost a process each
     // time, so the checkout itself tells; nobody hears of it, because the second one, after a fetch, has the last word.
     bool checkOut() {
-        if (!HSCPlazGitWorkingCopy::stage(m_store, false, m_report)) return false;
+        if (!HSCPlazGitWorkingCopy::stage(m_store, Use::asItIs, m_report)) return false;
         try {
             return checkOutCommit();
         } catch (const HEXAll&) { // also after a cancellation: the fetch then ends before anything runs
         }
         if (isSuspect()) HSCPlazGitWorkingCopy::discardDamaged(m_store.layout);
-        if (!HSCPlazGitWorkingCopy::stage(m_store, true, m_report)) return false;
+        if (!HSCPlazGitWorkingCopy::stage(m_store, Use::fetched, m_report)) return false;
         if (hasCommit(m_staging, m_item.getCommitId()) || HUTFork::isInterrupted()) return checkOutCommit();
         m_report.add(Msg::commitGone, MsgSeverity::error, m_item.getName(), m_item.getCommitId());
         return false;

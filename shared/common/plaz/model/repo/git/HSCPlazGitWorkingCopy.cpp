@@ -87,13 +87,13 @@ bool createIndex(const HSCPlazGitStore& store, HSCPlazReport& report) {
     return Layout::markComplete(index);
 }
 
-bool refreshIndex(const HSCPlazGitStore& store, HSCPlazReport& report) {
+bool fetchIndex(const HSCPlazGitStore& store, bool isRefreshed, HSCPlazReport& report) {
     const std::string index = store.layout.getIndex();
     discardForeignIndex(index, store.access);
     if (!HUTFile::mkDirRecursive(index)) return tellNotWritable(index, report);
     if (!Layout::isComplete(index)) return createIndex(store, report);
     trace("skipping clone... already cloned at: ", index);
-    HSCPlazGitSettings::renewProxy(index);
+    if (isRefreshed) HSCPlazGitSettings::renewProxy(index);
     const int result = HSCPlazGitRunner::run({"fetch"}, index);
     trace("cloneOrUpdateRepoForStore - git fetch, git return = ", std::to_string(result),
           ", final ret = ", std::to_string(result == 0));
@@ -128,8 +128,8 @@ bool copyIndex(const std::string& index, const std::string& staging, HSCPlazRepo
 
 } // namespace
 
-bool HSCPlazGitWorkingCopy::stage(const HSCPlazGitStore& store, bool isFetched, HSCPlazReport& report) {
-    const bool isTaken = !isFetched && isUsable(store);
+bool HSCPlazGitWorkingCopy::stage(const HSCPlazGitStore& store, Use use, HSCPlazReport& report) {
+    const bool isTaken = use == Use::asItIs && isUsable(store);
     const std::string refusal = HSCPlazGitUrl::findRefusal(store.url);
     if (!refusal.empty() && (store.hasRemote() || !isTaken)) {
         report.add(Msg::storeRefused, MsgSeverity::error, store.model.getName(), refusal);
@@ -140,12 +140,12 @@ bool HSCPlazGitWorkingCopy::stage(const HSCPlazGitStore& store, bool isFetched, 
     const std::string index = store.layout.getIndex();
     trace("Temp Dir = ", staging);
     trace("Store Dir = ", index);
-    trace("bInternet = ", std::to_string(isFetched));
+    trace("bInternet = ", std::to_string(use != Use::asItIs));
 
     tidyAfterCrash(index + "/" + Layout::gitDir);
     if (isTaken)
         trace("No need of git init/fetch.");
-    else if (!refreshIndex(store, report))
+    else if (!fetchIndex(store, use == Use::refreshed, report))
         return false;
     return copyIndex(index, staging, report);
 }

@@ -16,14 +16,20 @@
 /// what is found there. The copy is cheap, because git never changes an object in place and objects are linked.
 namespace HSCPlazGitWorkingCopy {
 
+/// What becomes of a complete working copy of the right URL before it is copied.
+enum class Use {
+    asItIs,
+    fetched,  ///< through the proxies that it records
+    refreshed ///< through those that are in force now, which it records from then on
+};
+
 /// Makes the staging directory a copy of the working copy, which is created, made afresh (another URL, never completed)
-/// or fetched first. Of a store without a remote it is taken as it is, while it is complete.
-/// @param isFetched  fetch even a complete working copy of the right URL
+/// or used as @p use says first. Of a store without a remote it is taken as it is, while it is complete.
 /// @param report     Msg::storeRefused for a URL that git is not given, dirNotWritable, gitAccessOff,
 /// credentialsMissing
 /// @return false leaves no staging directory
 /// @throws HEXAll as HSCPlazGitRunner::run
-bool stage(const HSCPlazGitStore& store, bool isFetched, HSCPlazReport& report);
+bool stage(const HSCPlazGitStore& store, Use use, HSCPlazReport& report);
 /// Removes the working copy when its objects do not hold together, as after a failing disk, so that the next use makes
 /// it afresh. Slow: to be asked only when something has failed.
 void discardDamaged(const HSCPlazWorkLayout& layout);
