@@ -53,6 +53,15 @@ TEST_F(StartUpTest, LeavesTheDatabaseOfAnotherReleaseAlone) {
     EXPECT_EQ(readFile(files.temp.path(boardsDb)), before);
 }
 
+// A product taken for the one that keeps its catalog in the user area, and may move every store.
+TEST_F(StartUpTest, KnowsAProductByItsVeryName) {
+    ship();
+    files.env.set("GDA_PRODUCT_NAME", "KVQ");
+    files.temp.write("appdata/2024.2/plaz/plaz_local_db.json", "{}");
+    ASSERT_NE(hub().getStore("boards"), nullptr);
+    EXPECT_FALSE(HSCPlazTaskMgr::setQStoreLocalRootDir(hub().getStore("boards"), files.temp.path("mine")));
+}
+
 // Metadata read through a link that leads out of what is shipped.
 TEST_F(StartUpTest, StoreFilesAreNotReadThroughLinks) {
     ship();

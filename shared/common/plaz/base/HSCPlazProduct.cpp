@@ -15,7 +15,7 @@ bool isMainTool() {
 }
 
 bool isDatabaseTool() {
-    return HUTText::equalIgnoringCase(HUTEnv::getProductName(), "kvq");
+    return HUTEnv::getProductName() == "kvq";
 }
 
 std::string versionForPaths() {

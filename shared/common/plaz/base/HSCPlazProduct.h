@@ -4,8 +4,8 @@
 
 #include <string>
 
-/// The design tool in whose process the hub runs, and the rules that differ from one to another. Names of products are
-/// compared in any case. Computed afresh at each call.
+/// The design tool in whose process the hub runs, and the rules that differ from one to another. The main tool is
+/// known by its name in any case, others by their very names. Computed afresh at each call.
 namespace HSCPlazProduct {
 
 /// Name, and version in the form used in paths: "2024.2" for 2024.2.0, "2024.2.1" as it is.

@@ -27,7 +27,7 @@ TEST_F(GitSettings, WorkingCopyRecordsTheProxyInForce) {
         {"Solvan", "", "b:2", "other", {"found:8080", "b:2"}, false},
         {"Solvan", secret, "", "none", {secret}, true},
         {"Solvan", secret, "", "none", {secret}, false},
-        {"KVQ", "a:1", "b:2", "none", {"preferred:1"}, true},
+        {"kvq", "a:1", "b:2", "none", {"preferred:1"}, true},
         {"other", "a:1", "b:2", "none", {}, true}};
     for (const auto& [product, http, https, detected, recorded, isChanged] : cases) {
         SCOPED_TRACE(filled("% % % %", {product, http, https, detected}));
