@@ -141,7 +141,7 @@ void HSCPlazMgr::loadStoreCatalog(HSCPlazModel* hubModel, HSCPlazQStoreModel* st
 }
 
 void HSCPlazMgr::loadStoreCatalog(HSCPlaz* hub, HSCPlazQStore* store, bool shared) {
-    HSCPlazDebugLog::inside("HSCPlazMgr::loadStoreCatalog", " ");
+    HSCPlazDebugLog::inside("HSCPlazMgr::loadStoreCatalog");
     if (!hub || !store || !store->getModel()) return;
     getHub();
     HSCPlazReport report;

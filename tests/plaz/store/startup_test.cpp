@@ -1,6 +1,7 @@
 #include "plaz/hub_fixture.h"
 
 #include "plaz/store/HSCPlazRepoInfoMgr.h"
+#include "support/HUTSysCall.h"
 
 namespace {
 
@@ -60,6 +61,24 @@ TEST_F(StartUpTest, KnowsAProductByItsVeryName) {
     files.temp.write("appdata/2024.2/plaz/plaz_local_db.json", "{}");
     ASSERT_NE(hub().getStore("boards"), nullptr);
     EXPECT_FALSE(HSCPlazTaskMgr::setQStoreLocalRootDir(hub().getStore("boards"), files.temp.path("mine")));
+}
+
+// A line of the debug log that is put together from other texts than those that are looked for in it.
+TEST_F(StartUpTest, DebugLinesReadAsTheyAlwaysHave) {
+    ship();
+    files.env.set("GDA_PRODUCT_NAME", "kvq");
+    const std::string store = R"({"name": "boards", "items": []})";
+    files.temp.write("appdata/2024.2/plaz/plaz_local_db.json", R"({"plaz": {"qstores": [)" + store + "]}}");
+    HPAParamMgr::getParamMgr().setValue("plaz.enableLog", "true");
+    HUTSysCall::changeDir(files.temp.path());
+    testing::internal::CaptureStdout();
+    hub().getStore("boards")->getModel()->setMetadataFile("store.json");
+    HSCPlazMgr::getInstance().loadStoreCatalog(&hub(), hub().getStore("boards"), false);
+    const std::string lines = testing::internal::GetCapturedStdout(), area = files.temp.path("appdata/2024.2/plaz");
+    HUTSysCall::changeDir("/");
+    for (const char* line : {"Inside HSCPlazMgr::initHub\n", "Mgr::initHub% found local db file processing it.\n",
+                             "Inside HSCPlazMgr::loadStoreCatalogStore boards local root dir \n"})
+        EXPECT_NE(lines.find(filled(line, {area})), std::string::npos) << line << lines;
 }
 
 // Metadata read through a link that leads out of what is shipped.

@@ -74,10 +74,10 @@ void HSCPlazCatalogLoader::loadStore(HSCPlazModel* hubModel, HSCPlazQStoreModel*
     if (!hubModel || !store || store->getMetadataFile().empty()) return;
     const std::string& localRoot = store->getLocalRootDir();
     const std::string& name = store->getName();
-    inside(loadStoreName, " Store ", name, " local root dir ", localRoot);
+    inside(loadStoreName, "Store ", name, " local root dir ", localRoot);
     store->setIsUnread(false);
     const bool exists = !localRoot.empty() && HUTFile::exists(localRoot);
-    if (!localRoot.empty() && !exists) inside(loadStoreName, " Store ", name, " local root dir doesn't exists ");
+    if (!localRoot.empty() && !exists) inside(loadStoreName, "Store ", name, " local root dir doesn't exists ");
     if (exists && !isShared)
         loadFromArea(*store);
     else if (!loadFromData(*hubModel, *store))
@@ -88,12 +88,12 @@ void HSCPlazCatalogLoader::loadStore(HSCPlazModel* hubModel, HSCPlazQStoreModel*
 void HSCPlazCatalogLoader::loadFromArea(HSCPlazQStoreModel& store) const {
     const std::string& localRoot = store.getLocalRootDir();
     const std::string& name = store.getName();
-    inside(loadStoreName, " Store ", name, " local root dir exists ");
+    inside(loadStoreName, "Store ", name, " local root dir exists ");
     if (hasFile(store, localRoot, store.getMetadataFile(), m_report)) {
-        inside(loadStoreName, " Store ", name, " qstore json file found ");
+        inside(loadStoreName, "Store ", name, " qstore json file found ");
         readMetadata(store, joined(localRoot, store.getMetadataFile()));
     } else {
-        inside(loadStoreName, " Store ", name, " qstore json file not found ");
+        inside(loadStoreName, "Store ", name, " qstore json file not found ");
     }
     if (!store.isProductSpecific() || store.getCatalogFile().empty()) return;
     const std::string catalog = joined(localRoot, store.getCatalogFile());
@@ -102,27 +102,27 @@ void HSCPlazCatalogLoader::loadFromArea(HSCPlazQStoreModel& store) const {
         store.setIsUnread(true);
     }
     if (!hasFile(store, localRoot, store.getCatalogFile(), m_report)) return;
-    inside(loadStoreName, " Store ", name, " item catalog json file found ");
+    inside(loadStoreName, "Store ", name, " item catalog json file found ");
     readCatalog(store, catalog);
 }
 
 bool HSCPlazCatalogLoader::loadFromData(HSCPlazModel& hubModel, HSCPlazQStoreModel& store) const {
     const std::string& name = store.getName();
     const std::string dataDir = m_paths.getShippedDir(store);
-    inside(loadStoreName, " Store ", name, "dataFilePath: ", dataDir);
+    inside(loadStoreName, "Store ", name, "dataFilePath: ", dataDir);
     if (!HUTFile::exists(dataDir)) {
         const std::string userDir = joined(joined(m_paths.getUserAreaRoot(), hubModel.getRoot()), store.getRoot());
         const std::string metadata = joined(userDir, store.getMetadataFile());
-        inside(loadStoreName, " Store ", name, "qstoreJsonFilePath [3]: ", metadata);
+        inside(loadStoreName, "Store ", name, "qstoreJsonFilePath [3]: ", metadata);
         if (hasFile(store, userDir, store.getMetadataFile(), m_report)) readMetadata(store, metadata);
         return true;
     }
     store.setGdaDataLoc(dataDir);
     const std::string metadata = joined(dataDir, store.getMetadataFile());
-    inside(loadStoreName, " Store ", name, "qstoreJsonFilePath [1]: ", metadata);
+    inside(loadStoreName, "Store ", name, "qstoreJsonFilePath [1]: ", metadata);
     if (hasFile(store, dataDir, store.getMetadataFile(), m_report)) readMetadata(store, metadata);
     const std::string catalog = joined(dataDir, store.getCatalogFile());
-    inside(loadStoreName, " Store ", name, "qstoreJsonFilePath [2]: ", catalog);
+    inside(loadStoreName, "Store ", name, "qstoreJsonFilePath [2]: ", catalog);
     if (store.getCatalogFile().empty()) return false;
     if (store.isProductSpecific() && hasFile(store, dataDir, store.getCatalogFile(), m_report))
         readCatalog(store, catalog);
@@ -147,7 +147,7 @@ void HSCPlazCatalogLoader::readCatalog(HSCPlazQStoreModel& store, const std::str
 }
 
 void HSCPlazCatalogLoader::loadItems(HSCPlazQStoreModel& store) const {
-    inside(loadItemsName, " ");
+    inside(loadItemsName);
     if (!store.isProductSpecific()) return;
     const HIOStream::Root root(store.getLocalRootDir());
     HSCPlazJsonDocument document;
@@ -159,7 +159,7 @@ void HSCPlazCatalogLoader::loadItems(HSCPlazQStoreModel& store) const {
         else if (described && described->getName() == item->getName() && item->getDisplayName().empty())
             item->copyDescriptionFrom(*described);
     }
-    inside(loadItemsName, "Done ");
+    if (HSCPlazDebugLog::isEnabled()) HSCPlazDebugLog::write(std::string("Done ") + loadItemsName);
 }
 
 void HSCPlazCatalogLoader::loadShipped(HSCPlazModel& hubModel, HSCPlazQStoreModel& store) const {

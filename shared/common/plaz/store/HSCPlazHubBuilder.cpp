@@ -42,13 +42,13 @@ std::string fileInForce(const HSCPlazPathMgr& paths) {
 } // namespace
 
 void HSCPlazHubBuilder::build() const {
-    inside(initHubName, " ");
+    inside(initHubName);
     m_workspace.hub = std::make_unique<HSCPlaz>();
     m_workspace.hubModel = std::make_unique<HSCPlazModel>();
     m_workspace.sharedHubModel = std::make_unique<HSCPlazModel>();
     if (const HSCPlazCfgModel* config = m_workspace.config.getConfigModel()) {
         const std::string remote = configuredRemote(m_workspace.userPref, m_report);
-        inside(initHubName, " plaz remote url ", HSCPlazTrust::maskSecrets(remote));
+        inside(initHubName, "plaz remote url ", HSCPlazTrust::maskSecrets(remote));
         if (!remote.empty()) m_workspace.hubModel->setRemoteRepository(remote);
         for (HSCPlazModel* model : {m_workspace.hubModel.get(), m_workspace.sharedHubModel.get()}) {
             model->setRoot(config->getRoot());
@@ -57,7 +57,7 @@ void HSCPlazHubBuilder::build() const {
     }
     const std::string database = m_workspace.paths.getDefaultLocalDbFile();
     if (HSCPlazProduct::keepsCatalogInDatabase() && HUTFile::exists(database)) {
-        inside(initHubName, " ", database, " found local db file processing it.");
+        inside(initHubName, m_workspace.paths.getUserAreaRoot(), " found local db file processing it.");
         m_workspace.databases.read(database, *m_workspace.hubModel, m_report);
         readStores();
     } else if (readMetadata()) {
@@ -71,7 +71,7 @@ void HSCPlazHubBuilder::build() const {
 bool HSCPlazHubBuilder::readMetadata() const {
     const std::string shipped = m_workspace.paths.getHubMetadataFile();
     const std::string file = fileInForce(m_workspace.paths);
-    inside(initHubName, " plazJsonFilePath ", file);
+    inside(initHubName, "plazJsonFilePath ", file);
     if (!HUTFile::exists(file)) {
         m_report.add(Msg::hubMetadataMissing, MsgSeverity::error);
         return false;

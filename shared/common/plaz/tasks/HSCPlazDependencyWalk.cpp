@@ -87,6 +87,8 @@ bool HSCPlazDependencyWalk::install(const HSCPlazQItemDependency& dependency) {
             inside(installName, " couldn't install ", dependency.getItem());
             return m_task.fail(Msg::dependencyInstallFailed, dependency.getItem());
         }
+        const HSCPlazPathMgr& paths = m_task.getWorkspace().paths;
+        inside(installName, " source: ", paths.getStoreLayout(*found.store->getModel()).getIncoming());
         inside(installName, " dest: ", found.item->getLocalRootDir());
         m_task.tellNews(Msg::dependencyInstalled, found.item->getName());
     }
