@@ -37,6 +37,12 @@ HSCPlazException& exception(jlong handle) {
     return jni::refer<HSCPlazException>(handle, "HSCPlazTypes::HSCPlazException");
 }
 
+/// Sets a field of an exception record; a record that is null has none.
+template <typename Field, typename Value>
+void setField(jlong handle, Field HSCPlazException::*field, const Value& value) {
+    if (auto* record = at<HSCPlazException>(handle)) record->*field = value;
+}
+
 template <typename Subject>
 jboolean act(JNIEnv* env, jlong subject, jlong statusHandle, jlong exceptionHandle,
              bool (*action)(Subject*, HDGUIStatus&, HSCPlazException&)) {
@@ -238,17 +244,14 @@ PLAZ_EXPORT(jstring, PlazException_1get_1PlazException_1error_1msg, jclass, jlon
     return guard(env, [&]() -> const std::string& { return exception(handle).error_msg; });
 }
 PLAZ_EXPORT(void, PlazException_1set_1PlazException_1error_1msg, jclass, jlong handle, jobject, jstring text) {
-    guard(env, [&] {
-        const std::string value = toNative(env, text, "null string");
-        exception(handle).error_msg = value;
-    });
+    guard(env, [&] { setField(handle, &HSCPlazException::error_msg, toNative(env, text, "null string")); });
 }
 #define PLAZ_FIELD(field, mangled)                                                                                     \
     PLAZ_EXPORT(jint, PlazException_1get_1PlazException_1##mangled, jclass, jlong handle, jobject) {                   \
         return guard(env, [&] { return exception(handle).field; });                                                    \
     }                                                                                                                  \
     PLAZ_EXPORT(void, PlazException_1set_1PlazException_1##mangled, jclass, jlong handle, jobject, jint value) {       \
-        guard(env, [&] { exception(handle).field = value; });                                                          \
+        guard(env, [&] { setField(handle, &HSCPlazException::field, value); });                                        \
     }
 PLAZ_FIELD(error_code, error_1code)
 PLAZ_FIELD(error_context, error_1context)
