@@ -169,6 +169,7 @@ TEST_F(ItemTasksTest, FilesInPlaceAreAdoptedOnlyWhenTheyAreTheItem) {
         files.temp.write("appdata/2024.2/plaz/ced_store/items/" + item + "/own.txt", "kept");
     }
     HPAParamMgr::getParamMgr().setValue("plaz.enableRemoteAccess", "false"); // else what they lack is fetched
+    find("a").setSource(static_cast<HSCPlazTypes::ItemSource>(1));
     ASSERT_TRUE(install("a"));
     EXPECT_EQ(takeIds(), Names{"17-1573"});
     EXPECT_EQ(find("a").getSource(), HSCPlazTypes::LOCAL);

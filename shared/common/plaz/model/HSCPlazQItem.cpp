@@ -141,7 +141,7 @@ void HSCPlazQItem::setReferenceCount(std::int32_t value) {
     if (m_model) m_model->setReferenceCount(value);
 }
 HSCPlazTypes::ItemSource HSCPlazQItem::getSource() const {
-    return m_model ? m_model->getSource() : HSCPlazTypes::REPOSITORY;
+    return m_model ? m_model->getSource() : HSCPlazTypes::LOCAL;
 }
 void HSCPlazQItem::setSource(HSCPlazTypes::ItemSource value) {
     if (m_model) m_model->setSource(value);

@@ -154,7 +154,7 @@ private:
     std::string m_commitId;
     std::string m_installedCommitId;
     std::int32_t m_referenceCount = 0;
-    HSCPlazTypes::ItemSource m_source = HSCPlazTypes::REPOSITORY;
+    HSCPlazTypes::ItemSource m_source = HSCPlazTypes::LOCAL;
     bool m_active = false;
     bool m_listed = true;
     bool m_describedByItself = false;

@@ -16,8 +16,8 @@ enum AUTHMODE : std::int32_t { NONE = 0, BASIC = 1, OAUTH_1_0 = 2, OAUTH_2_0 = 3
 /// What a store's repository is kept with.
 enum HSCPlazRepoType : std::int32_t { GIT = 0 };
 
-/// Where an item's installed files came from: LOCAL when they were found in place, REPOSITORY otherwise.
-enum ItemSource : std::int32_t { LOCAL = 0, REPOSITORY = 1 };
+/// Where an item's installed files came from. The hub knows LOCAL alone; other values are for whoever sets them.
+enum ItemSource : std::int32_t { LOCAL = 0 };
 
 /// What went wrong, filled in for the user interface; never thrown.
 struct HSCPlazException {

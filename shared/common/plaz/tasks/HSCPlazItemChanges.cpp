@@ -121,7 +121,6 @@ bool HSCPlazItemChanges::fetch(const HSCPlazFoundItem& found, Mode mode, bool is
     const HSCPlazPendingChange change = toInstallation(found, mode);
     if (!requireReplaceable(found, change) || !Files::fetch(m_task, found, *change.item, isAskedFor)) return false;
     if (!put(found, change, {Msg::dirNotWritable, MsgSeverity::error, change.item->getLocalDir()})) return false;
-    found.item->setSource(HSCPlazTypes::REPOSITORY);
     // It was whole before it came here; as long as it cannot be read, what the item needs is not known.
     return found.item->getModel()->isDescribedByItself() ||
            m_task.fail(Msg::fileMissing, change.item->getLocalDir() + "/" + found.item->getMetadataFile());

@@ -86,7 +86,7 @@ public final class PlazItem extends HubObject {
         return plazi.PlazItem_getMetadataFile(handle(), this);
     }
 
-    /** Where the installed files come from: 0 when they were in place, 1 from the repository. */
+    /** Where the installed files come from. The hub gives every item 0, a local source. */
     public int getSource() {
         return plazi.PlazItem_getSource(handle(), this);
     }

@@ -181,6 +181,7 @@ class HubTest {
         assertTold("INFO 17-1573 ");
         PlazItem aurora = item("boards", "boards::aurora@2.0");
         assertTrue(aurora.IsInstalled());
+        assertEquals(0, aurora.getSource(), "the hub gives no other value");
         assertTrue(Files.isRegularFile(Path.of(aurora.getLocalRootDir(), "board.xml")), aurora.getLocalRootDir());
         assertFalse(aurora.getHistory().isEmpty());
         assertFalse(aurora.NeedsRefresh());
