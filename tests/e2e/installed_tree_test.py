@@ -74,6 +74,14 @@ class InstalledTreeTest(unittest.TestCase):
             shown = self.succeed(sys.executable, "-B", "-c", "import plaz; print(plaz.stores())", **env)
             self.assertIn("plaz.Store tclscripts", shown)
 
+    def test_libraries(self):
+        """Catches: a library in the current directory that is loaded."""
+        (self.dir / "elsewhere").mkdir()
+        (self.dir / "elsewhere/libstdc++.so.6").touch()
+        for tree in (BUILD, self.prefix):
+            libraries = (*tree.glob("lib/**/*.so"), *tree.glob("python/**/*.so"))
+            succeed("ldd", tree / "bin/plaz", *libraries, cwd=self.dir / "elsewhere")
+
     def test_program(self):
         """Catches: a program that does not find the hub; a file of the sample or of the product that is not valid."""
         self.assertIn("tclscripts", self.succeed(self.prefix / "bin/plaz", "stores"))
