@@ -29,10 +29,9 @@ const HSCPlazWorkspace& workspace() {
 
 constexpr const char* byDefault = "default: <application data>/<product version>/plaz";
 
-/// "GDA_X" when that variable is set, else @p otherwise.
+/// "GDA_X" when that variable is set, else @p otherwise. One that is set to nothing counts as not set.
 std::string chosenBy(const std::string& variable, const std::string& otherwise) {
-    std::string value;
-    return HUTEnv::getEnv(variable, value) ? "variable " + variable : otherwise;
+    return HUTEnv::getEnv(variable).empty() ? otherwise : "variable " + variable;
 }
 
 /// A path computed by @p rule; one that the rule cannot compute is told with the reason.

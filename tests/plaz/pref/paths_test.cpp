@@ -29,6 +29,7 @@ protected:
 
 // A store's own directory losing against a variable, or a variable getting version and product folders behind it.
 TEST_F(PathsTest, StoreAreaFollowsLocalRootThenVariableThenAppData) {
+    env.set("ZENTOR_PLAZ_USER_REPO_PATH", "");
     EXPECT_EQ(pref.getUserRepoPath(&store), appData("plaz/boardroot"));
     EXPECT_EQ(pref.getUserRepoPath(static_cast<HSCPlazQStore*>(nullptr)), "");
     env.set("ZENTOR_PLAZ_USER_REPO_PATH", temp.makeDir("userrepo"));
@@ -50,13 +51,17 @@ TEST_F(PathsTest, StoreAreaFollowsLocalRootThenVariableThenAppData) {
     EXPECT_TRUE(pref.useLocalStore("board") && !pref.useLocalStore("boards"));
 }
 
-// Later entries of the preference taken, or an empty first one.
+// Later entries of the preference taken, or an empty first one; a variable that says nothing meaning the root of all
+// files, a relative one being recorded and meaning another directory next time.
 TEST_F(PathsTest, UserAreaFollowsVariableThenPreferenceThenAppData) {
     HCCXPref& preferences = HCCXPrefMgr::getInstance().getDefaultXPref();
     preferences.setVal("QSTORES_PATH", {"", "/second"});
     EXPECT_EQ(context.paths.getUserAreaRoot(), appData("plaz"));
     preferences.setVal("QSTORES_PATH", {"/first", "/second"});
+    env.set("ZENTOR_PLAZ_USERAREA_ROOT_DIR", "");
     EXPECT_EQ(context.paths.getUserAreaRoot("sub", false, "leaf"), "/first/sub/leaf");
+    env.set("ZENTOR_PLAZ_USERAREA_ROOT_DIR", "area");
+    EXPECT_EQ(context.paths.getUserAreaRoot(), HUTFile::getCanonicalName("area"));
     env.set("ZENTOR_PLAZ_USERAREA_ROOT_DIR", temp.path("area"));
     EXPECT_EQ(context.paths.getUserAreaRoot("sub", true, "leaf"), temp.path("area/sub/leaf"));
     EXPECT_EQ(context.paths.getStagingPath("r"), temp.path("area/r/.staging"));

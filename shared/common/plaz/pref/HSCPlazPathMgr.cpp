@@ -3,6 +3,7 @@
 #include "plaz/base/HSCPlazNames.h"
 #include "plaz/base/HSCPlazProduct.h"
 #include "plaz/base/HSCPlazTrust.h"
+#include "plaz/base/HSCPlazVariables.h"
 #include "plaz/model/HSCPlazCfgModel.h"
 #include "plaz/model/HSCPlazQStoreModel.h"
 #include "plaz/pref/HSCPlazUserPref.h"
@@ -49,8 +50,8 @@ std::string withLeaf(const std::string& dir, bool create, const std::string& lea
 
 /// The directory below which the hub's folder lies; empty when no data root holds it.
 std::string hubBase(const std::string& hubRoot) {
-    std::string base;
-    return HUTEnv::getEnv(HSCPlazName::localRootVariable, base) ? base : HUTEnv::getGDADataDir(hubRoot);
+    const std::string base = HSCPlazVariables::getDirectory(HSCPlazName::localRootVariable);
+    return base.empty() ? HUTEnv::getGDADataDir(hubRoot) : base;
 }
 
 /// Folders on disk are named by it, so it must be the same with every compiler (FNV-1a).
@@ -63,11 +64,9 @@ std::uint64_t hashOf(const std::string& text) {
 } // namespace
 
 std::string HSCPlazPathMgr::getUserAreaRoot(const std::string& subPath, bool create, const std::string& leaf) const {
-    std::string root;
-    if (!HUTEnv::getEnv(HSCPlazName::userAreaRootVariable, root)) {
-        root = firstStoresPath();
-        if (root.empty()) root = join({HSCPlazProduct::getUserDataDir(), HSCPlazName::productDir});
-    }
+    std::string root = HSCPlazVariables::getDirectory(HSCPlazName::userAreaRootVariable);
+    if (root.empty()) root = HSCPlazVariables::toAbsolute(firstStoresPath());
+    if (root.empty()) root = join({HSCPlazProduct::getUserDataDir(), HSCPlazName::productDir});
     return withLeaf(join({root, subPath}), create, leaf);
 }
 
@@ -104,8 +103,8 @@ std::string HSCPlazPathMgr::getConfigFile() const {
 
 std::string HSCPlazPathMgr::getStoresDataDir() const {
     const HSCPlazCfgModel& config = configOrDefaults(m_config);
-    std::string base;
-    if (!HUTEnv::getEnv(HSCPlazName::sharedRootVariable, base)) base = hubBase(config.getRoot());
+    std::string base = HSCPlazVariables::getDirectory(HSCPlazName::sharedRootVariable);
+    if (base.empty()) base = hubBase(config.getRoot());
     return base.empty() ? std::string() : join({base, config.getRoot(), config.getStoresRoot()});
 }
 

@@ -5,6 +5,7 @@
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/base/HSCPlazNames.h"
 #include "plaz/base/HSCPlazProduct.h"
+#include "plaz/base/HSCPlazVariables.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazCfgModel.h"
 #include "plaz/model/HSCPlazQStore.h"
@@ -29,9 +30,8 @@ fs::path belowUserRepo(const HSCPlazUserPref& pref, const std::string& localRoot
 } // namespace
 
 fs::path HSCPlazUserPref::getUserRepoPath() const {
-    std::string dir;
-    if (!HUTEnv::getEnv(HSCPlazName::userRepoVariable, dir))
-        return fs::path(HSCPlazProduct::getUserDataDir()) / HSCPlazName::productDir;
+    const std::string dir = HSCPlazVariables::getDirectory(HSCPlazName::userRepoVariable);
+    if (dir.empty()) return fs::path(HSCPlazProduct::getUserDataDir()) / HSCPlazName::productDir;
     if (!HUTFile::exists(dir))
         throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::userRepoPathMissing,
                                        HSCPlazName::userRepoVariable, HSCPlazName::userRepoVariable));
@@ -78,8 +78,8 @@ std::string HSCPlazUserPref::getPlazRemoteRepoPath() const {
     const HSCPlazCfgModel* config = HSCPlazContext::get().getConfig();
     if (config && config->getPlazRepoCfgModel() && !config->getPlazRepoCfgModel()->getUrl().empty())
         return config->getPlazRepoCfgModel()->getUrl();
-    std::string location;
-    if (!HUTEnv::getEnv(HSCPlazName::remoteRepoVariable, location))
+    const std::string location = HUTEnv::getEnv(HSCPlazName::remoteRepoVariable);
+    if (location.empty())
         throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::remoteRepoPathUnset,
                                        HSCPlazName::remoteRepoVariable, HSCPlazName::remoteRepoVariable));
     return location;
