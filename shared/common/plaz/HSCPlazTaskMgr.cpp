@@ -78,6 +78,11 @@ bool refreshHub(HSCPlazTask& task, std::map<std::string, HSCPlazReport>& failed)
            Changes::run(task, [&](Changes&) { return HSCPlazRefreshHubTask::refresh(task, failed); });
 }
 
+/// Without one there is nothing that a remote could be compared with.
+bool hasWorkingCopy(const HSCPlazQStore& store) {
+    return HSCPlazStoreLayout::isComplete(workspace().paths.getWorkLayout(*store.getModel()).getIndex());
+}
+
 bool mayBeMoved(const HSCPlazQStore* store, const std::string& dir) {
     if (dir.empty() || !store || !store->getHub()) {
         inside(moveName, " sanity checks failed.");
@@ -237,8 +242,7 @@ HSCPlazStoreResult HSCPlazTaskMgr::checkStore(HSCPlazQStore& store, HDGUIStatus*
     bool isFetched = false;
     task.guard([&] {
         if (!HSCPlazRefreshStoreTask::requireOffered(task, *store.getModel())) return false;
-        const HSCPlazWorkLayout layout = workspace().paths.getWorkLayout(*store.getModel());
-        isFetched = isRefreshed(&store) && HSCPlazStoreLayout::isComplete(layout.getIndex());
+        isFetched = isRefreshed(&store) && hasWorkingCopy(store);
         if (isFetched) check = HSCPlazUpdateCheckTask::look(task, *store.getModel(), "");
         return true;
     });
@@ -301,10 +305,16 @@ bool HSCPlazTaskMgr::hasUpdate(HSCPlazQStore* store) {
 }
 
 bool HSCPlazTaskMgr::hasUpdate(HSCPlazQStore* store, const std::string& proxy) {
-    if (!store || !store->getModel() || !gitRepo()) return false;
-    HSCPlazTask task(workspace(), *workspace().hub, nullptr);
     // RATIONALE: as it always has, it goes by the first line of git's log alone, even where that tells of a failure.
-    return HSCPlazUpdateCheckTask::look(task, *store->getModel(), proxy).moved.value_or(false);
+    return askRemote(store, proxy).moved.value_or(false);
+}
+
+HSCPlazUpdateCheck HSCPlazTaskMgr::askRemote(HSCPlazQStore* store, const std::string& proxy) {
+    const HSCPlazUpdateCheck nothingToTell{false, {}};
+    if (!store || !store->getModel() || !gitRepo() || !hasWorkingCopy(*store)) return nothingToTell;
+    HSCPlazTask task(workspace(), *workspace().hub, nullptr);
+    const HSCPlazUpdateCheck check = HSCPlazUpdateCheckTask::look(task, *store->getModel(), proxy);
+    return task.isCancelled() ? nothingToTell : check;
 }
 
 bool HSCPlazTaskMgr::isRefreshed(HSCPlazQStore* store) {

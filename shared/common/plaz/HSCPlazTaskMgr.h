@@ -1,5 +1,6 @@
 #pragma once
 
+#include "plaz/base/HSCPlazUpdateCheck.h"
 #include "plaz/base/PlazExport.h"
 #include "plaz/tasks/HSCPlazTaskOptions.h"
 #include "plaz/tasks/HSCPlazTaskResult.h"
@@ -69,6 +70,9 @@ public:
     /// nothing.
     /// @param proxy  HTTP proxy to ask through; empty changes nothing
     static bool hasUpdate(HSCPlazQStore* store, const std::string& proxy);
+    /// The same with the reason where there is no answer. That a store was never refreshed, so that there is nothing to
+    /// compare with, or that the check was cancelled, is none.
+    static HSCPlazUpdateCheck askRemote(HSCPlazQStore* store, const std::string& proxy);
     /// The store's item catalog lies in its area.
     static bool isRefreshed(HSCPlazQStore* store);
     /// When it came there, in seconds since the epoch; 0 when it did not.

@@ -10,4 +10,6 @@ struct HSCPlazUpdateCheck {
 
     /// Whether the remote has moved; nothing when that is not known.
     std::optional<bool> getAnswer() const { return reason.empty() ? moved : std::nullopt; }
+    /// What git printed tells of nothing new, and is not to be relied on.
+    bool hasFailed() const { return !moved.value_or(false) && !reason.empty(); }
 };

@@ -81,14 +81,15 @@ bool HSCPlazSwigIntf::refreshCatalog(HSCPlazQStore* store, HDGUIStatus& /*status
 bool HSCPlazSwigIntf::hasUpdate(HSCPlazQStore* store, HDGUIStatus& /*status*/, HSCPlazException& exception) {
     const std::string proxy = getHttpProxy();
     try {
-        return HSCPlazTaskMgr::hasUpdate(store, proxy);
-    } catch (...) {
-        exception.error_msg = "Error: checking for updates failed" +
-                              (store ? " for store " + store->getDisplayName() : std::string()) +
-                              ", could be due to timeout or proxy settings.\n Current proxy setting: " +
-                              (proxy.empty() ? "null" : HSCPlazTrust::maskProxy(proxy)) + ".\n";
-        return false;
+        const HSCPlazUpdateCheck check = HSCPlazTaskMgr::askRemote(store, proxy);
+        if (!check.hasFailed()) return check.moved.value_or(false);
+    } catch (...) { // told like any other failure
     }
+    exception.error_msg = "Error: checking for updates failed" +
+                          (store ? " for store " + store->getDisplayName() : std::string()) +
+                          ", could be due to timeout or proxy settings.\n Current proxy setting: " +
+                          (proxy.empty() ? "null" : HSCPlazTrust::maskProxy(proxy)) + ".\n";
+    return false;
 }
 
 bool HSCPlazSwigIntf::isInstalled(HSCPlazQStore* store) {

@@ -38,7 +38,8 @@ public:
     /// The same for a store; null, or one of another hub, gives false.
     static bool refreshCatalog(HSCPlazQStore* store, HDGUIStatus& status, HSCPlazException& exception);
 
-    /// Whether the store's remote has moved. What goes wrong is written to @p exception, and the answer is false.
+    /// Whether the store's remote has moved. Where the remote gave no answer, and where something else goes wrong, that
+    /// is written to @p exception, and the answer is false. That a store was never refreshed is no failure.
     static bool hasUpdate(HSCPlazQStore* store, HDGUIStatus& status, HSCPlazException& exception);
     /// These forward to HSCPlazTaskMgr.
     static bool isInstalled(HSCPlazQStore* store);
