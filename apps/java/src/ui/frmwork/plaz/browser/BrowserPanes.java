@@ -18,6 +18,7 @@ import javax.swing.JScrollPane;
 import javax.swing.JSplitPane;
 import javax.swing.JTextArea;
 import javax.swing.JTextField;
+import javax.swing.KeyStroke;
 import ui.frmwork.plaz.browser.Snapshot.Key;
 
 /** What the window is made of, and where it stands. */
@@ -139,6 +140,8 @@ final class BrowserPanes extends JPanel {
         JSplitPane pane = new JSplitPane(orientation, true, first, second);
         pane.setResizeWeight(weight);
         pane.setBorder(null);
+        // It would take this key from the menu, for a step to its other side.
+        pane.getInputMap(WHEN_ANCESTOR_OF_FOCUSED_COMPONENT).put(KeyStroke.getKeyStroke("F6"), "none");
         return pane;
     }
 }
