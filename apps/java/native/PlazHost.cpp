@@ -130,6 +130,14 @@ std::vector<std::string> compare(const std::vector<std::string>& references) {
     return triples;
 }
 
+bool check(const std::string& name) {
+    HSCPlazQStore& store = HubQueries(requireHub()).getStore(name);
+    const StoresResult result = HubActions(requireHub(), commandStatus(), {}).check({&store});
+    if (commandStatus().isCanceled()) failWith(ShellMsg::cancelled);
+    if (!result.isDone) throw ExplainedFailure(*result.reason);
+    return result.parts.front().outcome == HSCPlazStoreResult::Outcome::outdated;
+}
+
 void repair(std::vector<std::string> references) {
     references.insert(references.begin(), "plaz::repair");
     hdi::tcltasks::task_manager::eval_in_tcl_throw(textOf(TclRef(makeList(references)).get()), nullptr, false);
@@ -175,4 +183,8 @@ JNIEXPORT jobjectArray JNICALL Java_ui_frmwork_plaz_host_PlazHost_compare(JNIEnv
 
 JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_repair(JNIEnv* env, jclass, jobjectArray items) {
     guard(env, [&] { repair(toNative(env, items)); });
+}
+
+JNIEXPORT jboolean JNICALL Java_ui_frmwork_plaz_host_PlazHost_check(JNIEnv* env, jclass, jstring store) {
+    return guard(env, [&] { return check(jni::toNative(env, store)); });
 }

@@ -143,7 +143,7 @@ class HubTest {
 
     /**
        Catches: items that outlive their refresh, progress that is not told, a listener that stops the hub, a check that
-        sees no change.
+        sees no change, or takes silence for an answer.
      */
     @Test
     @Order(2)
@@ -164,7 +164,12 @@ class HubTest {
                         .directory(SAMPLE.resolve("repos/boards-store.git").toFile())
                         .start()
                         .waitFor());
-        assertTrue(PlazSwigIntf.hasUpdate(boards, STATUS, RECORD));
+        assertTrue(PlazSwigIntf.hasUpdate(boards, STATUS, RECORD) && PlazHost.check("boards"));
+        String url = boards.getUrl();
+        boards.setUrl(url + ".gone");
+        CommandFailedException failure = assertThrows(CommandFailedException.class, () -> PlazHost.check("boards"));
+        assertTold("ERROR 17-2195 " + failure.getMessage());
+        boards.setUrl(url);
         assertTold("progress ");
         assertFalse(aurora.isAlive());
         assertThrows(IllegalStateException.class, aurora::getName);

@@ -89,10 +89,10 @@ record Operation(String title, boolean isSetting, Action action) {
 
     static Operation check(String store) {
         return onStore("Checking", store, false, (found, status, failure) -> {
-            boolean hasMoved = PlazSwigIntf.hasUpdate(found, status, failure);
-            if (status.isCanceled()) return "Cancelled: \"" + store + "\" was not checked.";
-            return hasMoved ? "\"" + store + "\" has a newer catalog: choose Refresh to fetch it."
-                            : "\"" + store + "\" is up to date.";
+            if (!PlazSwigIntf.isRefreshed(found))
+                return "Whether \"" + store + "\" has a newer catalog is not known: it was never refreshed.";
+            return PlazHost.check(store) ? "\"" + store + "\" has a newer catalog: choose Refresh to fetch it."
+                                         : "\"" + store + "\" is up to date.";
         });
     }
 

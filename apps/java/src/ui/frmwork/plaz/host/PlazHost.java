@@ -101,6 +101,15 @@ public final class PlazHost {
      */
     public static native void repair(String... items);
 
+    /**
+     * Whether a store's remote has moved since the last refresh; so it counts as well where the store was never
+     * refreshed. Fetches nothing.
+     *
+     * @throws ui.frmwork.cmd.CommandFailedException when that is not known, with the reason, which is told, too; or
+     *         when it was cancelled
+     */
+    public static native boolean check(String store);
+
     private static native String[] compare(String... items);
 
     private static native void startHub();
