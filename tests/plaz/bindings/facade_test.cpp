@@ -23,7 +23,7 @@ protected:
         task_manager::eval_in_tcl_throw("namespace eval plaz {proc get_qitems args {return $args}; "
                                         "proc get_qstores args {return $args}; proc install args {llength $args}; "
                                         "proc uninstall args {error {cannot remove it}}; proc update args {return 0}; "
-                                        "proc refresh_catalog args {return 1}}; proc set_param args {return 1}; "
+                                        "proc refresh_catalog args {return 1}}; proc set_param args {return $args}; "
                                         "proc set_property args {return 1}; proc current_solvan_preferences {} {}; "
                                         "set done 0",
                                         nullptr, true);
@@ -114,7 +114,8 @@ TEST_F(FacadeTest, FailedUpdateCheckIsTold) {
     HUTWait::setAround({});
 }
 
-// A parameter that is set in the wrong product, a preference that is half set, an entry taken from the wrong place.
+// A parameter that is set in the wrong product, or whose command must give a number, a preference that is half set, an
+// entry taken from the wrong place.
 TEST_F(FacadeTest, PreferencesFollowTheProduct) {
     EXPECT_EQ(Facade::getHttpProxy() + Facade::getQStoresPath(), "");
     Facade::setHttpProxy("proxy:1");

@@ -124,7 +124,10 @@ void HSCPlazSwigIntf::setHttpProxy(const std::string& proxy) {
     if (isParameter) requirePlain(HSCPlazTrust::isPlainTclText(proxy), HSCPlazTrust::maskProxy(proxy));
     preferences().setVal(HSCPlazName::httpProxy, {proxy});
     HCCXPrefUtils::savePreferences();
-    if (isParameter) evaluate(std::string("set_param ") + HSCPlazName::httpProxy + " " + proxy);
+    if (!isParameter) return;
+    std::string anyResult; // what a host's command gives is the host's own
+    hdi::tcltasks::task_manager::eval_in_tcl_throw(std::string("set_param ") + HSCPlazName::httpProxy + " " + proxy,
+                                                   &anyResult, false);
 }
 
 std::string HSCPlazSwigIntf::getQStoresPath() {
