@@ -61,11 +61,7 @@ public:
         HUTFile::rmRecursive(m_bareArea);
     }
 
-    void refresh() {
-        require(HSCPlazTaskMgr::loadCatalog(&m_hub, &m_store, nullptr) &&
-                    HSCPlazTaskMgr::updateCatalog(&m_store, nullptr),
-                "the refresh");
-    }
+    void refresh() { require(HSCPlazTaskMgr::refreshStore(m_store, nullptr).isDone(), "the refresh"); }
     bool check() { return HSCPlazTaskMgr::hasUpdate(&m_store, ""); }
     void install() { require(HSCPlazTaskMgr::install(&m_hub, item(), true, nullptr), "the installation"); }
     void installBare() {

@@ -221,7 +221,8 @@ HSCPlazHubResult HSCPlazTaskMgr::refreshHub(HSCPlaz& hub, HDGUIStatus* status) {
 HSCPlazStoreResult HSCPlazTaskMgr::refreshStore(HSCPlazQStore& store, HDGUIStatus* status) {
     HSCPlazTask task(workspace(), *store.getHub(), status);
     const auto refresh = [&](Changes&) {
-        return HSCPlazRefreshStoreTask::loadCatalog(task, store) && HSCPlazRefreshStoreTask::describeItems(task, store);
+        return HSCPlazRefreshStoreTask::fetchCatalog(task, store) &&
+               HSCPlazRefreshStoreTask::describeItems(task, store);
     };
     const bool isDone = carryOut(task, refresh, &store);
     if (!isDone) task.fail(Msg::storeNotRefreshed, store.getName());

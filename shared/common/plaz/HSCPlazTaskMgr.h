@@ -53,11 +53,12 @@ public:
     /// Sends Msg::storeNotRefreshed for each store that fails, after the reason, and Msg::storeWithdrawn for each that
     /// is no longer offered to the product while something of it is installed.
     static bool updateCatalog(HSCPlaz* hub, HDGUIStatus* status);
-    /// Fetches a store's metadata file and item catalog, and rebuilds the store from them. Until both have come and are
-    /// whole the old catalog stays in force. Items and categories of the store are new objects afterwards.
-    /// @return false for null arguments, a store without a model, on cancellation and when the fetch failed
-    /// @throws HEXAll Msg::storeFileInvalid, catalogFileInvalid when what was fetched is not whole
-    /// Sends Msg::dirNotWritable and what the repository sends.
+    /// Rebuilds a store from its files on this machine: what is shipped, what its last refresh has left in its area,
+    /// and its database. Fetches nothing. Items and categories of the store are new objects afterwards.
+    /// @return false for null arguments, a store without a model, on cancellation, and where the store's directory is
+    ///         away (Msg::placeMissing)
+    /// @throws HEXAll Msg::storeFileInvalid, catalogFileInvalid when its files are not whole
+    /// Sends what the readers report, and Msg::databaseNotSaved.
     static bool loadCatalog(HSCPlaz* hub, HSCPlazQStore* store, HDGUIStatus* status);
     /// Fetches the metadata files and change logs of a store's items.
     /// @return true also for a store without items (Msg::storeWithoutCatalogs). An item whose file is not whole keeps

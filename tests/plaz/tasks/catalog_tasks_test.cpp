@@ -16,7 +16,7 @@ protected:
     }
 
     static bool refresh(HDGUIStatus* status = nullptr) {
-        return HSCPlazTaskMgr::loadCatalog(&hub(), &store(), status) && HSCPlazTaskMgr::updateCatalog(&store(), status);
+        return HSCPlazTaskMgr::refreshStore(store(), status).isDone();
     }
     /// Publishes store metadata of which a part is another one.
     void publishWith(const std::string& other, const std::string& part) {
@@ -52,12 +52,14 @@ TEST_F(CatalogTasksTest, ChecksSeeWhatIsNewer) {
 TEST_F(CatalogTasksTest, CatalogsComeIntoNobodysPlace) {
     tcl.publish();
     ASSERT_TRUE(refresh() && install("a"));
+    takeIds();
     files.temp.makeDir("appdata/2024.2/plaz/ced_store/folder.json");
     const std::string before = readFile(files.area("ced_store/items/a/item.json"));
     for (const std::string name : {"items/a/item.json", "folder.json"}) {
         tcl.getRepo().write(name, readFile(tcl.getRepo().getDir() + "/catalog.json"));
         publishWith(name, "catalog.json");
-        EXPECT_EQ(thrownBy([] { refresh(); }), "17-2251") << name;
+        EXPECT_FALSE(refresh()) << name;
+        EXPECT_EQ(takeIds(), (Names{"17-2251", "17-2191"}));
         tcl.publish();
     }
     EXPECT_EQ(readFile(files.area("ced_store/items/a/item.json")), before);
@@ -70,19 +72,21 @@ TEST_F(CatalogTasksTest, CatalogsComeIntoNobodysPlace) {
     EXPECT_TRUE(refresh());
 }
 
-// A failed or cancelled refresh that takes the known catalog away.
+// A failed or cancelled refresh that takes the known catalog away; a store that cannot be read from its files without
+// fetching, or is taken for read where they are damaged.
 TEST_F(CatalogTasksTest, WhatFailsLeavesTheOldCatalogInForce) {
     tcl.item("b", "1");
     tcl.publish();
     ASSERT_TRUE(refresh());
     takeIds();
-    for (const auto& [file, text, thrown] : {std::tuple("catalog.json", "{\"catalog\": ", "17-2134"),
-                                             {"catalog.json", "{\"catalog\": []}", "17-2134"},
-                                             {"store.json", "{}", "17-2135"}}) {
+    for (const auto& [file, text, ids] :
+         {std::tuple("catalog.json", "{\"catalog\": ", Names{"17-2140", "17-2134", "17-2191"}),
+          {"catalog.json", "{\"catalog\": []}", {"17-2134", "17-2191"}},
+          {"store.json", "{}", {"17-2135", "17-2191"}}}) {
         tcl.getRepo().write(file, text).commit();
-        EXPECT_EQ(thrownBy([] { refresh(); }), thrown) << text;
+        EXPECT_FALSE(refresh());
+        EXPECT_EQ(takeIds(), ids) << text;
     }
-    EXPECT_EQ(takeIds(), Names{"17-2140"});
     tcl.publish();
     HDGUIStatus status;
     status.cancel();
@@ -90,13 +94,24 @@ TEST_F(CatalogTasksTest, WhatFailsLeavesTheOldCatalogInForce) {
     const std::string url = store().getUrl();
     store().setUrl("file://" + files.temp.path("gone"));
     EXPECT_FALSE(refresh());
-    EXPECT_EQ(takeIds(), Names{"17-1990"});
+    EXPECT_EQ(takeIds(), (Names{"17-1990", "17-2191"}));
     store().setUrl(url);
     HPAParamMgr::getParamMgr().setValue("plaz.enableRemoteAccess", "false");
     EXPECT_FALSE(refresh());
-    EXPECT_EQ(takeIds(), Names{"17-1559"});
+    EXPECT_EQ(takeIds(), (Names{"17-1559", "17-2191"}));
     EXPECT_NE(store().getItem("b"), nullptr);
     EXPECT_FALSE(HUTFile::exists(files.area("ced_store/.staging")));
+    const auto load = [&](const std::string& file, const std::string& text) {
+        files.temp.write("appdata/2024.2/plaz/ced_store/" + file, text);
+        return thrownBy([] { EXPECT_TRUE(HSCPlazTaskMgr::loadCatalog(&hub(), &store(), nullptr)); });
+    };
+    tcl.withdraw("b");
+    tcl.publish();
+    EXPECT_EQ(load("catalog.json", readFile(tcl.getRepo().getDir() + "/catalog.json")), "nothing");
+    EXPECT_EQ(store().getItem("b"), nullptr);
+    EXPECT_EQ(takeIds(), Names{});
+    EXPECT_EQ(load("catalog.json", "{"), "17-2134");
+    EXPECT_EQ(load("store.json", "{"), "17-2135");
 }
 
 // A switch without effect on where a store lives; a store left at a place that the first refresh has not filled, or
@@ -146,7 +161,7 @@ TEST_F(CatalogTasksTest, OddStoresAreTakenAsTheyAre) {
     EXPECT_TRUE(refresh() && refresh());
     EXPECT_EQ(takeIds(), Names{});
     publishWith("Others", "Solvan");
-    EXPECT_TRUE(HSCPlazTaskMgr::loadCatalog(&hub(), &store(), nullptr));
+    EXPECT_TRUE(refresh());
     EXPECT_EQ(takeIds(), Names{"17-2178"});
     tcl.publish();
     EXPECT_TRUE(refresh() && HSCPlazTaskMgr::uninstall(&hub(), store().getItem("a"), true));

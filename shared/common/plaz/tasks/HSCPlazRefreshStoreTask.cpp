@@ -118,6 +118,15 @@ private:
     HSCPlazJsonDocument m_document;
 };
 
+void rebuild(HSCPlazTask& task, HSCPlazQStore& store) {
+    task.show("Reading", Catalog::shownName(*store.getModel()), 40);
+    const std::vector<Catalog::Holding> holdings = Catalog::findHoldings(task);
+    HSCPlazReport report;
+    HSCPlazHubBuilder(task.getWorkspace(), report).reloadStore(task.getHub(), store, false);
+    task.mentionBrought(report);
+    Catalog::tellWithdrawn(task, holdings);
+}
+
 } // namespace
 
 bool HSCPlazRefreshStoreTask::requireOffered(HSCPlazTask& task, const HSCPlazQStoreModel& store) {
@@ -125,25 +134,29 @@ bool HSCPlazRefreshStoreTask::requireOffered(HSCPlazTask& task, const HSCPlazQSt
            task.fail(Msg::storeWithdrawn, store.getName(), task.getWorkspace().paths.getStoreArea(store));
 }
 
-bool HSCPlazRefreshStoreTask::loadCatalog(HSCPlazTask& task, HSCPlazQStore& store) {
-    HSCPlazWorkspace& workspace = task.getWorkspace();
+bool HSCPlazRefreshStoreTask::fetchCatalog(HSCPlazTask& task, HSCPlazQStore& store) {
     HSCPlazQStoreModel& model = *store.getModel();
     if (!requireOffered(task, model)) return false;
     task.show("Fetching", Catalog::shownName(model), 0);
     PlaceGuard place(model);
     HSCPlazReport placed;
-    HSCPlazPlaces(workspace).placeForRefresh(model, placed);
+    HSCPlazPlaces(task.getWorkspace()).placeForRefresh(model, placed);
     task.mention(placed);
     // RATIONALE: the store is cleared only once the new catalog is there: a failure leaves the old one in force.
     if (!Catalog::fetch(task, model)) return false;
     place.keep();
-    task.show("Reading", Catalog::shownName(model), 40);
-    const std::vector<Catalog::Holding> holdings = Catalog::findHoldings(task);
-    HSCPlazReport reloaded;
-    HSCPlazHubBuilder(workspace, reloaded).reloadStore(task.getHub(), store, false);
-    task.mentionBrought(reloaded);
-    Catalog::tellWithdrawn(task, holdings);
+    rebuild(task, store);
     return !model.isUnread() || task.fail(Msg::catalogUnread, model.getName(), model.getName());
+}
+
+bool HSCPlazRefreshStoreTask::loadCatalog(HSCPlazTask& task, HSCPlazQStore& store) {
+    HSCPlazQStoreModel& model = *store.getModel();
+    if (!task.requirePlace(model)) return false;
+    Catalog::requireMetadata(task, model);
+    rebuild(task, store);
+    if (!model.isUnread()) return true;
+    const std::string catalog = model.getLocalRootDir() + "/" + model.getCatalogFile();
+    throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::catalogFileInvalid, model.getName(), catalog));
 }
 
 bool HSCPlazRefreshStoreTask::describeItems(HSCPlazTask& task, HSCPlazQStore& store) {

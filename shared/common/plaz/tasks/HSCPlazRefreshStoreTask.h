@@ -13,6 +13,12 @@ bool requireOffered(HSCPlazTask& task, const HSCPlazQStoreModel& store);
 /// whole the old catalog stays in force. Items and categories of the store are new objects afterwards.
 /// @return false on cancellation and when the fetch failed
 /// @throws HEXAll Msg::storeFileInvalid, catalogFileInvalid when what was fetched is not whole
+bool fetchCatalog(HSCPlazTask& task, HSCPlazQStore& store);
+/// Rebuilds the store from its files on this machine; fetches nothing. Items and categories of the store are new
+/// objects afterwards.
+/// @return false where the store's directory is away (Msg::placeMissing)
+/// @throws HEXAll Msg::storeFileInvalid, with the store as it was, or catalogFileInvalid when what the last refresh has
+///         left is not whole
 bool loadCatalog(HSCPlazTask& task, HSCPlazQStore& store);
 /// Fetches the metadata files and change logs of the store's items.
 /// @return true also for a store without items (Msg::storeWithoutCatalogs). An item whose file is not whole keeps what

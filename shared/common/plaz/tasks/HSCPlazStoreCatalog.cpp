@@ -127,6 +127,12 @@ bool HSCPlazStoreCatalog::fetch(HSCPlazTask& task, HSCPlazQStoreModel& store) {
     return HSCPlazStoreLayout::markComplete(layout.getArea());
 }
 
+void HSCPlazStoreCatalog::requireMetadata(HSCPlazTask& task, const HSCPlazQStoreModel& store) {
+    const std::string area = task.getWorkspace().paths.getStoreArea(store);
+    if (HSCPlazStoreLayout::isComplete(area))
+        requireUsable(task, Msg::storeFileInvalid, store, area + "/" + store.getMetadataFile());
+}
+
 bool HSCPlazStoreCatalog::holdsSomething(const HSCPlazQStoreModel& store) {
     const auto& items = store.getItems();
     return std::any_of(items.begin(), items.end(), [](const auto& item) { return item->isInstalled(); });

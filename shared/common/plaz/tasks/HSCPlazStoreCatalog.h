@@ -26,6 +26,9 @@ bool settle(HSCPlazTask& task, const std::function<HSCPlazGitOutcome()>& operati
 /// @throws HEXAll Msg::storeFileInvalid, catalogFileInvalid when what was fetched is not whole
 bool fetch(HSCPlazTask& task, HSCPlazQStoreModel& store);
 
+/// @throws HEXAll Msg::storeFileInvalid where the metadata file that a refresh has brought is not whole
+void requireMetadata(HSCPlazTask& task, const HSCPlazQStoreModel& store);
+
 /// A store of which something is installed.
 struct Holding {
     std::string store;
