@@ -68,7 +68,7 @@ TEST_F(FacadeTest, ActionsAreCommands) {
     EXPECT_EQ(takeCommands(), Names{});
 }
 
-// A name from a catalog that runs as a script, becomes an option, or arrives as another one.
+// A name from a catalog that runs as a script, becomes an option, or arrives as another one; a reason that is not its.
 TEST_F(FacadeTest, NamesThatTclWouldChangeAreRefused) {
     HSCPlazQItem& item = *boards()->getItem("mesa");
     for (const char* name : {"two words", "x*?", "計測", "#1", "a'b", "!~(),<>|&^%"}) {
@@ -76,11 +76,18 @@ TEST_F(FacadeTest, NamesThatTclWouldChangeAreRefused) {
         EXPECT_TRUE(Facade::install(&item, status, exception)) << name;
         EXPECT_EQ(takeCommands(), Names{filled("plaz::install [plaz::get_qitems %]", {name})});
     }
-    for (const char* name : {"[exit]", "a]", "$done", "a;set done 1", "a\\b", "\"a\"", "{a", "a}", "a\nset done 1",
-                             "a\rb", "-installed", "a  b", " a", "a ", "a\tb"}) {
-        item.setItemName(name);
-        EXPECT_EQ(thrownBy([&] { Facade::install(&item, status, exception); }), "17-2179") << name;
-    }
+    const std::pair<Names, const char*> refused[]{
+        {{"[exit]", "a]", "$done", "a;set done 1", "a\\b", "\"a\"", "{a", "a}"}, "a character that Tcl interprets"},
+        {{"a\nset done 1", "a\rb", "a\tb"}, "a line end or another control character"},
+        {{"a  b"}, "several blanks in a row"},
+        {{" a", "a "}, "with a blank"},
+        {{"-installed"}, "with \"-\""}};
+    for (const auto& [names, reason] : refused)
+        for (const std::string& name : names) {
+            item.setItemName(name);
+            EXPECT_EQ(thrownBy([&] { Facade::install(&item, status, exception); }), "17-2179") << name;
+            EXPECT_NE(thrownText.find(reason), std::string::npos) << thrownText;
+        }
     const HSCPlazQItem empty;
     EXPECT_EQ(thrownBy([&] { Facade::update(const_cast<HSCPlazQItem*>(&empty), status, exception); }), "17-2179");
     EXPECT_EQ(task_manager::eval_in_tcl_throw("set done", nullptr, true), 0);

@@ -124,13 +124,17 @@ bool HSCPlazTrust::isSafeUrl(const std::string& text) {
     return hasServedScheme(url) && hasPlainAuthority(url) && !isTorn && !hasOptionAsHost(url);
 }
 
-bool HSCPlazTrust::isPlainTclText(const std::string& text) {
-    if (hasControlCharacter(text) || text.find_first_of("[]$;\\\"{}") != std::string::npos) return false;
-    return text.empty() || (text.front() != ' ' && text.back() != ' ' && text.find("  ") == std::string::npos);
+std::string HSCPlazTrust::findTclRefusal(const std::string& text) {
+    if (hasControlCharacter(text)) return "it holds a line end or another control character";
+    if (text.find_first_of("[]$;\\\"{}") != std::string::npos) return "it holds a character that Tcl interprets";
+    if (text.find("  ") != std::string::npos) return "it holds several blanks in a row";
+    if (!text.empty() && (text.front() == ' ' || text.back() == ' ')) return "it begins or ends with a blank";
+    return {};
 }
 
-bool HSCPlazTrust::isPlainTclName(const std::string& name) {
-    return !name.empty() && name.front() != '-' && isPlainTclText(name);
+std::string HSCPlazTrust::findTclNameRefusal(const std::string& name) {
+    if (name.empty()) return "it is empty";
+    return name.front() == '-' ? "it begins with \"-\"" : findTclRefusal(name);
 }
 
 std::string HSCPlazTrust::maskSecrets(const std::string& text) {

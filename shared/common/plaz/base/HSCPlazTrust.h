@@ -22,11 +22,12 @@ PLAZ_API bool isCommitId(const std::string& text);
 /// A URL that git may be given: no leading "-", no transport that runs a program ("ext::", "fd::" and the like), no
 /// control character, no blank or quote in user or host, no "/" in the user part; a local path is one too.
 PLAZ_API bool isSafeUrl(const std::string& text);
-/// A text that arrives as it is when it is put into a Tcl command without quotes: no character that Tcl interprets, no
-/// line end, and no blank that parting words would swallow (tabs, several in a row, at either end). It may be empty.
-PLAZ_API bool isPlainTclText(const std::string& text);
+/// Why a text would not arrive as it is when it is put into a Tcl command without quotes, for people: it holds a
+/// character that Tcl interprets, a line end, or a blank that parting words would swallow (tabs, several in a row, at
+/// either end). Empty for one that arrives; so does none at all.
+PLAZ_API std::string findTclRefusal(const std::string& text);
 /// The same for the name of a store or an item, which must not be empty nor look like an option.
-PLAZ_API bool isPlainTclName(const std::string& name);
+PLAZ_API std::string findTclNameRefusal(const std::string& name);
 /// The text with the user part of every URL in it ("//user:token@") replaced by "***".
 PLAZ_API std::string maskSecrets(const std::string& text);
 /// The same of one proxy, which may come without a scheme and with a user part all the same.

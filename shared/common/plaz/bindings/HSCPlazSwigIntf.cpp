@@ -29,9 +29,11 @@ HCCXPref& preferences() {
     return HCCXPrefMgr::getInstance().getDefaultXPref();
 }
 
-/// @param shown  the text as a person may see it
-void requirePlain(bool isPlain, const std::string& shown) {
-    if (!isPlain) throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::textNotForTcl, shown));
+/// @param refusal  why the text is not taken; empty where it is
+/// @param shown    the text as a person may see it
+void requirePlain(const std::string& refusal, const std::string& shown) {
+    if (refusal.empty()) return;
+    throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::textNotForTcl, shown, refusal));
 }
 
 bool evaluate(const std::string& command) {
@@ -39,7 +41,7 @@ bool evaluate(const std::string& command) {
 }
 
 bool evaluateOn(const std::string& prefix, const std::string& name) {
-    requirePlain(HSCPlazTrust::isPlainTclName(name), name);
+    requirePlain(HSCPlazTrust::findTclNameRefusal(name), name);
     return evaluate(prefix + name + "]");
 }
 
@@ -121,7 +123,7 @@ std::string HSCPlazSwigIntf::getHttpProxy() {
 
 void HSCPlazSwigIntf::setHttpProxy(const std::string& proxy) {
     const bool isParameter = HSCPlazProduct::getProxySource() == HSCPlazProduct::ProxySource::parameters;
-    if (isParameter) requirePlain(HSCPlazTrust::isPlainTclText(proxy), HSCPlazTrust::maskProxy(proxy));
+    if (isParameter) requirePlain(HSCPlazTrust::findTclRefusal(proxy), HSCPlazTrust::maskProxy(proxy));
     preferences().setVal(HSCPlazName::httpProxy, {proxy});
     HCCXPrefUtils::savePreferences();
     if (!isParameter) return;
@@ -137,7 +139,7 @@ std::string HSCPlazSwigIntf::getQStoresPath() {
 }
 
 bool HSCPlazSwigIntf::setQStoresPath(const std::string& path) {
-    requirePlain(HSCPlazTrust::isPlainTclText(path), path);
+    requirePlain(HSCPlazTrust::findTclRefusal(path), path);
     return evaluate(std::string("set_property ") + HSCPlazName::storesPath + " " + path +
                     " [current_solvan_preferences]");
 }
