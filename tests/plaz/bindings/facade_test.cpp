@@ -140,7 +140,10 @@ TEST_F(FacadeTest, PreferencesFollowTheProduct) {
     EXPECT_TRUE(Facade::setQStoresPath(""));
     EXPECT_EQ(takeCommands(), (Names{"set_property QSTORES_PATH /a b/c [current_solvan_preferences]",
                                      "set_property QSTORES_PATH  [current_solvan_preferences]"}));
-    EXPECT_EQ(thrownBy([&] { Facade::setQStoresPath("C:\\stores"); }), "17-2179");
+    const bool isSeparator = *test_system::pathListSeparator == ';'; // the backslash, on Windows
+    EXPECT_EQ(thrownBy([&] { Facade::setQStoresPath("C:\\stores"); }), isSeparator ? "nothing" : "17-2179");
+    const Names accepted{"set_property QSTORES_PATH C:/stores [current_solvan_preferences]"};
+    EXPECT_EQ(takeCommands(), isSeparator ? accepted : Names{});
     HCCXPrefMgr::getInstance().getDefaultXPref().setVal("QSTORES_PATH", {"", "/second", "/third"});
     EXPECT_EQ(Facade::getQStoresPath(), "/second");
 }

@@ -16,6 +16,8 @@
 #include "support/HCCXPrefMgr.h"
 #include "support/HUTSysCall.h"
 
+#include <boost/filesystem/path.hpp>
+
 #include <algorithm>
 #include <memory>
 
@@ -139,7 +141,9 @@ std::string HSCPlazSwigIntf::getQStoresPath() {
 }
 
 bool HSCPlazSwigIntf::setQStoresPath(const std::string& path) {
-    requirePlain(HSCPlazTrust::findTclRefusal(path), path);
-    return evaluate(std::string("set_property ") + HSCPlazName::storesPath + " " + path +
+    // Of the separators that a system knows, dialogs may give the one that Tcl would interpret.
+    const std::string plain = boost::filesystem::path(path).generic_string();
+    requirePlain(HSCPlazTrust::findTclRefusal(plain), plain);
+    return evaluate(std::string("set_property ") + HSCPlazName::storesPath + " " + plain +
                     " [current_solvan_preferences]");
 }

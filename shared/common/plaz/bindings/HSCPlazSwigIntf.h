@@ -58,6 +58,7 @@ public:
     static void setHttpProxy(const std::string& proxy);
     /// First entry of the preference "QSTORES_PATH" that is not empty; else empty.
     static std::string getQStoresPath();
-    /// Sets that preference by the host's command. @return whether the command's result is not 0
+    /// Sets that preference by the host's command, with "/" between folders. @return whether the command's result is
+    /// not 0
     static bool setQStoresPath(const std::string& path);
 };

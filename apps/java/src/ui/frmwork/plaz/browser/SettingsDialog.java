@@ -8,6 +8,7 @@ import java.awt.GridBagLayout;
 import java.awt.Insets;
 import java.awt.event.ItemEvent;
 import java.awt.event.KeyEvent;
+import java.io.File;
 import java.util.HashMap;
 import java.util.Map;
 import java.util.function.Consumer;
@@ -87,7 +88,7 @@ final class SettingsDialog extends JDialog {
             JFileChooser chooser = new JFileChooser(field.getText());
             chooser.setFileSelectionMode(JFileChooser.DIRECTORIES_ONLY);
             if (chooser.showDialog(this, "Choose") == JFileChooser.APPROVE_OPTION)
-                field.setText(chooser.getSelectedFile().getPath());
+                field.setText(chooser.getSelectedFile().getPath().replace(File.separatorChar, '/'));
         });
         return button;
     }
