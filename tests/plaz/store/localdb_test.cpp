@@ -167,7 +167,7 @@ TEST_F(LocalDbTest, leavesWhatItCannotMerge) {
 // Records that can be read lost with those that cannot, or another store's records overwritten.
 TEST_F(LocalDbTest, TakesWhatCanBeReadAndLeavesOtherStoresTheirs) {
     const std::string start = R"({"plaz": {"product": "Solvan", "release": "2024.2", "qstores": [{"name": ")";
-    const std::string record = R"(", "items": [{"name": "a", "revision": "1"}, )";
+    const std::string record = R"(", "items": [{"name": "a", "revision": "1", "local_directory": "a"}, )";
     const std::string file = temp.write("db.json", start + "s" + record + R"({"name": "b\"]}}", "revision": "2)");
     EXPECT_EQ(mergeFile(file), Merge::damaged);
     ASSERT_EQ(store.getItems().size(), 1U);

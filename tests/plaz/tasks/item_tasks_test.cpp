@@ -473,12 +473,19 @@ TEST_F(ItemTasksTest, CancelledWorkIsSilentAndQuietWorkTellsErrorsOnly) {
     EXPECT_FALSE(HSCPlazTaskMgr::uninstall(&hub(), nullptr, true));
 }
 
-// Shipped content that counts as gone once the copy fetched over it is removed.
+// Shipped content that counts as gone once the copy fetched over it is removed, or as what an update would bring in the
+// next process.
 TEST_F(ItemTasksTest, ShippedContentStaysInstalled) {
     ship("a");
     files.env.set("GDA_DATA_DIR", files.temp.path("data"));
     ASSERT_TRUE(install("a"));
     files.temp.write("data/plaz/tcl/items/a/item.json", "{}");
     ASSERT_TRUE(uninstall("a"));
-    EXPECT_TRUE(find("a").IsInstalled() && find("a").NeedsRefresh());
+    reload();
+    EXPECT_TRUE(find("a").IsInstalled() && find("a").NeedsRefresh() && find("a").getLocalRootDir().empty());
+    walk({{"^a", " 17-1570 17-2188", "a@1 user 0;"}});
+    ASSERT_TRUE(uninstall("a"));
+    HUTFile::rmRecursive(files.temp.path("data/plaz/tcl"));
+    reload();
+    EXPECT_FALSE(find("a").IsInstalled());
 }

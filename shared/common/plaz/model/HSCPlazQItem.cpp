@@ -179,7 +179,7 @@ const std::string& HSCPlazQItem::getLogo() const {
     const std::string name = m_model ? m_model->getLogo() : std::string();
     if (name.empty()) {
         logo.clear();
-    } else if (IsInstalled()) {
+    } else if (IsInstalled() && !getLocalRootDir().empty()) {
         logo = getLocalRootDir() + "/" + name;
     } else {
         const HSCPlazContext& context = HSCPlazContext::get();

@@ -71,7 +71,7 @@ public:
     std::int32_t getReferenceCount() const;
     void setReferenceCount(std::int32_t value);
     bool IsInstalled() const;
-    /// A database records it as installed. What is shipped counts as installed, too, but stands in none.
+    /// It was installed here. What is only shipped counts as installed, too, but was not.
     bool isRecorded() const { return IsInstalled() && getMode() != HSCPlazInstallationMode::none; }
     void IsInstalled(bool value);
     bool NeedsRefresh() const;

@@ -28,7 +28,7 @@ void HSCPlazQItemModel::setIsInstalled(bool value) {
 }
 
 void HSCPlazQItemModel::deriveOutdated() {
-    m_latest = m_revision == m_latestRevision;
+    m_latest = m_revision == m_latestRevision && !isOnlyShipped();
     const bool hasMoved = !m_installedCommitId.empty() && !m_commitId.empty() && m_installedCommitId != m_commitId;
     m_needsRefresh = !m_latest || hasMoved;
 }

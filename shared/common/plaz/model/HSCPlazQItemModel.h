@@ -104,6 +104,8 @@ public:
     const std::string& getRecordedDir() const { return m_localDir.empty() ? m_recordedDir : m_localDir; }
     bool isOutOfReach() const { return m_localDir.empty() && !m_recordedDir.empty(); }
     void setRecordedDir(const std::string& value) { m_recordedDir = value; }
+    /// It counts as installed because it is shipped, and for nothing else: nothing of it is in the user's area.
+    bool isOnlyShipped() const { return m_installed && m_installationMode.empty() && getRecordedDir().empty(); }
     /// As it is recorded: "user", "tool" or empty. A database may hold another text, which is kept.
     const std::string& getInstallationMode() const { return m_installationMode; }
     void setInstallationMode(const std::string& value) { m_installationMode = value; }
@@ -120,7 +122,8 @@ public:
     }
     void setInstalledCommitId(const std::string& value) { m_installedCommitId = value; }
 
-    /// Derives whether the installed revision is the newest, and whether what is offered differs from it.
+    /// Derives whether the installed revision is the newest, and whether what is offered differs from it. How old what
+    /// is shipped is nobody knows.
     void deriveOutdated();
     /// The item is no longer installed; nothing is left of how and where it was.
     void clearInstallation();

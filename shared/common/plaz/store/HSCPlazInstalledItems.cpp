@@ -4,6 +4,7 @@
 #include "plaz/model/HSCPlazQStoreModel.h"
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
 #include "plaz/pref/HSCPlazPathMgr.h"
+#include "plaz/pref/HSCPlazUserPref.h"
 #include "support/ComMsgMgr.h"
 #include "support/HUTFile.h"
 
@@ -109,6 +110,11 @@ std::string HSCPlazInstalledItems::toLocalDir(const HSCPlazQItemModel& record, c
     return m_paths.getItemDir(m_store, item);
 }
 
+// A catalog that cannot be read may list it.
+bool HSCPlazInstalledItems::mayBeShipped(const HSCPlazQItemModel* listed) const {
+    return m_store.isUnread() || (listed && isShipped(m_store, *listed));
+}
+
 HSCPlazQItemModel& HSCPlazInstalledItems::addUnlisted(const HSCPlazQItemModel& record) {
     auto added = std::make_unique<HSCPlazQItemModel>();
     added->setName(record.getName());
@@ -137,13 +143,20 @@ HSCPlazQItemModel& HSCPlazInstalledItems::addUnlisted(const HSCPlazQItemModel& r
 std::string HSCPlazInstalledItems::apply(const HSCPlazQItemModel& record) {
     if (std::string refusal = findRefusal(record); !refusal.empty()) return refusal;
     HSCPlazQItemModel* listed = findRevision(record);
+    if (record.isOnlyShipped() && !mayBeShipped(listed)) return {};
     HSCPlazQItemModel& item = listed ? *listed : addUnlisted(record);
     item.setIsInstalled(true);
     item.setInstalledCommitId(record.getCommitId());
-    item.setLocalDir(toLocalDir(record, item));
+    item.setLocalDir(record.isOnlyShipped() ? std::string() : toLocalDir(record, item));
     item.setRecordedDir(record.getLocalDir());
     item.setInstallationMode(record.getInstallationMode());
     item.setReferenceCount(record.getReferenceCount());
     item.deriveOutdated();
     return {};
+}
+
+bool HSCPlazInstalledItems::isShipped(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item) {
+    const auto shipped = HSCPlazUserPref().getDataPath(store.getName());
+    return !shipped.empty() && !item.getMetadataFile().empty() &&
+           HUTFile::exists((shipped / item.getRoot() / item.getMetadataFile()).generic_string());
 }

@@ -19,14 +19,19 @@ public:
 
     /// Marks the item of the record's name and revision installed. One that the catalog does not list is added,
     /// described by what the catalog says of the item; one of which it says nothing at all is taken from the record. A
-    /// record whose names may not be used is left out. A directory outside the store's area is not believed.
+    /// record whose names may not be used is left out. A directory outside the store's area is not believed. What was
+    /// recorded because it was shipped, and is so no more, is not installed.
     /// @return why the record was left out; empty when it was not
     std::string apply(const HSCPlazQItemModel& record);
+
+    /// Whether the item is among the content that is shipped with the product.
+    static bool isShipped(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item);
 
 private:
     HSCPlazQItemModel* findRevision(const HSCPlazQItemModel& record) const;
     /// What the catalog says of the item: its latest revision where it lists that; null for an item it does not know.
     const HSCPlazQItemModel* findListed(const std::string& name) const;
+    bool mayBeShipped(const HSCPlazQItemModel* listed) const;
     HSCPlazQItemModel& addUnlisted(const HSCPlazQItemModel& record);
     bool isInArea(const std::string& dir) const;
     bool isNamedInArea(const std::string& dir) const;

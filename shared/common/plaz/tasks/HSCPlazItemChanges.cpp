@@ -326,11 +326,9 @@ bool HSCPlazItemChanges::giveUp(HSCPlazQStore& store) {
 }
 
 void HSCPlazItemChanges::restoreShipped(const HSCPlazFoundItem& found) const {
-    const auto shipped = m_task.getWorkspace().userPref.getDataPath(found.store->getName());
-    if (shipped.empty() || found.item->getMetadataFile().empty()) return;
-    if (!HUTFile::exists((shipped / found.item->getRoot() / found.item->getMetadataFile()).generic_string())) return;
+    if (!HSCPlazInstalledItems::isShipped(*found.store->getModel(), *found.item->getModel())) return;
     found.item->IsInstalled(true);
-    found.item->NeedsRefresh(true);
+    found.item->getModel()->deriveOutdated();
 }
 
 std::optional<HSCPlazPendingChange> HSCPlazItemChanges::readNote() const {
