@@ -149,7 +149,7 @@ void traceStore(const HSCPlazGitStore& store) {
     const HSCPlazProduct::Identity product = HSCPlazProduct::get();
     trace("qstore local root dir", store.layout.getStaging());
     trace("store info.\n Store Path : ", store.layout.getStaging(), ".\n Store Remote : ", store.url,
-          ".\n Store Branch : ", store.model.getBranchOrMaster(), "\n");
+          ".\n Store Branch : ", store.model.getBranchOrMaster());
     trace("Product Info :\n\t Product Name: ", product.name, ".\n\t Product Release : ", product.version);
 }
 

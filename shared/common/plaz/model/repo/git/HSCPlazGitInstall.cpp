@@ -35,7 +35,7 @@ public:
         if (!accept()) return false;
         const HSCPlazGitRemoved removed(m_staging);
         trace("qitem info:\n\titem root:", m_item.getRoot(), "\n\tstore path:", m_staging);
-        trace("git info:\n\tstore path ", m_staging, "\n\tstore remote ", m_store.model.getUrl(), "\n\titem commit id ",
+        trace("git info:\n\tstore path", m_staging, "\n\tstore remote", m_store.model.getUrl(), "\n\titem commit id",
               m_item.getCommitId());
         if (!checkOut()) return false;
         const std::string source = (fs::path(m_staging) / m_item.getRoot()).generic_string();
