@@ -39,6 +39,7 @@ TEST_F(PathsTest, StoreAreaFollowsLocalRootThenVariableThenAppData) {
     EXPECT_THROW(pref.getUserRepoPath(&store), HEXAll);
     EXPECT_THROW(context.paths.getStoreLayout(model), HEXAll);
     EXPECT_EQ(context.paths.getWorkLayout(model).getIndex(), appData("plaz/boardroot/.plaz/.index"));
+    EXPECT_EQ(store.getStagingRootDir(), appData("plaz/boardroot/.staging"));
     EXPECT_EQ(pref.getStagingPath(), appData(".staging/hub"));
     EXPECT_TRUE(fs::is_directory(appData(".staging/hub")));
     EXPECT_EQ(pref.getStagedRepoPath(&store), appData(".staging/hub/boardroot"));

@@ -57,8 +57,8 @@ public:
     void setItemRootDir(const std::string& value);
     std::string getInstallDir() const;
     void setInstallDir(const std::string& value);
-    /// Where a checkout is made; empty without a model, and without a hub that runs.
-    /// @throws HEXAll where the store's area cannot be named
+    /// Where a checkout is made, also where the store's area cannot be named; empty without a model, and without a hub
+    /// that runs.
     std::string getStagingRootDir() const;
     std::string getItemCatalogFile() const;
     std::string getItemCatalogRevision() const;
