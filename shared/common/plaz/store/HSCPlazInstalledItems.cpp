@@ -1,5 +1,6 @@
 #include "plaz/store/HSCPlazInstalledItems.h"
 
+#include "plaz/base/HSCPlazDebugLog.h"
 #include "plaz/base/HSCPlazTrustRules.h"
 #include "plaz/model/HSCPlazQStoreModel.h"
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
@@ -9,6 +10,8 @@
 #include "support/HUTFile.h"
 
 #include <boost/filesystem/path.hpp>
+
+#include <sstream>
 
 namespace {
 
@@ -33,6 +36,13 @@ std::string findArea(const HSCPlazQStoreModel& store, const HSCPlazPathMgr& path
     } catch (const HEXAll&) {
         return ""; // who placed the store has been told
     }
+}
+
+void log(const HSCPlazQItemModel& item) {
+    if (!HSCPlazDebugLog::isEnabled()) return;
+    std::ostringstream state;
+    state << item;
+    HSCPlazDebugLog::inside("HSCPlazInstalledItems::apply", " ", state.str());
 }
 
 } // namespace
@@ -152,6 +162,7 @@ std::string HSCPlazInstalledItems::apply(const HSCPlazQItemModel& record) {
     item.setInstallationMode(record.getInstallationMode());
     item.setReferenceCount(record.getReferenceCount());
     item.deriveOutdated();
+    log(item);
     return {};
 }
 
