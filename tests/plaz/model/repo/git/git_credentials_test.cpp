@@ -74,6 +74,8 @@ TEST_F(GitCredentials, CredentialsGoOnlyWhereTheyBelong) {
                                                                        {"", "https://x@evil.test/@hub.test/hub", ""},
                                                                        {"board", "https://any.test/b", "boss"}};
     for (const auto& [storeType, asked, user] : cases) EXPECT_EQ(chooseUser(storeType, asked), user) << asked;
+    context.config.getConfigModel()->getPlazRepoCfgModel()->setUserId("set since");
+    EXPECT_EQ(chooseUser("", "https://hub.test/any"), "set since");
 }
 
 // Faults: characters of a token that end the user part early; credentials for a transport that takes none.
