@@ -21,9 +21,8 @@ std::string readPreferences(const std::string& file, HCCXPref& preferences) {
     const HIOStream::Status status = HIOStream::read(file, text);
     if (status == HIOStream::Status::missing) return {};
     if (status != HIOStream::Status::ok) return "it cannot be read";
-    rapidjson::Document document;
-    std::string error;
-    if (!Json::parseInPlace(text, document, error)) return error;
+    HCRapidJsonDocument document;
+    if (!Json::parseInPlace(text, document)) return Json::GetErrorMsgFromDocument(document);
     const rapidjson::Value* members = Json::FindObject(document, preferencesKey);
     if (!members) return std::string("it has no member \"") + preferencesKey + "\"";
     for (const auto& member : members->GetObject())

@@ -121,7 +121,7 @@ std::string HCRapidJsonReadWriteUtils::getReadablePart(const std::string& text) 
     return cut == 0 ? std::string() : text.substr(0, cut) + openAtCut;
 }
 
-bool HCRapidJsonReadWriteUtils::parseInPlace(std::string& text, rapidjson::Document& document, std::string& error) {
+bool HCRapidJsonReadWriteUtils::parseInPlace(std::string& text, HCRapidJsonDocument& document) {
     static constexpr const char byteOrderMark[] = "\xEF\xBB\xBF";
     const std::size_t start = text.compare(0, 3, byteOrderMark) == 0 ? 3 : 0;
     const std::size_t size = text.size() - start;
@@ -137,6 +137,7 @@ bool HCRapidJsonReadWriteUtils::parseInPlace(std::string& text, rapidjson::Docum
         return !result.IsError();
     };
     document.Populate(generate);
+    document.m_parseError.clear();
 
     std::string reason;
     if (guard.isTooDeep())
@@ -148,7 +149,7 @@ bool HCRapidJsonReadWriteUtils::parseInPlace(std::string& text, rapidjson::Docum
     else
         return true;
     if (reason.back() == '.') reason.pop_back(); // messages put it inside a sentence
-    error =
+    document.m_parseError =
         describePlace(begin, result.IsError() ? result.Offset() : stream.Tell(), guard.getLineEndsInStrings()) + reason;
     document.SetNull();
     return false;
@@ -206,8 +207,8 @@ void HCRapidJsonReadWriteUtils::AddGenericValueProperty(rapidjson::Document& doc
     add(document, object, key, value);
 }
 
-std::string HCRapidJsonReadWriteUtils::GetErrorMsgFromDocument(const rapidjson::Document& document) {
-    return document.HasParseError() ? rapidjson::GetParseError_En(document.GetParseError()) : std::string();
+std::string HCRapidJsonReadWriteUtils::GetErrorMsgFromDocument(const HCRapidJsonDocument& document) {
+    return document.m_parseError;
 }
 
 std::string HCRapidJsonReadWriteUtils::toText(const rapidjson::Value& value) {
@@ -240,10 +241,9 @@ bool HCRapidJsonReadWriteUtils::validateSchemaFile(const std::string& file) {
         errorReadingSchemaFile(file);
         return false;
     }
-    rapidjson::Document document;
-    std::string error;
-    if (!parseInPlace(text, document, error)) {
-        errorParsingSchemaFile(file, error);
+    HCRapidJsonDocument document;
+    if (!parseInPlace(text, document)) {
+        errorParsingSchemaFile(file, GetErrorMsgFromDocument(document));
         return false;
     }
     return true;

@@ -7,6 +7,16 @@
 #include <string>
 #include <vector>
 
+/// A document that keeps why its text was no JSON; see HCRapidJsonReadWriteUtils::GetErrorMsgFromDocument.
+class HCRapidJsonDocument : public rapidjson::Document {
+public:
+    using rapidjson::Document::GenericDocument;
+
+private:
+    friend class HCRapidJsonReadWriteUtils;
+    std::string m_parseError;
+};
+
 /// The host's JSON helpers: forgiving typed access, writing of members, and the reports that every reader shares.
 ///
 /// Getters take any value: one that is not an object, a missing member and a member of another type all read as empty
@@ -21,9 +31,8 @@ public:
     static std::string getReadablePart(const std::string& text);
     /// Parses JSON text in place: @p text is overwritten and must outlive the document. A byte order mark is skipped.
     /// Never recurses; checks UTF-8; refuses nesting deeper than maxDepth.
-    /// @return false, with @p error holding reason and place ("line 3, column 7: ..."), when the text is not JSON;
-    ///         @p document is then null
-    static bool parseInPlace(std::string& text, rapidjson::Document& document, std::string& error);
+    /// @return false when the text is not JSON; @p document is then null and keeps why
+    static bool parseInPlace(std::string& text, HCRapidJsonDocument& document);
 
     static std::string GetStringProperty(const rapidjson::Value& object, const char* key);
     static bool GetBooleanProperty(const rapidjson::Value& object, const char* key);
@@ -43,8 +52,9 @@ public:
     static void AddGenericValueProperty(rapidjson::Document& document, rapidjson::Value& object, const char* key,
                                         rapidjson::Value& value);
 
-    /// The parser's error text of a document that failed to parse; empty for one that did not.
-    static std::string GetErrorMsgFromDocument(const rapidjson::Document& document);
+    /// Reason and place ("line 3, column 7: ...") where the text that the document was parsed from last is not JSON;
+    /// empty where it is.
+    static std::string GetErrorMsgFromDocument(const HCRapidJsonDocument& document);
 
     /// The document as indented text with a line end, "\n" on every system.
     static std::string toText(const rapidjson::Value& value);

@@ -27,11 +27,12 @@ TEST(JsonTest, ParsesOrRefusesWithPlace) {
         {nested(256), ""},
         {" [123456789012345678901234567890, \"\\u0000\\ud83d\\ude00\"]", ""},
     };
+    HCRapidJsonDocument document; // one for all, as readers have it
     for (auto [text, place] : cases) {
-        rapidjson::Document document;
-        std::string error;
         const std::string shown = text.substr(0, 40);
-        EXPECT_EQ(Json::parseInPlace(text, document, error), *place == '\0') << shown << " -> " << error;
+        const bool isParsed = Json::parseInPlace(text, document);
+        const std::string error = Json::GetErrorMsgFromDocument(document);
+        EXPECT_EQ(isParsed, *place == '\0') << shown << " -> " << error;
         EXPECT_EQ(error.rfind(place, 0), 0u) << shown << " -> " << error;
         EXPECT_EQ(document.IsNull(), *place != '\0') << shown;
     }
@@ -40,9 +41,8 @@ TEST(JsonTest, ParsesOrRefusesWithPlace) {
 // Fault: a getter that trips over another type, a missing member or a value that is no object.
 TEST(JsonTest, GettersAreForgiving) {
     std::string text = R"({"s": "a\u0000b", "t": true, "n": 1, "s": "second", "list": ["x", 2, "y"], "o": {}})";
-    rapidjson::Document document;
-    std::string error;
-    ASSERT_TRUE(Json::parseInPlace(text, document, error)) << error;
+    HCRapidJsonDocument document;
+    ASSERT_TRUE(Json::parseInPlace(text, document)) << Json::GetErrorMsgFromDocument(document);
     EXPECT_EQ(Json::GetStringProperty(document, "s"), std::string("a\0b", 3)) << "the first of two counts";
     EXPECT_EQ(Json::GetStringProperty(document, "n") + Json::GetStringProperty(document["list"], "s"), "");
     EXPECT_TRUE(Json::GetBooleanProperty(document, "t") && !Json::GetBooleanProperty(document, "n"));

@@ -67,10 +67,10 @@ bool HSCPlazChangeNote::flush() const {
 }
 
 std::optional<HSCPlazPendingChange> HSCPlazChangeNote::read() const {
-    std::string text, error;
-    rapidjson::Document document;
+    std::string text;
+    HCRapidJsonDocument document;
     if (HIOStream::read(m_file, text) == HIOStream::Status::unreadable) return std::nullopt;
-    const bool isParsed = Json::parseInPlace(text, document, error);
+    const bool isParsed = Json::parseInPlace(text, document);
     const rapidjson::Value* plaz = isParsed ? Json::FindObject(document, HSCPlazKey::plaz) : nullptr;
     if (!plaz) return HSCPlazPendingChange();
     HSCPlazPendingChange change{Json::GetStringProperty(*plaz, storeKey),

@@ -71,19 +71,19 @@ void HSCPlazRepoInfoMgr::read(HSCPlazReport& report) {
     if (m_read) return;
     m_read = true;
     m_stamp = HUTFile::getStamp(m_file);
-    std::string text, error;
+    std::string text;
     const HIOStream::Status status = HIOStream::read(m_file, text);
     if (status == HIOStream::Status::missing) return;
-    rapidjson::Document document;
+    HCRapidJsonDocument document;
     const bool isRead = status == HIOStream::Status::ok;
-    const rapidjson::Value* plaz = nullptr;
-    if (isRead && Json::parseInPlace(text, document, error)) {
-        plaz = findPlaces(document);
-        if (!plaz) error = "it holds no list of stores, or one of them lacks its name or directory";
-    }
+    const bool isJson = isRead && Json::parseInPlace(text, document);
+    const rapidjson::Value* plaz = isJson ? findPlaces(document) : nullptr;
     m_unreadable = !plaz;
-    if (!isRead) HSCPlazFinding{HSCPlazFinding::Kind::unreadable, m_file, error}.addTo(report);
-    if (isRead && !plaz) report.add(Msg::placesDamaged, MsgSeverity::criticalWarning, m_file, error);
+    if (!isRead) HSCPlazFinding{HSCPlazFinding::Kind::unreadable, m_file, {}}.addTo(report);
+    if (isRead && !plaz)
+        report.add(Msg::placesDamaged, MsgSeverity::criticalWarning, m_file,
+                   isJson ? "it holds no list of stores, or one of them lacks its name or directory"
+                          : Json::GetErrorMsgFromDocument(document));
     if (!plaz) return;
     m_content = {readRecords(*plaz, HSCPlazKey::qstores), readRecords(*plaz, defaultsKey)};
 }

@@ -14,12 +14,11 @@ HSCPlazReport HSCPlazJsonCheck::findProblem(const std::string& file) {
     if (HIOStream::isContainer(file)) return {};
 
     std::string text;
-    std::string error = "it cannot be read";
-    rapidjson::Document document;
-    if (HIOStream::read(file, text) == HIOStream::Status::ok &&
-        HCRapidJsonReadWriteUtils::parseInPlace(text, document, error))
-        return {};
-    return {Msg::fileNotJson, MsgSeverity::fileWarning, file, error};
+    HCRapidJsonDocument document;
+    const bool isRead = HIOStream::read(file, text) == HIOStream::Status::ok;
+    if (isRead && HCRapidJsonReadWriteUtils::parseInPlace(text, document)) return {};
+    return {Msg::fileNotJson, MsgSeverity::fileWarning, file,
+            isRead ? HCRapidJsonReadWriteUtils::GetErrorMsgFromDocument(document) : "it cannot be read"};
 }
 
 bool HSCPlazJsonCheck::isWhole(const std::string& file, HSCPlazReport& problem) {

@@ -1,7 +1,6 @@
 #include "plaz/model/reader/HSCPlazJsonDocument.h"
 
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
-#include "support/HCRapidJsonReadWriteUtils.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTFile.h"
 
@@ -60,9 +59,9 @@ HIOStream::Status HSCPlazJsonDocument::loadBelow(const HIOStream::Root& root, co
 }
 
 void HSCPlazJsonDocument::parse(HSCPlazFindings& found) {
-    std::string error;
-    m_parsed = HCRapidJsonReadWriteUtils::parseInPlace(m_text, m_document, error);
-    if (!m_parsed) found.add(HSCPlazFinding::Kind::notJson, m_file, error);
+    using Json = HCRapidJsonReadWriteUtils;
+    m_parsed = Json::parseInPlace(m_text, m_document);
+    if (!m_parsed) found.add(HSCPlazFinding::Kind::notJson, m_file, Json::GetErrorMsgFromDocument(m_document));
 }
 
 int HSCPlazJsonDocument::getMajor() const {

@@ -2,9 +2,8 @@
 
 #include "plaz/model/reader/HSCPlazFindings.h"
 #include "plaz/model/reader/HSCPlazSchema.h"
+#include "support/HCRapidJsonReadWriteUtils.h"
 #include "support/HIOStream.h"
-
-#include <rapidjson/document.h>
 
 #include <memory>
 #include <optional>
@@ -54,7 +53,7 @@ private:
     std::string m_text;
     std::unique_ptr<char[]> m_poolStart; // the pool keeps this block between files
     rapidjson::MemoryPoolAllocator<> m_pool;
-    rapidjson::Document m_document;
+    HCRapidJsonDocument m_document;
     bool m_parsed = false;
     // What findSchema answered last: files that follow one another are mostly of one kind and version.
     std::optional<SchemaKey> m_schemaKey;

@@ -1,7 +1,6 @@
 #include "plaz/model/reader/HSCPlazSchema.h"
 
 #include "plaz/base/HSCPlazContext.h"
-#include "support/HCRapidJsonReadWriteUtils.h"
 #include "support/HIOStream.h"
 #include "support/HUTFile.h"
 
@@ -59,14 +58,14 @@ std::unique_ptr<HSCPlazSchema> HSCPlazSchema::compile(const std::string& file, H
         return nullptr;
     }
     std::unique_ptr<HSCPlazSchema> schema(new HSCPlazSchema(std::move(text)));
-    if (schema->m_error.empty()) return schema;
-    found.add(HSCPlazFinding::Kind::schemaNotJson, file, schema->m_error);
+    const std::string error = HCRapidJsonReadWriteUtils::GetErrorMsgFromDocument(schema->m_source);
+    if (error.empty()) return schema;
+    found.add(HSCPlazFinding::Kind::schemaNotJson, file, error);
     return nullptr;
 }
 
 HSCPlazSchema::HSCPlazSchema(std::string text)
-    : m_text(std::move(text)),
-      m_compiled((HCRapidJsonReadWriteUtils::parseInPlace(m_text, m_source, m_error), m_source)),
+    : m_text(std::move(text)), m_compiled((HCRapidJsonReadWriteUtils::parseInPlace(m_text, m_source), m_source)),
       m_validator(m_compiled) {}
 
 std::string HSCPlazSchema::findViolation(const rapidjson::Value& root) {

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "plaz/model/reader/HSCPlazFindings.h"
+#include "support/HCRapidJsonReadWriteUtils.h"
 
-#include <rapidjson/document.h>
 #include <rapidjson/schema.h>
 
 #include <memory>
@@ -30,8 +30,7 @@ private:
     std::string findMissingMember(const rapidjson::Value& object) const;
 
     std::string m_text;
-    std::string m_error;
-    rapidjson::Document m_source;
+    HCRapidJsonDocument m_source;
     rapidjson::SchemaDocument m_compiled;
     rapidjson::SchemaValidator m_validator;
 };
