@@ -5,6 +5,7 @@
 #include "plaz/model/reader/HSCPlazJsonReadWriteUtils.h"
 #include "plaz/model/reader/HSCPlazReader.h"
 #include "plaz/model/reader/HSCPlazSchema.h"
+#include "support/HUTSysCall.h"
 
 using testing::StartsWith;
 using Utils = HSCPlazJsonReadWriteUtils;
@@ -92,4 +93,18 @@ TEST_F(ReaderTest, validationReportsAndGoesOn) {
     Utils::validatePlazSchemaFile(damaged);
     Utils::validateQStoreSchemaFile(temp.path("none"));
     EXPECT_THAT(takeMessages(), ElementsAre(HasSubstr("12-104"), "12-103 " + temp.path("none")));
+}
+
+// Without an installation a schema taken from the directory that happens to be the current one.
+TEST_F(ReaderTest, schemasAreTheInstallationsAlone) {
+    const std::string file = temp.write("hub.json", R"({"plaz": {"qstores": []}})");
+    temp.write("plaz_0_0.json", R"({"required": ["no such member"]})");
+    env.set("GDA_DATA_DIR", temp.path("none"));
+    HUTSysCall::changeDir(temp.path());
+    HSCPlazModel hub;
+    for (int i = 0; i < 2; ++i) HSCPlazReader().parse(file, &hub);
+    EXPECT_THAT(takeMessages(), ElementsAre("12-103 schemas/json"));
+    EXPECT_EQ(Utils::getPlazJsonSchemaFile(file), "");
+    EXPECT_TRUE(HSCPlazFileCheck::of(file).isUnchecked);
+    HUTSysCall::changeDir("/");
 }

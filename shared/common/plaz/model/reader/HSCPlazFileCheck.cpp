@@ -80,7 +80,9 @@ std::string describeUnreadable(const std::string& file) {
 void holdAgainstSchema(const HSCPlazJsonDocument& document, const KindRule& rule, HSCPlazFileCheck& check) {
     check.schema = HSCPlazSchema::getFile(rule.schema, document.getMajor(), document.getMinor());
     if (!HUTFile::exists(check.schema)) {
-        check.findings.push_back("there is no schema for this layout version (" + check.schema + ")");
+        check.findings.push_back(check.schema.empty()
+                                     ? "the installation has no schemas to hold it against"
+                                     : "there is no schema for this layout version (" + check.schema + ")");
         check.isUnchecked = true;
         return;
     }

@@ -39,8 +39,7 @@ std::string toText(const rapidjson::Pointer& pointer) {
 std::string HSCPlazSchema::getFile(Kind kind, int major, int minor) {
     const std::string& separator = HUTFile::getDirSeparator();
     const std::string root = HSCPlazContext::get().getSchemaRoot();
-    // Without an installation the name stays relative to nothing, so that no other directory's files are taken.
-    if (root.empty()) return getFileName(kind, major, minor);
+    if (root.empty()) return {}; // the current directory's files are none of the installation's
     return root + separator + "schemas" + separator + "json" + separator + getFileName(kind, major, minor);
 }
 
@@ -53,8 +52,8 @@ HSCPlazSchema* HSCPlazSchema::get(const std::string& file, HSCPlazFindings& foun
 
 std::unique_ptr<HSCPlazSchema> HSCPlazSchema::compile(const std::string& file, HSCPlazFindings& found) {
     std::string text;
-    if (HIOStream::read(file, text) != HIOStream::Status::ok) {
-        found.add(HSCPlazFinding::Kind::schemaUnreadable, file);
+    if (file.empty() || HIOStream::read(file, text) != HIOStream::Status::ok) {
+        found.add(HSCPlazFinding::Kind::schemaUnreadable, file.empty() ? "schemas/json" : file);
         return nullptr;
     }
     std::unique_ptr<HSCPlazSchema> schema(new HSCPlazSchema(std::move(text)));

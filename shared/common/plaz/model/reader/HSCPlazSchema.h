@@ -14,10 +14,10 @@ class HSCPlazSchema {
 public:
     enum class Kind { plaz, qstore, qitemCatalog, qitem, localDb };
 
-    /// Where the schema lies: "<schema root>/schemas/json/qstore_1_0.json". The local database has one for all
-    /// versions.
+    /// Where the schema lies: "<schema root>/schemas/json/qstore_1_0.json"; empty where the installation has no
+    /// schemas. The local database has one for all versions.
     static std::string getFile(Kind kind, int major, int minor);
-    /// The compiled schema, alive until the process ends; null when the file cannot be read or parsed.
+    /// The compiled schema, alive until the process ends; null when the file cannot be read or parsed, and for none.
     static HSCPlazSchema* get(const std::string& file, HSCPlazFindings& found);
 
     /// The first place of @p root that breaks the schema, as text that begins with its JSON pointer and names the
