@@ -253,7 +253,7 @@ TEST_F(ReaderTest, itemFilesBelowADirectory) {
                 ElementsAre(HasSubstr("12-102 " + temp.path("store/c")), "12-101 " + temp.path("store/dir")));
 }
 
-// A file passed that the hub cannot use, or the reverse; the version of a file misread.
+// A file passed that the hub cannot use, or the reverse; the version of a file misread without a word.
 TEST_F(ReaderTest, fileChecks) {
     const std::string bad = temp.write("bad.json", "{");
     const std::string container = temp.path("protected.json");
@@ -267,11 +267,14 @@ TEST_F(ReaderTest, fileChecks) {
 
     for (const auto& [text, version] : {std::pair("{\"_major\": -1, \"_minor\": 12}", "-1.12"),
                                         {"[]", "0.0"},
-                                        {"{\"_major\": \"3\", \"_minor\": 1e99}", "0.0"}}) {
+                                        {"{\"_major\": \"3\", \"_minor\": 1.0}", "0.0"},
+                                        {"{\"_major\": 4294967297}", "0.0"}}) {
         std::string major, minor;
         EXPECT_TRUE(Utils::inferFileVersion(temp.write("v.json", text), major, minor));
         EXPECT_EQ(major + "." + minor, version) << text;
     }
+    const std::string odd = "12-102 " + temp.path("v.json") + R"(|"/_major" is no whole number of 32 bits, so it)";
+    EXPECT_THAT(takeMessages(), ElementsAre(HasSubstr(odd), HasSubstr("/_minor"), HasSubstr(odd)));
     std::string major = "kept", minor;
     EXPECT_FALSE(Utils::inferFileVersion(bad, major, minor) || Utils::inferFileVersion(temp.path("no"), major, minor));
     EXPECT_EQ(major, "kept");

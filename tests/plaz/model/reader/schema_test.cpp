@@ -69,6 +69,7 @@ TEST_F(ReaderTest, shippedSchemas) {
 // Validation that stops the reading, runs although it is off, or reports a missing or damaged schema each time.
 TEST_F(ReaderTest, validationReportsAndGoesOn) {
     const std::string bad = temp.write("bad.json", R"({"plaz": {"qstores": [{"name": "a", "display_name": 1}]}})");
+    const std::string old = temp.write("old.json", R"({"_major": "1", "plaz": {"qstores": []}})");
     HSCPlazModel hub;
     setParam("plaz.enableSchemaValidation", "false");
     HSCPlazReader().parse(bad, &hub);
@@ -79,6 +80,9 @@ TEST_F(ReaderTest, validationReportsAndGoesOn) {
         EXPECT_THAT(takeMessages(),
                     ElementsAre("12-102 " + bad + R"(|"/plaz/qstores/0/display_name" breaks the rule "type")"));
     }
+    HSCPlazReader().parse(old, &hub);
+    EXPECT_THAT(takeMessages(), ElementsAre(HasSubstr("12-102 " + old + "|\"/_major\"")));
+    EXPECT_THAT(HSCPlazFileCheck::of(old).findings, ElementsAre(HasSubstr("/_major")));
     temp.makeDir("data/plaz/schemas");
     env.set("GDA_DATA_DIR", temp.path("data"));
     const std::string damaged = temp.write("data/plaz/schemas/json/plaz_2_0.json", "{\"type\": ");

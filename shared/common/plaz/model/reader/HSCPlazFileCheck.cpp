@@ -110,6 +110,8 @@ HSCPlazFileCheck HSCPlazFileCheck::of(const std::string& file) {
         check.findings.emplace_back("it is JSON, but none of the hub's metadata files");
     else {
         check.kind = rule->kind;
+        if (rule->hasSchema && rule->schema != SchemaKind::localDb) document.checkVersion(found);
+        for (const HSCPlazFinding& odd : found.getAll()) check.findings.push_back(odd.text);
         if (rule->hasSchema) holdAgainstSchema(document, *rule, check);
     }
     return check;

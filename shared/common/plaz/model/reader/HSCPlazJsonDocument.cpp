@@ -8,10 +8,15 @@ namespace {
 
 constexpr std::size_t poolStartSize = 16 * 1024;
 
-int intOf(const rapidjson::Value& root, const char* key) {
-    if (!root.IsObject()) return 0;
+const rapidjson::Value* find(const rapidjson::Value& root, const char* key) {
+    if (!root.IsObject()) return nullptr;
     const auto member = root.FindMember(key);
-    return member != root.MemberEnd() && member->value.IsInt() ? member->value.GetInt() : 0;
+    return member == root.MemberEnd() ? nullptr : &member->value;
+}
+
+int intOf(const rapidjson::Value& root, const char* key) {
+    const rapidjson::Value* value = find(root, key);
+    return value && value->IsInt() ? value->GetInt() : 0;
 }
 
 } // namespace
@@ -71,6 +76,13 @@ int HSCPlazJsonDocument::getMinor() const {
     return intOf(m_document, HSCPlazKey::minorVersion);
 }
 
+void HSCPlazJsonDocument::checkVersion(HSCPlazFindings& found) const {
+    for (const char* key : {HSCPlazKey::majorVersion, HSCPlazKey::minorVersion})
+        if (const rapidjson::Value* value = find(m_document, key); value && !value->IsInt())
+            found.add(HSCPlazFinding::Kind::breaksSchema, m_file,
+                      std::string("\"/") + key + "\" is no whole number of 32 bits, so it counts as 0");
+}
+
 HSCPlazSchema* HSCPlazJsonDocument::findSchema(HSCPlazSchema::Kind kind, HSCPlazFindings& found) {
     const SchemaKey key{kind, getMajor(), getMinor()};
     if (!m_schemaKey || m_schemaKey->kind != key.kind || m_schemaKey->major != key.major ||
@@ -83,6 +95,7 @@ HSCPlazSchema* HSCPlazJsonDocument::findSchema(HSCPlazSchema::Kind kind, HSCPlaz
 
 void HSCPlazJsonDocument::validate(HSCPlazSchema::Kind kind, HSCPlazFindings& found) {
     if (!m_parsed || !HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableSchemaValidation")) return;
+    if (kind != HSCPlazSchema::Kind::localDb) checkVersion(found);
     HSCPlazSchema* schema = findSchema(kind, found);
     if (!schema) return;
     const std::string violation = schema->findViolation(m_document);

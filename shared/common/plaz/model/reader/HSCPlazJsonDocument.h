@@ -33,6 +33,8 @@ public:
     /// Layout version: the top-level "_major" and "_minor", 0 where they are no integers.
     int getMajor() const;
     int getMinor() const;
+    /// Finds what stands in their place and is no such integer. The local database has its version elsewhere.
+    void checkVersion(HSCPlazFindings& found) const;
 
     /// Holds the document against the schema of its kind and version when the parameter "plaz.enableSchemaValidation"
     /// is on, and finds the first place that breaks it. Readers go on in any case.

@@ -10,6 +10,7 @@ std::string getSchemaFile(HSCPlazSchema::Kind kind, const std::string& file) {
     HSCPlazFindings found;
     HSCPlazJsonDocument document;
     document.load(file, found);
+    document.checkVersion(found);
     found.tell();
     return HSCPlazSchema::getFile(kind, document.getMajor(), document.getMinor());
 }
@@ -26,6 +27,7 @@ bool HSCPlazJsonReadWriteUtils::inferFileVersion(const std::string& file, std::s
     HSCPlazFindings found;
     HSCPlazJsonDocument document;
     document.load(file, found);
+    document.checkVersion(found);
     found.tell();
     if (!document.isParsed()) return false;
     major = std::to_string(document.getMajor());

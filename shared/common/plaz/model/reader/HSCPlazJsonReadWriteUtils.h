@@ -12,12 +12,13 @@ public:
     /// Sends Msg::fileNameEmpty, Msg::fileMissing or Msg::fileNotJson.
     static bool isJsonFileValid(const std::string& file);
 
-    /// Reads a file's layout version, its top-level integers "_major" and "_minor", as decimal text; "0" where absent.
+    /// Reads a file's layout version, its top-level integers "_major" and "_minor", as decimal text; "0" where
+    /// absent, and where something else stands in their place, which is reported.
     /// @return false, with both texts untouched, when the file cannot be read or parsed, which is reported
     static bool inferFileVersion(const std::string& file, std::string& major, std::string& minor);
 
     /// The schema document against which a hub metadata, store metadata, item catalog or item file of that version is
-    /// held; version 0.0 for a file that cannot be read. The schema need not exist.
+    /// held; version 0.0 for a file that cannot be read. The schema need not exist. Reports as inferFileVersion does.
     static std::string getPlazJsonSchemaFile(const std::string& file);
     static std::string getQStoreJsonSchemaFile(const std::string& file);
     static std::string getQItemCatalogJsonSchemaFile(const std::string& file);
