@@ -19,6 +19,7 @@ inline constexpr const char* httpProxy = "plaz.http_proxy"; ///< a parameter, to
 
 /// The folder of the hub's, in what is shipped and in a user's data.
 inline constexpr const char* productDir = "plaz";
+inline constexpr const char* configFile = "plaz_config.json";
 /// The branch that stands in where none is named, or where the remote lacks the one that is.
 inline constexpr const char* mainBranch = "master";
 

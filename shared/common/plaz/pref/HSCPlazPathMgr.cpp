@@ -19,7 +19,6 @@
 namespace {
 
 constexpr const char* sharedDataDir = "common";
-constexpr const char* configFile = "plaz_config.json";
 constexpr const char* lockFile = "plaz.lock";
 constexpr const char* keptDir = "plaz_kept";
 constexpr const char* changeFile = "plaz_change.json";
@@ -95,10 +94,11 @@ std::string HSCPlazPathMgr::getRefreshedHubMetadataFile() const {
 
 std::string HSCPlazPathMgr::getConfigFile() const {
     const std::string base = hubBase(HSCPlazName::productDir);
-    const std::string own = base.empty() ? std::string() : join({base, HSCPlazName::productDir, configFile});
+    const std::string own =
+        base.empty() ? std::string() : join({base, HSCPlazName::productDir, HSCPlazName::configFile});
     if (HUTFile::exists(own)) return own;
-    const std::string shipped = HUTEnv::getGDADataDir(join({HSCPlazName::productDir, configFile}));
-    return shipped.empty() ? own : join({shipped, HSCPlazName::productDir, configFile});
+    const std::string shipped = HUTEnv::getGDADataDir(join({HSCPlazName::productDir, HSCPlazName::configFile}));
+    return shipped.empty() ? own : join({shipped, HSCPlazName::productDir, HSCPlazName::configFile});
 }
 
 std::string HSCPlazPathMgr::getStoresDataDir() const {

@@ -99,6 +99,38 @@ TEST_F(ReaderTest, validationReportsAndGoesOn) {
     EXPECT_THAT(takeMessages(), ElementsAre(HasSubstr("12-104"), "12-103 " + temp.path("none")));
 }
 
+// A name that stands twice passed, a configuration taken for a hub, what it cannot mean passed, its secrets told.
+TEST_F(ReaderTest, checksTellWhatASchemaCannot) {
+    const std::tuple<const char*, const char*, const char*, Names> cases[] = {
+        {"a.json",
+         R"({"plaz": {"qstores": [{"name": "a"}, {"name": "b"}, {"name": "a"}, {}]}})",
+         "hub",
+         {R"("/plaz/qstores/3" breaks)", "has no name", R"("/plaz/qstores/2" has the name "a")"}},
+        {"a.json",
+         R"({"catalog": {"items": [{"name": "a"}, {"name": "a"}]}})",
+         "item catalog",
+         {R"("/catalog/items/1" has the name "a")"}},
+        {"plaz_config.json",
+         R"({"plaz": {"qstores": [{"url": "https://h/x"}, {"url": "x://me:s3@h"}]}})",
+         "configuration",
+         {R"("/plaz/qstores/1" is not used: its url "x://***@h" is not)"}},
+        {"a.json",
+         R"({"plaz": {"qstores": [{"authentication": {"mode": "basic", "user_token": 5}}]}})",
+         "configuration",
+         {R"("/plaz/qstores/0/authentication/user_token" breaks the rule "type")"}},
+        {"a.json",
+         R"({"plaz": {"remote_repository": {"authentication": {"mode": "OAUTH2"}}}})",
+         "configuration",
+         {R"("/plaz/remote_repository/authentication/mode" is "OAUTH2", which is none of BASIC, OAUTH_1_0, )"}},
+    };
+    for (const auto& [name, text, kind, findings] : cases) {
+        const HSCPlazFileCheck check = HSCPlazFileCheck::of(temp.write(name, text));
+        EXPECT_EQ(check.kind, kind) << text;
+        ASSERT_EQ(check.findings.size(), findings.size()) << text << testing::PrintToString(check.findings);
+        for (std::size_t i = 0; i < findings.size(); ++i) EXPECT_THAT(check.findings[i], HasSubstr(findings[i]));
+    }
+}
+
 // Without an installation a schema taken from the directory that happens to be the current one.
 TEST_F(ReaderTest, schemasAreTheInstallationsAlone) {
     const std::string file = temp.write("hub.json", R"({"plaz": {"qstores": []}})");

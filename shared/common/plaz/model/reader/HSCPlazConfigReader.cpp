@@ -27,7 +27,7 @@ constexpr HSCPlazJson::TextField<Config> layoutFields[] = {
     {Key::storesRoot, &Config::setStoresRoot},
 };
 
-constexpr HSCPlazJson::TextField<Repo> repoFields[] = {{Key::url, &Repo::setUrl}};
+constexpr HSCPlazJson::TextField<Repo> repoFields[] = {{Key::url, &Repo::setUrl, &HSCPlazTrustRules::gitUrl}};
 
 constexpr HSCPlazJson::TextField<Repo> toolFields[] = {
     {Key::tool, &Repo::setTool},
@@ -40,14 +40,15 @@ constexpr HSCPlazJson::TextField<Repo> authenticationFields[] = {
     {Key::userToken, &Repo::setUserToken},
 };
 
+constexpr std::pair<const char*, HSCPlazTypes::AUTHMODE> modes[] = {
+    {"BASIC", HSCPlazTypes::BASIC},
+    {"OAUTH_1_0", HSCPlazTypes::OAUTH_1_0},
+    {"OAUTH_2_0", HSCPlazTypes::OAUTH_2_0},
+    {"SSH", HSCPlazTypes::SSH},
+    {"AWS_SIGNATURE", HSCPlazTypes::AWS_SIGNATURE},
+};
+
 HSCPlazTypes::AUTHMODE toAuthMode(const std::string& text) {
-    static constexpr std::pair<const char*, HSCPlazTypes::AUTHMODE> modes[] = {
-        {"BASIC", HSCPlazTypes::BASIC},
-        {"OAUTH_1_0", HSCPlazTypes::OAUTH_1_0},
-        {"OAUTH_2_0", HSCPlazTypes::OAUTH_2_0},
-        {"SSH", HSCPlazTypes::SSH},
-        {"AWS_SIGNATURE", HSCPlazTypes::AWS_SIGNATURE},
-    };
     for (const auto& [name, mode] : modes)
         if (HUTText::equalIgnoringCase(text, name)) return mode;
     return HSCPlazTypes::NONE;
@@ -63,6 +64,17 @@ std::unique_ptr<Repo> readRepository(const Value& entry) {
         repo->setAuthMode(toAuthMode(Json::GetStringProperty(*authentication, Key::mode)));
     }
     return repo;
+}
+
+void addFaults(const Value& entry, const std::string& place, std::vector<std::string>& faults) {
+    if (const std::string refusal = HSCPlazJson::findRefusal(repoFields, entry); !refusal.empty())
+        faults.push_back('"' + place + "\" is not used: " + refusal);
+    const Value* authentication = Json::FindObject(entry, Key::authentication);
+    const std::string mode = authentication ? Json::GetStringProperty(*authentication, Key::mode) : std::string();
+    if (mode.empty() || toAuthMode(mode) != HSCPlazTypes::NONE) return;
+    std::string known;
+    for (const auto& [name, value] : modes) known += (known.empty() ? "" : ", ") + std::string(name);
+    faults.push_back('"' + place + "/authentication/mode\" is \"" + mode + "\", which is none of " + known);
 }
 
 void readSchemaVersion(const Value& version, Config& config) {
@@ -94,4 +106,17 @@ bool HSCPlazConfigReader::parse(const std::string& file, HSCPlazCfgModel* model)
         HSCPlazJson::fillFields(layoutFields, *layout, *model);
     if (const Value* version = Json::FindObject(*plaz, Key::schemaVersion)) readSchemaVersion(*version, *model);
     return true;
+}
+
+std::vector<std::string> HSCPlazConfigReader::findFaults(const Value& root) {
+    std::vector<std::string> faults;
+    const Value* plaz = Json::FindObject(root, Key::plaz);
+    if (!plaz) return faults;
+    if (const Value* repository = Json::FindObject(*plaz, Key::remoteRepository))
+        addFaults(*repository, "/plaz/remote_repository", faults);
+    std::size_t position = 0;
+    if (const Value* stores = Json::FindArray(*plaz, Key::qstores))
+        for (const Value& entry : stores->GetArray())
+            addFaults(entry, "/plaz/qstores/" + std::to_string(position++), faults);
+    return faults;
 }

@@ -1,5 +1,7 @@
 #include "plaz/model/reader/HSCPlazFileCheck.h"
 
+#include "plaz/base/HSCPlazNames.h"
+#include "plaz/model/reader/HSCPlazConfigReader.h"
 #include "plaz/model/reader/HSCPlazJsonDocument.h"
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
 #include "plaz/model/reader/HSCPlazQItemCatalogReader.h"
@@ -9,8 +11,11 @@
 #include "support/HCRapidJsonReadWriteUtils.h"
 #include "support/HUTFile.h"
 
+#include <boost/filesystem/path.hpp>
+
 #include <algorithm>
 #include <iterator>
+#include <set>
 
 namespace {
 
@@ -19,12 +24,46 @@ using Json = HCRapidJsonReadWriteUtils;
 using rapidjson::Value;
 using SchemaKind = HSCPlazSchema::Kind;
 
-/// What the hub would not use of a file of a kind.
-using Fill = void (*)(const Value& root, HSCPlazFindings& found);
+using Texts = std::vector<std::string>;
 
-template <typename Reader, typename Model> void fillModel(const Value& root, HSCPlazFindings& found) {
+/// What the hub would refuse to use of a file.
+template <typename Reader, typename Model> Texts findRefusals(const Value& root) {
     Model model;
+    HSCPlazFindings found;
     Reader::fill(root, model, found);
+    Texts texts;
+    for (const HSCPlazFinding& one : found.getAll()) texts.push_back(one.toText());
+    return texts;
+}
+
+/// The entries of a list whose name an earlier one has.
+Texts findDoubles(const Value& root, const char* object, const char* list) {
+    Texts doubles;
+    const Value* holder = Json::FindObject(root, object);
+    const Value* entries = holder ? Json::FindArray(*holder, list) : nullptr;
+    if (!entries) return doubles;
+    std::set<std::string> names;
+    for (rapidjson::SizeType position = 0; position < entries->Size(); ++position) {
+        const std::string name = Json::GetStringProperty((*entries)[position], Key::name);
+        if (!name.empty() && !names.insert(name).second)
+            doubles.push_back(std::string("\"/") + object + '/' + list + '/' + std::to_string(position) +
+                              "\" has the name \"" + name + "\", as an earlier entry has");
+    }
+    return doubles;
+}
+
+Texts joined(Texts texts, const Texts& more) {
+    texts.insert(texts.end(), more.begin(), more.end());
+    return texts;
+}
+
+Texts findInHub(const Value& root) {
+    return joined(findRefusals<HSCPlazReader, HSCPlazModel>(root), findDoubles(root, Key::plaz, Key::qstores));
+}
+
+Texts findInCatalog(const Value& root) {
+    return joined(findRefusals<HSCPlazQItemCatalogReader, HSCPlazQStoreModel>(root),
+                  findDoubles(root, Key::catalog, Key::items));
 }
 
 /// How the content of a kind of file is told: by a member of the root and one of the members below it. The first rule
@@ -33,38 +72,40 @@ struct KindRule {
     const char* kind;
     const char* root;
     std::initializer_list<const char*> members;
-    bool hasSchema;
     SchemaKind schema;
-    Fill fill; ///< null where nothing is refused
+    Texts (*find)(const Value& root); ///< what the schema cannot tell; null where it tells all
 };
 
 const KindRule kindRules[] = {
-    {"database", Key::plaz, {Key::product, Key::release}, true, SchemaKind::localDb, nullptr},
+    {"database", Key::plaz, {Key::product, Key::release}, SchemaKind::localDb, nullptr},
     {"configuration",
      Key::plaz,
      {Key::remoteRepository, Key::config, Key::gdaDataRoot, Key::appDataRoot, Key::schemaVersion},
-     false,
-     {},
-     nullptr},
-    {"hub", Key::plaz, {Key::qstores}, true, SchemaKind::plaz, fillModel<HSCPlazReader, HSCPlazModel>},
+     SchemaKind::config,
+     HSCPlazConfigReader::findFaults},
+    {"hub", Key::plaz, {Key::qstores}, SchemaKind::plaz, findInHub},
     {"store",
      Key::catalog,
      {Key::supportedProducts},
-     true,
      SchemaKind::qstore,
-     fillModel<HSCPlazQStoreReader, HSCPlazQStoreModel>},
-    {"item catalog",
-     Key::catalog,
-     {Key::items},
-     true,
-     SchemaKind::qitemCatalog,
-     fillModel<HSCPlazQItemCatalogReader, HSCPlazQStoreModel>},
-    {"item", Key::config, {Key::items}, true, SchemaKind::qitem, fillModel<HSCPlazQItemReader, HSCPlazQItemModel>},
+     findRefusals<HSCPlazQStoreReader, HSCPlazQStoreModel>},
+    {"item catalog", Key::catalog, {Key::items}, SchemaKind::qitemCatalog, findInCatalog},
+    {"item", Key::config, {Key::items}, SchemaKind::qitem, findRefusals<HSCPlazQItemReader, HSCPlazQItemModel>},
 };
 
-const KindRule* findKind(const Value& root) {
+/// A configuration may hold nothing but a list of repositories, which is called as the hub's list of stores is.
+bool isConfiguration(const Value& plaz, const std::string& file) {
+    if (boost::filesystem::path(file).filename() == HSCPlazName::configFile) return true;
+    const Value* entries = Json::FindArray(plaz, Key::qstores);
+    return entries && std::any_of(entries->Begin(), entries->End(), [](const Value& entry) {
+               return Json::FindObject(entry, Key::authentication) || Json::FindObject(entry, Key::toolchain);
+           });
+}
+
+const KindRule* findKind(const Value& root, const std::string& file) {
     const auto fits = [&](const KindRule& rule) {
         const Value* object = Json::FindObject(root, rule.root);
+        if (object && rule.schema == SchemaKind::config && isConfiguration(*object, file)) return true;
         return object && std::any_of(rule.members.begin(), rule.members.end(),
                                      [&](const char* member) { return object->HasMember(member); });
     };
@@ -83,7 +124,7 @@ void holdAgainstSchema(const HSCPlazJsonDocument& document, const KindRule& rule
         check.findings.push_back(check.schema.empty()
                                      ? "the installation has no schemas to hold it against"
                                      : "there is no schema for this layout version (" + check.schema + ")");
-        check.isUnchecked = true;
+        check.isUnchecked = check.findings.size() == 1;
         return;
     }
     HSCPlazFindings found;
@@ -91,7 +132,6 @@ void holdAgainstSchema(const HSCPlazJsonDocument& document, const KindRule& rule
     std::string violation = schema ? schema->findViolation(document.getRoot()) : std::string();
     if (!schema && found.isEmpty()) violation = "the schema \"" + check.schema + "\" cannot be used";
     if (!violation.empty()) check.findings.push_back(std::move(violation));
-    if (rule.fill) rule.fill(document.getRoot(), found);
     for (const HSCPlazFinding& one : found.getAll()) check.findings.push_back(one.toText());
 }
 
@@ -106,13 +146,14 @@ HSCPlazFileCheck HSCPlazFileCheck::of(const std::string& file) {
         check.findings.push_back(describeUnreadable(file));
     else if (!document.isParsed())
         check.findings.push_back(found.getAll().front().text);
-    else if (const KindRule* rule = findKind(document.getRoot()); !rule)
+    else if (const KindRule* rule = findKind(document.getRoot(), file); !rule)
         check.findings.emplace_back("it is JSON, but none of the hub's metadata files");
     else {
         check.kind = rule->kind;
-        if (rule->hasSchema && rule->schema != SchemaKind::localDb) document.checkVersion(found);
+        if (HSCPlazSchema::hasVersions(rule->schema)) document.checkVersion(found);
         for (const HSCPlazFinding& odd : found.getAll()) check.findings.push_back(odd.text);
-        if (rule->hasSchema) holdAgainstSchema(document, *rule, check);
+        holdAgainstSchema(document, *rule, check);
+        if (rule->find && !check.isUnchecked) check.findings = joined(check.findings, rule->find(document.getRoot()));
     }
     return check;
 }

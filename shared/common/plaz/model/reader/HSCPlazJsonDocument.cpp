@@ -95,7 +95,7 @@ HSCPlazSchema* HSCPlazJsonDocument::findSchema(HSCPlazSchema::Kind kind, HSCPlaz
 
 void HSCPlazJsonDocument::validate(HSCPlazSchema::Kind kind, HSCPlazFindings& found) {
     if (!m_parsed || !HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableSchemaValidation")) return;
-    if (kind != HSCPlazSchema::Kind::localDb) checkVersion(found);
+    if (HSCPlazSchema::hasVersions(kind)) checkVersion(found);
     HSCPlazSchema* schema = findSchema(kind, found);
     if (!schema) return;
     const std::string violation = schema->findViolation(m_document);

@@ -33,7 +33,7 @@ public:
     /// Layout version: the top-level "_major" and "_minor", 0 where they are no integers.
     int getMajor() const;
     int getMinor() const;
-    /// Finds what stands in their place and is no such integer. The local database has its version elsewhere.
+    /// Finds what stands in their place and is no such integer.
     void checkVersion(HSCPlazFindings& found) const;
 
     /// Holds the document against the schema of its kind and version when the parameter "plaz.enableSchemaValidation"

@@ -1,6 +1,7 @@
 #include "plaz/model/reader/HSCPlazSchema.h"
 
 #include "plaz/base/HSCPlazContext.h"
+#include "plaz/base/HSCPlazNames.h"
 #include "support/HIOStream.h"
 #include "support/HUTFile.h"
 
@@ -23,9 +24,11 @@ std::string getFileName(HSCPlazSchema::Kind kind, int major, int minor) {
     case HSCPlazSchema::Kind::qitem:
         return "qitem" + version;
     case HSCPlazSchema::Kind::localDb:
+        return HSCPlazStoreLayout::databaseFile;
+    case HSCPlazSchema::Kind::config:
         break;
     }
-    return HSCPlazStoreLayout::databaseFile;
+    return HSCPlazName::configFile;
 }
 
 std::string toText(const rapidjson::Pointer& pointer) {

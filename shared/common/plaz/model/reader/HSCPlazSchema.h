@@ -12,10 +12,13 @@
 /// cannot be used is found once and then left out. Not safe to use from several threads at once.
 class HSCPlazSchema {
 public:
-    enum class Kind { plaz, qstore, qitemCatalog, qitem, localDb };
+    enum class Kind { plaz, qstore, qitemCatalog, qitem, localDb, config };
+
+    /// Whether files of the kind state their layout version at their top level.
+    static bool hasVersions(Kind kind) { return kind != Kind::localDb && kind != Kind::config; }
 
     /// Where the schema lies: "<schema root>/schemas/json/qstore_1_0.json"; empty where the installation has no
-    /// schemas. The local database has one for all versions.
+    /// schemas. Kinds without versions have one.
     static std::string getFile(Kind kind, int major, int minor);
     /// The compiled schema, alive until the process ends; null when the file cannot be read or parsed, and for none.
     static HSCPlazSchema* get(const std::string& file, HSCPlazFindings& found);
