@@ -12,6 +12,14 @@ TEST(TrustTest, RefusesWhatLeadsElsewhere) {
     check(HSCPlazTrust::isSafeRelativePath, false,
           {"a/../b", "..", "/a", "C:x", "a\\b", "a\nb", "", "a/.GIT/b", ".plaz/x", ".Done", "a./b", "a/ /b", "x/PLAZ~1",
            "git~12.d", "a\xED\xB0\x80", "\xC3"});
+    for (const auto& [path, tidied] : {std::pair("./a//./b/", "a/b"),
+                                       {"a/.", "a"},
+                                       {"a/b.", "a/b."},
+                                       {"./..//x", "../x"},
+                                       {"/a/", "/a/"},
+                                       {"./", "./"},
+                                       {"", ""}})
+        EXPECT_EQ(HSCPlazTrust::tidyRelativePath(path), tidied);
     check(HSCPlazTrust::isSafeComponent, true, {"1.0"});
     check(HSCPlazTrust::isSafeComponent, false, {".git", "1/0", "."});
     check(HSCPlazTrust::isSafeRef, true, {"main", "release/1.0"});

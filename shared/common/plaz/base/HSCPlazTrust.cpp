@@ -64,6 +64,13 @@ bool hasRefusedComponent(std::string_view path) {
     return false;
 }
 
+/// No component of it is empty or ".".
+bool isTidy(const std::string& path) {
+    const auto holds = [&](const char* part) { return path.find(part) != std::string::npos; };
+    const bool endsTidily = path.back() != '/' && (path.size() < 2 || path.compare(path.size() - 2, 2, "/.") != 0);
+    return endsTidily && path.compare(0, 2, "./") != 0 && !holds("//") && !holds("/./");
+}
+
 /// "ext" of "ext::sh -c ..."; empty for a URL that names no such transport.
 bool namesTransportHelper(const std::string& url) {
     const std::size_t colons = url.find("::");
@@ -98,6 +105,18 @@ bool HSCPlazTrust::isSafeRelativePath(const std::string& path) {
     // Bytes that are no UTF-8 are left in a name by one system and replaced by another.
     if (path.find_first_of("\\:") != std::string::npos || !HUTText::isUtf8(path)) return false;
     return !hasRefusedComponent(path);
+}
+
+std::string HSCPlazTrust::tidyRelativePath(std::string path) {
+    if (path.empty() || path.front() == '/' || isTidy(path)) return path;
+    std::string tidied;
+    for (std::size_t begin = 0; begin < path.size();) {
+        const std::size_t end = std::min(path.find('/', begin), path.size());
+        const std::string component = path.substr(begin, end - begin);
+        if (!component.empty() && component != ".") tidied += (tidied.empty() ? "" : "/") + component;
+        begin = end + 1;
+    }
+    return tidied.empty() ? path : tidied;
 }
 
 bool HSCPlazTrust::isSafeComponent(const std::string& name) {

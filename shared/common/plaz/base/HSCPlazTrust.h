@@ -13,6 +13,8 @@ namespace HSCPlazTrust {
 /// case, none that some systems keep for a device ("aux", "nul.txt"), no backslash, colon or control character, nothing
 /// that is no UTF-8.
 PLAZ_API bool isSafeRelativePath(const std::string& path);
+/// The same path without what leads nowhere: "./boards//x/" is "boards/x". One that is nothing else stays as it is.
+PLAZ_API std::string tidyRelativePath(std::string path);
 /// One path component: a safe relative path without a separator that is not ".".
 PLAZ_API bool isSafeComponent(const std::string& name);
 /// A branch, tag or commit that git takes for nothing else: not empty, no leading "-", no blank or control character.

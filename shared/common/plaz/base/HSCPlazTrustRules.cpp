@@ -2,6 +2,8 @@
 
 #include "support/HUTText.h"
 
+#include <utility>
+
 namespace {
 
 constexpr std::size_t longestQuote = 120;
@@ -15,8 +17,12 @@ std::string quote(const std::string& text) {
 
 } // namespace
 
+std::string HSCPlazTrustRules::toUsed(const HSCPlazTrustRule* rule, std::string text) {
+    return rule && rule->tidy ? rule->tidy(std::move(text)) : std::move(text);
+}
+
 std::string HSCPlazTrustRules::findRefusal(const HSCPlazTrustRule& rule, std::string_view what,
                                            const std::string& text) {
-    if (text.empty() || rule.accepts(text)) return {};
+    if (text.empty() || rule.accepts(text) || (rule.tidy && rule.accepts(rule.tidy(text)))) return {};
     return "its " + std::string(what) + ' ' + quote(text) + ' ' + rule.otherwise;
 }

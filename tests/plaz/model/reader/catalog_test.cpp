@@ -57,8 +57,8 @@ protected:
 // Entries lost, or a revision, commit or place that is to be understood left out.
 TEST_F(CatalogTest, entries) {
     read(R"("items": [
-        {"name": "full", "root": "i/full", "company": "acme", "latest_revision": "2", "commit_id": "c0ffee2",
-         "config": {"root": "m", "metadata_file": "item.json"},
+        {"name": "full", "root": "./i//full/", "company": "acme", "latest_revision": "2", "commit_id": "c0ffee2",
+         "config": {"root": "m/.", "metadata_file": "./item.json"},
          "revisions": [{"revision": "2", "commit_id": "0bad1dea", "history": "new"}, {"revision": "1", "commit_id": "c0ffee1"}]},
         {"config": {"root": "i/bare", "metadata_file": "b.json"}, "name": "bare"},
         {"name": "commit", "latest_revision": "3", "revisions": [{"revision": "1", "commit_id": "c0ffee1"},

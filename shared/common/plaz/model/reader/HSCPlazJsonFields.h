@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 
 /// Tables of text members, so that a reader walks each object once and says in one line where a member goes.
 namespace HSCPlazJson {
@@ -36,13 +37,14 @@ const TextField<Model>* findField(const TextField<Model> (&fields)[count], std::
     return nullptr;
 }
 
-/// Hands a member to the setter of its name, if there is one; rules are not applied.
+/// Hands a member to the setter of its name, if there is one, as the rule has it; whether it may be used is not asked.
 /// @param scratch  any string; kept between calls so that its memory is
 template <typename Model, std::size_t count>
 bool fillField(const TextField<Model> (&fields)[count], const Member& member, Model& model, std::string& scratch) {
     const TextField<Model>* field = findField(fields, textOf(member.name));
     if (!field) return false;
     scratch = textOf(member.value);
+    scratch = HSCPlazTrustRules::toUsed(field->rule, std::move(scratch));
     (model.*field->set)(scratch);
     return true;
 }
@@ -53,6 +55,14 @@ void fillFields(const TextField<Model> (&fields)[count], const rapidjson::Value&
     if (!object.IsObject()) return;
     std::string scratch;
     for (const Member& member : object.GetObject()) fillField(fields, member, model, scratch);
+}
+
+/// Sets the field, or empties it where its text may not be used. @return why it may not
+template <typename Model> std::string setChecked(const TextField<Model>& field, const std::string& text, Model& model) {
+    const std::string refusal =
+        field.rule ? HSCPlazTrustRules::findRefusal(*field.rule, field.key, text) : std::string();
+    (model.*field.set)(refusal.empty() ? HSCPlazTrustRules::toUsed(field.rule, text) : std::string());
+    return refusal;
 }
 
 /// Why the first member that breaks its rule is not used; empty when all may be.

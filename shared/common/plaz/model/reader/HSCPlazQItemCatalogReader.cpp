@@ -25,14 +25,14 @@ using HSCPlazJson::textOf;
 using rapidjson::Value;
 
 constexpr HSCPlazJson::TextField<Item> entryFields[] = {
-    {Key::name, &Item::setName},         {Key::root, &Item::setRoot},
+    {Key::name, &Item::setName},         {Key::root, &Item::setRoot, &Rules::insideStore},
     {Key::company, &Item::setCompany},   {Key::latestRevision, &Item::setLatestRevision},
     {Key::commitId, &Item::setCommitId},
 };
 
 constexpr HSCPlazJson::TextField<Item> configFields[] = {
-    {Key::root, &Item::setItemRoot},
-    {Key::metadataFile, &Item::setMetadataFile},
+    {Key::root, &Item::setItemRoot, &Rules::insideStore},
+    {Key::metadataFile, &Item::setMetadataFile, &Rules::insideStore},
 };
 
 std::string findRefusal(const HSCPlazRevisionModel& revision) {

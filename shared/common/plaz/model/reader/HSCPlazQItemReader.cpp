@@ -62,6 +62,7 @@ void readText(const HSCPlazJson::TextField<Item>& field, const Value& value, Ite
             return;
         }
     }
+    scratch = HSCPlazTrustRules::toUsed(field.rule, std::move(scratch));
     // The name is the item's key: without one nobody would find the item again.
     if (scratch.empty() && field.key == Key::name) return;
     (item.*field.set)(scratch);

@@ -29,13 +29,11 @@ constexpr HSCPlazJson::TextField<Store> releaseFields[] = {
     {Key::catalogRevision, &Store::setCatalogRevision},
 };
 
-/// Sets the field, or empties it and says why its text is not used.
+/// Finds why a text is not used.
 void setChecked(const HSCPlazJson::TextField<Store>& field, const std::string& text, Store& store,
                 HSCPlazFindings& found) {
-    const std::string refusal =
-        field.rule ? HSCPlazTrustRules::findRefusal(*field.rule, field.key, text) : std::string();
+    const std::string refusal = HSCPlazJson::setChecked(field, text, store);
     if (!refusal.empty()) found.add(HSCPlazFinding::Kind::storeRefused, store.getName(), refusal);
-    (store.*field.set)(refusal.empty() ? text : std::string());
 }
 
 const Value* findProduct(const Value& products, const std::string& name) {

@@ -24,10 +24,14 @@ constexpr HSCPlazJson::TextField<Store> entryFields[] = {
 constexpr HSCPlazJson::TextField<Store> configFields[] = {
     {Key::root, &Store::setRoot, &HSCPlazTrustRules::insideStore},
     {Key::metadataFile, &Store::setMetadataFile, &HSCPlazTrustRules::insideStore},
-    {Key::itemRoot, &Store::setItemRoot, &HSCPlazTrustRules::insideStore},
-    {Key::scriptRoot, &Store::setScriptRoot, &HSCPlazTrustRules::insideStore},
     {Key::storeType, &Store::setStoreType},
     {Key::installLocation, &Store::setInstallLocation},
+};
+
+/// Nothing on the disk is found by these, so one that may not be used costs no store.
+constexpr HSCPlazJson::TextField<Store> shownFields[] = {
+    {Key::itemRoot, &Store::setItemRoot, &HSCPlazTrustRules::insideStore},
+    {Key::scriptRoot, &Store::setScriptRoot, &HSCPlazTrustRules::insideStore},
 };
 
 /// Why the entry is left out; empty when it may be used.
@@ -59,6 +63,12 @@ void readStore(const Value& entry, HSCPlazModel& hub, StoresByName& known, HSCPl
     if (entry.HasMember(Key::isPrivate)) store->setIsPrivateRepository(Json::GetBooleanProperty(entry, Key::isPrivate));
     if (!config) return;
     HSCPlazJson::fillFields(configFields, *config, *store);
+    for (const auto& field : shownFields) {
+        if (!config->HasMember(field.key.data())) continue;
+        const std::string refusal =
+            HSCPlazJson::setChecked(field, Json::GetStringProperty(*config, field.key.data()), *store);
+        if (!refusal.empty()) found.add(HSCPlazFinding::Kind::storeRefused, name, refusal);
+    }
     if (HSCPlazDebugLog::isEnabled()) HSCPlazDebugLog::write("Found install loc:" + store->getInstallLocation());
 }
 

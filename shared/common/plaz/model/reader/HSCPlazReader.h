@@ -9,8 +9,9 @@
 /// Reads the hub metadata file: the stores that the hub offers.
 class HSCPlazReader : public HSCPlazJsonReader<HSCPlazModel> {
 public:
-    /// Updates the stores that the model holds already and adds those that are new to it. A store whose directories or
-    /// address may not be used is left out (Msg::storeRefused), whatever else the file holds.
+    /// Updates the stores that the model holds already and adds those that are new to it. A store whose root,
+    /// metadata file or address may not be used is left out (Msg::storeRefused), whatever else the file holds; another
+    /// directory of its counts as not given, and that is told alike.
     /// @return false for a null model only: a file that cannot be used is reported and adds nothing
     bool parse(const std::string& file, HSCPlazModel* model) override;
 
