@@ -19,6 +19,11 @@ TEST_F(ManagerTest, AnswersForItsHub) {
                      files.area("board_store/items/aurora/1"), files.area("board_store/.plaz/plaz_local_db.json"),
                      files.area("board_store/.plaz/.index")}));
     EXPECT_NE(context.getSchemaRoot(), "");
+    HSCPlazQStore& object = *hub().getStore("boards");
+    hub().setLocalDBFilePath(files.temp.path("hub.json"));
+    object.setLocalDbFilePath("");
+    EXPECT_TRUE(HSCPlazMgr::getInstance().getLocalDBMgr()->save(hub(), &object, ""));
+    EXPECT_TRUE(HUTFile::exists(files.temp.path("hub.json")));
     HSCPlazMgr::getInstance().getLocalDBMgr()->setMinorVersion("1");
     context.setDatabaseVersion("2", "");
     EXPECT_EQ(HSCPlazMgr::getInstance().getLocalDBMgr()->getMajorVersion(), "2");

@@ -26,7 +26,8 @@ protected:
                             {items.empty() ? "" : ",", name, revision, commit, dir});
         }
         return mergeFile(temp.write("db.json", filled(R"({"plaz": {"product": "Solvan", "release": "2024.2", "qstores":
-            [{"name": "other", "items": [{"name": "x", "revision": "1"}]}, {"name": "s", "items": [%]}]}})",
+            [{"name": "other", "items": [{"name": "x", "revision": "1"}]},
+             {"name": "s", "branch": "own", "user_repository": true, "items": [%]}]}})",
                                                       {items})));
     }
     Merge mergeFile(const std::string& file) {
@@ -83,7 +84,8 @@ TEST_F(LocalDbTest, savesToTheRightFile) {
     EXPECT_THAT(takeMessages(), IsEmpty());
 }
 
-// An installed item forgotten, doubled, taken for the newest, or given a place that is not its own.
+// A store's branch, or an installed item, forgotten; an item doubled, taken for the newest, or given a place that is
+// not its own.
 TEST_F(LocalDbTest, mergesIntoTheCatalog) {
     addItem(store, "led", "2", "2", "c2");
     addItem(store, "led", "1", "2", "c1");
@@ -109,6 +111,7 @@ TEST_F(LocalDbTest, mergesIntoTheCatalog) {
     const HSCPlazQItemModel& added = *store.getItems()[5];
     EXPECT_EQ(added.getDisplayName() + added.getMetadataFile() + added.getLatestRevision(), "Goneitem.json3");
     EXPECT_EQ(added.getInstallationMode() + std::to_string(added.getReferenceCount()), "user3");
+    EXPECT_TRUE(store.getOwnBranch() == "own" && store.isUserRepository());
     const std::size_t count = store.getItems().size();
     EXPECT_EQ(Merge::merged, merge({"gone 1 c1 x"})); // again: found, not added once more
     EXPECT_EQ(store.getItems().size(), count);
