@@ -38,7 +38,7 @@ TEST_F(ReaderTest, databaseIsWrittenAsItIsRead) {
     EXPECT_THAT(takeMessages(), IsEmpty());
 }
 
-// A record whose types are wrong taking others with it; the version not handed on.
+// A record whose types are wrong taking others with it, or a count lost in silence; the version not handed on.
 TEST_F(ReaderTest, databaseIsReadForgivingly) {
     setParam("plaz.enableSchemaValidation", "false");
     HSCPlazModel model;
@@ -48,10 +48,13 @@ TEST_F(ReaderTest, databaseIsReadForgivingly) {
     HSCPlazLocalDBReader().parse(
         temp.write("db.json", R"({"plaz": {"_major": "2", "qstores": [null, {}, {"name": "s", "items":
         [5, {"reference_count": "4", "name": "a"}, {"name": "b", "reference_count": 99999999999, "is_latest": true},
-         {"name": "c", "reference_count": 1.5, "is_latest": "yes"}, {"name": "d", "reference_count": -1}]}]}})"),
+         {"name": "c", "reference_count": 1.5, "is_latest": "yes"}, {"name": "d", "reference_count": -1},
+         {"name": "most", "reference_count": 2147483647}]}]}})"),
         &model);
-    ASSERT_EQ(known->getItems().size(), 4u);
-    for (const auto& item : known->getItems()) EXPECT_EQ(item->getReferenceCount(), 0) << item->getName();
+    EXPECT_THAT(takeMessages(), ElementsAre(HasSubstr("|the \"reference_count\" of \"a\" is no whole number")));
+    ASSERT_EQ(known->getItems().size(), 5u);
+    for (const auto& item : known->getItems())
+        EXPECT_EQ(item->getReferenceCount(), item->getName() == "most" ? 2147483647 : 0) << item->getName();
     EXPECT_TRUE(known->getItems()[1]->isLatest() && !known->getItems()[1]->needsRefresh());
     EXPECT_TRUE(!known->getItems()[2]->isLatest() && known->getItems()[2]->needsRefresh());
     EXPECT_EQ(known->getUrl(), "kept");

@@ -53,8 +53,8 @@ TEST_F(ReaderTest, shippedSchemas) {
          R"("/config/items/0/infra/search-keywords/1" breaks the rule "type")"},
         {item, R"({"_major": 1, "config": {}})", R"("/config" breaks the rule "required": "items")"},
         {nullptr, R"({"plaz": {"product": "p", "release": "r", "qstores": [{"name": "s", "items": [{"name": "i",
-            "reference_count": "0"}]}]}})",
-         R"("/plaz/qstores/0/items/0/reference_count" breaks the rule "type")"},
+            "reference_count": 2147483648}]}]}})",
+         R"("/plaz/qstores/0/items/0/reference_count" breaks the rule "maximum")"},
     };
     for (const auto& [getSchema, text, expected] : cases) {
         const std::string file = temp.write("file.json", text);

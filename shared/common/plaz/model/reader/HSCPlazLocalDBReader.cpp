@@ -8,8 +8,6 @@
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
 #include "support/HCRapidJsonReadWriteUtils.h"
 
-#include <algorithm>
-
 namespace {
 
 namespace Key = HSCPlazKey;
@@ -35,10 +33,8 @@ constexpr HSCPlazJson::TextField<Item> itemFields[] = {
     {Key::installationMode, &Item::setInstallationMode},
 };
 
-/// A count that can have come about; counting on from it must not overflow.
-int toCount(const Value& value) {
-    constexpr int most = 1000000;
-    return value.IsInt() ? std::clamp(value.GetInt(), 0, most) : 0;
+bool isCount(const Value& value) {
+    return value.IsInt() && value.GetInt() >= 0;
 }
 
 } // namespace
@@ -49,7 +45,8 @@ std::unique_ptr<Item> HSCPlazLocalDBReader::toItem(const Value& record) {
     std::string scratch;
     for (const HSCPlazJson::Member& member : record.GetObject()) {
         if (HSCPlazJson::fillField(itemFields, member, *item, scratch)) continue;
-        if (isNamed(member, Key::referenceCount)) item->setReferenceCount(toCount(member.value));
+        if (isNamed(member, Key::referenceCount))
+            item->setReferenceCount(isCount(member.value) ? member.value.GetInt() : 0);
         if (isNamed(member, Key::isLatest)) {
             item->setIsLatest(member.value.IsTrue());
             item->setNeedsRefresh(!item->isLatest());
@@ -90,6 +87,20 @@ bool readStore(const Value& record, bool isOwnOnly, HSCPlazModel& model) {
     return isWhole;
 }
 
+/// The first item whose count is none; empty when all are.
+std::string findOddCount(const Value& plaz) {
+    const Value* stores = Json::FindArray(plaz, Key::qstores);
+    if (!stores) return {};
+    for (const Value& store : stores->GetArray()) {
+        const Value* items = Json::FindArray(store, Key::items);
+        if (!items) continue;
+        for (const Value& item : items->GetArray())
+            if (item.IsObject() && item.HasMember(Key::referenceCount) && !isCount(item[Key::referenceCount]))
+                return Json::GetStringProperty(item, Key::name);
+    }
+    return {};
+}
+
 constexpr const char* checkName = "HSCPlazLocalDBReader::checkIfValidForProductAndRelease";
 
 /// Has what every database has; anything else must not be taken for an empty one, or for another release's.
@@ -122,6 +133,10 @@ HSCPlazLocalDBReader::Result HSCPlazLocalDBReader::read(const std::string& file,
     if (isOwnOnly && (!plaz || !isDatabase(*plaz))) return {};
     if (isOwnOnly && !isOfRunningProduct(*plaz)) return {Outcome::foreign, {}, {}};
     if (!plaz) return {Outcome::read, {}, {}};
+    const std::string odd = found.isEmpty() ? findOddCount(*plaz) : std::string(); // one message for a file will do
+    if (!odd.empty())
+        found.add(HSCPlazFinding::Kind::breaksSchema, document.getFile(),
+                  "the \"reference_count\" of \"" + odd + "\" is no whole number from 0 to 2147483647");
     if (const Value* stores = Json::FindArray(*plaz, Key::qstores))
         for (const Value& record : stores->GetArray()) isWhole = readStore(record, isOwnOnly, model) && isWhole;
     return {isWhole || !isOwnOnly ? Outcome::read : Outcome::damaged, Json::GetStringProperty(*plaz, Key::majorVersion),
