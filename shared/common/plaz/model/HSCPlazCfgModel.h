@@ -26,8 +26,8 @@ public:
     void setGDADataRoot(const std::string& value) { m_gdaDataRoot = value; }
     const std::string& getAppDataRoot() const { return m_appDataRoot; }
     void setAppDataRoot(const std::string& value) { m_appDataRoot = value; }
-    /// The hub's own repository; null when the file names none. What is set of it, or of a store's, counts from the next
-    /// command to that server on.
+    /// The hub's own repository; null when the file names none. What is set of it, or of a store's, counts from the
+    /// next command to that server on.
     HSCPlazRepoCfgModel* getPlazRepoCfgModel() const { return m_plazRepo.get(); }
     void setPlazRepoCfgModel(std::unique_ptr<HSCPlazRepoCfgModel> value) { m_plazRepo = std::move(value); }
     /// The stores' repositories, in file order.
