@@ -45,6 +45,21 @@ TEST(StoreTest, InstalledItems) {
     EXPECT_TRUE(store.getInstalledItems().empty());
 }
 
+// A dependency that goes, or is another object, while somebody holds it.
+TEST(ItemTest, DependenciesLastAsLongAsTheItem) {
+    HSCPlazQItemModel item, other;
+    const std::string store = "a store whose name takes memory of its own";
+    HSCPlazQItemDependency needed;
+    needed.setStore(store);
+    item.setDependencies({needed});
+    const HSCPlazQItemDependency* held = item.getDependencies().front();
+    item.setDependencies({needed});
+    EXPECT_EQ(item.getDependencies().front(), held);
+    item.copyDescriptionFrom(other);
+    EXPECT_TRUE(item.getDependencies().empty());
+    EXPECT_EQ(held->getStore(), store);
+}
+
 // A wiki made of what is no git URL.
 TEST(StoreTest, SupportUrl) {
     HSCPlazQStoreModel model;

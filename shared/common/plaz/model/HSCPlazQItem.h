@@ -51,7 +51,7 @@ public:
     std::string getWebsite() const;
     const std::vector<std::string>& getCategories() const;
     const std::vector<std::string>& getItemSearchKeywords() const;
-    /// In file order; owned by the model.
+    /// In file order; owned by the model, and each lives as long as the model.
     const HSTVector<HSCPlazQItemDependency*>& getItemDependencies() const;
     std::string getMetadataFile() const;
     void setMetadataFile(const std::string& value);

@@ -19,6 +19,11 @@ public:
     bool isOptional() const { return m_optional; }
     void setIsOptional(bool value) { m_optional = value; }
 
+    bool operator==(const HSCPlazQItemDependency& other) const {
+        return m_store == other.m_store && m_company == other.m_company && m_item == other.m_item &&
+               m_revision == other.m_revision && m_optional == other.m_optional;
+    }
+
 private:
     std::string m_store;
     std::string m_company;

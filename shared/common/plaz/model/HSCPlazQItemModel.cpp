@@ -1,10 +1,7 @@
 #include "plaz/model/HSCPlazQItemModel.h"
 
+#include <algorithm>
 #include <ostream>
-
-HSCPlazQItemModel::~HSCPlazQItemModel() {
-    clearDependencies();
-}
 
 const std::shared_ptr<const std::vector<HSCPlazRevisionModel>>& HSCPlazQItemModel::noRevisions() {
     static const auto none = std::make_shared<const std::vector<HSCPlazRevisionModel>>();
@@ -13,12 +10,15 @@ const std::shared_ptr<const std::vector<HSCPlazRevisionModel>>& HSCPlazQItemMode
 
 void HSCPlazQItemModel::addDependency(std::unique_ptr<HSCPlazQItemDependency> dependency) {
     m_dependencies.push_back(dependency.get());
-    dependency.release();
+    m_allDependencies.push_back(std::move(dependency));
 }
 
-void HSCPlazQItemModel::clearDependencies() {
-    for (HSCPlazQItemDependency* dependency : m_dependencies) delete dependency;
+void HSCPlazQItemModel::setDependencies(std::vector<HSCPlazQItemDependency> value) {
+    const auto isSame = [](const auto* known, const auto& wanted) { return *known == wanted; };
+    if (std::equal(m_dependencies.begin(), m_dependencies.end(), value.begin(), value.end(), isSame)) return;
     m_dependencies.clear();
+    for (HSCPlazQItemDependency& dependency : value)
+        addDependency(std::make_unique<HSCPlazQItemDependency>(std::move(dependency)));
 }
 
 void HSCPlazQItemModel::setIsInstalled(bool value) {
@@ -57,9 +57,9 @@ void HSCPlazQItemModel::copyDescriptionFrom(const HSCPlazQItemModel& other) {
     m_logo = other.m_logo;
     m_website = other.m_website;
     m_active = other.m_active;
-    clearDependencies();
-    for (const HSCPlazQItemDependency* dependency : other.m_dependencies)
-        addDependency(std::make_unique<HSCPlazQItemDependency>(*dependency));
+    std::vector<HSCPlazQItemDependency> dependencies;
+    for (const HSCPlazQItemDependency* dependency : other.m_dependencies) dependencies.push_back(*dependency);
+    setDependencies(std::move(dependencies));
 }
 
 std::ostream& operator<<(std::ostream& out, const HSCPlazQItemModel& model) {

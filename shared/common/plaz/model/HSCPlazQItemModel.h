@@ -28,7 +28,6 @@ struct HSCPlazRevisionModel {
 class PLAZ_API HSCPlazQItemModel : public HSCPlazBaseModel {
 public:
     HSCPlazQItemModel() = default;
-    ~HSCPlazQItemModel() override;
 
     /// Name as script commands use it; the name itself unless it was set apart.
     const std::string& getItemName() const { return m_itemName.empty() ? getName() : m_itemName; }
@@ -75,10 +74,13 @@ public:
     const std::string& getCommitId() const { return m_commitId; }
     void setCommitId(const std::string& value) { m_commitId = value; }
 
-    /// The dependencies, in file order; the model owns them.
+    /// The dependencies, in file order; the model owns them. Each lives as long as the model, also when others have
+    /// taken its place: whoever holds one may not know that the item was installed or updated.
     const HSTVector<HSCPlazQItemDependency*>& getDependencies() const { return m_dependencies; }
     void addDependency(std::unique_ptr<HSCPlazQItemDependency> dependency);
-    void clearDependencies();
+    /// Keeps the objects where nothing differs.
+    void setDependencies(std::vector<HSCPlazQItemDependency> value);
+    void clearDependencies() { m_dependencies.clear(); }
 
     /// The catalog offers this revision. One that is installed may be offered no more.
     bool isListed() const { return m_listed; }
@@ -151,6 +153,7 @@ private:
     std::string m_logo;
     std::string m_website;
     HSTVector<HSCPlazQItemDependency*> m_dependencies;
+    std::vector<std::unique_ptr<HSCPlazQItemDependency>> m_allDependencies; ///< those of former descriptions, too
     std::string m_localDir;
     std::string m_recordedDir;
     std::string m_installationMode;

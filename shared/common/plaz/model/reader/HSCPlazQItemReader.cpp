@@ -42,14 +42,12 @@ std::vector<std::string> toStrings(const Value& array) {
     return strings;
 }
 
-void readDependencies(const Value& array, Item& item) {
-    if (!array.IsArray()) return;
-    for (const Value& entry : array.GetArray()) {
-        if (!entry.IsObject()) continue;
-        auto dependency = std::make_unique<Dependency>();
-        HSCPlazJson::fillFields(dependencyFields, entry, *dependency);
-        item.addDependency(std::move(dependency));
-    }
+std::vector<Dependency> toDependencies(const Value& array) {
+    std::vector<Dependency> dependencies;
+    if (!array.IsArray()) return dependencies;
+    for (const Value& entry : array.GetArray())
+        if (entry.IsObject()) HSCPlazJson::fillFields(dependencyFields, entry, dependencies.emplace_back());
+    return dependencies;
 }
 
 void readText(const HSCPlazJson::TextField<Item>& field, const Value& value, Item& item, std::string& scratch,
@@ -69,7 +67,7 @@ void readText(const HSCPlazJson::TextField<Item>& field, const Value& value, Ite
 }
 
 void readInfra(const Value& infra, Item& item, std::string& scratch, HSCPlazFindings& found) {
-    item.clearDependencies();
+    std::vector<Dependency> dependencies;
     item.setSearchKeywords({});
     item.setCategories({});
     item.setIsActive(false);
@@ -82,11 +80,10 @@ void readInfra(const Value& infra, Item& item, std::string& scratch, HSCPlazFind
             item.setSearchKeywords(toStrings(member.value));
         else if (isNamed(member, Key::categories))
             item.setCategories(toStrings(member.value));
-        else if (isNamed(member, Key::dependencies)) {
-            item.clearDependencies();
-            readDependencies(member.value, item);
-        }
+        else if (isNamed(member, Key::dependencies))
+            dependencies = toDependencies(member.value);
     }
+    item.setDependencies(std::move(dependencies));
 }
 
 } // namespace

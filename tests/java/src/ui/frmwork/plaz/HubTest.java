@@ -178,11 +178,14 @@ class HubTest {
         assertTrue(boards.isAlive());
     }
 
-    /** Catches: an action that goes elsewhere, whose failure or message gets lost on the way to Java, or is cut off. */
+    /** Catches: an action that goes elsewhere, whose message is lost or cut off, or frees what somebody holds. */
     @Test
     @Order(3)
     void itemsAreInstalledAndRemoved() throws IOException {
+        List<PlazItemDependency> held = stream(item("boards", "aurora").getItemDependencies()).toList();
+        List<String> names = held.stream().map(PlazItemDependency::getItem).toList();
         assertTrue(PlazSwigIntf.install(item("boards", "aurora"), STATUS, RECORD), TOLD::toString);
+        assertEquals(names, held.stream().map(PlazItemDependency::getItem).toList());
         assertTold("INFO 17-1573 ");
         PlazItem aurora = item("boards", "boards::aurora@2.0");
         assertTrue(aurora.IsInstalled());
