@@ -43,8 +43,9 @@ void restoreStandardOutput(int kept);
 int getTerminalWidth();
 /// Whether standard input is a terminal.
 bool isInputTerminal();
-/// Does @p work. Where the program handles broken pipes itself, as virtual machines do, its handler is in force again
-/// afterwards, whatever the work has put in its place.
+/// Does @p work, which may put a handler of broken pipes of its own in place when it is done for the first time. Where
+/// the program handles them itself, as virtual machines do, the work is done twice, and the program's handler stays in
+/// force all the time. Nothing must be thrown.
 void keepBrokenPipeHandler(const std::function<void()>& work);
 /// As HUTSysCall::letCtrlCEndReads() says.
 void letCtrlCEndReads();

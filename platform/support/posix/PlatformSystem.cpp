@@ -1,12 +1,16 @@
 #include "support/PlatformSystem.h"
 
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <memory>
 #include <pwd.h>
+#include <sched.h>
+#include <spawn.h>
 #include <sys/ioctl.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace platform {
@@ -69,7 +73,16 @@ std::vector<std::string> startProgram(int argc, const char* const* argv) {
 const std::string plainInShell = "%";
 
 int runShell(const std::string& command) {
-    return std::system(command.c_str()); // NOLINT(cert-env33-c): what it is for
+    // RATIONALE: not by system(), which turns off Ctrl-C for the whole process meanwhile. A program that handles it, as
+    // virtual machines do, does not expect that.
+    std::string name = "sh", option = "-c", line = command;
+    char* const words[] = {name.data(), option.data(), line.data(), nullptr};
+    pid_t shell = 0;
+    if (posix_spawn(&shell, "/bin/sh", nullptr, nullptr, words, environ) != 0) return -1;
+    int status = -1;
+    while (waitpid(shell, &status, 0) < 0 && errno == EINTR) {
+    }
+    return status;
 }
 
 int divertStandardOutput() {
@@ -97,11 +110,35 @@ bool isInputTerminal() {
     return isatty(STDIN_FILENO) == 1;
 }
 
+namespace {
+
+/// Does @p work where nobody else sees what it does to signals: in a process with this one's memory and a table of
+/// signal handlers of its own, as posix_spawn() uses one for a moment.
+void workWithOwnHandlers(const std::function<void()>& work) {
+    const auto run = [](void* argument) {
+        (*static_cast<const std::function<void()>*>(argument))();
+        return 0;
+    };
+    std::vector<char> stack(std::size_t{1} << 18);
+    sigset_t all, before;
+    sigfillset(&all);
+    pthread_sigmask(SIG_BLOCK, &all, &before); // a handler must not run there
+    const pid_t process = clone(run, stack.data() + stack.size(), CLONE_VM | CLONE_VFORK | SIGCHLD,
+                                const_cast<std::function<void()>*>(&work));
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    while (process > 0 && waitpid(process, nullptr, 0) < 0 && errno == EINTR) {
+    }
+}
+
+} // namespace
+
 void keepBrokenPipeHandler(const std::function<void()>& work) {
     struct sigaction before {};
-    const bool isKnown = sigaction(SIGPIPE, nullptr, &before) == 0;
+    const bool isHandled =
+        sigaction(SIGPIPE, nullptr, &before) == 0 && before.sa_handler != SIG_DFL && before.sa_handler != SIG_IGN;
+    if (isHandled) workWithOwnHandlers(work);
     work();
-    if (isKnown && before.sa_handler != SIG_DFL && before.sa_handler != SIG_IGN) sigaction(SIGPIPE, &before, nullptr);
+    if (isHandled) sigaction(SIGPIPE, &before, nullptr); // in case that nothing came of the other process
 }
 
 void letCtrlCEndReads() {
