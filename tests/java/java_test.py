@@ -61,6 +61,8 @@ class JavaTest(HubTest):
         self.run_tests(["BindingTest"], CHECKED)
 
     def test_hub(self):
+        self.home.mkdir(exist_ok=True)
+        (self.home / "preferences.json").write_text('{"preferences": {"plaz.http_proxy": ["http://proxy.invalid"]}}')
         self.run_tests(["HubTest"], CHECKED)
 
     def test_hub_thread(self):

@@ -160,8 +160,8 @@ class HubTest {
     }
 
     /**
-       Catches: items that outlive their refresh, progress that is not told, a listener that stops the hub, a check that
-        sees no change, or takes silence for an answer.
+       Catches: items that outlive their refresh, a proxy that holds until the program ends, progress that is not told,
+       a listener that stops the hub, a check that sees no change, or takes silence for an answer.
      */
     @Test
     @Order(2)
@@ -176,6 +176,8 @@ class HubTest {
             assertTrue(PlazSwigIntf.refreshCatalog(store, STATUS, RECORD), TOLD::toString);
         assertTrue(PlazSwigIntf.isRefreshed(boards) && PlazSwigIntf.isInstalled(boards));
         assertTrue(PlazSwigIntf.getLastRefreshTime(boards) > 1_700_000_000L);
+        Path config = Path.of(boards.getLocalRootDir(), ".plaz/.index/.git/config");
+        assertTrue(Files.readString(config).contains("proxy = http://proxy.invalid"), config::toString);
         assertFalse(PlazSwigIntf.hasUpdate(boards, STATUS, RECORD));
         String commit = "git -c user.name=A -c user.email=a@b.c commit-tree -p main -m more main^{tree}";
         assertEquals(0,
