@@ -13,7 +13,7 @@ public:
     /// Name of the needed item.
     const std::string& getItem() const { return m_item; }
     void setItem(const std::string& value) { m_item = value; }
-    /// Required revision; empty means the latest.
+    /// Required revision; empty means any, of which the latest is installed.
     const std::string& getRevision() const { return m_revision; }
     void setRevision(const std::string& value) { m_revision = value; }
     bool isOptional() const { return m_optional; }

@@ -21,7 +21,7 @@ public final class PlazItemDependency extends HubObject {
         return plazi.PlazItemDependency_getItem(handle(), this);
     }
 
-    /** The revision that is needed; empty for the latest. */
+    /** The revision that is needed; empty for any, of which the latest is installed. */
     public String getRevision() {
         return plazi.PlazItemDependency_getRevision(handle(), this);
     }

@@ -68,7 +68,7 @@ record Snapshot(List<Store> stores, String proxy, String storesPath) {
     /** @param directory where it is installed; empty when it is not */
     record Revision(String text, String directory) {}
 
-    /** @param revision the one that is needed; empty for the latest */
+    /** @param revision the one that is needed; empty for any */
     record Dependency(Key key, String revision, boolean isOptional) {}
 
     /** Before anything is known. */
