@@ -9,6 +9,7 @@
 #include "TclText.h"
 
 #include "plaz/HSCPlazParams.h"
+#include "plaz/base/HSCPlazMsg.h"
 #include "plaz/base/HSCPlazNames.h"
 #include "plaz/base/HSCPlazProduct.h"
 #include "plaz/bindings/HSCPlazSwigIntf.h"
@@ -145,7 +146,8 @@ bool check(const std::string& name) {
     HSCPlazQStore& store = HubQueries(requireHub()).getStore(name);
     const StoresResult result = HubActions(requireHub(), commandStatus(), {}).check({&store});
     if (commandStatus().isCanceled()) failWith(ShellMsg::cancelled);
-    if (!result.isDone) throw ExplainedFailure(*result.reason);
+    if (result.reason) throw ExplainedFailure(*result.reason);
+    if (!result.isDone) failWith(Msg::unexpectedFailure, "no reason was given");
     return result.parts.front().outcome == HSCPlazStoreResult::Outcome::outdated;
 }
 

@@ -9,12 +9,9 @@ HSCPlazUpdateCheck HSCPlazUpdateCheckTask::look(HSCPlazTask& task, const HSCPlaz
                                                 const std::string& proxy) {
     // RATIONALE: the working copy stands where refreshing keeps it, not in the store's local root directory.
     const HSCPlazGitStore repository = task.getWorkspace().gitStore(store);
-    const std::string index = repository.layout.getIndex();
-    if (!HSCPlazStoreLayout::isComplete(index))
-        return {std::nullopt, "the working copy \"" + index + "\" is not complete"};
     HSCPlazUpdateCheck check{std::nullopt, "another program is at work on the hub"};
     task.withLock([&] {
-        check = HSCPlazGitUpdateCheck::look(index, repository.access, proxy, store.getBranch());
+        check = HSCPlazGitUpdateCheck::look(repository.layout.getIndex(), repository.access, proxy, store.getBranch());
         return true;
     });
     return check;
