@@ -107,9 +107,9 @@ TEST_F(ContextTest, LinksFollowTheStoresUrl) {
     context.storeUrl = "https://h/o/%.git";
     context.storeBranch = "%-main";
     EXPECT_EQ(item.getUrl(), "https://h/o/repo/tree/repo-main/boards/x");
+    model.setIsInstalled(true); // it is shipped, say: no file of it is known
     EXPECT_EQ(item.getLogo(), "https://raw.example.org/o/repo/repo-main/boards/x/logo.svg");
     const std::string* buffer = &item.getLogo();
-    model.setIsInstalled(true);
     model.setLocalDir("/area/x");
     EXPECT_EQ(&item.getLogo(), buffer);
     EXPECT_EQ(*buffer, "/area/x/logo.svg");
