@@ -2,6 +2,16 @@
 
 #include "plaz/model/HSCPlazQItem.h"
 
+namespace {
+
+/// Whether what stands behind the last "@" would be read as a revision.
+bool holdsRevision(const std::string& name) {
+    const std::size_t at = name.rfind('@');
+    return at != std::string::npos && at > 0;
+}
+
+} // namespace
+
 std::optional<ItemReference> ItemReference::parse(const std::string& text) {
     ItemReference reference;
     reference.name = text;
@@ -11,13 +21,13 @@ std::optional<ItemReference> ItemReference::parse(const std::string& text) {
         reference.name = text.substr(storeEnd + 2);
         if (reference.store.empty()) return std::nullopt;
     }
-    const std::size_t at = reference.name.rfind('@');
-    if (at != std::string::npos && at > 0) {
+    if (holdsRevision(reference.name)) {
+        const std::size_t at = reference.name.rfind('@');
         reference.revision = reference.name.substr(at + 1);
         reference.name.resize(at);
-        if (reference.revision.empty()) return std::nullopt;
+        if (reference.revision.empty() && !holdsRevision(reference.name)) return std::nullopt;
     }
-    if (reference.name.empty() || reference.name == "@") return std::nullopt;
+    if (reference.name.empty()) return std::nullopt;
     return reference;
 }
 
@@ -29,6 +39,6 @@ std::string ItemReference::toText() const {
     std::string text = store;
     if (!store.empty()) text += "::";
     text += name;
-    if (!revision.empty()) text.append("@").append(revision);
+    if (!revision.empty() || holdsRevision(name)) text.append("@").append(revision);
     return text;
 }

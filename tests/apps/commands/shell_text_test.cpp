@@ -36,7 +36,8 @@ TEST(ItemReferenceTest, takesReferencesApart) {
     const std::vector<std::array<std::string, 4>> wellFormed = {
         // text, store, name, revision
         {"x", "", "x", ""},        {"x@1.0", "", "x", "1.0"},    {"s::x@1", "s", "x", "1"},
-        {"x@y@1", "", "x@y", "1"}, {"@scope", "", "@scope", ""}, {"s::a::b@2", "s", "a::b", "2"}};
+        {"x@y@1", "", "x@y", "1"}, {"@scope", "", "@scope", ""}, {"s::a::b@2", "s", "a::b", "2"},
+        {"s::@", "s", "@", ""},    {"s::@@1", "s", "@", "1"},    {"s::x@y@", "s", "x@y", ""}};
     for (const auto& [text, store, name, revision] : wellFormed) {
         const auto reference = ItemReference::parse(text);
         ASSERT_TRUE(reference) << text;
@@ -44,8 +45,7 @@ TEST(ItemReferenceTest, takesReferencesApart) {
                   store + "|" + name + "|" + revision);
         EXPECT_EQ(reference->toText(), text);
     }
-    for (const char* text : {"", "@", "x@", "::x", "s::", "s::@", "s::x@"})
-        EXPECT_FALSE(ItemReference::parse(text)) << text;
+    for (const char* text : {"", "x@", "::x", "s::", "s::x@"}) EXPECT_FALSE(ItemReference::parse(text)) << text;
 }
 
 // Catches: columns that count bytes, cells whose line ends break the line.
