@@ -100,6 +100,10 @@ bool hasOptionAsHost(const HSCPlazUrl& url) {
 
 } // namespace
 
+bool HSCPlazTrust::isName(const std::string& text) {
+    return text.find('\0') == std::string::npos;
+}
+
 bool HSCPlazTrust::isSafeRelativePath(const std::string& path) {
     if (path.empty() || path.front() == '/' || hasControlCharacter(path)) return false;
     // Bytes that are no UTF-8 are left in a name by one system and replaced by another.

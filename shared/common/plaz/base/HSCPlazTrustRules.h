@@ -14,6 +14,7 @@ struct HSCPlazTrustRule {
 
 namespace HSCPlazTrustRules {
 
+inline constexpr HSCPlazTrustRule name{&HSCPlazTrust::isName, "is not a name that anybody could give"};
 inline constexpr HSCPlazTrustRule insideStore{&HSCPlazTrust::isSafeRelativePath, "is not a path inside the store",
                                               &HSCPlazTrust::tidyRelativePath};
 inline constexpr HSCPlazTrustRule folderName{&HSCPlazTrust::isSafeComponent, "is not a plain folder name"};

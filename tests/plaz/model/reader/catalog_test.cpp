@@ -89,7 +89,8 @@ TEST_F(CatalogTest, severalRevisions) {
 // commit tomorrow; a terminal that obeys its name.
 TEST_F(CatalogTest, refusals) {
     setParam("plaz.enableSchemaValidation", "false");
-    read(R"("multi_revision_supported": true, "items": [{"name": "root", "root": "../x"}, {}, {"name": ""},
+    read(
+        R"("multi_revision_supported": true, "items": [{"name": "root", "root": "../x"}, {}, {"name": ""}, {"name": "nu\u0000l"},
         {"name": "item root", "config": {"root": "/etc"}}, {"name": "file", "config": {"metadata_file": "a\\b"}},
         {"name": "revision", "latest_revision": "../1"}, {"name": "commit", "commit_id": "--all"},
         {"name": "branch", "commit_id": "main"},
@@ -97,7 +98,8 @@ TEST_F(CatalogTest, refusals) {
          "commit_id": "main"}, {"revision": "1.5", "commit_id": "c0ffee1"}]}])");
     EXPECT_THAT(describe(store), ElementsAre("older@2  o||!", "older@1.5 c0ffee1 o||"));
     EXPECT_THAT(takeMessages(),
-                ElementsAre("17-2160 root|its root \"../x\" is not a path inside the store", HasSubstr("item root|"),
+                ElementsAre("17-2160 root|its root \"../x\" is not a path inside the store",
+                            HasSubstr("is not a name that anybody could give"), HasSubstr("item root|"),
                             HasSubstr("file|"), HasSubstr("revision|"), HasSubstr("commit|"),
                             "17-2160 branch|its commit_id \"main\" does not name a commit",
                             "17-2160 older|of its older revisions its revision \"../0\" is not a plain folder name",

@@ -42,7 +42,8 @@ std::string findRefusal(const HSCPlazRevisionModel& revision) {
 
 /// Why the entry is left out by its own names; empty when it may be used.
 std::string findRefusal(const Item& item) {
-    std::string refusal = Rules::findRefusal(Rules::insideStore, Key::root, item.getRoot());
+    std::string refusal = Rules::findRefusal(Rules::name, Key::name, item.getName());
+    if (refusal.empty()) refusal = Rules::findRefusal(Rules::insideStore, Key::root, item.getRoot());
     if (refusal.empty()) refusal = Rules::findRefusal(Rules::insideStore, "item root", item.getItemRoot());
     if (refusal.empty()) refusal = Rules::findRefusal(Rules::insideStore, Key::metadataFile, item.getMetadataFile());
     return refusal.empty() ? findRefusal({item.getRevision(), item.getCommitId(), {}}) : refusal;

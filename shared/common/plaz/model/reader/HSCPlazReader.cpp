@@ -37,7 +37,8 @@ constexpr HSCPlazJson::TextField<Store> shownFields[] = {
 /// Why the entry is left out; empty when it may be used.
 std::string findRefusal(const std::string& name, const Value& entry, const Value* config) {
     if (name.empty()) return "it has no name";
-    std::string refusal = HSCPlazJson::findRefusal(entryFields, entry);
+    std::string refusal = HSCPlazTrustRules::findRefusal(HSCPlazTrustRules::name, Key::name, name);
+    if (refusal.empty()) refusal = HSCPlazJson::findRefusal(entryFields, entry);
     if (refusal.empty() && config) refusal = HSCPlazJson::findRefusal(configFields, *config);
     return refusal;
 }
