@@ -235,11 +235,7 @@ void defineItem(py::module_& module) {
             .c_str());
 }
 
-} // namespace
-
-PYBIND11_MODULE(_plaz, module) {
-    static bool isLoaded = false;
-    if (std::exchange(isLoaded, true)) throw py::import_error("a process can load plaz once, in one interpreter");
+void fill(py::module_ module) {
     py::options options;
     options.disable_function_signatures(); // docstrings begin with signatures that the inspect module reads
     defineStore(module);
@@ -249,4 +245,33 @@ PYBIND11_MODULE(_plaz, module) {
     defineSettings(module);
     serveCaches();
     Call::serveHub();
+}
+
+/// RATIONALE: asked before pybind11 is, which would wait for ever for the lock of the first interpreter.
+int load(PyObject* module) {
+    static bool isLoaded = false;
+    if (PyInterpreterState_Get() != PyInterpreterState_Main() || std::exchange(isLoaded, true)) {
+        PyErr_SetString(PyExc_ImportError, "a process can load plaz once, in its first interpreter");
+        return -1;
+    }
+    try {
+        fill(py::reinterpret_borrow<py::module_>(module));
+        return 0;
+    } catch (py::error_already_set& raised) {
+        py::raise_from(raised, PyExc_ImportError, "plaz cannot be loaded");
+    } catch (const std::exception& failure) {
+        PyErr_SetString(PyExc_ImportError, failure.what());
+    }
+    return -1;
+}
+
+} // namespace
+
+/// RATIONALE: in two phases, so that every interpreter asks load(). Else it is given a copy of what another one loaded.
+PyMODINIT_FUNC PyInit__plaz() {
+    PYBIND11_CHECK_PYTHON_VERSION
+    static PyModuleDef_Slot slots[] = {{Py_mod_exec, reinterpret_cast<void*>(&load)}, {0, nullptr}};
+    static PyModuleDef definition = {
+        PyModuleDef_HEAD_INIT, "_plaz", nullptr, 0, nullptr, slots, nullptr, nullptr, nullptr};
+    return PyModuleDef_Init(&definition);
 }

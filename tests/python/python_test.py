@@ -1,6 +1,7 @@
 """Uses the module on a sample hub of real git repositories. A process holds one hub for good: one method at a time."""
 
 import __future__
+import _xxsubinterpreters as interpreters
 import contextlib
 import functools
 import gc
@@ -32,7 +33,7 @@ REFUSED = {
         plaz.params[5] = "secret"; plaz.preferences["plaz.http_proxy"] = "secret"
         plaz.items(words="text"); plaz.items(installed="no"); plaz.items(a=1); plaz.install("x", progress=5)""",
     ValueError: r"""plaz.item("aurora\0"); plaz.item("\udc80"); plaz.store("\0"); plaz.item(""); plaz.item("aurora@")
-        plaz.install(["aurora", "@"]); plaz.params["plaz.gitTimeout"] = "secret" """,
+        plaz.install(["aurora", "s::"]); plaz.params["plaz.gitTimeout"] = "secret" """,
     plaz.NotFoundError: r"""plaz.item("no such {item} [exit] $x \\"); plaz.item("é" * 9999); plaz.item("aurora@9")
         plaz.item("aurora", "tclscripts"); plaz.install(["aurora", "nothing"]); plaz.refresh(["boards", "x"])
         plaz.items(store="x"); del plaz.params["none"]""",
@@ -135,6 +136,11 @@ class PythonTest(HubTest):
                 self.refuses(expected, call, **known)
         self.check("nothing was installed", plaz.items(installed=True), [])
         self.check("nothing to do", (plaz.install([]), plaz.refresh([])), ([], []))
+
+    def test_other_interpreters_are_refused(self):
+        """Catches: an import that waits for ever."""
+        load = f"import sys; sys.path[:0] = [{str(BUILD / 'python')!r}]\ntry: import plaz\nexcept ImportError: done = 1"
+        interpreters.run_string(interpreters.create(), load + "\ndone")
 
     def test_actions_tell_what_they_did(self):
         """Catches: results or progress that get lost, an error told twice or never."""
@@ -337,6 +343,8 @@ class PythonTest(HubTest):
         described = {name for name, thing in stubs.items() if getattr(thing, "__module__", "") == "stubs"}
         self.check("stubs", described | {*stubs["__annotations__"]}, set(plaz.__all__))
         self.check("module", public(vars(plaz)), set(plaz.__all__))
+        for name in examples:
+            self.raised(TypeError, stubs[name])  # as in the module, nobody else makes one
         for name in described:
             stub, real = stubs[name], getattr(plaz, name)
             check_thing(name, stub, real)

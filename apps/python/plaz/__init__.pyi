@@ -1,5 +1,5 @@
 from collections.abc import Callable, Iterable, Iterator, Mapping, MutableMapping, Sequence
-from typing import NamedTuple, final
+from typing import NamedTuple, NoReturn, final
 
 _Progress = Callable[[str, float], object]
 
@@ -56,6 +56,7 @@ class BusyError(Error, RuntimeError): ...
 
 @final
 class Store:
+    def __init__(self, only_the_hub_makes_it: NoReturn) -> None: ...
     @property
     def name(self) -> str: ...
     @property
@@ -107,6 +108,7 @@ class Store:
 
 @final
 class Item:
+    def __init__(self, only_the_hub_makes_it: NoReturn) -> None: ...
     @property
     def name(self) -> str: ...
     @property
