@@ -198,10 +198,9 @@ final class DetailPane extends JPanel implements Scrollable {
         Key key = needed.key();
         String id = key.toString();
         String named = key.at(needed.revision());
-        String shownText = needed.isOptional() ? named + "  (optional)" : named;
         return snapshot.item(key)
-                .<JComponent>map(item -> new LinkButton(id, shownText, () -> jump.accept(key)))
-                .orElseGet(() -> Look.readOnlyText(id, shownText + "  (not in the catalog)"));
+                .<JComponent>map(item -> new LinkButton(id, named, () -> jump.accept(key)))
+                .orElseGet(() -> Look.readOnlyText(id, named + "  (not in the catalog)"));
     }
 
     private void addField(String name, String text) {

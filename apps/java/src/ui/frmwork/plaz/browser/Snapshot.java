@@ -69,7 +69,7 @@ record Snapshot(List<Store> stores, String proxy, String storesPath) {
     record Revision(String text, String directory) {}
 
     /** @param revision the one that is needed; empty for any */
-    record Dependency(Key key, String revision, boolean isOptional) {}
+    record Dependency(Key key, String revision) {}
 
     /** Before anything is known. */
     static final Snapshot NOTHING = new Snapshot(List.of(), "", "");

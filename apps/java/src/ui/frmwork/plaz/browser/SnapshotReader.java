@@ -83,7 +83,7 @@ final class SnapshotReader {
     }
 
     private static Dependency dependency(PlazItemDependency needed) {
-        return new Dependency(new Key(needed.getStore(), needed.getItem()), needed.getRevision(), needed.isOptional());
+        return new Dependency(new Key(needed.getStore(), needed.getItem()), needed.getRevision());
     }
 
     /** The hub's order among equals counts from behind: catalogs add what is new at the end. */
