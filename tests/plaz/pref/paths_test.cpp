@@ -78,13 +78,16 @@ TEST_F(PathsTest, WorkingCopyStandsBesideTheStagingDirectory) {
     EXPECT_EQ(context.paths.getStoreLayout(model).getIndex(), "/own/.plaz/.index");
 }
 
-// Shipped data looked for in a wrong folder.
+// Shipped data looked for in a wrong folder, or, where nothing is shipped, in the current directory.
 TEST_F(PathsTest, ShippedDataIsFoundByVariable) {
     temp.makeDir("data/plaz");
     EXPECT_EQ(context.paths.getStoresDataDir(), temp.path("data/plaz/storesdata"));
     EXPECT_EQ(context.paths.getLocalDataRoot(false, "x"), temp.path("data/common/x"));
     env.set("ZENTOR_PLAZ_SHARED_ROOT_DIR", "/shared");
     EXPECT_EQ(context.paths.getStoresDataDir(), HUTFile::getCanonicalName("/shared/plaz/storesdata"));
+    env.set("ZENTOR_PLAZ_LOCAL_ROOT_DIR", "");
+    env.set("GDA_DATA_DIR", temp.path("nothing"));
+    EXPECT_EQ(context.paths.getLocalDataRoot(true, "x"), "");
 }
 
 // An item's folder leading out of the store's area by name or by link, or into the hub's own folders.

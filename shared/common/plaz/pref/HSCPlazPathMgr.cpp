@@ -70,7 +70,8 @@ std::string HSCPlazPathMgr::getUserAreaRoot(const std::string& subPath, bool cre
 }
 
 std::string HSCPlazPathMgr::getLocalDataRoot(bool create, const std::string& leaf) const {
-    return withLeaf(join({hubBase(HSCPlazName::productDir), sharedDataDir}), create, leaf);
+    const std::string base = hubBase(HSCPlazName::productDir);
+    return base.empty() ? std::string() : withLeaf(join({base, sharedDataDir}), create, leaf);
 }
 
 std::string HSCPlazPathMgr::getStagingDir(const std::string& root) const {

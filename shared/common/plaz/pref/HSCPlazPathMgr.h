@@ -29,7 +29,8 @@ public:
     /// @param create  create the directory (without the leaf) with its parents when it is missing
     std::string getUserAreaRoot(const std::string& subPath = "", bool create = false,
                                 const std::string& leaf = "") const;
-    /// Shared read-only data: "common" below "ZENTOR_PLAZ_LOCAL_ROOT_DIR" or below the data root that holds the hub.
+    /// Shared read-only data: "common" below "ZENTOR_PLAZ_LOCAL_ROOT_DIR" or below the data root that holds the hub;
+    /// empty when none does.
     std::string getLocalDataRoot(bool create = false, const std::string& leaf = "") const;
     /// Staging directory of a hub or store with root name @p root.
     std::string getStagingDir(const std::string& root) const;
