@@ -119,7 +119,17 @@ class Model:
     def complete(self, top, is_new):
         """Brings what is missing below an item, depth first: what the catalog offers, below an item that is new, also
         where another revision would serve; there the first need of its own that cannot be had ends the work."""
+        latest = self.catalogs[top[0]].get(top[1], ("",))[0]
+        path = {top} | ({(*top[:2], "")} if top[0] == ONE or latest in ("", top[2]) else set())
         seen, lacking = {top}, []
+
+        def follow(key, step):  # what is on the way already would lead in circles
+            if key in path:
+                return True
+            path.add(key)
+            went_well = step(key)
+            path.remove(key)
+            return went_well
 
         def bring(key):
             item = self.find_offer(*key) or self.find_server(*key)
@@ -130,24 +140,25 @@ class Model:
             if item not in seen:
                 seen.add(item)
                 for need in self.get_needs(item):
-                    bring(need)
+                    follow(need, bring)
             return True
 
-        def look(item):
-            for key in self.get_needs(item):
-                server = self.find_server(*key)
-                if not server:
-                    bring(key)
-                elif server not in seen:
-                    seen.add(server)
-                    self.restore(server)
-                    look(server)
+        def look(key):
+            server = self.find_server(*key)
+            if not server:
+                bring(key)
+            elif server not in seen:
+                seen.add(server)
+                self.restore(server)
+                for need in self.get_needs(server):
+                    follow(need, look)
 
         self.restore(top)
         if is_new:
-            all(bring(key) for key in self.get_needs(top))
+            all(follow(key, bring) for key in self.get_needs(top))
         else:
-            look(top)
+            for key in self.get_needs(top):
+                follow(key, look)
         return not lacking
 
     # The tasks: each gives whether all went well
