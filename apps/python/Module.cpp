@@ -268,7 +268,7 @@ int load(PyObject* module) {
 } // namespace
 
 /// RATIONALE: in two phases, so that every interpreter asks load(). Else it is given a copy of what another one loaded.
-PyMODINIT_FUNC PyInit__plaz() {
+PyMODINIT_FUNC PyInit__plaz() { // NOLINT(bugprone-reserved-identifier)
     PYBIND11_CHECK_PYTHON_VERSION
     static PyModuleDef_Slot slots[] = {{Py_mod_exec, reinterpret_cast<void*>(&load)}, {0, nullptr}};
     static PyModuleDef definition = {
