@@ -23,6 +23,7 @@ string(
   PLAZ_NOT_ON_WINDOWS
   "-PreferencesDeathTest.*"
   MessageDeathTest.*
+  StartUpTest.DebugLogIsKeptToTheEnd
   StartUpTest.StoreFilesAreNotReadThroughLinks
   GitRunner.RunsWithoutCurrentDirectory)
 # Nothing is started under Wine before the tests are.

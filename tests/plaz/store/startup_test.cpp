@@ -1,7 +1,10 @@
 #include "plaz/hub_fixture.h"
 
+#include "plaz/model/HSCPlazLogger.h"
 #include "plaz/store/HSCPlazRepoInfoMgr.h"
 #include "support/HUTSysCall.h"
+
+#include <cstdlib>
 
 namespace {
 
@@ -79,6 +82,16 @@ TEST_F(StartUpTest, DebugLinesReadAsTheyAlwaysHave) {
     for (const char* line : {"Inside HSCPlazMgr::initHub\n", "Mgr::initHub% found local db file processing it.\n",
                              "Inside HSCPlazMgr::loadStoreCatalogStore boards local root dir \n"})
         EXPECT_NE(lines.find(filled(line, {area})), std::string::npos) << line << lines;
+}
+
+// The debug log emptied by whoever writes when static objects end.
+TEST_F(StartUpTest, DebugLogIsKeptToTheEnd) {
+    HPAParamMgr::getParamMgr().setValue("plaz.enableLog", "true");
+    HUTSysCall::changeDir(files.temp.path());
+    const auto logAtEnd = [] { HSCPlazLogger::log("end"); };
+    EXPECT_EXIT((std::atexit(logAtEnd), HSCPlazLogger::log("begin"), std::exit(0)), testing::ExitedWithCode(0), "");
+    HUTSysCall::changeDir("/");
+    EXPECT_EQ(readFile(files.temp.path("plaz.log")), "begin\nend\n");
 }
 
 // Metadata read through a link that leads out of what is shipped.

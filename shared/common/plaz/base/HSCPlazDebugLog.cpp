@@ -30,7 +30,8 @@ bool HSCPlazDebugLog::isEnabled() {
 
 void HSCPlazDebugLog::write(const std::string& line) {
     if (!isEnabled()) return;
-    static std::ofstream file; // raw: HIOStream opens it, at the first line for which it can
+    // Never destroyed: static objects may log in their destructors, and a log that is opened again begins empty.
+    static auto& file = *new std::ofstream; // raw: HIOStream opens it, at the first line for which it can
     if (!file.is_open()) openLogFile(file);
     std::cout << line << std::endl;
     if (file.is_open() && file.good()) file << line << std::endl;
