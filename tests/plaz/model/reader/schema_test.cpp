@@ -98,13 +98,15 @@ TEST_F(ReaderTest, validationReportsAndGoesOn) {
     EXPECT_THAT(takeMessages(), ElementsAre(HasSubstr("12-104"), "12-103 " + temp.path("none")));
 }
 
-// A name that stands twice passed, a configuration taken for a hub, what it cannot mean passed, its secrets told.
+// A name that stands twice passed, a hub without stores not known, a configuration taken for a hub, what it cannot mean
+// passed, its secrets told.
 TEST_F(ReaderTest, checksTellWhatASchemaCannot) {
     const std::tuple<const char*, const char*, const char*, Names> cases[] = {
         {"a.json",
          R"({"plaz": {"qstores": [{"name": "a"}, {"name": "b"}, {"name": "a"}, {}]}})",
          "hub",
          {R"("/plaz/qstores/3" breaks)", "has no name", R"("/plaz/qstores/2" has the name "a")"}},
+        {"a.json", R"({"plaz": {"commit-id": "c"}})", "hub", {}},
         {"a.json",
          R"({"catalog": {"items": [{"name": "a"}, {"name": "a"}]}})",
          "item catalog",

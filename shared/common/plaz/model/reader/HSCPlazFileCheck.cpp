@@ -83,7 +83,7 @@ const KindRule kindRules[] = {
      {Key::remoteRepository, Key::config, Key::gdaDataRoot, Key::appDataRoot, Key::schemaVersion},
      SchemaKind::config,
      HSCPlazConfigReader::findFaults},
-    {"hub", Key::plaz, {Key::qstores}, SchemaKind::plaz, findInHub},
+    {"hub", Key::plaz, {Key::qstores, Key::hubCommitId}, SchemaKind::plaz, findInHub},
     {"store",
      Key::catalog,
      {Key::supportedProducts},
