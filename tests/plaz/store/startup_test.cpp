@@ -1,5 +1,6 @@
 #include "plaz/hub_fixture.h"
 
+#include "plaz/HSCPlazInspection.h"
 #include "plaz/model/HSCPlazLogger.h"
 #include "plaz/store/HSCPlazRepoInfoMgr.h"
 #include "support/HUTSysCall.h"
@@ -55,6 +56,20 @@ TEST_F(StartUpTest, LeavesTheDatabaseOfAnotherReleaseAlone) {
     EXPECT_EQ(boards.getLocalRootDir(), files.area("board_store_Solvan_2024.2"));
     HSCPlazMgr::getInstance().getLocalDBMgr()->save(hub(), &boards, "");
     EXPECT_EQ(readFile(files.temp.path(boardsDb)), before);
+}
+
+// No catalog where the stores have no place; that repeated for each store, or what is not known taken for nothing.
+TEST_F(StartUpTest, LoadsCatalogsWithoutAPlaceForTheStores) {
+    files.addStore("tcl", "ced", false).item("util", "1");
+    ship();
+    HPAParamMgr::getParamMgr().setValue("plaz.enableBoardStoreDefaultLocation", "false");
+    files.env.set("ZENTOR_PLAZ_USER_REPO_PATH", files.temp.path("missing"));
+    ASSERT_NE(hub().getStore("boards"), nullptr);
+    EXPECT_NE(hub().getStore("boards")->getItem("aurora"), nullptr);
+    EXPECT_EQ(takeIds(), Names{"17-1538"});
+    EXPECT_TRUE(HSCPlazInspection::describeUnknownRecord(hub()));
+    files.env.set("ZENTOR_PLAZ_USER_REPO_PATH", "");
+    EXPECT_FALSE(HSCPlazInspection::describeUnknownRecord(hub()));
 }
 
 // A product taken for the one that keeps its catalog in the user area, and may move every store.

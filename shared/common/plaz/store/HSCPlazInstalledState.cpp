@@ -138,6 +138,7 @@ void HSCPlazInstalledState::takeOver(HSCPlazQStore& store) const {
 
 void HSCPlazInstalledState::merge(HSCPlazQStoreModel& store) const {
     const std::string database = store.getLocalDbFilePath();
+    if (database.empty()) return; // the store has no area
     using Merge = HSCPlazLocalDBMgr::Merge;
     HSCPlazLocalDBMgr& databases = m_workspace.databases;
     const Merge merged = databases.merge(database, store, m_workspace.paths, m_report);

@@ -1,5 +1,6 @@
 #include "plaz/store/HSCPlazPlaces.h"
 
+#include "plaz/base/HSCPlazMsg.h"
 #include "plaz/base/HSCPlazReport.h"
 #include "plaz/store/HSCPlazCatalogLoader.h"
 #include "plaz/store/HSCPlazWorkspace.h"
@@ -216,7 +217,7 @@ void HSCPlazPlaces::place(HSCPlazQStoreModel& store, const std::string& dir, HSC
         store.setLocalDbFilePath(m_workspace.paths.getStoreLayout(store).getDatabase());
     } catch (const HEXAll& failure) {
         // The store has no area until the environment names one that exists; its catalog can be read all the same.
-        report.add(failure);
+        if (!report.tells(Msg::userRepoPathMissing)) report.add(failure); // it is the same for every store
         store.setLocalDbFilePath("");
     }
 }
