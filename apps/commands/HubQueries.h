@@ -96,7 +96,7 @@ public:
     /// The stores of which nobody knows what they offer, since their files could not be read.
     std::vector<std::string> findUnread() const;
 
-    /// Fails with Msg::databaseUnreadable or recordAway where not all that is installed is known.
+    /// Fails with Msg::databaseUnreadable, recordAway or userRepoPathMissing where not all that is installed is known.
     void requireRecords() const;
 
     ItemInfo describe(HSCPlazQItem& item) const;

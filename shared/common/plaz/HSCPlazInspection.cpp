@@ -4,6 +4,7 @@
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQItem.h"
+#include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/repo/git/HSCPlazGitConfigFile.h"
 #include "plaz/model/repo/git/HSCPlazGitCredentials.h"
 #include "plaz/model/repo/git/HSCPlazGitParams.h"
@@ -31,6 +32,16 @@ HSCPlazWorkspace& workspace() {
 
 HSCPlazInspection::Answer toAnswer(const HSCPlazGitAnswer& answer) {
     return {answer.status == 0, answer.text, answer.getReason()};
+}
+
+/// Why the place of some store's record cannot be named, where that is so.
+void addNamelessArea(const HSCPlaz& hub, HSCPlazReport& report) {
+    try {
+        for (const HSCPlazQStore* store : hub.getStores())
+            if (store->isProductSpecific()) workspace().paths.getStoreArea(*store->getModel());
+    } catch (const HEXAll& failure) {
+        report.add(failure);
+    }
 }
 
 } // namespace
@@ -111,6 +122,7 @@ std::optional<ComMsgMgrInstance> HSCPlazInspection::describeUnknownRecord(const 
     if (!unreadable.empty()) report.add(Msg::databaseUnreadable, MsgSeverity::error, unreadable);
     for (const auto& [store, directory] : findMissingPlaces())
         report.add(Msg::recordAway, MsgSeverity::error, directory);
+    addNamelessArea(hub, report);
     const ComMsgMgrInstance* problem = report.findProblem();
     return problem ? std::make_optional(*problem) : std::nullopt;
 }

@@ -63,8 +63,8 @@ PLAZ_API bool isNewestInstalled(const HSCPlazQItem& item);
 PLAZ_API std::vector<HSCPlazQItem*> findIncomplete(const HSCPlaz& hub);
 /// How the files of an installed item compare with those of its recorded commit.
 PLAZ_API HSCPlazFilesResult compareFiles(HSCPlazQItem& item);
-/// Why it is not known what is installed: a file that tells it could not be read (Msg::databaseUnreadable), or a
-/// store's directory is not there (Msg::recordAway). Empty when it is known.
+/// Why it is not known what is installed: a file that tells it could not be read (Msg::databaseUnreadable), a store's
+/// directory is not there (Msg::recordAway) or cannot be named (Msg::userRepoPathMissing). Empty when it is known.
 PLAZ_API std::optional<ComMsgMgrInstance> describeUnknownRecord(const HSCPlaz& hub);
 
 /// Items of the store had been installed, and their record is gone.
