@@ -172,6 +172,8 @@ TEST_F(GitClone, NothingRunsForARefusedStoreOrWithoutAccess) {
     model.setBranch("");
     EXPECT_FALSE(load(model, {}));
     EXPECT_FALSE(HUTFile::exists(index));
+    EXPECT_FALSE(load(hubModel));
+    EXPECT_EQ(takeIds(), Names{"17-1532"}) << "the hub's maintainer is blamed";
     setParam("plaz.enableGitAccess", "false");
     hubModel.setRemoteRepository(remote.getDir());
     EXPECT_FALSE(load(model) || load(hubModel) || HSCPlazGit::setRemote(remote.getDir(), model));

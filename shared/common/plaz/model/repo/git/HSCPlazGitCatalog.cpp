@@ -156,6 +156,11 @@ void traceStore(const HSCPlazGitStore& store) {
 /// Messages call the hub's own repository by the hub's root, for it has no other name.
 bool acceptHub(const HSCPlazModel& hub, const Files& files, HSCPlazReport& report) {
     const std::string& root = hub.getRoot();
+    if (hub.getRemoteRepository().empty()) {
+        report.add(Msg::remoteRepoPathUnset, MsgSeverity::error, HSCPlazName::remoteRepoVariable,
+                   HSCPlazName::remoteRepoVariable);
+        return false;
+    }
     const std::string refusal = HSCPlazGitUrl::findRefusal(hub.getRemoteRepository());
     if (!refusal.empty()) return refuse(root, refusal, report);
     if (!acceptFiles(root, files, report)) return false;
