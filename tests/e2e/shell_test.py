@@ -358,6 +358,9 @@ class ShellTest(HubTest):
         self.expect("paths", "qstores: name", "boards", "tclscripts")
         self.env["ZENTOR_PLAZ_USER_REPO_PATH"] = str(self.dir / "missing")
         self.check_shown(self.run_plaz("paths").stdout, "ZENTOR_PLAZ_USER_REPO_PATH")
+        self.env["ZENTOR_PLAZ_LOCAL_ROOT_DIR"] = str(self.dir / "none")
+        told = self.ask("paths", "paths: name exists path chosen_by")
+        self.check_shown(told, f"configuration True {self.dir / 'data/plaz/plaz_config.json'} variable GDA_DATA_DIR")
 
     def test_tells_parameters(self):
         """Catches: secrets on the screen, hidden parameters listed, values that are not those in force."""

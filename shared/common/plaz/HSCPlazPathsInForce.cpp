@@ -3,6 +3,7 @@
 #include "plaz/HSCPlazMgr.h"
 #include "plaz/base/HSCPlazNames.h"
 #include "plaz/base/HSCPlazProduct.h"
+#include "plaz/base/HSCPlazVariables.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazModel.h"
 #include "plaz/model/HSCPlazQStore.h"
@@ -58,6 +59,13 @@ std::string chooserOfUserRepository() {
 
 std::string chooserOfData() {
     return chosenBy("GDA_DATA_DIR", chosenBy("GDA_APPROOT", "default: beside the library"));
+}
+
+/// One that is not found below the local root is looked for in the data roots.
+std::string chooserOfConfiguration(const std::string& chooserOfShipped) {
+    const std::string root = HSCPlazVariables::getDirectory(HSCPlazName::localRootVariable);
+    const bool isBelow = HUTFile::isBeneath(root, workspace().paths.getConfigFile());
+    return root.empty() || isBelow ? chooserOfShipped : chooserOfData();
 }
 
 std::string chooserOfGit() {
@@ -126,7 +134,7 @@ std::vector<Path> HSCPlazPathsInForce::ofHub() {
                 "shared data root", [&] { return paths.getLocalDataRoot(); }, localRoot),
             findHubMetadata(localRoot),
             inForce(
-                "configuration", [&] { return paths.getConfigFile(); }, localRoot),
+                "configuration", [&] { return paths.getConfigFile(); }, chooserOfConfiguration(localRoot)),
             inForce(
                 "stores data", [&] { return paths.getStoresDataDir(); },
                 chosenBy(HSCPlazName::sharedRootVariable, localRoot)),
