@@ -15,6 +15,11 @@ using Json = HCRapidJsonReadWriteUtils;
 
 constexpr const char* preferencesKey = "preferences";
 
+bool isListOfTexts(const rapidjson::Value& value) {
+    const auto isText = [](const rapidjson::Value& element) { return element.IsString(); };
+    return value.IsArray() && std::all_of(value.Begin(), value.End(), isText);
+}
+
 // Fills the set from the file. Returns what is wrong with the file, or nothing.
 std::string readPreferences(const std::string& file, HCCXPref& preferences) {
     std::string text;
@@ -25,6 +30,8 @@ std::string readPreferences(const std::string& file, HCCXPref& preferences) {
     if (!Json::parseInPlace(text, document)) return Json::GetErrorMsgFromDocument(document);
     const rapidjson::Value* members = Json::FindObject(document, preferencesKey);
     if (!members) return std::string("it has no member \"") + preferencesKey + "\"";
+    for (const auto& member : members->GetObject())
+        if (!isListOfTexts(member.value)) return std::string("\"") + member.name.GetString() + "\" is no list of texts";
     for (const auto& member : members->GetObject())
         preferences.setVal(member.name.GetString(), Json::GetStringArrayProperty(*members, member.name.GetString()));
     return {};

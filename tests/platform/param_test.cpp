@@ -83,7 +83,8 @@ TEST_F(PreferencesDeathTest, Persist) {
 
 // Fault: a damaged file that is lost with the next save, or that goes unreported.
 TEST_F(PreferencesDeathTest, DamagedFileIsReportedAndKept) {
-    for (const char* damaged : {"{\"preferences\": {\"A\": [\"1\"]", "[]", "{\"preferences\": 3}"}) {
+    for (const char* damaged :
+         {"{\"preferences\": {\"A\": [\"1\"]", "[]", "{\"preferences\": 3}", R"({"preferences": {"A": "/chosen"}})"}) {
         temp.write("new/appdata/preferences.json", damaged);
         EXPECT_EXIT(_exit(save({"x"}) ? 0 : 1), testing::ExitedWithCode(0),
                     "^CRITICAL WARNING: \\[12-106\\].*preferences.json");
