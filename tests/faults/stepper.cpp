@@ -1,9 +1,8 @@
 // Runs a program and brings in one fault, just before the N-th call by which it or a child would change a file.
 //
-//   stepper [--count] [--at N] [--do FAULT] [--kind write|open] [--children|--alone] [--refuse CALL=ERROR]
+//   stepper [--at N] [--do FAULT] [--kind write|open] [--children|--alone] [--refuse CALL=ERROR]
 //           [--report FILE] -- PROGRAM ARG...
 //
-//   --count      print how many such calls there were, when all have ended
 //   --at N       where the fault comes in, counted from 1
 //   --do FAULT   kill       the program alone is killed; its children live on, as they do where people kill it
 //                kill-all   the program and all that it has started are killed
@@ -124,7 +123,7 @@ const std::map<std::string, unsigned> refusals{{"ENOSYS", ENOSYS}, {"EINVAL", EI
 const std::set<std::string> ends{"kill", "kill-all", "interrupt"};
 
 struct Options {
-    bool prints, withChildren, openings;
+    bool withChildren, openings;
     long at;
     std::string fault, report;
     std::vector<sock_filter> refusal; ///< empty where nothing is refused
@@ -139,7 +138,7 @@ std::vector<sock_filter> toFilter(const std::string& refused) {
 }
 
 Options readOptions(char** args) {
-    const std::set<std::string> flags{"--count", "--children", "--alone"};
+    const std::set<std::string> flags{"--children", "--alone"};
     std::map<std::string, std::string> values{
         {"--at", "0"}, {"--do", "kill"}, {"--kind", "write"}, {"--refuse", ""}, {"--report", "/dev/null"}};
     while (*++args != nullptr && std::string(*args) != "--") {
@@ -151,8 +150,7 @@ Options readOptions(char** args) {
     if (*args == nullptr || args[1] == nullptr) throw std::invalid_argument("there is no program to run");
     const std::string fault = values["--do"];
     if (ends.count(fault) + errors.count(fault) == 0) throw std::invalid_argument("no such fault: " + fault);
-    return {values.count("--count") != 0,
-            values.count("--alone") == 0,
+    return {values.count("--alone") == 0,
             values["--kind"] == "open",
             std::stol(values["--at"]),
             fault,
@@ -269,7 +267,6 @@ public:
                 tasks.erase(task);
             if (task == program) result = status;
         }
-        if (options.prints) std::cout << count << '\n';
         return WIFEXITED(result) ? WEXITSTATUS(result) : 128 + WTERMSIG(result);
     }
 

@@ -6,8 +6,6 @@
 
 #include <sstream>
 
-namespace {
-
 using Kind = HUTDigest::Kind;
 
 // Fault: a digest that is not git's: of an empty file, at the borders of its blocks or of the parts that are read, or
@@ -57,5 +55,3 @@ TEST(DigestTest, OfNoFile) {
         EXPECT_EQ(read.id, "") << file;
     }
 }
-
-} // namespace

@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-
 // Fault: an old directory lost before the new one stands, or remains of either left beside it.
 TEST(DiskTest, ReplaceDirectory) {
     TempDir temp;
@@ -29,8 +27,6 @@ TEST(DiskTest, FreeSpace) {
     EXPECT_GT(HUTFile::getFreeSpace(temp.path()).value_or(0), 0U);
     EXPECT_EQ(HUTFile::getFreeSpace(temp.path("missing")), std::nullopt);
 }
-
-} // namespace
 
 // A lock that two have, and a waiter that is told of another process than the one that holds it.
 TEST(DiskTest, LockTellsWhoHoldsIt) {

@@ -35,17 +35,11 @@ std::string failureOf(const std::string& command) {
 }
 
 /// A script object that the test holds too, so that it outlives what the cache does.
-class HeldObject {
-public:
-    explicit HeldObject(const char* text) : m_object(Tcl_NewStringObj(text, -1)) { Tcl_IncrRefCount(m_object); }
-    ~HeldObject() { Tcl_DecrRefCount(m_object); }
-    HeldObject(const HeldObject&) = delete;
-    HeldObject& operator=(const HeldObject&) = delete;
-    operator Tcl_Obj*() const { return m_object; }
-
-private:
-    Tcl_Obj* m_object;
-};
+std::shared_ptr<Tcl_Obj> hold(const char* text) {
+    Tcl_Obj* const object = Tcl_NewStringObj(text, -1);
+    Tcl_IncrRefCount(object);
+    return {object, [](Tcl_Obj* held) { Tcl_DecrRefCount(held); }};
+}
 
 class ScriptCacheTest : public MessagesTest {
 protected:
@@ -71,15 +65,15 @@ TEST(TclEvaluatorTest, GivesIntegersTextsAndErrors) {
 // A damaged pair of tables that goes unnoticed, or that keeps the objects after it valid; a reference that is kept.
 TEST_F(ScriptCacheTest, CorruptTablesAreReportedAndTheRestIsDone) {
     Thing one, other;
-    const HeldObject lost("lost"), strayed("strayed"), fine("fine");
-    for (const HeldObject* object : {&lost, &strayed, &fine}) TclCache::add(&one, *object);
-    TclCache::get_t2n_cache().erase(lost);
-    TclCache::get_t2n_cache()[strayed] = &other;
+    const auto lost = hold("lost"), strayed = hold("strayed"), fine = hold("fine");
+    for (const auto& object : {lost, strayed, fine}) TclCache::add(&one, object.get());
+    TclCache::get_t2n_cache().erase(lost.get());
+    TclCache::get_t2n_cache()[strayed.get()] = &other;
     TclCache::native_destroyed(&one);
     EXPECT_EQ(messages.at(0).text, "native_cache<> corrupt");
     EXPECT_EQ(takeIds(), (Names{"12-109", "12-109"}));
-    EXPECT_TRUE(TclCache::is_invalid(fine) && static_cast<Tcl_Obj*>(fine)->refCount == 1);
-    EXPECT_FALSE(TclCache::is_invalid(strayed));
+    EXPECT_TRUE(TclCache::is_invalid(fine.get()) && fine->refCount == 1);
+    EXPECT_FALSE(TclCache::is_invalid(strayed.get()));
     EXPECT_EQ(TclCache::get_n2t_cache().count(&one), 0U);
     EXPECT_EQ(TclCache::get_t2n_cache().size(), 1U);
 }

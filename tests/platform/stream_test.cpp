@@ -5,8 +5,6 @@
 
 #include <cstdint>
 
-namespace {
-
 using Status = HIOStream::Status;
 
 // Fault: a protected file that does not come back as it was, or a damaged one that is read as if it were whole.
@@ -39,5 +37,3 @@ TEST(StreamTest, Container) {
         check(good.substr(0, at) + static_cast<char>(good[at] ^ 4) + good.substr(at + 1));
     EXPECT_FALSE(HIOStream::isContainer(temp.write("file", good.substr(0, 7))));
 }
-
-} // namespace

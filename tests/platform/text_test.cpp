@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-namespace {
-
 // Catches: broken bytes that end up in a document or a name, good ones that are refused or replaced.
 TEST(TextTest, tellsAndMendsWhatIsNoUtf8) {
     const std::pair<const char*, const char*> cases[] = {
@@ -81,5 +79,3 @@ TEST(TextTest, comesAndGoesAsWideText) {
     EXPECT_EQ(HI18N::convert(std::wstring{0xD83D, L'a', 0xDE00, 0xD83D}), "\uFFFDa\uFFFD\uFFFD");
     EXPECT_EQ(HI18N::convert(std::wstring(1, 0xD83D) + L"\U0003DC00\U0001D800"), "\uFFFD\U0003DC00\U0001D800");
 }
-
-} // namespace

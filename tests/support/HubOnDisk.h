@@ -3,7 +3,6 @@
 #include "support/GitRepo.h"
 #include "support/TempDir.h"
 
-#include <map>
 #include <memory>
 
 /// A store with a real repository and what the hub ships of it.

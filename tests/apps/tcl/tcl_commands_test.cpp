@@ -1,11 +1,7 @@
 #include "TclCommands.h"
 
-#include "plaz/HSCPlazMgr.h"
 #include "plaz/HSCPlazParams.h"
 #include "plaz/bindings/HSCPlazSwigIntf.h"
-#include "plaz/model/HSCPlaz.h"
-#include "plaz/model/HSCPlazQItem.h"
-#include "plaz/model/HSCPlazQStore.h"
 #include "scripting/task_manager.h"
 #include "support/HDGUIStatus.h"
 #include "support/HUTFile.h"

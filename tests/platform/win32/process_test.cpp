@@ -4,8 +4,6 @@
 #include <array>
 #include <atomic>
 
-namespace {
-
 // Fault: an interrupt that misses the child; a lock that two hold, or that outlives its holder.
 TEST_F(ProcessTest, InterruptAndLock) {
     HUTFileLock lock(temp.path("lock"));
@@ -42,5 +40,3 @@ TEST(OnceTest, MakesOneObject) {
     for (void* object : objects) EXPECT_EQ(object, objects[0]);
     delete static_cast<int*>(objects[0]);
 }
-
-} // namespace

@@ -1,6 +1,5 @@
 #include "plaz/store/HSCPlazItemTree.h"
 #include "support/GitRepo.h"
-#include "support/HUTDigest.h"
 #include "support/HUTFile.h"
 #include "support/TempDir.h"
 
