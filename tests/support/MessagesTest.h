@@ -19,6 +19,12 @@ protected:
         messages.clear();
         return ids;
     }
+    /// How something went: "!" where it failed, then the ids of the messages sent since the last call.
+    std::string outcome(bool isDone) {
+        std::string text = isDone ? "" : "!";
+        for (const std::string& id : takeIds()) text += " " + id;
+        return text;
+    }
 
     /// The id of the message that @p action throws, "nothing" where it throws none; its text is in thrownText then.
     template <typename Action> std::string thrownBy(Action action) {

@@ -58,8 +58,7 @@ TEST_F(CatalogTasksTest, CatalogsComeIntoNobodysPlace) {
     for (const std::string name : {"items/a/item.json", "folder.json"}) {
         tcl.getRepo().write(name, readFile(tcl.getRepo().getDir() + "/catalog.json"));
         publishWith(name, "catalog.json");
-        EXPECT_FALSE(refresh()) << name;
-        EXPECT_EQ(takeIds(), (Names{"17-2251", "17-2191"}));
+        EXPECT_EQ(outcome(refresh()), "! 17-2251 17-2191") << name;
         tcl.publish();
     }
     EXPECT_EQ(readFile(files.area("ced_store/items/a/item.json")), before);
@@ -93,12 +92,10 @@ TEST_F(CatalogTasksTest, WhatFailsLeavesTheOldCatalogInForce) {
     EXPECT_FALSE(refresh(&status));
     const std::string url = store().getUrl();
     store().setUrl("file://" + files.temp.path("gone"));
-    EXPECT_FALSE(refresh());
-    EXPECT_EQ(takeIds(), (Names{"17-1990", "17-2191"}));
+    EXPECT_EQ(outcome(refresh()), "! 17-1990 17-2191");
     store().setUrl(url);
     HPAParamMgr::getParamMgr().setValue("plaz.enableRemoteAccess", "false");
-    EXPECT_FALSE(refresh());
-    EXPECT_EQ(takeIds(), (Names{"17-1559", "17-2191"}));
+    EXPECT_EQ(outcome(refresh()), "! 17-1559 17-2191");
     EXPECT_NE(store().getItem("b"), nullptr);
     EXPECT_FALSE(HUTFile::exists(files.area("ced_store/.staging")));
     const auto load = [&](const std::string& file, const std::string& text) {
@@ -153,23 +150,17 @@ TEST_F(CatalogTasksTest, OddStoresAreTakenAsTheyAre) {
     tcl.getRepo().write("items/b/item.json", "not JSON");
     tcl.publish();
     takeIds();
-    EXPECT_TRUE(refresh());
-    EXPECT_EQ(takeIds(), (Names{"17-2140", "17-2139"}));
+    EXPECT_EQ(outcome(refresh()), " 17-2140 17-2139");
     EXPECT_EQ(store().getItem("b")->getDisplayName() + store().getItem("c")->getDisplayName(), "The c");
     for (const char* item : {"b", "c"}) tcl.withdraw(item);
     tcl.publish();
-    EXPECT_TRUE(refresh() && refresh());
-    EXPECT_EQ(takeIds(), Names{});
+    EXPECT_EQ(outcome(refresh() && refresh()), "");
     publishWith("Others", "Solvan");
-    EXPECT_TRUE(refresh());
-    EXPECT_EQ(takeIds(), Names{"17-2178"});
+    EXPECT_EQ(outcome(refresh()), " 17-2178");
     tcl.publish();
-    EXPECT_TRUE(refresh() && HSCPlazTaskMgr::uninstall(&hub(), store().getItem("a"), true));
-    EXPECT_EQ(takeIds(), Names{});
-    EXPECT_FALSE(install("a")) << "which nobody offers, though the store still knows it";
-    EXPECT_EQ(takeIds(), (Names{"17-2245", "17-1567"}));
-    EXPECT_TRUE(refresh() && !HSCPlazTaskMgr::hasUpdate(&store()));
-    EXPECT_EQ(takeIds(), Names{"17-1929"});
+    EXPECT_EQ(outcome(refresh() && HSCPlazTaskMgr::uninstall(&hub(), store().getItem("a"), true)), "");
+    EXPECT_EQ(outcome(install("a")), "! 17-2245 17-1567") << "which nobody offers, though the store still knows it";
+    EXPECT_EQ(outcome(refresh() && !HSCPlazTaskMgr::hasUpdate(&store())), " 17-1929");
 }
 
 // A store moved into another release's or store's directory, or one that forgets where it was moved to, by whomever.
@@ -179,10 +170,9 @@ TEST_F(CatalogTasksTest, StoresMoveToADirectoryOfTheUsersChoice) {
     files.addStore("more", "ced", false);
     files.ship();
     hub().getStore("more")->setInstallDir(mine + "/tcl");
-    EXPECT_FALSE(HSCPlazTaskMgr::moveStore(store(), mine).isDone());
-    EXPECT_EQ(takeIds(), Names{"17-1668"});
-    EXPECT_FALSE(HSCPlazTaskMgr::moveStore(store(), mine + "/tcl/items/x").isDone()) << "inside another one's";
-    EXPECT_EQ(takeIds(), Names{"17-1668"});
+    EXPECT_EQ(outcome(HSCPlazTaskMgr::moveStore(store(), mine).isDone()), "! 17-1668");
+    EXPECT_EQ(outcome(HSCPlazTaskMgr::moveStore(store(), mine + "/tcl/items/x").isDone()), "! 17-1668")
+        << "inside another one's";
     hub().getStore("more")->setInstallDir("");
     EXPECT_FALSE(moveTo("") || HSCPlazTaskMgr::setQStoreLocalRootDir(nullptr, "/x"));
     files.temp.write("foreign/tcl/.plaz/plaz_local_db.json",
@@ -192,8 +182,7 @@ TEST_F(CatalogTasksTest, StoresMoveToADirectoryOfTheUsersChoice) {
     tcl.item("b", "1").publish();
     ASSERT_TRUE(refresh() && install("a"));
     takeIds();
-    ASSERT_TRUE(moveTo(mine));
-    EXPECT_EQ(takeIds(), Names{"17-2176"});
+    ASSERT_EQ(outcome(moveTo(mine)), " 17-2176");
     EXPECT_FALSE(store().getItem("a")->IsInstalled());
     EXPECT_EQ(store().getItem("b")->getDisplayName(), "The b"); // the refreshed catalog came along
     ASSERT_TRUE(install("a"));
@@ -208,8 +197,7 @@ TEST_F(CatalogTasksTest, StoresMoveToADirectoryOfTheUsersChoice) {
     EXPECT_TRUE(store().getItem("a")->IsInstalled());
     takeIds();
     HSCPlazRepoInfoMgr(recorded).setStoreDirectory("tcl", mine); // by another
-    EXPECT_FALSE(HSCPlazTaskMgr::uninstall(&hub(), store().getItem("a"), true));
-    EXPECT_EQ(takeIds(), Names{"17-2175"});
+    EXPECT_EQ(outcome(HSCPlazTaskMgr::uninstall(&hub(), store().getItem("a"), true)), "! 17-2175");
 }
 
 /// A hub whose own repository publishes what publishHub() puts there.
@@ -297,11 +285,10 @@ TEST_F(HubRefreshTest, WhatFailsLeavesTheHubAsItWas) {
     EXPECT_EQ(takeIds().back(), "17-2224");
     HDGUIStatus status;
     status.cancel();
-    EXPECT_FALSE(refreshHub(&status));
-    EXPECT_EQ(takeIds(), Names{});
+    EXPECT_EQ(outcome(refreshHub(&status)), "!");
     HPAParamMgr::getParamMgr().setValue("plaz.enableRemoteAccess", "false");
-    EXPECT_FALSE(refreshHub() || HSCPlazTaskMgr::updateCatalog(static_cast<HSCPlaz*>(nullptr), nullptr));
-    EXPECT_EQ(takeIds(), Names{"17-1571"});
+    EXPECT_EQ(outcome(refreshHub() || HSCPlazTaskMgr::updateCatalog(static_cast<HSCPlaz*>(nullptr), nullptr)),
+              "! 17-1571");
     EXPECT_EQ(&store(), before);
     EXPECT_FALSE(HUTFile::exists(refreshed));
 }

@@ -6,25 +6,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace {
-
 using TwoProcessesTest = HubOnDiskTest;
 
-// The last of two processes to save taking away what the other one installed.
-TEST_F(TwoProcessesTest, TakeOverFromEachOther) {
-    files.addStore("tcl", "ced", false).item("a", "1").item("b", "1");
-    files.ship();
-    hub();
-    if (const pid_t other = fork(); other == 0)
-        _exit(install("a") ? 0 : 1);
-    else
-        ASSERT_EQ(waitpid(other, nullptr, 0), other);
-    EXPECT_FALSE(find("a").IsInstalled());
-    EXPECT_TRUE(install("b"));
-    EXPECT_TRUE(find("a").IsInstalled() && find("b").IsInstalled());
-}
-
-// What an item of a store needs that only the other process knows.
+// The last of two processes to save taking away what the other one installed, or what an item of a store needs that
+// only the other process knows.
 TEST_F(TwoProcessesTest, TakeOverEachOthersStores) {
     files.addStore("tcl", "ced", false).item("a", "1").item("b", "1");
     files.ship();
@@ -72,13 +57,10 @@ TEST_F(TwoProcessesTest, UpdateWaitsForTheOther) {
     };
     const std::string before = state();
     takeIds();
-    EXPECT_FALSE(update() || HSCPlazTaskMgr::hasUpdate(&store(), ""));
-    EXPECT_EQ(takeIds(), (Names{"17-2223", "17-2168", "17-2223", "17-2168"}));
+    EXPECT_EQ(outcome(update() || HSCPlazTaskMgr::hasUpdate(&store(), "")), "! 17-2223 17-2168 17-2223 17-2168");
     EXPECT_TRUE(state() == before && find("a").NeedsRefresh() && !find("b").IsInstalled());
     kill(other, SIGKILL);
     waitpid(other, nullptr, 0);
     EXPECT_TRUE(update());
     EXPECT_TRUE(state() != before && find("b").IsInstalled());
 }
-
-} // namespace

@@ -66,6 +66,13 @@ protected:
         return found;
     }
 
+    /// What a failing disk makes of the working copy's packs.
+    void emptyPacks() const {
+        for (const std::string& name : HUTFile::createFileIter(index + "/.git/objects/pack"))
+            if (boost::filesystem::path(name).extension() == ".pack")
+                boost::filesystem::resize_file(index + "/.git/objects/pack/" + name, 0);
+    }
+
     GitRepo remote{temp.path("remote")};
     const std::string clone = temp.path("clone");
 };

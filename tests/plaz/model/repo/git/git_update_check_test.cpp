@@ -4,8 +4,6 @@
 #include "plaz/model/repo/git/git_fixture.h"
 #include "support/HUTFileLock.h"
 
-namespace {
-
 using GitUpdateCheck = GitRemoteTest;
 
 // Faults: a moved branch goes unnoticed, the check asks another repository than a refresh would fetch, a URL becomes
@@ -76,5 +74,3 @@ TEST_F(GitUpdateCheck, HoldsTheHubForALimitedTime) {
     EXPECT_EQ(takeIds(), Names{}) << "it was waited for";
     EXPECT_EQ(takeCalls(), "");
 }
-
-} // namespace
