@@ -7,7 +7,7 @@ import shutil
 import signal
 import subprocess
 
-from support.hubtest import PLAZ, TEXT, HubTest, edit, run, succeed, wait_for
+from support.hubtest import PLAZ, TEXT, HubTest, edit, hide, run, succeed, wait_for
 
 
 class ShellTest(HubTest):
@@ -240,12 +240,8 @@ class ShellTest(HubTest):
     def test_a_hub_that_cannot_be_used_is_no_empty_one(self):
         """Catches: success where nobody knows which stores there are, and no way back from there."""
 
-        def replace_by_directory(file):
-            file.unlink()
-            file.mkdir()
-
         # What cannot even be read is told until somebody mends it.
-        for damage, status in ((lambda file: file.write_text("{"), 0), (replace_by_directory, 1)):
+        for damage, status in ((lambda file: file.write_text("{"), 0), (hide, 1)):
             for installed in ("", "string-kit"):
                 self.setUp()
                 if installed:
@@ -287,10 +283,6 @@ class ShellTest(HubTest):
         def harm_database(harm):
             self.run_plaz("install string-kit")
             harm(next(self.home.glob("**/ced_store/.plaz/plaz_local_db.json")))
-
-        def hide(file):
-            file.unlink()
-            file.mkdir()
 
         for name, make_fault, options, expected in (
             ("nothing", lambda: self.run_plaz("refresh --hub"), "", ""),

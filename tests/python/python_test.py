@@ -20,7 +20,7 @@ import unittest
 import unittest.mock
 import weakref
 
-from support.hubtest import BUILD, TREE, HubTest, succeed, wait_for
+from support.hubtest import BUILD, TREE, HubTest, hide, succeed, wait_for
 
 sys.path.insert(0, str(BUILD / "python"))
 import plaz  # noqa: E402 (its place comes first)
@@ -309,8 +309,7 @@ class PythonTest(HubTest):
         self.check("preferences", dict(preferences), {"QSTORES_PATH": ["/straße"]})
         file = self.home / "preferences.json"
         self.check_shown(file.read_text("utf-8"), "straße")
-        file.unlink()
-        file.mkdir()
+        hide(file)
         unsaved = self.raised(plaz.Error, preferences.__delitem__, "QSTORES_PATH")
         self.check("cannot be saved", unsaved.message_id, "17-2206")
 

@@ -89,6 +89,12 @@ def edit(file, change):
     file.write_text(json.dumps(content), "utf-8")
 
 
+def hide(file):
+    """Puts a directory in a file's place, so that it can be neither read nor replaced."""
+    file.unlink()
+    file.mkdir()
+
+
 def commit(repository, change, env):
     """Commits what @p change makes of the repository's files. @return the commit's id"""
     work = pathlib.Path(tempfile.mkdtemp(dir=SCRATCH.name))
