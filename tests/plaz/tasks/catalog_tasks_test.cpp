@@ -160,7 +160,9 @@ TEST_F(CatalogTasksTest, OddStoresAreTakenAsTheyAre) {
     tcl.publish();
     EXPECT_EQ(outcome(refresh() && HSCPlazTaskMgr::uninstall(&hub(), store().getItem("a"), true)), "");
     EXPECT_EQ(outcome(install("a")), "! 17-2245 17-1567") << "which nobody offers, though the store still knows it";
+    tcl.publish();
     EXPECT_EQ(outcome(refresh() && !HSCPlazTaskMgr::hasUpdate(&store())), " 17-1929");
+    EXPECT_EQ(HSCPlazTaskMgr::checkStore(store(), nullptr).outcome, HSCPlazStoreResult::Outcome::upToDate);
 }
 
 // A store moved into another release's or store's directory, or one that forgets where it was moved to, by whomever.

@@ -164,11 +164,12 @@ bool HSCPlazRefreshStoreTask::describeItems(HSCPlazTask& task, HSCPlazQStore& st
     task.show("Describing items of", Catalog::shownName(model), 50);
     if (!Catalog::hasRepository(updateName) || task.isCancelled() || !task.requirePlace(model)) return false;
     const std::string& name = model.getName();
+    const HSCPlazGitStore repository = task.getWorkspace().gitStore(model);
+    const std::string index = repository.layout.getIndex();
     if (model.getItems().empty()) {
         task.tell(Msg::storeWithoutCatalogs, MsgSeverity::warning, name);
-        return true;
+        return !HSCPlazStoreLayout::isComplete(index) || HSCPlazGitHead::moveTo(index, model.getBranch());
     }
-    const HSCPlazGitStore repository = task.getWorkspace().gitStore(model);
     const HSCPlazFetchedFiles staging(repository.layout.getStaging());
     const bool isUpdated = Catalog::settle(task, [&] { return HSCPlazGitCatalog::loadItemFiles(repository); });
     inside(updateName, isUpdated ? " updated catalog successfully for store " : " failed to update catalog for store ",
@@ -178,5 +179,5 @@ bool HSCPlazRefreshStoreTask::describeItems(HSCPlazTask& task, HSCPlazQStore& st
     if (!model.isProductSpecific()) return true;
     if (!Descriptions(task, model, task.getWorkspace().paths.getStoreLayout(model)).takeAll()) return false;
     task.show("Refreshed", Catalog::shownName(model), 100);
-    return HSCPlazGitHead::moveTo(repository.layout.getIndex(), model.getBranch());
+    return HSCPlazGitHead::moveTo(index, model.getBranch());
 }
