@@ -212,6 +212,8 @@ void HSCPlazHubBuilder::reloadStore(HSCPlaz& hub, HSCPlazQStore& store, bool isS
     HSCPlazQStoreModel& model = *store.getModel();
     const HSCPlazCatalogLoader loader(m_workspace.paths, m_report);
     const HSCPlazInstalledState installed(m_workspace, m_report);
+    const HSCPlazPlaces places(m_workspace);
+    places.preferRefreshed(model, m_report);
     const std::string area = model.getLocalRootDir();
     store.clearQStore();
     if (!model.isOffered() && !model.getMetadataFile().empty()) { // whether it is now, its metadata will say
@@ -222,7 +224,6 @@ void HSCPlazHubBuilder::reloadStore(HSCPlaz& hub, HSCPlazQStore& store, bool isS
     loader.loadStore(hub.getModel(), &model, isShared);
     // Reading what is shipped makes its directory the local root; a store that has an area of its own keeps that.
     if (!area.empty()) model.setLocalRootDir(area);
-    const HSCPlazPlaces places(m_workspace);
     places.claim(model, model.getLocalRootDir());
     // A store that has come to be one of the product's records what is installed from now on.
     if (model.isProductSpecific() && model.getLocalDbFilePath().empty())

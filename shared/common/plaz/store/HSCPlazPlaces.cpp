@@ -99,10 +99,14 @@ void HSCPlazPlaces::placeStores(HSCPlazModel& model) const {
 }
 
 void HSCPlazPlaces::placeForRefresh(HSCPlazQStoreModel& store, HSCPlazReport& report) const {
-    if (HSCPlazCatalogLoader::hasOwnArea(store)) return;
+    if (!HSCPlazCatalogLoader::hasOwnArea(store)) place(store, refreshDir(store), report);
+}
+
+std::string HSCPlazPlaces::refreshDir(const HSCPlazQStoreModel& store) const {
     const std::vector<std::string> dirs = refreshDirs(*m_workspace.hubModel);
     for (std::size_t position = 0; position < dirs.size(); ++position)
-        if (m_workspace.hubModel->getStores()[position].get() == &store) place(store, dirs[position], report);
+        if (m_workspace.hubModel->getStores()[position].get() == &store) return dirs[position];
+    return "";
 }
 
 std::vector<std::string> HSCPlazPlaces::refreshDirs(const HSCPlazModel& hubModel) const {
@@ -122,13 +126,21 @@ std::vector<std::string> HSCPlazPlaces::refreshDirs(const HSCPlazModel& hubModel
 void HSCPlazPlaces::preferRefreshed(HSCPlazReport& report) const {
     m_workspace.places.read(report);
     const std::vector<std::string> dirs = refreshDirs(*m_workspace.hubModel);
-    for (std::size_t position = 0; position < dirs.size(); ++position) {
-        HSCPlazQStoreModel& store = *m_workspace.hubModel->getStores()[position];
-        // The marker tells that a first refresh has come to its end.
-        if (HSCPlazStoreLayout::isComplete(dirs[position]) &&
-            HSCPlazCatalogLoader::hasFile(store, dirs[position], store.getMetadataFile(), report))
-            store.setLocalRootDir(dirs[position]);
-    }
+    for (std::size_t position = 0; position < dirs.size(); ++position)
+        readFrom(dirs[position], *m_workspace.hubModel->getStores()[position], report);
+}
+
+void HSCPlazPlaces::preferRefreshed(HSCPlazQStoreModel& store, HSCPlazReport& report) const {
+    if (HSCPlazCatalogLoader::hasOwnArea(store)) return;
+    m_workspace.places.read(report);
+    readFrom(refreshDir(store), store, report);
+}
+
+void HSCPlazPlaces::readFrom(const std::string& dir, HSCPlazQStoreModel& store, HSCPlazReport& report) {
+    // The marker tells that a first refresh has come to its end.
+    if (HSCPlazStoreLayout::isComplete(dir) &&
+        HSCPlazCatalogLoader::hasFile(store, dir, store.getMetadataFile(), report))
+        store.setLocalRootDir(dir);
 }
 
 void HSCPlazPlaces::applyDefaults(HSCPlazReport& report) const {

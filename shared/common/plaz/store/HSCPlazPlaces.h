@@ -36,6 +36,8 @@ public:
     void placeForRefresh(HSCPlazQStoreModel& store, HSCPlazReport& report) const;
     /// Lets stores that have been refreshed be read from where their catalog is.
     void preferRefreshed(HSCPlazReport& report) const;
+    /// The same of one store of this hub, which another process may have refreshed.
+    void preferRefreshed(HSCPlazQStoreModel& store, HSCPlazReport& report) const;
     /// Gives the stores that are for the running product, and those that the user has placed, their places.
     void applyDefaults(HSCPlazReport& report) const;
     /// A store that is not for the running product (any more), or whose metadata cannot be read, stays one of its own
@@ -61,6 +63,8 @@ private:
     std::vector<std::string> defaultDirs(const HSCPlazModel& hubModel) const;
     /// The same, with a place for stores that have none by default.
     std::vector<std::string> refreshDirs(const HSCPlazModel& hubModel) const;
+    std::string refreshDir(const HSCPlazQStoreModel& store) const;
+    static void readFrom(const std::string& dir, HSCPlazQStoreModel& store, HSCPlazReport& report);
 
     HSCPlazWorkspace& m_workspace;
 };

@@ -8,6 +8,19 @@
 
 using TwoProcessesTest = HubOnDiskTest;
 
+// A store that only the other process has refreshed so far, loaded as an empty one.
+TEST_F(TwoProcessesTest, LoadWhatTheOtherHasRefreshed) {
+    files.addStore("tcl", "ced", false).item("x", "1").publish();
+    files.ship();
+    HUTFile::rmRecursive(files.temp.path("data/plaz/storesdata/tcl"));
+    hub();
+    if (const pid_t other = fork(); other == 0)
+        _exit(HSCPlazTaskMgr::refreshStore(store(), nullptr).isDone() ? 0 : 1);
+    else
+        ASSERT_EQ(waitpid(other, nullptr, 0), other);
+    EXPECT_TRUE(HSCPlazTaskMgr::loadCatalog(&hub(), &store(), nullptr) && store().getItem("x"));
+}
+
 // The last of two processes to save taking away what the other one installed, or what an item of a store needs that
 // only the other process knows.
 TEST_F(TwoProcessesTest, TakeOverEachOthersStores) {
