@@ -463,10 +463,10 @@ TEST_F(ItemTasksTest, CancelledWorkIsSilentAndQuietWorkTellsErrorsOnly) {
     EXPECT_FALSE(HSCPlazTaskMgr::uninstall(&hub(), nullptr, true));
 }
 
-// Shipped content that counts as gone once the copy fetched over it is removed, or as what an update would bring in the
-// next process.
+// Shipped content that counts as gone once the copy fetched over it is removed, or once the catalog has a newer
+// revision, or as what an update would bring in the next process.
 TEST_F(ItemTasksTest, ShippedContentStaysInstalled) {
-    ship("a");
+    StoreOnDisk& shipped = ship("a");
     files.env.set("GDA_DATA_DIR", files.temp.path("data"));
     ASSERT_TRUE(install("a"));
     files.temp.write("data/plaz/tcl/items/a/item.json", "{}");
@@ -474,6 +474,11 @@ TEST_F(ItemTasksTest, ShippedContentStaysInstalled) {
     reload();
     EXPECT_TRUE(find("a").IsInstalled() && find("a").NeedsRefresh() && find("a").getLocalRootDir().empty());
     walk({{"^a", " 17-1570 17-2188", "a@1 user 0;"}});
+    ASSERT_TRUE(uninstall("a"));
+    shipped.item("a", "2");
+    reload();
+    EXPECT_TRUE(store().getItem("a", "1")->IsInstalled());
+    walk({{"^a", " 17-1570 17-1573", "a@2 user 0;"}});
     ASSERT_TRUE(uninstall("a"));
     HUTFile::rmRecursive(files.temp.path("data/plaz/tcl"));
     reload();

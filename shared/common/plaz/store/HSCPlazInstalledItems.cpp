@@ -153,7 +153,7 @@ HSCPlazQItemModel& HSCPlazInstalledItems::addUnlisted(const HSCPlazQItemModel& r
 std::string HSCPlazInstalledItems::apply(const HSCPlazQItemModel& record) {
     if (std::string refusal = findRefusal(record); !refusal.empty()) return refusal;
     HSCPlazQItemModel* listed = findRevision(record);
-    if (record.isOnlyShipped() && !mayBeShipped(listed)) return {};
+    if (record.isOnlyShipped() && !mayBeShipped(findListed(record.getName()))) return {};
     HSCPlazQItemModel& item = listed ? *listed : addUnlisted(record);
     item.setIsInstalled(true);
     item.setInstalledCommitId(record.getCommitId());
