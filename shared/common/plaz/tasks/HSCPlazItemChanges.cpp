@@ -388,7 +388,9 @@ void HSCPlazItemChanges::finishInterrupted() {
 }
 
 void HSCPlazItemChanges::finishFiles(const HSCPlazPendingChange& change, const HSCPlazQStore& store) {
-    const HSCPlazStoreLayout layout = m_task.getWorkspace().paths.getStoreLayout(*store.getModel());
+    HSCPlazStoreLayout layout = m_task.getWorkspace().paths.getStoreLayout(*store.getModel());
+    // A store whose first files these are has no place yet.
+    if (!HUTFile::isDirectory(layout.getIncoming())) layout = HSCPlazStoreLayout(change.area, change.area);
     const std::string obstacle = HSCPlazFetchedFiles::moveIn(layout.getIncoming(), layout.getArea(), change.files);
     m_isUnfinished = !obstacle.empty();
     if (m_isUnfinished)

@@ -58,14 +58,26 @@ bool fetchFiles(HSCPlazTask& task, const HSCPlazQStoreModel& store, const std::v
         task, [&] { return HSCPlazGitCatalog::loadFiles(task.getWorkspace().gitStore(store), files); });
 }
 
+/// Completes what this task could bring in place only in part of an earlier store: the note of another one would take
+/// the place of the note that says so.
+bool finishEarlier(HSCPlazTask& task, const HSCPlazChangeNote& note) {
+    const auto earlier = note.read();
+    if (!earlier) return task.fail(Msg::databaseUnreadable, note.getFile());
+    const HSCPlazStoreLayout layout(earlier->area, earlier->area);
+    const std::string obstacle = HSCPlazFetchedFiles::moveIn(layout.getIncoming(), layout.getArea(), earlier->files);
+    return obstacle.empty() || task.fail(Msg::dirNotWritable, obstacle);
+}
+
 /// The store's files change together: who ends in between leaves a note, by which the next one completes it.
 bool putInForce(HSCPlazTask& task, const std::string& store, const std::string& fetched,
                 const HSCPlazStoreLayout& layout, const std::vector<std::string>& files) {
     HSCPlazGitRemoved incoming(layout.getIncoming());
     const HSCPlazChangeNote note(task.getWorkspace().paths.getChangeFile());
+    if (!finishEarlier(task, note)) return false;
     std::string obstacle = HSCPlazFetchedFiles::prepare(fetched, incoming.getName(), files);
     if (!obstacle.empty()) return task.fail(Msg::dirNotWritable, obstacle);
-    if (!note.write({store, nullptr, false, "", files, ""})) return task.fail(Msg::databaseNotSaved, note.getFile());
+    if (!note.write({store, nullptr, false, "", files, "", "", "", layout.getArea()}))
+        return task.fail(Msg::databaseNotSaved, note.getFile());
     obstacle = HSCPlazFetchedFiles::moveIn(incoming.getName(), layout.getArea(), files);
     if (obstacle.empty()) return note.forget();
     incoming.keep();
