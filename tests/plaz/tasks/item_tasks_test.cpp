@@ -79,7 +79,8 @@ protected:
 } // namespace
 
 // A direct dependency that fails is a failure, one deep in the tree is told; a count that a failed installation leaves
-// too low, so that the next removal takes what others need; releasing what never came unsettles counts.
+// too low, so that the next removal takes what others need; releasing what never came unsettles counts; what is
+// installed in a mode that nobody knows is taken for one that needs nothing, or for not installed.
 TEST_F(ItemTasksTest, FailuresOfDependencies) {
     ship("leaf mid<nowhere,leaf deep<mid bad<leaf direct<bad,leaf");
     find("bad").getModel()->setCommitId("");
@@ -87,6 +88,9 @@ TEST_F(ItemTasksTest, FailuresOfDependencies) {
           {"+direct", "! 17-1570 17-1573 17-1579 17-1560 17-1567",
            "leaf@1 tool 2;mid@1 tool 1;deep@1 user 0;direct@1 user 0;"},
           {"-direct", " 17-1574", "leaf@1 tool 1;mid@1 tool 1;deep@1 user 0;"}});
+    find("deep").setInstallationMode("other");
+    walk({{"+leaf", " 17-1572", "leaf@1 user 1;mid@1 tool 1;deep@1 other 0;"}});
+    EXPECT_TRUE(HSCPlazTaskMgr::verifyItem(hub(), find("deep"), nullptr).isDone());
 }
 
 // A revision that was replaced comes back in the place of the new one, since that names it; one that is held all the

@@ -116,6 +116,12 @@ void HSCPlazQItem::isLatest(bool value) {
 bool HSCPlazQItem::IsInstalled() const {
     return m_model && m_model->isInstalled();
 }
+bool HSCPlazQItem::isRecorded() const {
+    return IsInstalled() && !m_model->isOnlyShipped();
+}
+bool HSCPlazQItem::isUsers() const {
+    return isRecorded() && getMode() != HSCPlazInstallationMode::tool;
+}
 void HSCPlazQItem::IsInstalled(bool value) {
     if (m_model) m_model->setIsInstalled(value);
 }

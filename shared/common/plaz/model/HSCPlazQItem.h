@@ -72,7 +72,9 @@ public:
     void setReferenceCount(std::int32_t value);
     bool IsInstalled() const;
     /// It was installed here. What is only shipped counts as installed, too, but was not.
-    bool isRecorded() const { return IsInstalled() && getMode() != HSCPlazInstallationMode::none; }
+    bool isRecorded() const;
+    /// It was installed here, and not for other items alone: for the user, or nobody knows for whom.
+    bool isUsers() const;
     void IsInstalled(bool value);
     bool NeedsRefresh() const;
     void NeedsRefresh(bool value);

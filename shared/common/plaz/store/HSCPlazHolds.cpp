@@ -1,6 +1,5 @@
 #include "plaz/store/HSCPlazHolds.h"
 
-#include "plaz/base/HSCPlazInstallationMode.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQItemDependency.h"
@@ -37,7 +36,7 @@ public:
         for (const HSCPlazQStore* store : hub.getStores())
             for (HSCPlazQItem* item : store->getInstalledItems()) m_installed.push_back(item);
         for (HSCPlazQItem* item : m_installed)
-            if (item->getMode() == HSCPlazInstallationMode::user) m_starts.push_back(addNode(item, 1));
+            if (item->isUsers()) m_starts.push_back(addNode(item, 1));
         for (Node node = 0; node < m_nodes.size(); ++node) expand(node);
     }
 

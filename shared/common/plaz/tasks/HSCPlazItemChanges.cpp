@@ -164,13 +164,12 @@ bool HSCPlazItemChanges::setMode(const HSCPlazFoundItem& found, Mode mode) {
 }
 
 HSCPlazPendingChange HSCPlazItemChanges::toInstallation(const HSCPlazFoundItem& found, Mode mode) const {
-    const auto isUsers = [](const HSCPlazQItem& item) { return item.IsInstalled() && item.getMode() == Mode::user; };
     const auto item = Pending::toRecord(*found.item->getModel());
     item->setCommitId(found.item->getModel()->getCommitId());
     item->setLocalDir(Files::directoryOf(m_task.getWorkspace(), found));
     const std::vector<HSCPlazQItem*> replaced = findReplaced(found, *item);
-    const bool wasUsers = isUsers(*found.item) || std::any_of(replaced.begin(), replaced.end(),
-                                                              [&](const auto* other) { return isUsers(*other); });
+    const bool wasUsers = found.item->isUsers() || std::any_of(replaced.begin(), replaced.end(),
+                                                               [](const auto* other) { return other->isUsers(); });
     item->setMode(wasUsers ? Mode::user : mode);
     return Pending::of(m_task, *found.store, item, true);
 }
