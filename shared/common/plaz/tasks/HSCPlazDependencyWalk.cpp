@@ -78,7 +78,7 @@ bool HSCPlazDependencyWalk::install(const HSCPlazQItemDependency& dependency) {
     }
     inside(installName, " found qitem ptr");
     if (HSCPlazInstalledFiles::areThere(*found.item)) {
-        inside(installName, " ", dependency.getItem(), "is already installed");
+        inside(installName, dependency.getItem(), "is already installed");
         if (!complete(found)) return false;
     } else {
         m_task.show("Installing " + Files::shownName(*found.item));
