@@ -308,7 +308,7 @@ void HubQueries::throwUnknown(const ItemReference& reference, const std::string&
     for (const HSCPlazQStore* one : getScope(scopeOf(reference, store)))
         for (HSCPlazQItem* item : one->getItems()) {
             if (item->getName() == reference.name) otherRevisions.push_back(item);
-            names.push_back(item->getName());
+            names.push_back(ItemReference{{}, item->getName(), {}}.toText());
         }
     if (!otherRevisions.empty())
         failWith(ShellMsg::revisionUnknown, reference.toText(), joinReferences(otherRevisions));

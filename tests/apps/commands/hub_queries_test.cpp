@@ -89,8 +89,11 @@ TEST_F(HubQueriesTest, resolvesReferencesOrSaysWhyNot) {
                    {"x", "3", "3"},
                    {"both", "1", "1", true},
                    {"only", "1", "1"}});
-    addStore("t",
-             {{"both", "2", "2", true}, {"left", "1", "9", true}, {"x", "1", "1", true}, {"z", "1", "1", true, true}});
+    addStore("t", {{"both", "2", "2", true},
+                   {"left", "1", "9", true},
+                   {"x", "1", "1", true},
+                   {"z", "1", "1", true, true},
+                   {"odd@1", "2", "2"}});
     const struct {
         HubQueries::Resolve resolve;
         const char *reference, *store, *found;
@@ -108,6 +111,12 @@ TEST_F(HubQueriesTest, resolvesReferencesOrSaysWhyNot) {
                  {&HubQueries::resolveForUpdate, "both@1", "", "s::both@1"}};
     for (const auto& [resolve, reference, store, found] : cases)
         EXPECT_EQ(resolved(resolve, reference, store), found) << reference << " " << store;
+    try {
+        HubQueries(m_hub).resolve(*ItemReference::parse("odd@1"), "");
+        ADD_FAILURE();
+    } catch (const HEXAll& failure) {
+        EXPECT_NE(std::string(failure.what()).find("odd@1@"), std::string::npos) << failure.what();
+    }
     std::string outdated;
     for (const HSCPlazQItem* item : HubQueries(m_hub).findOutdated())
         outdated += ItemReference::of(*item).toText() + " ";
