@@ -111,6 +111,11 @@ TEST_F(ReaderTest, checksTellWhatASchemaCannot) {
          R"({"catalog": {"items": [{"name": "a"}, {"name": "a"}]}})",
          "item catalog",
          {R"("/catalog/items/1" has the name "a")"}},
+        {"a.json",
+         R"({"plaz": {"product": "p", "release": "1", "qstores": [{"name": "s", "items":
+            [{"name": "a", "revision": "1"}, {"name": "b"}]}]}})",
+         "database",
+         {R"("/plaz/qstores/0/items/1" is not used: it does not name an item)"}},
         {"plaz_config.json",
          R"({"plaz": {"qstores": [{"url": "https://h/x"}, {"url": "x://me:s3@h"}]}})",
          "configuration",

@@ -3,6 +3,7 @@
 #include "plaz/base/HSCPlazNames.h"
 #include "plaz/model/reader/HSCPlazConfigReader.h"
 #include "plaz/model/reader/HSCPlazJsonDocument.h"
+#include "plaz/model/reader/HSCPlazLocalDBReader.h"
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
 #include "plaz/model/reader/HSCPlazQItemCatalogReader.h"
 #include "plaz/model/reader/HSCPlazQItemReader.h"
@@ -73,11 +74,11 @@ struct KindRule {
     const char* root;
     std::initializer_list<const char*> members;
     SchemaKind schema;
-    Texts (*find)(const Value& root); ///< what the schema cannot tell; null where it tells all
+    Texts (*find)(const Value& root); ///< what the schema cannot tell
 };
 
 const KindRule kindRules[] = {
-    {"database", Key::plaz, {Key::product, Key::release}, SchemaKind::localDb, nullptr},
+    {"database", Key::plaz, {Key::product, Key::release}, SchemaKind::localDb, HSCPlazLocalDBReader::findFaults},
     {"configuration",
      Key::plaz,
      {Key::remoteRepository, Key::config, Key::gdaDataRoot, Key::appDataRoot, Key::schemaVersion},
@@ -153,7 +154,7 @@ HSCPlazFileCheck HSCPlazFileCheck::of(const std::string& file) {
         if (HSCPlazSchema::hasVersions(rule->schema)) document.checkVersion(found);
         for (const HSCPlazFinding& odd : found.getAll()) check.findings.push_back(odd.text);
         holdAgainstSchema(document, *rule, check);
-        if (rule->find && !check.isUnchecked) check.findings = joined(check.findings, rule->find(document.getRoot()));
+        if (!check.isUnchecked) check.findings = joined(check.findings, rule->find(document.getRoot()));
     }
     return check;
 }

@@ -121,6 +121,20 @@ bool isOfRunningProduct(const Value& plaz) {
 
 } // namespace
 
+std::vector<std::string> HSCPlazLocalDBReader::findFaults(const Value& root) {
+    std::vector<std::string> faults;
+    const Value* plaz = Json::FindObject(root, Key::plaz);
+    const Value* stores = plaz ? Json::FindArray(*plaz, Key::qstores) : nullptr;
+    for (rapidjson::SizeType store = 0; stores && store < stores->Size(); ++store) {
+        const Value* items = Json::FindArray((*stores)[store], Key::items);
+        for (rapidjson::SizeType item = 0; items && item < items->Size(); ++item)
+            if (!namesItem((*items)[item]))
+                faults.push_back("\"/plaz/qstores/" + std::to_string(store) + "/items/" + std::to_string(item) +
+                                 "\" is not used: it does not name an item and its revision");
+    }
+    return faults;
+}
+
 HSCPlazLocalDBReader::Result HSCPlazLocalDBReader::read(const std::string& file, HSCPlazModel& model, bool isOwnOnly,
                                                         HSCPlazFindings& found) {
     using Outcome = Result::Outcome;

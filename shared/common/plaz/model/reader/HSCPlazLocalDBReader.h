@@ -8,6 +8,7 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 /// Reads the local installation database: what is installed of which store.
 class HSCPlazLocalDBReader : public HSCPlazJsonReader<HSCPlazModel> {
@@ -36,4 +37,6 @@ public:
     /// from
     ///                   one that is damaged, what can be read
     static Result read(const std::string& file, HSCPlazModel& model, bool isOwnOnly, HSCPlazFindings& found);
+    /// The records in a file's content that the hub leaves out, because they name no revision of an item.
+    static std::vector<std::string> findFaults(const rapidjson::Value& root);
 };
