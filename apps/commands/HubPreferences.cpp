@@ -3,9 +3,25 @@
 #include "Failure.h"
 #include "ShellMsg.h"
 
+#include "plaz/base/HSCPlazNames.h"
+#include "plaz/base/HSCPlazVariables.h"
 #include "support/HCCXPrefMgr.h"
 
-void savePreference(const std::string& name, const std::vector<std::string>& values) {
+#include <boost/filesystem/path.hpp>
+
+#include <algorithm>
+
+namespace {
+
+/// A relative directory would mean another one to each process that reads it.
+std::string toKept(const std::string& dir) {
+    return boost::filesystem::path(dir).has_root_directory() ? dir : HSCPlazVariables::toAbsolute(dir);
+}
+
+} // namespace
+
+void savePreference(const std::string& name, std::vector<std::string> values) {
+    if (name == HSCPlazName::storesPath) std::transform(values.begin(), values.end(), values.begin(), toKept);
     HCCXPref& preferences = HCCXPrefMgr::getInstance().getDefaultXPref();
     const std::vector<std::string> before = preferences.getVal(name);
     preferences.setVal(name, values);

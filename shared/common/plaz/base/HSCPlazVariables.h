@@ -1,5 +1,7 @@
 #pragma once
 
+#include "plaz/base/PlazExport.h"
+
 #include <string>
 
 /// Directories that users and hosts name. What is computed below one may be recorded, so each is absolute. One that is
@@ -9,6 +11,6 @@ namespace HSCPlazVariables {
 /// What an environment variable names. Empty where it is not set, or set to nothing.
 std::string getDirectory(const char* variable);
 /// Of a relative name, what it means in the current directory; empty for an empty one.
-std::string toAbsolute(const std::string& dir);
+PLAZ_API std::string toAbsolute(const std::string& dir);
 
 } // namespace HSCPlazVariables
