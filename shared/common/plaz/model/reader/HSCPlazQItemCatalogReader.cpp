@@ -92,7 +92,9 @@ void dropUnsafeRevisions(Item& item, HSCPlazFindings& found) {
     const auto& all = item.getRevisions();
     const auto first = std::find_if(all.begin(), all.end(), isUnsafe);
     if (first == all.end()) return;
-    found.add(HSCPlazFinding::Kind::itemRefused, item.getName(), "of its older revisions " + findRefusal(*first));
+    const auto more = std::count_if(std::next(first), all.end(), isUnsafe);
+    found.add(HSCPlazFinding::Kind::itemRefused, item.getName() + '@' + first->revision,
+              findRefusal(*first) + (more == 0 ? "" : ", and " + std::to_string(more) + " more of its revisions"));
     std::vector<HSCPlazRevisionModel> safe;
     std::copy_if(all.begin(), all.end(), std::back_inserter(safe), [&](const auto& each) { return !isUnsafe(each); });
     item.setRevisions(std::move(safe));
@@ -121,7 +123,7 @@ void addOlderRevisions(const Item& newest, HSCPlazQStoreModel& store, HSCPlazFin
     for (const HSCPlazRevisionModel& revision : newest.getRevisions()) {
         if (!known.insert(revision.revision).second) continue;
         if (const std::string clash = folders.findClash(Key::revision, revision.revision); !clash.empty()) {
-            found.add(HSCPlazFinding::Kind::itemRefused, newest.getName(), clash);
+            found.add(HSCPlazFinding::Kind::itemRefused, newest.getName() + '@' + revision.revision, clash);
             continue;
         }
         auto item = std::make_unique<Item>();
