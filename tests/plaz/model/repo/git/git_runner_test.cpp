@@ -82,6 +82,7 @@ TEST_F(GitRunner, NothingRunsWithoutProgramOrDirectory) {
     EXPECT_EQ(run("fetch"), "17-1928");
     const HSCPlazGitAnswer answer = HSCPlazGitRunner::ask({"x"}, work);
     EXPECT_NE(answer.getReason().find("plaz.useGitOnSearchPath"), std::string::npos) << answer.getReason();
+    EXPECT_EQ((HSCPlazGitAnswer{1, "fatal: no.\nfatal: never."}.getReason()), "fatal: no.; fatal: never");
     setParam("plaz.useGitOnSearchPath", "true");
     for (const char* dir : {"cwd", "bin"}) writeScript(std::string(dir) + "/git.exe", "");
     const std::string separator = test_system::pathListSeparator;

@@ -223,6 +223,7 @@ void restoreSslVerify(const std::string& workDir) {
 std::string HSCPlazGitAnswer::getReason() const {
     std::string reason;
     for (const std::string& line : HSCPlazGitLog::getErrorLines(text)) reason += (reason.empty() ? "" : "; ") + line;
+    if (!reason.empty() && reason.back() == '.') reason.pop_back(); // the sentence around it has one of its own
     return reason.empty() ? "git ended with status " + std::to_string(status) + " and said nothing" : reason;
 }
 
