@@ -4,8 +4,8 @@
 #include "ShellMsg.h"
 
 #include "plaz/base/HSCPlazNames.h"
-#include "plaz/base/HSCPlazVariables.h"
 #include "support/HCCXPrefMgr.h"
+#include "support/HUTFile.h"
 
 #include <boost/filesystem/path.hpp>
 
@@ -15,7 +15,7 @@ namespace {
 
 /// A relative directory would mean another one to each process that reads it.
 std::string toKept(const std::string& dir) {
-    return boost::filesystem::path(dir).has_root_directory() ? dir : HSCPlazVariables::toAbsolute(dir);
+    return boost::filesystem::path(dir).has_root_directory() ? dir : HUTFile::getCanonicalName(dir);
 }
 
 } // namespace

@@ -1,7 +1,5 @@
 #pragma once
 
-#include "plaz/base/PlazExport.h"
-
 #include <string>
 
 /// Directories that users and hosts name. What is computed below one may be recorded, so each is absolute. One that is
@@ -11,6 +9,6 @@ namespace HSCPlazVariables {
 /// What an environment variable names. Empty where it is not set, or set to nothing.
 std::string getDirectory(const char* variable);
 /// Of a relative name, what it means in the current directory; empty for an empty one.
-PLAZ_API std::string toAbsolute(const std::string& dir);
+std::string toAbsolute(const std::string& dir);
 
 } // namespace HSCPlazVariables
