@@ -2,6 +2,7 @@
 
 #include "support/HUTFile.h"
 #include "support/HUTSysCall.h"
+#include "support/PlatformFile.h"
 #include "support/PlatformSystem.h"
 
 #include <boost/algorithm/string/predicate.hpp>
@@ -123,7 +124,7 @@ std::string HUTEnv::findProgram(const std::string& name) {
         // What the current directory holds is nobody's program.
         if (!boost::filesystem::path(dir).is_absolute()) continue;
         for (const std::string& file : names)
-            if (HUTFile::isRegularFile(join(dir, file))) return join(dir, file);
+            if (platform::isProgram(join(dir, file))) return join(dir, file);
     }
     return {};
 }

@@ -46,7 +46,7 @@ public:
     /// The first third-party root's file or directory @p relative; empty when none has it.
     static std::string getGDATpsPath(const std::string& relative);
     /// The program @p name, called as where programs end in ".exe", along PATH; elsewhere it is found without that
-    /// ending, too. Empty when no absolute directory of PATH has it.
+    /// ending, too. What may not be run is passed over, as shells do. Empty when no absolute directory of PATH has it.
     static std::string findProgram(const std::string& name);
     /// The per-user application-data directory. Not created here.
     static std::string getHDIAppDataDir();

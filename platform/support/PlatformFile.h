@@ -67,6 +67,8 @@ HIOStatus readInParts(const std::string& file, const std::function<void(const Fi
 
 /// Whether this user may write to the file (make entries in the directory).
 bool isWriteable(const std::string& path);
+/// A regular file that may be run.
+bool isProgram(const std::string& path);
 
 /// As HUTFile::getStamp says.
 std::string getStamp(const std::string& path);

@@ -313,6 +313,12 @@ bool isWriteable(const std::string& path) {
     return faccessat(AT_FDCWD, path.c_str(), S_ISDIR(info.st_mode) ? W_OK | X_OK : W_OK, AT_EACCESS) == 0;
 }
 
+bool isProgram(const std::string& path) {
+    struct stat info {};
+    return stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode) &&
+           faccessat(AT_FDCWD, path.c_str(), X_OK, AT_EACCESS) == 0;
+}
+
 std::string resolveLinks(const std::string& path, std::error_code& error) {
     const std::unique_ptr<char, void (*)(void*)> real(realpath(path.c_str(), nullptr), std::free);
     error = real ? std::error_code() : std::error_code(errno, std::generic_category());

@@ -398,6 +398,11 @@ bool isWriteable(const std::string& path) {
            GetLastError() == ERROR_SHARING_VIOLATION;
 }
 
+bool isProgram(const std::string& path) {
+    const DWORD attributes = GetFileAttributesW(toLongName(path).c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
+}
+
 std::string resolveLinks(const std::string& path, std::error_code& error) {
     const Handle file = open(toLongName(path), FILE_READ_ATTRIBUTES);
     const Status status = file ? Status::ok : statusOfError(GetLastError());

@@ -67,7 +67,7 @@ TEST_F(GitRunner, TlsBracketSurroundsEachCommand) {
 }
 
 // Faults: git runs in the wrong place, a missing git goes unnoticed, another product looks in the wrong place; the git
-// of the search path is not to be had, or one of the current directory is.
+// of the search path is not to be had, or one of the current directory is, or a file that is no program.
 TEST_F(GitRunner, NothingRunsWithoutProgramOrDirectory) {
     replaceGit("");
     EXPECT_EQ(thrownBy([this] { HSCPlazGit::exec_git({"clean"}, temp.path("missing"), false, ""); }), "17-1587");
@@ -85,8 +85,10 @@ TEST_F(GitRunner, NothingRunsWithoutProgramOrDirectory) {
     EXPECT_EQ((HSCPlazGitAnswer{1, "fatal: no.\nfatal: never."}.getReason()), "fatal: no.; fatal: never");
     setParam("plaz.useGitOnSearchPath", "true");
     for (const char* dir : {"cwd", "bin"}) writeScript(std::string(dir) + "/git.exe", "");
+    temp.write("plain/git", "no program");
     const std::string separator = test_system::pathListSeparator;
-    env.set("PATH", "." + separator + temp.path("bin") + separator + HUTEnv::getEnv("PATH"));
+    env.set("PATH",
+            "." + separator + temp.path("plain") + separator + temp.path("bin") + separator + HUTEnv::getEnv("PATH"));
     EXPECT_EQ(HSCPlazGit::getGitExePath(), temp.path("bin/git.exe"));
     EXPECT_EQ(run("fetch"), "nothing");
 }
