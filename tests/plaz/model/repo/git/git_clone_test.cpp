@@ -183,7 +183,7 @@ TEST_F(GitClone, CatalogUpdateFetchesItemFiles) {
 }
 
 // Faults: a half-made clone counts as one, a branch that is missing ends the work, an update goes to the old place, or
-// moves another branch that happens to be checked out.
+// moves another branch that happens to be checked out, or a branch without its files, and calls that done.
 TEST_F(GitClone, PlainCloneAndUpdate) {
     const auto content = [this] { return readFile(clone + "/catalog.json"); };
     EXPECT_EQ(thrownBy([this] { HSCPlazGit::cloneRepo(temp.path("gone"), clone, "", ""); }), "17-1587");
@@ -209,6 +209,10 @@ TEST_F(GitClone, PlainCloneAndUpdate) {
         EXPECT_EQ(GitRepo(clone).git({"rev-parse", branch}), moved.git({"rev-parse", branch})) << branch;
     EXPECT_EQ(thrownBy([&] { HSCPlazGit::updateRepo(clone, moved.getDir(), "gone"); }), "17-1587");
     EXPECT_EQ(content(), text);
+    moved.write("catalog.json", "theirs").commit();
+    temp.write("clone/catalog.json", "mine");
+    EXPECT_EQ(thrownBy([&] { HSCPlazGit::updateRepo(clone, moved.getDir(), ""); }), "17-1587");
+    EXPECT_EQ(content(), "mine");
 }
 
 // Faults: a whole repository for the hub's files, a failure that leaves half of them, a root that leads out is obeyed;

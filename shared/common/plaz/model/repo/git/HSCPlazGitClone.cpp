@@ -48,12 +48,17 @@ void checkOutOrMaster(const std::string& dir, const std::string& branch) {
     trace("successfully checked out master branch.");
 }
 
-// RATIONALE: git merges what it pulls into the branch that is checked out, whichever that is. So the branch itself is
-// fetched into, where it only ever moves forward, and the merge is one of those that change nothing.
+// RATIONALE: git merges what it pulls into the branch that is checked out, whichever that is. So another branch is
+// fetched into, where it only ever moves forward, and the merge is one of those that change nothing. The one that is
+// checked out would then be ahead of its files whenever these cannot follow, and the next pull find nothing to do.
 void pull(const std::string& dir, const std::string& branch) {
-    HSCPlazGitRunner::run({"pull", "--no-rebase", "--squash", "--strategy=ours", "--allow-unrelated-histories",
-                           "origin", branch + ":" + branch},
-                          dir);
+    const std::string ref = "refs/heads/" + branch;
+    if (HSCPlazGitHead::isAt(dir, branch))
+        HSCPlazGitRunner::run({"pull", "--no-rebase", "--ff-only", "origin", ref}, dir);
+    else
+        HSCPlazGitRunner::run({"pull", "--no-rebase", "--squash", "--strategy=ours", "--allow-unrelated-histories",
+                               "origin", ref + ":" + ref},
+                              dir);
 }
 
 void makeClone(const std::string& access, const std::string& dir, const std::string& branch, const std::string& proxy) {
@@ -96,6 +101,6 @@ void HSCPlazGitClone::update(const std::string& dir, const std::string& url, con
     const std::string access = withCredentials(url, config);
     if (HSCPlazGitConfigFile::getRemoteUrl(dir) != access)
         HSCPlazGitRunner::runWithValue({"remote", "set-url", "origin"}, access, dir, false);
-    pull(dir, "refs/heads/" + wanted);
+    pull(dir, wanted);
     checkOutOrMaster(dir, wanted);
 }

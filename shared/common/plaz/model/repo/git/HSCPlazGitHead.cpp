@@ -67,6 +67,10 @@ std::vector<std::string> HSCPlazGitHead::listBranches(const std::string& dir) {
     return {names.begin(), names.end()};
 }
 
+bool HSCPlazGitHead::isAt(const std::string& dir, const std::string& branch) {
+    return readText(gitFile(dir, "HEAD")) == "ref: refs/heads/" + branch + "\n";
+}
+
 bool HSCPlazGitHead::makeLocal(const std::string& dir, const std::string& branch) {
     const std::string file = gitFile(dir, "refs/heads/" + branch);
     return HUTFile::mkDirRecursive(fs::path(file).parent_path().generic_string()) &&
