@@ -93,10 +93,11 @@ TEST_F(LocalDbTest, mergesIntoTheCatalog) {
     addItem(store, "gone", "3", "3", "c3").setDisplayName("Gone");
     addItem(store, "absent", "1", "1", "c");
     const bool hasLinks = test_system::makeLink(temp.makeDir("elsewhere"), area + "/link");
-    EXPECT_EQ(Merge::merged, merge({"led 2 c2 " + area + "/items/led", "led 1 c1 " + area + "/old/led",
-                                    "moved 5 old /etc", "gone 1 c1 " + area + "/.plaz/.index",
-                                    "unknown 1 c " + area + "/u", "linked 1 c " + area + "/link/x",
-                                    "moved 4 old " + area + "/before", "bad ../1 c x", "worse 1 -c x"}));
+    EXPECT_EQ(
+        Merge::merged,
+        merge({"led 2 c2 " + area + "/items/led", "led 1 c1 " + area + "/old/led", "moved 5 old /etc",
+               "gone 1 c1 " + area + "/.plaz/.index", "unknown 1 c " + area + "/u", "linked 1 c " + area + "/link/x",
+               "moved 4 old " + area + "/before", "bad ../1 c x", "worse 1 -c x", "\\u0000 1 c x"}));
     EXPECT_THAT(installed(),
                 ElementsAre("led@2 c2 items/led /area/items/led latest", "led@1 c1 items/led /area/old/led refresh",
                             "moved@5 old items/moved /area/items/moved latest refresh",
@@ -104,7 +105,8 @@ TEST_F(LocalDbTest, mergesIntoTheCatalog) {
                             hasLinks ? "linked@1 c   latest" : "linked@1 c link/x /area/link/x latest",
                             "moved@4 old before /area/before refresh"));
     EXPECT_THAT(takeMessages(), ElementsAre("17-2160 bad|its revision \"../1\" is not a plain folder name",
-                                            "17-2160 worse|its commit_id \"-c\" is not a name that git may be given"));
+                                            "17-2160 worse|its commit_id \"-c\" is not a name that git may be given",
+                                            HasSubstr("is not a name that anybody could give")));
     store.setLocalDbFilePath(temp.path("db.json"));
     manager.save(nullptr, &object, "");
     EXPECT_TRUE(HUTFile::exists(temp.path("db.json.bad"))) << "refused records are lost";

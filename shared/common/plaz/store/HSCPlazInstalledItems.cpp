@@ -20,7 +20,8 @@ namespace Rules = HSCPlazTrustRules;
 /// Why the record is left out; empty when it may be used.
 std::string findRefusal(const HSCPlazQItemModel& record) {
     if (record.getName().empty()) return "its record in the local database has no name";
-    std::string refusal = Rules::findRefusal(Rules::folderName, HSCPlazKey::revision, record.getRevision());
+    std::string refusal = Rules::findRefusal(Rules::name, HSCPlazKey::name, record.getName());
+    if (refusal.empty()) refusal = Rules::findRefusal(Rules::folderName, HSCPlazKey::revision, record.getRevision());
     return refusal.empty() ? Rules::findRefusal(Rules::gitRef, HSCPlazKey::commitId, record.getCommitId()) : refusal;
 }
 
