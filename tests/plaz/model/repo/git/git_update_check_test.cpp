@@ -47,6 +47,9 @@ TEST_F(GitUpdateCheck, ReadsWhatGitPrints) {
         EXPECT_TRUE(check.getAnswer().has_value() == isKnown && check.reason.empty() == isKnown);
         takeCalls();
     }
+    env.set("GDA_TPS_DIR", temp.path("none"));
+    const std::string reason = HSCPlazGitUpdateCheck::look(clone, "/r", "", "b").reason;
+    EXPECT_TRUE(reason.size() > 1 && reason.back() != '.') << reason << " ends a sentence in another";
 }
 
 // Faults: a silent server holds up the check for ever, checks beside each other, a check inside a task waits for it, a

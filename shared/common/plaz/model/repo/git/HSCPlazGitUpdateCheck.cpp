@@ -107,6 +107,8 @@ HSCPlazUpdateCheck HSCPlazGitUpdateCheck::look(const std::string& cloneDir, cons
         return askAndCompare(cloneDir, access, branchToCheck(cloneDir, branch));
     } catch (const std::exception& failure) {
         trace("Error while fetching log data from git repo ", access);
-        return {std::nullopt, failure.what()};
+        std::string reason = failure.what();
+        if (!reason.empty() && reason.back() == '.') reason.pop_back(); // a message puts it inside a sentence
+        return {std::nullopt, reason};
     }
 }
