@@ -306,7 +306,9 @@ class PythonTest(HubTest):
         known = ["plaz.gitTimeout" in params, "none" in params, params.get("none", 3), len(dict(params)) - len(params)]
         self.check("mapping", known, [True, False, 3, 0])
         preferences["QSTORES_PATH"] = ["/straße", "b"]  # the next process runs elsewhere
-        self.check("preferences", dict(preferences), {"QSTORES_PATH": ["/straße", pathlib.Path("b").absolute().as_posix()]})
+        self.check(
+            "preferences", dict(preferences), {"QSTORES_PATH": ["/straße", pathlib.Path("b").absolute().as_posix()]}
+        )
         file = self.home / "preferences.json"
         self.check_shown(file.read_text("utf-8"), "straße")
         hide(file)
