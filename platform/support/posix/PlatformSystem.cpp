@@ -77,11 +77,21 @@ int runShell(const std::string& command) {
     // virtual machines do, does not expect that.
     std::string name = "sh", option = "-c", line = command;
     char* const words[] = {name.data(), option.data(), line.data(), nullptr};
+    sigset_t end, before;
+    sigemptyset(&end);
+    sigaddset(&end, SIGCHLD);
+    pthread_sigmask(SIG_BLOCK, &end, &before); // a handler of the program's might take the shell's status away
+    posix_spawnattr_t attributes;
+    posix_spawnattr_init(&attributes);
+    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK);
+    posix_spawnattr_setsigmask(&attributes, &before);
     pid_t shell = 0;
-    if (posix_spawn(&shell, "/bin/sh", nullptr, nullptr, words, environ) != 0) return -1;
     int status = -1;
-    while (waitpid(shell, &status, 0) < 0 && errno == EINTR) {
-    }
+    if (posix_spawn(&shell, "/bin/sh", nullptr, &attributes, words, environ) == 0)
+        while (waitpid(shell, &status, 0) < 0 && errno == EINTR) {
+        }
+    posix_spawnattr_destroy(&attributes);
+    pthread_sigmask(SIG_SETMASK, &before, nullptr);
     return status;
 }
 

@@ -1,5 +1,7 @@
 #include "platform/process_fixture.h"
 
+#include "support/HUTSysCall.h"
+
 #include <csignal>
 #include <fcntl.h>
 #include <memory>
@@ -29,6 +31,13 @@ TEST_F(PosixProcessTest, ChildInheritsNothing) {
     close(leaked);
     std::signal(SIGPIPE, oldHandler);
     sigprocmask(SIG_UNBLOCK, &blocked, nullptr);
+}
+
+// Fault: the shell's status lost to a program that waits for whatever ends.
+TEST_F(PosixProcessTest, ShellTellsItsStatusWhoeverWaits) {
+    const auto oldHandler = std::signal(SIGCHLD, [](int) { waitpid(-1, nullptr, WNOHANG); });
+    for (int time = 0; time < 20; ++time) EXPECT_EQ(HUTSysCall::runShell("exit 3"), 3 << 8);
+    std::signal(SIGCHLD, oldHandler);
 }
 
 // Faults: what a killed program has started goes on unseen; a child that has ended, or its lock, held up by a
