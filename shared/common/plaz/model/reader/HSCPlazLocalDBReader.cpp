@@ -87,18 +87,24 @@ bool readStore(const Value& record, bool isOwnOnly, HSCPlazModel& model) {
     return isWhole;
 }
 
+/// Shows @p visit(item, store, position) each record of an item, with the places of both in their lists.
+template <typename Visit> void visitItems(const Value* plaz, Visit visit) {
+    const Value* stores = plaz ? Json::FindArray(*plaz, Key::qstores) : nullptr;
+    for (rapidjson::SizeType store = 0; stores && store < stores->Size(); ++store) {
+        const Value* items = Json::FindArray((*stores)[store], Key::items);
+        for (rapidjson::SizeType item = 0; items && item < items->Size(); ++item) visit((*items)[item], store, item);
+    }
+}
+
 /// The first item whose count is none; empty when all are.
 std::string findOddCount(const Value& plaz) {
-    const Value* stores = Json::FindArray(plaz, Key::qstores);
-    if (!stores) return {};
-    for (const Value& store : stores->GetArray()) {
-        const Value* items = Json::FindArray(store, Key::items);
-        if (!items) continue;
-        for (const Value& item : items->GetArray())
-            if (item.IsObject() && item.HasMember(Key::referenceCount) && !isCount(item[Key::referenceCount]))
-                return Json::GetStringProperty(item, Key::name);
-    }
-    return {};
+    std::string odd;
+    visitItems(&plaz, [&](const Value& item, auto...) {
+        if (odd.empty() && item.IsObject() && item.HasMember(Key::referenceCount) &&
+            !isCount(item[Key::referenceCount]))
+            odd = Json::GetStringProperty(item, Key::name);
+    });
+    return odd;
 }
 
 constexpr const char* checkName = "HSCPlazLocalDBReader::checkIfValidForProductAndRelease";
@@ -123,15 +129,11 @@ bool isOfRunningProduct(const Value& plaz) {
 
 std::vector<std::string> HSCPlazLocalDBReader::findFaults(const Value& root) {
     std::vector<std::string> faults;
-    const Value* plaz = Json::FindObject(root, Key::plaz);
-    const Value* stores = plaz ? Json::FindArray(*plaz, Key::qstores) : nullptr;
-    for (rapidjson::SizeType store = 0; stores && store < stores->Size(); ++store) {
-        const Value* items = Json::FindArray((*stores)[store], Key::items);
-        for (rapidjson::SizeType item = 0; items && item < items->Size(); ++item)
-            if (!namesItem((*items)[item]))
-                faults.push_back("\"/plaz/qstores/" + std::to_string(store) + "/items/" + std::to_string(item) +
-                                 "\" is not used: it does not name an item and its revision");
-    }
+    visitItems(Json::FindObject(root, Key::plaz), [&](const Value& record, auto store, auto item) {
+        if (!namesItem(record))
+            faults.push_back("\"/plaz/qstores/" + std::to_string(store) + "/items/" + std::to_string(item) +
+                             "\" is not used: it does not name an item and its revision");
+    });
     return faults;
 }
 
