@@ -1,6 +1,7 @@
 #include "support/HCRapidJsonReadWriteUtils.h"
 
 #include "support/HIOStream.h"
+#include "support/HUTText.h"
 #include "support/HostMsg.h"
 
 #include <rapidjson/error/en.h>
@@ -148,9 +149,9 @@ bool HCRapidJsonReadWriteUtils::parseInPlace(std::string& text, HCRapidJsonDocum
         reason = "Unexpected null character.";
     else
         return true;
-    if (reason.back() == '.') reason.pop_back(); // messages put it inside a sentence
     document.m_parseError =
-        describePlace(begin, result.IsError() ? result.Offset() : stream.Tell(), guard.getLineEndsInStrings()) + reason;
+        describePlace(begin, result.IsError() ? result.Offset() : stream.Tell(), guard.getLineEndsInStrings()) +
+        HUTText::withoutFullStop(reason); // messages put it inside a sentence
     document.SetNull();
     return false;
 }

@@ -83,6 +83,11 @@ std::string HUTText::cutToSize(std::string_view text, std::size_t size) {
     return std::string(text.substr(0, size));
 }
 
+std::string HUTText::withoutFullStop(std::string text) {
+    if (!text.empty() && text.back() == '.') text.pop_back();
+    return text;
+}
+
 std::size_t HUTText::width(std::string_view text) {
     std::size_t columns = 0;
     while (!text.empty()) columns += widthOf(takeCharacter(text));

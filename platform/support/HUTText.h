@@ -30,6 +30,9 @@ public:
     /// The longest beginning of the text that has no more than @p size bytes and ends between two characters.
     static std::string cutToSize(std::string_view text, std::size_t size);
 
+    /// The text without its full stop, fit to stand inside a sentence that has one of its own.
+    static std::string withoutFullStop(std::string text);
+
     /// Columns that the text takes on a terminal: two for wide East Asian characters and emoji, none for combining
     /// marks and control characters.
     static std::size_t width(std::string_view text);

@@ -16,6 +16,7 @@
 #include "support/HUTFile.h"
 #include "support/HUTFork.h"
 #include "support/HUTSysCall.h"
+#include "support/HUTText.h"
 
 #include <boost/filesystem/operations.hpp>
 
@@ -223,8 +224,8 @@ void restoreSslVerify(const std::string& workDir) {
 std::string HSCPlazGitAnswer::getReason() const {
     std::string reason;
     for (const std::string& line : HSCPlazGitLog::getErrorLines(text)) reason += (reason.empty() ? "" : "; ") + line;
-    if (!reason.empty() && reason.back() == '.') reason.pop_back(); // the sentence around it has one of its own
-    return reason.empty() ? "git ended with status " + std::to_string(status) + " and said nothing" : reason;
+    return reason.empty() ? "git ended with status " + std::to_string(status) + " and said nothing"
+                          : HUTText::withoutFullStop(reason);
 }
 
 int HSCPlazGitRunner::run(const std::vector<std::string>& args, const std::string& workDir, bool internalCall,

@@ -11,6 +11,7 @@
 #include "plaz/model/repo/git/HSCPlazGitTrace.h"
 #include "support/HIOStream.h"
 #include "support/HUTFork.h"
+#include "support/HUTText.h"
 
 #include <sstream>
 
@@ -107,8 +108,6 @@ HSCPlazUpdateCheck HSCPlazGitUpdateCheck::look(const std::string& cloneDir, cons
         return askAndCompare(cloneDir, access, branchToCheck(cloneDir, branch));
     } catch (const std::exception& failure) {
         trace("Error while fetching log data from git repo ", access);
-        std::string reason = failure.what();
-        if (!reason.empty() && reason.back() == '.') reason.pop_back(); // a message puts it inside a sentence
-        return {std::nullopt, reason};
+        return {std::nullopt, HUTText::withoutFullStop(failure.what())};
     }
 }
