@@ -23,7 +23,7 @@ struct HSCPlazPendingChange {
     /// Where the item's files were before, if that is another directory, and of which commit. They go once the change
     /// is recorded.
     std::string former = {}, formerCommit = {};
-    /// Of the store, below which the item's directories are.
+    /// Of the store, below which the item's directories, or the catalog's files, are.
     std::string area = {};
 };
 

@@ -48,8 +48,8 @@ std::string HSCPlazFetchedFiles::prepare(const std::string& source, const std::s
     return arePrepared && HUTFile::flush(incoming) ? std::string() : incoming;
 }
 
-std::string HSCPlazFetchedFiles::moveIn(const std::string& incoming, const std::string& area,
-                                        const std::vector<std::string>& files) {
+std::string HSCPlazFetchedFiles::moveIn(const HSCPlazStoreLayout& layout, const std::vector<std::string>& files) {
+    const std::string incoming = layout.getIncoming(), area = layout.getArea();
     for (std::size_t number = 0; number < files.size(); ++number) {
         const std::string fresh = incoming + "/" + std::to_string(number), file = area + "/" + files[number];
         if (!HUTFile::exists(fresh)) continue;

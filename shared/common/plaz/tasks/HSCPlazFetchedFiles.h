@@ -1,6 +1,7 @@
 #pragma once
 
 #include "plaz/base/HSCPlazReport.h"
+#include "plaz/base/HSCPlazStoreLayout.h"
 #include "support/HUTFile.h"
 
 #include <string>
@@ -30,8 +31,7 @@ public:
     static std::string prepare(const std::string& source, const std::string& incoming,
                                const std::vector<std::string>& files);
     /// Moves such files to where they count; those that are there already are left out. @return as take
-    static std::string moveIn(const std::string& incoming, const std::string& area,
-                              const std::vector<std::string>& files);
+    static std::string moveIn(const HSCPlazStoreLayout& layout, const std::vector<std::string>& files);
     /// Moves one file to where it counts, or copies it where that is on another disk.
     static bool place(const std::string& fetched, const std::string& file);
 

@@ -390,7 +390,7 @@ void HSCPlazItemChanges::finishFiles(const HSCPlazPendingChange& change, const H
     HSCPlazStoreLayout layout = m_task.getWorkspace().paths.getStoreLayout(*store.getModel());
     // A store whose first files these are has no place yet.
     if (!HUTFile::isDirectory(layout.getIncoming())) layout = HSCPlazStoreLayout(change.area, change.area);
-    const std::string obstacle = HSCPlazFetchedFiles::moveIn(layout.getIncoming(), layout.getArea(), change.files);
+    const std::string obstacle = HSCPlazFetchedFiles::moveIn(layout, change.files);
     m_isUnfinished = !obstacle.empty();
     if (m_isUnfinished)
         m_task.fail(Msg::dirNotWritable, obstacle);

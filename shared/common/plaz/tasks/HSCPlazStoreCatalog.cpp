@@ -64,7 +64,7 @@ bool finishEarlier(HSCPlazTask& task, const HSCPlazChangeNote& note) {
     const auto earlier = note.read();
     if (!earlier) return task.fail(Msg::databaseUnreadable, note.getFile());
     const HSCPlazStoreLayout layout(earlier->area, earlier->area);
-    const std::string obstacle = HSCPlazFetchedFiles::moveIn(layout.getIncoming(), layout.getArea(), earlier->files);
+    const std::string obstacle = HSCPlazFetchedFiles::moveIn(layout, earlier->files);
     return obstacle.empty() || task.fail(Msg::dirNotWritable, obstacle);
 }
 
@@ -78,7 +78,7 @@ bool putInForce(HSCPlazTask& task, const std::string& store, const std::string& 
     if (!obstacle.empty()) return task.fail(Msg::dirNotWritable, obstacle);
     if (!note.write({store, nullptr, false, "", files, "", "", "", layout.getArea()}))
         return task.fail(Msg::databaseNotSaved, note.getFile());
-    obstacle = HSCPlazFetchedFiles::moveIn(incoming.getName(), layout.getArea(), files);
+    obstacle = HSCPlazFetchedFiles::moveIn(layout, files);
     if (obstacle.empty()) return note.forget();
     incoming.keep();
     return task.fail(Msg::dirNotWritable, obstacle);
