@@ -49,9 +49,10 @@ std::string HSCPlazFetchedFiles::prepare(const std::string& source, const std::s
 }
 
 std::string HSCPlazFetchedFiles::moveIn(const HSCPlazStoreLayout& layout, const std::vector<std::string>& files) {
-    const std::string incoming = layout.getIncoming(), area = layout.getArea();
+    const std::string incoming = layout.getIncoming();
     for (std::size_t number = 0; number < files.size(); ++number) {
-        const std::string fresh = incoming + "/" + std::to_string(number), file = area + "/" + files[number];
+        const std::string fresh = incoming + "/" + std::to_string(number),
+                          file = layout.getArea() + "/" + files[number];
         if (!HUTFile::exists(fresh)) continue;
         if (!HUTFile::mkDirRecursive(parentOf(file)) || !HUTFile::rename(fresh, file) || !HUTFile::flush(file))
             return parentOf(file);
