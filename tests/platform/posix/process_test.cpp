@@ -2,6 +2,7 @@
 
 #include "support/HUTSysCall.h"
 
+#include <cerrno>
 #include <csignal>
 #include <fcntl.h>
 #include <memory>
@@ -35,7 +36,11 @@ TEST_F(PosixProcessTest, ChildInheritsNothing) {
 
 // Fault: the shell's status lost to a program that waits for whatever ends.
 TEST_F(PosixProcessTest, ShellTellsItsStatusWhoeverWaits) {
-    const auto oldHandler = std::signal(SIGCHLD, [](int) { waitpid(-1, nullptr, WNOHANG); });
+    const auto oldHandler = std::signal(SIGCHLD, [](int) {
+        const int error = errno;
+        waitpid(-1, nullptr, WNOHANG);
+        errno = error;
+    });
     for (int time = 0; time < 20; ++time) EXPECT_EQ(HUTSysCall::runShell("exit 3"), 3 << 8);
     std::signal(SIGCHLD, oldHandler);
 }
