@@ -11,7 +11,9 @@
 #include "support/HPAParamMgr.h"
 #include "support/HUTText.h"
 
+#include <cstdio>
 #include <ostream>
+#include <string_view>
 
 namespace {
 
@@ -66,6 +68,25 @@ template <typename List, typename Fill> Value arrayOf(Document& document, const 
         array.PushBack(object.get(), document.GetAllocator());
     }
     return array;
+}
+
+/// JSON whose texts cannot steer the terminal. Controls below the blank are escaped already, or make its layout.
+std::string withControlsEscaped(std::string_view json) {
+    std::string escaped;
+    escaped.reserve(json.size());
+    while (!json.empty()) {
+        const std::string_view before = json;
+        const auto c = static_cast<unsigned>(HUTText::takeCharacter(json));
+        const std::string_view bytes = before.substr(0, before.size() - json.size());
+        if (c >= 0x7F && HUTText::holdsControl(bytes)) {
+            char unit[sizeof "\\u0000"];
+            std::snprintf(unit, sizeof unit, "\\u%04x", c & 0xFFFFU);
+            escaped += unit;
+        } else {
+            escaped += bytes;
+        }
+    }
+    return escaped;
 }
 
 const char* typeName(HPAParam::Type type) {
@@ -283,7 +304,7 @@ bool JsonOutput::finish(const std::string& error, const std::vector<ComMsgMgr::M
     m_document["ok"].SetBool(error.empty());
     if (!error.empty()) Json::AddStringProperty(m_document, m_document, "error", HUTText::repaired(error));
     add(m_document, "messages", arrayOf(m_document, messages, fillMessage));
-    m_out << Json::toText(m_document);
+    m_out << withControlsEscaped(Json::toText(m_document));
     m_out.flush();
     return static_cast<bool>(m_out);
 }

@@ -11,8 +11,18 @@ namespace {
 namespace utf = boost::locale::utf;
 using Utf8 = utf::utf_traits<char>;
 
+/// Marks that turn the direction in which what follows is shown, and separators that some show as line ends.
+bool turnsText(char32_t c) {
+    return c == 0x061C || c == 0x200E || c == 0x200F || (c >= 0x2028 && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069);
+}
+
 bool isControl(char32_t c) {
-    return c < 0x20 || (c >= 0x7F && c < 0xA0);
+    return c < 0x20 || (c >= 0x7F && c < 0xA0) || turnsText(c);
+}
+
+/// Whether a text is plain ASCII without controls, as nearly all are: quicker to see than to decode.
+bool isPlain(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return c >= 0x20 && c < 0x7F; });
 }
 
 std::size_t widthOf(char32_t c) {
@@ -61,6 +71,13 @@ std::string HUTText::repaired(std::string_view text) {
     result.reserve(text.size());
     while (!text.empty()) Utf8::encode(takeCharacter(text), std::back_inserter(result));
     return result;
+}
+
+bool HUTText::holdsControl(std::string_view text) {
+    if (isPlain(text)) return false;
+    while (!text.empty())
+        if (isControl(takeCharacter(text))) return true;
+    return false;
 }
 
 std::string HUTText::printable(std::string_view text, bool keepLines) {

@@ -23,8 +23,11 @@ public:
 
     /// The text with what is no UTF-8 replaced by U+FFFD.
     static std::string repaired(std::string_view text);
-    /// The text with control characters replaced by "?", so that what a store says cannot steer the terminal. Bytes
-    /// that are no UTF-8 stay.
+    /// Whether the text holds a character that steers what shows it instead of being shown: a control character, or one
+    /// that turns the direction of what follows.
+    static bool holdsControl(std::string_view text);
+    /// The text with such characters replaced by "?", so that what a store says cannot steer the terminal. Bytes that
+    /// are no UTF-8 stay.
     /// @param keepLines  leave line ends and tabs as they are
     static std::string printable(std::string_view text, bool keepLines = false);
     /// The longest beginning of the text that has no more than @p size bytes and ends between two characters.

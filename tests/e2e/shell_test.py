@@ -191,10 +191,13 @@ class ShellTest(HubTest):
         self.expect("items", "messages: id", "17-1569", status=1)
 
     def test_json_stays_alone_on_standard_output(self):
-        """Catches: the debug log, or a child, writing between the brackets of the document; items not in the log."""
+        """Catches: the debug log, or a child, writing between the brackets of the document, or a text that turns what the
+        terminal shows; items not in the log."""
         result = self.run_plaz("--json --set plaz.enableLog=true install string-kit")
         self.check("document", json.loads(result.stdout)["items"][0]["outcome"], "installed")
         self.check_shown(result.stderr, "Inside HSCPlazMgr::initHub", "apply name: string-kit is_installed: 1 ")
+        turned = self.run_plaz("--json info a\u202eb", status=1).stdout
+        self.check("turned", ("\\u202e" in turned, "\u202e" in turned), (True, False))
 
     def test_ctrl_c_cancels(self):
         """Catches: a Ctrl-C that waits for git, leaves it running, is told as a failure of git or costs a catalog."""

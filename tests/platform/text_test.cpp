@@ -26,7 +26,7 @@ TEST(TextTest, tellsAndMendsWhatIsNoUtf8) {
 
 // Catches: control sequences of a store that reach the terminal, cuts in the midst of a character.
 TEST(TextTest, isFitToBeShown) {
-    EXPECT_EQ(HUTText::printable("a\x1b[2Jb\u009bc\x7f\u00fc\xFF"), "a?[2Jb?c?\u00fc\xFF");
+    EXPECT_EQ(HUTText::printable("a\x1b[2Jb\u009bc\x7f\u00fc\xFF\u202ed"), "a?[2Jb?c?\u00fc\xFF?d");
     EXPECT_EQ(HUTText::printable("a\n\tb\r", true), "a\n\tb?");
     EXPECT_EQ(HUTText::cutToSize("a\u8a08b", 3), "a");
     EXPECT_EQ(HUTText::cutToSize("a\u8a08b", 4), "a\u8a08");

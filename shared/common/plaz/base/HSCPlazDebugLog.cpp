@@ -4,6 +4,7 @@
 #include "support/HPAParamMgr.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
+#include "support/HUTText.h"
 
 #include <fstream>
 #include <iostream>
@@ -33,6 +34,7 @@ void HSCPlazDebugLog::write(const std::string& line) {
     // Never destroyed: static objects may log in their destructors, and a log that is opened again begins empty.
     static auto& file = *new std::ofstream; // raw: HIOStream opens it, at the first line for which it can
     if (!file.is_open()) openLogFile(file);
-    std::cout << line << std::endl;
-    if (file.is_open() && file.good()) file << line << std::endl;
+    const std::string shown = HUTText::printable(line, true); // it may hold what a store says
+    std::cout << shown << std::endl;
+    if (file.is_open() && file.good()) file << shown << std::endl;
 }

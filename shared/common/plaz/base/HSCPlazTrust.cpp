@@ -10,11 +10,6 @@
 
 namespace {
 
-bool hasControlCharacter(const std::string& text) {
-    return std::any_of(text.begin(), text.end(),
-                       [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; });
-}
-
 /// What some systems keep for devices, whatever follows a point and the blanks before it: "aux", "nul.txt", "com1 .x".
 bool isDeviceName(std::string_view component) {
     static constexpr std::string_view devices[] = {"con", "prn", "aux", "nul", "conin$", "conout$"};
@@ -101,11 +96,11 @@ bool hasOptionAsHost(const HSCPlazUrl& url) {
 } // namespace
 
 bool HSCPlazTrust::isName(const std::string& text) {
-    return text.find('\0') == std::string::npos;
+    return !HUTText::holdsControl(text);
 }
 
 bool HSCPlazTrust::isSafeRelativePath(const std::string& path) {
-    if (path.empty() || path.front() == '/' || hasControlCharacter(path)) return false;
+    if (path.empty() || path.front() == '/' || HUTText::holdsControl(path)) return false;
     // Bytes that are no UTF-8 are left in a name by one system and replaced by another.
     if (path.find_first_of("\\:") != std::string::npos || !HUTText::isUtf8(path)) return false;
     return !hasRefusedComponent(path);
@@ -129,7 +124,7 @@ bool HSCPlazTrust::isSafeComponent(const std::string& name) {
 
 bool HSCPlazTrust::isSafeRef(const std::string& ref) {
     if (isCommitId(ref)) return true; // as nearly all are, in a catalog
-    return !ref.empty() && ref.front() != '-' && !hasControlCharacter(ref) &&
+    return !ref.empty() && ref.front() != '-' && !HUTText::holdsControl(ref) &&
            ref.find_first_of(" ~^:?*[\\") == std::string::npos && ref.find("..") == std::string::npos &&
            ref.find("@{") == std::string::npos;
 }
@@ -140,7 +135,7 @@ bool HSCPlazTrust::isCommitId(const std::string& text) {
 }
 
 bool HSCPlazTrust::isSafeUrl(const std::string& text) {
-    if (text.empty() || text.front() == '-' || hasControlCharacter(text) || namesTransportHelper(text)) return false;
+    if (text.empty() || text.front() == '-' || HUTText::holdsControl(text) || namesTransportHelper(text)) return false;
     const HSCPlazUrl url = HSCPlazUrl::parse(text);
     // Others would read a user part up to its first "/" alone, and the rest as a path.
     const bool isTorn = url.user.find('/') != std::string::npos;
@@ -148,7 +143,7 @@ bool HSCPlazTrust::isSafeUrl(const std::string& text) {
 }
 
 std::string HSCPlazTrust::findTclRefusal(const std::string& text) {
-    if (hasControlCharacter(text)) return "it holds a line end or another control character";
+    if (HUTText::holdsControl(text)) return "it holds a line end or another control character";
     if (text.find_first_of("[]$;\\\"{}") != std::string::npos) return "it holds a character that Tcl interprets";
     if (text.find("  ") != std::string::npos) return "it holds several blanks in a row";
     if (!text.empty() && (text.front() == ' ' || text.back() == ' ')) return "it begins or ends with a blank";

@@ -8,7 +8,8 @@
 /// Pure functions of their arguments.
 namespace HSCPlazTrust {
 
-/// The name of a store or an item that people and scripts can give: no null character, which would end it early.
+/// The name of a store or an item that people and scripts can give: no control character, of which a null one would
+/// end it and others steer what shows it.
 PLAZ_API bool isName(const std::string& text);
 /// A relative path that stays below where it starts on every system: not empty, not absolute, no component that is
 /// empty or ends in a dot or blank (".." among them), none named ".git", ".plaz", ".staging" or ".done", whatever the

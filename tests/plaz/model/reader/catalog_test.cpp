@@ -90,7 +90,7 @@ TEST_F(CatalogTest, severalRevisions) {
 TEST_F(CatalogTest, refusals) {
     setParam("plaz.enableSchemaValidation", "false");
     read(
-        R"("multi_revision_supported": true, "items": [{"name": "root", "root": "../x"}, {}, {"name": ""}, {"name": "nu\u0000l"},
+        R"("multi_revision_supported": true, "items": [{"name": "root", "root": "../x"}, {}, {"name": ""}, {"name": "nu\u0000l"}, {"name": "gnp\u202e.exe"},
         {"name": "item root", "config": {"root": "/etc"}}, {"name": "file", "config": {"metadata_file": "a\\b"}},
         {"name": "revision", "latest_revision": "../1"}, {"name": "commit", "commit_id": "--all"},
         {"name": "branch", "commit_id": "main"},
@@ -100,8 +100,8 @@ TEST_F(CatalogTest, refusals) {
     EXPECT_THAT(
         takeMessages(),
         ElementsAre("17-2160 root|its root \"../x\" is not a path inside the store",
-                    HasSubstr("is not a name that anybody could give"), HasSubstr("item root|"), HasSubstr("file|"),
-                    HasSubstr("revision|"), HasSubstr("commit|"),
+                    HasSubstr("is not a name that anybody could give"), HasSubstr("gnp?.exe"), HasSubstr("item root|"),
+                    HasSubstr("file|"), HasSubstr("revision|"), HasSubstr("commit|"),
                     "17-2160 branch|its commit_id \"main\" does not name a commit",
                     "17-2160 older@../0|its revision \"../0\" is not a plain folder name, and 1 more of its revisions",
                     "17-2160 s|entries of the store's catalog without a name: 2"));

@@ -70,7 +70,7 @@ final class HubThread {
 
                 @Override
                 public void progress(String text, double percent) {
-                    tellProgress(text, percent);
+                    tellProgress(Readable.of(text), percent);
                 }
             });
             tellSnapshot();
@@ -82,7 +82,7 @@ final class HubThread {
         read(() -> {
             List<PlazItem> entries = SnapshotReader.entries(key);
             String text = entries.isEmpty() ? "" : entries.get(0).getHistory();
-            post(to -> to.history(key, text));
+            post(to -> to.history(key, Readable.of(text)));
         });
     }
 

@@ -11,9 +11,11 @@ import ui.frmwork.plaz.host.PlazHost.Severity;
 record Message(Severity severity, String id, String text) {
     private static final Pattern USER_PART = Pattern.compile("://[^\\s/\"]*@");
 
-    /** Nothing that stands before the server in an address is kept: it may be a password. */
+    /**
+     * Nothing that stands before the server in an address is kept: it may be a password. Nor what steers the window.
+     */
     Message {
-        text = USER_PART.matcher(text).replaceAll("://***@");
+        text = Readable.of(USER_PART.matcher(text).replaceAll("://***@"));
     }
 
     static Message info(String text) {

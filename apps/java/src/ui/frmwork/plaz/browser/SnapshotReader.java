@@ -56,11 +56,11 @@ final class SnapshotReader {
         List<PlazItem> entries = latestFirst(unordered);
         PlazItem latest = entries.get(0);
         return new Item(new Key(latest.getStoreName(), latest.getName()),
-                either(latest.getDisplayName(), latest.getName()), latest.getDescription(), latest.getRevision(),
-                state(entries), latest.IsInstalled(), either(latest.getCompanyDisplayName(), latest.getCompany()),
-                latest.getAuthor(), latest.getWebsite(), latest.getLogo(),
-                map(latest.getCategories(), Function.identity()),
-                map(latest.getItemSearchKeywords(), Function.identity()),
+                either(latest.getDisplayName(), latest.getName()), Readable.of(latest.getDescription()),
+                latest.getRevision(), state(entries), latest.IsInstalled(),
+                either(latest.getCompanyDisplayName(), latest.getCompany()), Readable.of(latest.getAuthor()),
+                Readable.of(latest.getWebsite()), latest.getLogo(), map(latest.getCategories(), Function.identity()),
+                map(latest.getItemSearchKeywords(), Readable::of),
                 entries.stream().map(SnapshotReader::revision).toList(),
                 map(latest.getItemDependencies(), SnapshotReader::dependency));
     }
@@ -75,7 +75,7 @@ final class SnapshotReader {
     }
 
     private static String either(String forPeople, String plain) {
-        return forPeople.isBlank() ? plain : forPeople;
+        return Readable.of(forPeople.isBlank() ? plain : forPeople);
     }
 
     private static Revision revision(PlazItem entry) {
