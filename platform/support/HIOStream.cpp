@@ -42,20 +42,8 @@ void combineWithKey(char* begin, char* end, std::uint32_t key) {
     }
 }
 
-// Replaces a protected file's bytes by the plain content; leaves those of any other file alone.
-Status unwrap(std::string& content) {
-    if (content.compare(0, magic.size(), magic) != 0) return Status::ok;
-    if (content.size() < headerSize || content[8] != layoutVersion || numberAt(content, 9, 3) != 0 ||
-        numberAt(content, 16, 8) != content.size() - headerSize)
-        return Status::unreadable;
-    const auto crc = static_cast<std::uint32_t>(numberAt(content, 12, 4));
-    content.erase(0, headerSize);
-    combineWithKey(content.data(), content.data() + content.size(), crc);
-    return checksum(content) == crc ? Status::ok : Status::unreadable;
-}
-
 Status finish(Status status, std::string& content) {
-    if (status == Status::ok) status = unwrap(content);
+    if (status == Status::ok) status = HIOStream::unwrap(content);
     if (status != Status::ok) content.clear();
     return status;
 }
@@ -88,7 +76,18 @@ std::ofstream HIOStream::openForWriting(const std::string& file, std::ios::openm
     return std::ofstream(std::filesystem::path(platform::toSystemName(file).native()), mode | std::ios::binary);
 }
 
-bool HIOStream::writeContainer(const std::string& file, const std::string& content) {
+HIOStream::Status HIOStream::unwrap(std::string& bytes) {
+    if (bytes.compare(0, magic.size(), magic) != 0) return Status::ok;
+    if (bytes.size() < headerSize || bytes[8] != layoutVersion || numberAt(bytes, 9, 3) != 0 ||
+        numberAt(bytes, 16, 8) != bytes.size() - headerSize)
+        return Status::unreadable;
+    const auto crc = static_cast<std::uint32_t>(numberAt(bytes, 12, 4));
+    bytes.erase(0, headerSize);
+    combineWithKey(bytes.data(), bytes.data() + bytes.size(), crc);
+    return checksum(bytes) == crc ? Status::ok : Status::unreadable;
+}
+
+std::string HIOStream::wrap(const std::string& content) {
     const std::uint32_t crc = checksum(content);
     std::string text(magic);
     text.reserve(headerSize + content.size());
@@ -98,5 +97,9 @@ bool HIOStream::writeContainer(const std::string& file, const std::string& conte
     appendNumber(text, content.size(), 8);
     text += content;
     combineWithKey(text.data() + headerSize, text.data() + text.size(), crc);
-    return HUTFile::writeAtomically(file, text);
+    return text;
+}
+
+bool HIOStream::writeContainer(const std::string& file, const std::string& content) {
+    return HUTFile::writeAtomically(file, wrap(content));
 }

@@ -54,6 +54,11 @@ public:
     /// @param mode  std::ios::trunc or std::ios::app
     /// @return not open when that failed
     static std::ofstream openForWriting(const std::string& file, std::ios::openmode mode);
+    /// A protected file's bytes for the plain content.
+    static std::string wrap(const std::string& content);
+    /// Puts the plain content in the place of a protected file's bytes; those of any other file stay as they are.
+    /// @return unreadable where they are damaged
+    static Status unwrap(std::string& bytes);
     /// Writes @p content as a protected file, atomically. @return false when that failed
     static bool writeContainer(const std::string& file, const std::string& content);
 };

@@ -213,8 +213,10 @@ std::optional<HSCPlazItemTree> HSCPlazItemTree::parse(std::string_view lsTree, c
 
 std::optional<HSCPlazItemTree> HSCPlazItemTree::read(const std::string& file, const std::string& commit) {
     std::string content;
-    if (HIOStream::read(file, content) != HIOStatus::ok) return std::nullopt;
-    std::string_view text = content;
+    return HIOStream::read(file, content) == HIOStatus::ok ? fromText(content, commit) : std::nullopt;
+}
+
+std::optional<HSCPlazItemTree> HSCPlazItemTree::fromText(std::string_view text, const std::string& commit) {
     if (text.substr(0, formatLine.size()) != formatLine) return std::nullopt;
     text.remove_prefix(formatLine.size());
     const auto digest = takeUntil(text, '\n');
@@ -227,12 +229,16 @@ std::optional<HSCPlazItemTree> HSCPlazItemTree::read(const std::string& file, co
     return tree;
 }
 
-bool HSCPlazItemTree::write(const std::string& file) const {
+std::string HSCPlazItemTree::toText() const {
     std::string text = m_commit + '\n' + m_root + '\n';
     for (const Entry& entry : m_entries) text += entry.mode + " blob " + entry.id + '\t' + entry.path + '\0';
     const std::string digest = HUTDigest::ofBlob(HUTDigest::Kind::sha1, text) + '\n';
+    return std::string(formatLine) + digest + text;
+}
+
+bool HSCPlazItemTree::write(const std::string& file) const {
     HUTFile::mkDirRecursive(boost::filesystem::path(file).parent_path().generic_string());
-    return HUTFile::writeUnflushed(file, std::string(formatLine) + digest + text);
+    return HUTFile::writeUnflushed(file, toText());
 }
 
 Differences HSCPlazItemTree::compare(const std::string& dir) const {

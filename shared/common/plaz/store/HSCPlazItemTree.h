@@ -52,6 +52,10 @@ public:
     /// @return false, with an old file untouched, when that failed
     bool write(const std::string& file) const;
 
+    /// The same without the file: what write() puts into it, and what can be read of that.
+    std::string toText() const;
+    static std::optional<HSCPlazItemTree> fromText(std::string_view text, const std::string& commit);
+
     /// As it was given to parse().
     const std::string& getCommit() const { return m_commit; }
     const std::string& getRoot() const { return m_root; }

@@ -87,25 +87,27 @@ void readSchemaVersion(const Value& version, Config& config) {
 
 } // namespace
 
+void HSCPlazConfigReader::fill(const Value& root, HSCPlazCfgModel& model) {
+    const Value* plaz = Json::FindObject(root, Key::plaz);
+    if (!plaz) return;
+    if (const Value* repository = Json::FindObject(*plaz, Key::remoteRepository))
+        model.setPlazRepoCfgModel(readRepository(*repository));
+    if (const Value* stores = Json::FindArray(*plaz, Key::qstores))
+        for (const Value& entry : stores->GetArray()) model.addStoreRepoCfgModel(readRepository(entry));
+    HSCPlazJson::fillFields(dataRootFields, *plaz, model);
+    if (const Value* layout = Json::FindObject(*plaz, Key::config))
+        HSCPlazJson::fillFields(layoutFields, *layout, model);
+    if (const Value* version = Json::FindObject(*plaz, Key::schemaVersion)) readSchemaVersion(*version, model);
+}
+
 bool HSCPlazConfigReader::parse(const std::string& file, HSCPlazCfgModel* model) {
     if (!model) return false;
     HSCPlazFindings found;
     HSCPlazJsonDocument document;
     const bool isRead = document.load(file, found);
     found.tell();
-    if (!isRead) return false;
-    const Value* plaz = Json::FindObject(document.getRoot(), Key::plaz);
-    if (!plaz) return true;
-
-    if (const Value* repository = Json::FindObject(*plaz, Key::remoteRepository))
-        model->setPlazRepoCfgModel(readRepository(*repository));
-    if (const Value* stores = Json::FindArray(*plaz, Key::qstores))
-        for (const Value& entry : stores->GetArray()) model->addStoreRepoCfgModel(readRepository(entry));
-    HSCPlazJson::fillFields(dataRootFields, *plaz, *model);
-    if (const Value* layout = Json::FindObject(*plaz, Key::config))
-        HSCPlazJson::fillFields(layoutFields, *layout, *model);
-    if (const Value* version = Json::FindObject(*plaz, Key::schemaVersion)) readSchemaVersion(*version, *model);
-    return true;
+    fill(document.getRoot(), *model);
+    return isRead;
 }
 
 std::vector<std::string> HSCPlazConfigReader::findFaults(const Value& root) {

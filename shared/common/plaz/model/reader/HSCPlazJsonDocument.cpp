@@ -41,12 +41,18 @@ bool HSCPlazJsonDocument::load(const std::string& file, HSCPlazFindings& found) 
     return true;
 }
 
-void HSCPlazJsonDocument::loadReadablePart(const std::string& file) {
+void HSCPlazJsonDocument::loadText(std::string text, const std::string& name, HSCPlazFindings& found) {
     clear();
-    if (HIOStream::read(file, m_text) != HIOStream::Status::ok) return;
-    m_text = HCRapidJsonReadWriteUtils::getReadablePart(m_text);
+    m_file = name;
+    m_text = std::move(text);
+    parse(found);
+}
+
+void HSCPlazJsonDocument::loadReadablePart(const std::string& file) {
+    std::string text;
     HSCPlazFindings ofNoInterest; // the file itself has been judged
-    parse(ofNoInterest);
+    if (HIOStream::read(file, text) == HIOStream::Status::ok)
+        loadText(HCRapidJsonReadWriteUtils::getReadablePart(text), file, ofNoInterest);
 }
 
 HIOStream::Status HSCPlazJsonDocument::loadBelow(const HIOStream::Root& root, const std::string& relative,

@@ -18,6 +18,8 @@ public:
     /// Reads and parses a file. One that is missing, not a regular file or unreadable is a finding (false); one that is
     /// no JSON is one too (true), and its root is then null.
     bool load(const std::string& file, HSCPlazFindings& found);
+    /// The same of a content that is in memory. @param name  what it is called in findings
+    void loadText(std::string text, const std::string& name, HSCPlazFindings& found);
     /// Of a file that is no JSON, what can be read of it; see HCRapidJsonReadWriteUtils::getReadablePart.
     void loadReadablePart(const std::string& file);
     /// The same for a file below a directory held open. A file that is missing or lies outside is no finding: the

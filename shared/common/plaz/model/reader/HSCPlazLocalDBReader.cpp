@@ -139,12 +139,17 @@ std::vector<std::string> HSCPlazLocalDBReader::findFaults(const Value& root) {
 
 HSCPlazLocalDBReader::Result HSCPlazLocalDBReader::read(const std::string& file, HSCPlazModel& model, bool isOwnOnly,
                                                         HSCPlazFindings& found) {
-    using Outcome = Result::Outcome;
     HSCPlazJsonDocument document;
-    if (!document.load(file, found)) return {Outcome::unreadable, {}, {}};
-    bool isWhole = document.isParsed();
+    if (!document.load(file, found)) return {Result::Outcome::unreadable, {}, {}};
+    const bool isWhole = document.isParsed();
     document.validate(HSCPlazSchema::Kind::localDb, found);
     if (!isWhole && isOwnOnly) document.loadReadablePart(file);
+    return fill(document, isWhole, model, isOwnOnly, found);
+}
+
+HSCPlazLocalDBReader::Result HSCPlazLocalDBReader::fill(const HSCPlazJsonDocument& document, bool isWhole,
+                                                        HSCPlazModel& model, bool isOwnOnly, HSCPlazFindings& found) {
+    using Outcome = Result::Outcome;
     const Value* plaz = Json::FindObject(document.getRoot(), Key::plaz);
     if (isOwnOnly && (!plaz || !isDatabase(*plaz))) return {};
     if (isOwnOnly && !isOfRunningProduct(*plaz)) return {Outcome::foreign, {}, {}};

@@ -10,6 +10,8 @@
 #include <string>
 #include <vector>
 
+class HSCPlazJsonDocument;
+
 /// Reads the local installation database: what is installed of which store.
 class HSCPlazLocalDBReader : public HSCPlazJsonReader<HSCPlazModel> {
 public:
@@ -37,6 +39,10 @@ public:
     /// from
     ///                   one that is damaged, what can be read
     static Result read(const std::string& file, HSCPlazModel& model, bool isOwnOnly, HSCPlazFindings& found);
+    /// The same of a document that has been loaded, or of what can be read of it.
+    /// @param isWhole  false where it is only that
+    static Result fill(const HSCPlazJsonDocument& document, bool isWhole, HSCPlazModel& model, bool isOwnOnly,
+                       HSCPlazFindings& found);
     /// The records in a file's content that the hub leaves out, because they name no revision of an item.
     static std::vector<std::string> findFaults(const rapidjson::Value& root);
 };

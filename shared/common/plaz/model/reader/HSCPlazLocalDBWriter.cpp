@@ -61,6 +61,21 @@ Value toStoreRecord(Document& document, const HSCPlazQStoreModel& store) {
 
 } // namespace
 
+std::string HSCPlazLocalDBWriter::toText(const HSCPlazQStoreModel& model) const {
+    const HSCPlazProduct::Identity running = HSCPlazProduct::get();
+    Document document(rapidjson::kObjectType);
+    Value plaz(rapidjson::kObjectType);
+    addText(document, plaz, Key::product, running.name);
+    addText(document, plaz, Key::release, running.version);
+    Value stores(rapidjson::kArrayType);
+    stores.PushBack(toStoreRecord(document, model), document.GetAllocator());
+    Json::AddGenericValueProperty(document, plaz, Key::qstores, stores);
+    addText(document, plaz, Key::majorVersion, m_version);
+    addText(document, plaz, Key::minorVersion, m_version);
+    Json::AddGenericValueProperty(document, document, Key::plaz, plaz);
+    return Json::toText(document);
+}
+
 bool HSCPlazLocalDBWriter::write(const std::string& file, HSCPlazQStoreModel* model) {
     if (!model) {
         HSCPlazDebugLog::within(operation, " model object is null");
@@ -70,22 +85,9 @@ bool HSCPlazLocalDBWriter::write(const std::string& file, HSCPlazQStoreModel* mo
         HSCPlazDebugLog::within(operation, " thes store is not product specific");
         return false;
     }
-    const HSCPlazProduct::Identity running = HSCPlazProduct::get();
     HSCPlazDebugLog::within(operation, " found model obj writing the local be file.");
-
-    Document document(rapidjson::kObjectType);
-    Value plaz(rapidjson::kObjectType);
-    addText(document, plaz, Key::product, running.name);
-    addText(document, plaz, Key::release, running.version);
     HSCPlazDebugLog::within(operation, " store is product specific writing the local db file.");
-    Value stores(rapidjson::kArrayType);
-    stores.PushBack(toStoreRecord(document, *model), document.GetAllocator());
-    Json::AddGenericValueProperty(document, plaz, Key::qstores, stores);
-    addText(document, plaz, Key::majorVersion, m_version);
-    addText(document, plaz, Key::minorVersion, m_version);
-    Json::AddGenericValueProperty(document, document, Key::plaz, plaz);
-
     const boost::filesystem::path dir = boost::filesystem::path(file).parent_path();
     if (!dir.empty()) HUTFile::mkDirRecursive(dir.generic_string());
-    return HUTFile::writeAtomically(file, Json::toText(document));
+    return HUTFile::writeAtomically(file, toText(*model));
 }

@@ -20,6 +20,9 @@ public:
     ///         the file cannot be written; the old file then stays as it was
     bool write(const std::string& file, HSCPlazQStoreModel* model) override;
 
+    /// The content of the file.
+    std::string toText(const HSCPlazQStoreModel& model) const;
+
     /// One installed item as a database records it.
     static rapidjson::Value toRecord(rapidjson::Document& document, const HSCPlazQItemModel& item);
 

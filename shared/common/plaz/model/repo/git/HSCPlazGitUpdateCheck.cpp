@@ -56,8 +56,10 @@ std::optional<bool> compare(const std::string& localLine, const std::string& hea
     return std::nullopt;
 }
 
-/// Nothing where neither the branch nor the one in its stead is there, or git's log is empty.
-std::optional<bool> isMoved(const std::string& log, const std::string& heads, const std::string& branch) {
+} // namespace
+
+std::optional<bool> HSCPlazGitUpdateCheck::isMoved(const std::string& log, const std::string& heads,
+                                                   const std::string& branch) {
     const std::string localLine = log.substr(0, log.find('\n'));
     trace("log = ", localLine);
     if (localLine.empty()) return std::nullopt;
@@ -69,6 +71,8 @@ std::optional<bool> isMoved(const std::string& log, const std::string& heads, co
     return moved;
 }
 
+namespace {
+
 /// What the two outputs say, and why that is not to be relied on, if it is not.
 HSCPlazUpdateCheck askAndCompare(const std::string& cloneDir, const std::string& url, const std::string& branch) {
     const HSCPlazGitRemoved logFile(cloneDir + "/__git1.log");
@@ -78,7 +82,7 @@ HSCPlazUpdateCheck askAndCompare(const std::string& cloneDir, const std::string&
     const std::uint32_t status = run(" ls-remote " + argument, cloneDir, headsFile.getName());
     const std::string log = readText(logFile.getName());
     const std::string heads = readText(headsFile.getName());
-    HSCPlazUpdateCheck check{isMoved(log, heads, branch), {}};
+    HSCPlazUpdateCheck check{HSCPlazGitUpdateCheck::isMoved(log, heads, branch), {}};
     trace(url, " ", branch, check.moved.value_or(false) ? " has updates!" : " has no updates!");
     if (status != 0)
         check.reason = HSCPlazGitAnswer{static_cast<int>(status), HSCPlazTrust::maskSecrets(heads)}.getReason();

@@ -2,6 +2,7 @@
 
 #include "plaz/base/HSCPlazUpdateCheck.h"
 
+#include <optional>
 #include <string>
 
 /// Whether the remote branch has moved past the last commit of a working copy. Fetches nothing.
@@ -14,5 +15,11 @@ namespace HSCPlazGitUpdateCheck {
 /// @param branch    empty means "master", or the only branch of a remote that has none
 HSCPlazUpdateCheck look(const std::string& cloneDir, const std::string& access, const std::string& proxy,
                         const std::string& branch);
+
+/// The comparison alone: whether the first head that names the branch differs from the last commit.
+/// @param log    what "git log --oneline" printed
+/// @param heads  what "git ls-remote" printed
+/// @return nothing where neither the branch nor the one in its stead is there, or the log is empty
+std::optional<bool> isMoved(const std::string& log, const std::string& heads, const std::string& branch);
 
 } // namespace HSCPlazGitUpdateCheck
