@@ -4,6 +4,7 @@
 #include "support/HIOStream.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
+#include "support/HUTText.h"
 #include "support/HostMsg.h"
 
 #include <algorithm>
@@ -20,36 +21,20 @@ bool isListOfTexts(const rapidjson::Value& value) {
     return value.IsArray() && std::all_of(value.Begin(), value.End(), isText);
 }
 
+std::string toString(const rapidjson::Value& value) {
+    return {value.GetString(), value.GetStringLength()};
+}
+
+rapidjson::Value toValue(const std::string& text, rapidjson::Document& document) {
+    return rapidjson::Value(text.data(), static_cast<rapidjson::SizeType>(text.size()), document.GetAllocator());
+}
+
 // Fills the set from the file. Returns what is wrong with the file, or nothing.
 std::string readPreferences(const std::string& file, HCCXPref& preferences) {
     std::string text;
     const HIOStream::Status status = HIOStream::read(file, text);
     if (status == HIOStream::Status::missing) return {};
-    if (status != HIOStream::Status::ok) return "it cannot be read";
-    HCRapidJsonDocument document;
-    if (!Json::parseInPlace(text, document)) return Json::GetErrorMsgFromDocument(document);
-    const rapidjson::Value* members = Json::FindObject(document, preferencesKey);
-    if (!members) return std::string("it has no member \"") + preferencesKey + "\"";
-    for (const auto& member : members->GetObject())
-        if (!isListOfTexts(member.value)) return std::string("\"") + member.name.GetString() + "\" is no list of texts";
-    for (const auto& member : members->GetObject())
-        preferences.setVal(member.name.GetString(), Json::GetStringArrayProperty(*members, member.name.GetString()));
-    return {};
-}
-
-std::string toText(const HCCXPref& preferences) {
-    rapidjson::Document document(rapidjson::kObjectType);
-    rapidjson::Value members(rapidjson::kObjectType);
-    for (const std::string& name : preferences.getNames()) {
-        rapidjson::Value list(rapidjson::kArrayType);
-        for (const std::string& value : preferences.getVal(name))
-            list.PushBack(rapidjson::Value(value.c_str(), static_cast<rapidjson::SizeType>(value.size()),
-                                           document.GetAllocator()),
-                          document.GetAllocator());
-        Json::AddGenericValueProperty(document, members, name.c_str(), list);
-    }
-    Json::AddGenericValueProperty(document, document, preferencesKey, members);
-    return Json::toText(document);
+    return status == HIOStream::Status::ok ? preferences.fillFrom(std::move(text)) : "it cannot be read";
 }
 
 template <typename Values> auto findByName(Values& values, const std::string& name) {
@@ -77,6 +62,33 @@ std::vector<std::string> HCCXPref::getNames() const {
     return names;
 }
 
+std::string HCCXPref::fillFrom(std::string text) {
+    HCRapidJsonDocument document;
+    if (!Json::parseInPlace(text, document)) return Json::GetErrorMsgFromDocument(document);
+    const rapidjson::Value* members = Json::FindObject(document, preferencesKey);
+    if (!members) return std::string("it has no member \"") + preferencesKey + "\"";
+    for (const auto& member : members->GetObject())
+        if (!isListOfTexts(member.value)) return '"' + toString(member.name) + "\" is no list of texts";
+    for (const auto& member : members->GetObject()) {
+        std::vector<std::string> values;
+        for (const auto& value : member.value.GetArray()) values.push_back(toString(value));
+        setVal(toString(member.name), values);
+    }
+    return {};
+}
+
+std::string HCCXPref::toText() const {
+    rapidjson::Document document(rapidjson::kObjectType);
+    rapidjson::Value members(rapidjson::kObjectType);
+    for (const auto& [name, values] : m_values) {
+        rapidjson::Value list(rapidjson::kArrayType);
+        for (const std::string& value : values) list.PushBack(toValue(value, document), document.GetAllocator());
+        members.AddMember(toValue(name, document), list, document.GetAllocator());
+    }
+    Json::AddGenericValueProperty(document, document, preferencesKey, members);
+    return Json::toText(document);
+}
+
 HCCXPrefMgr& HCCXPrefMgr::getInstance() {
     static HCCXPrefMgr manager;
     return manager;
@@ -101,8 +113,10 @@ bool HCCXPrefUtils::savePreferences() {
     const std::string file = HCCXPrefMgr::getFile();
     HUTFile::mkDirRecursive(HUTEnv::getHDIAppDataDir());
     if (manager.m_fileIsBad && HUTFile::rename(file, file + ".bad")) manager.m_fileIsBad = false;
+    const std::string text = manager.m_default.toText();
+    const bool isReadable = HUTText::isUtf8(text); // or the next start would have none of it
     // A proxy's address may hold a password.
-    if (!manager.m_fileIsBad && HUTFile::writeAtomically(file, toText(manager.m_default), true)) return true;
+    if (isReadable && !manager.m_fileIsBad && HUTFile::writeAtomically(file, text, true)) return true;
     ComMsgMgr::send(HostMsg::preferencesNotSaved, MsgSeverity::error, file);
     return false;
 }

@@ -16,6 +16,12 @@ public:
     /// Every name that is set, in the order in which it was first set.
     std::vector<std::string> getNames() const;
 
+    /// Sets what the content of a preferences file says. @return what is wrong with it, and nothing is set then; empty
+    /// when all is well
+    std::string fillFrom(std::string text);
+    /// The set as the content of a preferences file.
+    std::string toText() const;
+
 private:
     std::vector<std::pair<std::string, std::vector<std::string>>> m_values;
 };
@@ -40,6 +46,7 @@ private:
 
 class HOST_API HCCXPrefUtils {
 public:
-    /// Writes the preferences whole and atomically. @return false, with a message, when that failed
+    /// Writes the preferences whole and atomically. @return false, with a message and the old file in its place, when
+    /// that failed or a text among them is no UTF-8
     static bool savePreferences();
 };

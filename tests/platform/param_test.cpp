@@ -79,6 +79,10 @@ TEST_F(PreferencesDeathTest, Persist) {
     struct stat info {};
     ASSERT_EQ(stat(file.c_str(), &info), 0);
     EXPECT_EQ(info.st_mode & 0777, 0600u);
+    EXPECT_IN_PROCESS(!save({"\xFF"})); // the next start could not read it, nor all else
+    EXPECT_IN_PROCESS(preferences().getVal("QSTORES_PATH") == values);
+    temp.write("new/appdata/preferences.json", R"({"preferences": {"a\u0000b": ["1"]}})");
+    EXPECT_IN_PROCESS(preferences().getVal(std::string("a\0b", 3)) == std::vector<std::string>{"1"});
 }
 
 // Fault: a damaged file that is lost with the next save, or that goes unreported.
