@@ -17,8 +17,9 @@ namespace {
 
 constexpr const char* boardType = "board";
 constexpr std::string_view unreserved = "-._~";
-// What a user part of somebody else's may hold beside: the colon, what is encoded already, and plain punctuation.
-constexpr std::string_view userPartPunctuation = "-._~:%!$&'()*+,=";
+// What a user part of somebody else's may hold beside: the colon, what is encoded already, and plain punctuation. A
+// quote would end the URL where secrets are masked.
+constexpr std::string_view userPartPunctuation = "-._~:%!$&()*+,=";
 
 std::string getParam(const char* name) {
     return HPAParamMgr::getParamMgr().getValueAsString(name);
