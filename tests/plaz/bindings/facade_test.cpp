@@ -79,6 +79,7 @@ TEST_F(FacadeTest, NamesThatTclWouldChangeAreRefused) {
     const std::pair<Names, const char*> refused[]{
         {{"[exit]", "a]", "$done", "a;set done 1", "a\\b", "\"a\"", "{a", "a}"}, "a character that Tcl interprets"},
         {{"a\nset done 1", "a\rb", "a\tb"}, "a line end or another control character"},
+        {{"a\xC0\x80"}, "bytes that are no UTF-8"},
         {{"a  b"}, "several blanks in a row"},
         {{" a", "a "}, "with a blank"},
         {{"-installed"}, "with \"-\""}};

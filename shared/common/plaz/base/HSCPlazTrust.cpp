@@ -144,6 +144,7 @@ bool HSCPlazTrust::isSafeUrl(const std::string& text) {
 
 std::string HSCPlazTrust::findTclRefusal(const std::string& text) {
     if (HUTText::holdsControl(text)) return "it holds a line end or another control character";
+    if (!HUTText::isUtf8(text)) return "it holds bytes that are no UTF-8"; // some of them mean others to Tcl
     if (text.find_first_of("[]$;\\\"{}") != std::string::npos) return "it holds a character that Tcl interprets";
     if (text.find("  ") != std::string::npos) return "it holds several blanks in a row";
     if (!text.empty() && (text.front() == ' ' || text.back() == ' ')) return "it begins or ends with a blank";

@@ -28,8 +28,8 @@ PLAZ_API bool isCommitId(const std::string& text);
 /// control character, no blank or quote in user or host, no "/" in the user part; a local path is one too.
 PLAZ_API bool isSafeUrl(const std::string& text);
 /// Why a text would not arrive as it is when it is put into a Tcl command without quotes, for people: it holds a
-/// character that Tcl interprets, a line end, or a blank that parting words would swallow (tabs, several in a row, at
-/// either end). Empty for one that arrives; so does none at all.
+/// character that Tcl interprets, a line end, bytes that are no UTF-8, or a blank that parting words would swallow
+/// (tabs, several in a row, at either end). Empty for one that arrives; so does none at all.
 PLAZ_API std::string findTclRefusal(const std::string& text);
 /// The same for the name of a store or an item, which must not be empty nor look like an option.
 PLAZ_API std::string findTclNameRefusal(const std::string& name);
