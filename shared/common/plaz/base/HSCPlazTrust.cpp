@@ -33,8 +33,9 @@ bool isDeviceName(std::string_view component) {
 bool isShortName(std::string_view component) {
     const std::string_view stem = component.substr(0, component.find('.'));
     const std::size_t tilde = stem.rfind('~');
-    return tilde != std::string_view::npos && stem.size() <= 8 && tilde + 1 < stem.size() &&
-           stem.find_first_not_of("0123456789", tilde + 1) == std::string_view::npos;
+    return tilde != std::string_view::npos && tilde + 1 < stem.size() &&
+           stem.find_first_not_of("0123456789", tilde + 1) == std::string_view::npos &&
+           HUTText::decode(stem).size() <= 8; // characters: a short name may keep letters that are not ASCII
 }
 
 /// What leads elsewhere ("..", "."), what some systems take for another name ("x." and "x " for "x") or for a device,

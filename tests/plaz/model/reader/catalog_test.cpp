@@ -3,7 +3,10 @@
 #include "plaz/model/reader/HSCPlazCategoryTree.h"
 #include "plaz/model/reader/HSCPlazQItemCatalogReader.h"
 
+#include "support/PathJudge.h"
+
 #include <fstream>
+#include <rapidjson/pointer.h>
 #include <sstream>
 
 namespace {
@@ -147,4 +150,32 @@ TEST_F(CatalogTest, categories) {
     EXPECT_EQ(b.displayName + b.description, "Bd");
     read("\"items\": []");
     EXPECT_TRUE(store.getCategories().empty());
+}
+
+// A member of an entry whose path nobody looks at, so that an item's folder or file is elsewhere.
+TEST_F(CatalogTest, nothingLeadsElsewhere) {
+    rapidjson::Document plain;
+    plain.Parse(R"({"catalog": {"multi_revision_supported": true, "items": [{"name": "a", "root": "a", "config": {
+        "root": "a", "metadata_file": "a"}, "latest_revision": "2", "revisions": [{"revision": "1"}]}]}})");
+    std::minstd_rand random(2);
+    int used = 0;
+    for (int left = 5000; left > 0; --left)
+        for (const char* member :
+             {"root", "config/root", "config/metadata_file", "latest_revision", "revisions/0/revision"}) {
+            rapidjson::Document catalog;
+            catalog.CopyFrom(plain, catalog.GetAllocator());
+            const std::string nasty = PathJudge::makeNasty(random);
+            rapidjson::Pointer((std::string("/catalog/items/0/") + member).c_str())
+                .Set(catalog, rapidjson::Value(nasty.data(), static_cast<rapidjson::SizeType>(nasty.size())));
+            HSCPlazQStoreModel read;
+            HSCPlazFindings found;
+            HSCPlazQItemCatalogReader::fill(catalog, read, found);
+            used += found.isEmpty() ? 1 : 0;
+            for (const auto& item : read.getItems())
+                for (const std::string& path : {HSCPlazPathMgr::getItemFolder(read, *item), item->getItemRoot(),
+                                                item->getRoot() + "/" + item->getMetadataFile()})
+                    ASSERT_EQ(path.empty() ? "" : PathJudge::findEscape(path), "")
+                        << member << testing::PrintToString(nasty);
+        }
+    EXPECT_GT(used, 5000);
 }
