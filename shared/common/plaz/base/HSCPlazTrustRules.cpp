@@ -8,14 +8,14 @@ namespace {
 
 constexpr std::size_t longestQuote = 120;
 
-/// The text as people may be shown it: secrets blanked, nothing that a terminal would obey, cut where it gets long.
-std::string quote(const std::string& text) {
-    std::string shown = HSCPlazTrust::maskSecrets(text);
+} // namespace
+
+std::string HSCPlazTrustRules::quote(const std::string& text) {
+    // A line end, a blank or a quote does not end what is one URL as a whole.
+    std::string shown = text.find("://") == std::string::npos ? text : HSCPlazTrust::maskProxy(text);
     if (shown.size() > longestQuote) shown = HUTText::cutToSize(shown, longestQuote) + "...";
     return '"' + HUTText::printable(shown) + '"';
 }
-
-} // namespace
 
 std::string HSCPlazTrustRules::toUsed(const HSCPlazTrustRule* rule, std::string text) {
     return rule && rule->tidy ? rule->tidy(std::move(text)) : std::move(text);

@@ -24,6 +24,9 @@ inline constexpr HSCPlazTrustRule gitUrl{&HSCPlazTrust::isSafeUrl, "is not an ad
 
 /// The text as it is used. @param rule  null where any text will do
 std::string toUsed(const HSCPlazTrustRule* rule, std::string text);
+/// The text in quotes, as people may be shown it: secrets blanked, nothing that a terminal would obey, cut where it
+/// gets long.
+std::string quote(const std::string& text);
 /// Why @p text is not used: `its root "../../x" is not a path inside the store`; empty when it may be used.
 /// An empty text may: it names nothing.
 /// @param what  the member that holds the text

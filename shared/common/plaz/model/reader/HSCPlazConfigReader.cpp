@@ -74,7 +74,8 @@ void addFaults(const Value& entry, const std::string& place, std::vector<std::st
     if (mode.empty() || toAuthMode(mode) != HSCPlazTypes::NONE) return;
     std::string known;
     for (const auto& [name, value] : modes) known += (known.empty() ? "" : ", ") + std::string(name);
-    faults.push_back('"' + place + "/authentication/mode\" is \"" + mode + "\", which is none of " + known);
+    faults.push_back('"' + place + "/authentication/mode\" is " + HSCPlazTrustRules::quote(mode) +
+                     ", which is none of " + known);
 }
 
 void readSchemaVersion(const Value& version, Config& config) {
