@@ -199,6 +199,7 @@ TEST_F(CatalogTasksTest, StoresMoveToADirectoryOfTheUsersChoice) {
     ASSERT_TRUE(moveTo(files.area("ced_store"))); // home again
     EXPECT_EQ(store().getLocalRootDir(), files.area("ced_store"));
     EXPECT_TRUE(store().getItem("a")->IsInstalled());
+    EXPECT_FALSE(HSCPlazRepoInfoMgr(recorded).setStoreDirectory("tcl", "/\xFF")); // no start could read it
     takeIds();
     HSCPlazRepoInfoMgr(recorded).setStoreDirectory("tcl", mine); // by another
     EXPECT_EQ(outcome(HSCPlazTaskMgr::uninstall(&hub(), store().getItem("a"), true)), "! 17-2175");

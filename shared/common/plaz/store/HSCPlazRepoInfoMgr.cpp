@@ -6,6 +6,7 @@
 #include "support/HCRapidJsonReadWriteUtils.h"
 #include "support/HIOStream.h"
 #include "support/HUTFile.h"
+#include "support/HUTText.h"
 
 #include <boost/filesystem/path.hpp>
 
@@ -183,6 +184,8 @@ bool HSCPlazRepoInfoMgr::write(const Content& content) const {
     addRecords(document, plaz, HSCPlazKey::qstores, content.chosen);
     if (!content.defaults.empty()) addRecords(document, plaz, defaultsKey, content.defaults);
     Json::AddGenericValueProperty(document, document, HSCPlazKey::plaz, plaz);
-    return HUTFile::mkDirRecursive(boost::filesystem::path(m_file).parent_path().generic_string()) &&
-           HUTFile::writeAtomically(m_file, Json::toText(document));
+    const std::string text = Json::toText(document);
+    return HUTText::isUtf8(text) && // or the next start would know none of the places
+           HUTFile::mkDirRecursive(boost::filesystem::path(m_file).parent_path().generic_string()) &&
+           HUTFile::writeAtomically(m_file, text);
 }

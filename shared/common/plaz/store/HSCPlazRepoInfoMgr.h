@@ -29,7 +29,8 @@ public:
 
     /// The directory recorded for a store; empty when none is, or when the store has gone back to its default place.
     std::string getStoreDirectory(const std::string& storeName);
-    /// Records a directory. @return false, with nothing changed, when the file cannot be written: Msg::placesNotSaved
+    /// Records a directory. @return false, with nothing changed, when it is no UTF-8 or the file cannot be written:
+    /// Msg::placesNotSaved
     bool setStoreDirectory(const std::string& storeName, const std::string& directory);
     /// The same. @param report  what is wrong with the file as it is now is added, and nothing is sent
     /// @param root    the name of the store's folder there; empty where it has none, or as the hub says
