@@ -191,7 +191,7 @@ class ShellTest(HubTest):
         self.expect("items", "messages: id", "17-1569", status=1)
 
     def test_json_stays_alone_on_standard_output(self):
-        """Catches: the debug log, or a child, writing between the brackets of the document, or a text that turns what the
+        """Catches: the debug log, or a child, writing between the brackets of the document; a text that turns what the
         terminal shows; items not in the log."""
         result = self.run_plaz("--json --set plaz.enableLog=true install string-kit")
         self.check("document", json.loads(result.stdout)["items"][0]["outcome"], "installed")
