@@ -232,6 +232,10 @@ std::vector<std::string> HUTFile::listTree(const std::string& dir, const std::st
     return names;
 }
 
+std::uint64_t HUTFile::getSize(const std::string& path) {
+    return platform::getSize(path);
+}
+
 std::string HUTFile::getStamp(const std::string& path) {
     return platform::getStamp(path);
 }

@@ -30,6 +30,8 @@ public:
     /// Seconds since the epoch; 0 when there is no such file.
     static std::time_t getLastMod(const std::string& path);
 
+    /// Bytes that the file has, also while somebody writes to it; 0 when there is no such file.
+    static std::uint64_t getSize(const std::string& path);
     /// A text that changes whenever the file is written or replaced; empty when there is no such file.
     static std::string getStamp(const std::string& path);
     /// A text that stays with a file or directory, whatever its name becomes and on whichever machine its disk is

@@ -9,10 +9,14 @@
 #include <algorithm>
 #include <cstdio>
 #include <string_view>
+#include <utility>
 
 namespace {
 
 using How = platform::ProcessEnd::How;
+
+/// Status of a program that somebody else has killed, as a system that is short of memory does.
+constexpr int killed = 128 + 9;
 
 bool isPlain(const std::string& word) {
     return !word.empty() && std::all_of(word.begin(), word.end(), [](char c) {
@@ -54,6 +58,10 @@ std::size_t findProgramEnd(const std::string& line) {
     return std::min(firstBlank, line.size());
 }
 
+std::uint64_t toBytes(int megabytes) {
+    return megabytes > 0 ? static_cast<std::uint64_t>(megabytes) << 20 : 0;
+}
+
 bool holdsNull(const std::string& text) {
     return text.find('\0') != std::string::npos;
 }
@@ -79,6 +87,20 @@ void HUTFork::addArg(const std::string& arg) {
 
 void HUTFork::setTimeout(int seconds) {
     m_timeoutSeconds = seconds;
+    m_limitMet = Limit::none;
+}
+
+void HUTFork::setMemoryLimit(int megabytes, std::function<bool(const std::string& output)> tellsOfMemory) {
+    m_memoryMegabytes = megabytes;
+    m_tellsOfMemory = std::move(tellsOfMemory);
+}
+
+void HUTFork::setLogLimit(int megabytes) {
+    m_logMegabytes = megabytes;
+}
+
+void HUTFork::setWatch(Watch mayGoOn) {
+    m_mayGoOn = std::move(mayGoOn);
 }
 
 void HUTFork::setDir(const std::string& dir) {
@@ -124,7 +146,15 @@ std::string HUTFork::getCmdLineAsStr() const {
     return line;
 }
 
+bool HUTFork::hasRunOutOfMemory(int status) const {
+    if (m_memoryMegabytes <= 0 || status == 0) return false;
+    std::string output;
+    HIOStream::read(m_logFile, output);
+    return status == killed || m_tellsOfMemory(output);
+}
+
 int HUTFork::launch(bool wait, bool log, bool kill, bool quiet) {
+    if (m_limitMet != Limit::none) return m_status;
     platform::ProcessSpec spec;
     spec.program = m_prog;
     spec.useSearchPath = m_useSearchPath;
@@ -132,6 +162,9 @@ int HUTFork::launch(bool wait, bool log, bool kill, bool quiet) {
     spec.dir = m_dir;
     spec.logFile = m_logFile;
     if (m_timeoutSeconds > 0) spec.timeout = std::chrono::seconds(m_timeoutSeconds);
+    spec.memoryLimit = toBytes(m_memoryMegabytes);
+    spec.logLimit = toBytes(m_logMegabytes);
+    spec.mayGoOn = m_mayGoOn;
     spec.throughPipes = m_throughPipes;
     for (const std::string& variable : HUTEnv::getAll())
         if (m_env.count(platform::getVariableKey(nameOf(variable))) == 0) spec.environment.push_back(variable);
@@ -149,14 +182,23 @@ int HUTFork::launch(bool wait, bool log, bool kill, bool quiet) {
     m_wasStarted = end.how != How::notStarted;
     m_failedPipe = end.failedPipe;
 
+    const auto stop = [this](Limit limit, int status, const std::string& reason) {
+        appendToLog(m_logFile, m_prog + " was stopped " + reason);
+        m_limitMet = limit;
+        return m_status = status;
+    };
     switch (end.how) {
     case How::exited:
-        return end.status;
+        if (hasRunOutOfMemory(end.status)) m_limitMet = Limit::memory;
+        return m_status = end.status;
     case How::interrupted:
         return interrupted;
     case How::timedOut:
-        appendToLog(m_logFile, m_prog + " was stopped after " + std::to_string(m_timeoutSeconds) + " seconds");
-        return timedOut;
+        return stop(Limit::time, timedOut, "after " + std::to_string(m_timeoutSeconds) + " seconds");
+    case How::logFull:
+        return stop(Limit::log, limitMet, "after it had written " + std::to_string(m_logMegabytes) + " MB of text");
+    case How::heldUp:
+        return stop(Limit::watch, limitMet, "because it did not get on");
     case How::notStarted:
         break;
     }

@@ -2,6 +2,7 @@
 
 #include "support/HostExport.h"
 
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -10,13 +11,15 @@
 ///
 /// The child gets a process group of its own, standard input from the null device and, when a log file is set,
 /// standard output and standard error in that file. It is started without copying the parent's address space.
-/// When the time-out passes or interruptAll() is called, the whole process group is killed.
+/// When the time-out passes, another limit is met or interruptAll() is called, the whole process group is killed.
 class HOST_API HUTFork {
 public:
     /// Status that launch() returns for a program that could not be started; the reason is in the log as "fatal: ...".
     static constexpr int notStarted = 127;
     /// Status of a run that was killed because its time-out passed; the log says so as "fatal: ...".
     static constexpr int timedOut = 124;
+    /// Status of a run that was killed because its log became too long or its watch ended it; the log says so likewise.
+    static constexpr int limitMet = 123;
     /// Status of a run ended, or not begun, because of interruptAll().
     static constexpr int interrupted = 130;
 
@@ -29,8 +32,24 @@ public:
     /// @param useSearchPath   true looks a bare name up along PATH
     void setProg(const std::string& path, bool useSearchPath);
     void addArg(const std::string& arg);
-    /// Seconds until the run is killed; 0 or less waits without limit.
+    /// Seconds until the run is killed; 0 or less waits without limit. Gives a launcher that has met a limit a new
+    /// start.
     void setTimeout(int seconds);
+
+    enum class Limit { none, time, memory, log, watch };
+
+    /// Megabytes of memory that each process of the run may have; 0 or less: no limit. What asks for more is refused
+    /// it.
+    /// @param tellsOfMemory  whether a failed program's output says that this is why it failed; that it was killed from
+    ///                       outside says so by itself
+    void setMemoryLimit(int megabytes, std::function<bool(const std::string& output)> tellsOfMemory);
+    /// Megabytes to which the log may grow before the run is killed; 0 or less: no limit. It may come to be somewhat
+    /// longer, since it is looked at ten times a second.
+    void setLogLimit(int megabytes);
+    /// Asked about once a second while a run lasts, on the thread that waits; false kills the run. @p isBusy tells
+    /// whether a process of the run computes or, where systems tell that, waits for its disk; it is not for free.
+    using Watch = std::function<bool(const std::function<bool()>& isBusy)>;
+    void setWatch(Watch mayGoOn);
     /// Directory in which the child starts; empty keeps the parent's.
     void setDir(const std::string& dir);
     /// Sets a variable in the child's environment only.
@@ -51,12 +70,16 @@ public:
     /// Program and arguments as one line, quoted where needed, for logs and messages.
     std::string getCmdLineAsStr() const;
 
-    /// Runs the program and waits for its end. May be called again with the same settings.
+    /// Runs the program and waits for its end. May be called again with the same settings; where a limit has been met,
+    /// further calls give the same status at once, run nothing and leave the log as it is.
     /// @param wait,log,kill,quiet  the host's launch flags; a blocking run that logs and can be killed has all four
     /// set,
     ///                             and no other combination is served here
     /// @return the exit status; 128 + n for a child that signal n ended; or one of the constants above
     int launch(bool wait, bool log, bool kill, bool quiet);
+
+    /// The limit that a launch has met since the time-out was set.
+    Limit getLimitMet() const { return m_limitMet; }
 
     /// Whether the last launch started the program. Tells a program that was not started from one that ended with the
     /// status `notStarted`.
@@ -73,6 +96,8 @@ public:
     static void clearInterrupt() noexcept;
 
 private:
+    bool hasRunOutOfMemory(int status) const;
+
     std::string m_logFile;
     std::string m_prog;
     std::string m_dir;
@@ -80,7 +105,13 @@ private:
     /// "NAME=value" by the key of the name, for the variables that the child does not have from the parent; empty for
     /// those that it does not have.
     std::map<std::string, std::string> m_env;
+    std::function<bool(const std::string&)> m_tellsOfMemory;
+    Watch m_mayGoOn;
     int m_timeoutSeconds = 0;
+    int m_memoryMegabytes = 0;
+    int m_logMegabytes = 0;
+    int m_status = 0; ///< of the last launch
+    Limit m_limitMet = Limit::none;
     int m_failedPipe = 0;
     bool m_useSearchPath = false;
     bool m_throughPipes = false;

@@ -70,6 +70,9 @@ bool isWriteable(const std::string& path);
 /// A regular file that may be run.
 bool isProgram(const std::string& path);
 
+/// As HUTFile::getSize says.
+std::uint64_t getSize(const std::string& path);
+
 /// As HUTFile::getStamp says.
 std::string getStamp(const std::string& path);
 

@@ -44,6 +44,12 @@ int tick(const std::string& place) {
     return 0;
 }
 
+int chatter() {
+    while (std::cout << std::string(4096, 'x')) {
+    }
+    return 0;
+}
+
 int holdLock(const std::string& place) {
     HUTFileLock lock(place + "/lock");
     lock.tryLock();
@@ -61,5 +67,6 @@ int main(int argc, char** argv) {
     if (what == "tell") return tell({args.begin() + 2, args.end()});
     if (what == "tick") return tick(place);
     if (what == "lock") return holdLock(place);
+    if (what == "chatter") return chatter();
     return startTicking(args[0], what == "tick and wait");
 }

@@ -73,7 +73,8 @@ TEST_F(ProcessTest, NotStarted) {
     EXPECT_EQ(launch(), HUTFork::interrupted);
 }
 
-// Fault: a time-out that leaves what the program has started running, or waits for it.
+// Faults: a time-out that leaves what the program has started running, or waits for it; one that is used up and is
+// waited for once more.
 TEST_F(ProcessTest, TimeoutKillsTheWholeTree) {
     HUTFileLock ticking(temp.path("ticking"));
     const auto hasStopped = [&] { return ticking.tryLock() == HUTFileLock::Result::held; };
@@ -82,11 +83,36 @@ TEST_F(ProcessTest, TimeoutKillsTheWholeTree) {
     EXPECT_NE(readFile(temp.path("tick")), "");
     EXPECT_NE(output().find("\nfatal: " PLAZ_TEST_CHILD " was stopped after 3 seconds\n"), std::string::npos)
         << output();
-    fork.usePipes();
     temp.write("tick", "");
+    const std::string first = output();
+    EXPECT_EQ(launch(), HUTFork::timedOut);
+    EXPECT_TRUE(readFile(temp.path("tick")).empty() && output() == first) << "it has no time left";
+    fork.usePipes();
+    fork.setTimeout(3);
     EXPECT_EQ(launch(), HUTFork::timedOut);
     EXPECT_NE(readFile(temp.path("tick")), "");
     EXPECT_TRUE(comesTrueSoon(hasStopped));
+}
+
+// Faults: a log that grows until the disk is full, a watch that nobody asks, work that is taken for waiting or the
+// other way round.
+TEST_F(ProcessTest, LimitsEndARun) {
+    using Limit = HUTFork::Limit;
+    const auto end = [this](const char* action, Limit limit, const char* words) {
+        EXPECT_EQ(act({action}), HUTFork::limitMet);
+        EXPECT_EQ(fork.getLimitMet(), limit);
+        EXPECT_NE(output().find(words), std::string::npos);
+        fork = HUTFork();
+        fork.setLogFile(log);
+        fork.setEnv("PLACE", temp.path());
+    };
+    fork.setLogLimit(1);
+    end("chatter", Limit::log, "\nfatal: " PLAZ_TEST_CHILD " was stopped after it had written 1 MB of text\n");
+    fork.setLogFile("");
+    fork.setWatch([](const auto& isBusy) { return !isBusy(); });
+    end("chatter", Limit::watch, "");
+    fork.setWatch([](const auto& isBusy) { return isBusy(); });
+    end("tick and wait", Limit::watch, "did not get on");
 }
 
 // Fault: a normal end that kills what the program leaves running.

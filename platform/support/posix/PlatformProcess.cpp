@@ -11,23 +11,28 @@
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <mutex>
 #include <poll.h>
 #include <set>
 #include <spawn.h>
+#include <sstream>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 
 namespace platform {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-using Deadline = std::optional<Clock::time_point>;
 using How = ProcessEnd::How;
+using namespace std::chrono_literals;
 
 // The groups of the runs under way, where a signal handler can read them.
 constexpr pid_t freeSlot = 0;
@@ -154,9 +159,25 @@ SharedLocks& sharedLocks() {
     return locks;
 }
 
+std::vector<pid_t> listChildren(pid_t pid) {
+    const std::string id = std::to_string(pid);
+    std::ifstream file("/proc/" + id + "/task/" + id + "/children");
+    return {std::istream_iterator<pid_t>(file), {}};
+}
+
+// What a process starts has its limit from then on; what it has started before gets it here. Data alone counts, not the
+// files that are only looked at: git sees packs of any size that way.
+void limitMemory(pid_t pid, std::uint64_t bytes) {
+    rlimit limit{};
+    if (bytes == 0 || prlimit(pid, RLIMIT_DATA, nullptr, &limit) != 0) return;
+    limit.rlim_cur = std::min<rlim_t>(limit.rlim_cur, bytes);
+    limit.rlim_max = std::min<rlim_t>(limit.rlim_max, bytes);
+    prlimit(pid, RLIMIT_DATA, &limit, nullptr);
+    for (const pid_t child : listChildren(pid)) limitMemory(child, bytes);
+}
+
 // Returns 0 or the error number.
-int start(const ProcessSpec& spec, pid_t& pid) {
-    const Descriptor log(openLog(spec.logFile));
+int start(const ProcessSpec& spec, const Descriptor& log, pid_t& pid) {
     FileActions actions;
     posix_spawn_file_actions_addopen(actions.get(), 0, "/dev/null", O_RDONLY, 0);
     if (log)
@@ -192,37 +213,62 @@ bool hasEnded(pid_t pid) {
     return waitid(P_PID, static_cast<id_t>(pid), &info, WEXITED | WNOHANG | WNOWAIT) != 0 || info.si_pid == pid;
 }
 
-// Rounded up, so that the last wait does not end a moment too early and turn into many short ones.
-int millisecondsUntil(const Deadline& deadline) {
-    if (!deadline) return -1;
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(*deadline - Clock::now()).count();
-    return static_cast<int>(std::clamp<decltype(left)>(left, 0, INT_MAX));
-}
-
-// The shorter of two waits in milliseconds; a negative one has no limit.
-int atMost(int left, std::chrono::milliseconds::rep pause) {
-    const int limit = static_cast<int>(pause);
-    return left < 0 ? limit : std::min(left, limit);
-}
-
-void waitOnce(const Descriptor& process, int milliseconds) {
+void waitOnce(const Descriptor& process, std::optional<std::chrono::milliseconds> most) {
     if (process) {
         pollfd waited{process.get(), POLLIN, 0};
-        poll(&waited, 1, milliseconds);
+        const auto milliseconds = std::min<std::chrono::milliseconds::rep>(most.value_or(-1ms).count(), INT_MAX);
+        poll(&waited, 1, static_cast<int>(milliseconds));
     } else { // a kernel without process descriptors
-        std::this_thread::sleep_for(std::chrono::milliseconds(atMost(milliseconds, 10)));
+        std::this_thread::sleep_for(std::min(most.value_or(10ms), 10ms));
     }
 }
 
-// Waits without reaping, so that the process id stays ours until its slot is clear. False when the time is over.
-bool waitForEnd(pid_t pid, const Deadline& deadline) {
+// Waits without reaping, so that the process id stays ours until its slot is clear. How the run has to end before its
+// time, or "exited".
+How waitForEnd(pid_t pid, RunWatch& watch) {
     const Descriptor process(static_cast<int>(syscall(SYS_pidfd_open, pid, 0)));
     while (!hasEnded(pid)) {
-        const int left = millisecondsUntil(deadline);
-        if (left == 0) return false;
-        HUTWait::wait([&] { waitOnce(process, HUTWait::hasAround() ? atMost(left, HUTWait::slice.count()) : left); });
+        if (const auto reason = watch.findReason()) return *reason;
+        HUTWait::wait([&] { waitOnce(process, watch.getPause()); });
     }
-    return true;
+    return How::exited;
+}
+
+std::uint64_t getSize(const Descriptor& file) {
+    struct stat info {};
+    return file && fstat(file.get(), &info) == 0 ? static_cast<std::uint64_t>(info.st_size) : 0;
+}
+
+// State and group of a process or thread, as in "12 (name) R 1 12 ..."; the name may hold anything.
+std::pair<char, pid_t> readState(const std::filesystem::path& dir) {
+    std::ifstream file(dir / "stat");
+    const std::string text{std::istreambuf_iterator<char>(file), {}};
+    std::istringstream words(text.substr(std::min(text.rfind(')'), text.size() - 1) + 1));
+    char state = '?';
+    pid_t parent = 0, group = 0;
+    words >> state >> parent >> group;
+    return {state, group};
+}
+
+std::vector<std::filesystem::path> listDirectories(const std::filesystem::path& dir) {
+    std::vector<std::filesystem::path> found;
+    std::error_code error;
+    for (std::filesystem::directory_iterator entry(dir, error), end; !error && entry != end; entry.increment(error))
+        if (entry->path().filename().native().find_first_not_of("0123456789") == std::string::npos)
+            found.push_back(entry->path());
+    return found;
+}
+
+// Whether a thread of the group runs, or could if it were its turn, or waits for a disk.
+bool isGroupBusy(pid_t group) {
+    for (const auto& process : listDirectories("/proc")) {
+        if (readState(process).second != group) continue;
+        for (const auto& thread : listDirectories(process / "task")) {
+            const char state = readState(thread).first;
+            if (state == 'R' || state == 'D') return true;
+        }
+    }
+    return false;
 }
 
 ProcessEnd reap(pid_t pid) {
@@ -242,20 +288,22 @@ ProcessEnd run(const ProcessSpec& spec) {
     GroupSlot slot;
     if (!slot) return {How::notStarted, 0, "too many processes are running", 0};
 
-    const Deadline deadline = spec.timeout ? Deadline(Clock::now() + *spec.timeout) : std::nullopt;
     pid_t pid = 0;
-    if (const int error = start(spec, pid)) return {How::notStarted, 0, describeStartError(spec, error), 0};
+    const Descriptor log(openLog(spec.logFile));
+    RunWatch watch(spec, {[&log] { return getSize(log); }, [&pid] { return isGroupBusy(pid); }});
+    if (const int error = start(spec, log, pid)) return {How::notStarted, 0, describeStartError(spec, error), 0};
+    limitMemory(pid, spec.memoryLimit);
     slot.set(pid);
     // An interrupt that came before the slot was set has not met this process.
     if (isInterrupted()) killGroup(pid);
 
-    const bool isInTime = waitForEnd(pid, deadline);
-    if (!isInTime) killGroup(pid);
+    const How how = waitForEnd(pid, watch);
+    if (how != How::exited) killGroup(pid);
     slot.clear();
     ProcessEnd end = reap(pid);
     // A helper may be killed a moment before its parent, which then still exits with a status of its own.
     if (end.how == How::exited && end.status != 0 && isInterrupted()) end.how = How::interrupted;
-    if (end.how == How::exited && !isInTime) end.how = How::timedOut;
+    if (end.how == How::exited) end.how = how;
     return end;
 }
 

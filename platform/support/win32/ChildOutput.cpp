@@ -22,8 +22,8 @@ Handle openLog(const std::string& file) {
     Handle truncated(CreateFileW(name.c_str(), GENERIC_WRITE, win32::shareAll, rights.get(), CREATE_ALWAYS,
                                  FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!truncated) return truncated;
-    return Handle(CreateFileW(name.c_str(), FILE_APPEND_DATA | SYNCHRONIZE, win32::shareAll, &attributes, OPEN_EXISTING,
-                              FILE_ATTRIBUTE_NORMAL, nullptr));
+    return Handle(CreateFileW(name.c_str(), FILE_APPEND_DATA | FILE_READ_ATTRIBUTES | SYNCHRONIZE, win32::shareAll,
+                              &attributes, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
 }
 
 } // namespace
@@ -42,6 +42,13 @@ ChildOutput::ChildOutput(const std::string& file, bool throughPipes)
         m_failedPipe = 1;
     else if (!make(m_err))
         m_failedPipe = 2;
+}
+
+std::uint64_t ChildOutput::getSize() const {
+    LARGE_INTEGER size{};
+    return GetFileType(m_file.get()) == FILE_TYPE_DISK && GetFileSizeEx(m_file.get(), &size)
+               ? static_cast<std::uint64_t>(size.QuadPart)
+               : 0;
 }
 
 ChildOutput::~ChildOutput() {

@@ -3,6 +3,7 @@
 #include "Win32.h"
 
 #include <atomic>
+#include <cstdint>
 #include <mutex>
 #include <string>
 #include <thread>
@@ -26,6 +27,9 @@ public:
     int getFailedPipe() const { return m_failedPipe; }
     HANDLE getOut() const { return m_out.write ? m_out.write.get() : m_file.get(); }
     HANDLE getErr() const { return m_err.write ? m_err.write.get() : m_file.get(); }
+
+    /// Bytes that the file has come to.
+    std::uint64_t getSize() const;
 
     /// To be called when the child has its ends: starts the readers.
     void begin();

@@ -356,6 +356,13 @@ std::string readStart(const std::string& file, std::size_t size) {
     return start;
 }
 
+// RATIONALE: asked of the file itself, since its directory may hear of a new size only when it is closed.
+std::uint64_t getSize(const std::string& path) {
+    const Handle file = open(toLongName(path), FILE_READ_ATTRIBUTES);
+    LARGE_INTEGER size{};
+    return file && GetFileSizeEx(file.get(), &size) ? static_cast<std::uint64_t>(size.QuadPart) : 0;
+}
+
 std::string getStamp(const std::string& path) {
     const Handle file = open(toLongName(path), FILE_READ_ATTRIBUTES);
     BY_HANDLE_FILE_INFORMATION info{};

@@ -16,13 +16,12 @@
 #include <set>
 #include <sstream>
 #include <thread>
+#include <utility>
 
 namespace platform {
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
-using Deadline = std::optional<Clock::time_point>;
 using How = ProcessEnd::How;
 using win32::Handle;
 using win32::toWide;
@@ -58,14 +57,15 @@ RunningJobs& runningJobs() {
 /// A process with all that it starts. What is left of it ends with this process if that is killed.
 class Job {
 public:
-    Job() : m_job(CreateJobObjectW(nullptr, nullptr)) {
-        letGo(JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE);
+    /// @param memoryLimit  bytes that each of them may have; 0: no limit
+    explicit Job(std::uint64_t memoryLimit) : m_job(CreateJobObjectW(nullptr, nullptr)), m_memoryLimit(memoryLimit) {
+        limit(JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE);
         runningJobs().add(m_job.get());
     }
     /// Only a time-out or an interrupt kills: what a program leaves running goes on.
     ~Job() {
         runningJobs().remove(m_job.get());
-        letGo(0);
+        limit(0);
     }
     Job(const Job&) = delete;
     Job& operator=(const Job&) = delete;
@@ -77,10 +77,29 @@ public:
         for (int tries = 0; tries < 200 && !isEmpty(); ++tries) Sleep(5);
     }
 
+    /// Whether they have computed for a tenth of the time since the last question. How long one waits for a disk is not
+    /// to be had.
+    bool isBusy() {
+        JOBOBJECT_BASIC_ACCOUNTING_INFORMATION info{};
+        if (!QueryInformationJobObject(m_job.get(), JobObjectBasicAccountingInformation, &info, sizeof info, nullptr))
+            return true;
+        const Moment last =
+            std::exchange(m_asked, {GetTickCount64(), info.TotalUserTime.QuadPart + info.TotalKernelTime.QuadPart});
+        constexpr LONGLONG unitsInMillisecond = 10000;
+        const auto passed = static_cast<LONGLONG>(m_asked.milliseconds - last.milliseconds);
+        return (m_asked.computed - last.computed) * 10 > passed * unitsInMillisecond;
+    }
+
 private:
-    void letGo(DWORD limits) {
+    struct Moment {
+        ULONGLONG milliseconds;
+        LONGLONG computed;
+    };
+
+    void limit(DWORD flags) {
         JOBOBJECT_EXTENDED_LIMIT_INFORMATION info{};
-        info.BasicLimitInformation.LimitFlags = limits;
+        info.BasicLimitInformation.LimitFlags = flags | (m_memoryLimit > 0 ? JOB_OBJECT_LIMIT_PROCESS_MEMORY : 0);
+        info.ProcessMemoryLimit = static_cast<SIZE_T>(m_memoryLimit);
         SetInformationJobObject(m_job.get(), JobObjectExtendedLimitInformation, &info, sizeof info);
     }
     bool isEmpty() const {
@@ -91,6 +110,8 @@ private:
     }
 
     Handle m_job;
+    std::uint64_t m_memoryLimit;
+    Moment m_asked{GetTickCount64(), 0};
 };
 
 /// What a child has from its first moment on: the handles that are named, and no others that happen to be open; the
@@ -231,38 +252,32 @@ DWORD start(const ProcessSpec& spec, const Job& job, const ChildOutput& output, 
     return 0;
 }
 
-DWORD millisecondsUntil(const Deadline& deadline) {
-    if (!deadline) return INFINITE;
-    const auto left = std::chrono::ceil<std::chrono::milliseconds>(*deadline - Clock::now()).count();
-    return static_cast<DWORD>(std::clamp<decltype(left)>(left, 0, INFINITE - 1));
-}
-
-/// False when the time is over.
-bool waitFor(const Handle& event, const Deadline& deadline) {
+/// How the run has to end before the event comes, or "exited".
+How waitFor(const Handle& event, RunWatch& watch) {
     for (;;) {
-        const DWORD left = millisecondsUntil(deadline);
-        const DWORD slice = HUTWait::hasAround() ? static_cast<DWORD>(HUTWait::slice.count()) : INFINITE;
+        const auto pause = watch.getPause();
+        const auto most = static_cast<DWORD>(pause ? std::min<LONGLONG>(pause->count(), INFINITE - 1) : INFINITE);
         DWORD result = WAIT_FAILED;
-        HUTWait::wait([&] { result = WaitForSingleObject(event.get(), std::min(left, slice)); });
-        if (result != WAIT_TIMEOUT) return true;
-        if (left <= slice && millisecondsUntil(deadline) == 0) return false;
+        HUTWait::wait([&] { result = WaitForSingleObject(event.get(), most); });
+        if (result != WAIT_TIMEOUT) return How::exited;
+        if (const auto reason = watch.findReason()) return *reason;
     }
 }
 
-ProcessEnd waitAndJudge(const Handle& process, const Deadline& deadline, Job& job, ChildOutput& output) {
+ProcessEnd waitAndJudge(const Handle& process, RunWatch& watch, Job& job, ChildOutput& output) {
     // An interrupt that came before the process was there has not met it.
     if (isInterrupted()) job.kill();
-    const bool isInTime = waitFor(process, deadline) && waitFor(output.getClosed(), deadline);
-    if (!isInTime) {
+    How how = waitFor(process, watch);
+    if (how == How::exited) how = waitFor(output.getClosed(), watch);
+    if (how != How::exited) {
         job.kill();
         WaitForSingleObject(process.get(), INFINITE);
     }
     output.finish();
     DWORD status = 0;
     if (!GetExitCodeProcess(process.get(), &status)) status = static_cast<DWORD>(-1);
-    ProcessEnd end{How::exited, static_cast<int>(status), {}, 0};
+    ProcessEnd end{how, static_cast<int>(status), {}, 0};
     if (end.status != 0 && isInterrupted()) end.how = How::interrupted;
-    if (end.how == How::exited && !isInTime) end.how = How::timedOut;
     return end;
 }
 
@@ -274,13 +289,13 @@ ProcessEnd run(const ProcessSpec& spec) {
     if (output.getFailedPipe() != 0)
         return {How::notStarted, 0, "a pipe for its output could not be made", output.getFailedPipe()};
 
-    const Deadline deadline = spec.timeout ? Deadline(Clock::now() + *spec.timeout) : std::nullopt;
-    Job job;
+    Job job(spec.memoryLimit);
+    RunWatch watch(spec, {[&output] { return output.getSize(); }, [&job] { return job.isBusy(); }});
     Handle process;
     const DWORD error = start(spec, job, output, process);
     if (error != 0) return {How::notStarted, 0, describeStartError(spec, error), 0};
     output.begin();
-    return waitAndJudge(process, deadline, job, output);
+    return waitAndJudge(process, watch, job, output);
 }
 
 // The system calls handlers of Ctrl-C on a thread of their own, so that they may wait for a lock.

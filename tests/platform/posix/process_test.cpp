@@ -34,6 +34,25 @@ TEST_F(PosixProcessTest, ChildInheritsNothing) {
     sigprocmask(SIG_UNBLOCK, &blocked, nullptr);
 }
 
+// Faults: memory without a limit for what the program starts, whenever it does; a failure taken for want of memory, or
+// the other way round.
+TEST_F(PosixProcessTest, MemoryIsLimited) {
+    const auto limit = [this](const std::string& words) {
+        fork = HUTFork();
+        fork.setLogFile(log);
+        fork.setMemoryLimit(64, [words](const std::string& output) { return output.find(words) != std::string::npos; });
+    };
+    limit("7\n");
+    EXPECT_EQ(sh("sh -c 'sleep 1; ulimit -d' & sleep 1; ulimit -d; wait; exit 3"), 3);
+    EXPECT_EQ(output(), "65536\n65536\n");
+    EXPECT_EQ(fork.getLimitMet(), HUTFork::Limit::none);
+    for (const char* script : {"echo 6; exit 3", "kill -9 $$"}) {
+        limit("6\n");
+        sh(script);
+        EXPECT_EQ(fork.getLimitMet(), HUTFork::Limit::memory) << script;
+    }
+}
+
 // Fault: the shell's status lost to a program that waits for whatever ends.
 TEST_F(PosixProcessTest, ShellTellsItsStatusWhoeverWaits) {
     const auto oldHandler = std::signal(SIGCHLD, [](int) {
