@@ -24,7 +24,11 @@ def answer(status, header, body=""):
     return f"HTTP/1.1 {status}\r\nContent-Length: {len(body)}\r\nConnection: close\r\n{header}\r\n\r\n{body}".encode()
 
 
-# Each with a part of the words that say so.
+# Many branches, as a server tells of them.
+BRANCHES = b"".join(b"003d%040x refs/heads/%05d\n" % (1, number) for number in range(1000))
+ADVERTISEMENT = b"HTTP/1.1 200 OK\r\nContent-Type: application/x-git-upload-pack-advertisement\r\n\r\n"
+
+# Each with a part of the words that say so, and with the message of the limit that it meets.
 FAULTS = {
     "not there": (Fault(answer("404 Not Found", "X: x")), "not found"),
     "locked": (Fault(answer("401 Unauthorized", 'WWW-Authenticate: Basic realm="x"')), "could not read Username"),
@@ -32,9 +36,10 @@ FAULTS = {
     "a page": (Fault(answer("200 OK", "Content-Type: text/html", "<html>Log in</html>")), "page to log in"),
     "no HTTP": (Fault(b"\0\1\2 nonsense\r\n\r\n"), "HTTP/0.9"),
     "hanging up": (Fault(), "Empty reply"),
-    "silent": (Fault(stalls=True), "stopped after 2 seconds"),
+    "silent": (Fault(stalls=True), "stopped after 2 seconds", "17-2275"),
+    "endless": (Fault(ADVERTISEMENT, endless=BRANCHES), "ut of memory", "17-2276"),
     "broken off": (Fault(passed=60000), "RPC failed"),
-    "silent in a pack": (Fault(passed=60000, stalls=True), "stopped after 2 seconds"),
+    "silent in a pack": (Fault(passed=60000, stalls=True), "stopped after 2 seconds", "17-2275"),
 }
 
 
@@ -245,11 +250,12 @@ class NetworkTest(HubTest):
                     self.assertIn("ERROR: Failed to detect and set the proxy", told)
 
     def meet_faults(self, is_first):
-        hasty = ["plaz.gitTimeout=2"]
         with self.serve("web") as address:
             relay = servers.Relay(address)
             self.lead_to(f"http://{relay.address}/git")
-            for name, (fault, words) in FAULTS.items():
+            for name, (fault, words, *limit) in FAULTS.items():
+                timeout = 2 if limit == ["17-2275"] else 100
+                settings = [f"plaz.gitTimeout={timeout}", "plaz.gitMemoryLimit=256"]
                 relay.fault = None
                 with self.subTest(name):
                     if is_first:
@@ -258,10 +264,10 @@ class NetworkTest(HubTest):
                         self.run_plaz("refresh tclscripts")
                     display = self.publish()
                     relay.fault, relay.passed = fault, b""
-                    self.fail_to_refresh(words, [], settings=hasty)
+                    self.fail_to_refresh(words, limit, settings=settings)
                     self.assertEqual(b"PACK" in relay.passed, fault.passed > 0)
                     if not is_first and not fault.passed:
-                        self.run_plaz("check tclscripts", hasty, status=1)
+                        self.run_plaz("check tclscripts", settings, status=1)
                     relay.fault = None
                     self.run_plaz("refresh tclscripts")
                     self.assertIn(display, self.get_items().values())
@@ -273,3 +279,23 @@ class NetworkTest(HubTest):
     def test_faults_at_later_refresh(self):
         """Catches: a known catalog that a broken connection takes away, or a working copy that it spoils for good."""
         self.meet_faults(is_first=False)
+
+    def test_packs(self):
+        """Catches: a server that drips or talks on and is waited for, one that is given up while it makes a pack."""
+        drip = '"$@" | { head -c 20000; while head -c 1; do sleep 0.2; done; }'
+        for script, words, limit in (
+            ('sleep 6; exec "$@"', None, None),
+            (drip, "did not get on", "17-2278"),
+            ("yes error: no >&2", "1 MB of text", "17-2277"),
+        ):
+            self.lay_program("hook", script)
+            with self.subTest(script), servers.serve_git(
+                self.repositories, self.servers / str(limit), self.dir / "hook"
+            ) as git:
+                self.lead_to(f"git://{git}")
+                self.publish()
+                settings = ["plaz.gitTimeout=100", "plaz.gitSlowTime=3", "plaz.gitLogLimit=1"]
+                if limit:
+                    self.fail_to_refresh(words, [limit], settings=settings)
+                else:
+                    self.run_plaz("refresh tclscripts", settings)

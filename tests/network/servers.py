@@ -78,9 +78,10 @@ def serve_web(repositories, directory, certificate=None, credentials=None, only_
     return run_server(directory, make_command)
 
 
-def serve_git(repositories, directory):
-    """git's own daemon."""
-    command = [f"{GIT_PROGRAMS}/git-daemon", "--reuseaddr", "--export-all", f"--base-path={repositories}"]
+def serve_git(repositories, directory, hook=""):
+    """git's own daemon. It has the hook, a command for the shell, make packs in the place of the words behind it."""
+    command = ["git", "-c", f"uploadpack.packObjectsHook={hook}"] if hook else ["git"]
+    command += ["daemon", "--reuseaddr", "--export-all", f"--base-path={repositories}"]
     return run_server(directory, lambda port: [*command, f"--listen={HOST}", f"--port={port}"])
 
 
@@ -108,8 +109,8 @@ def make_certificates(directory):
 
 
 # What a relay does in place of passing everything on: it passes so many bytes of the server's answers and then sends a
-# reply, or nothing; then it hangs up, or does not.
-Fault = collections.namedtuple("Fault", ["reply", "passed", "stalls"], defaults=[b"", 0, False])
+# reply, or nothing; then it hangs up, or does not, or goes on with something without end.
+Fault = collections.namedtuple("Fault", ["reply", "passed", "stalls", "endless"], defaults=[b"", 0, False, b""])
 
 
 class Relay(socketserver.ThreadingTCPServer):
@@ -136,6 +137,8 @@ class Relay(socketserver.ThreadingTCPServer):
             else:
                 request.recv(65536)
             request.sendall(fault.reply)
+            while fault.endless:
+                request.sendall(fault.endless)
             if fault.stalls:
                 threading.Event().wait()
             request.shutdown(socket.SHUT_RDWR)

@@ -15,6 +15,15 @@ void registerAccessParams(HPAParamMgr& params) {
     params.registerIntParam("plaz.gitTimeout", "Number of seconds for git access to time out (default: 1000 second)",
                             1000);
     params.setHidden("plaz.gitTimeout", true);
+    params.registerIntParam("plaz.gitMemoryLimit",
+                            "Megabytes of memory that each process of git may have; 0: any (default: 4096)", 4096);
+    params.setHidden("plaz.gitMemoryLimit", true);
+    params.registerIntParam("plaz.gitLogLimit", "Megabytes of text that a git command may write; 0: any (default: 100)",
+                            100);
+    params.setHidden("plaz.gitLogLimit", true);
+    params.registerIntParam("plaz.gitSlowTime",
+                            "Seconds over which a transfer has to bring 1 kB a second; 0: never (default: 60)", 60);
+    params.setHidden("plaz.gitSlowTime", true);
     params.registerIntParam("plaz.lockTimeout",
                             "Seconds to wait for another program that is at work on the hub (default: 1000)", 1000);
     params.setHidden("plaz.lockTimeout", true);

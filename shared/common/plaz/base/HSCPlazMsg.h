@@ -97,5 +97,10 @@ inline constexpr MsgId<0> gitAccessOff{"@17-2255@"};
 inline constexpr MsgId<3> placeOfNoStoreMissing{"@17-2252@%s%s%s"};
 inline constexpr MsgId<1> hubUnlocked{"@17-2240@%s"};     ///< lock file
 inline constexpr MsgId<2> catalogUnread{"@17-2214@%s%s"}; ///< store, store
-inline constexpr MsgId<1> clonedRepo{"@60-832@%s"};       ///< directory
+/// of git: command, URL without user part or directory, limit
+inline constexpr MsgId<3> gitTimeLimit{"@17-2275@%s%s%s"};
+inline constexpr MsgId<3> gitMemoryLimit{"@17-2276@%s%s%s"};
+inline constexpr MsgId<3> gitLogLimit{"@17-2277@%s%s%s"};
+inline constexpr MsgId<3> gitPaceLimit{"@17-2278@%s%s%s"};
+inline constexpr MsgId<1> clonedRepo{"@60-832@%s"}; ///< directory
 } // namespace Msg

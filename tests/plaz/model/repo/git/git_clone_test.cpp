@@ -1,6 +1,7 @@
 #include "plaz/model/repo/git/git_fixture.h"
 
 #include "plaz/model/repo/git/HSCPlazGitHead.h"
+#include "plaz/model/repo/git/HSCPlazGitRunner.h"
 
 namespace fs = boost::filesystem;
 
@@ -231,6 +232,29 @@ TEST_F(GitClone, HubFilesAloneAreFetched) {
     takeIds();
     hubModel.setRoot("../x");
     EXPECT_EQ(outcome(load(hubModel)), "! 17-2161");
+}
+
+/// A tree that holds one thing a hundred times.
+std::string addTree(GitRepo& repo, const std::string& mode, const std::string& id) {
+    std::string raw, tree;
+    for (std::size_t digit = 0; digit < id.size(); digit += 2)
+        raw += static_cast<char>(std::stoi(id.substr(digit, 2), nullptr, 16));
+    for (int name = 100; name < 200; ++name) tree += mode + ' ' + std::to_string(name) + std::string(1, '\0') + raw;
+    return repo.write("tree", tree).git({"hash-object", "-t", "tree", "-w", "tree"});
+}
+
+// Faults: a small repository whose trees repeat themselves makes git take all memory, or fill the disk with what it
+// lists.
+TEST_F(GitClone, RepositoryWithoutEndIsGivenUp) {
+    std::string tree = addTree(remote, "100644", remote.git({"rev-parse", "HEAD:catalog.json"}));
+    for (int depth = 0; depth < 4; ++depth) tree = addTree(remote, "40000", tree);
+    remote.git({"update-ref", "HEAD", remote.git({"commit-tree", "-m", "x", tree})});
+    setParam("plaz.gitMemoryLimit", "256");
+    setParam("plaz.gitLogLimit", "1");
+    EXPECT_EQ(thrownBy([this] { load(model); }), "17-1587");
+    EXPECT_EQ(takeIds(), (Names{"17-1990", "17-2276"}));
+    const HSCPlazGitAnswer listing = HSCPlazGitRunner::ask({"ls-tree", "-r", "origin/master"}, index);
+    EXPECT_NE(listing.getReason().find("set plaz.gitLogLimit"), std::string::npos) << listing.getReason();
 }
 
 } // namespace

@@ -50,6 +50,17 @@ TEST_F(GitRunner, CommandThatFailsTwiceReportsItsErrorLines) {
     EXPECT_EQ(takeIds(), Names{}) << "nothing to tell but the exception";
 }
 
+// Faults: twice the time for a server that is silent, a limit that nobody is told of, nor how to raise it.
+TEST_F(GitRunner, TimeThatIsUpIsNotSpentTwice) {
+    replaceGit("sleep 60");
+    setParam("plaz.gitTimeout", "1");
+    EXPECT_EQ(run("fetch"), "17-1587");
+    EXPECT_EQ(takeCalls(), "fetch\n");
+    ASSERT_EQ(messages.size(), 2U);
+    EXPECT_EQ(messages[1].args, (Names{"fetch", work, "1"}));
+    EXPECT_EQ(takeIds(), (Names{"17-1990", "17-2275"}));
+}
+
 // Fault: verification stays off, is switched without access, the one way or the other, or a command runs outside the
 // bracket.
 TEST_F(GitRunner, TlsBracketSurroundsEachCommand) {
@@ -166,6 +177,19 @@ TEST_F(GitRunner, DirectRunnerTellsHowItWent) {
     user.join();
     HUTFork::clearInterrupt();
     EXPECT_EQ(status, static_cast<std::uint32_t>(HUTFork::interrupted));
+}
+
+// Faults: an error text without end that fills a message, or hides git's last words; a server's want of memory that is
+// taken for ours.
+TEST(GitLog, EndlessTextIsCut) {
+    std::string text;
+    for (int line = 0; line < 1000; ++line) text += "remote: error: " + std::string(5000, 'x') + "\n";
+    const std::vector<std::string> lines = HSCPlazGitLog::getErrorLines(text + "fatal: end\n");
+    EXPECT_TRUE(lines.size() == 100 && lines[0].size() == 4000 && lines.back() == "fatal: end");
+    for (const char* ours : {"fatal: Out of memory, malloc failed", "error: index-pack died of signal 9"})
+        EXPECT_TRUE(HSCPlazGitLog::tellsOfMemory(std::string("x\n") + ours)) << ours;
+    for (const char* theirs : {"remote: fatal: Out of memory", "fatal: remote error: out of memory", "fatal: no"})
+        EXPECT_FALSE(HSCPlazGitLog::tellsOfMemory(theirs)) << theirs;
 }
 
 // Fault: a path that git would take for a pattern checks out something else.

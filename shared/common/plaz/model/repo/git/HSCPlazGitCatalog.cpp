@@ -137,7 +137,7 @@ bool stageFiles(const HSCPlazGitStore& store, const Files& files, HSCPlazReport&
     try {
         return attempt();
     } catch (const HSCPlazGitFailure& failure) {
-        if (!wasComplete || HUTFork::isInterrupted() || !maySpeakOfDamage(failure)) throw;
+        if (!wasComplete || HUTFork::isInterrupted() || failure.hasMetLimit() || !maySpeakOfDamage(failure)) throw;
         HSCPlazGitWorkingCopy::discardDamaged(store.layout);
         if (HSCPlazStoreLayout::isComplete(store.layout.getIndex())) throw;
     }

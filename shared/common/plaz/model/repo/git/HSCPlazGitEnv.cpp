@@ -91,11 +91,6 @@ void forbidPrompts(HUTFork& git) {
     git.setEnv("GIT_SSH_COMMAND", "ssh -oBatchMode=yes");
 }
 
-bool mayTransfer(const std::string& command) {
-    static const std::set<std::string> commands{"clone", "fetch", "ls-remote", "pull", "push"};
-    return commands.count(command) != 0;
-}
-
 void addSetting(HUTFork& git, std::size_t number, const std::string& key, const std::string& value) {
     git.setEnv("GIT_CONFIG_KEY_" + std::to_string(number), key);
     git.setEnv("GIT_CONFIG_VALUE_" + std::to_string(number), value);
@@ -148,6 +143,11 @@ void addSettings(HUTFork& git, const std::string& command, const std::string& wo
 }
 
 } // namespace
+
+bool HSCPlazGitEnv::mayTransfer(const std::string& command) {
+    static const std::set<std::string> commands{"clone", "fetch", "ls-remote", "pull", "push"};
+    return commands.count(command) != 0;
+}
 
 void HSCPlazGitEnv::apply(HUTFork& git, const std::string& command, const std::string& workDir,
                           const std::string& remoteUrl) {

@@ -21,4 +21,7 @@ inline constexpr const char* plainAttributes = "* -text !eol -filter -ident !wor
 ///                   to a helper process on its command line. They reach no server but the one that the URL names.
 void apply(HUTFork& git, const std::string& command, const std::string& workDir, const std::string& remoteUrl);
 
+/// Whether @p command may speak to a remote.
+bool mayTransfer(const std::string& command);
+
 } // namespace HSCPlazGitEnv

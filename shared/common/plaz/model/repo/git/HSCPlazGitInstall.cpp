@@ -75,7 +75,8 @@ private:
         if (!HSCPlazGitWorkingCopy::stage(m_store, Use::asItIs, m_report)) return false;
         try {
             return checkOutCommit();
-        } catch (const HEXAll&) { // also after a cancellation: the fetch then ends before anything runs
+        } catch (const HSCPlazGitFailure& failure) { // also after a cancellation: the fetch then ends before it runs
+            if (failure.hasMetLimit()) throw;
         }
         if (isSuspect()) HSCPlazGitWorkingCopy::discardDamaged(m_store.layout);
         if (!HSCPlazGitWorkingCopy::stage(m_store, Use::fetched, m_report)) return false;

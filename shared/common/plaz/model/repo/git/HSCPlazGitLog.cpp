@@ -5,7 +5,20 @@
 #include <boost/algorithm/string/replace.hpp>
 #include <boost/property_tree/ini_parser.hpp>
 
+#include <algorithm>
+#include <iterator>
 #include <sstream>
+
+namespace {
+
+constexpr std::size_t mostLines = 100;
+constexpr std::size_t longestLine = 4000;
+
+bool isOfRemote(const std::string& lowered) {
+    return lowered.rfind("remote:", 0) == 0 || lowered.find("remote error:") != std::string::npos;
+}
+
+} // namespace
 
 std::vector<std::string> HSCPlazGitLog::getErrorLines(const std::string& output) {
     std::vector<std::string> found;
@@ -13,10 +26,23 @@ std::vector<std::string> HSCPlazGitLog::getErrorLines(const std::string& output)
     for (std::string line; std::getline(lines, line);) {
         if (!line.empty() && line.back() == '\r') line.pop_back();
         const std::string lowered = HUTText::lowered(line);
-        if (lowered.find("fatal:") != std::string::npos || lowered.find("error:") != std::string::npos)
-            found.push_back(line);
+        if (lowered.find("fatal:") == std::string::npos && lowered.find("error:") == std::string::npos) continue;
+        if (found.size() == mostLines) found.erase(found.begin());
+        found.push_back(HUTText::cutToSize(line, longestLine));
     }
     return found;
+}
+
+bool HSCPlazGitLog::tellsOfMemory(const std::string& output) {
+    static constexpr const char* signs[] = {"out of memory",  "cannot allocate memory",  "memory exhausted",
+                                            "std::bad_alloc", "unable to create thread", "died of signal 9"};
+    std::istringstream lines(output);
+    for (std::string line; std::getline(lines, line);) {
+        const std::string lowered = HUTText::lowered(line);
+        const auto isThere = [&](const char* sign) { return lowered.find(sign) != std::string::npos; };
+        if (!isOfRemote(lowered) && std::any_of(std::begin(signs), std::end(signs), isThere)) return true;
+    }
+    return false;
 }
 
 std::string HSCPlazGitLog::withPlainSections(std::string config) {

@@ -7,8 +7,13 @@
 /// Pure functions that read what git writes.
 namespace HSCPlazGitLog {
 
-/// The lines of a command's output that report an error: those with "fatal:" or "error:" anywhere, in any case.
+/// The lines of a command's output that report an error: those with "fatal:" or "error:" anywhere, in any case. The
+/// last 100 of them, and of each 4,000 bytes at most: what a server says goes on as long as it likes.
 std::vector<std::string> getErrorLines(const std::string& output);
+
+/// Whether the output of a command that failed says that git, or what it had started, got no more memory. What the
+/// other side says of itself does not count.
+bool tellsOfMemory(const std::string& output);
 
 /// A configuration file with its section of "origin" called remote_origin.
 /// RATIONALE: the parser knows no quoted sub-sections.

@@ -7,6 +7,18 @@ int HSCPlazGitParams::getTimeOut() {
     return HPAParamMgr::getParamMgr().getValueIfExistAsInt("plaz.gitTimeOut", 100);
 }
 
+int HSCPlazGitParams::getMemoryLimit() {
+    return HPAParamMgr::getParamMgr().getValueAsInt("plaz.gitMemoryLimit");
+}
+
+int HSCPlazGitParams::getLogLimit() {
+    return HPAParamMgr::getParamMgr().getValueAsInt("plaz.gitLogLimit");
+}
+
+int HSCPlazGitParams::getSlowTime() {
+    return HPAParamMgr::getParamMgr().getValueAsInt("plaz.gitSlowTime");
+}
+
 bool HSCPlazGitParams::isDebug() {
     return HPAParamMgr::getParamMgr().getValueIfExistAsBool("plaz.enableDebugGit", false) ||
            HUTEnv::isYes("PLAZ_SHOW_LOG");

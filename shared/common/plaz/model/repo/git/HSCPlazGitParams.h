@@ -7,6 +7,12 @@ namespace HSCPlazGitParams {
 
 /// Seconds after which a command is killed: the parameter "plaz.gitTimeOut", else 100.
 int getTimeOut();
+/// Megabytes of memory that each process of git may have, and that it may write as text: the parameters
+/// "plaz.gitMemoryLimit" and "plaz.gitLogLimit". 0 or less: no limit.
+int getMemoryLimit();
+int getLogLimit();
+/// Seconds over which a transfer has to get on: the parameter "plaz.gitSlowTime". 0 or less: it need not.
+int getSlowTime();
 /// The parameter "plaz.enableDebugGit", or "PLAZ_SHOW_LOG" begins with "Y" or "y".
 bool isDebug();
 /// The parameter "plaz.enableGitAccess"; true when it is not registered.

@@ -8,6 +8,7 @@
 #include "plaz/model/repo/git/HSCPlazGitConfigFile.h"
 #include "plaz/model/repo/git/HSCPlazGitCredentials.h"
 #include "plaz/model/repo/git/HSCPlazGitEnv.h"
+#include "plaz/model/repo/git/HSCPlazGitLimits.h"
 #include "plaz/model/repo/git/HSCPlazGitLog.h"
 #include "plaz/model/repo/git/HSCPlazGitProgram.h"
 #include "plaz/model/repo/git/HSCPlazGitRemoved.h"
@@ -38,6 +39,7 @@ struct Run {
     std::string commandLine; ///< secrets masked
     std::string remoteUrl;   ///< what it spoke to; empty for a command that stays local
     std::string errors;      ///< the error lines of its output, sorted and distinct, each with its end
+    HSCPlazReport limit;     ///< tells which limit it met, if it did
 };
 
 /// Adds a log's error lines.
@@ -128,7 +130,7 @@ void enter(const std::string& workDir, const std::string& startDir, const std::v
         {Msg::gitErrors, MsgSeverity::error, command, "fatal: cannot change to directory " + workDir});
 }
 
-// One retry, at once. After a cancellation the second launch ends without running anything.
+// One retry, at once. After a cancellation, and where a limit is met, the second launch ends without running anything.
 int launchTwice(HUTFork& git) {
     const Silence silence;
     const int status = git.launch(true, true, true, true);
@@ -148,20 +150,23 @@ void explainDenial(const Run& run, HSCPlazReport& details) {
 
 [[noreturn]] void fail(const Run& run) {
     HSCPlazReport details;
-    if (!run.errors.empty() && !HUTFork::isInterrupted()) {
-        details.add(Msg::gitErrors, MsgSeverity::error, run.commandLine, run.errors);
+    if (!HUTFork::isInterrupted()) {
+        if (!run.errors.empty()) details.add(Msg::gitErrors, MsgSeverity::error, run.commandLine, run.errors);
         explainDenial(run, details);
+        details.append(run.limit);
     }
-    throw HSCPlazGitFailure(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::gitFailed), details);
+    throw HSCPlazGitFailure(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::gitFailed), details,
+                            !run.limit.isEmpty());
 }
 
 bool isRemote(const std::string& command) {
     return command == "fetch" || command == "pull";
 }
 
-/// Makes a direct run ready. Web URLs go without their user part, which git is told through its environment.
-void prepare(HUTFork& process, const std::vector<std::string>& words, const std::string& workDir,
-             const std::string& outFile) {
+/// Runs a program once, for what it writes into a file. Web URLs go without their user part, which git is told through
+/// its environment. The limit that it met, if it did, is told at the end of the file.
+int runOnce(HUTFork& process, const std::vector<std::string>& words, const std::string& workDir,
+            const std::string& outFile, int seconds) {
     std::string remoteUrl;
     process.dontUseHDLDPath();
     process.setProg(words.front(), false);
@@ -173,8 +178,15 @@ void prepare(HUTFork& process, const std::vector<std::string>& words, const std:
     process.setDir(workDir);
     const std::string startDir = HUTSysCall::getCurrDir();
     process.setLogFile(toAbsolute(outFile, startDir).generic_string());
-    HSCPlazGitEnv::apply(process, words.size() > 1 ? words[1] : "", toAbsolute(workDir, startDir).generic_string(),
-                         remoteUrl);
+    const std::string command = words.size() > 1 ? words[1] : "";
+    const std::string dir = toAbsolute(workDir, startDir).generic_string();
+    HSCPlazGitEnv::apply(process, command, dir, remoteUrl);
+    HSCPlazGitLimits::apply(process, command, dir, seconds);
+    const int status = process.launch(true, true, true, true);
+    const HSCPlazReport limit = HSCPlazGitLimits::explain(process, command, remoteUrl, dir);
+    for (const HSCPlazReport::Note& note : limit.getNotes())
+        HIOStream::openForWriting(outFile, std::ios::app) << "\nfatal: " << note.message.getMessage() << std::endl;
+    return status;
 }
 
 Run runHere(const std::vector<std::string>& args, const std::string& workDir, const std::string& startDir,
@@ -188,12 +200,12 @@ Run runHere(const std::vector<std::string>& args, const std::string& workDir, co
 
     git.setProg(program, false);
     for (const std::string& arg : args) git.addArg(arg);
-    git.setTimeout(HSCPlazGitParams::getTimeOut());
     const std::string dir = toAbsolute(workDir, startDir).generic_string();
     git.setDir(dir);
     const std::string command = args.empty() ? "" : args.front();
-    Run run{0, {}, isRemote(command) ? HSCPlazGitConfigFile::getRemoteUrl(dir) : "", {}};
+    Run run{0, {}, isRemote(command) ? HSCPlazGitConfigFile::getRemoteUrl(dir) : "", {}, {}};
     HSCPlazGitEnv::apply(git, command, dir, run.remoteUrl);
+    HSCPlazGitLimits::apply(git, command, dir, HSCPlazGitParams::getTimeOut());
 
     run.commandLine = HSCPlazTrust::maskSecrets(git.getCmdLineAsStr());
     trace("chgdir: ", HUTSysCall::getCurrDir());
@@ -205,6 +217,7 @@ Run runHere(const std::vector<std::string>& args, const std::string& workDir, co
     std::set<std::string> errors;
     setLastError(log.getFile(), errors);
     for (const std::string& line : errors) run.errors += line + "\n";
+    run.limit = HSCPlazGitLimits::explain(git, command, run.remoteUrl, dir);
     return run;
 }
 
@@ -279,10 +292,8 @@ int HSCPlazGitRunner::runDirect(const std::string& cmdLine, const std::string& w
     const std::vector<std::string> words = HUTFork::splitCmdLine(cmdLine);
     if (words.empty()) return notStarted;
     HUTFork process;
-    prepare(process, words, workDir, outFile);
     process.usePipes();
-    process.setTimeout(seconds);
-    exitCode = static_cast<std::uint32_t>(process.launch(true, true, true, true));
+    exitCode = static_cast<std::uint32_t>(runOnce(process, words, workDir, outFile, seconds));
     if (process.wasStarted()) return 0;
     return process.getFailedPipe() != 0 ? -process.getFailedPipe() : notStarted;
 }
@@ -297,9 +308,7 @@ HSCPlazGitAnswer HSCPlazGitRunner::ask(const std::vector<std::string>& args, con
     words.insert(words.end(), args.begin(), args.end());
     const HSCPlazGitRemoved outFile(HUTFile::getTemporaryName(".log"));
     HUTFork process;
-    prepare(process, words, workDir, outFile.getName());
-    process.setTimeout(HSCPlazGitParams::getTimeOut());
-    HSCPlazGitAnswer answer{process.launch(true, true, true, true), {}};
+    HSCPlazGitAnswer answer{runOnce(process, words, workDir, outFile.getName(), HSCPlazGitParams::getTimeOut()), {}};
     answer.isHeard = HIOStream::read(outFile.getName(), answer.text) == HIOStream::Status::ok;
     answer.text = HSCPlazTrust::maskSecrets(answer.text);
     return answer;

@@ -9,15 +9,18 @@
 /// A git command that failed for good: Msg::gitFailed.
 class HSCPlazGitFailure : public HEXAll {
 public:
-    HSCPlazGitFailure(const ComMsgMgrInstance& message, HSCPlazReport details)
-        : HEXAll(message), m_details(std::move(details)) {}
+    HSCPlazGitFailure(const ComMsgMgrInstance& message, HSCPlazReport details, bool hasMetLimit = false)
+        : HEXAll(message), m_details(std::move(details)), m_hasMetLimit(hasMetLimit) {}
 
     /// git's own words, and what follows from them; they say more than the exception does. Empty where git said
     /// nothing, and after a cancellation.
     const HSCPlazReport& getDetails() const { return m_details; }
+    /// It needed more than git is given (HSCPlazGitLimits), which says nothing of the working copy.
+    bool hasMetLimit() const { return m_hasMetLimit; }
 
 private:
     HSCPlazReport m_details;
+    bool m_hasMetLimit;
 };
 
 /// What git said to a question.
@@ -37,8 +40,8 @@ struct HSCPlazGitAnswer {
 /// the message service, and brings both back, also on failure.
 namespace HSCPlazGitRunner {
 
-/// Runs one command; one that fails is run once more, at once. In a directory that holds ".git" the setting
-/// http.sslVerify is false while the command runs and true afterwards.
+/// Runs one command; one that fails is run once more, at once, unless it has met a limit. In a directory that holds
+/// ".git" the setting http.sslVerify is false while the command runs and true afterwards.
 /// @param args          one git argument each, without the program
 /// @param workDir       where the command runs; must exist
 /// @param internalCall  leaves http.sslVerify alone
@@ -61,13 +64,13 @@ void setSslVerify(const std::string& workDir, const std::string& value);
 /// @param workDir   empty: the current directory
 /// @param outFile   takes standard output and standard error; replaced
 /// @param exitCode  the exit status, when the result is 0; HUTFork::timedOut when it was given up
-/// @param seconds   time limit; 0: none
+/// @param seconds   time limit; 0: none; the others are those of all commands
 /// @return 0 when the process ran, -1 when the pipe for its output could not be made, -2 that for its error output (on
 ///         Windows; elsewhere it writes into the file itself), -4 when it could not be started
 int runDirect(const std::string& cmdLine, const std::string& workDir, const std::string& outFile,
               std::uint32_t& exitCode, int seconds);
 
-/// Runs a command that changes nothing, once and within the time limit of all commands. What it writes stands in the
+/// Runs a command that changes nothing, once and within the limits of all commands. What it writes stands in the
 /// system's temporary directory meanwhile.
 HSCPlazGitAnswer ask(const std::vector<std::string>& args, const std::string& workDir);
 

@@ -158,7 +158,7 @@ const std::vector<std::string>& HSCPlazGitWorkingCopy::integrityCheck() {
 void HSCPlazGitWorkingCopy::discardDamaged(const HSCPlazWorkLayout& layout) {
     try {
         HSCPlazGitRunner::run(integrityCheck(), layout.getIndex(), true);
-    } catch (const HEXAll&) {
-        if (!HUTFork::isInterrupted()) removeIndex(layout.getIndex());
+    } catch (const HSCPlazGitFailure& failure) {
+        if (!HUTFork::isInterrupted() && !failure.hasMetLimit()) removeIndex(layout.getIndex());
     }
 }
