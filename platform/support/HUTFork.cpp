@@ -99,8 +99,8 @@ void HUTFork::setLogLimit(int megabytes) {
     m_logMegabytes = megabytes;
 }
 
-void HUTFork::setWatch(Watch mayGoOn) {
-    m_mayGoOn = std::move(mayGoOn);
+void HUTFork::setWatch(std::function<Watch()> makeWatch) {
+    m_makeWatch = std::move(makeWatch);
 }
 
 void HUTFork::setDir(const std::string& dir) {
@@ -164,7 +164,7 @@ int HUTFork::launch(bool wait, bool log, bool kill, bool quiet) {
     if (m_timeoutSeconds > 0) spec.timeout = std::chrono::seconds(m_timeoutSeconds);
     spec.memoryLimit = toBytes(m_memoryMegabytes);
     spec.logLimit = toBytes(m_logMegabytes);
-    spec.mayGoOn = m_mayGoOn;
+    if (m_makeWatch) spec.mayGoOn = m_makeWatch();
     spec.throughPipes = m_throughPipes;
     for (const std::string& variable : HUTEnv::getAll())
         if (m_env.count(platform::getVariableKey(nameOf(variable))) == 0) spec.environment.push_back(variable);

@@ -49,7 +49,8 @@ public:
     /// Asked about once a second while a run lasts, on the thread that waits; false kills the run. @p isBusy tells
     /// whether a process of the run computes or, where systems tell that, waits for its disk; it is not for free.
     using Watch = std::function<bool(const std::function<bool()>& isBusy)>;
-    void setWatch(Watch mayGoOn);
+    /// @param makeWatch  called as each launch begins, for the watch over it
+    void setWatch(std::function<Watch()> makeWatch);
     /// Directory in which the child starts; empty keeps the parent's.
     void setDir(const std::string& dir);
     /// Sets a variable in the child's environment only.
@@ -106,7 +107,7 @@ private:
     /// those that it does not have.
     std::map<std::string, std::string> m_env;
     std::function<bool(const std::string&)> m_tellsOfMemory;
-    Watch m_mayGoOn;
+    std::function<Watch()> m_makeWatch;
     int m_timeoutSeconds = 0;
     int m_memoryMegabytes = 0;
     int m_logMegabytes = 0;

@@ -109,9 +109,9 @@ TEST_F(ProcessTest, LimitsEndARun) {
     fork.setLogLimit(1);
     end("chatter", Limit::log, "\nfatal: " PLAZ_TEST_CHILD " was stopped after it had written 1 MB of text\n");
     fork.setLogFile("");
-    fork.setWatch([](const auto& isBusy) { return !isBusy(); });
+    fork.setWatch([] { return [](const auto& isBusy) { return !isBusy(); }; });
     end("chatter", Limit::watch, "");
-    fork.setWatch([](const auto& isBusy) { return isBusy(); });
+    fork.setWatch([] { return [](const auto& isBusy) { return isBusy(); }; });
     end("tick and wait", Limit::watch, "did not get on");
 }
 

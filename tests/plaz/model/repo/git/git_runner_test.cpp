@@ -1,6 +1,7 @@
 #include "plaz/model/repo/git/git_fixture.h"
 
 #include "plaz/model/repo/git/HSCPlazGitLog.h"
+#include "plaz/model/repo/git/HSCPlazGitPace.h"
 #include "plaz/model/repo/git/HSCPlazGitRunner.h"
 #include "support/HUTEnv.h"
 
@@ -59,6 +60,24 @@ TEST_F(GitRunner, TimeThatIsUpIsNotSpentTwice) {
     ASSERT_EQ(messages.size(), 2U);
     EXPECT_EQ(messages[1].args, (Names{"fetch", work, "1"}));
     EXPECT_EQ(takeIds(), (Names{"17-1990", "17-2275"}));
+}
+
+// Faults: a slow transfer that is waited for, git's own work that is taken for one; what a broken one has left taken
+// for a beginning, so that a server which takes its time is given up.
+TEST_F(GitRunner, PaceIsThatOfOneTransfer) {
+    const auto write = [this](const char* name) {
+        temp.write(std::string("work/.git/objects/pack/tmp_pack_") + name, std::string(100, 'x'));
+    };
+    write("old");
+    HSCPlazGitPace pace(work + "/.git", 1);
+    const auto mayGoOn = [&pace](bool isBusy) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1100));
+        return pace.mayGoOn([isBusy] { return isBusy; });
+    };
+    EXPECT_TRUE(mayGoOn(false));
+    write("new");
+    EXPECT_TRUE(mayGoOn(true));
+    EXPECT_FALSE(mayGoOn(false));
 }
 
 // Fault: verification stays off, is switched without access, the one way or the other, or a command runs outside the

@@ -15,8 +15,9 @@ void HSCPlazGitLimits::apply(HUTFork& git, const std::string& command, const std
     git.setLogLimit(HSCPlazGitParams::getLogLimit());
     const int slowTime = HSCPlazGitParams::getSlowTime();
     if (slowTime <= 0 || !HSCPlazGitEnv::mayTransfer(command)) return;
-    HSCPlazGitPace pace(workDir + "/" + HSCPlazStoreLayout::gitDir, slowTime);
-    git.setWatch([pace](const auto& isBusy) mutable { return pace.mayGoOn(isBusy); });
+    git.setWatch([gitDir = workDir + "/" + HSCPlazStoreLayout::gitDir, slowTime] {
+        return [pace = HSCPlazGitPace(gitDir, slowTime)](const auto& isBusy) mutable { return pace.mayGoOn(isBusy); };
+    });
 }
 
 HSCPlazReport HSCPlazGitLimits::explain(const HUTFork& git, const std::string& command, const std::string& remoteUrl,

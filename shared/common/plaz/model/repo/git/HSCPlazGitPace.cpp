@@ -20,7 +20,7 @@ std::uint64_t sizeUnderWay(const std::string& packDir) {
 } // namespace
 
 HSCPlazGitPace::HSCPlazGitPace(const std::string& gitDir, int seconds)
-    : m_packDir(gitDir + "/objects/pack"), m_span(seconds) {}
+    : m_packDir(gitDir + "/objects/pack"), m_span(seconds), m_left(sizeUnderWay(m_packDir)) {}
 
 bool HSCPlazGitPace::beginAgain(std::uint64_t size) {
     m_begin = Clock::now();
@@ -33,7 +33,7 @@ bool HSCPlazGitPace::mayGoOn(const std::function<bool()>& isBusy) {
     const std::uint64_t size = sizeUnderWay(m_packDir);
     const std::uint64_t wanted = bytesPerSecond * static_cast<std::uint64_t>(m_span.count());
     // One that has become smaller has come to its end.
-    if (size <= packHeader || size < m_size || size >= m_size + wanted) return beginAgain(size);
+    if (size <= m_left + packHeader || size < m_size || size >= m_size + wanted) return beginAgain(size);
     if (isBusy() && ++m_busyMoments > m_span.count() / busyShare) return beginAgain(size);
     return Clock::now() - m_begin < m_span;
 }

@@ -12,6 +12,7 @@
 /// at work on what has come, or wait for a slow disk; both count as getting on.
 class HSCPlazGitPace {
 public:
+    /// Begins with the transfer: what an earlier one has left of its pack does not count.
     /// @param gitDir   of the repository that receives
     /// @param seconds  over which it is judged
     HSCPlazGitPace(const std::string& gitDir, int seconds);
@@ -27,6 +28,7 @@ private:
 
     std::string m_packDir;
     std::chrono::seconds m_span;
+    std::uint64_t m_left; ///< what was there before
     Clock::time_point m_begin = Clock::now();
     std::uint64_t m_size = 0; ///< at the beginning of the span
     int m_busyMoments = 0;
