@@ -9,6 +9,7 @@
 
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/base/HSCPlazTrust.h"
+#include "plaz/bindings/HSCPlazHostCommands.h"
 #include "scripting/task_manager.h"
 #include "support/HDGUIStatus.h"
 #include "support/HPAParamMgr.h"
@@ -102,6 +103,7 @@ void registerPlazCommands(Tcl_Interp* interp, HDGUIStatus& status) {
         Tcl_CreateObjCommand(interp, (std::string("::") + command->name).c_str(), runCommand,
                              std::make_unique<Binding>(Binding{command, &status}).release(),
                              [](ClientData data) { std::unique_ptr<Binding>(static_cast<Binding*>(data)); });
+    HSCPlazHostCommands::setTakeStore(true);
     hdi::tcltasks::task_manager::set_echo(echo);
 }
 

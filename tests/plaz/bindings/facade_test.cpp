@@ -1,5 +1,6 @@
 #include "plaz/hub_fixture.h"
 
+#include "plaz/bindings/HSCPlazHostCommands.h"
 #include "plaz/bindings/HSCPlazSwigIntf.h"
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "scripting/task_manager.h"
@@ -18,7 +19,12 @@ using hdi::tcltasks::task_manager;
 class FacadeTest : public HubOnDiskTest {
 protected:
     FacadeTest() {
-        files.addStore("boards", "board", true).item("aurora", "1.0").item("aurora", "2.0").item("mesa", "1.0");
+        files.addStore("boards", "board", true)
+            .item("aurora", "1.0")
+            .item("aurora", "2.0")
+            .item("mesa", "1.0")
+            .item("both", "1.0");
+        files.addStore("my tools", "ced", false).item("both", "1.0");
         files.ship();
         task_manager::eval_in_tcl_throw("namespace eval plaz {proc get_qitems args {return $args}; "
                                         "proc get_qstores args {return $args}; proc install args {llength $args}; "
@@ -93,6 +99,24 @@ TEST_F(FacadeTest, NamesThatTclWouldChangeAreRefused) {
     EXPECT_EQ(thrownBy([&] { Facade::update(const_cast<HSCPlazQItem*>(&empty), status, exception); }), "17-2179");
     EXPECT_EQ(task_manager::eval_in_tcl_throw("set done", nullptr, true), 0);
     EXPECT_EQ(takeCommands(), Names{}) << "nothing was run, or something quiet was shown";
+}
+
+// An action on the item of another store, a store that a host's commands do not know, one that arrives as another.
+TEST_F(FacadeTest, NameInSeveralStoresMeansTheItemOfOne) {
+    HSCPlazQItem& item = *hub().getStore("my tools")->getItem("both");
+    for (const auto action : {Facade::install, Facade::uninstall, Facade::update})
+        EXPECT_EQ(thrownBy([&] { action(&item, status, exception); }), "17-2285");
+    EXPECT_NE(thrownText.find("\"both\": boards::both, my tools::both."), std::string::npos) << thrownText;
+    EXPECT_TRUE(Facade::install(boards()->getItem("aurora"), status, exception)); // in two revisions
+    HSCPlazHostCommands::setTakeStore(true);
+    EXPECT_TRUE(Facade::install(&item, status, exception));
+    hub().getStore("my tools")->setName("my]tools");
+    EXPECT_EQ(thrownBy([&] { Facade::install(&item, status, exception); }), "17-2179");
+    item.setItemName("alone");
+    EXPECT_TRUE(Facade::install(&item, status, exception));
+    EXPECT_EQ(takeCommands(), (Names{"plaz::install [plaz::get_qitems aurora]",
+                                     "plaz::install [plaz::get_qitems -store {my tools} both]",
+                                     "plaz::install [plaz::get_qitems alone]"}));
 }
 
 // A failed check that is taken for an answer, a text that differs, a proxy's secret in it, an exception that comes out.

@@ -8,6 +8,7 @@
 #include "plaz/base/HSCPlazProduct.h"
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/base/HSCPlazUrl.h"
+#include "plaz/bindings/HSCPlazHostCommands.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
@@ -20,6 +21,8 @@
 
 #include <algorithm>
 #include <memory>
+#include <string>
+#include <vector>
 
 namespace {
 
@@ -42,9 +45,44 @@ bool evaluate(const std::string& command) {
     return hdi::tcltasks::task_manager::eval_in_tcl_throw(command, nullptr, false) != 0;
 }
 
-bool evaluateOn(const std::string& prefix, const std::string& name) {
+/// A name as it is put into a command.
+const std::string& requirePlainName(const std::string& name) {
     requirePlain(HSCPlazTrust::findTclNameRefusal(name), name);
-    return evaluate(prefix + name + "]");
+    return name;
+}
+
+bool holds(const HSCPlazQStore& store, const std::string& name) {
+    const auto& items = store.getItems();
+    return std::any_of(items.begin(), items.end(), [&](const HSCPlazQItem* item) {
+        return item->getItemName() == name || item->getName() == name;
+    });
+}
+
+/// The stores in which a name means an item, in the hub's order.
+std::vector<std::string> storesThatHold(const std::string& name) {
+    std::vector<std::string> names;
+    for (const HSCPlazQStore* store : hub().getStores())
+        if (holds(*store, name)) names.push_back(store->getName());
+    return names;
+}
+
+/// What says, in a command that goes by an item's name, of which store the item is: nothing where the name says it.
+/// @throws HEXAll Msg::nameInSeveralStores where the host's commands have no word for it
+std::string storeOption(const HSCPlazQItem& item) {
+    const std::string name = item.getItemName();
+    const std::vector<std::string> stores = storesThatHold(name);
+    if (stores.size() < 2) return {};
+    if (item.getStore() && HSCPlazHostCommands::takeStore())
+        return "-store {" + requirePlainName(item.getStore()->getName()) + "} ";
+    std::string candidates;
+    for (const std::string& store : stores) candidates += (candidates.empty() ? "" : ", ") + store + "::" + name;
+    throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::nameInSeveralStores, name, candidates));
+}
+
+bool evaluateOn(const std::string& command, const HSCPlazQItem* item) {
+    if (!item) return false;
+    const std::string name = requirePlainName(item->getItemName());
+    return evaluate(command + " [plaz::get_qitems " + storeOption(*item) + name + "]");
 }
 
 } // namespace
@@ -66,20 +104,20 @@ const HSTFwdIter<HSCPlazQItem*>* HSCPlazSwigIntf::getItems(const std::string& st
 }
 
 bool HSCPlazSwigIntf::install(HSCPlazQItem* item, HDGUIStatus& /*status*/, HSCPlazException& /*exception*/) {
-    return item && evaluateOn("plaz::install [plaz::get_qitems ", item->getItemName());
+    return evaluateOn("plaz::install", item);
 }
 
 bool HSCPlazSwigIntf::uninstall(HSCPlazQItem* item, HDGUIStatus& /*status*/, HSCPlazException& /*exception*/) {
-    return item && evaluateOn("plaz::uninstall [plaz::get_qitems ", item->getItemName());
+    return evaluateOn("plaz::uninstall", item);
 }
 
 bool HSCPlazSwigIntf::update(HSCPlazQItem* item, HDGUIStatus& /*status*/, HSCPlazException& /*exception*/) {
-    return item && evaluateOn("plaz::update [plaz::get_qitems ", item->getItemName());
+    return evaluateOn("plaz::update", item);
 }
 
 bool HSCPlazSwigIntf::refreshCatalog(HSCPlazQStore* store, HDGUIStatus& /*status*/, HSCPlazException& /*exception*/) {
     if (!store || store->getHub() != &hub()) return false;
-    return evaluateOn("plaz::refresh_catalog [plaz::get_qstores ", store->getName());
+    return evaluate("plaz::refresh_catalog [plaz::get_qstores " + requirePlainName(store->getName()) + "]");
 }
 
 bool HSCPlazSwigIntf::hasUpdate(HSCPlazQStore* store, HDGUIStatus& /*status*/, HSCPlazException& exception) {

@@ -28,7 +28,9 @@ public:
     /// A new iterator over the items of a store, empty when there is no such store. The caller deletes it.
     static const HSTFwdIter<HSCPlazQItem*>* getItems(const std::string& storeName);
 
-    /// Run the host's command on the items that the item's name means, whatever their store.
+    /// Run the host's command on what the item's name means. A name that several stores have is accompanied by the
+    /// item's store where HSCPlazHostCommands says that the commands take one; elsewhere it is refused with HEXAll
+    /// Msg::nameInSeveralStores, and nothing has changed then.
     /// RATIONALE: status and exception are part of the interface but not used: failures are thrown.
     /// @param item  null gives false
     /// @return whether the command's result is not 0

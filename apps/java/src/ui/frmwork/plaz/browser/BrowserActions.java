@@ -58,17 +58,13 @@ final class BrowserActions {
         return button;
     }
 
-    /**
-     * Enables what makes sense now.
-     *
-     * @param stores how many have an item of the chosen one's name
-     */
-    void enable(HubThread hub, Optional<Item> item, int stores, List<String> chosenStores, boolean isWorking) {
-        enableItem(install, hub, item.filter(it -> !it.isLatestInstalled()), Operation::install, stores);
-        enableItem(uninstall, hub, item.filter(Item::isInstalled), Operation::uninstall, stores);
-        enableItem(update, hub, item.filter(it -> it.state() == State.OUTDATED), Operation::update, stores);
-        enableItem(verify, hub, item.filter(Item::isInstalled), Operation::verify, 1);
-        enableItem(repair, hub, item.filter(Item::isInstalled), Operation::repair, 1);
+    /** Enables what makes sense now. */
+    void enable(HubThread hub, Optional<Item> item, List<String> chosenStores, boolean isWorking) {
+        enableItem(install, hub, item.filter(it -> !it.isLatestInstalled()), Operation::install);
+        enableItem(uninstall, hub, item.filter(Item::isInstalled), Operation::uninstall);
+        enableItem(update, hub, item.filter(it -> it.state() == State.OUTDATED), Operation::update);
+        enableItem(verify, hub, item.filter(Item::isInstalled), Operation::verify);
+        enableItem(repair, hub, item.filter(Item::isInstalled), Operation::repair);
         verifyAll.setEnabled(!hub.isUnderway(Operation.verifyAll().title()));
         refresh.setEnabled(chosenStores.stream().anyMatch(it -> !hub.isUnderway(Operation.refresh(it).title())));
         check.setEnabled(chosenStores.stream().anyMatch(it -> !hub.isUnderway(Operation.check(it).title())));
@@ -82,11 +78,8 @@ final class BrowserActions {
         for (Action each : all) each.setEnabled(false);
     }
 
-    /** The hub goes by an item's name alone, so a button says when that means more than the item that is chosen. */
     private static void enableItem(
-            Action action, HubThread hub, Optional<Item> item, Function<Key, Operation> operation, int stores) {
-        String name = (String) action.getValue(Action.ACTION_COMMAND_KEY);
-        action.putValue(Action.NAME, stores > 1 ? name + " (in " + stores + " stores)" : name);
+            Action action, HubThread hub, Optional<Item> item, Function<Key, Operation> operation) {
         action.setEnabled(item.filter(it -> !hub.isUnderway(operation.apply(it.key()).title())).isPresent());
     }
 

@@ -267,9 +267,7 @@ final class BrowserWindow extends JFrame implements HubListener {
 
     private void enableActions() {
         if (isEnding) return;
-        Optional<Item> item = panes.items.chosen();
-        int sameName = item.map(found -> snapshot.storesWith(found.key().name()).size()).orElse(0);
-        actions.enable(hub, item, sameName, chosenStores(), isWorking);
+        actions.enable(hub, panes.items.chosen(), chosenStores(), isWorking);
     }
 
     private List<String> chosenStores() {

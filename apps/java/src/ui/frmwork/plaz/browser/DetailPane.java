@@ -39,7 +39,6 @@ final class DetailPane extends JPanel implements Scrollable {
     private final transient Consumer<URI> openPage;
     private final JTextArea history = Look.readOnlyText("Change log", "");
     private transient Optional<Item> shown = Optional.empty();
-    private transient List<String> stores = List.of();
     private String comparison = "";
     private int row;
 
@@ -61,15 +60,13 @@ final class DetailPane extends JPanel implements Scrollable {
      * @return whether there is another item, or the same one changed, so that its change log is to be read
      */
     boolean show(Snapshot snapshot, Optional<Item> item, Map<String, String> compared) {
-        List<String> others = item.map(found -> snapshot.storesWith(found.key().name())).orElse(List.of());
         String newest = item.map(found -> comparison(found, compared)).orElse("");
-        if (item.equals(shown) && others.equals(stores) && newest.equals(comparison)) return false;
+        if (item.equals(shown) && newest.equals(comparison)) return false;
         if (!item.map(Item::key).equals(shown.map(Item::key))) {
             history.setText("");
             scrollRectToVisible(new Rectangle(1, 1));
         }
         shown = item;
-        stores = others;
         comparison = newest;
         build(snapshot);
         return item.isPresent();
@@ -98,7 +95,6 @@ final class DetailPane extends JPanel implements Scrollable {
     private void build(Snapshot snapshot, Item item) {
         addHead(snapshot, item);
         if (!item.description().isBlank()) addWide(Look.readOnlyText("Description", item.description()));
-        if (stores.size() > 1) addWide(warning(item));
         addField("Company", item.company());
         addField("Author", item.author());
         WebLink.of(item.website())
@@ -148,14 +144,6 @@ final class DetailPane extends JPanel implements Scrollable {
                 }
             }
         }.execute();
-    }
-
-    private JTextArea warning(Item item) {
-        JTextArea area = Look.readOnlyText("Note",
-                "Install, Uninstall and Update go by the name \"" + item.key().name()
-                        + "\": they act in every store that has it (" + String.join(", ", stores) + ").");
-        area.setForeground(Look.WARNING);
-        return area;
     }
 
     private LinkButton link(String address, URI page) {

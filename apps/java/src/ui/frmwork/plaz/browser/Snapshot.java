@@ -89,9 +89,4 @@ record Snapshot(List<Store> stores, String proxy, String storesPath) {
     Optional<Item> item(Key key) {
         return items().filter(item -> item.key().equals(key)).findFirst();
     }
-
-    /** The stores that have an item of that name. */
-    List<String> storesWith(String name) {
-        return items().map(Item::key).filter(key -> key.name().equals(name)).map(Key::store).toList();
-    }
 }

@@ -28,7 +28,6 @@ import java.util.concurrent.FutureTask;
 import java.util.regex.Pattern;
 import java.util.stream.IntStream;
 import java.util.stream.Stream;
-import javax.swing.AbstractButton;
 import javax.swing.JComponent;
 import javax.swing.SwingUtilities;
 import javax.swing.plaf.basic.BasicHTML;
@@ -73,7 +72,7 @@ class BrowserTest {
         updatesWhatIsOutdated();
         installsWithWhatIsNeededAndFollowsLinks();
         verifiesAndRepairs();
-        tellsOfNamesThatSeveralStoresHave();
+        actsInTheStoreOfTheItem();
         staysAliveAndCancels();
         uninstallsAndTellsFailuresOnce();
         changesSettings();
@@ -189,14 +188,12 @@ class BrowserTest {
         await("repair", () -> count("\"boards::aurora\" is as it was installed.") == 2);
     }
 
-    /** Catches: a name in two stores that acts on both without a word, and check results that are not told. */
-    private static void tellsOfNamesThatSeveralStoresHave() throws Exception {
-        choose("boards", "clocking");
-        assertEquals("Install (in 2 stores)", ask(() -> ((AbstractButton) find("install")).getText()));
-        assertTrue(text("Note").contains("(boards, tclscripts)"), text("Note"));
+    /** Catches: an action on the item of that name in another store, and check results that are not told. */
+    private static void actsInTheStoreOfTheItem() throws Exception {
+        choose("tclscripts", "clocking");
         press(KeyEvent.VK_CONTROL, KeyEvent.VK_I);
-        await("both", () -> state("tclscripts", "clocking") == State.INSTALLED);
-        assertEquals(State.INSTALLED, state("boards", "clocking"));
+        await("the one", () -> state("tclscripts", "clocking") == State.INSTALLED);
+        assertEquals(State.NONE, state("boards", "clocking"));
         ask(() -> stores().choose(Scope.of("boards")));
         press(KeyEvent.VK_F6);
         awaitRest("\"boards\" is up to date.");
