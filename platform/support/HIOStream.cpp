@@ -2,6 +2,7 @@
 
 #include "support/HUTFile.h"
 #include "support/PlatformFile.h"
+#include "support/PlatformUserArea.h"
 
 #include <boost/crc.hpp>
 
@@ -73,6 +74,7 @@ bool HIOStream::isContainer(const std::string& file) {
 }
 
 std::ofstream HIOStream::openForWriting(const std::string& file, std::ios::openmode mode) {
+    platform::makeFile(file, platform::rightsOf(file));
     return std::ofstream(std::filesystem::path(platform::toSystemName(file).native()), mode | std::ios::binary);
 }
 

@@ -4,6 +4,7 @@
 #include "support/HUTSysCall.h"
 #include "support/PlatformFile.h"
 #include "support/PlatformSystem.h"
+#include "support/PlatformUserArea.h"
 
 #include <boost/algorithm/string/predicate.hpp>
 #include <boost/filesystem/path.hpp>
@@ -130,8 +131,7 @@ std::string HUTEnv::findProgram(const std::string& name) {
 }
 
 std::string HUTEnv::getHDIAppDataDir() {
-    const std::string dir = getEnv("GDA_APPDATA_DIR");
-    return HUTFile::getCanonicalName(dir.empty() ? join(platform::getHomeDir(), ".Zentor") : dir);
+    return platform::getUserArea();
 }
 
 bool HUTEnv::getRegressMode() {

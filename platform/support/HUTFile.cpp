@@ -1,6 +1,7 @@
 #include "support/HUTFile.h"
 
 #include "support/PlatformFile.h"
+#include "support/PlatformUserArea.h"
 
 #include <boost/filesystem.hpp>
 
@@ -9,6 +10,8 @@ using Error = boost::system::error_code;
 
 namespace {
 
+using platform::Rights;
+using Limit = std::optional<Rights>;
 using Linkable = std::function<bool(const std::string&)>;
 
 // The name as calls of the system take it, however long it is.
@@ -26,6 +29,14 @@ bool exchangeByRenaming(const std::string& fresh, const std::string& dest) {
     }
     HUTFile::rename(aside, fresh);
     return true;
+}
+
+// One by one, for each has the rights that its name gives it.
+bool makeDirectories(const std::string& dir) {
+    if (HUTFile::isDirectory(dir)) return true;
+    const std::string parent = fs::path(dir).parent_path().string();
+    if (parent.empty() || !makeDirectories(parent)) return false;
+    return platform::makeDirectory(dir, platform::rightsOf(dir)) || HUTFile::isDirectory(dir);
 }
 
 bool copyLink(const fs::path& source, const fs::path& dest) {
@@ -57,26 +68,36 @@ bool placeOver(const fs::path& dest, const PlaceEntry& place) {
     return false;
 }
 
-bool copyEntry(const fs::path& source, fs::file_type type, const fs::path& dest, bool mayLink) {
+bool copyEntry(const fs::path& source, fs::file_type type, const fs::path& dest, Limit limit, bool mayLink) {
     if (type == fs::symlink_file)
         return placeOver(dest, [&source](const fs::path& to) { return copyLink(source, to); });
-    return placeOver(dest, [&source, mayLink](const fs::path& to) {
-        return (mayLink && linkFile(source, to)) || platform::copyFile(source.string(), to.string());
+    return placeOver(dest, [&source, limit, mayLink](const fs::path& to) {
+        return (mayLink && linkFile(source, to)) || platform::copyFile(source.string(), to.string(), limit);
     });
 }
 
-// A directory with the permissions of the source's, but writable by its owner. A link in its place is replaced.
-bool copyDirectory(fs::perms permissions, const fs::path& dest) {
+// The source's, but writable by its owner, as far as they may be given; a disk that knows no rights keeps nobody out.
+bool takePermissions(const fs::path& dest, fs::perms permissions, Limit limit) {
+    if (!limit && (permissions & fs::group_read) != 0) return true; // has those of a new one
+    const auto allowed = static_cast<fs::perms>(platform::allowedTo(limit.value_or(Rights::byMask)));
     Error error;
-    if (!fs::create_directory(dest, error) && fs::is_symlink(fs::symlink_status(dest, error))) {
-        fs::remove(dest, error);
-        fs::create_directory(dest, error);
-    }
-    if (!error) fs::permissions(dest, permissions | fs::owner_all, error);
-    return !error;
+    fs::permissions(dest, (permissions | fs::owner_all) & allowed, error);
+    return !error || limit == Rights::forGroup;
 }
 
-bool copyTree(const fs::path& source, const fs::path& dest, const fs::path& relative, const Linkable& linkable) {
+// A link in its place is replaced.
+bool copyDirectory(fs::perms permissions, const fs::path& dest, Limit limit) {
+    const auto make = [&] { return platform::makeDirectory(dest.string(), limit.value_or(Rights::byMask)); };
+    Error error;
+    if (!make() && fs::is_symlink(fs::symlink_status(dest, error))) {
+        fs::remove(dest, error);
+        make();
+    }
+    return fs::is_directory(fs::symlink_status(dest, error)) && takePermissions(dest, permissions, limit);
+}
+
+bool copyTree(const fs::path& source, const fs::path& dest, const fs::path& relative, Limit limit,
+              const Linkable& linkable) {
     Error error;
     fs::directory_iterator entry(source / relative, error);
     for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
@@ -85,9 +106,10 @@ bool copyTree(const fs::path& source, const fs::path& dest, const fs::path& rela
         const fs::file_type type = status.type();
         bool isDone = true;
         if (type == fs::directory_file)
-            isDone = copyDirectory(status.permissions(), dest / inside) && copyTree(source, dest, inside, linkable);
+            isDone = copyDirectory(status.permissions(), dest / inside, limit) &&
+                     copyTree(source, dest, inside, limit, linkable);
         else if (type == fs::regular_file || type == fs::symlink_file)
-            isDone = copyEntry(entry->path(), type, dest / inside,
+            isDone = copyEntry(entry->path(), type, dest / inside, limit,
                                type == fs::regular_file && linkable && linkable(inside.generic_string()));
         if (!isDone) return false;
     }
@@ -99,9 +121,10 @@ bool copyWholeTree(const std::string& source, const std::string& dest, const Lin
     if (HUTFile::isBeneath(source, dest)) return false;
     Error error;
     const fs::file_status status = fs::status(sys(source), error);
-    if (!fs::is_directory(status) || !HUTFile::mkDirRecursive(dest)) return false;
-    fs::permissions(sys(dest), status.permissions() | fs::owner_all, error);
-    return !error && copyTree(sys(source), sys(dest), fs::path(), linkable);
+    const Limit limit = platform::limitOfCopy(source, dest);
+    return fs::is_directory(status) && HUTFile::mkDirRecursive(dest) &&
+           takePermissions(sys(dest), status.permissions(), limit) &&
+           copyTree(sys(source), sys(dest), fs::path(), limit, linkable);
 }
 
 } // namespace
@@ -149,15 +172,7 @@ std::optional<std::uintmax_t> HUTFile::getFreeSpace(const std::string& path) {
 }
 
 std::string HUTFile::getCanonicalName(const std::string& path) {
-    const fs::path absolute = platform::makeAbsolute(path);
-    fs::path canonical = absolute.root_path();
-    for (const fs::path& component : absolute.relative_path()) {
-        if (component == "..") // above the root there is nothing
-            canonical = canonical.has_relative_path() ? canonical.parent_path() : canonical;
-        else if (component != ".")
-            canonical /= component;
-    }
-    return canonical.generic_string();
+    return platform::getCanonicalName(path);
 }
 
 std::string HUTFile::getNonNativeCanonicalName(const std::string& path) {
@@ -174,10 +189,7 @@ bool HUTFile::isBeneath(const std::string& root, const std::string& path) {
 }
 
 bool HUTFile::mkDirRecursive(const std::string& dir) {
-    if (isDirectory(dir)) return true;
-    Error error;
-    fs::create_directories(sys(dir), error);
-    return isDirectory(dir);
+    return isDirectory(dir) || (makeDirectories(getCanonicalName(dir)) && isDirectory(dir));
 }
 
 bool HUTFile::mkDirForOwner(const std::string& dir) {
@@ -198,7 +210,8 @@ bool HUTFile::copyTo(const std::string& source, const std::string& dest, int opt
     Error error;
     if (option != copyOver && fs::exists(fs::symlink_status(sys(dest), error))) return false;
     const fs::file_type type = fs::symlink_status(sys(source), error).type();
-    return (type == fs::regular_file || type == fs::symlink_file) && copyEntry(sys(source), type, sys(dest), false);
+    return (type == fs::regular_file || type == fs::symlink_file) &&
+           copyEntry(sys(source), type, sys(dest), platform::limitOfCopy(source, dest), false);
 }
 
 bool HUTFile::copyToRecursive(const std::string& source, const std::string& dest, int option) {
@@ -241,11 +254,11 @@ std::string HUTFile::getStamp(const std::string& path) {
 }
 
 bool HUTFile::writeAtomically(const std::string& file, const std::string& content, bool ownerOnly) {
-    return platform::writeWhole(file, content, ownerOnly, true);
+    return platform::writeWhole(file, content, ownerOnly ? Rights::forOwner : platform::rightsOf(file), true);
 }
 
 bool HUTFile::writeUnflushed(const std::string& file, const std::string& content) {
-    return platform::writeWhole(file, content, false, false);
+    return platform::writeWhole(file, content, platform::rightsOf(file), false);
 }
 
 bool HUTFile::removeTemporaries(const std::string& dir) {

@@ -11,6 +11,10 @@
 
 /// Files and directories, by name. What the disk says shows in the results; only getTemporaryName() throws for it.
 ///
+/// What is made below the user's area (HUTEnv::getHDIAppDataDir) is at most for the group to read, whatever the
+/// process's mask lets: directories rwxr-x---, files rw-r-----, programs rwxr-x---. Elsewhere the mask counts alone.
+/// What is there keeps its rights. On Windows they follow from the directory.
+///
 /// RATIONALE: canonical names are absolute and free of "." and "..", but links in them stay as they are: the
 /// installation lays links to the system's programs, and what stands beside such a link matters, not what stands
 /// beside its target. Where links have to be followed, for containment, isBeneath() does it.
@@ -65,8 +69,8 @@ public:
 
     /// What a copy does with a target that exists: the host's option 3, copy over it.
     static constexpr int copyOver = 3;
-    /// Copies one file with its permissions (on Windows its read-only mark; who may read a file follows from where it
-    /// lies). A link is copied as a link.
+    /// Copies one file with its permissions, as far as they may be given (on Windows its read-only mark). What leaves
+    /// the user's area and is not for its owner alone has the rights of a new file. A link is copied as a link.
     static bool copyTo(const std::string& source, const std::string& dest, int option);
     /// Copies a file or a directory tree. Links are copied as links, never followed; one that stands in the way below
     /// @p dest is replaced. Pipes, sockets and devices are left out. False for a @p dest below @p source. After a

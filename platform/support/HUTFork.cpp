@@ -5,6 +5,7 @@
 #include "support/HUTFile.h"
 #include "support/PlatformProcess.h"
 #include "support/PlatformSystem.h"
+#include "support/PlatformUserArea.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -160,6 +161,7 @@ int HUTFork::launch(bool wait, bool log, bool kill, bool quiet) {
     spec.useSearchPath = m_useSearchPath;
     spec.args = m_args;
     spec.dir = m_dir;
+    spec.rights = platform::rightsOf(m_dir.empty() ? HUTEnv::getPWD() : m_dir);
     spec.logFile = m_logFile;
     if (m_timeoutSeconds > 0) spec.timeout = std::chrono::seconds(m_timeoutSeconds);
     spec.memoryLimit = toBytes(m_memoryMegabytes);

@@ -56,6 +56,18 @@ bool isPlainlyBeneath(const std::string& root, const std::string& path) {
 
 } // namespace
 
+std::string getCanonicalName(const std::string& path) {
+    const fs::path absolute = makeAbsolute(path);
+    fs::path canonical = absolute.root_path();
+    for (const fs::path& component : absolute.relative_path()) {
+        if (component == "..") // above the root there is nothing
+            canonical = canonical.has_relative_path() ? canonical.parent_path() : canonical;
+        else if (component != ".")
+            canonical /= component;
+    }
+    return canonical.generic_string();
+}
+
 bool isBeneath(const std::string& root, const std::string& path) {
     if (root.empty() || path.empty() || (root + path).find('\0') != std::string::npos) return false;
     if (isPlainlyBeneath(root, path)) return true;

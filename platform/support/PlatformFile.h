@@ -1,6 +1,7 @@
 #pragma once
 
 #include "support/HIOStatus.h"
+#include "support/PlatformRights.h"
 
 #include <boost/filesystem/path.hpp>
 
@@ -27,6 +28,9 @@ boost::filesystem::path toSystemName(const std::string& name);
 /// The name from the root on, as the system understands it; empty for an empty name, or where the current directory is
 /// wanted and gone. "." and ".." may be left in it.
 std::string makeAbsolute(const std::string& name);
+
+/// As HUTFile::getCanonicalName() says.
+std::string getCanonicalName(const std::string& path);
 
 /// As HUTFile::getNameKey() says.
 std::string getNameKey(const std::string& name);
@@ -99,19 +103,27 @@ bool removeTree(const std::string& path);
 /// As HUTFile::rmEntriesExcept() says.
 bool removeEntriesExcept(const std::string& dir, const std::string& keptName);
 
+/// Makes one directory. @return false, also when it is there
+bool makeDirectory(const std::string& dir, Rights rights);
+
+/// Makes an empty file where nothing stands under that name.
+void makeFile(const std::string& file, Rights rights);
+
 /// Keeps all but its owner from a directory that is there, and from what is made in it later, where that is possible.
 void keepForOwner(const std::string& dir);
 
 /// As HUTFile::copyTo() says, but only to where nothing stands. @return false, with nothing left there, when that
 /// failed or something stands there
-bool copyFile(const std::string& source, const std::string& dest);
+/// @param limit  as limitOfCopy() says
+bool copyFile(const std::string& source, const std::string& dest, std::optional<Rights> limit);
 
 /// Gives a file or directory another name. A file there is replaced; one that somebody holds open is tried again for a
 /// while where that stands in the way.
 bool rename(const std::string& from, const std::string& to);
 
-/// Writes a file whole, as HUTFile::writeAtomically and writeUnflushed say.
-bool writeWhole(const std::string& file, const std::string& content, bool ownerOnly, bool isFlushed);
+/// Writes a file whole, as HUTFile::writeAtomically and writeUnflushed say. One that replaces another has the other's
+/// rights, unless it is for its owner.
+bool writeWhole(const std::string& file, const std::string& content, Rights rights, bool isFlushed);
 
 /// Lets two entries change places in one step. @return false, with nothing changed, where the system cannot do that
 bool exchange(const std::string& a, const std::string& b);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "support/PlatformRights.h"
+
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -17,6 +19,7 @@ struct ProcessSpec {
     std::vector<std::string> environment; ///< the whole of it, "NAME=value"
     std::string dir;                      ///< empty: the parent's
     std::string logFile;                  ///< takes the output; empty or not to be opened: the null device does
+    Rights rights = Rights::byMask;       ///< of what it makes
     bool throughPipes = false;            ///< as HUTFork::usePipes() says
     std::optional<std::chrono::seconds> timeout;
     std::uint64_t memoryLimit = 0; ///< bytes that each process of the run may have; 0: no limit

@@ -65,6 +65,34 @@ class ShellTest(HubTest):
         self.assertTrue((self.dir / file).is_file())
         self.run_plaz(f"relocate boards {file}", status=1)
 
+    def test_keeps_others_out_of_the_user_area(self):
+        """Catches: rights in the user's area that follow the mask, or in a directory that was chosen that do not."""
+        for mask in (0, 0o22):
+            area, chosen = self.dir / f"area{mask}", self.dir / f"chosen{mask}"
+
+            def plaz(*command):
+                env = {**self.env, "GDA_APPDATA_DIR": str(area)}
+                succeed(PLAZ, *" ".join(command).split(), cwd=self.dir, env=env, umask=mask)
+
+            plaz("refresh --hub")
+            plaz("refresh")
+            plaz("relocate tclscripts", chosen.name)
+            plaz("install aurora@1.1 csv-kit")
+            edited = next(area.glob("*/plaz/board_store/boards/aurora/1.1/board.xml"))
+            edited.write_text("mine")
+            edited.chmod(0o777)  # not ours to change, but a copy is
+            plaz("uninstall aurora@1.1")
+            plaz("install aurora")
+            edited = next(area.glob("*/plaz/board_store/boards/aurora/2.0/board.xml"))
+            edited.write_text("mine")
+            plaz("repair aurora")
+            made = [file for file in (area, *area.rglob("*")) if not file.is_symlink()]
+            self.check("kept", sum("plaz_kept" in str(file) and file.is_file() for file in made), 2)
+            self.check("rights", [str(file) for file in made if file.stat().st_mode & 0o27], [])
+            places = "tcl-store", "tcl-store/scripts_catalog.json", "tcl-store/scripts/csv-kit/item.json"
+            modes = [file.stat().st_mode & 0o777 for file in (edited, *map(chosen.joinpath, places))]
+            self.check("mask", modes, [0o640, 0o777 & ~mask, 0o666 & ~mask, 0o666 & ~mask])
+
     def test_keeps_what_items_need_that_are_away(self):
         """Catches: items removed, or a place made anew, since a store's disk is not there, or nobody knows where it is;
         no clean-up any more after a store went home; a shared place emptied by whoever comes to it."""

@@ -19,6 +19,7 @@
 #include "support/HDGUIStatus.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTEnv.h"
+#include "support/HUTFile.h"
 #include "support/HUTFork.h"
 #include "ui_frmwork_plaz_host_PlazHost.h"
 
@@ -186,7 +187,10 @@ JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_cancel(JNIEnv* env, jc
 }
 
 JNIEXPORT jstring JNICALL Java_ui_frmwork_plaz_host_PlazHost_getUserDirectory(JNIEnv* env, jclass) {
-    return guard(env, [] { return HUTEnv::getHDIAppDataDir(); });
+    return guard(env, [] {
+        HUTFile::mkDirRecursive(HUTEnv::getHDIAppDataDir()); // what Java makes has the rights that the mask lets
+        return HUTEnv::getHDIAppDataDir();
+    });
 }
 
 JNIEXPORT jobjectArray JNICALL Java_ui_frmwork_plaz_host_PlazHost_compare(JNIEnv* env, jclass, jobjectArray items) {

@@ -113,7 +113,7 @@ int openBeneath(int dir, const std::string& relative) {
     return static_cast<int>(syscall(SYS_openat2, dir, relative.c_str(), &how, sizeof how));
 }
 
-bool writeAll(int fd, const std::string& content) {
+bool writeAll(int fd, std::string_view content) {
     const char* next = content.data();
     std::size_t left = content.size();
     while (left > 0) {
@@ -124,6 +124,15 @@ bool writeAll(int fd, const std::string& content) {
         left -= static_cast<std::size_t>(count);
     }
     return true;
+}
+
+bool copyAll(int from, int to) {
+    std::string part(std::size_t{1} << 16, '\0');
+    for (;;) {
+        const ssize_t count = readSome(from, part.data(), part.size());
+        if (count <= 0) return count == 0;
+        if (!writeAll(to, std::string_view(part.data(), static_cast<std::size_t>(count)))) return false;
+    }
 }
 
 void startWriting(const std::string& name) {
@@ -352,18 +361,34 @@ bool removeEntriesExcept(const std::string& dir, const std::string& keptName) {
     return areGone;
 }
 
+bool makeDirectory(const std::string& dir, Rights rights) {
+    return !holdsNull(dir) && ::mkdir(dir.c_str(), 0777 & allowedTo(rights)) == 0;
+}
+
+void makeFile(const std::string& file, Rights rights) {
+    const Descriptor made(open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666 & allowedTo(rights)));
+}
+
 void keepForOwner(const std::string& dir) {
     std::error_code ignored;
     std::filesystem::permissions(dir, std::filesystem::perms::owner_all, ignored);
 }
 
 // RATIONALE: Boost's copy waits until each file is on the disk itself, which costs more than all else of an
-// installation. A copy that a power failure can harm is made in a place of its own first.
-bool copyFile(const std::string& source, const std::string& dest) {
-    std::error_code error;
-    if (std::filesystem::copy_file(source, dest, error)) return true;
-    std::error_code ignored;
-    if (error != std::errc::file_exists) std::filesystem::remove(dest, ignored);
+// installation, and every library's gives the source's rights first. A copy that a power failure can harm is made in a
+// place of its own first.
+bool copyFile(const std::string& source, const std::string& dest, std::optional<Rights> limit) {
+    const Descriptor from(open(source.c_str(), readFlags));
+    struct stat info {};
+    if (!from || fstat(from.get(), &info) != 0 || !S_ISREG(info.st_mode)) return false;
+    const bool isAsNew = !limit && (info.st_mode & S_IRGRP) != 0;
+    const mode_t mode =
+        isAsNew ? 0666 | (info.st_mode & 0111) : info.st_mode & allowedTo(limit.value_or(Rights::byMask));
+    Descriptor to(open(dest.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, mode));
+    if (!to) return false;
+    const bool hasRights = isAsNew || fchmod(to.get(), mode) == 0 || limit == Rights::forGroup;
+    if (hasRights && copyAll(from.get(), to.get()) && to.close()) return true;
+    unlink(dest.c_str());
     return false;
 }
 
@@ -371,14 +396,15 @@ bool rename(const std::string& from, const std::string& to) {
     return std::rename(from.c_str(), to.c_str()) == 0;
 }
 
-bool writeWhole(const std::string& file, const std::string& content, bool ownerOnly, bool isFlushed) {
+bool writeWhole(const std::string& file, const std::string& content, Rights rights, bool isFlushed) {
     if (holdsNull(file)) return false;
     const std::string dir = directoryOf(file);
-    TemporaryFile temporary(dir, ownerOnly ? 0600 : 0644);
+    TemporaryFile temporary(dir, 0644 & allowedTo(rights));
     Descriptor fd(temporary.takeDescriptor());
     if (!fd) return false;
     struct stat old {};
-    if (!ownerOnly && stat(file.c_str(), &old) == 0 && fchmod(fd.get(), old.st_mode & 07777) != 0) return false;
+    if (rights != Rights::forOwner && stat(file.c_str(), &old) == 0 && fchmod(fd.get(), old.st_mode & 07777) != 0)
+        return false;
     if (!writeAll(fd.get(), content) || (isFlushed && !flushFile(fd)) || !fd.close() || !temporary.renameTo(file))
         return false;
     if (isFlushed) flushNames(dir); // they are in force already; a directory that cannot be flushed does not undo it

@@ -1,5 +1,6 @@
 #include "SharedLocks.h"
 #include "support/HUTFileLock.h"
+#include "support/PlatformUserArea.h"
 
 #include <array>
 #include <cerrno>
@@ -34,7 +35,8 @@ int HUTFileLock::getHolder() const {
 }
 
 HUTFileLock::Result HUTFileLock::tryLock() {
-    if (m_handle < 0) m_handle = ::open(m_file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+    const mode_t rights = 0666 & platform::allowedTo(platform::rightsOf(m_file));
+    if (m_handle < 0) m_handle = ::open(m_file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, rights);
     if (m_handle < 0) return Result::unavailable;
     if (m_isHeld) return Result::held;
     const int file = static_cast<int>(m_handle);

@@ -1,5 +1,6 @@
 #include "support/PlatformProcess.h"
 
+#include "Aside.h"
 #include "SharedLocks.h"
 #include "support/HUTWait.h"
 
@@ -16,6 +17,7 @@
 #include <iterator>
 #include <mutex>
 #include <poll.h>
+#include <sched.h>
 #include <set>
 #include <spawn.h>
 #include <sstream>
@@ -176,6 +178,27 @@ void limitMemory(pid_t pid, std::uint64_t bytes) {
     for (const pid_t child : listChildren(pid)) limitMemory(child, bytes);
 }
 
+mode_t takeFromMask(Rights rights) {
+    const mode_t before = umask(0777);
+    umask(before | (0777 & ~allowedTo(rights)));
+    return before;
+}
+
+// Lets a child be started that gives no other rights to what it makes. It has its mask from the thread that starts it,
+// and that from its process: so that is done by a thread that shares all but the mask, and nobody else notices.
+void withRights(Rights rights, const std::function<void()>& startChild) {
+    if (rights == Rights::byMask) return startChild();
+    constexpr int allButMask = CLONE_THREAD | CLONE_SIGHAND | CLONE_FILES | CLONE_SYSVSEM;
+    const auto startMasked = [&] {
+        takeFromMask(rights);
+        startChild();
+    };
+    if (workAside(allButMask, startMasked) >= 0) return;
+    const mode_t before = takeFromMask(rights); // emulators know no such thread: for that moment it is everybody's mask
+    startChild();
+    umask(before);
+}
+
 // Returns 0 or the error number.
 int start(const ProcessSpec& spec, const Descriptor& log, pid_t& pid) {
     FileActions actions;
@@ -198,8 +221,13 @@ int start(const ProcessSpec& spec, const Descriptor& log, pid_t& pid) {
     std::vector<std::string> command{spec.program};
     command.insert(command.end(), spec.args.begin(), spec.args.end());
     const auto spawn = spec.useSearchPath ? posix_spawnp : posix_spawn;
-    return spawn(&pid, spec.program.c_str(), actions.get(), attributes.get(), toPointers(command).data(),
-                 toPointers(spec.environment).data());
+    const std::vector<char*> words = toPointers(command);
+    const std::vector<char*> variables = toPointers(spec.environment);
+    int error = 0;
+    withRights(spec.rights, [&] {
+        error = spawn(&pid, spec.program.c_str(), actions.get(), attributes.get(), words.data(), variables.data());
+    });
+    return error;
 }
 
 std::string describeStartError(const ProcessSpec& spec, int error) {

@@ -1,5 +1,7 @@
 #include "support/PlatformSystem.h"
 
+#include "Aside.h"
+
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -7,7 +9,6 @@
 #include <fcntl.h>
 #include <memory>
 #include <pwd.h>
-#include <sched.h>
 #include <spawn.h>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
@@ -122,20 +123,10 @@ bool isInputTerminal() {
 
 namespace {
 
-/// Does @p work where nobody else sees what it does to signals: in a process with this one's memory and a table of
-/// signal handlers of its own, as posix_spawn() uses one for a moment.
+/// Does @p work where nobody else sees what it does to signals: in a process for this moment, as posix_spawn() uses
+/// one.
 void workWithOwnHandlers(const std::function<void()>& work) {
-    const auto run = [](void* argument) {
-        (*static_cast<const std::function<void()>*>(argument))();
-        return 0;
-    };
-    std::vector<char> stack(std::size_t{1} << 18);
-    sigset_t all, before;
-    sigfillset(&all);
-    pthread_sigmask(SIG_BLOCK, &all, &before); // a handler must not run there
-    const pid_t process = clone(run, stack.data() + stack.size(), CLONE_VM | CLONE_VFORK | SIGCHLD,
-                                const_cast<std::function<void()>*>(&work));
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    const pid_t process = workAside(SIGCHLD, work);
     while (process > 0 && waitpid(process, nullptr, 0) < 0 && errno == EINTR) {
     }
 }

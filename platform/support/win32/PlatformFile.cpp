@@ -434,6 +434,13 @@ bool removeEntriesExcept(const std::string& dir, const std::string& keptName) {
     return removeEntries(toLongName(dir), keptName, patience);
 }
 
+// Rights are those of the directory above.
+bool makeDirectory(const std::string& dir, Rights /*rights*/) {
+    return !holdsNull(dir) && CreateDirectoryW(toLongName(dir).c_str(), nullptr);
+}
+
+void makeFile(const std::string& /*file*/, Rights /*rights*/) {}
+
 // What lies in it already keeps its rights: a call that changed them would look at all of it.
 void keepForOwner(const std::string& dir) {
     OwnerOnly rights;
@@ -441,7 +448,7 @@ void keepForOwner(const std::string& dir) {
     if (rights.get()) SetFileSecurityW(toLongName(dir).c_str(), part, rights.get()->lpSecurityDescriptor);
 }
 
-bool copyFile(const std::string& source, const std::string& dest) {
+bool copyFile(const std::string& source, const std::string& dest, std::optional<Rights> /*limit*/) {
     return CopyFileW(toLongName(source).c_str(), toLongName(dest).c_str(), TRUE);
 }
 
@@ -449,10 +456,10 @@ bool rename(const std::string& from, const std::string& to) {
     return moveOverPatiently(toLongName(from), toLongName(to));
 }
 
-bool writeWhole(const std::string& file, const std::string& content, bool ownerOnly, bool isFlushed) {
+bool writeWhole(const std::string& file, const std::string& content, Rights rights, bool isFlushed) {
     if (holdsNull(file)) return false;
     const std::wstring name = toLongName(file);
-    TemporaryFile temporary(name, ownerOnly);
+    TemporaryFile temporary(name, rights == Rights::forOwner);
     return temporary.file && writeAll(temporary.file, content) && (!isFlushed || flushFile(temporary.file)) &&
            temporary.renameTo(name);
 }
