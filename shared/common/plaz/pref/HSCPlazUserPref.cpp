@@ -50,8 +50,8 @@ fs::path HSCPlazUserPref::getStagingPath() const {
     const HSCPlaz* hub = HSCPlazContext::get().getHub();
     fs::path staging = fs::path(HSCPlazProduct::getUserDataDir()) / HSCPlazStoreLayout::stagingDir;
     if (hub && !hub->getRoot().empty()) staging /= hub->getRoot();
-    // raw: what it throws is meant for the caller
-    if (!HUTFile::mkDirRecursive(staging.generic_string())) fs::create_directories(staging);
+    if (!HUTFile::mkDirRecursive(staging.generic_string()))
+        fs::create_directories(staging); // raw: what it throws is meant for the caller
     return staging;
 }
 

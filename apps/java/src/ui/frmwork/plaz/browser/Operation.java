@@ -126,8 +126,7 @@ record Operation(String title, boolean isSetting, Action action) {
     private static Operation onItem(String doing, Key key, ItemCall call) {
         return new Operation(doing + " " + key, false, (status, failure) -> {
             List<PlazItem> entries = SnapshotReader.entries(key);
-            if (entries.isEmpty())
-                throw new CommandFailedException("There is no item \"" + key + "\" any more.");
+            if (entries.isEmpty()) throw new CommandFailedException("There is no item \"" + key + "\" any more.");
             call.on(entries.get(0), status, failure);
             return Outcome.of("");
         });
