@@ -15,8 +15,8 @@ CMAKE, COMPILER, SANITIZE = CACHE["CMAKE_COMMAND"], CACHE["CMAKE_CXX_COMPILER"],
 EXPORTED = """HSCPlaz HSCPlazBaseModel HSCPlazCategory HSCPlazConfigMgr HSCPlazFileCheck HSCPlazFilesResult HSCPlazGit
     HSCPlazHostCommands HSCPlazInspection HSCPlazItemResult HSCPlazJsonReadWriteUtils HSCPlazLocalDBMgr HSCPlazLogger
     HSCPlazMgr HSCPlazModel HSCPlazPathMgr HSCPlazPathsInForce HSCPlazProduct HSCPlazQItem HSCPlazQItemModel
-    HSCPlazQStore HSCPlazQStoreModel HSCPlazRepoFactory HSCPlazRepoInfoMgr HSCPlazReport HSCPlazStoreLayout HSCPlazStoreResult
-    HSCPlazSwigIntf HSCPlazTaskMgr HSCPlazTrust HSCPlazUpdateDecision HSCPlazUserPref HSCPlazUtils
+    HSCPlazQStore HSCPlazQStoreModel HSCPlazRepoFactory HSCPlazRepoInfoMgr HSCPlazReport HSCPlazStoreLayout
+    HSCPlazStoreResult HSCPlazSwigIntf HSCPlazTaskMgr HSCPlazTrust HSCPlazUpdateDecision HSCPlazUserPref HSCPlazUtils
     hdi::pyinfra::py_native_cache hdi::tcltasks::native_cache operator<< plaz_startup""".split()
 
 
