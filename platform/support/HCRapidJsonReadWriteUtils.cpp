@@ -4,54 +4,83 @@
 #include "support/HUTText.h"
 #include "support/HostMsg.h"
 
+#include <rapidjson/encodedstream.h>
 #include <rapidjson/error/en.h>
+#include <rapidjson/memorystream.h>
 #include <rapidjson/prettywriter.h>
 #include <rapidjson/reader.h>
 #include <rapidjson/stringbuffer.h>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace {
 
 using Json = HCRapidJsonReadWriteUtils;
+using Excess = HCRapidJsonLimits::Excess;
 
 constexpr unsigned parseFlags =
     rapidjson::kParseInsituFlag | rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag;
 
-// Stands between the parser and the document: ends the parsing when the nesting gets too deep, and remembers where
-// decoding in place has put line ends into strings, so that lines can still be counted afterwards.
-class DepthGuard {
+// Stands between the parser and the document: ends the parsing when the nesting gets too deep or a limit is reached,
+// and remembers where decoding in place has put line ends into strings, so that lines can still be counted afterwards.
+class Guard {
 public:
-    explicit DepthGuard(rapidjson::Document& document) : m_document(document) {}
+    Guard(rapidjson::Document& document, const HCRapidJsonLimits& limits) : m_document(document), m_limits(limits) {}
 
     bool isTooDeep() const { return m_depth > Json::maxDepth; }
+    Excess getExcess() const { return m_excess; }
+    std::size_t getCount() const { return m_count; }
     const std::vector<const char*>& getLineEndsInStrings() const { return m_lineEnds; }
 
-    bool Null() { return m_document.Null(); }
-    bool Bool(bool value) { return m_document.Bool(value); }
-    bool Int(int value) { return m_document.Int(value); }
-    bool Uint(unsigned value) { return m_document.Uint(value); }
-    bool Int64(std::int64_t value) { return m_document.Int64(value); }
-    bool Uint64(std::uint64_t value) { return m_document.Uint64(value); }
-    bool Double(double value) { return m_document.Double(value); }
+    bool Null() { return count() && m_document.Null(); }
+    bool Bool(bool value) { return count() && m_document.Bool(value); }
+    bool Int(int value) { return count() && m_document.Int(value); }
+    bool Uint(unsigned value) { return count() && m_document.Uint(value); }
+    bool Int64(std::int64_t value) { return count() && m_document.Int64(value); }
+    bool Uint64(std::uint64_t value) { return count() && m_document.Uint64(value); }
+    bool Double(double value) { return count() && m_document.Double(value); }
     bool RawNumber(const char* text, rapidjson::SizeType size, bool copy) {
-        return m_document.RawNumber(text, size, copy);
+        return count() && m_document.RawNumber(text, size, copy);
     }
     bool String(const char* text, rapidjson::SizeType size, bool copy) {
         noteLineEnds(text, size);
-        return m_document.String(text, size, copy);
+        return count() && hold(size, m_limits.text, Excess::text) &&
+               (size <= m_limits.name || !m_limits.isName(m_key) || stopFor(Excess::name)) &&
+               m_document.String(text, size, copy);
     }
     bool Key(const char* text, rapidjson::SizeType size, bool copy) {
         noteLineEnds(text, size);
-        return m_document.Key(text, size, copy);
+        m_key = {text, size};
+        return count() && hold(size, m_limits.name, Excess::name) && m_document.Key(text, size, copy);
     }
-    bool StartObject() { return ++m_depth <= Json::maxDepth && m_document.StartObject(); }
-    bool EndObject(rapidjson::SizeType members) { return --m_depth, m_document.EndObject(members); }
-    bool StartArray() { return ++m_depth <= Json::maxDepth && m_document.StartArray(); }
-    bool EndArray(rapidjson::SizeType elements) { return --m_depth, m_document.EndArray(elements); }
+    bool StartObject() { return enter() && m_document.StartObject(); }
+    bool EndObject(rapidjson::SizeType members) {
+        --m_depth;
+        return hold(members, m_limits.list, Excess::list) && m_document.EndObject(members);
+    }
+    bool StartArray() { return enter() && m_document.StartArray(); }
+    bool EndArray(rapidjson::SizeType elements) {
+        const std::string_view name = m_listNames[m_depth--];
+        const bool isLong = elements > m_limits.list && m_limits.isLongList(name);
+        return (isLong ? hold(elements, m_limits.longList, Excess::longList)
+                       : hold(elements, m_limits.list, Excess::list)) &&
+               m_document.EndArray(elements);
+    }
 
 private:
+    bool stopFor(Excess excess) {
+        m_excess = excess;
+        return false;
+    }
+    bool hold(std::size_t size, std::size_t limit, Excess excess) { return size <= limit || stopFor(excess); }
+    bool count() { return hold(++m_count, m_limits.values, Excess::values); }
+    bool enter() {
+        if (++m_depth > Json::maxDepth) return false;
+        m_listNames[m_depth] = m_key;
+        return count();
+    }
     void noteLineEnds(const char* text, std::size_t size) {
         const char* end = text + size;
         while (const void* found = std::memchr(text, '\n', static_cast<std::size_t>(end - text))) {
@@ -61,8 +90,13 @@ private:
     }
 
     rapidjson::Document& m_document;
+    const HCRapidJsonLimits& m_limits;
     std::vector<const char*> m_lineEnds;
-    int m_depth = 0;
+    std::string_view m_key;                                       // the last member's name
+    std::array<std::string_view, Json::maxDepth + 1> m_listNames; // of what is open, by its depth
+    std::size_t m_depth = 0;
+    std::size_t m_count = 0;
+    Excess m_excess = Excess::none;
 };
 
 // The parser takes the bytes that a lead byte announces without looking for the end of the text in between.
@@ -101,9 +135,14 @@ void add(rapidjson::Document& document, rapidjson::Value& object, const char* ke
 } // namespace
 
 std::string HCRapidJsonReadWriteUtils::getReadablePart(const std::string& text) {
-    rapidjson::Document document;
-    document.Parse<rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag>(text.data(), text.size());
-    const std::size_t end = std::min(document.GetErrorOffset(), text.size());
+    using Stream = rapidjson::EncodedInputStream<rapidjson::UTF8<>, rapidjson::MemoryStream>;
+    rapidjson::MemoryStream memory(text.data(), text.size());
+    Stream stream(memory);
+    rapidjson::BaseReaderHandler<> keepNothing;
+    rapidjson::Reader reader;
+    const auto result =
+        reader.Parse<rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag>(stream, keepNothing);
+    const std::size_t end = std::min(result.Offset(), text.size());
     std::string open, openAtCut; // the brackets that close what is open
     std::size_t cut = 0;
     bool isInText = false;
@@ -122,7 +161,8 @@ std::string HCRapidJsonReadWriteUtils::getReadablePart(const std::string& text) 
     return cut == 0 ? std::string() : text.substr(0, cut) + openAtCut;
 }
 
-bool HCRapidJsonReadWriteUtils::parseInPlace(std::string& text, HCRapidJsonDocument& document) {
+bool HCRapidJsonReadWriteUtils::parseInPlace(std::string& text, HCRapidJsonDocument& document,
+                                             const HCRapidJsonLimits& limits) {
     static constexpr const char byteOrderMark[] = "\xEF\xBB\xBF";
     const std::size_t start = text.compare(0, 3, byteOrderMark) == 0 ? 3 : 0;
     const std::size_t size = text.size() - start;
@@ -130,7 +170,7 @@ bool HCRapidJsonReadWriteUtils::parseInPlace(std::string& text, HCRapidJsonDocum
     char* begin = text.data() + start;
 
     rapidjson::InsituStringStream stream(begin);
-    DepthGuard guard(document);
+    Guard guard(document, limits);
     rapidjson::ParseResult result;
     const auto generate = [&](rapidjson::Document&) {
         rapidjson::Reader reader;
@@ -139,10 +179,14 @@ bool HCRapidJsonReadWriteUtils::parseInPlace(std::string& text, HCRapidJsonDocum
     };
     document.Populate(generate);
     document.m_parseError.clear();
+    document.m_excess = guard.getExcess();
+    document.m_valueCount = guard.getCount();
 
     std::string reason;
     if (guard.isTooDeep())
         reason = "Nesting deeper than " + std::to_string(maxDepth) + " levels.";
+    else if (guard.getExcess() != Excess::none)
+        reason = "More than is taken.";
     else if (result.IsError())
         reason = rapidjson::GetParseError_En(result.Code());
     else if (stream.Tell() < size) // the parser takes a null character for the end

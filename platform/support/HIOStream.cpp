@@ -61,12 +61,13 @@ HIOStream::Root::~Root() = default;
 HIOStream::Root::Root(Root&& other) noexcept = default;
 HIOStream::Root& HIOStream::Root::operator=(Root&& other) noexcept = default;
 
-HIOStream::Status HIOStream::Root::read(const std::string& relative, std::string& content) const {
-    return finish(m_impl->directory.read(relative, content), content);
+HIOStream::Status HIOStream::Root::read(const std::string& relative, std::string& content,
+                                        std::uint64_t maxSize) const {
+    return finish(m_impl->directory.read(relative, content, maxSize), content);
 }
 
-HIOStream::Status HIOStream::read(const std::string& file, std::string& content) {
-    return finish(platform::readFile(file, content), content);
+HIOStream::Status HIOStream::read(const std::string& file, std::string& content, std::uint64_t maxSize) {
+    return finish(platform::readFile(file, content, maxSize), content);
 }
 
 bool HIOStream::isContainer(const std::string& file) {

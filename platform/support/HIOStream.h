@@ -3,6 +3,7 @@
 #include "support/HIOStatus.h"
 #include "support/HostExport.h"
 
+#include <cstdint>
 #include <fstream>
 #include <memory>
 #include <string>
@@ -25,6 +26,9 @@ class HOST_API HIOStream {
 public:
     using Status = HIOStatus;
 
+    /// Nothing that is read whole comes near this.
+    static constexpr std::uint64_t largestFile = std::uint64_t{1} << 30;
+
     /// A directory kept open, below which files are read by relative names.
     class HOST_API Root {
     public:
@@ -38,7 +42,8 @@ public:
         /// Reads a file below the directory; one open, one read. Links are followed as long as they stay inside.
         /// @p content is replaced (its capacity is reused), and empty unless the result is ok. Names that hold a null
         /// character lead to no file.
-        Status read(const std::string& relative, std::string& content) const;
+        /// @param maxSize  of a larger file, in bytes, nothing is read
+        Status read(const std::string& relative, std::string& content, std::uint64_t maxSize = largestFile) const;
 
     private:
         struct Impl;
@@ -47,7 +52,8 @@ public:
     };
 
     /// Reads a whole file into @p content (replaced; its capacity is reused); plain content of a protected file.
-    static Status read(const std::string& file, std::string& content);
+    /// @param maxSize  of a larger file, in bytes, nothing is read
+    static Status read(const std::string& file, std::string& content, std::uint64_t maxSize = largestFile);
     /// Whether the file begins as a protected file does.
     static bool isContainer(const std::string& file);
     /// Opens a file for text that comes bit by bit; every byte goes into it as it is.

@@ -16,9 +16,6 @@
 /// What the portable sources of the host need from the system about files.
 namespace platform {
 
-/// No file that is read whole comes near this; a store that holds one must not take all memory.
-constexpr std::uint64_t largestFile = std::uint64_t{1} << 30;
-
 /// As HUTFile::getNullDevice() says.
 extern const std::string nullDevice;
 
@@ -45,7 +42,7 @@ public:
     OpenDirectory& operator=(const OpenDirectory&) = delete;
 
     /// Reads the file as it stands on disk; @p content is replaced, and undefined unless the result is ok.
-    HIOStatus read(const std::string& relative, std::string& content) const;
+    HIOStatus read(const std::string& relative, std::string& content, std::uint64_t maxSize) const;
 
 private:
     std::string m_dir;                       ///< as it was given, or with its links resolved
@@ -54,7 +51,7 @@ private:
 };
 
 /// Reads a whole file as it stands on disk; @p content is replaced, and undefined unless the result is ok.
-HIOStatus readFile(const std::string& file, std::string& content);
+HIOStatus readFile(const std::string& file, std::string& content, std::uint64_t maxSize);
 /// The first @p size bytes of a regular file, fewer when it is shorter or cannot be read.
 std::string readStart(const std::string& file, std::size_t size);
 

@@ -68,11 +68,11 @@ ssize_t readSome(int fd, char* buffer, std::size_t size) {
 }
 
 // One byte more than the file's size is asked for, so that the first read also tells that it was the last.
-Status readAll(int fd, std::string& content) {
+Status readAll(int fd, std::string& content, std::uint64_t maxSize) {
     struct stat info {};
     if (fstat(fd, &info) != 0) return Status::unreadable;
     if (!S_ISREG(info.st_mode)) return Status::notRegular;
-    if (static_cast<std::uint64_t>(info.st_size) > largestFile) return Status::unreadable;
+    if (static_cast<std::uint64_t>(info.st_size) > maxSize) return Status::tooLarge;
 
     const auto expected = static_cast<std::size_t>(info.st_size);
     constexpr std::size_t chunk = 4096; // for files that do not tell their size, or grow
@@ -83,27 +83,28 @@ Status readAll(int fd, std::string& content) {
         if (count < 0) return Status::unreadable;
         size += static_cast<std::size_t>(count);
         if (count == 0 || (expected > 0 && size == expected)) break;
-        if (size > largestFile) return Status::unreadable;
+        if (size > maxSize) return Status::tooLarge;
         if (size == content.size()) content.resize(size + std::max(size, chunk));
     }
     content.resize(size);
     return Status::ok;
 }
 
-Status openAndReadAll(const std::string& file, int extraFlags, std::string& content) {
+Status openAndReadAll(const std::string& file, int extraFlags, std::string& content, std::uint64_t maxSize) {
     const Descriptor fd(open(file.c_str(), readFlags | extraFlags));
-    return fd ? readAll(fd.get(), content) : statusOfError(errno);
+    return fd ? readAll(fd.get(), content, maxSize) : statusOfError(errno);
 }
 
 // For systems that cannot confine a look-up, and for absolute links, which may lead back inside.
-Status readBeneathByName(const std::string& dir, const std::string& relative, std::string& content) {
+Status readBeneathByName(const std::string& dir, const std::string& relative, std::string& content,
+                         std::uint64_t maxSize) {
     if (relative.front() == '/') return Status::outside;
     const std::string name = dir + "/" + relative;
     std::error_code error;
     const std::string file = resolveLinks(name, error);
     if (error && error != std::errc::no_such_file_or_directory) return statusOfError(error.value());
     if (!isBeneath(dir, name)) return Status::outside;
-    return error ? Status::missing : openAndReadAll(file, O_NOFOLLOW, content);
+    return error ? Status::missing : openAndReadAll(file, O_NOFOLLOW, content, maxSize);
 }
 
 int openBeneath(int dir, const std::string& relative) {
@@ -223,24 +224,24 @@ OpenDirectory::~OpenDirectory() {
     if (m_handle >= 0) close(static_cast<int>(m_handle));
 }
 
-HIOStatus OpenDirectory::read(const std::string& relative, std::string& content) const {
+HIOStatus OpenDirectory::read(const std::string& relative, std::string& content, std::uint64_t maxSize) const {
     if (m_state != Status::ok) return m_state;
     if (relative.empty() || holdsNull(relative)) return Status::missing;
     const Descriptor fd(openBeneath(static_cast<int>(m_handle), relative));
-    if (fd) return readAll(fd.get(), content);
+    if (fd) return readAll(fd.get(), content, maxSize);
     switch (errno) {
     case EXDEV:  // leads out, or through an absolute link
     case EAGAIN: // something on the way was renamed meanwhile
     case ENOSYS: // older kernels
     case EPERM:  // sandboxes that do not know the call
-        return readBeneathByName(m_dir, relative, content);
+        return readBeneathByName(m_dir, relative, content, maxSize);
     default:
         return statusOfError(errno);
     }
 }
 
-HIOStatus readFile(const std::string& file, std::string& content) {
-    return holdsNull(file) ? Status::missing : openAndReadAll(file, 0, content);
+HIOStatus readFile(const std::string& file, std::string& content, std::uint64_t maxSize) {
+    return holdsNull(file) ? Status::missing : openAndReadAll(file, 0, content, maxSize);
 }
 
 HIOStatus readInParts(const std::string& file, const std::function<void(const FileFacts&)>& begin,

@@ -75,11 +75,11 @@ std::int64_t fill(const Handle& file, std::string& content) {
     return static_cast<std::int64_t>(size);
 }
 
-Status readAll(const Handle& file, std::string& content) {
+Status readAll(const Handle& file, std::string& content, std::uint64_t maxSize) {
     if (!isRegularFile(file)) return Status::notRegular;
     LARGE_INTEGER size{};
-    if (!GetFileSizeEx(file.get(), &size) || static_cast<std::uint64_t>(size.QuadPart) > largestFile)
-        return Status::unreadable;
+    if (!GetFileSizeEx(file.get(), &size)) return Status::unreadable;
+    if (static_cast<std::uint64_t>(size.QuadPart) > maxSize) return Status::tooLarge;
     content.resize(static_cast<std::size_t>(size.QuadPart));
     const std::int64_t count = fill(file, content);
     if (count < 0) return Status::unreadable;
@@ -308,7 +308,7 @@ OpenDirectory::OpenDirectory(const std::string& dir) : m_handle(0) {
 
 OpenDirectory::~OpenDirectory() = default;
 
-HIOStatus OpenDirectory::read(const std::string& relative, std::string& content) const {
+HIOStatus OpenDirectory::read(const std::string& relative, std::string& content, std::uint64_t maxSize) const {
     if (m_state != Status::ok) return m_state;
     if (m_dir.empty() || relative.empty() || holdsNull(relative)) return Status::missing;
     const std::wstring root = win32::toWide(m_dir);
@@ -316,13 +316,13 @@ HIOStatus OpenDirectory::read(const std::string& relative, std::string& content)
     if (name.empty()) return Status::outside;
     const Handle file = open(name, GENERIC_READ);
     if (!file) return statusOfError(GetLastError());
-    return liesBeneath(root, win32::getFinalName(file)) ? readAll(file, content) : Status::outside;
+    return liesBeneath(root, win32::getFinalName(file)) ? readAll(file, content, maxSize) : Status::outside;
 }
 
-HIOStatus readFile(const std::string& file, std::string& content) {
+HIOStatus readFile(const std::string& file, std::string& content, std::uint64_t maxSize) {
     if (file.empty() || holdsNull(file)) return Status::missing;
     const Handle handle = open(toLongName(file), GENERIC_READ);
-    return handle ? readAll(handle, content) : statusOfError(GetLastError());
+    return handle ? readAll(handle, content, maxSize) : statusOfError(GetLastError());
 }
 
 HIOStatus readInParts(const std::string& file, const std::function<void(const FileFacts&)>& begin,

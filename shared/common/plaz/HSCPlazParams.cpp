@@ -1,5 +1,6 @@
 #include "plaz/HSCPlazParams.h"
 
+#include "plaz/base/HSCPlazLimits.h"
 #include "plaz/base/HSCPlazNames.h"
 
 #include "support/HPAParamMgr.h"
@@ -73,4 +74,5 @@ void plaz_startup() {
     HPAParamMgr& params = HPAParamMgr::getParamMgr();
     registerAccessParams(params);
     registerFeatureParams(params);
+    HSCPlazLimits::registerParams(params);
 }

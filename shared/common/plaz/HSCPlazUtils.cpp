@@ -63,7 +63,7 @@ std::string HSCPlazUtils::getPlazDefaultDownloadRootDir() {
 
 bool HSCPlazUtils::isInstalledFileValid(const std::string& file) {
     HSCPlazReport problem;
-    const bool isWhole = HSCPlazJsonCheck::isWhole(file, problem);
+    const bool isWhole = HSCPlazJsonCheck::isWhole(file, HSCPlazLimits::File::list, problem);
     problem.send();
     return isWhole;
 }

@@ -136,6 +136,19 @@ TEST_F(LocalDbTest, WhatCannotBeReadIsLeftAlone) {
     EXPECT_THAT(takeMessages(), ElementsAre("17-2164 " + file));
     EXPECT_TRUE(HUTFile::isDirectory(file) && manager.hasChanged(file) && !manager.canBeRead(file));
     HUTFile::rmRecursive(file);
+    const std::string large = filled(R"({"plaz": {"product": "Solvan", "release": "2024.2", "x": "%", "qstores": []}})",
+                                     {std::string(1 << 20, 'x')});
+    for (const auto& [param, value] : {std::pair("plaz.maxFileSize", "1"), {"plaz.maxTextLength", "100"}}) {
+        temp.write("db.json", large);
+        setParam(param, value);
+        EXPECT_EQ(mergeFile(file), Merge::unreadable) << param;
+        EXPECT_THAT(takeMessages(), ElementsAre(HasSubstr("17-2280 " + file)));
+        EXPECT_FALSE(manager.save(nullptr, &object, ""));
+        EXPECT_THAT(takeMessages(), ElementsAre("17-2164 " + file));
+        EXPECT_EQ(readFile(file), large);
+        setParam(param, "0");
+    }
+    HUTFile::rmRecursive(file);
     EXPECT_TRUE(manager.canBeRead(file));
     EXPECT_EQ(mergeFile(file), Merge::nothing);
     EXPECT_TRUE(manager.save(nullptr, &object, ""));

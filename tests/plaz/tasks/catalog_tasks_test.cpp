@@ -6,6 +6,10 @@
 #include <boost/algorithm/string/replace.hpp>
 
 #include <functional>
+#include <gmock/gmock.h>
+
+using testing::AllOf;
+using testing::HasSubstr;
 
 namespace {
 
@@ -111,6 +115,68 @@ TEST_F(CatalogTasksTest, WhatFailsLeavesTheOldCatalogInForce) {
     EXPECT_EQ(takeIds(), Names{});
     EXPECT_EQ(load("catalog.json", "{"), "17-2134");
     EXPECT_EQ(load("store.json", "{"), "17-2135");
+}
+
+// A store that brings more than is taken put into force, told of in more than one message, or in the way of what it
+// had; a limit that stands for nothing.
+TEST_F(CatalogTasksTest, WhatIsTooMuchLeavesTheOldCatalogInForce) {
+    tcl.item("b", "1");
+    tcl.publish();
+    ASSERT_TRUE(refresh());
+    takeIds();
+    const std::string catalog = readFile(tcl.getRepo().getDir() + "/catalog.json"), revisions = "\"revisions\": [";
+    std::string zeros = "0", lists;
+    for (int count = 0; count < 9000; ++count) zeros += ",0";
+    for (int count = 0; count < 8; ++count) lists += "[" + zeros + "],";
+    const auto with = [&](const char* part, const std::string& other) {
+        return boost::replace_all_copy(catalog, part, other);
+    };
+    HPAParamMgr& params = HPAParamMgr::getParamMgr();
+    for (const auto& [param, value, content] :
+         {std::tuple("plaz.maxFileSize", 1, catalog + std::string(1 << 20, ' ')),
+          {"plaz.maxFileSize", 1, with("{\"_major", "{\"x\": [" + lists + "0], \"_major")},
+          {"plaz.maxItems", 1, catalog},
+          {"plaz.maxItems", 3, boost::replace_all_copy(with("false", "true"), revisions, revisions + "{}, ")},
+          {"plaz.maxItems", 2, with(revisions.c_str(), revisions + "{}, {}, {}, {}, ")},
+          {"plaz.maxListLength", 5, catalog},
+          {"plaz.maxTextLength", 39, catalog},
+          {"plaz.maxNameLength", 15, catalog}}) {
+        SCOPED_TRACE(param + std::to_string(value));
+        tcl.getRepo().write("catalog.json", content).commit();
+        const std::string standard = std::to_string(params.getValueAsInt(param));
+        params.setValue(param, std::to_string(value));
+        EXPECT_FALSE(refresh());
+        EXPECT_THAT(messages.at(0).args.at(1), HasSubstr(param));
+        EXPECT_EQ(takeIds(), (Names{"17-2280", "17-2191"}));
+        EXPECT_NE(store().getItem("b"), nullptr);
+        params.setValue(param, standard);
+    }
+    tcl.publish();
+    EXPECT_TRUE(refresh());
+}
+
+// Thousands of messages of a store whose items are all damaged, or none where a few are.
+TEST_F(CatalogTasksTest, TellsOfManyItemsInOneMessage) {
+    const auto breakItems = [&](int count, const std::string& text) {
+        for (int number = 0; number < count; ++number) tcl.item("x" + std::to_string(number), "1");
+        tcl.publish();
+        for (int number = 0; number < count; ++number)
+            tcl.getRepo().write("items/x" + std::to_string(number) + "/item.json", text);
+        tcl.getRepo().commit();
+        return HSCPlazTaskMgr::refreshStore(store(), nullptr);
+    };
+    const Names each{"17-2140", "17-2139"};
+    EXPECT_EQ(breakItems(3, "{").report.getNotes().size(), 6u);
+    EXPECT_EQ(takeIds(), (Names{each[0], each[1], each[0], each[1], each[0], each[1]}));
+    EXPECT_EQ(breakItems(4, "{").report.getNotes().size(), 8u);
+    EXPECT_EQ(takeIds(), Names{"17-2281"});
+    EXPECT_TRUE(breakItems(4, "[]").isDone()); // breaks the schema
+    EXPECT_EQ(takeIds(), Names{"17-2281"});
+    HPAParamMgr::getParamMgr().setValue("plaz.maxItemFileSize", "1");
+    breakItems(4, std::string(2000, ' '));
+    EXPECT_THAT(messages.back().text,
+                AllOf(HasSubstr("wrong with 4 of"), HasSubstr("x2/item.json"), HasSubstr("2280")));
+    EXPECT_EQ(takeIds(), (Names{"17-2281", "17-2281"})); // what was known before breaks the schema
 }
 
 // A switch without effect on where a store lives; a store left at a place that the first refresh has not filled, or

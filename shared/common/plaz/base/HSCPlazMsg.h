@@ -93,6 +93,8 @@ inline constexpr MsgId<1> needsUnreadable{"@17-2250@%s"};        ///< database, 
 inline constexpr MsgId<2> storeFileMisplaced{"@17-2251@%s%s"};   ///< store, file
 inline constexpr MsgId<2> changeWaits{"@17-2253@%s%s"};          ///< store, note
 inline constexpr MsgId<1> recordAway{"@17-2254@%s"};             ///< directory
+inline constexpr MsgId<2> limitExceeded{"@17-2280@%s%s"};        ///< file or store, which limit and parameter
+inline constexpr MsgId<3> manyFindings{"@17-2281@%s%s%s"};       ///< how many, of what, the first ones
 inline constexpr MsgId<0> gitAccessOff{"@17-2255@"};
 /// directory, store, what to make in it
 inline constexpr MsgId<3> placeOfNoStoreMissing{"@17-2252@%s%s%s"};

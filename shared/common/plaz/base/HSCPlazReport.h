@@ -15,6 +15,8 @@ public:
     struct Note {
         ComMsgMgrInstance message;
         MsgSeverity severity;
+        std::string group = {}; ///< of which many things it is about one; empty where it stands for itself
+        bool isFirst = false;   ///< the first that is said of that thing
     };
 
     HSCPlazReport() = default;
@@ -32,6 +34,10 @@ public:
         m_notes.push_back({failure.getMsg(), severity});
     }
     void append(const HSCPlazReport& other);
+    /// Appends what was found of one of many things. When the report is sent, people hear of up to three of a group in
+    /// full, of more in one message with their count (Msg::manyFindings).
+    /// @param group  what they are, for people: "items in the catalog of the store \"boards\""; not empty
+    void appendOneOfMany(const HSCPlazReport& other, const std::string& group);
 
     bool isEmpty() const { return m_notes.empty(); }
     const std::vector<Note>& getNotes() const { return m_notes; }
@@ -48,11 +54,12 @@ public:
     /// Whether a message of this kind is among them.
     template <std::size_t Arity> bool tells(const MsgId<Arity>& id) const { return tells(id.key); }
 
-    /// Sends all of it to the message service.
+    /// Sends all of it to the message service, large groups in one message each.
     void send() const;
 
 private:
     bool tells(const char* key) const;
+    HSCPlazReport withoutCrowds() const;
 
     std::vector<Note> m_notes;
 };

@@ -56,6 +56,10 @@ bool readItemMetadata(const HIOStream::Root& root, const HSCPlazQStoreModel& sto
 
 } // namespace
 
+std::string HSCPlazCatalogLoader::groupOfItems(const HSCPlazQStoreModel& store) {
+    return "metadata files of items of the store \"" + store.getName() + '"';
+}
+
 bool HSCPlazCatalogLoader::hasOwnArea(const HSCPlazQStoreModel& store) {
     return !store.getLocalRootDir().empty() && store.getLocalRootDir() != store.getGdaDataLoc();
 }
@@ -143,17 +147,25 @@ void HSCPlazCatalogLoader::readCatalog(HSCPlazQStoreModel& store, const std::str
     HSCPlazFindings found;
     HSCPlazQItemCatalogReader::read(file, store, found);
     if (found.tellOfDamage()) store.setIsUnread(true);
-    m_report.append(found.toReport());
+    m_report.append(found.toReport("items in the catalog of the store \"" + store.getName() + '"'));
 }
 
 void HSCPlazCatalogLoader::loadItems(HSCPlazQStoreModel& store) const {
     inside(loadItemsName);
     if (!store.isProductSpecific()) return;
     const HIOStream::Root root(store.getLocalRootDir());
-    HSCPlazJsonDocument document;
+    HSCPlazJsonDocument document(HSCPlazLimits::File::item);
+    const std::string group = groupOfItems(store);
     const HSCPlazQItemModel* described = nullptr;
     for (const auto& item : store.getItems()) {
-        const bool read = readItemMetadata(root, store, document, *item, m_report);
+        HSCPlazReport ofItem;
+        const bool read = readItemMetadata(root, store, document, *item, ofItem);
+        if (!ofItem.isEmpty()) m_report.appendOneOfMany(ofItem, group);
+        if (document.getBytesRead() > document.getLimits().getItemFilesSize()) {
+            m_report.add(Msg::limitExceeded, MsgSeverity::error, document.getFile(),
+                         document.getLimits().describeItemFiles());
+            break;
+        }
         if (read) described = item.get();
         // A revision that has no file of its own here is described by the one that the catalog lists before it.
         else if (described && described->getName() == item->getName() && item->getDisplayName().empty())
@@ -172,7 +184,7 @@ void HSCPlazCatalogLoader::loadShipped(HSCPlazModel& hubModel, HSCPlazQStoreMode
         return;
     }
     const std::string metadata = joined(dataDir, store.getMetadataFile());
-    if (!HSCPlazJsonCheck::isWhole(metadata, m_report)) {
+    if (!HSCPlazJsonCheck::isWhole(metadata, HSCPlazLimits::File::list, m_report)) {
         m_report.add(Msg::shippedDataUnusable, MsgSeverity::warning, store.getName(), metadata);
         return;
     }

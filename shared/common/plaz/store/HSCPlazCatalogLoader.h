@@ -23,6 +23,9 @@ public:
     /// Reads what is shipped of a store. Reports Msg::shippedDataMissing or Msg::shippedDataUnusable.
     void loadShipped(HSCPlazModel& hubModel, HSCPlazQStoreModel& store) const;
 
+    /// What the metadata files of a store's items are, where many of them are damaged; see
+    /// HSCPlazReport::appendOneOfMany.
+    static std::string groupOfItems(const HSCPlazQStoreModel& store);
     /// The store is kept in an area of its own: what is shipped is read, but never written to.
     static bool hasOwnArea(const HSCPlazQStoreModel& store);
     /// Whether a store has a file of that name in a directory. One that a link leads out of there is refused.

@@ -69,7 +69,8 @@ bool HSCPlazChangeNote::flush() const {
 std::optional<HSCPlazPendingChange> HSCPlazChangeNote::read() const {
     std::string text;
     HCRapidJsonDocument document;
-    if (HIOStream::read(m_file, text) == HIOStream::Status::unreadable) return std::nullopt;
+    const HIOStream::Status status = HIOStream::read(m_file, text);
+    if (status == HIOStream::Status::unreadable || status == HIOStream::Status::tooLarge) return std::nullopt;
     const bool isParsed = Json::parseInPlace(text, document);
     const rapidjson::Value* plaz = isParsed ? Json::FindObject(document, HSCPlazKey::plaz) : nullptr;
     if (!plaz) return HSCPlazPendingChange();

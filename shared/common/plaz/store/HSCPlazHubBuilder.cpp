@@ -106,7 +106,7 @@ void HSCPlazHubBuilder::readHub(const std::string& file, HSCPlazModel& model) co
     HSCPlazFindings found;
     HSCPlazReader::read(file, model, found);
     model.setIsUnread(found.tellOfDamage());
-    m_report.append(found.toReport());
+    m_report.append(found.toReport("stores of the hub"));
 }
 
 void HSCPlazHubBuilder::readStores() const {

@@ -6,6 +6,7 @@
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/reader/HSCPlazJsonDocument.h"
 #include "plaz/model/reader/HSCPlazQItemReader.h"
+#include "plaz/store/HSCPlazCatalogLoader.h"
 #include "plaz/store/HSCPlazHolds.h"
 #include "plaz/store/HSCPlazItemTree.h"
 #include "plaz/store/HSCPlazPlaces.h"
@@ -98,8 +99,7 @@ void HSCPlazInstalledState::describe(const HSCPlazQStoreModel& store, const Item
     const std::string area = store.getLocalDbFilePath().empty() ? std::string() : m_workspace.paths.getStoreArea(store);
     const HSCPlazStoreLayout layout(area, area);
     const HIOStream::Root root(area);
-    HSCPlazJsonDocument document;
-    HSCPlazReport report;
+    HSCPlazJsonDocument document(HSCPlazLimits::File::item);
     for (const auto& item : items) {
         if (!item->isInstalled()) continue;
         item->setIsDescribedByItself(false);
@@ -107,7 +107,9 @@ void HSCPlazInstalledState::describe(const HSCPlazQStoreModel& store, const Item
         // Where it is: its folder in the repository may be another one by now.
         std::string folder = layout.getFolderOf(item->getLocalDir());
         if (folder.empty()) folder = HSCPlazPathMgr::getItemFolder(store, *item);
-        const auto description = readOwn(root, area, folder, *item, document, report);
+        HSCPlazReport ofItem;
+        const auto description = readOwn(root, area, folder, *item, document, ofItem);
+        if (!ofItem.isEmpty()) m_report.appendOneOfMany(ofItem, HSCPlazCatalogLoader::groupOfItems(store));
         item->setIsDescribedByItself(description != nullptr);
         if (!description) continue;
         if (describes(*description, *item)) item->copyDescriptionFrom(*description);
@@ -115,7 +117,6 @@ void HSCPlazInstalledState::describe(const HSCPlazQStoreModel& store, const Item
         item->clearDependencies(); // it is another item's
         item->setIsDescribedByItself(!isChanged(layout, *item, folder));
     }
-    m_report.append(report);
 }
 
 void HSCPlazInstalledState::update() const {

@@ -1,5 +1,6 @@
 #include "plaz/store/HSCPlazItemTree.h"
 
+#include "plaz/base/HSCPlazLimits.h"
 #include "plaz/base/HSCPlazStoreLayout.h"
 #include "support/HIOStream.h"
 #include "support/HUTFile.h"
@@ -213,7 +214,9 @@ std::optional<HSCPlazItemTree> HSCPlazItemTree::parse(std::string_view lsTree, c
 
 std::optional<HSCPlazItemTree> HSCPlazItemTree::read(const std::string& file, const std::string& commit) {
     std::string content;
-    return HIOStream::read(file, content) == HIOStatus::ok ? fromText(content, commit) : std::nullopt;
+    const std::uint64_t maxSize = HSCPlazLimits().getFileSize(HSCPlazLimits::File::list);
+    const bool isRead = HIOStream::read(file, content, maxSize) == HIOStatus::ok;
+    return isRead ? fromText(content, commit) : std::nullopt;
 }
 
 std::optional<HSCPlazItemTree> HSCPlazItemTree::fromText(std::string_view text, const std::string& commit) {

@@ -3,6 +3,7 @@
 #include "plaz/base/HSCPlazContext.h"
 #include "plaz/base/HSCPlazDebugLog.h"
 #include "plaz/base/HSCPlazKeptFile.h"
+#include "plaz/base/HSCPlazLimits.h"
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazModel.h"
@@ -114,7 +115,8 @@ bool HSCPlazLocalDBMgr::hasChanged(const std::string& file) const {
 
 bool HSCPlazLocalDBMgr::canBeRead(const std::string& file) {
     std::string content;
-    const HIOStream::Status status = HIOStream::read(file, content);
+    const HIOStream::Status status =
+        HIOStream::read(file, content, HSCPlazLimits().getFileSize(HSCPlazLimits::File::list));
     const bool isReadable = status == HIOStream::Status::ok || status == HIOStream::Status::missing;
     if (!isReadable) m_unreadable.insert(file);
     return isReadable;
@@ -158,7 +160,8 @@ HSCPlazLocalDBMgr::Merge HSCPlazLocalDBMgr::merge(const std::string& file, HSCPl
     for (const auto& record : records->getItems()) {
         const std::string refusal = installed.apply(*record);
         if (refusal.empty()) continue;
-        report.add(Msg::itemRefused, MsgSeverity::criticalWarning, record->getName(), refusal);
+        report.appendOneOfMany({Msg::itemRefused, MsgSeverity::criticalWarning, record->getName(), refusal},
+                               "records in \"" + file + '"');
         m_damaged.insert(file); // so that the record outlives the next save
         m_hasLost = true;       // what it needs is not known
     }

@@ -1,9 +1,11 @@
 #include "plaz/tasks/HSCPlazFetchedFiles.h"
 
 #include "plaz/base/HSCPlazFileCopy.h"
+#include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/reader/HSCPlazJsonCheck.h"
 #include "plaz/model/reader/HSCPlazJsonDocument.h"
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
+#include "plaz/model/reader/HSCPlazQItemCatalogReader.h"
 #include "support/HCRapidJsonReadWriteUtils.h"
 
 namespace {
@@ -23,12 +25,19 @@ bool copyWhole(const std::string& source, const std::string& dest) {
 } // namespace
 
 bool HSCPlazFetchedFiles::isCatalog(const std::string& file, HSCPlazReport& problem) {
-    if (!HSCPlazJsonCheck::isWhole(file, problem)) return false;
+    if (!HSCPlazJsonCheck::isWhole(file, HSCPlazLimits::File::list, problem)) return false;
     HSCPlazFindings found;
     HSCPlazJsonDocument document;
     const bool isLoaded = document.load(file, found);
+    const std::string excess = HSCPlazQItemCatalogReader::findExcess(document.getRoot(), document.getLimits());
+    if (!excess.empty()) found.add(HSCPlazFinding::Kind::beyondLimit, file, excess);
     problem.append(found.toReport());
-    return isLoaded && HCRapidJsonReadWriteUtils::FindObject(document.getRoot(), HSCPlazKey::catalog) != nullptr;
+    return isLoaded && excess.empty() &&
+           HCRapidJsonReadWriteUtils::FindObject(document.getRoot(), HSCPlazKey::catalog) != nullptr;
+}
+
+void HSCPlazFetchedFiles::requireWithinLimits(const HSCPlazReport& problem) {
+    if (problem.tells(Msg::limitExceeded)) throw HEXAll(problem.getNotes().front().message);
 }
 
 std::string HSCPlazFetchedFiles::take(const std::string& source, const std::string& area,

@@ -22,6 +22,9 @@ public:
     /// Whether a fetched file of a store is whole, and is one at all. @param problem  what is wrong with it is added
     static bool isCatalog(const std::string& file, HSCPlazReport& problem);
 
+    /// @throws HEXAll what @p problem tells of a file that goes beyond a limit, which is all there is to tell
+    static void requireWithinLimits(const HSCPlazReport& problem);
+
     /// Copies files to where they count, each whole and flushed in one step. Files of the same name, deeper in the
     /// repository, have been fetched with them and stay out.
     /// @return the directory that could not be written to; empty when all is well

@@ -36,7 +36,7 @@ bool describedOnDisk(HSCPlazTask& task, const HSCPlazFoundItem& found, HSCPlazQI
         HSCPlazItemFiles::directoryOf(task.getWorkspace(), found) + "/" + found.item->getMetadataFile();
     if (!HUTFile::isRegularFile(file)) return false;
     HSCPlazReport problem;
-    const bool isWhole = HSCPlazJsonCheck::isWhole(file, problem);
+    const bool isWhole = HSCPlazJsonCheck::isWhole(file, HSCPlazLimits::File::item, problem);
     task.tell(problem);
     if (!isWhole) return false;
     HSCPlazFindings findings;

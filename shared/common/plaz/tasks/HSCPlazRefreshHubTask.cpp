@@ -29,7 +29,7 @@ std::unique_ptr<HSCPlazModel> readHub(HSCPlazTask& task, const std::string& file
     fresh->setHasMetadataFile(true);
     HSCPlazFindings found;
     HSCPlazReader::read(file, *fresh, found);
-    task.mention(found.toReport());
+    task.mention(found.toReport("stores of the hub"));
     return fresh;
 }
 
@@ -37,7 +37,8 @@ std::unique_ptr<HSCPlazModel> readHub(HSCPlazTask& task, const std::string& file
 /// one.
 std::unique_ptr<HSCPlazModel> requireHub(HSCPlazTask& task, const std::string& file, const HSCPlazModel& known) {
     HSCPlazReport problem;
-    const bool isWhole = HSCPlazJsonCheck::isWhole(file, problem);
+    const bool isWhole = HSCPlazJsonCheck::isWhole(file, HSCPlazLimits::File::list, problem);
+    HSCPlazFetchedFiles::requireWithinLimits(problem);
     task.tell(problem);
     auto fresh = isWhole ? readHub(task, file, known) : nullptr;
     if (!fresh || fresh->getStores().empty())

@@ -9,6 +9,7 @@
 #include "plaz/model/repo/git/HSCPlazGitCatalog.h"
 #include "plaz/model/repo/git/HSCPlazGitHead.h"
 #include "plaz/model/repo/git/HSCPlazGitRemoved.h"
+#include "plaz/store/HSCPlazCatalogLoader.h"
 #include "plaz/store/HSCPlazChangeNote.h"
 #include "plaz/store/HSCPlazHubBuilder.h"
 #include "plaz/store/HSCPlazPlaces.h"
@@ -67,12 +68,23 @@ public:
         const auto isReplacedWhole = [](const std::string&) { return true; };
         if (HUTFile::exists(m_catalogDir) && !HUTFile::cloneTree(m_catalogDir, m_fresh, isReplacedWhole))
             return m_task.fail(Msg::dirNotWritable, m_fresh);
-        for (const auto& item : m_store.getItems())
-            if (isDescribed(m_store, *item) && !take(*item)) return false;
-        return !HUTFile::exists(m_fresh) || putInForce();
+        const bool areTaken = takeEach();
+        m_task.tell(m_problems);
+        m_task.mention(m_found);
+        return areTaken && (!HUTFile::exists(m_fresh) || putInForce());
     }
 
 private:
+    bool takeEach() {
+        for (const auto& item : m_store.getItems()) {
+            if (isDescribed(m_store, *item) && !take(*item)) return false;
+            if (m_document.getBytesRead() > m_document.getLimits().getItemFilesSize())
+                return m_task.fail(Msg::limitExceeded, m_document.getFile(),
+                                   m_document.getLimits().describeItemFiles());
+        }
+        return true;
+    }
+
     /// Where directories cannot change places in one step, whoever ends in between leaves a note.
     bool putInForce() {
         const HSCPlazChangeNote note(m_task.getWorkspace().paths.getChangeFile());
@@ -89,15 +101,15 @@ private:
         const std::string relative = item.getRoot() + "/" + item.getMetadataFile();
         const std::string fetched = m_fetched.getDir() + "/" + relative;
         HSCPlazReport problem;
-        if (!HSCPlazJsonCheck::isWhole(fetched, problem)) {
+        if (!HSCPlazJsonCheck::isWhole(fetched, HSCPlazLimits::File::item, problem)) {
             problem.add(Msg::itemCatalogInvalid, MsgSeverity::criticalWarning, fetched, item.getName());
-            m_task.tell(problem);
+            m_problems.appendOneOfMany(problem, HSCPlazCatalogLoader::groupOfItems(m_store));
             return true;
         }
         HSCPlazQItemModel description;
         HSCPlazFindings found;
         HSCPlazQItemReader::readBelow(m_fetched, relative, m_document, description, found);
-        m_task.mention(found.toReport());
+        if (!found.isEmpty()) m_found.appendOneOfMany(found.toReport(), HSCPlazCatalogLoader::groupOfItems(m_store));
         const std::string dir = m_fresh + "/" + HSCPlazPathMgr::getItemFolder(m_store, item) + "/";
         if (!HSCPlazFetchedFiles::place(fetched, dir + item.getMetadataFile()))
             return m_task.fail(Msg::dirNotWritable, dir);
@@ -115,7 +127,8 @@ private:
     const std::string m_catalogDir;
     const std::string m_fresh;
     const HIOStream::Root m_fetched;
-    HSCPlazJsonDocument m_document;
+    HSCPlazReport m_problems, m_found;
+    HSCPlazJsonDocument m_document{HSCPlazLimits::File::item};
 };
 
 void rebuild(HSCPlazTask& task, HSCPlazQStore& store) {

@@ -29,6 +29,7 @@ void requireUsable(HSCPlazTask& task, const MsgId<2>& message, const HSCPlazQSto
                    const std::string& file) {
     HSCPlazReport problem;
     const bool isUsable = HSCPlazFetchedFiles::isCatalog(file, problem);
+    HSCPlazFetchedFiles::requireWithinLimits(problem);
     task.tell(problem);
     require(isUsable, message, store, file);
 }

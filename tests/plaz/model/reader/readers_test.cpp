@@ -50,6 +50,7 @@ std::string withEveryMember(const std::string& value) {
 // A reader that throws, crashes, or gives another result than the others for a file that is no JSON.
 TEST_F(ReaderTest, surviveEveryFile) {
     setParam("plaz.enableSchemaValidation", "false");
+    setParam("plaz.maxItemFileSize", "0"); // sets no limit
     const Names malformed = {"", "{\"plaz\": {\"qstores\": [{\"na", "{\"plaz\": {}} x", std::string(100000, '[')};
     Names wellFormed = {"null", "[1, 2]", "{\"plaz\": {\"schema_version\": {\"_major\": 99999999999999999999}}}",
                         "{\"plaz\": {\"qstores\": {}}, \"plaz\": [], \"config\": 1, \"config\": {}}"};
@@ -236,6 +237,7 @@ TEST_F(ReaderTest, itemFilesBelowADirectory) {
     const auto infra = [](const std::string& author) {
         return R"({"config": {"items": [{"infra": {"name": "n", "author": ")" + author + "\"}}]}}";
     };
+    for (const char* limit : {"plaz.maxTextLength", "plaz.maxNameLength"}) setParam(limit, "0");
     temp.write("store/a", infra(std::string(100000, 'x')));
     temp.write("store/b", infra(""));
     temp.write("store/c", "{");

@@ -63,6 +63,8 @@ Texts findInHub(const Value& root) {
 }
 
 Texts findInCatalog(const Value& root) {
+    if (std::string excess = HSCPlazQItemCatalogReader::findExcess(root, HSCPlazLimits()); !excess.empty())
+        return {std::move(excess)};
     return joined(findRefusals<HSCPlazQItemCatalogReader, HSCPlazQStoreModel>(root),
                   findDoubles(root, Key::catalog, Key::items));
 }
@@ -143,9 +145,11 @@ HSCPlazFileCheck HSCPlazFileCheck::of(const std::string& file) {
     check.file = file;
     HSCPlazFindings found;
     HSCPlazJsonDocument document;
-    if (!document.load(file, found))
-        check.findings.push_back(describeUnreadable(file));
-    else if (!document.isParsed())
+    if (!document.load(file, found)) {
+        check.isUnread = true;
+        const std::string& limit = found.getAll().front().text;
+        check.findings.push_back(limit.empty() ? describeUnreadable(file) : limit);
+    } else if (!document.isParsed())
         check.findings.push_back(found.getAll().front().text);
     else if (const KindRule* rule = findKind(document.getRoot(), file); !rule)
         check.findings.emplace_back("it is JSON, but none of the hub's metadata files");

@@ -11,6 +11,7 @@ struct PLAZ_API HSCPlazFileCheck {
     std::string kind;                  ///< "hub", "store", "item catalog", ...; empty when the content does not tell
     std::string schema;                ///< the schema that it was held against; empty for none
     std::vector<std::string> findings; ///< what is wrong with it, and what the hub would refuse to use of it
+    bool isUnread = false;             ///< it cannot be read, or goes beyond a limit: nothing of it is known
     bool isUnchecked = false;          ///< the only finding is that there is no schema to hold it against
 
     bool isValid() const { return findings.empty(); }

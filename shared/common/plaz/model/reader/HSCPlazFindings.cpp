@@ -23,6 +23,8 @@ void HSCPlazFinding::addTo(HSCPlazReport& report) const {
     switch (kind) {
     case Kind::unreadable:
         return report.add(HostMsg::jsonFileUnreadable, MsgSeverity::fileError, subject);
+    case Kind::beyondLimit:
+        return report.add(Msg::limitExceeded, MsgSeverity::error, subject, text);
     case Kind::notJson:
     case Kind::breaksSchema:
         return report.add(HostMsg::jsonFileUnparsable, MsgSeverity::fileWarning, subject, text);
@@ -37,13 +39,21 @@ void HSCPlazFinding::addTo(HSCPlazReport& report) const {
 }
 
 bool HSCPlazFindings::tellOfDamage() const {
+    using Kind = HSCPlazFinding::Kind;
     return std::any_of(m_all.begin(), m_all.end(), [](const HSCPlazFinding& finding) {
-        return finding.kind == HSCPlazFinding::Kind::unreadable || finding.kind == HSCPlazFinding::Kind::notJson;
+        return finding.kind == Kind::unreadable || finding.kind == Kind::notJson || finding.kind == Kind::beyondLimit;
     });
 }
 
-HSCPlazReport HSCPlazFindings::toReport() const {
+HSCPlazReport HSCPlazFindings::toReport(const std::string& group) const {
     HSCPlazReport report;
-    for (const HSCPlazFinding& finding : m_all) finding.addTo(report);
+    for (const HSCPlazFinding& finding : m_all) {
+        HSCPlazReport one;
+        finding.addTo(one);
+        if (group.empty() || !finding.isRefusal())
+            report.append(one);
+        else
+            report.appendOneOfMany(one, group);
+    }
     return report;
 }

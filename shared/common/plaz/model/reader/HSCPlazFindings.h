@@ -8,16 +8,27 @@
 
 /// What is wrong with a metadata file, or what it names and the hub does not use.
 struct HSCPlazFinding {
-    enum class Kind { unreadable, notJson, breaksSchema, schemaUnreadable, schemaNotJson, itemRefused, storeRefused };
+    enum class Kind {
+        unreadable,
+        beyondLimit,
+        notJson,
+        breaksSchema,
+        schemaUnreadable,
+        schemaNotJson,
+        itemRefused,
+        storeRefused
+    };
 
     Kind kind;
     std::string subject; ///< the file or schema; the item or store that is refused
-    std::string text;    ///< the parser's message, the offending place, why it is refused; empty for what is unreadable
+    std::string
+        text; ///< the parser's message, the offending place, the limit, why it is refused; empty for what is unreadable
 
+    bool isRefusal() const { return kind == Kind::itemRefused || kind == Kind::storeRefused; }
     /// The sentence that a person is told.
     std::string toText() const;
-    /// Adds it: files and schemas as the messages of the host's JSON reports, what is refused as Msg::itemRefused or
-    /// Msg::storeRefused.
+    /// Adds it: files and schemas as the messages of the host's JSON reports or as Msg::limitExceeded, what is refused
+    /// as Msg::itemRefused or storeRefused.
     void addTo(HSCPlazReport& report) const;
 };
 
@@ -29,10 +40,11 @@ public:
     }
     bool isEmpty() const { return m_all.empty(); }
     const std::vector<HSCPlazFinding>& getAll() const { return m_all; }
-    /// Whether a file could not be read, or is not JSON.
+    /// Whether a file could not be read, is not JSON or goes beyond a limit.
     bool tellOfDamage() const;
     /// All of it as messages.
-    HSCPlazReport toReport() const;
+    /// @param group  what those are that may be refused in great number; see HSCPlazReport::appendOneOfMany
+    HSCPlazReport toReport(const std::string& group = {}) const;
     /// Sends all of it.
     void tell() const { toReport().send(); }
 

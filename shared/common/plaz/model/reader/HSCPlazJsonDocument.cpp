@@ -6,6 +6,8 @@
 
 namespace {
 
+using Status = HIOStream::Status;
+
 constexpr std::size_t poolStartSize = 16 * 1024;
 
 const rapidjson::Value* find(const rapidjson::Value& root, const char* key) {
@@ -21,8 +23,9 @@ int intOf(const rapidjson::Value& root, const char* key) {
 
 } // namespace
 
-HSCPlazJsonDocument::HSCPlazJsonDocument()
-    : m_poolStart(new char[poolStartSize]), m_pool(m_poolStart.get(), poolStartSize), m_document(&m_pool) {}
+HSCPlazJsonDocument::HSCPlazJsonDocument(HSCPlazLimits::File kind)
+    : m_kind(kind), m_jsonLimits(m_limits.getJson(kind)), m_poolStart(new char[poolStartSize]),
+      m_pool(m_poolStart.get(), poolStartSize), m_document(&m_pool) {}
 
 void HSCPlazJsonDocument::clear() {
     m_parsed = false;
@@ -33,12 +36,10 @@ void HSCPlazJsonDocument::clear() {
 bool HSCPlazJsonDocument::load(const std::string& file, HSCPlazFindings& found) {
     clear();
     m_file = HUTFile::getCanonicalName(file);
-    if (HIOStream::read(m_file, m_text) != HIOStream::Status::ok) {
-        found.add(HSCPlazFinding::Kind::unreadable, m_file);
-        return false;
-    }
-    parse(found);
-    return true;
+    const Status status = HIOStream::read(m_file, m_text, m_limits.getFileSize(m_kind));
+    if (status == Status::ok) return parse(found);
+    addUnread(status, found);
+    return false;
 }
 
 void HSCPlazJsonDocument::loadText(std::string text, const std::string& name, HSCPlazFindings& found) {
@@ -51,7 +52,7 @@ void HSCPlazJsonDocument::loadText(std::string text, const std::string& name, HS
 void HSCPlazJsonDocument::loadReadablePart(const std::string& file) {
     std::string text;
     HSCPlazFindings ofNoInterest; // the file itself has been judged
-    if (HIOStream::read(file, text) == HIOStream::Status::ok)
+    if (HIOStream::read(file, text, m_limits.getFileSize(m_kind)) == Status::ok)
         loadText(HCRapidJsonReadWriteUtils::getReadablePart(text), file, ofNoInterest);
 }
 
@@ -61,18 +62,29 @@ HIOStream::Status HSCPlazJsonDocument::loadBelow(const HIOStream::Root& root, co
     m_file = root.getDir();
     m_file += '/';
     m_file += relative;
-    const HIOStream::Status status = root.read(relative, m_text);
-    if (status == HIOStream::Status::ok)
-        parse(found);
-    else if (status != HIOStream::Status::missing && status != HIOStream::Status::outside)
-        found.add(HSCPlazFinding::Kind::unreadable, m_file);
+    const Status status = root.read(relative, m_text, m_limits.getFileSize(m_kind));
+    if (status == Status::ok) return parse(found) ? Status::ok : Status::tooLarge;
+    if (status != Status::missing && status != Status::outside) addUnread(status, found);
     return status;
 }
 
-void HSCPlazJsonDocument::parse(HSCPlazFindings& found) {
+void HSCPlazJsonDocument::addUnread(Status status, HSCPlazFindings& found) const {
+    if (status == Status::tooLarge)
+        found.add(HSCPlazFinding::Kind::beyondLimit, m_file, m_limits.describeFile(m_kind));
+    else
+        found.add(HSCPlazFinding::Kind::unreadable, m_file);
+}
+
+bool HSCPlazJsonDocument::parse(HSCPlazFindings& found) {
     using Json = HCRapidJsonReadWriteUtils;
-    m_parsed = Json::parseInPlace(m_text, m_document);
-    if (!m_parsed) found.add(HSCPlazFinding::Kind::notJson, m_file, Json::GetErrorMsgFromDocument(m_document));
+    m_bytesRead += m_text.size();
+    m_parsed = Json::parseInPlace(m_text, m_document, m_jsonLimits);
+    const std::string excess = m_limits.describe(m_document.getExcess(), m_kind);
+    if (!excess.empty())
+        found.add(HSCPlazFinding::Kind::beyondLimit, m_file, excess);
+    else if (!m_parsed)
+        found.add(HSCPlazFinding::Kind::notJson, m_file, Json::GetErrorMsgFromDocument(m_document));
+    return excess.empty();
 }
 
 int HSCPlazJsonDocument::getMajor() const {

@@ -1,10 +1,12 @@
 #pragma once
 
+#include "plaz/base/HSCPlazLimits.h"
 #include "plaz/model/reader/HSCPlazFindings.h"
 #include "plaz/model/reader/HSCPlazSchema.h"
 #include "support/HCRapidJsonReadWriteUtils.h"
 #include "support/HIOStream.h"
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -13,17 +15,18 @@
 /// and memory pool are used again.
 class HSCPlazJsonDocument {
 public:
-    HSCPlazJsonDocument();
+    /// @param kind  what the files are, which decides how much they may hold
+    explicit HSCPlazJsonDocument(HSCPlazLimits::File kind = HSCPlazLimits::File::list);
 
-    /// Reads and parses a file. One that is missing, not a regular file or unreadable is a finding (false); one that is
-    /// no JSON is one too (true), and its root is then null.
+    /// Reads and parses a file. One that is missing, not a regular file, unreadable or beyond a limit is a finding
+    /// (false); one that is no JSON is one too (true). The root is null where nothing was parsed.
     bool load(const std::string& file, HSCPlazFindings& found);
     /// The same of a content that is in memory. @param name  what it is called in findings
     void loadText(std::string text, const std::string& name, HSCPlazFindings& found);
     /// Of a file that is no JSON, what can be read of it; see HCRapidJsonReadWriteUtils::getReadablePart.
     void loadReadablePart(const std::string& file);
     /// The same for a file below a directory held open. A file that is missing or lies outside is no finding: the
-    /// caller judges the status.
+    /// caller judges the status. One beyond a limit is a finding, and `tooLarge`.
     HIOStream::Status loadBelow(const HIOStream::Root& root, const std::string& relative, HSCPlazFindings& found);
 
     /// The file that was asked for last, in canonical form.
@@ -32,6 +35,9 @@ public:
     bool isParsed() const { return m_parsed; }
     /// Valid until the next load; null when nothing was parsed.
     const rapidjson::Value& getRoot() const { return m_document; }
+    /// Bytes of all files that were read so far.
+    std::uint64_t getBytesRead() const { return m_bytesRead; }
+    const HSCPlazLimits& getLimits() const { return m_limits; }
     /// Layout version: the top-level "_major" and "_minor", 0 where they are no integers.
     int getMajor() const;
     int getMinor() const;
@@ -44,7 +50,9 @@ public:
 
 private:
     void clear();
-    void parse(HSCPlazFindings& found);
+    /// @return false when the text goes beyond a limit
+    bool parse(HSCPlazFindings& found);
+    void addUnread(HIOStream::Status status, HSCPlazFindings& found) const;
     HSCPlazSchema* findSchema(HSCPlazSchema::Kind kind, HSCPlazFindings& found);
 
     struct SchemaKey {
@@ -53,6 +61,10 @@ private:
         int minor;
     };
 
+    const HSCPlazLimits::File m_kind;
+    const HSCPlazLimits m_limits;
+    const HCRapidJsonLimits m_jsonLimits;
+    std::uint64_t m_bytesRead = 0;
     std::string m_file;
     std::string m_text;
     std::unique_ptr<char[]> m_poolStart; // the pool keeps this block between files

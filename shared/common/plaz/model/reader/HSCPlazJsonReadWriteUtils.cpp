@@ -18,7 +18,7 @@ std::string getSchemaFile(HSCPlazSchema::Kind kind, const std::string& file) {
 } // namespace
 
 bool HSCPlazJsonReadWriteUtils::isJsonFileValid(const std::string& file) {
-    const HSCPlazReport report = HSCPlazJsonCheck::findProblem(file);
+    const HSCPlazReport report = HSCPlazJsonCheck::findProblem(file, HSCPlazLimits::File::list);
     report.send();
     return report.isEmpty();
 }

@@ -195,12 +195,32 @@ void HSCPlazQItemCatalogReader::fill(const Value& root, HSCPlazQStoreModel& stor
     if (const Value* catalog = Json::FindObject(root, Key::catalog)) readCatalog(*catalog, store, found);
 }
 
+std::string HSCPlazQItemCatalogReader::findExcess(const Value& root, const HSCPlazLimits& limits) {
+    const Value* catalog = Json::FindObject(root, Key::catalog);
+    const Value* entries = catalog ? Json::FindArray(*catalog, Key::items) : nullptr;
+    if (!entries) return {};
+    const bool areItems = Json::GetBooleanProperty(*catalog, Key::multiRevisionSupported);
+    std::size_t items = 0, revisions = 0;
+    for (const Value& entry : entries->GetArray()) {
+        const Value* listed = Json::FindArray(entry, Key::revisions);
+        const std::size_t count = listed ? listed->Size() : 0;
+        items += areItems ? std::max<std::size_t>(count, 1) : 1;
+        revisions += count;
+    }
+    if (items > limits.getItemCount()) return limits.describeItems();
+    return revisions > limits.getRevisionCount() ? limits.describeRevisions() : std::string();
+}
+
 bool HSCPlazQItemCatalogReader::read(const std::string& file, HSCPlazQStoreModel& store, HSCPlazFindings& found) {
     HSCPlazJsonDocument document;
-    const bool isRead = document.load(file, found);
+    if (!document.load(file, found)) return false;
+    if (const std::string excess = findExcess(document.getRoot(), document.getLimits()); !excess.empty()) {
+        found.add(HSCPlazFinding::Kind::beyondLimit, document.getFile(), excess);
+        return false;
+    }
     document.validate(HSCPlazSchema::Kind::qitemCatalog, found);
     fill(document.getRoot(), store, found);
-    return isRead;
+    return true;
 }
 
 bool HSCPlazQItemCatalogReader::parse(const std::string& file, HSCPlazModel* hub, HSCPlazQStoreModel* store) {

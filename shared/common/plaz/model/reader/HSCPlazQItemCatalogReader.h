@@ -1,5 +1,6 @@
 #pragma once
 
+#include "plaz/base/HSCPlazLimits.h"
 #include "plaz/model/reader/HSCPlazFindings.h"
 
 #include <rapidjson/document.h>
@@ -16,11 +17,14 @@ public:
     /// several revisions each other one follows as an item model of its own. Categories are replaced. An entry that has
     /// no name, or whose names would lead out of the store, is left out (Msg::itemRefused), and so are older revisions.
     /// @param hub,store  null gives false at once
-    /// @return false when the file cannot be opened; true, with nothing filled, when it is no JSON
+    /// @return false when the file cannot be opened or goes beyond a limit; true, with nothing filled, when it is no
+    /// JSON
     bool parse(const std::string& file, HSCPlazModel* hub, HSCPlazQStoreModel* store);
 
     /// The same; what is wrong with the file and what is left out is found, not sent.
     static bool read(const std::string& file, HSCPlazQStoreModel& store, HSCPlazFindings& found);
-    /// The same of a document that has been read.
+    /// Which limit of a store's items or revisions a catalog goes beyond; empty when none.
+    static std::string findExcess(const rapidjson::Value& root, const HSCPlazLimits& limits);
+    /// The same as read, of a document that has been read.
     static void fill(const rapidjson::Value& root, HSCPlazQStoreModel& store, HSCPlazFindings& found);
 };

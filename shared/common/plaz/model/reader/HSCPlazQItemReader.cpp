@@ -99,7 +99,7 @@ void HSCPlazQItemReader::fill(const Value& root, HSCPlazQItemModel& item, HSCPla
 }
 
 bool HSCPlazQItemReader::read(const std::string& file, HSCPlazQItemModel& item, HSCPlazFindings& found) {
-    HSCPlazJsonDocument document;
+    HSCPlazJsonDocument document(HSCPlazLimits::File::item);
     const bool isRead = document.load(file, found);
     document.validate(HSCPlazSchema::Kind::qitem, found);
     fill(document.getRoot(), item, found);

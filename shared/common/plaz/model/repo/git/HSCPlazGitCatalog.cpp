@@ -45,11 +45,12 @@ bool acceptFiles(const std::string& owner, const Files& files, HSCPlazReport& re
     return true;
 }
 
-bool acceptItemFile(const HSCPlazQItemModel& item, HSCPlazReport& report) {
+bool acceptItemFile(const std::string& store, const HSCPlazQItemModel& item, HSCPlazReport& report) {
     const std::string file = item.getRoot() + "/" + item.getMetadataFile();
     if (HSCPlazTrust::isSafeRelativePath(item.getRoot()) && HSCPlazTrust::isSafeRelativePath(file)) return true;
-    report.add(Msg::itemRefused, MsgSeverity::error, item.getName(),
-               "its file \"" + file + "\" does not lie in the store's repository");
+    const std::string reason = "its file \"" + file + "\" does not lie in the store's repository";
+    report.appendOneOfMany({Msg::itemRefused, MsgSeverity::error, item.getName(), reason},
+                           "items in the catalog of the store \"" + store + '"');
     return false;
 }
 
@@ -57,7 +58,7 @@ Files getItemFiles(const HSCPlazQStoreModel& store, HSCPlazReport& report) {
     Files files;
     for (const auto& item : store.getItems()) {
         if (!item->isListed() && item->getMetadataFile().empty()) continue; // the catalog has left it out
-        if (!acceptItemFile(*item, report)) continue;
+        if (!acceptItemFile(store.getName(), *item, report)) continue;
         const std::string root = item->getRoot() + HUTFile::getDirSeparator();
         files.push_back(root + item->getMetadataFile());
         files.push_back(root + HSCPlazStoreLayout::changeLogFile);

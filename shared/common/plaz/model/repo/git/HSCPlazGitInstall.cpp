@@ -112,7 +112,7 @@ private:
     void verify(const std::string& source) {
         if (!m_item.isListed()) return; // the catalog's word on its metadata file is not about this commit
         const std::string file = source + HUTFile::getDirSeparator() + m_item.getMetadataFile();
-        if (HSCPlazJsonCheck::isWhole(file, m_report)) return;
+        if (HSCPlazJsonCheck::isWhole(file, HSCPlazLimits::File::item, m_report)) return;
         throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::fetchedItemInvalid, m_item.getName(), file));
     }
 
