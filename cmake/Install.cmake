@@ -49,7 +49,7 @@ else()
     PATTERN "tasks" EXCLUDE
     PATTERN "store" EXCLUDE
     PATTERN "HSCPlazDestruction.h" EXCLUDE
-    REGEX "base/HSCPlaz(ChangeLog|Context|DebugLog|FileCopy|HubLock|TrustRules|Url|Variables)\\.h$" EXCLUDE)
+    REGEX "base/HSCPlaz(ChangeLog|Context|DebugLog|FileCopy|HubLock|Limits|TrustRules|Url|Variables)\\.h$" EXCLUDE)
   install(FILES shared/common/plaz/store/HSCPlazLocalDBMgr.h shared/common/plaz/store/HSCPlazRepoInfoMgr.h
           DESTINATION ${headers}/plaz/store)
   install(FILES shared/common/plaz/tasks/HSCPlazTaskOptions.h shared/common/plaz/tasks/HSCPlazTaskResult.h

@@ -6,7 +6,6 @@
 
 #include "plaz/HSCPlazInspection.h"
 #include "plaz/HSCPlazTaskMgr.h"
-#include "plaz/base/HSCPlazLimits.h"
 #include "plaz/base/HSCPlazStoreLayout.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
@@ -71,11 +70,10 @@ Finding doctor::checkDatabase(const HSCPlazQStore& store) {
     if (HSCPlazInspection::findMissingPlaces().count(store.getName()) != 0)
         return warning(subject, "what is installed is not known, for the store's directory is not there", "");
     std::string content;
-    const std::uint64_t maxSize = HSCPlazLimits().getFileSize(HSCPlazLimits::File::list);
-    const HIOStream::Status status = HIOStream::read(file, content, maxSize);
+    const HIOStream::Status status = HIOStream::read(file, content, 0); // only whether there is something to read
     if (status == HIOStream::Status::missing) return ok(subject, "nothing was installed yet");
     const std::string damage = findDamage(file);
-    if (status != HIOStream::Status::ok || HSCPlazFileCheck::of(file).isUnread)
+    if (HSCPlazFileCheck::of(file).isUnread)
         return problem(subject, damage,
                        "Give yourself the right to read it, check its disk, or raise the limit that it goes beyond: "
                        "until then nothing that is installed can be changed.");

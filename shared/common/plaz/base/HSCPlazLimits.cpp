@@ -2,10 +2,7 @@
 
 #include "support/HPAParamMgr.h"
 
-#include <algorithm>
-#include <iterator>
 #include <limits>
-#include <string_view>
 
 namespace {
 
@@ -34,35 +31,6 @@ constexpr Limit nameLength{"plaz.maxNameLength", "Longest name or path, in bytes
 constexpr std::uint64_t bytesOfValue = 16;
 constexpr std::uint64_t revisionsOfItem = 4;
 constexpr std::uint64_t itemFilesOfFile = 4;
-
-// The members whose texts are names: keys, paths, revisions, and what stands in a column of a table.
-constexpr std::string_view names[] = {"name",
-                                      "display_name",
-                                      "root",
-                                      "item_root",
-                                      "script_root",
-                                      "metadata_file",
-                                      "company",
-                                      "company_display",
-                                      "display",
-                                      "author",
-                                      "category",
-                                      "categories",
-                                      "parent",
-                                      "revision",
-                                      "latest_revision",
-                                      "commit_id",
-                                      "commit-id",
-                                      "logo",
-                                      "item",
-                                      "store",
-                                      "search-keywords",
-                                      "store_type",
-                                      "install_loc",
-                                      "branch",
-                                      "catalog_file",
-                                      "qitem_catalogue_file",
-                                      "remote_repo_branch_to_sync"};
 
 constexpr std::uint64_t unlimited = std::numeric_limits<std::uint64_t>::max();
 
@@ -111,10 +79,6 @@ HCRapidJsonLimits HSCPlazLimits::getJson(File kind) const {
     json.name = m_name;
     json.list = m_listEntries;
     json.longList = m_items;
-    json.isName = [](std::string_view member) {
-        return std::find(std::begin(names), std::end(names), member) != std::end(names);
-    };
-    json.isLongList = [](std::string_view member) { return member == "items"; };
     return json;
 }
 

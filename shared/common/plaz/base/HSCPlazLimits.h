@@ -1,6 +1,5 @@
 #pragma once
 
-#include "plaz/base/PlazExport.h"
 #include "support/HCRapidJsonReadWriteUtils.h"
 
 #include <cstddef>
@@ -12,7 +11,7 @@ class HPAParamMgr;
 /// How much a store or a hub may bring: the one place where that stands, and the parameters that set it. What goes
 /// beyond is not used, whoever made it, so that nobody's memory is another one's to fill. A parameter of 0 or less sets
 /// no limit.
-class PLAZ_API HSCPlazLimits {
+class HSCPlazLimits {
 public:
     /// What a file describes: many things (a hub, a store, a catalog, a database), or one item.
     enum class File { list, item };
@@ -29,7 +28,7 @@ public:
     std::size_t getItemCount() const { return m_items; }
     /// Revisions that a catalog lists for all its items.
     std::size_t getRevisionCount() const;
-    /// What a file's JSON may hold.
+    /// What a file's JSON may hold; which members are names and long lists is for the readers to add.
     HCRapidJsonLimits getJson(File kind) const;
 
     /// What is wrong with a file that is too large: "it is larger than 128 MB, the limit of ...".

@@ -4,9 +4,56 @@
 #include "support/HPAParamMgr.h"
 #include "support/HUTFile.h"
 
+#include <algorithm>
+#include <iterator>
+#include <string_view>
+
 namespace {
 
 using Status = HIOStream::Status;
+
+namespace Key = HSCPlazKey;
+
+// The members whose texts are keys, paths or revisions, or stand in a column of a table.
+constexpr std::string_view names[] = {Key::name,
+                                      Key::displayName,
+                                      Key::root,
+                                      Key::itemRoot,
+                                      Key::scriptRoot,
+                                      Key::metadataFile,
+                                      Key::company,
+                                      Key::display,
+                                      Key::author,
+                                      Key::companyDisplay,
+                                      Key::category,
+                                      Key::categories,
+                                      Key::parent,
+                                      Key::revision,
+                                      Key::commitId,
+                                      Key::latestRevision,
+                                      Key::hubCommitId,
+                                      Key::logo,
+                                      Key::storeType,
+                                      Key::branch,
+                                      Key::catalogFile,
+                                      Key::dependencyItem,
+                                      Key::dependencyStore,
+                                      Key::searchKeywords,
+                                      Key::version,
+                                      Key::productName,
+                                      Key::branchToSync,
+                                      Key::itemCatalogFile,
+                                      Key::installLocation,
+                                      Key::currentBranch};
+
+HCRapidJsonLimits limitsOf(const HSCPlazLimits& limits, HSCPlazLimits::File kind) {
+    HCRapidJsonLimits json = limits.getJson(kind);
+    json.isName = [](std::string_view member) {
+        return std::find(std::begin(names), std::end(names), member) != std::end(names);
+    };
+    json.isLongList = [](std::string_view member) { return member == Key::items; };
+    return json;
+}
 
 constexpr std::size_t poolStartSize = 16 * 1024;
 
@@ -24,7 +71,7 @@ int intOf(const rapidjson::Value& root, const char* key) {
 } // namespace
 
 HSCPlazJsonDocument::HSCPlazJsonDocument(HSCPlazLimits::File kind)
-    : m_kind(kind), m_jsonLimits(m_limits.getJson(kind)), m_poolStart(new char[poolStartSize]),
+    : m_kind(kind), m_jsonLimits(limitsOf(m_limits, kind)), m_poolStart(new char[poolStartSize]),
       m_pool(m_poolStart.get(), poolStartSize), m_document(&m_pool) {}
 
 void HSCPlazJsonDocument::clear() {
