@@ -67,7 +67,9 @@ Finding doctor::checkRemote(const std::string& subject, const std::string& url, 
     Finding finding;
     if (!answer.isGiven)
         finding = problem(subject, shown + " does not answer (" + after + "): " + answer.reason,
-                          "Check URL, network, proxy and credentials. What was refreshed last stays in force.");
+                          answer.advice.empty()
+                              ? "Check URL, network, proxy and credentials. What was refreshed last stays in force."
+                              : answer.advice);
     else if (followed.empty())
         finding = problem(
             subject, shown + " has no branch " + (branch.empty() ? "" : branch + " and no ") + HSCPlazName::mainBranch,

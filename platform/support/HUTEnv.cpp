@@ -138,6 +138,10 @@ bool HUTEnv::getRegressMode() {
     return isYes("GDA_REGRESS_MODE");
 }
 
+std::string HUTEnv::getAuthorities() {
+    return platform::getAuthorities();
+}
+
 std::vector<std::string> HUTEnv::getAll() {
     return platform::getEnvironment();
 }

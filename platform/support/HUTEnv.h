@@ -54,6 +54,10 @@ public:
     /// True when GDA_REGRESS_MODE begins with "Y" or "y": a run that must leave no trace in databases.
     static bool getRegressMode();
 
+    /// The certificates, in PEM form, of the authorities that this system trusts to vouch for servers; empty when they
+    /// are nowhere to be found.
+    static std::string getAuthorities();
+
     /// Every variable of the environment as "NAME=value".
     static std::vector<std::string> getAll();
 };

@@ -27,6 +27,9 @@ std::string getVariableKey(const std::string& name);
 /// Sets a variable for this process and its children.
 void setEnvironment(const std::string& name, const std::string& value);
 
+/// As HUTEnv::getAuthorities() says.
+std::string getAuthorities();
+
 /// As HUTSysCall::startProgram() says.
 std::vector<std::string> startProgram(int argc, const char* const* argv);
 /// As HUTSysCall::runShell() says.

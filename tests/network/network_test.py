@@ -161,6 +161,56 @@ class NetworkTest(HubTest):
             self.trust(authority)
             self.check("with it", self.check_remote(), "outdated")
 
+    def refuse(self, command, address, reason, settings=()):
+        """A command fails and says once which server it does not believe, why, and what to do."""
+        document, told = self.run_plaz(command, settings, status=1)
+        texts = [message["text"] for message in document["messages"] if message["id"] == "17-2260"]
+        shown = (f'"https://{address}"', reason, "plaz.certificateFile", "plaz.enableCertificateCheck")
+        self.check(command, [[part in text for part in shown] for text in texts], [[True] * len(shown)])
+        self.check_shown(told, "certificate")
+
+    def test_servers_that_pretend(self):
+        """Catches: a catalog from, or a login for, a server that only pretends; a way in that leads nowhere."""
+        authority, good = servers.make_certificates(self.servers / "keys")
+        other, untrusted = servers.make_certificates(self.servers / "other")
+        cases = {
+            "untrusted": (untrusted, "no authority"),
+            "expired": (servers.make_certificates(self.servers / "old", authority, days=-1)[1], "date"),
+            "wrong name": (servers.make_certificates(self.servers / "name", authority, "127.0.0.9")[1], "another name"),
+        }
+        self.env.update(GIT_SSL_NO_VERIFY="1", GIT_SSL_CAINFO="/dev/null")
+        self.trust(authority)
+        unchecked = "plaz.enableCertificateCheck=false"
+        with self.serve("good", certificate=good, credentials=CREDENTIALS) as good_address:
+            relay = servers.Relay(good_address)
+            self.lead_to(f"https://{relay.address}/git", credentials=CREDENTIALS)
+            for kind, (certificate, reason) in cases.items():
+                relay.lead_to(good_address)
+                self.run_plaz("refresh tclscripts")
+                before = self.get_items()
+                with self.serve(kind, certificate=certificate, credentials=CREDENTIALS) as address:
+                    relay.lead_to(address)
+                    self.publish()
+                    for command in ("check tclscripts", "refresh tclscripts", "refresh --hub"):
+                        self.refuse(command, relay.address, reason)
+                    self.refuse("refresh tclscripts", relay.address, reason, [unchecked])
+                    for index in self.home.glob("**/.index"):
+                        shutil.rmtree(index)
+                    self.refuse("install text-tables", relay.address, reason)
+                    self.check(kind, self.get_items(), before)
+                    self.check_shown((self.servers / kind / "output").read_text().lower(), never=["authorization:"])
+                    self.refresh_twice(settings=[unchecked, f"plaz.uncheckedServers=x, {relay.address}"])
+                    if kind == "untrusted":
+                        self.refresh_twice(settings=[f"plaz.certificateFile={other}"])
+        with self.serve("open", certificate=untrusted) as address:
+            self.lead_to(f"https://{address}/git")
+            self.refresh_twice(settings=[unchecked])
+        with self.serve("locked", certificate=untrusted, credentials=CREDENTIALS) as address:
+            self.lead_to(f"https://{address}/git")
+            servers.write(self.home / ".netrc", "machine {} login {} password {}".format(HOST, *CREDENTIALS))
+            self.fail_to_refresh("could not read Username", [], settings=[unchecked])
+            self.check_shown((self.servers / "locked" / "output").read_text().lower(), never=["authorization:"])
+
     def test_credentials(self):
         """Catches: credentials lost, read by others or asked for at a keyboard; wrong ones told of as none."""
         cases = (  # store, whether it is private, what is configured, parameters, messages where they are refused

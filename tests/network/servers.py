@@ -97,15 +97,20 @@ def run_proxy(directory, credentials):
     return run_server(directory, make_command)
 
 
-def make_certificates(directory):
-    """An authority, and a certificate that it has given to HOST. @return their files; the second holds its key too"""
+def make_certificates(directory, authority=None, host=HOST, days=2):
+    """An authority, or one that is given, and a certificate that it has issued. @return their files; the second holds
+    its key too"""
     directory.mkdir()
-    authority, key, server, server_key = (directory / name for name in ("ca.crt", "ca.key", "server.pem", "server.key"))
-    new = "openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes -days 2".split()
-    of_host = ["-subj", f"/CN={HOST}", "-addext", f"subjectAltName=IP:{HOST}", "-addext", "basicConstraints=CA:FALSE"]
-    succeed(*new, "-subj", "/CN=Test authority", "-keyout", key, "-out", authority)
-    succeed(*new, *of_host, "-CA", authority, "-CAkey", key, "-keyout", server_key, "-out", server)
-    return authority, write(server, server.read_text() + server_key.read_text())
+    request, key, server = (directory / name for name in ("request", "server.key", "server.pem"))
+    new = "openssl req -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes".split()
+    if not authority:
+        authority = directory / "ca.crt"
+        succeed(*new, *"-x509 -days 2 -subj /CN=Authority".split(), "-keyout", directory / "ca.key", "-out", authority)
+    succeed(*new, "-subj", f"/CN={host}", "-keyout", key, "-out", request)
+    extensions = write(directory / "extensions", f"subjectAltName=IP:{host}\nbasicConstraints=CA:FALSE\n")
+    issuer = ["-CA", authority, "-CAkey", authority.with_name("ca.key"), "-extfile", extensions]
+    succeed("openssl", "x509", "-req", "-in", request, "-days", str(days), *issuer, "-out", server)
+    return authority, write(server, server.read_text() + key.read_text())
 
 
 # What a relay does in place of passing everything on: it passes so many bytes of the server's answers and then sends a
@@ -123,8 +128,11 @@ class Relay(socketserver.ThreadingTCPServer):
         self.address = f"{HOST}:{self.server_address[1]}"
         self.fault = None
         self.passed = b""  # what came through while there was a fault
-        self._server = (HOST, int(address.rpartition(":")[2]))
+        self.lead_to(address)
         threading.Thread(target=self.serve_forever, daemon=True).start()
+
+    def lead_to(self, address):
+        self._server = (HOST, int(address.rpartition(":")[2]))
 
     def finish_request(self, request, client_address):
         fault = self.fault or Fault(passed=float("inf"))

@@ -29,6 +29,7 @@ public:
     std::string getSchemaRoot() const override { return paths.getSchemaRoot(); }
     std::string getDefaultDatabase() const override { return paths.getDefaultLocalDbFile(); }
     std::string getLockFile() const override { return paths.getLockFile(); }
+    std::string getAuthoritiesFile() const override { return paths.getAuthoritiesFile(); }
     HSCPlazStoreLayout getLayout(const HSCPlazQStoreModel& store) const override { return paths.getStoreLayout(store); }
     HSCPlazWorkLayout getWorkLayout(const HSCPlazQStoreModel& store) const override {
         return paths.getWorkLayout(store);

@@ -1,6 +1,7 @@
 #include "support/PlatformSystem.h"
 
 #include "Aside.h"
+#include "support/HIOStream.h"
 
 #include <cerrno>
 #include <csignal>
@@ -64,6 +65,15 @@ std::string getVariableKey(const std::string& name) {
 
 void setEnvironment(const std::string& name, const std::string& value) {
     setenv(name.c_str(), value.c_str(), 1);
+}
+
+std::string getAuthorities() {
+    static constexpr const char* files[] = {"/etc/ssl/certs/ca-certificates.crt", "/etc/pki/tls/certs/ca-bundle.crt",
+                                            "/etc/ssl/ca-bundle.pem", "/etc/ssl/cert.pem"};
+    std::string text;
+    for (const char* file : files)
+        if (HIOStream::read(file, text) == HIOStream::Status::ok) return text;
+    return {};
 }
 
 std::vector<std::string> startProgram(int argc, const char* const* argv) {

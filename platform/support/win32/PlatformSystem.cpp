@@ -8,6 +8,7 @@
 #include <io.h>
 #include <memory>
 #include <shellapi.h>
+#include <wincrypt.h>
 
 namespace platform {
 
@@ -63,6 +64,59 @@ void setEnvironment(const std::string& name, const std::string& value) {
 
 std::string getVariableKey(const std::string& name) {
     return getNameKey(name);
+}
+
+namespace {
+
+using Store = std::unique_ptr<void, void (*)(HCERTSTORE)>;
+
+Store openStore(const wchar_t* name) {
+    return {CertOpenSystemStoreW(0, name), [](HCERTSTORE store) { CertCloseStore(store, 0); }};
+}
+
+// One without a list of uses may do anything.
+bool mayVouchForServers(PCCERT_CONTEXT certificate) {
+    DWORD size = 0;
+    if (!CertGetEnhancedKeyUsage(certificate, 0, nullptr, &size)) return GetLastError() == DWORD(CRYPT_E_NOT_FOUND);
+    std::vector<BYTE> buffer(size);
+    auto* const usage = reinterpret_cast<CERT_ENHKEY_USAGE*>(buffer.data());
+    if (!CertGetEnhancedKeyUsage(certificate, 0, usage, &size)) return false;
+    if (usage->cUsageIdentifier == 0) return GetLastError() == DWORD(CRYPT_E_NOT_FOUND);
+    for (DWORD i = 0; i < usage->cUsageIdentifier; ++i)
+        if (std::string(usage->rgpszUsageIdentifier[i]) == szOID_PKIX_KP_SERVER_AUTH) return true;
+    return false;
+}
+
+bool isIn(const Store& store, PCCERT_CONTEXT certificate) {
+    constexpr DWORD encoding = X509_ASN_ENCODING | PKCS_7_ASN_ENCODING;
+    PCCERT_CONTEXT found =
+        store ? CertFindCertificateInStore(store.get(), encoding, 0, CERT_FIND_EXISTING, certificate, nullptr)
+              : nullptr;
+    return found && CertFreeCertificateContext(found);
+}
+
+std::string toPem(PCCERT_CONTEXT certificate) {
+    DWORD size = 0;
+    const auto convert = [&](char* text) {
+        return CryptBinaryToStringA(certificate->pbCertEncoded, certificate->cbCertEncoded, CRYPT_STRING_BASE64HEADER,
+                                    text, &size);
+    };
+    if (!convert(nullptr)) return {};
+    std::string text(size, '\0');
+    if (!convert(text.data())) return {};
+    text.resize(size);
+    return text;
+}
+
+} // namespace
+
+std::string getAuthorities() {
+    const Store roots = openStore(L"ROOT"), disallowed = openStore(L"Disallowed");
+    std::string text;
+    PCCERT_CONTEXT certificate = nullptr;
+    while (roots && (certificate = CertEnumCertificatesInStore(roots.get(), certificate)))
+        if (mayVouchForServers(certificate) && !isIn(disallowed, certificate)) text += toPem(certificate);
+    return text;
 }
 
 std::vector<std::string> startProgram(int /*argc*/, const char* const* /*argv*/) {

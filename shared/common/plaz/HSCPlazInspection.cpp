@@ -31,7 +31,8 @@ HSCPlazWorkspace& workspace() {
 }
 
 HSCPlazInspection::Answer toAnswer(const HSCPlazGitAnswer& answer) {
-    return {answer.status == 0, answer.text, answer.getReason()};
+    const ComMsgMgrInstance* more = answer.details.findProblem();
+    return {answer.status == 0, answer.text, answer.getReason(), more ? more->getMessage() : std::string()};
 }
 
 /// Why the place of some store's record cannot be named, where that is so.

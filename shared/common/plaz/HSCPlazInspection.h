@@ -22,6 +22,7 @@ struct Answer {
     bool isGiven;       ///< git ran and was content
     std::string text;   ///< all it wrote, secrets masked
     std::string reason; ///< its error lines in one, or what to say where there are none
+    std::string advice; ///< what to do about it, where that follows from the reason
 };
 
 /// One setting of git, as its configuration has it; a proxy may hold a secret.

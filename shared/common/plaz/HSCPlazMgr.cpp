@@ -48,6 +48,7 @@ public:
     std::string getSchemaRoot() const override { return m_workspace.paths.getSchemaRoot(); }
     std::string getDefaultDatabase() const override { return m_workspace.paths.getDefaultLocalDbFile(); }
     std::string getLockFile() const override { return m_workspace.paths.getLockFile(); }
+    std::string getAuthoritiesFile() const override { return m_workspace.paths.getAuthoritiesFile(); }
     HSCPlazStoreLayout getLayout(const HSCPlazQStoreModel& store) const override {
         return m_workspace.paths.getStoreLayout(store);
     }

@@ -35,6 +35,12 @@ void registerAccessParams(HPAParamMgr& params) {
     params.setHidden("plaz.enableDebugGit", true);
     params.registerStringParam(HSCPlazName::httpProxy, "Http proxy for plaz", "");
     params.registerStringParam("plaz.https_proxy", "Https proxy for plaz", "");
+    params.registerBoolParam("plaz.enableCertificateCheck",
+                             "Check the certificates of servers; without, anybody may pose as one", true);
+    params.registerStringParam("plaz.certificateFile",
+                               "Full path of a file (PEM) of authorities that count beside those of the system", "");
+    params.registerStringParam("plaz.uncheckedServers",
+                               "Servers that get a login although their certificates are not checked", "");
     params.registerStringParam("plaz.product_name", "Name of the product", "");
     params.registerStringParam("plaz.product_version", "Release Version of the product", "");
     params.registerStringParam("plaz.rawGitUrl", "Git path to configure url for raw contents",

@@ -250,7 +250,8 @@ HSCPlazStoreResult HSCPlazTaskMgr::checkStore(HSCPlazQStore& store, HDGUIStatus*
     if (!isFetched && task.getReport().isEmpty()) return resultOf(task, store, StoreOutcome::outdated);
     if (const std::optional<bool> moved = check.getAnswer())
         return resultOf(task, store, *moved ? StoreOutcome::outdated : StoreOutcome::upToDate);
-    if (!task.getReport().findProblem()) task.fail(Msg::storeNotChecked, store.getName(), check.reason);
+    if (!task.getReport().findProblem() || !check.details.isEmpty())
+        task.fail(Msg::storeNotChecked, store.getName(), check.reason);
     return resultOf(task, store, StoreOutcome::unknown);
 }
 

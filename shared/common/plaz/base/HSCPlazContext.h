@@ -41,6 +41,8 @@ public:
     virtual std::string getDefaultDatabase() const { return {}; }
     /// The file whose lock is held while something is changed.
     virtual std::string getLockFile() const { return {}; }
+    /// Where authorities' certificates from several places are put together; empty for nowhere.
+    virtual std::string getAuthoritiesFile() const { return {}; }
     /// @throws HEXAll where a store's area cannot be named
     virtual HSCPlazStoreLayout getLayout(const HSCPlazQStoreModel& /*store*/) const { return {}; }
     virtual HSCPlazWorkLayout getWorkLayout(const HSCPlazQStoreModel& /*store*/) const { return HSCPlazWorkLayout(); }

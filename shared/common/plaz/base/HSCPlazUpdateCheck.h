@@ -1,5 +1,7 @@
 #pragma once
 
+#include "plaz/base/HSCPlazReport.h"
+
 #include <optional>
 #include <string>
 
@@ -7,6 +9,7 @@
 struct HSCPlazUpdateCheck {
     std::optional<bool> moved; ///< what git printed, as far as it tells anything
     std::string reason;        ///< why that is not to be relied on, secrets masked; empty when it is
+    HSCPlazReport details{};   ///< what is to be told of it beside the reason
 
     /// Whether the remote has moved; nothing when that is not known.
     std::optional<bool> getAnswer() const { return reason.empty() ? moved : std::nullopt; }

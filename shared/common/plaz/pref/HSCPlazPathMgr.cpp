@@ -21,6 +21,7 @@ namespace {
 constexpr const char* sharedDataDir = "common";
 constexpr const char* lockFile = "plaz.lock";
 constexpr const char* keptDir = "plaz_kept";
+constexpr const char* authoritiesFile = "plaz_authorities.pem";
 constexpr const char* changeFile = "plaz_change.json";
 constexpr const char* repoInfoFile = "plaz_stores.json";
 
@@ -133,6 +134,10 @@ std::string HSCPlazPathMgr::getChangeFile() const {
 
 std::string HSCPlazPathMgr::getKeptDir() const {
     return getUserAreaRoot("", false, keptDir);
+}
+
+std::string HSCPlazPathMgr::getAuthoritiesFile() const {
+    return getUserAreaRoot("", false, authoritiesFile);
 }
 
 std::string HSCPlazPathMgr::getDefaultLocalDbFile() const {

@@ -57,6 +57,8 @@ public:
     std::string getChangeFile() const;
     /// Where what people had changed or added in items' folders is kept when these go.
     std::string getKeptDir() const;
+    /// The certificates of authorities that git goes by, where they come from several places.
+    std::string getAuthoritiesFile() const;
     /// The database used where a store has none of its own and the hub names none.
     std::string getDefaultLocalDbFile() const;
 

@@ -14,5 +14,6 @@ HSCPlazUpdateCheck HSCPlazUpdateCheckTask::look(HSCPlazTask& task, const HSCPlaz
         check = HSCPlazGitUpdateCheck::look(repository.layout.getIndex(), repository.access, proxy, store.getBranch());
         return true;
     });
+    task.fail(check.details);
     return check;
 }

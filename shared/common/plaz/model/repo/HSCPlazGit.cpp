@@ -134,7 +134,9 @@ int HSCPlazGit::hasUpdate(const std::string& cloneDir, const std::string& url, c
     if (taken.isBusy) ComMsgMgr::send(Msg::hubBusy, MsgSeverity::error, lockFile);
     if (!taken.lock) return 0;
     // RATIONALE: as it always has, it goes by the first line of git's log alone, even where that tells of a failure.
-    return HSCPlazGitUpdateCheck::look(cloneDir, access, proxy, branch).moved.value_or(false) ? 1 : 0;
+    const HSCPlazUpdateCheck check = HSCPlazGitUpdateCheck::look(cloneDir, access, proxy, branch);
+    check.details.send();
+    return check.moved.value_or(false) ? 1 : 0;
 }
 
 void HSCPlazGit::setSslCaInfo(const std::string& dir) {

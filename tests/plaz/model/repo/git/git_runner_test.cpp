@@ -142,18 +142,19 @@ TEST_F(GitRunner, RunsWithoutCurrentDirectory) {
 TEST_F(GitRunner, EnvironmentIsOfOurMaking) {
     replaceGit("env > " + temp.path("env"));
     env.set("GIT_DIR", "/elsewhere");
-    env.set("GIT_SSL_CAINFO", "/bundle");
+    for (const char* kept : {"GIT_SSL_CAPATH", "GIT_SSL_CAINFO", "GIT_SSL_NO_VERIFY"}) env.set(kept, "/bundle");
     env.set("GIT_ASKPASS", "/dialog");
     const auto seen = [this](const std::string& line) {
         return ("\n" + readFile(temp.path("env"))).find("\n" + line) != std::string::npos;
     };
     run("fetch");
     for (const char* line :
-         {"GIT_SSL_CAINFO=/bundle\n", "GIT_TERMINAL_PROMPT=0\n", "GIT_ASKPASS=\n", "GCM_INTERACTIVE=never\n",
+         {"GIT_SSL_CAPATH=/bundle\n", "GIT_TERMINAL_PROMPT=0\n", "GIT_ASKPASS=\n", "GCM_INTERACTIVE=never\n",
           "GIT_ASK_YESNO=false\n", "GIT_CONFIG_GLOBAL=/dev/null\n", "LC_ALL=C.UTF-8\n",
           "GIT_SSH_COMMAND=ssh -oBatchMode=yes\n", "GIT_ALLOW_PROTOCOL=file:git:http:https:ssh\n"})
         EXPECT_TRUE(seen(line)) << line;
-    EXPECT_FALSE(seen("GIT_DIR="));
+    for (const char* dropped : {"GIT_DIR=", "GIT_SSL_CAINFO=", "GIT_SSL_NO_VERIFY="})
+        EXPECT_FALSE(seen(dropped)) << dropped;
     setParam("plaz.enableAskPassForPrivateRepo", "true");
     run("fetch");
     EXPECT_TRUE(seen("GIT_ASKPASS=/dialog\n") && !seen("GCM_INTERACTIVE=") && !seen("GIT_DIR="));

@@ -3,6 +3,7 @@
 #include "plaz/base/HSCPlazNames.h"
 #include "plaz/base/HSCPlazStoreLayout.h"
 #include "plaz/base/HSCPlazUrl.h"
+#include "plaz/model/repo/git/HSCPlazGitCertificates.h"
 #include "plaz/model/repo/git/HSCPlazGitConfigFile.h"
 #include "plaz/model/repo/git/HSCPlazGitCredentials.h"
 #include "plaz/model/repo/git/HSCPlazGitParams.h"
@@ -67,6 +68,8 @@ bool hasPrefix(std::string_view text, std::string_view prefix) {
 bool isKept(const std::string& name) {
     if (!hasPrefix(name, "GIT_")) return true;
     if (name == "GIT_ASKPASS") return HSCPlazGitParams::mayAsk();
+    // These two would outrank what HSCPlazGitCertificates decides.
+    if (name == "GIT_SSL_NO_VERIFY" || name == "GIT_SSL_CAINFO") return false;
     return hasPrefix(name, "GIT_SSL_") || hasPrefix(name, "GIT_PROXY_SSL_");
 }
 
@@ -109,6 +112,23 @@ void addFileSettings(HUTFork& git, std::size_t& count) {
         addSetting(git, count++, key, HUTFile::getNullDevice());
 }
 
+// RATIONALE: a working copy records http.sslVerify as false while a command runs; what the environment says outranks
+// that. Of two settings that a URL fits git takes the one that fits more of it, wherever it stands.
+void addCertificateSettings(HUTFork& git, std::size_t& count, const std::string& workDir,
+                            const std::string& remoteUrl) {
+    const bool areChecked = HSCPlazGitCertificates::areChecked(remoteUrl);
+    const HSCPlazUrl url = HSCPlazUrl::parse(remoteUrl);
+    addSetting(git, count++, "http.sslVerify", areChecked ? "true" : "false");
+    if (url.isHttp()) addSetting(git, count++, "http." + url.withoutUser() + ".sslVerify", areChecked ? "true" : "false");
+    const std::string authorities = HSCPlazGitCertificates::findAuthorities(workDir).file;
+    if (!authorities.empty()) {
+        addSetting(git, count++, "http.sslCAInfo", authorities);
+        addSetting(git, count++, "http.schannelUseSSLCAInfo", "true"); // for what else asks the system alone
+    }
+    // What is there may hold logins (".netrc"), which git's web client sends by itself.
+    if (!areChecked && !HSCPlazGitCertificates::isNamed(remoteUrl)) git.setEnv("HOME", HUTFile::getNullDevice());
+}
+
 void addServerSettings(HUTFork& git, std::size_t& count, const std::string& workDir, const std::string& remoteUrl) {
     // A server that falls silent is given up by commands that run without a time limit, too.
     addSetting(git, count++, "http.lowSpeedLimit", "1");
@@ -135,6 +155,7 @@ void addSettings(HUTFork& git, const std::string& command, const std::string& wo
     if (command != "config") {
         addFileSettings(git, count);
         addServerSettings(git, count, workDir, remoteUrl);
+        if (HSCPlazGitEnv::mayTransfer(command)) addCertificateSettings(git, count, workDir, remoteUrl);
     }
     git.setEnv("GIT_CONFIG_COUNT", std::to_string(count));
     git.setEnv("GIT_CONFIG_GLOBAL", HUTFile::getNullDevice());

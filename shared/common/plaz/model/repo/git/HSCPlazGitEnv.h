@@ -6,8 +6,8 @@ class HUTFork;
 
 /// The environment in which git runs. It is of our making, so that neither a user's settings nor a store can change
 /// what a command does: no prompts, hooks, background work, submodules, links or filters. It goes through variables, so
-/// that the command lines stay as they are. The system's settings, certificates above all, stay in force where nothing
-/// here replaces them. Needs git 2.32.
+/// that the command lines stay as they are. The system's settings stay in force where nothing here replaces them; which
+/// servers are believed is what HSCPlazGitCertificates says, whatever a working copy records. Needs git 2.32.
 namespace HSCPlazGitEnv {
 
 /// What a working copy's ".git/info/attributes" holds: it outranks a repository's own ".gitattributes", so that files

@@ -23,6 +23,13 @@ bool isRemoteAccessEnabled();
 bool usesSearchPath();
 /// git may open dialogs: the parameter "plaz.enableAskPassForPrivateRepo".
 bool mayAsk();
+/// Certificates of servers are checked: the parameter "plaz.enableCertificateCheck".
+bool checksCertificates();
+/// Where there are authorities beside those of the system: the parameter "plaz.certificateFile"; empty for nowhere.
+std::string getCertificateFile();
+/// Whether a parameter's list of servers ("h.example.org, https://i.example.org:8443") names that of @p url. An entry
+/// without a scheme means "https".
+bool namesServer(const char* parameter, const std::string& url);
 /// Where board stores are, instead of where their metadata says; empty for there.
 std::string getBoardUrl();
 

@@ -5,6 +5,7 @@
 #include "plaz/base/HSCPlazStoreLayout.h"
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/base/HSCPlazUrl.h"
+#include "plaz/model/repo/git/HSCPlazGitCertificates.h"
 #include "plaz/model/repo/git/HSCPlazGitConfigFile.h"
 #include "plaz/model/repo/git/HSCPlazGitCredentials.h"
 #include "plaz/model/repo/git/HSCPlazGitEnv.h"
@@ -40,6 +41,7 @@ struct Run {
     std::string remoteUrl;   ///< what it spoke to; empty for a command that stays local
     std::string errors;      ///< the error lines of its output, sorted and distinct, each with its end
     HSCPlazReport limit;     ///< tells which limit it met, if it did
+    std::string dir;         ///< where it ran
 };
 
 /// Adds a log's error lines.
@@ -152,6 +154,7 @@ void explainDenial(const Run& run, HSCPlazReport& details) {
     HSCPlazReport details;
     if (!HUTFork::isInterrupted()) {
         if (!run.errors.empty()) details.add(Msg::gitErrors, MsgSeverity::error, run.commandLine, run.errors);
+        details.append(HSCPlazGitCertificates::explainOnce(run.remoteUrl, run.errors, run.dir));
         explainDenial(run, details);
         details.append(run.limit);
     }
@@ -163,10 +166,16 @@ bool isRemote(const std::string& command) {
     return command == "fetch" || command == "pull";
 }
 
+/// What a program that was run once spoke to (empty for nothing), and its exit status.
+struct DirectRun {
+    std::string remoteUrl;
+    int status;
+};
+
 /// Runs a program once, for what it writes into a file. Web URLs go without their user part, which git is told through
 /// its environment. The limit that it met, if it did, is told at the end of the file.
-int runOnce(HUTFork& process, const std::vector<std::string>& words, const std::string& workDir,
-            const std::string& outFile, int seconds) {
+DirectRun runOnce(HUTFork& process, const std::vector<std::string>& words, const std::string& workDir,
+                  const std::string& outFile, int seconds) {
     std::string remoteUrl;
     process.dontUseHDLDPath();
     process.setProg(words.front(), false);
@@ -186,7 +195,7 @@ int runOnce(HUTFork& process, const std::vector<std::string>& words, const std::
     const HSCPlazReport limit = HSCPlazGitLimits::explain(process, command, remoteUrl, dir);
     for (const HSCPlazReport::Note& note : limit.getNotes())
         HIOStream::openForWriting(outFile, std::ios::app) << "\nfatal: " << note.message.getMessage() << std::endl;
-    return status;
+    return {remoteUrl, status};
 }
 
 Run runHere(const std::vector<std::string>& args, const std::string& workDir, const std::string& startDir,
@@ -203,7 +212,7 @@ Run runHere(const std::vector<std::string>& args, const std::string& workDir, co
     const std::string dir = toAbsolute(workDir, startDir).generic_string();
     git.setDir(dir);
     const std::string command = args.empty() ? "" : args.front();
-    Run run{0, {}, isRemote(command) ? HSCPlazGitConfigFile::getRemoteUrl(dir) : "", {}, {}};
+    Run run{0, {}, isRemote(command) ? HSCPlazGitConfigFile::getRemoteUrl(dir) : "", {}, {}, dir};
     HSCPlazGitEnv::apply(git, command, dir, run.remoteUrl);
     HSCPlazGitLimits::apply(git, command, dir, HSCPlazGitParams::getTimeOut());
 
@@ -293,7 +302,7 @@ int HSCPlazGitRunner::runDirect(const std::string& cmdLine, const std::string& w
     if (words.empty()) return notStarted;
     HUTFork process;
     process.usePipes();
-    exitCode = static_cast<std::uint32_t>(runOnce(process, words, workDir, outFile, seconds));
+    exitCode = static_cast<std::uint32_t>(runOnce(process, words, workDir, outFile, seconds).status);
     if (process.wasStarted()) return 0;
     return process.getFailedPipe() != 0 ? -process.getFailedPipe() : notStarted;
 }
@@ -308,8 +317,10 @@ HSCPlazGitAnswer HSCPlazGitRunner::ask(const std::vector<std::string>& args, con
     words.insert(words.end(), args.begin(), args.end());
     const HSCPlazGitRemoved outFile(HUTFile::getTemporaryName(".log"));
     HUTFork process;
-    HSCPlazGitAnswer answer{runOnce(process, words, workDir, outFile.getName(), HSCPlazGitParams::getTimeOut()), {}};
+    const DirectRun done = runOnce(process, words, workDir, outFile.getName(), HSCPlazGitParams::getTimeOut());
+    HSCPlazGitAnswer answer{done.status, {}};
     answer.isHeard = HIOStream::read(outFile.getName(), answer.text) == HIOStream::Status::ok;
     answer.text = HSCPlazTrust::maskSecrets(answer.text);
+    if (answer.status != 0) answer.details = HSCPlazGitCertificates::explain(done.remoteUrl, answer.text, workDir);
     return answer;
 }

@@ -25,8 +25,9 @@ private:
 
 /// What git said to a question.
 struct HSCPlazGitAnswer {
-    int status;       ///< exit status of git, or one of those that HUTFork has for a run without end
-    std::string text; ///< all it wrote, secrets masked
+    int status;              ///< exit status of git, or one of those that HUTFork has for a run without end
+    std::string text;        ///< all it wrote, secrets masked
+    HSCPlazReport details{}; ///< what follows from a failure, where git's words do not say all
     /// False where the file for that could not be made, which git itself does not notice.
     bool isHeard = true;
 

@@ -3,6 +3,7 @@
 #include "plaz/base/HSCPlazNames.h"
 #include "plaz/base/HSCPlazStoreLayout.h"
 #include "plaz/base/HSCPlazTrust.h"
+#include "plaz/model/repo/git/HSCPlazGitCertificates.h"
 #include "plaz/model/repo/git/HSCPlazGitHead.h"
 #include "plaz/model/repo/git/HSCPlazGitProgram.h"
 #include "plaz/model/repo/git/HSCPlazGitRemoved.h"
@@ -90,6 +91,7 @@ HSCPlazUpdateCheck askAndCompare(const std::string& cloneDir, const std::string&
         check.reason = "the working copy \"" + cloneDir + "\" holds no commit";
     else if (!check.moved)
         check.reason = "the remote has no branch \"" + branch + "\"";
+    if (status != 0) check.details = HSCPlazGitCertificates::explainOnce(url, heads, cloneDir);
     return check;
 }
 
