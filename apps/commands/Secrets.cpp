@@ -86,7 +86,8 @@ std::string shownValue(const HPAParam& param) {
 }
 
 bool isMasked(const std::string& setting, const std::string& value) {
-    return value.find(isSecret(setting) ? mask : std::string("://") + mask + "@") != std::string::npos;
+    const std::size_t begin = isSecret(setting) ? 0 : value.find("://");
+    return begin != std::string::npos && value.find(mask, begin) != std::string::npos;
 }
 
 std::string shownCommand(const std::string& command) {

@@ -94,6 +94,23 @@ bool hasOptionAsHost(const HSCPlazUrl& url) {
     return host < place.size() && place[host] == '-';
 }
 
+/// A URL from behind its scheme.
+std::string maskUrl(const std::string& url) {
+    const std::size_t user = url.rfind('@');
+    const std::size_t begin = user == std::string::npos ? 0 : user;
+    std::size_t at = std::min(url.find_first_of("?#", begin), url.size());
+    std::string masked = (user == std::string::npos ? "" : "***") + url.substr(begin, at - begin);
+    while (at < url.size()) {
+        const std::size_t end = std::min(url.find_first_of("&;#", at + 1), url.size());
+        const std::size_t value = std::min(url.find('=', at), end);
+        const bool isNamed = value < end;
+        masked += isNamed ? url.substr(at, value + 1 - at) : url.substr(at, 1);
+        if ((isNamed ? value : at) + 1 < end) masked += "***";
+        at = end;
+    }
+    return masked;
+}
+
 } // namespace
 
 bool HSCPlazTrust::isName(const std::string& text) {
@@ -157,16 +174,16 @@ std::string HSCPlazTrust::findTclNameRefusal(const std::string& name) {
     return name.front() == '-' ? "it begins with \"-\"" : findTclRefusal(name);
 }
 
+// RATIONALE: a token may hold any character, so what stands before the last "@" of a URL counts as its user part,
+// though it may be a path, and any value behind "?" or "#" as a token.
 std::string HSCPlazTrust::maskSecrets(const std::string& text) {
     std::string masked;
     std::size_t done = 0;
     for (std::size_t scheme = text.find("://"); scheme != std::string::npos; scheme = text.find("://", done)) {
         const std::size_t authority = scheme + 3;
         const std::size_t end = std::min(text.find_first_of(" \t\r\n\"'", authority), text.size());
-        const std::size_t user = HSCPlazUrl::findUserEnd(text, authority, end);
-        masked.append(text, done, authority - done);
-        if (user != std::string::npos) masked += "***";
-        done = user != std::string::npos ? user : authority;
+        masked.append(text, done, authority - done).append(maskUrl(text.substr(authority, end - authority)));
+        done = end;
     }
     return masked.append(text, done, std::string::npos);
 }

@@ -33,7 +33,8 @@ PLAZ_API bool isSafeUrl(const std::string& text);
 PLAZ_API std::string findTclRefusal(const std::string& text);
 /// The same for the name of a store or an item, which must not be empty nor look like an option.
 PLAZ_API std::string findTclNameRefusal(const std::string& name);
-/// The text with the user part of every URL in it ("//user:token@") replaced by "***".
+/// The text with "***" in every URL in it, in the place of all that stands before its last "@" ("//user:token@") and of
+/// each value behind "?" or "#". It may hide more than secrets.
 PLAZ_API std::string maskSecrets(const std::string& text);
 /// The same of one proxy, which may come without a scheme and with a user part all the same.
 PLAZ_API std::string maskProxy(const std::string& proxy);

@@ -12,7 +12,8 @@ constexpr std::size_t longestQuote = 120;
 
 std::string HSCPlazTrustRules::quote(const std::string& text) {
     // A line end, a blank or a quote does not end what is one URL as a whole.
-    std::string shown = text.find("://") == std::string::npos ? text : HSCPlazTrust::maskProxy(text);
+    std::string shown =
+        text.find("://") == std::string::npos ? text : HSCPlazTrust::maskSecrets(HSCPlazTrust::maskProxy(text));
     if (shown.size() > longestQuote) shown = HUTText::cutToSize(shown, longestQuote) + "...";
     return '"' + HUTText::printable(shown) + '"';
 }

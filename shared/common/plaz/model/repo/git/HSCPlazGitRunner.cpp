@@ -145,9 +145,9 @@ void explainDenial(const Run& run, HSCPlazReport& details) {
     const HSCPlazUrl url = HSCPlazUrl::parse(run.remoteUrl);
     const bool isAsked = run.errors.find("could not read Username for") != std::string::npos;
     if (run.errors.find("Authentication failed") != std::string::npos)
-        details.add(Msg::credentialsRefused, MsgSeverity::error, url.withoutUser());
+        details.add(Msg::credentialsRefused, MsgSeverity::error, HSCPlazTrust::maskSecrets(url.withoutUser()));
     else if (isAsked && run.errors.find("'" + url.getServer() + "'") == std::string::npos)
-        details.add(Msg::credentialsWithheld, MsgSeverity::error, url.withoutUser());
+        details.add(Msg::credentialsWithheld, MsgSeverity::error, HSCPlazTrust::maskSecrets(url.withoutUser()));
 }
 
 [[noreturn]] void fail(const Run& run) {

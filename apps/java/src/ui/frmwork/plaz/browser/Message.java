@@ -9,7 +9,7 @@ import ui.frmwork.plaz.host.PlazHost.Severity;
  * @param id the hub's number; empty for the window's own
  */
 record Message(Severity severity, String id, String text) {
-    private static final Pattern USER_PART = Pattern.compile("://[^\\s/\"]*@");
+    private static final Pattern USER_PART = Pattern.compile("://[^\\s\"']*@");
 
     /**
      * Nothing that stands before the server in an address is kept: it may be a password. Nor what steers the window.
