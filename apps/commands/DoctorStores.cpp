@@ -163,5 +163,6 @@ Finding doctor::checkCredentials(const HSCPlazQStoreModel& store) {
         return ok(subject, "the store is private; none are set, but git may ask for them");
     return problem(subject, "the store is private, and none are set for it",
                    "Set user_id and user_token for its URL in the configuration file (for a board store also "
-                   "plaz.git_user.board_store and plaz.git_token.board_store).");
+                   "plaz.git_user.board_store and plaz.git_token.board_store, and for another server than theirs "
+                   "plaz.git_servers.board_store).");
 }

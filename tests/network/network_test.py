@@ -243,12 +243,33 @@ class NetworkTest(HubTest):
                     self.lead_to(f"http://{address}/git", True, configured)
                     self.run_plaz("refresh --hub", status=status)
 
+    def test_board_login(self):
+        """Catches: the login for boards at any server that calls itself one of boards, or lost silently."""
+        login = [name.format(value) for name, value in zip(BOARD_PARAMETERS, CREDENTIALS)]
+        with self.serve("first", credentials=CREDENTIALS) as first, self.serve(
+            "next", credentials=CREDENTIALS
+        ) as second:
+            self.lead_to(f"http://{first}/git")
+            self.refresh_twice("boards", login)
+            self.lead_to(f"http://{second}/git")
+            self.assertIn("17-2262", self.run_plaz("check boards", login, status=1)[1])
+            self.fail_to_refresh("could not read Username", ["17-2262"], "boards", login)
+            requests = (self.servers / "next" / "output").read_text().lower()
+            self.check_shown(requests, "info/refs", never=["authorization:"])
+            self.refresh_twice("boards", [*login, f"plaz.git_servers.board_store=http://{second}"])
+
     def test_redirects(self):
         """Catches: credentials that follow a redirect to another server, a repository that has moved and is lost."""
-        with self.serve("open") as open_address, self.serve("locked", credentials=WRONG) as locked_address:
+        authority, certificate = servers.make_certificates(self.servers / "keys")
+        self.trust(authority)
+        secure = self.serve("secure", certificate=certificate, credentials=CREDENTIALS)
+        with self.serve("open") as open_address, self.serve(
+            "locked", credentials=WRONG
+        ) as locked_address, secure as tls:
             open_place, locked_place = f"http://{open_address}/git", f"http://{locked_address}/git"
             for name, place, credentials, ids in (
                 ("same server", "/git", CREDENTIALS, None),
+                ("same host with TLS", f"https://{tls}/git", CREDENTIALS, None),
                 ("other server", open_place, None, None),
                 ("with credentials", open_place, CREDENTIALS, None),
                 ("to a locked one", locked_place, CREDENTIALS, ["17-2174"]),

@@ -210,7 +210,7 @@ TEST_F(TclCommandsTest, readsAndSetsPropertiesAndParameters) {
            {"set_param plaz.git_token.b=secret", "!PLAZ 17-2203: There is no parameter \"plaz.git_token.b\"..."},
            {"set_property plaz.http_proxy http://u:secret@h:2", "!PLAZ 17-2212..."},
            {"plaz::install http://u:secret@h", "!PLAZ 17-2181: There is no item \"http://***@h\"..."},
-           {"list_param *.git*", "plaz.git_token.board_store"},
+           {"list_param *.git*", "plaz.git_token.board_store plaz.git_servers.board_store"},
            {"list_param -hidden *gitT*", "plaz.gitTimeout"}});
     EXPECT_NE(readFile(files.temp.path("appdata/preferences.json")).find("/a dir"), std::string::npos);
     HUTFile::rmRecursive(files.temp.path("appdata/preferences.json"));

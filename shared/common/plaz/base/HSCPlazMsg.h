@@ -105,7 +105,8 @@ inline constexpr MsgId<3> gitTimeLimit{"@17-2275@%s%s%s"};
 inline constexpr MsgId<3> gitMemoryLimit{"@17-2276@%s%s%s"};
 inline constexpr MsgId<3> gitLogLimit{"@17-2277@%s%s%s"};
 inline constexpr MsgId<3> gitPaceLimit{"@17-2278@%s%s%s"};
-inline constexpr MsgId<2> serverNotTrusted{"@17-2260@%s%s"};    ///< server, why
-inline constexpr MsgId<1> authoritiesUnusable{"@17-2261@%s"};   ///< file
-inline constexpr MsgId<1> clonedRepo{"@60-832@%s"};       ///< directory
+inline constexpr MsgId<2> serverNotTrusted{"@17-2260@%s%s"};  ///< server, why
+inline constexpr MsgId<1> authoritiesUnusable{"@17-2261@%s"}; ///< file
+inline constexpr MsgId<3> boardLoginKept{"@17-2262@%s%s%s"};  ///< server, store, server that it belongs to
+inline constexpr MsgId<1> clonedRepo{"@60-832@%s"};           ///< directory
 } // namespace Msg

@@ -16,6 +16,8 @@ inline constexpr const char* localDbVariable = "ZENTOR_PLAZ_LOCAL_DB_PATH";
 // Preferences of the user's.
 inline constexpr const char* storesPath = "QSTORES_PATH";
 inline constexpr const char* httpProxy = "plaz.http_proxy"; ///< a parameter, too
+/// The server that the parameters' login for board stores was first sent to.
+inline constexpr const char* boardServer = "plaz.git_server.board_store";
 
 /// The folder of the hub's, in what is shipped and in a user's data.
 inline constexpr const char* productDir = "plaz";

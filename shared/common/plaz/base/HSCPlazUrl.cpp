@@ -50,6 +50,10 @@ std::string HSCPlazUrl::getServer() const {
     return HUTText::lowered(scheme + host);
 }
 
+std::string HSCPlazUrl::getHostName() const {
+    return host.substr(0, host.find(':', host.rfind(']') + 1));
+}
+
 bool HSCPlazUrl::isHttp() const {
     return HUTText::equalIgnoringCase(scheme, "http://") || isHttps();
 }

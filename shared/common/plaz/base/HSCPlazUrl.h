@@ -18,6 +18,8 @@ struct HSCPlazUrl {
     std::string withoutUser() const { return scheme + host + path; }
     /// Scheme, host and port, in lower case.
     std::string getServer() const;
+    /// The host without its port.
+    std::string getHostName() const;
     bool isHttp() const; ///< or "https"
     bool isHttps() const;
     /// "owner/name.git", also of "git@host:owner/name.git".

@@ -14,6 +14,7 @@ HSCPlazUpdateCheck HSCPlazUpdateCheckTask::look(HSCPlazTask& task, const HSCPlaz
         check = HSCPlazGitUpdateCheck::look(repository.layout.getIndex(), repository.access, proxy, store.getBranch());
         return true;
     });
+    if (check.hasFailed()) check.details.append(repository.refusal);
     task.fail(check.details);
     return check;
 }

@@ -1,6 +1,7 @@
 #include "plaz/model/repo/git/HSCPlazGitCredentials.h"
 
 #include "plaz/model/repo/git/git_fixture.h"
+#include "support/HCCXPrefMgr.h"
 
 namespace {
 
@@ -76,6 +77,32 @@ TEST_F(GitCredentials, CredentialsGoOnlyWhereTheyBelong) {
     for (const auto& [storeType, asked, user] : cases) EXPECT_EQ(chooseUser(storeType, asked), user) << asked;
     context.config.getConfigModel()->getPlazRepoCfgModel()->setUserId("set since");
     EXPECT_EQ(chooseUser("", "https://hub.test/any"), "set since");
+}
+
+// Faults: any store that calls itself one of boards gets the board's token; the place that it belongs to is forgotten,
+// or leads to a server like it; nobody hears why a store got none.
+TEST_F(GitCredentials, BoardLoginStaysWithItsServer) {
+    setParam("plaz.git_user.board_store", "boss");
+    const std::tuple<const char*, const char*, const char*, const char*> cases[] = {
+        {"file:///boards", "", "", "boss"},
+        {"https://named.test/b", "", "x, named.test", "boss"},
+        {"https://first.test/b", "", "", "boss"},
+        {"https://FIRST.test/c", "", "", "boss"},
+        {"https://evil.test/b", "", "", ""},
+        {"http://first.test/b", "", "", ""},
+        {"https://first.test:8/b", "", "", ""},
+        {"https://first.test.evil/b", "", "first.test", ""},
+        {"http://named.test/b", "", "named.test", ""},
+        {"http://named.test:8/b", "", "a;http://named.test:8", "boss"},
+        {"https://own.test/b", "https://own.test/b", "", "boss"},
+        {"https://first.test/b", "https://own.test/b", "", ""}};
+    for (const auto& [asked, boards, named, user] : cases) {
+        setParam("board.repoURL", boards);
+        setParam("plaz.git_servers.board_store", named);
+        EXPECT_EQ(chooseUser("board", asked), user) << asked;
+        EXPECT_EQ(HSCPlazGitCredentials::explainRefusal("s", "board", asked).isEmpty(), *user != '\0') << asked;
+    }
+    EXPECT_NE(readFile(HCCXPrefMgr::getFile()).find("https://first.test"), std::string::npos);
 }
 
 // Faults: characters of a token that end the user part early; credentials for a transport that takes none.

@@ -1,9 +1,13 @@
 #include "plaz/model/repo/git/HSCPlazGitCredentials.h"
 
+#include "plaz/base/HSCPlazMsg.h"
+#include "plaz/base/HSCPlazNames.h"
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/base/HSCPlazUrl.h"
 #include "plaz/model/HSCPlazCfgModel.h"
+#include "plaz/model/repo/git/HSCPlazGitParams.h"
 #include "plaz/model/repo/git/HSCPlazGitTrace.h"
+#include "support/HCCXPrefMgr.h"
 #include "support/HPAParamMgr.h"
 
 #include <boost/algorithm/string/trim.hpp>
@@ -71,6 +75,34 @@ HSCPlazGitCredentials getCredentials(const HSCPlazRepoCfgModel& entry) {
     return {entry.getUserId(), entry.getUserToken()};
 }
 
+HSCPlazGitCredentials getBoardLogin() {
+    return {getParam("plaz.git_user.board_store"), getParam("plaz.git_token.board_store")};
+}
+
+// Empty while nobody has said so and the login was never used.
+std::string findBoardServer() {
+    const std::string boards = HSCPlazGitParams::getBoardUrl();
+    if (!boards.empty()) return serverOf(boards);
+    const auto kept = HCCXPrefMgr::getInstance().getDefaultXPref().getVal(HSCPlazName::boardServer);
+    return kept.empty() ? std::string() : kept.front();
+}
+
+bool isNamedForBoards(const std::string& url) {
+    return HSCPlazGitParams::namesServer("plaz.git_servers.board_store", url);
+}
+
+// RATIONALE: the type and the URL of a store come from fetched files, in which any store may call itself one of boards.
+bool belongsElsewhere(const std::string& url) {
+    const std::string server = findBoardServer();
+    return HSCPlazUrl::parse(url).isHttp() && !server.empty() && server != serverOf(url) && !isNamedForBoards(url);
+}
+
+void keepBoardServer(const std::string& url) {
+    if (!HSCPlazUrl::parse(url).isHttp() || !findBoardServer().empty() || isNamedForBoards(url)) return;
+    HCCXPrefMgr::getInstance().getDefaultXPref().setVal(HSCPlazName::boardServer, {serverOf(url)});
+    HCCXPrefUtils::savePreferences();
+}
+
 // RATIONALE: a token goes to the repository it was entered for, or to the server of the hub that it was entered for.
 // Store URLs come from fetched files, which could otherwise send it anywhere.
 HSCPlazGitCredentials fromConfiguration(const std::string& url, const HSCPlazCfgModel* config) {
@@ -87,14 +119,21 @@ HSCPlazGitCredentials fromConfiguration(const std::string& url, const HSCPlazCfg
 HSCPlazGitCredentials HSCPlazGitCredentials::choose(const std::string& storeType, const std::string& url,
                                                     const HSCPlazCfgModel* config) {
     if (storeType == boardType) {
-        HSCPlazGitCredentials own{getParam("plaz.git_user.board_store"), getParam("plaz.git_token.board_store")};
-        if (!own.isEmpty()) {
+        const HSCPlazGitCredentials own = getBoardLogin();
+        if (!own.isEmpty() && !belongsElsewhere(url)) {
+            keepBoardServer(url);
             HSCPlazGitTrace::trace("Git credentials are chosen based on plaz param");
             return own;
         }
     }
     HSCPlazGitTrace::trace("Git credentials are chosen based on plaz configuration");
     return fromConfiguration(url, config);
+}
+
+HSCPlazReport HSCPlazGitCredentials::explainRefusal(const std::string& store, const std::string& storeType,
+                                                    const std::string& url) {
+    if (storeType != boardType || getBoardLogin().isEmpty() || !belongsElsewhere(url)) return {};
+    return {Msg::boardLoginKept, MsgSeverity::warning, serverOf(url), store, findBoardServer()};
 }
 
 HSCPlazGitCredentials HSCPlazGitCredentials::ofHub(const HSCPlazCfgModel* config, const std::string& url) {

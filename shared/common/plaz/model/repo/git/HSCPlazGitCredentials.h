@@ -1,5 +1,7 @@
 #pragma once
 
+#include "plaz/base/HSCPlazReport.h"
+
 #include <string>
 
 class HSCPlazCfgModel;
@@ -13,11 +15,16 @@ struct HSCPlazGitCredentials {
 
     bool isEmpty() const { return userId.empty() && token.empty(); }
 
-    /// Those for a repository of a store of type @p storeType: the parameters of the board store for a store of type
-    /// "board", where one is set; else those that the configuration has for this URL.
+    /// Those for a repository of a store of type @p storeType: for a store of type "board" those of the parameters,
+    /// where one is set, if its server is the one that they belong to, or is named in the parameter
+    /// "plaz.git_servers.board_store"; else those that the configuration has for this URL. The parameters' belong to
+    /// the server of "board.repoURL", else to the first one that they were chosen for, which the user's preferences
+    /// keep.
     /// @param config  null for none
     static HSCPlazGitCredentials choose(const std::string& storeType, const std::string& url,
                                         const HSCPlazCfgModel* config);
+    /// What is told where the parameters' were not chosen because of the server (Msg::boardLoginKept); else nothing.
+    static HSCPlazReport explainRefusal(const std::string& store, const std::string& storeType, const std::string& url);
     /// Those of the hub's own repository at @p url.
     static HSCPlazGitCredentials ofHub(const HSCPlazCfgModel* config, const std::string& url);
     /// Those that stand in a web URL, decoded; none in any other.

@@ -61,6 +61,13 @@ constexpr Setting settings[] = {
 constexpr const char* credentialHelper =
     "!f() { test \"$1\" != get || printf 'username=%s\\npassword=%s\\n' \"$PLAZ_GIT_USER\" \"$PLAZ_GIT_TOKEN\"; }; f";
 
+// A server that is asked in plain may lead to itself with TLS, whatever the port.
+constexpr const char* secureHelper =
+    "!f() { test \"$1\" = get || return 0; scheme= host=; while IFS== read -r name value; do case $name in protocol) "
+    "scheme=$value;; host) host=$value;; esac; done; test \"$scheme\" = https || return 0; case $host in "
+    "\"$PLAZ_GIT_HOST\"|\"$PLAZ_GIT_HOST\":*) printf 'username=%s\\npassword=%s\\n' \"$PLAZ_GIT_USER\" "
+    "\"$PLAZ_GIT_TOKEN\";; esac; }; f";
+
 bool hasPrefix(std::string_view text, std::string_view prefix) {
     return text.substr(0, prefix.size()) == prefix;
 }
@@ -119,7 +126,8 @@ void addCertificateSettings(HUTFork& git, std::size_t& count, const std::string&
     const bool areChecked = HSCPlazGitCertificates::areChecked(remoteUrl);
     const HSCPlazUrl url = HSCPlazUrl::parse(remoteUrl);
     addSetting(git, count++, "http.sslVerify", areChecked ? "true" : "false");
-    if (url.isHttp()) addSetting(git, count++, "http." + url.withoutUser() + ".sslVerify", areChecked ? "true" : "false");
+    if (url.isHttp())
+        addSetting(git, count++, "http." + url.withoutUser() + ".sslVerify", areChecked ? "true" : "false");
     const std::string authorities = HSCPlazGitCertificates::findAuthorities(workDir).file;
     if (!authorities.empty()) {
         addSetting(git, count++, "http.sslCAInfo", authorities);
@@ -143,6 +151,10 @@ void addServerSettings(HUTFork& git, std::size_t& count, const std::string& work
         addSetting(git, count++, "url." + plain + ".insteadOf", remoteUrl);
         addSetting(git, count++, "credential.helper", ""); // no other helper is asked, or told
         addSetting(git, count++, "credential." + url.getServer() + ".helper", credentialHelper);
+        if (!url.isHttps()) {
+            addSetting(git, count++, "credential.helper", secureHelper);
+            git.setEnv("PLAZ_GIT_HOST", url.getHostName());
+        }
         git.setEnv("PLAZ_GIT_USER", credentials.userId);
         git.setEnv("PLAZ_GIT_TOKEN", credentials.token);
     }

@@ -18,7 +18,8 @@ inline constexpr const char* plainAttributes = "* -text !eol -filter -ident !wor
 ///
 /// @param remoteUrl  what the command speaks to; empty for one that stays local. Credentials in it go through the
 ///                   environment too, which other users cannot see: git itself would hand the URL, credentials and all,
-///                   to a helper process on its command line. They reach no server but the one that the URL names.
+///                   to a helper process on its command line. They reach no server but the one that the URL names, or
+///                   the same host with TLS where it leads there.
 void apply(HUTFork& git, const std::string& command, const std::string& workDir, const std::string& remoteUrl);
 
 /// Whether @p command may speak to a remote.

@@ -42,6 +42,7 @@ bool HSCPlazGitRemote::set(const std::string& dir, const std::string& name, cons
 }
 
 bool HSCPlazGitRemote::set(const std::string& dir, const HSCPlazGitStore& store, HSCPlazReport& report) {
+    report.append(store.refusal);
     if (!HSCPlazGitParams::mayAsk() && store.model.isPrivateRepository() && !store.hasCredentials)
         report.add(Msg::credentialsMissing, MsgSeverity::warning, store.model.getName());
     return set(dir, store.model.getName(), store.access, report);

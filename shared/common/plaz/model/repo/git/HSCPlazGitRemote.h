@@ -15,8 +15,8 @@ namespace HSCPlazGitRemote {
 /// @return false without git access (Msg::gitAccessOff); nothing is done then
 /// @throws HEXAll as HSCPlazGitRunner::run
 bool set(const std::string& dir, const std::string& name, const std::string& url, HSCPlazReport& report);
-/// Warns of a private store without credentials where git may not ask for them (Msg::credentialsMissing), and does
-/// that.
+/// Tells where a login was kept back (Msg::boardLoginKept), warns of a private store without credentials where git may
+/// not ask for them (Msg::credentialsMissing), and does that.
 bool set(const std::string& dir, const HSCPlazGitStore& store, HSCPlazReport& report);
 
 /// Asks a remote for its branches, with the settings of the working copy @p workDir.

@@ -11,7 +11,12 @@ HSCPlazGitStore HSCPlazGitStore::of(const HSCPlazQStoreModel& model, HSCPlazWork
     const std::string boards = model.getStoreType() == "board" ? HSCPlazGitParams::getBoardUrl() : std::string();
     const std::string& url = boards.empty() ? model.getUrl() : boards;
     const HSCPlazGitCredentials credentials = HSCPlazGitCredentials::choose(model.getStoreType(), url, config);
-    return {model, std::move(layout), url, credentials.putInto(url), !credentials.isEmpty()};
+    return {model,
+            std::move(layout),
+            url,
+            credentials.putInto(url),
+            !credentials.isEmpty(),
+            HSCPlazGitCredentials::explainRefusal(model.getName(), model.getStoreType(), url)};
 }
 
 std::string HSCPlazGitStore::findAccess(const std::string& url, const HSCPlaz* hub, const HSCPlazCfgModel* config) {

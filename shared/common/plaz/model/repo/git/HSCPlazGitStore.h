@@ -1,5 +1,6 @@
 #pragma once
 
+#include "plaz/base/HSCPlazReport.h"
 #include "plaz/base/HSCPlazStoreLayout.h"
 
 #include <string>
@@ -12,9 +13,10 @@ class HSCPlazQStoreModel;
 struct HSCPlazGitStore {
     const HSCPlazQStoreModel& model; ///< must outlive the value
     HSCPlazWorkLayout layout;
-    std::string url;     ///< without our credentials: its own, or for a store of type "board" what is set for those
-    std::string access;  ///< the same with the store's credentials: what a working copy records
-    bool hasCredentials; ///< user id or token are known
+    std::string url;       ///< without our credentials: its own, or for a store of type "board" what is set for those
+    std::string access;    ///< the same with the store's credentials: what a working copy records
+    bool hasCredentials;   ///< user id or token are known
+    HSCPlazReport refusal; ///< why the store gets other ones than its type would give it, or none
 
     /// Not for a store that the hub has left out: its working copy is all that there is of it.
     bool hasRemote() const { return !url.empty(); }
