@@ -1,6 +1,7 @@
 #include "support/HUTFile.h"
 
 #include "support/PlatformFile.h"
+#include "support/PlatformOwner.h"
 #include "support/PlatformUserArea.h"
 
 #include <boost/filesystem.hpp>
@@ -186,6 +187,19 @@ bool HUTFile::isAKA(const std::string& a, const std::string& b) {
 
 bool HUTFile::isBeneath(const std::string& root, const std::string& path) {
     return platform::isBeneath(root, path);
+}
+
+std::string HUTFile::resolveLinks(const std::string& path) {
+    std::error_code error;
+    return platform::resolveLinks(path, error);
+}
+
+bool HUTFile::isOwn(const std::string& path) {
+    return platform::isOwn(path);
+}
+
+bool HUTFile::isOpenToOthers(const std::string& path) {
+    return platform::isOpenToOthers(path);
 }
 
 bool HUTFile::mkDirRecursive(const std::string& dir) {

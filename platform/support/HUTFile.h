@@ -56,6 +56,17 @@ public:
     /// A path whose links cannot be resolved does not.
     static bool isBeneath(const std::string& root, const std::string& path);
 
+    /// The same name with every link in it resolved; empty when it leads to nothing.
+    static std::string resolveLinks(const std::string& path);
+
+    /// Whether a file or directory, which must not be a link, is this user's: his own, or the system administrators'
+    /// as long as nobody else may write to it (on Windows that is not looked at). Of a disk that gives users other
+    /// names, such as a network drive, that name counts which it gives to a file that is made beside it for this.
+    static bool isOwn(const std::string& path);
+    /// Whether others than its owner may write to such a file or directory. False where the disk knows no rights that
+    /// its owner could set, and on Windows, where that is not looked at.
+    static bool isOpenToOthers(const std::string& path);
+
     /// Creates a directory with its parents; true when it is there afterwards.
     static bool mkDirRecursive(const std::string& dir);
     /// Creates a directory with its parents, or takes one that is there, and keeps all but its owner from it and from

@@ -15,6 +15,10 @@ std::string findTempDirectory();
 extern const char* const programSuffix;
 /// Makes a symbolic link. @return false where that cannot be done
 bool makeLink(const std::string& target, const std::string& link);
+/// Makes another user the owner of a file or directory, itself alone. @return false where that cannot be done
+bool giveAway(const std::string& path);
+/// Lets everybody write to a file or directory. @return false where that cannot be done
+bool openToAll(const std::string& path);
 /// Whether others than the owner may read the file.
 bool isReadableByOthers(const std::string& file);
 /// Sets a variable of this process, or takes it away.

@@ -30,21 +30,6 @@ template <typename Fill> std::wstring getText(Fill fill) {
     return text;
 }
 
-/// The user of this process in the words of security descriptors; empty when that cannot be had.
-std::wstring getUser() {
-    HANDLE opened = nullptr;
-    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &opened)) return {};
-    const Handle token(opened);
-    alignas(TOKEN_USER) std::array<std::byte, sizeof(TOKEN_USER) + SECURITY_MAX_SID_SIZE> buffer{};
-    DWORD size = 0;
-    wchar_t* text = nullptr;
-    if (!GetTokenInformation(token.get(), TokenUser, buffer.data(), static_cast<DWORD>(buffer.size()), &size) ||
-        !ConvertSidToStringSidW(reinterpret_cast<const TOKEN_USER*>(buffer.data())->User.Sid, &text))
-        return {};
-    const std::unique_ptr<wchar_t, HLOCAL (*)(void*)> owned(text, LocalFree);
-    return text;
-}
-
 } // namespace
 
 std::wstring toWide(const std::string& text) {
@@ -85,6 +70,39 @@ std::string describe(DWORD error) {
     std::wstring_view line(text, size);
     while (!line.empty() && (line.back() <= L' ' || line.back() == L'.')) line.remove_suffix(1);
     return toUtf8(line);
+}
+
+// Not all that carries such a mark is a link: files that a cloud service keeps carry one, too.
+Handle openItself(const std::wstring& name, DWORD access, DWORD disposition, SECURITY_ATTRIBUTES* attributes,
+                  DWORD sharing) {
+    constexpr DWORD flags = FILE_ATTRIBUTE_NORMAL | FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT;
+    Handle file(
+        CreateFileW(name.c_str(), access | FILE_READ_ATTRIBUTES, sharing, attributes, disposition, flags, nullptr));
+    FILE_ATTRIBUTE_TAG_INFO info{};
+    if (!file || !GetFileInformationByHandleEx(file.get(), FileAttributeTagInfo, &info, sizeof info) ||
+        (info.FileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0 || !IsReparseTagNameSurrogate(info.ReparseTag))
+        return file;
+    file.close();
+    SetLastError(stoppedByLink);
+    return file;
+}
+
+std::wstring toText(PSID id) {
+    wchar_t* text = nullptr;
+    if (!id || !ConvertSidToStringSidW(id, &text)) return {};
+    const std::unique_ptr<wchar_t, HLOCAL (*)(void*)> owned(text, LocalFree);
+    return text;
+}
+
+std::wstring getUser() {
+    HANDLE opened = nullptr;
+    if (!OpenProcessToken(GetCurrentProcess(), TOKEN_QUERY, &opened)) return {};
+    const Handle token(opened);
+    alignas(TOKEN_USER) std::array<std::byte, sizeof(TOKEN_USER) + SECURITY_MAX_SID_SIZE> buffer{};
+    DWORD size = 0;
+    if (!GetTokenInformation(token.get(), TokenUser, buffer.data(), static_cast<DWORD>(buffer.size()), &size))
+        return {};
+    return toText(reinterpret_cast<const TOKEN_USER*>(buffer.data())->User.Sid);
 }
 
 // The owner is named apart from the user: on a share he may be known by another name, and what is made with the rights

@@ -39,6 +39,8 @@ public:
     }
     explicit operator bool() const { return m_handle; }
     HANDLE get() const { return m_handle; }
+    /// The handle, which is the caller's from now on; the system's word for none where there is none.
+    HANDLE release() { return m_handle ? std::exchange(m_handle, nullptr) : INVALID_HANDLE_VALUE; }
     void close() {
         if (m_handle) CloseHandle(std::exchange(m_handle, nullptr));
     }
@@ -49,6 +51,20 @@ private:
 
 /// Whoever else has a file open may do what he likes with it.
 constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+/// The system's error for a link that is not followed, ERROR_STOPPED_ON_SYMLINK, which not every compiler's headers
+/// know.
+constexpr DWORD stoppedByLink = 681;
+
+/// Opens, or makes, a file or directory of that name; nothing, with the system's error for links that are not followed,
+/// where a link stands there.
+Handle openItself(const std::wstring& name, DWORD access, DWORD disposition, SECURITY_ATTRIBUTES* attributes = nullptr,
+                  DWORD sharing = shareAll);
+
+/// A user, or a group of them, in the words of security descriptors; empty when that cannot be had.
+std::wstring toText(PSID id);
+/// The same of the user of this process.
+std::wstring getUser();
 
 /// Rights for a file that keep anything but this user's programs from it; those of a directory hold for what is made in
 /// it as well.

@@ -19,6 +19,16 @@ bool test_system::makeLink(const std::string& target, const std::string& link) {
     return true;
 }
 
+bool test_system::giveAway(const std::string& path) {
+    constexpr uid_t somebody = 12345;
+    return lchown(path.c_str(), somebody, somebody) == 0;
+}
+
+bool test_system::openToAll(const std::string& path) {
+    std::filesystem::permissions(path, std::filesystem::perms::all);
+    return true;
+}
+
 bool test_system::isReadableByOthers(const std::string& file) {
     constexpr auto others = std::filesystem::perms::group_all | std::filesystem::perms::others_all;
     return (std::filesystem::status(file).permissions() & others) != std::filesystem::perms::none;

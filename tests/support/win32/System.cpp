@@ -29,6 +29,14 @@ bool test_system::makeLink(const std::string& target, const std::string& link) {
            GetFileAttributesW(name.c_str()) != INVALID_FILE_ATTRIBUTES;
 }
 
+bool test_system::giveAway(const std::string& /*path*/) {
+    return false;
+}
+
+bool test_system::openToAll(const std::string& /*path*/) {
+    return false;
+}
+
 bool test_system::isReadableByOthers(const std::string& file) {
     PSECURITY_DESCRIPTOR rights = nullptr;
     wchar_t* text = nullptr;
