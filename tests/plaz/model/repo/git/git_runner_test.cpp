@@ -138,7 +138,7 @@ TEST_F(GitRunner, RunsWithoutCurrentDirectory) {
     EXPECT_EQ(HUTSysCall::getCurrDir(), "");
 }
 
-// Fault: what the user has set for git, or wants to be asked, reaches our commands.
+// Faults: what the user has set for git, or wants to be asked, reaches our commands; git trusts other directories, too.
 TEST_F(GitRunner, EnvironmentIsOfOurMaking) {
     replaceGit("env > " + temp.path("env"));
     env.set("GIT_DIR", "/elsewhere");
@@ -158,6 +158,11 @@ TEST_F(GitRunner, EnvironmentIsOfOurMaking) {
     setParam("plaz.enableAskPassForPrivateRepo", "true");
     run("fetch");
     EXPECT_TRUE(seen("GIT_ASKPASS=/dialog\n") && !seen("GCM_INTERACTIVE=") && !seen("GIT_DIR="));
+    if (!test_system::makeLink(temp.path("area"), temp.path("link"))) return;
+    git.exec_git({"fetch"}, temp.path("link"), true, "");
+    for (const std::string& line : {"1=" + temp.path("link"), "2=" + temp.path("area")})
+        EXPECT_TRUE(seen("GIT_CONFIG_VALUE_" + line + "\n")) << line;
+    EXPECT_TRUE(seen("GIT_CONFIG_KEY_2=safe.directory\n") && !seen("GIT_CONFIG_KEY_3=safe.directory\n"));
 }
 
 // Fault: a command in a directory that lost its .git works on a repository around it.

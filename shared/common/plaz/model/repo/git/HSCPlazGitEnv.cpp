@@ -24,13 +24,6 @@ struct Setting {
     const char* value;
 };
 
-// All that "config" goes by, which runs before and after every other command.
-constexpr Setting generalSettings[] = {
-    {"core.longpaths", "true"},
-    // A working copy belongs to the hub, whoever owns its directory (network drives).
-    {"safe.directory", "*"},
-};
-
 constexpr Setting settings[] = {
     // Nothing but what was asked for runs.
     {"init.templateDir", ""},
@@ -112,6 +105,16 @@ bool hasToFlush(const std::string& command, const std::string& workDir) {
     return command == "fetch" && HUTFile::canFlush(workDir + "/" + HSCPlazStoreLayout::gitDir + "/HEAD");
 }
 
+// A working copy belongs to the hub, whoever its disk says it belongs to (network drives). Git asks for the name with
+// links resolved, and takes one that begins like a share's for another place unless it is told not to.
+void trust(HUTFork& git, std::size_t& count, const std::string& workDir) {
+    for (const std::string& dir : {workDir, HUTFile::resolveLinks(workDir)}) {
+        if (dir.empty()) continue;
+        addSetting(git, count++, "safe.directory", dir);
+        if (hasPrefix(dir, "//")) addSetting(git, count++, "safe.directory", "%(prefix)/" + dir);
+    }
+}
+
 void addFileSettings(HUTFork& git, std::size_t& count) {
     for (const Setting& setting : settings) addSetting(git, count++, setting.key, setting.value);
     // The user's hooks and attributes are not ours.
@@ -162,7 +165,9 @@ void addServerSettings(HUTFork& git, std::size_t& count, const std::string& work
 
 void addSettings(HUTFork& git, const std::string& command, const std::string& workDir, const std::string& remoteUrl) {
     std::size_t count = 0;
-    for (const Setting& setting : generalSettings) addSetting(git, count++, setting.key, setting.value);
+    // All that "config" goes by, which runs before and after every other command.
+    addSetting(git, count++, "core.longpaths", "true");
+    trust(git, count, workDir);
     addSetting(git, count++, "core.fsync", hasToFlush(command, workDir) ? "committed,reference" : "none");
     if (command != "config") {
         addFileSettings(git, count);
