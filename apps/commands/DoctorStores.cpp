@@ -135,6 +135,10 @@ Finding doctor::checkWorkingCopy(const HSCPlazQStoreModel& store, const std::str
     const std::string dir = HSCPlazInspection::getWorkingCopy(store);
     const std::string refresh = "plaz refresh " + store.getName();
     if (!HUTFile::exists(dir)) return ok(subject, "none yet; the first refresh or installation makes it");
+    const std::string objection = HSCPlazInspection::findObjection(dir);
+    if (!objection.empty())
+        return problem(subject, dir + " is not used, since " + objection,
+                       "Remove that directory, or have it removed by whoever owns it, and then " + refresh + ".");
     if (!HSCPlazStoreLayout::isComplete(dir))
         return warning(subject, dir + " is not complete; it is made afresh when it is used next", refresh);
     if (HSCPlazInspection::isForeign(store))

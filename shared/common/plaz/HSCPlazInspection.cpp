@@ -7,6 +7,7 @@
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/repo/git/HSCPlazGitConfigFile.h"
 #include "plaz/model/repo/git/HSCPlazGitCredentials.h"
+#include "plaz/model/repo/git/HSCPlazGitOwnership.h"
 #include "plaz/model/repo/git/HSCPlazGitParams.h"
 #include "plaz/model/repo/git/HSCPlazGitProgram.h"
 #include "plaz/model/repo/git/HSCPlazGitRemote.h"
@@ -138,6 +139,10 @@ std::string HSCPlazInspection::getArea(const HSCPlazQStoreModel& store) {
 
 std::string HSCPlazInspection::getWorkingCopy(const HSCPlazQStoreModel& store) {
     return workspace().paths.getWorkLayout(store).getIndex();
+}
+
+std::string HSCPlazInspection::findObjection(const std::string& dir) {
+    return HSCPlazGitOwnership::findObjectionToOwn(dir);
 }
 
 bool HSCPlazInspection::isForeign(const HSCPlazQStoreModel& store) {

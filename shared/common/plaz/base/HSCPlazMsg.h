@@ -96,6 +96,8 @@ inline constexpr MsgId<1> recordAway{"@17-2254@%s"};             ///< directory
 inline constexpr MsgId<2> limitExceeded{"@17-2280@%s%s"};        ///< file or store, which limit and parameter
 inline constexpr MsgId<3> manyFindings{"@17-2281@%s%s%s"};       ///< how many, of what, the first ones
 inline constexpr MsgId<0> gitAccessOff{"@17-2255@"};
+inline constexpr MsgId<2> workingCopyDiscarded{"@17-2265@%s%s"}; ///< directory, why
+inline constexpr MsgId<2> workingCopyRefused{"@17-2266@%s%s"};   ///< directory, why
 /// directory, store, what to make in it
 inline constexpr MsgId<3> placeOfNoStoreMissing{"@17-2252@%s%s%s"};
 inline constexpr MsgId<1> hubUnlocked{"@17-2240@%s"};     ///< lock file

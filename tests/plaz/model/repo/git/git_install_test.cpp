@@ -1,9 +1,11 @@
+#include "plaz/model/repo/git/HSCPlazGitConfigText.h"
 #include "plaz/model/repo/git/HSCPlazGitTree.h"
 #include "plaz/model/repo/git/git_fixture.h"
 
 #include <boost/algorithm/string/replace.hpp>
 
 #include <filesystem>
+#include <fstream>
 
 namespace {
 
@@ -77,6 +79,113 @@ TEST_F(GitInstall, WorkingCopyCountsByItsCommitsAlone) {
     run({"config", "core.worktree", temp.makeDir("elsewhere")});
     EXPECT_TRUE(install(second));
     EXPECT_EQ(list("elsewhere"), Names{});
+}
+
+// Fault: what another user has prepared in a working copy runs as whoever uses it.
+TEST_F(GitInstall, WorkingCopyOfAnotherIsMadeAfreshBeforeGitRuns) {
+    writeScript("evil", "touch " + temp.path("ran"));
+    const std::string evil = test_system::toShellName(temp.path("evil")), repository = index + "/.git";
+    const std::string upload = "uploadpack = " + evil, section = "[remote \"origin\"]\n\t" + upload;
+    const std::string other = temp.write("other.config", section), shell = test_system::toShellName(other);
+    const auto give = [](const std::string& path) { return test_system::giveAway(path); };
+    const auto move = [&](const std::string& from, const std::string& to) {
+        return HUTFile::rename(from, to) && !writeFile(to + "/config", section).empty();
+    };
+    const auto leave = [&](const char* file, const std::string& text) {
+        return !writeFile(repository + file, text).empty();
+    };
+    const auto set = [&](const std::string& text) {
+        std::ofstream(repository + "/config", std::ios::app) << text << "\n";
+        return true;
+    };
+    const std::pair<const char*, std::function<bool()>> cases[] = {
+        {"another program asked for", [&] { return set(section); }},
+        {"in one line, any case", [&] { return set("[REMOTE \"origin\"] UploadPack = " + evil); }},
+        {"without quotes", [&] { return set("[remote.origin]" + upload); }},
+        {"behind a value that goes on", [&] { return set("[user] name = a\\\n[b]\n" + section); }},
+        {"two remotes", [&] { return set("[remote \"origin\"]\n\turl = ../../../remote"); }},
+        {"included", [&] { return set("[include]\n\tpath = " + shell); }},
+        {"included where it fits", [&] { return set("[includeIf \"gitdir:**\"]\n\tpath = " + shell); }},
+        {"in the name of URLs", [&] { return set("[url \"ext::" + evil + " \"]\n\tinsteadOf = /"); }},
+        {"for ssh", [&] { return set("[core]\n\tsshCommand = " + evil); }},
+        {"at each look at a file", [&] { return set("[core]\n\tfsmonitor = " + evil); }},
+        {"asked for passwords", [&] { return set("[credential]\n\thelper = !" + evil); }},
+        {"for one server", [&] { return set("[http \"http://a\"]\n\tproxy = http://b"); }},
+        {"in the way of files",
+         [&] { return set("[filter \"x\"]\n\tsmudge = " + evil) && leave("/info/attributes", "* filter=x"); }},
+        {"settings beside",
+         [&] { return set("[extensions]\n\tworktreeConfig = true") && leave("/config.worktree", section); }},
+        {"settings elsewhere", [&] { return leave("/commondir", temp.path("elsewhere")); }},
+        {"objects elsewhere", [&] { return leave("/objects/info/alternates", remote.getDir()); }},
+        {"all of it elsewhere",
+         [&] { return move(repository, temp.path("elsewhere")) && leave("", "gitdir: " + temp.path("elsewhere")); }},
+        {"in the open", [&] { return move(repository, index + "/x") && move(index + "/x", index + "2"); }},
+        {"not to be read", [&] { return set("[remote"); }},
+        {"another's configuration", [&] { return give(repository + "/config"); }},
+        {"another's repository", [&] { return give(repository); }},
+        {"another's directory", [&] { return give(index); }},
+        {"open to all", [&] { return test_system::openToAll(repository); }}};
+    replaceGit(R"(exec git "$@")");
+    for (const auto& [what, prepare] : cases) {
+        SCOPED_TRACE(what);
+        ASSERT_TRUE(install(second)) << "nothing of the last case is left";
+        takeIds();
+        if (!prepare()) continue;
+        if (!HUTFile::exists(repository)) {
+            HUTFile::rmRecursive(index);
+            HUTFile::rename(index + "2", index);
+            writeFile(index + "/.done", "");
+        }
+        if (std::string(what) != "open to all") {
+            takeCalls();
+            EXPECT_EQ(git.hasUpdate(index, remote.getDir(), "p:1", "master"), 0);
+            EXPECT_NE(HSCPlazGitTree::list(context.getWorkLayout(model), first, "boards").status, 0);
+            EXPECT_EQ(thrownBy([&] { git.exec_git({"fetch"}, index, false, ""); }), "17-2266");
+            EXPECT_EQ(takeCalls(), "");
+        }
+        model.setUrl("");
+        EXPECT_EQ(outcome(install(first)), "! 17-2266");
+        model.setUrl(remote.getDir());
+        EXPECT_EQ(outcome(install(first)), " 17-2265");
+        EXPECT_FALSE(HUTFile::exists(temp.path("ran")));
+    }
+}
+
+// Fault: a configuration that is read in another way than git reads it.
+TEST_F(GitInstall, ConfigurationIsReadAsGitReadsIt) {
+    for (const std::string text : {"[a]\nb=c\n[A \"X y\\\"\\z\"] D-1 = \" e ; \" f\\tg # h\\\n\ti\n",
+                                   "[a.B.c]\r\n\td\r\n;\n[e] f = g\\\r\n h \\\n",
+                                   "[a] b = \"c\\\n[d]\"\n",
+                                   "[a]\n b",
+                                   "[a\n]",
+                                   "[a b]",
+                                   "[a \"b\\\n\"]",
+                                   "[a \"b\" ]",
+                                   "[a] b c",
+                                   "[a] 1 = b",
+                                   "[a] b = \"c\n",
+                                   "[a] b = \\c",
+                                   "[a_b] c",
+                                   "[a]\n= b",
+                                   "[]\nb = c",
+                                   "[a] b =\n[c] [d] e",
+                                   "",
+                                   "b = c",
+                                   "[a",
+                                   "\xef\xbb\xbf[a] b"}) {
+        SCOPED_TRACE(text);
+        std::string theirs, ours;
+        try {
+            theirs = remote.git({"config", "--list", "-z", "--file", temp.write("config", text)});
+        } catch (const std::runtime_error&) {
+            theirs = "refused";
+        }
+        const auto entries = HSCPlazGitConfigText::parse(text);
+        if (!entries) ours = "refused";
+        for (const auto& entry : entries.value_or(std::vector<HSCPlazGitConfigText::Entry>()))
+            ours += entry.key + (entry.value ? "\n" + *entry.value : "") + '\0';
+        EXPECT_EQ(ours, theirs);
+    }
 }
 
 // Faults: an index that is read in another way than git reads it; one that cannot be read taken for an empty folder.

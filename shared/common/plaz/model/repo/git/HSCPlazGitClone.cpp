@@ -53,6 +53,7 @@ void checkOutOrMaster(const std::string& dir, const std::string& branch) {
 // checked out would then be ahead of its files whenever these cannot follow, and the next pull find nothing to do.
 void pull(const std::string& dir, const std::string& branch) {
     const std::string ref = "refs/heads/" + branch;
+    HSCPlazGitCheckout::keepPlain(dir);
     if (HSCPlazGitHead::isAt(dir, branch))
         HSCPlazGitRunner::run({"pull", "--no-rebase", "--ff-only", "origin", ref}, dir);
     else

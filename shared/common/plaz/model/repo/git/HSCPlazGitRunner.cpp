@@ -11,6 +11,7 @@
 #include "plaz/model/repo/git/HSCPlazGitEnv.h"
 #include "plaz/model/repo/git/HSCPlazGitLimits.h"
 #include "plaz/model/repo/git/HSCPlazGitLog.h"
+#include "plaz/model/repo/git/HSCPlazGitOwnership.h"
 #include "plaz/model/repo/git/HSCPlazGitProgram.h"
 #include "plaz/model/repo/git/HSCPlazGitRemoved.h"
 #include "plaz/model/repo/git/HSCPlazGitTrace.h"
@@ -253,6 +254,7 @@ std::string HSCPlazGitAnswer::getReason() const {
 int HSCPlazGitRunner::run(const std::vector<std::string>& args, const std::string& workDir, bool internalCall,
                           const std::string& logFile) {
     HSCPlazDebugLog::inside(execGit);
+    HSCPlazGitOwnership::require(workDir);
     if (!internalCall) setSslVerify(workDir, "false");
     const std::string startDir = HUTSysCall::getCurrDir();
     try {
@@ -299,7 +301,7 @@ void HSCPlazGitRunner::setSslVerify(const std::string& workDir, const std::strin
 int HSCPlazGitRunner::runDirect(const std::string& cmdLine, const std::string& workDir, const std::string& outFile,
                                 std::uint32_t& exitCode, int seconds) {
     const std::vector<std::string> words = HUTFork::splitCmdLine(cmdLine);
-    if (words.empty()) return notStarted;
+    if (words.empty() || !HSCPlazGitOwnership::findObjection(workDir).empty()) return notStarted;
     HUTFork process;
     process.usePipes();
     exitCode = static_cast<std::uint32_t>(runOnce(process, words, workDir, outFile, seconds).status);
@@ -310,6 +312,7 @@ int HSCPlazGitRunner::runDirect(const std::string& cmdLine, const std::string& w
 HSCPlazGitAnswer HSCPlazGitRunner::ask(const std::vector<std::string>& args, const std::string& workDir) {
     std::vector<std::string> words;
     try {
+        HSCPlazGitOwnership::require(workDir);
         words.push_back(HSCPlazGitProgram::require());
     } catch (const HEXAll& failure) {
         return {HUTFork::notStarted, std::string("fatal: ") + failure.what()};

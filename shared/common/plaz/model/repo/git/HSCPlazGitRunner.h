@@ -35,7 +35,8 @@ struct HSCPlazGitAnswer {
     std::string getReason() const;
 };
 
-/// Runs git, one command at a time, and waits for it. Sends nothing.
+/// Runs git, one command at a time, and waits for it. Sends nothing. In a directory with a repository that is not this
+/// user's own work (HSCPlazGitOwnership) nothing runs.
 ///
 /// Not safe to use from several threads at once: a command changes the process's working directory and the verbosity of
 /// the message service, and brings both back, also on failure.
@@ -48,7 +49,8 @@ namespace HSCPlazGitRunner {
 /// @param internalCall  leaves http.sslVerify alone
 /// @param logFile       receives the command's output; empty: a file in @p workDir that is gone afterwards
 /// @return 0
-/// @throws HSCPlazGitFailure when the command failed twice or was cancelled, HEXAll Msg::gitNotFound
+/// @throws HSCPlazGitFailure when the command failed twice or was cancelled, HEXAll Msg::gitNotFound,
+/// Msg::workingCopyRefused
 int run(const std::vector<std::string>& args, const std::string& workDir, bool internalCall = false,
         const std::string& logFile = "");
 /// The same of a command that records @p value, its last argument, in the configuration of @p dir. A user part in the
@@ -67,7 +69,7 @@ void setSslVerify(const std::string& workDir, const std::string& value);
 /// @param exitCode  the exit status, when the result is 0; HUTFork::timedOut when it was given up
 /// @param seconds   time limit; 0: none; the others are those of all commands
 /// @return 0 when the process ran, -1 when the pipe for its output could not be made, -2 that for its error output (on
-///         Windows; elsewhere it writes into the file itself), -4 when it could not be started
+///         Windows; elsewhere it writes into the file itself), -4 when it could not be started, or may not be there
 int runDirect(const std::string& cmdLine, const std::string& workDir, const std::string& outFile,
               std::uint32_t& exitCode, int seconds);
 

@@ -3,7 +3,6 @@
 #include "plaz/base/HSCPlazDebugLog.h"
 #include "plaz/model/repo/git/HSCPlazGitConfigFile.h"
 #include "plaz/model/repo/git/HSCPlazGitCredentials.h"
-#include "plaz/model/repo/git/HSCPlazGitEnv.h"
 #include "plaz/model/repo/git/HSCPlazGitProgram.h"
 #include "plaz/model/repo/git/HSCPlazGitProxies.h"
 #include "plaz/model/repo/git/HSCPlazGitRemoved.h"
@@ -67,9 +66,7 @@ void tellUndetected() {
 
 bool HSCPlazGitSettings::initWorkingCopy(const std::string& dir) {
     HSCPlazGitRunner::run({"init"}, dir);
-    if (!HUTFile::mkDirForOwner(dir + "/.git") || !HUTFile::mkDirRecursive(dir + "/.git/info") ||
-        !HUTFile::writeAtomically(dir + "/.git/info/attributes", HSCPlazGitEnv::plainAttributes))
-        return false;
+    if (!HUTFile::mkDirForOwner(dir + "/.git")) return false;
     setCertificates(dir);
     setProxy(dir);
     setCredentialHelper(dir);

@@ -6,8 +6,8 @@
 /// left unset, and the next command tells.
 namespace HSCPlazGitSettings {
 
-/// Creates an empty repository in @p dir, which must exist, and gives it its settings: plain attributes, certificates,
-/// proxy and credential helper. @return false when the attributes cannot be written
+/// Creates an empty repository in @p dir, which must exist, and gives it its settings: certificates, proxy and
+/// credential helper. @return false when it cannot be kept from others
 /// @throws HEXAll as HSCPlazGitRunner::run
 bool initWorkingCopy(const std::string& dir);
 

@@ -5,6 +5,7 @@
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/repo/git/HSCPlazGitCertificates.h"
 #include "plaz/model/repo/git/HSCPlazGitHead.h"
+#include "plaz/model/repo/git/HSCPlazGitOwnership.h"
 #include "plaz/model/repo/git/HSCPlazGitProgram.h"
 #include "plaz/model/repo/git/HSCPlazGitRemoved.h"
 #include "plaz/model/repo/git/HSCPlazGitRunner.h"
@@ -110,6 +111,7 @@ HSCPlazUpdateCheck HSCPlazGitUpdateCheck::look(const std::string& cloneDir, cons
         return {std::nullopt, "the working copy \"" + cloneDir + "\" is not complete"};
     if (!fitsCommandLine(access)) return {std::nullopt, "its URL is not safe to give to git"};
     try {
+        HSCPlazGitOwnership::require(cloneDir);
         HSCPlazGitSettings::setProxy(cloneDir, proxy);
         return askAndCompare(cloneDir, access, branchToCheck(cloneDir, branch));
     } catch (const std::exception& failure) {

@@ -4,7 +4,7 @@
 #include "plaz/model/HSCPlazQStoreModel.h"
 #include "plaz/model/repo/git/HSCPlazGitConfigFile.h"
 #include "plaz/model/repo/git/HSCPlazGitCredentials.h"
-#include "plaz/model/repo/git/HSCPlazGitEnv.h"
+#include "plaz/model/repo/git/HSCPlazGitOwnership.h"
 #include "plaz/model/repo/git/HSCPlazGitRemote.h"
 #include "plaz/model/repo/git/HSCPlazGitRunner.h"
 #include "plaz/model/repo/git/HSCPlazGitSettings.h"
@@ -44,18 +44,13 @@ void removeIndex(const std::string& index) {
     HUTFile::rmRecursive(index);
 }
 
-/// Somebody has told git to write files elsewhere.
-bool leadsElsewhere(const std::string& index) {
-    return HSCPlazGitConfigFile::findValue(index, "core.worktree").has_value();
-}
-
 void discardForeignIndex(const std::string& index, const std::string& url) {
     trace("Checking cloned repo url matches with store url or not.");
     trace("Reconstructed git url :", url);
     const std::string recorded = HSCPlazGitConfigFile::getRemoteUrl(index);
     trace("Index remote url: ", recorded);
     trace("Store remote url: ", url);
-    if (recorded == url && !leadsElsewhere(index)) {
+    if (recorded == url) {
         trace("Cloned repo url matches with store url, no action required.");
         return;
     }
@@ -66,8 +61,22 @@ void discardForeignIndex(const std::string& index, const std::string& url) {
 /// Of the right URL, and completed at some time.
 bool isUsable(const HSCPlazGitStore& store) {
     const std::string index = store.layout.getIndex();
-    return Layout::isComplete(index) && !leadsElsewhere(index) &&
+    return Layout::isComplete(index) &&
            (!store.hasRemote() || HSCPlazGitConfigFile::getRemoteUrl(index) == store.access);
+}
+
+/// What somebody else may have had a hand in goes before git comes near it, where it can be made afresh.
+bool discardOthers(const HSCPlazGitStore& store, HSCPlazReport& report) {
+    const std::string index = store.layout.getIndex();
+    const std::string objection = HSCPlazGitOwnership::findObjectionToOwn(index);
+    if (objection.empty()) return true;
+    if (store.hasRemote()) removeIndex(index);
+    const bool isGone = !HUTFile::exists(index);
+    if (isGone)
+        report.add(Msg::workingCopyDiscarded, MsgSeverity::warning, index, objection);
+    else
+        report.add(Msg::workingCopyRefused, MsgSeverity::error, index, objection);
+    return isGone;
 }
 
 // Each installation copies them and removes the copies again. git makes those that it needs.
@@ -109,12 +118,11 @@ bool isReplacedWhole(const std::string& relative) {
     return false;
 }
 
-/// The repository alone: an index, files and attributes that somebody has left there are none of the commits'.
+/// The repository alone: an index and files that somebody has left there are none of the commits'.
 bool copyRepository(const std::string& index, const std::string& staging) {
     const auto isLinked = [](const std::string& relative) { return isReplacedWhole(".git/" + relative); };
     return HUTFile::mkDirForOwner(staging) && HUTFile::cloneTree(index, staging, isLinked) &&
-           HUTFile::rmRecursive(staging + "/index") && HUTFile::mkDirRecursive(staging + "/info") &&
-           HUTFile::writeUnflushed(staging + "/info/attributes", HSCPlazGitEnv::plainAttributes);
+           HUTFile::rmRecursive(staging + "/index");
 }
 
 bool copyIndex(const std::string& index, const std::string& staging, HSCPlazReport& report) {
@@ -129,12 +137,13 @@ bool copyIndex(const std::string& index, const std::string& staging, HSCPlazRepo
 } // namespace
 
 bool HSCPlazGitWorkingCopy::stage(const HSCPlazGitStore& store, Use use, HSCPlazReport& report) {
-    const bool isTaken = use == Use::asItIs && isUsable(store);
     const std::string refusal = HSCPlazGitUrl::findRefusal(store.url);
-    if (!refusal.empty() && (store.hasRemote() || !isTaken)) {
+    if (!refusal.empty() && (store.hasRemote() || use != Use::asItIs || !isUsable(store))) {
         report.add(Msg::storeRefused, MsgSeverity::error, store.model.getName(), refusal);
         return false;
     }
+    if (!discardOthers(store, report)) return false;
+    const bool isTaken = use == Use::asItIs && isUsable(store);
     const std::string staging = store.layout.getStaging();
     if (!clearStaging(staging)) return tellNotWritable(staging, report);
     const std::string index = store.layout.getIndex();

@@ -23,10 +23,11 @@ enum class Use {
     refreshed ///< through those that are in force now, which it records from then on
 };
 
-/// Makes the staging directory a copy of the working copy, which is created, made afresh (another URL, never completed)
-/// or used as @p use says first. Of a store without a remote it is taken as it is, while it is complete.
+/// Makes the staging directory a copy of the working copy, which is created, made afresh (another URL, never completed,
+/// not this user's own work) or used as @p use says first. Of a store without a remote it is taken as it is, while it
+/// is complete.
 /// @param report     Msg::storeRefused for a URL that git is not given, dirNotWritable, gitAccessOff,
-/// credentialsMissing
+/// credentialsMissing, workingCopyDiscarded or, where it cannot be made afresh, workingCopyRefused
 /// @return false leaves no staging directory
 /// @throws HEXAll as HSCPlazGitRunner::run
 bool stage(const HSCPlazGitStore& store, Use use, HSCPlazReport& report);
