@@ -6,6 +6,7 @@
 #include "plaz/model/reader/HSCPlazFileCheck.h"
 #include "support/HUTFile.h"
 #include "support/HUTFileLock.h"
+#include "support/HUTFileTree.h"
 
 #include <boost/filesystem/path.hpp>
 
@@ -113,6 +114,9 @@ std::vector<Finding> doctor::checkDirectories(const std::vector<Path>& hub, cons
 std::vector<Finding> doctor::checkDisk(const Path& userArea) {
     if (!userArea.exists) return {};
     const std::string file = HSCPlazInspection::getLockFile(), subject = "user area: disk";
+    if (HUTFileTree::isLink(file))
+        return {
+            problem(subject, file + " is a link, which is not followed: nothing can be changed", "Remove the link.")};
     if (!HUTFile::isWriteable(file)) return {}; // that is told of its directory
     std::vector<Finding> findings;
     if (HUTFileLock(file).tryLock() == HUTFileLock::Result::unavailable)

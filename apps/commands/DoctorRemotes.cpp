@@ -38,9 +38,9 @@ std::string chooseBranch(const std::vector<std::string>& branches, const std::st
 } // namespace
 
 doctor::TrialCopy::TrialCopy() : m_dir(HUTFile::getTemporaryName()) {
+    if (!HUTFile::makeNewDir(m_dir))
+        throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::dirNotWritable, m_dir));
     try {
-        if (!HUTFile::mkDirRecursive(m_dir))
-            throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::dirNotWritable, m_dir));
         HSCPlazInspection::makeWorkingCopy(m_dir);
     } catch (...) {
         HUTFile::rmRecursive(m_dir);

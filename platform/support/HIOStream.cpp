@@ -70,13 +70,16 @@ HIOStream::Status HIOStream::read(const std::string& file, std::string& content,
     return finish(platform::readFile(file, content, maxSize), content);
 }
 
+HIOStream::Status HIOStream::readItself(const std::string& file, std::string& content) {
+    return finish(platform::readFile(file, content, largestFile, false), content);
+}
+
 bool HIOStream::isContainer(const std::string& file) {
     return platform::readStart(file, magic.size()) == magic;
 }
 
 std::ofstream HIOStream::openForWriting(const std::string& file, std::ios::openmode mode) {
-    platform::makeFile(file, platform::rightsOf(file));
-    return std::ofstream(std::filesystem::path(platform::toSystemName(file).native()), mode | std::ios::binary);
+    return platform::openForWriting(file, mode, platform::rightsOf(file));
 }
 
 HIOStream::Status HIOStream::unwrap(std::string& bytes) {

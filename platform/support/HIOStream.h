@@ -54,11 +54,13 @@ public:
     /// Reads a whole file into @p content (replaced; its capacity is reused); plain content of a protected file.
     /// @param maxSize  of a larger file, in bytes, nothing is read
     static Status read(const std::string& file, std::string& content, std::uint64_t maxSize = largestFile);
+    /// The same of a file that is no link itself; one is unreadable.
+    static Status readItself(const std::string& file, std::string& content);
     /// Whether the file begins as a protected file does.
     static bool isContainer(const std::string& file);
     /// Opens a file for text that comes bit by bit; every byte goes into it as it is.
     /// @param mode  std::ios::trunc or std::ios::app
-    /// @return not open when that failed
+    /// @return not open when that failed, or a link stands there
     static std::ofstream openForWriting(const std::string& file, std::ios::openmode mode);
     /// A protected file's bytes for the plain content.
     static std::string wrap(const std::string& content);

@@ -291,6 +291,15 @@ std::string HUTFile::getTemporaryName(const std::string& ending) {
     return (fs::temp_directory_path() / fs::unique_path("plaz-%%%%-%%%%-%%%%")).generic_string() + ending;
 }
 
+bool HUTFile::makeNew(const std::string& file) {
+    return platform::makeNew(file);
+}
+
+bool HUTFile::makeNewDir(const std::string& dir) {
+    Error error;
+    return fs::create_directory(sys(dir), error) && mkDirForOwner(dir);
+}
+
 std::string HUTFile::getNameKey(const std::string& name) {
     return platform::getNameKey(name);
 }

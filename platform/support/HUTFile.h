@@ -139,6 +139,11 @@ public:
     /// @throws boost::filesystem::filesystem_error where the environment names a temporary directory that is none
     static std::string getTemporaryName(const std::string& ending = "");
 
+    /// Makes an empty file, its owner's alone. @return false where something stands at that name already, be it a link
+    static bool makeNew(const std::string& file);
+    /// The same of a directory, whose parent must be there.
+    static bool makeNewDir(const std::string& dir);
+
     /// Equal for two names exactly when the system's disks take one for the other, such as "Led" and "led".
     static std::string getNameKey(const std::string& name);
 };

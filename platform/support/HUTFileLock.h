@@ -15,6 +15,7 @@ public:
     enum class Result {
         held,
         busy,       ///< another process holds it
+        link,       ///< a link stands at that name; it is not followed
         unavailable ///< the file cannot be made, or its disk knows no locks
     };
 

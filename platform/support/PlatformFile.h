@@ -6,6 +6,7 @@
 #include <boost/filesystem/path.hpp>
 
 #include <cstdint>
+#include <fstream>
 #include <functional>
 #include <optional>
 #include <string>
@@ -51,7 +52,8 @@ private:
 };
 
 /// Reads a whole file as it stands on disk; @p content is replaced, and undefined unless the result is ok.
-HIOStatus readFile(const std::string& file, std::string& content, std::uint64_t maxSize);
+/// @param throughLink  false: a link in its place is unreadable
+HIOStatus readFile(const std::string& file, std::string& content, std::uint64_t maxSize, bool throughLink = true);
 /// The first @p size bytes of a regular file, fewer when it is shorter or cannot be read.
 std::string readStart(const std::string& file, std::size_t size);
 
@@ -103,9 +105,6 @@ bool removeEntriesExcept(const std::string& dir, const std::string& keptName);
 /// Makes one directory. @return false, also when it is there
 bool makeDirectory(const std::string& dir, Rights rights);
 
-/// Makes an empty file where nothing stands under that name.
-void makeFile(const std::string& file, Rights rights);
-
 /// Keeps all but its owner from a directory that is there, and from what is made in it later, where that is possible.
 void keepForOwner(const std::string& dir);
 
@@ -117,6 +116,11 @@ bool copyFile(const std::string& source, const std::string& dest, std::optional<
 /// Gives a file or directory another name. A file there is replaced; one that somebody holds open is tried again for a
 /// while where that stands in the way.
 bool rename(const std::string& from, const std::string& to);
+
+/// As HUTFile::makeNew says.
+bool makeNew(const std::string& file);
+/// As HIOStream::openForWriting says. @param rights  of a file that is made
+std::ofstream openForWriting(const std::string& file, std::ios::openmode mode, Rights rights);
 
 /// Writes a file whole, as HUTFile::writeAtomically and writeUnflushed say. One that replaces another has the other's
 /// rights, unless it is for its owner.

@@ -240,8 +240,8 @@ HIOStatus OpenDirectory::read(const std::string& relative, std::string& content,
     }
 }
 
-HIOStatus readFile(const std::string& file, std::string& content, std::uint64_t maxSize) {
-    return holdsNull(file) ? Status::missing : openAndReadAll(file, 0, content, maxSize);
+HIOStatus readFile(const std::string& file, std::string& content, std::uint64_t maxSize, bool throughLink) {
+    return holdsNull(file) ? Status::missing : openAndReadAll(file, throughLink ? 0 : O_NOFOLLOW, content, maxSize);
 }
 
 HIOStatus readInParts(const std::string& file, const std::function<void(const FileFacts&)>& begin,
@@ -366,10 +366,6 @@ bool makeDirectory(const std::string& dir, Rights rights) {
     return !holdsNull(dir) && ::mkdir(dir.c_str(), 0777 & allowedTo(rights)) == 0;
 }
 
-void makeFile(const std::string& file, Rights rights) {
-    const Descriptor made(open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666 & allowedTo(rights)));
-}
-
 void keepForOwner(const std::string& dir) {
     std::error_code ignored;
     std::filesystem::permissions(dir, std::filesystem::perms::owner_all, ignored);
@@ -395,6 +391,17 @@ bool copyFile(const std::string& source, const std::string& dest, std::optional<
 
 bool rename(const std::string& from, const std::string& to) {
     return std::rename(from.c_str(), to.c_str()) == 0;
+}
+
+bool makeNew(const std::string& file) {
+    return static_cast<bool>(Descriptor(open(file.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600)));
+}
+
+// The stream opens what has been opened, whatever its name leads to by then.
+std::ofstream openForWriting(const std::string& file, std::ios::openmode mode, Rights rights) {
+    constexpr int flags = O_WRONLY | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    const Descriptor fd(holdsNull(file) ? -1 : open(file.c_str(), flags, 0666 & allowedTo(rights)));
+    return fd ? std::ofstream("/proc/self/fd/" + std::to_string(fd.get()), mode | std::ios::binary) : std::ofstream();
 }
 
 bool writeWhole(const std::string& file, const std::string& content, Rights rights, bool isFlushed) {

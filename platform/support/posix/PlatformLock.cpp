@@ -36,8 +36,8 @@ int HUTFileLock::getHolder() const {
 
 HUTFileLock::Result HUTFileLock::tryLock() {
     const mode_t rights = 0666 & platform::allowedTo(platform::rightsOf(m_file));
-    if (m_handle < 0) m_handle = ::open(m_file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, rights);
-    if (m_handle < 0) return Result::unavailable;
+    if (m_handle < 0) m_handle = ::open(m_file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, rights);
+    if (m_handle < 0) return errno == ELOOP ? Result::link : Result::unavailable;
     if (m_isHeld) return Result::held;
     const int file = static_cast<int>(m_handle);
     int status = -1;

@@ -112,9 +112,11 @@ private:
     int m_fd;
 };
 
-// Opened for appending, so that what is added at the end of the run does not meet what a straggler writes.
+// A link there is not followed, nor is a pipe waited for. Opened for appending, so that what is added at the end of the
+// run does not meet what a straggler writes.
 int openLog(const std::string& file) {
-    return file.empty() ? -1 : open(file.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC, 0600);
+    constexpr int flags = O_WRONLY | O_CREAT | O_TRUNC | O_APPEND | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY;
+    return file.empty() ? -1 : open(file.c_str(), flags, 0600);
 }
 
 std::vector<char*> toPointers(const std::vector<std::string>& strings) {

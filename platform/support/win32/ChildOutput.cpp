@@ -19,11 +19,9 @@ Handle openLog(const std::string& file) {
     const std::wstring name = win32::toLongName(file);
     win32::OwnerOnly rights;
     if (!rights.get()) return Handle();
-    Handle truncated(CreateFileW(name.c_str(), GENERIC_WRITE, win32::shareAll, rights.get(), CREATE_ALWAYS,
-                                 FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (!truncated) return truncated;
-    return Handle(CreateFileW(name.c_str(), FILE_APPEND_DATA | FILE_READ_ATTRIBUTES | SYNCHRONIZE, win32::shareAll,
-                              &attributes, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr));
+    const Handle truncated = win32::openItself(name, GENERIC_WRITE, OPEN_ALWAYS, rights.get());
+    if (!truncated || !SetEndOfFile(truncated.get())) return Handle();
+    return win32::openItself(name, FILE_APPEND_DATA | FILE_READ_ATTRIBUTES | SYNCHRONIZE, OPEN_EXISTING, &attributes);
 }
 
 } // namespace

@@ -319,9 +319,10 @@ HIOStatus OpenDirectory::read(const std::string& relative, std::string& content,
     return liesBeneath(root, win32::getFinalName(file)) ? readAll(file, content, maxSize) : Status::outside;
 }
 
-HIOStatus readFile(const std::string& file, std::string& content, std::uint64_t maxSize) {
+HIOStatus readFile(const std::string& file, std::string& content, std::uint64_t maxSize, bool throughLink) {
     if (file.empty() || holdsNull(file)) return Status::missing;
-    const Handle handle = open(toLongName(file), GENERIC_READ);
+    const std::wstring name = toLongName(file);
+    const Handle handle = throughLink ? open(name, GENERIC_READ) : win32::openItself(name, GENERIC_READ, OPEN_EXISTING);
     return handle ? readAll(handle, content, maxSize) : statusOfError(GetLastError());
 }
 
@@ -439,8 +440,6 @@ bool makeDirectory(const std::string& dir, Rights /*rights*/) {
     return !holdsNull(dir) && CreateDirectoryW(toLongName(dir).c_str(), nullptr);
 }
 
-void makeFile(const std::string& /*file*/, Rights /*rights*/) {}
-
 // What lies in it already keeps its rights: a call that changed them would look at all of it.
 void keepForOwner(const std::string& dir) {
     OwnerOnly rights;
@@ -454,6 +453,19 @@ bool copyFile(const std::string& source, const std::string& dest, std::optional<
 
 bool rename(const std::string& from, const std::string& to) {
     return moveOverPatiently(toLongName(from), toLongName(to));
+}
+
+bool makeNew(const std::string& file) {
+    OwnerOnly rights;
+    return rights.get() && Handle(CreateFileW(toLongName(file).c_str(), GENERIC_WRITE, 0, rights.get(), CREATE_NEW,
+                                              FILE_ATTRIBUTE_NORMAL, nullptr));
+}
+
+// While the handle is there, nothing else comes to stand at that name.
+std::ofstream openForWriting(const std::string& file, std::ios::openmode mode, Rights /*rights*/) {
+    const std::wstring name = toLongName(file);
+    const Handle held = win32::openItself(name, 0, OPEN_ALWAYS, nullptr, FILE_SHARE_READ | FILE_SHARE_WRITE);
+    return held ? std::ofstream(std::filesystem::path(name), mode | std::ios::binary) : std::ofstream();
 }
 
 bool writeWhole(const std::string& file, const std::string& content, Rights rights, bool isFlushed) {

@@ -29,6 +29,11 @@ void writeHolder(HANDLE file) {
     SetEndOfFile(file);
 }
 
+HUTFileLock::Result resultOfError(DWORD error) {
+    if (error == win32::stoppedByLink) return HUTFileLock::Result::link;
+    return error == ERROR_SHARING_VIOLATION ? HUTFileLock::Result::busy : HUTFileLock::Result::unavailable;
+}
+
 const auto noHandle = reinterpret_cast<std::intptr_t>(INVALID_HANDLE_VALUE);
 
 } // namespace
@@ -52,10 +57,9 @@ int HUTFileLock::getHolder() const {
 
 HUTFileLock::Result HUTFileLock::tryLock() {
     if (m_handle == noHandle)
-        m_handle = reinterpret_cast<std::intptr_t>(CreateFileW(win32::toLongName(m_file).c_str(),
-                                                               GENERIC_READ | GENERIC_WRITE, win32::shareAll, nullptr,
-                                                               OPEN_ALWAYS, FILE_ATTRIBUTE_NORMAL, nullptr));
-    if (m_handle == noHandle) return GetLastError() == ERROR_SHARING_VIOLATION ? Result::busy : Result::unavailable;
+        m_handle = reinterpret_cast<std::intptr_t>(
+            win32::openItself(win32::toLongName(m_file), GENERIC_READ | GENERIC_WRITE, OPEN_ALWAYS).release());
+    if (m_handle == noHandle) return resultOfError(GetLastError());
     if (m_isHeld) return Result::held;
     OVERLAPPED place = placeOfLock();
     m_isHeld =

@@ -1,4 +1,7 @@
+#include "support/HIOStream.h"
 #include "support/HUTFile.h"
+#include "support/HUTFileLock.h"
+#include "support/HUTFork.h"
 #include "support/HUTSysCall.h"
 #include "support/TempDir.h"
 
@@ -33,6 +36,52 @@ TEST(DiskTest, CanonicalNames) {
     EXPECT_FALSE(HUTSysCall::changeDir(temp.path("absent")));
     EXPECT_EQ(HUTSysCall::getCurrDir(), temp.path());
     HUTSysCall::changeDir("/");
+}
+
+// Fault: a log, lock or temporary file is written, or read, through a link that somebody else has laid.
+TEST(DiskTest, LinksAreNotWrittenThrough) {
+    const TempDir temp;
+    for (const std::string& target : {temp.write("mine", "x"), temp.path("absent")}) {
+        const std::string link = target + ".link";
+        std::filesystem::create_symlink(target, link);
+        EXPECT_FALSE(HIOStream::openForWriting(link, std::ios::trunc).is_open());
+        HUTFork echo;
+        echo.setProg("echo", true);
+        echo.setLogFile(link);
+        EXPECT_EQ(echo.launch(true, true, true, true), 0);
+        EXPECT_EQ(HUTFileLock(link).tryLock(), HUTFileLock::Result::link);
+        EXPECT_FALSE(HUTFile::makeNew(link) || HUTFile::makeNewDir(link));
+        std::string content;
+        EXPECT_EQ(HIOStream::readItself(link, content), HIOStream::Status::unreadable);
+    }
+    EXPECT_EQ(readFile(temp.path("mine")), "x");
+    EXPECT_FALSE(HUTFile::exists(temp.path("absent")));
+    HIOStream::openForWriting(temp.path("mine"), std::ios::app) << "y";
+    EXPECT_EQ(readFile(temp.path("mine")), "xy");
+    EXPECT_TRUE(HUTFile::makeNew(temp.path("new")) && !HUTFile::makeNew(temp.path("new")));
+}
+
+// Fault: what others have made, or may write to, taken for one's own.
+TEST(DiskTest, WhoseAFileIs) {
+    if (geteuid() != 0) GTEST_SKIP() << "one user cannot make another's files";
+    const TempDir temp;
+    constexpr uid_t user = 12345, other = 12346;
+    const std::tuple<const char*, uid_t, mode_t, bool> cases[] = {
+        {"user's", user, 0700, true}, {"open", user, 0777, true},      {"root's", 0, 0755, true},
+        {"group's", 0, 0775, false},  {"everybody's", 0, 0757, false}, {"another's", other, 0755, false}};
+    chmod(temp.path().c_str(), 0777); // so that what stands beside tells nothing else
+    for (const auto& [name, owner, mode, isOwn] : cases) {
+        const std::string dir = temp.makeDir(name);
+        ASSERT_TRUE(chown(dir.c_str(), owner, 0) == 0 && chmod(dir.c_str(), mode) == 0);
+        ASSERT_EQ(seteuid(user), 0);
+        EXPECT_EQ(HUTFile::isOwn(dir), isOwn) << name;
+        EXPECT_EQ(HUTFile::isOpenToOthers(dir), owner == user && mode == 0777) << name;
+        ASSERT_EQ(seteuid(0), 0);
+        EXPECT_EQ(modeOf(dir), mode);
+    }
+    EXPECT_EQ(HUTFile::createFileIter(temp.path()).size(), std::size(cases));
+    std::filesystem::create_directory_symlink(temp.path("root's"), temp.path("link"));
+    EXPECT_FALSE(HUTFile::isOwn(temp.path("link")));
 }
 
 // Fault: a path that only looks as if it stayed inside.

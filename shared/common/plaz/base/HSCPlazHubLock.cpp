@@ -27,23 +27,25 @@ void tellOnce(const std::string& unlocked, const HSCPlazHubLock::Waiter& waiter)
 
 HSCPlazHubLock::Taken HSCPlazHubLock::take(const std::string& file, const Waiter& waiter) {
     static std::weak_ptr<HUTFileLock> held;
-    if (auto lock = held.lock()) return {lock, false};
+    if (auto lock = held.lock()) return {lock, {}};
     using Clock = std::chrono::steady_clock;
     const int seconds = HPAParamMgr::getParamMgr().getValueAsInt("plaz.lockTimeout");
     const auto giveUp = Clock::now() + std::chrono::seconds(seconds);
     std::optional<Clock::time_point> speak;
     if (seconds > 1 && waiter.tell) speak = Clock::now() + std::chrono::seconds(1);
     auto lock = std::make_shared<HUTFileLock>(file);
-    while (lock->tryLock() == HUTFileLock::Result::busy) {
-        if (waiter.isCancelled()) return {nullptr, false};
+    HUTFileLock::Result result = HUTFileLock::Result::busy;
+    while ((result = lock->tryLock()) == HUTFileLock::Result::busy) {
+        if (waiter.isCancelled()) return {nullptr, {}};
         if (speak && Clock::now() > *speak) {
             waiter.tell(describeWait(*lock, seconds));
             speak.reset();
         }
-        if (Clock::now() > giveUp) return {nullptr, true};
+        if (Clock::now() > giveUp) return {nullptr, {Msg::hubBusy, MsgSeverity::error, file}};
         HUTWait::wait([] { std::this_thread::sleep_for(HUTWait::slice); });
     }
+    if (result == HUTFileLock::Result::link) return {nullptr, {Msg::lockIsLink, MsgSeverity::error, file}};
     if (!lock->isHeld()) tellOnce(file, waiter);
     held = lock;
-    return {lock, false};
+    return {lock, {}};
 }

@@ -14,7 +14,9 @@ namespace HSCPlazHubLock {
 /// What came of asking for it.
 struct Taken {
     std::shared_ptr<HUTFileLock> lock; ///< held, where there are locks, as long as anybody has this; or null
-    bool isBusy = false;               ///< another process did not come to an end; otherwise the work was cancelled
+    /// Why nobody has it: another process did not come to an end (Msg::hubBusy), or its file is a link
+    /// (Msg::lockIsLink). Empty where the work was cancelled.
+    HSCPlazReport problem;
 };
 
 /// What whoever waits for the lock has to say and to ask.

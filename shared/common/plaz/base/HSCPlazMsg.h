@@ -98,6 +98,8 @@ inline constexpr MsgId<3> manyFindings{"@17-2281@%s%s%s"};       ///< how many, 
 inline constexpr MsgId<0> gitAccessOff{"@17-2255@"};
 inline constexpr MsgId<2> workingCopyDiscarded{"@17-2265@%s%s"}; ///< directory, why
 inline constexpr MsgId<2> workingCopyRefused{"@17-2266@%s%s"};   ///< directory, why
+inline constexpr MsgId<1> lockIsLink{"@17-2268@%s"};             ///< lock file
+inline constexpr MsgId<1> linkInPlace{"@17-2267@%s"};            ///< directory
 /// directory, store, what to make in it
 inline constexpr MsgId<3> placeOfNoStoreMissing{"@17-2252@%s%s%s"};
 inline constexpr MsgId<1> hubUnlocked{"@17-2240@%s"};     ///< lock file

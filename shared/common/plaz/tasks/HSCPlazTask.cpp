@@ -73,7 +73,7 @@ bool HSCPlazTask::withLock(const std::function<bool()>& action) {
     const std::string file = m_workspace.paths.getLockFile();
     const auto taken = HSCPlazHubLock::take(
         file, {[this] { return isCancelled(); }, [this](const HSCPlazReport& report) { tell(report); }});
-    if (taken.isBusy) return fail(Msg::hubBusy, file);
+    if (!taken.problem.isEmpty()) return fail(taken.problem);
     return taken.lock && action();
 }
 

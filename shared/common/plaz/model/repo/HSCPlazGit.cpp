@@ -131,7 +131,7 @@ int HSCPlazGit::hasUpdate(const std::string& cloneDir, const std::string& url, c
     const std::string lockFile = context.getLockFile();
     const auto taken =
         HSCPlazHubLock::take(lockFile, {HUTFork::isInterrupted, [](const HSCPlazReport& report) { report.send(); }});
-    if (taken.isBusy) ComMsgMgr::send(Msg::hubBusy, MsgSeverity::error, lockFile);
+    taken.problem.send();
     if (!taken.lock) return 0;
     // RATIONALE: as it always has, it goes by the first line of git's log alone, even where that tells of a failure.
     const HSCPlazUpdateCheck check = HSCPlazGitUpdateCheck::look(cloneDir, access, proxy, branch);

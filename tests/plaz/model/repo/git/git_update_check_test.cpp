@@ -7,7 +7,7 @@
 using GitUpdateCheck = GitRemoteTest;
 
 // Faults: a moved branch goes unnoticed, the check asks another repository than a refresh would fetch, a URL becomes
-// an option, files are left.
+// an option, files are left or written through links.
 TEST_F(GitUpdateCheck, AsksTheRemote) {
     const std::string source = "file://" + remote.getDir();
     model.setStoreType("board");
@@ -24,7 +24,13 @@ TEST_F(GitUpdateCheck, AsksTheRemote) {
     EXPECT_EQ(HSCPlazGit::hasUpdate(clone, other.getDir(), "", ""), 1);
     setParam("board.repoURL", other.getDir());
     EXPECT_EQ(HSCPlazGit::hasUpdate(clone, source, "", ""), 1);
-    for (const char* file : {"/__git1.log", "/__git2.log"}) EXPECT_FALSE(HUTFile::exists(clone + file));
+    const std::string mine = temp.write("mine", "x");
+    const Names logs{"/__git1.log", "/__git2.log", "/git_fork.log", "/proxy.txt"};
+    for (const std::string& log : logs) test_system::makeLink(mine, clone + log);
+    EXPECT_EQ(HSCPlazGit::hasUpdate(clone, source, "proxy.test:2", ""), 1);
+    HSCPlazGit::setProxy(clone);
+    EXPECT_EQ(readFile(mine), "x");
+    for (const std::string& log : logs) EXPECT_EQ(HUTFile::exists(clone + log), log == logs.back()) << log;
 }
 
 // Faults: more or fewer than seven characters compared, a second fall-back, no result for a silent git, a fetch.

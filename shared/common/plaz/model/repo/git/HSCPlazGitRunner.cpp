@@ -11,6 +11,7 @@
 #include "plaz/model/repo/git/HSCPlazGitEnv.h"
 #include "plaz/model/repo/git/HSCPlazGitLimits.h"
 #include "plaz/model/repo/git/HSCPlazGitLog.h"
+#include "plaz/model/repo/git/HSCPlazGitOutput.h"
 #include "plaz/model/repo/git/HSCPlazGitOwnership.h"
 #include "plaz/model/repo/git/HSCPlazGitProgram.h"
 #include "plaz/model/repo/git/HSCPlazGitRemoved.h"
@@ -56,7 +57,7 @@ void setLastError(const std::string& log, std::set<std::string>& errors) {
     HSCPlazDebugLog::inside(self, " found log file ", log);
     try {
         std::string output;
-        if (HIOStream::read(log, output) != HIOStream::Status::ok) return;
+        if (HIOStream::readItself(log, output) != HIOStream::Status::ok) return;
         HSCPlazDebugLog::inside(self, " opened log file ", log);
         for (const std::string& line : HSCPlazGitLog::getErrorLines(output)) {
             const std::string masked = HSCPlazTrust::maskSecrets(line);
@@ -93,6 +94,7 @@ public:
             HUTFile::mkDirRecursive(file.parent_path().string());
             m_file = file.generic_string();
             m_isTemporary = true;
+            HSCPlazGitOutput::clear(m_file);
             trace("Temp fork logfile:", m_file);
         } catch (const std::exception& failure) {
             trace("error: while setting up temporary log file for forked process", failure.what());
@@ -100,7 +102,7 @@ public:
     }
 
     void removeTemporary() const {
-        if (m_isTemporary && HUTFile::isRegularFile(m_file)) HUTFile::rmRecursive(m_file);
+        if (m_isTemporary) HSCPlazGitOutput::clear(m_file);
     }
 
 private:
@@ -320,7 +322,8 @@ HSCPlazGitAnswer HSCPlazGitRunner::ask(const std::vector<std::string>& args, con
     words.insert(words.end(), args.begin(), args.end());
     const HSCPlazGitRemoved outFile(HUTFile::getTemporaryName(".log"));
     HUTFork process;
-    const DirectRun done = runOnce(process, words, workDir, outFile.getName(), HSCPlazGitParams::getTimeOut());
+    const std::string log = HUTFile::makeNew(outFile.getName()) ? outFile.getName() : "";
+    const DirectRun done = runOnce(process, words, workDir, log, HSCPlazGitParams::getTimeOut());
     HSCPlazGitAnswer answer{done.status, {}};
     answer.isHeard = HIOStream::read(outFile.getName(), answer.text) == HIOStream::Status::ok;
     answer.text = HSCPlazTrust::maskSecrets(answer.text);

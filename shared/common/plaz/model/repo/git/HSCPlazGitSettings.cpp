@@ -3,9 +3,9 @@
 #include "plaz/base/HSCPlazDebugLog.h"
 #include "plaz/model/repo/git/HSCPlazGitConfigFile.h"
 #include "plaz/model/repo/git/HSCPlazGitCredentials.h"
+#include "plaz/model/repo/git/HSCPlazGitOutput.h"
 #include "plaz/model/repo/git/HSCPlazGitProgram.h"
 #include "plaz/model/repo/git/HSCPlazGitProxies.h"
-#include "plaz/model/repo/git/HSCPlazGitRemoved.h"
 #include "plaz/model/repo/git/HSCPlazGitRunner.h"
 #include "plaz/model/repo/git/HSCPlazGitTrace.h"
 #include "support/HIOStream.h"
@@ -29,7 +29,7 @@ std::string detectedProxyFile(const std::string& dir) {
 std::string detectProxy(const std::string& dir) {
     const std::string program = HSCPlazGitProgram::findProxyHelper();
     if (program.empty()) return "";
-    const HSCPlazGitRemoved log(dir + "/proxy.txt");
+    const HSCPlazGitOutput log(dir + "/proxy.txt");
     HUTFork helper;
     helper.dontUseHDLDPath();
     helper.setProg(program, false);
@@ -37,7 +37,7 @@ std::string detectProxy(const std::string& dir) {
     helper.setTimeout(HSCPlazGitParams::getTimeOut());
     helper.setLogFile(log.getName());
     helper.launch(true, true, true, true);
-    return HSCPlazGitUrl::findProxy(readFile(log.getName()));
+    return HSCPlazGitUrl::findProxy(log.read());
 }
 
 // Records a setting of access.

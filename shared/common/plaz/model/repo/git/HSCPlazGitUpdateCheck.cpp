@@ -5,13 +5,12 @@
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/repo/git/HSCPlazGitCertificates.h"
 #include "plaz/model/repo/git/HSCPlazGitHead.h"
+#include "plaz/model/repo/git/HSCPlazGitOutput.h"
 #include "plaz/model/repo/git/HSCPlazGitOwnership.h"
 #include "plaz/model/repo/git/HSCPlazGitProgram.h"
-#include "plaz/model/repo/git/HSCPlazGitRemoved.h"
 #include "plaz/model/repo/git/HSCPlazGitRunner.h"
 #include "plaz/model/repo/git/HSCPlazGitSettings.h"
 #include "plaz/model/repo/git/HSCPlazGitTrace.h"
-#include "support/HIOStream.h"
 #include "support/HUTFork.h"
 #include "support/HUTText.h"
 
@@ -38,12 +37,6 @@ std::uint32_t run(const std::string& arguments, const std::string& dir, const st
         return exitCode;
     trace("Error : exec_git_win");
     return HUTFork::notStarted;
-}
-
-std::string readText(const std::string& file) {
-    std::string text;
-    HIOStream::read(file, text);
-    return text;
 }
 
 /// Whether the first head that the branch names differs from the local one; nothing when no line names the branch.
@@ -77,13 +70,13 @@ namespace {
 
 /// What the two outputs say, and why that is not to be relied on, if it is not.
 HSCPlazUpdateCheck askAndCompare(const std::string& cloneDir, const std::string& url, const std::string& branch) {
-    const HSCPlazGitRemoved logFile(cloneDir + "/__git1.log");
-    const HSCPlazGitRemoved headsFile(cloneDir + "/__git2.log");
+    const HSCPlazGitOutput logFile(cloneDir + "/__git1.log");
+    const HSCPlazGitOutput headsFile(cloneDir + "/__git2.log");
     run(" log --oneline -n 1", cloneDir, logFile.getName());
     const std::string argument = url.find(' ') == std::string::npos ? url : '"' + url + '"';
     const std::uint32_t status = run(" ls-remote " + argument, cloneDir, headsFile.getName());
-    const std::string log = readText(logFile.getName());
-    const std::string heads = readText(headsFile.getName());
+    const std::string log = logFile.read();
+    const std::string heads = headsFile.read();
     HSCPlazUpdateCheck check{HSCPlazGitUpdateCheck::isMoved(log, heads, branch), {}};
     trace(url, " ", branch, check.moved.value_or(false) ? " has updates!" : " has no updates!");
     if (status != 0)
