@@ -63,6 +63,9 @@ Finding doctor::checkCatalog(HSCPlazQStore& store) {
 Finding doctor::checkDatabase(const HSCPlazQStore& store) {
     const std::string subject = subjectOf(store.getName(), "database");
     const std::string file = store.getLocalDbFilePath();
+    if (const std::string link = HSCPlazInspection::findLink(*store.getModel()); !link.empty())
+        return problem(subject, link + " is a link, and nothing is read or written through it",
+                       "Remove the link; to keep the store elsewhere move it, or make its whole directory the link.");
     if (HSCPlazInspection::isRecordGone(*store.getModel()))
         return problem(subject, file + " is gone, and with it what it says of installed items",
                        "Bring back a copy of the file, or install the items again; their files are taken over where "

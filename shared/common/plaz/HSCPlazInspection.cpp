@@ -141,6 +141,10 @@ std::string HSCPlazInspection::getWorkingCopy(const HSCPlazQStoreModel& store) {
     return workspace().paths.getWorkLayout(store).getIndex();
 }
 
+std::string HSCPlazInspection::findLink(const HSCPlazQStoreModel& store) {
+    return workspace().paths.getStoreLayout(store).findLink();
+}
+
 std::string HSCPlazInspection::findObjection(const std::string& dir) {
     return HSCPlazGitOwnership::findObjectionToOwn(dir);
 }

@@ -78,6 +78,8 @@ PLAZ_API std::string getPlacesFile();
 /// Where a store keeps its items and its catalog. @throws HEXAll where that cannot be named
 PLAZ_API std::string getArea(const HSCPlazQStoreModel& store);
 PLAZ_API std::string getWorkingCopy(const HSCPlazQStoreModel& store);
+/// A link in the place of one of the folders that a store keeps for itself; empty where there is none.
+PLAZ_API std::string findLink(const HSCPlazQStoreModel& store);
 /// Why git does not run in a working copy of the hub's, as a part of a sentence; empty where it may.
 PLAZ_API std::string findObjection(const std::string& dir);
 /// The store's working copy is of another URL, or of other credentials, than the store is now.

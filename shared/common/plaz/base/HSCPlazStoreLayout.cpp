@@ -2,6 +2,10 @@
 
 #include "support/HUTDigest.h"
 #include "support/HUTFile.h"
+#include "support/HUTFileTree.h"
+
+#include <algorithm>
+#include <initializer_list>
 
 namespace {
 
@@ -9,7 +13,28 @@ std::string markerIn(const std::string& dir) {
     return dir + "/" + HSCPlazStoreLayout::doneMarker;
 }
 
+std::string findLinkAmong(std::initializer_list<std::string> dirs) {
+    const auto* const link =
+        std::find_if(dirs.begin(), dirs.end(), [](const std::string& dir) { return HUTFileTree::isLink(dir); });
+    return link == dirs.end() ? std::string() : *link;
+}
+
 } // namespace
+
+std::string HSCPlazWorkLayout::findWorkLink() const {
+    const std::string index = getIndex();
+    return findLinkAmong({below(m_work, hiddenDir), index, below(index, HSCPlazStoreLayout::gitDir), getStaging()});
+}
+
+std::string HSCPlazStoreLayout::findAreaLink() const {
+    const std::string hidden = getHiddenDir();
+    return findLinkAmong({hidden, below(hidden, ".catalog"), getTreesDir(), getIncoming()});
+}
+
+std::string HSCPlazStoreLayout::findLink() const {
+    const std::string link = findAreaLink();
+    return link.empty() ? findWorkLink() : link;
+}
 
 std::string HSCPlazStoreLayout::getFolderOf(const std::string& dir) const {
     const std::string start = m_area + "/";

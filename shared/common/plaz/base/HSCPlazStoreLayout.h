@@ -15,6 +15,9 @@ public:
 
     std::string getIndex() const { return below(below(m_work, hiddenDir), ".index"); }
     std::string getStaging() const { return below(m_work, stagingDir); }
+    /// A link that stands where one of these, or what holds them, should; empty when there is none. The area itself may
+    /// be one.
+    std::string findWorkLink() const;
 
     static constexpr const char* hiddenDir = ".plaz";
     static constexpr const char* stagingDir = ".staging";
@@ -71,6 +74,10 @@ public:
     ///                be safe
     std::string getTreeFile(const std::string& folder, const std::string& commit) const;
     std::string getIncoming() const { return below(getHiddenDir(), ".incoming"); }
+    /// As findWorkLink(), of the folders that the area holds beside what is installed.
+    std::string findAreaLink() const;
+    /// Either.
+    std::string findLink() const;
 
     /// Whether what a directory holds (a working copy, a catalog) came whole. @param dir  empty: no
     static bool isComplete(const std::string& dir);

@@ -65,7 +65,16 @@ void HSCPlazHubBuilder::build() const {
     }
     makeHub();
     for (const auto& [store, dir] : HSCPlazPlaces(m_workspace).findMissing()) tellMissing(store, dir);
+    tellLinks();
     HSCPlazHolds::apply(*m_workspace.hub);
+}
+
+void HSCPlazHubBuilder::tellLinks() const {
+    for (const auto& store : m_workspace.hubModel->getStores()) {
+        if (!store->isProductSpecific() || store->getLocalDbFilePath().empty()) continue;
+        const std::string link = m_workspace.paths.getStoreLayout(*store).findLink();
+        if (!link.empty()) m_report.add(Msg::linkInPlace, MsgSeverity::warning, link);
+    }
 }
 
 bool HSCPlazHubBuilder::readMetadata() const {

@@ -36,6 +36,7 @@ public:
 private:
     void save(const HSCPlaz& hub, const std::set<HSCPlazQStore*>& stores) const;
     bool readMetadata() const;
+    void tellLinks() const;
     void tellMissing(const std::string& store, const std::string& dir) const;
     void readHub(const std::string& file, HSCPlazModel& model) const;
     void readShared() const;

@@ -70,7 +70,7 @@ std::unique_ptr<HSCPlazQItemModel> readOwn(const HIOStream::Root& root, const st
 bool isChanged(const HSCPlazStoreLayout& layout, const HSCPlazQItemModel& item, const std::string& folder) {
     const std::string& commit = item.getInstalledCommitId();
     const auto tree = HSCPlazItemTree::read(layout.getTreeFile(folder, commit), commit);
-    if (!tree) return false;
+    if (!tree || !layout.findAreaLink().empty()) return false;
     const std::vector<std::string> changed = tree->compare(layout.getArea() + "/" + folder).changed;
     return std::find(changed.begin(), changed.end(), item.getMetadataFile()) != changed.end();
 }

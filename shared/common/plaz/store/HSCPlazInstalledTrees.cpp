@@ -56,6 +56,10 @@ std::optional<HSCPlazItemTree> ask(const Place& place, std::string& problem) {
         problem = "the list that its installation had kept is gone, and the store has no working copy to ask";
         return std::nullopt;
     }
+    if (const std::string link = place.layout.findWorkLink(); !link.empty()) {
+        problem = "\"" + link + "\" is a link, where the store should have a directory of its own";
+        return std::nullopt;
+    }
     const HSCPlazGitAnswer answer = HSCPlazGitTree::list(place.layout, place.commit, place.root);
     if (answer.status != 0) {
         problem = "the store's working copy does not give its commit " + place.commit + ": " + answer.getReason();
@@ -93,6 +97,7 @@ Place HSCPlazInstalledTrees::placeOf(const HSCPlazWorkspace& workspace, const HS
 }
 
 std::optional<HSCPlazItemTree> HSCPlazInstalledTrees::readKept(const Place& place) {
+    if (!place.layout.findAreaLink().empty()) return std::nullopt;
     return HSCPlazItemTree::read(fileOf(place), place.commit);
 }
 
@@ -119,8 +124,8 @@ void HSCPlazInstalledTrees::removeStale(const HSCPlazWorkspace& workspace, const
     const HSCPlazStoreLayout layout = workspace.paths.getStoreLayout(*store.getModel());
     const std::string dir = layout.getTreesDir();
     const std::vector<std::string> kept = HUTFile::createFileIter(dir);
-    if (kept.empty() || !HUTFile::isBeneath(layout.getArea(), dir)) return; // a link may lead elsewhere
-    if (workspace.databases.isGone(layout)) return;                         // they tell that it is
+    if (kept.empty() || !layout.findAreaLink().empty()) return; // they may be another's
+    if (workspace.databases.isGone(layout)) return;             // they tell that it is
     std::set<std::string> needed;
     for (const HSCPlazQItem* item : store.getInstalledItems())
         needed.insert(layout.getTreeFile(layout.getFolderOf(item->getModel()->getRecordedDir()),

@@ -15,6 +15,9 @@
 #include "support/HIOStream.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
+#include "support/HUTFileTree.h"
+
+#include <boost/filesystem/path.hpp>
 
 namespace {
 
@@ -25,6 +28,12 @@ std::string chooseFile(const HSCPlaz* hub, const HSCPlazQStore& store, const std
     if (!given.empty()) return given;
     const std::string ofHub = hub ? hub->getLocalDBFilePath() : std::string();
     return ofHub.empty() ? HSCPlazContext::get().getDefaultDatabase() : ofHub;
+}
+
+/// What lies behind a link in the place of a store's own folder is none of the store's.
+bool isBehindLink(const std::string& file) {
+    const boost::filesystem::path dir = boost::filesystem::path(file).parent_path();
+    return dir.filename() == HSCPlazStoreLayout::hiddenDir && HUTFileTree::isLink(dir.generic_string());
 }
 
 /// What could not be read is not lost: it stays beside the new file, as a copy or, where it may not be copied, itself.
@@ -81,7 +90,7 @@ std::string HSCPlazLocalDBMgr::write(const HSCPlaz& hub, HSCPlazQStore& store) {
 
 std::string HSCPlazLocalDBMgr::write(HSCPlazQStore& store, const std::string& file) {
     HSCPlazDebugLog::within(saveName, " Saving local db file of store ", store.getName());
-    if (isUnreadable(file) || (m_damaged.count(file) != 0 && !keepBeside(file))) return file;
+    if (isUnreadable(file) || isBehindLink(file) || (m_damaged.count(file) != 0 && !keepBeside(file))) return file;
     m_damaged.erase(file);
     const bool isWritten = HSCPlazLocalDBWriter(m_major).write(file, store.getModel());
     m_stamps[file] = HUTFile::getStamp(file);
@@ -96,7 +105,8 @@ std::shared_ptr<HSCPlazQStoreModel> HSCPlazLocalDBMgr::findRecord(const std::str
                                                                   const std::string& store) const {
     HSCPlazModel recorded;
     HSCPlazFindings found;
-    if (HUTFile::isRegularFile(file)) HSCPlazLocalDBReader::read(file, recorded, !m_regressionMode, found);
+    if (HUTFile::isRegularFile(file) && !isBehindLink(file))
+        HSCPlazLocalDBReader::read(file, recorded, !m_regressionMode, found);
     for (const auto& record : recorded.getStores())
         if (record->getName() == store && !record->getItems().empty()) return record;
     return nullptr;
@@ -104,7 +114,7 @@ std::shared_ptr<HSCPlazQStoreModel> HSCPlazLocalDBMgr::findRecord(const std::str
 
 bool HSCPlazLocalDBMgr::isGone(const HSCPlazStoreLayout& layout) const {
     // A first installation that was cut short leaves the tree of one item at most.
-    return !m_regressionMode && !HUTFile::exists(layout.getDatabase()) &&
+    return !m_regressionMode && layout.findAreaLink().empty() && !HUTFile::exists(layout.getDatabase()) &&
            HUTFile::createFileIter(layout.getTreesDir()).size() > 1;
 }
 
@@ -116,7 +126,8 @@ bool HSCPlazLocalDBMgr::hasChanged(const std::string& file) const {
 bool HSCPlazLocalDBMgr::canBeRead(const std::string& file) {
     std::string content;
     const HIOStream::Status status =
-        HIOStream::read(file, content, HSCPlazLimits().getFileSize(HSCPlazLimits::File::list));
+        isBehindLink(file) ? HIOStream::Status::unreadable
+                           : HIOStream::read(file, content, HSCPlazLimits().getFileSize(HSCPlazLimits::File::list));
     const bool isReadable = status == HIOStream::Status::ok || status == HIOStream::Status::missing;
     if (!isReadable) m_unreadable.insert(file);
     return isReadable;
@@ -126,6 +137,10 @@ HSCPlazLocalDBMgr::Merge HSCPlazLocalDBMgr::merge(const std::string& file, HSCPl
                                                   const HSCPlazPathMgr& paths, HSCPlazReport& report) {
     using Outcome = HSCPlazLocalDBReader::Result::Outcome;
     m_unreadable.erase(file);
+    if (isBehindLink(file)) {
+        m_unreadable.insert(file);
+        return Merge::unreadable;
+    }
     const std::string stamp = m_stamps[file] = HUTFile::getStamp(file);
     if (stamp.empty() && canBeRead(file)) {
         if (!isGone(paths.getStoreLayout(store))) return Merge::nothing;

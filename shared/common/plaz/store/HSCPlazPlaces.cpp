@@ -207,7 +207,7 @@ std::vector<HSCPlazPlace> HSCPlazPlaces::findMissing() const {
 
 bool HSCPlazPlaces::mayChange(const HSCPlazQStoreModel& store) const {
     const std::string hidden = m_workspace.paths.getStoreLayout(store).getHiddenDir();
-    return !HUTFile::exists(hidden) || HUTFile::isWriteable(hidden);
+    return !HUTFileTree::isLink(hidden) && (!HUTFile::exists(hidden) || HUTFile::isWriteable(hidden));
 }
 
 void HSCPlazPlaces::addWithdrawn(HSCPlazReport& report) const {

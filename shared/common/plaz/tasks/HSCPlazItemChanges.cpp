@@ -104,6 +104,7 @@ bool HSCPlazItemChanges::runLocked(HSCPlazTask& task, const std::function<bool(H
 }
 
 bool HSCPlazItemChanges::install(const HSCPlazFoundItem& found, Mode mode, bool isAskedFor) {
+    if (!m_task.requirePlain(*found.store->getModel(), false)) return false;
     HSCPlazPendingChange change = toInstallation(found, mode);
     if (!Files::takeOver(m_task, found, *change.item)) return fetch(found, mode, isAskedFor);
     if (!requireReplaceable(found, change) || !Files::requireFree(m_task, found, change.item->getLocalDir()))
@@ -117,6 +118,7 @@ bool HSCPlazItemChanges::install(const HSCPlazFoundItem& found, Mode mode, bool 
 }
 
 bool HSCPlazItemChanges::fetch(const HSCPlazFoundItem& found, Mode mode, bool isAskedFor) {
+    if (!m_task.requirePlain(*found.store->getModel())) return false;
     const HSCPlazOldFiles incoming(Directories::incomingOf(m_task, *found.store));
     const HSCPlazPendingChange change = toInstallation(found, mode);
     if (!requireReplaceable(found, change) || !Files::fetch(m_task, found, *change.item, isAskedFor)) return false;
@@ -127,6 +129,7 @@ bool HSCPlazItemChanges::fetch(const HSCPlazFoundItem& found, Mode mode, bool is
 }
 
 bool HSCPlazItemChanges::remove(const HSCPlazFoundItem& found) {
+    if (!m_task.requirePlain(*found.store->getModel(), false)) return false;
     const std::string dir = Files::removableDirectory(m_task, found);
     const std::string name = found.item->getName();
     if (dir.empty())
@@ -142,6 +145,7 @@ bool HSCPlazItemChanges::remove(const HSCPlazFoundItem& found) {
 }
 
 bool HSCPlazItemChanges::restore(const HSCPlazFoundItem& found, bool areEditsKept) {
+    if (!m_task.requirePlain(*found.store->getModel())) return false;
     const HSCPlazOldFiles incoming(Directories::incomingOf(m_task, *found.store));
     const std::string dir = found.item->getLocalRootDir();
     const auto item = Pending::toRecord(*found.item->getModel());

@@ -55,6 +55,7 @@ bool removeOrPutAside(const std::string& dir) {
 
 std::vector<std::string> findOldFiles(const HSCPlazStoreLayout& layout) {
     std::vector<std::string> found;
+    if (!layout.findAreaLink().empty()) return found;
     for (const std::string& name : HUTFile::createFileIter(layout.getHiddenDir()))
         if (boost::algorithm::starts_with(name, oldFilesName)) found.push_back(layout.getHiddenDir() + "/" + name);
     return found;
@@ -134,6 +135,7 @@ bool HSCPlazItemDirectories::isInPlace(const HSCPlazTask& task, const HSCPlazQSt
 }
 
 bool HSCPlazItemDirectories::removeLeftovers(const HSCPlazStoreLayout& layout) {
+    if (!layout.findLink().empty()) return true; // nothing there is the store's
     bool areGone = true;
     for (const std::string& oldFiles : findOldFiles(layout)) HUTFile::rmRecursive(oldFiles);
     for (const std::string& leftover : {layout.getIncoming(), HUTFile::getAside(layout.getIncoming())})

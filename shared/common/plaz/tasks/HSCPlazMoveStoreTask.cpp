@@ -23,6 +23,7 @@ constexpr const char* moveName = "HSCPlazTaskMgr::setQStoreLocalRootDir";
 
 /// Whether a store can be kept there.
 bool canBeKept(HSCPlazTask& task, const HSCPlazQStore& store, const HSCPlazStoreLayout& place) {
+    if (const std::string link = place.findLink(); !link.empty()) return task.fail(Msg::linkInPlace, link);
     if (!HUTFile::exists(place.getDatabase())) {
         HSCPlazReport report;
         const bool isPrepared = HSCPlazChosenDirectory::prepare(place.getHiddenDir(), report);

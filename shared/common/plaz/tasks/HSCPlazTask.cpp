@@ -8,7 +8,10 @@
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "support/HDGUIStatus.h"
 #include "support/HUTFileLock.h"
+#include "support/HUTFileTree.h"
 #include "support/HUTFork.h"
+
+#include <boost/filesystem/path.hpp>
 
 bool HSCPlazTask::isCancelled() const {
     return (m_status && m_status->isCanceled()) || HUTFork::isInterrupted();
@@ -61,12 +64,22 @@ bool HSCPlazTask::runLocked(const std::function<bool()>& work, const HSCPlazQSto
     HSCPlazInstalledState(m_workspace, databases).update();
     mention(databases);
     const std::string unreadable = m_workspace.findUnreadableRecord(m_hub, only);
-    return unreadable.empty() ? work() : fail(Msg::databaseUnreadable, unreadable);
+    if (unreadable.empty()) return work();
+    const boost::filesystem::path dir = boost::filesystem::path(unreadable).parent_path();
+    const bool isBehindLink = dir.filename() == HSCPlazStoreLayout::hiddenDir && HUTFileTree::isLink(dir.string());
+    return isBehindLink ? fail(Msg::linkInPlace, dir.generic_string()) : fail(Msg::databaseUnreadable, unreadable);
 }
 
 bool HSCPlazTask::requirePlace(const HSCPlazQStoreModel& store) {
     const std::string missing = HSCPlazPlaces(m_workspace).findMissing(store);
-    return missing.empty() || fail(Msg::placeMissing, missing, store.getName(), store.getName());
+    if (!missing.empty()) return fail(Msg::placeMissing, missing, store.getName(), store.getName());
+    return requirePlain(store);
+}
+
+bool HSCPlazTask::requirePlain(const HSCPlazQStoreModel& store, bool isFetched) {
+    const HSCPlazStoreLayout layout = m_workspace.paths.getStoreLayout(store);
+    const std::string link = isFetched ? layout.findLink() : layout.findAreaLink();
+    return link.empty() || fail(Msg::linkInPlace, link);
 }
 
 bool HSCPlazTask::withLock(const std::function<bool()>& action) {

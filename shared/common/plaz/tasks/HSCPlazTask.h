@@ -60,8 +60,10 @@ public:
     const HSCPlazReport& getReport() const { return m_report; }
 
     /// Fails where the store's directory should be there and is not (Msg::placeMissing): what would be made in its
-    /// place is not the store.
+    /// place is not the store. The same for a link in the place of one of its folders (Msg::linkInPlace).
     bool requirePlace(const HSCPlazQStoreModel& store);
+    /// Of that the links alone. @param isFetched  whether the working copy is needed as well
+    bool requirePlain(const HSCPlazQStoreModel& store, bool isFetched = true);
 
     /// Does the work while this process holds the hub's lock. What other processes have done is taken over first.
     /// Without a look at the record of what is installed nothing is done (Msg::databaseUnreadable).

@@ -27,3 +27,39 @@ TEST_F(HubOnDiskTest, NothingFollowsALinkOutOfTheStoresArea) {
     EXPECT_TRUE(HSCPlazTaskMgr::verifyItem(hub(), *store().getItem("a", "1"), nullptr).isDone());
     EXPECT_EQ(store().getItem("a", "1")->getLocalRootDir(), folder + "/a");
 }
+
+// Files read, written or removed where a link leads that somebody else has laid in the place of a store's own folder.
+TEST_F(HubOnDiskTest, NothingGoesThroughALinkInThePlaceOfAFolder) {
+    files.addStore("tcl", "ced", false).item("a", "1").item("b", "1");
+    files.ship();
+    ASSERT_TRUE(install("a"));
+    const std::string elsewhere = files.temp.path("elsewhere");
+    for (const std::string folder : {".plaz", ".plaz/.catalog", ".plaz/.trees", ".plaz/.incoming", ".plaz/.index",
+                                     ".plaz/.index/.git", ".staging"}) {
+        SCOPED_TRACE(folder);
+        const std::string path = files.area("ced_store/" + folder);
+        HUTFile::mkDirRecursive(path);
+        HUTFile::rename(path, elsewhere);
+        std::filesystem::create_directory_symlink(elsewhere, path);
+        const Names before = HUTFile::listTree(elsewhere);
+        takeIds();
+        for (const bool isRefresh : {false, true}) {
+            EXPECT_FALSE(isRefresh ? HSCPlazTaskMgr::refreshStore(store(), nullptr).isDone() : install("b"));
+            const Names told = takeIds();
+            EXPECT_NE(std::count(told.begin(), told.end(), "17-2267"), 0);
+        }
+        const bool isNeeded = folder.find("index") == std::string::npos && folder != ".staging";
+        EXPECT_NE(HSCPlazTaskMgr::uninstall(&hub(), &find("a"), true), isNeeded);
+        EXPECT_EQ(HUTFile::listTree(elsewhere), before);
+        HUTFile::rmRecursive(path);
+        HUTFile::rename(elsewhere, path);
+        EXPECT_TRUE(install("a") && HSCPlazTaskMgr::verifyItem(hub(), find("a"), nullptr).isDone());
+    }
+    const std::string lock = files.temp.path("appdata/2024.2/plaz/plaz.lock");
+    HUTFile::rename(lock, elsewhere);
+    std::filesystem::create_symlink(elsewhere, lock);
+    takeIds();
+    EXPECT_EQ(outcome(install("b")), "! 17-2268");
+    HUTFile::rmRecursive(lock);
+    EXPECT_TRUE(install("b"));
+}

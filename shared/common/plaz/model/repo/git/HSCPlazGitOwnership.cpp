@@ -2,6 +2,7 @@
 
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/base/HSCPlazStoreLayout.h"
+#include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/repo/git/HSCPlazGitConfigFile.h"
 #include "plaz/model/repo/git/HSCPlazGitConfigText.h"
 #include "support/HIOStream.h"
@@ -67,7 +68,7 @@ std::string findForeignSetting(const std::string& dir, const std::string& file) 
         HIOStream::read(file, text) == HIOStream::Status::ok ? HSCPlazGitConfigText::parse(text) : std::nullopt;
     if (!entries) return "its configuration cannot be read";
     const auto foreign = std::find_if_not(entries->begin(), entries->end(), isKnown);
-    if (foreign != entries->end()) return "its configuration sets \"" + foreign->key + "\"";
+    if (foreign != entries->end()) return "its configuration sets \"" + HSCPlazTrust::maskSecrets(foreign->key) + "\"";
     return isUrlPlain(dir, *entries) ? std::string() : "its configuration names its remote in another way";
 }
 
@@ -89,7 +90,7 @@ std::string requireOwn(const std::string& path) {
 } // namespace
 
 std::string HSCPlazGitOwnership::findObjection(const std::string& dir) {
-    const std::string repository = findRepository(dir);
+    const std::string repository = dir.empty() ? dir : findRepository(dir);
     if (repository.empty()) return {};
     if (HUTFileTree::isLink(repository) || !HUTFile::isDirectory(repository))
         return "\"" + repository + "\" is no directory";

@@ -142,6 +142,10 @@ bool HSCPlazGitWorkingCopy::stage(const HSCPlazGitStore& store, Use use, HSCPlaz
         report.add(Msg::storeRefused, MsgSeverity::error, store.model.getName(), refusal);
         return false;
     }
+    if (const std::string link = store.layout.findWorkLink(); !link.empty()) {
+        report.add(Msg::linkInPlace, MsgSeverity::error, link);
+        return false;
+    }
     if (!discardOthers(store, report)) return false;
     const bool isTaken = use == Use::asItIs && isUsable(store);
     const std::string staging = store.layout.getStaging();

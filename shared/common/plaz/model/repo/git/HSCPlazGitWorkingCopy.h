@@ -27,7 +27,7 @@ enum class Use {
 /// not this user's own work) or used as @p use says first. Of a store without a remote it is taken as it is, while it
 /// is complete.
 /// @param report     Msg::storeRefused for a URL that git is not given, dirNotWritable, gitAccessOff,
-/// credentialsMissing, workingCopyDiscarded or, where it cannot be made afresh, workingCopyRefused
+/// credentialsMissing, workingCopyDiscarded or, where it cannot be made afresh, workingCopyRefused; linkInPlace
 /// @return false leaves no staging directory
 /// @throws HEXAll as HSCPlazGitRunner::run
 bool stage(const HSCPlazGitStore& store, Use use, HSCPlazReport& report);
