@@ -131,7 +131,8 @@ void addCertificateSettings(HUTFork& git, std::size_t& count, const std::string&
     addSetting(git, count++, "http.sslVerify", areChecked ? "true" : "false");
     if (url.isHttp())
         addSetting(git, count++, "http." + url.withoutUser() + ".sslVerify", areChecked ? "true" : "false");
-    const std::string authorities = HSCPlazGitCertificates::findAuthorities(workDir).file;
+    const std::string authorities =
+        url.isHttp() ? HSCPlazGitCertificates::findAuthorities(workDir).file : std::string();
     if (!authorities.empty()) {
         addSetting(git, count++, "http.sslCAInfo", authorities);
         addSetting(git, count++, "http.schannelUseSSLCAInfo", "true"); // for what else asks the system alone
