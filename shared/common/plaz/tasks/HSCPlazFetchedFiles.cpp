@@ -22,6 +22,13 @@ bool copyWhole(const std::string& source, const std::string& dest) {
     return false;
 }
 
+/// What an earlier catalog has left may be a folder where there is a file now, or the other way around.
+void clearWay(const std::string& file) {
+    std::string obstacle = file;
+    while (!HUTFile::exists(obstacle)) obstacle = parentOf(obstacle);
+    if (obstacle == file || HUTFile::isRegularFile(obstacle)) HUTFile::rmRecursive(obstacle);
+}
+
 } // namespace
 
 bool HSCPlazFetchedFiles::isCatalog(const std::string& file, HSCPlazReport& problem) {
@@ -71,6 +78,7 @@ std::string HSCPlazFetchedFiles::moveIn(const HSCPlazStoreLayout& layout, const 
 
 bool HSCPlazFetchedFiles::place(const std::string& fetched, const std::string& file) {
     if (HUTFile::rename(fetched, file)) return true;
+    clearWay(file);
     if (!HUTFile::mkDirRecursive(parentOf(file))) return false;
     return HUTFile::rename(fetched, file) || copyWhole(fetched, file);
 }

@@ -130,6 +130,19 @@ TEST_F(CatalogTest, foldersThatDifferInCaseAlone) {
     }
 }
 
+// An item described by the file of another one, or a store that no refresh can describe any more.
+TEST_F(CatalogTest, descriptionsThatMeet) {
+    read(R"("items": [{"name": "a", "root": "a", "config": {"metadata_file": "b/m"}},
+        {"name": "b", "root": "a/b", "config": {"metadata_file": "m"}},
+        {"name": "c", "root": "a/c", "config": {"metadata_file": "m"}},
+        {"name": "d", "root": "a", "config": {"metadata_file": "c"}},
+        {"name": "e", "root": "a/b/m", "config": {"metadata_file": "m"}},
+        {"name": "f", "root": "a", "config": {"metadata_file": "c/changelog.txt"}}])");
+    EXPECT_THAT(describe(store), ElementsAre(HasSubstr("a@"), HasSubstr("c@")));
+    EXPECT_THAT(takeMessages(), ElementsAre("17-2160 b|its file \"a/b/m\" is where \"a\" has its own", HasSubstr("d|"),
+                                            HasSubstr("e|"), HasSubstr("f|")));
+}
+
 // Categories lost or doubled, or a list of parents on which the reader never ends.
 TEST_F(CatalogTest, categories) {
     EXPECT_EQ(build("c<b d<a b<a a< e<"), "a(d,b(c)),e");

@@ -1,5 +1,6 @@
 #include "plaz/model/reader/HSCPlazQItemCatalogReader.h"
 
+#include "plaz/base/HSCPlazStoreLayout.h"
 #include "plaz/base/HSCPlazTrustRules.h"
 #include "plaz/model/HSCPlazQStoreModel.h"
 #include "plaz/model/reader/HSCPlazCategoryTree.h"
@@ -116,7 +117,48 @@ private:
     std::unordered_map<std::string, std::string> m_names;
 };
 
-void addOlderRevisions(const Item& newest, HSCPlazQStoreModel& store, HSCPlazFindings& found) {
+/// The files that describe items, in what is kept of a catalog and in what is installed. None may be another item's, or
+/// be where that one has a folder.
+class DescriptionFiles {
+public:
+    explicit DescriptionFiles(bool isMultiRevision) : m_isMultiRevision(isMultiRevision) {}
+
+    /// @return why the item is left out; empty when it is not, and its files are known from then on
+    std::string findClash(const Item& item) {
+        const std::string& revision = item.getRevision();
+        const std::string folder = item.getRoot() + (m_isMultiRevision && !revision.empty() ? "/" + revision : "");
+        const std::string changeLog = HSCPlazStoreLayout::changeLogFile, &metadata = item.getMetadataFile();
+        std::string clash = metadata.empty() ? metadata : findClash(item.getName(), folder + "/" + metadata);
+        // Items in one folder share its change log.
+        if (clash.empty() && metadata != changeLog) clash = findClash(folder, folder + "/" + changeLog);
+        return clash;
+    }
+
+private:
+    std::string findClash(const std::string& owner, const std::string& file) {
+        const std::string other = findOther(owner, file);
+        return other.empty() ? other : "its file \"" + file + "\" is where \"" + other + "\" has its own";
+    }
+    /// Takes a file, with the folders above it. @return who has it already
+    std::string findOther(const std::string& item, const std::string& file) {
+        const std::string key = HUTFile::getNameKey(file);
+        if (const auto folder = m_folders.find(key); folder != m_folders.end() && folder->second != item)
+            return folder->second;
+        if (const std::string& owner = m_files.emplace(key, item).first->second; owner != item) return owner;
+        for (std::size_t end = key.rfind('/'); end != std::string::npos; end = key.rfind('/', end - 1)) {
+            const std::string above = key.substr(0, end);
+            if (const auto found = m_files.find(above); found != m_files.end() && found->second != item)
+                return found->second;
+            if (!m_folders.emplace(above, item).second) break; // with all above it
+        }
+        return {};
+    }
+
+    bool m_isMultiRevision;
+    std::unordered_map<std::string, std::string> m_files, m_folders;
+};
+
+void addOlderRevisions(const Item& newest, HSCPlazQStoreModel& store, DescriptionFiles& files, HSCPlazFindings& found) {
     std::unordered_set<std::string_view> known{newest.getRevision(), ""};
     FolderNames folders;
     folders.findClash(Key::revision, newest.getRevision());
@@ -136,13 +178,17 @@ void addOlderRevisions(const Item& newest, HSCPlazQStoreModel& store, HSCPlazFin
         item->shareRevisionsOf(newest);
         item->setRevision(revision.revision);
         item->setCommitId(revision.commitId);
-        store.addItem(std::move(item));
+        if (const std::string clash = files.findClash(*item); !clash.empty())
+            found.add(HSCPlazFinding::Kind::itemRefused, newest.getName() + '@' + revision.revision, clash);
+        else
+            store.addItem(std::move(item));
     }
 }
 
 void readItems(const Value& entries, HSCPlazQStoreModel& store, HSCPlazFindings& found) {
     std::size_t nameless = 0;
     FolderNames roots;
+    DescriptionFiles files(store.isMultiRevisionSupported());
     for (const Value& entry : entries.GetArray()) {
         if (!entry.IsObject()) continue;
         std::unique_ptr<Item> item = toItem(entry);
@@ -153,13 +199,14 @@ void readItems(const Value& entries, HSCPlazQStoreModel& store, HSCPlazFindings&
         complete(*item);
         std::string refusal = findRefusal(*item);
         if (refusal.empty()) refusal = roots.findClash(Key::root, item->getRoot());
+        if (refusal.empty() && !item->getRoot().empty()) refusal = files.findClash(*item);
         if (!refusal.empty()) {
             found.add(HSCPlazFinding::Kind::itemRefused, item->getName(), refusal);
             continue;
         }
         dropUnsafeRevisions(*item, found);
         const Item* newest = store.addItem(std::move(item));
-        if (store.isMultiRevisionSupported()) addOlderRevisions(*newest, store, found);
+        if (store.isMultiRevisionSupported()) addOlderRevisions(*newest, store, files, found);
     }
     if (nameless > 0)
         found.add(HSCPlazFinding::Kind::itemRefused, store.getName(),
