@@ -1,5 +1,6 @@
 #include "support/HUTFile.h"
 
+#include "support/HUTText.h"
 #include "support/PlatformFile.h"
 #include "support/PlatformOwner.h"
 #include "support/PlatformUserArea.h"
@@ -200,6 +201,17 @@ bool HUTFile::isOwn(const std::string& path) {
 
 bool HUTFile::isOpenToOthers(const std::string& path) {
     return platform::isOpenToOthers(path);
+}
+
+std::string HUTFile::getRealName(const std::string& path) {
+    return platform::getRealName(path);
+}
+
+bool HUTFile::isNamedBeneath(const std::string& root, const std::string& path) {
+    if (path.size() < root.size() || (path.size() > root.size() && path[root.size()] != '/')) return false;
+    const std::string start = path.substr(0, root.size());
+    // What a single disk takes for one name shows where both lead.
+    return getNameKey(start) == getNameKey(root) || (HUTText::equalIgnoringCase(start, root) && isAKA(start, root));
 }
 
 bool HUTFile::mkDirRecursive(const std::string& dir) {

@@ -55,6 +55,11 @@ public:
     /// Whether @p path, every link resolved as far as it exists, lies below @p root (or is it).
     /// A path whose links cannot be resolved does not.
     static bool isBeneath(const std::string& root, const std::string& path);
+    /// The name with every link in it resolved as far as it exists, in generic form; empty where that is impossible.
+    static std::string getRealName(const std::string& path);
+    /// Whether two names lead to one place, or @p path to one below @p root, whichever letters the disk takes for one.
+    /// By the names alone: links in them must have been resolved.
+    static bool isNamedBeneath(const std::string& root, const std::string& path);
 
     /// The same name with every link in it resolved; empty when it leads to nothing.
     static std::string resolveLinks(const std::string& path);

@@ -75,6 +75,10 @@ bool isBeneath(const std::string& root, const std::string& path) {
     return !realRoot.empty() && liesBeneath(realRoot, resolve(path));
 }
 
+std::string getRealName(const std::string& path) {
+    return path.empty() || path.find('\0') != std::string::npos ? std::string() : resolve(path).generic_string();
+}
+
 std::optional<std::vector<std::string>> listEntries(const std::string& dir) {
     std::vector<std::string> names;
     Error error;

@@ -94,6 +94,8 @@ std::string resolveLinks(const std::string& path, std::error_code& error);
 
 /// As HUTFile::isBeneath() says.
 bool isBeneath(const std::string& root, const std::string& path);
+/// As HUTFile::getRealName() says.
+std::string getRealName(const std::string& path);
 /// As HUTFile::readDirectory() says.
 std::optional<std::vector<std::string>> listEntries(const std::string& dir);
 

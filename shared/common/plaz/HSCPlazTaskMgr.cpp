@@ -10,7 +10,6 @@
 #include "plaz/model/repo/HSCPlazGit.h"
 #include "plaz/model/repo/HSCPlazRepoFactory.h"
 #include "plaz/model/repo/git/HSCPlazGitParams.h"
-#include "plaz/store/HSCPlazChosenDirectory.h"
 #include "plaz/store/HSCPlazDependencies.h"
 #include "plaz/store/HSCPlazInstalledState.h"
 #include "plaz/store/HSCPlazWorkspace.h"
@@ -91,12 +90,6 @@ bool mayBeMoved(const HSCPlazQStore* store, const std::string& dir) {
     if (store->isProductSpecific() || HSCPlazProduct::mayMoveEveryStore()) return true;
     inside(moveName, " store ", store->getName(), " is not product specific");
     return false;
-}
-
-bool isFree(HSCPlazTask& task, const HSCPlazQStore& store, const std::string& dir) {
-    const HSCPlazQStore* user = HSCPlazChosenDirectory::findUser(store, dir);
-    if (!user) user = HSCPlazChosenDirectory::findNeighbour(store, dir);
-    return !user || task.fail(Msg::dirUsedByOtherStore, user->getName(), HUTFile::getCanonicalName(dir));
 }
 
 } // namespace
@@ -258,10 +251,7 @@ HSCPlazStoreResult HSCPlazTaskMgr::checkStore(HSCPlazQStore& store, HDGUIStatus*
 HSCPlazStoreResult HSCPlazTaskMgr::moveStore(HSCPlazQStore& store, const std::string& dir) {
     HSCPlazTask task(workspace(), *store.getHub(), nullptr);
     const std::string path = HUTFile::getCanonicalName(dir);
-    const auto move = [&](Changes& changes) {
-        return isFree(task, store, path + "/" + store.getRoot()) &&
-               HSCPlazMoveStoreTask::move(task, changes, store, path);
-    };
+    const auto move = [&](Changes& changes) { return HSCPlazMoveStoreTask::move(task, changes, store, path); };
     const bool isDone = mayBeMoved(&store, path) && carryOut(task, move, &store);
     if (!isDone && !task.getReport().findProblem()) task.fail(Msg::storeNotMoved, store.getName(), path);
     return resultOf(task, store, isDone ? StoreOutcome::moved : StoreOutcome::failed);

@@ -1,6 +1,7 @@
 #include "plaz/hub_fixture.h"
 
 #include "plaz/store/HSCPlazRepoInfoMgr.h"
+#include "plaz/store/HSCPlazWorkspace.h"
 #include "support/HCCXPrefMgr.h"
 
 #include <boost/algorithm/string/replace.hpp>
@@ -338,6 +339,50 @@ TEST_F(HubRefreshTest, RebuildsTheHubFromWhatIsPublished) {
     EXPECT_EQ(hub().getStores().size(), 1U);
     EXPECT_EQ(HSCPlazMgr::getInstance().getCurrentStore(), nullptr);
     EXPECT_EQ(hub().getStore("extra")->getLocalRootDir(), files.area("ced_store_extra"));
+}
+
+// A store, or an item or a catalog of it, in the place of another store or of the hub itself: the other one's items and
+// records gone, whichever of them is listed first and whatever decides on their places; the store behind it left out.
+TEST_F(HubRefreshTest, NoAreaLiesInAnother) {
+    StoreOnDisk outer(files.temp, "outer", "ced", false), inner(files.temp, "inner", "ced", false),
+        ofHub(files.temp, "hub1", "ced", false), ofKept(files.temp, "hub2", "ced", false);
+    outer.item("in", "1").publish();
+    inner.item("i", "1").publish();
+    tcl.publish();
+    const auto entryAt = [](const StoreOnDisk& each, const std::string& root) {
+        std::string entry = each.entry();
+        const std::string key = R"("root": ")";
+        const std::size_t begin = entry.find(key) + key.size();
+        return entry.replace(begin, entry.find('"', begin) - begin, root) + ",";
+    };
+    const auto refreshAll = [&](const std::string& stores) {
+        publishHub(listing(stores + tcl.entry()));
+        return outcome(refreshHub());
+    };
+    const auto installFrom = [](const std::string& store, const std::string& item) {
+        HSCPlazQItem* found = hub().getStore(store)->getItem(item);
+        return found && HSCPlazTaskMgr::install(&hub(), found, false, nullptr);
+    };
+    const std::string innerEntry = entryAt(inner, "outer/items/in");
+    HPAParamMgr::getParamMgr().setValue("plaz.enableBoardStoreDefaultLocation", "false");
+    EXPECT_EQ(refreshAll(innerEntry + entryAt(ofHub, "plaz") + entryAt(ofKept, "plaz_kept/x")),
+              " 17-2271 17-2191 17-2271 17-2191");
+    ASSERT_TRUE(installFrom("inner", "i") && install("a"));
+    takeIds();
+    EXPECT_EQ(refreshAll(entryAt(outer, "outer") + innerEntry), " 17-2271 17-2191");
+    EXPECT_EQ(readFile(files.area("outer/items/in/items/i/body.txt")), "i 1\n");
+    EXPECT_TRUE(hub().getStore("inner")->getItem("i")->IsInstalled() && store().getItem("a")->IsInstalled());
+    for (const auto& [dir, ids] :
+         {std::pair<std::string, std::string>{"outer/items/in/x", "! 17-1668"}, {"plaz_kept", "! 17-2272"}})
+        EXPECT_EQ(outcome(HSCPlazTaskMgr::setQStoreLocalRootDir(&store(), files.area(dir))), ids);
+    // As an earlier release has left them.
+    files.temp.makeDir("appdata/2024.2/plaz/outer/.plaz");
+    HSCPlazMgr::getInstance().getWorkspace().places.setStoreDirectory("outer", files.temp.path("appdata/2024.2/plaz"));
+    EXPECT_EQ(refreshAll(entryAt(outer, "outer") + innerEntry), " 17-2270 17-2191 17-2270");
+    HSCPlazQItem* const left = hub().getStore("inner")->getItem("i");
+    EXPECT_TRUE(HSCPlazTaskMgr::verifyItem(hub(), *left, nullptr).isDone());
+    EXPECT_EQ(outcome(HSCPlazTaskMgr::uninstall(&hub(), left, true)), "");
+    EXPECT_EQ(outcome(installFrom("inner", "i")), "! 17-1570 17-2270 17-1567");
 }
 
 // A hub refresh that fails and leaves half of a new hub.

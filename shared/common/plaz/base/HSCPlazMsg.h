@@ -91,6 +91,9 @@ inline constexpr MsgId<1> databaseGone{"@17-2247@%s"};           ///< file
 inline constexpr MsgId<3> placeMissing{"@17-2249@%s%s%s"};       ///< directory, store, store
 inline constexpr MsgId<1> needsUnreadable{"@17-2250@%s"};        ///< database, or directory of a store
 inline constexpr MsgId<2> storeFileMisplaced{"@17-2251@%s%s"};   ///< store, file
+inline constexpr MsgId<4> placeTaken{"@17-2270@%s%s%s%s"};       ///< directory, store, whose, store
+inline constexpr MsgId<3> placeAlwaysTaken{"@17-2271@%s%s%s"};   ///< directory, store, whose
+inline constexpr MsgId<2> placeOfHub{"@17-2272@%s%s"};           ///< store, directory
 inline constexpr MsgId<2> changeWaits{"@17-2253@%s%s"};          ///< store, note
 inline constexpr MsgId<1> recordAway{"@17-2254@%s"};             ///< directory
 inline constexpr MsgId<2> limitExceeded{"@17-2280@%s%s"};        ///< file or store, which limit and parameter

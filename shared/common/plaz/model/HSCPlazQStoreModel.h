@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,12 @@ struct HSCPlazCategoryModel {
     std::string displayName;
     std::string description;
     std::vector<HSCPlazCategoryModel> subCategories;
+};
+
+/// Where a store cannot be, since that place is another's.
+struct HSCPlazTakenPlace {
+    std::string directory;
+    std::string owner; ///< for people: the store "x"
 };
 
 /// What the hub's and the store's metadata files say of one store. Owns its item models.
@@ -77,6 +84,10 @@ public:
     /// The store's own area on disk; empty when it lives below the user repository root.
     const std::string& getLocalRootDir() const { return m_localRootDir; }
     void setLocalRootDir(const std::string& value) { m_localRootDir = value; }
+    /// The place that would be its own if it were not another's: nothing comes into it. What an earlier release has
+    /// installed there stays; without any of that the store has no area.
+    const std::optional<HSCPlazTakenPlace>& getTakenPlace() const { return m_takenPlace; }
+    void setTakenPlace(std::optional<HSCPlazTakenPlace> value) { m_takenPlace = std::move(value); }
     const std::string& getInstallDir() const { return m_installDir; }
     void setInstallDir(const std::string& value) { m_installDir = value; }
     const std::string& getLocalDbFilePath() const { return m_localDbFilePath; }
@@ -110,6 +121,7 @@ private:
     std::string m_remote;
     std::string m_release;
     std::string m_localRootDir;
+    std::optional<HSCPlazTakenPlace> m_takenPlace;
     std::string m_installDir;
     std::string m_localDbFilePath;
     std::string m_gdaDataLoc;

@@ -140,12 +140,26 @@ std::string HSCPlazPathMgr::getAuthoritiesFile() const {
     return getUserAreaRoot("", false, authoritiesFile);
 }
 
+std::vector<std::string> HSCPlazPathMgr::getOwnPlaces() const {
+    const std::string root = configOrDefaults(m_config).getRoot();
+    return {root.empty() ? getRefreshedHubMetadataFile() : getUserAreaRoot(root),
+            getStagingDir(root),
+            getKeptDir(),
+            getChangeFile(),
+            getRepoInfoFile(),
+            getAuthoritiesFile(),
+            getUserAreaRoot("", false, lockFile),
+            getDefaultLocalDbFile(),
+            getStoresDataDir()};
+}
+
 std::string HSCPlazPathMgr::getDefaultLocalDbFile() const {
     return getUserAreaRoot("", false, HSCPlazStoreLayout::databaseFile);
 }
 
 std::string HSCPlazPathMgr::getStoreArea(const HSCPlazQStoreModel& store) const {
     if (!store.getLocalRootDir().empty()) return join({store.getLocalRootDir()});
+    if (store.getTakenPlace()) return ""; // it has none
     return (HSCPlazUserPref().getUserRepoPath() / getStoreFolder(store)).generic_string();
 }
 
@@ -159,7 +173,7 @@ HSCPlazWorkLayout HSCPlazPathMgr::getWorkLayout(const HSCPlazQStoreModel& store)
 
 std::string HSCPlazPathMgr::getWorkDir(const HSCPlazQStoreModel& store) const {
     if (!store.getLocalRootDir().empty()) return join({store.getLocalRootDir()});
-    return getUserAreaRoot(getStoreFolder(store));
+    return store.getTakenPlace() ? std::string() : getUserAreaRoot(getStoreFolder(store));
 }
 
 std::string HSCPlazPathMgr::getStoreFolder(const HSCPlazQStoreModel& store) {

@@ -3,6 +3,7 @@
 #include "plaz/base/HSCPlazStoreLayout.h"
 
 #include <string>
+#include <vector>
 
 class HSCPlazCfgModel;
 class HSCPlazQItemModel;
@@ -59,10 +60,13 @@ public:
     std::string getKeptDir() const;
     /// The certificates of authorities that git goes by, where they come from several places.
     std::string getAuthoritiesFile() const;
+    /// What the hub keeps for itself, where no store may be: files, folders that need not exist, and what is shipped.
+    std::vector<std::string> getOwnPlaces() const;
     /// The database used where a store has none of its own and the hub names none.
     std::string getDefaultLocalDbFile() const;
 
-    /// A store's own area: its local root directory, else its folder below the user repository root.
+    /// A store's own area: its local root directory, else its folder below the user repository root. Empty, as all in
+    /// it, where that is another's place.
     /// @throws as HSCPlazUserPref::getUserRepoPath
     std::string getStoreArea(const HSCPlazQStoreModel& store) const;
     /// What lies where in the store's area. The working copy and the staging directory of a store without a local root

@@ -36,15 +36,6 @@ bool HSCPlazChosenDirectory::prepare(const std::string& dir, HSCPlazReport& repo
     return true;
 }
 
-const HSCPlazQStore* HSCPlazChosenDirectory::findNeighbour(const HSCPlazQStore& store, const std::string& dir) {
-    for (const HSCPlazQStore* other : store.getHub()->getStores()) {
-        const std::string area = other->getInstallDir();
-        if (other != &store && !area.empty() && (HUTFile::isBeneath(area, dir) || HUTFile::isBeneath(dir, area)))
-            return other;
-    }
-    return nullptr;
-}
-
 const HSCPlazQStore* HSCPlazChosenDirectory::findUser(const HSCPlazQStore& store, const std::string& dir) {
     if (!store.getHub()) return nullptr;
     for (const HSCPlazQStore* other : store.getHub()->getStores())

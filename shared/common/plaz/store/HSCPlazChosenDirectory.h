@@ -14,6 +14,5 @@ namespace HSCPlazChosenDirectory {
 bool prepare(const std::string& dir, HSCPlazReport& report);
 /// Another store of the same hub that uses the directory; null for none, and for a store without a hub.
 const HSCPlazQStore* findUser(const HSCPlazQStore& store, const std::string& dir);
-/// Another store of the hub whose directory lies in this one, or the other way around; null for none.
-const HSCPlazQStore* findNeighbour(const HSCPlazQStore& store, const std::string& dir);
+
 } // namespace HSCPlazChosenDirectory

@@ -149,10 +149,8 @@ void HSCPlazInstalledState::merge(HSCPlazQStoreModel& store) const {
     const bool isForeign = merged == Merge::foreign;
     m_report.add(isForeign ? Msg::databaseForeign : Msg::databaseOfOtherStore, MsgSeverity::warning, store.getName(),
                  database);
-    HSCPlazPlaces(m_workspace)
-        .place(store,
-               m_workspace.paths.getStoreArea(store) + (isForeign ? "_" + running.name + "_" + running.version
-                                                                  : "_" + HSCPlazPathMgr::getStoreFolder(store)),
-               m_report);
+    const std::string ending = isForeign ? running.name + "_" + running.version : HSCPlazPathMgr::getStoreFolder(store);
+    HSCPlazPlaces(m_workspace).placeBeside(store, ending, m_report);
+    if (store.getTakenPlace()) return;
     databases.merge(store.getLocalDbFilePath(), store, m_workspace.paths, m_report);
 }

@@ -13,6 +13,7 @@
 #include <boost/filesystem/path.hpp>
 
 #include <algorithm>
+#include <set>
 #include <unordered_map>
 
 namespace {
@@ -24,6 +25,11 @@ constexpr const char* otherStoreDir = "ced_store";
 bool isGone(const std::string& file) {
     std::string content;
     return HIOStream::read(file, content) == HIOStream::Status::missing;
+}
+
+std::string shownOwner(const std::optional<HSCPlazPlace>& place) {
+    if (!place) return {};
+    return place->store.empty() ? "the hub itself" : "the store \"" + place->store + '"';
 }
 
 } // namespace
@@ -79,7 +85,7 @@ bool HSCPlazPlaces::keepDefaults(HSCPlazReport& report) const {
     for (std::size_t position = 0; position < dirs.size(); ++position) {
         const HSCPlazQStoreModel& store = *m_workspace.hubModel->getStores()[position];
         const boost::filesystem::path place(dirs[position]);
-        if (m_workspace.places.getStoreDirectory(store.getName()).empty())
+        if (m_workspace.places.getStoreDirectory(store.getName()).empty() && !store.getTakenPlace())
             folders.push_back({store.getName(), place.lexically_relative(userArea).generic_string(), ""});
     }
     return m_workspace.places.addDefaultFolders(folders, report);
@@ -96,10 +102,12 @@ void HSCPlazPlaces::placeStores(HSCPlazModel& model) const {
         store.setBranchToSync(known->getBranchToSync());
         store.setCatalogFile(known->getCatalogFile());
     }
+    settle(model);
 }
 
 void HSCPlazPlaces::placeForRefresh(HSCPlazQStoreModel& store, HSCPlazReport& report) const {
-    if (!HSCPlazCatalogLoader::hasOwnArea(store)) place(store, refreshDir(store), report);
+    settle(*m_workspace.hubModel);
+    if (!HSCPlazCatalogLoader::hasOwnArea(store) && !store.getTakenPlace()) place(store, refreshDir(store), report);
 }
 
 std::string HSCPlazPlaces::refreshDir(const HSCPlazQStoreModel& store) const {
@@ -111,23 +119,118 @@ std::string HSCPlazPlaces::refreshDir(const HSCPlazQStoreModel& store) const {
 
 std::vector<std::string> HSCPlazPlaces::refreshDirs(const HSCPlazModel& hubModel) const {
     std::vector<std::string> dirs = defaultDirs(hubModel);
-    try {
-        for (std::size_t position = 0; position < dirs.size(); ++position)
-            if (dirs[position].empty())
-                dirs[position] = (m_workspace.userPref.getUserRepoPath() /
-                                  HSCPlazPathMgr::getStoreFolder(*hubModel.getStores()[position]))
-                                     .generic_string();
-    } catch (const HEXAll&) {
-        // There is no such place until the environment names one that exists; who needs it will be told.
-    }
+    for (std::size_t position = 0; position < dirs.size(); ++position)
+        if (dirs[position].empty()) dirs[position] = repositoryDir(*hubModel.getStores()[position]);
     return dirs;
+}
+
+std::string HSCPlazPlaces::repositoryDir(const HSCPlazQStoreModel& store) const {
+    try {
+        return (m_workspace.userPref.getUserRepoPath() / HSCPlazPathMgr::getStoreFolder(store)).generic_string();
+    } catch (const HEXAll&) {
+        return ""; // until the environment names one that exists; who needs it will be told
+    }
+}
+
+std::vector<HSCPlazPlace> HSCPlazPlaces::findSetUp(const HSCPlazModel& hubModel,
+                                                   const std::vector<std::string>& dirs) const {
+    std::vector<HSCPlazPlace> setUp;
+    for (std::size_t position = 0; position < dirs.size(); ++position) {
+        const HSCPlazQStoreModel& store = *hubModel.getStores()[position];
+        // Each of them is its place under one value of the parameter, or of the variables.
+        const std::string inUserArea = m_workspace.paths.getUserAreaRoot(HSCPlazPathMgr::getStoreFolder(store));
+        for (const std::string& dir : std::set{dirs[position], repositoryDir(store), inUserArea})
+            if (HUTFile::isDirectory(HSCPlazStoreLayout(dir, dir).getHiddenDir()))
+                setUp.push_back({store.getName(), dir});
+    }
+    return setUp;
+}
+
+bool HSCPlazPlaces::isRecordedIn(const HSCPlazPlace& place) const {
+    const std::string file = HSCPlazStoreLayout(place.directory, place.directory).getDatabase();
+    // Where nobody may look something may be installed.
+    return m_workspace.databases.findRecord(file, place.store) || !m_workspace.databases.canBeRead(file);
+}
+
+HSCPlazPlaceClaims HSCPlazPlaces::findClaims(const HSCPlazModel& hubModel, const std::vector<std::string>& dirs) const {
+    HSCPlazPlaceClaims claims(m_workspace.paths);
+    for (const auto& [store, dir] : findRecorded()) claims.add(store, dir);
+    for (const auto& kept : m_workspace.places.getDefaultFolders())
+        claims.add(kept.store, m_workspace.paths.getUserAreaRoot(kept.directory));
+    for (const auto& store : m_workspace.hubModel->getStores())
+        if (!store->getTakenPlace()) {
+            claims.add(store->getName(), store->getInstallDir());
+            if (HSCPlazCatalogLoader::hasOwnArea(*store)) claims.add(store->getName(), store->getLocalRootDir());
+        }
+    std::vector<HSCPlazPlace> setUp = findSetUp(hubModel, dirs);
+    HSCPlazPlaceClaims all = claims;
+    for (const HSCPlazPlace& place : setUp) all.add(place.store, place.directory);
+    const auto isContested = [&](const HSCPlazPlace& place) {
+        return all.findOwner(place.store, place.directory).has_value();
+    };
+    if (std::any_of(setUp.begin(), setUp.end(), isContested))
+        std::stable_partition(setUp.begin(), setUp.end(), [&](const HSCPlazPlace& one) { return isRecordedIn(one); });
+    for (const HSCPlazPlace& place : setUp) claims.add(place.store, place.directory);
+    return claims;
+}
+
+void HSCPlazPlaces::settle(HSCPlazModel& model) const {
+    const std::vector<std::string> dirs = refreshDirs(model);
+    HSCPlazPlaceClaims claims = findClaims(model, dirs);
+    for (std::size_t position = 0; position < dirs.size(); ++position) {
+        HSCPlazQStoreModel& store = *model.getStores()[position];
+        const std::string dir = HSCPlazCatalogLoader::hasOwnArea(store) ? store.getLocalRootDir() : dirs[position];
+        const auto owner = claims.findOwner(store.getName(), dir);
+        if (!owner) claims.add(store.getName(), dir);
+        store.setTakenPlace(owner ? std::optional(HSCPlazTakenPlace{dir, shownOwner(owner)}) : std::nullopt);
+        if (!isKept(store, dir)) leaveOut(store);
+    }
+}
+
+// What an earlier release has put there stays where it is.
+bool HSCPlazPlaces::isKept(const HSCPlazQStoreModel& store, const std::string& dir) const {
+    return !store.getTakenPlace() || isRecordedIn({store.getName(), dir});
+}
+
+void HSCPlazPlaces::leaveOut(HSCPlazQStoreModel& store) {
+    store.setInstallDir("");
+    store.setLocalRootDir("");
+    store.setLocalDbFilePath("");
+}
+
+HSCPlazReport HSCPlazPlaces::findRefusal(const HSCPlazQStoreModel& store, MsgSeverity severity) const {
+    const auto& taken = store.getTakenPlace();
+    const std::string& name = store.getName();
+    if (!taken) return {};
+    const HSCPlazQStoreModel* known = m_workspace.hubModel->findStore(name);
+    const bool canMove = store.isProductSpecific() || (known && known->isProductSpecific());
+    return canMove ? HSCPlazReport(Msg::placeTaken, severity, taken->directory, name, taken->owner, name)
+                   : HSCPlazReport(Msg::placeAlwaysTaken, severity, taken->directory, name, taken->owner);
+}
+
+std::optional<HSCPlazPlace> HSCPlazPlaces::findOwner(const HSCPlazQStoreModel& store, const std::string& dir) const {
+    const HSCPlazModel& hubModel = *m_workspace.hubModel;
+    const std::vector<std::string> dirs = refreshDirs(hubModel);
+    HSCPlazPlaceClaims claims = findClaims(hubModel, dirs);
+    for (std::size_t position = 0; position < dirs.size(); ++position)
+        if (!hubModel.getStores()[position]->getTakenPlace())
+            claims.add(hubModel.getStores()[position]->getName(), dirs[position]);
+    return claims.findOwner(store.getName(), dir);
+}
+
+std::string HSCPlazPlaces::findMet(const HSCPlazQStoreModel& store, const std::string& path) const {
+    const HSCPlazModel& hubModel = *m_workspace.hubModel;
+    const HSCPlazPlaceClaims claims = findClaims(hubModel, refreshDirs(hubModel));
+    return shownOwner(claims.findMet({store.getName(), m_workspace.paths.getStoreArea(store)}, path));
 }
 
 void HSCPlazPlaces::preferRefreshed(HSCPlazReport& report) const {
     m_workspace.places.read(report);
     const std::vector<std::string> dirs = refreshDirs(*m_workspace.hubModel);
+    settle(*m_workspace.hubModel);
     for (std::size_t position = 0; position < dirs.size(); ++position)
-        readFrom(dirs[position], *m_workspace.hubModel->getStores()[position], report);
+        if (isKept(*m_workspace.hubModel->getStores()[position], dirs[position]))
+            readFrom(dirs[position], *m_workspace.hubModel->getStores()[position], report);
 }
 
 void HSCPlazPlaces::preferRefreshed(HSCPlazQStoreModel& store, HSCPlazReport& report) const {
@@ -149,11 +252,16 @@ void HSCPlazPlaces::applyDefaults(HSCPlazReport& report) const {
     for (std::size_t position = 0; position < dirs.size(); ++position) {
         HSCPlazQStoreModel& store = *m_workspace.hubModel->getStores()[position];
         const bool isChosen = !m_workspace.places.getStoreDirectory(store.getName()).empty();
+        if (const auto& taken = store.getTakenPlace(); taken && !isKept(store, taken->directory)) {
+            leaveOut(store);
+            continue;
+        }
         claim(store, dirs[position].empty() ? store.getLocalRootDir() : dirs[position]);
         if (!store.isProductSpecific() && !isChosen) continue;
         // A store that has been refreshed stays where its catalog is.
         const bool stays = dirs[position].empty() && HSCPlazCatalogLoader::hasOwnArea(store);
         place(store, stays ? store.getLocalRootDir() : dirs[position], report);
+        report.append(findRefusal(store, MsgSeverity::warning));
     }
 }
 
@@ -207,10 +315,12 @@ std::vector<HSCPlazPlace> HSCPlazPlaces::findMissing() const {
 
 bool HSCPlazPlaces::mayChange(const HSCPlazQStoreModel& store) const {
     const std::string hidden = m_workspace.paths.getStoreLayout(store).getHiddenDir();
+    if (hidden.empty()) return false; // another has its place
     return !HUTFileTree::isLink(hidden) && (!HUTFile::exists(hidden) || HUTFile::isWriteable(hidden));
 }
 
 void HSCPlazPlaces::addWithdrawn(HSCPlazReport& report) const {
+    bool isAdded = false;
     for (const auto& [name, dir] : findRecorded()) {
         if (dir.empty() || m_workspace.hubModel->findStore(name)) continue;
         auto store = m_workspace.databases.findRecord(HSCPlazStoreLayout(dir, dir).getDatabase(), name);
@@ -219,7 +329,9 @@ void HSCPlazPlaces::addWithdrawn(HSCPlazReport& report) const {
         store->setIsProductSpecific(true);
         store->setIsOffered(false);
         place(*m_workspace.hubModel->addStore(store), dir, report);
+        isAdded = true;
     }
+    if (isAdded) settle(*m_workspace.hubModel);
 }
 
 void HSCPlazPlaces::place(HSCPlazQStoreModel& store, const std::string& dir, HSCPlazReport& report) const {
@@ -232,4 +344,13 @@ void HSCPlazPlaces::place(HSCPlazQStoreModel& store, const std::string& dir, HSC
         if (!report.tells(Msg::userRepoPathMissing)) report.add(failure); // it is the same for every store
         store.setLocalDbFilePath("");
     }
+}
+
+void HSCPlazPlaces::placeBeside(HSCPlazQStoreModel& store, const std::string& ending, HSCPlazReport& report) const {
+    const std::string dir = m_workspace.paths.getStoreArea(store) + "_" + ending;
+    const auto owner = findOwner(store, dir);
+    if (!owner) return place(store, dir, report);
+    store.setTakenPlace(HSCPlazTakenPlace{dir, shownOwner(owner)});
+    leaveOut(store);
+    report.append(findRefusal(store, MsgSeverity::warning));
 }

@@ -1,21 +1,14 @@
 #pragma once
 
-#include <string>
-#include <vector>
+#include "plaz/base/HSCPlazReport.h"
+#include "plaz/store/HSCPlazPlaceClaims.h"
 
 class HSCPlazModel;
 class HSCPlazQStoreModel;
-class HSCPlazReport;
 struct HSCPlazWorkspace;
 
-/// The directory of a store.
-struct HSCPlazPlace {
-    std::string store;
-    std::string directory;
-};
-
-/// Decides where each store's own area lies: where the user put it, else in its default place. What cannot be read or
-/// named is added to a report.
+/// Decides where each store's own area lies: where the user put it, else in its default place, and nowhere where that
+/// is another's. What cannot be read or named is added to a report.
 class HSCPlazPlaces {
 public:
     /// @param workspace  must outlive the object
@@ -52,8 +45,20 @@ public:
     std::vector<HSCPlazPlace> findMissing() const;
     /// False where nobody may write: nothing is recorded there, nor does anything go by itself.
     bool mayChange(const HSCPlazQStoreModel& store) const;
+    /// Tells the stores of a hub model, which is this hub's or is to become it, whether their places are another's:
+    /// who is recorded, in force or set up there goes before the order of the hub.
+    void settle(HSCPlazModel& model) const;
+    /// Why nothing may be put into a store's place (Msg::placeTaken, Msg::placeAlwaysTaken); empty where it may.
+    HSCPlazReport findRefusal(const HSCPlazQStoreModel& store, MsgSeverity severity) const;
+    /// Whose place a directory would meet if a store of this hub were there.
+    std::optional<HSCPlazPlace> findOwner(const HSCPlazQStoreModel& store, const std::string& dir) const;
+    /// Whose place a file or folder of a store of this hub would meet in the store's area; for people. Empty where it
+    /// meets none.
+    std::string findMet(const HSCPlazQStoreModel& store, const std::string& path) const;
     /// Puts a store's area there.
     void place(HSCPlazQStoreModel& store, const std::string& dir, HSCPlazReport& report) const;
+    /// Puts it beside where it is, since that is used by somebody else.
+    void placeBeside(HSCPlazQStoreModel& store, const std::string& ending, HSCPlazReport& report) const;
 
 private:
     /// Of all stores of which a place is recorded.
@@ -64,6 +69,13 @@ private:
     /// The same, with a place for stores that have none by default.
     std::vector<std::string> refreshDirs(const HSCPlazModel& hubModel) const;
     std::string refreshDir(const HSCPlazQStoreModel& store) const;
+    /// Its folder below the user repository root, where it is by no default; empty where that root is none.
+    std::string repositoryDir(const HSCPlazQStoreModel& store) const;
+    HSCPlazPlaceClaims findClaims(const HSCPlazModel& hubModel, const std::vector<std::string>& dirs) const;
+    std::vector<HSCPlazPlace> findSetUp(const HSCPlazModel& hubModel, const std::vector<std::string>& dirs) const;
+    bool isRecordedIn(const HSCPlazPlace& place) const;
+    bool isKept(const HSCPlazQStoreModel& store, const std::string& dir) const;
+    static void leaveOut(HSCPlazQStoreModel& store);
     static void readFrom(const std::string& dir, HSCPlazQStoreModel& store, HSCPlazReport& report);
 
     HSCPlazWorkspace& m_workspace;

@@ -75,6 +75,9 @@ bool HSCPlazMoveStoreTask::move(HSCPlazTask& task, HSCPlazItemChanges& changes, 
     const bool goesHome = isSameName(dir, places.getDefaultPlace(*store.getModel()));
     const std::string newRoot = goesHome || store.getRoot().empty() ? dir : dir + "/" + store.getRoot();
     const HSCPlazStoreLayout place(newRoot, newRoot);
+    if (const auto owner = places.findOwner(*store.getModel(), newRoot))
+        return owner->store.empty() ? task.fail(Msg::placeOfHub, store.getName(), newRoot)
+                                    : task.fail(Msg::dirUsedByOtherStore, owner->store, newRoot);
     const std::string oldRoot = store.getLocalRootDir(), chosen = workspace.places.getStoreDirectory(store.getName());
     const HSCPlazChangeNote note(workspace.paths.getChangeFile());
     if (!note.write({store.getName(), nullptr, false, "", {}, newRoot}))
@@ -91,6 +94,7 @@ bool HSCPlazMoveStoreTask::move(HSCPlazTask& task, HSCPlazItemChanges& changes, 
     store.setLocalDbFilePath(place.getDatabase());
     store.setLocalRootDir(newRoot);
     store.setInstallDir(newRoot);
+    places.settle(*workspace.hubModel);
     HSCPlazReport report;
     HSCPlazHubBuilder(workspace, report).reloadStore(*store.getHub(), store, false);
     task.mention(report);

@@ -69,11 +69,13 @@ std::unique_ptr<HSCPlazModel> fetchHub(HSCPlazTask& task, const HSCPlazModel& hu
 }
 
 /// A store that fails does not stop the others. @return false on cancellation
-bool fetchStores(HSCPlazTask& task, const HSCPlazModel& hub, std::map<std::string, HSCPlazReport>& failed) {
+bool fetchStores(HSCPlazTask& task, HSCPlazModel& hub, std::map<std::string, HSCPlazReport>& failed) {
     double count = 0;
     for (const auto& store : hub.getStores()) {
         task.show("Fetching", Catalog::shownName(*store),
                   10 + 80 * count++ / static_cast<double>(hub.getStores().size()));
+        // Which letters a disk takes for one shows where something is.
+        HSCPlazPlaces(task.getWorkspace()).settle(hub);
         const std::size_t told = task.getReport().getNotes().size();
         const bool isFetched = task.guard([&] { return Catalog::fetch(task, *store); });
         if (task.isCancelled()) return false;

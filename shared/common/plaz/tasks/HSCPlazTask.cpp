@@ -73,6 +73,8 @@ bool HSCPlazTask::runLocked(const std::function<bool()>& work, const HSCPlazQSto
 bool HSCPlazTask::requirePlace(const HSCPlazQStoreModel& store) {
     const std::string missing = HSCPlazPlaces(m_workspace).findMissing(store);
     if (!missing.empty()) return fail(Msg::placeMissing, missing, store.getName(), store.getName());
+    const HSCPlazReport refusal = HSCPlazPlaces(m_workspace).findRefusal(store, MsgSeverity::error);
+    if (!refusal.isEmpty()) return fail(refusal);
     return requirePlain(store);
 }
 

@@ -59,8 +59,9 @@ public:
     /// All that was told so far, without what was only mentioned.
     const HSCPlazReport& getReport() const { return m_report; }
 
-    /// Fails where the store's directory should be there and is not (Msg::placeMissing): what would be made in its
-    /// place is not the store. The same for a link in the place of one of its folders (Msg::linkInPlace).
+    /// Fails where nothing may be put into the store's directory: it should be there and is not (Msg::placeMissing), so
+    /// that what would be made in its place is not the store; it is another's (HSCPlazPlaces::findRefusal); or
+    /// a link stands in the place of one of its folders (Msg::linkInPlace).
     bool requirePlace(const HSCPlazQStoreModel& store);
     /// Of that the links alone. @param isFetched  whether the working copy is needed as well
     bool requirePlain(const HSCPlazQStoreModel& store, bool isFetched = true);
