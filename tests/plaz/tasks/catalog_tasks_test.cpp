@@ -379,6 +379,7 @@ TEST_F(HubRefreshTest, NoAreaLiesInAnother) {
     files.temp.makeDir("appdata/2024.2/plaz/outer/.plaz");
     HSCPlazMgr::getInstance().getWorkspace().places.setStoreDirectory("outer", files.temp.path("appdata/2024.2/plaz"));
     EXPECT_EQ(refreshAll(entryAt(outer, "outer") + innerEntry), " 17-2270 17-2191 17-2270");
+    EXPECT_EQ(outcome(installFrom("outer", "in")), "! 17-1570 17-2160 17-1567");
     HSCPlazQItem* const left = hub().getStore("inner")->getItem("i");
     EXPECT_TRUE(HSCPlazTaskMgr::verifyItem(hub(), *left, nullptr).isDone());
     EXPECT_EQ(outcome(HSCPlazTaskMgr::uninstall(&hub(), left, true)), "");

@@ -330,6 +330,8 @@ TEST_F(ItemTasksTest, RecordsOutliveWhatIsDoneToThem) {
         reload();
         return changed;
     };
+    write("ced_store/items/a\"", "ced_store/items\"");
+    EXPECT_EQ(find("a").getLocalRootDir(), files.area("ced_store/items/a")) << "not where all of them are";
     store.move("a", "b").item("a", "1", {{"tcl", "m", ""}});
     write(files.temp.path("appdata"), "/elsewhere");
     EXPECT_EQ(find("a").getLocalRootDir(), files.area("ced_store/items/a"));

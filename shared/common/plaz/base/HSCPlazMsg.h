@@ -94,6 +94,7 @@ inline constexpr MsgId<2> storeFileMisplaced{"@17-2251@%s%s"};   ///< store, fil
 inline constexpr MsgId<4> placeTaken{"@17-2270@%s%s%s%s"};       ///< directory, store, whose, store
 inline constexpr MsgId<3> placeAlwaysTaken{"@17-2271@%s%s%s"};   ///< directory, store, whose
 inline constexpr MsgId<2> placeOfHub{"@17-2272@%s%s"};           ///< store, directory
+inline constexpr MsgId<3> storeFileTaken{"@17-2273@%s%s%s"};     ///< store, file, whose
 inline constexpr MsgId<2> changeWaits{"@17-2253@%s%s"};          ///< store, note
 inline constexpr MsgId<1> recordAway{"@17-2254@%s"};             ///< directory
 inline constexpr MsgId<2> limitExceeded{"@17-2280@%s%s"};        ///< file or store, which limit and parameter

@@ -8,6 +8,7 @@
 #include "plaz/model/reader/HSCPlazQItemReader.h"
 #include "plaz/store/HSCPlazCatalogLoader.h"
 #include "plaz/store/HSCPlazHolds.h"
+#include "plaz/store/HSCPlazItemPlaces.h"
 #include "plaz/store/HSCPlazItemTree.h"
 #include "plaz/store/HSCPlazPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
@@ -143,7 +144,8 @@ void HSCPlazInstalledState::merge(HSCPlazQStoreModel& store) const {
     using Merge = HSCPlazLocalDBMgr::Merge;
     HSCPlazLocalDBMgr& databases = m_workspace.databases;
     const Merge merged = databases.merge(database, store, m_workspace.paths, m_report);
-    if (merged != Merge::foreign && merged != Merge::ofOtherStore) return;
+    if (merged != Merge::foreign && merged != Merge::ofOtherStore)
+        return HSCPlazItemPlaces::correct(m_workspace, store);
     // What another release, or another store, has there stays as it is; this one works beside it.
     const HSCPlazProduct::Identity running = HSCPlazProduct::get();
     const bool isForeign = merged == Merge::foreign;
@@ -153,4 +155,5 @@ void HSCPlazInstalledState::merge(HSCPlazQStoreModel& store) const {
     HSCPlazPlaces(m_workspace).placeBeside(store, ending, m_report);
     if (store.getTakenPlace()) return;
     databases.merge(store.getLocalDbFilePath(), store, m_workspace.paths, m_report);
+    HSCPlazItemPlaces::correct(m_workspace, store);
 }

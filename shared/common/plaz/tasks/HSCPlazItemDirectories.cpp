@@ -6,6 +6,7 @@
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/store/HSCPlazChangeNote.h"
 #include "plaz/store/HSCPlazInstalledTrees.h"
+#include "plaz/store/HSCPlazItemPlaces.h"
 #include "plaz/store/HSCPlazPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazTask.h"
@@ -74,7 +75,7 @@ std::string HSCPlazItemDirectories::incomingOf(const HSCPlazTask& task, const HS
 bool HSCPlazItemDirectories::isInside(const HSCPlazTask& task, const HSCPlazQStore& store, const std::string& dir) {
     const HSCPlazStoreLayout layout = task.getWorkspace().paths.getStoreLayout(*store.getModel());
     return !dir.empty() && HUTFile::isBeneath(layout.getArea(), dir) && !HUTFile::isAKA(layout.getArea(), dir) &&
-           !HUTFile::isBeneath(layout.getHiddenDir(), dir);
+           HSCPlazItemPlaces::findObstacle(task.getWorkspace(), *store.getModel(), dir, false).empty();
 }
 
 std::string HSCPlazItemDirectories::findFormer(const HSCPlazTask& task, const HSCPlazFoundItem& found,

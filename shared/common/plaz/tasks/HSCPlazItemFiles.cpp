@@ -11,6 +11,7 @@
 #include "plaz/model/repo/git/HSCPlazGitParams.h"
 #include "plaz/store/HSCPlazInstalledState.h"
 #include "plaz/store/HSCPlazInstalledTrees.h"
+#include "plaz/store/HSCPlazItemPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazItemDirectories.h"
 #include "plaz/tasks/HSCPlazTask.h"
@@ -44,24 +45,6 @@ bool describedOnDisk(HSCPlazTask& task, const HSCPlazFoundItem& found, HSCPlazQI
     task.mention(findings.toReport());
     return isRead && description.getName() == found.item->getName() &&
            description.getRevision() == found.item->getRevision();
-}
-
-bool areOneInAnother(const std::string& a, const std::string& b) {
-    const std::string first = HUTFile::getNameKey(a) + "/", second = HUTFile::getNameKey(b) + "/";
-    return first.compare(0, second.size(), second) == 0 || second.compare(0, first.size(), first) == 0;
-}
-
-/// An item that is or holds the directory of another, where the catalog has both or where the other is recorded: its
-/// files would be replaced together with it.
-const HSCPlazQItem* findOverlap(const HSCPlazFoundItem& found, const std::string& dir) {
-    for (const HSCPlazQItem* other : found.store->getInstalledItems()) {
-        if (other->getName() == found.item->getName()) continue;
-        const std::string theirs = other->getLocalRootDir();
-        if (areOneInAnother(found.item->getRoot(), other->getRoot()) ||
-            (!theirs.empty() && areOneInAnother(dir, theirs)))
-            return other;
-    }
-    return nullptr;
 }
 
 /// Takes what lies in a directory of ours over into another, without a second body of any file.
@@ -179,19 +162,19 @@ bool HSCPlazItemFiles::requireReachable(HSCPlazTask& task, const HSCPlazFoundIte
 }
 
 bool HSCPlazItemFiles::requireFree(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir) {
-    const HSCPlazQStoreModel& store = *found.store->getModel();
-    for (const std::string& file : {store.getMetadataFile(), store.getCatalogFile()})
-        if (!file.empty() && areOneInAnother(dir, layoutOf(task, found).getArea() + "/" + file))
-            return task.fail(Msg::itemRefused, found.item->getName(),
-                             "its folder \"" + found.item->getRoot() + "\" is where the store has its \"" + file +
-                                 "\"");
-    const HSCPlazQItem* other = findOverlap(found, dir);
+    const std::string obstacle =
+        HSCPlazItemPlaces::findObstacle(task.getWorkspace(), *found.store->getModel(), dir, true);
+    if (!obstacle.empty())
+        return task.fail(Msg::itemRefused, found.item->getName(),
+                         "its folder \"" + found.item->getRoot() + "\" is where " + obstacle);
+    const HSCPlazQItem* other = HSCPlazItemPlaces::findOverlap(found, dir);
     return !other || task.fail(Msg::itemOverlaps, found.item->getName(), dir, referenceOf(*other));
 }
 
 bool HSCPlazItemFiles::takeOver(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record) {
     const std::string& dir = record.getLocalDir();
     HSCPlazQItemModel description;
+    if (found.store->getModel()->getTakenPlace()) return false; // where nothing comes
     if (dir.empty() || HUTFile::createFileIter(dir).size() < 2 || !describedOnDisk(task, found, description))
         return false;
     std::string unknown;
@@ -252,7 +235,8 @@ std::string HSCPlazItemFiles::removableDirectory(const HSCPlazTask& task, const 
         return other != found.item && other->getLocalRootDir() == (recorded.empty() ? own : recorded);
     });
     if (isShared || found.item->getModel()->isOutOfReach()) return {};
-    if (recorded.empty() || recorded == own) return own;
+    const std::string& dir = recorded.empty() ? own : recorded;
+    if (dir == own) return HSCPlazItemDirectories::isInside(task, *found.store, own) ? own : std::string();
     const bool isItsOwn =
         HSCPlazItemDirectories::isInside(task, *found.store, recorded) && isKnownIn(task, found, recorded);
     return isItsOwn ? recorded : std::string();

@@ -9,6 +9,7 @@
 #include "plaz/model/repo/git/HSCPlazGitCatalog.h"
 #include "plaz/model/repo/git/HSCPlazGitRemoved.h"
 #include "plaz/store/HSCPlazChangeNote.h"
+#include "plaz/store/HSCPlazPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazFetchedFiles.h"
 #include "plaz/tasks/HSCPlazTask.h"
@@ -49,6 +50,10 @@ void requireFree(const HSCPlazTask& task, const HSCPlazQStoreModel& store, const
                  const std::vector<std::string>& files) {
     for (const std::string& name : files) {
         const std::string file = area + "/" + name;
+        const std::string owner = HSCPlazPlaces(task.getWorkspace()).findMet(store, file);
+        if (!owner.empty())
+            throw HEXAll(
+                ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::storeFileTaken, store.getName(), name, owner));
         require(!HUTFile::isDirectory(file) && !isInItem(task.getHub(), store.getName(), file), Msg::storeFileMisplaced,
                 store, name);
     }
