@@ -68,5 +68,5 @@ TEST_F(UtilsTest, RegistersTheParametersOfTheHub) {
     EXPECT_EQ(params.findParam("plaz.enableRemoteAccess")->getDescription(), "Enable Git Access");
     EXPECT_TRUE(params.findParam("plaz.git_user.board_store")->isHidden());
     EXPECT_FALSE(params.findParam("plaz.git_token.board_store")->isHidden());
-    EXPECT_EQ(params.list(true).size() * 100 + params.list(false).size(), 3317U);
+    EXPECT_EQ(params.list(true).size() * 100 + params.list(false).size(), 3617U);
 }
