@@ -16,8 +16,8 @@ class HostileTest(unittest.TestCase):
         self.expected = {}  # the user area behind a harmless store, by where stores lie
 
     def meet(self, case, world, told, *commands):
-        """@param told  what the failure names, of which there is none where it is empty; after "?" there may be one; after
-        "!" nothing at all may change until what it names is mended"""
+        """@param told  what the failure names, of which there is none where this is empty; after "?" there may be one, and
+        after "!" nothing at all may change until what it names is mended"""
         judge = Judge(world)
         before = judge.take_stock()
         results = [judge.run(*words) for words in commands]

@@ -95,7 +95,7 @@ class Judge:
 
     def judge_files(self, before, expected):
         """Outside of the user area is everything as it was, inside all but the bad store's own area as a harmless store
-        leaves it. No file holds a secret, or what stands outside."""
+        leaves it. What has come or changed holds no secret, nor what stands outside."""
         found, is_inside = self.take_stock(), lambda path: path.startswith("home/")
         expected = {path: what for path, what in expected.items() if is_inside(path)}
         expected |= {path: what for path, what in before.items() if not is_inside(path)}
@@ -103,15 +103,14 @@ class Judge:
             if found.get(path) != expected.get(path):
                 self.find(path, "is", found.get(path), "not", expected.get(path))
         for file in self.world.dir.rglob("*"):
-            about, place = file.lstat(), file.relative_to(self.world.dir).parts[0]
-            if not stat.S_ISREG(about.st_mode) or place in ("data", "record"):
+            about, path = file.lstat(), str(file.relative_to(self.world.dir))
+            is_ours = path.startswith(("data/", "record/")) or (path in before and before[path] == found.get(path))
+            if is_ours or not stat.S_ISREG(about.st_mode):
                 continue
-            content, own = file.read_bytes(), str(file).endswith("/.git/config") and not about.st_mode & 0o077
-            for form in FORMS if not own else ():
+            content, may_hold = file.read_bytes(), path.endswith("/.git/config") and not about.st_mode & 0o077
+            for form in (DECOY, *FORMS) if not may_hold else ():
                 if form.encode() in content:
-                    self.find(file, "holds", form)
-            if DECOY.encode() in content and place != "outside":
-                self.find(file, "holds what stands outside")
+                    self.find(path, "holds", form)
 
     def judge_strangers(self):
         """Servers that nobody has meant were told no secret."""

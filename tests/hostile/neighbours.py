@@ -1,5 +1,5 @@
-"""Neighbours that mean harm, by the names of cases: what a failure names, as in HostileTest.meet, and what they have laid
-where a store is kept of which an item is installed."""
+"""Neighbours that mean harm, by the names of cases: what a failure names, as HostileTest.meet takes it, and what they have
+laid where a store is kept of which an item is installed."""
 
 import json
 import os
@@ -80,16 +80,18 @@ def note(told, directory="@AREA/items/stone", **more):
 
 def keep(directory, root):
     """The store is said to be kept elsewhere."""
-    text = {"plaz": {"qstores": [{"name": "bad", "directory": directory, "root": root}], "default_folders": []}}
-    return ("bad", {"~plaz_stores.json": json.dumps(text)})
+    text = {
+        "plaz": {
+            "qstores": [{"name": "bad", "directory": directory, "root": root}],
+            "default_folders": [{"name": "good", "directory": "ced_store"}],
+        }
+    }
+    return ("!bad", {"~plaz_stores.json": json.dumps(text)})
 
 
-LINKED = (
-    ".plaz .plaz/.index .plaz/.catalog .plaz/.trees .plaz/.incoming .staging .plaz/plaz_local_db.json items items/stone"
-)
-LINKED += (
-    f" catalog.json store.json .done {GIT} {GIT}/objects {GIT}/refs {GIT}/config {GIT}/HEAD .plaz/.index/git_fork.log"
-)
+LINKED = f"""
+    .plaz/.index .plaz/.catalog .plaz/.trees .plaz/.incoming .plaz/plaz_local_db.json .staging items items/stone
+    catalog.json store.json .done {GIT} {GIT}/objects {GIT}/refs {GIT}/config {GIT}/HEAD .plaz/.index/git_fork.log"""
 HELD = f"catalog.json store.json .done .plaz/.catalog/items/stone/item.json {GIT}/config {GIT}/index ~plaz_change.json"
 RECORDED = "/ .. @AREA @AREA/.. @HUB @GOOD @GOOD/items/pearl @OUTSIDE/stone @AREA/.plaz".split()
 CASES = {
@@ -122,6 +124,7 @@ CASES = {
     "HEAD elsewhere": set_up("", HEAD="ref: ../../../../../outside/x\n"),
     "gitdir": ("?bad|stone", {GIT: "gitdir: @OUTSIDE/decoy.git\n"}),
     **{f"link {name}": ("?bad|stone|plaz", {name: None}) for name in LINKED.split()},
+    "link of the hidden": ("!plaz", {".plaz": None}),
     "link of the lock": ("!plaz.lock", {"~plaz.lock": None}),
     **{f"recorded at {where}": ("", record(where)) for where in RECORDED},
     "recorded behind a link": ("stone", record("@AREA/items/ln/stone")),
@@ -131,10 +134,9 @@ CASES = {
     "note of a place": note("", place="@OUTSIDE"),
     "note of files": note("", files=["../../outside/stone/item.json"], area="@OUTSIDE"),
     "kept in another": keep("@GOOD", "items"),
-    "kept with another": keep("@HUB", "ced_store"),
     "kept around all": keep("@HUB/..", "plaz"),
     **{f"fifo {name}": ("", {name: Fifo()}) for name in HELD.split()},
-    "fifo of the head": ("?bad", {f"{GIT}/HEAD": Fifo()}),
+    "fifo of the head": ("?bad|stone", {f"{GIT}/HEAD": Fifo()}),
     "fifo of the item": ("stone|item.json", {"items/stone/item.json": Fifo()}),
     "fifo of the log": ("?bad", {".plaz/.index/git_fork.log": Fifo()}),
     "fifo of the record": ("!plaz_local_db.json", {".plaz/plaz_local_db.json": Fifo()}),

@@ -35,9 +35,10 @@ def need(*names):
 
 
 def place_plainly(world):
-    """Stores lie where their roots say."""
+    """Stores lie where their roots say; who comes first has a place."""
+    world.stores.reverse()
     world.settings["plaz.enableBoardStoreDefaultLocation"] = "false"
-    world.bad_area, world.good_area = world.area / world.bad.config["root"], world.area / "good-root"
+    world.bad_area, world.good_area = world.area / "bad-root", world.area / "good-root"
 
 
 def rename(name):
@@ -99,7 +100,7 @@ CASES = {
     "name turned": ("gnp.exe", rename("\u202egnp.exe")),
     "name for Tcl": ("", rename('[exec @TRAP]${x};"{')),
     "name an option": ("", rename("--discard-changes")),
-    "name long": ("", rename("n" * 5000)),
+    "name long": ("bad", rename("n" * 5000)),
     "texts with controls": (
         "",
         {"infra display": CONTROLS, "infra description": CONTROLS, "entry display_name": CONTROLS},
@@ -126,7 +127,7 @@ CASES = {
     "deep members": ("bad", {"files catalog.json": '{"catalog":' * 100_000 + "1" + "}" * 100_000}),
     "number long": ("bad", {"files catalog.json": lambda text: text.replace('": 1', '": ' + "9" * 10_000, 1)}),
     "number large": ("bad", {"files store.json": lambda text: text.replace('": 1', '": 1e9999', 1)}),
-    "text long": ("", {"infra description": "x" * 9_000_000}),
+    "text long": ("stone", {"infra description": "x" * 9_000_000}),
     "broken entries": ("i0", {"items": [offer(f"i{i}", root="../x") for i in range(20_000)]}),
     "no files": ("i0", {"items": [offer(f"i{i}") for i in range(5_000)]}),
     "NUL": ("bad", {"files catalog.json": lambda text: text.replace('"stone"', '"st\0one"')}),
