@@ -16,7 +16,7 @@ class HostileTest(unittest.TestCase):
         self.expected = {}  # the user area behind a harmless store, by where stores lie
 
     def meet(self, case, world, told, *commands):
-        """@param told  what the failure names, of which there is none where this is empty; after "?" there may be one, and
+        """@param told  what the failure names, of which there is none where this is empty; after "?" there may be one,
         after "!" nothing at all may change until what it names is mended"""
         judge = Judge(world)
         before = judge.take_stock()

@@ -76,8 +76,7 @@ class Judge:
         if bool(failed) != bool(name) and not told.startswith("?"):
             self.find("nothing fails" if name else f"what is harmless fails: {failed}")
         for words, _, messages in failed if name else ():
-            counts = [messages.count(text) for text in messages]  # a start reads, and the command once more
-            if len(messages) > 5 or max(counts, default=0) > 2 or not re.search(rf"\b({name})\b", "\n".join(messages)):
+            if len(messages) > 5 or not re.search(rf"\b({name})\b", "\n".join(messages)):
                 self.find(words, "tells", [text[:300] for text in messages[:9]])
 
     def judge_programs(self):
@@ -119,8 +118,8 @@ class Judge:
                 self.find("a stranger was told", form)
 
     def take_stock(self):
-        """@return what lies in the world, by its paths, but for the bad store's own area, our notes, and the hub's lock and
-        list of places"""
+        """@return what lies in the world, by its paths, but for the bad store's own area, our notes, and the hub's lock
+        and list of places"""
         stock = {}
         for folder, folders, names in os.walk(self.world.dir):
             for path in (os.path.join(folder, name) for name in (*folders, *names)):

@@ -1,4 +1,4 @@
-"""Neighbours that mean harm, by the names of cases: what a failure names, as HostileTest.meet takes it, and what they have
+"""Neighbours that mean harm, by the names of cases: what a failure names (see HostileTest.meet), and what they have
 laid where a store is kept of which an item is installed."""
 
 import json
