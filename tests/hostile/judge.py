@@ -20,10 +20,12 @@ SECONDS, KILOBYTES = 60, 400_000 if read_cache().get("PLAZ_SANITIZE", "") in (""
 STARTED = re.compile(r"(?:run|start)_command: (?:unset [\w ]*; )?(?:\w+=\S+ )*(.*)")
 PROGRAMS = re.compile(
     "git (rev-list|(pack|unpack)-objects|(index|fetch)-pack|remote-https?|commit-graph verify|multi-pack-index verify) "
-    r"""|git-remote-https? |'git-upload-pack |'f\(\) \{ test "\$1" '\\!'= get \|\| printf """
+    r"""|git-remote-https? |'git-upload-pack |'f\(\) \{ test "\$1" """
 )
 # What turns a terminal's text, or is obeyed: all controls but the end of a line and the tabulator.
 CONTROLS = re.compile("[\0-\x08\x0b-\x1f\x7f-\x9f\u061c\u200e\u200f\u202a-\u202e\u2066-\u2069]")
+# Of the hub's own, what is another each time or for each server.
+CHANGING = ("/plaz.log", "/plaz.lock", "/plaz_stores.json", "/plaz_authorities.pem", "/preferences.json")
 FORMS = {form for s in SECRETS.values() for form in (s, base64.b64encode(f"{USER}:{s}".encode()).decode())}
 
 
@@ -118,15 +120,12 @@ class Judge:
                 self.find("a stranger was told", form)
 
     def take_stock(self):
-        """@return what lies in the world, by its paths, but for the bad store's own area, our notes, and the hub's lock
-        and list of places"""
+        """@return what lies in the world, by its paths, but for the bad store's own area, our notes and what changes"""
         stock = {}
         for folder, folders, names in os.walk(self.world.dir):
             for path in (os.path.join(folder, name) for name in (*folders, *names)):
                 own = (f"{self.world.bad_area}/", f"{self.world.record}/")
-                if not f"{path}/".startswith(own) and not path.endswith(
-                    ("/plaz.log", "/plaz.lock", "/plaz_stores.json")
-                ):
+                if not f"{path}/".startswith(own) and not path.endswith(CHANGING):
                     stock[path.removeprefix(f"{self.world.dir}/")] = self.describe(path)
         return stock
 
