@@ -17,7 +17,7 @@ EXPORTED = """HSCPlaz HSCPlazBaseModel HSCPlazCategory HSCPlazConfigMgr HSCPlazF
     HSCPlazMgr HSCPlazModel HSCPlazPathMgr HSCPlazPathsInForce HSCPlazProduct HSCPlazQItem HSCPlazQItemModel
     HSCPlazQStore HSCPlazQStoreModel HSCPlazRepoFactory HSCPlazRepoInfoMgr HSCPlazReport HSCPlazStoreLayout
     HSCPlazStoreResult HSCPlazSwigIntf HSCPlazTaskMgr HSCPlazTrust HSCPlazUpdateDecision HSCPlazUserPref HSCPlazUtils
-    hdi::pyinfra::py_native_cache hdi::tcltasks::native_cache operator<< plaz_startup""".split()
+    HSCPlazWorkLayout hdi::pyinfra::py_native_cache hdi::tcltasks::native_cache operator<< plaz_startup""".split()
 
 
 class InstalledTreeTest(unittest.TestCase):

@@ -161,7 +161,7 @@ def call_through(scheme, answer):
 
 CASES = {
     "harmless": lambda world: None,
-    "certificate of another": behind(name="DNS:other.example"),
+    "certificate of another": behind(host="127.0.0.9"),
     "certificate expired": behind(days=-1),
     "certificate of nobody": behind(is_trusted=False),
     "to another": redirect("http://{0}"),

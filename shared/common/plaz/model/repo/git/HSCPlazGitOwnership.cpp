@@ -27,6 +27,10 @@ constexpr const char* urlKey = "remote.origin.url";
 constexpr const char* detours[] = {"commondir", "config.worktree", "objects/info/alternates",
                                    "objects/info/http-alternates"};
 
+/// Into these git writes, and takes from them what it works with.
+constexpr const char* folders[] = {"info", "objects",    "objects/info", "objects/pack",
+                                   "refs", "refs/heads", "refs/remotes", "refs/tags"};
+
 bool isRecorded(const std::string& key) {
     static const std::set<std::string> known{
         // what "init" writes, on any system and whatever the system's own settings are
@@ -87,6 +91,14 @@ std::string requireOwn(const std::string& path) {
     return HUTFile::isOwn(path) || !isThere(path) ? std::string() : "\"" + path + "\" is not this user's";
 }
 
+std::string findDetour(const std::string& repository) {
+    for (const char* name : detours)
+        if (std::string file = repository + "/" + name; isThere(file)) return file;
+    for (const char* name : folders)
+        if (std::string folder = repository + "/" + name; HUTFileTree::isLink(folder)) return folder;
+    return {};
+}
+
 } // namespace
 
 std::string HSCPlazGitOwnership::findObjection(const std::string& dir) {
@@ -97,9 +109,8 @@ std::string HSCPlazGitOwnership::findObjection(const std::string& dir) {
     const std::string config = repository + "/config";
     for (const std::string& path : {HUTFile::resolveLinks(dir), repository, config})
         if (std::string objection = requireOwn(path); !objection.empty()) return objection;
-    for (const char* detour : detours)
-        if (const std::string file = repository + "/" + detour; isThere(file))
-            return "\"" + file + "\" leads elsewhere";
+    std::string detour = findDetour(repository);
+    if (!detour.empty()) return "\"" + detour + "\" leads elsewhere";
     return HUTFile::exists(config) ? findForeignSetting(dir, config) : std::string();
 }
 
