@@ -1,13 +1,14 @@
 #include "support/PlatformSystem.h"
 
 #include "Aside.h"
-#include "support/HIOStream.h"
+#include "support/PlatformFile.h"
 
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <limits>
 #include <memory>
 #include <pwd.h>
 #include <spawn.h>
@@ -72,7 +73,7 @@ std::string getAuthorities() {
                                             "/etc/ssl/ca-bundle.pem", "/etc/ssl/cert.pem"};
     std::string text;
     for (const char* file : files)
-        if (HIOStream::read(file, text) == HIOStream::Status::ok) return text;
+        if (readFile(file, text, std::numeric_limits<std::uint64_t>::max()) == HIOStatus::ok) return text;
     return {};
 }
 
