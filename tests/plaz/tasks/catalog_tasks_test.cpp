@@ -7,10 +7,6 @@
 #include <boost/algorithm/string/replace.hpp>
 
 #include <functional>
-#include <gmock/gmock.h>
-
-using testing::AllOf;
-using testing::HasSubstr;
 
 namespace {
 
@@ -147,7 +143,7 @@ TEST_F(CatalogTasksTest, WhatIsTooMuchLeavesTheOldCatalogInForce) {
         const std::string standard = std::to_string(params.getValueAsInt(param));
         params.setValue(param, std::to_string(value));
         EXPECT_FALSE(refresh());
-        EXPECT_THAT(messages.at(0).args.at(1), HasSubstr(param));
+        EXPECT_NE(messages.at(0).args.at(1).find(param), std::string::npos);
         EXPECT_EQ(takeIds(), (Names{"17-2280", "17-2191"}));
         EXPECT_NE(store().getItem("b"), nullptr);
         params.setValue(param, standard);
@@ -175,8 +171,8 @@ TEST_F(CatalogTasksTest, TellsOfManyItemsInOneMessage) {
     EXPECT_EQ(takeIds(), Names{"17-2281"});
     HPAParamMgr::getParamMgr().setValue("plaz.maxItemFileSize", "1");
     breakItems(4, std::string(2000, ' '));
-    EXPECT_THAT(messages.back().text,
-                AllOf(HasSubstr("wrong with 4 of"), HasSubstr("x2/item.json"), HasSubstr("2280")));
+    for (const char* part : {"wrong with 4 of", "x2/item.json", "2280"})
+        EXPECT_NE(messages.back().text.find(part), std::string::npos) << messages.back().text;
     EXPECT_EQ(takeIds(), (Names{"17-2281", "17-2281"})); // what was known before breaks the schema
 }
 
