@@ -13,6 +13,7 @@
 #include "plaz/model/reader/HSCPlazQItemReader.h"
 #include "plaz/model/reader/HSCPlazQStoreReader.h"
 #include "plaz/model/reader/HSCPlazReader.h"
+#include "plaz/model/repo/git/HSCPlazGitConfigText.h"
 #include "plaz/model/repo/git/HSCPlazGitCredentials.h"
 #include "plaz/model/repo/git/HSCPlazGitLog.h"
 #include "plaz/model/repo/git/HSCPlazGitRunner.h"
@@ -231,6 +232,10 @@ void settings(const std::string& text) {
                                                    "\n\turl = " +
                                                    quotedByGit(text) + "\n"),
                   "remote_origin.url") == text);
+    const auto entries = HSCPlazGitConfigText::parse("[url \"" + text + "\"]\n\tinsteadOf = x\n");
+    CHECK(!entries || text.find('"') != std::string::npos || entries->back().key.rfind("url.", 0) == 0);
+    for (const auto& entry : HSCPlazGitConfigText::parse(text).value_or(std::vector<HSCPlazGitConfigText::Entry>()))
+        CHECK(entry.key.find('.') != std::string::npos && entry.key.back() != '.');
 }
 
 // Names, paths and addresses.
@@ -240,7 +245,7 @@ void url(const std::string& text) {
     CHECK(!Trust::isSafeUrl(text) || isForGit(text));
     const std::string masked = Trust::maskSecrets(text), proxy = Trust::maskProxy(text);
     CHECK(Trust::maskSecrets(masked) == masked && Trust::maskProxy(proxy) == proxy);
-    CHECK(text.find('@') != std::string::npos || (masked == text && proxy == text));
+    CHECK(text.find_first_of("@?#") != std::string::npos || (masked == text && proxy == text));
     CHECK(text.find("://") != std::string::npos || masked == text);
     if (!text.empty() && isFree(text, " \"'/"))
         CHECK(Trust::maskSecrets("see https://" + text + "@h/r for x@y") == "see https://***@h/r for x@y");

@@ -71,6 +71,7 @@ private:
             require(isOfKey(c) || c == '.');
             name += lowered(c);
         }
+        require(!name.empty());
         return name;
     }
 
