@@ -277,12 +277,12 @@ std::string readStart(const std::string& file, std::size_t size) {
     return start;
 }
 
-// What a network file system remembers of a name may be a minute old; it asks the server again for one that is opened.
 std::uint64_t getSize(const std::string& path) {
     struct stat status {};
     return ::stat(path.c_str(), &status) == 0 ? static_cast<std::uint64_t>(status.st_size) : 0;
 }
 
+// What a network file system remembers of a name may be a minute old; it asks the server again for one that is opened.
 std::string getStamp(const std::string& path) {
     const Descriptor fd(open(path.c_str(), readFlags));
     struct stat status {};
