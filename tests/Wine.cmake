@@ -15,8 +15,9 @@ execute_process(COMMAND setarch --addr-no-randomize true RESULT_VARIABLE failed 
 if(NOT failed)
   list(INSERT CMAKE_CROSSCOMPILING_EMULATOR -1 setarch --addr-no-randomize)
 endif()
-# What Wine cannot show, or Windows does not have: links, processes that begin in the midst of a test, a current directory
-# that is gone.
+# What Wine cannot show, or Windows does not have: links, processes that begin in the midst of a test, a current
+# directory that is gone, how long a job has computed. The machine's own git is held to no limit of memory, and would
+# take all.
 string(
   JOIN
   ":"
@@ -25,6 +26,8 @@ string(
   MessageDeathTest.*
   StartUpTest.DebugLogIsKeptToTheEnd
   StartUpTest.StoreFilesAreNotReadThroughLinks
-  GitRunner.RunsWithoutCurrentDirectory)
+  GitRunner.RunsWithoutCurrentDirectory
+  GitClone.RepositoryWithoutEndIsGivenUp
+  LimitTest.KnowsWork)
 # Nothing is started under Wine before the tests are.
 set(CMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE PRE_TEST)

@@ -94,25 +94,32 @@ TEST_F(ProcessTest, TimeoutKillsTheWholeTree) {
     EXPECT_TRUE(comesTrueSoon(hasStopped));
 }
 
-// Faults: a log that grows until the disk is full, a watch that nobody asks, work that is taken for waiting or the
-// other way round.
-TEST_F(ProcessTest, LimitsEndARun) {
-    using Limit = HUTFork::Limit;
-    const auto end = [this](const char* action, Limit limit, const char* words) {
+class LimitTest : public ProcessTest {
+protected:
+    void endsBy(HUTFork::Limit limit, const char* action, const char* words) {
         EXPECT_EQ(act({action}), HUTFork::limitMet);
         EXPECT_EQ(fork.getLimitMet(), limit);
         EXPECT_NE(output().find(words), std::string::npos);
         fork = HUTFork();
         fork.setLogFile(log);
         fork.setEnv("PLACE", temp.path());
-    };
+    }
+};
+
+// Faults: a log that grows until the disk is full, a watch that nobody asks, waiting that is taken for work.
+TEST_F(LimitTest, EndsARun) {
     fork.setLogLimit(1);
-    end("chatter", Limit::log, "\nfatal: " PLAZ_TEST_CHILD " was stopped after it had written 1 MB of text\n");
+    endsBy(HUTFork::Limit::log, "chatter",
+           "\nfatal: " PLAZ_TEST_CHILD " was stopped after it had written 1 MB of text\n");
+    fork.setWatch([] { return [](const auto& isBusy) { return isBusy(); }; });
+    endsBy(HUTFork::Limit::watch, "tick and wait", "did not get on");
+}
+
+// Fault: work that is taken for waiting.
+TEST_F(LimitTest, KnowsWork) {
     fork.setLogFile("");
     fork.setWatch([] { return [](const auto& isBusy) { return !isBusy(); }; });
-    end("chatter", Limit::watch, "");
-    fork.setWatch([] { return [](const auto& isBusy) { return isBusy(); }; });
-    end("tick and wait", Limit::watch, "did not get on");
+    endsBy(HUTFork::Limit::watch, "chatter", "");
 }
 
 // Fault: a normal end that kills what the program leaves running.
