@@ -13,8 +13,14 @@ MessageLog::~MessageLog() {
 }
 
 void MessageLog::take(const ComMsgMgr::Message& message) {
-    if (m_quiet && message.label == "INFO") return;
+    const std::string line = ComMsgMgr::format(message);
+    if ((m_quiet && message.label == "INFO") || !m_said.insert(line).second) return;
     m_messages.push_back(message);
     m_progress.erase();
-    std::cerr << ComMsgMgr::format(message) << std::endl;
+    std::cerr << line << std::endl;
+}
+
+std::size_t MessageLog::startCommand() {
+    m_said.clear();
+    return m_messages.size();
 }

@@ -108,7 +108,7 @@ LineInput::Outcome readCommand(LineInput& input, std::string& command) {
 
 } // namespace
 
-TclShell::TclShell(HDGUIStatus& status, const MessageLog& log, ProgressLine& progress)
+TclShell::TclShell(HDGUIStatus& status, MessageLog& log, ProgressLine& progress)
     : m_status(status), m_log(log), m_progress(progress), m_interp(hdi::tcltasks::task_manager::get_interp()) {
     Tcl_SetSystemEncoding(m_interp, "utf-8"); // that of catalogs, whatever the locale
     registerPlazCommands(m_interp, m_status);
@@ -143,7 +143,7 @@ int TclShell::cancelEvaluation(void* shell, Tcl_Interp* /*interp*/, int code) {
 }
 
 int TclShell::runScript(const std::string& file) {
-    const std::size_t before = m_log.getMessages().size();
+    const std::size_t before = m_log.startCommand();
     const TclRef path(makeText(file));
     const bool isDone = Tcl_FSEvalFileEx(m_interp, path.get(), "utf-8") == TCL_OK && !m_status.isCanceled();
     if (!isDone) showError(before, true);
@@ -153,7 +153,7 @@ int TclShell::runScript(const std::string& file) {
 int TclShell::runInput(LineInput& input) {
     std::string command;
     for (;;) {
-        const std::size_t before = m_log.getMessages().size();
+        const std::size_t before = m_log.startCommand();
         const LineInput::Outcome outcome = readCommand(input, command);
         // The end may have come in the middle of a command: Tcl says what is missing.
         if (!evaluate(command)) {
@@ -172,7 +172,7 @@ int TclShell::runPrompt(LineInput& input) {
         recover(); // from what came while the line was typed
         if (outcome == LineInput::Outcome::dropped || command.find_first_not_of(" \t\n") == std::string::npos) continue;
         if (!mayHoldSecret(command)) input.remember(command.substr(0, command.size() - 1));
-        const std::size_t before = m_log.getMessages().size();
+        const std::size_t before = m_log.startCommand();
         if (evaluate(command))
             showResult();
         else

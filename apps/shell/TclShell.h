@@ -18,7 +18,7 @@ public:
     /// All arguments must outlive the object, @p status the process.
     /// @param log       knows which errors have been shown already
     /// @param progress  erased before anything is printed
-    TclShell(HDGUIStatus& status, const MessageLog& log, ProgressLine& progress);
+    TclShell(HDGUIStatus& status, MessageLog& log, ProgressLine& progress);
 
     /// Ends Tcl afterwards; a script's "exit" ends the process.
     /// @param words  the script's file and its arguments; without one commands are read
@@ -40,7 +40,7 @@ private:
     void recover();
 
     HDGUIStatus& m_status;
-    const MessageLog& m_log;
+    MessageLog& m_log;
     ProgressLine& m_progress;
     Tcl_Interp* m_interp;
 };

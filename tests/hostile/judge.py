@@ -12,10 +12,10 @@ import threading
 from typing import NamedTuple
 
 from hostile.world import DECOY, SECRETS, USER
-from support.hubtest import PLAZ, read_cache
+from support.hubtest import PLAZ, is_sanitized
 
 # Many times what a command needs. The sanitizer's own memory is not ours.
-SECONDS, KILOBYTES = 60, 400_000 if read_cache().get("PLAZ_SANITIZE", "") in ("", "OFF") else 4_000_000
+SECONDS, KILOBYTES = 60, 400_000 if not is_sanitized() else 4_000_000
 # What a git of ours may start: parts of itself, and the helper that has its credentials from us.
 STARTED = re.compile(r"(?:run|start)_command: (?:unset [\w ]*; )?(?:\w+=\S+ )*(.*)")
 PROGRAMS = re.compile(
@@ -67,7 +67,10 @@ class Judge:
                 )
         try:
             document = json.loads(texts[0][texts[0].index("{\n") :])  # behind the trace
-            messages = [f"{m['id']} {m['text']}" for m in document["messages"] if m["severity"] != "INFO"]
+            problems = [m for m in document["messages"] if m["severity"] != "INFO"]
+            messages = [f"{m['id']} {m['text']}" for m in problems]
+            if any(m in problems[:at] for at, m in enumerate(problems)):
+                self.find(line, "says something twice:", problems)
         except (ValueError, KeyError) as error:
             messages = [f"{error!r}: {texts}"]
         return Result(line, process.returncode, messages)
