@@ -8,8 +8,8 @@
 
 class ProgressLine;
 
-/// Receives the messages that are sent while it lives: writes them to standard error and keeps them. What a command says
-/// again, of a file that it reads a second time, is left out.
+/// Receives the messages that are sent while it lives: writes them to standard error and keeps them. What a command
+/// says again, of a file that it reads a second time, is left out.
 class MessageLog {
 public:
     /// @param progress  erased before a message is written; must outlive the log

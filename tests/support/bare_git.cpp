@@ -1,5 +1,5 @@
-// Runs git, or the script beside this program that stands for it, without what is loaded ahead of other programs: linked
-// statically, this takes none of it.
+// Runs git, or the script beside this program that stands for it, without what is loaded ahead of other programs:
+// linked statically, this takes none of it.
 
 #include <cstdlib>
 #include <string>
