@@ -30,9 +30,12 @@ std::pair<int, int> readVersion(const std::string& text) {
     return number;
 }
 
-std::size_t count(const std::string& text, const std::string& what) {
+std::size_t countCertificates(const std::string& file) {
+    static const std::string begin = "-----BEGIN CERTIFICATE-----";
+    std::string text;
+    HIOStream::read(file, text);
     std::size_t number = 0;
-    for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + what.size())) ++number;
+    for (std::size_t at = text.find(begin); at != std::string::npos; at = text.find(begin, at + begin.size())) ++number;
     return number;
 }
 
@@ -81,9 +84,7 @@ Finding doctor::checkCertificates(const HSCPlazPathsInForce::Path& bundle) {
     if (!bundle.exists)
         return warning("certificates", bundle.path + " is missing; git uses those of the system",
                        "If https fails with a certificate error, repair the installation.");
-    std::string text;
-    HIOStream::read(bundle.path, text);
-    const std::size_t number = count(text, "-----BEGIN CERTIFICATE-----");
+    const std::size_t number = countCertificates(bundle.path);
     if (number > 0) return ok("certificates", bundle.path + ": " + std::to_string(number) + " certificates");
     return problem("certificates", bundle.path + " holds no certificate that can be read, so https cannot work",
                    "Check its permissions, or repair the installation.");
@@ -128,6 +129,14 @@ std::vector<Finding> doctor::checkSwitches() {
         if (!params.getValueAsBool(one.param))
             findings.push_back(
                 problem("parameter " + std::string(one.param), std::string("false: ") + one.effect, "Set it to true."));
+    if (!params.getValueAsBool("plaz.enableCertificateCheck"))
+        findings.push_back(warning("parameter plaz.enableCertificateCheck",
+                                   "false: whoever poses as a server is believed", "Set it to true."));
+    const std::string authorities = params.getValueAsString("plaz.certificateFile");
+    if (!authorities.empty() && countCertificates(authorities) == 0)
+        findings.push_back(problem("parameter plaz.certificateFile",
+                                   authorities + " holds no certificate that can be read",
+                                   "Correct it; it takes the full path of a file in PEM form."));
     const int seconds = HSCPlazInspection::getTimeOut();
     if (seconds <= 0)
         findings.push_back(

@@ -201,7 +201,11 @@ class NetworkTest(HubTest):
                     self.check_shown((self.servers / kind / "output").read_text().lower(), never=["authorization:"])
                     self.refresh_twice(settings=[unchecked, f"plaz.uncheckedServers=x, {relay.address}"])
                     if kind == "untrusted":
-                        self.refresh_twice(settings=[f"plaz.certificateFile={other}"])
+                        with_key = self.servers / "with_key.pem"
+                        with_key.write_bytes(certificate.read_bytes() + other.read_bytes())
+                        self.refresh_twice(settings=[f"plaz.certificateFile={with_key}"])
+                        kept = next(self.home.glob("**/plaz_authorities.pem")).read_text()
+                        self.check_shown(kept, "BEGIN CERTIFICATE", never=["KEY"])
         with self.serve("open", certificate=untrusted) as address:
             self.lead_to(f"https://{address}/git")
             self.refresh_twice(settings=[unchecked])

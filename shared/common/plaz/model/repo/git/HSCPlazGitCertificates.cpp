@@ -10,10 +10,12 @@
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
 
+#include <boost/algorithm/string/predicate.hpp>
 #include <boost/filesystem/path.hpp>
 
 #include <algorithm>
 #include <set>
+#include <string_view>
 #include <vector>
 
 namespace {
@@ -26,12 +28,25 @@ struct Source {
     std::string text;
 };
 
+/// A file may hold a key besides, which is not to be copied.
+std::string certificatesIn(const std::string& text) {
+    static constexpr std::string_view begin = "-----BEGIN ", end = "-----END ";
+    std::string certificates;
+    for (std::size_t at = text.find(begin); at != std::string::npos; at = text.find(begin, at)) {
+        const std::size_t lineEnd = std::min(text.find('\n', text.find(end, at)), text.size());
+        const std::string label =
+            text.substr(at + begin.size(), text.find("-----", at + begin.size()) - at - begin.size());
+        if (boost::algorithm::ends_with(label, "CERTIFICATE")) certificates += text.substr(at, lineEnd - at) + "\n";
+        at = lineEnd;
+    }
+    return certificates;
+}
+
 // RATIONALE: git runs in a working copy, and so does what is asked here; a relative name would mean a file in there.
 std::string read(const std::string& file) {
     std::string text;
-    if (!boost::filesystem::path(file).is_absolute()) return text;
-    HIOStream::read(file, text);
-    return text.find("-----BEGIN") == std::string::npos ? std::string() : text;
+    if (boost::filesystem::path(file).is_absolute()) HIOStream::read(file, text);
+    return certificatesIn(text);
 }
 
 bool mayCarryLogin(const std::string& remoteUrl) {
@@ -45,7 +60,7 @@ std::vector<Source> gather(const std::string& recorded, HSCPlazReport& problems)
         if (!file.empty()) sources.push_back({file, read(file)});
     if (!chosen.empty() && sources.back().text.empty())
         problems.add(Msg::authoritiesUnusable, MsgSeverity::error, chosen);
-    sources.push_back({"", HUTEnv::getAuthorities()});
+    sources.push_back({"", certificatesIn(HUTEnv::getAuthorities())});
     const auto isEmpty = [](const Source& source) { return source.text.empty(); };
     sources.erase(std::remove_if(sources.begin(), sources.end(), isEmpty), sources.end());
     return sources;
