@@ -57,3 +57,11 @@ bool HSCPlazStoreLayout::markComplete(const std::string& dir) {
 void HSCPlazStoreLayout::unmark(const std::string& dir) {
     HUTFile::rmRecursive(markerIn(dir));
 }
+
+bool HSCPlazStoreLayout::removeOrPutAside(const std::string& dir) {
+    if (HUTFile::rmRecursive(dir)) return true;
+    const std::string start = dir.substr(0, dir.rfind('/') + 1) + oldFiles;
+    int number = 1;
+    while (HUTFile::exists(start + std::to_string(number))) ++number;
+    return HUTFile::rename(dir, start + std::to_string(number));
+}

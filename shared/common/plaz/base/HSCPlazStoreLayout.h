@@ -85,6 +85,11 @@ public:
     static bool markComplete(const std::string& dir);
     /// Taken away first, half a removal counts as nothing.
     static void unmark(const std::string& dir);
+    /// Removes a folder that the hub keeps; what resists goes beside it, under a name by which it is told of and
+    /// removed later. @return false where neither can be done
+    static bool removeOrPutAside(const std::string& dir);
+    /// What the names of such folders begin with.
+    static constexpr const char* oldFiles = ".old-files-";
 
 private:
     std::string m_area;

@@ -44,28 +44,19 @@ bool removeAllBut(const std::string& dir, const std::vector<std::string>& kept) 
     return areGone && (!HUTFile::createFileIter(dir).empty() || HUTFile::rmRecursive(dir));
 }
 
-constexpr const char* oldFilesName = ".old-files-";
-
-bool removeOrPutAside(const std::string& dir) {
-    if (HUTFile::rmRecursive(dir)) return true;
-    const std::string start = boost::filesystem::path(dir).parent_path().generic_string() + "/" + oldFilesName;
-    int number = 1;
-    while (HUTFile::exists(start + std::to_string(number))) ++number;
-    return HUTFile::rename(dir, start + std::to_string(number));
-}
-
 std::vector<std::string> findOldFiles(const HSCPlazStoreLayout& layout) {
     std::vector<std::string> found;
     if (!layout.findAreaLink().empty()) return found;
     for (const std::string& name : HUTFile::createFileIter(layout.getHiddenDir()))
-        if (boost::algorithm::starts_with(name, oldFilesName)) found.push_back(layout.getHiddenDir() + "/" + name);
+        if (boost::algorithm::starts_with(name, HSCPlazStoreLayout::oldFiles))
+            found.push_back(layout.getHiddenDir() + "/" + name);
     return found;
 }
 
 } // namespace
 
 HSCPlazOldFiles::~HSCPlazOldFiles() {
-    removeOrPutAside(m_incoming);
+    HSCPlazStoreLayout::removeOrPutAside(m_incoming);
 }
 
 std::string HSCPlazItemDirectories::incomingOf(const HSCPlazTask& task, const HSCPlazQStore& store) {
@@ -140,7 +131,7 @@ bool HSCPlazItemDirectories::removeLeftovers(const HSCPlazStoreLayout& layout) {
     bool areGone = true;
     for (const std::string& oldFiles : findOldFiles(layout)) HUTFile::rmRecursive(oldFiles);
     for (const std::string& leftover : {layout.getIncoming(), HUTFile::getAside(layout.getIncoming())})
-        areGone = removeOrPutAside(leftover) && areGone;
+        areGone = HSCPlazStoreLayout::removeOrPutAside(leftover) && areGone;
     areGone = HUTFile::rmRecursive(layout.getStaging()) && areGone;
     for (const std::string& dir : {layout.getArea(), layout.getHiddenDir(), layout.getIndex()})
         areGone = HUTFile::removeTemporaries(dir) && areGone;

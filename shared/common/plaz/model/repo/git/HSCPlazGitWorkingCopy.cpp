@@ -41,7 +41,7 @@ void tidyAfterCrash(const std::string& gitDir) {
 
 void removeIndex(const std::string& index) {
     Layout::unmark(index);
-    HUTFile::rmRecursive(index);
+    Layout::removeOrPutAside(index);
 }
 
 void discardForeignIndex(const std::string& index, const std::string& url) {
