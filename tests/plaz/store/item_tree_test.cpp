@@ -161,7 +161,7 @@ TEST_F(ItemTreeTest, RefusesListings) {
 // Fault: a damaged file that says what an item consists of.
 TEST_F(ItemTreeTest, DoesNotKnowDamagedFiles) {
     const std::string file = temp.path("tree");
-    const auto tree = Tree::parse(line("a") + line("b"), emptyId, "", problem);
+    const auto tree = Tree::parse(line("r/a") + line("r/b"), emptyId, "r", problem);
     ASSERT_TRUE(tree && tree->write(file) && Tree::read(file, emptyId));
     const std::string good = readFile(file);
     const auto expectUnknown = [&](const std::string& content) {
@@ -172,6 +172,8 @@ TEST_F(ItemTreeTest, DoesNotKnowDamagedFiles) {
         expectUnknown(good.substr(0, i) + static_cast<char>(good[i] ^ 1) + good.substr(i + 1));
     }
     for (const std::string& content : {good + line("c"), std::string("{}\n"), line("a")}) expectUnknown(content);
+    for (const std::string root : {"../../r", "/r", ".git"})
+        expectUnknown(Tree::parse(line(root + "/a"), emptyId, root, problem)->toText()); // whose folder would be moved
     EXPECT_FALSE(Tree::read(temp.path("absent"), emptyId));
     EXPECT_FALSE(tree->write(temp.makeDir("directory")));
 }

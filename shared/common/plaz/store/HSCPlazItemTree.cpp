@@ -2,6 +2,7 @@
 
 #include "plaz/base/HSCPlazLimits.h"
 #include "plaz/base/HSCPlazStoreLayout.h"
+#include "plaz/base/HSCPlazTrust.h"
 #include "support/HIOStream.h"
 #include "support/HUTFile.h"
 #include "support/HUTFileTree.h"
@@ -226,8 +227,10 @@ std::optional<HSCPlazItemTree> HSCPlazItemTree::fromText(std::string_view text, 
     if (!digest || *digest != HUTDigest::ofBlob(HUTDigest::Kind::sha1, text)) return std::nullopt;
     if (takeUntil(text, '\n') != commit) return std::nullopt;
     const auto root = takeUntil(text, '\n');
+    // Where others can write, so can a list be that has everything but a root of the item's own.
+    if (!root || !HSCPlazTrust::isSafeRelativePath(std::string(*root))) return std::nullopt;
     std::string ignored;
-    auto tree = root ? parse(text, commit, "", ignored) : std::nullopt;
+    auto tree = parse(text, commit, "", ignored);
     if (tree) tree->m_root = *root;
     return tree;
 }

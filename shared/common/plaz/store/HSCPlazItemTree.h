@@ -43,8 +43,8 @@ public:
     static std::optional<HSCPlazItemTree> parse(std::string_view lsTree, const std::string& commit,
                                                 const std::string& root, std::string& problem);
 
-    /// Reads what write() wrote. @return empty, for "not known", when the file is missing, damaged, foreign or about
-    /// another commit
+    /// Reads what write() wrote. @return empty, for "not known", when the file is missing, damaged, foreign, of a
+    /// folder outside or about another commit
     static std::optional<HSCPlazItemTree> read(const std::string& file, const std::string& commit);
     /// Writes the tree to a file of its own, whole or not at all; makes its directory. The file holds a line that names
     /// its format, the digest of all that follows, the commit, the folder in the repository, and the files as git lists
