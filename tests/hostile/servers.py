@@ -97,15 +97,19 @@ def at(answer):
     return lambda world: visit(world, answer)
 
 
+def trust(world, authority):
+    bundle = world.dir / "tps/win64/git-2.45.0/mingw64/etc/ssl/certs/ca-bundle.crt"
+    bundle.parent.mkdir(parents=True)
+    shutil.copy(authority, bundle)
+
+
 def behind(is_trusted=True, **about):
     """One whose certificate is for another, or not of an authority that counts."""
 
     def lead(world):
         authority, certificate = make_certificates(world.record / "keys", **about)
-        bundle = world.dir / "tps/win64/git-2.45.0/mingw64/etc/ssl/certs/ca-bundle.crt"
-        bundle.parent.mkdir(parents=True)
         if is_trusted:
-            shutil.copy(authority, bundle)
+            trust(world, authority)
         world.strangers.append(visit(world, ask_for_login, certificate))
 
     return lead
@@ -123,6 +127,24 @@ def redirect(place):
             return http("302 Found", f"Location: {target}") if "Authorization" in request else ask_for_login(request)
 
         server.answer = answer
+
+    return lead
+
+
+def redirect_secure(is_checked):
+    """From a server with TLS to a stranger for whom the home directory holds a login: to one without, or unchecked."""
+
+    def lead(world):
+        authority, certificate = make_certificates(world.record / "keys")
+        world.write("person/.netrc", f"machine {HOST} login {USER} password {SECRETS['url']}\n", 0o600)
+        world.strangers.append(Liar(ask_for_login, None if is_checked else certificate))
+        place = f"http{'s' * (not is_checked)}://{world.strangers[0].address}/x{SERVICE}"
+        server = visit(world, lambda request: http("302 Found", f"Location: {place}"), certificate)
+        world.road = "url"  # in which there is none
+        if is_checked:
+            trust(world, authority)
+        else:
+            world.settings |= {"plaz.enableCertificateCheck": "false", "plaz.uncheckedServers": server.address}
 
     return lead
 
@@ -168,6 +190,8 @@ CASES = {
     "to a file": redirect("file://@OUTSIDE/decoy.git"),
     "to ext::": redirect("ext::@TRAP"),
     "to itself": redirect("http://{1}/x"),
+    "out of TLS": redirect_secure(is_checked=True),
+    "to another unchecked": redirect_secure(is_checked=False),
     "objects of another": lead_away("http://{0}/objects"),
     "objects of a file": lead_away("file://@OUTSIDE/decoy.git/objects"),
     "login for ever": at(ask_for_login),

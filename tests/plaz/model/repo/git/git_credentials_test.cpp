@@ -34,9 +34,9 @@ TEST_F(GitCredentials, RecordedCredentialsAreTheStoresOwn) {
     hubModel.setRoot("hub");
     hubModel.setRemoteRepository(hubUrl);
     // The web's repositories lie on the disk.
-    replaceGit("env > " + temp.path("env.") + "$1; case $1 in fetch) exec git fetch " + remote.getDir() +
-               " '+refs/heads/*:refs/remotes/origin/*';; ls-remote) exec git ls-remote " + remote.getDir() +
-               R"(;; esac; exec git "$@")");
+    replaceGit("env > " + temp.path("env.") + "$1; export GIT_ALLOW_PROTOCOL=file; case $1 in fetch) exec git fetch " +
+               remote.getDir() + " '+refs/heads/*:refs/remotes/origin/*';; ls-remote) exec git ls-remote " +
+               remote.getDir() + R"(;; esac; exec git "$@")");
     testing::internal::CaptureStdout();
     EXPECT_TRUE(load(model) && load(hubModel));
     temp.write("area/.plaz/.index/.git/HEAD", remote.git({"rev-parse", "HEAD"}) + "\n");

@@ -122,6 +122,16 @@ void addFileSettings(HUTFork& git, std::size_t& count) {
         addSetting(git, count++, key, HUTFile::getNullDevice());
 }
 
+// RATIONALE: a server may lead to any other, which is not checked then either. There git's web client would send what
+// the home directory (".netrc") holds for that one, or somebody be asked for it. Who is named may be sent that as well.
+void bindLogins(HUTFork& git, std::size_t& count, const std::string& remoteUrl) {
+    const bool isGiven = !HSCPlazGitCredentials::inUrl(remoteUrl).isEmpty() && !HSCPlazGitParams::mayAsk();
+    if (isGiven || !HSCPlazGitCertificates::isNamed(remoteUrl))
+        git.setEnv("HOME", HUTFile::getNullDevice());
+    else
+        addSetting(git, count++, "http." + HSCPlazUrl::parse(remoteUrl).withoutUser() + ".followRedirects", "false");
+}
+
 // RATIONALE: a working copy records http.sslVerify as false while a command runs; what the environment says outranks
 // that. Of two settings that a URL fits git takes the one that fits more of it, wherever it stands.
 void addCertificateSettings(HUTFork& git, std::size_t& count, const std::string& workDir,
@@ -137,8 +147,7 @@ void addCertificateSettings(HUTFork& git, std::size_t& count, const std::string&
         addSetting(git, count++, "http.sslCAInfo", authorities);
         addSetting(git, count++, "http.schannelUseSSLCAInfo", "true"); // for what else asks the system alone
     }
-    // What is there may hold logins (".netrc"), which git's web client sends by itself.
-    if (!areChecked && !HSCPlazGitCertificates::isNamed(remoteUrl)) git.setEnv("HOME", HUTFile::getNullDevice());
+    if (!areChecked) bindLogins(git, count, remoteUrl);
 }
 
 void addServerSettings(HUTFork& git, std::size_t& count, const std::string& workDir, const std::string& remoteUrl) {
@@ -193,8 +202,9 @@ void HSCPlazGitEnv::apply(HUTFork& git, const std::string& command, const std::s
     dropInherited(git);
     forbidPrompts(git);
     addSettings(git, command, workDir, remoteUrl);
-    // What is meant to be local must not fetch what a working copy lacks.
-    git.setEnv("GIT_ALLOW_PROTOCOL", mayTransfer(command) ? "file:git:http:https:ssh" : "none");
+    // What is meant to be local must not fetch what a working copy lacks. No server leads out of TLS.
+    const char* const transports = HSCPlazUrl::parse(remoteUrl).isHttps() ? "https" : "file:git:http:https:ssh";
+    git.setEnv("GIT_ALLOW_PROTOCOL", mayTransfer(command) ? transports : "none");
     if (command == "pull") { // which asks whose a commit would be, though it makes none
         git.setEnv("GIT_COMMITTER_NAME", "plaz");
         git.setEnv("GIT_COMMITTER_EMAIL", "plaz@localhost");
