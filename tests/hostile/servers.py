@@ -1,5 +1,6 @@
 """Servers that mean harm, by the names of cases: what each does to a world whose bad store is there."""
 
+import base64
 import contextlib
 import itertools
 import shutil
@@ -57,6 +58,12 @@ def advertise(*packets):
 
 def ask_for_login(request):
     return http("401 Unauthorized", f'WWW-Authenticate: Basic realm="{CONTROLS[:4]}"')
+
+
+def repeat(request):
+    """Tells what it was sent."""
+    sent = request.partition("Authorization: Basic ")[2].partition("\r\n")[0]
+    return advertise(f"ERR no {sent} {base64.b64decode(sent).decode()}\n") if sent else ask_for_login(request)
 
 
 def show_page(request):
@@ -195,6 +202,7 @@ CASES = {
     "objects of another": lead_away("http://{0}/objects"),
     "objects of a file": lead_away("file://@OUTSIDE/decoy.git/objects"),
     "login for ever": at(ask_for_login),
+    "what it was sent": at(repeat),
     "a page": at(show_page),
     "error in colours": at(lambda request: advertise(f"ERR {CONTROLS}\n")),
     "words in colours": at(talk),

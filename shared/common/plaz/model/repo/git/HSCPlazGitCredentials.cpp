@@ -10,7 +10,10 @@
 #include "support/HCCXPrefMgr.h"
 #include "support/HPAParamMgr.h"
 
+#include <boost/algorithm/string/replace.hpp>
 #include <boost/algorithm/string/trim.hpp>
+#include <boost/archive/iterators/base64_from_binary.hpp>
+#include <boost/archive/iterators/transform_width.hpp>
 
 #include <algorithm>
 #include <cctype>
@@ -61,6 +64,12 @@ std::string decode(const std::string& text) {
         }
     }
     return decoded;
+}
+
+std::string toBase64(const std::string& text) {
+    using Bits = boost::archive::iterators::transform_width<std::string::const_iterator, 6, 8>;
+    using Letters = boost::archive::iterators::base64_from_binary<Bits>;
+    return std::string(Letters(text.begin()), Letters(text.end())) + std::string((3 - text.size() % 3) % 3, '=');
 }
 
 std::string withoutUser(const std::string& url) {
@@ -160,6 +169,15 @@ std::string HSCPlazGitCredentials::putInto(const std::string& text) const {
     url.user = encode(userId, unreserved);
     if (!token.empty()) url.user += ":" + encode(token, unreserved);
     return url.toText();
+}
+
+std::string HSCPlazGitCredentials::mask(const std::string& text) const {
+    constexpr std::size_t shortest = 4; // less is no secret, and would take words apart
+    std::string masked = HSCPlazTrust::maskSecrets(text);
+    if (isEmpty()) return masked;
+    for (const std::string& secret : {token.empty() ? userId : token, toBase64(userId + ":" + token)})
+        if (secret.size() >= shortest) boost::algorithm::replace_all(masked, secret, "***");
+    return masked;
 }
 
 std::string HSCPlazGitUrl::findRefusal(const std::string& url) {

@@ -32,6 +32,8 @@ struct HSCPlazGitCredentials {
     /// @p url with the credentials, percent-encoded, in the place of its own user part. Only "http" and "https" take
     /// them; without credentials, or with another transport, a user part of the URL's own stays.
     std::string putInto(const std::string& url) const;
+    /// @p text, in which a server may tell what it was sent, with secrets masked as everywhere and these as well.
+    std::string mask(const std::string& text) const;
 };
 
 /// Texts of user parts, as git reads them.

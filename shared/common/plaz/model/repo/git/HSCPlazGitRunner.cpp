@@ -47,7 +47,7 @@ struct Run {
 };
 
 /// Adds a log's error lines.
-void setLastError(const std::string& log, std::set<std::string>& errors) {
+void setLastError(const std::string& log, const HSCPlazGitCredentials& secrets, std::set<std::string>& errors) {
     static constexpr const char* self = "`anonymous-namespace'::setLastError";
     HSCPlazDebugLog::inside(self, " log file : ", log);
     if (!HUTFile::exists(log)) {
@@ -60,7 +60,7 @@ void setLastError(const std::string& log, std::set<std::string>& errors) {
         if (HIOStream::readItself(log, output) != HIOStream::Status::ok) return;
         HSCPlazDebugLog::inside(self, " opened log file ", log);
         for (const std::string& line : HSCPlazGitLog::getErrorLines(output)) {
-            const std::string masked = HSCPlazTrust::maskSecrets(line);
+            const std::string masked = secrets.mask(line);
             errors.insert(masked);
             HSCPlazDebugLog::inside(self, " found error : ", masked);
         }
@@ -227,7 +227,7 @@ Run runHere(const std::vector<std::string>& args, const std::string& workDir, co
     if (run.status == 0) return run;
     trace("failed to execute: ", run.commandLine);
     std::set<std::string> errors;
-    setLastError(log.getFile(), errors);
+    setLastError(log.getFile(), HSCPlazGitCredentials::inUrl(run.remoteUrl), errors);
     for (const std::string& line : errors) run.errors += line + "\n";
     run.limit = HSCPlazGitLimits::explain(git, command, run.remoteUrl, dir);
     return run;
@@ -326,7 +326,7 @@ HSCPlazGitAnswer HSCPlazGitRunner::ask(const std::vector<std::string>& args, con
     const DirectRun done = runOnce(process, words, workDir, log, HSCPlazGitParams::getTimeOut());
     HSCPlazGitAnswer answer{done.status, {}};
     answer.isHeard = HIOStream::read(outFile.getName(), answer.text) == HIOStream::Status::ok;
-    answer.text = HSCPlazTrust::maskSecrets(answer.text);
+    answer.text = HSCPlazGitCredentials::inUrl(done.remoteUrl).mask(answer.text);
     if (answer.status != 0) answer.details = HSCPlazGitCertificates::explain(done.remoteUrl, answer.text, workDir);
     return answer;
 }

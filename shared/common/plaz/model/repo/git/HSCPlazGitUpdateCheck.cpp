@@ -4,6 +4,7 @@
 #include "plaz/base/HSCPlazStoreLayout.h"
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/repo/git/HSCPlazGitCertificates.h"
+#include "plaz/model/repo/git/HSCPlazGitCredentials.h"
 #include "plaz/model/repo/git/HSCPlazGitHead.h"
 #include "plaz/model/repo/git/HSCPlazGitOutput.h"
 #include "plaz/model/repo/git/HSCPlazGitOwnership.h"
@@ -76,11 +77,11 @@ HSCPlazUpdateCheck askAndCompare(const std::string& cloneDir, const std::string&
     const std::string argument = url.find(' ') == std::string::npos ? url : '"' + url + '"';
     const std::uint32_t status = run(" ls-remote " + argument, cloneDir, headsFile.getName());
     const std::string log = logFile.read();
-    const std::string heads = headsFile.read();
+    const std::string heads = HSCPlazGitCredentials::inUrl(url).mask(headsFile.read());
     HSCPlazUpdateCheck check{HSCPlazGitUpdateCheck::isMoved(log, heads, branch), {}};
     trace(url, " ", branch, check.moved.value_or(false) ? " has updates!" : " has no updates!");
     if (status != 0)
-        check.reason = HSCPlazGitAnswer{static_cast<int>(status), HSCPlazTrust::maskSecrets(heads)}.getReason();
+        check.reason = HSCPlazGitAnswer{static_cast<int>(status), heads}.getReason();
     else if (log.empty())
         check.reason = "the working copy \"" + cloneDir + "\" holds no commit";
     else if (!check.moved)
