@@ -66,3 +66,13 @@ TEST_F(HoldsTest, LargeCircleEnds) {
     const Counts counts = items.count();
     EXPECT_GT(*std::min_element(counts.begin() + 1, counts.end()), 0);
 }
+
+// A crash where the way round a circle is longer than the stack.
+TEST_F(HoldsTest, LongCircleEnds) {
+    constexpr std::size_t length = 200000;
+    InstalledItems items(length);
+    items.use(0);
+    for (std::size_t item = 0; item < length; ++item) items.need(item, (item + 1) % length);
+    const Counts counts = items.count();
+    EXPECT_EQ(static_cast<std::size_t>(std::count(counts.begin(), counts.end(), 1)), length - 1);
+}

@@ -132,15 +132,24 @@ private:
         for (const Node node : part) m_nodes[node].ways = std::max(m_nodes[node].ways, 1);
     }
 
-    void follow(Node node, Ways ways, std::unordered_map<Node, Ways>& inside, std::size_t& steps) {
-        for (const Node next : m_nodes[node].next) {
-            if (m_part[next] != m_part[node] || m_nodes[next].isOnWay || steps == mostSteps) continue;
+    // RATIONALE: a way may be as long as there are items, too long for the stack of a thread. What is looked at and not
+    // followed is a step as well: items may name thousands that are all on the way.
+    void follow(Node start, Ways ways, std::unordered_map<Node, Ways>& inside, std::size_t& steps) {
+        std::vector<std::pair<Node, std::size_t>> way{{start, 0}}; // with how many were seen of what a node leads to
+        while (!way.empty()) {
+            auto& [node, seen] = way.back();
+            if (seen == m_nodes[node].next.size() || steps == mostSteps) {
+                if (way.size() > 1) m_nodes[node].isOnWay = false;
+                way.pop_back();
+                continue;
+            }
+            const Node next = m_nodes[node].next[seen++];
             ++steps;
+            if (m_part[next] != m_part[node] || m_nodes[next].isOnWay) continue;
             Ways& known = inside[next];
             known = add(known, ways);
             m_nodes[next].isOnWay = true;
-            follow(next, ways, inside, steps);
-            m_nodes[next].isOnWay = false;
+            way.emplace_back(next, 0);
         }
     }
 
