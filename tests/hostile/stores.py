@@ -159,5 +159,13 @@ CASES = {
     "link inside": ("", {"files items/stone/out": Link("@OUTSIDE"), "files up": Link("..")}),
     "link and folder": ("", {"files x": [("a", Link("../../outside")), ("a", nest({"item.json": "{}"}))]}),
     "explosion": ("stone|bad", {"world": explode}),
+    "needed often": (
+        "",
+        {
+            "items": [offer("inner")],
+            "files items/inner/item.json": json.dumps(describe("inner")),
+            "infra dependencies": need(*["inner"] * 4000),
+        },
+    ),
     "ring": ("", {"items": [offer(name) for name in RING], "infra dependencies": need(*RING, "stone"), **FILES}),
 }

@@ -1,6 +1,7 @@
 #include "plaz/store/HSCPlazHolds.h"
 
 #include "plaz/context_fixture.h"
+#include "plaz/store/HSCPlazDependencies.h"
 
 #include <algorithm>
 #include <limits>
@@ -35,6 +36,10 @@ public:
         Counts counts;
         for (const auto& [item, ways] : HSCPlazHolds::count(m_hub)) counts.push_back(ways);
         return counts;
+    }
+    bool areComplete() const {
+        const HSCPlazQItem& first = *m_hub.getStores().front()->getItems().front();
+        return HSCPlazDependencies::areComplete(m_hub, first, [](const HSCPlazFoundItem&) { return true; });
     }
 
 private:
@@ -75,4 +80,5 @@ TEST_F(HoldsTest, LongCircleEnds) {
     for (std::size_t item = 0; item < length; ++item) items.need(item, (item + 1) % length);
     const Counts counts = items.count();
     EXPECT_EQ(static_cast<std::size_t>(std::count(counts.begin(), counts.end(), 1)), length - 1);
+    EXPECT_TRUE(items.areComplete());
 }

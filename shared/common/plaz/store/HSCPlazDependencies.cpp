@@ -24,16 +24,6 @@ bool isNewer(const HSCPlazQItem& item, const HSCPlazQItem& than) {
     return HUTText::compareNumbers(item.getRevision(), than.getRevision()) > 0;
 }
 
-bool areComplete(const HSCPlaz& hub, const HSCPlazQItem& item, const std::function<bool(const HSCPlazFoundItem&)>& fits,
-                 std::set<const HSCPlazQItem*>& seen) {
-    const auto& dependencies = item.getItemDependencies();
-    return std::all_of(dependencies.begin(), dependencies.end(), [&](const HSCPlazQItemDependency* dependency) {
-        const HSCPlazFoundItem found = HSCPlazDependencies::findInstalled(hub, *dependency);
-        if (!found) return false;
-        return !seen.insert(found.item).second || (fits(found) && areComplete(hub, *found.item, fits, seen));
-    });
-}
-
 } // namespace
 
 HSCPlazFoundItem::operator bool() const {
@@ -115,5 +105,17 @@ std::vector<HSCPlazQItem*> HSCPlazDependencies::findHolders(const HSCPlaz& hub, 
 bool HSCPlazDependencies::areComplete(const HSCPlaz& hub, const HSCPlazQItem& item,
                                       const std::function<bool(const HSCPlazFoundItem&)>& fits) {
     std::set<const HSCPlazQItem*> seen;
-    return ::areComplete(hub, item, fits, seen);
+    std::vector<const HSCPlazQItem*> open{&item}; // a chain may be longer than the stack
+    while (!open.empty()) {
+        const HSCPlazQItem* next = open.back();
+        open.pop_back();
+        for (const HSCPlazQItemDependency* dependency : next->getItemDependencies()) {
+            const HSCPlazFoundItem found = findInstalled(hub, *dependency);
+            if (!found) return false;
+            if (!seen.insert(found.item).second) continue;
+            if (!fits(found)) return false;
+            open.push_back(found.item);
+        }
+    }
+    return true;
 }

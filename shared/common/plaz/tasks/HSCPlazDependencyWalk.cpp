@@ -77,6 +77,8 @@ bool HSCPlazDependencyWalk::install(const HSCPlazQItemDependency& dependency) {
         return m_task.fail(Msg::dependencyUnknown, dependency.getItem(), dependency.getStore());
     }
     inside(installName, " found qitem ptr");
+    // One that is a single file never counts as there, and may be named thousands of times.
+    if (m_seen.count(found.item) != 0 && found.item->IsInstalled()) return true;
     if (HSCPlazInstalledFiles::areThere(*found.item)) {
         inside(installName, dependency.getItem(), "is already installed");
         if (!complete(found)) return false;
