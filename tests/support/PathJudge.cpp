@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <iterator>
 #include <set>
+#include <sstream>
 #include <vector>
 
 namespace {
@@ -93,6 +94,13 @@ std::string findOnLinux(const Text& path) {
     return top == U".plaz" || top == U".staging" || top == U".done" ? "is the hub's" : "";
 }
 
+std::vector<std::string> takeApart(const std::string& list) {
+    std::vector<std::string> names;
+    std::istringstream stream(list);
+    for (std::string name; std::getline(stream, name, '|');) names.push_back(name);
+    return names;
+}
+
 } // namespace
 
 std::string PathJudge::findEscape(const std::string& path) {
@@ -103,63 +111,14 @@ std::string PathJudge::findEscape(const std::string& path) {
 
 std::string PathJudge::makeNasty(std::minstd_rand& random) {
     using namespace std::string_literals;
-    static const std::string plain[] = {"boards", "aurora", "2.0", "a", "x.git", "Gr\u00FC\u00DFe", "~1a", "..c"};
-    static const std::string nasty[] = {"..",
-                                        ".",
-                                        "",
-                                        "...",
-                                        "x.",
-                                        "x ",
-                                        ". .",
-                                        "aux",
-                                        "NUL.txt",
-                                        "com1 .x",
-                                        "COM\u00B2",
-                                        "lpt0",
-                                        "conin$",
-                                        "ConOut$.a.b",
-                                        " con",
-                                        "PLAZ~1",
-                                        "plaz~12.ext",
-                                        "\u00C4\u00D6\u00DC\u00DF\u00E9\u00EA~1",
-                                        "GI7EBA~1",
-                                        "a~1.long",
-                                        "a:b",
-                                        "a::$DATA",
-                                        ".git::$INDEX_ALLOCATION",
-                                        "\\",
-                                        "..\\..",
-                                        "C:",
-                                        "//server/share",
-                                        "\\\\?\\C:",
-                                        ".git",
-                                        ".GIT",
-                                        ".git ",
-                                        ".g\u0131t",
-                                        ".\u017Ftaging",
-                                        ".g\u200Cit",
-                                        "git~1",
-                                        ".plaz",
-                                        ".Plaz",
-                                        ".staging",
-                                        ".STAGING.",
-                                        ".done",
-                                        "\x01",
-                                        "a\nb",
-                                        "\x7F",
-                                        "a\0b"s,
-                                        "\xC3",
-                                        "\xED\xA0\x80",
-                                        "\xF0\x9F\x92\xA1",
-                                        "\xC0\xAF",
-                                        "e\u0301",
-                                        "\uFF0E\uFF0E",
-                                        "\u2215",
-                                        "-x",
-                                        "~",
-                                        "*?",
-                                        std::string(300, 'y'),
-                                        std::string(90, '.')};
+    static const auto plain = takeApart("boards|aurora|2.0|a|x.git|Gr\u00FC\u00DFe|~1a|..c");
+    static const auto nasty = takeApart(
+        "..|.||...|x.|x |. .|aux|NUL.txt|com1 .x|COM\u00B2|lpt0|conin$|ConOut$.a.b| con|PLAZ~1|plaz~12.ext|"
+        "\u00C4\u00D6\u00DC\u00DF\u00E9\u00EA~1|GI7EBA~1|a~1.long|a:b|a::$DATA|.git::$INDEX_ALLOCATION|\\|..\\..|C:|"
+        "//server/share|\\\\?\\C:|.git|.GIT|.git |.g\u0131t|.\u017Ftaging|.g\u200Cit|git~1|.plaz|.Plaz|.staging|"
+        ".STAGING.|.done|\x01|a\nb|\x7F|a\0b|\xC3|\xED\xA0\x80|\xF0\x9F\x92\xA1|\xC0\xAF|e\u0301|\uFF0E\uFF0E|\u2215|"
+        "-x|~|*?|"s +
+        std::string(300, 'y') + "|" + std::string(90, '.'));
     const auto pick = [&](const auto& texts) { return texts[random() / 7 % std::size(texts)]; };
     std::string path;
     for (auto left = random() / 7 % 4;; --left) {
