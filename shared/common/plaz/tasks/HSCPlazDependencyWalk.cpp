@@ -78,10 +78,10 @@ bool HSCPlazDependencyWalk::install(const HSCPlazQItemDependency& dependency) {
     }
     inside(installName, " found qitem ptr");
     // One that is a single file never counts as there, and may be named thousands of times.
-    if (m_seen.count(found.item) != 0 && found.item->IsInstalled()) return true;
-    if (HSCPlazInstalledFiles::areThere(*found.item)) {
+    const bool isSeen = m_seen.count(found.item) != 0 && found.item->IsInstalled();
+    if (isSeen || HSCPlazInstalledFiles::areThere(*found.item)) {
         inside(installName, dependency.getItem(), "is already installed");
-        if (!complete(found)) return false;
+        if (!isSeen && !complete(found)) return false;
     } else {
         m_task.show("Installing " + Files::shownName(*found.item));
         if (!m_changes.install(found, HSCPlazInstallationMode::tool, false)) {

@@ -4,7 +4,6 @@
 #include "plaz/base/HSCPlazStoreLayout.h"
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/repo/git/HSCPlazGitCertificates.h"
-#include "plaz/model/repo/git/HSCPlazGitCredentials.h"
 #include "plaz/model/repo/git/HSCPlazGitHead.h"
 #include "plaz/model/repo/git/HSCPlazGitOutput.h"
 #include "plaz/model/repo/git/HSCPlazGitOwnership.h"
@@ -41,11 +40,12 @@ std::uint32_t run(const std::string& arguments, const std::string& dir, const st
 }
 
 /// Whether the first head that the branch names differs from the local one; nothing when no line names the branch.
-std::optional<bool> compare(const std::string& localLine, const std::string& heads, const std::string& branch) {
+std::optional<bool> compare(const std::string& localLine, const std::string& heads, const std::string& branch,
+                            const HSCPlazGitCredentials& secrets) {
     const std::string target = "refs/heads/" + branch;
     std::istringstream lines(heads);
     for (std::string line; std::getline(lines, line);) {
-        trace("ls-remote = ", line);
+        trace("ls-remote = ", secrets.mask(line));
         if (line.find(target) != std::string::npos)
             return localLine.substr(0, comparedLength) != line.substr(0, comparedLength);
     }
@@ -55,15 +55,15 @@ std::optional<bool> compare(const std::string& localLine, const std::string& hea
 } // namespace
 
 std::optional<bool> HSCPlazGitUpdateCheck::isMoved(const std::string& log, const std::string& heads,
-                                                   const std::string& branch) {
+                                                   const std::string& branch, const HSCPlazGitCredentials& secrets) {
     const std::string localLine = log.substr(0, log.find('\n'));
     trace("log = ", localLine);
     if (localLine.empty()) return std::nullopt;
-    std::optional<bool> moved = compare(localLine, heads, branch);
+    std::optional<bool> moved = compare(localLine, heads, branch, secrets);
     if (!moved && branch == mainBranch)
         trace("Already checked for ", mainBranch, ", so breaking the loop");
     else if (!moved)
-        moved = compare(localLine, heads, mainBranch);
+        moved = compare(localLine, heads, mainBranch, secrets);
     return moved;
 }
 
@@ -77,11 +77,12 @@ HSCPlazUpdateCheck askAndCompare(const std::string& cloneDir, const std::string&
     const std::string argument = url.find(' ') == std::string::npos ? url : '"' + url + '"';
     const std::uint32_t status = run(" ls-remote " + argument, cloneDir, headsFile.getName());
     const std::string log = logFile.read();
-    const std::string heads = HSCPlazGitCredentials::inUrl(url).mask(headsFile.read());
-    HSCPlazUpdateCheck check{HSCPlazGitUpdateCheck::isMoved(log, heads, branch), {}};
+    const std::string heads = headsFile.read();
+    const HSCPlazGitCredentials secrets = HSCPlazGitCredentials::inUrl(url);
+    HSCPlazUpdateCheck check{HSCPlazGitUpdateCheck::isMoved(log, heads, branch, secrets), {}};
     trace(url, " ", branch, check.moved.value_or(false) ? " has updates!" : " has no updates!");
     if (status != 0)
-        check.reason = HSCPlazGitAnswer{static_cast<int>(status), heads}.getReason();
+        check.reason = HSCPlazGitAnswer{static_cast<int>(status), secrets.mask(heads)}.getReason();
     else if (log.empty())
         check.reason = "the working copy \"" + cloneDir + "\" holds no commit";
     else if (!check.moved)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "plaz/base/HSCPlazUpdateCheck.h"
+#include "plaz/model/repo/git/HSCPlazGitCredentials.h"
 
 #include <optional>
 #include <string>
@@ -19,7 +20,9 @@ HSCPlazUpdateCheck look(const std::string& cloneDir, const std::string& access, 
 /// The comparison alone: whether the first head that names the branch differs from the last commit.
 /// @param log    what "git log --oneline" printed
 /// @param heads  what "git ls-remote" printed
+/// @param secrets  not shown where the server tells them back
 /// @return nothing where neither the branch nor the one in its stead is there, or the log is empty
-std::optional<bool> isMoved(const std::string& log, const std::string& heads, const std::string& branch);
+std::optional<bool> isMoved(const std::string& log, const std::string& heads, const std::string& branch,
+                            const HSCPlazGitCredentials& secrets = {});
 
 } // namespace HSCPlazGitUpdateCheck
