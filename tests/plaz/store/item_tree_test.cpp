@@ -41,6 +41,8 @@ protected:
         };
         for (const auto& [file, content] : {std::pair<std::string, std::string>{"item.json", "{}\n"},
                                             {"empty", ""},
+                                            {"block", std::string(55, 'x')},
+                                            {"part", std::string(65536, 'x')},
                                             {"lines.txt", "a\r\nb\n"},
                                             {"bin/run 'x'", "#!/bin/sh\n"},
                                             {"bin/Größe & Maß", "groß"},
@@ -75,7 +77,7 @@ TEST_F(ItemTreeTest, FindsWhatGitHasCheckedOut) {
         SCOPED_TRACE(format);
         makeItem(format);
         const Tree tree = readTree();
-        EXPECT_EQ(tree.getEntries().size(), 7u);
+        EXPECT_EQ(tree.getEntries().size(), 9u);
         EXPECT_EQ(summarize(tree.compare(installed)), "");
 
         const std::string file = temp.path(std::string(format) + "/trees/aurora");
@@ -86,8 +88,8 @@ TEST_F(ItemTreeTest, FindsWhatGitHasCheckedOut) {
         EXPECT_EQ(summarize(known->findLost(installed)), "");
         EXPECT_FALSE(Tree::read(file, commit.substr(0, 8))) << "another commit";
         EXPECT_EQ(summarize(known->findLost(temp.path("absent"))),
-                  "missing big\nmissing bin/Größe & Maß\nmissing bin/run 'x'\nmissing empty\nmissing item.json\n"
-                  "missing lines.txt\nmissing link\n");
+                  "missing big\nmissing bin/Größe & Maß\nmissing bin/run 'x'\nmissing block\nmissing empty\n"
+                  "missing item.json\nmissing lines.txt\nmissing link\nmissing part\n");
     }
 }
 
