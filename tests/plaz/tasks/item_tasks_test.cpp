@@ -93,16 +93,6 @@ TEST_F(ItemTasksTest, FailuresOfDependencies) {
     EXPECT_TRUE(HSCPlazTaskMgr::verifyItem(hub(), find("deep"), nullptr).isDone());
 }
 
-// A revision that was replaced comes back in the place of the new one, since that names it; one that is held all the
-// same told as not there.
-TEST_F(ItemTasksTest, ReplacedRevisionIsNotOnOffer) {
-    StoreOnDisk& store = ship("a b");
-    ASSERT_TRUE(install("a"));
-    store.item("a", "2", {{"tcl", "a", "1"}}).item("b", "1", {{"tcl", "a", "1"}});
-    reload();
-    walk({{"^a", " 17-1570 17-1573", "a@2 user 0;"}, {"+b", " 17-1570 17-1573", "a@2 user 1;b@1 user 0;"}});
-}
-
 // An older revision taken for what its own name means in the catalog, or the newest for one that it does not need.
 TEST_F(ItemTasksTest, OlderRevisionNeedsTheNewest) {
     files.addStore("tcl", "ced", true).item("a", "1", {{"tcl", "a", ""}}).item("a", "2");
@@ -215,22 +205,6 @@ TEST_F(ItemTasksTest, UpdateFollowsTheNewDescription) {
     walk({{"^mid", " 17-1570 17-1554 17-1553 17-1553 17-2188", after},
           {"^mid", "", after},
           {"-top", " 17-1553 17-1553 17-1574", "kept@1 tool 1;other@1 user 0;"}});
-}
-
-// What a killed or failed task has left missing must come with the next one, and counts must be right afterwards.
-TEST_F(ItemTasksTest, InstallingAgainBringsWhatIsMissing) {
-    ship("leaf mid<leaf top<mid,leaf");
-    const std::string commit = find("leaf").getCommitId(), whole = "leaf@1 tool 2;mid@1 tool 1;top@1 user 0;";
-    find("leaf").getModel()->setCommitId("");
-    walk({{"+top", "! 17-1570 17-1573 17-1554 17-1579 17-1560 17-1579 17-1560 17-1567", "mid@1 tool 1;top@1 user 0;"}});
-    find("leaf").getModel()->setCommitId(commit);
-    walk({{"+top", " 17-1572 17-1554", whole.c_str()}});
-    for (const char* item : {"leaf", "top"}) lose(item);
-    walk({{"+top", " 17-1570 17-1573 17-1554", whole.c_str()}});
-    HUTFile::rmRecursive(files.area("ced_store/items/leaf")); // fetched for the user, who then does without it
-    walk({{"+leaf", " 17-1570 17-1573", "leaf@1 user 2;mid@1 tool 1;top@1 user 0;"},
-          {"-leaf", "", whole.c_str()},
-          {"-top", " 17-1553 17-1553 17-1574", ""}});
 }
 
 // A task that reports success although nobody will know of it, or that leaves rubbish of a killed one.
