@@ -61,12 +61,3 @@ TEST_F(UtilsTest, ChosenDirectoriesAreCheckedAndCreated) {
     const bool isCaseIgnored = HUTFile::exists(temp.path("FILE"));
     EXPECT_NE(HSCPlazUtils::setQStoreLocalDir(own, temp.path("absent")), isCaseIgnored);
 }
-
-// Descriptions, hidden marks and defaults are what people's scripts rely on, two oddities included.
-TEST_F(UtilsTest, RegistersTheParametersOfTheHub) {
-    HPAParamMgr& params = HPAParamMgr::getParamMgr();
-    EXPECT_EQ(params.findParam("plaz.enableRemoteAccess")->getDescription(), "Enable Git Access");
-    EXPECT_TRUE(params.findParam("plaz.git_user.board_store")->isHidden());
-    EXPECT_FALSE(params.findParam("plaz.git_token.board_store")->isHidden());
-    EXPECT_EQ(params.list(true).size() * 100 + params.list(false).size(), 3617U);
-}
