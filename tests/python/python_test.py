@@ -179,7 +179,6 @@ class PythonTest(HubTest):
         whole = f"hikari {hikari.revision} whole ()"
         self.check("object", told([hikari.verify()]), [damaged])
         self.check("store", told(plaz.verify(store="boards"))[-1:], [damaged])
-        self.check("others", told(plaz.verify("string-kit")), ["string-kit 1.0 whole ()"])
         for repair, kept, outcome in (
             (lambda: plaz.repair(hikari), 1, "repaired"),
             (lambda: plaz.repair("hikari"), 1, "whole"),
