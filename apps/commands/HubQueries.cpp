@@ -26,14 +26,6 @@ std::string joinReferences(const std::vector<HSCPlazQItem*>& items) {
     return text;
 }
 
-/// The entries of one item of a store, in catalog order.
-std::vector<HSCPlazQItem*> entriesOf(const HSCPlazQStore& store, const std::string& name) {
-    std::vector<HSCPlazQItem*> entries;
-    for (HSCPlazQItem* item : store.getItems())
-        if (item->getName() == name) entries.push_back(item);
-    return entries;
-}
-
 /// How well an entry stands for all of its item: the latest revision best, an installed one better than others.
 int rankOf(const HSCPlazQItem& item) {
     if (item.getModel() && item.getModel()->getRevision() == item.getModel()->getLatestRevision()) return 2;
@@ -62,7 +54,7 @@ HSCPlazQItem* pickOutdated(const std::vector<HSCPlazQItem*>& entries) {
 
 HSCPlazQItem* findEntry(const HSCPlazQStore& store, const ItemReference& reference) {
     if (!reference.revision.empty()) return store.getItem(reference.name, reference.revision);
-    return pickEntry(entriesOf(store, reference.name));
+    return pickEntry(store.getItems(reference.name));
 }
 
 const std::string& scopeOf(const ItemReference& reference, const std::string& store) {
@@ -269,7 +261,7 @@ std::vector<std::string> HubQueries::findUnread() const {
 
 ItemInfo HubQueries::describe(HSCPlazQItem& item) const {
     const std::vector<HSCPlazQItem*> entries =
-        item.getStore() ? entriesOf(*item.getStore(), item.getName()) : std::vector<HSCPlazQItem*>{&item};
+        item.getStore() ? item.getStore()->getItems(item.getName()) : std::vector<HSCPlazQItem*>{&item};
     ItemInfo info{listed(item, entries),
                   item.getUrl(),
                   item.getLogo(),
@@ -286,7 +278,7 @@ std::vector<HSCPlazQItem*> HubQueries::findInstalled(const ItemReference& refere
     const auto find = [&] {
         std::vector<HSCPlazQItem*> installed;
         for (const HSCPlazQStore* one : getScope(scopeOf(reference, store)))
-            for (HSCPlazQItem* item : entriesOf(*one, reference.name)) {
+            for (HSCPlazQItem* item : one->getItems(reference.name)) {
                 if (!reference.revision.empty() && item->getRevision() != reference.revision) continue;
                 isKnown = true;
                 if (item->IsInstalled()) installed.push_back(item);
