@@ -46,12 +46,30 @@ std::size_t textBytesOf(const HSCPlazQItemModel& item) {
     return bytes;
 }
 
-StartUp startOurs(bool validate) {
+void setValidation(bool validate) {
     HPAParamMgr::getParamMgr().setValue("plaz.enableSchemaValidation", validate ? "true" : "false");
+}
+
+/// What a command needs that is about the first store.
+StartUp startFirst(bool validate) {
+    setValidation(validate);
+    StartUp result;
+    result.seconds = secondsOf([] {
+        if (HSCPlazMgr::getInstance().getHub().getStores().front()->getItems().empty())
+            throw std::runtime_error("the store holds no items");
+    });
+    return result;
+}
+
+StartUp startOurs(bool validate) {
+    setValidation(validate);
     const std::size_t before = mallinfo2().uordblks;
     HSCPlaz* hub = nullptr;
     StartUp result;
-    result.seconds = secondsOf([&] { hub = &HSCPlazMgr::getInstance().getHub(); });
+    result.seconds = secondsOf([&] {
+        hub = &HSCPlazMgr::getInstance().getHub();
+        for (const HSCPlazQStore* store : hub->getStores()) store->getItems();
+    });
     std::size_t bytes = mallinfo2().uordblks - before;
     std::size_t items = 0;
     for (const HSCPlazQStore* store : hub->getStores())
@@ -108,9 +126,28 @@ void startUp(benchmark::State& state, std::size_t items, bool validate) {
     state.counters["max_bytes_per_item"] = largest;
 }
 
+/// A store costs nothing that a command about another one is asked.
+void startUpBesideLarge(benchmark::State& state) {
+    Workspace& workspace = Workspace::get();
+    const std::string floorData = workspace.dataRootOf(100), data = workspace.path("data-beside");
+    BenchData::writeDataRoot(data, {{"store", 100}, {"large", 10000}});
+    const auto ours = [&](int) {
+        workspace.useDataRoot(data);
+        return inFreshProcess("first", data, true).seconds;
+    };
+    const auto floor = [&](int) {
+        workspace.useDataRoot(floorData);
+        return inFreshProcess("floor", floorData, true).seconds;
+    };
+    compare(state, 41, {1.25}, 100, ours, floor);
+}
+
 } // namespace
 
 void addStartUp() {
+    benchmark::RegisterBenchmark("start-up, 100 items beside 10000, validated", startUpBesideLarge)
+        ->Iterations(1)
+        ->UseManualTime();
     for (const std::size_t items : storeSizes)
         for (const bool validate : {false, true}) {
             const std::string name = "start-up, " + std::to_string(items) + " items" + (validate ? ", validated" : "");
@@ -120,7 +157,10 @@ void addStartUp() {
 
 int startUpOnce(const char* kind, const char* data, const char* validate) {
     const bool validates = std::strcmp(validate, validated) == 0;
-    const StartUp result = std::strcmp(kind, "ours") == 0 ? startOurs(validates) : startFloor(data, validates);
+    const std::string side = kind;
+    const StartUp result = side == "ours"    ? startOurs(validates)
+                           : side == "first" ? startFirst(validates)
+                                             : startFloor(data, validates);
     std::printf("%.9f %.1f\n", result.seconds, result.bytesPerItem);
     return 0;
 }
