@@ -85,7 +85,7 @@ Finding doctor::checkDatabase(const HSCPlazQStore& store) {
             subject, damage,
             "Bring back an older copy of the file, or install what is missing again: what can be read of it counts, "
             "and the next change writes it anew.");
-    const auto& items = store.getModel()->getItems();
+    const auto& items = store.getModel()->getKnownItems();
     const auto installed =
         std::count_if(items.begin(), items.end(), [](const auto& item) { return item->isInstalled(); });
     return ok(subject, file + ": " + std::to_string(installed) + " installed");

@@ -157,6 +157,42 @@ class ShellTest(HubTest):
                 kept = names()
         self.check("of another user", names(), kept)
 
+    def test_reads_a_large_catalog_only_where_it_is_needed(self):
+        """Catches: other answers, databases or messages where catalogs are too large for each start; one that is read
+        for other stores, or that never is."""
+        names = {"tclscripts": "tcl-store/scripts_catalog.json", "boards": "boards-store/boards_catalog.json"}
+        catalogs = {store: self.data / "plaz/storesdata" / name for store, name in names.items()}
+        life = """install aurora@1.1|items --store boards|install tclscripts::計測|info boards::hikari|install aurora
+            |items --installed --all-revisions|info tclscripts::csv-kit|uninstall aurora@1.1|update --all|verify|stores
+            |uninstall tclscripts::計測|install legacy-carrier|refresh boards|uninstall aurora|items --store tclscripts
+            |refresh tclscripts|install tclscripts::resistances|uninstall legacy-carrier|items"""
+
+        def settle(blanks):
+            self.setUp()
+            for catalog in catalogs.values():
+                catalog.write_text(catalog.read_text("utf-8") + " " * blanks, "utf-8")
+
+        def live(blanks):
+            settle(blanks)
+            for command in life.split("|"):
+                result = run(PLAZ, *command.split(), env=self.env)
+                databases = [file.read_text("utf-8") for file in sorted(self.home.glob("**/plaz_local_db.json"))]
+                yield command, result.returncode, result.stdout, result.stderr, databases
+
+        for large, ordinary in zip(live(1 << 20), [*live(0)]):
+            self.check(large[0], large, ordinary)
+        for store, other in (("tclscripts", "boards"), ("boards", "tclscripts")):
+            for installed in ("legacy-carrier", "aurora"):
+                settle(1 << 20)
+                self.run_plaz(f"install {installed}")
+                seen = catalogs[store].stat()
+                with catalogs[store].open("r+") as catalog:
+                    catalog.write("nonsense")  # in a file that nobody can tell from the old one without reading it
+                os.utime(catalogs[store], ns=(seen.st_atime_ns, seen.st_mtime_ns))
+                for command in ("items --store", "install clocking --store", "verify --store", "refresh"):
+                    self.check_shown(self.run_plaz(f"{command} {other}").stderr, never=["12-102"])
+                self.expect(f"items --store {store}", "messages: id", "12-102")
+
     def test_updates_and_keeps_modes(self):
         """Catches: an update that turns a dependency into the user's, drops the older revision, or never ends."""
         for command in ("install aurora@1.1", "install hikari"):

@@ -33,9 +33,9 @@ public:
     HSCPlazConfigMgr* getConfigMgr() const;
     HSCPlazLocalDBMgr* getLocalDBMgr() const;
 
-    /// The hub. The first call reads configuration, hub metadata, every store's metadata and catalog and the local
-    /// databases; a start-up that fails leaves an empty hub and is not tried again. Sends Msg::hubMetadataMissing or
-    /// Msg::dataAccessOff, and what the readers report.
+    /// The hub. The first call reads configuration, hub metadata, every store's metadata and catalog, unless that is
+    /// large (see HSCPlazQStore), and the local databases; a start-up that fails leaves an empty hub and is not tried
+    /// again. Sends Msg::hubMetadataMissing or Msg::dataAccessOff, and what the readers report.
     HSCPlaz& getHub();
     /// All that the hub consists of, for tasks. Starts the hub as getHub() does.
     HSCPlazWorkspace& getWorkspace();

@@ -26,6 +26,33 @@ TEST(StoreTest, FindsItemsByNameAndRevision) {
     EXPECT_NE(store.getItem("z"), nullptr);
 }
 
+// Objects that others hold exchanged when the rest of a catalog comes, in another order than the catalog's or read for
+// what is known; of two entries that are the same one lost.
+TEST(StoreTest, ItemsStayWhenTheRestOfTheCatalogComes) {
+    HSCPlazQStoreModel model;
+    for (const char* name : {"gone", "x", "x"}) addItem(model, name, "1.0", "1.0").setIsInstalled(true);
+    model.setKnownPart({{"x", "gone"}, 2});
+    model.getKnownItems().front()->setIsListed(false);
+    model.putOff({"", "", [&] {
+                      auto known = model.takeItems();
+                      for (const char* name : {"a", "x", "x"})
+                          addItem(model, name, "1.0", "2.0").setMetadataFile("new");
+                      model.putBack(std::move(known));
+                  }});
+    HSCPlazQStore store;
+    store.assignModel(&model);
+    const std::vector<HSCPlazQItem*> installed = store.getInstalledItems();
+    EXPECT_EQ(store.getItem("x", "1.0"), installed[1]);
+    EXPECT_EQ(store.getInstalledItems("a").size() + store.countItems(), 3U);
+    EXPECT_TRUE(model.isPutOff());
+    const auto& items = store.getItems();
+    ASSERT_EQ(items.size(), 4U);
+    EXPECT_EQ(items[0], store.getItem("a", "1.0"));
+    EXPECT_EQ(std::vector(items.begin() + 1, items.end()), std::vector({installed[1], installed[2], installed[0]}));
+    EXPECT_EQ(installed[1]->getMetadataFile() + installed[1]->getLatestRevision(), "new2.0");
+    EXPECT_EQ(store.countItems(), 3U);
+}
+
 // A dependency that goes, or is another object, while somebody holds it.
 TEST(ItemTest, DependenciesLastAsLongAsTheItem) {
     HSCPlazQItemModel item, other;

@@ -37,6 +37,7 @@ private:
 ///     <area>/<metadata file>, <catalog file>    the catalog that was refreshed last; ".done" beside it marks it whole
 ///     <area>/.plaz/.catalog                     metadata and change logs of the catalog's items
 ///     <area>/.plaz/plaz_local_db.json           what is installed
+///     <area>/.plaz/plaz_known_catalog.json      what a large catalog lists by these names
 ///     <area>/.plaz/.trees                       what the files of installed items should be
 ///     <area>/.plaz/.incoming                    files on their way in and out; gone between commands
 ///     <work>/.plaz/.index                       the working copy; ".done" in it marks it complete
@@ -66,6 +67,7 @@ public:
     /// Ends in "/".
     std::string getCatalogDir() const { return below(m_area, catalogFolder); }
     std::string getDatabase() const { return below(getHiddenDir(), databaseFile); }
+    std::string getKnownCatalog() const { return below(getHiddenDir(), "plaz_known_catalog.json"); }
     /// Where the trees of installed items are kept.
     std::string getTreesDir() const { return below(getHiddenDir(), ".trees"); }
     /// What an installation keeps of its files.

@@ -62,6 +62,17 @@ void HSCPlazQItemModel::copyDescriptionFrom(const HSCPlazQItemModel& other) {
     setDependencies(std::move(dependencies));
 }
 
+void HSCPlazQItemModel::takeEntryOf(const HSCPlazQItemModel& other) {
+    setItemRoot(other.getItemRoot());
+    setMetadataFile(other.getMetadataFile());
+    m_root = other.m_root;
+    m_latestRevision = other.m_latestRevision;
+    m_commitId = other.m_commitId;
+    m_revisions = other.m_revisions;
+    m_listed = true;
+    if (m_installed) deriveOutdated();
+}
+
 std::ostream& operator<<(std::ostream& out, const HSCPlazQItemModel& model) {
     return out << "name: " << model.getName() << " is_installed: " << model.isInstalled()
                << " needs_refresh: " << model.needsRefresh() << " local_dir: " << model.getLocalDir()

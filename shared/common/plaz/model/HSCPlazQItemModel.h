@@ -132,6 +132,8 @@ public:
     /// Takes over what describes the item to people and to the dependency walk: texts, keywords, categories,
     /// dependencies, logo. Key (name, revision, commit, place) and installation state stay.
     void copyDescriptionFrom(const HSCPlazQItemModel& other);
+    /// Takes over what the catalog says of this revision, from an item that was read from it.
+    void takeEntryOf(const HSCPlazQItemModel& other);
 
 private:
     static const std::shared_ptr<const std::vector<HSCPlazRevisionModel>>& noRevisions();

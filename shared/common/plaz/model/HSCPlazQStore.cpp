@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <unordered_set>
 
 namespace {
 
@@ -31,14 +32,48 @@ void HSCPlazQStore::destroyItems() {
 void HSCPlazQStore::assignModel(HSCPlazQStoreModel* model) {
     if (!model) return;
     m_model = model;
-    m_items.reserve(m_items.size() + model->getItems().size());
-    for (const auto& itemModel : model->getItems()) {
-        auto item = std::make_unique<HSCPlazQItem>(this);
-        item->assignItem(itemModel.get());
-        addItem(item.release());
-    }
-    for (const HSCPlazCategoryModel& category : model->getCategories())
+    m_items.reserve(m_items.size() + model->getKnownItems().size());
+    for (const auto& itemModel : model->getKnownItems()) append(makeItem(*itemModel));
+    if (model->isPutOff())
+        m_readItems = [this] { readItems(); };
+    else
+        addCategories();
+}
+
+HSCPlazQItem* HSCPlazQStore::makeItem(HSCPlazQItemModel& model) {
+    auto item = std::make_unique<HSCPlazQItem>(this);
+    item->assignItem(&model);
+    return item.release();
+}
+
+void HSCPlazQStore::addCategories() {
+    for (const HSCPlazCategoryModel& category : m_model->getCategories())
         addCategory(std::make_unique<HSCPlazCategory>(category).release());
+}
+
+void HSCPlazQStore::addMissingItems() {
+    if (m_readItems && !m_model->isPutOff()) return requireItems();
+    const auto& models = m_model->getKnownItems();
+    for (std::size_t position = m_items.size(); position < models.size(); ++position)
+        append(makeItem(*models[position]));
+}
+
+// Those that exist may be known elsewhere.
+void HSCPlazQStore::readItems() {
+    std::unordered_map<const HSCPlazQItemModel*, HSCPlazQItem*> known;
+    const auto& models = m_model->getItems();
+    for (HSCPlazQItem* item : m_items) known.emplace(item->getModel(), item);
+    m_items.clear();
+    m_items.reserve(models.size());
+    for (const auto& model : models) {
+        const auto found = known.find(model.get());
+        append(found == known.end() ? makeItem(*model) : found->second);
+    }
+    addCategories();
+}
+
+void HSCPlazQStore::requireItems(const std::string& name) const {
+    if (m_readItems && !(m_model->isPutOff() && m_model->knowsAllOf(name))) requireItems();
 }
 
 std::string HSCPlazQStore::getName() const {
@@ -176,11 +211,17 @@ std::string HSCPlazQStore::getSupportUrl() const {
 }
 
 void HSCPlazQStore::addItem(HSCPlazQItem* item) {
+    requireItems();
+    append(item);
+}
+
+void HSCPlazQStore::append(HSCPlazQItem* item) {
     forgetIndex();
     m_items.push_back(item);
 }
 
 void HSCPlazQStore::addCategory(HSCPlazCategory* category) {
+    requireItems();
     m_categories.push_back(category);
 }
 
@@ -212,7 +253,17 @@ void HSCPlazQStore::buildIndex() const {
     }
 }
 
+std::vector<HSCPlazQItem*> HSCPlazQStore::findItems(const std::string& name) const {
+    std::vector<HSCPlazQItem*> items;
+    requireIndex();
+    const auto first = m_firstOfName.find(name);
+    std::size_t position = first == m_firstOfName.end() ? noPosition : first->second;
+    for (; position != noPosition; position = m_nextOfName[position]) items.push_back(m_items[position]);
+    return items;
+}
+
 template <typename Fits> HSCPlazQItem* HSCPlazQStore::findItem(const std::string& name, Fits fits) const {
+    requireItems(name);
     requireIndex();
     const auto first = m_firstOfName.find(name);
     std::size_t position = first == m_firstOfName.end() ? noPosition : first->second;
@@ -222,12 +273,26 @@ template <typename Fits> HSCPlazQItem* HSCPlazQStore::findItem(const std::string
 }
 
 std::vector<HSCPlazQItem*> HSCPlazQStore::getItems(const std::string& name) const {
-    std::vector<HSCPlazQItem*> items;
-    requireIndex();
-    const auto first = m_firstOfName.find(name);
-    std::size_t position = first == m_firstOfName.end() ? noPosition : first->second;
-    for (; position != noPosition; position = m_nextOfName[position]) items.push_back(m_items[position]);
+    requireItems(name);
+    return findItems(name);
+}
+
+std::vector<HSCPlazQItem*> HSCPlazQStore::getInstalledItems(const std::string& name) const {
+    std::vector<HSCPlazQItem*> items = findItems(name);
+    items.erase(std::remove_if(items.begin(), items.end(), [](const auto* item) { return !item->IsInstalled(); }),
+                items.end());
     return items;
+}
+
+std::size_t HSCPlazQStore::countItems() const {
+    const auto* const part = m_model && m_model->getKnownPart() ? &*m_model->getKnownPart() : nullptr;
+    if (!part) requireItems();
+    std::unordered_set<std::string> all, listed;
+    for (const HSCPlazQItem* item : m_items) {
+        all.insert(item->getName());
+        if (part && item->getModel()->isListed()) listed.insert(item->getName());
+    }
+    return part ? part->itemCount + all.size() - listed.size() : all.size();
 }
 
 std::vector<HSCPlazQItem*> HSCPlazQStore::getInstalledItems() const {
@@ -255,6 +320,7 @@ HSCPlazQItem* HSCPlazQStore::getItem(const std::string& name) const {
 }
 
 void HSCPlazQStore::clearQStore() {
+    m_readItems = nullptr;
     destroyItems();
     for (HSCPlazCategory* category : m_categories) delete category;
     m_categories.clear();

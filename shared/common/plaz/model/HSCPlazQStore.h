@@ -5,9 +5,12 @@
 #include "support/HSTVector.h"
 
 #include <cstddef>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 class HSCPlaz;
@@ -15,8 +18,10 @@ class HSCPlazCategory;
 class HSCPlazQItem;
 
 /// One store of the hub: a git repository that publishes a catalog of items. Owns its items and categories; all that
-/// describes it lives in its model, which must outlive it. Without a model texts read as empty and flags as false, and
-/// setters do nothing. Not safe to use from several threads at once.
+/// describes it lives in its model, which must outlive it. A large catalog is read, and what is wrong with it sent,
+/// when somebody asks for all items, for one that is not known yet, or for categories; objects that exist then stay.
+/// Without a model texts read as empty and flags as false, and setters do nothing. Not safe to use from several threads
+/// at once.
 class PLAZ_API HSCPlazQStore {
 public:
     HSCPlazQStore() = default;
@@ -85,15 +90,29 @@ public:
     std::string getSupportUrl() const;
 
     /// Items in catalog order; owned by the store.
-    const HSTVector<HSCPlazQItem*>& getItems() const { return m_items; }
-    const HSTVector<HSCPlazCategory*>& getCategories() const { return m_categories; }
+    const HSTVector<HSCPlazQItem*>& getItems() const {
+        requireItems();
+        return m_items;
+    }
+    const HSTVector<HSCPlazCategory*>& getCategories() const {
+        requireItems();
+        return m_categories;
+    }
+    /// How many items there are, each counted once, however many revisions it has.
+    std::size_t countItems() const;
     /// Appends an item, which must not be null, and takes ownership.
     void addItem(HSCPlazQItem* item);
     /// Appends a top-level category and takes ownership.
     void addCategory(HSCPlazCategory* category);
 
-    /// Those that are installed, in the catalog's order; without a walk over all items where it is still as it was.
+    /// Makes the objects for item models that came after the store was built.
+    void addMissingItems();
+
+    /// Those that are installed, in the catalog's order; without a walk over all items where it is still as it was, and
+    /// without reading a catalog that was put off.
     std::vector<HSCPlazQItem*> getInstalledItems() const;
+    /// The same of exactly that name.
+    std::vector<HSCPlazQItem*> getInstalledItems(const std::string& name) const;
     /// All items of exactly that name, in the catalog's order.
     std::vector<HSCPlazQItem*> getItems(const std::string& name) const;
     /// Where in getItems() the next entry of the same name as that at @p position stands; past the end for none.
@@ -108,6 +127,15 @@ public:
 
 private:
     void destroyItems();
+    void requireItems() const {
+        if (m_readItems) std::exchange(m_readItems, nullptr)();
+    }
+    void requireItems(const std::string& name) const;
+    void readItems();
+    HSCPlazQItem* makeItem(HSCPlazQItemModel& model);
+    void append(HSCPlazQItem* item);
+    void addCategories();
+    std::vector<HSCPlazQItem*> findItems(const std::string& name) const;
     void forgetIndex() const;
     void requireIndex() const;
     /// First item of that name at or after a position of the index.
@@ -118,6 +146,7 @@ private:
     HSCPlazQStoreModel* m_model = nullptr;
     HSTVector<HSCPlazQItem*> m_items;
     HSTVector<HSCPlazCategory*> m_categories;
+    mutable std::function<void()> m_readItems; ///< null unless the catalog was put off
     // Look-up by name without a walk over all items: first position of each name, and for each position the next one
     // of the same name. Made at the first look-up, and again when items or names have changed.
     mutable std::unordered_map<std::string, std::size_t> m_firstOfName;

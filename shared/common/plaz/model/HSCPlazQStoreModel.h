@@ -6,9 +6,12 @@
 #include "plaz/model/HSCPlazQItemModel.h"
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// One category of a store's catalog with the categories below it.
@@ -25,7 +28,22 @@ struct HSCPlazTakenPlace {
     std::string owner; ///< for people: the store "x"
 };
 
+/// A catalog that is read only when somebody needs all of it.
+struct HSCPlazLaterCatalog {
+    std::string directory; ///< of the store's files
+    std::string file;
+    std::function<void()> read; ///< into the store's model
+};
+
+/// What is known of such a catalog without reading it.
+struct HSCPlazKnownPart {
+    std::set<std::string> names; ///< all that the catalog lists of these is in the model
+    std::size_t itemCount = 0;   ///< names that it lists
+};
+
 /// What the hub's and the store's metadata files say of one store. Owns its item models.
+///
+/// A large catalog is put off: what tells of all its items reads it, once.
 class PLAZ_API HSCPlazQStoreModel : public HSCPlazBaseModel {
 public:
     HSCPlazQStoreModel() = default;
@@ -44,13 +62,19 @@ public:
     bool isOffered() const { return m_offered; }
     void setIsOffered(bool value) { m_offered = value; }
     /// What it offers is not known: the file that tells of it could not be read, or is damaged.
-    bool isUnread() const { return m_unread; }
+    bool isUnread() const {
+        requireKnownPart();
+        return m_unread;
+    }
     void setIsUnread(bool value) { m_unread = value; }
     /// The store was added by the user rather than shipped.
     bool isUserRepository() const { return m_userRepository; }
     void setIsUserRepository(bool value) { m_userRepository = value; }
     /// Several revisions of one item can be installed side by side.
-    bool isMultiRevisionSupported() const { return m_multiRevision; }
+    bool isMultiRevisionSupported() const {
+        requireKnownPart();
+        return m_multiRevision;
+    }
     void setIsMultiRevisionSupported(bool value) { m_multiRevision = value; }
     /// "board", "ced" or another kind.
     const std::string& getStoreType() const { return m_storeType; }
@@ -96,19 +120,55 @@ public:
     const std::string& getGdaDataLoc() const { return m_gdaDataLoc; }
     void setGdaDataLoc(const std::string& value) { m_gdaDataLoc = value; }
 
-    const std::vector<std::unique_ptr<HSCPlazQItemModel>>& getItems() const { return m_items; }
+    using Items = std::vector<std::unique_ptr<HSCPlazQItemModel>>;
+    /// All items, in the catalog's order; behind them what is installed although the catalog does not list it.
+    const Items& getItems() const {
+        requireCatalog();
+        return m_items;
+    }
+    /// The same; where the catalog was put off at least those of the names, whether the catalog lists them or not.
+    const Items& getItems(const std::vector<std::string>& names) const;
+    /// The same without reading the catalog: of one that was put off what is installed, and what it lists by the same
+    /// names.
+    const Items& getKnownItems() const { return m_items; }
     /// Appends an item and tells it the store's name. @return the item
     HSCPlazQItemModel* addItem(std::unique_ptr<HSCPlazQItemModel> item);
     /// How often an item has become installed, or is so no more. Whoever keeps a list of them learns from it that it
     /// has changed.
     std::size_t getInstallations() const { return m_installations; }
     /// Top-level categories, in file order.
-    const std::vector<HSCPlazCategoryModel>& getCategories() const { return m_categories; }
+    const std::vector<HSCPlazCategoryModel>& getCategories() const {
+        requireCatalog();
+        return m_categories;
+    }
     void setCategories(std::vector<HSCPlazCategoryModel> value) { m_categories = std::move(value); }
     /// Drops items and categories; what describes the store stays.
     void clearCatalog();
 
+    void putOff(HSCPlazLaterCatalog catalog) { m_later = std::move(catalog); }
+    bool isPutOff() const { return m_later.has_value(); }
+    /// Empty unless it was put off and has not been read since.
+    const std::optional<HSCPlazLaterCatalog>& getLaterCatalog() const { return m_later; }
+    const std::optional<HSCPlazKnownPart>& getKnownPart() const { return m_knownPart; }
+    void setKnownPart(HSCPlazKnownPart value) { m_knownPart = std::move(value); }
+    /// Whether all that the catalog lists by that name is in the model.
+    bool knowsAllOf(const std::string& name) const {
+        return !isPutOff() || (m_knownPart && m_knownPart->names.count(name) != 0);
+    }
+    /// The file (HUTFile::getStamp) that a large catalog was read from; empty for others.
+    const std::string& getCatalogStamp() const { return m_catalogStamp; }
+    void setCatalogStamp(const std::string& value) { m_catalogStamp = value; }
+    /// Takes the items away, and puts them back behind others have come: an item that has come takes its place as the
+    /// object that it was. Of those that have not come none is listed.
+    Items takeItems() { return std::exchange(m_items, {}); }
+    void putBack(Items items);
+
 private:
+    void requireCatalog() const;
+    void requireKnownPart() const {
+        if (!m_knownPart) requireCatalog();
+    }
+
     std::string m_root;
     std::string m_storeType;
     std::string m_scriptRoot;
@@ -126,8 +186,11 @@ private:
     std::string m_localDbFilePath;
     std::string m_gdaDataLoc;
     std::size_t m_installations = 0;
-    std::vector<std::unique_ptr<HSCPlazQItemModel>> m_items;
+    Items m_items;
     std::vector<HSCPlazCategoryModel> m_categories;
+    mutable std::optional<HSCPlazLaterCatalog> m_later;
+    mutable std::optional<HSCPlazKnownPart> m_knownPart;
+    std::string m_catalogStamp;
     bool m_productSpecific = false;
     bool m_offered = true;
     bool m_unread = false;

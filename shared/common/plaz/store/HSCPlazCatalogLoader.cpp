@@ -20,6 +20,9 @@ namespace {
 constexpr const char* loadStoreName = "HSCPlazMgr::loadStoreCatalog";
 constexpr const char* loadItemsName = "HSCPlazMgr::loadItemCatalog";
 
+/// Bytes of a catalog from which on it is large: to read it takes longer than all else that a start does.
+constexpr std::uint64_t largeCatalog = 1 << 20;
+
 std::string joined(const std::string& dir, const std::string& name) {
     return dir + HUTFile::getDirSeparator() + name;
 }
@@ -107,7 +110,7 @@ void HSCPlazCatalogLoader::loadFromArea(HSCPlazQStoreModel& store) const {
     }
     if (!hasFile(store, localRoot, store.getCatalogFile(), m_report)) return;
     inside(loadStoreName, "Store ", name, " item catalog json file found ");
-    readCatalog(store, catalog);
+    readCatalog(store, localRoot);
 }
 
 bool HSCPlazCatalogLoader::loadFromData(HSCPlazModel& hubModel, HSCPlazQStoreModel& store) const {
@@ -129,7 +132,7 @@ bool HSCPlazCatalogLoader::loadFromData(HSCPlazModel& hubModel, HSCPlazQStoreMod
     inside(loadStoreName, "Store ", name, "qstoreJsonFilePath [2]: ", catalog);
     if (store.getCatalogFile().empty()) return false;
     if (store.isProductSpecific() && hasFile(store, dataDir, store.getCatalogFile(), m_report))
-        readCatalog(store, catalog);
+        readCatalog(store, dataDir);
     store.setLocalRootDir(dataDir);
     return true;
 }
@@ -142,34 +145,62 @@ void HSCPlazCatalogLoader::readMetadata(HSCPlazQStoreModel& store, const std::st
 }
 
 /// In the place of what an earlier load left.
-void HSCPlazCatalogLoader::readCatalog(HSCPlazQStoreModel& store, const std::string& file) const {
+void HSCPlazCatalogLoader::readCatalog(HSCPlazQStoreModel& store, const std::string& dir) const {
+    const std::string file = joined(dir, store.getCatalogFile());
     store.clearCatalog();
+    const bool isLarge = HUTFile::getSize(file) >= largeCatalog;
+    if (isLarge && m_large == LargeCatalogs::later) return readLater(store, dir, file);
+    if (isLarge) store.setCatalogStamp(HUTFile::getStamp(file));
     HSCPlazFindings found;
     HSCPlazQItemCatalogReader::read(file, store, found);
     if (found.tellOfDamage()) store.setIsUnread(true);
     m_report.append(found.toReport("items in the catalog of the store \"" + store.getName() + '"'));
 }
 
+void HSCPlazCatalogLoader::readLater(HSCPlazQStoreModel& store, const std::string& dir, const std::string& file) const {
+    const auto read = [&store, dir, &paths = m_paths] {
+        HSCPlazReport report;
+        const HSCPlazCatalogLoader loader(paths, report);
+        HSCPlazQStoreModel::Items known = store.takeItems();
+        std::set<const HSCPlazQItemModel*> described;
+        for (const auto& item : known) described.insert(item.get());
+        loader.readCatalog(store, dir);
+        store.putBack(std::move(known));
+        loader.loadItems(store, dir, described);
+        report.send();
+    };
+    store.putOff({dir, file, read});
+}
+
 void HSCPlazCatalogLoader::loadItems(HSCPlazQStoreModel& store) const {
+    loadItems(store, store.getLocalRootDir(), {});
+}
+
+void HSCPlazCatalogLoader::loadKnownItems(HSCPlazQStoreModel& store) const {
+    loadItems(store, store.getLaterCatalog()->directory, {});
+}
+
+void HSCPlazCatalogLoader::loadItems(HSCPlazQStoreModel& store, const std::string& dir,
+                                     const std::set<const HSCPlazQItemModel*>& described) const {
     inside(loadItemsName);
     if (!store.isProductSpecific()) return;
-    const HIOStream::Root root(store.getLocalRootDir());
+    const HIOStream::Root root(dir);
     HSCPlazJsonDocument document(HSCPlazLimits::File::item);
     const std::string group = groupOfItems(store);
-    const HSCPlazQItemModel* described = nullptr;
-    for (const auto& item : store.getItems()) {
+    const HSCPlazQItemModel* last = nullptr;
+    for (const auto& item : store.getKnownItems()) {
         HSCPlazReport ofItem;
-        const bool read = readItemMetadata(root, store, document, *item, ofItem);
+        const bool read = described.count(item.get()) != 0 || readItemMetadata(root, store, document, *item, ofItem);
         if (!ofItem.isEmpty()) m_report.appendOneOfMany(ofItem, group);
         if (document.getBytesRead() > document.getLimits().getItemFilesSize()) {
             m_report.add(Msg::limitExceeded, MsgSeverity::error, document.getFile(),
                          document.getLimits().describeItemFiles());
             break;
         }
-        if (read) described = item.get();
+        if (read) last = item.get();
         // A revision that has no file of its own here is described by the one that the catalog lists before it.
-        else if (described && described->getName() == item->getName() && item->getDisplayName().empty())
-            item->copyDescriptionFrom(*described);
+        else if (last && last->getName() == item->getName() && item->getDisplayName().empty())
+            item->copyDescriptionFrom(*last);
     }
     if (HSCPlazDebugLog::isEnabled()) HSCPlazDebugLog::write(std::string("Done ") + loadItemsName);
 }

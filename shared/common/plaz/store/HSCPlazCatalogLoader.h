@@ -1,9 +1,11 @@
 #pragma once
 
+#include <set>
 #include <string>
 
 class HSCPlazModel;
 class HSCPlazPathMgr;
+class HSCPlazQItemModel;
 class HSCPlazQStoreModel;
 class HSCPlazReport;
 
@@ -11,8 +13,14 @@ class HSCPlazReport;
 /// else from what is shipped. What readers find goes into a report.
 class HSCPlazCatalogLoader {
 public:
-    /// Both arguments must outlive the loader.
-    HSCPlazCatalogLoader(const HSCPlazPathMgr& paths, HSCPlazReport& report) : m_paths(paths), m_report(report) {}
+    /// When a large catalog is read: with the others, or once somebody needs all of its items. What is found then is
+    /// sent.
+    enum class LargeCatalogs { atOnce, later };
+
+    /// Both references must outlive the loader, and the paths whatever is read later.
+    HSCPlazCatalogLoader(const HSCPlazPathMgr& paths, HSCPlazReport& report,
+                         LargeCatalogs large = LargeCatalogs::atOnce)
+        : m_paths(paths), m_report(report), m_large(large) {}
 
     /// Reads one store's metadata file and item catalog. Null models and a store without a metadata file name are
     /// ignored.
@@ -20,6 +28,8 @@ public:
     void loadStore(HSCPlazModel* hubModel, HSCPlazQStoreModel* store, bool isShared) const;
     /// Reads every item's metadata file of a product-specific store.
     void loadItems(HSCPlazQStoreModel& store) const;
+    /// The same of the items that are known of a catalog that was put off.
+    void loadKnownItems(HSCPlazQStoreModel& store) const;
     /// Reads what is shipped of a store. Reports Msg::shippedDataMissing or Msg::shippedDataUnusable.
     void loadShipped(HSCPlazModel& hubModel, HSCPlazQStoreModel& store) const;
 
@@ -36,8 +46,12 @@ private:
     void loadFromArea(HSCPlazQStoreModel& store) const;
     bool loadFromData(HSCPlazModel& hubModel, HSCPlazQStoreModel& store) const;
     void readMetadata(HSCPlazQStoreModel& store, const std::string& file) const;
-    void readCatalog(HSCPlazQStoreModel& store, const std::string& file) const;
+    void readCatalog(HSCPlazQStoreModel& store, const std::string& dir) const;
+    void readLater(HSCPlazQStoreModel& store, const std::string& dir, const std::string& file) const;
+    void loadItems(HSCPlazQStoreModel& store, const std::string& dir,
+                   const std::set<const HSCPlazQItemModel*>& described) const;
 
     const HSCPlazPathMgr& m_paths;
     HSCPlazReport& m_report;
+    LargeCatalogs m_large;
 };

@@ -24,6 +24,12 @@ bool isNewer(const HSCPlazQItem& item, const HSCPlazQItem& than) {
     return HUTText::compareNumbers(item.getRevision(), than.getRevision()) > 0;
 }
 
+HSCPlazQItem* findNewest(const std::vector<HSCPlazQItem*>& items) {
+    const auto isOlder = [](const HSCPlazQItem* a, const HSCPlazQItem* b) { return isNewer(*b, *a); };
+    const auto newest = std::max_element(items.begin(), items.end(), isOlder);
+    return newest == items.end() ? nullptr : *newest;
+}
+
 } // namespace
 
 HSCPlazFoundItem::operator bool() const {
@@ -66,20 +72,20 @@ HSCPlazFoundItem HSCPlazDependencies::findOfferedOrInstalled(const HSCPlaz& hub,
 }
 
 HSCPlazFoundItem HSCPlazDependencies::findInstalled(const HSCPlaz& hub, const HSCPlazQItemDependency& dependency) {
-    const HSCPlazFoundItem named = findOffered(hub, dependency);
-    if (!named.store) return {};
+    HSCPlazQStore* store = hub.getStore(dependency.getStore());
+    if (!store) return {};
+    const std::vector<HSCPlazQItem*> items = store->getInstalledItems(dependency.getItem());
+    if (items.empty()) return {store, nullptr};
     if (!dependency.getRevision().empty()) {
-        if (named && named.item->IsInstalled()) return named;
-        if (named.store->IsMultiRevisionSupported()) return {};
+        for (HSCPlazQItem* item : items)
+            if (item->getRevision() == dependency.getRevision()) return {store, item};
+        if (store->IsMultiRevisionSupported()) return {};
     }
-    return {named.store, findNewestInstalled(*named.store, dependency.getItem())};
+    return {store, findNewest(items)};
 }
 
 HSCPlazQItem* HSCPlazDependencies::findNewestInstalled(const HSCPlazQStore& store, const std::string& name) {
-    HSCPlazQItem* newest = nullptr;
-    for (HSCPlazQItem* item : store.getItems(name))
-        if (item->IsInstalled() && (!newest || isNewer(*item, *newest))) newest = item;
-    return newest;
+    return findNewest(store.getInstalledItems(name));
 }
 
 HSCPlazQItem& HSCPlazDependencies::findCurrent(HSCPlazQItem& item) {

@@ -7,7 +7,6 @@
 #include "plaz/model/HSCPlazCfgModel.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/reader/HSCPlazReader.h"
-#include "plaz/store/HSCPlazCatalogLoader.h"
 #include "plaz/store/HSCPlazHolds.h"
 #include "plaz/store/HSCPlazInstalledState.h"
 #include "plaz/store/HSCPlazPlaces.h"
@@ -18,6 +17,7 @@
 #include <algorithm>
 
 using HSCPlazDebugLog::inside;
+using LargeCatalogs = HSCPlazCatalogLoader::LargeCatalogs;
 
 namespace {
 
@@ -59,9 +59,9 @@ void HSCPlazHubBuilder::build() const {
     if (HSCPlazProduct::keepsCatalogInDatabase() && HUTFile::exists(database)) {
         inside(initHubName, m_workspace.paths.getUserAreaRoot(), " found local db file processing it.");
         m_workspace.databases.read(database, *m_workspace.hubModel, m_report);
-        readStores();
+        readStores(LargeCatalogs::atOnce);
     } else if (readMetadata()) {
-        readStores();
+        readStores(LargeCatalogs::later);
     }
     makeHub();
     for (const auto& [store, dir] : HSCPlazPlaces(m_workspace).findMissing()) tellMissing(store, dir);
@@ -118,10 +118,10 @@ void HSCPlazHubBuilder::readHub(const std::string& file, HSCPlazModel& model) co
     m_report.append(found.toReport("stores of the hub"));
 }
 
-void HSCPlazHubBuilder::readStores() const {
+void HSCPlazHubBuilder::readStores(LargeCatalogs large) const {
     readShared();
     HSCPlazPlaces(m_workspace).preferRefreshed(m_report);
-    const HSCPlazCatalogLoader loader(m_workspace.paths, m_report);
+    const HSCPlazCatalogLoader loader(m_workspace.paths, m_report, large);
     HSCPlazModel& hub = *m_workspace.hubModel;
     HSCPlazModel& shared = *m_workspace.sharedHubModel;
     for (const auto& store : hub.getStores()) loader.loadStore(&hub, store.get(), false);
@@ -163,7 +163,7 @@ void HSCPlazHubBuilder::rebuild(std::unique_ptr<HSCPlazModel> model) const {
     m_workspace.sharedHubModel = std::make_unique<HSCPlazModel>();
     m_workspace.sharedHubModel->setRoot(m_workspace.hubModel->getRoot());
     m_workspace.sharedHubModel->setMetadataFile(m_workspace.hubModel->getMetadataFile());
-    readStores();
+    readStores(LargeCatalogs::atOnce);
     makeHub();
     save(hub, HSCPlazHolds::apply(hub));
     m_workspace.currentStore = current ? hub.getStore(selected) : nullptr;
@@ -194,7 +194,7 @@ void HSCPlazHubBuilder::restoreInstalled(HSCPlazQStore& store) const {
     if (model.getLocalRootDir() != place && HSCPlazStoreLayout::isComplete(model.getLocalRootDir()))
         reloadStore(*m_workspace.hub, store, false);
     installed.describe(model);
-    HSCPlazInstalledState::addMissingItems(store);
+    store.addMissingItems();
 }
 
 void HSCPlazHubBuilder::addStoresOfOthers() const {

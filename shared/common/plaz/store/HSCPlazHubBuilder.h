@@ -1,5 +1,7 @@
 #pragma once
 
+#include "plaz/store/HSCPlazCatalogLoader.h"
+
 #include <memory>
 #include <set>
 #include <string>
@@ -40,7 +42,7 @@ private:
     void tellMissing(const std::string& store, const std::string& dir) const;
     void readHub(const std::string& file, HSCPlazModel& model) const;
     void readShared() const;
-    void readStores() const;
+    void readStores(HSCPlazCatalogLoader::LargeCatalogs large) const;
     void makeHub() const;
     void addStore(HSCPlazQStoreModel& model) const;
     void restoreInstalled(HSCPlazQStore& store) const;

@@ -52,7 +52,7 @@ HSCPlazInstalledItems::HSCPlazInstalledItems(HSCPlazQStoreModel& store, const HS
                                              const std::vector<std::string>& names)
     : m_store(store), m_paths(paths), m_area(findArea(store, paths)) {
     for (const std::string& name : names) m_itemsOfName.try_emplace(name);
-    for (const auto& item : store.getItems())
+    for (const auto& item : store.getItems(names))
         if (const auto recorded = m_itemsOfName.find(item->getName()); recorded != m_itemsOfName.end())
             recorded->second.push_back(item.get());
 }

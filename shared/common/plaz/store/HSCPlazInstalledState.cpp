@@ -10,6 +10,7 @@
 #include "plaz/store/HSCPlazHolds.h"
 #include "plaz/store/HSCPlazItemPlaces.h"
 #include "plaz/store/HSCPlazItemTree.h"
+#include "plaz/store/HSCPlazKnownCatalog.h"
 #include "plaz/store/HSCPlazPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "support/HUTFile.h"
@@ -78,17 +79,8 @@ bool isChanged(const HSCPlazStoreLayout& layout, const HSCPlazQItemModel& item, 
 
 } // namespace
 
-void HSCPlazInstalledState::addMissingItems(HSCPlazQStore& store) {
-    const auto& models = store.getModel()->getItems();
-    for (std::size_t position = store.getItems().size(); position < models.size(); ++position) {
-        auto item = std::make_unique<HSCPlazQItem>(&store);
-        item->assignItem(models[position].get());
-        store.addItem(item.release());
-    }
-}
-
 void HSCPlazInstalledState::describe(const HSCPlazQStoreModel& store) const {
-    describe(store, store.getItems());
+    describe(store, store.getKnownItems());
 }
 
 void HSCPlazInstalledState::describe(const HSCPlazQStoreModel& store, HSCPlazQItemModel& item) const {
@@ -130,11 +122,11 @@ void HSCPlazInstalledState::update() const {
 }
 
 void HSCPlazInstalledState::takeOver(HSCPlazQStore& store) const {
-    for (const auto& item : store.getModel()->getItems())
+    for (const auto& item : store.getModel()->getKnownItems())
         if (item->isInstalled()) item->clearInstallation();
     merge(*store.getModel());
     describe(*store.getModel());
-    addMissingItems(store);
+    store.addMissingItems();
     HSCPlazHolds::apply(*m_workspace.hub);
 }
 
@@ -143,6 +135,7 @@ void HSCPlazInstalledState::merge(HSCPlazQStoreModel& store) const {
     if (database.empty()) return; // the store has no area
     using Merge = HSCPlazLocalDBMgr::Merge;
     HSCPlazLocalDBMgr& databases = m_workspace.databases;
+    HSCPlazKnownCatalog::read(m_workspace.paths, store, m_report);
     const Merge merged = databases.merge(database, store, m_workspace.paths, m_report);
     if (merged != Merge::foreign && merged != Merge::ofOtherStore)
         return HSCPlazItemPlaces::correct(m_workspace, store);

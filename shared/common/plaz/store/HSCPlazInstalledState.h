@@ -26,9 +26,6 @@ public:
     /// Takes over what other processes have installed and removed since the databases were read.
     void update() const;
 
-    /// Makes the objects for item models that came after the store was built.
-    static void addMissingItems(HSCPlazQStore& store);
-
 private:
     template <typename Items> void describe(const HSCPlazQStoreModel& store, const Items& items) const;
     HSCPlazWorkspace& m_workspace;

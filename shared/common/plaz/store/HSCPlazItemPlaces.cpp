@@ -34,7 +34,7 @@ bool clash(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item, const
 }
 
 bool isWhereAnotherIs(const HSCPlazQStoreModel& store, const HSCPlazQItemModel& item) {
-    const auto& items = store.getItems();
+    const auto& items = store.getKnownItems();
     return std::any_of(items.begin(), items.end(), [&](const auto& other) {
         return other.get() != &item && other->isInstalled() &&
                clash(store, item, item.getLocalDir(), *other, other->getLocalDir());
@@ -70,7 +70,7 @@ const HSCPlazQItem* HSCPlazItemPlaces::findOverlap(const HSCPlazFoundItem& found
 }
 
 void HSCPlazItemPlaces::correct(HSCPlazWorkspace& workspace, HSCPlazQStoreModel& store) {
-    for (const auto& item : store.getItems()) {
+    for (const auto& item : store.getKnownItems()) {
         if (!item->isInstalled() || !item->isListed() || item->getLocalDir().empty()) continue;
         const std::string own = workspace.paths.getItemDir(store, *item);
         if (own.empty() || own == item->getLocalDir()) continue;

@@ -9,6 +9,7 @@
 #include "plaz/store/HSCPlazInstalledItems.h"
 #include "plaz/store/HSCPlazInstalledState.h"
 #include "plaz/store/HSCPlazInstalledTrees.h"
+#include "plaz/store/HSCPlazKnownCatalog.h"
 #include "plaz/store/HSCPlazPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazFetchedFiles.h"
@@ -66,6 +67,11 @@ void takeOverStores(HSCPlazTask& task) {
     task.mention(report);
 }
 
+void keepKnownCatalogs(const HSCPlazTask& task) {
+    for (const HSCPlazQStore* store : task.getHub().getStores())
+        HSCPlazKnownCatalog::keep(task.getWorkspace(), *store->getModel());
+}
+
 } // namespace
 
 HSCPlazItemChanges::HSCPlazItemChanges(HSCPlazTask& task)
@@ -100,7 +106,9 @@ bool HSCPlazItemChanges::runLocked(HSCPlazTask& task, const std::function<bool(H
         changes.end();
         throw;
     }
-    return changes.end() && isDone;
+    const bool isEnded = changes.end();
+    keepKnownCatalogs(task);
+    return isEnded && isDone;
 }
 
 bool HSCPlazItemChanges::install(const HSCPlazFoundItem& found, Mode mode, bool isAskedFor) {
@@ -382,7 +390,7 @@ void HSCPlazItemChanges::finishInterrupted() {
     if (!known && change.isInstalled) {
         // What the catalog has left out meanwhile is listed because it is installed.
         apply(*store, *change.item);
-        HSCPlazInstalledState::addMissingItems(*store);
+        store->addMissingItems();
     }
     const HSCPlazFoundItem found{store, store->getItem(name, change.item->getRevision())};
     m_isUnfinished = found && !record(found, change);

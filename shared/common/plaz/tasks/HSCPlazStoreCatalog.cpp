@@ -152,7 +152,7 @@ void HSCPlazStoreCatalog::requireMetadata(HSCPlazTask& task, const HSCPlazQStore
 }
 
 bool HSCPlazStoreCatalog::holdsSomething(const HSCPlazQStoreModel& store) {
-    const auto& items = store.getItems();
+    const auto& items = store.getKnownItems();
     return std::any_of(items.begin(), items.end(), [](const auto& item) { return item->isInstalled(); });
 }
 

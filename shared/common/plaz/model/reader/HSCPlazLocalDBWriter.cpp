@@ -52,7 +52,7 @@ Value toStoreRecord(Document& document, const HSCPlazQStoreModel& store) {
     addText(document, record, Key::itemRoot, store.getItemRoot());
     Json::AddBooleanProperty(document, record, Key::userRepository, store.isUserRepository());
     Value items(rapidjson::kArrayType);
-    for (const auto& item : store.getItems())
+    for (const auto& item : store.getKnownItems())
         if (item->isInstalled())
             items.PushBack(HSCPlazLocalDBWriter::toRecord(document, *item), document.GetAllocator());
     Json::AddGenericValueProperty(document, record, Key::items, items);
