@@ -195,7 +195,7 @@ class NetworkTest(HubTest):
                         with_key.write_bytes(certificate.read_bytes() + other.read_bytes())
                         self.refresh_twice(settings=[f"plaz.certificateFile={with_key}"])
                         kept = next(self.home.glob("**/plaz_authorities.pem")).read_text()
-                        self.check_shown(kept, "BEGIN CERTIFICATE", never=["KEY"])
+                        self.check_shown(kept, "BEGIN CERTIFICATE", never=["PRIVATE KEY"])
         with self.serve("open", certificate=untrusted) as address:
             self.lead_to(f"https://{address}/git")
             self.refresh_twice(settings=[unchecked])
