@@ -15,7 +15,7 @@
 
 install(TARGETS plaz)
 install(DIRECTORY platform/data/ DESTINATION ${CMAKE_INSTALL_DATADIR}/plaz/data/plaz)
-set(guides docs/user-guide.md docs/store-authors-guide.md docs/windows.md)
+set(guides docs/user-guide.md docs/store-authors-guide.md docs/security.md docs/windows.md)
 
 if(WIN32)
   install(TARGETS plazhost plaz_lib RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
@@ -32,8 +32,7 @@ if(WIN32)
   include(CPack)
 else()
   install(TARGETS plazhost plaz_lib EXPORT plazTargets)
-  install(DIRECTORY ${PROJECT_BINARY_DIR}/share/plaz/tps DESTINATION ${CMAKE_INSTALL_DATADIR}/plaz
-          USE_SOURCE_PERMISSIONS)
+  install(DIRECTORY ${PROJECT_BINARY_DIR}/share/plaz/tps DESTINATION ${CMAKE_INSTALL_DATADIR}/plaz)
   install(FILES docs/man/plaz.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
   list(APPEND guides docs/embedding-guide.md)
 
