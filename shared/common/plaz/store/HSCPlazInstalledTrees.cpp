@@ -164,17 +164,28 @@ bool HSCPlazInstalledTrees::isComplete(const HSCPlazWorkspace& workspace, const 
 
 std::vector<HSCPlazQItem*> HSCPlazInstalledTrees::findIncomplete(const HSCPlazWorkspace& workspace,
                                                                  const HSCPlaz& hub) {
-    std::map<const HSCPlazQItem*, bool> known; // many items need the same ones
-    const auto fits = [&](const HSCPlazFoundItem& one) {
-        const auto [entry, isNew] = known.emplace(one.item, false);
-        if (isNew) entry->second = isWhole(workspace, one);
-        return entry->second;
-    };
-    std::vector<HSCPlazQItem*> incomplete;
+    std::map<const HSCPlazQItem*, std::vector<HSCPlazQItem*>> neededBy;
+    std::vector<HSCPlazQItem*> installed, open;
     for (HSCPlazQStore* store : hub.getStores())
         for (HSCPlazQItem* item : store->getInstalledItems()) {
-            if (item->isRecorded() && !(fits({store, item}) && HSCPlazDependencies::areComplete(hub, *item, fits)))
-                incomplete.push_back(item);
+            installed.push_back(item);
+            bool isLacking = !isWhole(workspace, {store, item});
+            for (const HSCPlazQItemDependency* dependency : item->getItemDependencies()) {
+                const HSCPlazFoundItem found = HSCPlazDependencies::findInstalled(hub, *dependency);
+                isLacking = isLacking || !found;
+                if (found) neededBy[found.item].push_back(item);
+            }
+            if (isLacking) open.push_back(item);
         }
-    return incomplete;
+    // Backwards from what lacks something, so that each item is looked at once.
+    std::set<const HSCPlazQItem*> lacking(open.begin(), open.end());
+    while (!open.empty()) {
+        const HSCPlazQItem* item = open.back();
+        open.pop_back();
+        for (HSCPlazQItem* holder : neededBy[item])
+            if (lacking.insert(holder).second) open.push_back(holder);
+    }
+    const auto isOfNoUse = [&](const HSCPlazQItem* item) { return !item->isRecorded() || lacking.count(item) == 0; };
+    installed.erase(std::remove_if(installed.begin(), installed.end(), isOfNoUse), installed.end());
+    return installed;
 }
