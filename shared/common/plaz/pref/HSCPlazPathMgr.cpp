@@ -150,7 +150,8 @@ std::vector<std::string> HSCPlazPathMgr::getOwnPlaces() const {
             getAuthoritiesFile(),
             getUserAreaRoot("", false, lockFile),
             getDefaultLocalDbFile(),
-            getStoresDataDir()};
+            getStoresDataDir(),
+            HCCXPrefMgr::getFile()};
 }
 
 std::string HSCPlazPathMgr::getDefaultLocalDbFile() const {
