@@ -4,6 +4,8 @@
 #include "support/HUTFile.h"
 #include "support/HUTFileTree.h"
 
+#include <boost/filesystem/path.hpp>
+
 #include <algorithm>
 #include <initializer_list>
 
@@ -34,6 +36,11 @@ std::string HSCPlazStoreLayout::findAreaLink() const {
 std::string HSCPlazStoreLayout::findLink() const {
     const std::string link = findAreaLink();
     return link.empty() ? findWorkLink() : link;
+}
+
+std::string HSCPlazStoreLayout::findLinkAbove(const std::string& database) {
+    const boost::filesystem::path dir = boost::filesystem::path(database).parent_path();
+    return dir.filename() == hiddenDir ? findLinkAmong({dir.generic_string()}) : std::string();
 }
 
 std::string HSCPlazStoreLayout::getFolderOf(const std::string& dir) const {

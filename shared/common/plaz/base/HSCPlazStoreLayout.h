@@ -80,6 +80,9 @@ public:
     std::string findAreaLink() const;
     /// Either.
     std::string findLink() const;
+    /// The hidden folder that a database lies in, where that is a link: what lies behind it is none of the store's.
+    /// Empty where it is none.
+    static std::string findLinkAbove(const std::string& database);
 
     /// Whether what a directory holds (a working copy, a catalog) came whole. @param dir  empty: no
     static bool isComplete(const std::string& dir);

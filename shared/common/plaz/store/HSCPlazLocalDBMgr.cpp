@@ -15,11 +15,12 @@
 #include "support/HIOStream.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
-#include "support/HUTFileTree.h"
-
-#include <boost/filesystem/path.hpp>
 
 namespace {
+
+bool isBehindLink(const std::string& file) {
+    return !HSCPlazStoreLayout::findLinkAbove(file).empty();
+}
 
 constexpr const char* saveName = "HSCPlazLocalDBMgr::save";
 
@@ -28,12 +29,6 @@ std::string chooseFile(const HSCPlaz* hub, const HSCPlazQStore& store, const std
     if (!given.empty()) return given;
     const std::string ofHub = hub ? hub->getLocalDBFilePath() : std::string();
     return ofHub.empty() ? HSCPlazContext::get().getDefaultDatabase() : ofHub;
-}
-
-/// What lies behind a link in the place of a store's own folder is none of the store's.
-bool isBehindLink(const std::string& file) {
-    const boost::filesystem::path dir = boost::filesystem::path(file).parent_path();
-    return dir.filename() == HSCPlazStoreLayout::hiddenDir && HUTFileTree::isLink(dir.generic_string());
 }
 
 /// What could not be read is not lost: it stays beside the new file, as a copy or, where it may not be copied, itself.

@@ -8,10 +8,7 @@
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "support/HDGUIStatus.h"
 #include "support/HUTFileLock.h"
-#include "support/HUTFileTree.h"
 #include "support/HUTFork.h"
-
-#include <boost/filesystem/path.hpp>
 
 bool HSCPlazTask::isCancelled() const {
     return (m_status && m_status->isCanceled()) || HUTFork::isInterrupted();
@@ -65,9 +62,8 @@ bool HSCPlazTask::runLocked(const std::function<bool()>& work, const HSCPlazQSto
     mention(databases);
     const std::string unreadable = m_workspace.findUnreadableRecord(m_hub, only);
     if (unreadable.empty()) return work();
-    const boost::filesystem::path dir = boost::filesystem::path(unreadable).parent_path();
-    const bool isBehindLink = dir.filename() == HSCPlazStoreLayout::hiddenDir && HUTFileTree::isLink(dir.string());
-    return isBehindLink ? fail(Msg::linkInPlace, dir.generic_string()) : fail(Msg::databaseUnreadable, unreadable);
+    const std::string link = HSCPlazStoreLayout::findLinkAbove(unreadable);
+    return link.empty() ? fail(Msg::databaseUnreadable, unreadable) : fail(Msg::linkInPlace, link);
 }
 
 bool HSCPlazTask::requirePlace(const HSCPlazQStoreModel& store) {

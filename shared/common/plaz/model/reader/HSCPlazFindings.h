@@ -21,8 +21,8 @@ struct HSCPlazFinding {
 
     Kind kind;
     std::string subject; ///< the file or schema; the item or store that is refused
-    std::string
-        text; ///< the parser's message, the offending place, the limit, why it is refused; empty for what is unreadable
+    /// The parser's message, the offending place, the limit, why it is refused; empty for what is unreadable.
+    std::string text;
 
     bool isRefusal() const { return kind == Kind::itemRefused || kind == Kind::storeRefused; }
     /// The sentence that a person is told.
