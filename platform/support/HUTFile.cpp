@@ -190,11 +190,6 @@ bool HUTFile::isBeneath(const std::string& root, const std::string& path) {
     return platform::isBeneath(root, path);
 }
 
-std::string HUTFile::resolveLinks(const std::string& path) {
-    std::error_code error;
-    return platform::resolveLinks(path, error);
-}
-
 bool HUTFile::isOwn(const std::string& path) {
     return platform::isOwn(path);
 }

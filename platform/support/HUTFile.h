@@ -61,9 +61,6 @@ public:
     /// By the names alone: links in them must have been resolved.
     static bool isNamedBeneath(const std::string& root, const std::string& path);
 
-    /// The same name with every link in it resolved; empty when it leads to nothing.
-    static std::string resolveLinks(const std::string& path);
-
     /// Whether a file or directory, which must not be a link, is this user's: his own, or the system administrators'
     /// as long as nobody else may write to it (on Windows that is not looked at). Of a disk that gives users other
     /// names, such as a network drive, that name counts which it gives to a file that is made beside it for this.

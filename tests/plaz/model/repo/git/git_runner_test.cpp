@@ -160,7 +160,7 @@ TEST_F(GitRunner, EnvironmentIsOfOurMaking) {
     EXPECT_TRUE(seen("GIT_ASKPASS=/dialog\n") && !seen("GCM_INTERACTIVE=") && !seen("GIT_DIR="));
     if (!test_system::makeLink(temp.path("area"), temp.path("link"))) return;
     git.exec_git({"fetch"}, temp.path("link"), true, "");
-    for (const std::string& line : {"1=" + temp.path("link"), "2=" + temp.path("area")})
+    for (const std::string& line : {"1=" + temp.path("area"), "2=" + temp.path("link")})
         EXPECT_TRUE(seen("GIT_CONFIG_VALUE_" + line + "\n")) << line;
     EXPECT_TRUE(seen("GIT_CONFIG_KEY_2=safe.directory\n") && !seen("GIT_CONFIG_KEY_3=safe.directory\n"));
 }

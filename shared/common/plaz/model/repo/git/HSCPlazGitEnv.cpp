@@ -108,7 +108,7 @@ bool hasToFlush(const std::string& command, const std::string& workDir) {
 // A working copy belongs to the hub, whoever its disk says it belongs to (network drives). Git asks for the name with
 // links resolved, and takes one that begins like a share's for another place unless it is told not to.
 void trust(HUTFork& git, std::size_t& count, const std::string& workDir) {
-    for (const std::string& dir : {workDir, HUTFile::resolveLinks(workDir)}) {
+    for (const std::string& dir : std::set{workDir, HUTFile::getRealName(workDir)}) {
         if (dir.empty()) continue;
         addSetting(git, count++, "safe.directory", dir);
         if (hasPrefix(dir, "//")) addSetting(git, count++, "safe.directory", "%(prefix)/" + dir);

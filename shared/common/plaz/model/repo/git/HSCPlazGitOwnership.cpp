@@ -107,7 +107,7 @@ std::string HSCPlazGitOwnership::findObjection(const std::string& dir) {
     if (HUTFileTree::isLink(repository) || !HUTFile::isDirectory(repository))
         return "\"" + repository + "\" is no directory";
     const std::string config = repository + "/config";
-    for (const std::string& path : {HUTFile::resolveLinks(dir), repository, config})
+    for (const std::string& path : {HUTFile::getRealName(dir), repository, config})
         if (std::string objection = requireOwn(path); !objection.empty()) return objection;
     std::string detour = findDetour(repository);
     if (!detour.empty()) return "\"" + detour + "\" leads elsewhere";
