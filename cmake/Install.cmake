@@ -32,7 +32,8 @@ if(WIN32)
   include(CPack)
 else()
   install(TARGETS plazhost plaz_lib EXPORT plazTargets)
-  install(DIRECTORY ${PROJECT_BINARY_DIR}/share/plaz/tps DESTINATION ${CMAKE_INSTALL_DATADIR}/plaz)
+  install(DIRECTORY ${PROJECT_BINARY_DIR}/share/plaz/tps DESTINATION ${CMAKE_INSTALL_DATADIR}/plaz
+          USE_SOURCE_PERMISSIONS)
   install(FILES docs/man/plaz.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
   list(APPEND guides docs/embedding-guide.md)
 
