@@ -93,6 +93,19 @@ TEST_F(ItemTasksTest, FailuresOfDependencies) {
     EXPECT_TRUE(HSCPlazTaskMgr::verifyItem(hub(), find("deep"), nullptr).isDone());
 }
 
+// A crash where the way along dependencies is longer than the stack, here or when all that is there is gone through.
+TEST_F(ItemTasksTest, LongWaysEnd) {
+    std::string chain;
+    for (int at = 0; at < 103; ++at) chain += "i" + std::to_string(at) + "<i" + std::to_string(at + 1) + " ";
+    ship(chain);
+    for (int time = 0; time < 2; ++time) {
+        EXPECT_TRUE(install("i0"));
+        EXPECT_EQ(takeIds().back(), "17-2286");
+        EXPECT_TRUE(find("i90").IsInstalled());
+    }
+    EXPECT_TRUE(uninstall("i0"));
+}
+
 // An older revision taken for what its own name means in the catalog, or the newest for one that it does not need.
 TEST_F(ItemTasksTest, OlderRevisionNeedsTheNewest) {
     files.addStore("tcl", "ced", true).item("a", "1", {{"tcl", "a", ""}}).item("a", "2");

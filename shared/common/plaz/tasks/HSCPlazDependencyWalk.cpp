@@ -18,6 +18,8 @@ namespace Files = HSCPlazItemFiles;
 namespace {
 
 constexpr const char* installName = "HSCPlazTaskMgr::install_dependencies";
+/// Items on one way along dependencies; no honest one comes near that, and the stack holds it.
+constexpr std::size_t longestWay = 100;
 
 } // namespace
 
@@ -59,11 +61,12 @@ bool HSCPlazDependencyWalk::installAll(const HSCPlazQItem& item) {
            "...");
     inside("HSCPlazTaskMgr::install", "Total dependencies found: ", std::to_string(dependencies.size()));
     std::size_t done = 1;
+    std::set<std::string> named; // once is enough, of what a list names thousands of times
     for (const HSCPlazQItemDependency* dependency : dependencies) {
         const Step step(*this, *dependency);
         inside("HSCPlazTaskMgr::install", " qitem ", item.getDisplayName(), " dependency ", step.getKey());
         m_task.showPercent(100.0 * static_cast<double>(done++) / static_cast<double>(dependencies.size() + 1));
-        if (step.isNew() && !install(*dependency)) return false;
+        if (step.isNew() && named.insert(step.getKey()).second && !install(*dependency)) return false;
     }
     return !m_isCut;
 }
@@ -71,6 +74,8 @@ bool HSCPlazDependencyWalk::installAll(const HSCPlazQItem& item) {
 bool HSCPlazDependencyWalk::install(const HSCPlazQItemDependency& dependency) {
     m_isCut = m_isCut || m_task.isCancelled();
     if (m_isCut) return false;
+    if (m_path.size() > longestWay)
+        return m_task.fail(Msg::dependencyTooDeep, dependency.getItem(), std::to_string(longestWay));
     const HSCPlazFoundItem found = Dependencies::findOfferedOrInstalled(m_hub, dependency);
     if (!found) {
         inside(installName, " couldn't find the qitem ptr");
@@ -95,10 +100,11 @@ bool HSCPlazDependencyWalk::install(const HSCPlazQItemDependency& dependency) {
         m_task.tellNews(Msg::dependencyInstalled, found.item->getName());
     }
     if (!m_seen.insert(found.item).second) return true;
+    std::set<std::string> named;
     for (const HSCPlazQItemDependency* next : found.item->getItemDependencies()) {
         const Step step(*this, *next);
         // RATIONALE: a failure deep in the tree is told but does not undo what stands above it.
-        if (step.isNew()) install(*next);
+        if (step.isNew() && named.insert(step.getKey()).second) install(*next);
     }
     return true;
 }
@@ -109,7 +115,7 @@ bool HSCPlazDependencyWalk::installMissing(const HSCPlazQItem& item) {
         const Step step(*this, *dependency);
         if (!step.isNew()) continue;
         const HSCPlazFoundItem found = Dependencies::findInstalled(m_hub, *dependency);
-        if (!found || !HSCPlazInstalledFiles::areThere(*found.item)) {
+        if (!found || !HSCPlazInstalledFiles::areThere(*found.item) || m_path.size() > longestWay) {
             isComplete = install(*dependency) && isComplete;
         } else if (m_seen.insert(found.item).second) {
             isComplete = complete(found) && isComplete;
