@@ -54,7 +54,7 @@ std::string chooserOfProxy(const std::string& key) {
 /// The proxies that git takes from the environment where nothing is set.
 std::string getProxiesOfEnvironment() {
     std::string found;
-    for (const char* name : {"http_proxy", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"}) {
+    for (const char* name : HSCPlazName::proxyVariables) {
         const std::string value = HUTEnv::getEnv(name);
         if (!value.empty())
             found += std::string(found.empty() ? "" : "; ") + "variable " + name + "=" + HSCPlazTrust::maskProxy(value);

@@ -14,6 +14,7 @@ from hostile.world import SECRETS, USER
 from network.servers import HOST, make_certificates
 
 ID = "1" * 40
+NO_LOGIN, ASKS = "407 No", 'Proxy-Authenticate: Basic realm="x"'
 SERVICE = "/info/refs?service=git-upload-pack"
 
 
@@ -211,7 +212,10 @@ CASES = {
     "without an end": at(send_for_ever),
     "by drops": at(drip),
     "proxy with an answer": call_through("http", lambda request: advertise(f"ERR {CONTROLS}\n")),
+    "what a proxy was sent": call_through(
+        "http", lambda asked: repeat(asked) if "Auth" in asked else http(NO_LOGIN, ASKS)
+    ),
     "proxy with a page": call_through("http", show_page),
-    "proxy with a login": call_through("https", lambda request: http("407 No", 'Proxy-Authenticate: Basic realm="x"')),
+    "proxy with a login": call_through("https", lambda request: http(NO_LOGIN, ASKS)),
     "proxy in the middle": call_through("https", lambda request: [b"HTTP/1.1 200 OK\r\n\r\n", b"\x15\3\1\0\2\2\x28"]),
 }

@@ -12,6 +12,8 @@ inline constexpr const char* sharedRootVariable = "ZENTOR_PLAZ_SHARED_ROOT_DIR";
 inline constexpr const char* localUserDataVariable = "ZENTOR_PLAZ_LOCAL_USER_DATA";
 /// Reserved for a database location of its own; no rule asks for it yet.
 inline constexpr const char* localDbVariable = "ZENTOR_PLAZ_LOCAL_DB_PATH";
+/// Those from which git takes a proxy where none is set.
+inline constexpr const char* proxyVariables[] = {"http_proxy", "https_proxy", "HTTPS_PROXY", "all_proxy", "ALL_PROXY"};
 
 // Preferences of the user's.
 inline constexpr const char* storesPath = "QSTORES_PATH";

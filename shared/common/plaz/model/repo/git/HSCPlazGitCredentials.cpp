@@ -10,10 +10,7 @@
 #include "support/HCCXPrefMgr.h"
 #include "support/HPAParamMgr.h"
 
-#include <boost/algorithm/string/replace.hpp>
 #include <boost/algorithm/string/trim.hpp>
-#include <boost/archive/iterators/base64_from_binary.hpp>
-#include <boost/archive/iterators/transform_width.hpp>
 
 #include <algorithm>
 #include <cctype>
@@ -66,10 +63,9 @@ std::string decode(const std::string& text) {
     return decoded;
 }
 
-std::string toBase64(const std::string& text) {
-    using Bits = boost::archive::iterators::transform_width<std::string::const_iterator, 6, 8>;
-    using Letters = boost::archive::iterators::base64_from_binary<Bits>;
-    return std::string(Letters(text.begin()), Letters(text.end())) + std::string((3 - text.size() % 3) % 3, '=');
+HSCPlazGitCredentials fromUserPart(const std::string& user) {
+    const std::size_t colon = std::min(user.find(':'), user.size());
+    return {decode(user.substr(0, colon)), decode(user.substr(std::min(colon + 1, user.size())))};
 }
 
 std::string withoutUser(const std::string& url) {
@@ -154,9 +150,11 @@ HSCPlazGitCredentials HSCPlazGitCredentials::ofHub(const HSCPlazCfgModel* config
 
 HSCPlazGitCredentials HSCPlazGitCredentials::inUrl(const std::string& text) {
     const HSCPlazUrl url = HSCPlazUrl::parse(text);
-    if (!url.isHttp()) return {};
-    const std::size_t colon = std::min(url.user.find(':'), url.user.size());
-    return {decode(url.user.substr(0, colon)), decode(url.user.substr(std::min(colon + 1, url.user.size())))};
+    return url.isHttp() ? fromUserPart(url.user) : HSCPlazGitCredentials();
+}
+
+HSCPlazGitCredentials HSCPlazGitCredentials::inProxy(const std::string& proxy) {
+    return fromUserPart(HSCPlazUrl::parse(HSCPlazGitUrl::normalizeProxy(proxy)).user);
 }
 
 std::string HSCPlazGitCredentials::putInto(const std::string& text) const {
@@ -169,15 +167,6 @@ std::string HSCPlazGitCredentials::putInto(const std::string& text) const {
     url.user = encode(userId, unreserved);
     if (!token.empty()) url.user += ":" + encode(token, unreserved);
     return url.toText();
-}
-
-std::string HSCPlazGitCredentials::mask(const std::string& text) const {
-    constexpr std::size_t shortest = 4; // less is no secret, and would take words apart
-    std::string masked = HSCPlazTrust::maskSecrets(text);
-    if (isEmpty()) return masked;
-    for (const std::string& secret : {token.empty() ? userId : token, toBase64(userId + ":" + token)})
-        if (secret.size() >= shortest) boost::algorithm::replace_all(masked, secret, "***");
-    return masked;
 }
 
 std::string HSCPlazGitUrl::findRefusal(const std::string& url) {

@@ -29,11 +29,11 @@ struct HSCPlazGitCredentials {
     static HSCPlazGitCredentials ofHub(const HSCPlazCfgModel* config, const std::string& url);
     /// Those that stand in a web URL, decoded; none in any other.
     static HSCPlazGitCredentials inUrl(const std::string& url);
+    /// Those that stand in a proxy, with or without a scheme.
+    static HSCPlazGitCredentials inProxy(const std::string& proxy);
     /// @p url with the credentials, percent-encoded, in the place of its own user part. Only "http" and "https" take
     /// them; without credentials, or with another transport, a user part of the URL's own stays.
     std::string putInto(const std::string& url) const;
-    /// @p text, in which a server may tell what it was sent, with secrets masked as everywhere and these as well.
-    std::string mask(const std::string& text) const;
 };
 
 /// Texts of user parts, as git reads them.

@@ -15,6 +15,7 @@
 #include "plaz/model/repo/git/HSCPlazGitOwnership.h"
 #include "plaz/model/repo/git/HSCPlazGitProgram.h"
 #include "plaz/model/repo/git/HSCPlazGitRemoved.h"
+#include "plaz/model/repo/git/HSCPlazGitSecrets.h"
 #include "plaz/model/repo/git/HSCPlazGitTrace.h"
 #include "support/HIOStream.h"
 #include "support/HUTFile.h"
@@ -47,7 +48,7 @@ struct Run {
 };
 
 /// Adds a log's error lines.
-void setLastError(const std::string& log, const HSCPlazGitCredentials& secrets, std::set<std::string>& errors) {
+void setLastError(const std::string& log, const HSCPlazGitSecrets& secrets, std::set<std::string>& errors) {
     static constexpr const char* self = "`anonymous-namespace'::setLastError";
     HSCPlazDebugLog::inside(self, " log file : ", log);
     if (!HUTFile::exists(log)) {
@@ -227,7 +228,7 @@ Run runHere(const std::vector<std::string>& args, const std::string& workDir, co
     if (run.status == 0) return run;
     trace("failed to execute: ", run.commandLine);
     std::set<std::string> errors;
-    setLastError(log.getFile(), HSCPlazGitCredentials::inUrl(run.remoteUrl), errors);
+    setLastError(log.getFile(), HSCPlazGitSecrets(run.remoteUrl, dir), errors);
     for (const std::string& line : errors) run.errors += line + "\n";
     run.limit = HSCPlazGitLimits::explain(git, command, run.remoteUrl, dir);
     return run;
@@ -326,7 +327,7 @@ HSCPlazGitAnswer HSCPlazGitRunner::ask(const std::vector<std::string>& args, con
     const DirectRun done = runOnce(process, words, workDir, log, HSCPlazGitParams::getTimeOut());
     HSCPlazGitAnswer answer{done.status, {}};
     answer.isHeard = HIOStream::read(outFile.getName(), answer.text) == HIOStream::Status::ok;
-    answer.text = HSCPlazGitCredentials::inUrl(done.remoteUrl).mask(answer.text);
+    answer.text = HSCPlazGitSecrets(done.remoteUrl, workDir).mask(answer.text);
     if (answer.status != 0) answer.details = HSCPlazGitCertificates::explain(done.remoteUrl, answer.text, workDir);
     return answer;
 }

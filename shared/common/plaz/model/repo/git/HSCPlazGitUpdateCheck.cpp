@@ -41,7 +41,7 @@ std::uint32_t run(const std::string& arguments, const std::string& dir, const st
 
 /// Whether the first head that the branch names differs from the local one; nothing when no line names the branch.
 std::optional<bool> compare(const std::string& localLine, const std::string& heads, const std::string& branch,
-                            const HSCPlazGitCredentials& secrets) {
+                            const HSCPlazGitSecrets& secrets) {
     const std::string target = "refs/heads/" + branch;
     std::istringstream lines(heads);
     for (std::string line; std::getline(lines, line);) {
@@ -55,7 +55,7 @@ std::optional<bool> compare(const std::string& localLine, const std::string& hea
 } // namespace
 
 std::optional<bool> HSCPlazGitUpdateCheck::isMoved(const std::string& log, const std::string& heads,
-                                                   const std::string& branch, const HSCPlazGitCredentials& secrets) {
+                                                   const std::string& branch, const HSCPlazGitSecrets& secrets) {
     const std::string localLine = log.substr(0, log.find('\n'));
     trace("log = ", localLine);
     if (localLine.empty()) return std::nullopt;
@@ -78,7 +78,7 @@ HSCPlazUpdateCheck askAndCompare(const std::string& cloneDir, const std::string&
     const std::uint32_t status = run(" ls-remote " + argument, cloneDir, headsFile.getName());
     const std::string log = logFile.read();
     const std::string heads = headsFile.read();
-    const HSCPlazGitCredentials secrets = HSCPlazGitCredentials::inUrl(url);
+    const HSCPlazGitSecrets secrets(url, cloneDir);
     HSCPlazUpdateCheck check{HSCPlazGitUpdateCheck::isMoved(log, heads, branch, secrets), {}};
     trace(url, " ", branch, check.moved.value_or(false) ? " has updates!" : " has no updates!");
     if (status != 0)

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "plaz/base/HSCPlazUpdateCheck.h"
-#include "plaz/model/repo/git/HSCPlazGitCredentials.h"
+#include "plaz/model/repo/git/HSCPlazGitSecrets.h"
 
 #include <optional>
 #include <string>
@@ -23,6 +23,6 @@ HSCPlazUpdateCheck look(const std::string& cloneDir, const std::string& access, 
 /// @param secrets  not shown where the server tells them back
 /// @return nothing where neither the branch nor the one in its stead is there, or the log is empty
 std::optional<bool> isMoved(const std::string& log, const std::string& heads, const std::string& branch,
-                            const HSCPlazGitCredentials& secrets = {});
+                            const HSCPlazGitSecrets& secrets = {});
 
 } // namespace HSCPlazGitUpdateCheck
