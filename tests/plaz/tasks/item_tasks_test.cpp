@@ -93,9 +93,11 @@ TEST_F(ItemTasksTest, FailuresOfDependencies) {
     EXPECT_TRUE(HSCPlazTaskMgr::verifyItem(hub(), find("deep"), nullptr).isDone());
 }
 
-// A crash where the way along dependencies is longer than the stack, here or when all that is there is gone through.
+// A crash where the way along dependencies is longer than the stack, here or when all that is there is gone through; an
+// item told as left out that a shorter way has brought; a message for each of thousands that are not there.
 TEST_F(ItemTasksTest, LongWaysEnd) {
-    std::string chain;
+    std::string chain =
+        "i103 short<i1,i98,i99,i100,i101,i102,i103 top<lost lost<a,b,c,d,e,f,g,h,i,j,k,l,m,n,o,p,q,r,s,t,u ";
     for (int at = 0; at < 103; ++at) chain += "i" + std::to_string(at) + "<i" + std::to_string(at + 1) + " ";
     ship(chain);
     for (int time = 0; time < 2; ++time) {
@@ -103,7 +105,12 @@ TEST_F(ItemTasksTest, LongWaysEnd) {
         EXPECT_EQ(takeIds().back(), "17-2286");
         EXPECT_TRUE(find("i90").IsInstalled());
     }
+    EXPECT_TRUE(install("short"));
+    EXPECT_EQ(takeIds().back(), "17-1554");
     EXPECT_TRUE(uninstall("i0"));
+    takeIds();
+    EXPECT_FALSE(install("top"));
+    EXPECT_EQ(takeIds().size(), 25U);
 }
 
 // An older revision taken for what its own name means in the catalog, or the newest for one that it does not need.

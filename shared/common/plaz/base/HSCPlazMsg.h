@@ -61,6 +61,7 @@ inline constexpr MsgId<2> storeWithdrawn{"@17-2178@%s%s"};      ///< store, its 
 inline constexpr MsgId<2> textNotForTcl{"@17-2179@%s%s"};       ///< name, path or proxy, why
 inline constexpr MsgId<2> nameInSeveralStores{"@17-2285@%s%s"}; ///< name, references
 inline constexpr MsgId<2> dependencyTooDeep{"@17-2286@%s%s"};   ///< item, how many
+inline constexpr MsgId<2> dependenciesGivenUp{"@17-2287@%s%s"}; ///< item that was asked for, how many
 inline constexpr MsgId<1> itemFetchedAgain{"@17-2188@%s"};      ///< display name
 inline constexpr MsgId<1> unexpectedFailure{"@17-2189@%s"};     ///< what the system or a library said
 inline constexpr MsgId<1> storeNotRefreshed{"@17-2191@%s"};     ///< store

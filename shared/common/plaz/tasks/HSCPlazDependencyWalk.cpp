@@ -20,6 +20,8 @@ namespace {
 constexpr const char* installName = "HSCPlazTaskMgr::install_dependencies";
 /// Items on one way along dependencies; no honest one comes near that, and the stack holds it.
 constexpr std::size_t longestWay = 100;
+/// Failures of one walk. Each is told, and may have taken a server's time.
+constexpr std::size_t mostFailures = 20;
 
 } // namespace
 
@@ -44,7 +46,8 @@ private:
 };
 
 HSCPlazDependencyWalk::HSCPlazDependencyWalk(HSCPlazTask& task, HSCPlazItemChanges& changes, const HSCPlazQItem& item)
-    : m_task(task), m_changes(changes), m_hub(task.getHub()), m_path(Dependencies::keysOf(item)), m_seen{&item} {}
+    : m_task(task), m_changes(changes), m_hub(task.getHub()), m_name(Files::shownName(item)),
+      m_path(Dependencies::keysOf(item)), m_seen{&item} {}
 
 HSCPlazFoundItem HSCPlazDependencyWalk::find(const HSCPlaz& hub, const HSCPlazQItem* item) {
     return Dependencies::findByName(hub, item->getStoreName(), item->getName(), item->getRevision());
@@ -52,7 +55,21 @@ HSCPlazFoundItem HSCPlazDependencyWalk::find(const HSCPlaz& hub, const HSCPlazQI
 
 bool HSCPlazDependencyWalk::complete(const HSCPlazFoundItem& found) {
     return HSCPlazRepairTask::restoreLost(m_task, m_changes, found, false) ||
-           m_task.fail(Msg::dependencyInstallFailed, found.item->getName());
+           fail({Msg::dependencyInstallFailed, MsgSeverity::error, found.item->getName()});
+}
+
+bool HSCPlazDependencyWalk::fail(const HSCPlazReport& report) {
+    m_task.fail(report);
+    if (++m_failures < mostFailures || m_isCut) return false;
+    m_isCut = true;
+    return m_task.fail(Msg::dependenciesGivenUp, m_name, std::to_string(mostFailures));
+}
+
+bool HSCPlazDependencyWalk::tellTooDeep() {
+    for (const auto& [key, item] : m_tooDeep)
+        if (!m_isCut && m_seen.count(item) == 0)
+            fail({Msg::dependencyTooDeep, MsgSeverity::error, item->getName(), std::to_string(longestWay)});
+    return !m_isCut;
 }
 
 bool HSCPlazDependencyWalk::installAll(const HSCPlazQItem& item) {
@@ -68,18 +85,20 @@ bool HSCPlazDependencyWalk::installAll(const HSCPlazQItem& item) {
         m_task.showPercent(100.0 * static_cast<double>(done++) / static_cast<double>(dependencies.size() + 1));
         if (step.isNew() && named.insert(step.getKey()).second && !install(*dependency)) return false;
     }
-    return !m_isCut;
+    return tellTooDeep();
 }
 
 bool HSCPlazDependencyWalk::install(const HSCPlazQItemDependency& dependency) {
     m_isCut = m_isCut || m_task.isCancelled();
     if (m_isCut) return false;
-    if (m_path.size() > longestWay)
-        return m_task.fail(Msg::dependencyTooDeep, dependency.getItem(), std::to_string(longestWay));
     const HSCPlazFoundItem found = Dependencies::findOfferedOrInstalled(m_hub, dependency);
     if (!found) {
         inside(installName, " couldn't find the qitem ptr");
-        return m_task.fail(Msg::dependencyUnknown, dependency.getItem(), dependency.getStore());
+        return fail({Msg::dependencyUnknown, MsgSeverity::error, dependency.getItem(), dependency.getStore()});
+    }
+    if (m_path.size() > longestWay) { // another way to it may be shorter
+        m_tooDeep.emplace(Dependencies::keyOf(dependency), found.item);
+        return true;
     }
     inside(installName, " found qitem ptr");
     // One that is a single file never counts as there, and may be named thousands of times.
@@ -92,7 +111,7 @@ bool HSCPlazDependencyWalk::install(const HSCPlazQItemDependency& dependency) {
         if (!m_changes.install(found, HSCPlazInstallationMode::tool, false)) {
             m_isCut = m_task.isCancelled();
             inside(installName, " couldn't install ", dependency.getItem());
-            return m_task.fail(Msg::dependencyInstallFailed, dependency.getItem());
+            return fail({Msg::dependencyInstallFailed, MsgSeverity::error, dependency.getItem()});
         }
         const HSCPlazPathMgr& paths = m_task.getWorkspace().paths;
         inside(installName, " source: ", paths.getStoreLayout(*found.store->getModel()).getIncoming());
@@ -110,17 +129,23 @@ bool HSCPlazDependencyWalk::install(const HSCPlazQItemDependency& dependency) {
 }
 
 bool HSCPlazDependencyWalk::installMissing(const HSCPlazQItem& item) {
+    const bool isComplete = followMissing(item);
+    return tellTooDeep() && isComplete;
+}
+
+bool HSCPlazDependencyWalk::followMissing(const HSCPlazQItem& item) {
     bool isComplete = true;
+    std::set<std::string> named;
     for (const HSCPlazQItemDependency* dependency : item.getItemDependencies()) {
         const Step step(*this, *dependency);
-        if (!step.isNew()) continue;
+        if (!step.isNew() || !named.insert(step.getKey()).second) continue;
         const HSCPlazFoundItem found = Dependencies::findInstalled(m_hub, *dependency);
         if (!found || !HSCPlazInstalledFiles::areThere(*found.item) || m_path.size() > longestWay) {
             isComplete = install(*dependency) && isComplete;
         } else if (m_seen.insert(found.item).second) {
             isComplete = complete(found) && isComplete;
-            installMissing(*found.item);
+            followMissing(*found.item);
         }
     }
-    return isComplete && !m_isCut;
+    return isComplete;
 }

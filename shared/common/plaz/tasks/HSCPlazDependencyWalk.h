@@ -1,7 +1,9 @@
 #pragma once
 
+#include "plaz/base/HSCPlazReport.h"
 #include "plaz/store/HSCPlazDependencies.h"
 
+#include <map>
 #include <set>
 #include <string>
 
@@ -29,11 +31,19 @@ private:
     class Step;
     bool install(const HSCPlazQItemDependency& dependency);
     bool complete(const HSCPlazFoundItem& found);
+    bool followMissing(const HSCPlazQItem& item);
+    /// Tells a failure, and that all ends after too many. @return false
+    bool fail(const HSCPlazReport& report);
+    /// Tells of items that no way led to but one that is too long. @return whether all was seen to
+    bool tellTooDeep();
 
     HSCPlazTask& m_task;
     HSCPlazItemChanges& m_changes;
     HSCPlaz& m_hub;
+    std::string m_name; ///< of the item asked for
     std::set<std::string> m_path;
+    std::map<std::string, const HSCPlazQItem*> m_tooDeep; ///< by the dependencies' keys
+    std::size_t m_failures = 0;
     std::set<const HSCPlazQItem*> m_seen; ///< what they need has been seen to
-    bool m_isCut = false;                 ///< by cancellation: something was not seen to
+    bool m_isCut = false;                 ///< by cancellation or too many failures: something was not seen to
 };
