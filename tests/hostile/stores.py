@@ -129,6 +129,16 @@ CASES = {
     "number large": ("bad", {"files store.json": lambda text: text.replace('": 1', '": 1e9999', 1)}),
     "text long": ("stone", {"infra description": "x" * 9_000_000}),
     "broken entries": ("i0", {"items": [offer(f"i{i}", root="../x") for i in range(20_000)]}),
+    "described often": (
+        "bad",
+        {
+            "catalog multi_revision_supported": True,
+            "item latest_revision": "0",
+            "item revisions": [{"revision": str(i), "commit_id": "", "history": ""} for i in range(999)],
+            "infra dependencies": need(*["pearl"] * 9000),
+            "world": lambda world: world.settings.update({"plaz.maxFileSize": "40"}),
+        },
+    ),
     "no files": ("i0", {"items": [offer(f"i{i}") for i in range(5_000)]}),
     "NUL": ("bad", {"files catalog.json": lambda text: text.replace('"stone"', '"st\0one"')}),
     "NUL escaped": ("", {"infra display": "st\0one"}),

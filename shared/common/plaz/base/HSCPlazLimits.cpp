@@ -88,7 +88,7 @@ std::string HSCPlazLimits::describeFile(File kind) const {
 }
 
 std::string HSCPlazLimits::describeItemFiles() const {
-    return named("with it the metadata files of the store's items take more than " +
+    return named("with it the descriptions of the store's items take more than " +
                      inUnits(getItemFilesSize(), listFile) + ", " + std::to_string(itemFilesOfFile) + " times",
                  listFile) +
            ", so it and those behind it are left out";

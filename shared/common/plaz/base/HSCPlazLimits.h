@@ -22,7 +22,7 @@ public:
 
     /// Bytes of one file.
     std::uint64_t getFileSize(File kind) const { return kind == File::list ? m_listFile : m_itemFile; }
-    /// Bytes of all item metadata files of a store.
+    /// Bytes of all item metadata files of a store, and of the descriptions that are made of them.
     std::uint64_t getItemFilesSize() const;
     /// Items of a store, each revision as one where the store keeps several.
     std::size_t getItemCount() const { return m_items; }

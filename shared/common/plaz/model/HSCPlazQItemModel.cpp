@@ -62,6 +62,18 @@ void HSCPlazQItemModel::copyDescriptionFrom(const HSCPlazQItemModel& other) {
     setDependencies(std::move(dependencies));
 }
 
+std::uint64_t HSCPlazQItemModel::getDescriptionSize() const {
+    std::uint64_t size = getDisplayName().size() + getDescription().size() + m_company.size() +
+                         m_companyDisplayName.size() + m_author.size() + m_category.size() + m_logo.size() +
+                         m_website.size();
+    for (const auto* texts : {&m_categories, &m_searchKeywords})
+        for (const std::string& text : *texts) size += sizeof(std::string) + text.size();
+    for (const HSCPlazQItemDependency* each : m_dependencies)
+        size += sizeof *each + 3 * sizeof(void*) + each->getItem().size() + each->getStore().size() +
+                each->getRevision().size(); // with both pointers and what the heap adds
+    return size;
+}
+
 void HSCPlazQItemModel::takeEntryOf(const HSCPlazQItemModel& other) {
     setItemRoot(other.getItemRoot());
     setMetadataFile(other.getMetadataFile());

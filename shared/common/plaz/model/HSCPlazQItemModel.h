@@ -132,6 +132,8 @@ public:
     /// Takes over what describes the item to people and to the dependency walk: texts, keywords, categories,
     /// dependencies, logo. Key (name, revision, commit, place) and installation state stay.
     void copyDescriptionFrom(const HSCPlazQItemModel& other);
+    /// Bytes that what is copied so takes, about.
+    std::uint64_t getDescriptionSize() const;
     /// Takes over what the catalog says of this revision, from an item that was read from it.
     void takeEntryOf(const HSCPlazQItemModel& other);
 

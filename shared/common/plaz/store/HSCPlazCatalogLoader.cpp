@@ -192,15 +192,16 @@ void HSCPlazCatalogLoader::loadItems(HSCPlazQStoreModel& store, const std::strin
         HSCPlazReport ofItem;
         const bool read = described.count(item.get()) != 0 || readItemMetadata(root, store, document, *item, ofItem);
         if (!ofItem.isEmpty()) m_report.appendOneOfMany(ofItem, group);
-        if (document.getBytesRead() > document.getLimits().getItemFilesSize()) {
+        // A revision that has no file of its own here is described by the one that the catalog lists before it.
+        const bool isCopied = !read && last && last->getName() == item->getName() && item->getDisplayName().empty();
+        if (read) last = item.get();
+        if (read || isCopied) document.countMade(last->getDescriptionSize());
+        if (document.isTooMuch()) {
             m_report.add(Msg::limitExceeded, MsgSeverity::error, document.getFile(),
                          document.getLimits().describeItemFiles());
             break;
         }
-        if (read) last = item.get();
-        // A revision that has no file of its own here is described by the one that the catalog lists before it.
-        else if (last && last->getName() == item->getName() && item->getDisplayName().empty())
-            item->copyDescriptionFrom(*last);
+        if (isCopied) item->copyDescriptionFrom(*last);
     }
     if (HSCPlazDebugLog::isEnabled()) HSCPlazDebugLog::write(std::string("Done ") + loadItemsName);
 }

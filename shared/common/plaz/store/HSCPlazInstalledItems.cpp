@@ -1,6 +1,7 @@
 #include "plaz/store/HSCPlazInstalledItems.h"
 
 #include "plaz/base/HSCPlazDebugLog.h"
+#include "plaz/base/HSCPlazLimits.h"
 #include "plaz/base/HSCPlazTrustRules.h"
 #include "plaz/model/HSCPlazQStoreModel.h"
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
@@ -134,7 +135,8 @@ HSCPlazQItemModel& HSCPlazInstalledItems::addUnlisted(const HSCPlazQItemModel& r
     added->setCommitId(record.getCommitId());
     const std::string root = toRoot(record); // where it was installed, whatever folder others come from by now
     if (const HSCPlazQItemModel* listed = findListed(record.getName())) {
-        added->copyDescriptionFrom(*listed);
+        m_copied += listed->getDescriptionSize();
+        if (m_copied <= HSCPlazLimits().getItemFilesSize()) added->copyDescriptionFrom(*listed);
         added->setRoot(root.empty() ? listed->getRoot() : root);
         added->setItemRoot(listed->getItemRoot());
         added->setMetadataFile(listed->getMetadataFile());

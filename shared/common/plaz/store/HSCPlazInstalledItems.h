@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <unordered_map>
 #include <vector>
@@ -46,6 +47,7 @@ private:
 
     HSCPlazQStoreModel& m_store;
     const HSCPlazPathMgr& m_paths;
-    std::string m_area; // canonical; empty when the store has none
+    std::string m_area;         // canonical; empty when the store has none
+    std::uint64_t m_copied = 0; // bytes of descriptions, which a database may name any number of times
     std::unordered_map<std::string, std::vector<HSCPlazQItemModel*>> m_itemsOfName; // of the records' names alone
 };

@@ -96,7 +96,7 @@ void HSCPlazInstalledState::describe(const HSCPlazQStoreModel& store, const Item
     for (const auto& item : items) {
         if (!item->isInstalled()) continue;
         item->setIsDescribedByItself(false);
-        if (item->isOutOfReach()) continue;
+        if (item->isOutOfReach() || document.isTooMuch()) continue;
         // Where it is: its folder in the repository may be another one by now.
         std::string folder = layout.getFolderOf(item->getLocalDir());
         if (folder.empty()) folder = HSCPlazPathMgr::getItemFolder(store, *item);
@@ -105,11 +105,15 @@ void HSCPlazInstalledState::describe(const HSCPlazQStoreModel& store, const Item
         if (!ofItem.isEmpty()) m_report.appendOneOfMany(ofItem, HSCPlazCatalogLoader::groupOfItems(store));
         item->setIsDescribedByItself(description != nullptr);
         if (!description) continue;
+        document.countMade(description->getDescriptionSize());
         if (describes(*description, *item)) item->copyDescriptionFrom(*description);
         if (description->getName() == item->getName()) continue;
         item->clearDependencies(); // it is another item's
         item->setIsDescribedByItself(!isChanged(layout, *item, folder));
     }
+    if (document.isTooMuch())
+        m_report.add(Msg::limitExceeded, MsgSeverity::error, document.getFile(),
+                     document.getLimits().describeItemFiles());
 }
 
 void HSCPlazInstalledState::update() const {

@@ -76,9 +76,13 @@ public:
 
 private:
     bool takeEach() {
+        const HSCPlazQItemModel* last = nullptr;
         for (const auto& item : m_store.getItems()) {
-            if (isDescribed(m_store, *item) && !take(*item)) return false;
-            if (m_document.getBytesRead() > m_document.getLimits().getItemFilesSize())
+            if (isDescribed(m_store, *item)) last = item.get();
+            if (last == item.get() && !take(*item)) return false;
+            // Revisions that have no file of their own will be described by the one before them.
+            if (last && last->getName() == item->getName()) m_document.countMade(m_size);
+            if (m_document.isTooMuch())
                 return m_task.fail(Msg::limitExceeded, m_document.getFile(),
                                    m_document.getLimits().describeItemFiles());
         }
@@ -98,6 +102,7 @@ private:
     /// Puts one item's fetched metadata file, and its change log, where the new descriptions lie, and reads it.
     /// @return false when it cannot be written there
     bool take(HSCPlazQItemModel& item) {
+        m_size = 0;
         const std::string relative = item.getRoot() + "/" + item.getMetadataFile();
         const std::string fetched = m_fetched.getDir() + "/" + relative;
         HSCPlazReport problem;
@@ -109,6 +114,7 @@ private:
         HSCPlazQItemModel description;
         HSCPlazFindings found;
         HSCPlazQItemReader::readBelow(m_fetched, relative, m_document, description, found);
+        m_size = description.getDescriptionSize();
         if (!found.isEmpty()) m_found.appendOneOfMany(found.toReport(), HSCPlazCatalogLoader::groupOfItems(m_store));
         const std::string dir = m_fresh + "/" + HSCPlazPathMgr::getItemFolder(m_store, item) + "/";
         if (!HSCPlazFetchedFiles::place(fetched, dir + item.getMetadataFile()))
@@ -128,6 +134,7 @@ private:
     const std::string m_fresh;
     const HIOStream::Root m_fetched;
     HSCPlazReport m_problems, m_found;
+    std::uint64_t m_size = 0; ///< of the description that was taken last
     HSCPlazJsonDocument m_document{HSCPlazLimits::File::item};
 };
 

@@ -6,6 +6,7 @@
 #include "support/HCRapidJsonReadWriteUtils.h"
 #include "support/HIOStream.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -35,8 +36,11 @@ public:
     bool isParsed() const { return m_parsed; }
     /// Valid until the next load; null when nothing was parsed.
     const rapidjson::Value& getRoot() const { return m_document; }
-    /// Bytes of all files that were read so far.
-    std::uint64_t getBytesRead() const { return m_bytesRead; }
+    /// Counts what a description takes that was made of what was read.
+    void countMade(std::uint64_t bytes) { m_bytesMade += bytes; }
+    /// Whether all files that were read so far, or what was made of them, take more than those of a store's items may
+    /// (HSCPlazLimits::describeItemFiles).
+    bool isTooMuch() const { return std::max(m_bytesRead, m_bytesMade) > m_limits.getItemFilesSize(); }
     const HSCPlazLimits& getLimits() const { return m_limits; }
     /// Layout version: the top-level "_major" and "_minor", 0 where they are no integers.
     int getMajor() const;
@@ -65,6 +69,7 @@ private:
     const HSCPlazLimits m_limits;
     const HCRapidJsonLimits m_jsonLimits;
     std::uint64_t m_bytesRead = 0;
+    std::uint64_t m_bytesMade = 0;
     std::string m_file;
     std::string m_text;
     std::unique_ptr<char[]> m_poolStart; // the pool keeps this block between files
