@@ -98,6 +98,7 @@ std::vector<Finding> Doctor::examine(const std::vector<HSCPlazQStore*>& stores) 
             return doctor::checkProxy(trial->getDir());
         });
     }
+    round.make("settings", doctor::checkSettings);
     round.make("switches", doctor::checkSwitches);
     round.make("directories", [&] { return doctor::checkDirectories(paths, pathsOf(m_hub, stores)); });
     round.make("disk", [&] { return doctor::checkDisk(find(paths, "user area")); });

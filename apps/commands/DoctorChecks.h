@@ -44,6 +44,8 @@ Finding checkGit(const HSCPlazPathsInForce::Path& git);
 Finding checkCertificates(const HSCPlazPathsInForce::Path& bundle);
 /// What git connects through. @param trial  directory of a working copy as a refresh would set it up
 Finding checkProxy(const std::string& trial);
+/// What the parameters were set to, and by what; a finding for each preference that nothing goes by.
+std::vector<Finding> checkSettings();
 /// The parameters that switch things off: one finding for each that does, or one that tells that none does.
 std::vector<Finding> checkSwitches();
 

@@ -1,11 +1,20 @@
 #include "HubParams.h"
 
+#include "Failure.h"
 #include "Glob.h"
 #include "Secrets.h"
+#include "ShellMsg.h"
+#include "UserSettings.h"
 
 #include "support/HPAParamMgr.h"
 
 #include <algorithm>
+
+const HPAParam& requireParam(const std::string& name) {
+    const HPAParam* param = HPAParamMgr::getParamMgr().findParam(name);
+    if (!param) failWith(ShellMsg::paramUnknown, name);
+    return *param;
+}
 
 std::vector<const HPAParam*> findParams(const std::string& pattern, bool withHidden) {
     std::vector<const HPAParam*> params = HPAParamMgr::getParamMgr().list(withHidden);
@@ -15,8 +24,9 @@ std::vector<const HPAParam*> findParams(const std::string& pattern, bool withHid
 }
 
 TextTable tabulate(const std::vector<const HPAParam*>& params) {
-    TextTable table({"PARAMETER", "VALUE", "DEFAULT", "DESCRIPTION"});
+    TextTable table({"PARAMETER", "VALUE", "SOURCE", "DEFAULT", "DESCRIPTION"});
     for (const HPAParam* param : params)
-        table.addRow({param->getName(), shownValue(*param), param->getDefault(), param->getDescription()});
+        table.addRow(
+            {param->getName(), shownValue(*param), sourceOf(*param), param->getDefault(), param->getDescription()});
     return table;
 }

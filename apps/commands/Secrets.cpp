@@ -23,12 +23,6 @@ bool isCredential(const std::string& setting) {
                        [&](const char* begin) { return name.rfind(begin, 0) == 0; });
 }
 
-bool isProxy(const std::string& setting) {
-    const std::string name = HUTText::lowered(setting);
-    return std::any_of(proxies.begin(), proxies.end(),
-                       [&](const char* proxy) { return name == std::string("plaz.") + proxy; });
-}
-
 bool isWordPart(const std::string& text, std::size_t at) {
     return at < text.size() && std::isalnum(static_cast<unsigned char>(text[at])) != 0;
 }
@@ -72,13 +66,19 @@ bool setsMoreThanHarmless(const std::string& command, const std::string& setter,
 
 } // namespace
 
+bool isProxySetting(const std::string& setting) {
+    const std::string name = HUTText::lowered(setting);
+    return std::any_of(proxies.begin(), proxies.end(),
+                       [&](const char* proxy) { return name == std::string("plaz.") + proxy; });
+}
+
 bool isSecret(const std::string& setting) {
-    return isProxy(setting) || isCredential(setting);
+    return isProxySetting(setting) || isCredential(setting);
 }
 
 std::string shownValue(const std::string& setting, const std::string& value) {
     if (isCredential(setting) && !value.empty()) return mask;
-    return isProxy(setting) ? HSCPlazTrust::maskProxy(value) : HSCPlazTrust::maskSecrets(value);
+    return isProxySetting(setting) ? HSCPlazTrust::maskProxy(value) : HSCPlazTrust::maskSecrets(value);
 }
 
 std::string shownValue(const HPAParam& param) {

@@ -7,6 +7,8 @@ class HPAParam;
 // How people may see what can hold a user id, token or password: the rules of all front ends. A setting is a parameter
 // or a preference; its name may be in any case.
 
+/// Whether the setting is the address of a proxy.
+bool isProxySetting(const std::string& setting);
 /// Whether a value of the setting may hold a secret whatever it looks like.
 bool isSecret(const std::string& setting);
 /// A value of the setting as people may see it: user ids, tokens and the user part of proxies and URLs read "***".

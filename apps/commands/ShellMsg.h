@@ -31,7 +31,14 @@ inline constexpr MsgId<1> notOneObject{"@17-2211@%s"}; ///< how many were named
 inline constexpr MsgId<0> objectsForgotten{"@17-2212@"};
 inline constexpr MsgId<2> itemOfOtherStore{"@17-2213@%s%s"}; ///< a reference; the store in which it was to be
 inline constexpr MsgId<0> nothingInstalled{"@17-2238@"};
-inline constexpr MsgId<2> itemNeeded{"@17-2239@%s%s"};  ///< reference, by what
-inline constexpr MsgId<1> noOldRevision{"@17-2241@%s"}; ///< reference
+inline constexpr MsgId<2> itemNeeded{"@17-2239@%s%s"};         ///< reference, by what
+inline constexpr MsgId<1> noOldRevision{"@17-2241@%s"};        ///< reference
+inline constexpr MsgId<2> settingKept{"@17-2320@%s%s"};        ///< parameter, value
+inline constexpr MsgId<3> settingOverruled{"@17-2321@%s%s%s"}; ///< parameter, variable, its value
+inline constexpr MsgId<2> settingUseless{"@17-2322@%s%s"};     ///< parameter, what is wrong
+inline constexpr MsgId<2> settingForgotten{"@17-2323@%s%s"};   ///< parameter, value
+inline constexpr MsgId<2> settingNotKept{"@17-2324@%s%s"};     ///< parameter, value
+inline constexpr MsgId<1> settingIsSecret{"@17-2325@%s"};      ///< parameter
+inline constexpr MsgId<1> settingNotGiven{"@17-2326@%s"};      ///< parameter
 inline constexpr MsgId<0> cancelled{"@17-2190@"};
 } // namespace ShellMsg

@@ -14,11 +14,6 @@ namespace py = pybind11;
 
 namespace {
 
-const HPAParam& findParam(const std::string& name) {
-    if (const HPAParam* param = HPAParamMgr::getParamMgr().findParam(name)) return *param;
-    failWith(ShellMsg::paramUnknown, name);
-}
-
 py::object valueOf(const HPAParam& param) {
     const HPAParamMgr& params = HPAParamMgr::getParamMgr();
     switch (param.getType()) {
@@ -62,14 +57,14 @@ void requireWhole(const std::string& setting, const std::string& value) {
 } // namespace
 
 py::object getParam(const Text& name) {
-    return callHub([&](Call&) { return valueOf(findParam(name.value)); });
+    return callHub([&](Call&) { return valueOf(requireParam(name.value)); });
 }
 
 void setParam(const py::object& name, const py::object& value) {
     const std::string known = nameOf(name);
     const std::string text = valueOf(value);
     callHub([&](Call&) {
-        requireWhole(findParam(known).getName(), text);
+        requireWhole(requireParam(known).getName(), text);
         if (!HPAParamMgr::getParamMgr().setValue(known, text))
             throw py::value_error("the parameter " + known + " does not take such a value");
         return true;
@@ -77,7 +72,7 @@ void setParam(const py::object& name, const py::object& value) {
 }
 
 void resetParam(const Text& name) {
-    callHub([&](Call&) { return HPAParamMgr::getParamMgr().resetValue(findParam(name.value).getName()); });
+    callHub([&](Call&) { return HPAParamMgr::getParamMgr().resetValue(requireParam(name.value).getName()); });
 }
 
 std::vector<std::string> listParams() {

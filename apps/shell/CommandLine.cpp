@@ -148,6 +148,16 @@ void addCommands(CLI::App& app, Options& options) {
     CLI::App* params = app.add_subcommand("params", "List parameters with value, default and description");
     params->add_option("PATTERN", options.pattern, "Names to list: a pattern with * ? [a-z]")->type_name("");
     addFlag(*params, commandOptions::hidden, options.hidden);
+    CLI::App* set = app.add_subcommand("set", "Keep the value of a parameter for you, from now on");
+    CLI::App* unset = app.add_subcommand("unset", "Keep a parameter's value no longer");
+    for (CLI::App* command : {set, unset})
+        command->add_option("PARAM", options.param, "The parameter (see plaz params --hidden)")
+            ->type_name("")
+            ->required();
+    set->add_option("VALUE", options.value,
+                    "The value. Without it, it is asked for, or read from standard input, as it has to be with tokens, "
+                    "user ids and passwords")
+        ->type_name("");
     CLI::App* shell = app.add_subcommand("shell", "Run Tcl with the hub's commands: plaz shell [SCRIPT [ARG...]]");
     shell->prefix_command()->fallthrough(false); // what stands behind SCRIPT is the script's
     addSharedOptions(*shell, options);

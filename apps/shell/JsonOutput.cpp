@@ -2,6 +2,7 @@
 
 #include "Secrets.h"
 #include "StoreSummary.h"
+#include "UserSettings.h"
 
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/HSCPlazQItem.h"
@@ -185,6 +186,8 @@ void fillParam(Object& object, const HPAParam* param) {
     object.text("name", param->getName())
         .text("type", typeName(param->getType()))
         .text("value", shownValue(*param))
+        .text("source", sourceOf(*param))
+        .text("variable", param->getVariable())
         .text("default", param->getDefault())
         .text("description", param->getDescription())
         .flag("hidden", param->isHidden());
@@ -282,6 +285,10 @@ void JsonOutput::showPaths(const std::vector<HSCPlazPathsInForce::Path>& hub,
         arrayOf(m_document, stores, [this](Object& object, const HSCPlazPathsInForce::StorePaths& store) {
             object.text("name", store.store).value("paths", arrayOf(m_document, store.paths, fillPath));
         }));
+}
+
+void JsonOutput::showSetting(const HPAParam& param) {
+    showParams({&param});
 }
 
 void JsonOutput::showParams(const std::vector<const HPAParam*>& params) {

@@ -2,6 +2,7 @@
 
 #include "ItemQuery.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -18,18 +19,20 @@ struct Options {
     ItemQuery query;                ///< items
     std::vector<std::string> items; ///< references, each well-formed
     std::string store;
-    bool all = false;                ///< update
-    bool reinstall = false;          ///< install
-    bool discardChanges = false;     ///< install, uninstall, update, repair
-    bool allRevisions = false;       ///< uninstall
-    bool oldRevisions = false;       ///< uninstall
-    std::vector<std::string> stores; ///< refresh, check, doctor: names; empty for all
-    bool hub = false;                ///< refresh
-    std::string directory;           ///< relocate
-    std::string pattern;             ///< params
-    bool hidden = false;             ///< params
-    std::vector<std::string> files;  ///< validate
-    std::vector<std::string> script; ///< shell: a script and its arguments; empty for none
+    bool all = false;                 ///< update
+    bool reinstall = false;           ///< install
+    bool discardChanges = false;      ///< install, uninstall, update, repair
+    bool allRevisions = false;        ///< uninstall
+    bool oldRevisions = false;        ///< uninstall
+    std::vector<std::string> stores;  ///< refresh, check, doctor: names; empty for all
+    bool hub = false;                 ///< refresh
+    std::string directory;            ///< relocate
+    std::string pattern;              ///< params
+    std::string param;                ///< set, unset
+    std::optional<std::string> value; ///< set
+    bool hidden = false;              ///< params
+    std::vector<std::string> files;   ///< validate
+    std::vector<std::string> script;  ///< shell: a script and its arguments; empty for none
 };
 
 /// Exit status of the program.

@@ -27,6 +27,8 @@ public:
     virtual void showPaths(const std::vector<HSCPlazPathsInForce::Path>& hub,
                            const std::vector<HSCPlazPathsInForce::StorePaths>& stores) = 0;
     virtual void showParams(const std::vector<const HPAParam*>& params) = 0;
+    /// A parameter that was set or taken back, of which a message has told.
+    virtual void showSetting(const HPAParam& param) = 0;
     virtual void showFindings(const std::vector<Finding>& findings) = 0;
     virtual void showChecks(const std::vector<HSCPlazFileCheck>& checks) = 0;
     /// Help ("help") or version ("version").

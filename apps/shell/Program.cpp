@@ -2,7 +2,6 @@
 
 #include "Doctor.h"
 #include "Failure.h"
-#include "HubParams.h"
 #include "JsonOutput.h"
 #include "ShellMsg.h"
 #include "StdoutDiversion.h"
@@ -121,8 +120,8 @@ int Program::runCommand() {
         {"install", &Program::runInstall}, {"uninstall", &Program::runUninstall}, {"update", &Program::runUpdate},
         {"refresh", &Program::runRefresh}, {"check", &Program::runCheck},         {"relocate", &Program::runRelocate},
         {"paths", &Program::runPaths},     {"params", &Program::runParams},       {"validate", &Program::runValidate},
-        {"verify", &Program::runVerify},   {"repair", &Program::runRepair},       {"doctor", &Program::runDoctor},
-        {"shell", &Program::runShell}};
+        {"set", &Program::runSet},         {"unset", &Program::runUnset},         {"verify", &Program::runVerify},
+        {"repair", &Program::runRepair},   {"doctor", &Program::runDoctor},       {"shell", &Program::runShell}};
     return (this->*commands.at(m_options.command))();
 }
 
@@ -285,11 +284,6 @@ int Program::runDoctor() {
 
 int Program::runShell() {
     return TclShell(m_status, m_log, m_progress).run(m_options.script);
-}
-
-int Program::runParams() {
-    m_output->showParams(findParams(m_options.pattern, m_options.hidden));
-    return exitStatus::done;
 }
 
 int Program::runValidate() {

@@ -46,6 +46,8 @@ private:
     int runRepair();
     int runPaths();
     int runParams();
+    int runSet();
+    int runUnset();
     int runValidate();
     int runDoctor();
     int runShell();

@@ -180,6 +180,8 @@ void TextOutput::showPathList(const std::vector<HSCPlazPathsInForce::Path>& path
     table.print(m_out);
 }
 
+void TextOutput::showSetting(const HPAParam& /*param*/) {}
+
 void TextOutput::showParams(const std::vector<const HPAParam*>& params) {
     tabulate(params).print(m_out);
 }

@@ -13,18 +13,12 @@ HPAParamMgr& params() {
     return HPAParamMgr::getParamMgr();
 }
 
-const HPAParam& requireParam(const std::string& name) {
-    const HPAParam* param = params().findParam(name);
-    if (!param) failWith(ShellMsg::paramUnknown, cutName(name));
-    return *param;
-}
-
 /// RATIONALE: several words are one value, joined by single blanks, and none is the empty text: user interfaces put
 /// values into the command as they are.
 Tcl_Obj* setParam(const TclCall& call) {
     const std::size_t count = call.getWords().size();
     call.expectWords(1, count);
-    const HPAParam& param = requireParam(textOf(call.getWords().front()));
+    const HPAParam& param = requireParam(cutName(textOf(call.getWords().front())));
     if (!params().setValue(param.getName(), call.joinWords(1, count)))
         failWith(ShellMsg::paramRefused, param.getName());
     return Tcl_NewIntObj(1);
@@ -32,12 +26,12 @@ Tcl_Obj* setParam(const TclCall& call) {
 
 Tcl_Obj* getParam(const TclCall& call) {
     call.expectWords(1, 1);
-    return makeText(shownValue(requireParam(textOf(call.getWords().front()))));
+    return makeText(shownValue(requireParam(cutName(textOf(call.getWords().front())))));
 }
 
 Tcl_Obj* resetParam(const TclCall& call) {
     call.expectWords(1, 1);
-    params().resetValue(requireParam(textOf(call.getWords().front())).getName());
+    params().resetValue(requireParam(cutName(textOf(call.getWords().front()))).getName());
     return Tcl_NewIntObj(1);
 }
 

@@ -4,11 +4,14 @@
 #include "support/HIOStream.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
+#include "support/HUTFileLock.h"
 #include "support/HUTText.h"
+#include "support/HUTWait.h"
 #include "support/HostMsg.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <chrono>
+#include <thread>
 
 namespace {
 
@@ -37,6 +40,14 @@ std::string readPreferences(const std::string& file, HCCXPref& preferences) {
     return status == HIOStream::Status::ok ? preferences.fillFrom(std::move(text)) : "it cannot be read";
 }
 
+/// Others who save wait for a moment; what a file system without locks, or somebody who hangs, keeps from being held is
+/// not worth refusing the user's wish.
+void waitFor(HUTFileLock& lock) {
+    using namespace std::chrono_literals;
+    for (int tries = 0; tries < 100 && lock.tryLock() == HUTFileLock::Result::busy; ++tries)
+        HUTWait::wait([] { std::this_thread::sleep_for(20ms); });
+}
+
 template <typename Values> auto findByName(Values& values, const std::string& name) {
     return std::find_if(values.begin(), values.end(), [&name](const auto& value) { return value.first == name; });
 }
@@ -49,11 +60,26 @@ std::vector<std::string> HCCXPref::getVal(const std::string& name) const {
 }
 
 void HCCXPref::setVal(const std::string& name, const std::vector<std::string>& values) {
+    m_changed.insert(name);
+    assign(name, values);
+}
+
+void HCCXPref::assign(const std::string& name, const std::vector<std::string>& values) {
     const auto found = findByName(m_values, name);
-    if (found == m_values.end())
-        m_values.emplace_back(name, values);
-    else
+    if (found == m_values.end()) {
+        if (!values.empty()) m_values.emplace_back(name, values);
+    } else if (values.empty()) {
+        m_values.erase(found);
+    } else {
         found->second = values;
+    }
+}
+
+void HCCXPref::takeOver(const HCCXPref& saved) {
+    for (const std::string& name : getNames())
+        if (m_changed.count(name) == 0) assign(name, saved.getVal(name));
+    for (const auto& [name, values] : saved.m_values)
+        if (m_changed.count(name) == 0) assign(name, values);
 }
 
 std::vector<std::string> HCCXPref::getNames() const {
@@ -72,7 +98,7 @@ std::string HCCXPref::fillFrom(std::string text) {
     for (const auto& member : members->GetObject()) {
         std::vector<std::string> values;
         for (const auto& value : member.value.GetArray()) values.push_back(toString(value));
-        setVal(toString(member.name), values);
+        assign(toString(member.name), values);
     }
     return {};
 }
@@ -96,8 +122,7 @@ HCCXPrefMgr& HCCXPrefMgr::getInstance() {
 
 HCCXPrefMgr::HCCXPrefMgr() {
     const std::string problem = readPreferences(getFile(), m_default);
-    m_fileIsBad = !problem.empty();
-    if (m_fileIsBad) ComMsgMgr::send(HostMsg::preferencesUnreadable, MsgSeverity::fileWarning, getFile(), problem);
+    if (!problem.empty()) ComMsgMgr::send(HostMsg::preferencesUnreadable, MsgSeverity::fileWarning, getFile(), problem);
 }
 
 HCCXPref& HCCXPrefMgr::getDefaultXPref() {
@@ -109,14 +134,22 @@ std::string HCCXPrefMgr::getFile() {
 }
 
 bool HCCXPrefUtils::savePreferences() {
-    HCCXPrefMgr& manager = HCCXPrefMgr::getInstance();
+    HCCXPref& preferences = HCCXPrefMgr::getInstance().getDefaultXPref();
     const std::string file = HCCXPrefMgr::getFile();
     HUTFile::mkDirRecursive(HUTEnv::getHDIAppDataDir());
-    if (manager.m_fileIsBad && HUTFile::rename(file, file + ".bad")) manager.m_fileIsBad = false;
-    const std::string text = manager.m_default.toText();
+    HUTFileLock lock(file + ".lock");
+    waitFor(lock);
+    HCCXPref saved;
+    const bool isWhole = readPreferences(file, saved).empty();
+    if (isWhole) preferences.takeOver(saved);
+    const std::string text = preferences.toText();
     const bool isReadable = HUTText::isUtf8(text); // or the next start would have none of it
+    const auto putAside = [&] { return !HUTFile::isDirectory(file) && HUTFile::rename(file, file + ".bad"); };
     // A proxy's address may hold a password.
-    if (isReadable && !manager.m_fileIsBad && HUTFile::writeAtomically(file, text, true)) return true;
+    if (isReadable && (isWhole || putAside()) && HUTFile::writeAtomically(file, text, true)) {
+        preferences.m_changed.clear();
+        return true;
+    }
     ComMsgMgr::send(HostMsg::preferencesNotSaved, MsgSeverity::error, file);
     return false;
 }

@@ -2,6 +2,7 @@
 
 #include "support/HostExport.h"
 
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -11,7 +12,8 @@ class HOST_API HCCXPref {
 public:
     /// The list of @p name; empty when it is not set.
     std::vector<std::string> getVal(const std::string& name) const;
-    /// Replaces the list of @p name. It reaches the disk with HCCXPrefUtils::savePreferences.
+    /// Replaces the list of @p name; an empty one takes the name away. It reaches the disk with
+    /// HCCXPrefUtils::savePreferences.
     void setVal(const std::string& name, const std::vector<std::string>& values);
     /// Every name that is set, in the order in which it was first set.
     std::vector<std::string> getNames() const;
@@ -23,6 +25,12 @@ public:
     std::string toText() const;
 
 private:
+    friend class HCCXPrefUtils;
+    /// Takes over what @p saved holds of all names that were not set here since the last save.
+    void takeOver(const HCCXPref& saved);
+    void assign(const std::string& name, const std::vector<std::string>& values);
+
+    std::set<std::string> m_changed;
     std::vector<std::pair<std::string, std::vector<std::string>>> m_values;
 };
 
@@ -38,15 +46,13 @@ public:
     static std::string getFile();
 
 private:
-    friend class HCCXPrefUtils;
     HCCXPrefMgr();
     HCCXPref m_default;
-    bool m_fileIsBad = false;
 };
 
 class HOST_API HCCXPrefUtils {
 public:
-    /// Writes the preferences whole and atomically. @return false, with a message and the old file in its place, when
-    /// that failed or a text among them is no UTF-8
+    /// Writes the preferences whole and atomically, with what other processes have saved meanwhile. @return false, with
+    /// a message and the old file in its place, when that failed or a text among them is no UTF-8
     static bool savePreferences();
 };

@@ -1,7 +1,12 @@
 #include "support/HPAParamMgr.h"
 
+#include "support/HCCXPrefMgr.h"
+#include "support/HUTEnv.h"
 #include "support/HUTText.h"
+#include "support/HostMsg.h"
 
+#include <algorithm>
+#include <cctype>
 #include <charconv>
 #include <optional>
 #include <unordered_map>
@@ -52,21 +57,76 @@ std::optional<std::string> normalize(HPAParam::Type type, const std::string& tex
 
 } // namespace
 
-struct HPAParamMgr::Impl {
-    std::vector<std::unique_ptr<HPAParam>> params;
-    std::unordered_map<std::string, HPAParam*> byName;
+std::string HPAParam::getVariable() const {
+    if (m_isSecret) return {};
+    std::string variable;
+    for (const char c : m_name)
+        variable += c == '.' ? '_' : static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    return variable;
+}
 
-    HPAParam* find(const std::string& name) const {
-        const auto found = byName.find(HUTText::lowered(name));
-        return found == byName.end() ? nullptr : found->second;
+class HPAParamMgr::Impl {
+public:
+    /// The parameter as it is registered, whatever is kept of it.
+    HPAParam* findRegistered(const std::string& name) const {
+        const auto found = m_byName.find(HUTText::lowered(name));
+        return found == m_byName.end() ? nullptr : found->second;
+    }
+
+    HPAParam* find(const std::string& name) {
+        settleAll();
+        return findRegistered(name);
+    }
+
+    const std::vector<std::unique_ptr<HPAParam>>& getAll() {
+        settleAll();
+        return m_params;
     }
 
     void add(HPAParam param) {
-        const auto [place, isNew] = byName.try_emplace(HUTText::lowered(param.getName()), nullptr);
+        const auto [place, isNew] = m_byName.try_emplace(HUTText::lowered(param.getName()), nullptr);
         if (!isNew) return;
-        params.push_back(std::make_unique<HPAParam>(std::move(param)));
-        place->second = params.back().get();
+        m_params.push_back(std::make_unique<HPAParam>(std::move(param)));
+        place->second = m_params.back().get();
+        if (m_isSettled) settle(*place->second);
     }
+
+    static bool set(HPAParam& param, const std::string& text, HPAParam::Source source) {
+        auto value = normalize(param.getType(), text);
+        if (!value) return false;
+        param.m_value = std::move(*value);
+        param.m_source = source;
+        return true;
+    }
+
+    static void reset(HPAParam& param) {
+        param.m_value = param.m_default;
+        param.m_source = HPAParam::Source::builtIn;
+    }
+
+    /// Gives the parameter what its variable says, else what the user keeps, else its default.
+    static void settle(HPAParam& param) {
+        reset(param);
+        const std::vector<std::string> kept = HCCXPrefMgr::getInstance().getDefaultXPref().getVal(param.getName());
+        if (!kept.empty() && !set(param, kept.front(), HPAParam::Source::user))
+            ComMsgMgr::send(HostMsg::paramUnfit, MsgSeverity::warning, param.getName(), HCCXPrefMgr::getFile());
+        const std::string variable = param.getVariable();
+        std::string value;
+        if (!variable.empty() && HUTEnv::getEnv(variable, value) && !set(param, value, HPAParam::Source::environment))
+            ComMsgMgr::send(HostMsg::paramUnfit, MsgSeverity::warning, param.getName(), variable);
+    }
+
+private:
+    /// Not when they are registered: that is when the library is loaded, and those who listen are not there yet.
+    void settleAll() {
+        if (m_isSettled) return;
+        m_isSettled = true;
+        for (const auto& param : m_params) settle(*param);
+    }
+
+    std::vector<std::unique_ptr<HPAParam>> m_params;
+    std::unordered_map<std::string, HPAParam*> m_byName;
+    bool m_isSettled = false;
 };
 
 HPAParamMgr& HPAParamMgr::getParamMgr() {
@@ -92,7 +152,11 @@ void HPAParamMgr::registerStringParam(const std::string& name, const std::string
 }
 
 void HPAParamMgr::setHidden(const std::string& name, bool hidden) {
-    if (HPAParam* param = m_impl->find(name)) param->m_hidden = hidden;
+    if (HPAParam* param = m_impl->findRegistered(name)) param->m_hidden = hidden;
+}
+
+void HPAParamMgr::setSecret(const std::string& name) {
+    if (HPAParam* param = m_impl->findRegistered(name)) param->m_isSecret = true;
 }
 
 const HPAParam* HPAParamMgr::findParam(const std::string& name) const {
@@ -126,23 +190,46 @@ int HPAParamMgr::getValueIfExistAsInt(const std::string& name, int fallback) con
 
 bool HPAParamMgr::setValue(const std::string& name, const std::string& text) {
     HPAParam* param = m_impl->find(name);
-    if (!param) return false;
-    auto value = normalize(param->getType(), text);
-    if (!value) return false;
-    param->m_value = std::move(*value);
-    return true;
+    return param && Impl::set(*param, text, HPAParam::Source::session);
 }
 
 bool HPAParamMgr::resetValue(const std::string& name) {
     HPAParam* param = m_impl->find(name);
-    if (!param) return false;
-    param->m_value = param->m_default;
-    return true;
+    if (param) Impl::reset(*param);
+    return param != nullptr;
+}
+
+HPAParamMgr::Kept HPAParamMgr::keepValue(const std::string& name, const std::string& text) {
+    HPAParam* param = m_impl->find(name);
+    const auto value = param ? normalize(param->getType(), text) : std::nullopt;
+    return value ? save(*param, {*value}) : Kept::refused;
+}
+
+HPAParamMgr::Kept HPAParamMgr::forgetValue(const std::string& name) {
+    HPAParam* param = m_impl->find(name);
+    return param ? save(*param, {}) : Kept::refused;
+}
+
+HPAParamMgr::Kept HPAParamMgr::save(HPAParam& param, const std::vector<std::string>& kept) {
+    HCCXPref& preferences = HCCXPrefMgr::getInstance().getDefaultXPref();
+    const std::vector<std::string> before = preferences.getVal(param.getName());
+    preferences.setVal(param.getName(), kept);
+    if (!HCCXPrefUtils::savePreferences()) {
+        preferences.setVal(param.getName(), before);
+        return Kept::unsaved;
+    }
+    Impl::settle(param);
+    return param.getSource() == HPAParam::Source::environment ? Kept::overruled : Kept::done;
+}
+
+bool HPAParamMgr::isKept(const std::string& name) const {
+    const HPAParam* param = findParam(name);
+    return param && !HCCXPrefMgr::getInstance().getDefaultXPref().getVal(param->getName()).empty();
 }
 
 std::vector<const HPAParam*> HPAParamMgr::list(bool withHidden) const {
     std::vector<const HPAParam*> listed;
-    for (const auto& param : m_impl->params)
+    for (const auto& param : m_impl->getAll())
         if (withHidden || !param->isHidden()) listed.push_back(param.get());
     return listed;
 }

@@ -11,6 +11,13 @@
 class HOST_API HPAParam {
 public:
     enum class Type { boolean, integer, string };
+    /// What chose the value.
+    enum class Source {
+        builtIn,     ///< the default
+        user,        ///< the user's preference of the same name
+        environment, ///< the variable
+        session      ///< somebody in this process
+    };
 
     /// A parameter that has its default value.
     HPAParam(std::string name, std::string description, Type type, std::string defaultValue)
@@ -24,21 +31,32 @@ public:
     const std::string& getDefault() const { return m_default; }
     /// The value in force, as text in the same form.
     const std::string& getValue() const { return m_value; }
+    Source getSource() const { return m_source; }
+    /// The environment variable that may set it: "PLAZ_GITTIMEOUT" for "plaz.gitTimeout"; empty for a secret.
+    std::string getVariable() const;
     bool isHidden() const { return m_hidden; }
+    /// Whether values are of nobody else's concern: no variable sets it, for other programs would see that.
+    bool isSecret() const { return m_isSecret; }
     bool isDefault() const { return m_value == m_default; }
 
 private:
-    friend class HPAParamMgr;
+    friend class HPAParamMgr; // and what it consists of
     std::string m_name;
     std::string m_description;
     Type m_type;
     std::string m_default;
     std::string m_value;
+    Source m_source = Source::builtIn;
     bool m_hidden = false;
+    bool m_isSecret = false;
 };
 
 /// The host's parameters, one set per process. Names match without regard to case; the first spelling is kept.
-/// Values last until the process ends. Not safe to use from several threads at once.
+///
+/// A value that is set lasts until the process ends. Until then what the parameter's variable holds counts, else what
+/// the user keeps: the first text of the preference that has the parameter's name. Both are looked at once, when
+/// somebody first asks for a value; what does not fit the type is told (12-110) and left out.
+/// Not safe to use from several threads at once.
 class HOST_API HPAParamMgr {
 public:
     static HPAParamMgr& getParamMgr();
@@ -54,6 +72,9 @@ public:
     void registerStringParam(const std::string& name, const std::string& description, const std::string& defaultValue);
     /// Leaves the parameter out of listings (or takes it in again). An unknown name is ignored.
     void setHidden(const std::string& name, bool hidden);
+
+    /// Says that values are secrets. An unknown name is ignored.
+    void setSecret(const std::string& name);
 
     /// Null when no such parameter is registered. The pointer stays valid for the life of the manager.
     const HPAParam* findParam(const std::string& name) const;
@@ -73,10 +94,26 @@ public:
     /// Brings the default back; false for an unknown name.
     bool resetValue(const std::string& name);
 
+    /// What became of a wish to keep something.
+    enum class Kept {
+        done,
+        overruled, ///< done, but the parameter's variable counts as long as it is set
+        refused,   ///< for an unknown name or a text that does not fit the type nothing is changed
+        unsaved    ///< the preferences could not be saved, and a message says why (12-105)
+    };
+    /// Sets a value for this user, now and in later processes.
+    Kept keepValue(const std::string& name, const std::string& text);
+    /// What is kept for this user is kept no longer; the variable's value or the default counts.
+    Kept forgetValue(const std::string& name);
+    /// Whether something is kept for this user.
+    bool isKept(const std::string& name) const;
+
     /// All parameters in the order of registration, hidden ones only when asked for.
     std::vector<const HPAParam*> list(bool withHidden) const;
 
 private:
-    struct Impl;
+    class Impl;
+    Kept save(HPAParam& param, const std::vector<std::string>& kept);
+
     std::unique_ptr<Impl> m_impl;
 };

@@ -13,4 +13,5 @@ inline constexpr MsgId<2> preferencesUnreadable{"@12-106@%s%s"}; ///< file, reas
 inline constexpr MsgId<1> tclUnavailable{"@12-107@%s"};          ///< Tcl's error text
 inline constexpr MsgId<1> tclFailed{"@12-108@%s"};               ///< Tcl's error text
 inline constexpr MsgId<1> scriptCacheError{"@12-109@%s"};        ///< what does not hold
+inline constexpr MsgId<2> paramUnfit{"@12-110@%s%s"};            ///< parameter, where its value stands
 } // namespace HostMsg

@@ -366,6 +366,12 @@ class ShellTest(HubTest):
             ("objects", lambda: lose(".git/objects/pack"), "", "problem: store tclscripts: working copy"),
             ("proxy", lambda: self.run_plaz("refresh boards"), proxy, "warning: store boards: working copy"),
             ("remote", lambda: self.edit_stores(nowhere, first=1), "", "problem: store tclscripts: remote"),
+            (
+                "preference",
+                lambda: self.run_plaz("set plaz.https_proxy x"),
+                "--product kvq",
+                "problem: git, warning: preference plaz.https_proxy",
+            ),
             ("private", lambda: self.edit_stores(private), token, "problem: store tclscripts: credentials"),
             ("switch", lambda: None, f"--set {switch}=false", f"problem: parameter {switch}"),
         ):
@@ -429,3 +435,14 @@ class ShellTest(HubTest):
         self.check_shown(shown, never=["geheim", "plaz.gitTimeout"])
         command = "params plaz.gitT* --hidden --set plaz.gitTimeout=7"
         self.expect(command, "params: name value default type", "plaz.gitTimeout 7 1000 int")
+
+    def test_keeps_parameters(self):
+        """Catches: a value that the next run has forgotten, a secret on a command line or shown, values of no use."""
+        told = "params: name value source"
+        self.expect("set plaz.gitTimeout 7", told, "plaz.gitTimeout 7 user")
+        self.expect("params plaz.gitT* --hidden --set plaz.gitTimeout=8", told, "plaz.gitTimeout 8 command line")
+        for bad in ("gitTimeout -1", "http_proxy ftp://x", "certificateFile none", "git_token.board_store t", "none x"):
+            self.run_plaz(f"set -- plaz.{bad}", status=1)
+        token = run(PLAZ, "set", "plaz.git_token.board_store", env=self.env, input="geheim\n")
+        self.check("token", (token.returncode, "geheim" in token.stdout + token.stderr), (0, False))
+        self.expect("unset plaz.git_token.board_store", told, "plaz.git_token.board_store - default")

@@ -25,7 +25,14 @@ PROGRAMS = re.compile(
 # What turns a terminal's text, or is obeyed: all controls but the end of a line and the tabulator.
 CONTROLS = re.compile("[\0-\x08\x0b-\x1f\x7f-\x9f\u061c\u200e\u200f\u202a-\u202e\u2066-\u2069]")
 # Of the hub's own, what is another each time or for each server.
-CHANGING = ("/plaz.log", "/plaz.lock", "/plaz_stores.json", "/plaz_authorities.pem", "/preferences.json")
+CHANGING = (
+    "/plaz.log",
+    "/plaz.lock",
+    "/preferences.json.lock",
+    "/plaz_stores.json",
+    "/plaz_authorities.pem",
+    "/preferences.json",
+)
 FORMS = {form for s in SECRETS.values() for form in (s, base64.b64encode(f"{USER}:{s}".encode()).decode())}
 
 

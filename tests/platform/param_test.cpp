@@ -97,6 +97,34 @@ TEST_F(PreferencesDeathTest, DamagedFileIsReportedAndKept) {
     }
 }
 
+// Fault: what is kept for a user that counts before what was said now, is lost with another process's save, or becomes
+// a secret that other programs see in the environment.
+TEST_F(PreferencesDeathTest, KeepParameters) {
+    HPAParamMgr params;
+    params.registerIntParam("plaz.gitTimeout", "seconds", 1000);
+    params.registerStringParam("plaz.token", "a secret", "");
+    params.setSecret("plaz.token");
+    env.set("PLAZ_TOKEN", "seen");
+    using Kept = HPAParamMgr::Kept;
+    EXPECT_IN_PROCESS(params.keepValue("PLAZ.gittimeout", "x") == Kept::refused && !params.isKept("plaz.gitTimeout") &&
+                      params.keepValue("PLAZ.gittimeout", "07") == Kept::done && params.isKept("plaz.gitTimeout"));
+    const auto saveLate = [&] {
+        preferences(); // before another process saves
+        temp.write("new/appdata/preferences.json", R"({"preferences": {"plaz.gitTimeout": ["7"], "plaz.token": ["t"]}})");
+        return save({"x"}) && preferences().getVal("plaz.token").size() == 1;
+    };
+    EXPECT_IN_PROCESS(saveLate());
+    env.set("PLAZ_GITTIMEOUT", "8");
+    EXPECT_IN_PROCESS(params.getValueAsInt("plaz.gitTimeout") == 8 && params.getValueAsString("plaz.token") == "t" &&
+                      params.setValue("plaz.gitTimeout", "9") && params.getValueAsInt("plaz.gitTimeout") == 9);
+    EXPECT_IN_PROCESS(preferences().getVal("plaz.gitTimeout").front() == "7" &&
+                      params.keepValue("plaz.gitTimeout", "6") == Kept::overruled);
+    env.set("PLAZ_GITTIMEOUT", "x");
+    EXPECT_EXIT(_exit(params.getValueAsInt("plaz.gitTimeout")), testing::ExitedWithCode(6), "12-110.*PLAZ_GITTIMEOUT");
+    EXPECT_IN_PROCESS(params.forgetValue("plaz.gitTimeout") == Kept::done &&
+                      params.getValueAsInt("plaz.gitTimeout") == 1000);
+}
+
 // Fault: roots looked up in the wrong order, or versions cut in the wrong place.
 TEST(EnvTest, ProductAndRoots) {
     EnvGuard env;

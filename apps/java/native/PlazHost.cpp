@@ -10,14 +10,10 @@
 
 #include "plaz/HSCPlazParams.h"
 #include "plaz/base/HSCPlazMsg.h"
-#include "plaz/base/HSCPlazNames.h"
-#include "plaz/base/HSCPlazProduct.h"
-#include "plaz/bindings/HSCPlazSwigIntf.h"
 #include "plaz/bindings/java/JniSupport.h"
 #include "scripting/task_manager.h"
 #include "support/ComMsgMgr.h"
 #include "support/HDGUIStatus.h"
-#include "support/HPAParamMgr.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
 #include "support/HUTFork.h"
@@ -82,13 +78,6 @@ private:
     jmethodID m_message;
     jmethodID m_progress;
 };
-
-/// Where git goes by the parameter, that follows the preference: the one that was set in an earlier program, too.
-void takeOverProxy() {
-    const std::string proxy = HSCPlazSwigIntf::getHttpProxy();
-    if (proxy.empty() || HSCPlazProduct::getProxySource() != HSCPlazProduct::ProxySource::parameters) return;
-    HPAParamMgr::getParamMgr().setValue(HSCPlazName::httpProxy, proxy);
-}
 
 std::vector<std::string> toNative(JNIEnv* env, jobjectArray texts) {
     std::vector<std::string> natives;
@@ -166,7 +155,6 @@ JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_startHub(JNIEnv* env, 
         plaz_startup();
         ComMsgMgr::setSink([listener](const ComMsgMgr::Message& message) { listener.tellMessage(message); });
         commandStatus().setObserver([listener](const HDGUIStatus& status) { listener.tellProgress(status); });
-        takeOverProxy(); // reading the preferences may have to be told
         registerPlazCommands(hdi::tcltasks::task_manager::get_interp(), commandStatus());
     });
 }

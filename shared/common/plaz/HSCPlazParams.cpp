@@ -62,6 +62,8 @@ void registerFeatureParams(HPAParamMgr& params) {
     params.registerStringParam("plaz.git_token.board_store", "Github token for plaz board store", "");
     // RATIONALE: the user id once more, not the token, kept for compatibility: the token stays in listings.
     params.setHidden("plaz.git_user.board_store", true);
+    params.setSecret("plaz.git_user.board_store");
+    params.setSecret("plaz.git_token.board_store");
     params.registerStringParam("plaz.git_servers.board_store",
                                "Further servers that may get the user id and token for plaz board store", "");
     params.registerBoolParam("plaz.enableSchemaValidation", "Enable schema validation for plaz catalog files.", true);

@@ -1,0 +1,109 @@
+#include "UserSettings.h"
+
+#include "Failure.h"
+#include "Secrets.h"
+#include "ShellMsg.h"
+
+#include "plaz/base/HSCPlazNames.h"
+#include "plaz/base/HSCPlazTrust.h"
+#include "support/HCCXPrefMgr.h"
+#include "support/HPAParamMgr.h"
+#include "support/HUTFile.h"
+#include "support/HUTText.h"
+
+#include <boost/filesystem/path.hpp>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+
+namespace {
+
+HPAParamMgr& params() {
+    return HPAParamMgr::getParamMgr();
+}
+
+std::string findNumberRefusal(const std::string& value) {
+    return value.rfind('-', 0) == 0 ? "it takes no number below 0" : "";
+}
+
+std::string findProxyRefusal(const std::string& value) {
+    static constexpr std::array<const char*, 6> schemes{"http", "https", "socks4", "socks4a", "socks5", "socks5h"};
+    const auto isOdd = [](unsigned char c) { return std::isspace(c) || std::iscntrl(c); };
+    const std::size_t end = value.find("://");
+    const std::string scheme = end == std::string::npos ? "http" : HUTText::lowered(value.substr(0, end));
+    const std::string rest = end == std::string::npos ? value : value.substr(end + 3);
+    const bool isKnown = std::find(schemes.begin(), schemes.end(), scheme) != schemes.end();
+    const bool isGood = isKnown && !rest.empty() && rest.front() != '/' && rest.back() != '@';
+    return isGood && std::none_of(value.begin(), value.end(), isOdd)
+               ? ""
+               : "a proxy is given as http://HOST:PORT, or with https, socks4 or socks5 in front";
+}
+
+std::string findFileRefusal(const std::string& value) {
+    if (!boost::filesystem::path(value).is_absolute()) return "it takes the full path of a file";
+    return HUTFile::isDirectory(value) || !HUTFile::exists(value) ? "there is no file \"" + value + '"' : "";
+}
+
+/// Why a value that fits the type is of no use all the same; empty where it may be.
+std::string findRefusal(const HPAParam& param, const std::string& value) {
+    const std::string name = HUTText::lowered(param.getName());
+    if (value.empty()) return "";
+    if (param.getType() == HPAParam::Type::integer) return findNumberRefusal(value);
+    if (isProxySetting(name)) return findProxyRefusal(value);
+    if (name == "plaz.certificatefile") return findFileRefusal(value);
+    return "";
+}
+
+/// As a sentence goes on with it.
+std::string describeValue(const HPAParam& param) {
+    const std::string value = shownValue(param);
+    return value.empty() ? "empty" : value;
+}
+
+void requireSaved(HPAParamMgr::Kept kept) {
+    if (kept == HPAParamMgr::Kept::unsaved) failWith(ShellMsg::preferencesNotSaved, HCCXPrefMgr::getFile());
+}
+
+void tell(const ComMsgMgrInstance& message) {
+    ComMsgMgr::send(message, MsgSeverity::info);
+}
+
+} // namespace
+
+void keepSetting(const HPAParam& param, const std::string& value) {
+    const std::string refusal = findRefusal(param, value);
+    if (!refusal.empty()) failWith(ShellMsg::settingUseless, param.getName(), refusal);
+    const HPAParamMgr::Kept kept = params().keepValue(param.getName(), value);
+    if (kept == HPAParamMgr::Kept::refused) failWith(ShellMsg::paramRefused, param.getName());
+    requireSaved(kept);
+    if (kept == HPAParamMgr::Kept::overruled)
+        tell(messageOf(ShellMsg::settingOverruled, param.getName(), param.getVariable(), describeValue(param)));
+    else
+        tell(messageOf(ShellMsg::settingKept, param.getName(), describeValue(param)));
+}
+
+void forgetSetting(const HPAParam& param) {
+    const bool wasKept = params().isKept(param.getName());
+    if (wasKept) requireSaved(params().forgetValue(param.getName()));
+    tell(messageOf(wasKept ? ShellMsg::settingForgotten : ShellMsg::settingNotKept, param.getName(),
+                   describeValue(param)));
+}
+
+bool tellsSecret(const HPAParam& param, const std::string& value) {
+    return !value.empty() && shownValue(param.getName(), value) != value;
+}
+
+const char* sourceOf(const HPAParam& param) {
+    switch (param.getSource()) {
+    case HPAParam::Source::user:
+        return "user";
+    case HPAParam::Source::environment:
+        return "environment";
+    case HPAParam::Source::session:
+        return "command line";
+    case HPAParam::Source::builtIn:
+        break;
+    }
+    return "default";
+}

@@ -1,0 +1,46 @@
+#include "Failure.h"
+#include "HubParams.h"
+#include "Program.h"
+#include "ShellMsg.h"
+#include "UserSettings.h"
+
+#include "support/HPAParamMgr.h"
+#include "support/HUTHiddenInput.h"
+#include "support/HUTSysCall.h"
+
+#include <iostream>
+
+namespace {
+
+/// One line of standard input, typed unseen where somebody types it.
+std::string askFor(const HPAParam& param) {
+    const HUTHiddenInput hidden;
+    if (HUTSysCall::isInputTerminal()) std::cerr << param.getName() << ": " << std::flush;
+    std::string line;
+    std::getline(std::cin, line);
+    if (!line.empty() && line.back() == '\r') line.pop_back();
+    if (line.empty()) failWith(ShellMsg::settingNotGiven, param.getName());
+    return line;
+}
+
+} // namespace
+
+int Program::runParams() {
+    m_output->showParams(findParams(m_options.pattern, m_options.hidden));
+    return exitStatus::done;
+}
+
+int Program::runSet() {
+    const HPAParam& param = requireParam(m_options.param);
+    if (m_options.value && tellsSecret(param, *m_options.value)) failWith(ShellMsg::settingIsSecret, param.getName());
+    keepSetting(param, m_options.value ? *m_options.value : askFor(param));
+    m_output->showSetting(param);
+    return exitStatus::done;
+}
+
+int Program::runUnset() {
+    const HPAParam& param = requireParam(m_options.param);
+    forgetSetting(param);
+    m_output->showSetting(param);
+    return exitStatus::done;
+}
