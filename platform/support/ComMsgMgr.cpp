@@ -35,7 +35,7 @@ Catalog readCatalog() {
     constexpr unsigned parseFlags = rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag;
     Catalog catalog;
     std::string text;
-    if (HIOStream::read(HUTEnv::getGDADataDir(catalogFile) + "/" + catalogFile, text) != HIOStream::Status::ok)
+    if (HIOStream::read(HUTEnv::getOwnDataDir(catalogFile) + "/" + catalogFile, text) != HIOStream::Status::ok)
         return catalog;
     rapidjson::Document document;
     document.Parse<parseFlags>(text.data(), text.size());

@@ -13,6 +13,8 @@
 
 namespace {
 
+constexpr const char* dataDir = "data"; ///< below an application root
+
 std::string join(const std::string& dir, const std::string& relative) {
     if (relative.empty()) return dir;
     return relative.front() == '/' ? dir + relative : dir + "/" + relative;
@@ -23,10 +25,13 @@ std::string valueOr(const std::string& name, const std::string& fallback) {
     return value.empty() ? fallback : value;
 }
 
+std::string getRootOfLibrary() {
+    return HUTFile::getCanonicalName(platform::getLibraryFile() + "/../../share/plaz");
+}
+
 std::string getAppRoot() {
-    std::string root = HUTEnv::getEnv("GDA_APPROOT");
-    if (root.empty()) root = platform::getLibraryFile() + "/../../share/plaz";
-    return HUTFile::getCanonicalName(root);
+    const std::string root = HUTEnv::getEnv("GDA_APPROOT");
+    return root.empty() ? getRootOfLibrary() : HUTFile::getCanonicalName(root);
 }
 
 std::vector<std::string> getListed(const std::string& variable) {
@@ -108,7 +113,12 @@ std::string HUTEnv::getGDAAppRoot(const std::string& relative) {
 }
 
 std::string HUTEnv::getGDADataDir(const std::string& relative) {
-    return findRoot(getRoots("GDA_DATA_DIR", "data"), relative);
+    return findRoot(getRoots("GDA_DATA_DIR", dataDir), relative);
+}
+
+std::string HUTEnv::getOwnDataDir(const std::string& relative) {
+    const std::string root = findRoot({join(getAppRoot(), dataDir), join(getRootOfLibrary(), dataDir)}, relative);
+    return root.empty() ? getGDADataDir(relative) : root;
 }
 
 std::string HUTEnv::getGDATpsPath(const std::string& relative) {

@@ -43,6 +43,9 @@ public:
     /// The first data root under which @p relative exists, itself without @p relative; empty when none has it.
     /// Without an argument, the first data root that exists.
     static std::string getGDADataDir(const std::string& relative = "");
+    /// The same for what belongs to the program itself, such as the texts of messages: below the application root, or
+    /// where the library's own place would have it, whatever the data roots are; these where both lack it.
+    static std::string getOwnDataDir(const std::string& relative);
     /// The first third-party root's file or directory @p relative; empty when none has it.
     static std::string getGDATpsPath(const std::string& relative);
     /// The program @p name, called as where programs end in ".exe", along PATH; elsewhere it is found without that

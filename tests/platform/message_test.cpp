@@ -48,13 +48,16 @@ TEST_F(MessageTest, SilenceAndExceptions) {
     EXPECT_EQ(messages[0].severity, MsgSeverity::error);
 }
 
-// Fault: a crash or an empty line when the shipped texts are missing; a default sink that writes elsewhere.
-TEST(MessageDeathTest, WithoutCatalogIdAndArgumentsRemain) {
+// Fault: texts that are gone once data lie elsewhere; a crash or an empty line where one is missing; a default sink
+// that writes elsewhere.
+TEST(MessageDeathTest, TextsComeWithTheProgram) {
     testing::FLAGS_gtest_death_test_style = "threadsafe"; // the catalog is read once in a process
     EnvGuard env;
     env.set("GDA_DATA_DIR", "/nonexistent");
     EXPECT_EXIT((ComMsgMgr::send(itemHeld, MsgSeverity::error, "Board"), _exit(0)), testing::ExitedWithCode(0),
-                "^ERROR: \\[17-1568\\] Board\n$");
+                "^ERROR: \\[17-1568\\] .Board. stays");
+    EXPECT_EXIT((ComMsgMgr::send(unknown, MsgSeverity::error, "two", "words"), _exit(0)), testing::ExitedWithCode(0),
+                "^ERROR: \\[99-1\\] two words\n$");
 }
 
 } // namespace

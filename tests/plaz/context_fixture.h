@@ -26,7 +26,7 @@ public:
     const HSCPlazCfgModel* getConfig() const override { return config.getConfigModel(); }
     std::string getStoreUrl(const std::string& store) const override { return filled(storeUrl, {store}); }
     std::string getStoreBranch(const std::string& store) const override { return filled(storeBranch, {store}); }
-    std::string getSchemaRoot() const override { return paths.getSchemaRoot(); }
+    std::string getSchemaRoot() const override { return hasSchemas ? paths.getSchemaRoot() : ""; }
     std::string getDefaultDatabase() const override { return paths.getDefaultLocalDbFile(); }
     std::string getLockFile() const override { return paths.getLockFile(); }
     std::string getAuthoritiesFile() const override { return paths.getAuthoritiesFile(); }
@@ -50,6 +50,7 @@ public:
     const HSCPlaz* hub = nullptr;
     std::string storeUrl, storeBranch; ///< with "%" for the store's name
     std::string databaseMajor;
+    bool hasSchemas = true;
 
 private:
     HSCPlazContext* m_before;

@@ -139,7 +139,7 @@ std::vector<Path> HSCPlazPathsInForce::ofHub() {
                 "stores data", [&] { return paths.getStoresDataDir(); },
                 chosenBy(HSCPlazName::sharedRootVariable, localRoot)),
             inForce(
-                "schema root", [&] { return paths.getSchemaRoot(); }, chooserOfData()),
+                "schema root", [&] { return paths.getSchemaRoot(); }, "with the program"),
             inForce(
                 "user area", [&] { return paths.getUserAreaRoot(); }, chooserOfUserArea()),
             inForce(

@@ -116,7 +116,7 @@ std::string HSCPlazPathMgr::getShippedDir(const HSCPlazQStoreModel& store) const
 }
 
 std::string HSCPlazPathMgr::getSchemaRoot() const {
-    const std::string base = HUTEnv::getGDADataDir(join({HSCPlazName::productDir, "schemas"}));
+    const std::string base = HUTEnv::getOwnDataDir(join({HSCPlazName::productDir, "schemas"}));
     return base.empty() ? std::string() : join({base, HSCPlazName::productDir});
 }
 

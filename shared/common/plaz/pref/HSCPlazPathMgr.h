@@ -48,7 +48,7 @@ public:
     std::string getStoresDataDir() const;
     /// What is shipped of one store; it need not exist.
     std::string getShippedDir(const HSCPlazQStoreModel& store) const;
-    /// The directory that holds "schemas/json"; empty when no data root has it.
+    /// The directory that holds "schemas/json", which comes with the program; empty when there is none.
     std::string getSchemaRoot() const;
     /// The file in which the stores' directories are recorded.
     std::string getRepoInfoFile() const;

@@ -27,7 +27,7 @@ TEST_F(ReaderTest, validationReportsAndGoesOn) {
     EXPECT_THAT(takeMessages(), ElementsAre(HasSubstr("12-102 " + old + "|\"/_major\"")));
     EXPECT_THAT(HSCPlazFileCheck::of(old).findings, ElementsAre(HasSubstr("/_major")));
     temp.makeDir("data/plaz/schemas");
-    env.set("GDA_DATA_DIR", temp.path("data"));
+    env.set("GDA_APPROOT", temp.path());
     const std::string damaged = temp.write("data/plaz/schemas/json/plaz_2_0.json", "{\"type\": ");
     for (const char* text :
          {R"({"plaz": {"qstores": [{"name": "b"}]}})", R"({"_major": 2, "plaz": {"qstores": [{"name": "c"}]}})"})
@@ -111,7 +111,7 @@ TEST_F(ReaderTest, schemasAreTheInstallationsAlone) {
         {[](const std::string&) { return Utils::getLocalDBJsonSchemaFile(); }, "plaz_local_db.json"}};
     for (const auto& [find, name] : shipped) EXPECT_THAT(find(file), HasSubstr("/" + name)) << name;
     temp.write("plaz_0_0.json", R"({"required": ["no such member"]})");
-    env.set("GDA_DATA_DIR", temp.path("none"));
+    context.hasSchemas = false;
     HUTSysCall::changeDir(temp.path());
     HSCPlazModel hub;
     for (int i = 0; i < 2; ++i) HSCPlazReader().parse(file, &hub);
