@@ -1,6 +1,7 @@
 #include "Doctor.h"
 
 #include "DoctorChecks.h"
+#include "HubQueries.h"
 
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/HSCPlaz.h"
@@ -103,6 +104,7 @@ std::vector<Finding> Doctor::examine(const std::vector<HSCPlazQStore*>& stores) 
     round.make("directories", [&] { return doctor::checkDirectories(paths, pathsOf(m_hub, stores)); });
     round.make("disk", [&] { return doctor::checkDisk(find(paths, "user area")); });
     round.makeOne("hub: metadata", doctor::checkHubMetadata);
+    if (HubQueries::isEmpty(m_hub)) round.makeOne("hub: stores", doctor::tellEmptyHub);
     round.makeOne("hub: configuration", doctor::checkConfiguration);
     round.make("hub: places of stores", doctor::checkPlaces);
     for (HSCPlazQStore* store : stores) examineStore(round, m_hub, *store, trial ? trial->getDir() : "", m_status);

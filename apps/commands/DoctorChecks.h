@@ -59,6 +59,8 @@ std::vector<Finding> checkDisk(const HSCPlazPathsInForce::Path& userArea);
 std::string findDamage(const std::string& file);
 /// The hub's metadata in force: shipped or refreshed.
 Finding checkHubMetadata();
+/// Of a hub without stores.
+Finding tellEmptyHub();
 Finding checkConfiguration();
 /// What tells where stores are kept; no finding where that was never written.
 std::vector<Finding> checkPlaces();

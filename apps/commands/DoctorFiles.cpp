@@ -144,6 +144,11 @@ Finding doctor::checkHubMetadata() {
                      " (shipped, never refreshed)");
 }
 
+Finding doctor::tellEmptyHub() {
+    return problem("hub: stores", "there are none",
+                   "Choose a hub that has some: plaz hub set URL; or add one: plaz hub add-store NAME URL.");
+}
+
 Finding doctor::checkConfiguration() {
     const std::string file = HSCPlazInspection::getConfigFile();
     if (HUTFile::exists(file))

@@ -1,15 +1,19 @@
 #include "HubActions.h"
 
+#include "HubParams.h"
 #include "HubQueries.h"
 #include "ItemReference.h"
 #include "ShellMsg.h"
+#include "UserSettings.h"
 
 #include "plaz/HSCPlazTaskMgr.h"
 #include "plaz/base/HSCPlazMsg.h"
+#include "plaz/base/HSCPlazNames.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "support/HDGUIStatus.h"
+#include "support/HPAParamMgr.h"
 
 #include <algorithm>
 #include <map>
@@ -49,6 +53,11 @@ template <typename Result> CommandResult<Result> toResult(std::vector<Result> pa
     result.isDone = failed == result.parts.end() && result.parts.size() == count;
     if (failed != result.parts.end()) result.reason = reasonOf(failed->report, describeNeeds(result.parts));
     return result;
+}
+
+StoresResult toResult(const HSCPlazHubResult& hub) {
+    const bool isWhole = hub.isDone && !hub.report.findProblem();
+    return {{}, isWhole, isWhole ? std::nullopt : reasonOf(hub.report)};
 }
 
 /// Takes out the item to remove next: one that nothing holds, else one that its user lets go of, else one that is held.
@@ -139,8 +148,41 @@ StoresResult HubActions::refresh(const Stores& stores) const {
 }
 
 StoresResult HubActions::refreshHub(const std::vector<std::string>& names) const {
+    return describeAll(HSCPlazTaskMgr::refreshHub(m_hub, &m_status), names);
+}
+
+StoresResult HubActions::chooseHub(const std::string& url) const {
+    HPAParamMgr& params = HPAParamMgr::getParamMgr();
+    const HPAParam& param = requireParam(HSCPlazName::hub);
+    requireUseful(param, url);
+    const std::string before = param.getValue();
+    params.setValue(param.getName(), url);
     const HSCPlazHubResult hub = HSCPlazTaskMgr::refreshHub(m_hub, &m_status);
-    if (!hub.isDone) return {{}, false, reasonOf(hub.report)};
+    if (hub.isDone)
+        keepSetting(param, url);
+    else
+        params.setValue(param.getName(), before);
+    return describeAll(hub, {});
+}
+
+StoresResult HubActions::leaveHub() const {
+    forgetSetting(requireParam(HSCPlazName::hub));
+    return toResult(HSCPlazTaskMgr::leaveHub(m_hub, &m_status));
+}
+
+StoresResult HubActions::addStore(const HSCPlazNewStore& wanted) const {
+    StoresResult result = toResult(HSCPlazTaskMgr::addStore(m_hub, wanted, &m_status));
+    const HSCPlazQStore* store = result.isDone ? m_hub.getStore(wanted.name) : nullptr;
+    if (store) result.parts.push_back(HSCPlazStoreResult::of(*store, HSCPlazStoreResult::Outcome::refreshed));
+    return result;
+}
+
+StoresResult HubActions::removeStore(const std::string& name) const {
+    return toResult(HSCPlazTaskMgr::removeStore(m_hub, name, &m_status));
+}
+
+StoresResult HubActions::describeAll(const HSCPlazHubResult& hub, const std::vector<std::string>& names) const {
+    if (!hub.isDone) return toResult(hub);
     std::set<std::string> failed;
     for (const HSCPlazStoreResult& store : hub.failed) failed.insert(store.store);
     // The hub's refresh was for all: nothing that failed is passed over.

@@ -66,12 +66,23 @@ public:
     /// @param names  of stores; a name may be one that the hub learns of only then. None for all.
     /// @throws HEXAll ShellMsg::storeUnknown, once the hub is fetched
     StoresResult refreshHub(const std::vector<std::string>& names) const;
+    /// Has the hub of that URL be the user's from now on, and fetches it as refreshHub() does. Where it cannot be
+    /// fetched, the one before stays.
+    /// @throws HEXAll where it may not be used (17-2322) or kept (17-2206)
+    StoresResult chooseHub(const std::string& url) const;
+    /// Has the installation's hub be in force again, as it is shipped.
+    /// @throws HEXAll where that cannot be kept (17-2206)
+    StoresResult leaveHub() const;
+    /// Adds a store of the user's own, and takes one away; all objects are new then.
+    StoresResult addStore(const HSCPlazNewStore& wanted) const;
+    StoresResult removeStore(const std::string& name) const;
     /// Asks the stores' remotes whether they have moved.
     StoresResult check(const std::vector<HSCPlazQStore*>& stores) const;
     /// Puts the store's area below @p dir. What it holds stays where it is.
     StoresResult relocate(HSCPlazQStore& store, const std::string& dir) const;
 
 private:
+    StoresResult describeAll(const HSCPlazHubResult& hub, const std::vector<std::string>& names) const;
     /// @param subjects  a list of its own: tasks may add stores to the hub
     template <typename Subject, typename Action> auto doEach(std::vector<Subject*> subjects, Action act) const;
 

@@ -115,8 +115,13 @@ bool HubQueries::hasHub() const {
     return !m_hub.getStores().empty() || (m_hub.getModel() && m_hub.getModel()->hasMetadataFile());
 }
 
+bool HubQueries::isEmpty(const HSCPlaz& hub) {
+    return hub.getStores().empty() && hub.getModel() && !hub.getModel()->getLocalRoot().empty();
+}
+
 void HubQueries::requireStores() const {
     if (m_hub.getModel() && m_hub.getModel()->isUnread()) failWith(ShellMsg::hubNotFound);
+    if (isEmpty(m_hub)) ComMsgMgr::send(ShellMsg::hubEmpty, MsgSeverity::warning);
 }
 
 HSCPlazQStore& HubQueries::getStore(const std::string& name) const {

@@ -48,7 +48,11 @@ public:
     /// Whether there is a hub to ask: its metadata was found, or it has stores all the same.
     bool hasHub() const;
 
-    /// Fails with ShellMsg::hubNotFound where nobody knows which stores the hub lists.
+    /// Whether its metadata was read, and there is no store all the same.
+    static bool isEmpty(const HSCPlaz& hub);
+
+    /// Fails with ShellMsg::hubNotFound where nobody knows which stores the hub lists. Where it lists none, that and
+    /// the way out is told (ShellMsg::hubEmpty).
     void requireStores() const;
 
     /// The first store of exactly that name.

@@ -51,6 +51,8 @@ std::string findRefusal(const HPAParam& param, const std::string& value) {
     if (value.empty()) return "";
     if (param.getType() == HPAParam::Type::integer) return findNumberRefusal(value);
     if (isProxySetting(name)) return findProxyRefusal(value);
+    if (name == HSCPlazName::hub)
+        return HSCPlazTrust::isSafeUrl(value) ? "" : "it takes the URL of a git repository, or the full path of one";
     if (name == "plaz.certificatefile") return findFileRefusal(value);
     return "";
 }
@@ -71,9 +73,13 @@ void tell(const ComMsgMgrInstance& message) {
 
 } // namespace
 
-void keepSetting(const HPAParam& param, const std::string& value) {
+void requireUseful(const HPAParam& param, const std::string& value) {
     const std::string refusal = findRefusal(param, value);
     if (!refusal.empty()) failWith(ShellMsg::settingUseless, param.getName(), refusal);
+}
+
+void keepSetting(const HPAParam& param, const std::string& value) {
+    requireUseful(param, value);
     const HPAParamMgr::Kept kept = params().keepValue(param.getName(), value);
     if (kept == HPAParamMgr::Kept::refused) failWith(ShellMsg::paramRefused, param.getName());
     requireSaved(kept);

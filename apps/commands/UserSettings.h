@@ -6,6 +6,8 @@ class HPAParam;
 
 // What a person keeps for later runs: the values of parameters, in the preferences.
 
+/// @throws HEXAll where a value is of no use to the parameter (17-2322)
+void requireUseful(const HPAParam& param, const std::string& value);
 /// Keeps a value and tells that (17-2320, 17-2321).
 /// @throws HEXAll where the value is no good (17-2204, 17-2322) or cannot be saved (17-2206)
 void keepSetting(const HPAParam& param, const std::string& value);

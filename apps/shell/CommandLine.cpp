@@ -117,6 +117,27 @@ void addInstallCommands(CLI::App& app, Options& options) {
                    sharedNote);
 }
 
+void addHubCommand(CLI::App& app, Options& options) {
+    CLI::App* hub = app.add_subcommand("hub", "Show which hub is in force, or choose one; keep stores of your own");
+    CLI::App* set = hub->add_subcommand("set", "Use the hub of this URL from now on, and fetch it");
+    set->add_option("URL", options.value, "Where its repository is. Without it, it is asked for")->type_name("");
+    hub->add_subcommand("unset", "Use the installation's hub again");
+    CLI::App* add = hub->add_subcommand("add-store", "Add a store of your own, and fetch its catalog");
+    add->add_option("NAME", options.newStore.name, "What you call it")->type_name("")->required();
+    add->add_option("URL", options.newStore.url, "Where its repository is")->type_name("")->required();
+    add->add_option("--metadata-file", options.newStore.metadataFile,
+                    "The store's metadata file in its repository; looked for under the usual names without")
+        ->type_name("FILE");
+    add->add_option("--display-name", options.newStore.displayName, "What people see; NAME without")->type_name("TEXT");
+    add->add_option("--type", options.newStore.type, "What the store holds, such as board")->type_name("TYPE");
+    CLI::App* remove = hub->add_subcommand("remove-store", "Take one of your own away; what is installed stays");
+    remove->add_option("STORE", options.store, "The store")->type_name("")->required();
+    hub->footer(
+        std::string("Stores of your own stay when the hub changes. Where the hub has one of the same name, that "
+                    "one is used.\n") +
+        sharedNote);
+}
+
 void addCommands(CLI::App& app, Options& options) {
     app.footer(sharedNote); // commands start with their parent's
     app.add_subcommand("stores", "List the hub's stores");
@@ -124,6 +145,7 @@ void addCommands(CLI::App& app, Options& options) {
     CLI::App* info = app.add_subcommand("info", "Show everything known of an item");
     addItems(*info, options, true);
     info->get_option("ITEM")->expected(1);
+    addHubCommand(app, options);
     CLI::App* refresh = app.add_subcommand("refresh", "Fetch the stores' catalogs");
     CLI::App* check = app.add_subcommand("check", "Ask the stores' remotes for newer catalogs; fetch nothing");
     CLI::App* doctor = app.add_subcommand("doctor", "Look for what keeps stores from being fetched, and what to do");
@@ -181,6 +203,13 @@ std::vector<std::string> splitWords(const std::vector<std::string>& texts) {
     return words;
 }
 
+/// "hub set" for a command of a command.
+std::string nameOf(const CLI::App& command) {
+    const std::vector<const CLI::App*> inner = command.get_subcommands({});
+    const auto given = std::find_if(inner.begin(), inner.end(), [](const CLI::App* one) { return one->parsed(); });
+    return command.get_name() + (given == inner.end() ? "" : " " + (*given)->get_name());
+}
+
 std::string trimmedEnd(std::string text) {
     while (!text.empty() && text.back() == '\n') text.pop_back();
     return text;
@@ -236,7 +265,7 @@ CommandLine CommandLine::parse(const std::vector<std::string>& args) {
     app.footer(notes);
     try {
         app.parse(std::vector<std::string>(args.rbegin(), std::prev(args.rend()))); // taken from the end
-        options.command = app.get_subcommands().front()->get_name();
+        options.command = nameOf(*app.get_subcommands().front());
         options.query.words = splitWords(options.query.words);
         if (options.command == "update") checkUpdate(options);
         if (options.command == "uninstall") checkUninstall(options);

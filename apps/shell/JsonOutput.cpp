@@ -2,6 +2,7 @@
 
 #include "Secrets.h"
 #include "StoreSummary.h"
+#include "UserHub.h"
 #include "UserSettings.h"
 
 #include "plaz/base/HSCPlazTrust.h"
@@ -285,6 +286,22 @@ void JsonOutput::showPaths(const std::vector<HSCPlazPathsInForce::Path>& hub,
         arrayOf(m_document, stores, [this](Object& object, const HSCPlazPathsInForce::StorePaths& store) {
             object.text("name", store.store).value("paths", arrayOf(m_document, store.paths, fillPath));
         }));
+}
+
+void JsonOutput::showHub(const HubInForce& hub) {
+    const auto fillOne = [](Object& object, const HSCPlazQStore* store) {
+        object.text("name", store->getName())
+            .text("of", HubInForce::ownerOf(*store))
+            .text("url", HSCPlazTrust::maskSecrets(store->getUrl()));
+    };
+    Object about(m_document);
+    about.text("url", hub.url)
+        .text("chosen_by", hub.chooser)
+        .text("metadata_file", hub.metadata)
+        .flag("is_refreshed", hub.isRefreshed)
+        .value("qstores", arrayOf(m_document, hub.stores, fillOne))
+        .texts("hidden", hub.hidden);
+    add(m_document, "hub", std::move(about.get()));
 }
 
 void JsonOutput::showSetting(const HPAParam& param) {

@@ -2,6 +2,8 @@
 
 #include "ItemQuery.h"
 
+#include "plaz/tasks/HSCPlazTaskOptions.h"
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -29,7 +31,8 @@ struct Options {
     std::string directory;            ///< relocate
     std::string pattern;              ///< params
     std::string param;                ///< set, unset
-    std::optional<std::string> value; ///< set
+    std::optional<std::string> value; ///< set, hub set
+    HSCPlazNewStore newStore;         ///< hub add-store
     bool hidden = false;              ///< params
     std::vector<std::string> files;   ///< validate
     std::vector<std::string> script;  ///< shell: a script and its arguments; empty for none

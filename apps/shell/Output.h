@@ -12,6 +12,7 @@
 #include <vector>
 
 class HPAParam;
+struct HubInForce;
 
 /// Where the results of a command go. One command calls one of the first group at most, then finish().
 class Output {
@@ -27,6 +28,7 @@ public:
     virtual void showPaths(const std::vector<HSCPlazPathsInForce::Path>& hub,
                            const std::vector<HSCPlazPathsInForce::StorePaths>& stores) = 0;
     virtual void showParams(const std::vector<const HPAParam*>& params) = 0;
+    virtual void showHub(const HubInForce& hub) = 0;
     /// A parameter that was set or taken back, of which a message has told.
     virtual void showSetting(const HPAParam& param) = 0;
     virtual void showFindings(const std::vector<Finding>& findings) = 0;

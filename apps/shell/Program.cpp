@@ -115,13 +115,29 @@ int Program::runDiverted() {
 }
 
 int Program::runCommand() {
-    static const std::map<std::string, int (Program::*)()> commands{
-        {"stores", &Program::runStores},   {"items", &Program::runItems},         {"info", &Program::runInfo},
-        {"install", &Program::runInstall}, {"uninstall", &Program::runUninstall}, {"update", &Program::runUpdate},
-        {"refresh", &Program::runRefresh}, {"check", &Program::runCheck},         {"relocate", &Program::runRelocate},
-        {"paths", &Program::runPaths},     {"params", &Program::runParams},       {"validate", &Program::runValidate},
-        {"set", &Program::runSet},         {"unset", &Program::runUnset},         {"verify", &Program::runVerify},
-        {"repair", &Program::runRepair},   {"doctor", &Program::runDoctor},       {"shell", &Program::runShell}};
+    static const std::map<std::string, int (Program::*)()> commands{{"stores", &Program::runStores},
+                                                                    {"items", &Program::runItems},
+                                                                    {"info", &Program::runInfo},
+                                                                    {"install", &Program::runInstall},
+                                                                    {"uninstall", &Program::runUninstall},
+                                                                    {"update", &Program::runUpdate},
+                                                                    {"refresh", &Program::runRefresh},
+                                                                    {"check", &Program::runCheck},
+                                                                    {"relocate", &Program::runRelocate},
+                                                                    {"paths", &Program::runPaths},
+                                                                    {"params", &Program::runParams},
+                                                                    {"validate", &Program::runValidate},
+                                                                    {"set", &Program::runSet},
+                                                                    {"unset", &Program::runUnset},
+                                                                    {"hub", &Program::runHub},
+                                                                    {"hub set", &Program::runHubSet},
+                                                                    {"hub unset", &Program::runHubUnset},
+                                                                    {"hub add-store", &Program::runAddStore},
+                                                                    {"hub remove-store", &Program::runRemoveStore},
+                                                                    {"verify", &Program::runVerify},
+                                                                    {"repair", &Program::runRepair},
+                                                                    {"doctor", &Program::runDoctor},
+                                                                    {"shell", &Program::runShell}};
     return (this->*commands.at(m_options.command))();
 }
 

@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+class HPAParam;
 class HSCPlaz;
 
 /// One run of the program: carries out what a command line asks for.
@@ -48,6 +49,13 @@ private:
     int runParams();
     int runSet();
     int runUnset();
+    /// The value on the command line, where it is no secret; else it is asked for.
+    std::string takeValue(const HPAParam& param) const;
+    int runHub();
+    int runHubSet();
+    int runHubUnset();
+    int runAddStore();
+    int runRemoveStore();
     int runValidate();
     int runDoctor();
     int runShell();

@@ -30,10 +30,15 @@ int Program::runParams() {
     return exitStatus::done;
 }
 
+std::string Program::takeValue(const HPAParam& param) const {
+    if (!m_options.value) return askFor(param);
+    if (tellsSecret(param, *m_options.value)) failWith(ShellMsg::settingIsSecret, param.getName());
+    return *m_options.value;
+}
+
 int Program::runSet() {
     const HPAParam& param = requireParam(m_options.param);
-    if (m_options.value && tellsSecret(param, *m_options.value)) failWith(ShellMsg::settingIsSecret, param.getName());
-    keepSetting(param, m_options.value ? *m_options.value : askFor(param));
+    keepSetting(param, takeValue(param));
     m_output->showSetting(param);
     return exitStatus::done;
 }

@@ -4,6 +4,7 @@
 #include "ItemReference.h"
 #include "StoreSummary.h"
 #include "TextTable.h"
+#include "UserHub.h"
 
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/HSCPlazQItem.h"
@@ -178,6 +179,20 @@ void TextOutput::showPathList(const std::vector<HSCPlazPathsInForce::Path>& path
     for (const HSCPlazPathsInForce::Path& path : paths)
         table.addRow({path.name, path.path.empty() ? "-" : path.path + (path.exists ? "" : " (missing)"), path.chosen});
     table.print(m_out);
+}
+
+void TextOutput::showHub(const HubInForce& hub) {
+    TextTable about({});
+    about.addRow({"Hub:", hub.url.empty() ? "not known" : hub.url + " (" + hub.chooser + ")"});
+    about.addRow({"Metadata:", hub.metadata + (hub.isRefreshed ? " (refreshed)" : " (shipped)")});
+    about.print(m_out);
+    if (hub.stores.empty()) return;
+    m_out << '\n';
+    TextTable stores({"STORE", "OF", "URL"});
+    for (const HSCPlazQStore* store : hub.stores)
+        stores.addRow({store->getName(), HubInForce::ownerOf(*store), HSCPlazTrust::maskSecrets(store->getUrl())});
+    for (const std::string& name : hub.hidden) stores.addRow({name, "yours, not used", ""});
+    stores.print(m_out);
 }
 
 void TextOutput::showSetting(const HPAParam& /*param*/) {}

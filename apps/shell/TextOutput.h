@@ -20,6 +20,7 @@ public:
     void showPaths(const std::vector<HSCPlazPathsInForce::Path>& hub,
                    const std::vector<HSCPlazPathsInForce::StorePaths>& stores) override;
     void showParams(const std::vector<const HPAParam*>& params) override;
+    void showHub(const HubInForce& hub) override;
     void showSetting(const HPAParam& param) override;
     void showFindings(const std::vector<Finding>& findings) override;
     void showChecks(const std::vector<HSCPlazFileCheck>& checks) override;

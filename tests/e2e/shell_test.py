@@ -7,7 +7,7 @@ import shutil
 import signal
 import subprocess
 
-from support.hubtest import PLAZ, TEXT, HubTest, edit, hide, run, succeed, wait_for
+from support.hubtest import PLAZ, PRODUCT_DATA, TEXT, HubTest, edit, hide, run, succeed, wait_for
 
 
 class ShellTest(HubTest):
@@ -303,6 +303,36 @@ class ShellTest(HubTest):
         self.check_shown(self.run_plaz("refresh --hub nonsense", status=1).stderr, "tclscripts, more, gone")
         shutil.rmtree(self.repositories / "hub.git")
         self.check("hub that is gone", self.ask("refresh --hub", "messages: id", status=1)[-1], "17-2194")
+
+    def test_chooses_a_hub_and_keeps_own_stores(self):
+        """Catches: an empty hub that nothing leads out of, a hub that is left half, own stores that a refresh loses or
+        that are there although nothing came of them."""
+        self.env["GDA_DATA_DIR"] = str(PRODUCT_DATA)
+        for command in ("stores", "items"):
+            self.check_shown(self.run_plaz(command).stderr, "17-2336", never=["17-1532"])
+        self.check_shown(self.run_plaz("refresh --hub", status=1).stderr, "17-1532")
+        self.run_plaz("hub set file:///nowhere", status=1)
+        self.expect("hub", "hub qstores: name")
+        hub, tcl = ((self.repositories / f"{name}.git").as_uri() for name in ("hub", "tcl-store"))
+        self.expect(f"hub set {hub}", "qstores: name outcome", "boards refreshed", "tclscripts refreshed")
+        self.run_plaz(f"hub add-store mine {tcl}", status=1)  # its metadata file has no usual name
+        self.run_plaz(f"hub add-store boards {tcl} --metadata-file tcl_store.json", status=1)
+        self.expect(f"hub add-store mine {tcl} --metadata-file tcl_store.json", "qstores: name items", "mine 8")
+        self.expect("install mine::string-kit", "items: outcome", "installed")
+        self.run_plaz("refresh --hub")
+        stores = ("boards hub", "tclscripts hub", "mine yours")
+        self.expect("hub", "hub qstores: name of", *stores)
+        self.commit(
+            "hub", lambda work: edit(work / "plaz.json", lambda all: all["plaz"]["qstores"][1].update(name="mine"))
+        )
+        self.check_shown(self.run_plaz("refresh --hub").stderr, "17-2333")
+        self.expect("hub", "hub qstores: name of", "boards hub", "mine hub")
+        self.run_plaz("hub unset")
+        self.expect("hub", "hub qstores: name of", "mine yours")
+        self.run_plaz("hub remove-store mine")
+        self.expect("hub", "hub qstores: name of", "mine nobody")
+        self.expect("items --installed", "items: store name", "mine string-kit")
+        self.run_plaz("hub remove-store mine", status=1)
 
     def test_a_hub_that_cannot_be_used_is_no_empty_one(self):
         """Catches: success where nobody knows which stores there are, and no way back from there."""

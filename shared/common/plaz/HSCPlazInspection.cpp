@@ -17,6 +17,7 @@
 #include "plaz/model/repo/git/HSCPlazGitWorkingCopy.h"
 #include "plaz/store/HSCPlazDependencies.h"
 #include "plaz/store/HSCPlazInstalledTrees.h"
+#include "plaz/store/HSCPlazOwnStores.h"
 #include "plaz/store/HSCPlazPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazRepairTask.h"
@@ -127,6 +128,15 @@ std::optional<ComMsgMgrInstance> HSCPlazInspection::describeUnknownRecord(const 
     addNamelessArea(hub, report);
     const ComMsgMgrInstance* problem = report.findProblem();
     return problem ? std::make_optional(*problem) : std::nullopt;
+}
+
+HSCPlazInspection::HubSource HSCPlazInspection::findHubSource() {
+    const HSCPlazUserPref::HubLocation location = workspace().userPref.findHubLocation();
+    return {location.url, location.chooser};
+}
+
+std::vector<std::string> HSCPlazInspection::findHiddenStores(const HSCPlaz& hub) {
+    return HSCPlazOwnStores(HSCPlazPathMgr::getOwnStoresFile()).findHidden(*hub.getModel());
 }
 
 std::string HSCPlazInspection::getPlacesFile() {

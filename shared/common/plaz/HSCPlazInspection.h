@@ -87,6 +87,15 @@ PLAZ_API bool isForeign(const HSCPlazQStoreModel& store);
 /// A user id or token is set for the store.
 PLAZ_API bool hasCredentials(const HSCPlazQStoreModel& store);
 
+/// Where the hub is fetched from; empty texts where that is not known.
+struct HubSource {
+    std::string url;     ///< may hold a secret
+    std::string chooser; ///< for people: "parameter plaz.hub"
+};
+PLAZ_API HubSource findHubSource();
+/// The names of stores that the user has added and that are not used, since the hub has others of that name.
+PLAZ_API std::vector<std::string> findHiddenStores(const HSCPlaz& hub);
+
 /// In the user area, which is made where it is not there.
 PLAZ_API std::string getLockFile();
 /// The hub's metadata as the last refresh has brought it. Need not exist.

@@ -41,6 +41,8 @@ void registerAccessParams(HPAParamMgr& params) {
                                "Full path of a file (PEM) of authorities that count beside those of the system", "");
     params.registerStringParam("plaz.uncheckedServers",
                                "Servers that get a login although their certificates are not checked", "");
+    params.registerStringParam(HSCPlazName::hub, "URL of the hub of your own choice; empty: that of the installation",
+                               "");
     params.registerStringParam("plaz.product_name", "Name of the product", "");
     params.registerStringParam("plaz.product_version", "Release Version of the product", "");
     params.registerStringParam("plaz.rawGitUrl", "Git path to configure url for raw contents",

@@ -146,6 +146,7 @@ std::vector<Path> HSCPlazPathsInForce::ofHub() {
                 "user repository", [&] { return workspace().userPref.getUserRepoPath().generic_string(); },
                 chooserOfUserRepository()),
             inForce("preferences", HCCXPrefMgr::getFile, "in the application data"),
+            inForce("own stores", HSCPlazPathMgr::getOwnStoresFile, "in the application data"),
             inForce(
                 "stores' directories", [&] { return paths.getRepoInfoFile(); }, "in the user area"),
             inForce(

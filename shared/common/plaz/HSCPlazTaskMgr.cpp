@@ -17,6 +17,7 @@
 #include "plaz/tasks/HSCPlazItemChanges.h"
 #include "plaz/tasks/HSCPlazItemFiles.h"
 #include "plaz/tasks/HSCPlazMoveStoreTask.h"
+#include "plaz/tasks/HSCPlazOwnStoreTask.h"
 #include "plaz/tasks/HSCPlazRefreshHubTask.h"
 #include "plaz/tasks/HSCPlazRefreshStoreTask.h"
 #include "plaz/tasks/HSCPlazRepairTask.h"
@@ -61,6 +62,10 @@ HSCPlazStoreResult resultOf(const HSCPlazTask& task, const HSCPlazQStore& store,
     HSCPlazStoreResult result = HSCPlazStoreResult::of(store, outcome);
     result.report = task.getReport();
     return result;
+}
+
+HSCPlazHubResult resultOf(const HSCPlazTask& task, bool isDone) {
+    return {isDone, task.getReport(), {}};
 }
 
 std::string catalogPath(const HSCPlazQStore* store) {
@@ -209,6 +214,23 @@ HSCPlazHubResult HSCPlazTaskMgr::refreshHub(HSCPlaz& hub, HDGUIStatus* status) {
         result.failed.back().report = report;
     }
     return result;
+}
+
+HSCPlazHubResult HSCPlazTaskMgr::leaveHub(HSCPlaz& hub, HDGUIStatus* status) {
+    HSCPlazTask task(workspace(), hub, status);
+    return resultOf(task, carryOut(task, [&](Changes&) { return HSCPlazRefreshHubTask::forget(task); }));
+}
+
+HSCPlazHubResult HSCPlazTaskMgr::addStore(HSCPlaz& hub, const HSCPlazNewStore& wanted, HDGUIStatus* status) {
+    HSCPlazTask task(workspace(), hub, status);
+    const bool isDone = carryOut(task, [&](Changes&) { return HSCPlazOwnStoreTask::add(task, wanted); });
+    if (!isDone) task.fail(Msg::storeNotAdded, wanted.name);
+    return resultOf(task, isDone);
+}
+
+HSCPlazHubResult HSCPlazTaskMgr::removeStore(HSCPlaz& hub, const std::string& name, HDGUIStatus* status) {
+    HSCPlazTask task(workspace(), hub, status);
+    return resultOf(task, carryOut(task, [&](Changes&) { return HSCPlazOwnStoreTask::remove(task, name); }));
 }
 
 HSCPlazStoreResult HSCPlazTaskMgr::refreshStore(HSCPlazQStore& store, HDGUIStatus* status) {

@@ -118,6 +118,15 @@ public:
     /// Fetches the hub's own metadata and the catalogs of all stores that it lists. What its catalog says of the items
     /// of each store is left to describeItems(). Sends Msg::hubNotRefreshed on failure, after the reason.
     static HSCPlazHubResult refreshHub(HSCPlaz& hub, HDGUIStatus* status);
+    /// Lets the shipped metadata be in force again, where those of another hub have been fetched; fetches nothing.
+    /// Stores and items are new objects afterwards.
+    static HSCPlazHubResult leaveHub(HSCPlaz& hub, HDGUIStatus* status);
+    /// Adds a store of the user's own to those of the hub, and fetches its catalog; what cannot be fetched is not
+    /// added. Sends Msg::storeAdded, or Msg::storeNotAdded after the reason. Stores and items are new objects
+    /// afterwards.
+    static HSCPlazHubResult addStore(HSCPlaz& hub, const HSCPlazNewStore& wanted, HDGUIStatus* status);
+    /// Takes such a store away. What is installed from it stays and can be used and uninstalled (Msg::storeWithdrawn).
+    static HSCPlazHubResult removeStore(HSCPlaz& hub, const std::string& name, HDGUIStatus* status);
     /// Fetches the store's catalog and what it says of its items. Until all of the catalog has come the old one stays
     /// in force. Items of the store are new objects afterwards. Sends Msg::storeNotRefreshed on failure, after the
     /// reason.

@@ -115,8 +115,17 @@ inline constexpr MsgId<3> gitTimeLimit{"@17-2275@%s%s%s"};
 inline constexpr MsgId<3> gitMemoryLimit{"@17-2276@%s%s%s"};
 inline constexpr MsgId<3> gitLogLimit{"@17-2277@%s%s%s"};
 inline constexpr MsgId<3> gitPaceLimit{"@17-2278@%s%s%s"};
-inline constexpr MsgId<2> serverNotTrusted{"@17-2260@%s%s"};  ///< server, why
-inline constexpr MsgId<1> authoritiesUnusable{"@17-2261@%s"}; ///< file
-inline constexpr MsgId<3> boardLoginKept{"@17-2262@%s%s%s"};  ///< server, store, server that it belongs to
-inline constexpr MsgId<1> clonedRepo{"@60-832@%s"};           ///< directory
+inline constexpr MsgId<2> serverNotTrusted{"@17-2260@%s%s"};    ///< server, why
+inline constexpr MsgId<1> authoritiesUnusable{"@17-2261@%s"};   ///< file
+inline constexpr MsgId<3> boardLoginKept{"@17-2262@%s%s%s"};    ///< server, store, server that it belongs to
+inline constexpr MsgId<1> ownStoresDamaged{"@17-2327@%s"};      ///< file
+inline constexpr MsgId<1> storeAdded{"@17-2328@%s"};            ///< store
+inline constexpr MsgId<1> storeNotAdded{"@17-2329@%s"};         ///< store
+inline constexpr MsgId<1> storeNameTaken{"@17-2330@%s"};        ///< store
+inline constexpr MsgId<1> storeTakenAway{"@17-2331@%s"};        ///< store
+inline constexpr MsgId<1> storeNotOwn{"@17-2332@%s"};           ///< store
+inline constexpr MsgId<1> ownStoreHidden{"@17-2333@%s"};        ///< store
+inline constexpr MsgId<2> metadataFileUnknown{"@17-2334@%s%s"}; ///< URL, the names looked for
+inline constexpr MsgId<1> ownStoresNotSaved{"@17-2335@%s"};     ///< file
+inline constexpr MsgId<1> clonedRepo{"@60-832@%s"};             ///< directory
 } // namespace Msg

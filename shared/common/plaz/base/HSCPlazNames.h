@@ -21,6 +21,9 @@ inline constexpr const char* httpProxy = "plaz.http_proxy"; ///< a parameter, to
 /// The server that the parameters' login for board stores was first sent to.
 inline constexpr const char* boardServer = "plaz.git_server.board_store";
 
+// A parameter that several rooms ask for.
+inline constexpr const char* hub = "plaz.hub";
+
 /// The folder of the hub's, in what is shipped and in a user's data.
 inline constexpr const char* productDir = "plaz";
 inline constexpr const char* configFile = "plaz_config.json";

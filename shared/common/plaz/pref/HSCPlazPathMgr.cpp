@@ -23,6 +23,7 @@ constexpr const char* lockFile = "plaz.lock";
 constexpr const char* keptDir = "plaz_kept";
 constexpr const char* authoritiesFile = "plaz_authorities.pem";
 constexpr const char* changeFile = "plaz_change.json";
+constexpr const char* ownStoresFile = "plaz_own_stores.json";
 constexpr const char* repoInfoFile = "plaz_stores.json";
 
 /// The non-empty parts joined with single separators, in generic form.
@@ -120,6 +121,10 @@ std::string HSCPlazPathMgr::getSchemaRoot() const {
     return base.empty() ? std::string() : join({base, HSCPlazName::productDir});
 }
 
+std::string HSCPlazPathMgr::getOwnStoresFile() {
+    return join({HSCPlazProduct::getUserDataDir(), ownStoresFile});
+}
+
 std::string HSCPlazPathMgr::getRepoInfoFile() const {
     return getUserAreaRoot("", false, repoInfoFile);
 }
@@ -151,6 +156,7 @@ std::vector<std::string> HSCPlazPathMgr::getOwnPlaces() const {
             getUserAreaRoot("", false, lockFile),
             getDefaultLocalDbFile(),
             getStoresDataDir(),
+            getOwnStoresFile(),
             HCCXPrefMgr::getFile()};
 }
 

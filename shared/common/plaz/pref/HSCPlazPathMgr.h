@@ -52,6 +52,9 @@ public:
     std::string getSchemaRoot() const;
     /// The file in which the stores' directories are recorded.
     std::string getRepoInfoFile() const;
+    /// The stores that the user has added; none of another user's business, so not in the user area, which may be
+    /// shared.
+    static std::string getOwnStoresFile();
     /// The file whose lock a task holds while it changes what is installed.
     std::string getLockFile() const;
     /// What a task that changes what is installed is about to do; gone when it has ended.

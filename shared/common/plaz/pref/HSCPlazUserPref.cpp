@@ -10,6 +10,7 @@
 #include "plaz/model/HSCPlazCfgModel.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/repo/git/HSCPlazGitParams.h"
+#include "support/HPAParamMgr.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
 
@@ -75,11 +76,24 @@ fs::path HSCPlazUserPref::getDataPath(const std::string& storeName) const {
     return dataDir.empty() ? fs::path() : fs::path(dataDir) / hub->getRoot() / store->getRoot();
 }
 
-std::string HSCPlazUserPref::getPlazRemoteRepoPath() const {
+HSCPlazUserPref::HubLocation HSCPlazUserPref::findHubLocation() const {
+    const HubLocation variable{HUTEnv::getEnv(HSCPlazName::remoteRepoVariable),
+                               std::string("variable ") + HSCPlazName::remoteRepoVariable};
+    const HPAParam* chosen = HPAParamMgr::getParamMgr().findParam(HSCPlazName::hub);
+    if (chosen && !chosen->getValue().empty()) {
+        // It goes before what was kept at some time, not before what was said for this run.
+        const bool isKept = chosen->getSource() == HPAParam::Source::user;
+        return isKept && !variable.url.empty() ? variable
+                                               : HubLocation{chosen->getValue(), "parameter " + chosen->getName()};
+    }
     const HSCPlazCfgModel* config = HSCPlazContext::get().getConfig();
     if (config && config->getPlazRepoCfgModel() && !config->getPlazRepoCfgModel()->getUrl().empty())
-        return config->getPlazRepoCfgModel()->getUrl();
-    const std::string location = HUTEnv::getEnv(HSCPlazName::remoteRepoVariable);
+        return {config->getPlazRepoCfgModel()->getUrl(), "configuration"};
+    return variable.url.empty() ? HubLocation{} : variable;
+}
+
+std::string HSCPlazUserPref::getPlazRemoteRepoPath() const {
+    const std::string location = findHubLocation().url;
     if (location.empty())
         throw HEXAll(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::remoteRepoPathUnset,
                                        HSCPlazName::remoteRepoVariable, HSCPlazName::remoteRepoVariable));

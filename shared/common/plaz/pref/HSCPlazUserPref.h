@@ -34,8 +34,15 @@ public:
     boost::filesystem::path getBoardRepoPaths(const HSCPlazQStore* store) const;
     /// Shipped data of the store of that name; empty when the hub has no such store.
     boost::filesystem::path getDataPath(const std::string& storeName) const;
-    /// Where the hub's own repository lives: the configured URL, else "ZENTOR_PLAZ_REMOTE_REPO_PATH".
-    /// @throws HEXAll Msg::remoteRepoPathUnset when neither says
+    struct HubLocation {
+        std::string url;
+        std::string chooser; ///< for people: "parameter plaz.hub"
+    };
+    /// Where the hub's own repository lives: at the hub that the user has chosen (the parameter "plaz.hub"; where that
+    /// is only kept, "ZENTOR_PLAZ_REMOTE_REPO_PATH" goes before it), else at the configured URL, else where the
+    /// variable says. Empty where none of them does.
+    HubLocation findHubLocation() const;
+    /// The same. @throws HEXAll Msg::remoteRepoPathUnset when none says
     std::string getPlazRemoteRepoPath() const;
     /// The parameter "plaz.enableGitAccess"; true when it is not registered.
     bool hasGitAccess() const;

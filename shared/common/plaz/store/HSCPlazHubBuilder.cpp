@@ -9,6 +9,7 @@
 #include "plaz/model/reader/HSCPlazReader.h"
 #include "plaz/store/HSCPlazHolds.h"
 #include "plaz/store/HSCPlazInstalledState.h"
+#include "plaz/store/HSCPlazOwnStores.h"
 #include "plaz/store/HSCPlazPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "support/HPAParamMgr.h"
@@ -23,12 +24,11 @@ namespace {
 
 constexpr const char* initHubName = "HSCPlazMgr::initHub";
 
-/// The hub's remote location as configured; a missing one is told and leaves the hub usable from its files.
-std::string configuredRemote(const HSCPlazUserPref& pref, HSCPlazReport& report) {
+/// The hub's remote location as configured. A missing one leaves the hub usable from its files; whoever needs it tells.
+std::string configuredRemote(const HSCPlazUserPref& pref) {
     try {
         return pref.getPlazRemoteRepoPath();
-    } catch (const HEXAll& failure) {
-        report.add(failure, MsgSeverity::warning);
+    } catch (const HEXAll&) {
         return "";
     }
 }
@@ -47,7 +47,7 @@ void HSCPlazHubBuilder::build() const {
     m_workspace.hubModel = std::make_unique<HSCPlazModel>();
     m_workspace.sharedHubModel = std::make_unique<HSCPlazModel>();
     if (const HSCPlazCfgModel* config = m_workspace.config.getConfigModel()) {
-        const std::string remote = configuredRemote(m_workspace.userPref, m_report);
+        const std::string remote = configuredRemote(m_workspace.userPref);
         inside(initHubName, "plaz remote url ", HSCPlazTrust::maskSecrets(remote));
         if (!remote.empty()) m_workspace.hubModel->setRemoteRepository(remote);
         for (HSCPlazModel* model : {m_workspace.hubModel.get(), m_workspace.sharedHubModel.get()}) {
@@ -78,20 +78,26 @@ void HSCPlazHubBuilder::tellLinks() const {
 }
 
 bool HSCPlazHubBuilder::readMetadata() const {
-    const std::string shipped = m_workspace.paths.getHubMetadataFile();
     const std::string file = fileInForce(m_workspace.paths);
     inside(initHubName, "plazJsonFilePath ", file);
     if (!HUTFile::exists(file)) {
         m_report.add(Msg::hubMetadataMissing, MsgSeverity::error);
         return false;
     }
-    HSCPlazModel& hub = *m_workspace.hubModel;
-    hub.setHasMetadataFile(true);
     m_workspace.sharedHubModel->setHasMetadataFile(true);
+    m_workspace.hubModel->setHasMetadataFile(true);
     if (!HPAParamMgr::getParamMgr().getValueAsBool("plaz.enableDataAccess")) {
         m_report.add(Msg::dataAccessOff, MsgSeverity::warning);
         return false;
     }
+    readInForce(*m_workspace.hubModel);
+    return true;
+}
+
+void HSCPlazHubBuilder::readInForce(HSCPlazModel& hub) const {
+    const std::string shipped = m_workspace.paths.getHubMetadataFile();
+    const std::string file = fileInForce(m_workspace.paths);
+    hub.setHasMetadataFile(true);
     hub.setLocalRoot(file);
     readHub(file, hub);
     if (file != shipped && hub.getStores().empty()) {
@@ -99,7 +105,16 @@ bool HSCPlazHubBuilder::readMetadata() const {
         hub.setLocalRoot(shipped);
         readHub(shipped, hub);
     }
-    return true;
+}
+
+void HSCPlazHubBuilder::reread() const {
+    const HSCPlazModel& known = *m_workspace.hubModel;
+    auto model = std::make_unique<HSCPlazModel>();
+    model->setRoot(known.getRoot());
+    model->setMetadataFile(known.getMetadataFile());
+    model->setRemoteRepository(known.getRemoteRepository());
+    readInForce(*model);
+    rebuild(std::move(model));
 }
 
 void HSCPlazHubBuilder::tellMissing(const std::string& store, const std::string& dir) const {
@@ -120,16 +135,20 @@ void HSCPlazHubBuilder::readHub(const std::string& file, HSCPlazModel& model) co
 
 void HSCPlazHubBuilder::readStores(LargeCatalogs large) const {
     readShared();
+    HSCPlazModel& hub = *m_workspace.hubModel;
+    const bool isHubEmpty = hub.getStores().empty();
+    HSCPlazOwnStores(m_workspace.paths.getOwnStoresFile()).addTo(hub, m_report);
     HSCPlazPlaces(m_workspace).preferRefreshed(m_report);
     const HSCPlazCatalogLoader loader(m_workspace.paths, m_report, large);
-    HSCPlazModel& hub = *m_workspace.hubModel;
     HSCPlazModel& shared = *m_workspace.sharedHubModel;
     for (const auto& store : hub.getStores()) loader.loadStore(&hub, store.get(), false);
     // What is shipped of a store that the hub knows is not read a second time: nobody asks for it.
     for (const auto& store : shared.getStores())
         if (!hub.findStore(store->getName())) loader.loadStore(&shared, store.get(), true);
     const std::size_t listed = hub.getStores().size();
-    m_workspace.isHubRead = listed > 0 && hub.getLocalRoot() == fileInForce(m_workspace.paths);
+    // One that offers nothing is a whole one to somebody who has stores of their own.
+    const bool isWhole = !isHubEmpty || (listed > 0 && !hub.isUnread());
+    m_workspace.isHubRead = isWhole && hub.getLocalRoot() == fileInForce(m_workspace.paths);
     HSCPlazPlaces(m_workspace).addWithdrawn(m_report);
     // Who knows whether they are withdrawn?
     for (std::size_t i = listed; i < hub.getStores().size(); ++i)
@@ -184,12 +203,19 @@ void HSCPlazHubBuilder::addStore(HSCPlazQStoreModel& model) const {
     m_workspace.hub->addStore(store.release());
 }
 
+/// Whose a store is that is listed says the list, not what was recorded at some time.
+void HSCPlazHubBuilder::mergeRecord(const HSCPlazInstalledState& installed, HSCPlazQStoreModel& model) {
+    const bool isOwn = model.isUserRepository();
+    installed.merge(model);
+    if (model.isOffered()) model.setIsUserRepository(isOwn);
+}
+
 void HSCPlazHubBuilder::restoreInstalled(HSCPlazQStore& store) const {
     if (!store.isProductSpecific()) return;
     const HSCPlazInstalledState installed(m_workspace, m_report);
     HSCPlazQStoreModel& model = *store.getModel();
     const std::string place = model.getLocalRootDir();
-    installed.merge(model);
+    mergeRecord(installed, model);
     // The store went out of another release's way, to where its own catalog is.
     if (model.getLocalRootDir() != place && HSCPlazStoreLayout::isComplete(model.getLocalRootDir()))
         reloadStore(*m_workspace.hub, store, false);
@@ -237,7 +263,7 @@ void HSCPlazHubBuilder::reloadStore(HSCPlaz& hub, HSCPlazQStore& store, bool isS
     // A store that has come to be one of the product's records what is installed from now on.
     if (model.isProductSpecific() && model.getLocalDbFilePath().empty())
         places.place(model, model.getLocalRootDir(), m_report);
-    installed.merge(model);
+    mergeRecord(installed, model);
     installed.describe(model);
     store.assignModel(&model);
     std::set<HSCPlazQStore*> changed = HSCPlazHolds::apply(hub);

@@ -7,6 +7,7 @@
 #include <string>
 
 class HSCPlaz;
+class HSCPlazInstalledState;
 class HSCPlazModel;
 class HSCPlazQStore;
 class HSCPlazQStoreModel;
@@ -28,6 +29,8 @@ public:
     /// as at start-up. The hub stays the object that it is; its stores and items are new ones. The selected store is
     /// the one of the same name, or none when that is gone.
     void rebuild(std::unique_ptr<HSCPlazModel> model) const;
+    /// The same from the hub metadata in force, which the disk has, with the stores that the user has added.
+    void reread() const;
     /// Reloads a store: clears it, reads its files, applies its database, makes its items anew and saves the database.
     /// Reports Msg::databaseNotSaved when that could not be written; the old one stays then.
     void reloadStore(HSCPlaz& hub, HSCPlazQStore& store, bool isShared) const;
@@ -38,6 +41,7 @@ public:
 private:
     void save(const HSCPlaz& hub, const std::set<HSCPlazQStore*>& stores) const;
     bool readMetadata() const;
+    void readInForce(HSCPlazModel& hub) const;
     void tellLinks() const;
     void tellMissing(const std::string& store, const std::string& dir) const;
     void readHub(const std::string& file, HSCPlazModel& model) const;
@@ -45,6 +49,7 @@ private:
     void readStores(HSCPlazCatalogLoader::LargeCatalogs large) const;
     void makeHub() const;
     void addStore(HSCPlazQStoreModel& model) const;
+    static void mergeRecord(const HSCPlazInstalledState& installed, HSCPlazQStoreModel& model);
     void restoreInstalled(HSCPlazQStore& store) const;
 
     HSCPlazWorkspace& m_workspace;

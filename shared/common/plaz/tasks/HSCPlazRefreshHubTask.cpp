@@ -6,6 +6,7 @@
 #include "plaz/model/reader/HSCPlazReader.h"
 #include "plaz/model/repo/git/HSCPlazGitCatalog.h"
 #include "plaz/store/HSCPlazHubBuilder.h"
+#include "plaz/store/HSCPlazOwnStores.h"
 #include "plaz/store/HSCPlazPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazFetchedFiles.h"
@@ -68,6 +69,12 @@ std::unique_ptr<HSCPlazModel> fetchHub(HSCPlazTask& task, const HSCPlazModel& hu
     return fresh;
 }
 
+/// The user may have chosen another hub since this one was built.
+void setRemote(const HSCPlazTask& task) {
+    const std::string url = task.getWorkspace().userPref.findHubLocation().url;
+    if (!url.empty()) task.getHub().getModel()->setRemoteRepository(url);
+}
+
 /// A store that fails does not stop the others. @return false on cancellation
 bool fetchStores(HSCPlazTask& task, HSCPlazModel& hub, std::map<std::string, HSCPlazReport>& failed) {
     double count = 0;
@@ -93,6 +100,7 @@ bool HSCPlazRefreshHubTask::refresh(HSCPlazTask& task, std::map<std::string, HSC
     inside(updateName, " got user pref pointer");
     inside(updateName, " got path mgr pointer");
     task.show("Fetching", hub.getRoot(), 0);
+    setRemote(task);
     auto fresh = fetchHub(task, *hub.getModel());
     if (!fresh) return false;
     HSCPlazPlaces(task.getWorkspace()).placeStores(*fresh);
@@ -103,6 +111,20 @@ bool HSCPlazRefreshHubTask::refresh(HSCPlazTask& task, std::map<std::string, HSC
     HSCPlazHubBuilder(task.getWorkspace(), report).rebuild(std::move(fresh));
     task.mentionBrought(report);
     Catalog::tellWithdrawn(task, holdings);
+    for (const std::string& store : HSCPlazOwnStores(HSCPlazPathMgr::getOwnStoresFile()).findHidden(*hub.getModel()))
+        task.tell(Msg::ownStoreHidden, MsgSeverity::warning, store);
     task.show("Refreshed", hub.getRoot(), 100);
+    return true;
+}
+
+bool HSCPlazRefreshHubTask::forget(HSCPlazTask& task) {
+    setRemote(task);
+    const std::string file = task.getWorkspace().paths.getRefreshedHubMetadataFile();
+    if (HUTFile::exists(file) && !HUTFile::rmRecursive(file)) return task.fail(Msg::dirNotWritable, file);
+    const std::vector<Catalog::Holding> holdings = Catalog::findHoldings(task);
+    HSCPlazReport report;
+    HSCPlazHubBuilder(task.getWorkspace(), report).reread();
+    task.mention(report);
+    Catalog::tellWithdrawn(task, holdings);
     return true;
 }

@@ -19,4 +19,8 @@ namespace HSCPlazRefreshHubTask {
 /// @throws HEXAll Msg::hubFileInvalid when the fetched metadata is not whole
 bool refresh(HSCPlazTask& task, std::map<std::string, HSCPlazReport>& failed);
 
+/// Lets the shipped metadata be in force again, for what a refresh has brought is that of a hub that was left.
+/// @return false, with the reason told, when what was refreshed could not be removed
+bool forget(HSCPlazTask& task);
+
 } // namespace HSCPlazRefreshHubTask

@@ -1,5 +1,16 @@
 #pragma once
 
+#include <string>
+
+/// A store that a user wants beside those of the hub.
+struct HSCPlazNewStore {
+    std::string name; ///< its folder is called so, too
+    std::string url;
+    std::string displayName;  ///< empty: the name
+    std::string metadataFile; ///< in its repository; empty: looked for under the usual names
+    std::string type;         ///< "board" for boards
+};
+
 /// How a task on an item goes about it.
 struct HSCPlazTaskOptions {
     bool isQuiet = false;             ///< leaves out the good news

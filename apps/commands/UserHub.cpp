@@ -1,0 +1,23 @@
+#include "UserHub.h"
+
+#include "plaz/HSCPlazInspection.h"
+#include "plaz/base/HSCPlazTrust.h"
+#include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazModel.h"
+#include "plaz/model/HSCPlazQStore.h"
+
+HubInForce HubInForce::of(const HSCPlaz& hub) {
+    const HSCPlazInspection::HubSource source = HSCPlazInspection::findHubSource();
+    const std::string& metadata = hub.getModel()->getLocalRoot();
+    return {HSCPlazTrust::maskSecrets(source.url),
+            source.chooser,
+            metadata,
+            metadata == HSCPlazInspection::getRefreshedHubMetadataFile(),
+            hub.getStores(),
+            HSCPlazInspection::findHiddenStores(hub)};
+}
+
+const char* HubInForce::ownerOf(const HSCPlazQStore& store) {
+    if (!store.getModel()->isOffered() && store.getMetadataFile().empty()) return "nobody";
+    return store.isUserRepository() ? "yours" : "hub";
+}
