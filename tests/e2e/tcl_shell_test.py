@@ -1,58 +1,42 @@
 """Runs "plaz shell" on a sample hub: scripts, standard input and a terminal."""
 
-import contextlib
-import os
-import pty
 import re
-import select
+
+import pexpect
 
 from support.hubtest import PLAZ, HubTest, run
 
 
-class Terminal:
+class Terminal(pexpect.spawn):
     """A person in front of the shell, who takes leave in the end."""
 
     def __init__(self, test):
-        self.seen = ""
-        self.pid, self.fd = pty.fork()
-        if self.pid == 0:
-            os.chdir(test.dir)
-            os.execve(PLAZ, [PLAZ, "shell"], {**test.env, "TERM": "xterm"})
+        env = {**test.env, "TERM": "xterm"}
+        super().__init__(str(PLAZ), ["shell"], 60, cwd=test.dir, env=env, encoding="utf-8", codec_errors="replace")
+
+    def read_nonblocking(self, *args, **kwargs):
+        return re.sub(r"\x1b\[[0-9;?]*[A-Za-z]|\r", "", super().read_nonblocking(*args, **kwargs))
 
     def __enter__(self):
-        self.see("plaz% ")
+        self.expect_exact("plaz% ")
         return self
 
     def __exit__(self, failure, *_):
         if not failure:
-            self.type("\x03")
-            self.see("^C\nplaz% ")
-            self.type("\x04")
-            with contextlib.suppress(OSError):  # the terminal's end
-                while os.read(self.fd, 4096):
-                    pass
-        os.close(self.fd)
-        status = os.waitstatus_to_exitcode(os.waitpid(self.pid, 0)[1])
-        assert failure or status == 0, status
-
-    def see(self, text):
-        """Waits until @p text is shown behind what has been waited for. @return what stood before it"""
-        while text not in self.seen:
-            assert select.select([self.fd], [], [], 60)[0], f"{text!r} does not come: {self.seen!r}"
-            shown = os.read(self.fd, 4096).decode(errors="replace")
-            self.seen += re.sub(r"\x1b\[[0-9;?]*[A-Za-z]|\r", "", shown)
-        before, self.seen = self.seen.split(text, 1)
-        return before
-
-    def type(self, keys):
-        os.write(self.fd, keys.encode())
+            self.send("\x03")
+            self.expect_exact("^C\nplaz% ")
+            self.send("\x04")
+            self.expect_exact(pexpect.EOF)
+        self.close()
+        assert failure or self.exitstatus == 0, self.exitstatus
 
     def enter(self, command, prompt="plaz% "):
         """@return what the command shows until the next prompt"""
-        self.type(command)
-        self.see(command)
-        self.type("\r")
-        return self.see(prompt).strip()
+        self.send(command)
+        self.expect_exact(command)
+        self.send("\r")
+        self.expect_exact(prompt)
+        return self.before.strip()
 
 
 class TclShellTest(HubTest):
@@ -109,16 +93,17 @@ class TclShellTest(HubTest):
             ("source ~no-such-user/\t", "~no-such-user/"),
         ):
             with self.subTest(keys), Terminal(self) as terminal:
-                terminal.type(keys)
-                terminal.see(shown)
+                terminal.send(keys)
+                terminal.expect_exact(shown)
 
     def test_ctrl_c_stops_a_loop(self):
         """Catches: Ctrl-C that ends the shell, cannot stop a loop or works once only."""
         with Terminal(self) as terminal:
             for _ in range(2):
                 terminal.enter("puts begun; while 1 {catch {incr i}}", prompt="begun\n")
-                terminal.type("\x03")
-                self.assertIn("[17-2190]", terminal.see("plaz% "))
+                terminal.send("\x03")
+                terminal.expect_exact("plaz% ")
+                self.assertIn("[17-2190]", terminal.before)
 
     def test_keeps_a_history(self):
         """Catches: history that is lost, that another shell overwrites, that keeps secrets or that others can read."""
@@ -127,12 +112,12 @@ class TclShellTest(HubTest):
                 terminal.enter("expr {6 * 7}")
                 terminal.enter("set_param plaz.git_token.board_store abcdef")
                 terminal.enter("set p x; set_param $p abcdef")
-                terminal.type("\x10")
-                terminal.see("expr {6 * 7}")
+                terminal.send("\x10")
+                terminal.expect_exact("expr {6 * 7}")
             other.enter("set b 2")
         history = self.home / "plaz_shell_history"
         self.check("rights of others", history.stat().st_mode & 0o077, 0)
         self.check_shown(history.read_text(), never=["abcdef"])
         with Terminal(self) as terminal:
-            terminal.type("\x10\x10")
-            terminal.see("expr {6 * 7}")
+            terminal.send("\x10\x10")
+            terminal.expect_exact("expr {6 * 7}")
