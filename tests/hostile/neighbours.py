@@ -96,33 +96,22 @@ HELD = f"catalog.json store.json .done .plaz/.catalog/items/stone/item.json {GIT
 RECORDED = "/ .. @AREA @AREA/.. @HUB @GOOD @GOOD/items/pearl @OUTSIDE/stone @AREA/.plaz".split()
 CASES = {
     "harmless": ("", {}),
-    "uploadpack": set_up(ORIGIN + "uploadpack = @TRAP"),
     "vcs": set_up(ORIGIN + "vcs = ext\n[protocol]\nallow = always"),
     "refspec": set_up(ORIGIN + "fetch = +refs/heads/*:refs/../../../*"),
-    "fsmonitor": set_up("[core]\nfsmonitor = @TRAP"),
     "hooks": set_up("[core]\nhooksPath = @AREA", hooks__reference_transaction=HOOK, **{"hooks/post-checkout": HOOK}),
     "programs": set_up(
         "[core]\nsshCommand = @TRAP\naskPass = @TRAP\neditor = @TRAP\npager = @TRAP\n[alias]\nfetch = !@TRAP"
     ),
     "worktree": set_up("[core]\nworktree = @OUTSIDE"),
-    "worktree apart": set_up(
-        "[extensions]\nworktreeConfig = true", **{"config.worktree": "[core]\nworktree = @OUTSIDE\n"}
-    ),
     "filter": set_up('[filter "x"]\nsmudge = @TRAP\nprocess = @TRAP', info__attributes="* filter=x\n"),
     "include": set_up("[include]\npath = @OUTSIDE/settings"),
     "insteadOf": set_up('[url "ext::@TRAP "]\ninsteadOf = file://\n[protocol]\nallow = always'),
-    "helper": set_up("[credential]\nhelper = !@TRAP"),
     "cookies": set_up("[http]\ncookieFile = @OUTSIDE/cookies\nsaveCookies = true"),
     "promisor": set_up(
         '[extensions]\npartialClone = x\n[core]\nrepositoryformatversion = 1\n[remote "x"]\nurl = ext::@TRAP'
     ),
-    "alternates": set_up(
-        "[core]\nalternateRefsCommand = @TRAP", objects__info__alternates="@OUTSIDE/decoy.git/objects\n"
-    ),
     "format": set_up("[core]\nrepositoryformatversion = 99"),
-    "commondir": set_up("", commondir="@OUTSIDE/decoy.git\n"),
     "HEAD elsewhere": set_up("", HEAD="ref: ../../../../../outside/x\n"),
-    "gitdir": ("?bad|stone", {GIT: "gitdir: @OUTSIDE/decoy.git\n"}),
     **{f"link {name}": ("?bad|stone|plaz", {name: None}) for name in LINKED.split()},
     "link of the hidden": ("!plaz", {".plaz": None}),
     "link of the lock": ("!plaz.lock", {"~plaz.lock": None}),

@@ -2,12 +2,10 @@
 
 import base64
 import contextlib
-import itertools
 import shutil
 import socketserver
 import ssl
 import threading
-import time
 
 from hostile.stores import CONTROLS
 from hostile.world import SECRETS, USER
@@ -79,20 +77,6 @@ def talk(request):
     return http("200 OK", "Content-Type: application/x-git-upload-pack-result", body=body)
 
 
-def send_for_ever(request):
-    yield b"HTTP/1.1 200 OK\r\nContent-Type: application/x-git-upload-pack-advertisement\r\n\r\n"
-    yield packet("# service=git-upload-pack\n") + b"0000" + packet(f"{ID} HEAD\0side-band-64k\n")
-    for block in itertools.count():
-        yield b"".join(packet(f"{ID} refs/heads/{block}-{i}-{'x' * 900}\n") for i in range(1000))
-
-
-def drip(request):
-    yield b"HTTP/1.1 200 OK\r\n"
-    for _ in itertools.count():
-        time.sleep(0.2)
-        yield b"X"
-
-
 def visit(world, answer, certificate=None):
     """The bad store is at such a server, and its credentials come by this world's road."""
     server = Liar(answer, certificate)
@@ -103,24 +87,6 @@ def visit(world, answer, certificate=None):
 
 def at(answer):
     return lambda world: visit(world, answer)
-
-
-def trust(world, authority):
-    bundle = world.dir / "tps/win64/git-2.45.0/mingw64/etc/ssl/certs/ca-bundle.crt"
-    bundle.parent.mkdir(parents=True)
-    shutil.copy(authority, bundle)
-
-
-def behind(is_trusted=True, **about):
-    """One whose certificate is for another, or not of an authority that counts."""
-
-    def lead(world):
-        authority, certificate = make_certificates(world.record / "keys", **about)
-        if is_trusted:
-            trust(world, authority)
-        world.strangers.append(visit(world, ask_for_login, certificate))
-
-    return lead
 
 
 def redirect(place):
@@ -150,7 +116,9 @@ def redirect_secure(is_checked):
         server = visit(world, lambda request: http("302 Found", f"Location: {place}"), certificate)
         world.road = "url"  # in which there is none
         if is_checked:
-            trust(world, authority)
+            bundle = world.dir / "tps/win64/git-2.45.0/mingw64/etc/ssl/certs/ca-bundle.crt"
+            bundle.parent.mkdir(parents=True)
+            shutil.copy(authority, bundle)
         else:
             world.settings |= {"plaz.enableCertificateCheck": "false", "plaz.uncheckedServers": server.address}
 
@@ -191,9 +159,6 @@ def call_through(scheme, answer):
 
 CASES = {
     "harmless": lambda world: None,
-    "certificate of another": behind(host="127.0.0.9"),
-    "certificate expired": behind(days=-1),
-    "certificate of nobody": behind(is_trusted=False),
     "to another": redirect("http://{0}"),
     "to a file": redirect("file://@OUTSIDE/decoy.git"),
     "to ext::": redirect("ext::@TRAP"),
@@ -209,8 +174,6 @@ CASES = {
     "words in colours": at(talk),
     "refs in colours": at(lambda request: advertise(f"{ID} refs/heads/{CONTROLS}\0x\n", f"{ID} refs/heads/../../x\n")),
     "status in colours": at(lambda request: http(f"500 {CONTROLS}", f"X: {CONTROLS}")),
-    "without an end": at(send_for_ever),
-    "by drops": at(drip),
     "proxy with an answer": call_through("http", lambda request: advertise(f"ERR {CONTROLS}\n")),
     "what a proxy was sent": call_through(
         "http", lambda asked: repeat(asked) if "Auth" in asked else http(NO_LOGIN, ASKS)
