@@ -3,6 +3,7 @@
 #include "support/HIOStream.h"
 #include "support/HUTEnv.h"
 #include "support/HUTFile.h"
+#include "support/PlatformFile.h"
 #include "support/PlatformProcess.h"
 #include "support/PlatformSystem.h"
 #include "support/PlatformUserArea.h"
@@ -61,10 +62,6 @@ std::size_t findProgramEnd(const std::string& line) {
 
 std::uint64_t toBytes(int megabytes) {
     return megabytes > 0 ? static_cast<std::uint64_t>(megabytes) << 20 : 0;
-}
-
-bool holdsNull(const std::string& text) {
-    return text.find('\0') != std::string::npos;
 }
 
 } // namespace
@@ -176,7 +173,7 @@ int HUTFork::launch(bool wait, bool log, bool kill, bool quiet) {
     platform::ProcessEnd end{How::notStarted, 0, {}, 0};
     if (!(wait && log && kill && quiet))
         end.reason = "only blocking runs that log and can be killed are served";
-    else if (holdsNull(m_prog) || std::any_of(m_args.begin(), m_args.end(), holdsNull))
+    else if (platform::holdsNull(m_prog) || std::any_of(m_args.begin(), m_args.end(), platform::holdsNull))
         end.reason = "an argument holds a null character";
     else
         end = platform::run(spec);

@@ -69,14 +69,14 @@ std::string getCanonicalName(const std::string& path) {
 }
 
 bool isBeneath(const std::string& root, const std::string& path) {
-    if (root.empty() || path.empty() || (root + path).find('\0') != std::string::npos) return false;
+    if (root.empty() || path.empty() || holdsNull(root + path)) return false;
     if (isPlainlyBeneath(root, path)) return true;
     const fs::path realRoot = resolve(root);
     return !realRoot.empty() && liesBeneath(realRoot, resolve(path));
 }
 
 std::string getRealName(const std::string& path) {
-    return path.empty() || path.find('\0') != std::string::npos ? std::string() : resolve(path).generic_string();
+    return path.empty() || holdsNull(path) ? std::string() : resolve(path).generic_string();
 }
 
 std::optional<std::vector<std::string>> listEntries(const std::string& dir) {

@@ -23,6 +23,11 @@ extern const std::string nullDevice;
 /// The name in the form in which calls of the system and of libraries take it at any length.
 boost::filesystem::path toSystemName(const std::string& name);
 
+/// Whether the system would read less of a text than there is.
+inline bool holdsNull(const std::string& text) {
+    return text.find('\0') != std::string::npos;
+}
+
 /// The name from the root on, as the system understands it; empty for an empty name, or where the current directory is
 /// wanted and gone. "." and ".." may be left in it.
 std::string makeAbsolute(const std::string& name);

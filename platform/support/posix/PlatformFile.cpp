@@ -42,10 +42,6 @@ private:
     int m_fd;
 };
 
-bool holdsNull(const std::string& name) {
-    return name.find('\0') != std::string::npos;
-}
-
 Status statusOfError(int error) {
     switch (error) {
     case ENOENT:

@@ -1,5 +1,7 @@
 #include "support/PlatformTree.h"
 
+#include "support/PlatformFile.h"
+
 #include <cerrno>
 #include <dirent.h>
 #include <fcntl.h>
@@ -44,7 +46,7 @@ const dirent* readNext(DIR* dir) {
 } // namespace
 
 HIOStatus listDirectory(const std::string& dir, std::vector<HUTFileEntry>& entries) {
-    if (dir.find('\0') != std::string::npos) return HIOStatus::missing;
+    if (holdsNull(dir)) return HIOStatus::missing;
     const std::unique_ptr<DIR, int (*)(DIR*)> open(opendir(dir.c_str()), closedir);
     if (!open) return isGone(errno) ? HIOStatus::missing : HIOStatus::unreadable;
     while (const dirent* const entry = readNext(open.get())) {
@@ -59,7 +61,7 @@ HIOStatus listDirectory(const std::string& dir, std::vector<HUTFileEntry>& entri
 HIOStatus getSize(const std::string& file, std::uint64_t& bytes) {
     bytes = 0;
     struct stat info {};
-    if (file.find('\0') != std::string::npos) return HIOStatus::missing;
+    if (holdsNull(file)) return HIOStatus::missing;
     if (lstat(file.c_str(), &info) != 0) return isGone(errno) ? HIOStatus::missing : HIOStatus::unreadable;
     if (!S_ISREG(info.st_mode)) return HIOStatus::notRegular;
     bytes = static_cast<std::uint64_t>(info.st_size);

@@ -22,10 +22,6 @@ using win32::OwnerOnly;
 using win32::shareAll;
 using win32::toLongName;
 
-bool holdsNull(const std::string& name) {
-    return name.find('\0') != std::string::npos;
-}
-
 Handle open(const std::wstring& name, DWORD access) {
     // With this flag directories open, too; what they are is seen afterwards.
     return Handle(

@@ -1,6 +1,7 @@
 #include "support/PlatformTree.h"
 
 #include "Win32.h"
+#include "support/PlatformFile.h"
 
 #include <string_view>
 
@@ -50,7 +51,7 @@ HIOStatus statusOfLastError() {
 }
 
 bool leadsNowhere(const std::string& name) {
-    return name.empty() || name.find('\0') != std::string::npos;
+    return name.empty() || holdsNull(name);
 }
 
 } // namespace
