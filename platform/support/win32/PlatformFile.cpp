@@ -205,7 +205,7 @@ private:
     bool m_exists = false;
 };
 
-bool removeEntry(const std::wstring& name, DWORD attributes, Patience& patience);
+bool removeEntry(const std::wstring& name, DWORD attributes, bool isLink, Patience& patience);
 
 bool removeEntries(const std::wstring& dir, const std::string& kept, Patience& patience) {
     WIN32_FIND_DATAW entry{};
@@ -216,16 +216,16 @@ bool removeEntries(const std::wstring& dir, const std::string& kept, Patience& p
     do {
         const std::wstring_view name = entry.cFileName;
         if (name == L"." || name == L".." || win32::toUtf8(name) == kept) continue;
-        areGone = removeEntry(dir + L'\\' + std::wstring(name), entry.dwFileAttributes, patience) && areGone;
+        const bool isLink = win32::isLink(entry.dwFileAttributes, entry.dwReserved0);
+        areGone = removeEntry(dir + L'\\' + std::wstring(name), entry.dwFileAttributes, isLink, patience) && areGone;
     } while (FindNextFileW(search, &entry));
     return areGone;
 }
 
 // Read-only files, such as git's objects, are not removed as they are. A link goes, what it leads to stays.
-bool removeEntry(const std::wstring& name, DWORD attributes, Patience& patience) {
+bool removeEntry(const std::wstring& name, DWORD attributes, bool isLink, Patience& patience) {
     if ((attributes & FILE_ATTRIBUTE_READONLY) != 0) makeWriteable(name);
     if ((attributes & FILE_ATTRIBUTE_DIRECTORY) == 0) return untilGone(name, DeleteFileW, patience);
-    const bool isLink = (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
     if (!isLink && !removeEntries(name, "", patience)) return false;
     return untilGone(name, RemoveDirectoryW, patience);
 }
@@ -422,8 +422,11 @@ bool removeTree(const std::string& path) {
     const std::wstring name = toLongName(path);
     const DWORD attributes = GetFileAttributesW(name.c_str());
     if (attributes == INVALID_FILE_ATTRIBUTES) return statusOfError(GetLastError()) == Status::missing;
+    // What cannot be looked at may be one.
+    const bool mayBeLink =
+        (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 && !win32::openItself(name, 0, OPEN_EXISTING);
     Patience patience;
-    return removeEntry(name, attributes, patience);
+    return removeEntry(name, attributes, mayBeLink, patience);
 }
 
 bool removeEntriesExcept(const std::string& dir, const std::string& keptName) {

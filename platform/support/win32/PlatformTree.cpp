@@ -11,13 +11,8 @@ namespace {
 
 using Type = HUTFileEntry::Type;
 
-// Not all that carries such a mark is a link: files that a cloud service keeps carry one, too.
-bool isLink(const WIN32_FIND_DATAW& entry) {
-    return (entry.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 && IsReparseTagNameSurrogate(entry.dwReserved0);
-}
-
 Type typeOf(const WIN32_FIND_DATAW& entry) {
-    if (isLink(entry)) return Type::other;
+    if (win32::isLink(entry.dwFileAttributes, entry.dwReserved0)) return Type::other;
     return (entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0 ? Type::directory : Type::file;
 }
 

@@ -72,7 +72,10 @@ std::string describe(DWORD error) {
     return toUtf8(line);
 }
 
-// Not all that carries such a mark is a link: files that a cloud service keeps carry one, too.
+bool isLink(DWORD attributes, DWORD tag) {
+    return (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0 && IsReparseTagNameSurrogate(tag);
+}
+
 Handle openItself(const std::wstring& name, DWORD access, DWORD disposition, SECURITY_ATTRIBUTES* attributes,
                   DWORD sharing) {
     constexpr DWORD flags = FILE_ATTRIBUTE_NORMAL | FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT;
@@ -80,7 +83,7 @@ Handle openItself(const std::wstring& name, DWORD access, DWORD disposition, SEC
         CreateFileW(name.c_str(), access | FILE_READ_ATTRIBUTES, sharing, attributes, disposition, flags, nullptr));
     FILE_ATTRIBUTE_TAG_INFO info{};
     if (!file || !GetFileInformationByHandleEx(file.get(), FileAttributeTagInfo, &info, sizeof info) ||
-        (info.FileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0 || !IsReparseTagNameSurrogate(info.ReparseTag))
+        !isLink(info.FileAttributes, info.ReparseTag))
         return file;
     file.close();
     SetLastError(stoppedByLink);

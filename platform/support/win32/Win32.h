@@ -52,6 +52,10 @@ private:
 /// Whoever else has a file open may do what he likes with it.
 constexpr DWORD shareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
+/// Whether an entry with these marks is a link. Not all that carries a tag is one: files and directories that a cloud
+/// service keeps carry one, too.
+bool isLink(DWORD attributes, DWORD tag);
+
 /// The system's error for a link that is not followed, ERROR_STOPPED_ON_SYMLINK, which not every compiler's headers
 /// know.
 constexpr DWORD stoppedByLink = 681;
