@@ -72,6 +72,12 @@ bool requireRemoteAccess(HSCPlazReport& report) {
     return false;
 }
 
+bool mayFetch(const Files& files, HSCPlazReport& report) {
+    if (!requireRemoteAccess(report)) return false;
+    if (files.empty()) trace("No catalog files provided to fetch.");
+    return !files.empty();
+}
+
 // A refresh comes here for the catalog and again for what the items say of themselves; it is told once all the same.
 void warnOnce(const std::string& owner, const std::string& staging, const std::string& wanted, bool isThere,
               HSCPlazReport& report) {
@@ -173,11 +179,7 @@ bool acceptHub(const HSCPlazModel& hub, const Files& files, HSCPlazReport& repor
 
 HSCPlazGitOutcome HSCPlazGitCatalog::loadFiles(const HSCPlazGitStore& store, const Files& files) {
     return HSCPlazGitOutcome::of([&](HSCPlazReport& report) {
-        if (!requireRemoteAccess(report)) return false;
-        if (files.empty()) {
-            trace("No catalog files provided to fetch.");
-            return false;
-        }
+        if (!mayFetch(files, report)) return false;
         if (!acceptBranch(store.model, report) || !acceptFiles(store.model.getName(), files, report)) return false;
         trace("storePath = ", store.layout.getStaging());
         return stageFiles(store, files, report);
@@ -187,11 +189,7 @@ HSCPlazGitOutcome HSCPlazGitCatalog::loadFiles(const HSCPlazGitStore& store, con
 HSCPlazGitOutcome HSCPlazGitCatalog::loadHubFiles(const HSCPlazModel& hub, const std::string& staging,
                                                   const Files& files, const HSCPlazCfgModel* config) {
     return HSCPlazGitOutcome::of([&](HSCPlazReport& report) {
-        if (!requireRemoteAccess(report)) return false;
-        if (files.empty()) {
-            trace("No catalog files provided to fetch.");
-            return false;
-        }
+        if (!mayFetch(files, report)) return false;
         if (!acceptHub(hub, files, report)) return false;
         trace("storePath = ", staging);
         const std::string& url = hub.getRemoteRepository();
