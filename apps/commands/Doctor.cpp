@@ -105,6 +105,7 @@ std::vector<Finding> Doctor::examine(const std::vector<HSCPlazQStore*>& stores) 
     round.make("disk", [&] { return doctor::checkDisk(find(paths, "user area")); });
     round.makeOne("hub: metadata", doctor::checkHubMetadata);
     if (HubQueries::isEmpty(m_hub)) round.makeOne("hub: stores", doctor::tellEmptyHub);
+    round.make("hub: own stores", doctor::checkOwnStores);
     round.makeOne("hub: configuration", doctor::checkConfiguration);
     round.make("hub: places of stores", doctor::checkPlaces);
     for (HSCPlazQStore* store : stores) examineStore(round, m_hub, *store, trial ? trial->getDir() : "", m_status);

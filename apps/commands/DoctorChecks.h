@@ -61,6 +61,8 @@ std::string findDamage(const std::string& file);
 Finding checkHubMetadata();
 /// Of a hub without stores.
 Finding tellEmptyHub();
+/// The stores that the user has added; no finding where there are none.
+std::vector<Finding> checkOwnStores();
 Finding checkConfiguration();
 /// What tells where stores are kept; no finding where that was never written.
 std::vector<Finding> checkPlaces();

@@ -149,6 +149,12 @@ Finding doctor::tellEmptyHub() {
                    "Choose a hub that has some: plaz hub set URL; or add one: plaz hub add-store NAME URL.");
 }
 
+std::vector<Finding> doctor::checkOwnStores() {
+    const std::string file = HSCPlazInspection::getOwnStoresFile();
+    if (!HUTFile::exists(file)) return {};
+    return {checkFile("hub: own stores", file, "Correct it, or put it aside and add the stores again.", "")};
+}
+
 Finding doctor::checkConfiguration() {
     const std::string file = HSCPlazInspection::getConfigFile();
     if (HUTFile::exists(file))

@@ -56,8 +56,7 @@ Finding doctor::checkRemote(const std::string& subject, const std::string& url, 
                             const std::string& trial) {
     const std::string shown = HSCPlazTrust::maskSecrets(url);
     if (url.empty())
-        return warning(subject, "none is named, so it cannot be refreshed",
-                       std::string("Name one in the configuration or in ") + HSCPlazName::remoteRepoVariable + ".");
+        return warning(subject, "none is named, so it cannot be refreshed", "Choose one: plaz hub set URL.");
     const auto start = std::chrono::steady_clock::now();
     const HSCPlazInspection::Answer answer = HSCPlazInspection::askRemote(url, trial);
     const auto spent =

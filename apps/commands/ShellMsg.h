@@ -40,6 +40,7 @@ inline constexpr MsgId<2> settingForgotten{"@17-2323@%s%s"};   ///< parameter, v
 inline constexpr MsgId<2> settingNotKept{"@17-2324@%s%s"};     ///< parameter, value
 inline constexpr MsgId<1> settingIsSecret{"@17-2325@%s"};      ///< parameter
 inline constexpr MsgId<1> settingNotGiven{"@17-2326@%s"};      ///< parameter
+inline constexpr MsgId<2> urlHoldsLogin{"@17-2337@%s%s"};      ///< store, URL
 inline constexpr MsgId<0> hubEmpty{"@17-2336@"};
 inline constexpr MsgId<0> cancelled{"@17-2190@"};
 } // namespace ShellMsg

@@ -97,7 +97,7 @@ void forgetSetting(const HPAParam& param) {
 }
 
 bool tellsSecret(const HPAParam& param, const std::string& value) {
-    return !value.empty() && shownValue(param.getName(), value) != value;
+    return isSecret(param.getName()) ? shownValue(param.getName(), value) != value : HSCPlazTrust::holdsLogin(value);
 }
 
 const char* sourceOf(const HPAParam& param) {

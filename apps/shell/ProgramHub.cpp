@@ -8,6 +8,7 @@
 #include "UserSettings.h"
 
 #include "plaz/base/HSCPlazNames.h"
+#include "plaz/base/HSCPlazTrust.h"
 #include "support/HPAParamMgr.h"
 
 int Program::runHub() {
@@ -26,7 +27,10 @@ int Program::runHubUnset() {
 }
 
 int Program::runAddStore() {
-    return show(makeActions().addStore(m_options.newStore));
+    const HSCPlazNewStore& wanted = m_options.newStore;
+    if (HSCPlazTrust::holdsLogin(wanted.url))
+        failWith(ShellMsg::urlHoldsLogin, wanted.name, HSCPlazTrust::maskSecrets(wanted.url));
+    return show(makeActions().addStore(wanted));
 }
 
 int Program::runRemoveStore() {

@@ -315,6 +315,7 @@ class ShellTest(HubTest):
         self.expect("hub", "hub qstores: name")
         hub, tcl = ((self.repositories / f"{name}.git").as_uri() for name in ("hub", "tcl-store"))
         self.expect(f"hub set {hub}", "qstores: name outcome", "boards refreshed", "tclscripts refreshed")
+        self.check_shown(self.run_plaz("hub add-store a https://me:geheim@h/x", status=1).stderr, never=["geheim"])
         self.run_plaz(f"hub add-store mine {tcl}", status=1)  # its metadata file has no usual name
         self.run_plaz(f"hub add-store boards {tcl} --metadata-file tcl_store.json", status=1)
         self.expect(f"hub add-store mine {tcl} --metadata-file tcl_store.json", "qstores: name items", "mine 8")

@@ -139,6 +139,10 @@ std::vector<std::string> HSCPlazInspection::findHiddenStores(const HSCPlaz& hub)
     return HSCPlazOwnStores(HSCPlazPathMgr::getOwnStoresFile()).findHidden(*hub.getModel());
 }
 
+std::string HSCPlazInspection::getOwnStoresFile() {
+    return HSCPlazPathMgr::getOwnStoresFile();
+}
+
 std::string HSCPlazInspection::getPlacesFile() {
     return workspace().places.getFile();
 }

@@ -103,5 +103,7 @@ PLAZ_API std::string getRefreshedHubMetadataFile();
 /// As it is shipped.
 PLAZ_API std::string getShippedHubMetadataFile();
 PLAZ_API std::string getConfigFile();
+/// The stores that the user has added. Need not exist.
+PLAZ_API std::string getOwnStoresFile();
 
 } // namespace HSCPlazInspection

@@ -176,6 +176,11 @@ std::string HSCPlazTrust::findTclNameRefusal(const std::string& name) {
 
 // RATIONALE: a token may hold any character, so what stands before the last "@" of a URL counts as its user part,
 // though it may be a path, and any value behind "?" or "#" as a token.
+bool HSCPlazTrust::holdsLogin(const std::string& url) {
+    const HSCPlazUrl parts = HSCPlazUrl::parse(url);
+    return parts.hasUser && (parts.isHttp() || parts.user.find(':') != std::string::npos);
+}
+
 std::string HSCPlazTrust::maskSecrets(const std::string& text) {
     std::string masked;
     std::size_t done = 0;

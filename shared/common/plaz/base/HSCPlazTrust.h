@@ -33,6 +33,8 @@ PLAZ_API bool isSafeUrl(const std::string& text);
 PLAZ_API std::string findTclRefusal(const std::string& text);
 /// The same for the name of a store or an item, which must not be empty nor look like an option.
 PLAZ_API std::string findTclNameRefusal(const std::string& name);
+/// Whether a URL has a password, or the user of a web server in it; that somebody is "git" to another one is no secret.
+PLAZ_API bool holdsLogin(const std::string& url);
 /// The text with "***" in every URL in it, in the place of all that stands before its last "@" ("//user:token@") and of
 /// each value behind "?" or "#". It may hide more than secrets.
 PLAZ_API std::string maskSecrets(const std::string& text);

@@ -55,10 +55,11 @@ bool HSCPlazOwnStores::write(const HSCPlazModel& stores) const {
            HUTFile::writeAtomically(m_file, text, true);
 }
 
-void HSCPlazOwnStores::addTo(HSCPlazModel& hub, HSCPlazReport& report) const {
+bool HSCPlazOwnStores::addTo(HSCPlazModel& hub, HSCPlazReport& report) const {
     const auto own = read(report);
     for (const auto& store : own->getStores())
         if (!hub.findStore(store->getName())) hub.addStore(store);
+    return !own->isUnread();
 }
 
 std::vector<std::string> HSCPlazOwnStores::findHidden(const HSCPlazModel& hub) const {

@@ -22,8 +22,8 @@ public:
     /// Replaces the file. @return false when it could not be written
     bool write(const HSCPlazModel& stores) const;
 
-    /// Adds to a hub those stores whose names it does not have.
-    void addTo(HSCPlazModel& hub, HSCPlazReport& report) const;
+    /// Adds to a hub those stores whose names it does not have. @return false where not all may have been read
+    bool addTo(HSCPlazModel& hub, HSCPlazReport& report) const;
     /// The names of those of which a hub has one of its own.
     std::vector<std::string> findHidden(const HSCPlazModel& hub) const;
 

@@ -49,9 +49,9 @@ bool accept(HSCPlazTask& task, const HSCPlazNewStore& wanted) {
     if (known && known->isOffered()) return task.fail(Msg::storeNameTaken, wanted.name);
     // Its name becomes that of its folder, too.
     if (!HSCPlazTrust::isSafeComponent(wanted.name))
-        return task.fail(Msg::storeRefused, wanted.name, "its name cannot be that of a folder");
+        return task.fail(Msg::newStoreRefused, wanted.name, "its name cannot be that of a folder");
     const std::string refusal = HSCPlazGitUrl::findRefusal(wanted.url);
-    return refusal.empty() || task.fail(Msg::storeRefused, wanted.name, refusal);
+    return refusal.empty() || task.fail(Msg::newStoreRefused, wanted.name, refusal);
 }
 
 void append(HSCPlazModel& own, const HSCPlazNewStore& wanted) {

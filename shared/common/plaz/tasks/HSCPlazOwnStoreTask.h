@@ -11,7 +11,7 @@ class HSCPlazTask;
 namespace HSCPlazOwnStoreTask {
 
 /// Adds a store and fetches its catalog. What cannot be fetched is not added.
-/// @return false, with the reason told: Msg::storeNameTaken, storeRefused, ownStoresDamaged, ownStoresNotSaved,
+/// @return false, with the reason told: Msg::storeNameTaken, newStoreRefused, ownStoresDamaged, ownStoresNotSaved,
 ///         metadataFileUnknown, and what the fetch tells
 bool add(HSCPlazTask& task, HSCPlazNewStore wanted);
 /// Takes a store away. What is installed from it stays, as with a store that a hub lists no more
