@@ -97,8 +97,11 @@ template <typename Subject, typename Action> auto HubActions::doEach(std::vector
 }
 
 ItemsResult HubActions::install(const Items& items) const {
-    return doEach(items,
-                  [&](HSCPlazQItem& item) { return HSCPlazTaskMgr::installItem(m_hub, item, m_options, &m_status); });
+    return doEach(items, [&](HSCPlazQItem& item) {
+        if (item.isInactive() && !item.IsInstalled())
+            ComMsgMgr::send(ShellMsg::itemInactive, MsgSeverity::warning, ItemReference::of(item).toText());
+        return HSCPlazTaskMgr::installItem(m_hub, item, m_options, &m_status);
+    });
 }
 
 ItemsResult HubActions::update(const Items& items) const {

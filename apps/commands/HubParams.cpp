@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 #include "Glob.h"
+#include "Nearness.h"
 #include "Secrets.h"
 #include "ShellMsg.h"
 #include "UserSettings.h"
@@ -12,7 +13,7 @@
 
 const HPAParam& requireParam(const std::string& name) {
     const HPAParam* param = HPAParamMgr::getParamMgr().findParam(name);
-    if (!param) failWith(ShellMsg::paramUnknown, name);
+    if (!param) throw HEXAll(describeUnknownParam(name));
     return *param;
 }
 
@@ -21,6 +22,19 @@ std::vector<const HPAParam*> findParams(const std::string& pattern, bool withHid
     const auto isOther = [&](const HPAParam* param) { return !fitsGlob(pattern, param->getName()); };
     if (!pattern.empty()) params.erase(std::remove_if(params.begin(), params.end(), isOther), params.end());
     return params;
+}
+
+ComMsgMgrInstance describeUnknownParam(const std::string& shown) {
+    const auto namesOf = [](const std::vector<const HPAParam*>& params) {
+        std::vector<std::string> names;
+        for (const HPAParam* param : params) names.push_back(param->getName());
+        return names;
+    };
+    std::string name = shown;
+    name.erase(std::remove_if(name.begin(), name.end(), [](char c) { return c == '*' || c == '?'; }), name.end());
+    const std::string near = joinNearNames(name, namesOf(findParams("", true)));
+    if (near.empty()) return messageOf(ShellMsg::paramUnknown, shown);
+    return messageOf(ShellMsg::nameUnknownNear, "parameter", shown, near, joinNames(namesOf(findParams("", false))));
 }
 
 TextTable tabulate(const std::vector<const HPAParam*>& params) {

@@ -2,7 +2,7 @@
 
 #include "Failure.h"
 #include "ItemFilter.h"
-#include "NearNames.h"
+#include "Nearness.h"
 #include "ShellMsg.h"
 
 #include "plaz/HSCPlazInspection.h"
@@ -14,8 +14,10 @@
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/HSCPlazUpdateDecision.h"
+#include "support/HUTText.h"
 
 #include <algorithm>
+#include <optional>
 #include <unordered_map>
 
 namespace {
@@ -76,7 +78,8 @@ std::vector<std::vector<HSCPlazQItem*>> groupByName(const std::vector<HSCPlazQIt
 }
 
 ListedItem listed(HSCPlazQItem& item, const std::vector<HSCPlazQItem*>& entries) {
-    ListedItem line{&item, false, {}};
+    ListedItem line{&item, false, {}, true, {}};
+    if (HSCPlazUpdateDecision::isOutdated(item)) line.offered = item.getLatestRevision();
     for (const HSCPlazQItem* entry : entries) {
         if (entry->IsInstalled()) line.installedRevisions.push_back(entry->getRevision());
         line.isOutdated = line.isOutdated || HSCPlazUpdateDecision::isOutdated(*entry);
@@ -84,28 +87,47 @@ ListedItem listed(HSCPlazQItem& item, const std::vector<HSCPlazQItem*>& entries)
     return line;
 }
 
-void addLines(const ItemQuery& query, const std::vector<HSCPlazQItem*>& entries, const ItemFilter& filter,
-              std::vector<ListedItem>& lines) {
-    std::vector<HSCPlazQItem*> fitting;
-    std::copy_if(entries.begin(), entries.end(), std::back_inserter(fitting),
-                 [&](const HSCPlazQItem* item) { return filter.fits(*item); });
-    if (!query.listsRevisions() && !fitting.empty()) fitting = {pickEntry(fitting)};
-    for (HSCPlazQItem* item : fitting) lines.push_back(listed(*item, entries));
+/// An entry that fits a query, and how well.
+struct Fitting {
+    HSCPlazQItem* item;
+    unsigned rank;
+};
+
+/// Sorts by the query's order; what is the same there stays in the hub's.
+void sortBy(ItemQuery::Order order, std::vector<Fitting>& found) {
+    const auto sort = [&](auto isBefore) { std::stable_sort(found.begin(), found.end(), isBefore); };
+    switch (order) {
+    case ItemQuery::Order::relevance:
+        sort([](const Fitting& a, const Fitting& b) { return a.rank < b.rank; });
+        break;
+    case ItemQuery::Order::name:
+        sort([](const Fitting& a, const Fitting& b) { return a.item->getName() < b.item->getName(); });
+        break;
+    case ItemQuery::Order::store:
+        sort([](const Fitting& a, const Fitting& b) { return a.item->getStoreName() < b.item->getStoreName(); });
+        break;
+    case ItemQuery::Order::revision:
+        sort([](const Fitting& a, const Fitting& b) {
+            return HUTText::compareNumbers(a.item->getRevision(), b.item->getRevision()) > 0;
+        });
+        break;
+    }
 }
 
 /// Adds one entry for each item of a store, the best of those that are wanted, in catalog order.
-template <typename IsWanted>
-void addBestEntries(const HSCPlazQStore& store, IsWanted isWanted, std::vector<HSCPlazQItem*>& found) {
+/// @param rank  of an entry; nothing when it is not wanted
+template <typename Rank> void addBestEntries(const HSCPlazQStore& store, Rank rank, std::vector<Fitting>& found) {
     const HSTVector<HSCPlazQItem*>& items = store.getItems();
     std::vector<bool> isDone(items.size());
     for (std::size_t first = 0; first < items.size(); ++first) {
         if (isDone[first]) continue;
-        HSCPlazQItem* best = nullptr;
+        std::optional<Fitting> best;
         for (std::size_t entry = first; entry < items.size(); entry = store.getNextOfName(entry)) {
             isDone[entry] = true;
-            if (isWanted(*items[entry]) && (!best || rankOf(*items[entry]) > rankOf(*best))) best = items[entry];
+            if (best && rankOf(*items[entry]) <= rankOf(*best->item)) continue;
+            if (const auto rankOfEntry = rank(*items[entry])) best = Fitting{items[entry], *rankOfEntry};
         }
-        if (best) found.push_back(best);
+        if (best) found.push_back(*best);
     }
 }
 
@@ -126,9 +148,15 @@ void HubQueries::requireStores() const {
 
 HSCPlazQStore& HubQueries::getStore(const std::string& name) const {
     if (HSCPlazQStore* store = m_hub.getStore(name)) return *store;
-    std::string known;
-    for (const HSCPlazQStore* store : m_hub.getStores()) known += (known.empty() ? "" : ", ") + store->getName();
-    failWith(ShellMsg::storeUnknown, name, known.empty() ? "none" : known);
+    throwUnknownStore(name);
+}
+
+void HubQueries::throwUnknownStore(const std::string& name) const {
+    std::vector<std::string> known;
+    for (const HSCPlazQStore* store : m_hub.getStores()) known.push_back(store->getName());
+    const std::string near = joinNearNames(name, known);
+    if (!near.empty()) failWith(ShellMsg::nameUnknownNear, "store", name, near, joinNames(known));
+    failWith(ShellMsg::storeUnknown, name, joinNames(known));
 }
 
 std::vector<HSCPlazQStore*> HubQueries::getScope(const std::string& store) const {
@@ -157,27 +185,30 @@ std::vector<HSCPlazQStore*> HubQueries::getStores(const std::vector<std::string>
 
 std::vector<ListedItem> HubQueries::findItems(const ItemQuery& query) const {
     std::vector<ListedItem> lines;
-    for (const HSCPlazQStore* store : getScope(query.store)) {
-        const ItemFilter filter(query, *store);
-        for (const auto& entries : groupByName(store->getItems())) addLines(query, entries, filter, lines);
+    for (HSCPlazQItem* item : selectItems(query, {})) {
+        lines.push_back(listed(*item, item->getStore()->getItems(item->getName())));
+        lines.back().standsForAll = !query.listsRevisions();
     }
     return lines;
 }
 
 std::vector<HSCPlazQItem*> HubQueries::selectItems(const ItemQuery& query,
                                                    const std::function<bool(const HSCPlazQItem&)>& fits) const {
-    std::vector<HSCPlazQItem*> found;
+    std::vector<Fitting> found;
     for (const HSCPlazQStore* store : getScope(query.store)) {
         const ItemFilter filter(query, *store);
-        const auto isWanted = [&](const HSCPlazQItem& item) { return filter.fits(item) && (!fits || fits(item)); };
-        const HSTVector<HSCPlazQItem*>& items = store->getItems();
+        const auto rank = [&](const HSCPlazQItem& item) {
+            return !fits || fits(item) ? filter.rank(item) : std::nullopt;
+        };
+        if (!query.listsRevisions()) addBestEntries(*store, rank, found);
         if (query.listsRevisions())
-            std::copy_if(items.begin(), items.end(), std::back_inserter(found),
-                         [&](const HSCPlazQItem* item) { return isWanted(*item); });
-        else
-            addBestEntries(*store, isWanted, found);
+            for (HSCPlazQItem* item : store->getItems())
+                if (const auto rankOfItem = rank(*item)) found.push_back({item, *rankOfItem});
     }
-    return found;
+    sortBy(query.order, found);
+    std::vector<HSCPlazQItem*> items;
+    for (const Fitting& fitting : found) items.push_back(fitting.item);
+    return items;
 }
 
 HSCPlazQItem& HubQueries::resolve(const ItemReference& reference, const std::string& store) const {
@@ -300,16 +331,21 @@ std::vector<HSCPlazQItem*> HubQueries::findInstalled(const ItemReference& refere
 }
 
 void HubQueries::throwUnknown(const ItemReference& reference, const std::string& store) const {
+    const std::vector<HSCPlazQStore*> scope = getScope(scopeOf(reference, store));
     std::vector<HSCPlazQItem*> otherRevisions;
-    std::vector<std::string> names;
-    for (const HSCPlazQStore* one : getScope(scopeOf(reference, store)))
-        for (HSCPlazQItem* item : one->getItems()) {
-            if (item->getName() == reference.name) otherRevisions.push_back(item);
-            names.push_back(ItemReference{{}, item->getName(), {}}.toText());
-        }
+    for (const HSCPlazQStore* one : scope)
+        for (HSCPlazQItem* item : one->getItems(reference.name)) otherRevisions.push_back(item);
     if (!otherRevisions.empty())
         failWith(ShellMsg::revisionUnknown, reference.toText(), joinReferences(otherRevisions));
-    const std::string near = joinNearNames(reference.name, names);
-    if (!near.empty()) failWith(ShellMsg::itemUnknownNear, reference.toText(), near);
-    failWith(ShellMsg::itemUnknown, reference.toText());
+    throw HEXAll(describeUnknown(reference.toText(), reference.name, scope));
+}
+
+ComMsgMgrInstance HubQueries::describeUnknown(const std::string& shown, const std::string& name,
+                                              const std::vector<HSCPlazQStore*>& scope) const {
+    std::vector<std::string> names;
+    for (const HSCPlazQStore* store : scope)
+        for (const HSCPlazQItem* item : store->getItems())
+            names.push_back(ItemReference{{}, item->getName(), {}}.toText());
+    const std::string near = joinNearNames(name, names);
+    return near.empty() ? messageOf(ShellMsg::itemUnknown, shown) : messageOf(ShellMsg::itemUnknownNear, shown, near);
 }

@@ -20,6 +20,20 @@ struct ListedItem {
     HSCPlazQItem* item;                          ///< borrowed from its store
     bool isOutdated;                             ///< an installed revision of the item can be updated
     std::vector<std::string> installedRevisions; ///< of the item, in catalog order
+    bool standsForAll = true;                    ///< it is the only line of its item
+    std::string offered;                         ///< the revision that an update of this one brings; empty for none
+};
+
+/// A query as it is carried out, and what people should hear of that: that words are searched, and which.
+struct UnderstoodQuery {
+    ItemQuery query;
+    std::vector<ComMsgMgrInstance> notes;
+};
+
+/// Why nothing is listed, and whether that is a failure, because something was named that there is not.
+struct NothingListed {
+    ComMsgMgrInstance message;
+    bool isFailure;
 };
 
 /// An item that another one needs, and whether it is there.
@@ -39,8 +53,8 @@ struct ItemInfo {
 };
 
 /// Finds stores and items of a hub. The hub must outlive the object; results are borrowed from it and last until their
-/// store is reloaded. Failures are thrown as HEXAll: ShellMsg::storeUnknown, itemUnknown, itemUnknownNear,
-/// itemAmbiguous, revisionUnknown, severalInstalled, noOldRevision or Msg::itemNotInstalled.
+/// store is reloaded. Failures are thrown as HEXAll: ShellMsg::storeUnknown, nameUnknownNear, itemUnknown,
+/// itemUnknownNear, itemAmbiguous, revisionUnknown, severalInstalled, noOldRevision or Msg::itemNotInstalled.
 class HubQueries {
 public:
     explicit HubQueries(HSCPlaz& hub) : m_hub(hub) {}
@@ -64,8 +78,19 @@ public:
     std::vector<HSCPlazQStore*> getStores(const std::vector<std::string>& names,
                                           const std::set<std::string>& others = {}) const;
 
-    /// Items that fit @p query, store by store in catalog order. One line for each item: its latest revision, or
-    /// where that does not fit the query an installed one, or the first.
+    /// Fails with ShellMsg::nameUnknown or nameUnknownNear where stores say for which products they are, and none is
+    /// for @p product.
+    void requireProduct(const std::string& product) const;
+
+    /// Decides whether the terms of a query are the name or pattern of an item, or words; and what is looked for in
+    /// place of words that nothing mentions.
+    /// @throws HEXAll ShellMsg::storeUnknown, nameUnknown or nameUnknownNear for an unknown store or category
+    UnderstoodQuery understand(ItemQuery query) const;
+    /// What to tell where findItems() gives nothing for an understood query.
+    NothingListed describeNothing(const ItemQuery& query) const;
+
+    /// Items that fit @p query, in its order. One line for each item: its latest revision, or where that does not fit
+    /// the query an installed one, or the first.
     std::vector<ListedItem> findItems(const ItemQuery& query) const;
     /// The items of those lines alone.
     /// @param fits  which entries of the catalogs may be found; empty for all that fit the query
@@ -108,6 +133,10 @@ public:
 private:
     std::vector<HSCPlazQItem*> findInstalled(const ItemReference& reference, const std::string& store) const;
     [[noreturn]] void throwUnknown(const ItemReference& reference, const std::string& store) const;
+    /// That there is no item of that name, with similar names. @param shown  as people wrote it
+    ComMsgMgrInstance describeUnknown(const std::string& shown, const std::string& name,
+                                      const std::vector<HSCPlazQStore*>& scope) const;
+    [[noreturn]] void throwUnknownStore(const std::string& name) const;
 
     HSCPlaz& m_hub;
 };

@@ -8,7 +8,6 @@
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/HSCPlazUpdateDecision.h"
-#include "support/HUTText.h"
 
 #include <algorithm>
 
@@ -30,18 +29,10 @@ void collectBelow(const HSTVector<HSCPlazCategory*>& tree, const std::string& wa
     }
 }
 
-/// Everything that describes an item, a text a line, so that no word is found across two texts.
-std::string describingText(const HSCPlazQItem& item) {
-    std::string text = item.getName() + '\n' + item.getDisplayName() + '\n' + item.getDescription() + '\n' +
-                       item.getCompany() + '\n' + item.getCompanyDisplayName();
-    for (const std::string& keyword : item.getItemSearchKeywords()) text += '\n' + keyword;
-    return HUTText::lowered(text);
-}
-
 } // namespace
 
 ItemFilter::ItemFilter(const ItemQuery& query, const HSCPlazQStore& store)
-    : m_query(query), m_namePattern(query.pattern) {
+    : m_query(query), m_search(query), m_namePattern(query.pattern) {
     const std::size_t separator = query.pattern.find("::");
     if (separator != std::string::npos) {
         m_storeFits = fitsGlob(query.pattern.substr(0, separator), store.getName());
@@ -51,12 +42,12 @@ ItemFilter::ItemFilter(const ItemQuery& query, const HSCPlazQStore& store)
         collectBelow(store.getCategories(), query.category, m_categories);
         m_categories.insert(query.category);
     }
-    for (const std::string& word : query.words) m_words.push_back(HUTText::lowered(word));
 }
 
-bool ItemFilter::fits(const HSCPlazQItem& item) const {
-    return m_storeFits && fitsState(item) && (m_namePattern.empty() || fitsGlob(m_namePattern, item.getName())) &&
-           fitsCategory(item) && fitsWords(item);
+std::optional<unsigned> ItemFilter::rank(const HSCPlazQItem& item) const {
+    const bool fits = m_storeFits && fitsState(item) &&
+                      (m_namePattern.empty() || fitsGlob(m_namePattern, item.getName())) && fitsCategory(item);
+    return fits ? m_search.rank(item) : std::nullopt;
 }
 
 bool ItemFilter::fitsState(const HSCPlazQItem& item) const {
@@ -69,11 +60,4 @@ bool ItemFilter::fitsCategory(const HSCPlazQItem& item) const {
     const std::vector<std::string>& names = item.getCategories();
     return std::any_of(names.begin(), names.end(), isWanted) ||
            (item.getModel() && isWanted(item.getModel()->getCategory()));
-}
-
-bool ItemFilter::fitsWords(const HSCPlazQItem& item) const {
-    if (m_words.empty()) return true;
-    const std::string text = describingText(item);
-    return std::all_of(m_words.begin(), m_words.end(),
-                       [&](const std::string& word) { return text.find(word) != std::string::npos; });
 }

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "ItemSearch.h"
+
+#include <optional>
 #include <string>
 #include <unordered_set>
-#include <vector>
 
 struct ItemQuery;
 class HSCPlazQItem;
@@ -13,16 +15,17 @@ class HSCPlazQStore;
 class ItemFilter {
 public:
     ItemFilter(const ItemQuery& query, const HSCPlazQStore& store);
-    bool fits(const HSCPlazQItem& item) const;
+    bool fits(const HSCPlazQItem& item) const { return rank(item).has_value(); }
+    /// How well the item fits the words of the query, 0 best; nothing when it does not fit.
+    std::optional<unsigned> rank(const HSCPlazQItem& item) const;
 
 private:
     bool fitsState(const HSCPlazQItem& item) const;
     bool fitsCategory(const HSCPlazQItem& item) const;
-    bool fitsWords(const HSCPlazQItem& item) const;
 
     const ItemQuery& m_query;
+    ItemSearch m_search;
     std::string m_namePattern;
     bool m_storeFits = true;
     std::unordered_set<std::string> m_categories;
-    std::vector<std::string> m_words;
 };

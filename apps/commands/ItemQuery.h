@@ -1,10 +1,18 @@
 #pragma once
 
+#include <map>
 #include <string>
 #include <vector>
 
 /// What to list. Empty texts and false switches leave everything in.
 struct ItemQuery {
+    enum class Order {
+        relevance, ///< what fits the words best first; the hub's order without words and where it is the same
+        name,
+        store,
+        revision ///< the highest first
+    };
+
     std::string pattern;            ///< glob on the name; "STORE::NAME" holds one on the store's name too
     std::string store;              ///< exact name of a store
     std::string category;           ///< name of a category; those below it count as well
@@ -12,6 +20,10 @@ struct ItemQuery {
     bool installed = false;         ///< only installed revisions
     bool outdated = false;          ///< only installed revisions that a newer one could replace
     bool allRevisions = false;      ///< every revision instead of one for each item
+    Order order = Order::relevance;
+    std::vector<std::string> terms = {}; ///< a pattern, or words: HubQueries::understand() says which
+    /// What is looked for in place of a word (in lower case) that nothing mentions.
+    std::map<std::string, std::vector<std::string>> replaced = {};
 
     /// What is installed is listed as it is, each revision.
     bool listsRevisions() const { return allRevisions || installed; }

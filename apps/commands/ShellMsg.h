@@ -42,5 +42,17 @@ inline constexpr MsgId<1> settingIsSecret{"@17-2325@%s"};      ///< parameter
 inline constexpr MsgId<1> settingNotGiven{"@17-2326@%s"};      ///< parameter
 inline constexpr MsgId<2> urlHoldsLogin{"@17-2337@%s%s"};      ///< store, URL
 inline constexpr MsgId<0> hubEmpty{"@17-2336@"};
+inline constexpr MsgId<3> nameUnknown{"@17-2300@%s%s%s"};       ///< kind of name, name, those there are
+inline constexpr MsgId<4> nameUnknownNear{"@17-2301@%s%s%s%s"}; ///< kind of name, name, similar ones, those there are
+inline constexpr MsgId<1> termsSearched{"@17-2302@%s"};         ///< what was typed
+inline constexpr MsgId<2> wordReplaced{"@17-2303@%s%s"};        ///< word, what was searched instead
+inline constexpr MsgId<1> nothingMentions{"@17-2304@%s"};       ///< words
+inline constexpr MsgId<1> noneInState{"@17-2305@%s"};           ///< "installed" or "out of date"
+inline constexpr MsgId<0> noItemFits{"@17-2306@"};
+inline constexpr MsgId<2> noneInStateOfStore{"@17-2307@%s%s"}; ///< store, "installed" or "out of date"
+inline constexpr MsgId<0> nothingOffered{"@17-2308@"};
+inline constexpr MsgId<1> moreItems{"@17-2309@%s"};           ///< how many
+inline constexpr MsgId<1> itemInactive{"@17-2310@%s"};        ///< reference
+inline constexpr MsgId<3> nothingFitsNear{"@17-2311@%s%s%s"}; ///< "item" or "store", pattern, similar names
 inline constexpr MsgId<0> cancelled{"@17-2190@"};
 } // namespace ShellMsg

@@ -14,6 +14,8 @@ namespace {
 const char* classOf(const std::string& id) {
     static constexpr std::pair<const char*, const char*> classes[] = {
         {ShellMsg::storeUnknown.key, "NotFoundError"},
+        {ShellMsg::nameUnknown.key, "NotFoundError"},
+        {ShellMsg::nameUnknownNear.key, "NotFoundError"},
         {ShellMsg::itemUnknown.key, "NotFoundError"},
         {ShellMsg::itemUnknownNear.key, "NotFoundError"},
         {ShellMsg::revisionUnknown.key, "NotFoundError"},

@@ -50,11 +50,12 @@ void defineQueries(py::module_& module) {
                "pattern: glob on the name; \"STORE::NAME\" holds one on the store's name too.\n"
                "store: name of the store to look in.\n"
                "category: name of a category; those below it count as well.\n"
-               "words: texts that must each occur in what describes the item, in any case.\n"
+               "words: texts that must each occur in what describes the item, in any case; the best fitting items come "
+               "first. In place of one that nothing mentions the nearest words are looked for, which is logged.\n"
                "installed, outdated: only revisions that are installed, or installed and have an update.\n"
                "all_revisions: every revision.\n"
                "filter: a condition on properties, such as 'installed && company =~ Sample*'.\n\n"
-               "Raises NotFoundError for an unknown store and Error for a wrong condition.");
+               "Raises NotFoundError for an unknown store or category and Error for a wrong condition.");
     module.def(
         "item", &findItem, "reference"_a, "store"_a = py::none(),
         "item(reference, store=None)\n--\n\n"

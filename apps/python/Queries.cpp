@@ -33,7 +33,10 @@ py::list selectItems(Call& call, const ItemQuery& query, const OptionalText& fil
         fits = [&](const HSCPlazQItem& item) { return condition->fits(item); };
     }
     py::list items;
-    for (HSCPlazQItem* item : HubQueries(call.getHub()).selectItems(query, fits)) items.append(wrap(*item));
+    const HubQueries queries(call.getHub());
+    const UnderstoodQuery understood = queries.understand(query);
+    for (const ComMsgMgrInstance& note : understood.notes) ComMsgMgr::send(note, MsgSeverity::info);
+    for (HSCPlazQItem* item : queries.selectItems(understood.query, fits)) items.append(wrap(*item));
     return items;
 }
 

@@ -1,11 +1,9 @@
 #include "Settings.h"
 
 #include "Call.h"
-#include "Failure.h"
 #include "HubParams.h"
 #include "HubPreferences.h"
 #include "Secrets.h"
-#include "ShellMsg.h"
 
 #include "support/HCCXPrefMgr.h"
 #include "support/HPAParamMgr.h"

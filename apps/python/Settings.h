@@ -7,7 +7,7 @@
 
 // Parameters and preferences, for the mappings that the package makes of them.
 
-/// @throws ShellMsg::paramUnknown, here and below, as the package's exception
+/// @throws what describeUnknownParam() tells, here and below, as the package's exception
 pybind11::object getParam(const Text& name);
 /// @param value  a text, a number or a truth value
 /// @throws type_error, value_error, which never repeat what was given: it may be a secret

@@ -2,15 +2,18 @@
 
 #include "CommandOptions.h"
 #include "ItemReference.h"
+#include "Suggestions.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <map>
 #include <sstream>
 
 namespace {
 
 constexpr const char* about = "Lists, installs and updates the items of the content hub's stores.";
+constexpr const char* versionText = "plaz " PLAZ_VERSION;
 constexpr const char* sharedNote = "The options of plaz itself (see plaz --help) may stand behind a command as well.";
 constexpr const char* notes =
     R"(An ITEM is a name, with @REVISION behind it for one revision and STORE:: before it where
@@ -65,26 +68,52 @@ void addItems(CLI::App& command, Options& options, bool isRequired) {
     addStore(command, options.store);
 }
 
+const std::map<std::string, ItemQuery::Order> orders{{"relevance", ItemQuery::Order::relevance},
+                                                     {"name", ItemQuery::Order::name},
+                                                     {"store", ItemQuery::Order::store},
+                                                     {"revision", ItemQuery::Order::revision}};
+
+std::string checkOrder(const std::string& text) {
+    return orders.count(text) != 0 ? std::string() : "relevance, name, store or revision is expected";
+}
+
+void addOrder(CLI::App& items, Options& options) {
+    const auto setOrder = [&options](const std::string& name) { options.query.order = orders.at(name); };
+    items
+        .add_option_function<std::string>("--sort", setOrder,
+                                          "By relevance (what fits the words best first; unless another is named), "
+                                          "name, store or revision (the highest first)")
+        ->type_name("ORDER")
+        ->check(checkOrder);
+    items.add_option("--limit", options.limit, "List no more than so many items")
+        ->type_name("N")
+        ->check(CLI::PositiveNumber.description(""));
+}
+
 void addItemsCommand(CLI::App& app, Options& options) {
     ItemQuery& query = options.query;
     CLI::App* items = app.add_subcommand("items", "List items: one line for each item, its latest revision");
     items
-        ->add_option("PATTERN", query.pattern,
-                     "Names to list: a pattern with * ? [a-z]; STORE::NAME to choose stores too")
+        ->add_option("WORD", query.terms,
+                     "A name, or a pattern with * ? [a-z]; STORE::NAME to choose stores too. What is no name, and "
+                     "several words, are looked for in what describes the items; typing errors are forgiven")
         ->type_name("");
     addStore(*items, query.store);
     items->add_option("--category", query.category, "Only items of this category and of those below it")
         ->type_name("CATEGORY");
     items
-        ->add_option("--search", query.words,
-                     "Only items that mention all these words in name, display name, description, keywords or company")
+        ->add_option(
+            "--search", query.words,
+            "Only items that mention all these words in name, display name, description, keywords, categories or "
+            "company")
         ->type_name("WORDS")
         ->allow_extra_args(false);
     addFlag(*items, commandOptions::installed, query.installed);
     addFlag(*items, commandOptions::outdated, query.outdated);
     addFlag(*items, commandOptions::allRevisions, query.allRevisions);
+    addOrder(*items, options);
     items->footer(std::string("States: installed, dependency (only other items need it), outdated (an update is on "
-                              "offer).\n") +
+                              "offer), inactive (not for new designs any more).\n") +
                   sharedNote);
 }
 
@@ -142,6 +171,8 @@ void addCommands(CLI::App& app, Options& options) {
     app.footer(sharedNote); // commands start with their parent's
     app.add_subcommand("stores", "List the hub's stores");
     addItemsCommand(app, options);
+    CLI::App* categories = app.add_subcommand("categories", "List the stores' categories");
+    addStore(*categories, options.query.store);
     CLI::App* info = app.add_subcommand("info", "Show everything known of an item");
     addItems(*info, options, true);
     info->get_option("ITEM")->expected(1);
@@ -166,6 +197,9 @@ void addCommands(CLI::App& app, Options& options) {
     relocate->add_option("DIRECTORY", options.directory, "Where to keep it; its folder is made there")
         ->type_name("")
         ->required();
+    CLI::App* help = app.add_subcommand("help", "Show the help of a command, or of plaz, and end");
+    help->add_option("COMMAND", options.topic, "The command")->type_name("");
+    app.add_subcommand("version", "Show the version and end");
     app.add_subcommand("paths", "Show every directory and file in force, and what chose it");
     CLI::App* params = app.add_subcommand("params", "List parameters with value, default and description");
     params->add_option("PATTERN", options.pattern, "Names to list: a pattern with * ? [a-z]")->type_name("");
@@ -216,10 +250,14 @@ std::string trimmedEnd(std::string text) {
 }
 
 std::string describe(const CLI::ParseError& error, const CLI::App& app) {
+    const std::vector<std::string> rest = app.remaining(true);
+    const auto isOption = [](const std::string& word) { return word.rfind("--", 0) == 0; };
+    if (const auto option = std::find_if(rest.begin(), rest.end(), isOption); option != rest.end())
+        return "there is no option \"" + *option + "\"" + Suggestions::ofOption(*option, app);
     if (!app.get_subcommands().empty() || dynamic_cast<const CLI::RequiredError*>(&error) == nullptr)
         return error.what();
-    const std::vector<std::string> rest = app.remaining();
-    return rest.empty() ? "a command is required" : "there is no command \"" + rest.front() + "\"";
+    if (rest.empty()) return "a command is required";
+    return "there is no command \"" + rest.front() + "\"" + Suggestions::ofCommand(rest.front(), app);
 }
 
 /// A line that could not be read to its end still tells how the answer is wanted.
@@ -241,6 +279,24 @@ void checkUninstall(const Options& options) {
         throw CLI::ValidationError("uninstall", "--all-revisions and --old-revisions go with names without @REVISION");
 }
 
+/// "plaz help [COMMAND]" and "plaz version" are the options of that name.
+void turnIntoOption(const CLI::App& app, const Options& options) {
+    if (options.command == "version") throw CLI::CallForVersion(versionText, CLI::ExitCodes::Success);
+    if (options.command != "help") return;
+    const auto isNamed = [&](const CLI::App* command) { return command->get_name() == options.topic; };
+    const std::vector<const CLI::App*> commands = app.get_subcommands({});
+    if (options.topic.empty() || std::any_of(commands.begin(), commands.end(), isNamed)) throw CLI::CallForHelp();
+    throw CLI::ValidationError("help", "there is no command \"" + options.topic + "\"" +
+                                           Suggestions::ofCommand(options.topic, app));
+}
+
+/// Of the command that was chosen, or that "help" names, or else of the program.
+std::string helpOf(const CLI::App& app, const Options& options) {
+    if (!options.topic.empty()) return app.get_subcommand(options.topic)->help(app.get_name());
+    const bool isOfAll = app.get_subcommands().empty() || options.command == "help";
+    return isOfAll ? app.get_formatter()->make_help(&app, app.get_name(), CLI::AppFormatMode::Normal) : app.help();
+}
+
 std::vector<std::string> readScript(const Options& options, const std::vector<std::string>& words) {
     if (options.json) throw CLI::ValidationError("shell", "--json does not go with it: scripts print what they want");
     if (!words.empty() && words.front().rfind('-', 0) == 0) throw CLI::ExtrasError({words.front()});
@@ -253,7 +309,7 @@ CommandLine CommandLine::parse(const std::vector<std::string>& args) {
     CommandLine line{Kind::command, {}, {}};
     Options& options = line.options;
     CLI::App app(about, "plaz");
-    app.set_version_flag("--version", std::string("plaz ") + PLAZ_VERSION, "Show the version and end");
+    app.set_version_flag("--version", versionText, "Show the version and end");
     app.set_help_flag("-h,--help", "Show this help, or that of a command, and end");
     app.require_subcommand(1);
     app.allow_windows_style_options(false); // what begins with "/" may be a path
@@ -266,6 +322,7 @@ CommandLine CommandLine::parse(const std::vector<std::string>& args) {
     try {
         app.parse(std::vector<std::string>(args.rbegin(), std::prev(args.rend()))); // taken from the end
         options.command = nameOf(*app.get_subcommands().front());
+        turnIntoOption(app, options);
         options.query.words = splitWords(options.query.words);
         if (options.command == "update") checkUpdate(options);
         if (options.command == "uninstall") checkUninstall(options);
@@ -274,7 +331,7 @@ CommandLine CommandLine::parse(const std::vector<std::string>& args) {
         return line;
     } catch (const CLI::CallForHelp&) {
         line.kind = Kind::help;
-        line.text = trimmedEnd(app.help());
+        line.text = trimmedEnd(helpOf(app, options));
     } catch (const CLI::CallForVersion& version) {
         line.kind = Kind::version;
         line.text = version.what();

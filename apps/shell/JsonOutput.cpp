@@ -139,12 +139,23 @@ void fillListedItem(Object& object, const ListedItem& listed) {
         .flag("is_active", item.isActive())
         .flag("installed", item.IsInstalled())
         .flag("outdated", listed.isOutdated)
+        .flag("is_inactive", item.isInactive())
         .texts("installed_revisions", listed.installedRevisions);
+    if (!listed.offered.empty()) object.text("offered_revision", listed.offered);
     if (!item.IsInstalled()) return;
     object.flag("is_latest", item.isLatest())
         .text("installation_mode", item.getInstallationMode())
         .number("reference_count", item.getReferenceCount())
         .text("local_directory", item.getLocalRootDir());
+}
+
+void fillCategory(Object& object, const ListedCategory& category) {
+    object.text("store", category.store)
+        .text("name", category.name)
+        .text("display_name", category.displayName)
+        .text("description", category.description)
+        .text("parent", category.parent)
+        .number("item_count", static_cast<int>(category.items));
 }
 
 void fillDescription(Object& object, const HSCPlazQItem& item) {
@@ -235,6 +246,10 @@ void JsonOutput::showStores(const std::vector<HSCPlazQStore*>& stores) {
 
 void JsonOutput::showItems(const std::vector<ListedItem>& items) {
     add(m_document, "items", arrayOf(m_document, items, fillListedItem));
+}
+
+void JsonOutput::showCategories(const std::vector<ListedCategory>& categories) {
+    add(m_document, "categories", arrayOf(m_document, categories, fillCategory));
 }
 
 void JsonOutput::showItem(const ItemInfo& info) {

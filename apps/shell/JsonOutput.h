@@ -15,6 +15,7 @@ public:
 
     void showStores(const std::vector<HSCPlazQStore*>& stores) override;
     void showItems(const std::vector<ListedItem>& items) override;
+    void showCategories(const std::vector<ListedCategory>& categories) override;
     void showItem(const ItemInfo& info) override;
     void showActions(const std::vector<HSCPlazItemResult>& results) override;
     void showFiles(const std::vector<HSCPlazFilesResult>& results) override;

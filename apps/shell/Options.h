@@ -4,6 +4,7 @@
 
 #include "plaz/tasks/HSCPlazTaskOptions.h"
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -18,7 +19,8 @@ struct Options {
     std::string productVersion;
     std::vector<std::string> settings; ///< each "PARAM=VALUE"
 
-    ItemQuery query;                ///< items
+    ItemQuery query;                ///< items; categories its store
+    std::size_t limit = 0;          ///< items: most lines; 0 for any
     std::vector<std::string> items; ///< references, each well-formed
     std::string store;
     bool all = false;                 ///< update
@@ -35,6 +37,7 @@ struct Options {
     HSCPlazNewStore newStore;         ///< hub add-store
     bool hidden = false;              ///< params
     std::vector<std::string> files;   ///< validate
+    std::string topic;                ///< help: a command; empty for all
     std::vector<std::string> script;  ///< shell: a script and its arguments; empty for none
 };
 

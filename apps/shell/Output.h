@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Categories.h"
 #include "Finding.h"
 #include "HubQueries.h"
 
@@ -21,6 +22,7 @@ public:
 
     virtual void showStores(const std::vector<HSCPlazQStore*>& stores) = 0;
     virtual void showItems(const std::vector<ListedItem>& items) = 0;
+    virtual void showCategories(const std::vector<ListedCategory>& categories) = 0;
     virtual void showItem(const ItemInfo& info) = 0;
     virtual void showActions(const std::vector<HSCPlazItemResult>& results) = 0;
     virtual void showFiles(const std::vector<HSCPlazFilesResult>& results) = 0;

@@ -2,6 +2,7 @@
 
 #include "Doctor.h"
 #include "Failure.h"
+#include "HubParams.h"
 #include "JsonOutput.h"
 #include "ShellMsg.h"
 #include "StdoutDiversion.h"
@@ -44,7 +45,7 @@ std::string applySetting(const std::string& setting) {
     HPAParamMgr& params = HPAParamMgr::getParamMgr();
     if (params.setValue(name, setting.substr(separator + 1))) return {};
     return params.findParam(name) ? "--set: the parameter " + name + " does not take such a value"
-                                  : "--set: there is no parameter " + name + " (see plaz params --hidden)";
+                                  : "--set: " + describeUnknownParam(name).getMessage();
 }
 
 } // namespace
@@ -117,6 +118,7 @@ int Program::runDiverted() {
 int Program::runCommand() {
     static const std::map<std::string, int (Program::*)()> commands{{"stores", &Program::runStores},
                                                                     {"items", &Program::runItems},
+                                                                    {"categories", &Program::runCategories},
                                                                     {"info", &Program::runInfo},
                                                                     {"install", &Program::runInstall},
                                                                     {"uninstall", &Program::runUninstall},
@@ -157,17 +159,50 @@ int Program::fail(const ComMsgMgrInstance& reason) {
 
 int Program::runStores() {
     HSCPlaz& hub = getHub();
+    const HubQueries queries = makeQueries();
     m_output->showStores(hub.getStores());
-    HubQueries(hub).requireStores(); // else not all are above
+    queries.requireStores(); // else not all are above
     return exitStatus::done;
 }
 
+HubQueries Program::makeQueries() {
+    HubQueries queries(getHub());
+    if (!m_options.product.empty()) queries.requireProduct(m_options.product);
+    return queries;
+}
+
+int Program::tellNothing(const NothingListed& nothing) {
+    if (nothing.isFailure) return fail(nothing.message);
+    ComMsgMgr::send(nothing.message, MsgSeverity::info);
+    return exitStatus::done;
+}
+
+int Program::runCategories() {
+    const HubQueries queries = makeQueries();
+    std::vector<ListedCategory> categories;
+    for (const HSCPlazQStore* store : queries.getScope(m_options.query.store)) {
+        const std::vector<ListedCategory> found = findCategories(*store);
+        categories.insert(categories.end(), found.begin(), found.end());
+    }
+    m_output->showCategories(categories);
+    queries.requireStores(); // else not all are above
+    return categories.empty() ? tellNothing({messageOf(ShellMsg::nothingOffered), false}) : exitStatus::done;
+}
+
 int Program::runItems() {
-    const HubQueries queries(getHub());
-    m_output->showItems(queries.findItems(m_options.query));
+    const HubQueries queries = makeQueries();
+    const UnderstoodQuery understood = queries.understand(m_options.query);
+    std::vector<ListedItem> items = queries.findItems(understood.query);
+    if (!items.empty())
+        for (const ComMsgMgrInstance& note : understood.notes) ComMsgMgr::send(note, MsgSeverity::info);
+    const std::size_t more =
+        m_options.limit != 0 && items.size() > m_options.limit ? items.size() - m_options.limit : 0;
+    items.resize(items.size() - more);
+    m_output->showItems(items);
+    if (more != 0) ComMsgMgr::send(ShellMsg::moreItems, MsgSeverity::info, std::to_string(more));
     queries.requireStores();  // else not all are above
     queries.requireRecords(); // else what is installed may be missing above
-    return exitStatus::done;
+    return items.empty() ? tellNothing(queries.describeNothing(understood.query)) : exitStatus::done;
 }
 
 int Program::runInfo() {

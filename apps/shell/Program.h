@@ -33,6 +33,11 @@ private:
     int runCommand();
     int runStores();
     int runItems();
+    int runCategories();
+    /// A command by which people name a product is about stores that are for it.
+    HubQueries makeQueries();
+    /// Tells that there is nothing to list, and why.
+    int tellNothing(const NothingListed& nothing);
     int runInfo();
     int runRefresh();
     int runCheck();

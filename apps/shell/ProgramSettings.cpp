@@ -26,8 +26,10 @@ std::string askFor(const HPAParam& param) {
 } // namespace
 
 int Program::runParams() {
-    m_output->showParams(findParams(m_options.pattern, m_options.hidden));
-    return exitStatus::done;
+    const std::vector<const HPAParam*> params = findParams(m_options.pattern, m_options.hidden);
+    m_output->showParams(params);
+    if (!params.empty() || m_options.pattern.empty()) return exitStatus::done;
+    return fail(describeUnknownParam(m_options.pattern));
 }
 
 std::string Program::takeValue(const HPAParam& param) const {

@@ -34,15 +34,32 @@ bool isDependency(const HSCPlazQItem* item) {
     return !item->IsInstalled() || item->getMode() == HSCPlazInstallationMode::tool;
 }
 
-/// "outdated", "installed" or "dependency", and which revision where it is not the one shown.
-std::string stateOf(const ListedItem& listed) {
+/// Whether the item has revisions installed that no line of the listing shows.
+bool hidesRevisions(const ListedItem& listed) {
+    return !listed.item->IsInstalled() || (listed.standsForAll && listed.installedRevisions.size() > 1);
+}
+
+/// "outdated", "installed" or "dependency", and which revisions where these are others than the one shown.
+std::string installationOf(const ListedItem& listed) {
     if (listed.installedRevisions.empty()) return {};
     const HSCPlazQItem& item = *listed.item;
     const auto revisions =
         item.IsInstalled() ? std::vector<HSCPlazQItem*>{listed.item} : item.getStore()->getItems(item.getName());
     const bool isNeededOnly = std::all_of(revisions.begin(), revisions.end(), isDependency);
     const std::string state = listed.isOutdated ? "outdated" : isNeededOnly ? "dependency" : "installed";
-    return item.IsInstalled() ? state : state + " (" + join(listed.installedRevisions) + ")";
+    return hidesRevisions(listed) ? state + " (" + join(listed.installedRevisions) + ")" : state;
+}
+
+/// The same, and whether the item is inactive.
+std::string stateOf(const ListedItem& listed) {
+    const std::string installation = installationOf(listed);
+    if (!listed.item->isInactive()) return installation;
+    return installation.empty() ? "inactive" : installation + ", inactive";
+}
+
+/// What an update would bring; "again" where that revision was published anew.
+std::string offerOf(const ListedItem& listed) {
+    return listed.offered + (listed.offered == listed.item->getRevision() ? " again" : "");
 }
 
 void addField(TextTable& table, const std::string& name, const std::string& value) {
@@ -63,10 +80,26 @@ void TextOutput::showStores(const std::vector<HSCPlazQStore*>& stores) {
 }
 
 void TextOutput::showItems(const std::vector<ListedItem>& items) {
-    TextTable table({"STORE", "ITEM", "REVISION", "STATE", "DISPLAY NAME"});
-    for (const ListedItem& listed : items)
-        table.addRow({listed.item->getStoreName(), listed.item->getName(), listed.item->getRevision(), stateOf(listed),
-                      listed.item->getDisplayName()});
+    const bool isOffered =
+        std::any_of(items.begin(), items.end(), [](const ListedItem& listed) { return !listed.offered.empty(); });
+    std::vector<std::string> header{"STORE", "ITEM", "REVISION", "STATE", "DISPLAY NAME"};
+    if (isOffered) header.insert(header.begin() + 3, "OFFERED");
+    TextTable table(header);
+    for (const ListedItem& listed : items) {
+        const HSCPlazQItem& item = *listed.item;
+        std::vector<std::string> row{item.getStoreName(), item.getName(), item.getRevision(), stateOf(listed),
+                                     item.getDisplayName()};
+        if (isOffered) row.insert(row.begin() + 3, listed.offered.empty() ? "" : offerOf(listed));
+        table.addRow(row);
+    }
+    table.print(m_out);
+}
+
+void TextOutput::showCategories(const std::vector<ListedCategory>& categories) {
+    TextTable table({"STORE", "CATEGORY", "BELOW", "ITEMS", "DISPLAY NAME", "DESCRIPTION"});
+    for (const ListedCategory& category : categories)
+        table.addRow({category.store, category.name, category.parent, std::to_string(category.items),
+                      category.displayName, category.description});
     table.print(m_out);
 }
 

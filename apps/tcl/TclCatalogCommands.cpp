@@ -1,6 +1,7 @@
 #include "Failure.h"
 #include "HubQueries.h"
 #include "NameSelection.h"
+#include "Nearness.h"
 #include "PropertyFilter.h"
 #include "ShellMsg.h"
 #include "TclCall.h"
@@ -15,6 +16,7 @@
 #include <algorithm>
 #include <optional>
 #include <set>
+#include <sstream>
 
 namespace {
 
@@ -24,6 +26,9 @@ using Items = std::vector<HSCPlazQItem*>;
 constexpr CommandOption filterOption{"filter", "EXPRESSION",
                                      "Only items that fulfil it, such as {installed && company =~ Sample*}"};
 
+constexpr CommandOption searchOption{"search", "WORDS",
+                                     "Only items that mention all these words, those first that fit them best"};
+
 std::string qualifiedName(const HSCPlazQItem& item) {
     return item.getStoreName() + "::" + item.getName();
 }
@@ -31,8 +36,13 @@ std::string qualifiedName(const HSCPlazQItem& item) {
 /// The names that the patterns mean. Each pattern that means nothing is reported.
 Names select(const std::vector<std::string>& patterns, const Names& known, const char* kind) {
     NameSelection selection = NameSelection::of(patterns, known);
-    for (const std::string& pattern : selection.unmatched)
-        ComMsgMgr::send(ShellMsg::nothingFits, MsgSeverity::warning, kind, HSCPlazTrust::maskSecrets(pattern));
+    for (const std::string& pattern : selection.unmatched) {
+        const std::string near = joinNearNames(pattern, {known.begin(), known.end()});
+        const std::string shown = HSCPlazTrust::maskSecrets(pattern);
+        ComMsgMgr::send(near.empty() ? messageOf(ShellMsg::nothingFits, kind, shown)
+                                     : messageOf(ShellMsg::nothingFitsNear, kind, shown, near),
+                        MsgSeverity::warning);
+    }
     return std::move(selection.names);
 }
 
@@ -68,7 +78,17 @@ ItemQuery readQuery(const TclCall& call) {
     query.installed = call.has(commandOptions::installed);
     query.outdated = call.has(commandOptions::outdated);
     query.allRevisions = call.has(commandOptions::allRevisions);
+    if (Tcl_Obj* words = call.getValue(searchOption)) {
+        std::istringstream stream(textOf(words));
+        for (std::string word; stream >> word;) query.words.push_back(word);
+    }
     return query;
+}
+
+/// Tells what people should know of how a query is understood.
+ItemQuery takeUnderstood(UnderstoodQuery understood) {
+    for (const ComMsgMgrInstance& note : understood.notes) ComMsgMgr::send(note, MsgSeverity::info);
+    return std::move(understood.query);
 }
 
 /// What the words of get_qitems mean: names and patterns, and revisions that are objects or named as such.
@@ -124,7 +144,7 @@ private:
 
 Tcl_Obj* getItems(const TclCall& call) {
     const HubQueries queries(requireHub());
-    ItemQuery query = readQuery(call);
+    ItemQuery query = takeUnderstood(queries.understand(readQuery(call)));
     std::optional<PropertyFilter> filter;
     if (Tcl_Obj* text = call.getValue(filterOption)) filter.emplace(textOf(text));
     const auto passes = [&](const HSCPlazQItem& item) { return !filter || filter->fits(item); };
@@ -152,8 +172,8 @@ const std::vector<TclCommand>& catalogCommands() {
         {"plaz::get_qitems", "?pattern ...?",
          "The items in catalog order, each by its latest revision: all or those whose names, or STORE::NAME, fit a "
          "pattern (* ? [a-z]). An object, or a name with @REVISION, means that very revision.",
-         tclOptions({commandOptions::store, filterOption, commandOptions::allRevisions, commandOptions::installed,
-                     commandOptions::outdated}),
+         tclOptions({commandOptions::store, filterOption, searchOption, commandOptions::allRevisions,
+                     commandOptions::installed, commandOptions::outdated}),
          TclSubject::items, false, getItems},
     };
     return commands;

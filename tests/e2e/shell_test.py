@@ -40,6 +40,22 @@ class ShellTest(HubTest):
         text = self.run_plaz("info aurora@1.1").stdout
         self.check_shown(text, "boards::aurora@1.1", "boards::io-panel@1.0", "not installed")
 
+    def test_finds_items_by_words(self):
+        """Catches: texts ranked above names, slips that are not forgiven, names that are searched, counts that differ,
+        what nobody offers any more taken for the rest."""
+        self.expect("items report", "items: name", "pin-report", "text-tables", "計測")
+        self.expect("items arora", "messages: id", "17-2302", "17-2303")
+        for command in ("items arora", "items aurora", "items Entwickulngsplatine", "items aurroa platine"):
+            self.expect(command, "items: name", "aurora")
+        self.expect("items --sort name --limit 2", "items: name", "aurora", "board-check")
+        self.expect("items --sort name --limit 2", "messages: id arguments", "17-2309 ['14']")
+        self.expect("items --installed", "messages: id", "17-2238")
+        for category in self.run_json("categories")["categories"]:
+            command = f"items --store {category['store']} --category {category['name']}"
+            self.check(command, len(self.run_json(command)["items"]), category["item_count"])
+        self.check_shown(self.run_plaz("items legacy*").stdout, " inactive ")
+        self.check_shown(self.run_plaz("install legacy-carrier").stderr, "WARNING: [17-2310]")
+
     def test_installs_with_dependencies_and_removes_them_again(self):
         """Catches: what one process installs unknown to the next, wrong counts, what is left at the end."""
         self.expect("install aurora", "items: name revision outcome", "aurora 2.0 installed")
@@ -47,7 +63,7 @@ class ShellTest(HubTest):
             "aurora 2.0 user 0, connectors-common 1.0 tool 2, io-panel 1.0 tool 1, pin-report 1.0 tool 1, "
             "board-check 1.0 tool 1, csv-kit 1.1 tool 2, string-kit 1.0 tool 2, text-tables 1.0 tool 1"
         )
-        self.expect("info csv-kit", "item dependants: name", "pin-report", "board-check")
+        self.expect("info csv-kit", "item dependants: name", "pin-report", "text-tables", "計測")
         self.check("held", self.ask("uninstall csv-kit", "messages: id", status=1)[0], "17-1568")
         quiet = self.run_plaz("--quiet uninstall aurora")
         self.check("quiet", quiet.stdout + quiet.stderr, "")
@@ -58,7 +74,7 @@ class ShellTest(HubTest):
         listed, file = "items: name revision display", "elsewhere/tcl-store/scripts/csv-kit/item.json"
         shipped = self.ask("items --all-revisions", listed)
         self.run_plaz("relocate tclscripts elsewhere")
-        self.expect("refresh", "qstores: outcome", "refreshed", "refreshed")
+        self.expect("refresh", "qstores: outcome items", "refreshed 8", "refreshed 8")
         shutil.rmtree(self.data / "plaz/storesdata")
         self.expect("items --all-revisions", listed, *shipped)
         self.run_plaz("install csv-kit")
@@ -197,7 +213,7 @@ class ShellTest(HubTest):
         """Catches: an update that turns a dependency into the user's, drops the older revision, or never ends."""
         for command in ("install aurora@1.1", "install hikari"):
             self.run_plaz(command)
-        self.expect("items --outdated", "items: name", "aurora")
+        self.expect("items --outdated", "items: name revision offered_revision", "aurora 1.1 2.0")
         self.expect("update --all", "items: revision previous_revision outcome", "2.0 1.1 updated")
         self.expect("items --outdated", "items: name")
         held = '17-2230] "io-panel" is held at 1.0 by boards::aurora@2.0, boards::aurora@1.1'
@@ -211,7 +227,7 @@ class ShellTest(HubTest):
 
     def test_refuses_wrong_usage(self):
         """Catches: slips of the command line that count as failures of the hub, or that leave a script without JSON."""
-        wrong = """|bogus|stores --bogus|items a b|install|install a@|install ::a|info a b|update|update --all a
+        wrong = """|bogus|stores --bogus|items --limit 0|items --sort size|install|install a@|install ::a|info a b|update|update --all a
             |validate|--set plaz.gitTimeout stores|--set no.such=1 stores|--set plaz.enableLog=perhaps stores"""
         for command in wrong.split("|"):
             with self.subTest(command):
@@ -219,7 +235,11 @@ class ShellTest(HubTest):
                 self.assertEqual(("--help" in plain.stderr, plain.stdout), (True, ""))
                 self.assertTrue(self.run_json(command, status=2)["error"])
         self.check_shown(self.run_plaz("--set plaz.no_such_token=geheim stores", status=2).stderr, never=["geheim"])
-        for command in ("--help", "install --help", "--version"):
+        meant = {"instal x": "install", "search x": "plaz items WORD...", "items --outdted": "--outdated"}
+        for command, word in {**meant, "help instal": "install"}.items():
+            self.check_shown(self.run_plaz(command, status=2).stderr, f"Did you mean `{word}`?")
+        self.check("help", self.run_plaz("help items").stdout, self.run_plaz("items --help").stdout)
+        for command in ("--help", "install --help", "--version", "help", "version"):
             with self.subTest(command):
                 self.run_plaz(command)
                 self.run_json(command)
@@ -236,6 +256,14 @@ class ShellTest(HubTest):
             "update hikari": "not installed",
             "items --store nope": "tclscripts",
             "refresh nonsense": "tclscripts",
+            "refresh Boards": "Did you mean boards?",
+            "items AUR*": "aurora",
+            "items nope::x": "tclscripts",
+            "items zzzz": "zzzz",
+            "items aurora --installed": "installed",
+            "items --category Reports": "Did you mean reports? There are: development",
+            "params plaz.gitTimout": "plaz.gitTimeout",
+            "--product Solvn stores": "Solvan",
         }
         for command, told in cases.items():
             with self.subTest(command):

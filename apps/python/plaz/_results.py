@@ -56,7 +56,7 @@ class StoreResult(NamedTuple):
 
     outcome: "refreshed", "outdated", "up-to-date", "unknown" or "failed".
     directory: the store's area.
-    items: how many revisions its catalog lists.
+    items: how many its catalog lists, whatever the number of their revisions.
     """
 
     store: str

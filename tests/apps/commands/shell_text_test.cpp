@@ -1,6 +1,6 @@
 #include "Glob.h"
 #include "ItemReference.h"
-#include "NearNames.h"
+#include "Nearness.h"
 #include "TextTable.h"
 
 #include <gtest/gtest.h>
@@ -68,4 +68,7 @@ TEST(NearNamesTest, suggestsWhatWasMeant) {
     EXPECT_EQ(joinNearNames("arora", names), "aurora");
     EXPECT_EQ(joinNearNames("AURORA", names), "aurora, Aurora-lite");
     EXPECT_EQ(joinNearNames("zq", names), "");
+    EXPECT_EQ(joinNearNames("1X", names), "x1");
+    EXPECT_EQ(joinNearNames("p\u00fcrf", {"pr\u00fcf", "p\u00fcrierf"}), "pr\u00fcf");
+    EXPECT_EQ(joinNearNames("io-panle", names), "io-panel");
 }

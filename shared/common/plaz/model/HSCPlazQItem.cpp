@@ -134,6 +134,9 @@ void HSCPlazQItem::NeedsRefresh(bool value) {
 bool HSCPlazQItem::isActive() const {
     return m_model && m_model->isActive();
 }
+bool HSCPlazQItem::isInactive() const {
+    return m_model && m_model->isInactive();
+}
 void HSCPlazQItem::setName(const std::string& value) {
     if (m_model) m_model->setName(value);
 }

@@ -79,6 +79,8 @@ public:
     bool NeedsRefresh() const;
     void NeedsRefresh(bool value);
     bool isActive() const;
+    /// Its metadata says that it is not active; false where it says nothing, or has not been read.
+    bool isInactive() const;
     HSCPlazTypes::ItemSource getSource() const;
     void setSource(HSCPlazTypes::ItemSource value);
 

@@ -57,6 +57,7 @@ void HSCPlazQItemModel::copyDescriptionFrom(const HSCPlazQItemModel& other) {
     m_logo = other.m_logo;
     m_website = other.m_website;
     m_active = other.m_active;
+    m_inactive = other.m_inactive;
     std::vector<HSCPlazQItemDependency> dependencies;
     for (const HSCPlazQItemDependency* dependency : other.m_dependencies) dependencies.push_back(*dependency);
     setDependencies(std::move(dependencies));

@@ -70,6 +70,9 @@ public:
     void setWebsite(const std::string& value) { m_website = value; }
     bool isActive() const { return m_active; }
     void setIsActive(bool value) { m_active = value; }
+    /// Its metadata says that it is not active; false where it says nothing, or has not been read.
+    bool isInactive() const { return m_inactive; }
+    void setIsInactive(bool value) { m_inactive = value; }
     /// Commit of the store repository that holds this revision.
     const std::string& getCommitId() const { return m_commitId; }
     void setCommitId(const std::string& value) { m_commitId = value; }
@@ -166,6 +169,7 @@ private:
     std::int32_t m_referenceCount = 0;
     HSCPlazTypes::ItemSource m_source = HSCPlazTypes::LOCAL;
     bool m_active = false;
+    bool m_inactive = false;
     bool m_listed = true;
     bool m_describedByItself = false;
     bool m_installed = false;

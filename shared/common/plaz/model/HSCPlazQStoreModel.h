@@ -55,6 +55,9 @@ public:
     /// The store file lists the running product.
     bool isProductSpecific() const { return m_productSpecific; }
     void setIsProductSpecific(bool value) { m_productSpecific = value; }
+    /// The products that the store file lists, in its order.
+    const std::vector<std::string>& getProducts() const { return m_products; }
+    void setProducts(std::vector<std::string> value) { m_products = std::move(value); }
     /// The repository needs credentials.
     bool isPrivateRepository() const { return m_private; }
     void setIsPrivateRepository(bool value) { m_private = value; }
@@ -191,6 +194,7 @@ private:
     mutable std::optional<HSCPlazLaterCatalog> m_later;
     mutable std::optional<HSCPlazKnownPart> m_knownPart;
     std::string m_catalogStamp;
+    std::vector<std::string> m_products;
     bool m_productSpecific = false;
     bool m_offered = true;
     bool m_unread = false;

@@ -71,7 +71,7 @@ std::string HSCPlazFilesResult::describe() const {
 }
 
 HSCPlazStoreResult HSCPlazStoreResult::of(const HSCPlazQStore& store, Outcome outcome) {
-    return {store.getName(), store.getLocalRootDir(), store.getItems().size(), outcome, {}};
+    return {store.getName(), store.getLocalRootDir(), store.countItems(), outcome, {}};
 }
 
 const char* HSCPlazStoreResult::nameOf(Outcome outcome) {

@@ -83,7 +83,7 @@ struct PLAZ_API HSCPlazStoreResult {
 
     std::string store;
     std::string directory; ///< the store's area
-    std::size_t items;     ///< how many revisions its catalog lists
+    std::size_t items;     ///< how many its catalog lists, whatever the number of their revisions
     Outcome outcome;
     HSCPlazReport report; ///< all that was told; its first error is the reason of a failure
 

@@ -66,16 +66,22 @@ void readText(const HSCPlazJson::TextField<Item>& field, const Value& value, Ite
     (item.*field.set)(scratch);
 }
 
+void readActive(const Value& value, Item& item) {
+    item.setIsActive(value.IsTrue());
+    item.setIsInactive(value.IsFalse());
+}
+
 void readInfra(const Value& infra, Item& item, std::string& scratch, HSCPlazFindings& found) {
     std::vector<Dependency> dependencies;
     item.setSearchKeywords({});
     item.setCategories({});
     item.setIsActive(false);
+    item.setIsInactive(false);
     for (const HSCPlazJson::Member& member : infra.GetObject()) {
         if (const auto* field = HSCPlazJson::findField(infraFields, textOf(member.name)))
             readText(*field, member.value, item, scratch, found);
         else if (isNamed(member, Key::isActive))
-            item.setIsActive(member.value.IsTrue());
+            readActive(member.value, item);
         else if (isNamed(member, Key::searchKeywords))
             item.setSearchKeywords(toStrings(member.value));
         else if (isNamed(member, Key::categories))

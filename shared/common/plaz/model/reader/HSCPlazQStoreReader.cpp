@@ -43,6 +43,13 @@ const Value* findProduct(const Value& products, const std::string& name) {
     return nullptr;
 }
 
+std::vector<std::string> namesOf(const Value& products) {
+    std::vector<std::string> names;
+    for (const Value& product : products.GetArray())
+        if (product.IsObject()) names.push_back(Json::GetStringProperty(product, Key::productName));
+    return names;
+}
+
 /// The entry of that release, else the last one called "default".
 const Value* chooseRelease(const Value& product, const std::string& release) {
     const Value* releases = Json::FindArray(product, Key::supportedReleases);
@@ -60,6 +67,7 @@ void readProducts(const Value& products, Store& store, HSCPlazFindings& found) {
     const HSCPlazProduct::Identity running = HSCPlazProduct::get();
     const Value* product = findProduct(products, running.name);
     store.setIsProductSpecific(product != nullptr);
+    store.setProducts(namesOf(products));
     const Value* chosen = product ? chooseRelease(*product, running.version) : nullptr;
     for (const auto& field : releaseFields)
         setChecked(field, chosen ? Json::GetStringProperty(*chosen, field.key.data()) : std::string(), store, found);
