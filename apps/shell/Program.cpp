@@ -173,7 +173,10 @@ HubQueries Program::makeQueries() {
 
 int Program::tellNothing(const NothingListed& nothing) {
     if (nothing.isFailure) return fail(nothing.message);
-    ComMsgMgr::send(nothing.message, MsgSeverity::info);
+    const std::vector<ComMsgMgr::Message>& said = m_log.getMessages();
+    const bool isExplained =
+        std::any_of(said.begin(), said.end(), [](const auto& message) { return message.label != "INFO"; });
+    if (!isExplained) ComMsgMgr::send(nothing.message, MsgSeverity::info);
     return exitStatus::done;
 }
 

@@ -36,7 +36,7 @@ REFUSED = {
         plaz.install(["aurora", "s::"]); plaz.params["plaz.gitTimeout"] = "secret" """,
     plaz.NotFoundError: r"""plaz.item("no such {item} [exit] $x \\"); plaz.item("é" * 9999); plaz.item("aurora@9")
         plaz.item("aurora", "tclscripts"); plaz.install(["aurora", "nothing"]); plaz.refresh(["boards", "x"])
-        plaz.items(store="x"); del plaz.params["none"]""",
+        plaz.items(store="x"); plaz.items(category="none such"); del plaz.params["none"]""",
     LookupError: 'plaz.store("Boards")',
     KeyError: 'plaz.params["none"]; plaz.preferences["none"]',
     plaz.AmbiguousError: 'plaz.item("clocking")',
@@ -47,11 +47,10 @@ REFUSED = {
 QUERIES = {
     'plaz.items("*c[ls]*k*")': "clocking csv-kit clocking",
     'plaz.items("c*", store="tclscripts")': "csv-kit clocking",
-    'plaz.items(words=["PINS", "report"])': "pin-report",
+    'plaz.items(words=["PINS", "reprot"])': "pin-report",
     'plaz.items("aurora", filter="revision == 1.1", all_revisions=True)': "aurora",
     "plaz.items(installed=True)": "",
     "plaz.items(outdated=True)": "",
-    'plaz.items(category="none such")': "",
     'boards.items("[ch]*", filter="!installed", all_revisions=True)': "connectors-common clocking clocking hikari",
 }
 # What is taken down last takes its time, so that the thread, if it waits still, gets to its end.

@@ -71,6 +71,7 @@ TEST_F(TclCommandsTest, findsStoresAndItems) {
            {"plaz::get_qitems my board", "{my board}"},
            {"plaz::get_qitems -- -installed", ""},
            {"plaz::get_qitems kit -installed", "kit"},
+           {"plaz::get_qitems -search tol", "tool"},
            {"plaz::get_qitems -filter {STORE == tcl && (name =~ ?it || name == \"tool\")}", "kit tool"},
            {"plaz::get_qitems -filter {!installed && revision >= 2}", "x tcl::both"},
            {"plaz::get_qitems -filter {revision < 2 && !(name =~ {*b}) && name < n}", "{my board} boards::both kit"},
