@@ -79,7 +79,7 @@ TEST_F(TclCommandsTest, findsStoresAndItems) {
            {"plaz::get_qitems -filter {dependencies !~ *kit && store != boards}", "kit tcl::both"},
            {"plaz::get_qitems -filter {reference_count < 10 && installed == FALSE && store == tcl}",
             "kit tool tcl::both"}});
-    EXPECT_EQ(takeIds(), (Names{"17-2197", "17-2197", "17-2197"}));
+    EXPECT_EQ(takeIds(), (Names{"17-2197", "17-2197", "17-2197", "17-2303"}));
 }
 
 // Catches: input that breaks the interpreter, changes something, or is answered by anything but a clean error.
@@ -200,7 +200,7 @@ TEST_F(TclCommandsTest, readsAndSetsPropertiesAndParameters) {
            {"set_param plaz.git_user.board_store me; get_param plaz.git_user.board_store", "***"},
            {"set_param plaz.gitTimeout secret", "!PLAZ 17-2204..."},
            {"regexp secret $errorInfo", "0"},
-           {"set_param plaz.git_token.b=secret", "!PLAZ 17-2203: There is no parameter \"plaz.git_token.b\"..."},
+           {"set_param plaz.git_token.b=secret", "!PLAZ 17-2301: There is no parameter \"plaz.git_token.b\"..."},
            {"set_property plaz.http_proxy http://u:secret@h:2", "!PLAZ 17-2212..."},
            {"plaz::install http://u:secret@h", "!PLAZ 17-2181: There is no item \"http://***@h\"..."},
            {"list_param *.git*", "plaz.git_token.board_store plaz.git_servers.board_store"},
