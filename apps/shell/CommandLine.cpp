@@ -254,8 +254,11 @@ std::string describe(const CLI::ParseError& error, const CLI::App& app) {
     const auto isOption = [](const std::string& word) { return word.rfind("--", 0) == 0; };
     if (const auto option = std::find_if(rest.begin(), rest.end(), isOption); option != rest.end())
         return "there is no option \"" + *option + "\"" + Suggestions::ofOption(*option, app);
-    if (!app.get_subcommands().empty() || dynamic_cast<const CLI::RequiredError*>(&error) == nullptr)
-        return error.what();
+    const CLI::App* command = app.get_subcommands().empty() ? nullptr : app.get_subcommands().front();
+    if (command && !rest.empty() && !command->get_subcommands({}).empty())
+        return "there is no command \"" + command->get_name() + " " + rest.front() + "\"" +
+               Suggestions::ofCommand(rest.front(), *command);
+    if (command || dynamic_cast<const CLI::RequiredError*>(&error) == nullptr) return error.what();
     if (rest.empty()) return "a command is required";
     return "there is no command \"" + rest.front() + "\"" + Suggestions::ofCommand(rest.front(), app);
 }

@@ -50,11 +50,15 @@ void addOptions(const CLI::App& app, std::vector<std::string>& names) {
 } // namespace
 
 std::string Suggestions::ofCommand(const std::string& word, const CLI::App& app) {
-    for (const Synonym& synonym : synonyms)
-        if (HUTText::equalIgnoringCase(word, synonym.word)) return ask(synonym.meant);
     std::vector<std::string> names;
     for (const CLI::App* command : app.get_subcommands({})) names.push_back(command->get_name());
-    return askForNearest(word, names);
+    if (app.get_parent()) return askForNearest(word, names); // one of a command
+    for (const Synonym& synonym : synonyms) names.emplace_back(synonym.word);
+    const std::vector<std::string> near = findNearNames(word, names);
+    if (near.empty()) return {};
+    const auto isMeant = [&](const Synonym& synonym) { return near.front() == synonym.word; };
+    const auto* const meant = std::find_if(std::begin(synonyms), std::end(synonyms), isMeant);
+    return ask(meant == std::end(synonyms) ? near.front() : meant->meant);
 }
 
 std::string Suggestions::ofOption(const std::string& word, const CLI::App& app) {

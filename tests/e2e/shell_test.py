@@ -219,8 +219,8 @@ class ShellTest(HubTest):
                 self.assertEqual(("--help" in plain.stderr, plain.stdout), (True, ""))
                 self.assertTrue(self.run_json(command, status=2)["error"])
         self.check_shown(self.run_plaz("--set plaz.no_such_token=geheim stores", status=2).stderr, never=["geheim"])
-        meant = {"instal x": "install", "search x": "plaz items WORD...", "items --outdted": "--outdated"}
-        for command, word in {**meant, "help instal": "install"}.items():
+        meant = {"instal x": "install", "serach x": "plaz items WORD...", "items --outdted": "--outdated"}
+        for command, word in {**meant, "help instal": "install", "hub sett": "set"}.items():
             self.check_shown(self.run_plaz(command, status=2).stderr, f"Did you mean `{word}`?")
         self.check("help", self.run_plaz("help items").stdout, self.run_plaz("items --help").stdout)
         for command in ("--help", "install --help", "--version", "help", "version"):
