@@ -279,6 +279,16 @@ void path(const std::string& text) {
     CHECK(isFree(HUTText::printable(text), "") && HUTText::isUtf8(HUTText::repaired(text)));
 }
 
+/// A thousand paths, of which the bytes say which.
+void metadata(const std::string& bytes) {
+    std::seed_seq seed(bytes.begin(), bytes.end());
+    std::minstd_rand random(seed);
+    for (int left = 1000; left > 0; --left) {
+        const std::string tidied = Trust::tidyRelativePath(PathJudge::makeNasty(random));
+        CHECK(!Trust::isSafeRelativePath(tidied) || PathJudge::findEscape(tidied).empty());
+    }
+}
+
 /// The commands that Tcl has run, their words with a blank between them.
 std::vector<std::string> commands;
 
@@ -368,6 +378,7 @@ constexpr struct {
     {"fuzz_settings", settings},
     {"fuzz_url", url},
     {"fuzz_path", path},
+    {"fuzz_metadata", metadata},
     {"fuzz_tcl", tcl},
     {"fuzz_container", container},
     {"fuzz_preferences", preferences},

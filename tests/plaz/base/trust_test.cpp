@@ -1,4 +1,5 @@
-#include "plaz/base/HSCPlazTrust.h"
+#include "plaz/base/HSCPlazTrustRules.h"
+#include "support/PathJudge.h"
 
 #include <gtest/gtest.h>
 
@@ -37,4 +38,20 @@ TEST(TrustTest, RefusesWhatLeadsElsewhere) {
         {"h://u:a/b h://v:w@h,h://x@i", "h://u:a/b h://***@i"}};
     for (const auto& [text, masked] : shown) EXPECT_EQ(HSCPlazTrust::maskSecrets(text), masked);
     EXPECT_EQ(HSCPlazTrust::maskProxy("u:p/w@proxy:1"), "***@proxy:1");
+}
+
+// A path or a folder's name from a catalog that some system reads as another place than the one it spells.
+TEST(TrustTest, NoPathThatIsUsedLeadsElsewhere) {
+    std::minstd_rand random(1);
+    int used = 0;
+    for (int left = 500000; left > 0; --left) {
+        const std::string path = PathJudge::makeNasty(random);
+        for (const HSCPlazTrustRule& rule : {HSCPlazTrustRules::insideStore, HSCPlazTrustRules::folderName}) {
+            if (!HSCPlazTrustRules::findRefusal(rule, "root", path).empty() || path.empty()) continue;
+            const std::string escape = PathJudge::findEscape(HSCPlazTrustRules::toUsed(&rule, path));
+            ASSERT_EQ(escape, "") << testing::PrintToString(path);
+            ++used;
+        }
+    }
+    EXPECT_GT(used, 100000);
 }
