@@ -228,21 +228,6 @@ class PythonTest(HubTest):
         self.check("another object", len({plaz.item("aurora"), items[0]}), 2)
         self.raised(plaz.Error, plaz.set_product, "Solvan", "2024.1")
 
-    def test_leaves_no_memory(self):
-        """Catches: memory that a call, a property or a failure leaves behind."""
-
-        def use(rounds):
-            for _ in range(rounds):
-                for thing in (*plaz.stores(), *plaz.items()):
-                    repr(thing), str(thing), [getattr(thing, name, None) for name in dir(thing)]
-                with contextlib.suppress(plaz.NotFoundError):
-                    plaz.item("nothing")
-            gc.collect()
-            return sys.getallocatedblocks()
-
-        before = use(10)
-        self.assertLess(use(400) - before, 400)
-
     def test_calls_can_be_cancelled(self):
         """Catches: a callback's exception lost, a git that outlives Ctrl-C, a hub that refuses work afterwards."""
 
