@@ -211,8 +211,9 @@ class ShellTest(HubTest):
 
     def test_refuses_wrong_usage(self):
         """Catches: slips of the command line that count as failures of the hub, or that leave a script without JSON."""
-        wrong = """|bogus|stores --bogus|items --limit 0|items --sort size|install|install a@|install ::a|info a b|update|update --all a
-            |validate|--set plaz.gitTimeout stores|--set no.such=1 stores|--set plaz.enableLog=perhaps stores"""
+        wrong = """|bogus|stores --bogus|items --limit 0|items --sort size|install|install a@|install ::a|info a b
+            |update|update --all a|validate|--set plaz.gitTimeout stores|--set no.such=1 stores
+            |--set plaz.enableLog=perhaps stores"""
         for command in wrong.split("|"):
             with self.subTest(command):
                 plain = self.run_plaz(command, status=2)

@@ -110,7 +110,8 @@ TEST_F(PreferencesDeathTest, KeepParameters) {
                       params.keepValue("PLAZ.gittimeout", "07") == Kept::done && params.isKept("plaz.gitTimeout"));
     const auto saveLate = [&] {
         preferences(); // before another process saves
-        temp.write("new/appdata/preferences.json", R"({"preferences": {"plaz.gitTimeout": ["7"], "plaz.token": ["t"]}})");
+        temp.write("new/appdata/preferences.json",
+                   R"({"preferences": {"plaz.gitTimeout": ["7"], "plaz.token": ["t"]}})");
         return save({"x"}) && preferences().getVal("plaz.token").size() == 1;
     };
     EXPECT_IN_PROCESS(saveLate());
