@@ -43,7 +43,10 @@ TEST_F(PosixProcessTest, MemoryIsLimited) {
         fork.setMemoryLimit(64, [words](const std::string& output) { return output.find(words) != std::string::npos; });
     };
     limit("7\n");
-    EXPECT_EQ(sh("sh -c 'sleep 1; ulimit -d' & sleep 1; ulimit -d; wait; exit 3"), 3);
+    const std::string look =
+        "i=0; while [ $(ulimit -d) = unlimited ] && [ $i -lt 200 ]; do i=$((i+1)); sleep 0.1; done; "
+        "ulimit -d";
+    EXPECT_EQ(sh("sh -c '" + look + "' & " + look + "; wait; exit 3"), 3);
     EXPECT_EQ(output(), "65536\n65536\n");
     EXPECT_EQ(fork.getLimitMet(), HUTFork::Limit::none);
     for (const char* script : {"echo 6; exit 3", "kill -9 $$"}) {
