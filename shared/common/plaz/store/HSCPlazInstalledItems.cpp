@@ -1,7 +1,6 @@
 #include "plaz/store/HSCPlazInstalledItems.h"
 
 #include "plaz/base/HSCPlazDebugLog.h"
-#include "plaz/base/HSCPlazLimits.h"
 #include "plaz/base/HSCPlazTrustRules.h"
 #include "plaz/model/HSCPlazQStoreModel.h"
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
@@ -136,7 +135,7 @@ HSCPlazQItemModel& HSCPlazInstalledItems::addUnlisted(const HSCPlazQItemModel& r
     const std::string root = toRoot(record); // where it was installed, whatever folder others come from by now
     if (const HSCPlazQItemModel* listed = findListed(record.getName())) {
         m_copied += listed->getDescriptionSize();
-        if (m_copied <= HSCPlazLimits().getItemFilesSize()) added->copyDescriptionFrom(*listed);
+        if (m_copied <= m_mostCopied) added->copyDescriptionFrom(*listed);
         added->setRoot(root.empty() ? listed->getRoot() : root);
         added->setItemRoot(listed->getItemRoot());
         added->setMetadataFile(listed->getMetadataFile());

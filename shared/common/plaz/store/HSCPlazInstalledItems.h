@@ -1,5 +1,7 @@
 #pragma once
 
+#include "plaz/base/HSCPlazLimits.h"
+
 #include <cstdint>
 #include <string>
 #include <unordered_map>
@@ -47,7 +49,8 @@ private:
 
     HSCPlazQStoreModel& m_store;
     const HSCPlazPathMgr& m_paths;
-    std::string m_area;         // canonical; empty when the store has none
+    std::string m_area; // canonical; empty when the store has none
+    const std::uint64_t m_mostCopied = HSCPlazLimits().getItemFilesSize();
     std::uint64_t m_copied = 0; // bytes of descriptions, which a database may name any number of times
     std::unordered_map<std::string, std::vector<HSCPlazQItemModel*>> m_itemsOfName; // of the records' names alone
 };

@@ -19,12 +19,16 @@ std::string toBase64(const std::string& text) {
 
 } // namespace
 
-HSCPlazGitSecrets::HSCPlazGitSecrets(const std::string& remoteUrl, const std::string& workDir)
-    : m_logins{HSCPlazGitCredentials::inUrl(remoteUrl)} {
+HSCPlazGitSecrets::HSCPlazGitSecrets(const std::string& remoteUrl, const std::string& workDir) {
+    if (remoteUrl.empty()) return; // nobody was told anything
+    add(HSCPlazGitCredentials::inUrl(remoteUrl));
     for (const char* key : {"http.proxy", "https.proxy"})
-        m_logins.push_back(HSCPlazGitCredentials::inProxy(HSCPlazGitConfigFile::findValue(workDir, key).value_or("")));
-    for (const char* name : HSCPlazName::proxyVariables)
-        m_logins.push_back(HSCPlazGitCredentials::inProxy(HUTEnv::getEnv(name)));
+        add(HSCPlazGitCredentials::inProxy(HSCPlazGitConfigFile::findValue(workDir, key).value_or("")));
+    for (const char* name : HSCPlazName::proxyVariables) add(HSCPlazGitCredentials::inProxy(HUTEnv::getEnv(name)));
+}
+
+void HSCPlazGitSecrets::add(const HSCPlazGitCredentials& login) {
+    if (!login.isEmpty()) m_logins.push_back(login);
 }
 
 std::string HSCPlazGitSecrets::mask(const std::string& text) const {
