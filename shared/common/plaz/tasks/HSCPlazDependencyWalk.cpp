@@ -49,6 +49,14 @@ HSCPlazDependencyWalk::HSCPlazDependencyWalk(HSCPlazTask& task, HSCPlazItemChang
     : m_task(task), m_changes(changes), m_hub(task.getHub()), m_name(Files::shownName(item)),
       m_path(Dependencies::keysOf(item)), m_seen{&item} {}
 
+template <typename Visit> void HSCPlazDependencyWalk::forEachDependency(const HSCPlazQItem& item, Visit visit) {
+    std::set<std::string> named; // once is enough, of what a list names thousands of times
+    for (const HSCPlazQItemDependency* dependency : item.getItemDependencies()) {
+        const Step step(*this, *dependency);
+        if (step.isNew() && named.insert(step.getKey()).second) visit(*dependency);
+    }
+}
+
 HSCPlazFoundItem HSCPlazDependencyWalk::find(const HSCPlaz& hub, const HSCPlazQItem* item) {
     return Dependencies::findByName(hub, item->getStoreName(), item->getName(), item->getRevision());
 }
@@ -78,7 +86,7 @@ bool HSCPlazDependencyWalk::installAll(const HSCPlazQItem& item) {
            "...");
     inside("HSCPlazTaskMgr::install", "Total dependencies found: ", std::to_string(dependencies.size()));
     std::size_t done = 1;
-    std::set<std::string> named; // once is enough, of what a list names thousands of times
+    std::set<std::string> named;
     for (const HSCPlazQItemDependency* dependency : dependencies) {
         const Step step(*this, *dependency);
         inside("HSCPlazTaskMgr::install", " qitem ", item.getDisplayName(), " dependency ", step.getKey());
@@ -119,12 +127,8 @@ bool HSCPlazDependencyWalk::install(const HSCPlazQItemDependency& dependency) {
         m_task.tellNews(Msg::dependencyInstalled, found.item->getName());
     }
     if (!m_seen.insert(found.item).second) return true;
-    std::set<std::string> named;
-    for (const HSCPlazQItemDependency* next : found.item->getItemDependencies()) {
-        const Step step(*this, *next);
-        // RATIONALE: a failure deep in the tree is told but does not undo what stands above it.
-        if (step.isNew() && named.insert(step.getKey()).second) install(*next);
-    }
+    // RATIONALE: a failure deep in the tree is told but does not undo what stands above it.
+    forEachDependency(*found.item, [this](const HSCPlazQItemDependency& next) { install(next); });
     return true;
 }
 
@@ -135,17 +139,14 @@ bool HSCPlazDependencyWalk::installMissing(const HSCPlazQItem& item) {
 
 bool HSCPlazDependencyWalk::followMissing(const HSCPlazQItem& item) {
     bool isComplete = true;
-    std::set<std::string> named;
-    for (const HSCPlazQItemDependency* dependency : item.getItemDependencies()) {
-        const Step step(*this, *dependency);
-        if (!step.isNew() || !named.insert(step.getKey()).second) continue;
-        const HSCPlazFoundItem found = Dependencies::findInstalled(m_hub, *dependency);
+    forEachDependency(item, [&](const HSCPlazQItemDependency& dependency) {
+        const HSCPlazFoundItem found = Dependencies::findInstalled(m_hub, dependency);
         if (!found || !HSCPlazInstalledFiles::areThere(*found.item) || m_path.size() > longestWay) {
-            isComplete = install(*dependency) && isComplete;
+            isComplete = install(dependency) && isComplete;
         } else if (m_seen.insert(found.item).second) {
             isComplete = complete(found) && isComplete;
             followMissing(*found.item);
         }
-    }
+    });
     return isComplete;
 }

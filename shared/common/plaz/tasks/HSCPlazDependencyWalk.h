@@ -31,6 +31,8 @@ private:
     class Step;
     bool install(const HSCPlazQItemDependency& dependency);
     bool complete(const HSCPlazFoundItem& found);
+    /// Calls @p visit(dependency) with each that leads on, once, while its key is on the path.
+    template <typename Visit> void forEachDependency(const HSCPlazQItem& item, Visit visit);
     bool followMissing(const HSCPlazQItem& item);
     /// Tells a failure, and that all ends after too many. @return false
     bool fail(const HSCPlazReport& report);
