@@ -141,6 +141,10 @@ bool HubQueries::isEmpty(const HSCPlaz& hub) {
     return hub.getStores().empty() && hub.getModel() && !hub.getModel()->getLocalRoot().empty();
 }
 
+bool HubQueries::isListed(const HSCPlazQStore& store) {
+    return store.getModel()->isOffered() || !store.getMetadataFile().empty();
+}
+
 void HubQueries::requireStores() const {
     if (m_hub.getModel() && m_hub.getModel()->isUnread()) failWith(ShellMsg::hubNotFound);
     if (isEmpty(m_hub)) ComMsgMgr::send(ShellMsg::hubEmpty, MsgSeverity::warning);
@@ -170,9 +174,7 @@ std::vector<HSCPlazQStore*> HubQueries::getStores(const std::vector<std::string>
     std::vector<HSCPlazQStore*> stores;
     if (names.empty()) { // those that the hub lists: of others nothing can be fetched
         std::copy_if(m_hub.getStores().begin(), m_hub.getStores().end(), std::back_inserter(stores),
-                     [](const HSCPlazQStore* store) {
-                         return store->getModel()->isOffered() || !store->getMetadataFile().empty();
-                     });
+                     [](const HSCPlazQStore* store) { return isListed(*store); });
         if (stores.empty()) requireStores();
         return stores;
     }

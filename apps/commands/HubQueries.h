@@ -65,6 +65,9 @@ public:
     /// Whether its metadata was read, and there is no store all the same.
     static bool isEmpty(const HSCPlaz& hub);
 
+    /// Whether the hub, or the user, lists the store; else there is nothing but what is installed of it.
+    static bool isListed(const HSCPlazQStore& store);
+
     /// Fails with ShellMsg::hubNotFound where nobody knows which stores the hub lists. Where it lists none, that and
     /// the way out is told (ShellMsg::hubEmpty).
     void requireStores() const;

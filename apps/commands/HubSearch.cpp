@@ -14,7 +14,6 @@
 #include "support/HUTText.h"
 
 #include <algorithm>
-#include <sstream>
 
 namespace {
 
@@ -53,11 +52,6 @@ bool isNameOrPattern(const std::vector<std::string>& terms, const std::string& t
     if (terms.size() == 1) return fitsAnItem(text, scope) || isMeantAsPattern(text);
     return std::any_of(scope.begin(), scope.end(),
                        [&](const HSCPlazQStore* store) { return !store->getItems(text).empty(); });
-}
-
-void addSplit(const std::string& text, std::vector<std::string>& words) {
-    std::istringstream stream(text);
-    for (std::string word; stream >> word;) words.push_back(word);
 }
 
 [[noreturn]] void failUnknown(const char* kind, const std::string& name, const std::vector<std::string>& known) {
@@ -112,7 +106,7 @@ UnderstoodQuery HubQueries::understand(ItemQuery query) const {
     if (!text.empty() && isNameOrPattern(taken.terms, text, scope)) {
         taken.pattern = text;
     } else if (!text.empty()) {
-        addSplit(text, taken.words);
+        addWords(text, taken.words);
         understood.notes.push_back(messageOf(ShellMsg::termsSearched, text));
     }
     if (!taken.words.empty()) taken.replaced = ItemSearch::findReplacements(taken.words, scope);

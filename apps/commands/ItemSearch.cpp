@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <set>
+#include <sstream>
 #include <string_view>
 
 namespace {
@@ -107,6 +108,11 @@ private:
 };
 
 } // namespace
+
+void addWords(const std::string& text, std::vector<std::string>& words) {
+    std::istringstream stream(text);
+    for (std::string word; stream >> word;) words.push_back(word);
+}
 
 ItemSearch::ItemSearch(const ItemQuery& query) {
     for (const std::string& given : query.words) {

@@ -9,6 +9,9 @@ struct ItemQuery;
 class HSCPlazQItem;
 class HSCPlazQStore;
 
+/// Adds the words of a text that somebody wants to be looked for.
+void addWords(const std::string& text, std::vector<std::string>& words);
+
 /// Looks for words in what describes items, in any letter case.
 class ItemSearch {
 public:

@@ -1,5 +1,7 @@
 #include "UserHub.h"
 
+#include "HubQueries.h"
+
 #include "plaz/HSCPlazInspection.h"
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/HSCPlaz.h"
@@ -18,6 +20,6 @@ HubInForce HubInForce::of(const HSCPlaz& hub) {
 }
 
 const char* HubInForce::ownerOf(const HSCPlazQStore& store) {
-    if (!store.getModel()->isOffered() && store.getMetadataFile().empty()) return "nobody";
+    if (!HubQueries::isListed(store)) return "nobody";
     return store.isUserRepository() ? "yours" : "hub";
 }

@@ -47,13 +47,13 @@ std::string findFileRefusal(const std::string& value) {
 
 /// Why a value that fits the type is of no use all the same; empty where it may be.
 std::string findRefusal(const HPAParam& param, const std::string& value) {
-    const std::string name = HUTText::lowered(param.getName());
+    const std::string& name = param.getName();
     if (value.empty()) return "";
     if (param.getType() == HPAParam::Type::integer) return findNumberRefusal(value);
     if (isProxySetting(name)) return findProxyRefusal(value);
     if (name == HSCPlazName::hub)
         return HSCPlazTrust::isSafeUrl(value) ? "" : "it takes the URL of a git repository, or the full path of one";
-    if (name == "plaz.certificatefile") return findFileRefusal(value);
+    if (name == "plaz.certificateFile") return findFileRefusal(value);
     return "";
 }
 

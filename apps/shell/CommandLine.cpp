@@ -2,13 +2,13 @@
 
 #include "CommandOptions.h"
 #include "ItemReference.h"
+#include "ItemSearch.h"
 #include "Suggestions.h"
 
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
 #include <map>
-#include <sstream>
 
 namespace {
 
@@ -230,18 +230,14 @@ void addCommands(CLI::App& app, Options& options) {
 /// Words of all "--search" texts.
 std::vector<std::string> splitWords(const std::vector<std::string>& texts) {
     std::vector<std::string> words;
-    for (const std::string& text : texts) {
-        std::istringstream stream(text);
-        for (std::string word; stream >> word;) words.push_back(word);
-    }
+    for (const std::string& text : texts) addWords(text, words);
     return words;
 }
 
 /// "hub set" for a command of a command.
 std::string nameOf(const CLI::App& command) {
-    const std::vector<const CLI::App*> inner = command.get_subcommands({});
-    const auto given = std::find_if(inner.begin(), inner.end(), [](const CLI::App* one) { return one->parsed(); });
-    return command.get_name() + (given == inner.end() ? "" : " " + (*given)->get_name());
+    const std::vector<CLI::App*> given = command.get_subcommands();
+    return command.get_name() + (given.empty() ? "" : " " + given.front()->get_name());
 }
 
 std::string trimmedEnd(std::string text) {

@@ -24,11 +24,6 @@
 
 namespace {
 
-/// Ends a command whose failure has been reported already.
-struct Stop {
-    int status;
-};
-
 std::unique_ptr<Output> makeOutput(const Options& options) {
     if (options.json) return std::make_unique<JsonOutput>(std::cout);
     return std::make_unique<TextOutput>(std::cout, options.quiet);

@@ -29,6 +29,11 @@ public:
     int run();
 
 private:
+    /// Ends a command whose failure has been reported already.
+    struct Stop {
+        int status;
+    };
+
     int runDiverted();
     int runCommand();
     int runStores();

@@ -2,14 +2,11 @@
 
 #include "Failure.h"
 #include "HubParams.h"
-#include "Secrets.h"
 #include "ShellMsg.h"
 #include "UserHub.h"
-#include "UserSettings.h"
 
 #include "plaz/base/HSCPlazNames.h"
 #include "plaz/base/HSCPlazTrust.h"
-#include "support/HPAParamMgr.h"
 
 int Program::runHub() {
     HSCPlaz& hub = getHub();

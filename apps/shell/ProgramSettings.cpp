@@ -13,13 +13,12 @@
 namespace {
 
 /// One line of standard input, typed unseen where somebody types it.
-std::string askFor(const HPAParam& param) {
+std::string readLine(const HPAParam& param) {
     const HUTHiddenInput hidden;
     if (HUTSysCall::isInputTerminal()) std::cerr << param.getName() << ": " << std::flush;
     std::string line;
     std::getline(std::cin, line);
     if (!line.empty() && line.back() == '\r') line.pop_back();
-    if (line.empty()) failWith(ShellMsg::settingNotGiven, param.getName());
     return line;
 }
 
@@ -33,9 +32,12 @@ int Program::runParams() {
 }
 
 std::string Program::takeValue(const HPAParam& param) const {
-    if (!m_options.value) return askFor(param);
-    if (tellsSecret(param, *m_options.value)) failWith(ShellMsg::settingIsSecret, param.getName());
-    return *m_options.value;
+    if (m_options.value && tellsSecret(param, *m_options.value)) failWith(ShellMsg::settingIsSecret, param.getName());
+    if (m_options.value) return *m_options.value;
+    std::string line = readLine(param);
+    if (m_status.isCanceled()) throw Stop{exitStatus::cancelled};
+    if (line.empty()) failWith(ShellMsg::settingNotGiven, param.getName());
+    return line;
 }
 
 int Program::runSet() {

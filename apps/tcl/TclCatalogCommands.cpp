@@ -1,5 +1,6 @@
 #include "Failure.h"
 #include "HubQueries.h"
+#include "ItemSearch.h"
 #include "NameSelection.h"
 #include "Nearness.h"
 #include "PropertyFilter.h"
@@ -16,7 +17,6 @@
 #include <algorithm>
 #include <optional>
 #include <set>
-#include <sstream>
 
 namespace {
 
@@ -78,10 +78,7 @@ ItemQuery readQuery(const TclCall& call) {
     query.installed = call.has(commandOptions::installed);
     query.outdated = call.has(commandOptions::outdated);
     query.allRevisions = call.has(commandOptions::allRevisions);
-    if (Tcl_Obj* words = call.getValue(searchOption)) {
-        std::istringstream stream(textOf(words));
-        for (std::string word; stream >> word;) query.words.push_back(word);
-    }
+    if (Tcl_Obj* words = call.getValue(searchOption)) addWords(textOf(words), query.words);
     return query;
 }
 
