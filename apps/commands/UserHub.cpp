@@ -16,7 +16,7 @@ HubInForce HubInForce::of(const HSCPlaz& hub) {
             metadata,
             metadata == HSCPlazInspection::getRefreshedHubMetadataFile(),
             hub.getStores(),
-            HSCPlazInspection::findHiddenStores(hub)};
+            HSCPlazInspection::findHiddenStores()};
 }
 
 const char* HubInForce::ownerOf(const HSCPlazQStore& store) {

@@ -17,7 +17,6 @@
 #include "plaz/model/repo/git/HSCPlazGitWorkingCopy.h"
 #include "plaz/store/HSCPlazDependencies.h"
 #include "plaz/store/HSCPlazInstalledTrees.h"
-#include "plaz/store/HSCPlazOwnStores.h"
 #include "plaz/store/HSCPlazPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazRepairTask.h"
@@ -135,8 +134,8 @@ HSCPlazInspection::HubSource HSCPlazInspection::findHubSource() {
     return {location.url, location.chooser};
 }
 
-std::vector<std::string> HSCPlazInspection::findHiddenStores(const HSCPlaz& hub) {
-    return HSCPlazOwnStores(HSCPlazPathMgr::getOwnStoresFile()).findHidden(*hub.getModel());
+std::vector<std::string> HSCPlazInspection::findHiddenStores() {
+    return workspace().ownStores.hidden;
 }
 
 std::string HSCPlazInspection::getOwnStoresFile() {

@@ -94,7 +94,7 @@ struct HubSource {
 };
 PLAZ_API HubSource findHubSource();
 /// The names of stores that the user has added and that are not used, since the hub has others of that name.
-PLAZ_API std::vector<std::string> findHiddenStores(const HSCPlaz& hub);
+PLAZ_API std::vector<std::string> findHiddenStores();
 
 /// In the user area, which is made where it is not there.
 PLAZ_API std::string getLockFile();

@@ -137,7 +137,7 @@ void HSCPlazHubBuilder::readStores(LargeCatalogs large) const {
     readShared();
     HSCPlazModel& hub = *m_workspace.hubModel;
     const bool isHubEmpty = hub.getStores().empty();
-    const bool areOwnRead = HSCPlazOwnStores(m_workspace.paths.getOwnStoresFile()).addTo(hub, m_report);
+    m_workspace.ownStores = HSCPlazOwnStores(m_workspace.paths.getOwnStoresFile()).addTo(hub, m_report);
     HSCPlazPlaces(m_workspace).preferRefreshed(m_report);
     const HSCPlazCatalogLoader loader(m_workspace.paths, m_report, large);
     HSCPlazModel& shared = *m_workspace.sharedHubModel;
@@ -148,7 +148,8 @@ void HSCPlazHubBuilder::readStores(LargeCatalogs large) const {
     const std::size_t listed = hub.getStores().size();
     // One that offers nothing is a whole one to somebody who has stores of their own.
     const bool isWhole = !isHubEmpty || (listed > 0 && !hub.isUnread());
-    m_workspace.isHubRead = areOwnRead && isWhole && hub.getLocalRoot() == fileInForce(m_workspace.paths);
+    m_workspace.isHubRead =
+        m_workspace.ownStores.isWhole && isWhole && hub.getLocalRoot() == fileInForce(m_workspace.paths);
     HSCPlazPlaces(m_workspace).addWithdrawn(m_report);
     // Who knows whether they are withdrawn?
     for (std::size_t i = listed; i < hub.getStores().size(); ++i)

@@ -55,20 +55,14 @@ bool HSCPlazOwnStores::write(const HSCPlazModel& stores) const {
            HUTFile::writeAtomically(m_file, text, true);
 }
 
-bool HSCPlazOwnStores::addTo(HSCPlazModel& hub, HSCPlazReport& report) const {
+HSCPlazOwnStores::Added HSCPlazOwnStores::addTo(HSCPlazModel& hub, HSCPlazReport& report) const {
     const auto own = read(report);
-    for (const auto& store : own->getStores())
-        if (!hub.findStore(store->getName())) hub.addStore(store);
-    return !own->isUnread();
-}
-
-std::vector<std::string> HSCPlazOwnStores::findHidden(const HSCPlazModel& hub) const {
-    HSCPlazReport anyReport; // it was told when the hub was built
-    std::vector<std::string> hidden;
-    const auto own = read(anyReport);
+    Added added{!own->isUnread(), {}};
     for (const auto& store : own->getStores()) {
-        const HSCPlazQStoreModel* other = hub.findStore(store->getName());
-        if (other && !other->isUserRepository()) hidden.push_back(store->getName());
+        if (hub.findStore(store->getName()))
+            added.hidden.push_back(store->getName());
+        else
+            hub.addStore(store);
     }
-    return hidden;
+    return added;
 }

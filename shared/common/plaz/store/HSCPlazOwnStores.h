@@ -22,10 +22,13 @@ public:
     /// Replaces the file. @return false when it could not be written
     bool write(const HSCPlazModel& stores) const;
 
-    /// Adds to a hub those stores whose names it does not have. @return false where not all may have been read
-    bool addTo(HSCPlazModel& hub, HSCPlazReport& report) const;
-    /// The names of those of which a hub has one of its own.
-    std::vector<std::string> findHidden(const HSCPlazModel& hub) const;
+    /// What became of the stores when a hub was built.
+    struct Added {
+        bool isWhole = true;             ///< else not all may have been read
+        std::vector<std::string> hidden; ///< names of those of which the hub has one of its own
+    };
+    /// Adds to a hub those stores whose names it does not have.
+    Added addTo(HSCPlazModel& hub, HSCPlazReport& report) const;
 
 private:
     std::string m_file;

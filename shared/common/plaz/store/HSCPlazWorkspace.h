@@ -7,6 +7,7 @@
 #include "plaz/pref/HSCPlazPathMgr.h"
 #include "plaz/pref/HSCPlazUserPref.h"
 #include "plaz/store/HSCPlazLocalDBMgr.h"
+#include "plaz/store/HSCPlazOwnStores.h"
 #include "plaz/store/HSCPlazRepoInfoMgr.h"
 
 #include <memory>
@@ -41,6 +42,7 @@ struct HSCPlazWorkspace {
     std::unique_ptr<HSCPlazModel> sharedHubModel;
     std::unique_ptr<HSCPlazModel> hubModel; ///< null until the first start-up
     std::unique_ptr<HSCPlaz> hub;           ///< refers to the hub model
+    HSCPlazOwnStores::Added ownStores;      ///< the user's, beside the hub's
     bool isHubRead = false;                 ///< else nobody knows which stores it lists
     /// The store that the user interface has selected; ask findCurrentStore().
     HSCPlazQStore* currentStore = nullptr;

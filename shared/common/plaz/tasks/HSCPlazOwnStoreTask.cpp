@@ -89,17 +89,27 @@ bool fetch(HSCPlazTask& task, const std::string& name) {
            HSCPlazRefreshStoreTask::describeItems(task, *task.getHub().getStore(name));
 }
 
-bool complete(HSCPlazTask& task, HSCPlazModel& own, const std::string& name) {
+/// @param store  goes with the hub that is built anew
+bool complete(HSCPlazTask& task, HSCPlazModel& own, const HSCPlazQStoreModel& store, const std::string& name) {
     HSCPlazQStoreModel& entry = *own.findStore(name);
     if (entry.getMetadataFile().empty()) {
-        HSCPlazQStoreModel& store = *task.getWorkspace().hubModel->findStore(name);
-        HSCPlazReport report;
-        HSCPlazPlaces(task.getWorkspace()).placeForRefresh(store, report);
-        task.tell(report);
         entry.setMetadataFile(findMetadataFile(task, store));
         if (entry.getMetadataFile().empty() || !putInForce(task, own)) return false;
     }
     return fetch(task, name);
+}
+
+/// What cannot be completed leaves nothing where nothing was.
+bool completeOrClear(HSCPlazTask& task, HSCPlazModel& own, const std::string& name) {
+    HSCPlazQStoreModel& store = *task.getWorkspace().hubModel->findStore(name);
+    HSCPlazReport report;
+    HSCPlazPlaces(task.getWorkspace()).placeForRefresh(store, report);
+    task.tell(report);
+    const std::string area = store.getLocalRootDir();
+    const bool wasThere = HUTFile::exists(area);
+    const bool isComplete = task.guard([&] { return complete(task, own, store, name); });
+    if (!isComplete && !wasThere && !area.empty()) HUTFile::rmRecursive(area);
+    return isComplete;
 }
 
 std::unique_ptr<HSCPlazModel> without(const HSCPlazModel& own, const std::string& name) {
@@ -111,12 +121,12 @@ std::unique_ptr<HSCPlazModel> without(const HSCPlazModel& own, const std::string
 
 } // namespace
 
-bool HSCPlazOwnStoreTask::add(HSCPlazTask& task, HSCPlazNewStore wanted) {
+bool HSCPlazOwnStoreTask::add(HSCPlazTask& task, const HSCPlazNewStore& wanted) {
     const auto own = readOwn(task);
     if (!own || !accept(task, wanted)) return false;
     if (own->findStore(wanted.name)) return task.fail(Msg::storeNameTaken, wanted.name);
     append(*own, wanted);
-    if (putInForce(task, *own) && task.guard([&] { return complete(task, *own, wanted.name); })) {
+    if (putInForce(task, *own) && completeOrClear(task, *own, wanted.name)) {
         task.tellNews(Msg::storeAdded, wanted.name);
         return true;
     }

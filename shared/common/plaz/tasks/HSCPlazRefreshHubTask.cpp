@@ -6,7 +6,6 @@
 #include "plaz/model/reader/HSCPlazReader.h"
 #include "plaz/model/repo/git/HSCPlazGitCatalog.h"
 #include "plaz/store/HSCPlazHubBuilder.h"
-#include "plaz/store/HSCPlazOwnStores.h"
 #include "plaz/store/HSCPlazPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazFetchedFiles.h"
@@ -111,7 +110,7 @@ bool HSCPlazRefreshHubTask::refresh(HSCPlazTask& task, std::map<std::string, HSC
     HSCPlazHubBuilder(task.getWorkspace(), report).rebuild(std::move(fresh));
     task.mentionBrought(report);
     Catalog::tellWithdrawn(task, holdings);
-    for (const std::string& store : HSCPlazOwnStores(HSCPlazPathMgr::getOwnStoresFile()).findHidden(*hub.getModel()))
+    for (const std::string& store : task.getWorkspace().ownStores.hidden)
         task.tell(Msg::ownStoreHidden, MsgSeverity::warning, store);
     task.show("Refreshed", hub.getRoot(), 100);
     return true;
