@@ -6,9 +6,11 @@
 #include "ShellMsg.h"
 #include "UserSettings.h"
 
+#include "plaz/HSCPlazInspection.h"
 #include "plaz/HSCPlazTaskMgr.h"
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/base/HSCPlazNames.h"
+#include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
@@ -155,16 +157,20 @@ StoresResult HubActions::refreshHub(const std::vector<std::string>& names) const
 }
 
 StoresResult HubActions::chooseHub(const std::string& url) const {
-    HPAParamMgr& params = HPAParamMgr::getParamMgr();
     const HPAParam& param = requireParam(HSCPlazName::hub);
-    requireUseful(param, url);
-    const std::string before = param.getValue();
-    params.setValue(param.getName(), url);
+    const std::optional<std::string> before = HPAParamMgr::getParamMgr().getKept(param.getName());
+    const bool counts = changeSetting(param, url);
+    const HSCPlazInspection::HubSource source = HSCPlazInspection::findHubSource();
+    if (!counts || source.url != url) {
+        tellOverruled(param, counts ? HSCPlazName::remoteRepoVariable : param.getVariable(),
+                      HSCPlazTrust::maskSecrets(source.url));
+        return {{}, true, {}};
+    }
     const HSCPlazHubResult hub = HSCPlazTaskMgr::refreshHub(m_hub, &m_status);
     if (hub.isDone)
-        keepSetting(param, url);
+        tellKept(param);
     else
-        params.setValue(param.getName(), before);
+        changeSetting(param, before);
     return describeAll(hub, {});
 }
 

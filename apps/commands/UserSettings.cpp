@@ -63,35 +63,40 @@ std::string describeValue(const HPAParam& param) {
     return value.empty() ? "empty" : value;
 }
 
-void requireSaved(HPAParamMgr::Kept kept) {
-    if (kept == HPAParamMgr::Kept::unsaved) failWith(ShellMsg::preferencesNotSaved, HCCXPrefMgr::getFile());
-}
-
 void tell(const ComMsgMgrInstance& message) {
     ComMsgMgr::send(message, MsgSeverity::info);
 }
 
 } // namespace
 
-void requireUseful(const HPAParam& param, const std::string& value) {
-    const std::string refusal = findRefusal(param, value);
+bool changeSetting(const HPAParam& param, const std::optional<std::string>& value) {
+    const std::string refusal = value ? findRefusal(param, *value) : "";
     if (!refusal.empty()) failWith(ShellMsg::settingUseless, param.getName(), refusal);
+    const std::string& name = param.getName();
+    const HPAParamMgr::Kept kept = value ? params().keepValue(name, *value) : params().forgetValue(name);
+    if (kept == HPAParamMgr::Kept::refused) failWith(ShellMsg::paramRefused, name);
+    if (kept == HPAParamMgr::Kept::unsaved) failWith(ShellMsg::preferencesNotSaved, HCCXPrefMgr::getFile());
+    return kept == HPAParamMgr::Kept::done;
+}
+
+void tellKept(const HPAParam& param) {
+    tell(messageOf(ShellMsg::settingKept, param.getName(), describeValue(param)));
+}
+
+void tellOverruled(const HPAParam& param, const std::string& variable, const std::string& inForce) {
+    tell(messageOf(ShellMsg::settingOverruled, param.getName(), variable, inForce));
 }
 
 void keepSetting(const HPAParam& param, const std::string& value) {
-    requireUseful(param, value);
-    const HPAParamMgr::Kept kept = params().keepValue(param.getName(), value);
-    if (kept == HPAParamMgr::Kept::refused) failWith(ShellMsg::paramRefused, param.getName());
-    requireSaved(kept);
-    if (kept == HPAParamMgr::Kept::overruled)
-        tell(messageOf(ShellMsg::settingOverruled, param.getName(), param.getVariable(), describeValue(param)));
+    if (changeSetting(param, value))
+        tellKept(param);
     else
-        tell(messageOf(ShellMsg::settingKept, param.getName(), describeValue(param)));
+        tellOverruled(param, param.getVariable(), describeValue(param));
 }
 
 void forgetSetting(const HPAParam& param) {
-    const bool wasKept = params().isKept(param.getName());
-    if (wasKept) requireSaved(params().forgetValue(param.getName()));
+    const bool wasKept = params().getKept(param.getName()).has_value();
+    if (wasKept) changeSetting(param, std::nullopt);
     tell(messageOf(wasKept ? ShellMsg::settingForgotten : ShellMsg::settingNotKept, param.getName(),
                    describeValue(param)));
 }

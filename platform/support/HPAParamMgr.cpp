@@ -55,6 +55,11 @@ std::optional<std::string> normalize(HPAParam::Type type, const std::string& tex
     return text;
 }
 
+std::optional<std::string> keptOf(const HPAParam& param) {
+    const std::vector<std::string> kept = HCCXPrefMgr::getInstance().getDefaultXPref().getVal(param.getName());
+    return kept.empty() ? std::nullopt : std::optional(kept.front());
+}
+
 } // namespace
 
 std::string HPAParam::getVariable() const {
@@ -107,8 +112,8 @@ public:
     /// Gives the parameter what its variable says, else what the user keeps, else its default.
     static void settle(HPAParam& param) {
         reset(param);
-        const std::vector<std::string> kept = HCCXPrefMgr::getInstance().getDefaultXPref().getVal(param.getName());
-        if (!kept.empty() && !set(param, kept.front(), HPAParam::Source::user))
+        const std::optional<std::string> kept = keptOf(param);
+        if (kept && !set(param, *kept, HPAParam::Source::user))
             ComMsgMgr::send(HostMsg::paramUnfit, MsgSeverity::warning, param.getName(), HCCXPrefMgr::getFile());
         const std::string variable = param.getVariable();
         std::string value;
@@ -222,9 +227,9 @@ HPAParamMgr::Kept HPAParamMgr::save(HPAParam& param, const std::vector<std::stri
     return param.getSource() == HPAParam::Source::environment ? Kept::overruled : Kept::done;
 }
 
-bool HPAParamMgr::isKept(const std::string& name) const {
+std::optional<std::string> HPAParamMgr::getKept(const std::string& name) const {
     const HPAParam* param = findParam(name);
-    return param && !HCCXPrefMgr::getInstance().getDefaultXPref().getVal(param->getName()).empty();
+    return param ? keptOf(*param) : std::nullopt;
 }
 
 std::vector<const HPAParam*> HPAParamMgr::list(bool withHidden) const {

@@ -3,6 +3,7 @@
 #include "support/HostExport.h"
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -105,8 +106,8 @@ public:
     Kept keepValue(const std::string& name, const std::string& text);
     /// What is kept for this user is kept no longer; the variable's value or the default counts.
     Kept forgetValue(const std::string& name);
-    /// Whether something is kept for this user.
-    bool isKept(const std::string& name) const;
+    /// What is kept for this user; nothing where nothing is.
+    std::optional<std::string> getKept(const std::string& name) const;
 
     /// All parameters in the order of registration, hidden ones only when asked for.
     std::vector<const HPAParam*> list(bool withHidden) const;

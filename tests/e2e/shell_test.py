@@ -325,11 +325,16 @@ class ShellTest(HubTest):
             self.check_shown(self.run_plaz(command).stderr, "17-2336", never=["17-1532"])
         self.check_shown(self.run_plaz("refresh --hub", status=1).stderr, "17-1532")
         self.run_plaz("hub set file:///nowhere", status=1)
-        self.expect("hub", "hub qstores: name")
+        self.expect("params plaz.hub", "params: source", "default")
+        told = self.run_plaz("hub set file:///nowhere", ZENTOR_PLAZ_REMOTE_REPO_PATH="file:///elsewhere").stderr
+        self.check_shown(told, "17-2321", "file:///elsewhere")
+        self.run_plaz("hub unset")
         hub, tcl = ((self.repositories / f"{name}.git").as_uri() for name in ("hub", "tcl-store"))
         self.expect(f"hub set {hub}", "qstores: name outcome", "boards refreshed", "tclscripts refreshed")
         self.check_shown(self.run_plaz("hub add-store a https://me:geheim@h/x", status=1).stderr, never=["geheim"])
         self.run_plaz(f"hub add-store mine {tcl}", status=1)  # its metadata file has no usual name
+        self.run_plaz("hub add-store mine file:///nowhere --metadata-file a.json", status=1)
+        self.check("leftovers", [*self.home.glob("2024.2/plaz/*_store_*")], [])
         self.run_plaz(f"hub add-store boards {tcl} --metadata-file tcl_store.json", status=1)
         self.expect(f"hub add-store mine {tcl} --metadata-file tcl_store.json", "qstores: name items", "mine 8")
         self.expect("install mine::string-kit", "items: outcome", "installed")

@@ -106,8 +106,9 @@ TEST_F(PreferencesDeathTest, KeepParameters) {
     params.setSecret("plaz.token");
     env.set("PLAZ_TOKEN", "seen");
     using Kept = HPAParamMgr::Kept;
-    EXPECT_IN_PROCESS(params.keepValue("PLAZ.gittimeout", "x") == Kept::refused && !params.isKept("plaz.gitTimeout") &&
-                      params.keepValue("PLAZ.gittimeout", "07") == Kept::done && params.isKept("plaz.gitTimeout"));
+    EXPECT_IN_PROCESS(params.keepValue("PLAZ.gittimeout", "x") == Kept::refused && !params.getKept("plaz.gitTimeout") &&
+                      params.keepValue("PLAZ.gittimeout", "07") == Kept::done &&
+                      params.getKept("plaz.gitTimeout") == "7");
     const auto saveLate = [&] {
         preferences(); // before another process saves
         temp.write("new/appdata/preferences.json",
