@@ -6,7 +6,7 @@
 #   share/java/plaz.jar                 the Java classes
 #   lib/cmake/plaz, lib/pkgconfig       for programs that embed the hub
 #   include/plaz                        headers of the exported classes ("plaz/...", "support/...")
-#   share/plaz/data                     data root: messages, schemas, shipped metadata
+#   share/plaz/data                     data root: messages, schemas, shipped metadata; the sample hub
 #   share/plaz/tps                      third-party programs: links to the system's
 #   share/man, share/doc/plaz           manual page, guides
 #

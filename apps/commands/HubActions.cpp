@@ -156,7 +156,12 @@ StoresResult HubActions::refreshHub(const std::vector<std::string>& names) const
     return describeAll(HSCPlazTaskMgr::refreshHub(m_hub, &m_status), names);
 }
 
-StoresResult HubActions::chooseHub(const std::string& url) const {
+StoresResult HubActions::chooseHub(const std::string& wanted) const {
+    const bool isSample = wanted == sampleHub;
+    const std::string url = isSample ? HSCPlazInspection::getSampleHubUrl() : wanted;
+    if (isSample)
+        if (const HSCPlazHubResult made = HSCPlazTaskMgr::makeSampleHub(m_hub, &m_status); !made.isDone)
+            return toResult(made);
     const HPAParam& param = requireParam(HSCPlazName::hub);
     const std::optional<std::string> before = HPAParamMgr::getParamMgr().getKept(param.getName());
     const bool counts = changeSetting(param, url);

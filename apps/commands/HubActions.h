@@ -66,11 +66,13 @@ public:
     /// @param names  of stores; a name may be one that the hub learns of only then. None for all.
     /// @throws HEXAll ShellMsg::storeUnknown, once the hub is fetched
     StoresResult refreshHub(const std::vector<std::string>& names) const;
+    /// What chooseHub() takes for the hub that comes with the installation.
+    static constexpr const char* sampleHub = "sample";
     /// Has the hub of that URL be the user's from now on, and fetches it as refreshHub() does. Where it cannot be
     /// fetched, the one before stays. Where a variable counts until it is no longer set, that is told (17-2321), and
     /// nothing is fetched.
     /// @throws HEXAll where it may not be used (17-2322) or kept (17-2206)
-    StoresResult chooseHub(const std::string& url) const;
+    StoresResult chooseHub(const std::string& wanted) const;
     /// Has the installation's hub be in force again, as it is shipped.
     /// @throws HEXAll where that cannot be kept (17-2206)
     StoresResult leaveHub() const;

@@ -149,7 +149,10 @@ void addInstallCommands(CLI::App& app, Options& options) {
 void addHubCommand(CLI::App& app, Options& options) {
     CLI::App* hub = app.add_subcommand("hub", "Show which hub is in force, or choose one; keep stores of your own");
     CLI::App* set = hub->add_subcommand("set", "Use the hub of this URL from now on, and fetch it");
-    set->add_option("URL", options.value, "Where its repository is. Without it, it is asked for")->type_name("");
+    set->add_option(
+           "URL", options.value,
+           "Where its repository is, or \"sample\" for the one that comes with plaz. Without it, it is asked for")
+        ->type_name("");
     hub->add_subcommand("unset", "Use the installation's hub again");
     CLI::App* add = hub->add_subcommand("add-store", "Add a store of your own, and fetch its catalog");
     add->add_option("NAME", options.newStore.name, "What you call it")->type_name("")->required();

@@ -6,7 +6,7 @@ In the guide "..." stands for anything, on a line of its own for any lines. Colu
 import os
 import re
 
-from support.hubtest import PLAZ, TREE, HubTest, run
+from support.hubtest import PLAZ, PRODUCT_DATA, TREE, HubTest, run
 
 GUIDE = dict(part.split("\n", 1) for part in (TREE / "docs/user-guide.md").read_text("utf-8").split("\n## "))
 
@@ -17,6 +17,11 @@ def pattern_of(printed):
 
 
 class GuideTest(HubTest):
+    def setUp(self):
+        super().setUp()
+        self.env["GDA_DATA_DIR"] = str(PRODUCT_DATA)
+        self.run_plaz("hub set sample")
+
     def test_commands(self):
         self.env["PATH"] = f"{PLAZ.parent}{os.pathsep}{self.env['PATH']}"
         text = "".join(GUIDE[section] for section in ("See what there is", "Name an item", "Install"))

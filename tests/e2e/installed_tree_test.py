@@ -83,9 +83,13 @@ class InstalledTreeTest(unittest.TestCase):
             succeed("ldd", tree / "bin/plaz", *libraries, cwd=self.dir / "elsewhere")
 
     def test_program(self):
-        """Catches: a program that does not find the hub; a file of the sample or of the product that is not valid."""
+        """Catches: a program that does not find the hub; a file of the sample or of the product that is not valid,
+        a sample hub that only the build tree has."""
         self.assertIn("tclscripts", self.succeed(self.prefix / "bin/plaz", "stores"))
         files = [file for root in self.data for file in root.rglob("*.json")]
         files = [file for file in files if "schemas" not in file.parts and file.name != "messages.json"]
         self.assertGreater(len(files), 20)
         self.succeed(self.prefix / "bin/plaz", "validate", *files)
+        bare = {"GDA_DATA_DIR": "", "GDA_APPDATA_DIR": self.dir / "bare 100%"}
+        self.succeed(self.prefix / "bin/plaz", "hub", "set", "sample", **bare)
+        self.succeed(self.prefix / "bin/plaz", "install", "aurora", **bare)

@@ -20,6 +20,7 @@
 #include "plaz/store/HSCPlazPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazRepairTask.h"
+#include "plaz/tasks/HSCPlazSampleHubTask.h"
 
 #include <boost/algorithm/string/predicate.hpp>
 
@@ -132,6 +133,10 @@ std::optional<ComMsgMgrInstance> HSCPlazInspection::describeUnknownRecord(const 
 HSCPlazInspection::HubSource HSCPlazInspection::findHubSource() {
     const HSCPlazUserPref::HubLocation location = workspace().userPref.findHubLocation();
     return {location.url, location.chooser};
+}
+
+std::string HSCPlazInspection::getSampleHubUrl() {
+    return HSCPlazSampleHubTask::getUrl();
 }
 
 std::vector<std::string> HSCPlazInspection::findHiddenStores() {

@@ -93,6 +93,8 @@ struct HubSource {
     std::string chooser; ///< for people: "parameter plaz.hub"
 };
 PLAZ_API HubSource findHubSource();
+/// Where the sample hub is once it was made (HSCPlazTaskMgr::makeSampleHub).
+PLAZ_API std::string getSampleHubUrl();
 /// The names of stores that the user has added and that are not used, since the hub has others of that name.
 PLAZ_API std::vector<std::string> findHiddenStores();
 

@@ -21,6 +21,7 @@
 #include "plaz/tasks/HSCPlazRefreshHubTask.h"
 #include "plaz/tasks/HSCPlazRefreshStoreTask.h"
 #include "plaz/tasks/HSCPlazRepairTask.h"
+#include "plaz/tasks/HSCPlazSampleHubTask.h"
 #include "plaz/tasks/HSCPlazTask.h"
 #include "plaz/tasks/HSCPlazUninstallTask.h"
 #include "plaz/tasks/HSCPlazUpdateCheckTask.h"
@@ -214,6 +215,11 @@ HSCPlazHubResult HSCPlazTaskMgr::refreshHub(HSCPlaz& hub, HDGUIStatus* status) {
         result.failed.back().report = report;
     }
     return result;
+}
+
+HSCPlazHubResult HSCPlazTaskMgr::makeSampleHub(HSCPlaz& hub, HDGUIStatus* status) {
+    HSCPlazTask task(workspace(), hub, status);
+    return resultOf(task, carryOut(task, [&](Changes&) { return HSCPlazSampleHubTask::make(task); }));
 }
 
 HSCPlazHubResult HSCPlazTaskMgr::leaveHub(HSCPlaz& hub, HDGUIStatus* status) {

@@ -118,6 +118,9 @@ public:
     /// Fetches the hub's own metadata and the catalogs of all stores that it lists. What its catalog says of the items
     /// of each store is left to describeItems(). Sends Msg::hubNotRefreshed on failure, after the reason.
     static HSCPlazHubResult refreshHub(HSCPlaz& hub, HDGUIStatus* status);
+    /// Makes the repositories of the sample hub (HSCPlazInspection::getSampleHubUrl) in the user's own files, without a
+    /// network. The hub in force stays what it is. Sends Msg::sampleHubMissing, dirNotWritable and what git says.
+    static HSCPlazHubResult makeSampleHub(HSCPlaz& hub, HDGUIStatus* status);
     /// Lets the shipped metadata be in force again, where those of another hub have been fetched; fetches nothing.
     /// Stores and items are new objects afterwards.
     static HSCPlazHubResult leaveHub(HSCPlaz& hub, HDGUIStatus* status);

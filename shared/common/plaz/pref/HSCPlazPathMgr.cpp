@@ -125,6 +125,10 @@ std::string HSCPlazPathMgr::getOwnStoresFile() {
     return join({HSCPlazProduct::getUserDataDir(), ownStoresFile});
 }
 
+std::string HSCPlazPathMgr::getSampleHubDir() {
+    return join({HSCPlazProduct::getUserDataDir(), "plaz_sample_hub"});
+}
+
 std::string HSCPlazPathMgr::getRepoInfoFile() const {
     return getUserAreaRoot("", false, repoInfoFile);
 }
@@ -157,6 +161,7 @@ std::vector<std::string> HSCPlazPathMgr::getOwnPlaces() const {
             getDefaultLocalDbFile(),
             getStoresDataDir(),
             getOwnStoresFile(),
+            getSampleHubDir(),
             HCCXPrefMgr::getFile()};
 }
 

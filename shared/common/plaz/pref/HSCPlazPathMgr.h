@@ -55,6 +55,8 @@ public:
     /// The stores that the user has added; none of another user's business, so not in the user area, which may be
     /// shared.
     static std::string getOwnStoresFile();
+    /// Where the repositories of the sample hub are made, for the same reason. Need not exist.
+    static std::string getSampleHubDir();
     /// The file whose lock a task holds while it changes what is installed.
     std::string getLockFile() const;
     /// What a task that changes what is installed is about to do; gone when it has ended.

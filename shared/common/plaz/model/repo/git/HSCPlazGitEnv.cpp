@@ -205,10 +205,11 @@ void HSCPlazGitEnv::apply(HUTFork& git, const std::string& command, const std::s
     // What is meant to be local must not fetch what a working copy lacks. No server leads out of TLS.
     const char* const transports = HSCPlazUrl::parse(remoteUrl).isHttps() ? "https" : "file:git:http:https:ssh";
     git.setEnv("GIT_ALLOW_PROTOCOL", mayTransfer(command) ? transports : "none");
-    if (command == "pull") { // which asks whose a commit would be, though it makes none
-        git.setEnv("GIT_COMMITTER_NAME", "plaz");
-        git.setEnv("GIT_COMMITTER_EMAIL", "plaz@localhost");
-    }
+    if (command == "pull" || command == "commit") // the former asks whose a commit would be, though it makes none
+        for (const char* role : {"GIT_COMMITTER_", "GIT_AUTHOR_"}) {
+            git.setEnv(std::string(role) + "NAME", "plaz");
+            git.setEnv(std::string(role) + "EMAIL", "plaz@localhost");
+        }
     git.setEnv("LC_ALL", "C.UTF-8"); // error lines are recognised by their English words
     // A directory whose ".git" is gone must not be taken for a part of a repository around it.
     git.setEnv("GIT_CEILING_DIRECTORIES", boost::filesystem::path(workDir).parent_path().generic_string());
