@@ -9,6 +9,7 @@
 #   share/plaz/data                     data root: messages, schemas, shipped metadata; the sample hub
 #   share/plaz/tps                      third-party programs: links to the system's
 #   share/man, share/doc/plaz           manual page, guides
+#   share/bash-completion, zsh, fish    completion for these shells
 #
 # On Windows the DLLs lie in bin beside the program, Tcl's scripts in lib, the third-party programs are the user's to add,
 # and nothing is there for programs that embed the hub; "cpack" makes a zip of the tree.
@@ -34,6 +35,10 @@ else()
   install(TARGETS plazhost plaz_lib EXPORT plazTargets)
   install(DIRECTORY ${PROJECT_BINARY_DIR}/share/plaz/tps DESTINATION ${CMAKE_INSTALL_DATADIR}/plaz
           USE_SOURCE_PERMISSIONS)
+  set(completion apps/shell/completion)
+  install(FILES ${completion}/plaz.bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions RENAME plaz)
+  install(FILES ${completion}/_plaz DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/site-functions)
+  install(FILES ${completion}/plaz.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
   install(FILES docs/man/plaz.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
   list(APPEND guides docs/embedding-guide.md)
 

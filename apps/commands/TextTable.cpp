@@ -11,18 +11,19 @@ namespace {
 constexpr std::size_t gap = 2;
 
 using Row = std::vector<std::string>;
+using Paint = std::function<std::string(const std::string&)>;
 
 void widen(std::vector<std::size_t>& widths, const Row& row) {
     if (widths.size() < row.size()) widths.resize(row.size());
     for (std::size_t i = 0; i < row.size(); ++i) widths[i] = std::max(widths[i], HUTText::width(row[i]));
 }
 
-void printRow(std::ostream& out, const Row& row, const std::vector<std::size_t>& widths) {
+void printRow(std::ostream& out, const Row& row, const std::vector<std::size_t>& widths, const Paint& paint = {}) {
     std::string line;
     std::size_t blanks = 0;
     for (std::size_t i = 0; i < row.size(); ++i) {
         // Blanks wait for the next text, so that no line ends in them.
-        if (!row[i].empty()) line.append(blanks, ' ').append(row[i]);
+        if (!row[i].empty()) line.append(blanks, ' ').append(i == 0 && paint ? paint(row[i]) : row[i]);
         blanks = (row[i].empty() ? blanks : 0) + widths[i] - HUTText::width(row[i]) + gap;
     }
     out << line << '\n';
@@ -38,13 +39,13 @@ void TextTable::addRow(const Row& cells) {
     m_rows.push_back(std::move(row));
 }
 
-void TextTable::print(std::ostream& out) const {
+void TextTable::print(std::ostream& out, const Paint& paint) const {
     if (m_rows.empty()) return;
     std::vector<std::size_t> widths;
     widen(widths, m_header);
     for (const Row& row : m_rows) widen(widths, row);
     if (!m_header.empty()) printRow(out, m_header, widths);
-    for (const Row& row : m_rows) printRow(out, row, widths);
+    for (const Row& row : m_rows) printRow(out, row, widths, paint);
 }
 
 std::string TextTable::toText() const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <iosfwd>
 #include <string>
 #include <vector>
@@ -12,7 +13,8 @@ public:
     /// Control characters in the cells are replaced. Rows may have fewer cells than there are columns.
     void addRow(const std::vector<std::string>& cells);
     /// Writes the table; nothing when it has no rows.
-    void print(std::ostream& out) const;
+    /// @param paint  gives the first cell of each row as it is written, without a change of its width; may be empty
+    void print(std::ostream& out, const std::function<std::string(const std::string&)>& paint = {}) const;
     /// What print() writes, without the last line's end.
     std::string toText() const;
 

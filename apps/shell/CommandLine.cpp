@@ -1,5 +1,6 @@
 #include "CommandLine.h"
 
+#include "Colours.h"
 #include "CommandOptions.h"
 #include "ItemReference.h"
 #include "ItemSearch.h"
@@ -28,6 +29,16 @@ std::string checkReference(const std::string& text) {
     return ItemReference::parse(text) ? std::string() : "\"" + text + "\" is no ITEM[@REVISION]";
 }
 
+/// Takes one of "A|B", as the help names what is expected.
+CLI::Validator oneOf(const std::string& choices) {
+    const auto check = [choices](const std::string& text) {
+        const bool isOne = text.find('|') == std::string::npos &&
+                           ("|" + choices + "|").find("|" + text + "|") != std::string::npos && !text.empty();
+        return isOne ? std::string() : choices + " is expected";
+    };
+    return CLI::Validator(check, "");
+}
+
 // The value may be a secret: it is not repeated.
 std::string checkSetting(const std::string& text) {
     const std::size_t separator = text.find('=');
@@ -53,6 +64,9 @@ void addSharedOptions(CLI::App& app, Options& options) {
     app.add_flag("--json", options.json, "Print one JSON document on standard output, messages on standard error");
     addFlag(app, commandOptions::quiet, options.quiet);
     app.add_flag("--no-progress", options.noProgress, "Show no progress line");
+    app.add_option("--color", options.color, "Colours on a terminal; auto leaves them out with NO_COLOR or TERM=dumb")
+        ->type_name(Colours::choices)
+        ->check(oneOf(Colours::choices));
 }
 
 void addStore(CLI::App& command, std::string& store) {
@@ -73,8 +87,10 @@ const std::map<std::string, ItemQuery::Order> orders{{"relevance", ItemQuery::Or
                                                      {"store", ItemQuery::Order::store},
                                                      {"revision", ItemQuery::Order::revision}};
 
-std::string checkOrder(const std::string& text) {
-    return orders.count(text) != 0 ? std::string() : "relevance, name, store or revision is expected";
+std::string namesOf(const std::map<std::string, ItemQuery::Order>& choices) {
+    std::string names;
+    for (const auto& [name, choice] : choices) names += (names.empty() ? "" : "|") + name;
+    return names;
 }
 
 void addOrder(CLI::App& items, Options& options) {
@@ -83,8 +99,8 @@ void addOrder(CLI::App& items, Options& options) {
         .add_option_function<std::string>("--sort", setOrder,
                                           "By relevance (what fits the words best first; unless another is named), "
                                           "name, store or revision (the highest first)")
-        ->type_name("ORDER")
-        ->check(checkOrder);
+        ->type_name(namesOf(orders))
+        ->check(oneOf(namesOf(orders)));
     items.add_option("--limit", options.limit, "List no more than so many items")
         ->type_name("N")
         ->check(CLI::PositiveNumber.description(""));
@@ -224,6 +240,11 @@ void addCommands(CLI::App& app, Options& options) {
                   "plaz::verify, plaz::repair, plaz::refresh_catalog, get_property, set_param and others; each takes "
                   "-help. Without SCRIPT they are "
                   "read from standard input.");
+    // What the shells' scripts call.
+    app.add_subcommand("complete", "Show what may stand in the place of the last of the words")
+        ->prefix_command()
+        ->fallthrough(false)
+        ->group("");
     CLI::App* validate = app.add_subcommand("validate", "Check metadata files against their schemas");
     validate->add_option("FILE", options.files, "Hub, configuration, store, catalog, item or database files")
         ->type_name("")
@@ -328,6 +349,8 @@ CommandLine CommandLine::parse(const std::vector<std::string>& args) {
         options.query.words = splitWords(options.query.words);
         if (options.command == "update") checkUpdate(options);
         if (options.command == "uninstall") checkUninstall(options);
+        if (options.command == "complete")
+            options.completion = WordCompletion::of(app, app.get_subcommands().front()->remaining());
         if (options.command == "shell")
             options.script = readScript(options, app.get_subcommands().front()->remaining());
         return line;

@@ -4,8 +4,8 @@
 
 #include <iostream>
 
-MessageLog::MessageLog(ProgressLine& progress, bool quiet)
-    : m_progress(progress), m_quiet(quiet),
+MessageLog::MessageLog(ProgressLine& progress, bool quiet, const Colours& colours)
+    : m_progress(progress), m_quiet(quiet), m_colours(colours),
       m_before(ComMsgMgr::setSink([this](const ComMsgMgr::Message& message) { take(message); })) {}
 
 MessageLog::~MessageLog() {
@@ -17,7 +17,7 @@ void MessageLog::take(const ComMsgMgr::Message& message) {
     if ((m_quiet && message.label == "INFO") || !m_said.insert(line).second) return;
     m_messages.push_back(message);
     m_progress.erase();
-    std::cerr << line << std::endl;
+    std::cerr << m_colours.paint(message.label) << line.substr(message.label.size()) << std::endl;
 }
 
 std::size_t MessageLog::startCommand() {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Colours.h"
+
 #include "support/ComMsgMgr.h"
 
 #include <set>
@@ -14,7 +16,7 @@ class MessageLog {
 public:
     /// @param progress  erased before a message is written; must outlive the log
     /// @param quiet     leaves out good news ("INFO"), on standard error and among the messages kept
-    MessageLog(ProgressLine& progress, bool quiet);
+    MessageLog(ProgressLine& progress, bool quiet, const Colours& colours);
     ~MessageLog();
     MessageLog(const MessageLog&) = delete;
     MessageLog& operator=(const MessageLog&) = delete;
@@ -28,6 +30,7 @@ private:
 
     ProgressLine& m_progress;
     bool m_quiet;
+    Colours m_colours;
     std::vector<ComMsgMgr::Message> m_messages;
     std::set<std::string> m_said; ///< by the command that is at work
     ComMsgMgr::Sink m_before;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ItemQuery.h"
+#include "WordCompletion.h"
 
 #include "plaz/tasks/HSCPlazTaskOptions.h"
 
@@ -15,6 +16,7 @@ struct Options {
     bool json = false;
     bool quiet = false;
     bool noProgress = false;
+    std::string color = "auto"; ///< one of Colours::choices
     std::string product;
     std::string productVersion;
     std::vector<std::string> settings; ///< each "PARAM=VALUE"
@@ -38,6 +40,7 @@ struct Options {
     bool hidden = false;              ///< params
     std::vector<std::string> files;   ///< validate
     std::string topic;                ///< help: a command; empty for all
+    WordCompletion completion;        ///< complete: what may stand there
     std::vector<std::string> script;  ///< shell: a script and its arguments; empty for none
 };
 

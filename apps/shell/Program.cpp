@@ -26,7 +26,7 @@ namespace {
 
 std::unique_ptr<Output> makeOutput(const Options& options) {
     if (options.json) return std::make_unique<JsonOutput>(std::cout);
-    return std::make_unique<TextOutput>(std::cout, options.quiet);
+    return std::make_unique<TextOutput>(std::cout, options.quiet, Colours(options.color, HUTSysCall::Stream::output));
 }
 
 int progressColumns(const Options& options) {
@@ -47,7 +47,8 @@ std::string applySetting(const std::string& setting) {
 
 Program::Program(CommandLine line, HDGUIStatus& status)
     : m_line(std::move(line)), m_options(m_line.options), m_status(status), m_progress(progressColumns(m_options)),
-      m_log(m_progress, m_options.quiet), m_output(makeOutput(m_options)) {
+      m_log(m_progress, m_options.quiet, Colours(m_options.color, HUTSysCall::Stream::errors)),
+      m_output(makeOutput(m_options)) {
     m_status.setObserver([this](const HDGUIStatus& changed) { m_progress.show(changed); });
 }
 
@@ -134,6 +135,7 @@ int Program::runCommand() {
                                                                     {"verify", &Program::runVerify},
                                                                     {"repair", &Program::runRepair},
                                                                     {"doctor", &Program::runDoctor},
+                                                                    {"complete", &Program::runComplete},
                                                                     {"shell", &Program::runShell}};
     return (this->*commands.at(m_options.command))();
 }

@@ -69,6 +69,7 @@ private:
     int runValidate();
     int runDoctor();
     int runShell();
+    int runComplete();
 
     int refuse(const std::string& problem);
     int finish(int status, const std::string& error);

@@ -174,7 +174,7 @@ void TextOutput::showActions(const std::vector<HSCPlazItemResult>& results) {
         if (!result.neededBy.empty()) what += " (needed by " + result.neededBy + ")";
         table.addRow({HSCPlazItemResult::nameOf(result.outcome), what, result.directory});
     }
-    table.print(m_out);
+    printPainted(table);
 }
 
 void TextOutput::showFiles(const std::vector<HSCPlazFilesResult>& results) {
@@ -186,7 +186,7 @@ void TextOutput::showFiles(const std::vector<HSCPlazFilesResult>& results) {
         for (const auto& [state, files] : result.list())
             for (const std::string& file : *files) table.addRow({"", std::string(state) + " " + file, ""});
     }
-    table.print(m_out);
+    printPainted(table);
 }
 
 void TextOutput::showStoreResults(const std::vector<HSCPlazStoreResult>& results) {
@@ -195,7 +195,7 @@ void TextOutput::showStoreResults(const std::vector<HSCPlazStoreResult>& results
     for (const HSCPlazStoreResult& result : results)
         table.addRow({HSCPlazStoreResult::nameOf(result.outcome), result.store, std::to_string(result.items) + " items",
                       result.directory});
-    table.print(m_out);
+    printPainted(table);
 }
 
 void TextOutput::showPaths(const std::vector<HSCPlazPathsInForce::Path>& hub,
@@ -243,7 +243,7 @@ void TextOutput::showFindings(const std::vector<Finding>& findings) {
         table.addRow({Finding::nameOf(finding.state), finding.subject, finding.found});
         if (!finding.advice.empty()) table.addRow({"", "", "-> " + finding.advice});
     }
-    table.print(m_out);
+    printPainted(table);
     m_out << findings.size() << " checks: " << counts[Finding::State::ok] << " ok, " << counts[Finding::State::warning]
           << " with a warning, " << counts[Finding::State::problem] << " with a problem\n";
 }
@@ -255,6 +255,10 @@ void TextOutput::showChecks(const std::vector<HSCPlazFileCheck>& checks) {
         m_out << '\n';
         for (const std::string& finding : check.findings) m_out << "  " << HUTText::printable(finding) << '\n';
     }
+}
+
+void TextOutput::printPainted(const TextTable& table) {
+    table.print(m_out, [this](const std::string& word) { return m_colours.paint(word); });
 }
 
 void TextOutput::showText(const std::string&, const std::string& text) {

@@ -1,15 +1,19 @@
 #pragma once
 
+#include "Colours.h"
 #include "Output.h"
 
 #include <iosfwd>
+
+class TextTable;
 
 /// Results as text for people.
 class TextOutput : public Output {
 public:
     /// @param out    where results go; must outlive the object
     /// @param quiet  leaves out what install, uninstall and update did
-    TextOutput(std::ostream& out, bool quiet) : m_out(out), m_quiet(quiet) {}
+    TextOutput(std::ostream& out, bool quiet, const Colours& colours)
+        : m_out(out), m_quiet(quiet), m_colours(colours) {}
 
     void showStores(const std::vector<HSCPlazQStore*>& stores) override;
     void showItems(const std::vector<ListedItem>& items) override;
@@ -30,10 +34,13 @@ public:
 
 private:
     void showPathList(const std::vector<HSCPlazPathsInForce::Path>& paths);
+    /// A table whose rows begin with an outcome or a state.
+    void printPainted(const TextTable& table);
     void showDescription(const ItemInfo& info);
     void showRelations(const ItemInfo& info);
     void showRevisions(const HSCPlazQItem& item);
 
     std::ostream& m_out;
     bool m_quiet;
+    Colours m_colours;
 };

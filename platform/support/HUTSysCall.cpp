@@ -50,6 +50,10 @@ int HUTSysCall::getTerminalWidth() {
     return platform::getTerminalWidth();
 }
 
+bool HUTSysCall::showsColours(Stream stream) {
+    return platform::showsColours(stream == Stream::errors);
+}
+
 bool HUTSysCall::isInputTerminal() {
     return platform::isInputTerminal();
 }

@@ -31,6 +31,9 @@ public:
     static void restoreStandardOutput(int kept);
     /// Columns of the terminal that standard error is; 0 when it is none.
     static int getTerminalWidth();
+    enum class Stream { output, errors };
+    /// Whether a stream is a terminal that takes escape sequences for colours; it does from then on.
+    static bool showsColours(Stream stream);
     /// Whether a person may be typing on standard input.
     static bool isInputTerminal();
     /// Lets a Ctrl-C that the process handles end a read that waits for input. Holds until the handler is set again.

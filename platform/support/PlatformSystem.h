@@ -46,6 +46,8 @@ void restoreStandardOutput(int kept);
 int getTerminalWidth();
 /// Whether standard input is a terminal.
 bool isInputTerminal();
+/// Whether standard error, or output, is a terminal that takes escape sequences from now on.
+bool showsColours(bool isErrors);
 /// Does @p work, which may put a handler of broken pipes of its own in place when it is done for the first time. Where
 /// the program handles them itself, as virtual machines do, the work is done twice, and the program's handler stays in
 /// force all the time. Nothing must be thrown.

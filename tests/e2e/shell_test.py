@@ -382,6 +382,16 @@ class ShellTest(HubTest):
         shown = succeed("script", "--quiet", "--return", "--command", f"{PLAZ} refresh", "/dev/null", env=self.env)
         self.check_shown(shown, "1/2   0% Fetching Sample boards", "2/2  50% Describing items of Sample Tcl scripts")
 
+    def test_colours_where_a_terminal_shows_them(self):
+        """Catches: escape sequences in a file, none on a terminal, and nobody who wants none heard."""
+        red = "\033[1;31mERROR\033[0m: [17-"
+        refused = ["script", "--quiet", "--command", f"{PLAZ} info nosuch", "/dev/null"]
+        self.check_shown(succeed(*refused, env={**self.env, "TERM": "xterm"}), red)
+        for quiet in ({"TERM": "dumb"}, {"NO_COLOR": "1"}):
+            self.check_shown(succeed(*refused, env={**self.env, **quiet}), "ERROR: [17-", never=["\033"])
+        self.check_shown(self.run_plaz("info nosuch", status=1).stderr, "ERROR: [17-")
+        self.check_shown(self.run_plaz("info nosuch --color always", status=1).stderr, red)
+
     def test_doctor_finds_what_is_wrong_and_nothing_else(self):
         """Catches: a fault that is passed over, one that drags sound parts along, secrets told, anything written."""
         git = f'exec {shutil.which("git")} "$@"'

@@ -128,6 +128,10 @@ int getTerminalWidth() {
     return ioctl(STDERR_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : usualWidth;
 }
 
+bool showsColours(bool isErrors) {
+    return isatty(isErrors ? STDERR_FILENO : STDOUT_FILENO) == 1;
+}
+
 bool isInputTerminal() {
     return isatty(STDIN_FILENO) == 1;
 }

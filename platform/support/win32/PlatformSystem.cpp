@@ -162,6 +162,12 @@ int getTerminalWidth() {
     return info.srWindow.Right - info.srWindow.Left + 1;
 }
 
+bool showsColours(bool isErrors) {
+    const HANDLE console = GetStdHandle(isErrors ? STD_ERROR_HANDLE : STD_OUTPUT_HANDLE);
+    DWORD mode = 0;
+    return GetConsoleMode(console, &mode) && SetConsoleMode(console, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING);
+}
+
 bool isInputTerminal() {
     DWORD mode = 0;
     return GetConsoleMode(GetStdHandle(STD_INPUT_HANDLE), &mode);

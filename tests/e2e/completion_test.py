@@ -1,0 +1,49 @@
+"""Catches: completion that offers nothing, the wrong thing or too much, in the shells that people have."""
+
+import os
+
+import pexpect
+
+from support.hubtest import PLAZ, TREE, HubTest
+
+SCRIPTS = TREE / "apps/shell/completion"
+SHELLS = {
+    "bash": (["--norc", "--noprofile"], f"source {SCRIPTS}/plaz.bash"),
+    "zsh": (["-f"], f"fpath=({SCRIPTS} $fpath); autoload -Uz compinit; compinit -u -D"),
+    "fish": (["--no-config"], f"source {SCRIPTS}/plaz.fish"),
+}
+# What is typed before a tab, and what stands there then.
+COMPLETED = {
+    "plaz unin": "uninstall",
+    "plaz hub remo": "remove-store",
+    "plaz items --st": "--store",
+    "plaz items --sort=rel": "relevance",
+    "plaz --set plaz.hu": "plaz.hub=",
+    "plaz refresh boa": "boards",
+    "plaz install boards::aur": "aurora",
+    "plaz install 計": "計測",
+    "plaz uninstall ": "string-kit",
+    f"plaz validate {TREE}/CMakeL": "CMakeLists.txt",
+}
+
+
+class CompletionTest(HubTest):
+    def test_shells(self):
+        self.run_plaz("install string-kit")
+        env = {
+            **self.env,
+            "PATH": f"{PLAZ.parent}{os.pathsep}{os.environ['PATH']}",
+            "TERM": "xterm",
+            "LC_ALL": "C.UTF-8",
+        }
+        env["HOME"] = str(self.dir)
+        for shell, (options, setup) in SHELLS.items():
+            typist = pexpect.spawn(shell, options, env=env, encoding="utf-8", timeout=20, dimensions=(40, 200))
+            self.addCleanup(typist.close, force=True)
+            typist.sendline(f"{setup}; echo rea''dy")
+            typist.expect("ready\r\n")
+            for typed, completed in COMPLETED.items():
+                with self.subTest(shell=shell, typed=typed):
+                    typist.send(f"{typed}\t")
+                    typist.expect_exact(completed)
+                typist.send("\x15")  # the line goes
