@@ -41,6 +41,7 @@ inline constexpr MsgId<2> settingNotKept{"@17-2324@%s%s"};     ///< parameter, v
 inline constexpr MsgId<1> settingIsSecret{"@17-2325@%s"};      ///< parameter
 inline constexpr MsgId<1> settingNotGiven{"@17-2326@%s"};      ///< parameter
 inline constexpr MsgId<2> urlHoldsLogin{"@17-2337@%s%s"};      ///< store, URL
+inline constexpr MsgId<0> doctorKnows{"@17-2366@"};
 inline constexpr MsgId<0> hubEmpty{"@17-2336@"};
 inline constexpr MsgId<3> nameUnknown{"@17-2300@%s%s%s"};       ///< kind of name, name, those there are
 inline constexpr MsgId<4> nameUnknownNear{"@17-2301@%s%s%s%s"}; ///< kind of name, name, similar ones, those there are

@@ -106,9 +106,22 @@ int Program::runDiverted() {
     } catch (const std::exception& failure) {
         fail(messageOf(Msg::unexpectedFailure, failure.what()));
     }
-    if (status == exitStatus::done || !m_status.isCanceled()) return status;
-    fail(messageOf(ShellMsg::cancelled));
+    if (status == exitStatus::done) return status;
+    if (!m_status.isCanceled()) {
+        nameDoctor();
+        return status;
+    }
+    const ComMsgMgrInstance cancelled = messageOf(ShellMsg::cancelled);
+    ComMsgMgr::send(cancelled, MsgSeverity::info);
+    if (m_failure.empty()) m_failure = cancelled.getMessage();
     return exitStatus::cancelled;
+}
+
+void Program::nameDoctor() {
+    const std::vector<ComMsgMgr::Message>& said = m_log.getMessages();
+    const std::string ofGit = messageOf(Msg::gitErrors, "", "").getId();
+    if (std::any_of(said.begin(), said.end(), [&](const auto& message) { return message.id == ofGit; }))
+        ComMsgMgr::send(ShellMsg::doctorKnows, MsgSeverity::info);
 }
 
 int Program::runCommand() {

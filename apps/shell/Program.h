@@ -71,6 +71,8 @@ private:
     int runShell();
     int runComplete();
 
+    /// Where git has failed: who looks for the cause.
+    void nameDoctor();
     int refuse(const std::string& problem);
     int finish(int status, const std::string& error);
     HSCPlaz& getHub();

@@ -4,10 +4,14 @@
 #include "support/HUTEnv.h"
 #include "support/HUTText.h"
 
+#include <boost/algorithm/string/join.hpp>
 #include <rapidjson/document.h>
 
+#include <algorithm>
+#include <cstring>
 #include <iostream>
 #include <map>
+#include <sstream>
 #include <utility>
 
 namespace {
@@ -61,6 +65,28 @@ std::string idOfKey(const std::string& key) {
     return key.substr(1, key.find('@', 1) - 1);
 }
 
+/// A command line as people would write it: the program without its folder and its ending.
+std::string shownCommand(const std::string& line) {
+    const bool isQuoted = !line.empty() && line.front() == '\'';
+    const std::size_t end = std::min(isQuoted ? line.find('\'', 1) : line.find(' '), line.size());
+    const std::string program = line.substr(isQuoted ? 1 : 0, end - (isQuoted ? 1 : 0));
+    const std::string name = program.substr(program.find_last_of("/\\") + 1);
+    return name.substr(0, name.find('.')) + line.substr(std::min(end + (isQuoted ? 1 : 0), line.size()));
+}
+
+/// What a program has said of its failure, a few lines in one, without the words that every such line begins with.
+std::string shownReason(const std::string& lines) {
+    constexpr std::size_t mostInOne = 3;
+    std::vector<std::string> reasons;
+    std::istringstream text(lines);
+    for (std::string line; std::getline(text, line);) {
+        for (const char* begin : {"fatal: ", "error: "})
+            if (line.rfind(begin, 0) == 0) line.erase(0, std::strlen(begin));
+        if (!line.empty()) reasons.push_back(line);
+    }
+    return boost::algorithm::join(reasons, reasons.size() > mostInOne ? "\n" : "; ");
+}
+
 std::string fillIn(const std::string& text, const std::vector<std::string>& args) {
     std::string result;
     auto arg = args.begin();
@@ -68,6 +94,10 @@ std::string fillIn(const std::string& text, const std::vector<std::string>& args
         const char next = text[i] == '%' && i + 1 < text.size() ? text[i + 1] : '\0';
         if (next == 's' && arg != args.end())
             result += *arg++;
+        else if (next == 'c' && arg != args.end())
+            result += shownCommand(*arg++);
+        else if (next == 'r' && arg != args.end())
+            result += shownReason(*arg++);
         else if (next == '%')
             result += '%';
         else {

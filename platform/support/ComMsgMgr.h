@@ -108,6 +108,8 @@ public:
     static int getVerbosity();
     static void setVerbosity(int verbosity);
 
-    /// The catalog's text of "17-1567" with its "%s" placeholders; null when there is none.
+    /// The catalog's text of "17-1567" with a placeholder for each argument: "%s" as it is, "%c" for a command line, of
+    /// whose program the folder is left out, "%r" for lines in which a program tells why it failed. Null when there is
+    /// none.
     static const std::string* findText(const std::string& id);
 };
