@@ -20,5 +20,6 @@ inline constexpr CommandOption reinstall{"reinstall", nullptr,
                                          "Fetch the items' files again, also where they are there"};
 inline constexpr CommandOption discardChanges{
     "discard-changes", nullptr, "Do not keep what you have changed or added in the folders of items that go"};
+inline constexpr CommandOption dryRun{"dry-run", nullptr, "Show what would be done, and do nothing"};
 inline constexpr CommandOption hidden{"hidden", nullptr, "List hidden parameters too"};
 } // namespace commandOptions

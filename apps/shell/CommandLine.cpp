@@ -149,6 +149,7 @@ void addInstallCommands(CLI::App& app, Options& options) {
     addItems(*verify, options, false);
     CLI::App* repair = app.add_subcommand("repair", "Bring back installed files that were changed or are missing");
     addItems(*repair, options, false);
+    for (CLI::App* command : {install, uninstall, update}) addFlag(*command, commandOptions::dryRun, options.dryRun);
     for (CLI::App* command : {install, uninstall, update, repair})
         addFlag(*command, commandOptions::discardChanges, options.discardChanges);
     verify->footer(std::string("Without ITEM everything that is installed. Changes nothing and needs no network. "
@@ -159,6 +160,20 @@ void addInstallCommands(CLI::App& app, Options& options) {
                                "the message says where; files that you added stay.\n") +
                    sharedNote);
     update->footer(std::string("Where a store keeps several revisions, the older one stays beside the new one.\n") +
+                   sharedNote);
+}
+
+void addQuestions(CLI::App& app, Options& options) {
+    CLI::App* outdated = app.add_subcommand("outdated", "List what is installed and has an update");
+    addStore(*outdated, options.query.store);
+    CLI::App* why = app.add_subcommand("why", "Show who needs an installed item, or that you asked for it");
+    CLI::App* whyNot = app.add_subcommand("why-not", "Show what keeps an item from being installed");
+    for (CLI::App* command : {why, whyNot}) {
+        addItems(*command, options, true);
+        command->get_option("ITEM")->expected(1);
+    }
+    whyNot->footer(std::string("Nothing is fetched for that. The exit status is 0 where nothing keeps it, or it is "
+                               "installed already.\n") +
                    sharedNote);
 }
 
@@ -195,6 +210,7 @@ void addCommands(CLI::App& app, Options& options) {
     CLI::App* info = app.add_subcommand("info", "Show everything known of an item");
     addItems(*info, options, true);
     info->get_option("ITEM")->expected(1);
+    addQuestions(app, options);
     addHubCommand(app, options);
     CLI::App* refresh = app.add_subcommand("refresh", "Fetch the stores' catalogs");
     CLI::App* check = app.add_subcommand("check", "Ask the stores' remotes for newer catalogs; fetch nothing");
@@ -202,6 +218,7 @@ void addCommands(CLI::App& app, Options& options) {
     for (CLI::App* command : {refresh, check, doctor})
         command->add_option("STORE", options.stores, "The stores; all of them when none is named")->type_name("");
     addFlag(*refresh, commandOptions::hub, options.hub);
+    addFlag(*refresh, commandOptions::dryRun, options.dryRun);
     refresh->footer(std::string("A catalog that does not come whole leaves the one known until now in force.\n") +
                     sharedNote);
     check->footer(std::string("Outcomes: up-to-date, outdated (refresh the store), unknown (the remote gave no answer; "

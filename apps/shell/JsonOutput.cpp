@@ -1,5 +1,6 @@
 #include "JsonOutput.h"
 
+#include "ItemReasons.h"
 #include "Secrets.h"
 #include "StoreSummary.h"
 #include "UserHub.h"
@@ -9,6 +10,7 @@
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
+#include "plaz/tasks/HSCPlazPlan.h"
 #include "support/HCRapidJsonReadWriteUtils.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTText.h"
@@ -40,6 +42,7 @@ public:
         Json::AddIntegerProperty(m_document, m_value, key, value);
         return *this;
     }
+    Object& size(const char* key, std::uint64_t bytes) { return value(key, Value(bytes)); }
     Object& value(const char* key, Value&& value) {
         Json::AddGenericValueProperty(m_document, m_value, key, value);
         return *this;
@@ -190,6 +193,20 @@ void fillAction(Object& object, const HSCPlazItemResult& result) {
     if (!result.neededBy.empty()) object.text("needed_by", result.neededBy);
 }
 
+void fillStep(Object& object, const HSCPlazPlannedStep& step) {
+    object.text("step", HSCPlazPlannedStep::nameOf(step.kind))
+        .text("store", step.store)
+        .text("name", step.name)
+        .text("revision", step.revision)
+        .text("commit_id", step.commit);
+    if (!step.previousRevision.empty())
+        object.text("previous_revision", step.previousRevision).text("previous_commit_id", step.previousCommit);
+    object.flag("asked_for", step.isAskedFor).text("needed_by", step.neededBy).text("local_directory", step.directory);
+    if (!step.url.empty()) object.text("url", step.url);
+    if (step.size) object.size("size", *step.size);
+    if (!step.changes.empty()) object.text("changes", step.changes);
+}
+
 void fillPath(Object& object, const HSCPlazPathsInForce::Path& path) {
     object.text("name", path.name).text("path", path.path).text("chosen_by", path.chosen).flag("exists", path.exists);
 }
@@ -269,6 +286,22 @@ void JsonOutput::showItem(const ItemInfo& info) {
 
 void JsonOutput::showActions(const std::vector<HSCPlazItemResult>& results) {
     add(m_document, "items", arrayOf(m_document, results, fillAction));
+}
+
+void JsonOutput::showPlan(const std::vector<HSCPlazPlannedStep>& steps) {
+    add(m_document, "steps", arrayOf(m_document, steps, fillStep));
+}
+
+void JsonOutput::showReason(const ItemReason& reason) {
+    const auto fillOne = [](Object& object, const HSCPlazQItem* item) { fillKey(object, *item); };
+    Object object(m_document);
+    fillKey(object, *reason.item);
+    object.flag("asked_for", reason.isAskedFor)
+        .value("chains",
+               arrayOf(m_document, reason.chains, [&](Object& chain, const std::vector<HSCPlazQItem*>& items) {
+                   chain.value("items", arrayOf(m_document, items, fillOne));
+               }));
+    add(m_document, "item", std::move(object.get()));
 }
 
 void JsonOutput::showFiles(const std::vector<HSCPlazFilesResult>& results) {

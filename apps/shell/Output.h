@@ -13,7 +13,9 @@
 #include <vector>
 
 class HPAParam;
+struct HSCPlazPlannedStep;
 struct HubInForce;
+struct ItemReason;
 
 /// Where the results of a command go. One command calls one of the first group at most, then finish().
 class Output {
@@ -25,6 +27,8 @@ public:
     virtual void showCategories(const std::vector<ListedCategory>& categories) = 0;
     virtual void showItem(const ItemInfo& info) = 0;
     virtual void showActions(const std::vector<HSCPlazItemResult>& results) = 0;
+    virtual void showPlan(const std::vector<HSCPlazPlannedStep>& steps) = 0;
+    virtual void showReason(const ItemReason& reason) = 0;
     virtual void showFiles(const std::vector<HSCPlazFilesResult>& results) = 0;
     virtual void showStoreResults(const std::vector<HSCPlazStoreResult>& results) = 0;
     virtual void showPaths(const std::vector<HSCPlazPathsInForce::Path>& hub,

@@ -129,6 +129,9 @@ int Program::runCommand() {
                                                                     {"items", &Program::runItems},
                                                                     {"categories", &Program::runCategories},
                                                                     {"info", &Program::runInfo},
+                                                                    {"outdated", &Program::runOutdated},
+                                                                    {"why", &Program::runWhy},
+                                                                    {"why-not", &Program::runWhyNot},
                                                                     {"install", &Program::runInstall},
                                                                     {"uninstall", &Program::runUninstall},
                                                                     {"update", &Program::runUpdate},
@@ -242,15 +245,9 @@ std::vector<HSCPlazQItem*> Program::resolveRevisions(bool isOldOnly) {
     return revisions;
 }
 
-HubActions Program::makeActions() {
-    return HubActions(getHub(), m_status, {m_options.quiet, m_options.discardChanges, m_options.reinstall},
+HubActions Program::makeActions(HSCPlazPlan* plan) {
+    return HubActions(getHub(), m_status, {m_options.quiet, m_options.discardChanges, m_options.reinstall, plan},
                       [this](std::size_t number, std::size_t count) { m_progress.beginPart(number, count); });
-}
-
-template <typename Result> int Program::conclude(const CommandResult<Result>& result) {
-    if (result.isDone) return exitStatus::done;
-    if (result.reason) m_failure = result.reason->what();
-    return exitStatus::failed;
 }
 
 int Program::show(const ItemsResult& result) {
@@ -270,6 +267,7 @@ std::vector<HSCPlazQStore*> Program::getStores() {
 }
 
 int Program::runRefresh() {
+    if (m_options.dryRun) return runCheck();
     return show(m_options.hub ? makeActions().refreshHub(m_options.stores) : makeActions().refresh(getStores()));
 }
 
@@ -283,13 +281,13 @@ int Program::runRelocate() {
 }
 
 int Program::runInstall() {
-    return show(makeActions().install(resolveAll(&HubQueries::resolve)));
+    return change(&HubActions::install, resolveAll(&HubQueries::resolve));
 }
 
 int Program::runUninstall() {
     if (!m_options.allRevisions && !m_options.oldRevisions)
-        return show(makeActions().uninstall(resolveAll(&HubQueries::resolveInstalled)));
-    return show(makeActions().uninstall(resolveRevisions(m_options.oldRevisions)));
+        return change(&HubActions::uninstall, resolveAll(&HubQueries::resolveInstalled));
+    return change(&HubActions::uninstall, resolveRevisions(m_options.oldRevisions));
 }
 
 std::vector<HSCPlazQItem*> Program::resolveRecorded() {
@@ -311,7 +309,7 @@ int Program::runRepair() {
 }
 
 int Program::runUpdate() {
-    if (!m_options.all) return show(makeActions().update(resolveAll(&HubQueries::resolveForUpdate)));
+    if (!m_options.all) return change(&HubActions::update, resolveAll(&HubQueries::resolveForUpdate));
     const HubQueries queries(getHub());
     const std::vector<HSCPlazQItem*> outdated = queries.findOutdated();
     const std::vector<std::string> unread = queries.findUnread();
@@ -319,7 +317,7 @@ int Program::runUpdate() {
         queries.requireStores();
         ComMsgMgr::send(ShellMsg::nothingToUpdate, MsgSeverity::info);
     }
-    int status = show(makeActions().update(outdated));
+    int status = change(&HubActions::update, outdated);
     for (const ComMsgMgrInstance& held : queries.describeHeld()) ComMsgMgr::send(held, MsgSeverity::info);
     for (const std::string& store : unread) status = fail(messageOf(Msg::catalogUnread, store, store));
     return status;

@@ -48,11 +48,18 @@ private:
     int runCheck();
     /// The stores named, or all.
     std::vector<HSCPlazQStore*> getStores();
-    HubActions makeActions();
+    /// @param plan  takes what would be done; null where it is to be done
+    HubActions makeActions(HSCPlazPlan* plan = nullptr);
+    /// Changes what is installed, or shows what that would do.
+    int change(ItemsResult (HubActions::*action)(const std::vector<HSCPlazQItem*>&) const,
+               const std::vector<HSCPlazQItem*>& items);
     int runRelocate();
     int runInstall();
     int runUninstall();
     int runUpdate();
+    int runOutdated();
+    int runWhy();
+    int runWhyNot();
     int runVerify();
     int runRepair();
     int runPaths();
@@ -87,7 +94,11 @@ private:
     int show(const ItemsResult& result);
     int show(const StoresResult& result);
     /// @return the exit status of a command that has come to that
-    template <typename Result> int conclude(const CommandResult<Result>& result);
+    template <typename Result> int conclude(const CommandResult<Result>& result) {
+        if (result.isDone) return exitStatus::done;
+        if (result.reason) m_failure = result.reason->what();
+        return exitStatus::failed;
+    }
     /// Sends why the command failed, and keeps it for its answer.
     int fail(const ComMsgMgrInstance& reason);
 

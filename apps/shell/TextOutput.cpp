@@ -1,6 +1,7 @@
 #include "TextOutput.h"
 
 #include "HubParams.h"
+#include "ItemReasons.h"
 #include "ItemReference.h"
 #include "StoreSummary.h"
 #include "TextTable.h"
@@ -10,13 +11,19 @@
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
+#include "plaz/tasks/HSCPlazPlan.h"
 #include "support/HUTText.h"
 
 #include <algorithm>
+#include <iomanip>
+#include <iterator>
 #include <map>
 #include <ostream>
+#include <sstream>
 
 namespace {
+
+constexpr std::size_t shownCommit = 12; ///< characters of a commit's id that people see
 
 std::string join(const std::vector<std::string>& texts) {
     std::string joined;
@@ -64,6 +71,34 @@ std::string offerOf(const ListedItem& listed) {
 
 void addField(TextTable& table, const std::string& name, const std::string& value) {
     if (!value.empty()) table.addRow({name, value});
+}
+
+std::string whatOf(const HSCPlazPlannedStep& step) {
+    const std::string what = ItemReference{step.store, step.name, step.revision}.toText();
+    if (step.previousRevision.empty()) return what;
+    const bool isSame = step.previousRevision == step.revision;
+    const std::string was = isSame ? step.previousCommit.substr(0, shownCommit) : step.previousRevision;
+    return what + (isSame ? " " + step.commit.substr(0, shownCommit) : "") + " (was " + was + ")";
+}
+
+std::string whyOf(const HSCPlazPlannedStep& step) {
+    if (step.isAskedFor) return "asked for";
+    return step.neededBy.empty() ? "needed no more" : "needed by " + step.neededBy;
+}
+
+std::string shownSize(std::uint64_t bytes) {
+    static constexpr const char* units[] = {"B", "kB", "MB", "GB", "TB"};
+    std::size_t unit = 0;
+    auto number = static_cast<double>(bytes);
+    for (; number >= 1000 && unit + 1 < std::size(units); ++unit) number /= 1000;
+    std::ostringstream text;
+    text << std::fixed << std::setprecision(unit == 0 || number >= 100 ? 0 : 1) << number << ' ' << units[unit];
+    return text.str();
+}
+
+std::string sizeOf(const HSCPlazPlannedStep& step) {
+    if (step.size) return shownSize(*step.size);
+    return step.isComing() ? "to be fetched" : "";
 }
 
 } // namespace
@@ -160,7 +195,7 @@ void TextOutput::showRevisions(const HSCPlazQItem& item) {
     if (!revisions.empty()) m_out << "\nRevisions\n";
     TextTable table({});
     for (const HSCPlazRevisionModel& revision : revisions)
-        table.addRow({"  " + revision.revision, revision.commitId.substr(0, 12), revision.history});
+        table.addRow({"  " + revision.revision, revision.commitId.substr(0, shownCommit), revision.history});
     table.print(m_out);
 }
 
@@ -175,6 +210,43 @@ void TextOutput::showActions(const std::vector<HSCPlazItemResult>& results) {
         table.addRow({HSCPlazItemResult::nameOf(result.outcome), what, result.directory});
     }
     printPainted(table);
+}
+
+void TextOutput::showPlan(const std::vector<HSCPlazPlannedStep>& steps) {
+    if (steps.empty()) return;
+    TextTable table({});
+    std::uint64_t coming = 0, going = 0;
+    for (const HSCPlazPlannedStep& step : steps) {
+        (step.isComing() ? coming : going) += step.size.value_or(0);
+        table.addRow({HSCPlazPlannedStep::nameOf(step.kind), whatOf(step), whyOf(step), sizeOf(step),
+                      step.url.empty() ? "" : "from " + step.url});
+    }
+    table.print(m_out);
+    for (const HSCPlazPlannedStep& step : steps)
+        if (!step.changes.empty())
+            m_out << "\nChanges of " << HUTText::printable(whatOf(step)) << '\n'
+                  << HUTText::printable(step.changes, true) << '\n';
+    const auto count = [&](bool isComing) {
+        return std::count_if(steps.begin(), steps.end(), [&](const HSCPlazPlannedStep& step) {
+            return isComing ? step.isComing() : step.kind == HSCPlazPlannedStep::Kind::remove;
+        });
+    };
+    m_out << '\n'
+          << count(true) << " to come, " << shownSize(coming) << "; " << count(false) << " to go, " << shownSize(going)
+          << '\n';
+}
+
+void TextOutput::showReason(const ItemReason& reason) {
+    const std::string item = HUTText::printable(ItemReference::of(*reason.item).toText());
+    if (reason.isAskedFor) m_out << "You asked for " << item << ".\n";
+    if (!reason.isAskedFor && reason.chains.empty())
+        m_out << "Nothing needs " << item << ", and you did not ask for it.\n";
+    for (const std::vector<HSCPlazQItem*>& chain : reason.chains) {
+        m_out << "You asked for " << HUTText::printable(ItemReference::of(*chain.front()).toText());
+        for (std::size_t i = 1; i < chain.size(); ++i)
+            m_out << ", which needs " << HUTText::printable(ItemReference::of(*chain[i]).toText());
+        m_out << ".\n";
+    }
 }
 
 void TextOutput::showFiles(const std::vector<HSCPlazFilesResult>& results) {

@@ -20,6 +20,8 @@ public:
     void showCategories(const std::vector<ListedCategory>& categories) override;
     void showItem(const ItemInfo& info) override;
     void showActions(const std::vector<HSCPlazItemResult>& results) override;
+    void showPlan(const std::vector<HSCPlazPlannedStep>& steps) override;
+    void showReason(const ItemReason& reason) override;
     void showFiles(const std::vector<HSCPlazFilesResult>& results) override;
     void showStoreResults(const std::vector<HSCPlazStoreResult>& results) override;
     void showPaths(const std::vector<HSCPlazPathsInForce::Path>& hub,

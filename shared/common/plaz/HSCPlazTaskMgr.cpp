@@ -18,6 +18,7 @@
 #include "plaz/tasks/HSCPlazItemFiles.h"
 #include "plaz/tasks/HSCPlazMoveStoreTask.h"
 #include "plaz/tasks/HSCPlazOwnStoreTask.h"
+#include "plaz/tasks/HSCPlazPlannedChanges.h"
 #include "plaz/tasks/HSCPlazRefreshHubTask.h"
 #include "plaz/tasks/HSCPlazRefreshStoreTask.h"
 #include "plaz/tasks/HSCPlazRepairTask.h"
@@ -47,6 +48,14 @@ const HSCPlazGit* gitRepo() {
 }
 
 using Changes = HSCPlazItemChanges;
+
+/// A task's work on items, or what it would come to; what it throws is told.
+bool carryOutSteps(HSCPlazTask& task, const std::function<bool(HSCPlazItemSteps&)>& work) {
+    return task.guard([&] {
+        HSCPlazPlan* plan = task.getOptions().plan;
+        return plan ? HSCPlazPlannedChanges::run(task, *plan, work) : Changes::run(task, work);
+    });
+}
 
 /// The task's work under the lock; what it throws is told.
 bool carryOut(HSCPlazTask& task, const std::function<bool(Changes&)>& work, const HSCPlazQStore* only = nullptr) {
@@ -104,7 +113,7 @@ HSCPlazItemResult HSCPlazTaskMgr::installItem(HSCPlaz& hub, HSCPlazQItem& item, 
                                               HDGUIStatus* status) {
     HSCPlazTask task(workspace(), hub, status, options);
     const bool isDone =
-        carryOut(task, [&](Changes& changes) { return HSCPlazInstallTask::install(task, changes, item); });
+        carryOutSteps(task, [&](HSCPlazItemSteps& steps) { return HSCPlazInstallTask::install(task, steps, item); });
     return resultOf(task, item, isDone ? ItemOutcome::installed : ItemOutcome::failed);
 }
 
@@ -113,8 +122,8 @@ HSCPlazItemResult HSCPlazTaskMgr::uninstallItem(HSCPlaz& hub, HSCPlazQItem& item
     HSCPlazTask task(workspace(), hub, status, options);
     task.show("Removing " + item.getDisplayName());
     const bool wasRecorded = item.isRecorded();
-    const bool isDone = !task.isCancelled() && carryOut(task, [&](Changes& changes) {
-        return HSCPlazUninstallTask::uninstall(task, changes, item);
+    const bool isDone = !task.isCancelled() && carryOutSteps(task, [&](HSCPlazItemSteps& steps) {
+        return HSCPlazUninstallTask::uninstall(task, steps, item);
     });
     // Whatever else has to stay, if that has been told: of what was interrupted nothing is.
     const bool isRemoved = wasRecorded && !item.isRecorded() && task.getReport().findProblem();
@@ -138,8 +147,8 @@ HSCPlazItemResult HSCPlazTaskMgr::updateItem(HSCPlaz& hub, HSCPlazQItem& asked, 
     const std::string previous = item.getRevision();
     const bool isCompleted = HSCPlazUpdateDecision::decide(item) == HSCPlazUpdateDecision::Step::none;
     ItemOutcome outcome = ItemOutcome::failed;
-    const bool isDone = carryOut(task, [&](Changes& changes) {
-        outcome = HSCPlazUpdateTask::update(task, changes, HSCPlazDependencies::findCurrent(item));
+    const bool isDone = carryOutSteps(task, [&](HSCPlazItemSteps& steps) {
+        outcome = HSCPlazUpdateTask::update(task, steps, HSCPlazDependencies::findCurrent(item));
         return outcome != ItemOutcome::failed;
     });
     if (!isDone) outcome = ItemOutcome::failed;

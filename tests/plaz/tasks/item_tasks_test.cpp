@@ -2,6 +2,7 @@
 #include "plaz/store/HSCPlazChangeNote.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazItemChanges.h"
+#include "plaz/tasks/HSCPlazPlan.h"
 
 #include <boost/algorithm/string/replace.hpp>
 
@@ -50,9 +51,35 @@ protected:
     struct Step {
         const char *task, *told, *installed;
     };
+    static std::string known() {
+        std::string text;
+        for (const HSCPlazQItem* item : store().getItems())
+            if (item->IsInstalled()) text += describe(*item);
+        return text;
+    }
+    /// What is installed by the plan of a task, which leaves no trace.
+    static std::string plan(const char* task) {
+        const std::string before = known() + recorded();
+        std::string planned;
+        {
+            HSCPlazPlan steps(hub());
+            const HSCPlazTaskOptions options{true, false, false, &steps};
+            HSCPlazQItem& item = find(task + 1);
+            *task == '+'   ? HSCPlazTaskMgr::installItem(hub(), item, options, nullptr)
+            : *task == '-' ? HSCPlazTaskMgr::uninstallItem(hub(), item, options, nullptr)
+                           : HSCPlazTaskMgr::updateItem(hub(), item, options, nullptr);
+            planned = known();
+        }
+        EXPECT_EQ(known() + recorded(), before);
+        return planned;
+    }
     void walk(const std::vector<Step>& steps) {
         for (const auto& [task, told, expected] : steps) {
             SCOPED_TRACE(task);
+            const std::string planned = plan(task);
+            if (*told != '!' && !HUTFile::exists(files.area("plaz_change.json"))) {
+                EXPECT_EQ(planned, expected);
+            }
             takeIds();
             const auto act = *task == '+' ? install : *task == '-' ? uninstall : update;
             EXPECT_EQ(outcome(act(task + 1)), told);

@@ -4,10 +4,9 @@
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
-#include "plaz/store/HSCPlazInstalledFiles.h"
 #include "plaz/store/HSCPlazWorkspace.h"
-#include "plaz/tasks/HSCPlazItemChanges.h"
 #include "plaz/tasks/HSCPlazItemFiles.h"
+#include "plaz/tasks/HSCPlazItemSteps.h"
 #include "plaz/tasks/HSCPlazRepairTask.h"
 #include "plaz/tasks/HSCPlazTask.h"
 
@@ -45,8 +44,8 @@ private:
     bool m_isNew;
 };
 
-HSCPlazDependencyWalk::HSCPlazDependencyWalk(HSCPlazTask& task, HSCPlazItemChanges& changes, const HSCPlazQItem& item)
-    : m_task(task), m_changes(changes), m_hub(task.getHub()), m_name(Files::shownName(item)),
+HSCPlazDependencyWalk::HSCPlazDependencyWalk(HSCPlazTask& task, HSCPlazItemSteps& steps, const HSCPlazQItem& item)
+    : m_task(task), m_steps(steps), m_hub(task.getHub()), m_name(Files::shownName(item)),
       m_path(Dependencies::keysOf(item)), m_seen{&item} {}
 
 template <typename Visit> void HSCPlazDependencyWalk::forEachDependency(const HSCPlazQItem& item, Visit visit) {
@@ -62,7 +61,7 @@ HSCPlazFoundItem HSCPlazDependencyWalk::find(const HSCPlaz& hub, const HSCPlazQI
 }
 
 bool HSCPlazDependencyWalk::complete(const HSCPlazFoundItem& found) {
-    return HSCPlazRepairTask::restoreLost(m_task, m_changes, found, false) ||
+    return HSCPlazRepairTask::restoreLost(m_task, m_steps, found, false) ||
            fail({Msg::dependencyInstallFailed, MsgSeverity::error, found.item->getName()});
 }
 
@@ -111,12 +110,12 @@ bool HSCPlazDependencyWalk::install(const HSCPlazQItemDependency& dependency) {
     inside(installName, " found qitem ptr");
     // One that is a single file never counts as there, and may be named thousands of times.
     const bool isSeen = m_seen.count(found.item) != 0 && found.item->IsInstalled();
-    if (isSeen || HSCPlazInstalledFiles::areThere(*found.item)) {
+    if (isSeen || m_steps.areThere(*found.item)) {
         inside(installName, dependency.getItem(), "is already installed");
         if (!isSeen && !complete(found)) return false;
     } else {
         m_task.show("Installing " + Files::shownName(*found.item));
-        if (!m_changes.install(found, HSCPlazInstallationMode::tool, false)) {
+        if (!m_steps.install(found, HSCPlazInstallationMode::tool, false)) {
             m_isCut = m_task.isCancelled();
             inside(installName, " couldn't install ", dependency.getItem());
             return fail({Msg::dependencyInstallFailed, MsgSeverity::error, dependency.getItem()});
@@ -141,7 +140,7 @@ bool HSCPlazDependencyWalk::followMissing(const HSCPlazQItem& item) {
     bool isComplete = true;
     forEachDependency(item, [&](const HSCPlazQItemDependency& dependency) {
         const HSCPlazFoundItem found = Dependencies::findInstalled(m_hub, dependency);
-        if (!found || !HSCPlazInstalledFiles::areThere(*found.item) || m_path.size() > longestWay) {
+        if (!found || !m_steps.areThere(*found.item) || m_path.size() > longestWay) {
             isComplete = install(dependency) && isComplete;
         } else if (m_seen.insert(found.item).second) {
             isComplete = complete(found) && isComplete;

@@ -7,7 +7,7 @@
 #include <set>
 #include <string>
 
-class HSCPlazItemChanges;
+class HSCPlazItemSteps;
 class HSCPlazQItemDependency;
 class HSCPlazTask;
 
@@ -16,7 +16,7 @@ class HSCPlazDependencyWalk {
 public:
     /// @param task     must outlive the walk, as must @p changes
     /// @param item     the item asked for; the walk never comes back to it
-    HSCPlazDependencyWalk(HSCPlazTask& task, HSCPlazItemChanges& changes, const HSCPlazQItem& item);
+    HSCPlazDependencyWalk(HSCPlazTask& task, HSCPlazItemSteps& steps, const HSCPlazQItem& item);
 
     /// The item in the hub that is meant; by its revision, else the latest.
     static HSCPlazFoundItem find(const HSCPlaz& hub, const HSCPlazQItem* item);
@@ -40,7 +40,7 @@ private:
     bool tellTooDeep();
 
     HSCPlazTask& m_task;
-    HSCPlazItemChanges& m_changes;
+    HSCPlazItemSteps& m_steps;
     HSCPlaz& m_hub;
     std::string m_name; ///< of the item asked for
     std::set<std::string> m_path;

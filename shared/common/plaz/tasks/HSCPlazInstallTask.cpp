@@ -4,11 +4,10 @@
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQItemModel.h"
-#include "plaz/store/HSCPlazInstalledFiles.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazDependencyWalk.h"
-#include "plaz/tasks/HSCPlazItemChanges.h"
 #include "plaz/tasks/HSCPlazItemFiles.h"
+#include "plaz/tasks/HSCPlazItemSteps.h"
 #include "plaz/tasks/HSCPlazRepairTask.h"
 #include "plaz/tasks/HSCPlazTask.h"
 
@@ -21,27 +20,27 @@ namespace {
 
 constexpr const char* installName = "HSCPlazTaskMgr::install";
 
-bool completeInstalled(HSCPlazTask& task, HSCPlazItemChanges& changes, const HSCPlazFoundItem& found) {
+bool completeInstalled(HSCPlazTask& task, HSCPlazItemSteps& steps, const HSCPlazFoundItem& found) {
     inside(installName, " already installed");
     task.tellNews(Msg::itemAlreadyInstalled, Files::shownName(*found.item));
-    if (!HSCPlazRepairTask::restoreLost(task, changes, found, true)) return false;
-    Walk walk(task, changes, *found.item);
+    if (!HSCPlazRepairTask::restoreLost(task, steps, found, true)) return false;
+    Walk walk(task, steps, *found.item);
     if (found.item->getMode() != Mode::tool) return walk.installMissing(*found.item);
-    return changes.setMode(found, Mode::user) && walk.installAll(*found.item);
+    return steps.setMode(found, Mode::user) && walk.installAll(*found.item);
 }
 
-bool installFiles(HSCPlazTask& task, HSCPlazItemChanges& changes, const HSCPlazFoundItem& found, Mode mode) {
+bool installFiles(HSCPlazTask& task, HSCPlazItemSteps& steps, const HSCPlazFoundItem& found, Mode mode) {
     HSCPlazQItem& item = *found.item;
     const bool isKnown = item.IsInstalled();
     task.show("Installing", Files::shownName(item), 0);
     inside(installName, " installing ", item.getName(), "...");
     const bool isPut =
-        task.getOptions().isReinstallation ? changes.fetch(found, mode, true) : changes.install(found, mode, true);
+        task.getOptions().isReinstallation ? steps.fetch(found, mode, true) : steps.install(found, mode, true);
     if (!isPut) return false;
     task.tellNews(Msg::itemInstalled, Files::shownName(item));
     inside(installName, " installed ");
     // Where there was a revision before, what serves the new one as it is need not be newer.
-    Walk walk(task, changes, item);
+    Walk walk(task, steps, item);
     const bool isComplete = isKnown || mode == Mode::tool ? walk.installMissing(item) : walk.installAll(item);
     task.show("Installed", Files::shownName(item), 100);
     return isComplete;
@@ -49,15 +48,15 @@ bool installFiles(HSCPlazTask& task, HSCPlazItemChanges& changes, const HSCPlazF
 
 } // namespace
 
-bool HSCPlazInstallTask::install(HSCPlazTask& task, HSCPlazItemChanges& changes, const HSCPlazQItem& asked, Mode mode) {
+bool HSCPlazInstallTask::install(HSCPlazTask& task, HSCPlazItemSteps& steps, const HSCPlazQItem& asked, Mode mode) {
     inside(installName, "qitem info:\n", "\tname:", asked.getName(), "\n\tcompany:", asked.getCompany(),
            "\n\tstore name:", asked.getStoreName(), "\n\titem revision:", asked.getRevision());
     const HSCPlazFoundItem found = Walk::find(task.getHub(), &asked);
     if (found && !HSCPlazDependencies::isToBeHad(found))
         task.fail(Msg::itemWithdrawn, asked.getStoreName(), Files::shownName(asked));
     if (!HSCPlazDependencies::isToBeHad(found)) return task.fail(Msg::itemInstallFailed, Files::shownName(asked));
-    const bool isThere = !task.getOptions().isReinstallation && HSCPlazInstalledFiles::areThere(*found.item);
+    const bool isThere = !task.getOptions().isReinstallation && steps.areThere(*found.item);
     if (!isThere && task.isCancelled()) return false;
-    const bool isDone = isThere ? completeInstalled(task, changes, found) : installFiles(task, changes, found, mode);
+    const bool isDone = isThere ? completeInstalled(task, steps, found) : installFiles(task, steps, found, mode);
     return isDone || task.fail(Msg::itemInstallFailed, Files::shownName(*found.item));
 }

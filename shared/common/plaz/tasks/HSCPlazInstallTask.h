@@ -2,7 +2,7 @@
 
 #include "plaz/base/HSCPlazInstallationMode.h"
 
-class HSCPlazItemChanges;
+class HSCPlazItemSteps;
 class HSCPlazQItem;
 class HSCPlazTask;
 
@@ -13,7 +13,7 @@ namespace HSCPlazInstallTask {
 /// items brought it.
 /// @param mode  for whom it is installed; an item that is the user's already stays that
 /// @return false when the item or one of its direct dependencies could not be installed or recorded, or on cancellation
-bool install(HSCPlazTask& task, HSCPlazItemChanges& changes, const HSCPlazQItem& asked,
+bool install(HSCPlazTask& task, HSCPlazItemSteps& steps, const HSCPlazQItem& asked,
              HSCPlazInstallationMode mode = HSCPlazInstallationMode::user);
 
 } // namespace HSCPlazInstallTask

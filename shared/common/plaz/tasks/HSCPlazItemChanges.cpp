@@ -6,6 +6,7 @@
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/store/HSCPlazHolds.h"
 #include "plaz/store/HSCPlazHubBuilder.h"
+#include "plaz/store/HSCPlazInstalledFiles.h"
 #include "plaz/store/HSCPlazInstalledItems.h"
 #include "plaz/store/HSCPlazInstalledState.h"
 #include "plaz/store/HSCPlazInstalledTrees.h"
@@ -31,20 +32,6 @@ namespace Pending = HSCPlazPendingChanges;
 namespace Unneeded = HSCPlazUnneededItems;
 
 namespace {
-
-/// Other revisions whose place an item takes: those in its folder, and in a store that keeps one all, unless its own
-/// files come back.
-std::vector<HSCPlazQItem*> findReplaced(const HSCPlazFoundItem& found, const HSCPlazQItemModel& record) {
-    const bool isRestored =
-        found.item->IsInstalled() && found.item->getModel()->getInstalledCommitId() == record.getCommitId();
-    const bool isOnlyOne = !found.store->IsMultiRevisionSupported() && !isRestored;
-    std::vector<HSCPlazQItem*> replaced;
-    for (HSCPlazQItem* other : found.store->getItems(found.item->getName()))
-        if (other != found.item && other->IsInstalled() &&
-            (isOnlyOne || other->getLocalRootDir() == record.getLocalDir()))
-            replaced.push_back(other);
-    return replaced;
-}
 
 /// Items that were out of their places when the hub was read.
 void describeReturned(HSCPlazTask& task, HSCPlazQStore& store) {
@@ -179,7 +166,7 @@ HSCPlazPendingChange HSCPlazItemChanges::toInstallation(const HSCPlazFoundItem& 
     const auto item = Pending::toRecord(*found.item->getModel());
     item->setCommitId(found.item->getModel()->getCommitId());
     item->setLocalDir(Files::directoryOf(m_task.getWorkspace(), found));
-    const std::vector<HSCPlazQItem*> replaced = findReplaced(found, *item);
+    const std::vector<HSCPlazQItem*> replaced = Files::findReplaced(found, *item);
     const bool wasUsers = found.item->isUsers() || std::any_of(replaced.begin(), replaced.end(),
                                                                [](const auto* other) { return other->isUsers(); });
     item->setMode(wasUsers ? Mode::user : mode);
@@ -241,7 +228,7 @@ bool HSCPlazItemChanges::put(const HSCPlazFoundItem& found, HSCPlazPendingChange
 }
 
 bool HSCPlazItemChanges::requireReplaceable(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change) {
-    const std::vector<HSCPlazQItem*> replaced = findReplaced(found, *change.item);
+    const std::vector<HSCPlazQItem*> replaced = Files::findReplaced(found, *change.item);
     return std::all_of(replaced.begin(), replaced.end(), [&](HSCPlazQItem* other) {
         return Files::requireReachable(m_task, {found.store, other});
     });
@@ -251,7 +238,7 @@ bool HSCPlazItemChanges::keepOwn(const HSCPlazFoundItem& found, const HSCPlazPen
                                  const std::string& incoming, std::vector<HSCPlazOwnFiles::Kept>& kept) {
     std::vector<std::string> leaving{change.item->getLocalDir(), change.former};
     if (change.isInstalled)
-        for (const HSCPlazQItem* other : findReplaced(found, *change.item))
+        for (const HSCPlazQItem* other : Files::findReplaced(found, *change.item))
             if (HUTFile::isBeneath(leaving.front(), other->getLocalRootDir()) &&
                 other->getLocalRootDir() != leaving.front())
                 leaving.push_back(other->getLocalRootDir());
@@ -279,7 +266,7 @@ std::string HSCPlazItemChanges::apply(HSCPlazQStore& store, const HSCPlazQItemMo
 
 bool HSCPlazItemChanges::record(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change) {
     if (change.isInstalled) {
-        for (HSCPlazQItem* other : findReplaced(found, *change.item)) {
+        for (HSCPlazQItem* other : Files::findReplaced(found, *change.item)) {
             // One in another folder goes at the end of the task, since nobody needs it any more.
             const std::string theirs = Files::removableDirectory(m_task, {found.store, other});
             const bool hasItsOwn = HUTFile::exists(theirs) && !HUTFile::isBeneath(change.item->getLocalDir(), theirs);
@@ -410,6 +397,10 @@ void HSCPlazItemChanges::finishFiles(const HSCPlazPendingChange& change, const H
         m_note.forget();
 }
 
+bool HSCPlazItemChanges::areThere(const HSCPlazQItem& item) const {
+    return HSCPlazInstalledFiles::areThere(item);
+}
+
 bool HSCPlazItemChanges::removeUnneeded() {
     HSCPlazFoundItem unneeded = Unneeded::find(m_task, m_obstinate);
     if (unneeded && m_task.getWorkspace().databases.hasLostRecords()) {
@@ -417,13 +408,10 @@ bool HSCPlazItemChanges::removeUnneeded() {
             if (!adoptUnneeded(*store)) return false;
         unneeded = Unneeded::find(m_task, m_obstinate);
     }
-    const HSCPlazQItem* undescribed = unneeded ? Unneeded::findUndescribed(m_task.getHub()) : nullptr;
-    const std::string unreadable = unneeded ? Unneeded::findUnknownRecord(m_task) : std::string();
-    if (undescribed || !unreadable.empty()) {
+    if (const HSCPlazReport obstacle = unneeded ? Unneeded::findObstacle(m_task) : HSCPlazReport();
+        !obstacle.isEmpty()) {
         m_isStuck = true; // once it can be read, they go
-        if (std::exchange(m_isBlocked, true)) return false;
-        return undescribed ? m_task.fail(Msg::needsUnknown, Files::referenceOf(*undescribed))
-                           : m_task.fail(Msg::needsUnreadable, unreadable);
+        return !std::exchange(m_isBlocked, true) && m_task.fail(obstacle);
     }
     for (; unneeded; unneeded = Unneeded::find(m_task, m_obstinate)) {
         const std::string name = unneeded.item->getName();

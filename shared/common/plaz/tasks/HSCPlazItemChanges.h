@@ -1,8 +1,7 @@
 #pragma once
 
-#include "plaz/base/HSCPlazInstallationMode.h"
 #include "plaz/store/HSCPlazChangeNote.h"
-#include "plaz/store/HSCPlazDependencies.h"
+#include "plaz/tasks/HSCPlazItemSteps.h"
 #include "plaz/tasks/HSCPlazOwnFiles.h"
 
 #include <functional>
@@ -23,7 +22,7 @@ struct HSCPlazWorkspace;
 /// disk; a note says what is about to happen; the directory changes places with the old one; the database is written;
 /// the old files go. A process may end at any point: who finds the note finishes what had come into place and forgets
 /// what had not. The note stays until the end of the task, since what nobody needs any more goes then.
-class HSCPlazItemChanges {
+class HSCPlazItemChanges final : public HSCPlazItemSteps {
 public:
     /// Does a task's work as HSCPlazTask::run does, after a task that was cut short has been brought to its end, and
     /// lets what nobody asked for and nobody needs go afterwards.
@@ -35,32 +34,17 @@ public:
     /// is waited for, and an area that cannot be written to is left as it is.
     static void finishAtStart(HSCPlazWorkspace& workspace);
 
-    HSCPlazItemChanges(const HSCPlazItemChanges&) = delete;
-    HSCPlazItemChanges& operator=(const HSCPlazItemChanges&) = delete;
-
-    /// Installs an item: takes over files that are this very item, else fetches them. In a store that keeps one
-    /// revision of an item it takes the place of another one.
-    /// @param mode        for whom, unless the user had asked for it, or for what it replaces
-    /// @param isAskedFor  the user asked for the item itself
-    bool install(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode, bool isAskedFor);
-    /// The same without looking whether files are there.
-    bool fetch(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode, bool isAskedFor);
-    bool remove(const HSCPlazFoundItem& found);
-    /// Fetches the files of an installed item again, at the commit that is recorded of it. What was added to its folder
-    /// stays there; for whom the item is there stays, too.
-    /// @param areEditsKept  files that were changed stay as they are, unless nothing is left in them
-    bool restore(const HSCPlazFoundItem& found, bool areEditsKept);
-    /// Says for whom an installed item is there.
-    bool setMode(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode);
+    bool install(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode, bool isAskedFor) override;
+    bool fetch(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode, bool isAskedFor) override;
+    bool remove(const HSCPlazFoundItem& found) override;
+    bool restore(const HSCPlazFoundItem& found, bool areEditsKept) override;
+    bool setMode(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode) override;
+    bool removeUnneeded() override;
+    bool areThere(const HSCPlazQItem& item) const override;
     /// What nobody seems to need in a store that is kept in another place from now on becomes the user's: what was
     /// there before may be needed by somebody who is not known here, or not yet.
     /// @return false when that could not be recorded; the reason has been told
     bool adoptUnneeded(HSCPlazQStore& store);
-    /// Removes what nobody asked for and nobody needs (Msg::dependencyRemoved), as the end of the task does. Nothing
-    /// goes while what an installed item needs is not known (Msg::needsUnknown, needsUnreadable); where records were
-    /// lost they become the user's.
-    /// @return false when something stays that should go; the reason has been told
-    bool removeUnneeded();
 
 private:
     static bool runLocked(HSCPlazTask& task, const std::function<bool(HSCPlazItemChanges& changes)>& work);

@@ -171,6 +171,19 @@ bool HSCPlazItemFiles::requireFree(HSCPlazTask& task, const HSCPlazFoundItem& fo
     return !other || task.fail(Msg::itemOverlaps, found.item->getName(), dir, referenceOf(*other));
 }
 
+std::vector<HSCPlazQItem*> HSCPlazItemFiles::findReplaced(const HSCPlazFoundItem& found,
+                                                          const HSCPlazQItemModel& record) {
+    const bool isRestored =
+        found.item->IsInstalled() && found.item->getModel()->getInstalledCommitId() == record.getCommitId();
+    const bool isOnlyOne = !found.store->IsMultiRevisionSupported() && !isRestored;
+    std::vector<HSCPlazQItem*> replaced;
+    for (HSCPlazQItem* other : found.store->getItems(found.item->getName()))
+        if (other != found.item && other->IsInstalled() &&
+            (isOnlyOne || other->getLocalRootDir() == record.getLocalDir()))
+            replaced.push_back(other);
+    return replaced;
+}
+
 bool HSCPlazItemFiles::takeOver(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record) {
     const std::string& dir = record.getLocalDir();
     HSCPlazQItemModel description;

@@ -28,6 +28,11 @@ bool requireReachable(HSCPlazTask& task, const HSCPlazFoundItem& found);
 /// @param dir  where they are to be
 bool requireFree(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir);
 
+/// Other revisions whose place an item takes: those in its folder, and in a store that keeps one all, unless its own
+/// files come back.
+/// @param record  commit and local directory of what comes
+std::vector<HSCPlazQItem*> findReplaced(const HSCPlazFoundItem& found, const HSCPlazQItemModel& record);
+
 /// Takes over files of an item that no record knows, left by an earlier installation or put there by hand, where they
 /// are this very item and lack nothing of what its commit lists. That is kept. Where it is not known, they are taken
 /// over only if remote access is switched off.

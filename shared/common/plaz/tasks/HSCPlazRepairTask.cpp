@@ -3,10 +3,11 @@
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
+#include "plaz/store/HSCPlazInstalledFiles.h"
 #include "plaz/store/HSCPlazInstalledTrees.h"
 #include "plaz/store/HSCPlazWorkspace.h"
-#include "plaz/tasks/HSCPlazItemChanges.h"
 #include "plaz/tasks/HSCPlazItemFiles.h"
+#include "plaz/tasks/HSCPlazItemSteps.h"
 #include "plaz/tasks/HSCPlazTask.h"
 
 using Differences = HSCPlazItemTree::Differences;
@@ -55,7 +56,7 @@ HSCPlazFilesResult HSCPlazRepairTask::verify(const HSCPlazWorkspace& workspace, 
     return result;
 }
 
-ItemOutcome HSCPlazRepairTask::repair(HSCPlazTask& task, HSCPlazItemChanges& changes, const HSCPlazQItem& asked) {
+ItemOutcome HSCPlazRepairTask::repair(HSCPlazTask& task, HSCPlazItemSteps& steps, const HSCPlazQItem& asked) {
     HSCPlazFoundItem found =
         HSCPlazDependencies::findByName(task.getHub(), asked.getStoreName(), asked.getName(), asked.getRevision());
     if (found) found.item = &HSCPlazDependencies::findCurrent(*found.item);
@@ -66,11 +67,12 @@ ItemOutcome HSCPlazRepairTask::repair(HSCPlazTask& task, HSCPlazItemChanges& cha
     if (verify(task.getWorkspace(), *found.item).isDone()) return ItemOutcome::whole;
     if (task.isCancelled()) return ItemOutcome::failed;
     task.show("Repairing", Files::shownName(asked), 0);
-    return changes.restore(found, false) ? ItemOutcome::repaired : ItemOutcome::failed;
+    return steps.restore(found, false) ? ItemOutcome::repaired : ItemOutcome::failed;
 }
 
-bool HSCPlazRepairTask::restoreLost(HSCPlazTask& task, HSCPlazItemChanges& changes, const HSCPlazFoundItem& found,
+bool HSCPlazRepairTask::restoreLost(HSCPlazTask& task, HSCPlazItemSteps& steps, const HSCPlazFoundItem& found,
                                     bool isAskedFor) {
+    if (!HSCPlazInstalledFiles::areThere(*found.item)) return true; // it is planned to come, whole
     const Trees::Place place = Trees::placeOf(task.getWorkspace(), found);
     std::string problem;
     const auto tree = Trees::find(place, problem);
@@ -82,7 +84,7 @@ bool HSCPlazRepairTask::restoreLost(HSCPlazTask& task, HSCPlazItemChanges& chang
     if (!lost.missing.empty() || !lost.changed.empty()) {
         std::vector<std::string> files = lost.missing;
         files.insert(files.end(), lost.changed.begin(), lost.changed.end());
-        if (!changes.restore(found, true)) return false;
+        if (!steps.restore(found, true)) return false;
         task.tellNews(Msg::filesRestored, name, HSCPlazFilesResult::join(files));
     }
     const std::string damage = isAskedFor ? verify(task.getWorkspace(), *found.item).describe() : std::string();

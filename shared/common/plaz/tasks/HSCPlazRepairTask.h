@@ -3,7 +3,7 @@
 #include "plaz/store/HSCPlazDependencies.h"
 #include "plaz/tasks/HSCPlazTaskResult.h"
 
-class HSCPlazItemChanges;
+class HSCPlazItemSteps;
 class HSCPlazTask;
 struct HSCPlazWorkspace;
 
@@ -17,11 +17,11 @@ HSCPlazFilesResult verify(const HSCPlazWorkspace& workspace, HSCPlazQItem& item)
 /// Brings back what is changed or missing; what a user had changed is kept aside, what was added stays. Where nobody
 /// knows what the files should be they are fetched.
 /// @return repaired, whole or failed
-HSCPlazItemResult::Outcome repair(HSCPlazTask& task, HSCPlazItemChanges& changes, const HSCPlazQItem& asked);
+HSCPlazItemResult::Outcome repair(HSCPlazTask& task, HSCPlazItemSteps& steps, const HSCPlazQItem& asked);
 
 /// Brings back files of an installed item that are missing or empty (Msg::filesRestored).
 /// @param isAskedFor  the user asked for the item itself, so that what is changed is told (Msg::filesChanged)
 /// @return false when that failed; the reason has been told
-bool restoreLost(HSCPlazTask& task, HSCPlazItemChanges& changes, const HSCPlazFoundItem& found, bool isAskedFor);
+bool restoreLost(HSCPlazTask& task, HSCPlazItemSteps& steps, const HSCPlazFoundItem& found, bool isAskedFor);
 
 } // namespace HSCPlazRepairTask

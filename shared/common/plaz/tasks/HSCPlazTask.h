@@ -47,9 +47,9 @@ public:
     void mention(const HSCPlazReport& report) const { report.send(); }
     /// The same of files that the task has brought: what had to be left out of them is a part of the result.
     void mentionBrought(const HSCPlazReport& report);
-    /// Good news, unless the task is quiet.
+    /// Good news, unless the task is quiet, or does nothing.
     template <std::size_t Arity, typename... Args> void tellNews(const MsgId<Arity>& id, const Args&... args) {
-        if (!m_options.isQuiet) tell(id, MsgSeverity::warning, args...);
+        if (!m_options.isQuiet && !m_options.plan) tell(id, MsgSeverity::warning, args...);
     }
     /// Why something failed, unless it was cancelled. @return false
     bool fail(const HSCPlazReport& report);

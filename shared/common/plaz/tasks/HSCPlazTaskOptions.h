@@ -2,6 +2,8 @@
 
 #include <string>
 
+class HSCPlazPlan;
+
 /// A store that a user wants beside those of the hub.
 struct HSCPlazNewStore {
     std::string name; ///< its folder is called so, too
@@ -16,4 +18,6 @@ struct HSCPlazTaskOptions {
     bool isQuiet = false;             ///< leaves out the good news
     bool areChangesDiscarded = false; ///< what the user has changed or added in items' folders is not kept
     bool isReinstallation = false;    ///< of an installation: fetches also what is there already
+    /// What would be done goes there, and nothing is done. Null where it is to be done.
+    HSCPlazPlan* plan = nullptr;
 };

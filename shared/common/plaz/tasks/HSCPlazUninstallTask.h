@@ -1,6 +1,6 @@
 #pragma once
 
-class HSCPlazItemChanges;
+class HSCPlazItemSteps;
 class HSCPlazQItem;
 class HSCPlazTask;
 
@@ -9,6 +9,6 @@ namespace HSCPlazUninstallTask {
 
 /// @return false for an item that is not installed (Msg::itemNotInstalled) or that other items hold (Msg::itemHeld),
 ///         and when files could not be removed or the result not be recorded
-bool uninstall(HSCPlazTask& task, HSCPlazItemChanges& changes, const HSCPlazQItem& asked);
+bool uninstall(HSCPlazTask& task, HSCPlazItemSteps& steps, const HSCPlazQItem& asked);
 
 } // namespace HSCPlazUninstallTask

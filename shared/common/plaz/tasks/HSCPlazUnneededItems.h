@@ -1,9 +1,9 @@
 #pragma once
 
+#include "plaz/base/HSCPlazReport.h"
 #include "plaz/store/HSCPlazDependencies.h"
 
 #include <set>
-#include <string>
 
 class HSCPlazTask;
 
@@ -17,9 +17,9 @@ HSCPlazFoundItem find(const HSCPlazTask& task, const std::set<const HSCPlazQItem
 /// Another revision has taken its place.
 bool isReplaced(const HSCPlazFoundItem& found);
 
-/// An installed item of which nobody knows what it needs; null when there is none.
-const HSCPlazQItem* findUndescribed(const HSCPlaz& hub);
-/// A database that cannot be looked into now, or a store's directory that is not there; empty when there is none.
-std::string findUnknownRecord(const HSCPlazTask& task);
+/// What keeps that from being known: an installed item of which nobody knows what it needs (Msg::needsUnknown), a
+/// database that cannot be looked into now, or a store's directory that is not there (Msg::needsUnreadable). Empty
+/// where nothing does.
+HSCPlazReport findObstacle(const HSCPlazTask& task);
 
 } // namespace HSCPlazUnneededItems

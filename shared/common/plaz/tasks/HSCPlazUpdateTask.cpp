@@ -5,13 +5,12 @@
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/HSCPlazQStoreModel.h"
 #include "plaz/model/HSCPlazUpdateDecision.h"
-#include "plaz/store/HSCPlazInstalledFiles.h"
 #include "plaz/store/HSCPlazInstalledTrees.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazDependencyWalk.h"
 #include "plaz/tasks/HSCPlazInstallTask.h"
-#include "plaz/tasks/HSCPlazItemChanges.h"
 #include "plaz/tasks/HSCPlazItemFiles.h"
+#include "plaz/tasks/HSCPlazItemSteps.h"
 #include "plaz/tasks/HSCPlazRepairTask.h"
 #include "plaz/tasks/HSCPlazTask.h"
 
@@ -28,30 +27,30 @@ Mode modeAfter(const HSCPlazQItem& item) {
     return item.getMode() == Mode::tool ? Mode::tool : Mode::user;
 }
 
-bool fetchAgain(HSCPlazTask& task, HSCPlazItemChanges& changes, HSCPlazQItem& item) {
+bool fetchAgain(HSCPlazTask& task, HSCPlazItemSteps& steps, HSCPlazQItem& item) {
     if (task.isCancelled()) return false;
     task.show("Updating", Files::shownName(item), 0);
-    const bool isDone = changes.fetch({item.getStore(), &item}, modeAfter(item), true) &&
-                        Walk(task, changes, item).installMissing(item);
+    const bool isDone =
+        steps.fetch({item.getStore(), &item}, modeAfter(item), true) && Walk(task, steps, item).installMissing(item);
     if (!isDone) return task.fail(Msg::itemInstallFailed, Files::shownName(item));
-    const bool areGone = changes.removeUnneeded();
+    const bool areGone = steps.removeUnneeded();
     task.tellNews(Msg::itemFetchedAgain, Files::shownName(item));
     return areGone;
 }
 
 /// One of which nothing newer is there gets what it lacks.
-bool complete(HSCPlazTask& task, HSCPlazItemChanges& changes, HSCPlazQItem& item) {
+bool complete(HSCPlazTask& task, HSCPlazItemSteps& steps, HSCPlazQItem& item) {
     const HSCPlazFoundItem found{item.getStore(), &item};
-    const bool isThere = HSCPlazInstalledFiles::areThere(item);
-    const bool isDone = (isThere ? HSCPlazRepairTask::restoreLost(task, changes, found, false)
-                                 : changes.fetch(found, modeAfter(item), true)) &&
-                        Walk(task, changes, item).installMissing(item);
+    const bool isThere = steps.areThere(item);
+    const bool isDone = (isThere ? HSCPlazRepairTask::restoreLost(task, steps, found, false)
+                                 : steps.fetch(found, modeAfter(item), true)) &&
+                        Walk(task, steps, item).installMissing(item);
     return isDone || task.fail(Msg::itemInstallFailed, Files::shownName(item));
 }
 
 } // namespace
 
-Outcome HSCPlazUpdateTask::update(HSCPlazTask& task, HSCPlazItemChanges& changes, HSCPlazQItem& item) {
+Outcome HSCPlazUpdateTask::update(HSCPlazTask& task, HSCPlazItemSteps& steps, HSCPlazQItem& item) {
     const auto outcomeOf = [](bool isDone) { return isDone ? Outcome::updated : Outcome::failed; };
     if (!item.IsInstalled()) {
         task.fail(Msg::itemNotInstalled, Files::shownName(item));
@@ -60,14 +59,14 @@ Outcome HSCPlazUpdateTask::update(HSCPlazTask& task, HSCPlazItemChanges& changes
     if (hasNothingToDo(task, item)) return isOfferKnown(task, item) ? Outcome::upToDate : Outcome::failed;
     switch (HSCPlazUpdateDecision::decide(item)) {
     case Step::fetchAgain:
-        return outcomeOf(fetchAgain(task, changes, item));
+        return outcomeOf(fetchAgain(task, steps, item));
     case Step::installLatest:
         return outcomeOf(
-            HSCPlazInstallTask::install(task, changes, *item.getStore()->getItem(item.getName()), modeAfter(item)));
+            HSCPlazInstallTask::install(task, steps, *item.getStore()->getItem(item.getName()), modeAfter(item)));
     case Step::none:
         break;
     }
-    return outcomeOf(complete(task, changes, item) && isOfferKnown(task, item));
+    return outcomeOf(complete(task, steps, item) && isOfferKnown(task, item));
 }
 
 bool HSCPlazUpdateTask::hasNothingToDo(const HSCPlazTask& task, HSCPlazQItem& item) {

@@ -2,7 +2,7 @@
 
 #include "plaz/tasks/HSCPlazTaskResult.h"
 
-class HSCPlazItemChanges;
+class HSCPlazItemSteps;
 class HSCPlazTask;
 
 /// Brings an installed revision up to date and keeps its installation mode.
@@ -12,7 +12,7 @@ namespace HSCPlazUpdateTask {
 /// old files needed is given up, what the new ones need is brought. Where the store keeps several revisions the older
 /// one stays beside the new one.
 /// @return what it came to; "upToDate" where there is nothing to do
-HSCPlazItemResult::Outcome update(HSCPlazTask& task, HSCPlazItemChanges& changes, HSCPlazQItem& item);
+HSCPlazItemResult::Outcome update(HSCPlazTask& task, HSCPlazItemSteps& steps, HSCPlazQItem& item);
 
 /// Whether it would do nothing: the item is up to date, and all that it needs is there.
 bool hasNothingToDo(const HSCPlazTask& task, HSCPlazQItem& item);

@@ -6,6 +6,7 @@
 
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <optional>
 
 namespace {
@@ -72,19 +73,44 @@ std::string toLine(const IndexEntry& entry) {
     return line.append(1, '\t').append(entry.path).append(1, '\0');
 }
 
-} // namespace
-
-HSCPlazGitAnswer HSCPlazGitTree::list(const HSCPlazWorkLayout& layout, const std::string& commit,
-                                      const std::string& root) {
-    std::vector<std::string> command{"ls-tree", "-r", "-z", "--full-tree", "--", commit};
+/// @param more  options of the listing
+HSCPlazGitAnswer listTree(const std::vector<std::string>& more, const HSCPlazWorkLayout& layout,
+                          const std::string& commit, const std::string& root) {
+    std::vector<std::string> command{"ls-tree", "-r", "-z", "--full-tree"};
+    command.insert(command.end(), more.begin(), more.end());
+    command.insert(command.end(), {"--", commit});
+    const std::size_t commitPosition = command.size() - 1;
     if (!root.empty()) command.push_back(root);
     HSCPlazGitAnswer answer = HSCPlazGitRunner::ask(command, layout.getIndex());
     if (answer.status != 0 && !HSCPlazTrust::isCommitId(commit)) {
-        command[5] = "origin/" + commit; // of branches the working copy has only what the remote has
+        command[commitPosition] = "origin/" + commit; // of branches the working copy has only what the remote has
         answer = HSCPlazGitRunner::ask(command, layout.getIndex());
     }
     if (answer.isHeard || answer.status != 0) return answer;
     return {HUTFork::notStarted, "fatal: what git lists cannot be written into a temporary file"};
+}
+
+} // namespace
+
+HSCPlazGitAnswer HSCPlazGitTree::list(const HSCPlazWorkLayout& layout, const std::string& commit,
+                                      const std::string& root) {
+    return listTree({}, layout, commit, root);
+}
+
+std::optional<std::uint64_t> HSCPlazGitTree::measure(const HSCPlazWorkLayout& layout, const std::string& commit,
+                                                     const std::string& root) {
+    if (!HSCPlazStoreLayout::isComplete(layout.getIndex())) return std::nullopt;
+    const HSCPlazGitAnswer answer = listTree({"--long"}, layout, commit, root);
+    if (answer.status != 0) return std::nullopt;
+    std::uint64_t size = 0;
+    // "MODE TYPE ID SIZE<tab>PATH" of each
+    for (std::size_t begin = 0; begin < answer.text.size(); begin = answer.text.find('\0', begin) + 1) {
+        const std::size_t tab = answer.text.find('\t', begin);
+        const std::size_t number = answer.text.rfind(' ', tab) + 1;
+        if (tab == std::string::npos || answer.text.find('\0', begin) == std::string::npos) return std::nullopt;
+        size += std::strtoull(answer.text.c_str() + number, nullptr, 10); // "-" of what is no file
+    }
+    return size;
 }
 
 std::string HSCPlazGitTree::listIndex(std::string_view index, const std::string& root) {

@@ -1,0 +1,44 @@
+#include "ItemReasons.h"
+#include "ItemReference.h"
+#include "Program.h"
+#include "ShellMsg.h"
+
+#include "plaz/model/HSCPlazQItem.h"
+#include "plaz/tasks/HSCPlazPlan.h"
+
+int Program::change(ItemsResult (HubActions::*action)(const std::vector<HSCPlazQItem*>&) const,
+                    const std::vector<HSCPlazQItem*>& items) {
+    if (!m_options.dryRun) return show((makeActions().*action)(items));
+    HSCPlazPlan plan(getHub());
+    const ItemsResult result = (makeActions(&plan).*action)(items);
+    m_progress.erase();
+    m_output->showPlan(plan.getSteps());
+    if (plan.getSteps().empty() && result.isDone) ComMsgMgr::send(ShellMsg::nothingPlanned, MsgSeverity::info);
+    return conclude(result);
+}
+
+int Program::runWhy() {
+    HSCPlaz& hub = getHub();
+    HSCPlazQItem& item =
+        HubQueries(hub).resolveInstalled(*ItemReference::parse(m_options.items.front()), m_options.store);
+    m_output->showReason(ItemReason::of(hub, item));
+    return exitStatus::done;
+}
+
+int Program::runWhyNot() {
+    HSCPlazQItem& item = HubQueries(getHub()).resolve(*ItemReference::parse(m_options.items.front()), m_options.store);
+    const std::string reference = ItemReference::of(item).toText();
+    if (item.IsInstalled()) {
+        ComMsgMgr::send(ShellMsg::isInstalled, MsgSeverity::info, reference);
+        return exitStatus::done;
+    }
+    HSCPlazPlan plan(getHub());
+    const ItemsResult result = makeActions(&plan).install({&item});
+    if (result.isDone) ComMsgMgr::send(ShellMsg::nothingInTheWay, MsgSeverity::info, reference);
+    return conclude(result);
+}
+
+int Program::runOutdated() {
+    m_line.options.query.outdated = true;
+    return runItems();
+}
