@@ -25,6 +25,10 @@ using Json = HCRapidJsonReadWriteUtils;
 using rapidjson::Document;
 using rapidjson::Value;
 
+// Of the schema "output"; members may be added, with a greater minor.
+constexpr int formatMajor = 1;
+constexpr int formatMinor = 0;
+
 /// An object that is being filled, with the document that owns its memory.
 class Object {
 public:
@@ -136,6 +140,7 @@ void fillListedItem(Object& object, const ListedItem& listed) {
     const HSCPlazQItem& item = *listed.item;
     fillKey(object, item);
     object.text("latest_revision", item.getLatestRevision())
+        .text("display_name", item.getDisplayName())
         .text("display", item.getDisplayName())
         .text("company", item.getCompany())
         .text("commit_id", item.getCommitId())
@@ -177,6 +182,7 @@ void fillDescription(Object& object, const HSCPlazQItem& item) {
 void fillDependency(Object& object, const NeededItem& needed) {
     const HSCPlazQItemDependency& dependency = *needed.dependency;
     object.text("store", dependency.getStore())
+        .text("name", dependency.getItem())
         .text("item", dependency.getItem())
         .text("revision", dependency.getRevision())
         .flag("installed", needed.isInstalled);
@@ -254,6 +260,8 @@ void add(Document& document, const char* key, Value&& value) {
 JsonOutput::JsonOutput(std::ostream& out) : m_out(out) {
     m_document.SetObject();
     Json::AddBooleanProperty(m_document, m_document, "ok", false);
+    Json::AddIntegerProperty(m_document, m_document, "_major", formatMajor);
+    Json::AddIntegerProperty(m_document, m_document, "_minor", formatMinor);
 }
 
 void JsonOutput::showStores(const std::vector<HSCPlazQStore*>& stores) {
@@ -323,6 +331,7 @@ void JsonOutput::showStoreResults(const std::vector<HSCPlazStoreResult>& results
             object.text("name", result.store)
                 .text("outcome", HSCPlazStoreResult::nameOf(result.outcome))
                 .text("local_directory", result.directory)
+                .number("item_count", static_cast<int>(result.items))
                 .number("items", static_cast<int>(result.items));
         }));
 }

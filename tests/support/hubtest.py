@@ -18,6 +18,8 @@ import tempfile
 import time
 import unittest
 
+from support import json_output
+
 TREE = pathlib.Path(__file__).resolve().parents[2]
 BUILD = pathlib.Path(os.environ.get("PLAZ_BUILD", TREE / "build/release")).resolve()
 PLAZ = BUILD / "bin/plaz"
@@ -137,6 +139,7 @@ class HubTest(unittest.TestCase):
     def run_json(self, command, status=0, **env):
         """@return the document that the program prints"""
         document = json.loads(self.run_plaz(f"--json {command}", status, **env).stdout)
+        self.assertEqual(json_output.find_faults(document), [], command)
         self.assertEqual((document["ok"], "error" in document), (status == 0, status != 0), command)
         return document
 
