@@ -16,7 +16,14 @@
 
 install(TARGETS plaz)
 install(DIRECTORY platform/data/ DESTINATION ${CMAKE_INSTALL_DATADIR}/plaz/data/plaz)
-set(guides docs/user-guide.md docs/store-authors-guide.md docs/security.md docs/windows.md docs/json.md)
+set(guides
+    docs/user-guide.md
+    docs/store-authors-guide.md
+    docs/security.md
+    docs/windows.md
+    docs/json.md
+    docs/messages.md
+    docs/when-something-goes-wrong.md)
 
 if(WIN32)
   install(TARGETS plazhost plaz_lib RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})

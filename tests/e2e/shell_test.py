@@ -317,6 +317,16 @@ class ShellTest(HubTest):
         shutil.rmtree(self.repositories / "hub.git")
         self.check("hub that is gone", self.ask("refresh --hub", "messages: id", status=1)[-2:], ["17-2194", "17-2366"])
 
+    def test_tells_faults_of_a_store_when_they_come(self):
+        """Catches: every user told at every command what a store's maintainer has to mend, or nobody."""
+
+        def lead_out(catalog):
+            catalog["catalog"]["items"][0]["root"] = "../out"
+
+        self.commit("tcl-store", lambda work: edit(work / "scripts_catalog.json", lead_out))
+        self.check_shown(self.run_plaz("refresh tclscripts", status=1).stderr, "17-2160")
+        self.check("later", self.run_plaz("items").stderr, "")
+
     def test_chooses_a_hub_and_keeps_own_stores(self):
         """Catches: an empty hub that nothing leads out of, a hub that is left half, own stores that a refresh loses or
         that are there although nothing came of them."""

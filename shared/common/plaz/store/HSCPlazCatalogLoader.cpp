@@ -28,13 +28,14 @@ std::string joined(const std::string& dir, const std::string& name) {
 }
 
 /// Reads one item's metadata file. The catalog's key stays: look-ups and places on disk hang on it.
+/// @param isKnown  what its publisher has to mend was told when the file came
 HIOStream::Status readItem(const HIOStream::Root& root, const std::string& relative, HSCPlazJsonDocument& document,
-                           HSCPlazQItemModel& item, HSCPlazReport& report) {
+                           HSCPlazQItemModel& item, bool isKnown, HSCPlazReport& report) {
     const std::string name = item.getName();
     const std::string revision = item.getRevision();
     HSCPlazFindings found;
     const HIOStream::Status status = HSCPlazQItemReader::readBelow(root, relative, document, item, found);
-    report.append(found.toReport());
+    report.append((isKnown ? found.withoutFaultsOfPublishers() : found).toReport());
     // A file that calls itself another item tells what that one needs.
     if (!name.empty() && item.getName() != name) item.clearDependencies();
     if (!name.empty()) item.setName(name);
@@ -44,13 +45,13 @@ HIOStream::Status readItem(const HIOStream::Root& root, const std::string& relat
 
 /// The plain file below the store's local root directory, else the one below its hidden catalog folder.
 bool readItemMetadata(const HIOStream::Root& root, const HSCPlazQStoreModel& store, HSCPlazJsonDocument& document,
-                      HSCPlazQItemModel& item, HSCPlazReport& report) {
+                      HSCPlazQItemModel& item, bool isKnown, HSCPlazReport& report) {
     const std::string folder = HSCPlazPathMgr::getItemFolder(store, item);
     if (folder.empty() || item.getMetadataFile().empty()) return false;
     const std::string relative = folder + "/" + item.getMetadataFile();
-    HIOStream::Status status = readItem(root, relative, document, item, report);
+    HIOStream::Status status = readItem(root, relative, document, item, isKnown, report);
     if (status == HIOStream::Status::missing)
-        status = readItem(root, HSCPlazStoreLayout::catalogFolder + relative, document, item, report);
+        status = readItem(root, HSCPlazStoreLayout::catalogFolder + relative, document, item, isKnown, report);
     if (status == HIOStream::Status::outside)
         report.add(Msg::itemRefused, MsgSeverity::criticalWarning, item.getName(),
                    "its metadata file " + relative + " leads out of the store's directory through a link");
@@ -65,6 +66,10 @@ std::string HSCPlazCatalogLoader::groupOfItems(const HSCPlazQStoreModel& store) 
 
 bool HSCPlazCatalogLoader::hasOwnArea(const HSCPlazQStoreModel& store) {
     return !store.getLocalRootDir().empty() && store.getLocalRootDir() != store.getGdaDataLoc();
+}
+
+bool HSCPlazCatalogLoader::areFaultsKnown(const HSCPlazQStoreModel& store) const {
+    return m_isStart && hasOwnArea(store) && HSCPlazStoreLayout::isComplete(store.getLocalRootDir());
 }
 
 bool HSCPlazCatalogLoader::hasFile(const HSCPlazQStoreModel& store, const std::string& dir, const std::string& name,
@@ -141,7 +146,7 @@ void HSCPlazCatalogLoader::readMetadata(HSCPlazQStoreModel& store, const std::st
     HSCPlazFindings found;
     HSCPlazQStoreReader::read(file, store, found);
     if (found.tellOfDamage()) store.setIsUnread(true);
-    m_report.append(found.toReport());
+    m_report.append((areFaultsKnown(store) ? found.withoutFaultsOfPublishers() : found).toReport());
 }
 
 /// In the place of what an earlier load left.
@@ -154,13 +159,15 @@ void HSCPlazCatalogLoader::readCatalog(HSCPlazQStoreModel& store, const std::str
     HSCPlazFindings found;
     HSCPlazQItemCatalogReader::read(file, store, found);
     if (found.tellOfDamage()) store.setIsUnread(true);
-    m_report.append(found.toReport("items in the catalog of the store \"" + store.getName() + '"'));
+    const bool isKnown = areFaultsKnown(store);
+    m_report.append((isKnown ? found.withoutFaultsOfPublishers() : found)
+                        .toReport("items in the catalog of the store \"" + store.getName() + '"'));
 }
 
 void HSCPlazCatalogLoader::readLater(HSCPlazQStoreModel& store, const std::string& dir, const std::string& file) const {
     const auto read = [&store, dir, &paths = m_paths] {
         HSCPlazReport report;
-        const HSCPlazCatalogLoader loader(paths, report);
+        const HSCPlazCatalogLoader loader(paths, report, LargeCatalogs::atOnce, true);
         HSCPlazQStoreModel::Items known = store.takeItems();
         std::set<const HSCPlazQItemModel*> described;
         for (const auto& item : known) described.insert(item.get());
@@ -187,10 +194,12 @@ void HSCPlazCatalogLoader::loadItems(HSCPlazQStoreModel& store, const std::strin
     const HIOStream::Root root(dir);
     HSCPlazJsonDocument document(HSCPlazLimits::File::item);
     const std::string group = groupOfItems(store);
+    const bool isKnown = areFaultsKnown(store);
     const HSCPlazQItemModel* last = nullptr;
     for (const auto& item : store.getKnownItems()) {
         HSCPlazReport ofItem;
-        const bool read = described.count(item.get()) != 0 || readItemMetadata(root, store, document, *item, ofItem);
+        const bool read =
+            described.count(item.get()) != 0 || readItemMetadata(root, store, document, *item, isKnown, ofItem);
         if (!ofItem.isEmpty()) m_report.appendOneOfMany(ofItem, group);
         // A revision that has no file of its own here is described by the one that the catalog lists before it.
         const bool isCopied = !read && last && last->getName() == item->getName() && item->getDisplayName().empty();

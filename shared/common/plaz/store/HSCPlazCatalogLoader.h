@@ -18,9 +18,11 @@ public:
     enum class LargeCatalogs { atOnce, later };
 
     /// Both references must outlive the loader, and the paths whatever is read later.
+    /// @param isStart  files are read as a start finds them: of what a refresh has brought, its publisher's faults were
+    ///                 told then, and are not told to every user at every start
     HSCPlazCatalogLoader(const HSCPlazPathMgr& paths, HSCPlazReport& report,
-                         LargeCatalogs large = LargeCatalogs::atOnce)
-        : m_paths(paths), m_report(report), m_large(large) {}
+                         LargeCatalogs large = LargeCatalogs::atOnce, bool isStart = false)
+        : m_paths(paths), m_report(report), m_large(large), m_isStart(isStart) {}
 
     /// Reads one store's metadata file and item catalog. Null models and a store without a metadata file name are
     /// ignored.
@@ -43,6 +45,7 @@ public:
                         HSCPlazReport& report);
 
 private:
+    bool areFaultsKnown(const HSCPlazQStoreModel& store) const;
     void loadFromArea(HSCPlazQStoreModel& store) const;
     bool loadFromData(HSCPlazModel& hubModel, HSCPlazQStoreModel& store) const;
     void readMetadata(HSCPlazQStoreModel& store, const std::string& file) const;
@@ -54,4 +57,5 @@ private:
     const HSCPlazPathMgr& m_paths;
     HSCPlazReport& m_report;
     LargeCatalogs m_large;
+    bool m_isStart;
 };

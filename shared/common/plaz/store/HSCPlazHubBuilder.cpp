@@ -139,7 +139,7 @@ void HSCPlazHubBuilder::readStores(LargeCatalogs large) const {
     const bool isHubEmpty = hub.getStores().empty();
     m_workspace.ownStores = HSCPlazOwnStores(m_workspace.paths.getOwnStoresFile()).addTo(hub, m_report);
     HSCPlazPlaces(m_workspace).preferRefreshed(m_report);
-    const HSCPlazCatalogLoader loader(m_workspace.paths, m_report, large);
+    const HSCPlazCatalogLoader loader(m_workspace.paths, m_report, large, large == LargeCatalogs::later);
     HSCPlazModel& shared = *m_workspace.sharedHubModel;
     for (const auto& store : hub.getStores()) loader.loadStore(&hub, store.get(), false);
     // What is shipped of a store that the hub knows is not read a second time: nobody asks for it.

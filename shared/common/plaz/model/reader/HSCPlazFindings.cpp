@@ -4,6 +4,7 @@
 #include "support/HostMsg.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace {
 
@@ -43,6 +44,14 @@ bool HSCPlazFindings::tellOfDamage() const {
     return std::any_of(m_all.begin(), m_all.end(), [](const HSCPlazFinding& finding) {
         return finding.kind == Kind::unreadable || finding.kind == Kind::notJson || finding.kind == Kind::beyondLimit;
     });
+}
+
+HSCPlazFindings HSCPlazFindings::withoutFaultsOfPublishers() const {
+    HSCPlazFindings others;
+    std::copy_if(m_all.begin(), m_all.end(), std::back_inserter(others.m_all), [](const HSCPlazFinding& finding) {
+        return !finding.isRefusal() && finding.kind != HSCPlazFinding::Kind::breaksSchema;
+    });
+    return others;
 }
 
 HSCPlazReport HSCPlazFindings::toReport(const std::string& group) const {

@@ -42,6 +42,8 @@ public:
     const std::vector<HSCPlazFinding>& getAll() const { return m_all; }
     /// Whether a file could not be read, is not JSON or goes beyond a limit.
     bool tellOfDamage() const;
+    /// Without what whoever published a file has to mend: what breaks its schema, and what is refused.
+    HSCPlazFindings withoutFaultsOfPublishers() const;
     /// All of it as messages.
     /// @param group  what those are that may be refused in great number; see HSCPlazReport::appendOneOfMany
     HSCPlazReport toReport(const std::string& group = {}) const;
