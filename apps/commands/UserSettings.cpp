@@ -73,7 +73,11 @@ bool changeSetting(const HPAParam& param, const std::optional<std::string>& valu
     const std::string refusal = value ? findRefusal(param, *value) : "";
     if (!refusal.empty()) failWith(ShellMsg::settingUseless, param.getName(), refusal);
     const std::string& name = param.getName();
+    // That the preferences could not be saved is said below, with what became of the parameter.
+    const int verbosity = ComMsgMgr::getVerbosity();
+    ComMsgMgr::setVerbosity(-1);
     const HPAParamMgr::Kept kept = value ? params().keepValue(name, *value) : params().forgetValue(name);
+    ComMsgMgr::setVerbosity(verbosity);
     if (kept == HPAParamMgr::Kept::refused) failWith(ShellMsg::paramRefused, name);
     if (kept == HPAParamMgr::Kept::unsaved) failWith(ShellMsg::preferencesNotSaved, HCCXPrefMgr::getFile());
     return kept == HPAParamMgr::Kept::done;

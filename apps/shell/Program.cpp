@@ -21,6 +21,7 @@
 #include <iostream>
 #include <map>
 #include <optional>
+#include <set>
 
 namespace {
 
@@ -119,8 +120,8 @@ int Program::runDiverted() {
 
 void Program::nameDoctor() {
     const std::vector<ComMsgMgr::Message>& said = m_log.getMessages();
-    const std::string ofGit = messageOf(Msg::gitErrors, "", "").getId();
-    if (std::any_of(said.begin(), said.end(), [&](const auto& message) { return message.id == ofGit; }))
+    const std::set<std::string> ofGit{messageOf(Msg::gitErrors, "", "").getId(), messageOf(Msg::gitFailed).getId()};
+    if (std::any_of(said.begin(), said.end(), [&](const auto& message) { return ofGit.count(message.id) != 0; }))
         ComMsgMgr::send(ShellMsg::doctorKnows, MsgSeverity::info);
 }
 

@@ -2,6 +2,7 @@
 
 #include "support/HIOStream.h"
 #include "support/HUTEnv.h"
+#include "support/HUTFile.h"
 #include "support/HUTText.h"
 
 #include <boost/algorithm/string/join.hpp>
@@ -87,6 +88,14 @@ std::string shownReason(const std::string& lines) {
     return boost::algorithm::join(reasons, reasons.size() > mostInOne ? "\n" : "; ");
 }
 
+/// A file or directory that could not be written to, with what stood in the way.
+std::string shownPlace(const std::string& path) {
+    const std::string obstacle = HUTFile::findWriteObstacle(path);
+    return '"' + path + '"' +
+           (obstacle.empty() ? " (check its disk, your rights there, and that no program uses it)"
+                             : ", since " + obstacle);
+}
+
 std::string fillIn(const std::string& text, const std::vector<std::string>& args) {
     std::string result;
     auto arg = args.begin();
@@ -96,6 +105,8 @@ std::string fillIn(const std::string& text, const std::vector<std::string>& args
             result += *arg++;
         else if (next == 'c' && arg != args.end())
             result += shownCommand(*arg++);
+        else if (next == 'w' && arg != args.end())
+            result += shownPlace(*arg++);
         else if (next == 'r' && arg != args.end())
             result += shownReason(*arg++);
         else if (next == '%')

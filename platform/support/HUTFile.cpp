@@ -159,6 +159,18 @@ bool HUTFile::isWriteable(const std::string& path) {
     return platform::isWriteable(path);
 }
 
+std::string HUTFile::findWriteObstacle(const std::string& path) {
+    constexpr std::uintmax_t little = 1 << 20;
+    fs::path place = sys(path);
+    Error error;
+    while (!fs::exists(place, error) && place.has_parent_path()) place = place.parent_path();
+    const std::string existing = place.generic_string();
+    if (platform::isOnReadOnlyDisk(existing)) return "its disk is read-only";
+    if (!isWriteable(existing)) return "you may not write there";
+    const std::optional<std::uintmax_t> space = getFreeSpace(existing);
+    return space && *space < little ? "its disk is full" : "";
+}
+
 std::time_t HUTFile::getLastMod(const std::string& path) {
     Error error;
     const std::time_t time = fs::last_write_time(sys(path), error);

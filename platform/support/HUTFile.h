@@ -29,6 +29,9 @@ public:
     static bool exists(const std::string& path);
     static bool isRegularFile(const std::string& path);
     static bool isDirectory(const std::string& path);
+    /// What keeps a file or directory, there or not, from being written, as an end of a sentence: "its disk is full".
+    /// Empty where that does not show.
+    static std::string findWriteObstacle(const std::string& path);
     /// The file or directory exists and this user may write to it (into it).
     static bool isWriteable(const std::string& path);
     /// Seconds since the epoch; 0 when there is no such file.

@@ -75,6 +75,8 @@ HIOStatus readInParts(const std::string& file, const std::function<void(const Fi
 
 /// Whether this user may write to the file (make entries in the directory).
 bool isWriteable(const std::string& path);
+/// Whether that is because nothing may be written to its disk. False where nobody knows.
+bool isOnReadOnlyDisk(const std::string& path);
 /// A regular file that may be run.
 bool isProgram(const std::string& path);
 

@@ -36,7 +36,7 @@ def find_faults(tree):
         if not re.fullmatch(r"@\d+-\d+@(%s)*", constant.key):
             yield f"{constant.name}: {constant.key} is no key"
         for what, text in (("its key", placeholders), *(("its text", text) for text in texts[id])):
-            if len(re.findall("%[scr]", text.replace("%%", ""))) != constant.arity:
+            if len(re.findall("%[scrw]", text.replace("%%", ""))) != constant.arity:
                 yield f"{constant.name}: {what} has other placeholders than {constant.arity}"
         use = re.compile(rf"\b{constant.name}\b(?!\.key)")  # a key is for those who listen
         if not any(use.search(text) for file, text in code.items() if file != constant.header):

@@ -402,6 +402,10 @@ bool isWriteable(const std::string& path) {
            GetLastError() == ERROR_SHARING_VIOLATION;
 }
 
+bool isOnReadOnlyDisk(const std::string& path) {
+    return !open(toLongName(path), FILE_WRITE_ATTRIBUTES) && GetLastError() == ERROR_WRITE_PROTECT;
+}
+
 bool isProgram(const std::string& path) {
     const DWORD attributes = GetFileAttributesW(toLongName(path).c_str());
     return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) == 0;
