@@ -136,6 +136,16 @@ ItemsResult HubActions::uninstall(const Items& items) const {
     return toResult(std::move(parts), items.size());
 }
 
+ItemsResult HubActions::hold(const Items& items) const {
+    return doEach(items, [&](HSCPlazQItem& item) { return HSCPlazTaskMgr::holdItem(m_hub, item, &m_status); });
+}
+
+ItemsResult HubActions::unhold(const std::vector<HSCPlazItemName>& names) const {
+    std::vector<const HSCPlazItemName*> subjects;
+    for (const HSCPlazItemName& name : names) subjects.push_back(&name);
+    return doEach(subjects, [&](const auto& name) { return HSCPlazTaskMgr::unholdItem(m_hub, name, &m_status); });
+}
+
 FilesResult HubActions::verify(const Items& items) const {
     HSCPlazTaskMgr::takeOverRecords(); // once, however many items there are
     return doEach(items, [&](HSCPlazQItem& item) { return HSCPlazTaskMgr::verifyItem(m_hub, item, &m_status); });

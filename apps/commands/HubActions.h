@@ -54,6 +54,9 @@ public:
     ItemsResult update(const std::vector<HSCPlazQItem*>& items) const;
     /// Removes them together: what holds others goes first, and an item that went with one of them is removed, too.
     ItemsResult uninstall(const std::vector<HSCPlazQItem*>& items) const;
+    /// Has installed items stay in their revision, and lets them change again.
+    ItemsResult hold(const std::vector<HSCPlazQItem*>& items) const;
+    ItemsResult unhold(const std::vector<HSCPlazItemName>& names) const;
     /// Compares the files of installed items with those of their recorded commits. Changes nothing.
     FilesResult verify(const std::vector<HSCPlazQItem*>& items) const;
     /// Brings back what verify() finds changed or missing.

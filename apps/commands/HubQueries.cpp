@@ -78,11 +78,12 @@ std::vector<std::vector<HSCPlazQItem*>> groupByName(const std::vector<HSCPlazQIt
 }
 
 ListedItem listed(HSCPlazQItem& item, const std::vector<HSCPlazQItem*>& entries) {
-    ListedItem line{&item, false, {}, true, {}};
+    ListedItem line{&item, false, {}, true, {}, false};
     if (HSCPlazUpdateDecision::isOutdated(item)) line.offered = item.getLatestRevision();
     for (const HSCPlazQItem* entry : entries) {
         if (entry->IsInstalled()) line.installedRevisions.push_back(entry->getRevision());
         line.isOutdated = line.isOutdated || HSCPlazUpdateDecision::isOutdated(*entry);
+        line.isHeld = line.isHeld || HSCPlazInspection::isHeld(*entry);
     }
     return line;
 }
@@ -186,11 +187,14 @@ std::vector<HSCPlazQStore*> HubQueries::getStores(const std::vector<std::string>
 }
 
 std::vector<ListedItem> HubQueries::findItems(const ItemQuery& query) const {
+    std::vector<ListedItem> lines = list(selectItems(query, {}));
+    for (ListedItem& line : lines) line.standsForAll = !query.listsRevisions();
+    return lines;
+}
+
+std::vector<ListedItem> HubQueries::list(const std::vector<HSCPlazQItem*>& items) {
     std::vector<ListedItem> lines;
-    for (HSCPlazQItem* item : selectItems(query, {})) {
-        lines.push_back(listed(*item, item->getStore()->getItems(item->getName())));
-        lines.back().standsForAll = !query.listsRevisions();
-    }
+    for (HSCPlazQItem* item : items) lines.push_back(listed(*item, item->getStore()->getItems(item->getName())));
     return lines;
 }
 
@@ -276,6 +280,7 @@ std::vector<HSCPlazQItem*> HubQueries::findRecorded(const std::string& store) co
 
 std::vector<HSCPlazQItem*> HubQueries::findOutdated() const {
     requireRecords();
+    const std::set<HSCPlazItemName> held = HSCPlazInspection::findHeld();
     std::vector<HSCPlazQItem*> outdated;
     const std::vector<HSCPlazQItem*> found = HSCPlazInspection::findIncomplete(m_hub);
     const std::set<const HSCPlazQItem*> incompletes(found.begin(), found.end());
@@ -283,7 +288,7 @@ std::vector<HSCPlazQItem*> HubQueries::findOutdated() const {
     for (const HSCPlazQStore* store : m_hub.getStores())
         for (const auto& entries : groupByName(store->getItems())) {
             HSCPlazQItem* const newer = pickOutdated(entries);
-            if (newer) outdated.push_back(newer);
+            if (newer && held.count({store->getName(), newer->getName()}) == 0) outdated.push_back(newer);
             std::copy_if(entries.begin(), entries.end(), std::back_inserter(outdated),
                          [&](const HSCPlazQItem* item) { return item != newer && isIncomplete(item); });
         }

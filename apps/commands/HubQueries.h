@@ -3,6 +3,7 @@
 #include "ItemQuery.h"
 #include "ItemReference.h"
 
+#include "plaz/tasks/HSCPlazTaskResult.h"
 #include "support/ComMsgMgr.h"
 
 #include <functional>
@@ -22,6 +23,7 @@ struct ListedItem {
     std::vector<std::string> installedRevisions; ///< of the item, in catalog order
     bool standsForAll = true;                    ///< it is the only line of its item
     std::string offered;                         ///< the revision that an update of this one brings; empty for none
+    bool isHeld = false;                         ///< the user wants the item to stay in its revision
 };
 
 /// A query as it is carried out, and what people should hear of that: that words are searched, and which.
@@ -117,10 +119,20 @@ public:
     /// All items that are recorded as installed, each revision, or those of one store.
     /// @throws HEXAll Msg::databaseUnreadable, recordAway where it is not known what is installed
     std::vector<HSCPlazQItem*> findRecorded(const std::string& store) const;
-    /// What resolveForUpdate() gives of every item that has an update, and each revision that lacks something that it
-    /// needs.
-    /// @throws HEXAll Msg::databaseUnreadable, recordAway where it is not known what is installed
+    /// What resolveForUpdate() gives of every item that has an update and is not held by the user, and each revision
+    /// that lacks something that it needs.
+    /// @throws HEXAll Msg::databaseUnreadable, recordAway where it is not known what is installed; heldUnknown
     std::vector<HSCPlazQItem*> findOutdated() const;
+
+    /// The items that the user holds in their revision and that a reference means: one.
+    /// @throws HEXAll Msg::itemNotHeld, or ShellMsg::itemAmbiguous where it means several
+    HSCPlazItemName resolveHeld(const ItemReference& reference, const std::string& store) const;
+    /// Of what the user holds in its revision, what is installed; the rest is told (ShellMsg::heldNotInstalled).
+    std::vector<HSCPlazQItem*> findHeld() const;
+    /// One line for each of these items.
+    static std::vector<ListedItem> list(const std::vector<HSCPlazQItem*>& items);
+    /// What findOutdated() leaves out because the user holds it in its revision (ShellMsg::heldPassedOver).
+    std::vector<ComMsgMgrInstance> describePassedOver() const;
 
     /// What others hold at a revision that is not the latest, and by whom (Msg::itemHeldAt).
     std::vector<ComMsgMgrInstance> describeHeld() const;

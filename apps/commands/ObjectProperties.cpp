@@ -3,6 +3,7 @@
 #include "ItemReference.h"
 #include "StoreSummary.h"
 
+#include "plaz/HSCPlazInspection.h"
 #include "plaz/HSCPlazTaskMgr.h"
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/HSCPlazQItem.h"
@@ -110,6 +111,8 @@ template <> const std::vector<Property<Item>>& propertiesOf() {
          [](const Item& item) -> PropertyValue { return item.IsInstalled(); }},
         {"outdated", "This revision is installed and has an update",
          [](const Item& item) -> PropertyValue { return HSCPlazUpdateDecision::isOutdated(item); }},
+        {"held", "The user wants it to stay in the revision that is installed",
+         [](const Item& item) -> PropertyValue { return HSCPlazInspection::isHeld(item); }},
         {"installation_mode", "user for one that was asked for, tool for one that others need",
          [](const Item& item) -> PropertyValue { return item.getInstallationMode(); }},
         {"reference_count", "How many dependencies hold it",

@@ -148,6 +148,26 @@ py::list update(const py::object& items, const OptionalText& store, bool quiet, 
                       {installedFor, oneBy(&HubQueries::resolveForUpdate)}, &HubActions::update);
 }
 
+py::list hold(const py::object& items, const OptionalText& store) {
+    return actOnItems(items, store, {}, py::none(), {installedFor, oneBy(&HubQueries::resolveForUpdate)},
+                      &HubActions::hold);
+}
+
+py::list unhold(const py::object& items, const OptionalText& store) {
+    const std::vector<NamedItem> named = readItems(listNamed(items));
+    return callHub([&](Call& call) {
+        std::vector<HSCPlazItemName> names;
+        for (const NamedItem& one : named) {
+            const auto* object = std::get_if<const ItemHandle*>(&one);
+            names.push_back(
+                object
+                    ? HSCPlazItemName{(*object)->get().getStoreName(), (*object)->get().getName()}
+                    : HubQueries(call.getHub()).resolveHeld(std::get<ItemReference>(one), store ? store->value : ""));
+        }
+        return answer(call, makeActions(call).unhold(names));
+    });
+}
+
 py::list verify(const py::object& items, const OptionalText& store, py::object progress) {
     return actOnItems(items, store, {}, std::move(progress), {itselfInstalled, revisionsOf}, &HubActions::verify);
 }

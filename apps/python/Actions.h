@@ -10,6 +10,8 @@ pybind11::list uninstall(const pybind11::object& items, const OptionalText& stor
                          pybind11::object progress);
 pybind11::list update(const pybind11::object& items, const OptionalText& store, bool quiet, bool discardChanges,
                       pybind11::object progress);
+pybind11::list hold(const pybind11::object& items, const OptionalText& store);
+pybind11::list unhold(const pybind11::object& items, const OptionalText& store);
 /// Damage is part of the answer. @param items  None for all that is installed
 pybind11::list verify(const pybind11::object& items, const OptionalText& store, pybind11::object progress);
 /// @param items  None for all that is installed

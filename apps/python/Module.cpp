@@ -90,6 +90,15 @@ void defineActions(py::module_& module) {
                "update(items, *, store=None, quiet=False, discard_changes=False, progress=None)\n--\n\n"
                "Brings installed items up to date. An Item whose revision is not installed means the installed one. "
                "Arguments and result are those of install().");
+    module.def("hold", &hold, "items"_a, py::kw_only(), "store"_a = py::none(),
+               "hold(items, *, store=None)\n--\n\n"
+               "Keeps installed items in the revision that they are in: they are not updated, nor replaced by another "
+               "one, until unhold(). Their attribute held says so.\n\n"
+               "items, store: as for update().\n\n"
+               "Returns an ActionResult for each item.");
+    module.def("unhold", &unhold, "items"_a, py::kw_only(), "store"_a = py::none(),
+               "unhold(items, *, store=None)\n--\n\n"
+               "Lets items that are held change again. Arguments and result are those of hold().");
     module.def("verify", &verify, "items"_a = py::none(), py::kw_only(), "store"_a = py::none(),
                "progress"_a = py::none(),
                "verify(items=None, *, store=None, progress=None)\n--\n\n"
@@ -219,6 +228,14 @@ void defineVerify() {
         py::kw_only(), "progress"_a = py::none(), documentedAction("verify", "progress=None").c_str());
 }
 
+void defineHold(const char* name, py::list (*act)(const py::object&, const OptionalText&)) {
+    defineMethod<HSCPlazQItem>(
+        name, [act](const ItemHandle& self) -> py::object { return act(self.toObject(), {})[0]; },
+        documented<HSCPlazQItem>(std::string(name) + "(self)\n--\n\nDoes to this item what plaz." + name +
+                                 "() does, and returns its result.")
+            .c_str());
+}
+
 void defineItem(py::module_& module) {
     defineClass<HSCPlazQItem>(module, "Item", "One revision of an item of a store's catalog.");
     refuseToPickle<HSCPlazQItem>();
@@ -227,6 +244,8 @@ void defineItem(py::module_& module) {
     defineAction("update", &update);
     defineAction("repair", &repair);
     defineVerify();
+    defineHold("hold", &hold);
+    defineHold("unhold", &unhold);
     defineMethod<HSCPlazQItem>(
         "needed_items", &findNeeded,
         documented<HSCPlazQItem>(

@@ -129,7 +129,7 @@ void addItemsCommand(CLI::App& app, Options& options) {
     addFlag(*items, commandOptions::allRevisions, query.allRevisions);
     addOrder(*items, options);
     items->footer(std::string("States: installed, dependency (only other items need it), outdated (an update is on "
-                              "offer), inactive (not for new designs any more).\n") +
+                              "offer), held (see plaz hold), inactive (not for new designs any more).\n") +
                   sharedNote);
 }
 
@@ -175,6 +175,15 @@ void addQuestions(CLI::App& app, Options& options) {
     whyNot->footer(std::string("Nothing is fetched for that. The exit status is 0 where nothing keeps it, or it is "
                                "installed already.\n") +
                    sharedNote);
+}
+
+void addHoldCommands(CLI::App& app, Options& options) {
+    CLI::App* hold = app.add_subcommand("hold", "Keep installed items in the revision that they are in");
+    addItems(*hold, options, false);
+    hold->footer(std::string("Without ITEM it lists what you hold. Updates pass over it, and installations that would "
+                             "replace it are refused, until you say plaz unhold. Uninstalling ends it, too.\n") +
+                 sharedNote);
+    addItems(*app.add_subcommand("unhold", "Let items that you hold change again"), options, true);
 }
 
 void addHubCommand(CLI::App& app, Options& options) {
@@ -228,6 +237,7 @@ void addCommands(CLI::App& app, Options& options) {
                                "status is 1 when there is a problem; warnings alone leave it at 0.\n") +
                    sharedNote);
     addInstallCommands(app, options);
+    addHoldCommands(app, options);
     CLI::App* relocate = app.add_subcommand("relocate", "Keep a store below another directory from now on");
     relocate->add_option("STORE", options.store, "The store")->type_name("")->required();
     relocate->add_option("DIRECTORY", options.directory, "Where to keep it; its folder is made there")

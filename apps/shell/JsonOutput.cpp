@@ -147,6 +147,7 @@ void fillListedItem(Object& object, const ListedItem& listed) {
         .flag("is_active", item.isActive())
         .flag("installed", item.IsInstalled())
         .flag("outdated", listed.isOutdated)
+        .flag("held", listed.isHeld)
         .flag("is_inactive", item.isInactive())
         .texts("installed_revisions", listed.installedRevisions);
     if (!listed.offered.empty()) object.text("offered_revision", listed.offered);

@@ -151,6 +151,8 @@ int Program::runCommand() {
                                                                     {"hub remove-store", &Program::runRemoveStore},
                                                                     {"verify", &Program::runVerify},
                                                                     {"repair", &Program::runRepair},
+                                                                    {"hold", &Program::runHold},
+                                                                    {"unhold", &Program::runUnhold},
                                                                     {"doctor", &Program::runDoctor},
                                                                     {"complete", &Program::runComplete},
                                                                     {"shell", &Program::runShell}};
@@ -314,11 +316,13 @@ int Program::runUpdate() {
     const HubQueries queries(getHub());
     const std::vector<HSCPlazQItem*> outdated = queries.findOutdated();
     const std::vector<std::string> unread = queries.findUnread();
-    if (outdated.empty() && unread.empty()) {
+    const std::vector<ComMsgMgrInstance> passedOver = queries.describePassedOver();
+    if (outdated.empty() && unread.empty() && passedOver.empty()) {
         queries.requireStores();
         ComMsgMgr::send(ShellMsg::nothingToUpdate, MsgSeverity::info);
     }
     int status = change(&HubActions::update, outdated);
+    for (const ComMsgMgrInstance& left : passedOver) ComMsgMgr::send(left, MsgSeverity::info);
     for (const ComMsgMgrInstance& held : queries.describeHeld()) ComMsgMgr::send(held, MsgSeverity::info);
     for (const std::string& store : unread) status = fail(messageOf(Msg::catalogUnread, store, store));
     return status;

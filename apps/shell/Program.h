@@ -62,6 +62,8 @@ private:
     int runWhyNot();
     int runVerify();
     int runRepair();
+    int runHold();
+    int runUnhold();
     int runPaths();
     int runParams();
     int runSet();

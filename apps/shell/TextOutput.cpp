@@ -57,9 +57,9 @@ std::string installationOf(const ListedItem& listed) {
     return hidesRevisions(listed) ? state + " (" + join(listed.installedRevisions) + ")" : state;
 }
 
-/// The same, and whether the item is inactive.
+/// The same, and whether the user holds the item there, or it is inactive.
 std::string stateOf(const ListedItem& listed) {
-    const std::string installation = installationOf(listed);
+    const std::string installation = installationOf(listed) + (listed.isHeld ? ", held" : "");
     if (!listed.item->isInactive()) return installation;
     return installation.empty() ? "inactive" : installation + ", inactive";
 }

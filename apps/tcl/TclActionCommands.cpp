@@ -104,6 +104,23 @@ Tcl_Obj* update(const TclCall& call) {
     return answer(call, makeActions(call).update(resolveInstalled(call, toOne(&HubQueries::resolveForUpdate))));
 }
 
+/// Without words it is a question.
+Tcl_Obj* hold(const TclCall& call) {
+    if (call.getWords().empty()) return makeObjectList(HubQueries(requireHub()).findHeld());
+    return answer(call, makeActions(call).hold(resolveInstalled(call, toOne(&HubQueries::resolveForUpdate))));
+}
+
+Tcl_Obj* unhold(const TclCall& call) {
+    std::vector<HSCPlazItemName> names;
+    for (const Meant& meant : readItems(call)) {
+        if (meant.store) requireItem(meant);
+        names.push_back(meant.item ? HSCPlazItemName{meant.item->getStoreName(), meant.item->getName()}
+                                   : HubQueries(requireHub()).resolveHeld(requireReference(meant.getText()), ""));
+    }
+    if (names.empty()) failWith(ShellMsg::nothingNamed);
+    return answer(call, makeActions(call).unhold(names));
+}
+
 /// Every installed revision of what words mean, of all items without a word.
 Items resolveRevisions(const TclCall& call) {
     const HubQueries queries(requireHub());
@@ -171,6 +188,12 @@ const std::vector<TclCommand>& actionCommands() {
         actionCommand("plaz::update", "items ...",
                       "Brings installed items up to date. The result is how many were named.", {quiet, discardChanges},
                       update),
+        actionCommand("plaz::hold", "?items ...?",
+                      "Keeps installed items in the revision that they are in: they are not updated, nor replaced. The "
+                      "result is how many were named; without a word, what is held.",
+                      {}, hold),
+        actionCommand("plaz::unhold", "items ...",
+                      "Lets items that are held change again. The result is how many were named.", {}, unhold),
         actionCommand(
             "plaz::verify", "?items ...?",
             "Compares the files of installed items, all without a word, with those of the recorded commits. "

@@ -198,6 +198,10 @@ class ShellTest(HubTest):
         for command in ("install aurora@1.1", "install hikari"):
             self.run_plaz(command)
         self.expect("items --outdated", "items: name revision offered_revision", "aurora 1.1 2.0")
+        self.run_plaz("hold aurora")
+        self.check_shown(self.run_plaz("update --all").stderr, '17-2345] "aurora" stays', never=["17-2186"])
+        self.expect("hold", "items: revision held outdated", "1.1 True True")
+        self.run_plaz("unhold aurora")
         self.expect("update --all", "items: revision previous_revision outcome", "2.0 1.1 updated")
         self.expect("items --outdated", "items: name")
         held = '17-2230] "io-panel" is held at 1.0 by boards::aurora@2.0, boards::aurora@1.1'

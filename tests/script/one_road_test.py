@@ -7,7 +7,7 @@ from support.hubtest import BUILD, PLAZ, PRODUCT_DATA, HubTest, make_env, run
 
 # A failing step among them: what others need is not removed.
 STEPS = ["refresh boards", "install pin-report", "install aurora", "uninstall string-kit", "update aurora"]
-STEPS += ["verify aurora", "repair aurora", "uninstall aurora"]
+STEPS += ["verify aurora", "repair aurora", "hold aurora", "unhold aurora", "uninstall aurora"]
 PYTHON = """
 import logging, sys, plaz
 
@@ -59,7 +59,7 @@ class OneRoadTest(HubTest):
     def test_all_front_ends_take_it(self):
         """Catches: a front end that ends otherwise, sends other messages or leaves other files than the others."""
         program = list(self.go("program"))
-        self.assertEqual([status for status, _, _ in program], [0, 0, 0, 1, 0, 0, 0, 0])
+        self.assertEqual([status for status, _, _ in program], [0, 0, 0, 1, 0, 0, 0, 0, 0, 0])
         self.assertTrue(any(b'"aurora"' in content for content in program[2][2].values()), "nothing was recorded")
         self.assertEqual(program[6][2].keys(), program[5][2].keys(), "the file that was missing")
         for way in ("tcl", "python"):

@@ -8,9 +8,11 @@
 #include "TclObjects.h"
 #include "TclText.h"
 
+#include "plaz/HSCPlazInspection.h"
 #include "plaz/HSCPlazParams.h"
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/bindings/java/JniSupport.h"
+#include "plaz/model/HSCPlazQItem.h"
 #include "scripting/task_manager.h"
 #include "support/ComMsgMgr.h"
 #include "support/HDGUIStatus.h"
@@ -141,8 +143,14 @@ bool check(const std::string& name) {
     return result.parts.front().outcome == HSCPlazStoreResult::Outcome::outdated;
 }
 
-void repair(std::vector<std::string> references) {
-    references.insert(references.begin(), "plaz::repair");
+bool isHeld(const std::string& reference) {
+    const HSCPlazQItem& item = HubQueries(requireHub()).resolve(requireReference(reference), "");
+    return HSCPlazInspection::findHeld().count({item.getStoreName(), item.getName()}) != 0;
+}
+
+/// By the Tcl command of that name.
+void command(const char* name, std::vector<std::string> references) {
+    references.insert(references.begin(), name);
     hdi::tcltasks::task_manager::eval_in_tcl_throw(textOf(TclRef(makeList(references)).get()), nullptr, false);
 }
 
@@ -188,7 +196,19 @@ JNIEXPORT jobjectArray JNICALL Java_ui_frmwork_plaz_host_PlazHost_compare(JNIEnv
 }
 
 JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_repair(JNIEnv* env, jclass, jobjectArray items) {
-    guard(env, [&] { repair(toNative(env, items)); });
+    guard(env, [&] { command("plaz::repair", toNative(env, items)); });
+}
+
+JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_hold(JNIEnv* env, jclass, jobjectArray items) {
+    guard(env, [&] { command("plaz::hold", toNative(env, items)); });
+}
+
+JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_unhold(JNIEnv* env, jclass, jobjectArray items) {
+    guard(env, [&] { command("plaz::unhold", toNative(env, items)); });
+}
+
+JNIEXPORT jboolean JNICALL Java_ui_frmwork_plaz_host_PlazHost_isHeld(JNIEnv* env, jclass, jstring item) {
+    return guard(env, [&] { return isHeld(jni::toNative(env, item)); });
 }
 
 JNIEXPORT jboolean JNICALL Java_ui_frmwork_plaz_host_PlazHost_check(JNIEnv* env, jclass, jstring store) {

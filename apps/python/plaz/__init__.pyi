@@ -154,6 +154,8 @@ class Item:
     @property
     def outdated(self) -> bool: ...
     @property
+    def held(self) -> bool: ...
+    @property
     def installation_mode(self) -> str: ...
     @property
     def reference_count(self) -> int: ...
@@ -176,6 +178,8 @@ class Item:
     def repair(
         self, *, quiet: bool = False, discard_changes: bool = False, progress: _Progress | None = None
     ) -> ActionResult: ...
+    def hold(self) -> ActionResult: ...
+    def unhold(self) -> ActionResult: ...
     def verify(self, *, progress: _Progress | None = None) -> FilesResult: ...
     def needed_items(self) -> list[Item]: ...
 
@@ -235,6 +239,8 @@ def update(
     discard_changes: bool = False,
     progress: _Progress | None = None,
 ) -> list[ActionResult]: ...
+def hold(items: Item | str | Iterable[Item | str], *, store: str | None = None) -> list[ActionResult]: ...
+def unhold(items: Item | str | Iterable[Item | str], *, store: str | None = None) -> list[ActionResult]: ...
 def verify(
     items: Item | str | Iterable[Item | str] | None = None,
     *,
@@ -274,6 +280,7 @@ __all__ = [
     "Store",
     "StoreResult",
     "cancel",
+    "hold",
     "install",
     "item",
     "items",
@@ -284,6 +291,7 @@ __all__ = [
     "set_product",
     "store",
     "stores",
+    "unhold",
     "uninstall",
     "update",
     "verify",

@@ -16,7 +16,7 @@ class ActionResult(NamedTuple):
     """What became of an item.
 
     outcome: "installed", "removed", "kept" (its files stay: others need it, or it is shipped), "updated", "up-to-date",
-    "repaired", "whole" (there was nothing to repair) or "failed".
+    "repaired", "whole" (there was nothing to repair), "held", "unheld" or "failed".
     previous_revision: of an update, the one that was installed before.
     directory: where it is installed; empty when it is not.
     needed_by: of a removal, the items for which it stays, such as "boards::aurora@2.0, tools::kit@1.0".

@@ -109,6 +109,18 @@ HSCPlazFilesResult HSCPlazInspection::compareFiles(HSCPlazQItem& item) {
     return HSCPlazRepairTask::verify(workspace(), item);
 }
 
+std::set<HSCPlazItemName> HSCPlazInspection::findHeld() {
+    HSCPlazReport problem;
+    std::set<HSCPlazItemName> held = workspace().held.read(problem);
+    if (const ComMsgMgrInstance* unknown = problem.findProblem()) throw HEXAll(*unknown);
+    return held;
+}
+
+bool HSCPlazInspection::isHeld(const HSCPlazQItem& item) {
+    HSCPlazReport unknown;
+    return item.isRecorded() && workspace().held.read(unknown).count({item.getStoreName(), item.getName()}) != 0;
+}
+
 bool HSCPlazInspection::isRecordGone(const HSCPlazQStoreModel& store) {
     return workspace().databases.isGone(workspace().paths.getStoreLayout(store));
 }

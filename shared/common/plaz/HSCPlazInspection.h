@@ -5,6 +5,7 @@
 
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -67,6 +68,12 @@ PLAZ_API HSCPlazFilesResult compareFiles(HSCPlazQItem& item);
 /// Why it is not known what is installed: a file that tells it could not be read (Msg::databaseUnreadable), a store's
 /// directory is not there (Msg::recordAway) or cannot be named (Msg::userRepoPathMissing). Empty when it is known.
 PLAZ_API std::optional<ComMsgMgrInstance> describeUnknownRecord(const HSCPlaz& hub);
+
+/// The items that the user holds in their revision (HSCPlazTaskMgr::holdItem).
+/// @throws HEXAll Msg::heldUnknown where that is not known
+PLAZ_API std::set<HSCPlazItemName> findHeld();
+/// Whether an item is installed and among them; false where that is not known.
+PLAZ_API bool isHeld(const HSCPlazQItem& item);
 
 /// Items of the store had been installed, and their record is gone.
 PLAZ_API bool isRecordGone(const HSCPlazQStoreModel& store);

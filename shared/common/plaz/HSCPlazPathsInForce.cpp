@@ -150,6 +150,8 @@ std::vector<Path> HSCPlazPathsInForce::ofHub() {
             inForce(
                 "stores' directories", [&] { return paths.getRepoInfoFile(); }, "in the user area"),
             inForce(
+                "held items", [&] { return paths.getHeldFile(); }, "in the user area"),
+            inForce(
                 "kept files", [&] { return paths.getKeptDir(); }, "in the user area"),
             inForce(
                 "hub database", [&] { return paths.getDefaultLocalDbFile(); }, "in the user area"),

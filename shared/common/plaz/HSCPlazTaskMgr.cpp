@@ -27,6 +27,7 @@
 #include "plaz/tasks/HSCPlazUninstallTask.h"
 #include "plaz/tasks/HSCPlazUpdateCheckTask.h"
 #include "plaz/tasks/HSCPlazUpdateTask.h"
+#include "plaz/tasks/HSCPlazUserHolds.h"
 #include "support/HUTFile.h"
 
 #include <map>
@@ -194,6 +195,22 @@ std::vector<HSCPlazItemResult> HSCPlazTaskMgr::repairItems(HSCPlaz& hub, const s
     // What was interrupted at its end is not told.
     if (!isDone && !task.getReport().findProblem()) results.back().outcome = ItemOutcome::failed;
     return results;
+}
+
+HSCPlazItemResult HSCPlazTaskMgr::holdItem(HSCPlaz& hub, HSCPlazQItem& item, HDGUIStatus* status) {
+    HSCPlazTask task(workspace(), hub, status);
+    const bool isDone = task.guard(
+        [&] { return task.run([&] { return HSCPlazUserHolds::hold(task, HSCPlazDependencies::findCurrent(item)); }); });
+    return resultOf(task, HSCPlazDependencies::findCurrent(item), isDone ? ItemOutcome::held : ItemOutcome::failed);
+}
+
+HSCPlazItemResult HSCPlazTaskMgr::unholdItem(HSCPlaz& hub, const HSCPlazItemName& item, HDGUIStatus* status) {
+    HSCPlazTask task(workspace(), hub, status);
+    const bool isDone =
+        task.guard([&] { return task.withLock([&] { return HSCPlazUserHolds::release(task, item); }); });
+    HSCPlazItemResult result{
+        item.first, item.second, {}, {}, {}, isDone ? ItemOutcome::unheld : ItemOutcome::failed, task.getReport(), {}};
+    return result;
 }
 
 void HSCPlazTaskMgr::takeOverRecords() {

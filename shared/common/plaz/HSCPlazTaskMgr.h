@@ -108,6 +108,13 @@ public:
     static std::vector<HSCPlazItemResult> repairItems(HSCPlaz& hub, const std::vector<HSCPlazQItem*>& items,
                                                       HSCPlazTaskOptions options, HDGUIStatus* status,
                                                       const std::function<void(std::size_t number)>& begin = {});
+    /// Has an installed item stay in the revision, and at the commit, that it is in, until unholdItem(): updates and
+    /// installations that would change that are refused (Msg::itemIsHeld). It can be uninstalled, and is held no more
+    /// once no revision of it is installed. Holding what is held changes nothing. Sends Msg::itemNotInstalled,
+    /// heldUnknown or heldNotSaved where that fails.
+    static HSCPlazItemResult holdItem(HSCPlaz& hub, HSCPlazQItem& item, HDGUIStatus* status);
+    /// Sends Msg::itemNotHeld where it was not held. @param item  need not be installed, nor be the hub's
+    static HSCPlazItemResult unholdItem(HSCPlaz& hub, const HSCPlazItemName& item, HDGUIStatus* status);
     /// Takes over what other processes have recorded since the hub was read, as each task does before it begins.
     static void takeOverRecords();
     /// Compares the files of an installed item with those of the commit that is recorded of it. Changes nothing and

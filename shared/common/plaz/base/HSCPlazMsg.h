@@ -128,6 +128,10 @@ inline constexpr MsgId<1> ownStoreHidden{"@17-2333@%s"};        ///< store
 inline constexpr MsgId<2> metadataFileUnknown{"@17-2334@%s%s"}; ///< URL, the names looked for
 inline constexpr MsgId<2> newStoreRefused{"@17-2338@%s%s"};     ///< store, why
 inline constexpr MsgId<1> ownStoresNotSaved{"@17-2335@%s"};     ///< file
+inline constexpr MsgId<2> heldUnknown{"@17-2340@%s%s"};         ///< file, why
+inline constexpr MsgId<1> heldNotSaved{"@17-2341@%s"};          ///< file
+inline constexpr MsgId<3> itemIsHeld{"@17-2342@%s%s%s"};        ///< display name, revision, STORE::NAME
+inline constexpr MsgId<1> itemNotHeld{"@17-2343@%s"};           ///< STORE::NAME
 inline constexpr MsgId<0> sampleHubMissing{"@17-2365@"};
 inline constexpr MsgId<1> clonedRepo{"@60-832@%s"}; ///< directory
 } // namespace Msg

@@ -25,6 +25,7 @@ constexpr const char* authoritiesFile = "plaz_authorities.pem";
 constexpr const char* changeFile = "plaz_change.json";
 constexpr const char* ownStoresFile = "plaz_own_stores.json";
 constexpr const char* repoInfoFile = "plaz_stores.json";
+constexpr const char* heldFile = "plaz_held.json";
 
 /// The non-empty parts joined with single separators, in generic form.
 std::string join(std::initializer_list<std::string> parts) {
@@ -133,6 +134,10 @@ std::string HSCPlazPathMgr::getRepoInfoFile() const {
     return getUserAreaRoot("", false, repoInfoFile);
 }
 
+std::string HSCPlazPathMgr::getHeldFile() const {
+    return getUserAreaRoot("", false, heldFile);
+}
+
 std::string HSCPlazPathMgr::getLockFile() const {
     return getUserAreaRoot("", true, lockFile);
 }
@@ -156,6 +161,7 @@ std::vector<std::string> HSCPlazPathMgr::getOwnPlaces() const {
             getKeptDir(),
             getChangeFile(),
             getRepoInfoFile(),
+            getHeldFile(),
             getAuthoritiesFile(),
             getUserAreaRoot("", false, lockFile),
             getDefaultLocalDbFile(),

@@ -52,6 +52,8 @@ public:
     std::string getSchemaRoot() const;
     /// The file in which the stores' directories are recorded.
     std::string getRepoInfoFile() const;
+    /// The items that the user wants to stay in their revision.
+    std::string getHeldFile() const;
     /// The stores that the user has added; none of another user's business, so not in the user area, which may be
     /// shared.
     static std::string getOwnStoresFile();

@@ -6,6 +6,7 @@
 #include "plaz/pref/HSCPlazConfigMgr.h"
 #include "plaz/pref/HSCPlazPathMgr.h"
 #include "plaz/pref/HSCPlazUserPref.h"
+#include "plaz/store/HSCPlazHeldItems.h"
 #include "plaz/store/HSCPlazLocalDBMgr.h"
 #include "plaz/store/HSCPlazOwnStores.h"
 #include "plaz/store/HSCPlazRepoInfoMgr.h"
@@ -38,6 +39,7 @@ struct HSCPlazWorkspace {
     HSCPlazLocalDBMgr databases;
     HSCPlazConfigMgr config;
     HSCPlazRepoInfoMgr places;
+    HSCPlazHeldItems held;
     /// What is shipped: a second reading of the hub metadata, or the same store models where nothing else was read.
     std::unique_ptr<HSCPlazModel> sharedHubModel;
     std::unique_ptr<HSCPlazModel> hubModel; ///< null until the first start-up

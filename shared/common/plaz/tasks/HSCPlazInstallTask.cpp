@@ -10,6 +10,7 @@
 #include "plaz/tasks/HSCPlazItemSteps.h"
 #include "plaz/tasks/HSCPlazRepairTask.h"
 #include "plaz/tasks/HSCPlazTask.h"
+#include "plaz/tasks/HSCPlazUserHolds.h"
 
 using HSCPlazDebugLog::inside;
 using Mode = HSCPlazInstallationMode;
@@ -26,12 +27,15 @@ bool completeInstalled(HSCPlazTask& task, HSCPlazItemSteps& steps, const HSCPlaz
     if (!HSCPlazRepairTask::restoreLost(task, steps, found, true)) return false;
     Walk walk(task, steps, *found.item);
     if (found.item->getMode() != Mode::tool) return walk.installMissing(*found.item);
-    return steps.setMode(found, Mode::user) && walk.installAll(*found.item);
+    return HSCPlazUserHolds::requireReleasedNeeds(task, *found.item) && steps.setMode(found, Mode::user) &&
+           walk.installAll(*found.item);
 }
 
 bool installFiles(HSCPlazTask& task, HSCPlazItemSteps& steps, const HSCPlazFoundItem& found, Mode mode) {
     HSCPlazQItem& item = *found.item;
-    const bool isKnown = item.IsInstalled();
+    // Where there was a revision before, what serves the new one as it is need not be newer.
+    const bool isServed = item.IsInstalled() || mode == Mode::tool;
+    if (!isServed && !HSCPlazUserHolds::requireReleasedNeeds(task, item)) return false;
     task.show("Installing", Files::shownName(item), 0);
     inside(installName, " installing ", item.getName(), "...");
     const bool isPut =
@@ -39,9 +43,8 @@ bool installFiles(HSCPlazTask& task, HSCPlazItemSteps& steps, const HSCPlazFound
     if (!isPut) return false;
     task.tellNews(Msg::itemInstalled, Files::shownName(item));
     inside(installName, " installed ");
-    // Where there was a revision before, what serves the new one as it is need not be newer.
     Walk walk(task, steps, item);
-    const bool isComplete = isKnown || mode == Mode::tool ? walk.installMissing(item) : walk.installAll(item);
+    const bool isComplete = isServed ? walk.installMissing(item) : walk.installAll(item);
     task.show("Installed", Files::shownName(item), 100);
     return isComplete;
 }

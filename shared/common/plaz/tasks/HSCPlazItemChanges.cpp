@@ -19,6 +19,7 @@
 #include "plaz/tasks/HSCPlazPendingChanges.h"
 #include "plaz/tasks/HSCPlazTask.h"
 #include "plaz/tasks/HSCPlazUnneededItems.h"
+#include "plaz/tasks/HSCPlazUserHolds.h"
 #include "support/HUTFile.h"
 
 #include <algorithm>
@@ -228,6 +229,7 @@ bool HSCPlazItemChanges::put(const HSCPlazFoundItem& found, HSCPlazPendingChange
 }
 
 bool HSCPlazItemChanges::requireReplaceable(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change) {
+    if (!HSCPlazUserHolds::requireReleasedPlace(m_task, found, *change.item)) return false;
     const std::vector<HSCPlazQItem*> replaced = Files::findReplaced(found, *change.item);
     return std::all_of(replaced.begin(), replaced.end(), [&](HSCPlazQItem* other) {
         return Files::requireReachable(m_task, {found.store, other});
@@ -279,7 +281,9 @@ bool HSCPlazItemChanges::record(const HSCPlazFoundItem& found, const HSCPlazPend
         found.item->getModel()->clearInstallation();
         restoreShipped(found);
     }
-    return save(*found.store);
+    if (!save(*found.store)) return false;
+    HSCPlazUserHolds::forgetGone(m_task, found);
+    return true;
 }
 
 bool HSCPlazItemChanges::removeFormer(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change) {

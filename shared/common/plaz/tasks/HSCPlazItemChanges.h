@@ -59,7 +59,7 @@ private:
     /// is to take these for whole.
     void withdraw(HSCPlazPendingChange change, const std::string& incoming);
     bool put(const HSCPlazFoundItem& found, HSCPlazPendingChange change, const HSCPlazReport& obstacle);
-    /// Fails where the files of another revision, in whose place the item comes, are out of reach.
+    /// Fails where the user holds what the item takes the place of, or its files are out of reach.
     bool requireReplaceable(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change);
     /// What a user has made of files in folders that go.
     bool keepOwn(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change, const std::string& incoming,

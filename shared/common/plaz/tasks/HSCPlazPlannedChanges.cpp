@@ -15,6 +15,7 @@
 #include "plaz/tasks/HSCPlazItemFiles.h"
 #include "plaz/tasks/HSCPlazTask.h"
 #include "plaz/tasks/HSCPlazUnneededItems.h"
+#include "plaz/tasks/HSCPlazUserHolds.h"
 #include "support/HUTFile.h"
 
 #include <boost/algorithm/string/predicate.hpp>
@@ -110,7 +111,8 @@ bool HSCPlazPlannedChanges::fetch(const HSCPlazFoundItem& found, Mode mode, bool
     record.setName(item.getName());
     record.setCommitId(item.getCommitId());
     record.setLocalDir(Files::directoryOf(m_task.getWorkspace(), found));
-    if (!m_task.requirePlain(*found.store->getModel()) || !Files::requireReachable(m_task, found) ||
+    if (!m_task.requirePlain(*found.store->getModel()) ||
+        !HSCPlazUserHolds::requireReleasedPlace(m_task, found, record) || !Files::requireReachable(m_task, found) ||
         !Files::requireFree(m_task, found, record.getLocalDir()))
         return false;
     const std::vector<HSCPlazQItem*> replaced = Files::findReplaced(found, record);

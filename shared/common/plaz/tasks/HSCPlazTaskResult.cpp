@@ -30,6 +30,10 @@ const char* HSCPlazItemResult::nameOf(Outcome outcome) {
         return "repaired";
     case Outcome::whole:
         return "whole";
+    case Outcome::held:
+        return "held";
+    case Outcome::unheld:
+        return "unheld";
     case Outcome::failed:
         break;
     }

@@ -10,6 +10,9 @@
 class HSCPlazQItem;
 class HSCPlazQStore;
 
+/// An item whatever its revision: its store's name and its own.
+using HSCPlazItemName = std::pair<std::string, std::string>;
+
 /// What became of one item.
 struct PLAZ_API HSCPlazItemResult {
     enum class Outcome {
@@ -20,6 +23,8 @@ struct PLAZ_API HSCPlazItemResult {
         upToDate, ///< there was nothing to do
         repaired,
         whole, ///< there was nothing to repair
+        held,  ///< the user wants it to stay in its revision
+        unheld,
         failed
     };
 

@@ -13,6 +13,7 @@
 #include "plaz/tasks/HSCPlazItemSteps.h"
 #include "plaz/tasks/HSCPlazRepairTask.h"
 #include "plaz/tasks/HSCPlazTask.h"
+#include "plaz/tasks/HSCPlazUserHolds.h"
 
 using Mode = HSCPlazInstallationMode;
 using Outcome = HSCPlazItemResult::Outcome;
@@ -57,7 +58,9 @@ Outcome HSCPlazUpdateTask::update(HSCPlazTask& task, HSCPlazItemSteps& steps, HS
         return Outcome::failed;
     }
     if (hasNothingToDo(task, item)) return isOfferKnown(task, item) ? Outcome::upToDate : Outcome::failed;
-    switch (HSCPlazUpdateDecision::decide(item)) {
+    const Step step = HSCPlazUpdateDecision::decide(item);
+    if (step != Step::none && !HSCPlazUserHolds::requireReleased(task, item)) return Outcome::failed;
+    switch (step) {
     case Step::fetchAgain:
         return outcomeOf(fetchAgain(task, steps, item));
     case Step::installLatest:

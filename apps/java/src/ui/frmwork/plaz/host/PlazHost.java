@@ -102,6 +102,30 @@ public final class PlazHost {
     public static native void repair(String... items);
 
     /**
+     * Keeps installed items in the revision that they are in: they are not updated, nor replaced by another one, until
+     * {@link #unhold}. They can be uninstalled, which ends it.
+     *
+     * @param items such as "boards::aurora"
+     * @throws ui.frmwork.cmd.CommandFailedException when one is not installed, or that cannot be recorded
+     */
+    public static native void hold(String... items);
+
+    /**
+     * Lets items that are held change again.
+     *
+     * @param items as for {@link #hold}
+     * @throws ui.frmwork.cmd.CommandFailedException when one is not held, or that cannot be recorded
+     */
+    public static native void unhold(String... items);
+
+    /**
+     * Whether an item of the hub is held, installed or not.
+     *
+     * @throws ui.frmwork.cmd.CommandFailedException when there is no such item, or that is not known
+     */
+    public static native boolean isHeld(String item);
+
+    /**
      * Whether a store's remote has moved since the last refresh; so it counts as well where the store was never
      * refreshed. Fetches nothing.
      *

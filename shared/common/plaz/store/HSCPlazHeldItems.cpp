@@ -1,0 +1,88 @@
+#include "plaz/store/HSCPlazHeldItems.h"
+
+#include "plaz/base/HSCPlazMsg.h"
+#include "plaz/model/reader/HSCPlazMetadataKeys.h"
+#include "support/HCRapidJsonReadWriteUtils.h"
+#include "support/HIOStream.h"
+#include "support/HUTFile.h"
+
+#include <algorithm>
+
+using Json = HCRapidJsonReadWriteUtils;
+namespace Key = HSCPlazKey;
+
+namespace {
+
+constexpr const char* storeKey = "store";
+
+bool isItem(const rapidjson::Value& item) {
+    const auto isText = [&](const char* key) { return item.HasMember(key) && item[key].IsString(); };
+    return item.IsObject() && isText(storeKey) && isText(Key::name);
+}
+
+/// The list of items; null where something else stands in the file.
+const rapidjson::Value* findItems(const rapidjson::Document& document) {
+    const rapidjson::Value* plaz = Json::FindObject(document, Key::plaz);
+    const rapidjson::Value* items = plaz ? Json::FindArray(*plaz, Key::items) : nullptr;
+    return items && std::all_of(items->Begin(), items->End(), isItem) ? items : nullptr;
+}
+
+bool write(const std::string& file, const std::set<HSCPlazHeldItems::Item>& held) {
+    rapidjson::Document document(rapidjson::kObjectType);
+    rapidjson::Value plaz(rapidjson::kObjectType);
+    Json::AddStringProperty(document, plaz, Key::majorVersion, "1");
+    Json::AddStringProperty(document, plaz, Key::minorVersion, "0");
+    rapidjson::Value items(rapidjson::kArrayType);
+    for (const auto& [store, name] : held) {
+        rapidjson::Value item(rapidjson::kObjectType);
+        Json::AddStringProperty(document, item, storeKey, store);
+        Json::AddStringProperty(document, item, Key::name, name);
+        items.PushBack(item, document.GetAllocator());
+    }
+    Json::AddGenericValueProperty(document, plaz, Key::items, items);
+    Json::AddGenericValueProperty(document, document, Key::plaz, plaz);
+    return HUTFile::writeAtomically(file, Json::toText(document));
+}
+
+} // namespace
+
+const std::set<HSCPlazHeldItems::Item>& HSCPlazHeldItems::read(HSCPlazReport& problem) {
+    if (!m_damage.empty() || m_stamp != HUTFile::getStamp(m_file)) readFile();
+    if (!m_damage.empty()) problem.add(Msg::heldUnknown, MsgSeverity::error, m_file, m_damage);
+    return m_items;
+}
+
+void HSCPlazHeldItems::readFile() {
+    m_stamp = HUTFile::getStamp(m_file);
+    m_items.clear();
+    m_damage.clear();
+    std::string text;
+    const HIOStream::Status status = HIOStream::read(m_file, text);
+    if (status == HIOStream::Status::missing) return;
+    HCRapidJsonDocument document;
+    const bool isJson = status == HIOStream::Status::ok && Json::parseInPlace(text, document);
+    const rapidjson::Value* items = isJson ? findItems(document) : nullptr;
+    if (status != HIOStream::Status::ok)
+        m_damage = "it cannot be read";
+    else if (!items)
+        m_damage = isJson ? "it holds no list of items" : Json::GetErrorMsgFromDocument(document);
+    else
+        for (const rapidjson::Value& item : items->GetArray())
+            m_items.emplace(item[storeKey].GetString(), item[Key::name].GetString());
+}
+
+void HSCPlazHeldItems::hold(const Item& item, HSCPlazReport& problem) {
+    std::set<Item> items = read(problem);
+    if (m_damage.empty() && items.insert(item).second) replace(std::move(items), problem);
+}
+
+void HSCPlazHeldItems::release(const Item& item, HSCPlazReport& problem) {
+    std::set<Item> items = read(problem);
+    if (m_damage.empty() && items.erase(item) != 0) replace(std::move(items), problem);
+}
+
+void HSCPlazHeldItems::replace(std::set<Item> items, HSCPlazReport& problem) {
+    if (!write(m_file, items)) return problem.add(Msg::heldNotSaved, MsgSeverity::error, m_file);
+    m_stamp = HUTFile::getStamp(m_file);
+    m_items = std::move(items);
+}

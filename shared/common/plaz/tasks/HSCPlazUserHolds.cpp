@@ -1,0 +1,95 @@
+#include "plaz/tasks/HSCPlazUserHolds.h"
+
+#include "plaz/base/HSCPlazMsg.h"
+#include "plaz/model/HSCPlazQItem.h"
+#include "plaz/model/HSCPlazQItemModel.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/store/HSCPlazWorkspace.h"
+#include "plaz/tasks/HSCPlazItemFiles.h"
+#include "plaz/tasks/HSCPlazTask.h"
+
+#include <algorithm>
+#include <set>
+#include <vector>
+
+namespace Dependencies = HSCPlazDependencies;
+namespace Files = HSCPlazItemFiles;
+
+namespace {
+
+HSCPlazItemName nameOf(const HSCPlazQItem& item) {
+    return {item.getStoreName(), item.getName()};
+}
+
+/// The installed revision whose place an item would take that is not there; null for none.
+const HSCPlazQItem* findReplaced(const HSCPlazFoundItem& found) {
+    if (found.item->IsInstalled() || found.store->IsMultiRevisionSupported()) return nullptr;
+    return Dependencies::findNewestInstalled(*found.store, found.item->getName());
+}
+
+bool isNothingHeld(HSCPlazTask& task) {
+    HSCPlazReport unknown;
+    return task.getWorkspace().held.read(unknown).empty() && unknown.isEmpty();
+}
+
+} // namespace
+
+bool HSCPlazUserHolds::requireReleased(HSCPlazTask& task, const HSCPlazQItem& item) {
+    HSCPlazReport unknown;
+    const bool isHeld = task.getWorkspace().held.read(unknown).count(nameOf(item)) != 0;
+    if (!unknown.isEmpty()) return task.fail(unknown);
+    return !isHeld || task.fail(Msg::itemIsHeld, Files::shownName(item), item.getRevision(),
+                                item.getStoreName() + "::" + item.getName());
+}
+
+bool HSCPlazUserHolds::requireReleasedPlace(HSCPlazTask& task, const HSCPlazFoundItem& found,
+                                            const HSCPlazQItemModel& record) {
+    std::vector<HSCPlazQItem*> leaving = Files::findReplaced(found, record);
+    if (found.item->isRecorded() && found.item->getModel()->getInstalledCommitId() != record.getCommitId())
+        leaving.push_back(found.item);
+    return std::all_of(leaving.begin(), leaving.end(), [&](auto* item) { return requireReleased(task, *item); });
+}
+
+bool HSCPlazUserHolds::requireReleasedNeeds(HSCPlazTask& task, const HSCPlazQItem& item) {
+    if (isNothingHeld(task)) return true;
+    std::set<const HSCPlazQItem*> seen{&item};
+    std::vector<const HSCPlazQItem*> pending{&item};
+    while (!pending.empty()) {
+        const HSCPlazQItem& next = *pending.back();
+        pending.pop_back();
+        for (const HSCPlazQItemDependency* dependency : next.getItemDependencies()) {
+            const HSCPlazFoundItem found = Dependencies::findOfferedOrInstalled(task.getHub(), *dependency);
+            if (!found || !seen.insert(found.item).second) continue;
+            const HSCPlazQItem* replaced = findReplaced(found);
+            if (replaced && !requireReleased(task, *replaced)) return false;
+            pending.push_back(found.item);
+        }
+    }
+    return true;
+}
+
+bool HSCPlazUserHolds::hold(HSCPlazTask& task, const HSCPlazQItem& item) {
+    if (!item.isRecorded()) return task.fail(Msg::itemNotInstalled, Files::shownName(item));
+    HSCPlazReport problem;
+    task.getWorkspace().held.hold(nameOf(item), problem);
+    return problem.isEmpty() || task.fail(problem);
+}
+
+bool HSCPlazUserHolds::release(HSCPlazTask& task, const HSCPlazItemName& item) {
+    HSCPlazHeldItems& held = task.getWorkspace().held;
+    HSCPlazReport problem;
+    if (held.read(problem).count(item) == 0 && problem.isEmpty())
+        return task.fail(Msg::itemNotHeld, item.first + "::" + item.second);
+    if (problem.isEmpty()) held.release(item, problem);
+    return problem.isEmpty() || task.fail(problem);
+}
+
+void HSCPlazUserHolds::forgetGone(HSCPlazTask& task, const HSCPlazFoundItem& found) {
+    const auto revisions = found.store->getInstalledItems(found.item->getName());
+    const bool isThere = std::any_of(revisions.begin(), revisions.end(), [](auto* one) { return one->isRecorded(); });
+    HSCPlazReport unknown, problem;
+    HSCPlazHeldItems& held = task.getWorkspace().held;
+    if (isThere || held.read(unknown).count(nameOf(*found.item)) == 0) return;
+    held.release(nameOf(*found.item), problem);
+    if (!problem.isEmpty()) task.tell(problem);
+}
