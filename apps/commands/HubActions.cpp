@@ -6,6 +6,7 @@
 #include "ShellMsg.h"
 #include "UserSettings.h"
 
+#include "plaz/HSCPlazCommand.h"
 #include "plaz/HSCPlazInspection.h"
 #include "plaz/HSCPlazTaskMgr.h"
 #include "plaz/base/HSCPlazMsg.h"
@@ -75,6 +76,12 @@ HSCPlazQItem& takeNext(Items& pending) {
     return item;
 }
 
+std::string joinNames(const Stores& stores) {
+    std::string names;
+    for (const HSCPlazQStore* store : stores) names += " " + store->getName();
+    return names;
+}
+
 HSCPlazItemResult removed(const HSCPlazQItem& item) {
     return HSCPlazItemResult::of(item, HSCPlazItemResult::Outcome::removed);
 }
@@ -99,6 +106,7 @@ template <typename Subject, typename Action> auto HubActions::doEach(std::vector
 }
 
 ItemsResult HubActions::install(const Items& items) const {
+    const HSCPlazCommand command("install", items);
     return doEach(items, [&](HSCPlazQItem& item) {
         if (item.isInactive() && !item.IsInstalled())
             ComMsgMgr::send(ShellMsg::itemInactive, MsgSeverity::warning, ItemReference::of(item).toText());
@@ -107,11 +115,13 @@ ItemsResult HubActions::install(const Items& items) const {
 }
 
 ItemsResult HubActions::update(const Items& items) const {
+    const HSCPlazCommand command("update", items);
     return doEach(items,
                   [&](HSCPlazQItem& item) { return HSCPlazTaskMgr::updateItem(m_hub, item, m_options, &m_status); });
 }
 
 ItemsResult HubActions::uninstall(const Items& items) const {
+    const HSCPlazCommand command("uninstall", items);
     std::set<const HSCPlazQItem*> installed;
     std::copy_if(items.begin(), items.end(), std::inserter(installed, installed.end()),
                  [](const HSCPlazQItem* item) { return item->IsInstalled(); });
@@ -146,6 +156,12 @@ ItemsResult HubActions::unhold(const std::vector<HSCPlazItemName>& names) const 
     return doEach(subjects, [&](const auto& name) { return HSCPlazTaskMgr::unholdItem(m_hub, name, &m_status); });
 }
 
+ItemsResult HubActions::undo(int number) const {
+    HSCPlazUndoResult result = HSCPlazTaskMgr::undo(m_hub, number, m_options, &m_status);
+    const bool isWhole = result.isDone && !result.report.findProblem();
+    return {std::move(result.items), isWhole, isWhole ? std::nullopt : reasonOf(result.report)};
+}
+
 FilesResult HubActions::verify(const Items& items) const {
     HSCPlazTaskMgr::takeOverRecords(); // once, however many items there are
     return doEach(items, [&](HSCPlazQItem& item) { return HSCPlazTaskMgr::verifyItem(m_hub, item, &m_status); });
@@ -159,14 +175,17 @@ ItemsResult HubActions::repair(const Items& items) const {
 }
 
 StoresResult HubActions::refresh(const Stores& stores) const {
+    const HSCPlazCommand command("refresh" + joinNames(stores));
     return doEach(stores, [&](HSCPlazQStore& store) { return HSCPlazTaskMgr::refreshStore(store, &m_status); });
 }
 
 StoresResult HubActions::refreshHub(const std::vector<std::string>& names) const {
+    const HSCPlazCommand command("refresh --hub");
     return describeAll(HSCPlazTaskMgr::refreshHub(m_hub, &m_status), names);
 }
 
 StoresResult HubActions::chooseHub(const std::string& wanted) const {
+    const HSCPlazCommand command("hub set"); // its URL may hold a secret
     const bool isSample = wanted == sampleHub;
     const std::string url = isSample ? HSCPlazInspection::getSampleHubUrl() : wanted;
     if (isSample)

@@ -57,6 +57,8 @@ public:
     /// Has installed items stay in their revision, and lets them change again.
     ItemsResult hold(const std::vector<HSCPlazQItem*>& items) const;
     ItemsResult unhold(const std::vector<HSCPlazItemName>& names) const;
+    /// Takes back what a command has changed. @param number  of the entry in the history; 0 for the newest
+    ItemsResult undo(int number) const;
     /// Compares the files of installed items with those of their recorded commits. Changes nothing.
     FilesResult verify(const std::vector<HSCPlazQItem*>& items) const;
     /// Brings back what verify() finds changed or missing.

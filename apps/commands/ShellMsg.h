@@ -61,5 +61,6 @@ inline constexpr MsgId<3> nothingFitsNear{"@17-2311@%s%s%s"}; ///< "item" or "st
 inline constexpr MsgId<0> nothingHeld{"@17-2344@"};
 inline constexpr MsgId<4> heldPassedOver{"@17-2345@%s%s%s%s"}; ///< display name, revision, offered one, STORE::NAME
 inline constexpr MsgId<2> heldNotInstalled{"@17-2346@%s%s"};   ///< STORE::NAME, the same
+inline constexpr MsgId<0> nothingDone{"@17-2349@"};
 inline constexpr MsgId<0> cancelled{"@17-2190@"};
 } // namespace ShellMsg

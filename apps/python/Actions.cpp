@@ -5,6 +5,7 @@
 #include "HubQueries.h"
 #include "PythonMsg.h"
 
+#include "plaz/HSCPlazInspection.h"
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQItem.h"
@@ -166,6 +167,35 @@ py::list unhold(const py::object& items, const OptionalText& store) {
         }
         return answer(call, makeActions(call).unhold(names));
     });
+}
+
+py::list readHistory() {
+    return callHub([](Call&) {
+        const py::module_ results = py::module_::import("plaz._results");
+        const auto sideOf = [](const std::optional<HSCPlazInstalledFact>& fact) {
+            return fact ? py::make_tuple(::toPython(fact->commit), ::toPython(fact->mode)) : py::make_tuple("", "");
+        };
+        py::list history;
+        for (const HSCPlazHistoryEntry& entry : HSCPlazInspection::readHistory()) {
+            py::list changes;
+            for (const HSCPlazRecordedChange& change : entry.changes)
+                changes.append(results.attr("HistoryChange")(
+                    ::toPython(change.item.store), ::toPython(change.item.name), ::toPython(change.item.revision),
+                    change.describe(), *sideOf(change.before), *sideOf(change.after)));
+            history.append(results.attr("HistoryEntry")(entry.number, ::toPython(entry.time), ::toPython(entry.command),
+                                                        entry.undone, entry.isPart, py::tuple(changes)));
+        }
+        return history;
+    });
+}
+
+py::list undo(std::optional<int> number, bool quiet, bool discardChanges, py::object progress) {
+    if (number && *number < 1) throw py::value_error("a number in the history is 1 or more");
+    return callHub(
+        [&](Call& call) {
+            return answer(call, makeActions(call, {quiet, discardChanges}).undo(number.value_or(0)));
+        },
+        std::move(progress));
 }
 
 py::list verify(const py::object& items, const OptionalText& store, py::object progress) {

@@ -2,6 +2,8 @@
 
 #include "Queries.h"
 
+#include <optional>
+
 // What scripts let the hub do; see the docstrings. What fails raises.
 
 pybind11::list install(const pybind11::object& items, const OptionalText& store, bool quiet, bool reinstall,
@@ -12,6 +14,9 @@ pybind11::list update(const pybind11::object& items, const OptionalText& store, 
                       pybind11::object progress);
 pybind11::list hold(const pybind11::object& items, const OptionalText& store);
 pybind11::list unhold(const pybind11::object& items, const OptionalText& store);
+/// The newest first.
+pybind11::list readHistory();
+pybind11::list undo(std::optional<int> number, bool quiet, bool discardChanges, pybind11::object progress);
 /// Damage is part of the answer. @param items  None for all that is installed
 pybind11::list verify(const pybind11::object& items, const OptionalText& store, pybind11::object progress);
 /// @param items  None for all that is installed

@@ -93,6 +93,12 @@ std::string namesOf(const std::map<std::string, ItemQuery::Order>& choices) {
     return names;
 }
 
+void addLimit(CLI::App& command, Options& options, const char* description) {
+    command.add_option("--limit", options.limit, description)
+        ->type_name("N")
+        ->check(CLI::PositiveNumber.description(""));
+}
+
 void addOrder(CLI::App& items, Options& options) {
     const auto setOrder = [&options](const std::string& name) { options.query.order = orders.at(name); };
     items
@@ -101,9 +107,7 @@ void addOrder(CLI::App& items, Options& options) {
                                           "name, store or revision (the highest first)")
         ->type_name(namesOf(orders))
         ->check(oneOf(namesOf(orders)));
-    items.add_option("--limit", options.limit, "List no more than so many items")
-        ->type_name("N")
-        ->check(CLI::PositiveNumber.description(""));
+    addLimit(items, options, "List no more than so many items");
 }
 
 void addItemsCommand(CLI::App& app, Options& options) {
@@ -186,6 +190,20 @@ void addHoldCommands(CLI::App& app, Options& options) {
     addItems(*app.add_subcommand("unhold", "Let items that you hold change again"), options, true);
 }
 
+void addHistoryCommands(CLI::App& app, Options& options) {
+    CLI::App* history = app.add_subcommand("history", "List what was done to what is installed, the newest first");
+    addLimit(*history, options, "List no more than so many commands");
+    CLI::App* undo = app.add_subcommand("undo", "Take back what a command has changed of what is installed");
+    undo->add_option("NUMBER", options.entry, "The command's number in the history; the newest without")
+        ->type_name("")
+        ->check(CLI::PositiveNumber.description(""));
+    addFlag(*undo, commandOptions::discardChanges, options.discardChanges);
+    undo->footer(
+        std::string("The newest is one that was not taken back yet, so that twice goes two steps back. To take "
+                    "back an undo, name its number.\n") +
+        sharedNote);
+}
+
 void addHubCommand(CLI::App& app, Options& options) {
     CLI::App* hub = app.add_subcommand("hub", "Show which hub is in force, or choose one; keep stores of your own");
     CLI::App* set = hub->add_subcommand("set", "Use the hub of this URL from now on, and fetch it");
@@ -238,6 +256,7 @@ void addCommands(CLI::App& app, Options& options) {
                    sharedNote);
     addInstallCommands(app, options);
     addHoldCommands(app, options);
+    addHistoryCommands(app, options);
     CLI::App* relocate = app.add_subcommand("relocate", "Keep a store below another directory from now on");
     relocate->add_option("STORE", options.store, "The store")->type_name("")->required();
     relocate->add_option("DIRECTORY", options.directory, "Where to keep it; its folder is made there")

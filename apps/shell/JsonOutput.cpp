@@ -214,6 +214,13 @@ void fillStep(Object& object, const HSCPlazPlannedStep& step) {
     if (!step.changes.empty()) object.text("changes", step.changes);
 }
 
+void fillFact(Document& document, Object& object, const char* key, const std::optional<HSCPlazInstalledFact>& fact) {
+    if (!fact) return;
+    Object side(document);
+    side.text("commit_id", fact->commit).text("installation_mode", fact->mode);
+    object.value(key, std::move(side.get()));
+}
+
 void fillPath(Object& object, const HSCPlazPathsInForce::Path& path) {
     object.text("name", path.name).text("path", path.path).text("chosen_by", path.chosen).flag("exists", path.exists);
 }
@@ -334,6 +341,22 @@ void JsonOutput::showStoreResults(const std::vector<HSCPlazStoreResult>& results
                 .text("local_directory", result.directory)
                 .number("item_count", static_cast<int>(result.items))
                 .number("items", static_cast<int>(result.items));
+        }));
+}
+
+void JsonOutput::showHistory(const std::vector<HSCPlazHistoryEntry>& entries) {
+    const auto fillChange = [this](Object& object, const HSCPlazRecordedChange& change) {
+        object.text("store", change.item.store)
+            .text("name", change.item.name)
+            .text("revision", change.item.revision)
+            .text("change", change.describe());
+        fillFact(m_document, object, "before", change.before);
+        fillFact(m_document, object, "after", change.after);
+    };
+    add(m_document, "history", arrayOf(m_document, entries, [&](Object& object, const HSCPlazHistoryEntry& entry) {
+            object.number("number", entry.number).text("time", entry.time).text("command", entry.command);
+            if (entry.undone != 0) object.number("undone", entry.undone).flag("is_part", entry.isPart);
+            object.value("changes", arrayOf(m_document, entry.changes, fillChange));
         }));
 }
 

@@ -22,6 +22,7 @@ public:
     void showReason(const ItemReason& reason) override;
     void showFiles(const std::vector<HSCPlazFilesResult>& results) override;
     void showStoreResults(const std::vector<HSCPlazStoreResult>& results) override;
+    void showHistory(const std::vector<HSCPlazHistoryEntry>& entries) override;
     void showPaths(const std::vector<HSCPlazPathsInForce::Path>& hub,
                    const std::vector<HSCPlazPathsInForce::StorePaths>& stores) override;
     void showParams(const std::vector<const HPAParam*>& params) override;

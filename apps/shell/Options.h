@@ -22,7 +22,7 @@ struct Options {
     std::vector<std::string> settings; ///< each "PARAM=VALUE"
 
     ItemQuery query;                ///< items; categories its store
-    std::size_t limit = 0;          ///< items: most lines; 0 for any
+    std::size_t limit = 0;          ///< items, history: most of them; 0 for any
     std::vector<std::string> items; ///< references, each well-formed
     std::string store;
     bool all = false;                 ///< update
@@ -33,6 +33,7 @@ struct Options {
     bool oldRevisions = false;        ///< uninstall
     std::vector<std::string> stores;  ///< refresh, check, doctor: names; empty for all
     bool hub = false;                 ///< refresh
+    int entry = 0;                    ///< undo: its number in the history; 0 for the newest
     std::string directory;            ///< relocate
     std::string pattern;              ///< params
     std::string param;                ///< set, unset

@@ -5,6 +5,7 @@
 #include "HubQueries.h"
 
 #include "plaz/HSCPlazPathsInForce.h"
+#include "plaz/model/HSCPlazHistoryEntry.h"
 #include "plaz/model/reader/HSCPlazFileCheck.h"
 #include "plaz/tasks/HSCPlazTaskResult.h"
 #include "support/ComMsgMgr.h"
@@ -31,6 +32,7 @@ public:
     virtual void showReason(const ItemReason& reason) = 0;
     virtual void showFiles(const std::vector<HSCPlazFilesResult>& results) = 0;
     virtual void showStoreResults(const std::vector<HSCPlazStoreResult>& results) = 0;
+    virtual void showHistory(const std::vector<HSCPlazHistoryEntry>& entries) = 0;
     virtual void showPaths(const std::vector<HSCPlazPathsInForce::Path>& hub,
                            const std::vector<HSCPlazPathsInForce::StorePaths>& stores) = 0;
     virtual void showParams(const std::vector<const HPAParam*>& params) = 0;

@@ -153,6 +153,8 @@ int Program::runCommand() {
                                                                     {"repair", &Program::runRepair},
                                                                     {"hold", &Program::runHold},
                                                                     {"unhold", &Program::runUnhold},
+                                                                    {"history", &Program::runHistory},
+                                                                    {"undo", &Program::runUndo},
                                                                     {"doctor", &Program::runDoctor},
                                                                     {"complete", &Program::runComplete},
                                                                     {"shell", &Program::runShell}};

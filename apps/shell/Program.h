@@ -64,6 +64,8 @@ private:
     int runRepair();
     int runHold();
     int runUnhold();
+    int runHistory();
+    int runUndo();
     int runPaths();
     int runParams();
     int runSet();

@@ -2,12 +2,26 @@
 #include "Program.h"
 #include "ShellMsg.h"
 
+#include "plaz/HSCPlazInspection.h"
+
 int Program::runHold() {
     if (!m_options.items.empty()) return show(makeActions().hold(resolveAll(&HubQueries::resolveForUpdate)));
     const std::vector<HSCPlazQItem*> held = HubQueries(getHub()).findHeld();
     if (held.empty()) ComMsgMgr::send(ShellMsg::nothingHeld, MsgSeverity::info);
     m_output->showItems(HubQueries::list(held));
     return exitStatus::done;
+}
+
+int Program::runHistory() {
+    std::vector<HSCPlazHistoryEntry> entries = HSCPlazInspection::readHistory();
+    if (entries.empty()) ComMsgMgr::send(ShellMsg::nothingDone, MsgSeverity::info);
+    if (m_options.limit != 0 && entries.size() > m_options.limit) entries.resize(m_options.limit);
+    m_output->showHistory(entries);
+    return exitStatus::done;
+}
+
+int Program::runUndo() {
+    return show(makeActions().undo(m_options.entry));
 }
 
 int Program::runUnhold() {

@@ -6,6 +6,7 @@
 #include "TclObjects.h"
 #include "TclText.h"
 
+#include "plaz/HSCPlazInspection.h"
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQItem.h"
@@ -121,6 +122,31 @@ Tcl_Obj* unhold(const TclCall& call) {
     return answer(call, makeActions(call).unhold(names));
 }
 
+/// A dictionary for each entry; its changes are pairs of a reference and what became of it.
+Tcl_Obj* history(const TclCall& call) {
+    call.expectWords(0, 0);
+    Tcl_Obj* entries = Tcl_NewListObj(0, nullptr);
+    for (const HSCPlazHistoryEntry& entry : HSCPlazInspection::readHistory()) {
+        Tcl_Obj* changes = Tcl_NewListObj(0, nullptr);
+        for (const HSCPlazRecordedChange& change : entry.changes)
+            Tcl_ListObjAppendElement(nullptr, changes, makeList({change.item.toText(), change.describe()}));
+        Tcl_Obj* told =
+            makeList({"number", std::to_string(entry.number), "time", entry.time, "command", entry.command, "changes"});
+        Tcl_ListObjAppendElement(nullptr, told, changes);
+        Tcl_ListObjAppendElement(nullptr, entries, told);
+    }
+    return entries;
+}
+
+Tcl_Obj* undo(const TclCall& call) {
+    call.expectWords(0, 1);
+    const std::string word = call.joinWords(0, call.getWords().size());
+    int number = 0;
+    if (!word.empty() && (Tcl_GetIntFromObj(nullptr, call.getWords().front(), &number) != TCL_OK || number < 1))
+        failWith(Msg::undoUnknown, word);
+    return answer(call, makeActions(call).undo(number));
+}
+
 /// Every installed revision of what words mean, of all items without a word.
 Items resolveRevisions(const TclCall& call) {
     const HubQueries queries(requireHub());
@@ -204,6 +230,14 @@ const std::vector<TclCommand>& actionCommands() {
                       "Brings back files of installed items, all without a word, that were changed or are missing. The "
                       "result is how many items that were.",
                       {quiet, discardChanges}, repair),
+        {"plaz::history", "",
+         "What was done to what is installed, the newest first. The result is a list of dictionaries: number, time, "
+         "command, and changes, a list of pairs of an item and what became of it.",
+         tclOptions({}), TclSubject::nothing, false, history},
+        {"plaz::undo", "?number?",
+         "Takes back what the command of that number in the history has changed, without one the newest that was not "
+         "taken back yet. The result is how many items that were.",
+         tclOptions({quiet, discardChanges}), TclSubject::nothing, false, undo},
         {"plaz::refresh_catalog", "?stores ...?",
          "Fetches the catalogs of stores, all without a word, and what they say of items, which are new objects then; "
          "with -hub the stores are, too. The result is how many stores were fetched.",

@@ -37,8 +37,10 @@ def command_of(way, step, name):
 
 
 def read_tree(area):
-    """Every file with its content, git's own left out, for it holds times, and the lock, which holds who took it."""
-    files = [file for file in area.rglob("*") if file.is_file() and not {".index", "plaz.lock"} & set(file.parts)]
+    """Every file with its content, git's own and the history left out, for they hold times, and the lock, which holds
+    who took it."""
+    varying = {".index", "plaz.lock", "plaz_history.json"}
+    files = [file for file in area.rglob("*") if file.is_file() and not varying & set(file.parts)]
     return {str(file.relative_to(area)): file.read_bytes().replace(str(area).encode(), b"AREA") for file in files}
 
 

@@ -148,6 +148,18 @@ bool isHeld(const std::string& reference) {
     return HSCPlazInspection::findHeld().count({item.getStoreName(), item.getName()}) != 0;
 }
 
+/// Of each entry its number, time, command and how many changes it has, then an item and what became of it for each.
+std::vector<std::string> readHistory() {
+    std::vector<std::string> texts;
+    for (const HSCPlazHistoryEntry& entry : HSCPlazInspection::readHistory()) {
+        texts.insert(texts.end(),
+                     {std::to_string(entry.number), entry.time, entry.command, std::to_string(entry.changes.size())});
+        for (const HSCPlazRecordedChange& change : entry.changes)
+            texts.insert(texts.end(), {change.item.toText(), change.describe()});
+    }
+    return texts;
+}
+
 /// By the Tcl command of that name.
 void command(const char* name, std::vector<std::string> references) {
     references.insert(references.begin(), name);
@@ -213,4 +225,18 @@ JNIEXPORT jboolean JNICALL Java_ui_frmwork_plaz_host_PlazHost_isHeld(JNIEnv* env
 
 JNIEXPORT jboolean JNICALL Java_ui_frmwork_plaz_host_PlazHost_check(JNIEnv* env, jclass, jstring store) {
     return guard(env, [&] { return check(jni::toNative(env, store)); });
+}
+
+JNIEXPORT jobjectArray JNICALL Java_ui_frmwork_plaz_host_PlazHost_readHistory(JNIEnv* env, jclass) {
+    jobjectArray texts = nullptr;
+    guard(env, [&] { texts = toJava(env, readHistory()); });
+    return texts;
+}
+
+JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_undo__(JNIEnv* env, jclass) {
+    guard(env, [] { command("plaz::undo", {}); });
+}
+
+JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_undo__I(JNIEnv* env, jclass, jint number) {
+    guard(env, [&] { command("plaz::undo", {std::to_string(number)}); });
 }

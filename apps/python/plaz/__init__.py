@@ -24,6 +24,7 @@ from plaz._plaz import (
     Item,
     Store,
     cancel,
+    history,
     hold,
     install,
     item,
@@ -33,12 +34,13 @@ from plaz._plaz import (
     set_product,
     store,
     stores,
+    undo,
     unhold,
     uninstall,
     update,
     verify,
 )
-from plaz._results import ActionResult, FilesResult, Message, StoreResult
+from plaz._results import ActionResult, FilesResult, HistoryChange, HistoryEntry, Message, StoreResult
 from plaz._settings import Parameters, Preferences
 
 params = Parameters()
@@ -51,6 +53,8 @@ __all__ = [
     "Cancelled",
     "Error",
     "FilesResult",
+    "HistoryChange",
+    "HistoryEntry",
     "Item",
     "Message",
     "NotFoundError",
@@ -60,6 +64,7 @@ __all__ = [
     "Store",
     "StoreResult",
     "cancel",
+    "history",
     "hold",
     "install",
     "item",
@@ -71,6 +76,7 @@ __all__ = [
     "set_product",
     "store",
     "stores",
+    "undo",
     "unhold",
     "uninstall",
     "update",

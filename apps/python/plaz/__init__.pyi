@@ -241,6 +241,14 @@ def update(
 ) -> list[ActionResult]: ...
 def hold(items: Item | str | Iterable[Item | str], *, store: str | None = None) -> list[ActionResult]: ...
 def unhold(items: Item | str | Iterable[Item | str], *, store: str | None = None) -> list[ActionResult]: ...
+def history() -> list[HistoryEntry]: ...
+def undo(
+    number: int | None = None,
+    *,
+    quiet: bool = False,
+    discard_changes: bool = False,
+    progress: _Progress | None = None,
+) -> list[ActionResult]: ...
 def verify(
     items: Item | str | Iterable[Item | str] | None = None,
     *,
@@ -271,6 +279,8 @@ __all__ = [
     "Cancelled",
     "Error",
     "FilesResult",
+    "HistoryChange",
+    "HistoryEntry",
     "Item",
     "Message",
     "NotFoundError",
@@ -280,6 +290,7 @@ __all__ = [
     "Store",
     "StoreResult",
     "cancel",
+    "history",
     "hold",
     "install",
     "item",
@@ -291,6 +302,7 @@ __all__ = [
     "set_product",
     "store",
     "stores",
+    "undo",
     "unhold",
     "uninstall",
     "update",

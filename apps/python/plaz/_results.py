@@ -31,6 +31,38 @@ class ActionResult(NamedTuple):
     needed_by: str = ""
 
 
+class HistoryChange(NamedTuple):
+    """What became of one revision of an item.
+
+    change: "installed", "installed as a dependency", "removed", "updated", "becomes a dependency", "becomes yours" or
+    "changed". Commits and modes are empty where it was not, or is not, installed.
+    """
+
+    store: str
+    name: str
+    revision: str
+    change: str
+    commit_before: str
+    mode_before: str
+    commit_after: str
+    mode_after: str
+
+
+class HistoryEntry(NamedTuple):
+    """What one command has made of what is installed.
+
+    command: as a person would write it; empty where it was interrupted, or something else made the changes.
+    undone: the number of the entry that it took back, 0 for none; is_part: it could not take back all of it.
+    """
+
+    number: int
+    time: str
+    command: str
+    undone: int
+    is_part: bool
+    changes: Tuple[HistoryChange, ...]
+
+
 class FilesResult(NamedTuple):
     """How the files of an installed item compare with those of its recorded commit.
 

@@ -121,6 +121,13 @@ bool HSCPlazInspection::isHeld(const HSCPlazQItem& item) {
     return item.isRecorded() && workspace().held.read(unknown).count({item.getStoreName(), item.getName()}) != 0;
 }
 
+std::vector<HSCPlazHistoryEntry> HSCPlazInspection::readHistory() {
+    HSCPlazReport problem;
+    const std::vector<HSCPlazHistoryEntry>& entries = workspace().history.read(problem);
+    if (!problem.isEmpty()) throw HEXAll(problem.getNotes().front().message);
+    return {entries.rbegin(), entries.rend()};
+}
+
 bool HSCPlazInspection::isRecordGone(const HSCPlazQStoreModel& store) {
     return workspace().databases.isGone(workspace().paths.getStoreLayout(store));
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "plaz/base/PlazExport.h"
+#include "plaz/model/HSCPlazHistoryEntry.h"
 #include "plaz/tasks/HSCPlazTaskResult.h"
 
 #include <map>
@@ -74,6 +75,10 @@ PLAZ_API std::optional<ComMsgMgrInstance> describeUnknownRecord(const HSCPlaz& h
 PLAZ_API std::set<HSCPlazItemName> findHeld();
 /// Whether an item is installed and among them; false where that is not known.
 PLAZ_API bool isHeld(const HSCPlazQItem& item);
+
+/// What was done to what is installed, the newest first.
+/// @throws HEXAll Msg::historyUnknown where that is not known
+PLAZ_API std::vector<HSCPlazHistoryEntry> readHistory();
 
 /// Items of the store had been installed, and their record is gone.
 PLAZ_API bool isRecordGone(const HSCPlazQStoreModel& store);

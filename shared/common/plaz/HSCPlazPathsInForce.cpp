@@ -152,6 +152,8 @@ std::vector<Path> HSCPlazPathsInForce::ofHub() {
             inForce(
                 "held items", [&] { return paths.getHeldFile(); }, "in the user area"),
             inForce(
+                "history", [&] { return paths.getHistoryFile(); }, "in the user area"),
+            inForce(
                 "kept files", [&] { return paths.getKeptDir(); }, "in the user area"),
             inForce(
                 "hub database", [&] { return paths.getDefaultLocalDbFile(); }, "in the user area"),

@@ -1,5 +1,6 @@
 #include "plaz/HSCPlazTaskMgr.h"
 
+#include "plaz/HSCPlazCommand.h"
 #include "plaz/HSCPlazMgr.h"
 #include "plaz/base/HSCPlazDebugLog.h"
 #include "plaz/base/HSCPlazMsg.h"
@@ -24,6 +25,7 @@
 #include "plaz/tasks/HSCPlazRepairTask.h"
 #include "plaz/tasks/HSCPlazSampleHubTask.h"
 #include "plaz/tasks/HSCPlazTask.h"
+#include "plaz/tasks/HSCPlazUndoTask.h"
 #include "plaz/tasks/HSCPlazUninstallTask.h"
 #include "plaz/tasks/HSCPlazUpdateCheckTask.h"
 #include "plaz/tasks/HSCPlazUpdateTask.h"
@@ -112,6 +114,7 @@ bool mayBeMoved(const HSCPlazQStore* store, const std::string& dir) {
 
 HSCPlazItemResult HSCPlazTaskMgr::installItem(HSCPlaz& hub, HSCPlazQItem& item, HSCPlazTaskOptions options,
                                               HDGUIStatus* status) {
+    const HSCPlazCommand command("install", {&item});
     HSCPlazTask task(workspace(), hub, status, options);
     const bool isDone =
         carryOutSteps(task, [&](HSCPlazItemSteps& steps) { return HSCPlazInstallTask::install(task, steps, item); });
@@ -120,6 +123,7 @@ HSCPlazItemResult HSCPlazTaskMgr::installItem(HSCPlaz& hub, HSCPlazQItem& item, 
 
 HSCPlazItemResult HSCPlazTaskMgr::uninstallItem(HSCPlaz& hub, HSCPlazQItem& item, HSCPlazTaskOptions options,
                                                 HDGUIStatus* status) {
+    const HSCPlazCommand command("uninstall", {&item});
     HSCPlazTask task(workspace(), hub, status, options);
     task.show("Removing " + item.getDisplayName());
     const bool wasRecorded = item.isRecorded();
@@ -136,6 +140,7 @@ HSCPlazItemResult HSCPlazTaskMgr::uninstallItem(HSCPlaz& hub, HSCPlazQItem& item
 
 HSCPlazItemResult HSCPlazTaskMgr::updateItem(HSCPlaz& hub, HSCPlazQItem& asked, HSCPlazTaskOptions options,
                                              HDGUIStatus* status) {
+    const HSCPlazCommand command("update", {&asked});
     HSCPlazTask task(workspace(), hub, status, options);
     HSCPlazQItem& item = HSCPlazDependencies::findCurrent(asked);
     // Of several items in one command, an earlier one may have needed it last.
@@ -164,6 +169,7 @@ HSCPlazItemResult HSCPlazTaskMgr::updateItem(HSCPlaz& hub, HSCPlazQItem& asked, 
 std::vector<HSCPlazItemResult> HSCPlazTaskMgr::repairItems(HSCPlaz& hub, const std::vector<HSCPlazQItem*>& items,
                                                            HSCPlazTaskOptions options, HDGUIStatus* status,
                                                            const std::function<void(std::size_t)>& begin) {
+    const HSCPlazCommand command("repair", items);
     HSCPlazTask task(workspace(), hub, status, options);
     std::vector<HSCPlazItemResult> results;
     if (items.empty()) return results;
@@ -213,6 +219,16 @@ HSCPlazItemResult HSCPlazTaskMgr::unholdItem(HSCPlaz& hub, const HSCPlazItemName
     return result;
 }
 
+HSCPlazUndoResult HSCPlazTaskMgr::undo(HSCPlaz& hub, int number, HSCPlazTaskOptions options, HDGUIStatus* status) {
+    const HSCPlazCommand command("undo");
+    HSCPlazTask task(workspace(), hub, status, options);
+    HSCPlazUndoResult result;
+    result.isDone =
+        carryOut(task, [&](Changes& changes) { return HSCPlazUndoTask::undo(task, changes, number, result.items); });
+    result.report = task.getReport();
+    return result;
+}
+
 void HSCPlazTaskMgr::takeOverRecords() {
     HSCPlazReport report;
     HSCPlazInstalledState(workspace(), report).update();
@@ -228,6 +244,7 @@ HSCPlazFilesResult HSCPlazTaskMgr::verifyItem(HSCPlaz& hub, HSCPlazQItem& item, 
 }
 
 HSCPlazHubResult HSCPlazTaskMgr::refreshHub(HSCPlaz& hub, HDGUIStatus* status) {
+    const HSCPlazCommand command("refresh --hub");
     HSCPlazTask task(workspace(), hub, status);
     std::map<std::string, HSCPlazReport> failed;
     HSCPlazHubResult result;
@@ -249,11 +266,13 @@ HSCPlazHubResult HSCPlazTaskMgr::makeSampleHub(HSCPlaz& hub, HDGUIStatus* status
 }
 
 HSCPlazHubResult HSCPlazTaskMgr::leaveHub(HSCPlaz& hub, HDGUIStatus* status) {
+    const HSCPlazCommand command("hub unset");
     HSCPlazTask task(workspace(), hub, status);
     return resultOf(task, carryOut(task, [&](Changes&) { return HSCPlazRefreshHubTask::forget(task); }));
 }
 
 HSCPlazHubResult HSCPlazTaskMgr::addStore(HSCPlaz& hub, const HSCPlazNewStore& wanted, HDGUIStatus* status) {
+    const HSCPlazCommand command("hub add-store " + wanted.name);
     HSCPlazTask task(workspace(), hub, status);
     const bool isDone = carryOut(task, [&](Changes&) { return HSCPlazOwnStoreTask::add(task, wanted); });
     if (!isDone) task.fail(Msg::storeNotAdded, wanted.name);
@@ -261,11 +280,13 @@ HSCPlazHubResult HSCPlazTaskMgr::addStore(HSCPlaz& hub, const HSCPlazNewStore& w
 }
 
 HSCPlazHubResult HSCPlazTaskMgr::removeStore(HSCPlaz& hub, const std::string& name, HDGUIStatus* status) {
+    const HSCPlazCommand command("hub remove-store " + name);
     HSCPlazTask task(workspace(), hub, status);
     return resultOf(task, carryOut(task, [&](Changes&) { return HSCPlazOwnStoreTask::remove(task, name); }));
 }
 
 HSCPlazStoreResult HSCPlazTaskMgr::refreshStore(HSCPlazQStore& store, HDGUIStatus* status) {
+    const HSCPlazCommand command("refresh " + store.getName());
     HSCPlazTask task(workspace(), *store.getHub(), status);
     const auto refresh = [&](Changes&) {
         return HSCPlazRefreshStoreTask::fetchCatalog(task, store) &&
@@ -277,6 +298,7 @@ HSCPlazStoreResult HSCPlazTaskMgr::refreshStore(HSCPlazQStore& store, HDGUIStatu
 }
 
 HSCPlazStoreResult HSCPlazTaskMgr::describeItems(HSCPlazQStore& store, HDGUIStatus* status) {
+    const HSCPlazCommand command("refresh " + store.getName());
     HSCPlazTask task(workspace(), *store.getHub(), status);
     const bool isDone = carryOut(
         task, [&](Changes&) { return HSCPlazRefreshStoreTask::describeItems(task, store); }, &store);
@@ -303,6 +325,7 @@ HSCPlazStoreResult HSCPlazTaskMgr::checkStore(HSCPlazQStore& store, HDGUIStatus*
 }
 
 HSCPlazStoreResult HSCPlazTaskMgr::moveStore(HSCPlazQStore& store, const std::string& dir) {
+    const HSCPlazCommand command("relocate " + store.getName() + " " + dir);
     HSCPlazTask task(workspace(), *store.getHub(), nullptr);
     const std::string path = HUTFile::getCanonicalName(dir);
     const auto move = [&](Changes& changes) { return HSCPlazMoveStoreTask::move(task, changes, store, path); };
@@ -323,6 +346,7 @@ bool HSCPlazTaskMgr::uninstall(HSCPlaz* hub, HSCPlazQItem* item, bool quiet) {
 
 bool HSCPlazTaskMgr::updateCatalog(HSCPlaz* hub, HDGUIStatus* status) {
     if (!hub || !hub->getModel()) return false;
+    const HSCPlazCommand command("refresh --hub");
     HSCPlazTask task(workspace(), *hub, status);
     std::map<std::string, HSCPlazReport> failed;
     return ::refreshHub(task, failed);
@@ -330,6 +354,7 @@ bool HSCPlazTaskMgr::updateCatalog(HSCPlaz* hub, HDGUIStatus* status) {
 
 bool HSCPlazTaskMgr::updateCatalog(HSCPlazQStore* store, HDGUIStatus* status) {
     if (!store || !store->getModel() || !store->getHub()) return false;
+    const HSCPlazCommand command("refresh " + store->getName());
     HSCPlazTask task(workspace(), *store->getHub(), status);
     return Changes::run(
         task, [&](Changes&) { return HSCPlazRefreshStoreTask::describeItems(task, *store); }, store);
@@ -337,6 +362,7 @@ bool HSCPlazTaskMgr::updateCatalog(HSCPlazQStore* store, HDGUIStatus* status) {
 
 bool HSCPlazTaskMgr::loadCatalog(HSCPlaz* hub, HSCPlazQStore* store, HDGUIStatus* status) {
     if (!hub || !store || !store->getModel()) return false;
+    const HSCPlazCommand command("refresh " + store->getName());
     HSCPlazTask task(workspace(), *hub, status);
     return !task.isCancelled() &&
            Changes::run(

@@ -108,6 +108,15 @@ public:
     static std::vector<HSCPlazItemResult> repairItems(HSCPlaz& hub, const std::vector<HSCPlazQItem*>& items,
                                                       HSCPlazTaskOptions options, HDGUIStatus* status,
                                                       const std::function<void(std::size_t number)>& begin = {});
+    /// Takes back what a command has made of what is installed: what it removed or replaced comes back in the same
+    /// revisions, at the same commits and for whom it was there; what it installed goes, unless something else needs it
+    /// by now (Msg::undoKept). Needs no network where the stores' working copies hold the files; else they are fetched
+    /// before anything is changed.
+    /// @param number  of the entry in the history; 0 for the newest that is neither taken back nor took back another
+    /// Sends Msg::undone unless quiet; else, with nothing changed, undoNothing, undoUnknown, undoneAlready, undoBarred,
+    /// undoChanged, undoNotFetched, undoOutOfSight, itemIsHeld, heldUnknown, historyUnknown or historyNotSaved; and
+    /// undoIncomplete where only a part could be taken back.
+    static HSCPlazUndoResult undo(HSCPlaz& hub, int number, HSCPlazTaskOptions options, HDGUIStatus* status);
     /// Has an installed item stay in the revision, and at the commit, that it is in, until unholdItem(): updates and
     /// installations that would change that are refused (Msg::itemIsHeld). It can be uninstalled, and is held no more
     /// once no revision of it is installed. Holding what is held changes nothing. Sends Msg::itemNotInstalled,

@@ -1,6 +1,10 @@
 #include "plaz/HSCPlazInspection.h"
 #include "plaz/hub_fixture.h"
 
+#include <boost/algorithm/string/join.hpp>
+
+#include <set>
+
 namespace {
 
 class HistoryTasksTest : public HubOnDiskTest {
@@ -8,11 +12,29 @@ protected:
     static HSCPlazItemResult hold(const std::string& name) {
         return HSCPlazTaskMgr::holdItem(hub(), find(name), nullptr);
     }
-    /// The installed items of the store with revision and mode.
-    static std::string installed() {
-        std::string text;
+    static bool undo(int number = 0) { return HSCPlazTaskMgr::undo(hub(), number, {}, nullptr).isDone; }
+    static bool uninstall(const std::string& name) { return HSCPlazTaskMgr::uninstall(&hub(), &find(name), true); }
+    static bool update(const std::string& name) {
+        HSCPlazQItem& item = *store().getInstalledItems(name).front();
+        return HSCPlazTaskMgr::updateItem(hub(), item, {true}, nullptr).isDone();
+    }
+    /// The installed items of the store with revision, mode, and what their files say.
+    std::string installed() const {
+        std::set<std::string> items;
         for (const HSCPlazQItem* item : store().getInstalledItems())
-            text += item->getName() + "@" + item->getRevision() + " " + item->getInstallationMode() + ";";
+            items.insert(item->getName() + "@" + item->getRevision() + " " + item->getInstallationMode() + " " +
+                         readFile(item->getLocalRootDir() + "/body.txt"));
+        return boost::algorithm::join(items, "");
+    }
+    /// What the history tells, the oldest first: "install tcl::a: a@1;".
+    static std::string told() {
+        std::string text;
+        for (const HSCPlazHistoryEntry& entry : HSCPlazInspection::readHistory()) {
+            std::string line = entry.command + ":";
+            for (const HSCPlazRecordedChange& change : entry.changes)
+                line += std::string(" ") + change.describe() + " " + change.item.name + "@" + change.item.revision;
+            text = line + "\n" + text;
+        }
         return text;
     }
 };
@@ -37,9 +59,75 @@ TEST_F(HistoryTasksTest, HeldRevisionStays) {
     EXPECT_EQ(outcome(install("a")), "! 17-2340 17-1567");
     EXPECT_EQ(outcome(hold("a").isDone()), "! 17-2340");
     EXPECT_EQ(readFile(held), "[");
-    EXPECT_EQ(installed(), "a@1 user;");
+    EXPECT_EQ(installed(), "a@1 user a 1\n");
     files.temp.write("appdata/2024.2/plaz/plaz_held.json", whole);
     ASSERT_TRUE(HSCPlazTaskMgr::uninstall(&hub(), store().getItem("a", "1"), true));
     EXPECT_TRUE(HSCPlazInspection::findHeld().empty());
     EXPECT_TRUE(install("c"));
+}
+
+// Of what was removed or replaced, what comes back in other revisions, files or modes, or not at all once the catalog
+// has moved on; what a network is asked for that is there; an undo that undoes the last one; something done in halves.
+TEST_F(HistoryTasksTest, UndoLeavesWhatWasBefore) {
+    StoreOnDisk& shipped = files.addStore("tcl", "ced", false).item("m", "1").item("b", "1", {{"tcl", "m", ""}});
+    shipped.item("a", "1");
+    files.ship();
+    std::vector<std::string> before;
+    const auto act = [&](bool (*action)(const std::string&), const char* name) {
+        before.push_back(installed());
+        EXPECT_TRUE(action(name)) << name;
+    };
+    const auto installOne = [](const std::string& name) { return install(name); };
+    act(installOne, "b");
+    act(installOne, "m");
+    act(installOne, "a");
+    shipped.item("a", "2", {{"tcl", "n", ""}}).item("n", "1");
+    reload();
+    act(update, "a");
+    act(uninstall, "b");
+    shipped.withdraw("b");
+    reload();
+    const std::string index = files.area("ced_store/.plaz/.index");
+    HPAParamMgr::getParamMgr().setValue("plaz.enableRemoteAccess", "false");
+    takeIds();
+    EXPECT_EQ(outcome(undo(3)), "! 17-2353") << "a is another one by now";
+    HUTFile::rename(index, index + ".away");
+    EXPECT_EQ(outcome(undo()), "! 17-1559 17-2355");
+    HUTFile::rename(index + ".away", index);
+    ASSERT_TRUE(hold("a").isDone());
+    EXPECT_TRUE(undo());
+    EXPECT_EQ(installed(), before[4]);
+    files.temp.write("appdata/2024.2/plaz/ced_store/items/a/body.txt", "mine");
+    takeIds();
+    EXPECT_EQ(outcome(undo()), "! 17-2342");
+    HSCPlazTaskMgr::unholdItem(hub(), {"tcl", "a"}, nullptr);
+    for (std::size_t step = 3; step < before.size(); --step) {
+        EXPECT_TRUE(undo());
+        EXPECT_EQ(installed(), before[step]) << step;
+    }
+    takeIds();
+    EXPECT_EQ(outcome(undo()), "! 17-2350");
+    EXPECT_TRUE(undo(10)) << "the undo of the first one";
+    EXPECT_EQ(installed(), before[1]);
+    EXPECT_TRUE(undo());
+    EXPECT_EQ(installed(), "");
+}
+
+// What a killed process has changed lost, or told of the next command; a file that cannot be read overwritten, or a
+// reason to fail.
+TEST_F(HistoryTasksTest, HistoryLosesNothing) {
+    files.addStore("tcl", "ced", false).item("a", "1").item("b", "1").item("c", "1", {{"tcl", "b", ""}});
+    files.ship();
+    const std::string history = files.area("plaz_history.json");
+    ASSERT_TRUE(install("a"));
+    const std::string kept = readFile(history);
+    ASSERT_TRUE(install("b"));
+    files.temp.write("appdata/2024.2/plaz/plaz_history.json", kept); // as if it had been killed before that
+    ASSERT_TRUE(install("a") && install("c"));
+    EXPECT_EQ(told(), "install tcl::a: installed a@1\n: installed b@1\ninstall tcl::c: installed c@1\n");
+    files.temp.write("appdata/2024.2/plaz/plaz_history.json", "[");
+    takeIds();
+    EXPECT_EQ(outcome(uninstall("c")), " 17-2347");
+    EXPECT_EQ(outcome(undo()), "! 17-2347");
+    EXPECT_EQ(readFile(history), "[");
 }

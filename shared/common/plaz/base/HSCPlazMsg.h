@@ -132,6 +132,18 @@ inline constexpr MsgId<2> heldUnknown{"@17-2340@%s%s"};         ///< file, why
 inline constexpr MsgId<1> heldNotSaved{"@17-2341@%s"};          ///< file
 inline constexpr MsgId<3> itemIsHeld{"@17-2342@%s%s%s"};        ///< display name, revision, STORE::NAME
 inline constexpr MsgId<1> itemNotHeld{"@17-2343@%s"};           ///< STORE::NAME
+inline constexpr MsgId<2> historyUnknown{"@17-2347@%s%s"};      ///< file, why
+inline constexpr MsgId<1> historyNotSaved{"@17-2348@%s"};       ///< file
+inline constexpr MsgId<0> undoNothing{"@17-2350@"};
+inline constexpr MsgId<1> undoUnknown{"@17-2351@%s"};      ///< number
+inline constexpr MsgId<1> undoneAlready{"@17-2352@%s"};    ///< number
+inline constexpr MsgId<2> undoBarred{"@17-2353@%s%s"};     ///< number, later entries
+inline constexpr MsgId<2> undoChanged{"@17-2354@%s%s"};    ///< number, reference
+inline constexpr MsgId<2> undoNotFetched{"@17-2355@%s%s"}; ///< number, references
+inline constexpr MsgId<2> undoKept{"@17-2356@%s%s"};       ///< display name, by whom
+inline constexpr MsgId<2> undone{"@17-2357@%s%s"};         ///< number, command
+inline constexpr MsgId<2> undoIncomplete{"@17-2358@%s%s"}; ///< number, the same
+inline constexpr MsgId<2> undoOutOfSight{"@17-2359@%s%s"}; ///< number, store
 inline constexpr MsgId<0> sampleHubMissing{"@17-2365@"};
 inline constexpr MsgId<1> clonedRepo{"@60-832@%s"}; ///< directory
 } // namespace Msg

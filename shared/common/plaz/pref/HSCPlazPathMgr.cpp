@@ -26,6 +26,7 @@ constexpr const char* changeFile = "plaz_change.json";
 constexpr const char* ownStoresFile = "plaz_own_stores.json";
 constexpr const char* repoInfoFile = "plaz_stores.json";
 constexpr const char* heldFile = "plaz_held.json";
+constexpr const char* historyFile = "plaz_history.json";
 
 /// The non-empty parts joined with single separators, in generic form.
 std::string join(std::initializer_list<std::string> parts) {
@@ -138,6 +139,10 @@ std::string HSCPlazPathMgr::getHeldFile() const {
     return getUserAreaRoot("", false, heldFile);
 }
 
+std::string HSCPlazPathMgr::getHistoryFile() const {
+    return getUserAreaRoot("", false, historyFile);
+}
+
 std::string HSCPlazPathMgr::getLockFile() const {
     return getUserAreaRoot("", true, lockFile);
 }
@@ -162,6 +167,7 @@ std::vector<std::string> HSCPlazPathMgr::getOwnPlaces() const {
             getChangeFile(),
             getRepoInfoFile(),
             getHeldFile(),
+            getHistoryFile(),
             getAuthoritiesFile(),
             getUserAreaRoot("", false, lockFile),
             getDefaultLocalDbFile(),

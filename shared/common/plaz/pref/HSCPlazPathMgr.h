@@ -54,6 +54,8 @@ public:
     std::string getRepoInfoFile() const;
     /// The items that the user wants to stay in their revision.
     std::string getHeldFile() const;
+    /// What was done to what is installed.
+    std::string getHistoryFile() const;
     /// The stores that the user has added; none of another user's business, so not in the user area, which may be
     /// shared.
     static std::string getOwnStoresFile();

@@ -7,6 +7,7 @@
 #include "plaz/pref/HSCPlazPathMgr.h"
 #include "plaz/pref/HSCPlazUserPref.h"
 #include "plaz/store/HSCPlazHeldItems.h"
+#include "plaz/store/HSCPlazHistory.h"
 #include "plaz/store/HSCPlazLocalDBMgr.h"
 #include "plaz/store/HSCPlazOwnStores.h"
 #include "plaz/store/HSCPlazRepoInfoMgr.h"
@@ -40,6 +41,7 @@ struct HSCPlazWorkspace {
     HSCPlazConfigMgr config;
     HSCPlazRepoInfoMgr places;
     HSCPlazHeldItems held;
+    HSCPlazHistory history;
     /// What is shipped: a second reading of the hub metadata, or the same store models where nothing else was read.
     std::unique_ptr<HSCPlazModel> sharedHubModel;
     std::unique_ptr<HSCPlazModel> hubModel; ///< null until the first start-up

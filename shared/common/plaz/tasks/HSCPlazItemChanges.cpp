@@ -63,7 +63,7 @@ void keepKnownCatalogs(const HSCPlazTask& task) {
 } // namespace
 
 HSCPlazItemChanges::HSCPlazItemChanges(HSCPlazTask& task)
-    : m_task(task), m_note(task.getWorkspace().paths.getChangeFile()) {}
+    : m_task(task), m_note(task.getWorkspace().paths.getChangeFile()), m_recorder(task) {}
 
 bool HSCPlazItemChanges::run(HSCPlazTask& task, const std::function<bool(HSCPlazItemChanges&)>& work,
                              const HSCPlazQStore* only) {
@@ -86,6 +86,7 @@ bool HSCPlazItemChanges::runLocked(HSCPlazTask& task, const std::function<bool(H
     HSCPlazItemChanges changes(task);
     changes.finishInterrupted();
     if (changes.m_isUnfinished) return false; // another change would take the place of the note
+    changes.m_recorder.begin();
     Directories::removeLeftovers(task);
     bool isDone = false;
     try {
@@ -151,6 +152,24 @@ bool HSCPlazItemChanges::restore(const HSCPlazFoundItem& found, bool areEditsKep
     const auto staying = HSCPlazOwnFiles::findStaying(m_task, found, areEditsKept);
     return staying && Files::takeAlong(m_task, found, dir, *staying) &&
            put(found, change, {Msg::dirNotWritable, MsgSeverity::error, dir});
+}
+
+bool HSCPlazItemChanges::bringBack(const HSCPlazFoundItem& found, const HSCPlazQItemModel& record) {
+    if (!m_task.requirePlain(*found.store->getModel())) return false;
+    const HSCPlazOldFiles incoming(Directories::incomingOf(m_task, *found.store));
+    const auto item = Pending::toRecord(record);
+    item->setLocalDir(record.getLocalDir());
+    const HSCPlazPendingChange change = Pending::of(m_task, *found.store, item, true);
+    return requireReplaceable(found, change) && Files::fetch(m_task, found, *item, false, true) &&
+           put(found, change, {Msg::dirNotWritable, MsgSeverity::error, item->getLocalDir()});
+}
+
+HSCPlazFoundItem HSCPlazItemChanges::list(HSCPlazQStore& store, const HSCPlazQItemModel& record) {
+    const auto find = [&] { return HSCPlazFoundItem{&store, store.getItem(record.getName(), record.getRevision())}; };
+    if (find() || !apply(store, record).empty()) return find();
+    store.addMissingItems();
+    if (const HSCPlazFoundItem added = find()) added.item->getModel()->clearInstallation();
+    return find();
 }
 
 bool HSCPlazItemChanges::setMode(const HSCPlazFoundItem& found, Mode mode) {
@@ -443,6 +462,14 @@ bool HSCPlazItemChanges::adoptUnneeded(HSCPlazQStore& store) {
 }
 
 bool HSCPlazItemChanges::end() {
+    bool mayForget = false;
+    const bool isSettled = settle(mayForget);
+    m_recorder.record(); // as long as the note is there, whoever comes next knows that this may be missing
+    if (mayForget) m_note.forget();
+    return isSettled;
+}
+
+bool HSCPlazItemChanges::settle(bool& mayForget) {
     const bool isChanged = m_note.exists();
     const auto note = isChanged ? readNote() : HSCPlazPendingChange();
     if (!note) return m_task.fail(Msg::databaseUnreadable, m_note.getFile());
@@ -456,7 +483,7 @@ bool HSCPlazItemChanges::end() {
     if (isChanged) Directories::tellOldFiles(m_task);
     if (m_note.exists() && !m_isStuck) { // else the next task goes by both
         Directories::removeStaleTrees(m_task);
-        if (isClean) m_note.forget();
+        mayForget = isClean;
     }
     return areGone && m_isSound && (!m_isStuck || m_isBlocked);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "plaz/store/HSCPlazChangeNote.h"
+#include "plaz/tasks/HSCPlazChangeRecorder.h"
 #include "plaz/tasks/HSCPlazItemSteps.h"
 #include "plaz/tasks/HSCPlazOwnFiles.h"
 
@@ -41,6 +42,11 @@ public:
     bool setMode(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode) override;
     bool removeUnneeded() override;
     bool areThere(const HSCPlazQItem& item) const override;
+    /// Installs what was installed before: a record's commit, in its folder and for whom it was there, out of the
+    /// store's working copy. @param record  commit, local directory and mode
+    bool bringBack(const HSCPlazFoundItem& found, const HSCPlazQItemModel& record);
+    /// The item that a record means; where the catalog has left it out, it is listed again, as what is installed is.
+    HSCPlazFoundItem list(HSCPlazQStore& store, const HSCPlazQItemModel& record);
     /// What nobody seems to need in a store that is kept in another place from now on becomes the user's: what was
     /// there before may be needed by somebody who is not known here, or not yet.
     /// @return false when that could not be recorded; the reason has been told
@@ -80,9 +86,12 @@ private:
     void finishInterrupted();
     void finishFiles(const HSCPlazPendingChange& change, const HSCPlazQStore& store);
     bool end();
+    /// @param mayForget  set to whether the note has served its purpose
+    bool settle(bool& mayForget);
 
     HSCPlazTask& m_task;
     const HSCPlazChangeNote m_note;
+    HSCPlazChangeRecorder m_recorder;
     bool m_isSound = true;                     ///< all that was to be recorded was
     bool m_isStuck = false;                    ///< the note has to stay, since something else does
     bool m_isUnfinished = false;               ///< the note has to stay as it is, since what it says is only half done

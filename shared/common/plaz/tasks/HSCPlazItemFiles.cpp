@@ -93,7 +93,7 @@ bool isRecordedAt(const HSCPlazQItem& item, const std::string& commit) {
 }
 
 /// What the repository is asked for.
-std::unique_ptr<HSCPlazQItemModel> toWanted(const HSCPlazFoundItem& found, const Trees::Place& place) {
+std::unique_ptr<HSCPlazQItemModel> toWanted(const HSCPlazFoundItem& found, const Trees::Place& place, bool isOld) {
     auto wanted = std::make_unique<HSCPlazQItemModel>();
     wanted->setName(found.item->getName());
     wanted->setRevision(found.item->getRevision());
@@ -101,7 +101,7 @@ std::unique_ptr<HSCPlazQItemModel> toWanted(const HSCPlazFoundItem& found, const
     wanted->setRoot(place.root);
     wanted->setCommitId(place.commit);
     // What is recorded comes back as it is, whatever the catalog calls its metadata file by now.
-    wanted->setIsListed(!isRecordedAt(*found.item, place.commit) && found.item->getModel()->isListed());
+    wanted->setIsListed(!isOld && !isRecordedAt(*found.item, place.commit) && found.item->getModel()->isListed());
     return wanted;
 }
 
@@ -199,7 +199,7 @@ bool HSCPlazItemFiles::takeOver(HSCPlazTask& task, const HSCPlazFoundItem& found
 }
 
 bool HSCPlazItemFiles::fetch(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record,
-                             bool isAskedFor) {
+                             bool isAskedFor, bool isLocal) {
     const std::string url = found.store->getUrl();
     if (isAskedFor)
         task.tell(Msg::itemInstalling, MsgSeverity::warning, shownName(*found.item),
@@ -211,8 +211,8 @@ bool HSCPlazItemFiles::fetch(HSCPlazTask& task, const HSCPlazFoundItem& found, c
     const auto kept = isRecordedAt(*found.item, place.commit) ? Trees::readKept(place) : std::nullopt;
     if (kept) place.root = kept->getRoot(); // whatever the catalog says of the folder by now
     const std::string incoming = place.layout.getIncoming();
-    const auto [outcome, listing] = HSCPlazGitInstall::fetch(workspace.gitStore(*found.store->getModel()),
-                                                             *toWanted(found, place), {dir, incoming});
+    const auto [outcome, listing] = HSCPlazGitInstall::fetch(
+        workspace.gitStore(*found.store->getModel()), *toWanted(found, place, isLocal), {dir, incoming, isLocal});
     if (!outcome.isDone) return task.fail(outcome.getWhole());
     task.tell(outcome.report);
     return checkAndKeepTree(task, found, place, incoming, listing) &&

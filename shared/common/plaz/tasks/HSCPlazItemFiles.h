@@ -43,8 +43,10 @@ bool takeOver(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQIt
 /// In a store where what is there is part of the item's folder, such as its revisions, that is put beside them.
 /// @param record      the commit to fetch, and the directory that they are for
 /// @param isAskedFor  the user asked for the item itself, so that the start is told (Msg::itemInstalling)
+/// @param isLocal     what was installed before comes back, out of the working copy, whatever the catalog says of it
 /// @return false when that failed; the reason has been told
-bool fetch(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record, bool isAskedFor);
+bool fetch(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record, bool isAskedFor,
+           bool isLocal = false);
 /// Puts files of the item's folder into the incoming directory, in the place of those that have come.
 /// @return false when that failed; the reason has been told
 bool takeAlong(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir,

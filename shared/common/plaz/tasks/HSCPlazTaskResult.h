@@ -44,6 +44,13 @@ struct PLAZ_API HSCPlazItemResult {
     bool isDone() const { return outcome != Outcome::failed; }
 };
 
+/// What became of taking back a command.
+struct PLAZ_API HSCPlazUndoResult {
+    bool isDone = false;
+    std::vector<HSCPlazItemResult> items; ///< installed, removed, kept or failed
+    HSCPlazReport report;                 ///< all that was told; its first error is the reason of a failure
+};
+
 /// How the files of one installed item compare with those of its recorded commit.
 struct PLAZ_API HSCPlazFilesResult {
     enum class Outcome {

@@ -17,12 +17,25 @@
 
 #include <boost/filesystem/path.hpp>
 
+#include <algorithm>
+
 namespace fs = boost::filesystem;
 
 using HSCPlazGitTrace::trace;
 using HSCPlazGitWorkingCopy::Use;
 
 namespace {
+
+bool hasCommit(const std::string& dir, const std::string& commit) {
+    return HSCPlazGitRunner::ask({"cat-file", "-e", commit + "^{commit}"}, dir).status == 0;
+}
+
+/// The first of the items whose commit a working copy lacks; null for none.
+const HSCPlazQItemModel* findLacking(const std::string& dir, const std::vector<const HSCPlazQItemModel*>& items) {
+    const auto found = std::find_if(items.begin(), items.end(),
+                                    [&](const auto* item) { return !hasCommit(dir, item->getCommitId()); });
+    return found == items.end() ? nullptr : *found;
+}
 
 /// One item on its way out of a repository.
 class Fetch {
@@ -76,7 +89,7 @@ private:
         try {
             return checkOutCommit();
         } catch (const HSCPlazGitFailure& failure) { // also after a cancellation: the fetch then ends before it runs
-            if (failure.hasMetLimit()) throw;
+            if (failure.hasMetLimit() || m_place.isLocal) throw;
         }
         if (isSuspect()) HSCPlazGitWorkingCopy::discardDamaged(m_store.layout);
         if (!HSCPlazGitWorkingCopy::stage(m_store, Use::fetched, m_report)) return false;
@@ -93,10 +106,6 @@ private:
         if (HIOStream::read(m_staging + "/" + HSCPlazStoreLayout::gitDir + "/index", index) == HIOStatus::ok)
             m_listing = HSCPlazGitTree::listIndex(index, m_item.getRoot());
         return true;
-    }
-
-    static bool hasCommit(const std::string& dir, const std::string& commit) {
-        return HSCPlazGitRunner::ask({"cat-file", "-e", commit + "^{commit}"}, dir).status == 0;
     }
 
     // A working copy from which a commit that is there cannot be checked out, or which lacks one that it has fetched,
@@ -151,10 +160,27 @@ HSCPlazGitOutcome HSCPlazGitInstall::check(const HSCPlazQItemModel& item) {
     });
 }
 
+HSCPlazGitOutcome HSCPlazGitInstall::provide(const HSCPlazGitStore& store,
+                                             const std::vector<const HSCPlazQItemModel*>& items) {
+    return HSCPlazGitOutcome::of([&](HSCPlazReport& report) {
+        const std::string index = store.layout.getIndex();
+        if (HSCPlazStoreLayout::isComplete(index) && !findLacking(index, items)) return true;
+        if (!HSCPlazGitParams::isRemoteAccessEnabled()) {
+            report.add(Msg::remoteAccessOff, MsgSeverity::error);
+            return false;
+        }
+        const HSCPlazGitRemoved removed(store.layout.getStaging());
+        if (!HSCPlazGitWorkingCopy::stage(store, Use::fetched, report)) return false;
+        const HSCPlazQItemModel* lacking = findLacking(store.layout.getStaging(), items);
+        if (lacking) report.add(Msg::commitGone, MsgSeverity::error, lacking->getName(), lacking->getCommitId());
+        return !lacking;
+    });
+}
+
 HSCPlazGitInstall::Fetched HSCPlazGitInstall::fetch(const HSCPlazGitStore& store, const HSCPlazQItemModel& item,
                                                     const Place& place) {
-    HSCPlazGitOutcome checked = check(item);
-    if (!checked.isDone) return {checked, {}};
+    if (!place.isLocal)
+        if (const HSCPlazGitOutcome checked = check(item); !checked.isDone) return {checked, {}};
     std::string listing;
     const auto outcome = HSCPlazGitOutcome::of([&](HSCPlazReport& report) {
         Fetch fetch(store, item, place, report);

@@ -1,6 +1,7 @@
 package ui.frmwork.plaz.host;
 
 import java.util.ArrayList;
+import java.util.Iterator;
 import java.util.List;
 import java.util.Locale;
 import java.util.Objects;
@@ -45,6 +46,22 @@ public final class PlazHost {
      * @param file its path in the item's directory; empty for what is known of the item
      */
     public record Finding(String item, FileState state, String file) {}
+
+    /**
+     * What became of one revision of an item.
+     *
+     * @param item such as "boards::aurora@2.0"
+     * @param change such as "installed", "removed" or "becomes a dependency"
+     */
+    public record Change(String item, String change) {}
+
+    /**
+     * What one command has made of what is installed.
+     *
+     * @param time such as "2026-11-28T08:01:56+0100"
+     * @param command as a person would write it; empty where it was interrupted, or something else made the changes
+     */
+    public record Entry(int number, String time, String command, List<Change> changes) {}
 
     private static Listener listener;
 
@@ -126,6 +143,39 @@ public final class PlazHost {
     public static native boolean isHeld(String item);
 
     /**
+     * What was done to what is installed, the newest first.
+     *
+     * @throws ui.frmwork.cmd.CommandFailedException when that is not known
+     */
+    public static List<Entry> history() {
+        Iterator<String> texts = List.of(readHistory()).iterator();
+        List<Entry> entries = new ArrayList<>();
+        while (texts.hasNext()) {
+            int number = Integer.parseInt(texts.next());
+            String time = texts.next();
+            String command = texts.next();
+            List<Change> changes = new ArrayList<>();
+            for (int left = Integer.parseInt(texts.next()); left > 0; --left) {
+                changes.add(new Change(texts.next(), texts.next()));
+            }
+            entries.add(new Entry(number, time, command, List.copyOf(changes)));
+        }
+        return List.copyOf(entries);
+    }
+
+    /** Takes back the newest command that is neither taken back nor took back another; see {@link #undo(int)}. */
+    public static native void undo();
+
+    /**
+     * Takes back what a command has changed of what is installed.
+     *
+     * @param number of its entry in the history
+     * @throws ui.frmwork.cmd.CommandFailedException when later commands have changed the same items, files are not to be
+     *         had (nothing is changed then), or not all of it could be taken back
+     */
+    public static native void undo(int number);
+
+    /**
      * Whether a store's remote has moved since the last refresh; so it counts as well where the store was never
      * refreshed. Fetches nothing.
      *
@@ -133,6 +183,8 @@ public final class PlazHost {
      *         when it was cancelled
      */
     public static native boolean check(String store);
+
+    private static native String[] readHistory();
 
     private static native String[] compare(String... items);
 
