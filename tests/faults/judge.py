@@ -106,6 +106,8 @@ class Home:
                 self.read(file, self.read_records)
             elif file.name == PLACES:
                 self.read(file, self.read_places)
+            elif file.name == "plaz_history.json":  # whole, whatever the time
+                self.read(file, lambda entries: None, "history")
             elif file.name != "plaz.lock":
                 self.files[path] = self.read_relative(file)
 
@@ -114,9 +116,9 @@ class Home:
         content = os.readlink(os.fsencode(file)) if file.is_symlink() else file.read_bytes()
         return functools.reduce(lambda text, name: text.replace(name, b"@"), self.names, content)
 
-    def read(self, file, take):
+    def read(self, file, take, member="qstores"):
         try:
-            take(json.loads(self.read_relative(file))["plaz"]["qstores"])
+            take(json.loads(self.read_relative(file))["plaz"][member])
         except (ValueError, KeyError, TypeError) as error:
             self.damage.append(f"{file} cannot be read: {error!r}")
 

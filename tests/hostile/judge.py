@@ -30,6 +30,7 @@ CHANGING = (
     "/plaz.lock",
     "/preferences.json.lock",
     "/plaz_stores.json",
+    "/plaz_history.json",
     "/plaz_authorities.pem",
     "/preferences.json",
 )

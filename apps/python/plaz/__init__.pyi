@@ -18,6 +18,24 @@ class ActionResult(NamedTuple):
     outcome: str
     needed_by: str = ...
 
+class HistoryChange(NamedTuple):
+    store: str
+    name: str
+    revision: str
+    change: str
+    commit_before: str
+    mode_before: str
+    commit_after: str
+    mode_after: str
+
+class HistoryEntry(NamedTuple):
+    number: int
+    time: str
+    command: str
+    undone: int
+    is_part: bool
+    changes: tuple[HistoryChange, ...]
+
 class FilesResult(NamedTuple):
     store: str
     name: str

@@ -121,7 +121,19 @@ class History(HubTest):
         if shown is not None:
             modes = {item: (fact.mode, expected[item]) for item, fact in self.model.installed.items()}
             self.compare("shown", shown, modes)
+        if how in ("program", "restart") and not (before.own or self.model.own or self.problems):
+            self.go_back_and_forth(before)
         return not self.problems
+
+    def go_back_and_forth(self, before):
+        """Takes the last step back, where it has changed anything, and then that."""
+        self.end_worker()
+        for expected in (before, self.model) if before.installed != self.model.installed else ():
+            number = json.loads(run(PLAZ, "--json", "history", "--limit", "1", env=self.env).stdout)["history"][0]["number"]
+            undo = run(PLAZ, "--json", "undo", str(number), env=self.env)
+            self.compare("undone", self.read_databases()[0], expected.installed)
+            if undo.returncode != DONE:
+                self.problems.append(f"undo ends with {undo.returncode}: {json.loads(undo.stdout)['error']}")
 
     def run_module(self, words, steps):
         if not self.worker:
