@@ -5,6 +5,8 @@
 #include "support/HUTFile.h"
 
 #include <algorithm>
+#include <cstdio>
+#include <cstdlib>
 #include <ctime>
 
 namespace {
@@ -13,10 +15,17 @@ using Change = HSCPlazRecordedChange;
 using Changes = std::vector<Change>;
 using Entry = HSCPlazHistoryEntry;
 
+/// The time here, with its distance from the world's: not every system's own formatting knows that.
 std::string now() {
     const std::time_t time = std::time(nullptr);
-    char text[sizeof "2026-11-28T08:01:56+0100"];
-    return std::string(text, std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S%z", std::localtime(&time)));
+    const std::tm local = *std::localtime(&time);
+    std::tm world = *std::gmtime(&time);
+    world.tm_isdst = local.tm_isdst;
+    const int minutes = static_cast<int>(std::difftime(time, std::mktime(&world)) / 60);
+    char zone[32], text[sizeof "2026-11-28T08:01:56"];
+    std::snprintf(zone, sizeof zone, "%c%02d%02d", minutes < 0 ? '-' : '+', std::abs(minutes) / 60,
+                  std::abs(minutes) % 60);
+    return std::string(text, std::strftime(text, sizeof text, "%Y-%m-%dT%H:%M:%S", &local)) + zone;
 }
 
 bool isOneOf(const HSCPlazRevisionName& item, const Changes& changes) {

@@ -129,7 +129,9 @@ class History(HubTest):
         """Takes the last step back, where it has changed anything, and then that."""
         self.end_worker()
         for expected in (before, self.model) if before.installed != self.model.installed else ():
-            number = json.loads(run(PLAZ, "--json", "history", "--limit", "1", env=self.env).stdout)["history"][0]["number"]
+            number = json.loads(run(PLAZ, "--json", "history", "--limit", "1", env=self.env).stdout)["history"][0][
+                "number"
+            ]
             undo = run(PLAZ, "--json", "undo", str(number), env=self.env)
             self.compare("undone", self.read_databases()[0], expected.installed)
             if undo.returncode != DONE:
