@@ -17,7 +17,8 @@ public final class Browser {
         HubThread hub = new HubThread();
         try {
             Path directory = hub.userDirectory();
-            SwingUtilities.invokeLater(() -> new BrowserWindow(hub, directory).open());
+            DesktopSettings desktop = DesktopSettings.read();
+            SwingUtilities.invokeLater(() -> new BrowserWindow(hub, directory, desktop).open());
         } catch (ExecutionException e) {
             fail("The hub cannot be started: " + e.getCause().getMessage()
                     + ". Name the directory of its libraries with -Djava.library.path.");

@@ -7,10 +7,14 @@ import java.util.Optional;
 import java.util.function.Function;
 import javax.swing.AbstractAction;
 import javax.swing.Action;
+import javax.swing.ButtonGroup;
 import javax.swing.JButton;
 import javax.swing.JMenu;
 import javax.swing.JMenuBar;
+import javax.swing.JMenuItem;
+import javax.swing.JRadioButtonMenuItem;
 import javax.swing.KeyStroke;
+import ui.frmwork.plaz.browser.Look.Theme;
 import ui.frmwork.plaz.browser.Snapshot.Item;
 import ui.frmwork.plaz.browser.Snapshot.Key;
 import ui.frmwork.plaz.browser.Snapshot.State;
@@ -44,8 +48,13 @@ final class BrowserActions {
         addMenu("Item", 'I', action("Find", 'F', "control F", window::find), install, uninstall, update, verify, repair,
                 verifyAll);
         addMenu("Store", 'T', refresh, check, cancel);
-        addMenu("View", 'V', action("Larger text", 'L', "control EQUALS", () -> window.resizeText(10)),
+        JMenu view = addMenu("View", 'V', action("Larger text", 'L', "control EQUALS", () -> window.resizeText(10)),
                 action("Smaller text", 'S', "control MINUS", () -> window.resizeText(-10)));
+        view.addSeparator();
+        ButtonGroup themes = new ButtonGroup();
+        addTheme(view, themes, window, "As the desktop", 'D', Theme.SYSTEM);
+        addTheme(view, themes, window, "Light", 'I', Theme.LIGHT);
+        addTheme(view, themes, window, "Dark", 'K', Theme.DARK);
     }
 
     JMenuBar menus() {
@@ -83,11 +92,20 @@ final class BrowserActions {
         action.setEnabled(item.filter(it -> !hub.isUnderway(operation.apply(it.key()).title())).isPresent());
     }
 
-    private void addMenu(String name, char mnemonic, Action... actions) {
+    private static void addTheme(
+            JMenu menu, ButtonGroup group, BrowserWindow window, String text, char mnemonic, Theme theme) {
+        JMenuItem item = new JRadioButtonMenuItem(action(text, mnemonic, "", () -> window.choose(theme)));
+        item.setSelected(window.theme() == theme);
+        group.add(item);
+        menu.add(item);
+    }
+
+    private JMenu addMenu(String name, char mnemonic, Action... actions) {
         JMenu menu = new JMenu(name);
         menu.setMnemonic(mnemonic);
         for (Action action : actions) menu.add(action);
         menus.add(menu);
+        return menu;
     }
 
     private static Action action(String name, char mnemonic, String key, Runnable work) {

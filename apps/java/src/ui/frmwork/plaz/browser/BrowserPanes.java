@@ -2,7 +2,6 @@ package ui.frmwork.plaz.browser;
 
 import java.awt.BorderLayout;
 import java.awt.CardLayout;
-import java.awt.Color;
 import java.awt.Component;
 import java.awt.FlowLayout;
 import java.net.URI;
@@ -19,6 +18,7 @@ import javax.swing.JSplitPane;
 import javax.swing.JTextArea;
 import javax.swing.JTextField;
 import javax.swing.KeyStroke;
+import javax.swing.SwingUtilities;
 import ui.frmwork.plaz.browser.Snapshot.Key;
 
 /** What the window is made of, and where it stands. */
@@ -36,15 +36,28 @@ final class BrowserPanes extends JPanel {
     private final JLabel summary = Look.plain(new JLabel());
     private final JTextArea hint = Look.readOnlyText("What to do", "");
     private final JPanel itemCards = new JPanel(new CardLayout());
-    private final JSplitPane left;
-    private final JSplitPane right;
-    private final JSplitPane bottom;
-    private final int gap = Look.gap(this);
+    private final BrowserActions actions;
+    private JSplitPane left;
+    private JSplitPane right;
+    private JSplitPane bottom;
+    private int gap;
+    private boolean haveColumnsWidths;
 
     BrowserPanes(BrowserActions actions, Consumer<Key> jump, Consumer<URI> openPage) {
         super(new BorderLayout());
+        this.actions = actions;
         details = new DetailPane(jump, openPage);
         status = new StatusBar(actions.cancel);
+        installed.setMnemonic('L');
+        outdated.setMnemonic('D');
+        arrange();
+    }
+
+    /** Puts everything into its place, with distances that go with the size of the texts. */
+    private void arrange() {
+        removeAll();
+        itemCards.removeAll();
+        gap = Look.gap(this);
         itemCards.add(new JScrollPane(items), "items");
         itemCards.add(hintPlace(), "hint");
         JPanel itemPlace = new JPanel(new BorderLayout());
@@ -54,19 +67,43 @@ final class BrowserPanes extends JPanel {
                 pane("Details", 'A', details, scrolled(details), null), 0.6);
         left = split(JSplitPane.HORIZONTAL_SPLIT, pane("Stores", 'O', stores, scrolled(stores), null), right, 0);
         bottom = split(JSplitPane.VERTICAL_SPLIT, left, pane("Messages", 'M', messages, scrolled(messages), null), 1);
-        add(toolBar(actions), BorderLayout.PAGE_START);
+        add(toolBar(), BorderLayout.PAGE_START);
         add(bottom);
         add(status, BorderLayout.PAGE_END);
-        setBorder(BorderFactory.createEmptyBorder(gap, gap, gap, gap));
+        setBorder(BorderFactory.createEmptyBorder(0, gap, gap, gap));
+    }
+
+    /** After the look or the size of the texts was changed. */
+    void arrangeAnew(Snapshot snapshot) {
+        int[] dividers = {left.getDividerLocation(), right.getDividerLocation(), bottom.getDividerLocation()};
+        boolean areItemsShown = hint.getText().isEmpty();
+        arrange();
+        showCard(areItemsShown);
+        left.setDividerLocation(dividers[0]);
+        right.setDividerLocation(dividers[1]);
+        bottom.setDividerLocation(dividers[2]);
+        SwingUtilities.updateComponentTreeUI(this);
+        details.build(snapshot);
+        messages.showAnew();
+        revalidate();
     }
 
     void place(WindowState state) {
         int width = getTopLevelAncestor().getWidth();
         int height = getTopLevelAncestor().getHeight();
         left.setDividerLocation(state.number("left", 20, 4000).orElse(width / 6));
-        right.setDividerLocation(state.number("right", 20, 4000).orElse(width * 54 / 100));
+        right.setDividerLocation(state.number("right", 20, 4000).orElse(width * 46 / 100));
         bottom.setDividerLocation(state.number("bottom", 20, 4000).orElse(height * 66 / 100));
-        state.applyColumns(items);
+        haveColumnsWidths = state.applyColumns(items);
+    }
+
+    /** The first items decide how wide columns are of which nothing is kept. */
+    void show(Snapshot snapshot) {
+        stores.show(snapshot.stores());
+        items.show(snapshot.items().toList());
+        if (haveColumnsWidths || items.getRowCount() == 0) return;
+        haveColumnsWidths = true;
+        items.fitColumns();
     }
 
     void keep(WindowState state) {
@@ -80,14 +117,18 @@ final class BrowserPanes extends JPanel {
     void showHints(String above, String instead) {
         summary.setText(above);
         hint.setText(instead);
-        ((CardLayout) itemCards.getLayout()).show(itemCards, instead.isEmpty() ? "items" : "hint");
+        showCard(instead.isEmpty());
+    }
+
+    private void showCard(boolean areItemsShown) {
+        ((CardLayout) itemCards.getLayout()).show(itemCards, areItemsShown ? "items" : "hint");
     }
 
     ItemFilter filter() {
         return ItemFilter.of(stores.chosen(), search.getText(), installed.isSelected(), outdated.isSelected());
     }
 
-    private JPanel toolBar(BrowserActions actions) {
+    private JPanel toolBar() {
         JPanel buttons = new JPanel(new FlowLayout(FlowLayout.LEADING, gap, gap));
         for (Action each : new Action[] {actions.install, actions.uninstall, actions.update})
             buttons.add(BrowserActions.button(each));
@@ -98,8 +139,6 @@ final class BrowserPanes extends JPanel {
 
     /** The search field gives way where there is little room. */
     private JPanel filters() {
-        installed.setMnemonic('L');
-        outdated.setMnemonic('D');
         Box boxes = Box.createHorizontalBox();
         boxes.add(installed);
         boxes.add(Box.createHorizontalStrut(gap));
@@ -115,7 +154,6 @@ final class BrowserPanes extends JPanel {
     private JScrollPane hintPlace() {
         hint.setBorder(BorderFactory.createEmptyBorder(4 * gap, 4 * gap, 4 * gap, 4 * gap));
         JScrollPane place = scrolled(hint);
-        place.getViewport().setBackground(Color.WHITE);
         return place;
     }
 

@@ -18,6 +18,7 @@ import javax.swing.SwingUtilities;
 import javax.swing.event.DocumentEvent;
 import javax.swing.event.DocumentListener;
 import javax.swing.event.ListSelectionEvent;
+import ui.frmwork.plaz.browser.Look.Theme;
 import ui.frmwork.plaz.browser.Snapshot.Item;
 import ui.frmwork.plaz.browser.Snapshot.Key;
 import ui.frmwork.plaz.browser.Snapshot.Store;
@@ -30,23 +31,27 @@ final class BrowserWindow extends JFrame implements HubListener {
     private static final int MOST_TEXT_SIZE = 250;
 
     private final transient HubThread hub;
+    private final transient DesktopSettings desktop;
     private final transient WindowState state;
     private final transient BrowserActions actions;
     private final BrowserPanes panes;
     private final transient Map<String, String> compared = new HashMap<>();
     private transient Snapshot snapshot;
     private int textSize;
+    private Theme theme;
     private boolean isWorking;
     private boolean isEnding;
     private boolean isChanging;
 
     /** @param directory where the window's state is kept */
-    BrowserWindow(HubThread hub, Path directory) {
+    BrowserWindow(HubThread hub, Path directory, DesktopSettings desktop) {
         super(TITLE);
         this.hub = hub;
+        this.desktop = desktop;
         state = new WindowState(directory);
         textSize = state.number("text", LEAST_TEXT_SIZE, MOST_TEXT_SIZE).orElse(100);
-        Look.apply(textSize);
+        theme = Theme.values()[state.number("theme", 0, Theme.values().length - 1).orElse(0)];
+        Look.apply(desktop, theme, textSize);
         actions = new BrowserActions(this);
         panes = new BrowserPanes(actions, this::jump, page -> told(WebLink.open(page)));
         setContentPane(panes);
@@ -148,9 +153,22 @@ final class BrowserWindow extends JFrame implements HubListener {
         int size = Math.min(Math.max(textSize + percent, LEAST_TEXT_SIZE), MOST_TEXT_SIZE);
         panes.items.scaleColumns((double) size / textSize);
         textSize = size;
-        Look.apply(size);
+        showAnew();
+    }
+
+    Theme theme() {
+        return theme;
+    }
+
+    void choose(Theme chosen) {
+        theme = chosen;
+        showAnew();
+    }
+
+    private void showAnew() {
+        Look.apply(desktop, theme, textSize);
+        panes.arrangeAnew(snapshot == null ? Snapshot.NOTHING : snapshot);
         SwingUtilities.updateComponentTreeUI(this);
-        panes.details.build(snapshot == null ? Snapshot.NOTHING : snapshot);
     }
 
     /** Asks nothing: what runs is cancelled, and the window goes when the hub has come to rest. */
@@ -168,6 +186,7 @@ final class BrowserWindow extends JFrame implements HubListener {
         Rectangle bounds = getBounds();
         state.set("window", bounds.x, bounds.y, bounds.width, bounds.height);
         state.set("text", textSize);
+        state.set("theme", theme.ordinal());
         panes.keep(state);
         try {
             state.save();
@@ -206,8 +225,7 @@ final class BrowserWindow extends JFrame implements HubListener {
         snapshot = newest;
         compared.clear(); // what was compared may be gone, or other files
         isChanging = true;
-        panes.stores.show(newest.stores());
-        panes.items.show(newest.items().toList());
+        panes.show(newest);
         isChanging = false;
         filter();
         showDetails();

@@ -1,7 +1,6 @@
 package ui.frmwork.plaz.browser;
 
 import java.awt.BorderLayout;
-import java.awt.Color;
 import java.awt.Component;
 import java.awt.Dimension;
 import java.awt.Font;
@@ -9,6 +8,8 @@ import java.awt.GridBagConstraints;
 import java.awt.GridBagLayout;
 import java.awt.Insets;
 import java.awt.Rectangle;
+import java.awt.event.ComponentAdapter;
+import java.awt.event.ComponentEvent;
 import java.awt.image.BufferedImage;
 import java.net.URI;
 import java.util.List;
@@ -35,11 +36,15 @@ import ui.frmwork.plaz.browser.Snapshot.Revision;
 final class DetailPane extends JPanel implements Scrollable {
     private static final long serialVersionUID = 1;
 
+    private static final int NARROW_LINES = 24;
+
     private final transient Consumer<Key> jump;
     private final transient Consumer<URI> openPage;
     private final JTextArea history = Look.readOnlyText("Change log", "");
     private transient Optional<Item> shown = Optional.empty();
     private String comparison = "";
+    private transient Snapshot snapshot = Snapshot.NOTHING;
+    private boolean isNarrow;
     private int row;
 
     /**
@@ -50,8 +55,13 @@ final class DetailPane extends JPanel implements Scrollable {
         super(new GridBagLayout());
         this.jump = jump;
         this.openPage = openPage;
-        setBackground(Color.WHITE);
         getAccessibleContext().setAccessibleName("Details of the chosen item");
+        addComponentListener(new ComponentAdapter() {
+            @Override
+            public void componentResized(ComponentEvent event) {
+                widthChanged();
+            }
+        });
         build(Snapshot.NOTHING);
     }
 
@@ -59,7 +69,7 @@ final class DetailPane extends JPanel implements Scrollable {
      * @param compared how the files of items compare with those that were installed, by item and revision
      * @return whether there is another item, or the same one changed, so that its change log is to be read
      */
-    boolean show(Snapshot snapshot, Optional<Item> item, Map<String, String> compared) {
+    boolean show(Snapshot newestSnapshot, Optional<Item> item, Map<String, String> compared) {
         String newest = item.map(found -> comparison(found, compared)).orElse("");
         if (item.equals(shown) && newest.equals(comparison)) return false;
         if (!item.map(Item::key).equals(shown.map(Item::key))) {
@@ -68,7 +78,7 @@ final class DetailPane extends JPanel implements Scrollable {
         }
         shown = item;
         comparison = newest;
-        build(snapshot);
+        build(newestSnapshot);
         return item.isPresent();
     }
 
@@ -77,12 +87,14 @@ final class DetailPane extends JPanel implements Scrollable {
     }
 
     /** Builds the same again, in fonts of another size. */
-    void build(Snapshot snapshot) {
+    void build(Snapshot newest) {
+        snapshot = newest;
         removeAll();
+        setBackground(Look.colours().surface());
         row = 0;
         int gap = 2 * Look.gap(this);
         setBorder(BorderFactory.createEmptyBorder(gap, gap, gap, gap));
-        if (shown.isPresent()) build(snapshot, shown.get());
+        if (shown.isPresent()) build(shown.get());
         else addWide(Look.readOnlyText("Details", "Choose an item."));
         GridBagConstraints rest = new GridBagConstraints();
         rest.gridy = row;
@@ -92,8 +104,8 @@ final class DetailPane extends JPanel implements Scrollable {
         repaint();
     }
 
-    private void build(Snapshot snapshot, Item item) {
-        addHead(snapshot, item);
+    private void build(Item item) {
+        addHead(item);
         if (!item.description().isBlank()) addWide(Look.readOnlyText("Description", item.description()));
         addField("Company", item.company());
         addField("Author", item.author());
@@ -104,11 +116,11 @@ final class DetailPane extends JPanel implements Scrollable {
         addField("Revisions", revisions(item.revisions()));
         addField("Installed in", directories(item.revisions()));
         addField("Verified", comparison);
-        addField("Needs", dependencies(snapshot, item.dependencies()));
+        addField("Needs", dependencies(item.dependencies()));
         addField("Change log", history);
     }
 
-    private void addHead(Snapshot snapshot, Item item) {
+    private void addHead(Item item) {
         Logo tile = new Logo(item.title(), Optional.empty(), 3 * Look.lineHeight(this));
         JLabel logo = new JLabel(tile);
         logo.setHorizontalAlignment(SwingConstants.LEADING);
@@ -170,7 +182,7 @@ final class DetailPane extends JPanel implements Scrollable {
                 .collect(Collectors.joining("\n"));
     }
 
-    private JComponent dependencies(Snapshot snapshot, List<Dependency> needed) {
+    private JComponent dependencies(List<Dependency> needed) {
         JPanel panel = new JPanel(new GridBagLayout());
         panel.setOpaque(false);
         GridBagConstraints line = new GridBagConstraints();
@@ -178,11 +190,11 @@ final class DetailPane extends JPanel implements Scrollable {
         line.weightx = 1;
         line.fill = GridBagConstraints.HORIZONTAL;
         if (needed.isEmpty()) panel.add(Look.readOnlyText("Needs", "nothing else"), line);
-        for (Dependency each : needed) panel.add(dependency(snapshot, each), line);
+        for (Dependency each : needed) panel.add(dependency(each), line);
         return panel;
     }
 
-    private JComponent dependency(Snapshot snapshot, Dependency needed) {
+    private JComponent dependency(Dependency needed) {
         Key key = needed.key();
         String id = key.toString();
         String named = key.at(needed.revision());
@@ -197,13 +209,28 @@ final class DetailPane extends JPanel implements Scrollable {
 
     private void addField(String name, JComponent value) {
         JLabel label = new JLabel(name);
-        label.setForeground(Look.QUIET);
+        label.setForeground(Look.colours().quiet());
         label.setLabelFor(value);
+        if (isNarrow) {
+            GridBagConstraints above = place(0, 2);
+            above.insets.bottom = 0;
+            add(label, above);
+            ++row;
+            addWide(value);
+            return;
+        }
         GridBagConstraints left = place(0, 1);
         left.weightx = 0;
         add(label, left);
         add(value, place(1, 1));
         ++row;
+    }
+
+    /** Where there is little room, names stand above what they name. */
+    private void widthChanged() {
+        if (getWidth() < NARROW_LINES * Look.lineHeight(this) == isNarrow) return;
+        isNarrow = !isNarrow;
+        build(snapshot);
     }
 
     private void addWide(Component component) {

@@ -14,6 +14,7 @@ import javax.swing.ListSelectionModel;
 import javax.swing.RowFilter;
 import javax.swing.UIManager;
 import javax.swing.table.DefaultTableCellRenderer;
+import javax.swing.table.TableCellRenderer;
 import javax.swing.table.TableColumn;
 import javax.swing.table.TableRowSorter;
 import ui.frmwork.plaz.browser.ItemTableModel.Column;
@@ -24,6 +25,8 @@ import ui.frmwork.plaz.browser.Snapshot.State;
 /** The items, to be filtered, sorted and chosen from. */
 final class ItemTable extends JTable {
     private static final long serialVersionUID = 1;
+
+    private static final int MEASURED_ROWS = 1000;
 
     private final transient TableRowSorter<ItemTableModel> sorter;
 
@@ -43,8 +46,28 @@ final class ItemTable extends JTable {
         setTransferHandler(null); // what it copies would be read as HTML by others
         getAccessibleContext().setAccessibleName("Items");
         Look.tabLeaves(this);
-        for (Column column : Column.values())
-            getColumnModel().getColumn(column.ordinal()).setPreferredWidth(column.letters * Look.lineHeight(this) / 2);
+    }
+
+    /** Where there is no room for what the columns want, one scrolls. */
+    @Override
+    public boolean getScrollableTracksViewportWidth() {
+        return getParent() == null || getPreferredSize().width < getParent().getWidth();
+    }
+
+    /** Makes each column as wide as what stands in it, within reason. */
+    void fitColumns() {
+        for (int column = 0; column < getColumnCount(); ++column) {
+            int width = widthOf(getTableHeader().getDefaultRenderer(), getColumnName(column), -1, column)
+                    + Look.lineHeight(this); // for the arrow of the sorting
+            for (int row = 0; row < Math.min(getRowCount(), MEASURED_ROWS); ++row)
+                width = Math.max(width, widthOf(getCellRenderer(row, column), getValueAt(row, column), row, column));
+            getColumnModel().getColumn(column).setPreferredWidth(Math.min(width, 20 * Look.lineHeight(this)));
+        }
+    }
+
+    private int widthOf(TableCellRenderer renderer, Object value, int row, int column) {
+        Component cell = renderer.getTableCellRendererComponent(this, value, false, false, row, column);
+        return cell.getPreferredSize().width + Look.gap(this);
     }
 
     @Override
@@ -117,7 +140,7 @@ final class ItemTable extends JTable {
             super.getTableCellRendererComponent(table, shown, isSelected, false, row, column);
             Color alternate = UIManager.getColor("Table.alternateRowColor");
             if (!isSelected) {
-                setForeground(value == State.OUTDATED ? Look.WARNING : table.getForeground());
+                setForeground(value == State.OUTDATED ? Look.colours().warning() : table.getForeground());
                 setBackground(row % 2 == 1 && alternate != null ? alternate : table.getBackground());
             }
             setBorder(BorderFactory.createEmptyBorder(0, Look.gap(table), 0, Look.gap(table)));

@@ -11,20 +11,18 @@ final class ItemTableModel extends AbstractTableModel {
     private static final long serialVersionUID = 1;
 
     enum Column {
-        TITLE("Name", 26, Item::title),
-        NAME("Item", 17, item -> item.key().name()),
-        STORE("Store", 10, item -> item.key().store()),
-        REVISION("Revision", 9, Item::revision),
-        STATE("State", 10, Item::state),
-        COMPANY("Company", 19, Item::company);
+        TITLE("Name", Item::title),
+        NAME("Item", item -> item.key().name()),
+        STORE("Store", item -> item.key().store()),
+        REVISION("Revision", Item::revision),
+        STATE("State", Item::state),
+        COMPANY("Company", Item::company);
 
         final String heading;
-        final int letters;
         private final Function<Item, Object> value;
 
-        Column(String heading, int letters, Function<Item, Object> value) {
+        Column(String heading, Function<Item, Object> value) {
             this.heading = heading;
-            this.letters = letters;
             this.value = value;
         }
     }

@@ -24,7 +24,6 @@ final class LinkButton extends JButton {
         setBorder(BorderFactory.createEmptyBorder(1, 0, 1, 0));
         setContentAreaFilled(false);
         setOpaque(false);
-        setForeground(Look.LINK);
         setCursor(Cursor.getPredefinedCursor(Cursor.HAND_CURSOR));
         addActionListener(event -> follow.run());
         bind(KeyStroke.getKeyStroke(KeyEvent.VK_ENTER, 0, false), "pressed");
@@ -35,6 +34,7 @@ final class LinkButton extends JButton {
     public void updateUI() {
         super.updateUI();
         setFont(UIManager.getFont("Label.font"));
+        setForeground(Look.colours().link());
     }
 
     @Override
@@ -42,7 +42,8 @@ final class LinkButton extends JButton {
         super.paintComponent(graphics);
         Font font = getFont();
         int width = Math.min(getWidth(), graphics.getFontMetrics(font).stringWidth(getText()));
-        graphics.setColor(isFocusOwner() ? Look.LINK : new Color(0xb8cde6));
+        Color link = Look.colours().link();
+        graphics.setColor(isFocusOwner() ? link : Palette.mix(link, Look.colours().surface(), 0.6));
         int bottom = getHeight() - 2;
         graphics.fillRect(0, bottom, width, isFocusOwner() ? 2 : 1);
     }

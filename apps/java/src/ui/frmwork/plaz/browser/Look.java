@@ -8,7 +8,6 @@ import java.awt.KeyboardFocusManager;
 import java.awt.event.InputEvent;
 import java.awt.event.KeyEvent;
 import java.util.ArrayList;
-import java.util.Map;
 import java.util.Set;
 import javax.swing.BorderFactory;
 import javax.swing.JComponent;
@@ -18,42 +17,48 @@ import javax.swing.UIDefaults;
 import javax.swing.UIManager;
 import javax.swing.UnsupportedLookAndFeelException;
 import javax.swing.plaf.FontUIResource;
-import javax.swing.plaf.nimbus.NimbusLookAndFeel;
 import javax.swing.text.DefaultCaret;
 
 /** Colours, fonts and sizes; and that texts of catalogs are shown as they are. */
 final class Look {
-    static final Color LINK = new Color(0x1a5fb4);
-    static final Color QUIET = new Color(0x5e6670);
-    static final Color WARNING = new Color(0x9a5a00);
-    static final Color ERROR = new Color(0xb3261e);
+    /** Which colours a person has chosen. */
+    enum Theme { SYSTEM, LIGHT, DARK }
 
     /** Names that the virtual machine itself knows: a look chosen there stays, and so does the font. */
     private static final String CHOSEN_LOOK = "swing.defaultlaf";
     private static final String CHOSEN_FONT = "swing.plaf.metal.controlFont";
+    private static final int USUAL_SIZE = 13;
 
-    private static final Map<String, Color> NIMBUS_COLOURS = Map.of("control", new Color(0xeef1f4), "nimbusBase",
-            new Color(0x2b5d8c), "nimbusBlueGrey", new Color(0xb4bec9), "nimbusSelectionBackground",
-            new Color(0x2f6cab), "nimbusFocus", new Color(0x6ea3d8));
+    private static Palette colours = Palette.LIGHT;
 
     private Look() {}
 
-    /** @param percent size of all texts, against the look's own */
-    static void apply(int percent) {
-        NIMBUS_COLOURS.forEach(UIManager::put);
+    /** The colours in force. */
+    static Palette colours() {
+        return colours;
+    }
+
+    /** @param percent size of all texts, against what the desktop says, or else the look's own */
+    static void apply(DesktopSettings desktop, Theme theme, int percent) {
+        boolean isDark = theme == Theme.DARK || theme == Theme.SYSTEM && desktop.isDark();
+        colours = isDark ? Palette.DARK : Palette.LIGHT;
+        double usual = desktop.fontSize() > 0 ? Math.min(Math.max(desktop.fontSize(), 8), 40) : USUAL_SIZE;
+        Font font = Font.getFont(CHOSEN_FONT, new Font(Font.SANS_SERIF, Font.PLAIN, 1).deriveFont((float) usual));
         try {
             String chosen = System.getProperty(CHOSEN_LOOK);
-            if (chosen == null) UIManager.setLookAndFeel(new NimbusLookAndFeel());
-            else UIManager.setLookAndFeel(chosen);
+            if (chosen == null) UIManager.setLookAndFeel(new FlatLook(colours, scaled(font, percent)));
+            else applyOther(chosen, percent);
         } catch (ReflectiveOperationException | UnsupportedLookAndFeelException e) {
             // The virtual machine's own will do.
         }
+    }
+
+    private static void applyOther(String look, int percent)
+            throws ReflectiveOperationException, UnsupportedLookAndFeelException {
+        UIManager.setLookAndFeel(look);
         UIDefaults defaults = UIManager.getLookAndFeelDefaults();
-        if (UIManager.getLookAndFeel() instanceof NimbusLookAndFeel) // whose other fonts all follow this one
-            defaults.put("defaultFont", scaled(Font.getFont(CHOSEN_FONT, defaults.getFont("defaultFont")), percent));
-        else
-            for (Object key : new ArrayList<>(defaults.keySet()))
-                if (defaults.get(key) instanceof Font font) defaults.put(key, scaled(font, percent));
+        for (Object key : new ArrayList<>(defaults.keySet()))
+            if (defaults.get(key) instanceof Font font) defaults.put(key, scaled(font, percent));
     }
 
     private static FontUIResource scaled(Font font, int percent) {

@@ -15,8 +15,7 @@ final class MessagePane extends JTextPane {
     private static final long serialVersionUID = 1;
     private static final int MOST = 1000;
 
-    /** How many characters each message takes, the oldest first. */
-    private final Deque<Integer> lengths = new ArrayDeque<>();
+    private final transient Deque<Message> shown = new ArrayDeque<>();
 
     MessagePane() {
         setEditable(false);
@@ -26,16 +25,37 @@ final class MessagePane extends JTextPane {
     }
 
     void add(Message message) {
+        shown.add(message);
+        append(message);
+        if (shown.size() > MOST) removeFirst(line(shown.remove()).length());
+    }
+
+    /** In the colours that are in force by now. */
+    void showAnew() {
+        setText("");
+        shown.forEach(this::append);
+    }
+
+    private void append(Message message) {
         try {
             Document document = getDocument();
-            String line = message + "\n";
-            document.insertString(document.getLength(), line, style(message.severity()));
-            lengths.add(line.length());
-            if (lengths.size() > MOST) document.remove(0, lengths.remove());
+            document.insertString(document.getLength(), line(message), style(message.severity()));
             setCaretPosition(document.getLength());
         } catch (BadLocationException e) {
             throw new IllegalStateException(e);
         }
+    }
+
+    private void removeFirst(int length) {
+        try {
+            getDocument().remove(0, length);
+        } catch (BadLocationException e) {
+            throw new IllegalStateException(e);
+        }
+    }
+
+    private static String line(Message message) {
+        return message + "\n";
     }
 
     private static SimpleAttributeSet style(Severity severity) {
@@ -47,9 +67,9 @@ final class MessagePane extends JTextPane {
 
     private static Color colour(Severity severity) {
         return switch (severity) {
-            case INFO -> Look.QUIET;
-            case WARNING, CRITICAL_WARNING -> Look.WARNING;
-            case ERROR -> Look.ERROR;
+            case INFO -> Look.colours().quiet();
+            case WARNING, CRITICAL_WARNING -> Look.colours().warning();
+            case ERROR -> Look.colours().error();
         };
     }
 }

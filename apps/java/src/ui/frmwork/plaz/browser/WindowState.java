@@ -98,11 +98,13 @@ final class WindowState {
                         .toArray());
     }
 
-    void applyColumns(JTable table) {
+    /** @return whether there are widths */
+    boolean applyColumns(JTable table) {
         int[] order = numbers("columns");
         int[] widths = numbers("widths");
         int count = table.getColumnCount();
-        if (order.length == count && widths.length == count && isPermutation(order)) {
+        boolean areKept = order.length == count && widths.length == count && isPermutation(order);
+        if (areKept) {
             for (int to = 0; to < count; ++to) {
                 int from = table.convertColumnIndexToView(order[to]);
                 table.moveColumn(from, to);
@@ -112,6 +114,7 @@ final class WindowState {
         int[] sorting = numbers("sorting");
         if (sorting.length == 2 && sorting[0] >= 0 && sorting[0] < count && sorting[1] >= 0 && sorting[1] <= 2)
             table.getRowSorter().setSortKeys(List.of(new SortKey(sorting[0], SortOrder.values()[sorting[1]])));
+        return areKept;
     }
 
     private static boolean isPermutation(int[] order) {

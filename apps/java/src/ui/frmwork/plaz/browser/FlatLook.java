@@ -1,0 +1,130 @@
+package ui.frmwork.plaz.browser;
+
+import java.awt.Color;
+import java.awt.Font;
+import java.awt.Insets;
+import java.util.ArrayList;
+import java.util.regex.Matcher;
+import java.util.regex.Pattern;
+import javax.swing.UIDefaults;
+import javax.swing.plaf.ColorUIResource;
+import javax.swing.plaf.FontUIResource;
+import javax.swing.plaf.InsetsUIResource;
+import javax.swing.plaf.nimbus.NimbusLookAndFeel;
+
+/** The JDK's Nimbus in colours of ours, with plain areas in the place of its shining ones. */
+final class FlatLook extends NimbusLookAndFeel {
+    private static final long serialVersionUID = 1;
+    private static final Pattern PAINTER =
+            Pattern.compile("(.+)\\[(.*)\\]\\.(background|border|foreground|icon|expandedIcon|collapsedIcon)Painter");
+
+    private final transient Palette colours;
+    private final transient Font font;
+
+    FlatLook(Palette colours, Font font) {
+        this.colours = colours;
+        this.font = font;
+    }
+
+    @Override
+    public UIDefaults getDefaults() {
+        UIDefaults defaults = super.getDefaults();
+        defaults.put("defaultFont", new FontUIResource(font)); // which all others follow
+        putColours(defaults);
+        for (Object key : new ArrayList<>(defaults.keySet())) {
+            Matcher painter = PAINTER.matcher(key.toString());
+            if (painter.matches()) putPainter(defaults, painter.group(), painter.group(1), painter.group(2));
+        }
+        Insets narrow = new InsetsUIResource(2, 2, 2, 2);
+        defaults.put("ScrollBar:\"ScrollBar.button\".size", 0);
+        defaults.put("ScrollBar.incrementButtonGap", 0);
+        defaults.put("ScrollBar.decrementButtonGap", 0);
+        defaults.put("ScrollPane.contentMargins", narrow);
+        defaults.put("Table.showGrid", false);
+        defaults.put("Tree.drawHorizontalLines", false);
+        defaults.put("Tree.drawVerticalLines", false);
+        return defaults;
+    }
+
+    private void putColours(UIDefaults defaults) {
+        for (String name : new String[] {"control", "info", "menu", "scrollbar", "background"})
+            put(defaults, name, colours.ground());
+        for (String name : new String[] {"nimbusLightBackground", "Table.background", "Tree.background",
+                     "TextArea.background", "TextPane.background", "List.background"})
+            put(defaults, name, colours.surface());
+        for (String name : new String[] {"text", "controlText", "infoText", "menuText", "textForeground",
+                     "Table.foreground", "Tree.foreground", "Tree.textForeground"})
+            put(defaults, name, colours.text());
+        for (String name : new String[] {"nimbusSelectionBackground", "textHighlight", "nimbusSelection",
+                     "Tree.selectionBackground", "Table[Enabled+Selected].textBackground", "textBackground"})
+            put(defaults, name, colours.mark());
+        for (String name : new String[] {"nimbusSelectedText", "textHighlightText", "Tree.selectionForeground",
+                     "Table[Enabled+Selected].textForeground"})
+            put(defaults, name, colours.onMark());
+        put(defaults, "nimbusFocus", colours.mark());
+        put(defaults, "nimbusBase", colours.mark());
+        put(defaults, "nimbusBlueGrey", colours.line());
+        put(defaults, "nimbusBorder", colours.line());
+        put(defaults, "nimbusDisabledText", Palette.mix(colours.quiet(), colours.ground(), 0.3));
+        put(defaults, "Table.alternateRowColor", Palette.mix(colours.surface(), colours.ground(), 0.6));
+    }
+
+    private static void put(UIDefaults defaults, String name, Color colour) {
+        defaults.put(name, new ColorUIResource(colour));
+    }
+
+    private void putPainter(UIDefaults defaults, String key, String component, String state) {
+        boolean isDisabled = state.contains("Disabled");
+        boolean isHot = state.contains("MouseOver") || state.contains("Pressed");
+        boolean isFocused = state.contains("Focused");
+        Color edge = isFocused ? colours.mark() : colours.line();
+        switch (component) {
+            case "Button", "ToggleButton", "ComboBox" -> { Color face = isDisabled ? colours.ground():
+                colours.raised();
+                if (state.contains("Default") && !isDisabled) face = Palette.mix(face, colours.mark(), 0.25);
+                if (isHot) face = Palette.mix(face, colours.mark(), state.contains("Pressed") ? 0.35 : 0.15);
+                defaults.put(key, new FlatPainter(face, edge, 6, 2, isFocused));
+        }
+        case "TextField", "FormattedTextField" -> { Color face = isDisabled ? colours.ground():
+            colours.surface();
+            defaults.put(key, new FlatPainter(face, edge, 6, 2, isFocused));
+    }
+            case "ScrollPane" -> defaults.put(key, new FlatPainter(null, edge, 0, 0, isFocused));
+            case "ScrollBar:ScrollBarTrack" -> defaults.put(key, new FlatPainter(colours.ground(), null, 0, 0, false));
+            case "ScrollBar:ScrollBarThumb" -> {
+                Color face = Palette.mix(colours.line(), colours.quiet(), isHot ? 0.6 : 0.2);
+                defaults.put(key, new FlatPainter(face, null, 8, 3, false));
+}
+case "TableHeader:\"TableHeader.renderer\""
+        -> {
+    Color face = isHot ? Palette.mix(colours.ground(), colours.mark(), 0.2):
+    colours.ground();
+    defaults.put(key, FlatPainter.underlined(face, colours.line()));
+    }
+case "ProgressBar" -> {
+    if (key.endsWith("backgroundPainter"))
+            defaults.put(key, new FlatPainter(colours.surface(), colours.line(), 6, 2, false));
+    else if (!state.contains("Indeterminate"))
+            defaults.put(key, new FlatPainter(Palette.mix(colours.surface(), colours.mark(), 0.45), null, 4, 3, false));
+} case "MenuBar" -> defaults.put(key, FlatPainter.underlined(colours.ground(), colours.line()));
+        case "MenuBar:Menu", "Menu", "MenuItem", "CheckBoxMenuItem",
+        "RadioButtonMenuItem" -> {
+            if (key.endsWith("backgroundPainter") && !isDisabled)
+                    defaults.put(key, new FlatPainter(colours.mark(), null, 0, 0, false));
+        } case "PopupMenu" -> defaults.put(key, new FlatPainter(colours.raised(), colours.line(), 0, 0, false));
+        case "SplitPane:SplitPaneDivider" -> defaults.put(key, new FlatPainter(colours.ground(), null, 0, 0, false));
+        case "Tree"
+        -> { Color sign = state.contains("Selected") ? colours.onMark():
+    colours.quiet();
+    if (key.contains("IconPainter")) defaults.put(key, new FlatSign(sign, key.contains("expanded")));
+    }
+            case "CheckBox" -> defaults.put(key, new FlatTick(
+                    state.contains("Selected") ? colours.mark() : colours.surface(),
+                    isFocused || isHot ? colours.mark() : colours.quiet(),
+                    state.contains("Selected") ? colours.onMark() : null));
+                default -> {
+                    // Nimbus's own, in these colours
+                }
+                }
+                }
+                }
