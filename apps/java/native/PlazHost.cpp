@@ -12,7 +12,9 @@
 #include "plaz/HSCPlazParams.h"
 #include "plaz/base/HSCPlazMsg.h"
 #include "plaz/bindings/java/JniSupport.h"
+#include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQItem.h"
+#include "plaz/model/HSCPlazQStore.h"
 #include "scripting/task_manager.h"
 #include "support/ComMsgMgr.h"
 #include "support/HDGUIStatus.h"
@@ -134,6 +136,24 @@ std::vector<std::string> compare(const std::vector<std::string>& references) {
     return triples;
 }
 
+/// Triples of a fact ("inactive", "tool", "user", "needed by"), an item, and the other item or "".
+std::vector<std::string> describeItems() {
+    std::vector<std::string> triples;
+    const auto add = [&](const char* fact, const HSCPlazQItem& item, const std::string& other) {
+        triples.insert(triples.end(), {fact, ItemReference::of(item).toText(), other});
+    };
+    const HSCPlaz& hub = requireHub();
+    for (const HSCPlazQStore* store : hub.getStores())
+        for (const HSCPlazQItem* item : store->getItems())
+            if (item->isInactive()) add("inactive", *item, "");
+    for (const HSCPlazQItem* item : HubQueries(requireHub()).findRecorded("")) {
+        add(toText(item->getMode()), *item, "");
+        for (const HSCPlazQItem* holder : HSCPlazInspection::findHolders(hub, *item))
+            add("needed by", *item, ItemReference::of(*holder).toText());
+    }
+    return triples;
+}
+
 bool check(const std::string& name) {
     HSCPlazQStore& store = HubQueries(requireHub()).getStore(name);
     const StoresResult result = HubActions(requireHub(), commandStatus(), {}).check({&store});
@@ -221,6 +241,12 @@ JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_unhold(JNIEnv* env, jc
 
 JNIEXPORT jboolean JNICALL Java_ui_frmwork_plaz_host_PlazHost_isHeld(JNIEnv* env, jclass, jstring item) {
     return guard(env, [&] { return isHeld(jni::toNative(env, item)); });
+}
+
+JNIEXPORT jobjectArray JNICALL Java_ui_frmwork_plaz_host_PlazHost_describeItems(JNIEnv* env, jclass) {
+    jobjectArray triples = nullptr;
+    guard(env, [&] { triples = toJava(env, describeItems()); });
+    return triples;
 }
 
 JNIEXPORT jboolean JNICALL Java_ui_frmwork_plaz_host_PlazHost_check(JNIEnv* env, jclass, jstring store) {

@@ -25,8 +25,9 @@ import ui.frmwork.plaz.browser.Snapshot.Key;
 final class BrowserPanes extends JPanel {
     private static final long serialVersionUID = 1;
 
+    private final LogoCache logos = new LogoCache();
     final StoreTree stores = Look.named("stores", new StoreTree());
-    final ItemTable items = Look.named("items", new ItemTable());
+    final ItemTable items = Look.named("items", new ItemTable(logos));
     final JTextField search = Look.named("search", new JTextField(12));
     final JCheckBox installed = Look.named("installed", new JCheckBox("Installed"));
     final JCheckBox outdated = Look.named("outdated", new JCheckBox("Outdated"));
@@ -46,7 +47,7 @@ final class BrowserPanes extends JPanel {
     BrowserPanes(BrowserActions actions, Consumer<Key> jump, Consumer<URI> openPage) {
         super(new BorderLayout());
         this.actions = actions;
-        details = new DetailPane(jump, openPage);
+        details = new DetailPane(logos, jump, openPage);
         status = new StatusBar(actions.cancel);
         installed.setMnemonic('L');
         outdated.setMnemonic('D');
@@ -99,6 +100,7 @@ final class BrowserPanes extends JPanel {
 
     /** The first items decide how wide columns are of which nothing is kept. */
     void show(Snapshot snapshot) {
+        logos.show(snapshot);
         stores.show(snapshot.stores());
         items.show(snapshot.items().toList());
         if (haveColumnsWidths || items.getRowCount() == 0) return;

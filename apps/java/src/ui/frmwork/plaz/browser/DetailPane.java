@@ -10,12 +10,10 @@ import java.awt.Insets;
 import java.awt.Rectangle;
 import java.awt.event.ComponentAdapter;
 import java.awt.event.ComponentEvent;
-import java.awt.image.BufferedImage;
 import java.net.URI;
 import java.util.List;
 import java.util.Map;
 import java.util.Optional;
-import java.util.concurrent.ExecutionException;
 import java.util.function.Consumer;
 import java.util.stream.Collectors;
 import javax.swing.BorderFactory;
@@ -25,7 +23,6 @@ import javax.swing.JPanel;
 import javax.swing.JTextArea;
 import javax.swing.Scrollable;
 import javax.swing.SwingConstants;
-import javax.swing.SwingWorker;
 import javax.swing.UIManager;
 import ui.frmwork.plaz.browser.Snapshot.Dependency;
 import ui.frmwork.plaz.browser.Snapshot.Item;
@@ -40,10 +37,12 @@ final class DetailPane extends JPanel implements Scrollable {
 
     private final transient Consumer<Key> jump;
     private final transient Consumer<URI> openPage;
+    private final transient LogoCache logos;
     private final JTextArea history = Look.readOnlyText("Change log", "");
     private transient Optional<Item> shown = Optional.empty();
     private String comparison = "";
     private transient Snapshot snapshot = Snapshot.NOTHING;
+    private transient Runnable picture = () -> {};
     private boolean isNarrow;
     private int row;
 
@@ -51,8 +50,10 @@ final class DetailPane extends JPanel implements Scrollable {
      * @param jump called for a dependency that is followed
      * @param openPage called for a web page that is followed
      */
-    DetailPane(Consumer<Key> jump, Consumer<URI> openPage) {
+    DetailPane(LogoCache logos, Consumer<Key> jump, Consumer<URI> openPage) {
         super(new GridBagLayout());
+        this.logos = logos;
+        logos.whenLoaded(() -> picture.run());
         this.jump = jump;
         this.openPage = openPage;
         getAccessibleContext().setAccessibleName("Details of the chosen item");
@@ -107,6 +108,7 @@ final class DetailPane extends JPanel implements Scrollable {
     private void build(Item item) {
         addHead(item);
         if (!item.description().isBlank()) addWide(Look.readOnlyText("Description", item.description()));
+        addField("State", item.stateText());
         addField("Company", item.company());
         addField("Author", item.author());
         WebLink.of(item.website())
@@ -116,13 +118,15 @@ final class DetailPane extends JPanel implements Scrollable {
         addField("Revisions", revisions(item.revisions()));
         addField("Installed in", directories(item.revisions()));
         addField("Verified", comparison);
-        addField("Needs", dependencies(item.dependencies()));
+        addField("Needs", dependencies("Needs", item.dependencies()));
+        if (item.isInstalled()) addField("Needed by", dependencies("Needed by", item.standing().neededBy()));
         addField("Change log", history);
     }
 
     private void addHead(Item item) {
-        Logo tile = new Logo(item.title(), Optional.empty(), 3 * Look.lineHeight(this));
-        JLabel logo = new JLabel(tile);
+        int size = 3 * Look.lineHeight(this);
+        JLabel logo = new JLabel(logos.find(item, size));
+        picture = () -> logo.setIcon(logos.find(item, size));
         logo.setHorizontalAlignment(SwingConstants.LEADING);
         GridBagConstraints place = place(0, 1);
         place.weightx = 0;
@@ -137,25 +141,6 @@ final class DetailPane extends JPanel implements Scrollable {
         beside.anchor = GridBagConstraints.LINE_START;
         add(names, beside);
         ++row;
-        snapshot.store(item.key().store()).ifPresent(store -> readLogo(store.directory(), item, logo));
-    }
-
-    private static void readLogo(String directory, Item item, JLabel label) {
-        new SwingWorker<Optional<BufferedImage>, Void>() {
-            @Override
-            protected Optional<BufferedImage> doInBackground() {
-                return Logo.read(directory, item.logo());
-            }
-
-            @Override
-            protected void done() {
-                try {
-                    label.setIcon(new Logo(item.title(), get(), label.getIcon().getIconWidth()));
-                } catch (InterruptedException | ExecutionException e) {
-                    // the tile stays
-                }
-            }
-        }.execute();
     }
 
     private LinkButton link(String address, URI page) {
@@ -182,14 +167,14 @@ final class DetailPane extends JPanel implements Scrollable {
                 .collect(Collectors.joining("\n"));
     }
 
-    private JComponent dependencies(List<Dependency> needed) {
+    private JComponent dependencies(String name, List<Dependency> needed) {
         JPanel panel = new JPanel(new GridBagLayout());
         panel.setOpaque(false);
         GridBagConstraints line = new GridBagConstraints();
         line.gridx = 0;
         line.weightx = 1;
         line.fill = GridBagConstraints.HORIZONTAL;
-        if (needed.isEmpty()) panel.add(Look.readOnlyText("Needs", "nothing else"), line);
+        if (needed.isEmpty()) panel.add(Look.readOnlyText(name, "nothing else"), line);
         for (Dependency each : needed) panel.add(dependency(each), line);
         return panel;
     }
@@ -199,8 +184,12 @@ final class DetailPane extends JPanel implements Scrollable {
         String id = key.toString();
         String named = key.at(needed.revision());
         return snapshot.item(key)
-                .<JComponent>map(item -> new LinkButton(id, named, () -> jump.accept(key)))
+                .<JComponent>map(item -> new LinkButton(id, named + stateIn(item), () -> jump.accept(key)))
                 .orElseGet(() -> Look.readOnlyText(id, named + "  (not in the catalog)"));
+    }
+
+    private static String stateIn(Item item) {
+        return item.stateText().isEmpty() ? "  (not installed)" : "  (" + item.stateText() + ")";
     }
 
     private void addField(String name, String text) {

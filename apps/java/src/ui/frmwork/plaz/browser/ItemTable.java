@@ -5,6 +5,7 @@ import java.awt.Component;
 import java.awt.Rectangle;
 import java.text.Collator;
 import java.util.Collections;
+import java.util.Comparator;
 import java.util.List;
 import java.util.Optional;
 import java.util.stream.IntStream;
@@ -29,16 +30,20 @@ final class ItemTable extends JTable {
     private static final int MEASURED_ROWS = 1000;
 
     private final transient TableRowSorter<ItemTableModel> sorter;
+    private final transient LogoCache logos;
 
-    ItemTable() {
+    ItemTable(LogoCache logos) {
         super(new ItemTableModel());
+        this.logos = logos;
+        logos.whenLoaded(this::repaint);
         sorter = new TableRowSorter<>(items());
         for (Column column : Column.values())
             if (column != Column.STATE) sorter.setComparator(column.ordinal(), Collator.getInstance());
+        sorter.setComparator(Column.STATE.ordinal(), Comparator.comparing(Item::state).thenComparing(Item::stateText));
         sorter.setComparator(Column.REVISION.ordinal(), Revisions.ORDER);
         setRowSorter(sorter);
         setDefaultRenderer(String.class, new Cell());
-        setDefaultRenderer(State.class, new Cell());
+        setDefaultRenderer(Item.class, new Cell());
         setSelectionMode(ListSelectionModel.SINGLE_SELECTION);
         setShowVerticalLines(false);
         setFillsViewportHeight(true);
@@ -57,7 +62,7 @@ final class ItemTable extends JTable {
     /** Makes each column as wide as what stands in it, within reason. */
     void fitColumns() {
         for (int column = 0; column < getColumnCount(); ++column) {
-            int width = widthOf(getTableHeader().getDefaultRenderer(), getColumnName(column), -1, column)
+            int width = widthOf(getTableHeader().getDefaultRenderer(), getColumnName(column), 0, column)
                     + Look.lineHeight(this); // for the arrow of the sorting
             for (int row = 0; row < Math.min(getRowCount(), MEASURED_ROWS); ++row)
                 width = Math.max(width, widthOf(getCellRenderer(row, column), getValueAt(row, column), row, column));
@@ -73,7 +78,7 @@ final class ItemTable extends JTable {
     @Override
     public void updateUI() {
         super.updateUI();
-        setRowHeight(Look.lineHeight(this) + 2 * Look.gap(this));
+        setRowHeight(Look.lineHeight(this) + 3 * Look.gap(this));
     }
 
     /** What is chosen and where one has scrolled to stays, as far as it is there still. */
@@ -126,7 +131,7 @@ final class ItemTable extends JTable {
         return (ItemTableModel) getModel();
     }
 
-    private static final class Cell extends DefaultTableCellRenderer {
+    private final class Cell extends DefaultTableCellRenderer {
         private static final long serialVersionUID = 1;
 
         Cell() {
@@ -136,11 +141,18 @@ final class ItemTable extends JTable {
         @Override
         public Component getTableCellRendererComponent(
                 JTable table, Object value, boolean isSelected, boolean hasFocus, int row, int column) {
-            Object shown = value instanceof State state ? state.text : value;
-            super.getTableCellRendererComponent(table, shown, isSelected, false, row, column);
-            Color alternate = UIManager.getColor("Table.alternateRowColor");
+            Item item = items().item(convertRowIndexToModel(row));
+            boolean isState = value instanceof Item;
+            super.getTableCellRendererComponent(
+                    table, isState ? item.stateText() : value, isSelected, false, row, column);
+            boolean isName = convertColumnIndexToModel(column) == Column.TITLE.ordinal();
+            setIcon(isName ? logos.find(item, Look.lineHeight(table) + Look.gap(table)) : null);
+            setIconTextGap(Look.gap(table));
             if (!isSelected) {
-                setForeground(value == State.OUTDATED ? Look.colours().warning() : table.getForeground());
+                boolean isMarked = isState && item.state() == State.OUTDATED;
+                Color text = item.standing().isInactive() ? Look.colours().quiet() : table.getForeground();
+                setForeground(isMarked ? Look.colours().warning() : text);
+                Color alternate = UIManager.getColor("Table.alternateRowColor");
                 setBackground(row % 2 == 1 && alternate != null ? alternate : table.getBackground());
             }
             setBorder(BorderFactory.createEmptyBorder(0, Look.gap(table), 0, Look.gap(table)));

@@ -4,7 +4,6 @@ import java.util.List;
 import java.util.function.Function;
 import javax.swing.table.AbstractTableModel;
 import ui.frmwork.plaz.browser.Snapshot.Item;
-import ui.frmwork.plaz.browser.Snapshot.State;
 
 /** One line for each item. */
 final class ItemTableModel extends AbstractTableModel {
@@ -15,7 +14,7 @@ final class ItemTableModel extends AbstractTableModel {
         NAME("Item", item -> item.key().name()),
         STORE("Store", item -> item.key().store()),
         REVISION("Revision", Item::revision),
-        STATE("State", Item::state),
+        STATE("State", item -> item),
         COMPANY("Company", Item::company);
 
         final String heading;
@@ -61,7 +60,7 @@ final class ItemTableModel extends AbstractTableModel {
 
     @Override
     public Class<?> getColumnClass(int column) {
-        return COLUMNS.get(column) == Column.STATE ? State.class : String.class;
+        return COLUMNS.get(column) == Column.STATE ? Item.class : String.class;
     }
 
     @Override

@@ -5,6 +5,7 @@ import java.awt.Component;
 import java.awt.Font;
 import java.awt.Graphics;
 import java.awt.Graphics2D;
+import java.awt.Image;
 import java.awt.RenderingHints;
 import java.awt.image.BufferedImage;
 import java.io.IOException;
@@ -28,16 +29,31 @@ record Logo(String title, Optional<BufferedImage> picture, int size) implements 
      * Reads a picture. A file that lies outside of the store's directory is not touched, nor is one that is large.
      *
      * @param file as the catalog has it: perhaps no file at all
+     * @param pixels how large it is wanted
      */
-    static Optional<BufferedImage> read(String directory, String file) {
+    static Optional<BufferedImage> read(String directory, String file, int pixels) {
         try {
             if (directory.isEmpty() || file.isEmpty() || !Files.isRegularFile(Path.of(file))) return Optional.empty();
             Path real = Path.of(file).toRealPath();
-            boolean isOfStore = real.startsWith(Path.of(directory).toRealPath());
-            return isOfStore && Files.size(real) <= MOST_BYTES ? decode(real) : Optional.empty();
+            if (!real.startsWith(Path.of(directory).toRealPath()) || Files.size(real) > MOST_BYTES)
+                return Optional.empty();
+            return file.endsWith(".svg") ? Drawing.draw(Files.readAllBytes(real), pixels)
+                                         : decode(real).map(image -> reduced(image, pixels));
         } catch (IOException | IllegalArgumentException e) {
             return Optional.empty();
         }
+    }
+
+    private static BufferedImage reduced(BufferedImage image, int pixels) {
+        double scale = (double) pixels / Math.max(image.getWidth(), image.getHeight());
+        if (scale >= 1) return image;
+        int width = (int) Math.max(1, image.getWidth() * scale);
+        int height = (int) Math.max(1, image.getHeight() * scale);
+        BufferedImage small = new BufferedImage(width, height, BufferedImage.TYPE_INT_ARGB);
+        Graphics2D g = small.createGraphics();
+        g.drawImage(image.getScaledInstance(width, height, Image.SCALE_AREA_AVERAGING), 0, 0, null);
+        g.dispose();
+        return small;
     }
 
     private static Optional<BufferedImage> decode(Path file) throws IOException {

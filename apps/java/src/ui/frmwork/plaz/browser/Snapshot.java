@@ -38,30 +38,51 @@ record Snapshot(List<Store> stores, String proxy, String storesPath) {
     }
 
     /** How an item stands on this machine, in the order in which the table sorts it. */
-    enum State {
-        NONE(""),
-        INSTALLED("installed"),
-        OUTDATED("outdated");
+    enum State { NONE, INSTALLED, OUTDATED }
 
-        final String text;
-
-        State(String text) {
-            this.text = text;
-        }
-    }
+    /**
+     * How an item stands, beside its description.
+     *
+     * @param installed the revisions that are, the latest first
+     * @param isForOthers whether it is installed because others need it, not because one asked for it
+     * @param isInactive whether it is no longer kept up
+     * @param neededBy installed items that need it
+     */
+    record Standing(
+            State state, List<String> installed, boolean isForOthers, boolean isInactive, List<Dependency> neededBy) {}
 
     /**
      * An item as its latest revision describes it.
      *
      * @param logo a file or an address, as the catalog has it
-     * @param isLatestInstalled whether there is nothing to install
      * @param revisions all of them, the latest first
      */
-    record Item(Key key, String title, String description, String revision, State state, boolean isLatestInstalled,
-            String company, String author, String website, String logo, List<String> categories, List<String> keywords,
+    record Item(Key key, String title, String description, String revision, Standing standing, String company,
+            String author, String website, String logo, List<String> categories, List<String> keywords,
             List<Revision> revisions, List<Dependency> dependencies) {
+        State state() {
+            return standing.state();
+        }
+
         boolean isInstalled() {
-            return state != State.NONE;
+            return state() != State.NONE;
+        }
+
+        boolean isLatestInstalled() {
+            return standing.installed().contains(revision);
+        }
+
+        /** The state in words, with the revision that is installed where that is not the latest. */
+        String stateText() {
+            String text = switch (state()) {
+                case NONE -> ""; case INSTALLED -> standing.isForOthers() ? "needed by others":
+                    "installed";
+                case OUTDATED -> standing.isForOthers() ? "outdated, needed by others":
+                    "outdated";
+            };
+            if (isInstalled() && !isLatestInstalled()) text += " (" + standing.installed().get(0) + ")";
+            if (standing.isInactive()) text += text.isEmpty() ? "inactive" : ", inactive";
+            return text;
         }
     }
 

@@ -7,6 +7,8 @@ import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 import java.util.function.Function;
+import java.util.stream.Collectors;
+import java.util.stream.Stream;
 import ui.frmwork.plaz.PlazCategory;
 import ui.frmwork.plaz.PlazItem;
 import ui.frmwork.plaz.PlazItemDependency;
@@ -17,15 +19,22 @@ import ui.frmwork.plaz.browser.Snapshot.Dependency;
 import ui.frmwork.plaz.browser.Snapshot.Item;
 import ui.frmwork.plaz.browser.Snapshot.Key;
 import ui.frmwork.plaz.browser.Snapshot.Revision;
+import ui.frmwork.plaz.browser.Snapshot.Standing;
 import ui.frmwork.plaz.browser.Snapshot.State;
 import ui.frmwork.plaz.browser.Snapshot.Store;
+import ui.frmwork.plaz.host.PlazHost;
+import ui.frmwork.plaz.host.PlazHost.Fact;
 
 /** Reads the hub. Part of {@link HubThread}: used there alone. */
 final class SnapshotReader {
+    /** By item and revision. */
+    private final Map<String, List<Fact>> facts = PlazHost.facts().stream().collect(Collectors.groupingBy(Fact::item));
+
     private SnapshotReader() {}
 
     static Snapshot read() {
-        return new Snapshot(map(PlazSwigIntf.getStores(), SnapshotReader::store), PlazSwigIntf.getHttpProxy(),
+        SnapshotReader reader = new SnapshotReader();
+        return new Snapshot(map(PlazSwigIntf.getStores(), reader::store), PlazSwigIntf.getHttpProxy(),
                 PlazSwigIntf.getQStoresPath());
     }
 
@@ -38,13 +47,13 @@ final class SnapshotReader {
         return latestFirst(entries);
     }
 
-    private static Store store(PlazStore store) {
+    private Store store(PlazStore store) {
         Map<String, List<PlazItem>> entries = new LinkedHashMap<>();
         for (PlazItem entry : store.getItems())
             entries.computeIfAbsent(entry.getName(), name -> new ArrayList<>()).add(entry);
         return new Store(store.getName(), either(store.getDisplayName(), store.getName()), store.getLocalRootDir(),
                 PlazSwigIntf.isRefreshed(store), map(store.getCategories(), SnapshotReader::category),
-                entries.values().stream().map(SnapshotReader::item).toList());
+                entries.values().stream().map(this::item).toList());
     }
 
     private static Category category(PlazCategory category) {
@@ -52,15 +61,14 @@ final class SnapshotReader {
                 map(category.getSubCategories(), SnapshotReader::category));
     }
 
-    private static Item item(List<PlazItem> unordered) {
+    private Item item(List<PlazItem> unordered) {
         List<PlazItem> entries = latestFirst(unordered);
         PlazItem latest = entries.get(0);
         return new Item(new Key(latest.getStoreName(), latest.getName()),
                 either(latest.getDisplayName(), latest.getName()), Readable.of(latest.getDescription()),
-                latest.getRevision(), state(entries), latest.IsInstalled(),
-                either(latest.getCompanyDisplayName(), latest.getCompany()), Readable.of(latest.getAuthor()),
-                Readable.of(latest.getWebsite()), latest.getLogo(), map(latest.getCategories(), Function.identity()),
-                map(latest.getItemSearchKeywords(), Readable::of),
+                latest.getRevision(), standing(entries), either(latest.getCompanyDisplayName(), latest.getCompany()),
+                Readable.of(latest.getAuthor()), Readable.of(latest.getWebsite()), latest.getLogo(),
+                map(latest.getCategories(), Function.identity()), map(latest.getItemSearchKeywords(), Readable::of),
                 entries.stream().map(SnapshotReader::revision).toList(),
                 map(latest.getItemDependencies(), SnapshotReader::dependency));
     }
@@ -72,6 +80,32 @@ final class SnapshotReader {
         List<PlazItem> installed = entries.stream().filter(PlazItem::IsInstalled).toList();
         if (installed.isEmpty()) return State.NONE;
         return installed.stream().anyMatch(PlazItem::NeedsRefresh) ? State.OUTDATED : State.INSTALLED;
+    }
+
+    private Standing standing(List<PlazItem> entries) {
+        List<PlazItem> installed = entries.stream().filter(PlazItem::IsInstalled).toList();
+        List<Fact> known = installed.stream().flatMap(entry -> facts(entry.toString())).toList();
+        return new Standing(state(entries), installed.stream().map(PlazItem::getRevision).toList(),
+                known.stream().anyMatch(fact -> fact.kind().equals("tool"))
+                        && known.stream().noneMatch(fact -> fact.kind().equals("user")),
+                facts(entries.get(0).toString()).anyMatch(fact -> fact.kind().equals("inactive")),
+                known.stream()
+                        .filter(fact -> fact.kind().equals("needed by"))
+                        .map(fact -> reference(fact.other()))
+                        .distinct()
+                        .toList());
+    }
+
+    private Stream<Fact> facts(String entry) {
+        return facts.getOrDefault(entry, List.of()).stream();
+    }
+
+    /** @param text such as "boards::aurora@2.0" */
+    private static Dependency reference(String text) {
+        int store = text.indexOf("::");
+        int revision = text.lastIndexOf('@');
+        return new Dependency(
+                new Key(text.substring(0, store), text.substring(store + 2, revision)), text.substring(revision + 1));
     }
 
     private static String either(String forPeople, String plain) {

@@ -63,6 +63,15 @@ public final class PlazHost {
      */
     public record Entry(int number, String time, String command, List<Change> changes) {}
 
+    /**
+     * What the hub's objects do not tell of an item: that it is "inactive", that it is installed because a "user" asked
+     * for it or as the "tool" of others, or the installed item that it is "needed by".
+     *
+     * @param item such as "boards::aurora@2.0"
+     * @param other an item likewise; empty where there is none to tell of
+     */
+    public record Fact(String kind, String item, String other) {}
+
     private static Listener listener;
 
     static {
@@ -185,6 +194,16 @@ public final class PlazHost {
     public static native boolean check(String store);
 
     private static native String[] readHistory();
+
+    /** All facts of all items. Needs no network. */
+    public static List<Fact> facts() {
+        String[] triples = describeItems();
+        List<Fact> facts = new ArrayList<>();
+        for (int i = 0; i < triples.length; i += 3) facts.add(new Fact(triples[i], triples[i + 1], triples[i + 2]));
+        return List.copyOf(facts);
+    }
+
+    private static native String[] describeItems();
 
     private static native String[] compare(String... items);
 

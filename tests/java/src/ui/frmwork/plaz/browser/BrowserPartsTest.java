@@ -1,6 +1,7 @@
 package ui.frmwork.plaz.browser;
 
 import static org.junit.jupiter.api.Assertions.assertEquals;
+import static org.junit.jupiter.api.Assertions.assertFalse;
 import static org.junit.jupiter.api.Assertions.assertTrue;
 
 import java.awt.Rectangle;
@@ -19,6 +20,7 @@ import org.junit.jupiter.params.provider.CsvSource;
 import ui.frmwork.plaz.browser.Snapshot.Category;
 import ui.frmwork.plaz.browser.Snapshot.Item;
 import ui.frmwork.plaz.browser.Snapshot.Key;
+import ui.frmwork.plaz.browser.Snapshot.Standing;
 import ui.frmwork.plaz.browser.Snapshot.State;
 
 /** What the browser decides without its window. */
@@ -104,15 +106,30 @@ class BrowserPartsTest {
         Path large = Files.write(store.resolve("large.png"), Arrays.copyOf(Files.readAllBytes(inside), 2 << 20));
         Path link = Files.createSymbolicLink(store.resolve("link.png"), outside);
         Path drawing = Files.writeString(store.resolve("logo.svg"), "<svg/>");
-        assertEquals(4, Logo.read(store.toString(), inside.toString()).orElseThrow().getWidth());
+        assertEquals(4, Logo.read(store.toString(), inside.toString(), 8).orElseThrow().getWidth());
         for (String bad : List.of(outside.toString(), link.toString(), large.toString(), drawing.toString(), "",
                      "https://example.org/logo.png", store + "/../logo.png", "\0"))
-            assertTrue(Logo.read(store.toString(), bad).isEmpty(), bad);
+            assertTrue(Logo.read(store.toString(), bad, 8).isEmpty(), bad);
+    }
+
+    /** Catches: a drawing that leads elsewhere, runs something, or has no end, given to what draws. */
+    @ParameterizedTest
+    @CsvSource(delimiter = '|',
+            value = {"<rect fill='url(#a)'/>|true", "<x:image x:href='file:///etc/passwd'/>|false",
+                    "<rect style='fill:URL( http://127.0.0.1/)'/>|false", "<script/>|false", "<use x:href='#a'/>|false",
+                    "<linearGradient id='b' x:href='#b'/>|false", "<stop id='a'/><g id='a'/>|false",
+                    "<path stroke-dasharray='.001'/>|false", "<g onload='x'/>|false", "<g>|false", "&e;|false"})
+    void
+    drawsOnlyHarmlessDrawings(String content, boolean isHarmless) {
+        String drawing = "<svg xmlns:x='http://www.w3.org/1999/xlink'>" + content + "</svg>";
+        assertEquals(isHarmless, Drawing.isHarmless(drawing));
+        assertFalse(Drawing.isHarmless("<!DOCTYPE svg [<!ENTITY e 'x'>]>" + drawing));
     }
 
     private static Item item(String store, String name, State state, String description, List<String> categories,
             List<String> keywords) {
-        return new Item(new Key(store, name), "", description, "1.0", state, true, "Maker", "", "", "", categories,
-                keywords, List.of(), List.of());
+        return new Item(new Key(store, name), "", description, "1.0",
+                new Standing(state, List.of(), false, false, List.of()), "Maker", "", "", "", categories, keywords,
+                List.of(), List.of());
     }
 }

@@ -126,6 +126,7 @@ class BrowserTest {
         await("what is outdated", () -> shown().equals(List.of("io-panel")));
         choose("boards", "io-panel");
         assertEquals("1.1\n1.0  (installed)", text("Revisions"));
+        assertEquals("outdated (1.0)", item("boards", "io-panel").stateText());
         assertEquals(List.of(true, true, true), enabled());
         press(KeyEvent.VK_CONTROL, KeyEvent.VK_U);
         await("nothing", () -> shown().isEmpty());
@@ -142,7 +143,8 @@ class BrowserTest {
         click(find("install"));
         awaitRest("Installed \"Aurora Entwicklungsplatine\".");
         assertEquals(State.INSTALLED, state("boards", "aurora"));
-        assertEquals(State.INSTALLED, state("tclscripts", "board-check"));
+        assertEquals("needed by others", item("tclscripts", "board-check").stateText());
+        assertEquals("boards::aurora", item("tclscripts", "board-check").standing().neededBy().get(0).key().toString());
         assertEquals(List.of(false, true, false), enabled());
         assertTrue(Files.isRegularFile(Path.of(text("Installed in"), "item.json")));
         await("change log", () -> text("Change log").contains("New processor socket"));
@@ -438,10 +440,14 @@ class BrowserTest {
         return ask(() -> items().chosen().map(item -> item.key().name()).orElse(""));
     }
 
-    private static State state(String store, String name) {
+    private static Item item(String store, String name) {
         for (Item item : ask(() -> model().items()))
-            if (item.key().equals(new Key(store, name))) return item.state();
+            if (item.key().equals(new Key(store, name))) return item;
         return fail("no item " + name);
+    }
+
+    private static State state(String store, String name) {
+        return item(store, name).state();
     }
 
     private static ItemTableModel model() {
