@@ -1,6 +1,7 @@
 #include "UserSettings.h"
 
 #include "Failure.h"
+#include "InputChecks.h"
 #include "Secrets.h"
 #include "ShellMsg.h"
 
@@ -9,13 +10,8 @@
 #include "support/HCCXPrefMgr.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTFile.h"
-#include "support/HUTText.h"
 
 #include <boost/filesystem/path.hpp>
-
-#include <algorithm>
-#include <array>
-#include <cctype>
 
 namespace {
 
@@ -25,19 +21,6 @@ HPAParamMgr& params() {
 
 std::string findNumberRefusal(const std::string& value) {
     return value.rfind('-', 0) == 0 ? "it takes no number below 0" : "";
-}
-
-std::string findProxyRefusal(const std::string& value) {
-    static constexpr std::array<const char*, 6> schemes{"http", "https", "socks4", "socks4a", "socks5", "socks5h"};
-    const auto isOdd = [](unsigned char c) { return std::isspace(c) || std::iscntrl(c); };
-    const std::size_t end = value.find("://");
-    const std::string scheme = end == std::string::npos ? "http" : HUTText::lowered(value.substr(0, end));
-    const std::string rest = end == std::string::npos ? value : value.substr(end + 3);
-    const bool isKnown = std::find(schemes.begin(), schemes.end(), scheme) != schemes.end();
-    const bool isGood = isKnown && !rest.empty() && rest.front() != '/' && rest.back() != '@';
-    return isGood && std::none_of(value.begin(), value.end(), isOdd)
-               ? ""
-               : "a proxy is given as http://HOST:PORT, or with https, socks4 or socks5 in front";
 }
 
 std::string findFileRefusal(const std::string& value) {
@@ -50,9 +33,8 @@ std::string findRefusal(const HPAParam& param, const std::string& value) {
     const std::string& name = param.getName();
     if (value.empty()) return "";
     if (param.getType() == HPAParam::Type::integer) return findNumberRefusal(value);
-    if (isProxySetting(name)) return findProxyRefusal(value);
-    if (name == HSCPlazName::hub)
-        return HSCPlazTrust::isSafeUrl(value) ? "" : "it takes the URL of a git repository, or the full path of one";
+    if (isProxySetting(name)) return inputChecks::findProxyRefusal(value);
+    if (name == HSCPlazName::hub) return inputChecks::findUrlRefusal(value);
     if (name == "plaz.certificateFile") return findFileRefusal(value);
     return "";
 }

@@ -2,15 +2,20 @@
 
 #include "Failure.h"
 #include "HubActions.h"
+#include "HubParams.h"
 #include "HubQueries.h"
+#include "InputChecks.h"
 #include "ShellMsg.h"
 #include "TclCommands.h"
 #include "TclObjects.h"
 #include "TclText.h"
+#include "UserHub.h"
+#include "UserSettings.h"
 
 #include "plaz/HSCPlazInspection.h"
 #include "plaz/HSCPlazParams.h"
 #include "plaz/base/HSCPlazMsg.h"
+#include "plaz/base/HSCPlazNames.h"
 #include "plaz/bindings/java/JniSupport.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQItem.h"
@@ -22,6 +27,8 @@
 #include "support/HUTFile.h"
 #include "support/HUTFork.h"
 #include "ui_frmwork_plaz_host_PlazHost.h"
+
+#include <cctype>
 
 using jni::guard;
 
@@ -117,11 +124,21 @@ std::vector<HSCPlazQItem*> resolve(const std::vector<std::string>& references) {
     return items;
 }
 
+void require(const StoresResult& result) {
+    if (commandStatus().isCanceled()) failWith(ShellMsg::cancelled);
+    if (result.reason) throw ExplainedFailure(*result.reason);
+    if (!result.isDone) failWith(Msg::unexpectedFailure, "no reason was given");
+}
+
+HubActions actions() {
+    return {requireHub(), commandStatus(), {}};
+}
+
 /// Triples of an item, what is known of its files or of one of them, and that file or "".
 /// RATIONALE: not by the Tcl command, whose objects do not tell in their text which store and revision they are of, and
 /// which fails for all items when nobody knows of one what its files should be.
 std::vector<std::string> compare(const std::vector<std::string>& references) {
-    const FilesResult result = HubActions(requireHub(), commandStatus(), {}).verify(resolve(references));
+    const FilesResult result = actions().verify(resolve(references));
     if (commandStatus().isCanceled()) failWith(ShellMsg::cancelled);
     std::vector<std::string> triples;
     for (const HSCPlazFilesResult& part : result.parts) {
@@ -154,12 +171,48 @@ std::vector<std::string> describeItems() {
     return triples;
 }
 
+/// URL, what chose it, the metadata file, then a line for each of the user's own stores.
+std::vector<std::string> describeHub() {
+    const HubInForce hub = HubInForce::of(requireHub());
+    std::vector<std::string> texts{hub.url, hub.chooser, hub.metadata};
+    for (const HSCPlazQStore* store : hub.stores)
+        if (std::string(HubInForce::ownerOf(*store)) == "yours") texts.push_back(store->getName());
+    texts.insert(texts.end(), hub.hidden.begin(), hub.hidden.end());
+    return texts;
+}
+
+/// As a sentence, where there is one.
+std::string findRefusal(const std::string& kind, const std::string& value) {
+    std::string refusal = kind == "PROXY"        ? inputChecks::findProxyRefusal(value)
+                          : kind == "URL"        ? inputChecks::findUrlRefusal(value)
+                          : kind == "STORE_NAME" ? inputChecks::findStoreNameRefusal(value)
+                                                 : inputChecks::findDirectoryRefusal(value);
+    if (refusal.empty()) return refusal;
+    refusal.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(refusal.front())));
+    return refusal + ".";
+}
+
+void addStore(const std::string& name, const std::string& url, bool isOfBoards) {
+    HSCPlazNewStore wanted;
+    wanted.name = name;
+    wanted.url = url;
+    if (isOfBoards) wanted.type = "board";
+    require(actions().addStore(wanted));
+}
+
+/// As the program keeps it.
+void setProxy(const std::string& proxy) {
+    const HPAParam& param = requireParam(HSCPlazName::httpProxy);
+    if (proxy.empty())
+        forgetSetting(param);
+    else
+        keepSetting(param, proxy);
+}
+
 bool check(const std::string& name) {
     HSCPlazQStore& store = HubQueries(requireHub()).getStore(name);
-    const StoresResult result = HubActions(requireHub(), commandStatus(), {}).check({&store});
-    if (commandStatus().isCanceled()) failWith(ShellMsg::cancelled);
-    if (result.reason) throw ExplainedFailure(*result.reason);
-    if (!result.isDone) failWith(Msg::unexpectedFailure, "no reason was given");
+    const StoresResult result = actions().check({&store});
+    require(result);
     return result.parts.front().outcome == HSCPlazStoreResult::Outcome::outdated;
 }
 
@@ -265,4 +318,43 @@ JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_undo__(JNIEnv* env, jc
 
 JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_undo__I(JNIEnv* env, jclass, jint number) {
     guard(env, [&] { command("plaz::undo", {std::to_string(number)}); });
+}
+
+JNIEXPORT jobjectArray JNICALL Java_ui_frmwork_plaz_host_PlazHost_describeHub(JNIEnv* env, jclass) {
+    jobjectArray texts = nullptr;
+    guard(env, [&] { texts = toJava(env, describeHub()); });
+    return texts;
+}
+
+JNIEXPORT jstring JNICALL Java_ui_frmwork_plaz_host_PlazHost_findRefusal(JNIEnv* env, jclass, jstring kind,
+                                                                         jstring value) {
+    return guard(env, [&] { return findRefusal(jni::toNative(env, kind), jni::toNative(env, value)); });
+}
+
+JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_chooseHub(JNIEnv* env, jclass, jstring url) {
+    guard(env, [&] { require(actions().chooseHub(jni::toNative(env, url))); });
+}
+
+JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_leaveHub(JNIEnv* env, jclass) {
+    guard(env, [] { require(actions().leaveHub()); });
+}
+
+JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_addStore(JNIEnv* env, jclass, jstring name, jstring url,
+                                                                   jboolean isOfBoards) {
+    guard(env, [&] { addStore(jni::toNative(env, name), jni::toNative(env, url), isOfBoards != 0); });
+}
+
+JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_removeStore(JNIEnv* env, jclass, jstring name) {
+    guard(env, [&] { require(actions().removeStore(jni::toNative(env, name))); });
+}
+
+JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_setProxy(JNIEnv* env, jclass, jstring proxy) {
+    guard(env, [&] { setProxy(jni::toNative(env, proxy)); });
+}
+
+JNIEXPORT jstring JNICALL Java_ui_frmwork_plaz_host_PlazHost_gitVersion(JNIEnv* env, jclass) {
+    return guard(env, [] {
+        const HSCPlazInspection::Answer answer = HSCPlazInspection::askVersion();
+        return answer.isGiven ? answer.text : answer.reason;
+    });
 }

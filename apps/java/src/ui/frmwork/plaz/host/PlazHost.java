@@ -72,6 +72,19 @@ public final class PlazHost {
      */
     public record Fact(String kind, String item, String other) {}
 
+    /** What a person may be asked for. */
+    public enum Input { PROXY, URL, DIRECTORY, STORE_NAME }
+
+    /**
+     * Which hub is in force.
+     *
+     * @param url where it is fetched from, without secrets; empty where that is not known
+     * @param chooser what chose it, such as "parameter plaz.hub"
+     * @param metadata the file that says which stores it has
+     * @param ownStores the names of those that the user has added
+     */
+    public record Hub(String url, String chooser, String metadata, List<String> ownStores) {}
+
     private static Listener listener;
 
     static {
@@ -202,6 +215,65 @@ public final class PlazHost {
         for (int i = 0; i < triples.length; i += 3) facts.add(new Fact(triples[i], triples[i + 1], triples[i + 2]));
         return List.copyOf(facts);
     }
+
+    /** Which hub is in force. Needs no network. */
+    public static Hub hub() {
+        List<String> texts = List.of(describeHub());
+        return new Hub(texts.get(0), texts.get(1), texts.get(2), texts.subList(3, texts.size()));
+    }
+
+    /**
+     * Why a value that a person gave is of no use. May be called from any thread.
+     *
+     * @return a sentence; empty where the value may be
+     */
+    public static String refusal(Input kind, String value) {
+        return findRefusal(kind.name(), value);
+    }
+
+    /**
+     * Has the hub of that URL (or "sample") be the user's from now on, and fetches it. Where that fails, the one before
+     * stays. All objects that were got before are gone afterwards, with this and the next three, and must not be used.
+     *
+     * @throws ui.frmwork.cmd.CommandFailedException when it failed, or was cancelled
+     */
+    public static native void chooseHub(String url);
+
+    /**
+     * Has the installation's hub be in force again.
+     *
+     * @throws ui.frmwork.cmd.CommandFailedException as {@link #chooseHub}
+     */
+    public static native void leaveHub();
+
+    /**
+     * Adds a store of the user's own and fetches its catalog.
+     *
+     * @throws ui.frmwork.cmd.CommandFailedException as {@link #chooseHub}
+     */
+    public static native void addStore(String name, String url, boolean isOfBoards);
+
+    /**
+     * Takes one away; what is installed from it stays.
+     *
+     * @throws ui.frmwork.cmd.CommandFailedException as {@link #chooseHub}
+     */
+    public static native void removeStore(String name);
+
+    /**
+     * Keeps the proxy for later runs, the program's as well. What it is then is told.
+     *
+     * @param proxy empty for none
+     * @throws ui.frmwork.cmd.CommandFailedException when it is of no use or cannot be kept
+     */
+    public static native void setProxy(String proxy);
+
+    /** What the hub's git says of its version, or why it says nothing. */
+    public static native String gitVersion();
+
+    private static native String[] describeHub();
+
+    private static native String findRefusal(String kind, String value);
 
     private static native String[] describeItems();
 
