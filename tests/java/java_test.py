@@ -9,7 +9,7 @@ import re
 import shutil
 import subprocess
 
-from support.hubtest import BUILD, HubTest, edit, read_cache, succeed
+from support.hubtest import BUILD, HubTest, edit, read_cache, run, succeed
 
 JAVA = read_cache()["Java_JAVA_EXECUTABLE"]
 JUNIT = """junit-jupiter-api junit-jupiter-engine junit-jupiter-params junit-platform-commons junit-platform-engine
@@ -74,6 +74,12 @@ class JavaTest(HubTest):
         report = succeed("jdeps", *"--multi-release base -verbose:class -filter:none -e".split(), hub, JARS[1])
         users = re.findall(r"^ +ui\.frmwork\.plaz\.browser\.(\w+)", report, re.M)
         self.assertEqual({*users}, {"HubThread", "Operation", "SnapshotReader"})
+
+    def test_start(self):
+        """Catches: a start that opens a window, or takes for an option what is none."""
+        for argument, status, part in (("--version", 0, "plaz-browser "), ("--help", 0, "Usage"), ("--bad", 2, "--bad")):
+            result = run(BUILD / "bin/plaz-browser", "-Xmx64m", argument, env={**self.env, "JAVA": JAVA})
+            self.assertEqual((result.returncode, part in result.stdout + result.stderr), (status, True), argument)
 
     def test_browser(self):
         """On a display. The second virtual machine finds what the first one left."""

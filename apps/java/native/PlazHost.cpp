@@ -192,10 +192,11 @@ std::string findRefusal(const std::string& kind, const std::string& value) {
     return refusal + ".";
 }
 
-void addStore(const std::string& name, const std::string& url, bool isOfBoards) {
+void addStore(const std::string& name, const std::string& url, const std::string& metadataFile, bool isOfBoards) {
     HSCPlazNewStore wanted;
     wanted.name = name;
     wanted.url = url;
+    wanted.metadataFile = metadataFile;
     if (isOfBoards) wanted.type = "board";
     require(actions().addStore(wanted));
 }
@@ -340,8 +341,10 @@ JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_leaveHub(JNIEnv* env, 
 }
 
 JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_addStore(JNIEnv* env, jclass, jstring name, jstring url,
-                                                                   jboolean isOfBoards) {
-    guard(env, [&] { addStore(jni::toNative(env, name), jni::toNative(env, url), isOfBoards != 0); });
+                                                                   jstring metadataFile, jboolean isOfBoards) {
+    guard(env, [&] {
+        addStore(jni::toNative(env, name), jni::toNative(env, url), jni::toNative(env, metadataFile), isOfBoards != 0);
+    });
 }
 
 JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_removeStore(JNIEnv* env, jclass, jstring name) {

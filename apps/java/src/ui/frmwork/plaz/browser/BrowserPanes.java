@@ -4,11 +4,16 @@ import java.awt.BorderLayout;
 import java.awt.CardLayout;
 import java.awt.Component;
 import java.awt.FlowLayout;
+import java.awt.KeyboardFocusManager;
+import java.awt.Rectangle;
+import java.awt.event.ComponentAdapter;
+import java.awt.event.ComponentEvent;
 import java.net.URI;
 import java.util.function.Consumer;
 import javax.swing.Action;
 import javax.swing.BorderFactory;
 import javax.swing.Box;
+import javax.swing.JButton;
 import javax.swing.JCheckBox;
 import javax.swing.JComponent;
 import javax.swing.JLabel;
@@ -24,6 +29,8 @@ import ui.frmwork.plaz.browser.Snapshot.Key;
 /** What the window is made of, and where it stands. */
 final class BrowserPanes extends JPanel {
     private static final long serialVersionUID = 1;
+    private static final int CRAMPED_LINES = 54;
+    private static final int MESSAGE_LINES = 6;
 
     private final LogoCache logos = new LogoCache();
     final StoreTree stores = Look.named("stores", new StoreTree());
@@ -32,16 +39,19 @@ final class BrowserPanes extends JPanel {
     final JCheckBox installed = Look.named("installed", new JCheckBox("Installed"));
     final JCheckBox outdated = Look.named("outdated", new JCheckBox("Outdated"));
     final MessagePane messages = new MessagePane();
+    final ErrorBar failure;
     final DetailPane details;
     final StatusBar status;
     private final JLabel summary = Look.plain(new JLabel());
     private final JTextArea hint = Look.readOnlyText("What to do", "");
+    private final JButton chooseHub;
     private final JPanel itemCards = new JPanel(new CardLayout());
     private final BrowserActions actions;
     private JSplitPane left;
     private JSplitPane right;
     private JSplitPane bottom;
     private int gap;
+    private boolean isCramped;
     private boolean haveColumnsWidths;
 
     BrowserPanes(BrowserActions actions, Consumer<Key> jump, Consumer<URI> openPage) {
@@ -49,9 +59,18 @@ final class BrowserPanes extends JPanel {
         this.actions = actions;
         details = new DetailPane(logos, jump, openPage);
         status = new StatusBar(actions.cancel);
+        failure = new ErrorBar(actions::openGuide);
+        chooseHub = Look.named("chooseHub", new JButton(actions.settings));
+        chooseHub.setText("Choose a hub ...");
         installed.setMnemonic('L');
         outdated.setMnemonic('D');
         arrange();
+        addComponentListener(new ComponentAdapter() {
+            @Override
+            public void componentResized(ComponentEvent event) {
+                if (isWidthCramped() != isCramped) arrangeAnew(details.snapshot());
+            }
+        });
     }
 
     /** Puts everything into its place, with distances that go with the size of the texts. */
@@ -59,6 +78,7 @@ final class BrowserPanes extends JPanel {
         removeAll();
         itemCards.removeAll();
         gap = Look.gap(this);
+        isCramped = isWidthCramped();
         itemCards.add(new JScrollPane(items), "items");
         itemCards.add(hintPlace(), "hint");
         JPanel itemPlace = new JPanel(new BorderLayout());
@@ -68,29 +88,42 @@ final class BrowserPanes extends JPanel {
                 pane("Details", 'A', details, scrolled(details), null), 0.6);
         left = split(JSplitPane.HORIZONTAL_SPLIT, pane("Stores", 'O', stores, scrolled(stores), null), right, 0);
         bottom = split(JSplitPane.VERTICAL_SPLIT, left, pane("Messages", 'M', messages, scrolled(messages), null), 1);
-        add(toolBar(), BorderLayout.PAGE_START);
+        JPanel top = new JPanel(new BorderLayout());
+        top.add(toolBar());
+        top.add(failure, BorderLayout.PAGE_END);
+        add(top, BorderLayout.PAGE_START);
         add(bottom);
         add(status, BorderLayout.PAGE_END);
         setBorder(BorderFactory.createEmptyBorder(0, gap, gap, gap));
     }
 
-    /** After the look or the size of the texts was changed. */
+    private boolean isWidthCramped() {
+        return getWidth() > 0 && getWidth() < CRAMPED_LINES * Look.lineHeight(this);
+    }
+
+    /** After the look, the size of the texts or that of the window was changed. */
     void arrangeAnew(Snapshot snapshot) {
+        Component focused = KeyboardFocusManager.getCurrentKeyboardFocusManager().getFocusOwner();
         int[] dividers = {left.getDividerLocation(), right.getDividerLocation(), bottom.getDividerLocation()};
         boolean areItemsShown = hint.getText().isEmpty();
+        int height = bottom.getHeight();
         arrange();
         showCard(areItemsShown);
         left.setDividerLocation(dividers[0]);
         right.setDividerLocation(dividers[1]);
-        bottom.setDividerLocation(dividers[2]);
+        bottom.setDividerLocation(Math.min(dividers[2], height - MESSAGE_LINES * Look.lineHeight(this)));
         SwingUtilities.updateComponentTreeUI(this);
         details.build(snapshot);
         messages.showAnew();
         revalidate();
+        if (focused != null && isAncestorOf(focused)) focused.requestFocusInWindow();
+        SwingUtilities.invokeLater(() -> details.scrollRectToVisible(new Rectangle(1, 1)));
     }
 
     void place(WindowState state) {
         int width = getTopLevelAncestor().getWidth();
+        setSize(width, 1); // what is arranged goes by it
+        arrange();
         int height = getTopLevelAncestor().getHeight();
         left.setDividerLocation(state.number("left", 20, 4000).orElse(width / 6));
         right.setDividerLocation(state.number("right", 20, 4000).orElse(width * 46 / 100));
@@ -116,7 +149,8 @@ final class BrowserPanes extends JPanel {
     }
 
     /** @param instead shown in the place of the items; empty to show these */
-    void showHints(String above, String instead) {
+    void showHints(String above, String instead, boolean isHubEmpty) {
+        chooseHub.setVisible(isHubEmpty);
         summary.setText(above);
         hint.setText(instead);
         showCard(instead.isEmpty());
@@ -139,23 +173,31 @@ final class BrowserPanes extends JPanel {
         return buttons;
     }
 
-    /** The search field gives way where there is little room. */
+    /** The boxes stand below the search field where there is little room. */
     private JPanel filters() {
         Box boxes = Box.createHorizontalBox();
         boxes.add(installed);
         boxes.add(Box.createHorizontalStrut(gap));
         boxes.add(outdated);
-        JPanel filters = new JPanel(new BorderLayout(gap, 0));
+        JPanel filters = new JPanel(new BorderLayout(gap, gap / 2));
         filters.add(Look.label("Search:", 'H', search), BorderLayout.LINE_START);
         filters.add(search);
-        filters.add(boxes, BorderLayout.LINE_END);
+        filters.add(boxes, isCramped ? BorderLayout.PAGE_END : BorderLayout.LINE_END);
         filters.setBorder(BorderFactory.createEmptyBorder(0, gap, gap, gap));
         return filters;
     }
 
     private JScrollPane hintPlace() {
         hint.setBorder(BorderFactory.createEmptyBorder(4 * gap, 4 * gap, 4 * gap, 4 * gap));
-        JScrollPane place = scrolled(hint);
+        JPanel content = new JPanel(new BorderLayout());
+        content.setOpaque(false);
+        content.add(hint, BorderLayout.PAGE_START);
+        JPanel under = new JPanel(new FlowLayout(FlowLayout.LEADING, 4 * gap, 0));
+        under.setOpaque(false);
+        under.add(chooseHub);
+        content.add(under);
+        JScrollPane place = scrolled(content);
+        place.getViewport().setBackground(Look.colours().surface());
         return place;
     }
 

@@ -22,6 +22,7 @@ import ui.frmwork.plaz.browser.Look.Theme;
 import ui.frmwork.plaz.browser.Snapshot.Item;
 import ui.frmwork.plaz.browser.Snapshot.Key;
 import ui.frmwork.plaz.browser.Snapshot.Store;
+import ui.frmwork.plaz.host.PlazHost.Severity;
 
 /** The window: shows the newest {@link Snapshot}, and hands what is to be done to the {@link HubThread}. */
 final class BrowserWindow extends JFrame implements HubListener {
@@ -54,6 +55,7 @@ final class BrowserWindow extends JFrame implements HubListener {
         Look.apply(desktop, theme, textSize);
         actions = new BrowserActions(this);
         panes = new BrowserPanes(actions, this::jump, page -> told(WebLink.open(page)));
+        setIconImages(Installation.icons());
         setContentPane(panes);
         setJMenuBar(actions.menus());
         SwingUtilities.updateComponentTreeUI(this); // what was made before the look was set
@@ -142,6 +144,14 @@ final class BrowserWindow extends JFrame implements HubListener {
 
     void openSettings() {
         if (snapshot != null) new SettingsDialog(this, snapshot, hub::submit).setVisible(true);
+    }
+
+    void openGuide() {
+        told(Installation.openGuide());
+    }
+
+    void showAbout() {
+        hub.readGit();
     }
 
     void find() {
@@ -243,8 +253,14 @@ final class BrowserWindow extends JFrame implements HubListener {
     }
 
     @Override
+    public void git(String version) {
+        AboutDialog.show(this, version);
+    }
+
+    @Override
     public void told(Message message) {
         panes.messages.add(message);
+        if (message.severity() == Severity.ERROR) panes.failure.show(message);
     }
 
     @Override
@@ -273,7 +289,8 @@ final class BrowserWindow extends JFrame implements HubListener {
         ItemFilter filter = panes.filter();
         panes.items.filter(filter);
         int seen = panes.items.getRowCount();
-        panes.showHints(Hints.above(snapshot, filter.scope(), seen), Hints.instead(snapshot, filter.scope(), seen));
+        panes.showHints(Hints.above(snapshot, filter.scope(), seen), Hints.instead(snapshot, filter.scope(), seen),
+                snapshot != null && snapshot.stores().isEmpty());
         enableActions();
     }
 

@@ -83,6 +83,11 @@ final class DetailPane extends JPanel implements Scrollable {
         return item.isPresent();
     }
 
+    /** The one that was shown last. */
+    Snapshot snapshot() {
+        return snapshot;
+    }
+
     void showHistory(Key key, String text) {
         if (shown.filter(item -> item.key().equals(key)).isPresent()) history.setText(text.strip());
     }
@@ -124,7 +129,7 @@ final class DetailPane extends JPanel implements Scrollable {
     }
 
     private void addHead(Item item) {
-        int size = 3 * Look.lineHeight(this);
+        int size = (isNarrow ? 2 : 3) * Look.lineHeight(this);
         JLabel logo = new JLabel(logos.find(item, size));
         picture = () -> logo.setIcon(logos.find(item, size));
         logo.setHorizontalAlignment(SwingConstants.LEADING);
@@ -189,7 +194,11 @@ final class DetailPane extends JPanel implements Scrollable {
     }
 
     private static String stateIn(Item item) {
-        return item.stateText().isEmpty() ? "  (not installed)" : "  (" + item.stateText() + ")";
+        return switch (item.state()) {
+            case NONE -> "  (not installed)";
+            case INSTALLED -> "";
+            case OUTDATED -> "  (outdated)";
+        };
     }
 
     private void addField(String name, String text) {
@@ -236,31 +245,31 @@ final class DetailPane extends JPanel implements Scrollable {
         place.fill = GridBagConstraints.HORIZONTAL;
         place.anchor = GridBagConstraints.FIRST_LINE_START;
         place.insets = new Insets(0, 0, 2 * Look.gap(this), column == 0 && width == 1 ? 3 * Look.gap(this) : 0);
-        return place;
-    }
+                return place;
+        }
 
-    @Override
-    public Dimension getPreferredScrollableViewportSize() {
-        return getPreferredSize();
-    }
+        @Override
+        public Dimension getPreferredScrollableViewportSize() {
+            return getPreferredSize();
+        }
 
-    @Override
-    public int getScrollableUnitIncrement(Rectangle visible, int orientation, int direction) {
-        return UIManager.getFont("Label.font").getSize() * 2;
-    }
+        @Override
+        public int getScrollableUnitIncrement(Rectangle visible, int orientation, int direction) {
+            return UIManager.getFont("Label.font").getSize() * 2;
+        }
 
-    @Override
-    public int getScrollableBlockIncrement(Rectangle visible, int orientation, int direction) {
-        return visible.height;
-    }
+        @Override
+        public int getScrollableBlockIncrement(Rectangle visible, int orientation, int direction) {
+            return visible.height;
+        }
 
-    @Override
-    public boolean getScrollableTracksViewportWidth() {
-        return true;
-    }
+        @Override
+        public boolean getScrollableTracksViewportWidth() {
+            return true;
+        }
 
-    @Override
-    public boolean getScrollableTracksViewportHeight() {
-        return getParent().getHeight() > getPreferredSize().height;
+        @Override
+        public boolean getScrollableTracksViewportHeight() {
+            return getParent().getHeight() > getPreferredSize().height;
+        }
     }
-}

@@ -33,6 +33,8 @@ final class FlatLook extends NimbusLookAndFeel {
         putColours(defaults);
         for (Object key : new ArrayList<>(defaults.keySet())) {
             Matcher painter = PAINTER.matcher(key.toString());
+            if (key.toString().endsWith(".textForeground") && key.toString().contains("Menu"))
+                put(defaults, key.toString(), menuText(key.toString()));
             if (painter.matches()) putPainter(defaults, painter.group(), painter.group(1), painter.group(2));
         }
         Insets narrow = new InsetsUIResource(2, 2, 2, 2);
@@ -65,8 +67,14 @@ final class FlatLook extends NimbusLookAndFeel {
         put(defaults, "nimbusBase", colours.mark());
         put(defaults, "nimbusBlueGrey", colours.line());
         put(defaults, "nimbusBorder", colours.line());
+        put(defaults, "nimbusOrange", colours.mark());
         put(defaults, "nimbusDisabledText", Palette.mix(colours.quiet(), colours.ground(), 0.3));
         put(defaults, "Table.alternateRowColor", Palette.mix(colours.surface(), colours.ground(), 0.6));
+    }
+
+    private Color menuText(String key) {
+        if (key.contains("Disabled")) return colours.quiet();
+        return key.contains("MouseOver") || key.contains("Selected]") ? colours.onMark() : colours.text();
     }
 
     private static void put(UIDefaults defaults, String name, Color colour) {

@@ -16,8 +16,9 @@ final class Hints {
     static String instead(Snapshot snapshot, Scope scope, int seen) {
         if (snapshot == null) return "Reading the hub ...";
         if (snapshot.stores().isEmpty())
-            return "The hub has no stores. The messages below say why; the command \"plaz doctor\" looks for the "
-                    + "cause. Check GDA_DATA_DIR, then start the browser again.";
+            return "The hub has no stores. Choose one that has, or add a single store, in the settings; a sample is "
+                    + "there to try things out. Whoever maintains your design tool's hub knows its URL. The messages "
+                    + "below may say more.";
         if (seen > 0) return "";
         List<Store> stores = snapshot.stores(scope);
         boolean isEmpty = stores.stream().allMatch(store -> store.items().isEmpty());

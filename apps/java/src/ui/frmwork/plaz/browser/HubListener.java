@@ -13,6 +13,9 @@ interface HubListener {
     /** @param texts how the files of items compare with those that were installed, by item and revision */
     void compared(Map<String, String> texts);
 
+    /** @param version which git it is, and where */
+    void git(String version);
+
     void told(Message message);
 
     /** An operation has come further. */

@@ -22,6 +22,7 @@ import ui.frmwork.plaz.TaskStatus;
 import ui.frmwork.plaz.browser.Operation.Outcome;
 import ui.frmwork.plaz.browser.Snapshot.Key;
 import ui.frmwork.plaz.host.PlazHost;
+import ui.frmwork.plaz.host.PlazHost.Input;
 import ui.frmwork.plaz.host.PlazHost.Severity;
 
 /**
@@ -86,10 +87,23 @@ final class HubThread {
         });
     }
 
+    /** Asks which git the hub runs. */
+    void readGit() {
+        read(() -> {
+            String version = PlazHost.gitVersion();
+            post(to -> to.git(version));
+        });
+    }
+
     void submit(Operation operation) {
         underway.add(operation.title());
         operations.add(operation);
         awake();
+    }
+
+    /** @return a sentence, why a value that a person gave is of no use; empty where it may be */
+    static String refusal(Input kind, String value) {
+        return PlazHost.refusal(kind, value);
     }
 
     /** Whether an operation of that title runs or waits. */

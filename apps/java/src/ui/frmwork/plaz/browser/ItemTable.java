@@ -148,7 +148,10 @@ final class ItemTable extends JTable {
             boolean isName = convertColumnIndexToModel(column) == Column.TITLE.ordinal();
             setIcon(isName ? logos.find(item, Look.lineHeight(table) + Look.gap(table)) : null);
             setIconTextGap(Look.gap(table));
-            if (!isSelected) {
+            if (isSelected) {
+                setForeground(Look.colours().onMark());
+                setBackground(Look.colours().mark());
+            } else {
                 boolean isMarked = isState && item.state() == State.OUTDATED;
                 Color text = item.standing().isInactive() ? Look.colours().quiet() : table.getForeground();
                 setForeground(isMarked ? Look.colours().warning() : text);

@@ -11,10 +11,10 @@ final class ItemTableModel extends AbstractTableModel {
 
     enum Column {
         TITLE("Name", Item::title),
+        STATE("State", item -> item),
+        REVISION("Revision", Item::revision),
         NAME("Item", item -> item.key().name()),
         STORE("Store", item -> item.key().store()),
-        REVISION("Revision", Item::revision),
-        STATE("State", item -> item),
         COMPANY("Company", Item::company);
 
         final String heading;

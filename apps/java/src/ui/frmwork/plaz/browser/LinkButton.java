@@ -20,6 +20,7 @@ final class LinkButton extends JButton {
         Look.plain(this);
         setText(text);
         setName(name);
+        setToolTipText(text.startsWith("<") ? null : text); // where there is no room for it
         setHorizontalAlignment(SwingConstants.LEADING);
         setBorder(BorderFactory.createEmptyBorder(1, 0, 1, 0));
         setContentAreaFilled(false);

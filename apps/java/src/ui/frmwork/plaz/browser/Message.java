@@ -1,5 +1,6 @@
 package ui.frmwork.plaz.browser;
 
+import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 import ui.frmwork.plaz.host.PlazHost.Severity;
 
@@ -9,6 +10,7 @@ import ui.frmwork.plaz.host.PlazHost.Severity;
  * @param id the hub's number; empty for the window's own
  */
 record Message(Severity severity, String id, String text) {
+    private static final Pattern SENTENCE = Pattern.compile("(?<=[.!?])\\s+(?=\\p{Lu}|\")");
     private static final Pattern USER_PART = Pattern.compile("://[^\\s\"']*@");
 
     /**
@@ -16,6 +18,17 @@ record Message(Severity severity, String id, String text) {
      */
     Message {
         text = Readable.of(USER_PART.matcher(text).replaceAll("://***@"));
+    }
+
+    /** The sentence that says what happened. */
+    String what() {
+        Matcher end = SENTENCE.matcher(text);
+        return end.find() ? text.substring(0, end.start()) : text;
+    }
+
+    /** What else there is to know, mostly what to do; may be empty. */
+    String advice() {
+        return text.substring(what().length()).strip();
     }
 
     static Message info(String text) {

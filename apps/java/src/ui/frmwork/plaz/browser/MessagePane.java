@@ -1,9 +1,11 @@
 package ui.frmwork.plaz.browser;
 
 import java.awt.Color;
+import java.awt.Rectangle;
 import java.util.ArrayDeque;
 import java.util.Deque;
 import javax.swing.JTextPane;
+import javax.swing.SwingUtilities;
 import javax.swing.text.BadLocationException;
 import javax.swing.text.Document;
 import javax.swing.text.SimpleAttributeSet;
@@ -34,6 +36,7 @@ final class MessagePane extends JTextPane {
     void showAnew() {
         setText("");
         shown.forEach(this::append);
+        SwingUtilities.invokeLater(() -> scrollRectToVisible(new Rectangle(0, getHeight() - 1, 1, 1)));
     }
 
     private void append(Message message) {

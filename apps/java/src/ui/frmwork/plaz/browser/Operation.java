@@ -104,14 +104,31 @@ record Operation(String title, boolean isSetting, Action action) {
         });
     }
 
+    /** What came of it, the hub tells; it masks what is secret. */
     static Operation setProxy(String proxy) {
-        return new Operation("Setting the proxy", true, (status, failure) -> {
-            try {
-                PlazSwigIntf.setHttpProxy(proxy);
-            } catch (CommandFailedException e) { // it may repeat the proxy, password and all
-                throw proxy.isEmpty() ? e : new CommandFailedException(e.getMessage().replace(proxy, "***"));
-            }
-            return Outcome.of(proxy.isEmpty() ? "No proxy is set any more." : "The proxy is set.");
+        return onHub("Setting the proxy", true, () -> PlazHost.setProxy(proxy));
+    }
+
+    static Operation chooseHub(String url) {
+        return onHub("Fetching the hub", false, () -> PlazHost.chooseHub(url));
+    }
+
+    static Operation leaveHub() {
+        return onHub("Going back to the installation's hub", false, PlazHost::leaveHub);
+    }
+
+    static Operation addStore(String name, String url, String metadataFile, boolean isOfBoards) {
+        return onHub("Adding " + name, false, () -> PlazHost.addStore(name, url, metadataFile, isOfBoards));
+    }
+
+    static Operation removeStore(String name) {
+        return onHub("Taking " + name + " away", false, () -> PlazHost.removeStore(name));
+    }
+
+    private static Operation onHub(String title, boolean isSetting, Runnable work) {
+        return new Operation(title, isSetting, (status, failure) -> {
+            work.run();
+            return Outcome.of("");
         });
     }
 

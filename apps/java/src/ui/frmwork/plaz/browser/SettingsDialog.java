@@ -1,134 +1,201 @@
 package ui.frmwork.plaz.browser;
 
 import java.awt.BorderLayout;
+import java.awt.Dimension;
 import java.awt.FlowLayout;
 import java.awt.Frame;
-import java.awt.GridBagConstraints;
-import java.awt.GridBagLayout;
-import java.awt.Insets;
 import java.awt.event.ItemEvent;
 import java.awt.event.KeyEvent;
+import java.awt.event.WindowAdapter;
+import java.awt.event.WindowEvent;
 import java.io.File;
 import java.util.HashMap;
 import java.util.Map;
 import java.util.function.Consumer;
 import javax.swing.BorderFactory;
 import javax.swing.JButton;
+import javax.swing.JCheckBox;
 import javax.swing.JComboBox;
 import javax.swing.JComponent;
 import javax.swing.JDialog;
 import javax.swing.JFileChooser;
 import javax.swing.JPanel;
+import javax.swing.JScrollPane;
 import javax.swing.JTextField;
 import javax.swing.KeyStroke;
 import javax.swing.plaf.basic.BasicComboBoxRenderer;
 import ui.frmwork.plaz.browser.Snapshot.Store;
+import ui.frmwork.plaz.host.PlazHost.Input;
 
-/** Proxy and directories. What is changed there becomes operations, whose outcome stands among the messages. */
+/**
+ * Hub, own stores, proxy and directories. What is given is looked at first; what is changed becomes operations, whose
+ * outcome stands among the messages.
+ */
 final class SettingsDialog extends JDialog {
     private static final long serialVersionUID = 1;
+    private static final String SAMPLE = "sample";
 
     private final transient Snapshot snapshot;
     private final transient Consumer<Operation> submit;
-    private final JTextField proxy = field("proxy");
-    private final JTextField storesPath = field("storesPath");
+    private final CheckedField hub = new CheckedField("hub", Input.URL);
+    private final CheckedField newName = new CheckedField("newStoreName", Input.STORE_NAME);
+    private final CheckedField newUrl = new CheckedField("newStoreUrl", Input.URL);
+    private final JTextField newFile = Look.named("newStoreFile", new JTextField());
+    private final JCheckBox ofBoards = Look.named("newStoreOfBoards", new JCheckBox("It holds boards"));
+    private final JComboBox<String> ownStores = Look.named("ownStores", new JComboBox<>());
+    private final CheckedField proxy = new CheckedField("proxy", Input.PROXY);
+    private final CheckedField storesPath = new CheckedField("storesPath", Input.DIRECTORY);
     private final JComboBox<String> store = new JComboBox<>();
-    private final JTextField directory = field("storeDirectory");
+    private final CheckedField directory = new CheckedField("storeDirectory", Input.DIRECTORY);
     private final transient Map<String, String> typed = new HashMap<>();
-    private final JPanel form = new JPanel(new GridBagLayout());
-    private int row;
+    private final SettingsForm form = new SettingsForm();
 
     SettingsDialog(Frame owner, Snapshot snapshot, Consumer<Operation> submit) {
         super(owner, "Settings", true);
         this.snapshot = snapshot;
         this.submit = submit;
         setName("settings");
-        proxy.setText(snapshot.proxy());
-        storesPath.setText(snapshot.storesPath());
-        snapshot.stores().forEach(each -> store.addItem(each.name()));
-        store.setRenderer(Look.plain(new BasicComboBoxRenderer()));
-        snapshot.stores().forEach(each -> typed.put(each.name(), each.directory()));
-        store.addItemListener(this::changeStore);
-        directory.setText(typed.getOrDefault(store.getSelectedItem(), ""));
-        addRow("Proxy:", 'P', proxy, null);
-        addRow("Keep all stores below:", 'A', storesPath, browse('B', storesPath));
-        addRow("Store:", 'S', store, null);
-        addRow("Keep it in:", 'I', directory, browse('R', directory));
-        int gap = 2 * Look.gap(form);
-        form.setBorder(BorderFactory.createEmptyBorder(gap, gap, 0, gap));
-        add(form);
+        fill();
+        addHubRows();
+        addPlaceRows();
+        JScrollPane scrolled = new JScrollPane(form);
+        scrolled.setBorder(null);
+        scrolled.getVerticalScrollBar().setUnitIncrement(Look.lineHeight(this));
+        add(scrolled);
         add(buttons(), BorderLayout.PAGE_END);
         getRootPane().registerKeyboardAction(
                 event -> dispose(), KeyStroke.getKeyStroke(KeyEvent.VK_ESCAPE, 0), JComponent.WHEN_IN_FOCUSED_WINDOW);
+        addWindowListener(new WindowAdapter() {
+            @Override
+            public void windowOpened(WindowEvent event) {
+                hub.field().requestFocusInWindow();
+            }
+        });
         pack();
+        Dimension screen = getToolkit().getScreenSize();
+        setSize(Math.min(getWidth() + 2 * Look.lineHeight(this), screen.width), Math.min(getHeight(), screen.height));
         setLocationRelativeTo(owner);
     }
 
-    private static JTextField field(String name) {
-        return Look.named(name, new JTextField(36));
+    private void fill() {
+        proxy.setText(snapshot.proxy());
+        storesPath.setText(snapshot.storesPath());
+        snapshot.hub().ownStores().forEach(ownStores::addItem);
+        snapshot.stores().forEach(each -> store.addItem(each.name()));
+        ownStores.setRenderer(plainRenderer());
+        store.setRenderer(plainRenderer());
+        snapshot.stores().forEach(each -> typed.put(each.name(), each.directory()));
+        store.addItemListener(this::changeStore);
+        directory.setText(typed.getOrDefault(store.getSelectedItem(), ""));
     }
 
-    private void addRow(String text, char mnemonic, JComponent field, JButton button) {
-        GridBagConstraints place = new GridBagConstraints();
-        place.gridy = row++;
-        place.insets = new Insets(Look.gap(form), 0, Look.gap(form), Look.gap(form));
-        place.anchor = GridBagConstraints.LINE_START;
-        form.add(Look.label(text, mnemonic, field), place);
-        place.fill = GridBagConstraints.HORIZONTAL;
-        place.weightx = 1;
-        form.add(field, place);
-        place.weightx = 0;
-        if (button != null) form.add(button, place);
+    private static BasicComboBoxRenderer plainRenderer() {
+        BasicComboBoxRenderer renderer = Look.plain(new BasicComboBoxRenderer());
+        renderer.setBorder(BorderFactory.createEmptyBorder(1, Look.gap(renderer), 1, Look.gap(renderer)));
+        return renderer;
     }
 
-    private JButton browse(char mnemonic, JTextField field) {
-        JButton button = new JButton("Browse ...");
+    private void addHubRows() {
+        String url = snapshot.hub().url();
+        String shown = url.isEmpty() ? snapshot.hub().metadata() : url + "  (" + snapshot.hub().chooser() + ")";
+        form.addHeading("Hub");
+        form.addRow("In force:", 'F', Look.readOnlyText("hubInForce", shown),
+                button("unsetHub", "Use the installation's", 'I', () -> act(Operation.leaveHub())));
+        form.addRow("URL, or \"sample\":", 'U', hub, button("setHub", "Use this", 'T', this::chooseHub));
+        form.addHeading("Your own stores");
+        JButton remove = button("removeStore", "Remove", 'M', this::removeStore);
+        form.addRow("Added:", 'D', ownStores, remove);
+        form.addRow("Name of a new one:", 'N', newName, ofBoards);
+        form.addRow("Its URL:", 'L', newUrl, null);
+        form.addRow("Its metadata file, if unusual:", 'G', newFile, button("addStore", "Add", 'A', this::addStore));
+        boolean areThere = ownStores.getItemCount() > 0;
+        ownStores.setEnabled(areThere);
+        remove.setEnabled(areThere);
+    }
+
+    private void addPlaceRows() {
+        form.addHeading("Network and places");
+        form.addRow("Proxy:", 'P', proxy, null);
+        form.addRow("Keep all stores below:", 'K', storesPath, browse('B', storesPath));
+        form.addRow("Store:", 'S', store, null);
+        form.addRow("Keep it in:", 'E', directory, browse('R', directory));
+    }
+
+    private static JButton button(String name, String text, char mnemonic, Runnable work) {
+        JButton button = Look.named(name, new JButton(text));
         button.setMnemonic(mnemonic);
-        button.addActionListener(event -> {
+        button.addActionListener(event -> work.run());
+        return button;
+    }
+
+    private JButton browse(char mnemonic, CheckedField field) {
+        return button("", "Browse ...", mnemonic, () -> {
             JFileChooser chooser = new JFileChooser(field.getText());
             chooser.setFileSelectionMode(JFileChooser.DIRECTORIES_ONLY);
             if (chooser.showDialog(this, "Choose") == JFileChooser.APPROVE_OPTION)
                 field.setText(chooser.getSelectedFile().getPath().replace(File.separatorChar, '/'));
         });
-        return button;
     }
 
     private JPanel buttons() {
-        JButton apply = Look.named("apply", new JButton("OK"));
-        apply.addActionListener(event -> {
-            apply();
-            dispose();
-        });
+        JButton apply = button("apply", "OK", 'O', this::apply);
         getRootPane().setDefaultButton(apply);
-        JButton leave = new JButton("Cancel");
-        leave.addActionListener(event -> dispose());
         int gap = 2 * Look.gap(form);
         JPanel buttons = new JPanel(new FlowLayout(FlowLayout.TRAILING, gap, gap));
+        buttons.setBorder(BorderFactory.createMatteBorder(1, 0, 0, 0, Look.colours().line()));
         buttons.add(apply);
-        buttons.add(leave);
+        buttons.add(button("leave", "Cancel", 'C', this::dispose));
         return buttons;
     }
 
-    private void apply() {
-        if (isChanged(proxy, snapshot.proxy())) submit.accept(Operation.setProxy(proxy.getText().strip()));
-        if (isChanged(storesPath, snapshot.storesPath()))
-            submit.accept(Operation.setStoresPath(storesPath.getText().strip()));
-        typed.put((String) store.getSelectedItem(), directory.getText().strip());
-        for (Store each : snapshot.stores()) {
-            String wanted = typed.get(each.name());
-            if (!wanted.isEmpty() && !wanted.equals(each.directory()))
-                submit.accept(Operation.move(each.name(), wanted));
-        }
+    private void act(Operation operation) {
+        submit.accept(operation);
+        dispose();
     }
 
-    private static boolean isChanged(JTextField field, String before) {
-        return !field.getText().strip().equals(before);
+    private void chooseHub() {
+        if (hub.getText().equals(SAMPLE) || hub.isGiven()) act(Operation.chooseHub(hub.getText()));
+    }
+
+    private void addStore() {
+        if (newName.isGiven() & newUrl.isGiven())
+            act(Operation.addStore(
+                    newName.getText(), newUrl.getText(), newFile.getText().strip(), ofBoards.isSelected()));
+    }
+
+    private void removeStore() {
+        if (ownStores.getSelectedItem() instanceof String name) act(Operation.removeStore(name));
+    }
+
+    private void apply() {
+        typed.put((String) store.getSelectedItem(), directory.getText());
+        boolean areFit = proxy.isUnchangedOrFit(snapshot.proxy()) & storesPath.isUnchangedOrFit(snapshot.storesPath());
+        for (Store each : snapshot.stores()) areFit &= isFit(each);
+        if (!areFit) return;
+        if (!proxy.getText().equals(snapshot.proxy())) submit.accept(Operation.setProxy(proxy.getText()));
+        if (!storesPath.getText().equals(snapshot.storesPath()))
+            submit.accept(Operation.setStoresPath(storesPath.getText()));
+        for (Store each : snapshot.stores())
+            if (isMoved(each)) submit.accept(Operation.move(each.name(), typed.get(each.name())));
+        dispose();
+    }
+
+    private boolean isMoved(Store each) {
+        String wanted = typed.get(each.name());
+        return !wanted.isEmpty() && !wanted.equals(each.directory());
+    }
+
+    /** Shows the store whose directory cannot be. */
+    private boolean isFit(Store each) {
+        if (!isMoved(each) || HubThread.refusal(Input.DIRECTORY, typed.get(each.name())).isEmpty()) return true;
+        store.setSelectedItem(each.name());
+        return directory.isUnchangedOrFit(each.directory());
     }
 
     /** What was typed for one store is there again when that one is chosen again, and counts in the end. */
     private void changeStore(ItemEvent event) {
         String name = (String) event.getItem();
-        if (event.getStateChange() == ItemEvent.DESELECTED) typed.put(name, directory.getText().strip());
+        if (event.getStateChange() == ItemEvent.DESELECTED) typed.put(name, directory.getText());
         else directory.setText(typed.get(name));
     }
 }

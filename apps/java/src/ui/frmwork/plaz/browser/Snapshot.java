@@ -10,7 +10,16 @@ import java.util.stream.Stream;
  * @param proxy the user's proxy, empty for none
  * @param storesPath the directory below which the user keeps stores, empty for the default
  */
-record Snapshot(List<Store> stores, String proxy, String storesPath) {
+record Snapshot(List<Store> stores, String proxy, String storesPath, Hub hub) {
+    /**
+     * Which hub is in force.
+     *
+     * @param url where it is fetched from; empty where that is not known
+     * @param chooser what chose it
+     * @param ownStores those that the user has added, by name
+     */
+    record Hub(String url, String chooser, String metadata, List<String> ownStores) {}
+
     /** A store, its items each by one entry. */
     record Store(String name, String title, String directory, boolean refreshed, List<Category> categories,
             List<Item> items) {}
@@ -93,7 +102,7 @@ record Snapshot(List<Store> stores, String proxy, String storesPath) {
     record Dependency(Key key, String revision) {}
 
     /** Before anything is known. */
-    static final Snapshot NOTHING = new Snapshot(List.of(), "", "");
+    static final Snapshot NOTHING = new Snapshot(List.of(), "", "", new Hub("", "", "", List.of()));
 
     List<Store> stores(Scope scope) {
         return stores.stream().filter(store -> scope.isOf(store.name())).toList();

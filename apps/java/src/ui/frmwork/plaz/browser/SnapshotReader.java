@@ -16,6 +16,7 @@ import ui.frmwork.plaz.PlazStore;
 import ui.frmwork.plaz.PlazSwigIntf;
 import ui.frmwork.plaz.browser.Snapshot.Category;
 import ui.frmwork.plaz.browser.Snapshot.Dependency;
+import ui.frmwork.plaz.browser.Snapshot.Hub;
 import ui.frmwork.plaz.browser.Snapshot.Item;
 import ui.frmwork.plaz.browser.Snapshot.Key;
 import ui.frmwork.plaz.browser.Snapshot.Revision;
@@ -35,7 +36,11 @@ final class SnapshotReader {
     static Snapshot read() {
         SnapshotReader reader = new SnapshotReader();
         return new Snapshot(map(PlazSwigIntf.getStores(), reader::store), PlazSwigIntf.getHttpProxy(),
-                PlazSwigIntf.getQStoresPath());
+                PlazSwigIntf.getQStoresPath(), hub(PlazHost.hub()));
+    }
+
+    private static Hub hub(PlazHost.Hub hub) {
+        return new Hub(hub.url(), hub.chooser(), hub.metadata(), hub.ownStores());
     }
 
     /** The entries of one item, the latest revision first; none when the hub has no such item. */

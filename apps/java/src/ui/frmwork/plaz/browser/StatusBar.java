@@ -10,6 +10,8 @@ import javax.swing.JProgressBar;
 final class StatusBar extends JPanel {
     private static final long serialVersionUID = 1;
 
+    private int begun;
+    private String part = "";
     private final JProgressBar bar = Look.plain(new JProgressBar(0, 100));
 
     StatusBar(Action cancel) {
@@ -22,18 +24,23 @@ final class StatusBar extends JPanel {
     }
 
     void rest() {
-        show("Ready", 0);
-    }
-
-    /** An operation has begun; nobody knows yet how long it is. */
-    void begin(String title, int waiting) {
-        show(waiting == 0 ? title + " ..." : title + " ... (then " + waiting + " more)", 0);
-        bar.setIndeterminate(true);
-    }
-
-    void show(String text, double percent) {
+        begun = 0;
         bar.setIndeterminate(false);
+        bar.setValue(0);
+        bar.setString("Ready");
+    }
+
+    /** One of several operations has begun; nobody knows yet how long it is. */
+    void begin(String title, int waiting) {
+        ++begun;
+        part = begun + waiting == 1 ? "" : "  (" + begun + " of " + (begun + waiting) + ")";
+        show(title + " ...", 0);
+    }
+
+    /** @param percent 0 where nobody knows */
+    void show(String text, double percent) {
+        bar.setIndeterminate(percent <= 0);
         bar.setValue((int) percent);
-        bar.setString(text);
+        bar.setString(text + part);
     }
 }

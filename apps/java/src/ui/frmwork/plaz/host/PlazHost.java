@@ -249,9 +249,10 @@ public final class PlazHost {
     /**
      * Adds a store of the user's own and fetches its catalog.
      *
+     * @param metadataFile in its repository; empty where it has one of the usual names
      * @throws ui.frmwork.cmd.CommandFailedException as {@link #chooseHub}
      */
-    public static native void addStore(String name, String url, boolean isOfBoards);
+    public static native void addStore(String name, String url, String metadataFile, boolean isOfBoards);
 
     /**
      * Takes one away; what is installed from it stays.

@@ -1,0 +1,73 @@
+package ui.frmwork.plaz.browser;
+
+import java.awt.BorderLayout;
+import java.awt.Dimension;
+import java.awt.FlowLayout;
+import java.awt.Toolkit;
+import java.awt.datatransfer.StringSelection;
+import javax.swing.BorderFactory;
+import javax.swing.JButton;
+import javax.swing.JPanel;
+import javax.swing.JTextArea;
+
+/** The last failure, until it was read. */
+final class ErrorBar extends JPanel {
+    private static final long serialVersionUID = 1;
+
+    private final JTextArea text = Look.readOnlyText("error", "");
+    private final JButton advice = Look.named("advice", new JButton("What to do"));
+    private final JPanel buttons = new JPanel(new FlowLayout(FlowLayout.TRAILING, Look.gap(this), 0));
+    private final transient Runnable openGuide;
+    private transient Message shown;
+
+    /** @param openGuide called where a message does not say what to do */
+    ErrorBar(Runnable openGuide) {
+        this.openGuide = openGuide;
+        setLayout(new BorderLayout(Look.gap(this), 0));
+        text.setMinimumSize(new Dimension(0, 0));
+        add(text);
+        add(buttons, BorderLayout.LINE_END);
+        button(Look.named("copy", new JButton("Copy")), 'Y', this::copy);
+        button(advice, 'W', this::advise);
+        button(Look.named("read", new JButton("Close")), 'X', () -> setVisible(false));
+        setVisible(false);
+    }
+
+    private void button(JButton button, char mnemonic, Runnable work) {
+        button.setMnemonic(mnemonic);
+        button.addActionListener(event -> work.run());
+        buttons.add(button);
+    }
+
+    void show(Message failure) {
+        shown = failure;
+        text.setText(failure.what());
+        advice.setEnabled(true);
+        setVisible(true);
+        revalidate();
+    }
+
+    private void copy() {
+        Toolkit.getDefaultToolkit().getSystemClipboard().setContents(new StringSelection(shown.toString()), null);
+    }
+
+    private void advise() {
+        if (shown.advice().isEmpty()) openGuide.run();
+        else text.setText(shown.text());
+        advice.setEnabled(shown.advice().isEmpty());
+        revalidate();
+    }
+
+    @Override
+    public void updateUI() {
+        super.updateUI();
+        int gap = Look.gap(this);
+        setBorder(BorderFactory.createCompoundBorder(
+                BorderFactory.createMatteBorder(0, gap / 2 + 1, 0, 0, Look.colours().error()),
+                BorderFactory.createEmptyBorder(gap, gap, gap, gap)));
+        if (text == null) return; // while the constructor of what this extends runs
+        text.updateUI();
+        text.setForeground(Look.colours().error());
+        text.setBorder(BorderFactory.createEmptyBorder(gap / 2, gap, 0, 0));
+    }
+}

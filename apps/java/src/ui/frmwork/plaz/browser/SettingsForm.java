@@ -1,0 +1,81 @@
+package ui.frmwork.plaz.browser;
+
+import java.awt.Dimension;
+import java.awt.Font;
+import java.awt.GridBagConstraints;
+import java.awt.GridBagLayout;
+import java.awt.Insets;
+import java.awt.Rectangle;
+import javax.swing.BorderFactory;
+import javax.swing.JComponent;
+import javax.swing.JLabel;
+import javax.swing.JPanel;
+import javax.swing.Scrollable;
+
+/** Rows of a name, what is chosen, and a button, below headings; as wide as there is room. */
+final class SettingsForm extends JPanel implements Scrollable {
+    private static final long serialVersionUID = 1;
+
+    private int row;
+
+    SettingsForm() {
+        super(new GridBagLayout());
+        int gap = 2 * Look.gap(this);
+        setBorder(BorderFactory.createEmptyBorder(gap, gap, gap, gap));
+    }
+
+    void addHeading(String text) {
+        JLabel heading = new JLabel(text);
+        heading.setFont(heading.getFont().deriveFont(Font.BOLD));
+        GridBagConstraints place = place(row == 0 ? 0 : 2 * Look.gap(this));
+        place.gridwidth = 3;
+        add(heading, place);
+        ++row;
+    }
+
+    /** @param beside null for nothing */
+    void addRow(String text, char mnemonic, JComponent field, JComponent beside) {
+        JComponent labelled = field instanceof CheckedField checked ? checked.field() : field;
+        GridBagConstraints place = place(Look.gap(this) / 2);
+        add(Look.label(text, mnemonic, labelled), place);
+        place.fill = GridBagConstraints.HORIZONTAL;
+        place.weightx = 1;
+        add(field, place);
+        place.weightx = 0;
+        if (beside != null) add(beside, place);
+        ++row;
+    }
+
+    private GridBagConstraints place(int above) {
+        GridBagConstraints place = new GridBagConstraints();
+        place.gridy = row;
+        place.insets = new Insets(above, 0, Look.gap(this) / 2, Look.gap(this));
+        place.anchor = GridBagConstraints.LINE_START;
+        return place;
+    }
+
+    @Override
+    public Dimension getPreferredScrollableViewportSize() {
+        return getPreferredSize();
+    }
+
+    @Override
+    public int getScrollableUnitIncrement(Rectangle visible, int orientation, int direction) {
+        return Look.lineHeight(this);
+    }
+
+    @Override
+    public int getScrollableBlockIncrement(Rectangle visible, int orientation, int direction) {
+        return visible.height;
+    }
+
+    @Override
+    public boolean getScrollableTracksViewportWidth() {
+        return true;
+    }
+
+    @Override
+    public boolean getScrollableTracksViewportHeight() {
+        return false;
+    }
+}
