@@ -8,6 +8,7 @@
 #   include/plaz                        headers of the exported classes ("plaz/...", "support/...")
 #   share/plaz/data                     data root: messages, schemas, shipped metadata; the sample hub
 #   share/plaz/tps                      third-party programs: links to the system's
+#   share/applications, share/icons     the browser's entry in a desktop's menu
 #   share/man, share/doc/plaz           manual page, guides
 #   share/bash-completion, zsh, fish    completion for these shells
 #

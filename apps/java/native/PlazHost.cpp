@@ -20,6 +20,7 @@
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
+#include "plaz/tasks/HSCPlazPlan.h"
 #include "scripting/task_manager.h"
 #include "support/ComMsgMgr.h"
 #include "support/HDGUIStatus.h"
@@ -38,6 +39,12 @@ namespace {
 HDGUIStatus& commandStatus() {
     static HDGUIStatus status;
     return status;
+}
+
+/// A plan is for a person to look at; what is in its way the change itself will tell.
+bool& isPlanning() {
+    static bool planning = false;
+    return planning;
 }
 
 /// The class PlazHost, told of what the hub says and does.
@@ -192,6 +199,29 @@ std::string findRefusal(const std::string& kind, const std::string& value) {
     return refusal + ".";
 }
 
+/// Six texts for each step: what is done, the item, the revision before, bytes, who needs it, whether it was asked for.
+std::vector<std::string> plan(const std::string& kind, const std::string& reference) {
+    const HubQueries queries(requireHub());
+    const ItemReference wanted = requireReference(reference);
+    HSCPlazPlan plan(requireHub());
+    HSCPlazTaskOptions options;
+    options.plan = &plan;
+    const HubActions actions(requireHub(), commandStatus(), options);
+    if (kind == "INSTALL")
+        actions.install({&queries.resolve(wanted, "")});
+    else if (kind == "UNINSTALL")
+        actions.uninstall({&queries.resolveInstalled(wanted, "")});
+    else
+        actions.update({&queries.resolveForUpdate(wanted, "")});
+    std::vector<std::string> texts;
+    for (const HSCPlazPlannedStep& step : plan.getSteps())
+        texts.insert(texts.end(),
+                     {HSCPlazPlannedStep::nameOf(step.kind),
+                      ItemReference{step.store, step.name, step.revision}.toText(), step.previousRevision,
+                      step.size ? std::to_string(*step.size) : "", step.neededBy, step.isAskedFor ? "asked for" : ""});
+    return texts;
+}
+
 void addStore(const std::string& name, const std::string& url, const std::string& metadataFile, bool isOfBoards) {
     HSCPlazNewStore wanted;
     wanted.name = name;
@@ -247,7 +277,9 @@ JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_startHub(JNIEnv* env, 
         const Listener listener(env, host);
         if (env->ExceptionCheck()) return;
         plaz_startup();
-        ComMsgMgr::setSink([listener](const ComMsgMgr::Message& message) { listener.tellMessage(message); });
+        ComMsgMgr::setSink([listener](const ComMsgMgr::Message& message) {
+            if (!isPlanning()) listener.tellMessage(message);
+        });
         commandStatus().setObserver([listener](const HDGUIStatus& status) { listener.tellProgress(status); });
         registerPlazCommands(hdi::tcltasks::task_manager::get_interp(), commandStatus());
     });
@@ -360,4 +392,13 @@ JNIEXPORT jstring JNICALL Java_ui_frmwork_plaz_host_PlazHost_gitVersion(JNIEnv* 
         const HSCPlazInspection::Answer answer = HSCPlazInspection::askVersion();
         return answer.isGiven ? answer.text : answer.reason;
     });
+}
+
+JNIEXPORT jobjectArray JNICALL Java_ui_frmwork_plaz_host_PlazHost_planChange(JNIEnv* env, jclass, jstring kind,
+                                                                             jstring item) {
+    jobjectArray texts = nullptr;
+    isPlanning() = true;
+    guard(env, [&] { texts = toJava(env, plan(jni::toNative(env, kind), jni::toNative(env, item))); });
+    isPlanning() = false;
+    return texts;
 }

@@ -18,6 +18,7 @@ import ui.frmwork.plaz.browser.Look.Theme;
 import ui.frmwork.plaz.browser.Snapshot.Item;
 import ui.frmwork.plaz.browser.Snapshot.Key;
 import ui.frmwork.plaz.browser.Snapshot.State;
+import ui.frmwork.plaz.host.PlazHost.Change;
 
 /** What a person can do, each once for button, menu and key. */
 final class BrowserActions {
@@ -35,9 +36,10 @@ final class BrowserActions {
     private final JMenuBar menus = new JMenuBar();
 
     BrowserActions(BrowserWindow window) {
-        install = action("Install", 'N', "control I", () -> window.submitForItem(Operation::install));
-        uninstall = action("Uninstall", 'U', "control DELETE", () -> window.submitForItem(Operation::uninstall));
-        update = action("Update", 'P', "control U", () -> window.submitForItem(Operation::update));
+        install = action("Install", 'N', "control I", () -> window.planForItem(Change.INSTALL, Operation::install));
+        uninstall = action(
+                "Uninstall", 'U', "control DELETE", () -> window.planForItem(Change.UNINSTALL, Operation::uninstall));
+        update = action("Update", 'P', "control U", () -> window.planForItem(Change.UPDATE, Operation::update));
         verify = action("Verify", 'V', "F7", () -> window.submitForItem(Operation::verify));
         repair = action("Repair", 'R', "control R", () -> window.submitForItem(Operation::repair));
         verifyAll = action("Verify all", 'A', "shift F7", window::verifyAll);

@@ -22,7 +22,9 @@ import ui.frmwork.plaz.browser.Look.Theme;
 import ui.frmwork.plaz.browser.Snapshot.Item;
 import ui.frmwork.plaz.browser.Snapshot.Key;
 import ui.frmwork.plaz.browser.Snapshot.Store;
+import ui.frmwork.plaz.host.PlazHost.Change;
 import ui.frmwork.plaz.host.PlazHost.Severity;
+import ui.frmwork.plaz.host.PlazHost.Step;
 
 /** The window: shows the newest {@link Snapshot}, and hands what is to be done to the {@link HubThread}. */
 final class BrowserWindow extends JFrame implements HubListener {
@@ -122,6 +124,18 @@ final class BrowserWindow extends JFrame implements HubListener {
 
     void submitForItem(Function<Key, Operation> operation) {
         panes.items.chosen().ifPresent(item -> submit(operation.apply(item.key())));
+    }
+
+    /** What changes more than the item is shown first. */
+    void planForItem(Change change, Function<Key, Operation> operation) {
+        panes.items.chosen().ifPresent(item -> hub.plan(change, item.key(), operation.apply(item.key())));
+    }
+
+    @Override
+    public void planned(Operation operation, List<Step> steps) {
+        if (isEnding) return;
+        if (steps.size() < 2) submit(operation);
+        else new PlanDialog(this, operation.title(), steps, () -> submit(operation)).setVisible(true);
     }
 
     void verifyAll() {

@@ -1,7 +1,9 @@
 package ui.frmwork.plaz.browser;
 
+import java.util.List;
 import java.util.Map;
 import ui.frmwork.plaz.browser.Snapshot.Key;
+import ui.frmwork.plaz.host.PlazHost.Step;
 
 /** Told by {@link HubThread} what happens, on the thread of the windows. */
 interface HubListener {
@@ -12,6 +14,9 @@ interface HubListener {
 
     /** @param texts how the files of items compare with those that were installed, by item and revision */
     void compared(Map<String, String> texts);
+
+    /** @param steps what the operation would do; none where that is not known */
+    void planned(Operation operation, List<Step> steps);
 
     /** @param version which git it is, and where */
     void git(String version);

@@ -22,8 +22,10 @@ import ui.frmwork.plaz.TaskStatus;
 import ui.frmwork.plaz.browser.Operation.Outcome;
 import ui.frmwork.plaz.browser.Snapshot.Key;
 import ui.frmwork.plaz.host.PlazHost;
+import ui.frmwork.plaz.host.PlazHost.Change;
 import ui.frmwork.plaz.host.PlazHost.Input;
 import ui.frmwork.plaz.host.PlazHost.Severity;
+import ui.frmwork.plaz.host.PlazHost.Step;
 
 /**
  * The one thread that uses the hub. Operations wait their turn; what is only read goes before them. Its methods return
@@ -85,6 +87,23 @@ final class HubThread {
             String text = entries.isEmpty() ? "" : entries.get(0).getHistory();
             post(to -> to.history(key, Readable.of(text)));
         });
+    }
+
+    /** Asks what an operation would do to an item. */
+    void plan(Change change, Key key, Operation operation) {
+        read(() -> {
+            List<Step> steps = plan(change, key);
+            post(to -> to.planned(operation, steps));
+        });
+    }
+
+    /** What is in the way, the operation will tell. */
+    private static List<Step> plan(Change change, Key key) {
+        try {
+            return PlazHost.plan(change, key.toString());
+        } catch (CommandFailedException e) {
+            return List.of();
+        }
     }
 
     /** Asks which git the hub runs. */

@@ -85,6 +85,20 @@ public final class PlazHost {
      */
     public record Hub(String url, String chooser, String metadata, List<String> ownStores) {}
 
+    /** What {@link #plan} looks into. */
+    public enum Change { INSTALL, UNINSTALL, UPDATE }
+
+    /**
+     * One thing that a change would do.
+     *
+     * @param kind "install", "update", "restore", "remove", "adopt" (from now on the user's own) or "keep" (for others)
+     * @param item such as "boards::aurora@2.0"
+     * @param before the revision in whose place it comes; empty for none
+     * @param bytes of its files; below 0 where that would have to be fetched
+     * @param neededBy who needs it, for people; empty for nobody
+     */
+    public record Step(String kind, String item, String before, long bytes, String neededBy, boolean isAskedFor) {}
+
     private static Listener listener;
 
     static {
@@ -271,6 +285,24 @@ public final class PlazHost {
 
     /** What the hub's git says of its version, or why it says nothing. */
     public static native String gitVersion();
+
+    /**
+     * What a change would do. Does nothing, tells nothing and needs no network.
+     *
+     * @param item such as "boards::aurora"
+     * @return in the order in which it would be done
+     * @throws ui.frmwork.cmd.CommandFailedException when there is no such item
+     */
+    public static List<Step> plan(Change change, String item) {
+        String[] texts = planChange(change.name(), item);
+        List<Step> steps = new ArrayList<>();
+        for (int i = 0; i < texts.length; i += 6)
+            steps.add(new Step(texts[i], texts[i + 1], texts[i + 2],
+                    texts[i + 3].isEmpty() ? -1 : Long.parseLong(texts[i + 3]), texts[i + 4], !texts[i + 5].isEmpty()));
+        return List.copyOf(steps);
+    }
+
+    private static native String[] planChange(String change, String item);
 
     private static native String[] describeHub();
 

@@ -141,6 +141,8 @@ class BrowserTest {
         choose("boards", "aurora");
         assertEquals(List.of(true, false, false), enabled());
         click(find("install"));
+        await("the plan", () -> exists("plan") && text("summary").contains(" to come "));
+        click(find("go"));
         awaitRest("Installed \"Aurora Entwicklungsplatine\".");
         assertEquals(State.INSTALLED, state("boards", "aurora"));
         assertEquals("needed by others", item("tclscripts", "board-check").stateText());
@@ -248,6 +250,8 @@ class BrowserTest {
         assertEquals(List.of(window), Stream.of(Window.getWindows()).filter(Component::isShowing).toList());
         choose("boards", "aurora");
         click(find("uninstall"));
+        await("the plan", () -> exists("plan") && text("summary").contains(" to go "));
+        click(find("go"));
         awaitRest("Uninstalled \"Aurora Entwicklungsplatine\".");
         assertEquals(2, count("[17-2231]"), "the notes, too");
         assertTrue(find("error").isShowing()); // what was damaged: nobody has closed it
