@@ -50,6 +50,8 @@ final class BrowserPanes extends JPanel {
     private JSplitPane left;
     private JSplitPane right;
     private JSplitPane bottom;
+    private int raisedBottom = -1;
+    private int wantedBottom;
     private int gap;
     private boolean isCramped;
     private boolean haveColumnsWidths;
@@ -111,7 +113,10 @@ final class BrowserPanes extends JPanel {
         showCard(areItemsShown);
         left.setDividerLocation(dividers[0]);
         right.setDividerLocation(dividers[1]);
-        bottom.setDividerLocation(Math.min(dividers[2], height - MESSAGE_LINES * Look.lineHeight(this)));
+        // What is too low for large texts is as low again for smaller ones.
+        if (dividers[2] != raisedBottom) wantedBottom = dividers[2];
+        raisedBottom = Math.min(wantedBottom, height - MESSAGE_LINES * Look.lineHeight(this));
+        bottom.setDividerLocation(raisedBottom);
         SwingUtilities.updateComponentTreeUI(this);
         details.build(snapshot);
         messages.showAnew();

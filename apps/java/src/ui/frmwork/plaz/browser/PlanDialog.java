@@ -14,6 +14,7 @@ import javax.swing.JDialog;
 import javax.swing.JPanel;
 import javax.swing.JScrollPane;
 import javax.swing.JTable;
+import javax.swing.JTextArea;
 import javax.swing.KeyStroke;
 import javax.swing.table.DefaultTableCellRenderer;
 import javax.swing.table.DefaultTableModel;
@@ -30,7 +31,9 @@ final class PlanDialog extends JDialog {
         JTable table = table(steps);
         JPanel content = new JPanel(new BorderLayout(0, gap));
         content.setBorder(BorderFactory.createEmptyBorder(gap, gap, gap, gap));
-        content.add(Look.readOnlyText("summary", summary(steps)), BorderLayout.PAGE_START);
+        JTextArea summary = Look.readOnlyText("summary", summary(steps));
+        summary.setFocusable(false); // the button is what Enter means
+        content.add(summary, BorderLayout.PAGE_START);
         content.add(new JScrollPane(table));
         content.add(buttons(go, gap), BorderLayout.PAGE_END);
         setContentPane(content);
@@ -74,8 +77,10 @@ final class PlanDialog extends JDialog {
         });
         table.setDefaultRenderer(Object.class, Look.plain(new DefaultTableCellRenderer()));
         table.setRowHeight(Look.lineHeight(table) + 2 * Look.gap(table));
+        table.setFillsViewportHeight(true);
+        table.setBackground(Look.colours().surface());
+        table.setFocusable(false);
         table.getAccessibleContext().setAccessibleName("What would be done");
-        Look.tabLeaves(table);
         int[] parts = {12, 36, 38, 14};
         for (int i = 0; i < parts.length; ++i)
             table.getColumnModel().getColumn(i).setPreferredWidth(parts[i] * Look.lineHeight(table) / 2);
