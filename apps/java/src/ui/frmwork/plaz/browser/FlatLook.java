@@ -6,6 +6,8 @@ import java.awt.Insets;
 import java.util.ArrayList;
 import java.util.regex.Matcher;
 import java.util.regex.Pattern;
+import javax.swing.JComponent;
+import javax.swing.Painter;
 import javax.swing.UIDefaults;
 import javax.swing.plaf.ColorUIResource;
 import javax.swing.plaf.FontUIResource;
@@ -82,57 +84,75 @@ final class FlatLook extends NimbusLookAndFeel {
     }
 
     private void putPainter(UIDefaults defaults, String key, String component, String state) {
-        boolean isDisabled = state.contains("Disabled");
-        boolean isHot = state.contains("MouseOver") || state.contains("Pressed");
+        Painter<JComponent> painter = painter(key, component, state);
+        if (painter != null) defaults.put(key, painter);
+    }
+
+    /** @return null for Nimbus's own, in these colours */
+    private Painter<JComponent> painter(String key, String component, String state) {
+        boolean isBackground = key.endsWith("backgroundPainter"); // all else is painted over the text
         boolean isFocused = state.contains("Focused");
         Color edge = isFocused ? colours.mark() : colours.line();
-        switch (component) {
-            case "Button", "ToggleButton", "ComboBox" -> { Color face = isDisabled ? colours.ground():
+        return switch (component) {
+            case "Button", "ToggleButton", "ComboBox" -> new FlatPainter(buttonFace(state), edge, 6, 2, isFocused);
+            case "TextField", "FormattedTextField" ->
+                new FlatPainter(isBackground ? fieldFace(state) : null, edge, 6, 2, isFocused);
+            case "ScrollPane" -> new FlatPainter(null, edge, 0, 0, isFocused);
+            case "ScrollBar:ScrollBarTrack", "SplitPane:SplitPaneDivider" -> plain(colours.ground());
+            case "ScrollBar:ScrollBarThumb" ->
+                new FlatPainter(Palette.mix(colours.line(), colours.quiet(), isHot(state) ? 0.6 : 0.2), null, 8, 3, false);
+            case "TableHeader:\"TableHeader.renderer\"" -> FlatPainter.underlined(headerFace(state), colours.line());
+                    case "ProgressBar" -> progress(isBackground, state);
+                    case "MenuBar" -> FlatPainter.underlined(colours.ground(), colours.line());
+                    case "MenuBar:Menu", "Menu", "MenuItem", "CheckBoxMenuItem",
+                    "RadioButtonMenuItem" -> isBackground && !state.contains("Disabled") ? plain(colours.mark()):
+                null;
+            case "PopupMenu" -> new FlatPainter(colours.raised(), colours.line(), 0, 0, false);
+                    case "Tree" -> key.contains("IconPainter") ? sign(key, state):
+                null;
+            case "CheckBox" -> tick(state);
+            default -> null;
+        };
+    }
+
+    private static boolean isHot(String state) {
+        return state.contains("MouseOver") || state.contains("Pressed");
+    }
+
+    private static FlatPainter plain(Color face) {
+        return new FlatPainter(face, null, 0, 0, false);
+    }
+
+    private Color buttonFace(String state) {
+        if (state.contains("Disabled")) return colours.ground();
+        Color face = state.contains("Default") ? Palette.mix(colours.raised(), colours.mark(), 0.25) :
                 colours.raised();
-                if (state.contains("Default") && !isDisabled) face = Palette.mix(face, colours.mark(), 0.25);
-                if (isHot) face = Palette.mix(face, colours.mark(), state.contains("Pressed") ? 0.35 : 0.15);
-                defaults.put(key, new FlatPainter(face, edge, 6, 2, isFocused));
+                return isHot(state) ? Palette.mix(face, colours.mark(), state.contains("Pressed") ? 0.35 : 0.15) : face;
         }
-        case "TextField", "FormattedTextField" -> { Color face = isDisabled ? colours.ground():
-            colours.surface();
-            defaults.put(key, new FlatPainter(face, edge, 6, 2, isFocused));
+
+        private Color fieldFace(String state) {
+            return state.contains("Disabled") ? colours.ground() : colours.surface();
+        }
+
+        private Color headerFace(String state) {
+            return isHot(state) ? Palette.mix(colours.ground(), colours.mark(), 0.2) : colours.ground();
+        }
+
+        private FlatPainter progress(boolean isBackground, String state) {
+            if (isBackground) return new FlatPainter(colours.surface(), colours.line(), 6, 2, false);
+            if (state.contains("Indeterminate")) return null;
+            return new FlatPainter(Palette.mix(colours.surface(), colours.mark(), 0.45), null, 4, 3, false);
+        }
+
+        private FlatSign sign(String key, String state) {
+            return new FlatSign(
+                    state.contains("Selected") ? colours.onMark() : colours.quiet(), key.contains("expanded"));
+        }
+
+        private FlatTick tick(String state) {
+            boolean isTicked = state.contains("Selected");
+            return new FlatTick(isTicked ? colours.mark() : colours.surface(),
+                    state.contains("Focused") || isHot(state) ? colours.mark() : colours.quiet(),
+                    isTicked ? colours.onMark() : null);
+        }
     }
-            case "ScrollPane" -> defaults.put(key, new FlatPainter(null, edge, 0, 0, isFocused));
-            case "ScrollBar:ScrollBarTrack" -> defaults.put(key, new FlatPainter(colours.ground(), null, 0, 0, false));
-            case "ScrollBar:ScrollBarThumb" -> {
-                Color face = Palette.mix(colours.line(), colours.quiet(), isHot ? 0.6 : 0.2);
-                defaults.put(key, new FlatPainter(face, null, 8, 3, false));
-}
-case "TableHeader:\"TableHeader.renderer\""
-        -> {
-    Color face = isHot ? Palette.mix(colours.ground(), colours.mark(), 0.2):
-    colours.ground();
-    defaults.put(key, FlatPainter.underlined(face, colours.line()));
-    }
-case "ProgressBar" -> {
-    if (key.endsWith("backgroundPainter"))
-            defaults.put(key, new FlatPainter(colours.surface(), colours.line(), 6, 2, false));
-    else if (!state.contains("Indeterminate"))
-            defaults.put(key, new FlatPainter(Palette.mix(colours.surface(), colours.mark(), 0.45), null, 4, 3, false));
-} case "MenuBar" -> defaults.put(key, FlatPainter.underlined(colours.ground(), colours.line()));
-        case "MenuBar:Menu", "Menu", "MenuItem", "CheckBoxMenuItem",
-        "RadioButtonMenuItem" -> {
-            if (key.endsWith("backgroundPainter") && !isDisabled)
-                    defaults.put(key, new FlatPainter(colours.mark(), null, 0, 0, false));
-        } case "PopupMenu" -> defaults.put(key, new FlatPainter(colours.raised(), colours.line(), 0, 0, false));
-        case "SplitPane:SplitPaneDivider" -> defaults.put(key, new FlatPainter(colours.ground(), null, 0, 0, false));
-        case "Tree"
-        -> { Color sign = state.contains("Selected") ? colours.onMark():
-    colours.quiet();
-    if (key.contains("IconPainter")) defaults.put(key, new FlatSign(sign, key.contains("expanded")));
-    }
-            case "CheckBox" -> defaults.put(key, new FlatTick(
-                    state.contains("Selected") ? colours.mark() : colours.surface(),
-                    isFocused || isHot ? colours.mark() : colours.quiet(),
-                    state.contains("Selected") ? colours.onMark() : null));
-                default -> {
-                    // Nimbus's own, in these colours
-                }
-                }
-                }
-                }
