@@ -53,7 +53,7 @@ public final class PlazHost {
      * @param item such as "boards::aurora@2.0"
      * @param change such as "installed", "removed" or "becomes a dependency"
      */
-    public record Change(String item, String change) {}
+    public record ItemChange(String item, String change) {}
 
     /**
      * What one command has made of what is installed.
@@ -61,7 +61,7 @@ public final class PlazHost {
      * @param time such as "2026-11-28T08:01:56+0100"
      * @param command as a person would write it; empty where it was interrupted, or something else made the changes
      */
-    public record Entry(int number, String time, String command, List<Change> changes) {}
+    public record Entry(int number, String time, String command, List<ItemChange> changes) {}
 
     /**
      * What the hub's objects do not tell of an item: that it is "inactive", that it is installed because a "user" asked
@@ -190,9 +190,9 @@ public final class PlazHost {
             int number = Integer.parseInt(texts.next());
             String time = texts.next();
             String command = texts.next();
-            List<Change> changes = new ArrayList<>();
+            List<ItemChange> changes = new ArrayList<>();
             for (int left = Integer.parseInt(texts.next()); left > 0; --left) {
-                changes.add(new Change(texts.next(), texts.next()));
+                changes.add(new ItemChange(texts.next(), texts.next()));
             }
             entries.add(new Entry(number, time, command, List.copyOf(changes)));
         }
