@@ -105,6 +105,15 @@ template <typename Subject, typename Action> auto HubActions::doEach(std::vector
     return toResult(std::move(parts), subjects.size());
 }
 
+PlanResult HubActions::plan(Change change, const Items& items) const {
+    HSCPlazTaskMgr::takeOverRecords(); // as each task does before it begins
+    HSCPlazPlan plan(m_hub);
+    HSCPlazTaskOptions options = m_options;
+    options.plan = &plan;
+    const ItemsResult result = (HubActions(m_hub, m_status, options, m_begin).*change)(items);
+    return {plan.getSteps(), result.isDone, result.reason};
+}
+
 ItemsResult HubActions::install(const Items& items) const {
     const HSCPlazCommand command("install", items);
     return doEach(items, [&](HSCPlazQItem& item) {

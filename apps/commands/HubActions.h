@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 
+#include "plaz/tasks/HSCPlazPlan.h"
 #include "plaz/tasks/HSCPlazTaskOptions.h"
 #include "plaz/tasks/HSCPlazTaskResult.h"
 
@@ -31,6 +32,8 @@ template <typename Result> struct CommandResult {
 using ItemsResult = CommandResult<HSCPlazItemResult>;
 using FilesResult = CommandResult<HSCPlazFilesResult>;
 using StoresResult = CommandResult<HSCPlazStoreResult>;
+/// The steps of what would be done; isDone where nothing is known that would keep it from being done.
+using PlanResult = CommandResult<HSCPlazPlannedStep>;
 
 /// Who needs an item that was not removed, for front ends that show no neededBy; nothing where nobody does.
 std::optional<ComMsgMgrInstance> describeNeed(const HSCPlazItemResult& result);
@@ -49,6 +52,11 @@ public:
     /// @param begin    may be empty. All that is referred to must outlive the object.
     HubActions(HSCPlaz& hub, HDGUIStatus& status, HSCPlazTaskOptions options, BeginPart begin = {})
         : m_hub(hub), m_status(status), m_options(options), m_begin(std::move(begin)) {}
+
+    /// install(), uninstall() or update().
+    using Change = ItemsResult (HubActions::*)(const std::vector<HSCPlazQItem*>&) const;
+    /// What it would do to these items. Changes nothing, asks no remote and waits for nobody.
+    PlanResult plan(Change change, const std::vector<HSCPlazQItem*>& items) const;
 
     ItemsResult install(const std::vector<HSCPlazQItem*>& items) const;
     ItemsResult update(const std::vector<HSCPlazQItem*>& items) const;

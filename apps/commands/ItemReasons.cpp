@@ -1,10 +1,25 @@
 #include "ItemReasons.h"
 
+#include "ItemReference.h"
+
 #include "plaz/HSCPlazInspection.h"
 #include "plaz/model/HSCPlazQItem.h"
 
 #include <cstddef>
 #include <map>
+
+std::vector<std::string> ItemReason::describe() const {
+    const auto nameOf = [](const HSCPlazQItem* one) { return ItemReference::of(*one).toText(); };
+    std::vector<std::string> sentences;
+    if (isAskedFor) sentences.push_back("You asked for " + nameOf(item) + ".");
+    for (const std::vector<HSCPlazQItem*>& chain : chains) {
+        sentences.push_back("You asked for " + nameOf(chain.front()));
+        for (std::size_t i = 1; i < chain.size(); ++i) sentences.back() += ", which needs " + nameOf(chain[i]);
+        sentences.back() += ".";
+    }
+    if (sentences.empty()) sentences.push_back("Nothing needs " + nameOf(item) + ", and you did not ask for it.");
+    return sentences;
+}
 
 ItemReason ItemReason::of(const HSCPlaz& hub, HSCPlazQItem& item) {
     ItemReason reason{&item, item.isUsers(), {}};

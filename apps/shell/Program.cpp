@@ -250,8 +250,8 @@ std::vector<HSCPlazQItem*> Program::resolveRevisions(bool isOldOnly) {
     return revisions;
 }
 
-HubActions Program::makeActions(HSCPlazPlan* plan) {
-    return HubActions(getHub(), m_status, {m_options.quiet, m_options.discardChanges, m_options.reinstall, plan},
+HubActions Program::makeActions() {
+    return HubActions(getHub(), m_status, {m_options.quiet, m_options.discardChanges, m_options.reinstall},
                       [this](std::size_t number, std::size_t count) { m_progress.beginPart(number, count); });
 }
 

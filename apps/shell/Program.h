@@ -48,11 +48,9 @@ private:
     int runCheck();
     /// The stores named, or all.
     std::vector<HSCPlazQStore*> getStores();
-    /// @param plan  takes what would be done; null where it is to be done
-    HubActions makeActions(HSCPlazPlan* plan = nullptr);
+    HubActions makeActions();
     /// Changes what is installed, or shows what that would do.
-    int change(ItemsResult (HubActions::*action)(const std::vector<HSCPlazQItem*>&) const,
-               const std::vector<HSCPlazQItem*>& items);
+    int change(HubActions::Change action, const std::vector<HSCPlazQItem*>& items);
     int runRelocate();
     int runInstall();
     int runUninstall();

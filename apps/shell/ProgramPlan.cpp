@@ -6,14 +6,12 @@
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/tasks/HSCPlazPlan.h"
 
-int Program::change(ItemsResult (HubActions::*action)(const std::vector<HSCPlazQItem*>&) const,
-                    const std::vector<HSCPlazQItem*>& items) {
+int Program::change(HubActions::Change action, const std::vector<HSCPlazQItem*>& items) {
     if (!m_options.dryRun) return show((makeActions().*action)(items));
-    HSCPlazPlan plan(getHub());
-    const ItemsResult result = (makeActions(&plan).*action)(items);
+    const PlanResult result = makeActions().plan(action, items);
     m_progress.erase();
-    m_output->showPlan(plan.getSteps());
-    if (plan.getSteps().empty() && result.isDone) ComMsgMgr::send(ShellMsg::nothingPlanned, MsgSeverity::info);
+    m_output->showPlan(result.parts);
+    if (result.parts.empty() && result.isDone) ComMsgMgr::send(ShellMsg::nothingPlanned, MsgSeverity::info);
     return conclude(result);
 }
 
@@ -32,8 +30,7 @@ int Program::runWhyNot() {
         ComMsgMgr::send(ShellMsg::isInstalled, MsgSeverity::info, reference);
         return exitStatus::done;
     }
-    HSCPlazPlan plan(getHub());
-    const ItemsResult result = makeActions(&plan).install({&item});
+    const PlanResult result = makeActions().plan(&HubActions::install, {&item});
     if (result.isDone) ComMsgMgr::send(ShellMsg::nothingInTheWay, MsgSeverity::info, reference);
     return conclude(result);
 }

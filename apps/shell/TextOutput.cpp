@@ -81,11 +81,6 @@ std::string whatOf(const HSCPlazPlannedStep& step) {
     return what + (isSame ? " " + step.commit.substr(0, shownCommit) : "") + " (was " + was + ")";
 }
 
-std::string whyOf(const HSCPlazPlannedStep& step) {
-    if (step.isAskedFor) return "asked for";
-    return step.neededBy.empty() ? "needed no more" : "needed by " + step.neededBy;
-}
-
 std::string shownSize(std::uint64_t bytes) {
     static constexpr const char* units[] = {"B", "kB", "MB", "GB", "TB"};
     std::size_t unit = 0;
@@ -218,7 +213,7 @@ void TextOutput::showPlan(const std::vector<HSCPlazPlannedStep>& steps) {
     std::uint64_t coming = 0, going = 0;
     for (const HSCPlazPlannedStep& step : steps) {
         (step.isComing() ? coming : going) += step.size.value_or(0);
-        table.addRow({HSCPlazPlannedStep::nameOf(step.kind), whatOf(step), whyOf(step), sizeOf(step),
+        table.addRow({HSCPlazPlannedStep::nameOf(step.kind), whatOf(step), step.describeWhy(), sizeOf(step),
                       step.url.empty() ? "" : "from " + step.url});
     }
     table.print(m_out);
@@ -237,16 +232,7 @@ void TextOutput::showPlan(const std::vector<HSCPlazPlannedStep>& steps) {
 }
 
 void TextOutput::showReason(const ItemReason& reason) {
-    const std::string item = HUTText::printable(ItemReference::of(*reason.item).toText());
-    if (reason.isAskedFor) m_out << "You asked for " << item << ".\n";
-    if (!reason.isAskedFor && reason.chains.empty())
-        m_out << "Nothing needs " << item << ", and you did not ask for it.\n";
-    for (const std::vector<HSCPlazQItem*>& chain : reason.chains) {
-        m_out << "You asked for " << HUTText::printable(ItemReference::of(*chain.front()).toText());
-        for (std::size_t i = 1; i < chain.size(); ++i)
-            m_out << ", which needs " << HUTText::printable(ItemReference::of(*chain[i]).toText());
-        m_out << ".\n";
-    }
+    for (const std::string& sentence : reason.describe()) m_out << HUTText::printable(sentence) << '\n';
 }
 
 void TextOutput::showFiles(const std::vector<HSCPlazFilesResult>& results) {

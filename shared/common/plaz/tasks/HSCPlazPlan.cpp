@@ -51,6 +51,11 @@ const char* HSCPlazPlannedStep::nameOf(Kind kind) {
     return "keep";
 }
 
+std::string HSCPlazPlannedStep::describeWhy() const {
+    if (isAskedFor) return "asked for";
+    return neededBy.empty() ? "needed no more" : "needed by " + neededBy;
+}
+
 HSCPlazPlan::HSCPlazPlan(HSCPlaz& hub) : m_hub(hub) {}
 
 HSCPlazPlan::~HSCPlazPlan() {

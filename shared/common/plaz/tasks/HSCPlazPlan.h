@@ -41,6 +41,8 @@ struct PLAZ_API HSCPlazPlannedStep {
 
     /// "install", "update", "restore", "remove", "adopt", "keep".
     static const char* nameOf(Kind kind);
+    /// For people: "asked for", "needed by boards::aurora@2.0", "needed no more".
+    std::string describeWhy() const;
     /// Whether its files come.
     bool isComing() const { return kind == Kind::install || kind == Kind::update || kind == Kind::restore; }
 };
