@@ -114,6 +114,10 @@ PlanResult HubActions::plan(Change change, const Items& items) const {
     return {plan.getSteps(), result.isDone, result.reason};
 }
 
+std::optional<ExplainedFailure> HubActions::findObstacle(HSCPlazQItem& item) const {
+    return item.IsInstalled() ? std::nullopt : plan(&HubActions::install, {&item}).reason;
+}
+
 ItemsResult HubActions::install(const Items& items) const {
     const HSCPlazCommand command("install", items);
     return doEach(items, [&](HSCPlazQItem& item) {

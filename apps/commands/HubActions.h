@@ -57,6 +57,8 @@ public:
     using Change = ItemsResult (HubActions::*)(const std::vector<HSCPlazQItem*>&) const;
     /// What it would do to these items. Changes nothing, asks no remote and waits for nobody.
     PlanResult plan(Change change, const std::vector<HSCPlazQItem*>& items) const;
+    /// What keeps an item from being installed; nothing where it could be, or is installed.
+    std::optional<ExplainedFailure> findObstacle(HSCPlazQItem& item) const;
 
     ItemsResult install(const std::vector<HSCPlazQItem*>& items) const;
     ItemsResult update(const std::vector<HSCPlazQItem*>& items) const;

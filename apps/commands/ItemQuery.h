@@ -13,6 +13,21 @@ struct ItemQuery {
         revision ///< the highest first
     };
 
+    /// By the names that people use for them.
+    static const std::map<std::string, Order>& orders() {
+        static const std::map<std::string, Order> byName{{"relevance", Order::relevance},
+                                                         {"name", Order::name},
+                                                         {"store", Order::store},
+                                                         {"revision", Order::revision}};
+        return byName;
+    }
+    /// "name|relevance|...".
+    static std::string orderNames() {
+        std::string names;
+        for (const auto& [name, order] : orders()) names += (names.empty() ? "" : "|") + name;
+        return names;
+    }
+
     std::string pattern;            ///< glob on the name; "STORE::NAME" holds one on the store's name too
     std::string store;              ///< exact name of a store
     std::string category;           ///< name of a category; those below it count as well

@@ -3,6 +3,7 @@
 #include "Failure.h"
 #include "HubActions.h"
 #include "HubQueries.h"
+#include "ItemReasons.h"
 #include "PythonMsg.h"
 
 #include "plaz/HSCPlazInspection.h"
@@ -11,6 +12,8 @@
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "support/HUTEnv.h"
+
+#include <pybind11/stl.h>
 
 #include <functional>
 
@@ -53,6 +56,14 @@ py::object toPython(const HSCPlazStoreResult& result) {
     return py::module_::import("plaz._results")
         .attr("StoreResult")(::toPython(result.store), HSCPlazStoreResult::nameOf(result.outcome),
                              ::toPython(result.directory), result.items);
+}
+
+py::object toPython(const HSCPlazPlannedStep& step) {
+    return py::module_::import("plaz._results")
+        .attr("PlannedStep")(HSCPlazPlannedStep::nameOf(step.kind), ::toPython(step.store), ::toPython(step.name),
+                             ::toPython(step.revision), ::toPython(step.commit), ::toPython(step.previousRevision),
+                             ::toPython(step.previousCommit), step.isAskedFor, ::toPython(step.neededBy),
+                             ::toPython(step.directory), ::toPython(step.url), step.size, ::toPython(step.changes));
 }
 
 HubActions makeActions(Call& call, HSCPlazTaskOptions options = {}) {
@@ -115,38 +126,86 @@ Items resolveAll(const HubQueries& queries, const Named& named, const std::strin
 }
 
 /// @param items  None for all that is recorded as installed
-template <typename Result>
-py::list actOnItems(const py::object& items, const OptionalText& store, HSCPlazTaskOptions options, py::object progress,
-                    const Resolver& resolver, Result (HubActions::*action)(const Items&) const) {
+/// @param act    gives the answer: act(call, actions, items)
+template <typename Act>
+auto withItems(const py::object& items, const OptionalText& store, HSCPlazTaskOptions options, py::object progress,
+               const Resolver& resolver, Act act) {
     const py::list given = items.is_none() ? py::list() : listNamed(items);
     const Named named = items.is_none() ? std::nullopt : Named(readItems(given));
     return callHub(
         [&](Call& call) {
             const Items found =
                 resolveAll(HubQueries(call.getHub()), named, store ? store->value : std::string(), resolver);
-            return answer(call, (makeActions(call, options).*action)(found));
+            return act(call, makeActions(call, options), found);
         },
         std::move(progress));
+}
+
+template <typename Result>
+py::list actOnItems(const py::object& items, const OptionalText& store, HSCPlazTaskOptions options, py::object progress,
+                    const Resolver& resolver, Result (HubActions::*action)(const Items&) const) {
+    return withItems(items, store, options, std::move(progress), resolver,
+                     [action](Call& call, const HubActions& actions, const Items& found) {
+                         return answer(call, (actions.*action)(found));
+                     });
+}
+
+/// How names are meant by what changes items.
+Resolver resolverOf(HubActions::Change change) {
+    if (change == &HubActions::install) return {itself, oneBy(&HubQueries::resolve)};
+    if (change == &HubActions::uninstall) return {itself, oneBy(&HubQueries::resolveInstalled)};
+    return {installedFor, oneBy(&HubQueries::resolveForUpdate)};
+}
+
+py::list planFor(const py::object& items, const OptionalText& store, HSCPlazTaskOptions options, py::object progress,
+                 HubActions::Change change) {
+    return withItems(items, store, options, std::move(progress), resolverOf(change),
+                     [change](Call& call, const HubActions& actions, const Items& found) {
+                         return answer(call, actions.plan(change, found));
+                     });
+}
+
+py::list change(const py::object& items, const OptionalText& store, HSCPlazTaskOptions options, bool isPlanned,
+                py::object progress, HubActions::Change act) {
+    return isPlanned ? planFor(items, store, options, std::move(progress), act)
+                     : actOnItems(items, store, options, std::move(progress), resolverOf(act), act);
 }
 
 } // namespace
 
 py::list install(const py::object& items, const OptionalText& store, bool quiet, bool reinstall, bool discardChanges,
-                 py::object progress) {
-    return actOnItems(items, store, {quiet, discardChanges, reinstall}, std::move(progress),
-                      {itself, oneBy(&HubQueries::resolve)}, &HubActions::install);
+                 py::object progress, bool dryRun) {
+    return change(items, store, {quiet, discardChanges, reinstall}, dryRun, std::move(progress), &HubActions::install);
 }
 
 py::list uninstall(const py::object& items, const OptionalText& store, bool quiet, bool discardChanges,
-                   py::object progress) {
-    return actOnItems(items, store, {quiet, discardChanges}, std::move(progress),
-                      {itself, oneBy(&HubQueries::resolveInstalled)}, &HubActions::uninstall);
+                   py::object progress, bool dryRun) {
+    return change(items, store, {quiet, discardChanges}, dryRun, std::move(progress), &HubActions::uninstall);
 }
 
 py::list update(const py::object& items, const OptionalText& store, bool quiet, bool discardChanges,
-                py::object progress) {
-    return actOnItems(items, store, {quiet, discardChanges}, std::move(progress),
-                      {installedFor, oneBy(&HubQueries::resolveForUpdate)}, &HubActions::update);
+                py::object progress, bool dryRun) {
+    return change(items, store, {quiet, discardChanges}, dryRun, std::move(progress), &HubActions::update);
+}
+
+py::list findWhy(const py::object& item, const OptionalText& store) {
+    return withItems(item, store, {}, py::none(), {itselfInstalled, oneBy(&HubQueries::resolveInstalled)},
+                     [](Call& call, const HubActions&, const Items& found) {
+                         py::list sentences;
+                         for (HSCPlazQItem* one : found)
+                             for (const std::string& sentence : ItemReason::of(call.getHub(), *one).describe())
+                                 sentences.append(::toPython(sentence));
+                         return sentences;
+                     });
+}
+
+py::object findWhyNot(const py::object& item, const OptionalText& store) {
+    return withItems(item, store, {}, py::none(), {itself, oneBy(&HubQueries::resolve)},
+                     [](Call&, const HubActions& actions, const Items& found) -> py::object {
+                         for (HSCPlazQItem* one : found)
+                             if (const auto obstacle = actions.findObstacle(*one)) return ::toPython(obstacle->what());
+                         return py::none();
+                     });
 }
 
 py::list hold(const py::object& items, const OptionalText& store) {

@@ -7,11 +7,13 @@
 // What scripts let the hub do; see the docstrings. What fails raises.
 
 pybind11::list install(const pybind11::object& items, const OptionalText& store, bool quiet, bool reinstall,
-                       bool discardChanges, pybind11::object progress);
+                       bool discardChanges, pybind11::object progress, bool dryRun = false);
 pybind11::list uninstall(const pybind11::object& items, const OptionalText& store, bool quiet, bool discardChanges,
-                         pybind11::object progress);
+                         pybind11::object progress, bool dryRun = false);
 pybind11::list update(const pybind11::object& items, const OptionalText& store, bool quiet, bool discardChanges,
-                      pybind11::object progress);
+                      pybind11::object progress, bool dryRun = false);
+pybind11::list findWhy(const pybind11::object& item, const OptionalText& store);
+pybind11::object findWhyNot(const pybind11::object& item, const OptionalText& store);
 pybind11::list hold(const pybind11::object& items, const OptionalText& store);
 pybind11::list unhold(const pybind11::object& items, const OptionalText& store);
 /// The newest first.

@@ -3,6 +3,9 @@
 
 #include <pybind11/stl.h>
 
+#include <optional>
+#include <utility>
+
 namespace py = pybind11;
 using namespace py::literals;
 
@@ -18,19 +21,28 @@ std::string valueOf(const OptionalText& text) {
     return text ? text->value : std::string();
 }
 
+ItemQuery::Order orderOf(const OptionalText& name) {
+    const auto found = ItemQuery::orders().find(name ? name->value : "relevance");
+    if (found == ItemQuery::orders().end())
+        throw py::value_error("not an order: \"" + name->value + "\" (" + ItemQuery::orderNames() + ")");
+    return found->second;
+}
+
 py::list listItems(const OptionalText& pattern, const OptionalText& store, const OptionalText& category,
                    const std::vector<Text>& words, bool installed, bool outdated, bool allRevisions,
-                   const OptionalText& filter) {
-    return findItems(
-        {valueOf(pattern), valueOf(store), valueOf(category), valuesOf(words), installed, outdated, allRevisions},
-        filter);
+                   const OptionalText& filter, const OptionalText& sort, std::optional<std::size_t> limit) {
+    return findItems({valueOf(pattern), valueOf(store), valueOf(category), valuesOf(words), installed, outdated,
+                      allRevisions, orderOf(sort)},
+                     filter, limit);
 }
 
 py::list listItemsOf(const StoreHandle& self, const OptionalText& pattern, const OptionalText& category,
                      const std::vector<Text>& words, bool installed, bool outdated, bool allRevisions,
-                     const OptionalText& filter) {
+                     const OptionalText& filter, const OptionalText& sort, std::optional<std::size_t> limit) {
     return findItemsOf(
-        self, {valueOf(pattern), {}, valueOf(category), valuesOf(words), installed, outdated, allRevisions}, filter);
+        self,
+        {valueOf(pattern), {}, valueOf(category), valuesOf(words), installed, outdated, allRevisions, orderOf(sort)},
+        filter, limit);
 }
 
 void defineQueries(py::module_& module) {
@@ -42,9 +54,9 @@ void defineQueries(py::module_& module) {
                "Raises NotFoundError when there is none.");
     module.def("items", &listItems, "pattern"_a = py::none(), py::kw_only(), "store"_a = py::none(),
                "category"_a = py::none(), "words"_a = py::tuple(), "installed"_a = false, "outdated"_a = false,
-               "all_revisions"_a = false, "filter"_a = py::none(),
+               "all_revisions"_a = false, "filter"_a = py::none(), "sort"_a = py::none(), "limit"_a = py::none(),
                "items(pattern=None, *, store=None, category=None, words=(), installed=False, outdated=False, "
-               "all_revisions=False, filter=None)\n--\n\n"
+               "all_revisions=False, filter=None, sort=None, limit=None)\n--\n\n"
                "The items that fit, store by store in catalog order; one for each item, its latest revision where that "
                "fits.\n\n"
                "pattern: glob on the name; \"STORE::NAME\" holds one on the store's name too.\n"
@@ -54,8 +66,13 @@ void defineQueries(py::module_& module) {
                "first. In place of one that nothing mentions the nearest words are looked for, which is logged.\n"
                "installed, outdated: only revisions that are installed, or installed and have an update.\n"
                "all_revisions: every revision.\n"
-               "filter: a condition on properties, such as 'installed && company =~ Sample*'.\n\n"
+               "filter: a condition on properties, such as 'installed && company =~ Sample*'.\n"
+               "sort: 'name', 'store' or 'revision' (the highest first) in place of 'relevance'.\n"
+               "limit: no more than so many items.\n\n"
                "Raises NotFoundError for an unknown store or category and Error for a wrong condition.");
+    module.def("categories", &listCategories, "store"_a = py::none(),
+               "categories(store=None)\n--\n\n"
+               "The categories of the stores, or of the one named, as Category objects: each before those below it.");
     module.def(
         "item", &findItem, "reference"_a, "store"_a = py::none(),
         "item(reference, store=None)\n--\n\n"
@@ -66,9 +83,9 @@ void defineQueries(py::module_& module) {
 
 void defineActions(py::module_& module) {
     module.def("install", &install, "items"_a, py::kw_only(), "store"_a = py::none(), "quiet"_a = false,
-               "reinstall"_a = false, "discard_changes"_a = false, "progress"_a = py::none(),
+               "reinstall"_a = false, "discard_changes"_a = false, "progress"_a = py::none(), "dry_run"_a = false,
                "install(items, *, store=None, quiet=False, reinstall=False, discard_changes=False, "
-               "progress=None)\n--\n\n"
+               "progress=None, dry_run=False)\n--\n\n"
                "Installs items, each with all that it needs.\n\n"
                "items: one Item or reference, or several; all are found before any is touched.\n"
                "store: name of the store in which references are looked up.\n"
@@ -76,18 +93,20 @@ void defineActions(py::module_& module) {
                "reinstall: fetches the items' files again, also where they are there.\n"
                "discard_changes: does not keep what the user has changed or added in the folders of items that go.\n"
                "progress: called with a text and a percentage at each step; cancels by returning False or raising. "
-               "cancel() need not wait for the next step.\n\n"
+               "cancel() need not wait for the next step.\n"
+               "dry_run: does nothing, and returns a PlannedStep for each thing that would be done.\n\n"
                "Returns an ActionResult for each item. Raises Error when one fails, with what became of each in "
                "its results; what was done stays done.");
-    module.def("uninstall", &uninstall, "items"_a, py::kw_only(), "store"_a = py::none(), "quiet"_a = false,
-               "discard_changes"_a = false, "progress"_a = py::none(),
-               "uninstall(items, *, store=None, quiet=False, discard_changes=False, progress=None)\n--\n\n"
-               "Removes installed items with all that nothing else needs. A reference without a revision means the "
-               "one that is installed. One that others need stays; needed_by of its result tells which, and where that "
-               "is a failure the text of the Error, too. Arguments and result are those of install().");
+    module.def(
+        "uninstall", &uninstall, "items"_a, py::kw_only(), "store"_a = py::none(), "quiet"_a = false,
+        "discard_changes"_a = false, "progress"_a = py::none(), "dry_run"_a = false,
+        "uninstall(items, *, store=None, quiet=False, discard_changes=False, progress=None, dry_run=False)\n--\n\n"
+        "Removes installed items with all that nothing else needs. A reference without a revision means the "
+        "one that is installed. One that others need stays; needed_by of its result tells which, and where that "
+        "is a failure the text of the Error, too. Arguments and result are those of install().");
     module.def("update", &update, "items"_a, py::kw_only(), "store"_a = py::none(), "quiet"_a = false,
-               "discard_changes"_a = false, "progress"_a = py::none(),
-               "update(items, *, store=None, quiet=False, discard_changes=False, progress=None)\n--\n\n"
+               "discard_changes"_a = false, "progress"_a = py::none(), "dry_run"_a = false,
+               "update(items, *, store=None, quiet=False, discard_changes=False, progress=None, dry_run=False)\n--\n\n"
                "Brings installed items up to date. An Item whose revision is not installed means the installed one. "
                "Arguments and result are those of install().");
     module.def("hold", &hold, "items"_a, py::kw_only(), "store"_a = py::none(),
@@ -111,6 +130,13 @@ void defineActions(py::module_& module) {
                "The other arguments are those of install().\n\n"
                "Returns an ActionResult for each item. Raises Error, with nothing changed, where later commands have "
                "changed the same items, or files are not to be had.");
+    module.def("why", &findWhy, "items"_a, py::kw_only(), "store"_a = py::none(),
+               "why(items, *, store=None)\n--\n\n"
+               "Why installed items are there: a sentence for each reason. Raises Error for one that is not "
+               "installed.");
+    module.def("why_not", &findWhyNot, "item"_a, py::kw_only(), "store"_a = py::none(),
+               "why_not(item, *, store=None)\n--\n\n"
+               "What keeps an item from being installed; None where it is installed, or could be. Asks no remote.");
     module.def("verify", &verify, "items"_a = py::none(), py::kw_only(), "store"_a = py::none(),
                "progress"_a = py::none(),
                "verify(items=None, *, store=None, progress=None)\n--\n\n"
@@ -175,10 +201,10 @@ void defineStore(py::module_& module) {
     defineMethod<HSCPlazQStore>(
         "items", &listItemsOf, "pattern"_a = py::none(), py::kw_only(), "category"_a = py::none(),
         "words"_a = py::tuple(), "installed"_a = false, "outdated"_a = false, "all_revisions"_a = false,
-        "filter"_a = py::none(),
+        "filter"_a = py::none(), "sort"_a = py::none(), "limit"_a = py::none(),
         documented<HSCPlazQStore>(
             "items(self, pattern=None, *, category=None, words=(), installed=False, outdated=False, "
-            "all_revisions=False, filter=None)\n--\n\n"
+            "all_revisions=False, filter=None, sort=None, limit=None)\n--\n\n"
             "The items of this store that fit, as plaz.items() finds them.")
             .c_str());
     refuseToPickle<HSCPlazQStore>();
@@ -215,7 +241,7 @@ template <typename Act> void defineAction(const char* name, Act act) {
     defineMethod<HSCPlazQItem>(
         name,
         [act](const ItemHandle& self, bool quiet, bool discardChanges, py::object progress) -> py::object {
-            return act(self.toObject(), {}, quiet, discardChanges, std::move(progress))[0];
+            return act(self.toObject(), OptionalText(), quiet, discardChanges, std::move(progress))[0];
         },
         py::kw_only(), "quiet"_a = false, "discard_changes"_a = false, "progress"_a = py::none(),
         documentedAction(name, "quiet=False, discard_changes=False, progress=None").c_str());
@@ -252,8 +278,8 @@ void defineItem(py::module_& module) {
     defineClass<HSCPlazQItem>(module, "Item", "One revision of an item of a store's catalog.");
     refuseToPickle<HSCPlazQItem>();
     defineInstall();
-    defineAction("uninstall", &uninstall);
-    defineAction("update", &update);
+    defineAction("uninstall", [](auto&&... args) { return uninstall(std::forward<decltype(args)>(args)...); });
+    defineAction("update", [](auto&&... args) { return update(std::forward<decltype(args)>(args)...); });
     defineAction("repair", &repair);
     defineVerify();
     defineHold("hold", &hold);

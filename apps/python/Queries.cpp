@@ -1,6 +1,7 @@
 #include "Queries.h"
 
 #include "Call.h"
+#include "Categories.h"
 #include "Glob.h"
 #include "HubQueries.h"
 #include "PropertyFilter.h"
@@ -25,7 +26,7 @@ ItemReference readReference(const std::string& text) {
     throw py::type_error("expected plaz." + std::string(wanted) + " or str, not " + type);
 }
 
-py::list selectItems(Call& call, const ItemQuery& query, const OptionalText& filter) {
+py::list selectItems(Call& call, const ItemQuery& query, const OptionalText& filter, std::optional<std::size_t> limit) {
     std::function<bool(const HSCPlazQItem&)> fits;
     std::optional<PropertyFilter> condition;
     if (filter) {
@@ -36,7 +37,8 @@ py::list selectItems(Call& call, const ItemQuery& query, const OptionalText& fil
     const HubQueries queries(call.getHub());
     const UnderstoodQuery understood = queries.understand(query);
     for (const ComMsgMgrInstance& note : understood.notes) ComMsgMgr::send(note, MsgSeverity::info);
-    for (HSCPlazQItem* item : queries.selectItems(understood.query, fits)) items.append(wrap(*item));
+    for (HSCPlazQItem* item : queries.selectItems(understood.query, fits))
+        if (!limit || items.size() < *limit) items.append(wrap(*item));
     return items;
 }
 
@@ -79,14 +81,28 @@ py::object findStore(const Text& name) {
     return callHub([&](Call& call) { return wrap(HubQueries(call.getHub()).getStore(name.value)); });
 }
 
-py::list findItems(const ItemQuery& query, const OptionalText& filter) {
-    return callHub([&](Call& call) { return selectItems(call, query, filter); });
+py::list findItems(const ItemQuery& query, const OptionalText& filter, std::optional<std::size_t> limit) {
+    return callHub([&](Call& call) { return selectItems(call, query, filter, limit); });
 }
 
-py::list findItemsOf(const StoreHandle& store, ItemQuery query, const OptionalText& filter) {
+py::list findItemsOf(const StoreHandle& store, ItemQuery query, const OptionalText& filter,
+                     std::optional<std::size_t> limit) {
     return callHub([&](Call& call) {
         query.store = store.get().getName();
-        return selectItems(call, query, filter);
+        return selectItems(call, query, filter, limit);
+    });
+}
+
+py::list listCategories(const OptionalText& store) {
+    return callHub([&](Call& call) {
+        const py::object make = py::module_::import("plaz._results").attr("Category");
+        py::list categories;
+        for (const HSCPlazQStore* one : HubQueries(call.getHub()).getScope(store ? store->value : std::string()))
+            for (const ListedCategory& category : findCategories(*one))
+                categories.append(make(toPython(category.store), toPython(category.name),
+                                       toPython(category.displayName), toPython(category.description),
+                                       toPython(category.parent), category.items));
+        return categories;
     });
 }
 

@@ -36,9 +36,12 @@ std::vector<std::string> readStores(const pybind11::list& stores);
 pybind11::list findStores(const OptionalText& pattern);
 pybind11::object findStore(const Text& name);
 /// @param filter  a condition (see PropertyFilter)
-pybind11::list findItems(const ItemQuery& query, const OptionalText& filter);
+pybind11::list findItems(const ItemQuery& query, const OptionalText& filter,
+                         std::optional<std::size_t> limit = std::nullopt);
 /// @param query  with any store: that of @p store counts
-pybind11::list findItemsOf(const StoreHandle& store, ItemQuery query, const OptionalText& filter);
+pybind11::list findItemsOf(const StoreHandle& store, ItemQuery query, const OptionalText& filter,
+                           std::optional<std::size_t> limit = std::nullopt);
+pybind11::list listCategories(const OptionalText& store);
 pybind11::object findItem(const Text& reference, const OptionalText& store);
 std::size_t countItems(const StoreHandle& store);
 pybind11::list findNeeded(const ItemHandle& item);

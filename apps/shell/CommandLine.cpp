@@ -82,17 +82,6 @@ void addItems(CLI::App& command, Options& options, bool isRequired) {
     addStore(command, options.store);
 }
 
-const std::map<std::string, ItemQuery::Order> orders{{"relevance", ItemQuery::Order::relevance},
-                                                     {"name", ItemQuery::Order::name},
-                                                     {"store", ItemQuery::Order::store},
-                                                     {"revision", ItemQuery::Order::revision}};
-
-std::string namesOf(const std::map<std::string, ItemQuery::Order>& choices) {
-    std::string names;
-    for (const auto& [name, choice] : choices) names += (names.empty() ? "" : "|") + name;
-    return names;
-}
-
 void addLimit(CLI::App& command, Options& options, const char* description) {
     command.add_option("--limit", options.limit, description)
         ->type_name("N")
@@ -100,13 +89,13 @@ void addLimit(CLI::App& command, Options& options, const char* description) {
 }
 
 void addOrder(CLI::App& items, Options& options) {
-    const auto setOrder = [&options](const std::string& name) { options.query.order = orders.at(name); };
+    const auto setOrder = [&options](const std::string& name) { options.query.order = ItemQuery::orders().at(name); };
     items
         .add_option_function<std::string>("--sort", setOrder,
                                           "By relevance (what fits the words best first; unless another is named), "
                                           "name, store or revision (the highest first)")
-        ->type_name(namesOf(orders))
-        ->check(oneOf(namesOf(orders)));
+        ->type_name(ItemQuery::orderNames())
+        ->check(oneOf(ItemQuery::orderNames()));
     addLimit(items, options, "List no more than so many items");
 }
 
@@ -282,10 +271,11 @@ void addCommands(CLI::App& app, Options& options) {
     CLI::App* shell = app.add_subcommand("shell", "Run Tcl with the hub's commands: plaz shell [SCRIPT [ARG...]]");
     shell->prefix_command()->fallthrough(false); // what stands behind SCRIPT is the script's
     addSharedOptions(*shell, options);
-    shell->footer("Commands: plaz::get_qstores, plaz::get_qitems, plaz::install, plaz::uninstall, plaz::update, "
-                  "plaz::verify, plaz::repair, plaz::refresh_catalog, get_property, set_param and others; each takes "
-                  "-help. Without SCRIPT they are "
-                  "read from standard input.");
+    shell->footer(
+        "Commands: plaz::get_qstores, plaz::get_qitems, plaz::install, plaz::uninstall, plaz::update, "
+        "plaz::why, plaz::verify, plaz::repair, plaz::refresh_catalog, get_property, set_param and others; each takes "
+        "-help. Without SCRIPT they are "
+        "read from standard input.");
     // What the shells' scripts call.
     app.add_subcommand("complete", "Show what may stand in the place of the last of the words")
         ->prefix_command()

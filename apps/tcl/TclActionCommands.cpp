@@ -1,6 +1,7 @@
 #include "Failure.h"
 #include "HubActions.h"
 #include "HubQueries.h"
+#include "ItemReasons.h"
 #include "ShellMsg.h"
 #include "TclCall.h"
 #include "TclObjects.h"
@@ -15,6 +16,7 @@
 
 #include <algorithm>
 #include <functional>
+#include <utility>
 
 namespace {
 
@@ -37,6 +39,38 @@ template <typename Result> Tcl_Obj* answer(const TclCall& call, const CommandRes
     throw ExplainedFailure(*result.reason);
 }
 
+Tcl_Obj* makeDict(const std::vector<std::pair<const char*, std::string>>& entries) {
+    Tcl_Obj* dict = Tcl_NewDictObj();
+    for (const auto& [key, value] : entries) Tcl_DictObjPut(nullptr, dict, makeText(key), makeText(value));
+    return dict;
+}
+
+/// The names are those of the program's JSON.
+Tcl_Obj* toDict(const HSCPlazPlannedStep& step) {
+    return makeDict({{"step", HSCPlazPlannedStep::nameOf(step.kind)},
+                     {"store", step.store},
+                     {"name", step.name},
+                     {"revision", step.revision},
+                     {"commit_id", step.commit},
+                     {"previous_revision", step.previousRevision},
+                     {"previous_commit_id", step.previousCommit},
+                     {"asked_for", step.isAskedFor ? "1" : "0"},
+                     {"needed_by", step.neededBy},
+                     {"local_directory", step.directory},
+                     {"url", step.url},
+                     {"size", step.size ? std::to_string(*step.size) : ""},
+                     {"changes", step.changes}});
+}
+
+/// The steps of a plan; one that could not be carried out ends with the reason.
+Tcl_Obj* makePlan(const TclCall& call, HubActions::Change change, const Items& items) {
+    const PlanResult result = makeActions(call).plan(change, items);
+    if (!result.isDone) return answer(call, result);
+    Tcl_Obj* steps = Tcl_NewListObj(0, nullptr);
+    for (const HSCPlazPlannedStep& step : result.parts) Tcl_ListObjAppendElement(nullptr, steps, toDict(step));
+    return steps;
+}
+
 template <typename Native> const std::vector<Native*>& requireSome(const std::vector<Native*>& natives) {
     if (natives.empty()) failWith(ShellMsg::nothingNamed);
     return natives;
@@ -50,7 +84,9 @@ std::vector<Meant> readItems(const TclCall& call) {
 Tcl_Obj* install(const TclCall& call) {
     Items items;
     for (const Meant& meant : readItems(call)) addOnce(items, requireItem(meant));
-    return answer(call, makeActions(call).install(requireSome(items)));
+    requireSome(items);
+    if (call.has(commandOptions::dryRun)) return makePlan(call, &HubActions::install, items);
+    return answer(call, makeActions(call).install(items));
 }
 
 bool hasInstalled(const HSCPlazQItem& item) {
@@ -93,8 +129,9 @@ Resolve toOne(HubQueries::Resolve resolve) {
 }
 
 Tcl_Obj* uninstall(const TclCall& call) {
-    const ItemsResult result =
-        makeActions(call).uninstall(resolveInstalled(call, toOne(&HubQueries::resolveInstalled)));
+    const Items items = resolveInstalled(call, toOne(&HubQueries::resolveInstalled));
+    if (call.has(commandOptions::dryRun)) return makePlan(call, &HubActions::uninstall, items);
+    const ItemsResult result = makeActions(call).uninstall(items);
     for (const HSCPlazItemResult& part : result.parts) // the error, if it comes to one, tells of the others
         if (const auto need = describeNeed(part); need && part.isDone() && !call.has(commandOptions::quiet))
             ComMsgMgr::send(*need, MsgSeverity::info);
@@ -102,7 +139,25 @@ Tcl_Obj* uninstall(const TclCall& call) {
 }
 
 Tcl_Obj* update(const TclCall& call) {
-    return answer(call, makeActions(call).update(resolveInstalled(call, toOne(&HubQueries::resolveForUpdate))));
+    const Items items = resolveInstalled(call, toOne(&HubQueries::resolveForUpdate));
+    if (call.has(commandOptions::dryRun)) return makePlan(call, &HubActions::update, items);
+    return answer(call, makeActions(call).update(items));
+}
+
+Tcl_Obj* why(const TclCall& call) {
+    std::vector<std::string> sentences;
+    for (HSCPlazQItem* item : resolveInstalled(call, toOne(&HubQueries::resolveInstalled)))
+        for (const std::string& sentence : ItemReason::of(requireHub(), *item).describe())
+            sentences.push_back(sentence);
+    return makeList(sentences);
+}
+
+Tcl_Obj* whyNot(const TclCall& call) {
+    call.expectWords(1, 1);
+    const std::vector<Meant> meant = readItems(call);
+    if (meant.size() != 1) failWith(ShellMsg::notOneObject, std::to_string(meant.size()));
+    const auto obstacle = makeActions(call).findObstacle(requireItem(meant.front()));
+    return makeText(obstacle ? obstacle->what() : "");
 }
 
 /// Without words it is a question.
@@ -205,15 +260,24 @@ TclCommand actionCommand(const char* name, const char* arguments, const char* de
 const std::vector<TclCommand>& actionCommands() {
     using namespace commandOptions;
     static const std::vector<TclCommand> commands{
-        actionCommand("plaz::install", "items ...",
-                      "Installs items and what they need. The result is how many were named.",
-                      {quiet, reinstall, discardChanges}, install),
+        actionCommand(
+            "plaz::install", "items ...",
+            "Installs items and what they need. The result is how many were named; with -dry_run a dictionary "
+            "for each step.",
+            {quiet, reinstall, discardChanges, dryRun}, install),
         actionCommand("plaz::uninstall", "items ...",
                       "Removes items and what nothing else needs. The result is how many were named.",
-                      {quiet, discardChanges}, uninstall),
+                      {quiet, discardChanges, dryRun}, uninstall),
         actionCommand("plaz::update", "items ...",
-                      "Brings installed items up to date. The result is how many were named.", {quiet, discardChanges},
-                      update),
+                      "Brings installed items up to date. The result is how many were named.",
+                      {quiet, discardChanges, dryRun}, update),
+        actionCommand("plaz::why", "items ...",
+                      "Why installed items are there: a sentence for each reason. The result is the list of them.", {},
+                      why),
+        actionCommand("plaz::why_not", "item",
+                      "What keeps an item from being installed; empty where it is installed, or could be. Asks no "
+                      "remote.",
+                      {}, whyNot),
         actionCommand("plaz::hold", "?items ...?",
                       "Keeps installed items in the revision that they are in: they are not updated, nor replaced. The "
                       "result is how many were named; without a word, what is held.",

@@ -1,3 +1,4 @@
+#include "Categories.h"
 #include "Failure.h"
 #include "HubQueries.h"
 #include "ItemSearch.h"
@@ -17,6 +18,7 @@
 #include <algorithm>
 #include <optional>
 #include <set>
+#include <utility>
 
 namespace {
 
@@ -28,6 +30,9 @@ constexpr CommandOption filterOption{"filter", "EXPRESSION",
 
 constexpr CommandOption searchOption{"search", "WORDS",
                                      "Only items that mention all these words, those first that fit them best"};
+
+constexpr CommandOption sortOption{"sort", "ORDER", "In this order: name, relevance, revision or store"};
+constexpr CommandOption limitOption{"limit", "N", "No more than so many items"};
 
 std::string qualifiedName(const HSCPlazQItem& item) {
     return item.getStoreName() + "::" + item.getName();
@@ -79,6 +84,12 @@ ItemQuery readQuery(const TclCall& call) {
     query.outdated = call.has(commandOptions::outdated);
     query.allRevisions = call.has(commandOptions::allRevisions);
     if (Tcl_Obj* words = call.getValue(searchOption)) addWords(textOf(words), query.words);
+    if (Tcl_Obj* order = call.getValue(sortOption)) {
+        const auto found = ItemQuery::orders().find(textOf(order));
+        if (found == ItemQuery::orders().end())
+            failWith(ShellMsg::nameUnknown, "order", textOf(order), ItemQuery::orderNames());
+        query.order = found->second;
+    }
     return query;
 }
 
@@ -139,6 +150,17 @@ private:
     std::set<const HSCPlazQItem*> m_revisions;
 };
 
+/// As many as are wanted.
+Tcl_Obj* makeItems(const TclCall& call, Items items) {
+    if (Tcl_Obj* limit = call.getValue(limitOption)) {
+        int most = 0;
+        if (Tcl_GetIntFromObj(nullptr, limit, &most) != TCL_OK || most < 1)
+            failWith(ShellMsg::nameUnknown, "limit", textOf(limit), "1, 2 and so on");
+        if (items.size() > static_cast<std::size_t>(most)) items.resize(static_cast<std::size_t>(most));
+    }
+    return makeObjectList(items);
+}
+
 Tcl_Obj* getItems(const TclCall& call) {
     const HubQueries queries(requireHub());
     ItemQuery query = takeUnderstood(queries.understand(readQuery(call)));
@@ -146,7 +168,8 @@ Tcl_Obj* getItems(const TclCall& call) {
     if (Tcl_Obj* text = call.getValue(filterOption)) filter.emplace(textOf(text));
     const auto passes = [&](const HSCPlazQItem& item) { return !filter || filter->fits(item); };
     if (call.getWords().empty())
-        return makeObjectList(queries.selectItems(query, filter ? passes : std::function<bool(const HSCPlazQItem&)>()));
+        return makeItems(call,
+                         queries.selectItems(query, filter ? passes : std::function<bool(const HSCPlazQItem&)>()));
     ItemQuery everything;
     everything.store = query.store;
     everything.allRevisions = true;
@@ -156,8 +179,27 @@ Tcl_Obj* getItems(const TclCall& call) {
          queries.selectItems(query, [&](const auto& one) { return wanted.fits(one) && passes(one); }))
         found.insert(item);
     query.allRevisions = true;
-    return makeObjectList(
-        queries.selectItems(query, [&](const auto& one) { return found.count(&one) != 0 && passes(one); }));
+    return makeItems(
+        call, queries.selectItems(query, [&](const auto& one) { return found.count(&one) != 0 && passes(one); }));
+}
+
+/// Each as a dictionary; the names are those of the program's JSON.
+Tcl_Obj* getCategories(const TclCall& call) {
+    call.expectWords(0, 0);
+    Tcl_Obj* categories = Tcl_NewListObj(0, nullptr);
+    for (const HSCPlazQStore* store : HubQueries(requireHub()).getScope(readStore(call)))
+        for (const ListedCategory& category : findCategories(*store)) {
+            Tcl_Obj* dict = Tcl_NewDictObj();
+            for (const auto& [key, value] : {std::pair("store", category.store),
+                                             {"name", category.name},
+                                             {"display_name", category.displayName},
+                                             {"description", category.description},
+                                             {"parent", category.parent},
+                                             {"item_count", std::to_string(category.items)}})
+                Tcl_DictObjPut(nullptr, dict, makeText(key), makeText(value));
+            Tcl_ListObjAppendElement(nullptr, categories, dict);
+        }
+    return categories;
 }
 
 } // namespace
@@ -170,8 +212,10 @@ const std::vector<TclCommand>& catalogCommands() {
          "The items in catalog order, each by its latest revision: all or those whose names, or STORE::NAME, fit a "
          "pattern (* ? [a-z]). An object, or a name with @REVISION, means that very revision.",
          tclOptions({commandOptions::store, filterOption, searchOption, commandOptions::allRevisions,
-                     commandOptions::installed, commandOptions::outdated}),
+                     commandOptions::installed, commandOptions::outdated, sortOption, limitOption}),
          TclSubject::items, false, getItems},
+        {"plaz::categories", "", "The stores' categories: a dictionary for each.", tclOptions({commandOptions::store}),
+         TclSubject::nothing, false, getCategories},
     };
     return commands;
 }

@@ -192,6 +192,19 @@ class PythonTest(HubTest):
         for refused in (plaz.item("aurora").verify, plaz.item("aurora").repair):
             self.check("not installed", self.raised(plaz.Error, refused).message_id, "17-2165")
 
+    def test_plans_and_gives_reasons(self):
+        """Catches: a plan that does something, or that is not what is done."""
+        planned = [f"{step.name}@{step.revision}" for step in plaz.install("aurora", dry_run=True)]
+        self.check("nothing done", plaz.items(installed=True), [])
+        self.check("could be", plaz.why_not("aurora"), None)
+        plaz.install("aurora", quiet=True)
+        self.check(
+            "done", sorted(f"{item.name}@{item.revision}" for item in plaz.items(installed=True)), sorted(planned)
+        )
+        self.check("why", plaz.why("aurora"), ["You asked for boards::aurora@2.0."])
+        self.check("order", [item.name for item in plaz.items(sort="name", limit=1, installed=True)], ["aurora"])
+        self.check("categories", len(plaz.categories("boards")) > 0, True)
+
     def test_refreshes_and_updates(self):
         """Catches: an update that leaves the old revision as the newest, a failed refresh that is passed over."""
         plaz.install("aurora@1.1", quiet=True)

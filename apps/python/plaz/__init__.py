@@ -24,6 +24,7 @@ from plaz._plaz import (
     Item,
     Store,
     cancel,
+    categories,
     history,
     hold,
     install,
@@ -39,8 +40,19 @@ from plaz._plaz import (
     uninstall,
     update,
     verify,
+    why,
+    why_not,
 )
-from plaz._results import ActionResult, FilesResult, HistoryChange, HistoryEntry, Message, StoreResult
+from plaz._results import (
+    ActionResult,
+    Category,
+    FilesResult,
+    HistoryChange,
+    HistoryEntry,
+    Message,
+    PlannedStep,
+    StoreResult,
+)
 from plaz._settings import Parameters, Preferences
 
 params = Parameters()
@@ -51,6 +63,7 @@ __all__ = [
     "AmbiguousError",
     "BusyError",
     "Cancelled",
+    "Category",
     "Error",
     "FilesResult",
     "HistoryChange",
@@ -59,11 +72,13 @@ __all__ = [
     "Message",
     "NotFoundError",
     "Parameters",
+    "PlannedStep",
     "Preferences",
     "StaleObjectError",
     "Store",
     "StoreResult",
     "cancel",
+    "categories",
     "history",
     "hold",
     "install",
@@ -81,4 +96,6 @@ __all__ = [
     "uninstall",
     "update",
     "verify",
+    "why",
+    "why_not",
 ]

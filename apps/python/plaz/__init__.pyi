@@ -1,5 +1,5 @@
 from collections.abc import Callable, Iterable, Iterator, Mapping, MutableMapping, Sequence
-from typing import NamedTuple, NoReturn, final
+from typing import Any, Literal, NamedTuple, NoReturn, final
 
 _Progress = Callable[[str, float], object]
 
@@ -35,6 +35,29 @@ class HistoryEntry(NamedTuple):
     undone: int
     is_part: bool
     changes: tuple[HistoryChange, ...]
+
+class PlannedStep(NamedTuple):
+    step: str
+    store: str
+    name: str
+    revision: str
+    commit_id: str
+    previous_revision: str
+    previous_commit_id: str
+    asked_for: bool
+    needed_by: str
+    local_directory: str
+    url: str
+    size: int | None
+    changes: str
+
+class Category(NamedTuple):
+    store: str
+    name: str
+    display_name: str
+    description: str
+    parent: str
+    item_count: int
 
 class FilesResult(NamedTuple):
     store: str
@@ -117,6 +140,8 @@ class Store:
         outdated: bool = False,
         all_revisions: bool = False,
         filter: str | None = None,
+        sort: Literal["relevance", "name", "store", "revision"] | None = None,
+        limit: int | None = None,
     ) -> list[Item]: ...
     def refresh(self, progress: _Progress | None = None) -> StoreResult: ...
     def check(self) -> StoreResult: ...
@@ -230,6 +255,8 @@ def items(
     outdated: bool = False,
     all_revisions: bool = False,
     filter: str | None = None,
+    sort: Literal["relevance", "name", "store", "revision"] | None = None,
+    limit: int | None = None,
 ) -> list[Item]: ...
 def item(reference: str, store: str | None = None) -> Item: ...
 def install(
@@ -240,7 +267,8 @@ def install(
     reinstall: bool = False,
     discard_changes: bool = False,
     progress: _Progress | None = None,
-) -> list[ActionResult]: ...
+    dry_run: bool = False,
+) -> list[Any]: ...  # ActionResult, or PlannedStep with dry_run
 def uninstall(
     items: Item | str | Iterable[Item | str],
     *,
@@ -248,7 +276,8 @@ def uninstall(
     quiet: bool = False,
     discard_changes: bool = False,
     progress: _Progress | None = None,
-) -> list[ActionResult]: ...
+    dry_run: bool = False,
+) -> list[Any]: ...  # ActionResult, or PlannedStep with dry_run
 def update(
     items: Item | str | Iterable[Item | str],
     *,
@@ -256,7 +285,8 @@ def update(
     quiet: bool = False,
     discard_changes: bool = False,
     progress: _Progress | None = None,
-) -> list[ActionResult]: ...
+    dry_run: bool = False,
+) -> list[Any]: ...  # ActionResult, or PlannedStep with dry_run
 def hold(items: Item | str | Iterable[Item | str], *, store: str | None = None) -> list[ActionResult]: ...
 def unhold(items: Item | str | Iterable[Item | str], *, store: str | None = None) -> list[ActionResult]: ...
 def history() -> list[HistoryEntry]: ...
@@ -267,6 +297,9 @@ def undo(
     discard_changes: bool = False,
     progress: _Progress | None = None,
 ) -> list[ActionResult]: ...
+def why(items: Item | str | Iterable[Item | str], *, store: str | None = None) -> list[str]: ...
+def why_not(item: Item | str, *, store: str | None = None) -> str | None: ...
+def categories(store: str | None = None) -> list[Category]: ...
 def verify(
     items: Item | str | Iterable[Item | str] | None = None,
     *,

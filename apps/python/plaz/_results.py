@@ -1,6 +1,6 @@
 """What the hub's functions tell."""
 
-from typing import NamedTuple, Tuple
+from typing import NamedTuple, Optional, Tuple
 
 
 class Message(NamedTuple):
@@ -95,3 +95,46 @@ class StoreResult(NamedTuple):
     outcome: str
     directory: str
     items: int
+
+
+class PlannedStep(NamedTuple):
+    """What would be done to one item.
+
+    step: "install", "update", "restore", "remove", "adopt" (what came for others becomes the user's own) or "keep"
+    (what the user asked for stays, for others).
+    previous_revision, previous_commit_id: of an update, what is there now.
+    needed_by: who needs it then, such as "boards::aurora@2.0, tools::kit@1.0".
+    local_directory: where its files are, or will be.
+    url: where what comes is fetched from, without secrets.
+    size: bytes that come or go; None where that is not known before they are fetched.
+    changes: what the change log says beyond that of what is installed.
+    """
+
+    step: str
+    store: str
+    name: str
+    revision: str
+    commit_id: str
+    previous_revision: str
+    previous_commit_id: str
+    asked_for: bool
+    needed_by: str
+    local_directory: str
+    url: str
+    size: Optional[int]
+    changes: str
+
+
+class Category(NamedTuple):
+    """A category of a store.
+
+    parent: name of the category above; empty at the top.
+    item_count: how many items are in it or below it, whatever the number of their revisions.
+    """
+
+    store: str
+    name: str
+    display_name: str
+    description: str
+    parent: str
+    item_count: int

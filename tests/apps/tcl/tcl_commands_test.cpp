@@ -88,9 +88,11 @@ TEST_F(TclCommandsTest, refusesWhatItCannotUse) {
     const std::string longName = "plaz::install " + std::string(1000000, 'n');
     check(
         {{"plaz::install", "!TCL WRONGARGS: wrong # args: should be \"plaz::install ?-quiet? ?-reinstall? "
-                           "?-discard_changes? items ...\""},
+                           "?-discard_changes? ?-dry_run? items ...\""},
          {"plaz::get_qitems -bogus",
           "!TCL LOOKUP INDEX option -bogus: bad option \"-bogus\": must be -store, -filter, ..."},
+         {"plaz::get_qitems -sort nix", "!PLAZ 17-2300..."},
+         {"plaz::get_qitems -limit 0", "!PLAZ 17-2300..."},
          {"plaz::install {}", "!PLAZ 17-2205..."},
          {"plaz::install nix", "!PLAZ 17-2181..."},
          {"plaz::install both", "!PLAZ 17-2183..."},
@@ -129,7 +131,12 @@ TEST_F(TclCommandsTest, refusesWhatItCannotUse) {
 // its reason, work that goes on after cancellation.
 TEST_F(TclCommandsTest, actsOnObjectsAndNames) {
     check({{"set old [lindex [plaz::get_qitems -all_revisions x] 1]; llength $old; string length $old", "3"},
+           {"proc names steps {lmap step $steps {dict get $step name}}; names [plaz::install -dry_run tool]", "tool kit"},
+           {"plaz::why_not tool; plaz::get_qitems -installed", ""},
            {"plaz::install -quiet $old [plaz::get_qitems tool]", "2"},
+           {"plaz::why kit", "{You asked for tcl::tool@1, which needs tcl::kit@1.}"},
+           {"names [plaz::uninstall -dry_run tool]", "tool kit"},
+           {"plaz::get_qitems -sort name -limit 2 -installed", "kit tool"},
            {"plaz::get_qitems -installed", "x@1 kit tool"},
            {"plaz::get_qitems $old kit tcl::both boards::x@1", "x@1 kit tcl::both"},
            {"plaz::uninstall -quiet [list [plaz::get_qitems kit] [list [plaz::get_qitems tool]]]", "2"},
