@@ -261,7 +261,8 @@ void TextOutput::showHistory(const std::vector<HSCPlazHistoryEntry>& entries) {
     for (const HSCPlazHistoryEntry& entry : entries) {
         std::string time = entry.time.substr(0, sizeof "2026-11-28T08:01" - 1);
         std::replace(time.begin(), time.end(), 'T', ' ');
-        const std::string command = entry.command.empty() ? "(interrupted, or changed by something else)" : entry.command;
+        const std::string command =
+            entry.command.empty() ? "(interrupted, or changed by something else)" : entry.command;
         table.addRow({std::to_string(entry.number), time, command + (entry.isPart ? " (in part)" : "")});
         for (const HSCPlazRecordedChange& change : entry.changes)
             table.addRow({"", "", "  " + change.item.toText() + " " + change.describe()});

@@ -109,8 +109,7 @@ public:
     static void setVerbosity(int verbosity);
 
     /// The catalog's text of "17-1567" with a placeholder for each argument: "%s" as it is, "%c" for a command line, of
-    /// whose program the folder is left out, "%r" for lines in which a program tells why it failed, "%w" for what could not be written
-    /// to, with what stood in the way. Null when there is
-    /// none.
+    /// whose program the folder is left out, "%r" for lines in which a program tells why it failed, "%w" for what could
+    /// not be written to, with what stood in the way. Null when there is none.
     static const std::string* findText(const std::string& id);
 };

@@ -12,13 +12,13 @@ CACHE = read_cache()
 CMAKE, COMPILER, SANITIZE = CACHE["CMAKE_COMMAND"], CACHE["CMAKE_CXX_COMPILER"], CACHE.get("PLAZ_SANITIZE")
 
 # Classes that embedding tools need, and what comes with them.
-EXPORTED = """HSCPlaz HSCPlazBaseModel HSCPlazCategory HSCPlazCommand HSCPlazConfigMgr HSCPlazFileCheck HSCPlazFilesResult
-    HSCPlazGit HSCPlazHostCommands HSCPlazInspection HSCPlazItemResult HSCPlazJsonReadWriteUtils
-    HSCPlazLocalDBMgr HSCPlazLogger HSCPlazMgr HSCPlazModel HSCPlazPathMgr HSCPlazPathsInForce HSCPlazPlan
-    HSCPlazPlannedStep HSCPlazProduct HSCPlazQItem HSCPlazQItemModel HSCPlazQStore HSCPlazQStoreModel
-    HSCPlazRecordedChange HSCPlazRepoFactory HSCPlazRepoInfoMgr HSCPlazReport HSCPlazStoreLayout
-    HSCPlazStoreResult HSCPlazSwigIntf HSCPlazTaskMgr HSCPlazTrust HSCPlazUpdateDecision HSCPlazUserPref
-    HSCPlazUtils HSCPlazWorkLayout plaz_startup operator<< hdi::pyinfra::py_native_cache
+EXPORTED = """HSCPlaz HSCPlazBaseModel HSCPlazCategory HSCPlazCommand HSCPlazConfigMgr HSCPlazFileCheck
+    HSCPlazFilesResult HSCPlazGit HSCPlazHostCommands HSCPlazInspection HSCPlazItemResult
+    HSCPlazJsonReadWriteUtils HSCPlazLocalDBMgr HSCPlazLogger HSCPlazMgr HSCPlazModel HSCPlazPathMgr
+    HSCPlazPathsInForce HSCPlazPlan HSCPlazPlannedStep HSCPlazProduct HSCPlazQItem HSCPlazQItemModel
+    HSCPlazQStore HSCPlazQStoreModel HSCPlazRecordedChange HSCPlazRepoFactory HSCPlazRepoInfoMgr HSCPlazReport
+    HSCPlazStoreLayout HSCPlazStoreResult HSCPlazSwigIntf HSCPlazTaskMgr HSCPlazTrust HSCPlazUpdateDecision
+    HSCPlazUserPref HSCPlazUtils HSCPlazWorkLayout plaz_startup operator<< hdi::pyinfra::py_native_cache
     hdi::tcltasks::native_cache""".split()
 
 

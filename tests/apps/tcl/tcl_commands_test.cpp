@@ -130,31 +130,32 @@ TEST_F(TclCommandsTest, refusesWhatItCannotUse) {
 // Catches: an object that loses its identity or keeps it beyond its item, the wrong revision removed, a failure without
 // its reason, work that goes on after cancellation.
 TEST_F(TclCommandsTest, actsOnObjectsAndNames) {
-    check({{"set old [lindex [plaz::get_qitems -all_revisions x] 1]; llength $old; string length $old", "3"},
-           {"proc names steps {lmap step $steps {dict get $step name}}; names [plaz::install -dry_run tool]", "tool kit"},
-           {"plaz::why_not tool; plaz::get_qitems -installed", ""},
-           {"plaz::install -quiet $old [plaz::get_qitems tool]", "2"},
-           {"plaz::why kit", "{You asked for tcl::tool@1, which needs tcl::kit@1.}"},
-           {"names [plaz::uninstall -dry_run tool]", "tool kit"},
-           {"plaz::get_qitems -sort name -limit 2 -installed", "kit tool"},
-           {"plaz::get_qitems -installed", "x@1 kit tool"},
-           {"plaz::get_qitems $old kit tcl::both boards::x@1", "x@1 kit tcl::both"},
-           {"plaz::uninstall -quiet [list [plaz::get_qitems kit] [list [plaz::get_qitems tool]]]", "2"},
-           {"plaz::install -quiet tool kit; plaz::uninstall -quiet [plaz::get_qitems -installed -store tcl]", "2"},
-           {"plaz::install -quiet tool; plaz::get_qitems -installed", "x@1 kit tool"},
-           {"plaz::uninstall kit",
-            "!PLAZ 17-1568: \"The kit\" stays installed, because other items need it. Uninstall those first. "
-            "\"tcl::kit@1\" stays until these are gone: tcl::tool@1."},
-           {"plaz::install -quiet kit; plaz::uninstall kit", "1"},
-           {"plaz::uninstall -quiet [plaz::get_qitems x]", "1"},
-           {"plaz::install -quiet {my board}", "1"},
-           {"plaz::install -quiet {x tcl::both}", "2"},
-           {"plaz::uninstall -quiet [plaz::get_qitems both]", "1"},
-           {"set gone [plaz::get_qitems -store tcl]; plaz::refresh_catalog -quiet tcl", "1"},
-           {"plaz::install [lindex $gone 0]", "!PLAZ STALE: \"kit\" is gone..."},
-           {"get_property NAME $gone", "!PLAZ STALE..."},
-           {"plaz::get_qitems x $gone", "!PLAZ STALE..."},
-           {"plaz::uninstall -quiet tool; plaz::get_qitems -installed", "x {my board}"}});
+    check(
+        {{"set old [lindex [plaz::get_qitems -all_revisions x] 1]; llength $old; string length $old", "3"},
+         {"proc names steps {lmap step $steps {dict get $step name}}; names [plaz::install -dry_run tool]", "tool kit"},
+         {"plaz::why_not tool; plaz::get_qitems -installed", ""},
+         {"plaz::install -quiet $old [plaz::get_qitems tool]", "2"},
+         {"plaz::why kit", "{You asked for tcl::tool@1, which needs tcl::kit@1.}"},
+         {"names [plaz::uninstall -dry_run tool]", "tool kit"},
+         {"plaz::get_qitems -sort name -limit 2 -installed", "kit tool"},
+         {"plaz::get_qitems -installed", "x@1 kit tool"},
+         {"plaz::get_qitems $old kit tcl::both boards::x@1", "x@1 kit tcl::both"},
+         {"plaz::uninstall -quiet [list [plaz::get_qitems kit] [list [plaz::get_qitems tool]]]", "2"},
+         {"plaz::install -quiet tool kit; plaz::uninstall -quiet [plaz::get_qitems -installed -store tcl]", "2"},
+         {"plaz::install -quiet tool; plaz::get_qitems -installed", "x@1 kit tool"},
+         {"plaz::uninstall kit",
+          "!PLAZ 17-1568: \"The kit\" stays installed, because other items need it. Uninstall those first. "
+          "\"tcl::kit@1\" stays until these are gone: tcl::tool@1."},
+         {"plaz::install -quiet kit; plaz::uninstall kit", "1"},
+         {"plaz::uninstall -quiet [plaz::get_qitems x]", "1"},
+         {"plaz::install -quiet {my board}", "1"},
+         {"plaz::install -quiet {x tcl::both}", "2"},
+         {"plaz::uninstall -quiet [plaz::get_qitems both]", "1"},
+         {"set gone [plaz::get_qitems -store tcl]; plaz::refresh_catalog -quiet tcl", "1"},
+         {"plaz::install [lindex $gone 0]", "!PLAZ STALE: \"kit\" is gone..."},
+         {"get_property NAME $gone", "!PLAZ STALE..."},
+         {"plaz::get_qitems x $gone", "!PLAZ STALE..."},
+         {"plaz::uninstall -quiet tool; plaz::get_qitems -installed", "x {my board}"}});
     const Names ids = takeIds();
     EXPECT_EQ(std::count(ids.begin(), ids.end(), "17-2239"), 1) << "what was kept for others";
     status.cancel();

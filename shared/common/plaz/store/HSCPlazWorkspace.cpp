@@ -14,7 +14,8 @@ const HSCPlazPathMgr& configured(HSCPlazConfigMgr& config, HSCPlazPathMgr& paths
 
 } // namespace
 
-HSCPlazWorkspace::HSCPlazWorkspace() : places(configured(config, paths).getRepoInfoFile()), held(paths.getHeldFile()), history(paths.getHistoryFile()) {}
+HSCPlazWorkspace::HSCPlazWorkspace()
+    : places(configured(config, paths).getRepoInfoFile()), held(paths.getHeldFile()), history(paths.getHistoryFile()) {}
 
 HSCPlazWorkspace::~HSCPlazWorkspace() = default;
 

@@ -206,8 +206,8 @@ public final class PlazHost {
      * Takes back what a command has changed of what is installed.
      *
      * @param number of its entry in the history
-     * @throws ui.frmwork.cmd.CommandFailedException when later commands have changed the same items, files are not to be
-     *         had (nothing is changed then), or not all of it could be taken back
+     * @throws ui.frmwork.cmd.CommandFailedException when later commands have changed the same items, files are not to
+     *         be had (nothing is changed then), or not all of it could be taken back
      */
     public static native void undo(int number);
 
