@@ -77,7 +77,11 @@ class JavaTest(HubTest):
 
     def test_start(self):
         """Catches: a start that opens a window, or takes for an option what is none."""
-        for argument, status, part in (("--version", 0, "plaz-browser "), ("--help", 0, "Usage"), ("--bad", 2, "--bad")):
+        for argument, status, part in (
+            ("--version", 0, "plaz-browser "),
+            ("--help", 0, "Usage"),
+            ("--bad", 2, "--bad"),
+        ):
             result = run(BUILD / "bin/plaz-browser", "-Xmx64m", argument, env={**self.env, "JAVA": JAVA})
             self.assertEqual((result.returncode, part in result.stdout + result.stderr), (status, True), argument)
 
