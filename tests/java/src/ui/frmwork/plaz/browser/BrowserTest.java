@@ -25,6 +25,7 @@ import java.util.List;
 import java.util.concurrent.Callable;
 import java.util.concurrent.Executors;
 import java.util.concurrent.FutureTask;
+import java.util.concurrent.atomic.AtomicReference;
 import java.util.regex.Pattern;
 import java.util.stream.IntStream;
 import java.util.stream.Stream;
@@ -341,13 +342,16 @@ class BrowserTest {
             assertTrue(component.isShowing() && component.isEnabled(), component.getName());
         });
         // Without a window manager the toolkit sometimes takes a dialog to be in the corner, not where it was put.
+        // A click that comes while it is put there would miss.
+        AtomicReference<Point> before = new AtomicReference<>();
         await("the mouse on " + component.getName(), () -> {
             Point place = component.getLocationOnScreen();
+            boolean isStill = place.equals(before.getAndSet(place));
             robot.mouseMove(place.x + x, place.y + y);
             boolean isThere = ((Container) component).getMousePosition(true) != null;
             Window of = SwingUtilities.getWindowAncestor(component);
             if (!isThere && of.getOwner() != null) of.setLocationRelativeTo(of.getOwner());
-            return isThere;
+            return isThere && isStill;
         });
         robot.mousePress(InputEvent.BUTTON1_DOWN_MASK);
         robot.mouseRelease(InputEvent.BUTTON1_DOWN_MASK);
