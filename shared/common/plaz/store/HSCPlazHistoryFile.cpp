@@ -1,5 +1,6 @@
 #include "plaz/store/HSCPlazHistoryFile.h"
 
+#include "plaz/base/HSCPlazTrustRules.h"
 #include "plaz/model/reader/HSCPlazMetadataKeys.h"
 #include "support/HCRapidJsonReadWriteUtils.h"
 #include "support/HUTText.h"
@@ -10,6 +11,7 @@ using Json = HCRapidJsonReadWriteUtils;
 using rapidjson::Document;
 using rapidjson::Value;
 namespace Key = HSCPlazKey;
+namespace Rules = HSCPlazTrustRules;
 
 constexpr const char* afterKey = "after";
 constexpr const char* beforeKey = "before";
@@ -49,9 +51,16 @@ int requireNumber(const Value& object, const char* key) {
     return object[key].GetInt();
 }
 
+/// What an undo would work with: others may write where the file is.
+template <typename Rule> std::string requireSafe(const Value& object, const char* key, const Rule& rule) {
+    std::string text = requireText(object, key);
+    if (!Rules::findRefusal(rule, key, text).empty()) throw Unusable();
+    return text;
+}
+
 HSCPlazInstalledFact readFact(const Value& fact) {
-    return {requireText(fact, Key::commitId), requireText(fact, Key::installationMode), requireText(fact, folderKey),
-            requireText(fact, Key::company)};
+    return {requireSafe(fact, Key::commitId, Rules::gitRef), requireText(fact, Key::installationMode),
+            requireText(fact, folderKey), requireText(fact, Key::company)};
 }
 
 std::optional<HSCPlazInstalledFact> readSide(const Value& change, const char* key) {
@@ -60,7 +69,8 @@ std::optional<HSCPlazInstalledFact> readSide(const Value& change, const char* ke
 }
 
 HSCPlazRevisionName readName(const Value& item) {
-    return {requireText(item, storeKey), requireText(item, Key::name), requireText(item, Key::revision)};
+    return {requireText(item, storeKey), requireSafe(item, Key::name, Rules::name),
+            requireSafe(item, Key::revision, Rules::folderName)};
 }
 
 HSCPlazHistoryEntry readEntry(const Value& value) {
