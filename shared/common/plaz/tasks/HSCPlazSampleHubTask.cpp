@@ -48,9 +48,10 @@ std::string HSCPlazSampleHubTask::getUrl() {
 }
 
 bool HSCPlazSampleHubTask::make(HSCPlazTask& task) {
-    const std::string shipped = HUTEnv::getOwnDataDir(shippedMetadata) + "/sample-hub";
+    const std::string data = HUTEnv::getOwnDataDir(shippedMetadata);
+    const std::string shipped = data + "/sample-hub";
     std::string metadata;
-    if (HIOStream::read(shipped + "/plaz.json", metadata) != HIOStream::Status::ok)
+    if (data.empty() || HIOStream::read(shipped + "/plaz.json", metadata) != HIOStream::Status::ok)
         return task.fail(Msg::sampleHubMissing);
     const std::string dir = HSCPlazPathMgr::getSampleHubDir();
     const std::string fresh = dir + ".new";

@@ -2,7 +2,6 @@ package ui.frmwork.plaz.browser;
 
 import java.awt.BorderLayout;
 import java.awt.Component;
-import java.awt.Dimension;
 import java.awt.Font;
 import java.awt.GridBagConstraints;
 import java.awt.GridBagLayout;
@@ -21,16 +20,14 @@ import javax.swing.JComponent;
 import javax.swing.JLabel;
 import javax.swing.JPanel;
 import javax.swing.JTextArea;
-import javax.swing.Scrollable;
 import javax.swing.SwingConstants;
-import javax.swing.UIManager;
 import ui.frmwork.plaz.browser.Snapshot.Dependency;
 import ui.frmwork.plaz.browser.Snapshot.Item;
 import ui.frmwork.plaz.browser.Snapshot.Key;
 import ui.frmwork.plaz.browser.Snapshot.Revision;
 
 /** Everything that is known of the chosen item. */
-final class DetailPane extends JPanel implements Scrollable {
+final class DetailPane extends ScrolledPanel {
     private static final long serialVersionUID = 1;
 
     private static final int NARROW_LINES = 24;
@@ -244,32 +241,13 @@ final class DetailPane extends JPanel implements Scrollable {
         place.weightx = 1;
         place.fill = GridBagConstraints.HORIZONTAL;
         place.anchor = GridBagConstraints.FIRST_LINE_START;
-        place.insets = new Insets(0, 0, 2 * Look.gap(this), column == 0 && width == 1 ? 3 * Look.gap(this) : 0);
-                return place;
-        }
-
-        @Override
-        public Dimension getPreferredScrollableViewportSize() {
-            return getPreferredSize();
-        }
-
-        @Override
-        public int getScrollableUnitIncrement(Rectangle visible, int orientation, int direction) {
-            return UIManager.getFont("Label.font").getSize() * 2;
-        }
-
-        @Override
-        public int getScrollableBlockIncrement(Rectangle visible, int orientation, int direction) {
-            return visible.height;
-        }
-
-        @Override
-        public boolean getScrollableTracksViewportWidth() {
-            return true;
-        }
-
-        @Override
-        public boolean getScrollableTracksViewportHeight() {
-            return getParent().getHeight() > getPreferredSize().height;
-        }
+        place.insets = new Insets(0, 0, 2 * Look.gap(this), 0);
+        if (column == 0 && width == 1) place.insets.right = 3 * Look.gap(this);
+        return place;
     }
+
+    @Override
+    public boolean getScrollableTracksViewportHeight() {
+        return getParent().getHeight() > getPreferredSize().height;
+    }
+}

@@ -1,19 +1,15 @@
 package ui.frmwork.plaz.browser;
 
-import java.awt.Dimension;
 import java.awt.Font;
 import java.awt.GridBagConstraints;
 import java.awt.GridBagLayout;
 import java.awt.Insets;
-import java.awt.Rectangle;
 import javax.swing.BorderFactory;
 import javax.swing.JComponent;
 import javax.swing.JLabel;
-import javax.swing.JPanel;
-import javax.swing.Scrollable;
 
 /** Rows of a name, what is chosen, and a button, below headings; as wide as there is room. */
-final class SettingsForm extends JPanel implements Scrollable {
+final class SettingsForm extends ScrolledPanel {
     private static final long serialVersionUID = 1;
 
     private int row;
@@ -52,30 +48,5 @@ final class SettingsForm extends JPanel implements Scrollable {
         place.insets = new Insets(above, 0, Look.gap(this) / 2, Look.gap(this));
         place.anchor = GridBagConstraints.LINE_START;
         return place;
-    }
-
-    @Override
-    public Dimension getPreferredScrollableViewportSize() {
-        return getPreferredSize();
-    }
-
-    @Override
-    public int getScrollableUnitIncrement(Rectangle visible, int orientation, int direction) {
-        return Look.lineHeight(this);
-    }
-
-    @Override
-    public int getScrollableBlockIncrement(Rectangle visible, int orientation, int direction) {
-        return visible.height;
-    }
-
-    @Override
-    public boolean getScrollableTracksViewportWidth() {
-        return true;
-    }
-
-    @Override
-    public boolean getScrollableTracksViewportHeight() {
-        return false;
     }
 }
