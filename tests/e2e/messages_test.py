@@ -23,3 +23,8 @@ class MessagesTest(HubTest):
             self.check_shown(succeed(*refused, env={**self.env, **quiet}), "ERROR: [17-", never=["\033"])
         self.check_shown(self.run_plaz("info nosuch", status=1).stderr, "ERROR: [17-")
         self.check_shown(self.run_plaz("info nosuch --color always", status=1).stderr, red)
+
+    def test_shows_progress_on_a_terminal(self):
+        """Catches: a progress line without the store's number, its step or its percentage."""
+        shown = succeed("script", "--quiet", "--return", "--command", f"{PLAZ} refresh", "/dev/null", env=self.env)
+        self.check_shown(shown, "1/2   0% Fetching Sample boards", "2/2  50% Describing items of Sample Tcl scripts")

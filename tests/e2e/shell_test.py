@@ -381,11 +381,6 @@ class ShellTest(HubTest):
         succeed("git", "init", "--bare", self.dir / "nowhere")
         self.check_shown(self.run_json("check tclscripts", status=1)["error"], "no branch")
 
-    def test_shows_progress_on_a_terminal(self):
-        """Catches: a progress line without the store's number, its step or its percentage."""
-        shown = succeed("script", "--quiet", "--return", "--command", f"{PLAZ} refresh", "/dev/null", env=self.env)
-        self.check_shown(shown, "1/2   0% Fetching Sample boards", "2/2  50% Describing items of Sample Tcl scripts")
-
     def test_doctor_finds_what_is_wrong_and_nothing_else(self):
         """Catches: a fault that is passed over, one that drags sound parts along, secrets told, anything written."""
         git = f'exec {shutil.which("git")} "$@"'
