@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <ostream>
+#include <utility>
 
 const std::shared_ptr<const std::vector<HSCPlazRevisionModel>>& HSCPlazQItemModel::noRevisions() {
     static const auto none = std::make_shared<const std::vector<HSCPlazRevisionModel>>();
@@ -22,26 +23,28 @@ void HSCPlazQItemModel::setDependencies(std::vector<HSCPlazQItemDependency> valu
 }
 
 void HSCPlazQItemModel::setIsInstalled(bool value) {
-    if (m_installed == value) return;
-    m_installed = value;
+    if (m_installation.isInstalled == value) return;
+    m_installation.isInstalled = value;
     if (m_installations) ++*m_installations;
 }
 
 void HSCPlazQItemModel::deriveOutdated() {
-    m_latest = m_revision == m_latestRevision && !isOnlyShipped();
-    const bool hasMoved = !m_installedCommitId.empty() && !m_commitId.empty() && m_installedCommitId != m_commitId;
-    m_needsRefresh = !m_latest || hasMoved;
+    m_installation.isLatest = m_revision == m_latestRevision && !isOnlyShipped();
+    const std::string& installed = m_installation.commitId;
+    const bool hasMoved = !installed.empty() && !m_commitId.empty() && installed != m_commitId;
+    m_installation.needsRefresh = !m_installation.isLatest || hasMoved;
 }
 
 void HSCPlazQItemModel::clearInstallation() {
-    setIsInstalled(false);
-    m_describedByItself = false;
-    m_needsRefresh = false;
-    m_installationMode.clear();
-    m_referenceCount = 0;
-    m_localDir.clear();
-    m_recordedDir.clear();
-    m_installedCommitId.clear();
+    HSCPlazItemInstallation none;
+    none.isLatest = m_installation.isLatest; // that, and where its metadata came from, is not of the installation alone
+    none.source = m_installation.source;
+    setInstallation(std::move(none));
+}
+
+void HSCPlazQItemModel::setInstallation(HSCPlazItemInstallation value) {
+    setIsInstalled(value.isInstalled);
+    m_installation = std::move(value);
 }
 
 void HSCPlazQItemModel::copyDescriptionFrom(const HSCPlazQItemModel& other) {
@@ -83,7 +86,7 @@ void HSCPlazQItemModel::takeEntryOf(const HSCPlazQItemModel& other) {
     m_commitId = other.m_commitId;
     m_revisions = other.m_revisions;
     m_listed = true;
-    if (m_installed) deriveOutdated();
+    if (m_installation.isInstalled) deriveOutdated();
 }
 
 std::ostream& operator<<(std::ostream& out, const HSCPlazQItemModel& model) {

@@ -23,6 +23,20 @@ struct HSCPlazRevisionModel {
     std::string history; ///< change note shown for the revision
 };
 
+/// Whether, where and how a revision of an item is installed.
+struct HSCPlazItemInstallation {
+    bool isInstalled = false;
+    bool needsRefresh = false;
+    bool isLatest = false;
+    bool isDescribedByItself = false;
+    std::string localDir = {};
+    std::string recordedDir = {};
+    std::string mode = {};
+    std::string commitId = {}; ///< empty where it is that of the catalog
+    std::int32_t referenceCount = 0;
+    HSCPlazTypes::ItemSource source = HSCPlazTypes::LOCAL;
+};
+
 /// What the catalog, the item's own metadata file and the local database say of one revision of one item.
 /// Owned by its store model; owns its dependencies.
 class PLAZ_API HSCPlazQItemModel : public HSCPlazBaseModel {
@@ -89,49 +103,56 @@ public:
     bool isListed() const { return m_listed; }
     void setIsListed(bool value) { m_listed = value; }
     /// Its own installed metadata file could be read, so that what it depends on is known.
-    bool isDescribedByItself() const { return m_describedByItself; }
-    void setIsDescribedByItself(bool value) { m_describedByItself = value; }
+    bool isDescribedByItself() const { return m_installation.isDescribedByItself; }
+    void setIsDescribedByItself(bool value) { m_installation.isDescribedByItself = value; }
 
-    bool isInstalled() const { return m_installed; }
+    bool isInstalled() const { return m_installation.isInstalled; }
     void setIsInstalled(bool value);
     /// Where it is counted that an item becomes installed, or is so no more; must outlive the item.
     void countInstallationsIn(std::size_t& counter) { m_installations = &counter; }
     /// The installed copy is older than what the catalog offers.
-    bool needsRefresh() const { return m_needsRefresh; }
-    void setNeedsRefresh(bool value) { m_needsRefresh = value; }
+    bool needsRefresh() const { return m_installation.needsRefresh; }
+    void setNeedsRefresh(bool value) { m_installation.needsRefresh = value; }
     /// The installed revision is the newest.
-    bool isLatest() const { return m_latest; }
-    void setIsLatest(bool value) { m_latest = value; }
+    bool isLatest() const { return m_installation.isLatest; }
+    void setIsLatest(bool value) { m_installation.isLatest = value; }
     /// Directory where the item is installed.
-    const std::string& getLocalDir() const { return m_localDir; }
-    void setLocalDir(const std::string& value) { m_localDir = value; }
+    const std::string& getLocalDir() const { return m_installation.localDir; }
+    void setLocalDir(const std::string& value) { m_installation.localDir = value; }
     /// The same, or what is recorded of a directory that cannot be reached now.
-    const std::string& getRecordedDir() const { return m_localDir.empty() ? m_recordedDir : m_localDir; }
-    bool isOutOfReach() const { return m_localDir.empty() && !m_recordedDir.empty(); }
-    void setRecordedDir(const std::string& value) { m_recordedDir = value; }
+    const std::string& getRecordedDir() const {
+        return m_installation.localDir.empty() ? m_installation.recordedDir : m_installation.localDir;
+    }
+    bool isOutOfReach() const { return m_installation.localDir.empty() && !m_installation.recordedDir.empty(); }
+    void setRecordedDir(const std::string& value) { m_installation.recordedDir = value; }
     /// It counts as installed because it is shipped, and for nothing else: nothing of it is in the user's area.
-    bool isOnlyShipped() const { return m_installed && m_installationMode.empty() && getRecordedDir().empty(); }
+    bool isOnlyShipped() const {
+        return m_installation.isInstalled && m_installation.mode.empty() && getRecordedDir().empty();
+    }
     /// As it is recorded: "user", "tool" or empty. A database may hold another text, which is kept.
-    const std::string& getInstallationMode() const { return m_installationMode; }
-    void setInstallationMode(const std::string& value) { m_installationMode = value; }
-    HSCPlazInstallationMode getMode() const { return toInstallationMode(m_installationMode); }
-    void setMode(HSCPlazInstallationMode value) { m_installationMode = toText(value); }
+    const std::string& getInstallationMode() const { return m_installation.mode; }
+    void setInstallationMode(const std::string& value) { m_installation.mode = value; }
+    HSCPlazInstallationMode getMode() const { return toInstallationMode(m_installation.mode); }
+    void setMode(HSCPlazInstallationMode value) { m_installation.mode = toText(value); }
     /// How many dependency edges of installed items hold this one.
-    std::int32_t getReferenceCount() const { return m_referenceCount; }
-    void setReferenceCount(std::int32_t value) { m_referenceCount = value; }
-    HSCPlazTypes::ItemSource getSource() const { return m_source; }
-    void setSource(HSCPlazTypes::ItemSource value) { m_source = value; }
+    std::int32_t getReferenceCount() const { return m_installation.referenceCount; }
+    void setReferenceCount(std::int32_t value) { m_installation.referenceCount = value; }
+    HSCPlazTypes::ItemSource getSource() const { return m_installation.source; }
+    void setSource(HSCPlazTypes::ItemSource value) { m_installation.source = value; }
     /// Commit of the installed files where it is known to differ from the catalog's; else the catalog's.
     const std::string& getInstalledCommitId() const {
-        return m_installedCommitId.empty() ? m_commitId : m_installedCommitId;
+        return m_installation.commitId.empty() ? m_commitId : m_installation.commitId;
     }
-    void setInstalledCommitId(const std::string& value) { m_installedCommitId = value; }
+    void setInstalledCommitId(const std::string& value) { m_installation.commitId = value; }
 
     /// Derives whether the installed revision is the newest, and whether what is offered differs from it. How old what
     /// is shipped is nobody knows.
     void deriveOutdated();
     /// The item is no longer installed; nothing is left of how and where it was.
     void clearInstallation();
+    /// All that is known of how it is installed, to be put back later.
+    HSCPlazItemInstallation getInstallation() const { return m_installation; }
+    void setInstallation(HSCPlazItemInstallation value);
     /// Takes over what describes the item to people and to the dependency walk: texts, keywords, categories,
     /// dependencies, logo. Key (name, revision, commit, place) and installation state stay.
     void copyDescriptionFrom(const HSCPlazQItemModel& other);
@@ -161,20 +182,11 @@ private:
     std::string m_website;
     HSTVector<HSCPlazQItemDependency*> m_dependencies;
     std::vector<std::unique_ptr<HSCPlazQItemDependency>> m_allDependencies; ///< those of former descriptions, too
-    std::string m_localDir;
-    std::string m_recordedDir;
-    std::string m_installationMode;
     std::string m_commitId;
-    std::string m_installedCommitId;
-    std::int32_t m_referenceCount = 0;
-    HSCPlazTypes::ItemSource m_source = HSCPlazTypes::LOCAL;
+    HSCPlazItemInstallation m_installation;
     bool m_active = false;
     bool m_inactive = false;
     bool m_listed = true;
-    bool m_describedByItself = false;
-    bool m_installed = false;
-    bool m_needsRefresh = false;
-    bool m_latest = false;
 };
 
 /// The item's state as one line for the debug log.

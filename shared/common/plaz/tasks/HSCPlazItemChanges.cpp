@@ -18,7 +18,6 @@
 #include "plaz/tasks/HSCPlazItemFiles.h"
 #include "plaz/tasks/HSCPlazPendingChanges.h"
 #include "plaz/tasks/HSCPlazTask.h"
-#include "plaz/tasks/HSCPlazUnneededItems.h"
 #include "plaz/tasks/HSCPlazUserHolds.h"
 #include "support/HUTFile.h"
 
@@ -30,7 +29,6 @@ using Mode = HSCPlazInstallationMode;
 namespace Directories = HSCPlazItemDirectories;
 namespace Files = HSCPlazItemFiles;
 namespace Pending = HSCPlazPendingChanges;
-namespace Unneeded = HSCPlazUnneededItems;
 
 namespace {
 
@@ -63,7 +61,7 @@ void keepKnownCatalogs(const HSCPlazTask& task) {
 } // namespace
 
 HSCPlazItemChanges::HSCPlazItemChanges(HSCPlazTask& task)
-    : m_task(task), m_note(task.getWorkspace().paths.getChangeFile()), m_recorder(task) {}
+    : m_task(task), m_note(task.getWorkspace().paths.getChangeFile()), m_recorder(task), m_removal(task, *this) {}
 
 bool HSCPlazItemChanges::run(HSCPlazTask& task, const std::function<bool(HSCPlazItemChanges&)>& work,
                              const HSCPlazQStore* only) {
@@ -75,7 +73,7 @@ void HSCPlazItemChanges::finishAtStart(HSCPlazWorkspace& workspace) {
     if (!note.exists() || !HUTFile::isWriteable(note.getFile())) return;
     HSCPlazTask task(workspace, *workspace.hub, nullptr);
     const auto nothing = [](HSCPlazItemChanges& changes) {
-        changes.m_isBlocked = true; // what keeps it from being finished is told when somebody changes something
+        changes.m_removal.keepQuiet(); // what keeps it from being finished is told when somebody changes something
         return true;
     };
     task.guard([&] { return task.runIfFree([&] { return runLocked(task, nothing); }); });
@@ -102,9 +100,10 @@ bool HSCPlazItemChanges::runLocked(HSCPlazTask& task, const std::function<bool(H
 
 bool HSCPlazItemChanges::install(const HSCPlazFoundItem& found, Mode mode, bool isAskedFor) {
     if (!m_task.requirePlain(*found.store->getModel(), false)) return false;
-    HSCPlazPendingChange change = toInstallation(found, mode);
+    HSCPlazPendingChange change = Pending::toInstallation(m_task, found, mode);
     if (!Files::takeOver(m_task, found, *change.item)) return fetch(found, mode, isAskedFor);
-    if (!requireReplaceable(found, change) || !Files::requireFree(m_task, found, change.item->getLocalDir()))
+    if (!HSCPlazUserHolds::requireReplaceable(m_task, found, *change.item) ||
+        !Files::requireFree(m_task, found, change.item->getLocalDir()))
         return false;
     // Somebody may have asked for it.
     if (m_task.getWorkspace().databases.hasLostRecords()) change.item->setMode(Mode::user);
@@ -117,15 +116,17 @@ bool HSCPlazItemChanges::install(const HSCPlazFoundItem& found, Mode mode, bool 
 bool HSCPlazItemChanges::fetch(const HSCPlazFoundItem& found, Mode mode, bool isAskedFor) {
     if (!m_task.requirePlain(*found.store->getModel())) return false;
     const HSCPlazOldFiles incoming(Directories::incomingOf(m_task, *found.store));
-    const HSCPlazPendingChange change = toInstallation(found, mode);
-    if (!requireReplaceable(found, change) || !Files::fetch(m_task, found, *change.item, isAskedFor)) return false;
+    const HSCPlazPendingChange change = Pending::toInstallation(m_task, found, mode);
+    if (!HSCPlazUserHolds::requireReplaceable(m_task, found, *change.item) ||
+        !Files::fetch(m_task, found, *change.item, isAskedFor))
+        return false;
     if (!put(found, change, {Msg::dirNotWritable, MsgSeverity::error, change.item->getLocalDir()})) return false;
     // It was whole before it came here; as long as it cannot be read, what the item needs is not known.
     return found.item->getModel()->isDescribedByItself() ||
            m_task.fail(Msg::fileMissing, change.item->getLocalDir() + "/" + found.item->getMetadataFile());
 }
 
-bool HSCPlazItemChanges::remove(const HSCPlazFoundItem& found) {
+bool HSCPlazItemChanges::remove(const HSCPlazFoundItem& found, bool /*isAskedFor*/) {
     if (!m_task.requirePlain(*found.store->getModel(), false)) return false;
     const std::string dir = Files::removableDirectory(m_task, found);
     const std::string name = found.item->getName();
@@ -160,7 +161,8 @@ bool HSCPlazItemChanges::bringBack(const HSCPlazFoundItem& found, const HSCPlazQ
     const auto item = Pending::toRecord(record);
     item->setLocalDir(record.getLocalDir());
     const HSCPlazPendingChange change = Pending::of(m_task, *found.store, item, true);
-    return requireReplaceable(found, change) && Files::fetch(m_task, found, *item, false, true) &&
+    return HSCPlazUserHolds::requireReplaceable(m_task, found, *change.item) &&
+           Files::fetch(m_task, found, *item, false, true) &&
            put(found, change, {Msg::dirNotWritable, MsgSeverity::error, item->getLocalDir()});
 }
 
@@ -180,17 +182,6 @@ bool HSCPlazItemChanges::setMode(const HSCPlazFoundItem& found, Mode mode) {
     }
     found.item->getModel()->setMode(mode);
     return save(*found.store) || giveUp(*found.store);
-}
-
-HSCPlazPendingChange HSCPlazItemChanges::toInstallation(const HSCPlazFoundItem& found, Mode mode) const {
-    const auto item = Pending::toRecord(*found.item->getModel());
-    item->setCommitId(found.item->getModel()->getCommitId());
-    item->setLocalDir(Files::directoryOf(m_task.getWorkspace(), found));
-    const std::vector<HSCPlazQItem*> replaced = Files::findReplaced(found, *item);
-    const bool wasUsers = found.item->isUsers() || std::any_of(replaced.begin(), replaced.end(),
-                                                               [](const auto* other) { return other->isUsers(); });
-    item->setMode(wasUsers ? Mode::user : mode);
-    return Pending::of(m_task, *found.store, item, true);
 }
 
 HSCPlazPendingChange HSCPlazItemChanges::toRemoval(const HSCPlazFoundItem& found, const std::string& dir) const {
@@ -236,7 +227,7 @@ bool HSCPlazItemChanges::put(const HSCPlazFoundItem& found, HSCPlazPendingChange
         isUndone ? HSCPlazOwnFiles::discard(m_task.getWorkspace().paths, one) : m_task.tell(one.note);
     if (isDone) {
         const bool isLeft = removeFormer(found, change);
-        m_isStuck = m_isStuck || !isLeft; // the next task tries again
+        m_isFormerLeft = m_isFormerLeft || !isLeft; // the next task tries again
         return isLeft;
     }
     if (!isPut) return false;
@@ -245,14 +236,6 @@ bool HSCPlazItemChanges::put(const HSCPlazFoundItem& found, HSCPlazPendingChange
     else
         m_isUnfinished = true;
     return giveUp(*found.store);
-}
-
-bool HSCPlazItemChanges::requireReplaceable(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change) {
-    if (!HSCPlazUserHolds::requireReleasedPlace(m_task, found, *change.item)) return false;
-    const std::vector<HSCPlazQItem*> replaced = Files::findReplaced(found, *change.item);
-    return std::all_of(replaced.begin(), replaced.end(), [&](HSCPlazQItem* other) {
-        return Files::requireReachable(m_task, {found.store, other});
-    });
 }
 
 bool HSCPlazItemChanges::keepOwn(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change,
@@ -287,12 +270,7 @@ std::string HSCPlazItemChanges::apply(HSCPlazQStore& store, const HSCPlazQItemMo
 
 bool HSCPlazItemChanges::record(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change) {
     if (change.isInstalled) {
-        for (HSCPlazQItem* other : Files::findReplaced(found, *change.item)) {
-            // One in another folder goes at the end of the task, since nobody needs it any more.
-            const std::string theirs = Files::removableDirectory(m_task, {found.store, other});
-            const bool hasItsOwn = HUTFile::exists(theirs) && !HUTFile::isBeneath(change.item->getLocalDir(), theirs);
-            hasItsOwn ? other->getModel()->setMode(Mode::tool) : other->getModel()->clearInstallation();
-        }
+        Files::giveWay(m_task, found, *change.item);
         const std::string refusal = apply(*found.store, *change.item);
         if (!refusal.empty()) return m_task.fail(Msg::itemRefused, change.item->getName(), refusal);
         Files::describe(m_task, found);
@@ -424,43 +402,6 @@ bool HSCPlazItemChanges::areThere(const HSCPlazQItem& item) const {
     return HSCPlazInstalledFiles::areThere(item);
 }
 
-bool HSCPlazItemChanges::removeUnneeded() {
-    HSCPlazFoundItem unneeded = Unneeded::find(m_task, m_obstinate);
-    if (unneeded && m_task.getWorkspace().databases.hasLostRecords()) {
-        for (HSCPlazQStore* store : m_task.getHub().getStores())
-            if (!adoptUnneeded(*store)) return false;
-        unneeded = Unneeded::find(m_task, m_obstinate);
-    }
-    if (const HSCPlazReport obstacle = unneeded ? Unneeded::findObstacle(m_task) : HSCPlazReport();
-        !obstacle.isEmpty()) {
-        m_isStuck = true; // once it can be read, they go
-        return !std::exchange(m_isBlocked, true) && m_task.fail(obstacle);
-    }
-    for (; unneeded; unneeded = Unneeded::find(m_task, m_obstinate)) {
-        const std::string name = unneeded.item->getName();
-        const bool isRefused = Files::removableDirectory(m_task, unneeded).empty();
-        if (remove(unneeded)) {
-            m_task.tellNews(Msg::dependencyRemoved, name);
-            continue;
-        }
-        m_obstinate.insert(unneeded.item);
-        m_isStuck = m_isStuck || !isRefused; // any other obstacle passes, and the next task tries again
-    }
-    return m_obstinate.empty();
-}
-
-bool HSCPlazItemChanges::adoptUnneeded(HSCPlazQStore& store) {
-    if (!HSCPlazPlaces(m_task.getWorkspace()).mayChange(*store.getModel())) return true;
-    std::set<const HSCPlazQItem*> passed = m_obstinate;
-    while (const HSCPlazFoundItem unneeded = Unneeded::find(store, passed)) {
-        if (Unneeded::isReplaced(unneeded))
-            passed.insert(unneeded.item);
-        else if (!setMode(unneeded, Mode::user))
-            return false;
-    }
-    return true;
-}
-
 bool HSCPlazItemChanges::end() {
     bool mayForget = false;
     const bool isSettled = settle(mayForget);
@@ -478,12 +419,13 @@ bool HSCPlazItemChanges::settle(bool& mayForget) {
     const bool isClean =
         change.place.empty() || Directories::removeLeftovers(HSCPlazStoreLayout(change.place, change.place));
     // What keeps items that nobody needs from going concerns who changes what is installed, and nobody else.
-    m_isBlocked = m_isBlocked || !isChanged;
-    const bool areGone = removeUnneeded() || m_isBlocked; // what was to be done is done all the same
+    if (!isChanged) m_removal.keepQuiet();
+    const bool areGone = removeUnneeded() || m_removal.isBlocked(); // what was to be done is done all the same
+    const bool isStuck = m_isFormerLeft || m_removal.isStuck();
     if (isChanged) Directories::tellOldFiles(m_task);
-    if (m_note.exists() && !m_isStuck) { // else the next task goes by both
+    if (m_note.exists() && !isStuck) { // else the next task goes by both
         Directories::removeStaleTrees(m_task);
         mayForget = isClean;
     }
-    return areGone && m_isSound && (!m_isStuck || m_isBlocked);
+    return areGone && m_isSound && (!isStuck || m_removal.isBlocked());
 }

@@ -4,10 +4,10 @@
 #include "plaz/tasks/HSCPlazChangeRecorder.h"
 #include "plaz/tasks/HSCPlazItemSteps.h"
 #include "plaz/tasks/HSCPlazOwnFiles.h"
+#include "plaz/tasks/HSCPlazUnneededItems.h"
 
 #include <functional>
 #include <optional>
-#include <set>
 #include <string>
 
 class HSCPlazQItemModel;
@@ -37,10 +37,10 @@ public:
 
     bool install(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode, bool isAskedFor) override;
     bool fetch(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode, bool isAskedFor) override;
-    bool remove(const HSCPlazFoundItem& found) override;
+    bool remove(const HSCPlazFoundItem& found, bool isAskedFor) override;
     bool restore(const HSCPlazFoundItem& found, bool areEditsKept) override;
     bool setMode(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode) override;
-    bool removeUnneeded() override;
+    bool removeUnneeded() override { return m_removal.run(); }
     bool areThere(const HSCPlazQItem& item) const override;
     /// Installs what was installed before: a record's commit, in its folder and for whom it was there, out of the
     /// store's working copy. @param record  commit, local directory and mode
@@ -50,12 +50,11 @@ public:
     /// What nobody seems to need in a store that is kept in another place from now on becomes the user's: what was
     /// there before may be needed by somebody who is not known here, or not yet.
     /// @return false when that could not be recorded; the reason has been told
-    bool adoptUnneeded(HSCPlazQStore& store);
+    bool adoptUnneeded(HSCPlazQStore& store) { return m_removal.adopt(store); }
 
 private:
     static bool runLocked(HSCPlazTask& task, const std::function<bool(HSCPlazItemChanges& changes)>& work);
     explicit HSCPlazItemChanges(HSCPlazTask& task);
-    HSCPlazPendingChange toInstallation(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode) const;
     HSCPlazPendingChange toRemoval(const HSCPlazFoundItem& found, const std::string& dir) const;
     bool announce(const HSCPlazPendingChange& change);
     /// The same for files that wait in the incoming directory: they, the tree that is kept of them and the note are on
@@ -65,8 +64,6 @@ private:
     /// is to take these for whole.
     void withdraw(HSCPlazPendingChange change, const std::string& incoming);
     bool put(const HSCPlazFoundItem& found, HSCPlazPendingChange change, const HSCPlazReport& obstacle);
-    /// Fails where the user holds what the item takes the place of, or its files are out of reach.
-    bool requireReplaceable(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change);
     /// What a user has made of files in folders that go.
     bool keepOwn(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change, const std::string& incoming,
                  std::vector<HSCPlazOwnFiles::Kept>& kept);
@@ -92,9 +89,8 @@ private:
     HSCPlazTask& m_task;
     const HSCPlazChangeNote m_note;
     HSCPlazChangeRecorder m_recorder;
-    bool m_isSound = true;                     ///< all that was to be recorded was
-    bool m_isStuck = false;                    ///< the note has to stay, since something else does
-    bool m_isUnfinished = false;               ///< the note has to stay as it is, since what it says is only half done
-    bool m_isBlocked = false;                  ///< what is needed is not known, and that has been told
-    std::set<const HSCPlazQItem*> m_obstinate; ///< what could not be removed
+    HSCPlazUnneededRemoval m_removal;
+    bool m_isSound = true;       ///< all that was to be recorded was
+    bool m_isFormerLeft = false; ///< an item's former folder could not be removed
+    bool m_isUnfinished = false; ///< the note has to stay as it is, since what it says is only half done
 };

@@ -22,6 +22,7 @@
 
 #include <algorithm>
 #include <memory>
+#include <optional>
 
 namespace Trees = HSCPlazInstalledTrees;
 
@@ -90,6 +91,19 @@ bool canBeFetched(const HSCPlazQStore& store) {
 
 bool isRecordedAt(const HSCPlazQItem& item, const std::string& commit) {
     return item.IsInstalled() && item.getModel()->getInstalledCommitId() == commit;
+}
+
+/// @param tree  what the files should be, where that is known
+bool findLeft(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record,
+              std::optional<HSCPlazItemTree>& tree) {
+    const std::string& dir = record.getLocalDir();
+    HSCPlazQItemModel description;
+    if (found.store->getModel()->getTakenPlace()) return false; // where nothing comes
+    if (dir.empty() || HUTFile::createFileIter(dir).size() < 2 || !describedOnDisk(task, found, description))
+        return false;
+    std::string unknown;
+    tree = Trees::find(Trees::placeOf(task.getWorkspace(), found, record), unknown);
+    return tree ? tree->findLost(dir).areNone() : !canBeFetched(*found.store);
 }
 
 /// What the repository is asked for.
@@ -184,17 +198,25 @@ std::vector<HSCPlazQItem*> HSCPlazItemFiles::findReplaced(const HSCPlazFoundItem
     return replaced;
 }
 
+void HSCPlazItemFiles::giveWay(const HSCPlazTask& task, const HSCPlazFoundItem& found,
+                               const HSCPlazQItemModel& record) {
+    for (HSCPlazQItem* other : findReplaced(found, record)) {
+        const std::string theirs = removableDirectory(task, {found.store, other});
+        const bool hasItsOwn = HUTFile::exists(theirs) && !HUTFile::isBeneath(record.getLocalDir(), theirs);
+        hasItsOwn ? other->getModel()->setMode(HSCPlazInstallationMode::tool) : other->getModel()->clearInstallation();
+    }
+}
+
+bool HSCPlazItemFiles::areLeft(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record) {
+    std::optional<HSCPlazItemTree> tree;
+    return findLeft(task, found, record, tree);
+}
+
 bool HSCPlazItemFiles::takeOver(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record) {
-    const std::string& dir = record.getLocalDir();
-    HSCPlazQItemModel description;
-    if (found.store->getModel()->getTakenPlace()) return false; // where nothing comes
-    if (dir.empty() || HUTFile::createFileIter(dir).size() < 2 || !describedOnDisk(task, found, description))
-        return false;
-    std::string unknown;
-    const Trees::Place place = Trees::placeOf(task.getWorkspace(), found, record);
-    const auto tree = Trees::find(place, unknown);
-    if (tree ? !tree->findLost(dir).areNone() : canBeFetched(*found.store)) return false;
-    if (tree) Trees::keep(place, *tree); // what cannot be kept will be asked for again
+    std::optional<HSCPlazItemTree> tree;
+    if (!findLeft(task, found, record, tree)) return false;
+    // What cannot be kept will be asked for again.
+    if (tree) Trees::keep(Trees::placeOf(task.getWorkspace(), found, record), *tree);
     return true;
 }
 
@@ -225,12 +247,17 @@ bool HSCPlazItemFiles::takeAlong(HSCPlazTask& task, const HSCPlazFoundItem& foun
     return takeBeside(dir, incoming, files) || task.fail(Msg::dirNotWritable, incoming);
 }
 
-bool HSCPlazItemFiles::makeRemains(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir) {
-    const std::string remains = layoutOf(task, found).getIncoming();
+std::vector<std::string> HSCPlazItemFiles::findRemains(const HSCPlazFoundItem& found, const std::string& dir) {
     std::vector<std::string> kept = findItemsInside(found, dir, false);
     const std::string metadata = found.item->getMetadataFile();
     if (!metadata.empty() && HUTFile::isRegularFile(dir + "/" + metadata)) kept.push_back(metadata);
-    return (HUTFile::rmRecursive(remains) && HUTFile::mkDirRecursive(remains) && takeBeside(dir, remains, kept)) ||
+    return kept;
+}
+
+bool HSCPlazItemFiles::makeRemains(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir) {
+    const std::string remains = layoutOf(task, found).getIncoming();
+    return (HUTFile::rmRecursive(remains) && HUTFile::mkDirRecursive(remains) &&
+            takeBeside(dir, remains, findRemains(found, dir))) ||
            task.fail(Msg::dirNotWritable, remains);
 }
 

@@ -33,11 +33,16 @@ bool requireFree(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::st
 /// @param record  commit and local directory of what comes
 std::vector<HSCPlazQItem*> findReplaced(const HSCPlazFoundItem& found, const HSCPlazQItemModel& record);
 
-/// Takes over files of an item that no record knows, left by an earlier installation or put there by hand, where they
-/// are this very item and lack nothing of what its commit lists. That is kept. Where it is not known, they are taken
-/// over only if remote access is switched off.
+/// In memory: they are installed no more. One in a folder of its own goes at the end of the task, since nobody needs
+/// it.
+void giveWay(const HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record);
+
+/// Whether files of an item that no record knows, left by an earlier installation or put there by hand, are this very
+/// item and lack nothing of what its commit lists. Where that is not known, they count only if remote access is
+/// switched off.
 /// @param record  commit and local directory of what is to be installed
-/// @return false when they are not, or not there
+bool areLeft(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record);
+/// The same; what the commit lists is kept.
 bool takeOver(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record);
 /// Has the repository fetch the item's files into the store's incoming directory, and keeps the tree that they are of.
 /// In a store where what is there is part of the item's folder, such as its revisions, that is put beside them.
@@ -51,8 +56,10 @@ bool fetch(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemM
 /// @return false when that failed; the reason has been told
 bool takeAlong(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir,
                const std::vector<std::string>& files);
-/// Makes, in the store's incoming directory, what stays of an item that goes: its metadata file, so that the catalog
-/// goes on describing it, and what of others lies in its folder.
+/// What stays of an item that goes, relative to its folder: its metadata file, so that the catalog goes on describing
+/// it, and what of others lies there.
+std::vector<std::string> findRemains(const HSCPlazFoundItem& found, const std::string& dir);
+/// Makes that in the store's incoming directory.
 /// @return false when that could not be written
 bool makeRemains(HSCPlazTask& task, const HSCPlazFoundItem& found, const std::string& dir);
 /// Describes an installed item by its own files.

@@ -14,7 +14,8 @@ public:
     virtual bool install(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode, bool isAskedFor) = 0;
     /// The same without looking whether files are there.
     virtual bool fetch(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode, bool isAskedFor) = 0;
-    virtual bool remove(const HSCPlazFoundItem& found) = 0;
+    /// @param isAskedFor  the user asked for that; else nobody needs the item any more
+    virtual bool remove(const HSCPlazFoundItem& found, bool isAskedFor) = 0;
     /// Fetches the files of an installed item again, at the commit that is recorded of it. What was added to its folder
     /// stays there; for whom the item is there stays, too.
     /// @param areEditsKept  files that were changed stay as they are, unless nothing is left in them

@@ -4,8 +4,10 @@
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/store/HSCPlazWorkspace.h"
+#include "plaz/tasks/HSCPlazItemFiles.h"
 #include "plaz/tasks/HSCPlazTask.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -21,6 +23,18 @@ HSCPlazPendingChange HSCPlazPendingChanges::of(const HSCPlazTask& task, const HS
     HSCPlazPendingChange change{store.getName(), std::move(item), isInstalled};
     change.area = areaOf(task, store);
     return change;
+}
+
+HSCPlazPendingChange HSCPlazPendingChanges::toInstallation(const HSCPlazTask& task, const HSCPlazFoundItem& found,
+                                                           HSCPlazInstallationMode mode) {
+    const auto item = toRecord(*found.item->getModel());
+    item->setCommitId(found.item->getModel()->getCommitId());
+    item->setLocalDir(HSCPlazItemFiles::directoryOf(task.getWorkspace(), found));
+    const std::vector<HSCPlazQItem*> replaced = HSCPlazItemFiles::findReplaced(found, *item);
+    const bool wasUsers = found.item->isUsers() || std::any_of(replaced.begin(), replaced.end(),
+                                                               [](const auto* other) { return other->isUsers(); });
+    item->setMode(wasUsers ? HSCPlazInstallationMode::user : mode);
+    return of(task, *found.store, item, true);
 }
 
 HSCPlazPendingChange HSCPlazPendingChanges::moved(const HSCPlazTask& task, const HSCPlazQStore& store,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "plaz/base/HSCPlazInstallationMode.h"
 #include "plaz/store/HSCPlazChangeNote.h"
 #include "plaz/store/HSCPlazDependencies.h"
 
@@ -16,6 +17,9 @@ namespace HSCPlazPendingChanges {
 /// A change of one item of a store, which is where it is now.
 HSCPlazPendingChange of(const HSCPlazTask& task, const HSCPlazQStore& store, std::shared_ptr<HSCPlazQItemModel> item,
                         bool isInstalled);
+/// The installation of an item at the commit that the catalog names: for the user where it was, or what it replaces.
+HSCPlazPendingChange toInstallation(const HSCPlazTask& task, const HSCPlazFoundItem& found,
+                                    HSCPlazInstallationMode mode);
 /// The same change where the store's area is now, which may have come to another place since.
 HSCPlazPendingChange moved(const HSCPlazTask& task, const HSCPlazQStore& store, HSCPlazPendingChange change);
 /// What a record says of the item.

@@ -4,32 +4,18 @@
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/store/HSCPlazHolds.h"
 
-/// How an item was installed.
+/// How an item was described and installed.
 struct HSCPlazPlan::Before {
-    explicit Before(const HSCPlazQItemModel& item)
-        : isInstalled(item.isInstalled()), needsRefresh(item.needsRefresh()), isLatest(item.isLatest()),
-          isDescribedByItself(item.isDescribedByItself()), localDir(item.getLocalDir()),
-          recordedDir(item.isOutOfReach() ? item.getRecordedDir() : std::string()), mode(item.getInstallationMode()),
-          commit(item.getInstalledCommitId()), references(item.getReferenceCount()) {
+    explicit Before(const HSCPlazQItemModel& item) : installation(item.getInstallation()) {
         description.copyDescriptionFrom(item);
     }
 
     void bringBack(HSCPlazQItemModel& item) const {
         item.copyDescriptionFrom(description);
-        item.setIsInstalled(isInstalled);
-        item.setNeedsRefresh(needsRefresh);
-        item.setIsLatest(isLatest);
-        item.setIsDescribedByItself(isDescribedByItself);
-        item.setLocalDir(localDir);
-        item.setRecordedDir(recordedDir);
-        item.setInstallationMode(mode);
-        item.setReferenceCount(references);
-        if (item.getInstalledCommitId() != commit) item.setInstalledCommitId(commit);
+        item.setInstallation(installation);
     }
 
-    bool isInstalled, needsRefresh, isLatest, isDescribedByItself;
-    std::string localDir, recordedDir, mode, commit;
-    std::int32_t references;
+    HSCPlazItemInstallation installation;
     HSCPlazQItemModel description;
 };
 
@@ -39,6 +25,8 @@ const char* HSCPlazPlannedStep::nameOf(Kind kind) {
         return "install";
     case Kind::update:
         return "update";
+    case Kind::takeOver:
+        return "take over";
     case Kind::restore:
         return "restore";
     case Kind::remove:

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,7 @@ struct PLAZ_API HSCPlazPlannedStep {
     enum class Kind {
         install,
         update,       ///< in the place of another revision, or of the same one at another commit
+        takeOver,     ///< its files are there already, and nobody knew of them
         restore,      ///< files that are missing come back
         remove,       ///< its files go
         adopt,        ///< what came for others becomes the user's own
@@ -33,13 +35,14 @@ struct PLAZ_API HSCPlazPlannedStep {
     bool isAskedFor = false;
     std::string neededBy = {};  ///< for people: "boards::aurora@2.0, tools::kit"; empty where nobody needs it
     std::string directory = {}; ///< where its files are, or will be
-    std::string url = {};       ///< where what comes is fetched from, without secrets; empty for what goes
+    /// Where what comes is fetched from, without secrets; empty for all else.
+    std::string url = {};
     /// Bytes of the files that come or go; empty where that would have to be fetched, or is not known.
     std::optional<std::uint64_t> size = {};
     /// What its change log says beyond that of the revision that is installed; empty where none is.
     std::string changes = {};
 
-    /// "install", "update", "restore", "remove", "adopt", "keep".
+    /// "install", "update", "take over", "restore", "remove", "adopt", "keep".
     static const char* nameOf(Kind kind);
     /// For people: "asked for", "needed by boards::aurora@2.0", "needed no more".
     std::string describeWhy() const;
@@ -70,5 +73,5 @@ private:
     HSCPlaz& m_hub;
     std::vector<HSCPlazPlannedStep> m_steps;
     std::map<HSCPlazQItemModel*, Before> m_before;
-    std::map<const HSCPlazQItem*, std::size_t> m_coming; ///< items that come, and by which step
+    std::set<const HSCPlazQItem*> m_coming; ///< items whose files are not there yet
 };

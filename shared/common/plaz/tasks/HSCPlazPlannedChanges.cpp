@@ -13,8 +13,8 @@
 #include "plaz/store/HSCPlazInstalledTrees.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazItemFiles.h"
+#include "plaz/tasks/HSCPlazPendingChanges.h"
 #include "plaz/tasks/HSCPlazTask.h"
-#include "plaz/tasks/HSCPlazUnneededItems.h"
 #include "plaz/tasks/HSCPlazUserHolds.h"
 #include "support/HUTFile.h"
 
@@ -26,16 +26,21 @@
 using Kind = HSCPlazPlannedStep::Kind;
 using Mode = HSCPlazInstallationMode;
 namespace Files = HSCPlazItemFiles;
+namespace Pending = HSCPlazPendingChanges;
+namespace Tree = HSCPlazGitTree;
 namespace Trees = HSCPlazInstalledTrees;
-namespace Unneeded = HSCPlazUnneededItems;
 
 namespace {
 
-/// Bytes of the files below a directory.
-std::uint64_t sizeOf(const std::string& dir) {
+/// Bytes of the files below a directory. @param staying  relative to it, with what lies below them
+std::uint64_t sizeOf(const std::string& dir, const std::vector<std::string>& staying) {
     std::uint64_t size = 0;
-    for (const std::string& name : HUTFile::listTree(dir))
-        if (HUTFile::isRegularFile(dir + "/" + name)) size += HUTFile::getSize(dir + "/" + name);
+    for (const std::string& name : HUTFile::listTree(dir)) {
+        const bool stays = std::any_of(staying.begin(), staying.end(), [&](const std::string& other) {
+            return name == other || HUTFile::isBeneath(other, name);
+        });
+        if (!stays && HUTFile::isRegularFile(dir + "/" + name)) size += HUTFile::getSize(dir + "/" + name);
+    }
     return size;
 }
 
@@ -46,17 +51,47 @@ std::string changesSince(const std::string& log, const std::string& older) {
     return boost::algorithm::starts_with(log, older) ? log.substr(older.size()) : log;
 }
 
-/// @return false where no file of that name describes the item. What is wrong with it was told when it came.
-bool readDescription(const std::string& root, const std::string& name, HSCPlazQItemModel& item) {
-    HSCPlazJsonDocument document(HSCPlazLimits::File::item);
-    HSCPlazQItemModel described;
-    HSCPlazFindings findings;
-    const HIOStream::Status status =
-        HSCPlazQItemReader::readBelow(HIOStream::Root(root), name, document, described, findings);
-    const bool isThis = status == HIOStream::Status::ok && described.getName() == item.getName() &&
-                        described.getRevision() == item.getRevision();
-    if (isThis) item.copyDescriptionFrom(described);
-    return isThis;
+bool isOf(const HSCPlazQItemModel& description, const HSCPlazQItemModel& item) {
+    return description.getName() == item.getName() && description.getRevision() == item.getRevision();
+}
+
+/// Where an item's metadata file may be of which the commit is not there: a refresh has brought it, or it is shipped.
+/// @return false where none of them describes the item. What is wrong with it was told when it came
+bool describeByCatalog(const HSCPlazWorkspace& workspace, const HSCPlazFoundItem& found) {
+    HSCPlazQItemModel& item = *found.item->getModel();
+    const HSCPlazQStoreModel& store = *found.store->getModel();
+    const std::string file = HSCPlazPathMgr::getItemFolder(store, item) + "/" + item.getMetadataFile();
+    const std::string area = workspace.paths.getStoreLayout(store).getArea();
+    const std::string inCatalog = HSCPlazStoreLayout::catalogFolder + file;
+    const std::string& shipped = store.getGdaDataLoc();
+    if (file.front() == '/' || file.back() == '/') return false;
+    for (const auto& [root, name] : {std::pair(area, inCatalog), {shipped, inCatalog}, {shipped, file}}) {
+        HSCPlazJsonDocument document(HSCPlazLimits::File::item);
+        HSCPlazQItemModel description;
+        HSCPlazFindings findings;
+        if (root.empty() || HSCPlazQItemReader::readBelow(HIOStream::Root(root), name, document, description,
+                                                          findings) != HIOStream::Status::ok)
+            continue;
+        if (!isOf(description, item)) continue;
+        item.copyDescriptionFrom(description);
+        return true;
+    }
+    return false;
+}
+
+/// An item is described by its files at the commit, where the working copy has them; else by what its catalog says.
+void describe(const HSCPlazWorkspace& workspace, const HSCPlazFoundItem& found, const Trees::Place& place) {
+    HSCPlazQItemModel& item = *found.item->getModel();
+    const std::string file = (place.root.empty() ? "" : place.root + "/") + item.getMetadataFile();
+    auto text = Tree::readFile(place.layout, place.commit, file);
+    if (!text) {
+        describeByCatalog(workspace, found);
+        return;
+    }
+    HSCPlazQItemModel description;
+    HSCPlazFindings findings; // told by the installation, which refuses what is damaged
+    HSCPlazQItemReader::readText(std::move(*text), file, description, findings);
+    if (isOf(description, item)) item.copyDescriptionFrom(description);
 }
 
 } // namespace
@@ -64,10 +99,12 @@ bool readDescription(const std::string& root, const std::string& name, HSCPlazQI
 bool HSCPlazPlannedChanges::run(HSCPlazTask& task, HSCPlazPlan& plan,
                                 const std::function<bool(HSCPlazItemSteps&)>& work) {
     HSCPlazPlannedChanges changes(task, plan);
+    const std::size_t before = plan.m_steps.size();
     const bool isDone = work(changes);
-    const bool areGone = changes.removeUnneeded();
+    if (plan.m_steps.size() == before) changes.m_removal.keepQuiet();
+    const bool areGone = changes.removeUnneeded() || changes.m_removal.isBlocked();
     changes.tellWhy();
-    return isDone && areGone;
+    return isDone && areGone && (!changes.m_removal.isStuck() || changes.m_removal.isBlocked());
 }
 
 HSCPlazPlannedStep HSCPlazPlannedChanges::toStep(Kind kind, const HSCPlazFoundItem& found) const {
@@ -87,80 +124,78 @@ void HSCPlazPlannedChanges::addSource(HSCPlazPlannedStep& step, const HSCPlazFou
     step.size = HSCPlazGitTree::measure(place.layout, place.commit, place.root);
 }
 
-/// What the catalog says of an item is what its files will say, whatever those say that are there. A refresh has
-/// brought that, or it is shipped.
-void HSCPlazPlannedChanges::describe(const HSCPlazFoundItem& found) const {
-    HSCPlazQItemModel& item = *found.item->getModel();
-    const HSCPlazQStoreModel& store = *found.store->getModel();
-    const std::string file = HSCPlazPathMgr::getItemFolder(store, item) + "/" + item.getMetadataFile();
-    const std::string area = m_task.getWorkspace().paths.getStoreLayout(store).getArea();
-    const std::string inCatalog = HSCPlazStoreLayout::catalogFolder + file;
-    const std::string& shipped = store.getGdaDataLoc();
-    if (file.front() == '/' || file.back() == '/') return;
-    for (const auto& [root, name] : {std::pair(area, inCatalog), {shipped, inCatalog}, {shipped, file}})
-        if (!root.empty() && readDescription(root, name, item)) return;
+void HSCPlazPlannedChanges::addChanges(HSCPlazPlannedStep& step, const HSCPlazFoundItem& found) const {
+    const HSCPlazQItem* known = HSCPlazDependencies::findNewestInstalled(*found.store, found.item->getName());
+    if (!known) return;
+    const std::string log = found.item->getHistory(); // each call takes the place of the one before
+    step.changes = changesSince(log, known->getHistory());
 }
 
 bool HSCPlazPlannedChanges::install(const HSCPlazFoundItem& found, Mode mode, bool isAskedFor) {
-    return fetch(found, mode, isAskedFor);
+    if (!m_task.requirePlain(*found.store->getModel(), false)) return false;
+    const auto record = Pending::toInstallation(m_task, found, mode).item;
+    if (!Files::areLeft(m_task, found, *record)) return fetch(found, mode, isAskedFor);
+    if (!HSCPlazUserHolds::requireReplaceable(m_task, found, *record) ||
+        !Files::requireFree(m_task, found, record->getLocalDir()))
+        return false;
+    if (m_task.getWorkspace().databases.hasLostRecords()) record->setMode(Mode::user);
+    HSCPlazPlannedStep step = toStep(Kind::takeOver, found);
+    step.commit = record->getCommitId();
+    step.directory = record->getLocalDir();
+    step.isAskedFor = isAskedFor;
+    put(found, *record, std::move(step));
+    return true;
 }
 
 bool HSCPlazPlannedChanges::fetch(const HSCPlazFoundItem& found, Mode mode, bool isAskedFor) {
-    HSCPlazQItemModel& item = *found.item->getModel();
-    HSCPlazQItemModel record;
-    record.setName(item.getName());
-    record.setCommitId(item.getCommitId());
-    record.setLocalDir(Files::directoryOf(m_task.getWorkspace(), found));
-    if (!m_task.requirePlain(*found.store->getModel()) ||
-        !HSCPlazUserHolds::requireReleasedPlace(m_task, found, record) || !Files::requireReachable(m_task, found) ||
-        !Files::requireFree(m_task, found, record.getLocalDir()))
+    if (!m_task.requirePlain(*found.store->getModel())) return false;
+    const auto record = Pending::toInstallation(m_task, found, mode).item;
+    if (!HSCPlazUserHolds::requireReplaceable(m_task, found, *record) || !Files::requireReachable(m_task, found) ||
+        !Files::requireFree(m_task, found, record->getLocalDir()))
         return false;
-    const std::vector<HSCPlazQItem*> replaced = Files::findReplaced(found, record);
+    const std::vector<HSCPlazQItem*> replaced = Files::findReplaced(found, *record);
     const HSCPlazQItem* older = !replaced.empty() ? replaced.front() : found.item->IsInstalled() ? found.item : nullptr;
     HSCPlazPlannedStep step = toStep(older ? Kind::update : Kind::install, found);
-    addSource(step, found, record);
+    addSource(step, found, *record);
     step.isAskedFor = isAskedFor;
     if (older) {
         step.previousRevision = older->getRevision();
         step.previousCommit = older->getModel()->getInstalledCommitId();
     }
-    if (const HSCPlazQItem* known = HSCPlazDependencies::findNewestInstalled(*found.store, item.getName())) {
-        const std::string log = found.item->getHistory(); // each call takes the place of the one before
-        step.changes = changesSince(log, known->getHistory());
-    }
-    bool isUsers = found.item->isUsers() || mode == Mode::user;
-    for (HSCPlazQItem* other : replaced) {
-        isUsers = isUsers || other->isUsers();
-        m_plan.keep(*other->getModel());
-        other->getModel()->clearInstallation();
-    }
-    m_plan.keep(item);
-    item.setIsInstalled(true);
-    item.setLocalDir(record.getLocalDir());
-    item.setInstalledCommitId(record.getCommitId());
-    item.setMode(isUsers ? Mode::user : mode);
-    describe(found);
-    item.setIsDescribedByItself(true);
-    item.deriveOutdated();
-    HSCPlazHolds::apply(m_task.getHub());
-    m_plan.m_coming[found.item] = m_plan.m_steps.size();
-    m_plan.m_steps.push_back(std::move(step));
+    addChanges(step, found);
+    m_plan.m_coming.insert(found.item);
+    put(found, *record, std::move(step));
     return true;
 }
 
-bool HSCPlazPlannedChanges::remove(const HSCPlazFoundItem& found) {
-    return removeFor(found, true);
+void HSCPlazPlannedChanges::put(const HSCPlazFoundItem& found, const HSCPlazQItemModel& record,
+                                HSCPlazPlannedStep step) {
+    for (const HSCPlazQItem* other : Files::findReplaced(found, record)) m_plan.keep(*other->getModel());
+    HSCPlazQItemModel& item = *found.item->getModel();
+    m_plan.keep(item);
+    Files::giveWay(m_task, found, record);
+    item.setIsInstalled(true);
+    item.setLocalDir(record.getLocalDir());
+    item.setInstalledCommitId(record.getCommitId());
+    item.setInstallationMode(record.getInstallationMode());
+    describe(m_task.getWorkspace(), found, Trees::placeOf(m_task.getWorkspace(), found, record));
+    item.setIsDescribedByItself(true);
+    item.deriveOutdated();
+    HSCPlazHolds::apply(m_task.getHub());
+    m_plan.m_steps.push_back(std::move(step));
 }
 
-bool HSCPlazPlannedChanges::removeFor(const HSCPlazFoundItem& found, bool isAskedFor) {
-    const auto coming = m_plan.m_coming.find(found.item);
+bool HSCPlazPlannedChanges::remove(const HSCPlazFoundItem& found, bool isAskedFor) {
+    if (!m_task.requirePlain(*found.store->getModel(), false)) return false;
     const std::string dir = Files::removableDirectory(m_task, found);
-    if (dir.empty() && coming == m_plan.m_coming.end())
+    const bool isComing = m_plan.m_coming.count(found.item) != 0;
+    if (dir.empty() && !isComing)
         return Files::requireReachable(m_task, found) &&
                m_task.fail(Msg::removalRefused, found.item->getName(), found.item->getLocalRootDir());
     HSCPlazPlannedStep step = toStep(Kind::remove, found);
     step.isAskedFor = isAskedFor;
-    step.size = sizeOf(dir);
+    if (!isComing) step.size = sizeOf(dir, Files::findRemains(found, dir));
+    m_plan.m_coming.erase(found.item);
     m_plan.keep(*found.item->getModel());
     found.item->getModel()->clearInstallation();
     HSCPlazHolds::apply(m_task.getHub());
@@ -186,16 +221,6 @@ bool HSCPlazPlannedChanges::setMode(const HSCPlazFoundItem& found, Mode mode) {
     HSCPlazHolds::apply(m_task.getHub());
     m_plan.m_steps.push_back(std::move(step));
     return true;
-}
-
-bool HSCPlazPlannedChanges::removeUnneeded() {
-    std::set<const HSCPlazQItem*> obstinate;
-    HSCPlazFoundItem unneeded = Unneeded::find(m_task, obstinate);
-    if (const HSCPlazReport obstacle = unneeded ? Unneeded::findObstacle(m_task) : HSCPlazReport(); !obstacle.isEmpty())
-        return m_task.fail(obstacle);
-    for (; unneeded; unneeded = Unneeded::find(m_task, obstinate))
-        if (!removeFor(unneeded, false)) obstinate.insert(unneeded.item);
-    return obstinate.empty();
 }
 
 bool HSCPlazPlannedChanges::areThere(const HSCPlazQItem& item) const {

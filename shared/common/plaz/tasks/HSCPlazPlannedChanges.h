@@ -2,6 +2,7 @@
 
 #include "plaz/tasks/HSCPlazItemSteps.h"
 #include "plaz/tasks/HSCPlazPlan.h"
+#include "plaz/tasks/HSCPlazUnneededItems.h"
 
 #include <functional>
 
@@ -17,21 +18,22 @@ public:
 
     bool install(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode, bool isAskedFor) override;
     bool fetch(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode, bool isAskedFor) override;
-    bool remove(const HSCPlazFoundItem& found) override;
+    bool remove(const HSCPlazFoundItem& found, bool isAskedFor) override;
     bool restore(const HSCPlazFoundItem& found, bool areEditsKept) override;
     bool setMode(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode) override;
-    bool removeUnneeded() override;
+    bool removeUnneeded() override { return m_removal.run(); }
     bool areThere(const HSCPlazQItem& item) const override;
 
 private:
-    HSCPlazPlannedChanges(HSCPlazTask& task, HSCPlazPlan& plan) : m_task(task), m_plan(plan) {}
+    HSCPlazPlannedChanges(HSCPlazTask& task, HSCPlazPlan& plan) : m_task(task), m_plan(plan), m_removal(task, *this) {}
     HSCPlazPlannedStep toStep(HSCPlazPlannedStep::Kind kind, const HSCPlazFoundItem& found) const;
     /// Where files come from, and how large they are.
     void addSource(HSCPlazPlannedStep& step, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record) const;
-    void describe(const HSCPlazFoundItem& found) const;
-    bool removeFor(const HSCPlazFoundItem& found, bool isAskedFor);
+    void addChanges(HSCPlazPlannedStep& step, const HSCPlazFoundItem& found) const;
+    void put(const HSCPlazFoundItem& found, const HSCPlazQItemModel& record, HSCPlazPlannedStep step);
     void tellWhy();
 
     HSCPlazTask& m_task;
     HSCPlazPlan& m_plan;
+    HSCPlazUnneededRemoval m_removal;
 };

@@ -15,18 +15,18 @@ bool HSCPlazTask::isCancelled() const {
 }
 
 void HSCPlazTask::show(const std::string& step, const std::string& subject, double percent) const {
-    if (!m_status) return;
+    if (!isShown()) return;
     m_status->changeAbbrevStatus(step);
     m_status->changeStatus(step + " " + subject);
     m_status->changePercentComplete(percent);
 }
 
 void HSCPlazTask::show(const std::string& text) const {
-    if (m_status) m_status->changeStatus(text);
+    if (isShown()) m_status->changeStatus(text);
 }
 
 void HSCPlazTask::showPercent(double percent) const {
-    if (m_status) m_status->changePercentComplete(percent);
+    if (isShown()) m_status->changePercentComplete(percent);
 }
 
 void HSCPlazTask::tell(const HSCPlazReport& report) {

@@ -30,7 +30,7 @@ public:
 
     /// The status reports cancellation, or the running program was interrupted. Of a cancellation nothing is told.
     bool isCancelled() const;
-    /// Progress for people: "Installing" "starter".
+    /// Progress for people: "Installing" "starter". A plan has none.
     void show(const std::string& step, const std::string& subject, double percent) const;
     /// The same without a new percentage.
     void show(const std::string& text) const;
@@ -80,6 +80,7 @@ public:
     bool guard(const std::function<bool()>& action);
 
 private:
+    bool isShown() const { return m_status && !m_options.plan; }
     bool runLocked(const std::function<bool()>& work, const HSCPlazQStore* only);
 
     HSCPlazWorkspace& m_workspace;

@@ -173,7 +173,7 @@ private:
             if (m_task.isCancelled()) return false;
             const HSCPlazFoundItem found = *next;
             m_toRemove.erase(next);
-            isWhole = note(found, m_changes.remove(found), Outcome::removed) && isWhole;
+            isWhole = note(found, m_changes.remove(found, true), Outcome::removed) && isWhole;
         }
         for (const HSCPlazFoundItem& needed : m_toRemove) isWhole = leave(needed) && isWhole;
         return isWhole;

@@ -26,7 +26,7 @@ bool HSCPlazUninstallTask::uninstall(HSCPlazTask& task, HSCPlazItemSteps& steps,
     if (!found || !found.item->IsInstalled()) return task.fail(Msg::itemNotInstalled, Files::shownName(asked));
     HSCPlazQItem& item = *found.item;
     if (item.getReferenceCount() >= 1) return keepForHolders(task, steps, found);
-    if (!steps.remove(found)) return false;
+    if (!steps.remove(found, true)) return false;
     const bool areGone = steps.removeUnneeded();
     task.tellNews(Msg::itemRemoved, Files::shownName(item));
     return areGone;

@@ -7,9 +7,13 @@
 #include "plaz/store/HSCPlazPlaces.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazItemFiles.h"
+#include "plaz/tasks/HSCPlazItemSteps.h"
 #include "plaz/tasks/HSCPlazTask.h"
 
 #include <algorithm>
+#include <utility>
+
+namespace Unneeded = HSCPlazUnneededItems;
 
 namespace {
 
@@ -27,6 +31,14 @@ std::string findUnknownRecord(const HSCPlazTask& task) {
     if (!unreadable.empty()) return unreadable;
     const std::vector<HSCPlazPlace> missing = HSCPlazPlaces(task.getWorkspace()).findMissing();
     return missing.empty() ? std::string() : missing.front().directory;
+}
+
+/// Another revision has taken its place.
+bool isReplaced(const HSCPlazFoundItem& found) {
+    const auto entries = found.store->getItems(found.item->getName());
+    return !found.store->IsMultiRevisionSupported() &&
+           std::any_of(entries.begin(), entries.end(),
+                       [&](const auto* other) { return other != found.item && other->IsInstalled(); });
 }
 
 } // namespace
@@ -48,16 +60,46 @@ HSCPlazFoundItem HSCPlazUnneededItems::find(const HSCPlazTask& task, const std::
     return {};
 }
 
-bool HSCPlazUnneededItems::isReplaced(const HSCPlazFoundItem& found) {
-    const auto entries = found.store->getItems(found.item->getName());
-    return !found.store->IsMultiRevisionSupported() &&
-           std::any_of(entries.begin(), entries.end(),
-                       [&](const auto* other) { return other != found.item && other->IsInstalled(); });
-}
-
 HSCPlazReport HSCPlazUnneededItems::findObstacle(const HSCPlazTask& task) {
     if (const HSCPlazQItem* undescribed = findUndescribed(task.getHub()))
         return {Msg::needsUnknown, MsgSeverity::error, HSCPlazItemFiles::referenceOf(*undescribed)};
     const std::string unreadable = findUnknownRecord(task);
     return unreadable.empty() ? HSCPlazReport() : HSCPlazReport(Msg::needsUnreadable, MsgSeverity::error, unreadable);
+}
+
+bool HSCPlazUnneededRemoval::run() {
+    HSCPlazFoundItem unneeded = Unneeded::find(m_task, m_obstinate);
+    if (unneeded && m_task.getWorkspace().databases.hasLostRecords()) {
+        for (HSCPlazQStore* store : m_task.getHub().getStores())
+            if (!adopt(*store)) return false;
+        unneeded = Unneeded::find(m_task, m_obstinate);
+    }
+    if (const HSCPlazReport obstacle = unneeded ? Unneeded::findObstacle(m_task) : HSCPlazReport();
+        !obstacle.isEmpty()) {
+        m_isStuck = true; // once it can be read, they go
+        return !std::exchange(m_isBlocked, true) && m_task.fail(obstacle);
+    }
+    for (; unneeded; unneeded = Unneeded::find(m_task, m_obstinate)) {
+        const std::string name = unneeded.item->getName();
+        const bool isRefused = HSCPlazItemFiles::removableDirectory(m_task, unneeded).empty();
+        if (m_steps.remove(unneeded, false)) {
+            m_task.tellNews(Msg::dependencyRemoved, name);
+            continue;
+        }
+        m_obstinate.insert(unneeded.item);
+        m_isStuck = m_isStuck || !isRefused; // any other obstacle passes, and the next task tries again
+    }
+    return m_obstinate.empty();
+}
+
+bool HSCPlazUnneededRemoval::adopt(HSCPlazQStore& store) {
+    if (!HSCPlazPlaces(m_task.getWorkspace()).mayChange(*store.getModel())) return true;
+    std::set<const HSCPlazQItem*> passed = m_obstinate;
+    while (const HSCPlazFoundItem unneeded = Unneeded::find(store, passed)) {
+        if (isReplaced(unneeded))
+            passed.insert(unneeded.item);
+        else if (!m_steps.setMode(unneeded, HSCPlazInstallationMode::user))
+            return false;
+    }
+    return true;
 }

@@ -42,12 +42,16 @@ bool HSCPlazUserHolds::requireReleased(HSCPlazTask& task, const HSCPlazQItem& it
                                 item.getStoreName() + "::" + item.getName());
 }
 
-bool HSCPlazUserHolds::requireReleasedPlace(HSCPlazTask& task, const HSCPlazFoundItem& found,
-                                            const HSCPlazQItemModel& record) {
-    std::vector<HSCPlazQItem*> leaving = Files::findReplaced(found, record);
+bool HSCPlazUserHolds::requireReplaceable(HSCPlazTask& task, const HSCPlazFoundItem& found,
+                                          const HSCPlazQItemModel& record) {
+    const std::vector<HSCPlazQItem*> replaced = Files::findReplaced(found, record);
+    std::vector<HSCPlazQItem*> leaving = replaced;
     if (found.item->isRecorded() && found.item->getModel()->getInstalledCommitId() != record.getCommitId())
         leaving.push_back(found.item);
-    return std::all_of(leaving.begin(), leaving.end(), [&](auto* item) { return requireReleased(task, *item); });
+    const auto isReleased = [&](HSCPlazQItem* item) { return requireReleased(task, *item); };
+    const auto isReachable = [&](HSCPlazQItem* item) { return Files::requireReachable(task, {found.store, item}); };
+    return std::all_of(leaving.begin(), leaving.end(), isReleased) &&
+           std::all_of(replaced.begin(), replaced.end(), isReachable);
 }
 
 bool HSCPlazUserHolds::requireReleasedNeeds(HSCPlazTask& task, const HSCPlazQItem& item) {

@@ -11,9 +11,10 @@ namespace HSCPlazUserHolds {
 
 /// Fails where the user holds the item (Msg::itemIsHeld), and where nobody knows (Msg::heldUnknown).
 bool requireReleased(HSCPlazTask& task, const HSCPlazQItem& item);
-/// The same of what an item would take the place of: another revision, or its own files of another commit.
+/// The same of what an item would take the place of: another revision, or its own files of another commit. Fails also
+/// where files of such a revision are out of reach.
 /// @param record  as the item will be recorded
-bool requireReleasedPlace(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record);
+bool requireReplaceable(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record);
 /// The same, before anything is fetched, of all that an installation of the item would bring in the place of another
 /// revision.
 bool requireReleasedNeeds(HSCPlazTask& task, const HSCPlazQItem& item);

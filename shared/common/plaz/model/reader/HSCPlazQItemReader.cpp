@@ -112,6 +112,14 @@ bool HSCPlazQItemReader::read(const std::string& file, HSCPlazQItemModel& item, 
     return isRead;
 }
 
+void HSCPlazQItemReader::readText(std::string text, const std::string& name, HSCPlazQItemModel& item,
+                                  HSCPlazFindings& found) {
+    HSCPlazJsonDocument document(HSCPlazLimits::File::item);
+    document.loadText(std::move(text), name, found);
+    document.validate(HSCPlazSchema::Kind::qitem, found);
+    fill(document.getRoot(), item, found);
+}
+
 bool HSCPlazQItemReader::parse(const std::string& file, HSCPlazQItemModel* model) {
     if (!model) return false;
     HSCPlazFindings found;

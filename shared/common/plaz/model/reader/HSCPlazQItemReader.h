@@ -26,6 +26,8 @@ public:
     /// @return how the file could be read; one that is missing or lies outside the directory is no finding
     static HIOStream::Status readBelow(const HIOStream::Root& root, const std::string& relative,
                                        HSCPlazJsonDocument& document, HSCPlazQItemModel& item, HSCPlazFindings& found);
+    /// The same of a content that is in memory. @param name  what it is called in findings
+    static void readText(std::string text, const std::string& name, HSCPlazQItemModel& item, HSCPlazFindings& found);
     /// The same of a document that has been read.
     static void fill(const rapidjson::Value& root, HSCPlazQItemModel& item, HSCPlazFindings& found);
 };

@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
+#include <utility>
 
 namespace {
 
@@ -111,6 +112,14 @@ std::optional<std::uint64_t> HSCPlazGitTree::measure(const HSCPlazWorkLayout& la
         size += std::strtoull(answer.text.c_str() + number, nullptr, 10); // "-" of what is no file
     }
     return size;
+}
+
+std::optional<std::string> HSCPlazGitTree::readFile(const HSCPlazWorkLayout& layout, const std::string& commit,
+                                                    const std::string& file) {
+    if (!HSCPlazStoreLayout::isComplete(layout.getIndex()) || !HSCPlazTrust::isCommitId(commit)) return std::nullopt;
+    HSCPlazGitAnswer answer = HSCPlazGitRunner::ask({"cat-file", "blob", commit + ":" + file}, layout.getIndex());
+    if (answer.status != 0 || !answer.isHeard) return std::nullopt;
+    return std::move(answer.text);
 }
 
 std::string HSCPlazGitTree::listIndex(std::string_view index, const std::string& root) {

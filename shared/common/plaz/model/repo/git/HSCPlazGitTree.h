@@ -22,6 +22,10 @@ HSCPlazGitAnswer list(const HSCPlazWorkLayout& layout, const std::string& commit
 std::optional<std::uint64_t> measure(const HSCPlazWorkLayout& layout, const std::string& commit,
                                      const std::string& root);
 
+/// The content of a file of a commit; empty where the working copy does not hold it.
+std::optional<std::string> readFile(const HSCPlazWorkLayout& layout, const std::string& commit,
+                                    const std::string& file);
+
 /// The same as list() from git's index, which a checkout of the commit has written: without starting a process.
 /// @param index  content of the file, as versions 2 and 3 of its format have it
 /// @return empty for anything else, such as ids of SHA-256, an index in parts, or one with conflicts
