@@ -16,6 +16,8 @@ class HSCPlazQStoreModel;
 ///     <shared root>/<root>/<stores root>/<store root>   what is shipped of a store
 ///     <user area>/plaz.lock                             held by the process that installs or removes
 ///     <user area>/plaz_stores.json                      where the stores live
+///     <user area>/plaz_held.json                        the items that are held in their revision
+///     <user area>/plaz_history.json                     what was done to what is installed
 ///     <user area>/plaz_kept/<date>/<store root>/...     what people had changed or added in items that went
 ///     <user area>/<root>/plaz.json                      the hub's metadata as it was refreshed last
 ///
