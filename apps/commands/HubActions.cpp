@@ -192,6 +192,17 @@ StoresResult HubActions::refresh(const Stores& stores) const {
     return doEach(stores, [&](HSCPlazQStore& store) { return HSCPlazTaskMgr::refreshStore(store, &m_status); });
 }
 
+StoresResult HubActions::planRefresh(const Stores& stores) const {
+    return doEach(stores, [&](HSCPlazQStore& store) { return HSCPlazTaskMgr::planRefresh(store, &m_status); });
+}
+
+StoresResult HubActions::planRefreshHub() const {
+    HSCPlazHubResult hub = HSCPlazTaskMgr::planRefresh(m_hub, &m_status);
+    StoresResult result = toResult(hub);
+    result.parts = std::move(hub.stores);
+    return result;
+}
+
 StoresResult HubActions::refreshHub(const std::vector<std::string>& names) const {
     const HSCPlazCommand command("refresh --hub");
     return describeAll(HSCPlazTaskMgr::refreshHub(m_hub, &m_status), names);

@@ -76,6 +76,10 @@ public:
 
     /// Items of the stores are new objects afterwards.
     StoresResult refresh(const std::vector<HSCPlazQStore*>& stores) const;
+    /// What refresh() would change: HSCPlazStoreResult::changes. Objects stay what they are.
+    StoresResult planRefresh(const std::vector<HSCPlazQStore*>& stores) const;
+    /// The same of refreshHub(), for all stores.
+    StoresResult planRefreshHub() const;
     /// Fetches the hub's own metadata first, and with it all catalogs; all objects are new then. A store of which that
     /// failed is among the parts, whether it was named or not.
     /// @param names  of stores; a name may be one that the hub learns of only then. None for all.

@@ -42,8 +42,9 @@ inline constexpr MsgId<1> settingIsSecret{"@17-2325@%s"};      ///< parameter
 inline constexpr MsgId<1> settingNotGiven{"@17-2326@%s"};      ///< parameter
 inline constexpr MsgId<2> urlHoldsLogin{"@17-2337@%s%s"};      ///< store, URL
 inline constexpr MsgId<0> nothingPlanned{"@17-2288@"};
-inline constexpr MsgId<1> isInstalled{"@17-2289@%s"};     ///< reference of an item
-inline constexpr MsgId<1> nothingInTheWay{"@17-2290@%s"}; ///< reference of an item
+inline constexpr MsgId<1> isInstalled{"@17-2289@%s"};         ///< reference of an item
+inline constexpr MsgId<1> nothingInTheWay{"@17-2290@%s"};     ///< reference of an item
+inline constexpr MsgId<2> storeItemsUnknown{"@17-2339@%s%s"}; ///< store, store
 inline constexpr MsgId<0> doctorKnows{"@17-2366@"};
 inline constexpr MsgId<0> hubEmpty{"@17-2336@"};
 inline constexpr MsgId<3> nameUnknown{"@17-2300@%s%s%s"};       ///< kind of name, name, those there are

@@ -52,10 +52,25 @@ py::object toPython(const HSCPlazFilesResult& result) {
                              toTuple(result.unreadable));
 }
 
+py::object toPython(const HSCPlazCatalogChanges& changes) {
+    const py::module_ results = py::module_::import("plaz._results");
+    py::list subjects, items;
+    for (const std::string& subject : changes.subjects) subjects.append(::toPython(subject));
+    for (const HSCPlazCatalogChanges::Item& item : changes.items)
+        items.append(results.attr("CatalogChange")(HSCPlazCatalogChanges::nameOf(item.kind), ::toPython(item.name),
+                                                   ::toPython(item.revision), ::toPython(item.previousRevision),
+                                                   item.isInstalled));
+    return results.attr("CatalogChanges")(::toPython(changes.url), ::toPython(changes.previousCommit),
+                                          ::toPython(changes.commit), py::tuple(subjects), py::tuple(items));
+}
+
 py::object toPython(const HSCPlazStoreResult& result) {
+    const HSCPlazCatalogChanges& changes = result.changes;
+    const bool isPlanned = !changes.commit.empty() || !changes.url.empty();
     return py::module_::import("plaz._results")
         .attr("StoreResult")(::toPython(result.store), HSCPlazStoreResult::nameOf(result.outcome),
-                             ::toPython(result.directory), result.items);
+                             ::toPython(result.directory), result.items,
+                             isPlanned ? toPython(changes) : py::object(py::none()));
 }
 
 py::object toPython(const HSCPlazPlannedStep& step) {
@@ -267,7 +282,7 @@ py::list repair(const py::object& items, const OptionalText& store, bool quiet, 
                       &HubActions::repair);
 }
 
-py::list refresh(const py::object& stores, bool hub, py::object progress) {
+py::list refresh(const py::object& stores, bool hub, py::object progress, bool dryRun) {
     std::vector<std::string> names;
     if (!stores.is_none()) names = readStores(listNamed(stores));
     const bool isNothing = !stores.is_none() && names.empty() && !hub;
@@ -275,8 +290,9 @@ py::list refresh(const py::object& stores, bool hub, py::object progress) {
         [&](Call& call) {
             if (isNothing) return py::list();
             const HubActions actions = makeActions(call);
-            if (hub) return answer(call, actions.refreshHub(names));
-            return answer(call, actions.refresh(HubQueries(call.getHub()).getStores(names)));
+            if (hub) return answer(call, dryRun ? actions.planRefreshHub() : actions.refreshHub(names));
+            const std::vector<HSCPlazQStore*> found = HubQueries(call.getHub()).getStores(names);
+            return answer(call, dryRun ? actions.planRefresh(found) : actions.refresh(found));
         },
         std::move(progress));
 }

@@ -25,6 +25,6 @@ pybind11::list verify(const pybind11::object& items, const OptionalText& store, 
 pybind11::list repair(const pybind11::object& items, const OptionalText& store, bool quiet, bool discardChanges,
                       pybind11::object progress);
 /// @param stores  None for all
-pybind11::list refresh(const pybind11::object& stores, bool hub, pybind11::object progress);
+pybind11::list refresh(const pybind11::object& stores, bool hub, pybind11::object progress, bool dryRun);
 pybind11::object checkStore(const StoreHandle& store);
 void setProduct(const Text& name, const Text& version);

@@ -154,10 +154,12 @@ void defineActions(py::module_& module) {
                "kept, and a message says where, unless it is discarded; what was added stays.\n\n"
                "items: as for verify(). The other arguments and the result are those of install().");
     module.def("refresh", &refresh, "stores"_a = py::none(), py::kw_only(), "hub"_a = false, "progress"_a = py::none(),
-               "refresh(stores=None, *, hub=False, progress=None)\n--\n\n"
+               "dry_run"_a = false,
+               "refresh(stores=None, *, hub=False, progress=None, dry_run=False)\n--\n\n"
                "Fetches the catalogs of stores, names or Store objects; of all stores without any. Their items are new "
                "objects afterwards.\n\n"
                "hub: fetches the hub's own list of stores first; stores are new objects afterwards, too.\n"
+               "dry_run: tells what would change (StoreResult.changes), and leaves in force what is.\n"
                "progress: as for install().\n\n"
                "Returns a StoreResult for each store. Raises Error when one fails.");
     module.def("cancel", &Call::cancelCurrent,
@@ -215,7 +217,7 @@ void defineStore(py::module_& module) {
     defineMethod<HSCPlazQStore>(
         "refresh",
         [](const StoreHandle& self, py::object progress) -> py::object {
-            return refresh(self.toObject(), false, std::move(progress))[0];
+            return refresh(self.toObject(), false, std::move(progress), false)[0];
         },
         "progress"_a = py::none(),
         documented<HSCPlazQStore>(

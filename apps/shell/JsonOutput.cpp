@@ -214,6 +214,14 @@ void fillStep(Object& object, const HSCPlazPlannedStep& step) {
     if (!step.changes.empty()) object.text("changes", step.changes);
 }
 
+void fillCatalogChange(Object& object, const HSCPlazCatalogChanges::Item& item) {
+    object.text("change", HSCPlazCatalogChanges::nameOf(item.kind))
+        .text("name", item.name)
+        .text("revision", item.revision);
+    if (!item.previousRevision.empty()) object.text("previous_revision", item.previousRevision);
+    object.flag("is_installed", item.isInstalled);
+}
+
 void fillFact(Document& document, Object& object, const char* key, const std::optional<HSCPlazInstalledFact>& fact) {
     if (!fact) return;
     Object side(document);
@@ -335,12 +343,19 @@ void JsonOutput::showFiles(const std::vector<HSCPlazFilesResult>& results) {
 }
 
 void JsonOutput::showStoreResults(const std::vector<HSCPlazStoreResult>& results) {
-    add(m_document, "qstores", arrayOf(m_document, results, [](Object& object, const HSCPlazStoreResult& result) {
+    add(m_document, "qstores", arrayOf(m_document, results, [this](Object& object, const HSCPlazStoreResult& result) {
             object.text("name", result.store)
                 .text("outcome", HSCPlazStoreResult::nameOf(result.outcome))
                 .text("local_directory", result.directory)
                 .number("item_count", static_cast<int>(result.items))
                 .number("items", static_cast<int>(result.items));
+            const HSCPlazCatalogChanges& changes = result.changes;
+            if (!changes.url.empty()) object.text("url", changes.url);
+            if (changes.commit.empty()) return;
+            object.text("previous_commit_id", changes.previousCommit)
+                .text("commit_id", changes.commit)
+                .texts("subjects", changes.subjects)
+                .value("changes", arrayOf(m_document, changes.items, fillCatalogChange));
         }));
 }
 

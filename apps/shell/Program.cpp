@@ -272,7 +272,8 @@ std::vector<HSCPlazQStore*> Program::getStores() {
 }
 
 int Program::runRefresh() {
-    if (m_options.dryRun) return runCheck();
+    if (m_options.dryRun)
+        return show(m_options.hub ? makeActions().planRefreshHub() : makeActions().planRefresh(getStores()));
     return show(m_options.hub ? makeActions().refreshHub(m_options.stores) : makeActions().refresh(getStores()));
 }
 

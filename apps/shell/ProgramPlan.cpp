@@ -3,7 +3,11 @@
 #include "Program.h"
 #include "ShellMsg.h"
 
+#include "plaz/HSCPlazTaskMgr.h"
+#include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQItem.h"
+#include "plaz/model/HSCPlazQStore.h"
+#include "plaz/model/HSCPlazQStoreModel.h"
 #include "plaz/tasks/HSCPlazPlan.h"
 
 int Program::change(HubActions::Change action, const std::vector<HSCPlazQItem*>& items) {
@@ -23,8 +27,27 @@ int Program::runWhy() {
     return exitStatus::done;
 }
 
+namespace {
+
+/// An item that is not found may be in a store of which nothing is known here.
+void tellUnknownStores(const HSCPlaz& hub) {
+    for (const HSCPlazQStore* store : hub.getStores())
+        if (store->getModel()->isUnread() || (store->getItems().empty() && !HSCPlazTaskMgr::isRefreshed(store)))
+            ComMsgMgr::send(ShellMsg::storeItemsUnknown, MsgSeverity::info, store->getName(), store->getName());
+}
+
+} // namespace
+
 int Program::runWhyNot() {
-    HSCPlazQItem& item = HubQueries(getHub()).resolve(*ItemReference::parse(m_options.items.front()), m_options.store);
+    const ItemReference wanted = *ItemReference::parse(m_options.items.front());
+    HSCPlazQItem* found = nullptr;
+    try {
+        found = &HubQueries(getHub()).resolve(wanted, m_options.store);
+    } catch (const HEXAll&) {
+        tellUnknownStores(getHub());
+        throw;
+    }
+    HSCPlazQItem& item = *found;
     const std::string reference = ItemReference::of(item).toText();
     if (item.IsInstalled()) {
         ComMsgMgr::send(ShellMsg::isInstalled, MsgSeverity::info, reference);

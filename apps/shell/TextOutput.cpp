@@ -254,6 +254,26 @@ void TextOutput::showStoreResults(const std::vector<HSCPlazStoreResult>& results
         table.addRow({HSCPlazStoreResult::nameOf(result.outcome), result.store, std::to_string(result.items) + " items",
                       result.directory});
     printPainted(table);
+    for (const HSCPlazStoreResult& result : results) showChanges(result);
+}
+
+void TextOutput::showChanges(const HSCPlazStoreResult& result) {
+    const HSCPlazCatalogChanges& changes = result.changes;
+    const std::string store = HUTText::printable(result.store);
+    if (!changes.url.empty()) m_out << '\n' << store << " from " << HUTText::printable(changes.url) << '\n';
+    if (changes.commit == changes.previousCommit) return;
+    m_out << '\n'
+          << store << ' ' << changes.previousCommit.substr(0, shownCommit)
+          << (changes.previousCommit.empty() ? "" : "..") << changes.commit.substr(0, shownCommit) << '\n';
+    TextTable table({});
+    for (const HSCPlazCatalogChanges::Item& item : changes.items) {
+        std::string what = ItemReference{result.store, item.name, item.revision}.toText();
+        if (item.previousRevision != item.revision && !item.previousRevision.empty())
+            what += " (was " + item.previousRevision + ")";
+        table.addRow({"", HSCPlazCatalogChanges::nameOf(item.kind), what, item.isInstalled ? "installed" : ""});
+    }
+    table.print(m_out);
+    for (const std::string& subject : changes.subjects) m_out << "  * " << HUTText::printable(subject) << '\n';
 }
 
 void TextOutput::showHistory(const std::vector<HSCPlazHistoryEntry>& entries) {

@@ -36,6 +36,7 @@ public:
     bool finish(const std::string& error, const std::vector<ComMsgMgr::Message>& messages) override;
 
 private:
+    void showChanges(const HSCPlazStoreResult& result);
     void showPathList(const std::vector<HSCPlazPathsInForce::Path>& paths);
     /// A table whose rows begin with an outcome or a state.
     void printPainted(const TextTable& table);

@@ -62,13 +62,40 @@ Tcl_Obj* toDict(const HSCPlazPlannedStep& step) {
                      {"changes", step.changes}});
 }
 
-/// The steps of a plan; one that could not be carried out ends with the reason.
+Tcl_Obj* toDict(const HSCPlazCatalogChanges::Item& item) {
+    return makeDict({{"change", HSCPlazCatalogChanges::nameOf(item.kind)},
+                     {"name", item.name},
+                     {"revision", item.revision},
+                     {"previous_revision", item.previousRevision},
+                     {"is_installed", item.isInstalled ? "1" : "0"}});
+}
+
+Tcl_Obj* toDict(const HSCPlazStoreResult& result);
+
+template <typename Part> Tcl_Obj* toDicts(const std::vector<Part>& parts) {
+    Tcl_Obj* list = Tcl_NewListObj(0, nullptr);
+    for (const Part& part : parts) Tcl_ListObjAppendElement(nullptr, list, toDict(part));
+    return list;
+}
+
+Tcl_Obj* toDict(const HSCPlazStoreResult& result) {
+    Tcl_Obj* dict = makeDict({{"name", result.store},
+                              {"outcome", HSCPlazStoreResult::nameOf(result.outcome)},
+                              {"url", result.changes.url},
+                              {"previous_commit_id", result.changes.previousCommit},
+                              {"commit_id", result.changes.commit}});
+    Tcl_DictObjPut(nullptr, dict, makeText("subjects"), makeList(result.changes.subjects));
+    Tcl_DictObjPut(nullptr, dict, makeText("changes"), toDicts(result.changes.items));
+    return dict;
+}
+
+/// What would be done; where that could not be carried out, the reason.
+template <typename Part> Tcl_Obj* makePlan(const TclCall& call, const CommandResult<Part>& result) {
+    return result.isDone ? toDicts(result.parts) : answer(call, result);
+}
+
 Tcl_Obj* makePlan(const TclCall& call, HubActions::Change change, const Items& items) {
-    const PlanResult result = makeActions(call).plan(change, items);
-    if (!result.isDone) return answer(call, result);
-    Tcl_Obj* steps = Tcl_NewListObj(0, nullptr);
-    for (const HSCPlazPlannedStep& step : result.parts) Tcl_ListObjAppendElement(nullptr, steps, toDict(step));
-    return steps;
+    return makePlan(call, makeActions(call).plan(change, items));
 }
 
 template <typename Native> const std::vector<Native*>& requireSome(const std::vector<Native*>& natives) {
@@ -245,9 +272,11 @@ Tcl_Obj* refresh(const TclCall& call) {
         if (!isHub) addOnce(stores, requireStore(meant));
     }
     if (!words.empty() && names.empty()) failWith(ShellMsg::nothingNamed);
-    if (isHub) return answer(call, makeActions(call).refreshHub(names));
-    return answer(
-        call, makeActions(call).refresh(requireSome(words.empty() ? HubQueries(requireHub()).getStores({}) : stores)));
+    const bool isPlanned = call.has(commandOptions::dryRun);
+    const HubActions actions = makeActions(call);
+    if (isHub) return isPlanned ? makePlan(call, actions.planRefreshHub()) : answer(call, actions.refreshHub(names));
+    const Stores meant = requireSome(words.empty() ? HubQueries(requireHub()).getStores({}) : stores);
+    return isPlanned ? makePlan(call, actions.planRefresh(meant)) : answer(call, actions.refresh(meant));
 }
 
 TclCommand actionCommand(const char* name, const char* arguments, const char* description,
@@ -304,8 +333,9 @@ const std::vector<TclCommand>& actionCommands() {
          tclOptions({quiet, discardChanges}), TclSubject::nothing, false, undo},
         {"plaz::refresh_catalog", "?stores ...?",
          "Fetches the catalogs of stores, all without a word, and what they say of items, which are new objects then; "
-         "with -hub the stores are, too. The result is how many stores were fetched.",
-         tclOptions({quiet, hub}), TclSubject::stores, false, refresh},
+         "with -hub the stores are, too. The result is how many stores were fetched; with -dry_run a dictionary for "
+         "each store, of what would change.",
+         tclOptions({quiet, hub, dryRun}), TclSubject::stores, false, refresh},
     };
     return commands;
 }

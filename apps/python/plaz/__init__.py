@@ -45,6 +45,8 @@ from plaz._plaz import (
 )
 from plaz._results import (
     ActionResult,
+    CatalogChange,
+    CatalogChanges,
     Category,
     FilesResult,
     HistoryChange,
@@ -63,6 +65,8 @@ __all__ = [
     "AmbiguousError",
     "BusyError",
     "Cancelled",
+    "CatalogChange",
+    "CatalogChanges",
     "Category",
     "Error",
     "FilesResult",

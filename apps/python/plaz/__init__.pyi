@@ -70,11 +70,26 @@ class FilesResult(NamedTuple):
     additional: tuple[str, ...]
     unreadable: tuple[str, ...]
 
+class CatalogChange(NamedTuple):
+    change: str
+    name: str
+    revision: str
+    previous_revision: str
+    is_installed: bool
+
+class CatalogChanges(NamedTuple):
+    url: str
+    previous_commit_id: str
+    commit_id: str
+    subjects: tuple[str, ...]
+    items: tuple[CatalogChange, ...]
+
 class StoreResult(NamedTuple):
     store: str
     outcome: str
     directory: str
     items: int
+    changes: CatalogChanges | None = None
 
 class Error(Exception):
     text: str
@@ -319,6 +334,7 @@ def refresh(
     *,
     hub: bool = False,
     progress: _Progress | None = None,
+    dry_run: bool = False,
 ) -> list[StoreResult]: ...
 def cancel() -> bool: ...
 def set_product(name: str, version: str) -> None: ...
@@ -328,6 +344,8 @@ __all__ = [
     "AmbiguousError",
     "BusyError",
     "Cancelled",
+    "CatalogChange",
+    "CatalogChanges",
     "Error",
     "FilesResult",
     "HistoryChange",

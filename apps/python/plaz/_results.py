@@ -83,24 +83,57 @@ class FilesResult(NamedTuple):
     unreadable: Tuple[str, ...]
 
 
+class CatalogChange(NamedTuple):
+    """What a refresh would change of what is known of an item.
+
+    change: "new", "changed" (another revision takes its place, or the same one was published anew) or "withdrawn".
+    previous_revision: of a change, what is offered now.
+    is_installed: whether that is installed.
+    """
+
+    change: str
+    name: str
+    revision: str
+    previous_revision: str
+    is_installed: bool
+
+
+class CatalogChanges(NamedTuple):
+    """What a refresh of a store would change.
+
+    url: without secrets, of a store that is new, or is fetched from there from then on.
+    previous_commit_id, commit_id: those that the catalog is of, now and then; empty where nothing was fetched.
+    subjects: the first lines of the commits between them, the newest first, 20 at most.
+    """
+
+    url: str
+    previous_commit_id: str
+    commit_id: str
+    subjects: Tuple[str, ...]
+    items: Tuple[CatalogChange, ...]
+
+
 class StoreResult(NamedTuple):
     """What became of a store.
 
-    outcome: "refreshed", "outdated", "up-to-date", "unknown" or "failed".
+    outcome: "refreshed", "outdated", "up-to-date", "unknown" or "failed"; with dry_run also "new" and "withdrawn", of
+    what the hub would begin, or cease, to list.
     directory: the store's area.
     items: how many its catalog lists, whatever the number of their revisions.
+    changes: of a dry run.
     """
 
     store: str
     outcome: str
     directory: str
     items: int
+    changes: Optional[CatalogChanges] = None
 
 
 class PlannedStep(NamedTuple):
     """What would be done to one item.
 
-    step: "install", "update", "restore", "remove", "adopt" (what came for others becomes the user's own) or "keep"
+    step: "install", "update", "take over" (its files are there already), "restore", "remove", "adopt" (what came for others becomes the user's own) or "keep"
     (what the user asked for stays, for others).
     previous_revision, previous_commit_id: of an update, what is there now.
     needed_by: who needs it then, such as "boards::aurora@2.0, tools::kit@1.0".

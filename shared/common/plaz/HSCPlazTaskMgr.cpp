@@ -21,6 +21,7 @@
 #include "plaz/tasks/HSCPlazOwnStoreTask.h"
 #include "plaz/tasks/HSCPlazPlannedChanges.h"
 #include "plaz/tasks/HSCPlazRefreshHubTask.h"
+#include "plaz/tasks/HSCPlazRefreshPlanTask.h"
 #include "plaz/tasks/HSCPlazRefreshStoreTask.h"
 #include "plaz/tasks/HSCPlazRepairTask.h"
 #include "plaz/tasks/HSCPlazSampleHubTask.h"
@@ -78,7 +79,7 @@ HSCPlazStoreResult resultOf(const HSCPlazTask& task, const HSCPlazQStore& store,
 }
 
 HSCPlazHubResult resultOf(const HSCPlazTask& task, bool isDone) {
-    return {isDone, task.getReport(), {}};
+    return {isDone, task.getReport(), {}, {}};
 }
 
 std::string catalogPath(const HSCPlazQStore* store) {
@@ -257,6 +258,24 @@ HSCPlazHubResult HSCPlazTaskMgr::refreshHub(HSCPlaz& hub, HDGUIStatus* status) {
         result.failed.push_back(HSCPlazStoreResult::of(*store, StoreOutcome::failed));
         result.failed.back().report = report;
     }
+    return result;
+}
+
+HSCPlazHubResult HSCPlazTaskMgr::planRefresh(HSCPlaz& hub, HDGUIStatus* status) {
+    HSCPlazTask task(workspace(), hub, status);
+    HSCPlazHubResult result;
+    const auto plan = [&] { return mayRefreshHub(task) && HSCPlazRefreshPlanTask::planHub(task, result.stores); };
+    result.isDone = hub.getModel() && task.guard([&] { return task.run(plan); });
+    result.report = task.getReport();
+    return result;
+}
+
+HSCPlazStoreResult HSCPlazTaskMgr::planRefresh(HSCPlazQStore& store, HDGUIStatus* status) {
+    HSCPlazTask task(workspace(), *store.getHub(), status);
+    HSCPlazStoreResult result = HSCPlazStoreResult::of(store, StoreOutcome::unknown);
+    const auto plan = [&] { return HSCPlazRefreshPlanTask::planStore(task, store, result); };
+    if (!task.guard([&] { return task.run(plan, &store); })) result.outcome = StoreOutcome::failed;
+    result.report = task.getReport();
     return result;
 }
 

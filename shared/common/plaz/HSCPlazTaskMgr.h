@@ -134,6 +134,8 @@ public:
     /// Fetches the hub's own metadata and the catalogs of all stores that it lists. What its catalog says of the items
     /// of each store is left to describeItems(). Sends Msg::hubNotRefreshed on failure, after the reason.
     static HSCPlazHubResult refreshHub(HSCPlaz& hub, HDGUIStatus* status);
+    /// What that would change: HSCPlazHubResult::stores. Fetches for that, and leaves in force what is.
+    static HSCPlazHubResult planRefresh(HSCPlaz& hub, HDGUIStatus* status);
     /// Makes the repositories of the sample hub (HSCPlazInspection::getSampleHubUrl) in the user's own files, without a
     /// network. The hub in force stays what it is. Sends Msg::sampleHubMissing, dirNotWritable and what git says.
     static HSCPlazHubResult makeSampleHub(HSCPlaz& hub, HDGUIStatus* status);
@@ -150,6 +152,9 @@ public:
     /// in force. Items of the store are new objects afterwards. Sends Msg::storeNotRefreshed on failure, after the
     /// reason.
     static HSCPlazStoreResult refreshStore(HSCPlazQStore& store, HDGUIStatus* status);
+    /// What that would change: HSCPlazStoreResult::changes. Fetches for that, and leaves in force what is. A store that
+    /// was never refreshed is outdated, and nothing of it is fetched.
+    static HSCPlazStoreResult planRefresh(HSCPlazQStore& store, HDGUIStatus* status);
     /// The rest of a store's refresh after refreshHub().
     static HSCPlazStoreResult describeItems(HSCPlazQStore& store, HDGUIStatus* status);
     /// Asks the store's remote, through the proxies of the last refresh, whether it has moved since then; a store that

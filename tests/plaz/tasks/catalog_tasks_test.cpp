@@ -337,6 +337,48 @@ TEST_F(HubRefreshTest, RebuildsTheHubFromWhatIsPublished) {
     EXPECT_EQ(hub().getStore("extra")->getLocalRootDir(), files.area("ced_store_extra"));
 }
 
+// A plan that changes what is in force, or keeps the refresh from seeing something new; a change that it does not tell,
+// or tells of the wrong branch; a store of another place looked for in the old one.
+TEST_F(HubRefreshTest, PlanTellsWhatARefreshWouldChange) {
+    const auto describe = [](const HSCPlazStoreResult& result) {
+        std::string text = result.store + " " + HSCPlazStoreResult::nameOf(result.outcome);
+        for (const auto& item : result.changes.items)
+            text += std::string(", ") + HSCPlazCatalogChanges::nameOf(item.kind) + " " + item.name + "@" +
+                    item.revision + (item.previousRevision.empty() ? "" : " was " + item.previousRevision) +
+                    (item.isInstalled ? " installed" : "");
+        return text + (result.changes.subjects.empty() ? "" : " by " + result.changes.subjects.front());
+    };
+    const auto plan = [&] { return describe(HSCPlazTaskMgr::planRefresh(store(), nullptr)); };
+    tcl.item("gone", "1").publish();
+    EXPECT_EQ(plan(), "tcl outdated");
+    ASSERT_TRUE(refresh() && install("a"));
+    EXPECT_EQ(plan(), "tcl up-to-date");
+    tcl.item("a", "2").item("n", "1").withdraw("gone");
+    tcl.publish();
+    const HSCPlazQItem* const known = store().getItem("a");
+    for (int time = 0; time < 2; ++time)
+        EXPECT_EQ(plan(), "tcl outdated, changed a@2 was 1 installed, new n@1, withdrawn gone@1 by change");
+    EXPECT_EQ(store().getItem("a"), known);
+    EXPECT_FALSE(HUTFile::exists(files.area("ced_store/.staging")));
+    EXPECT_EQ(HSCPlazTaskMgr::checkStore(store(), nullptr).outcome, HSCPlazStoreResult::Outcome::outdated);
+
+    StoreOnDisk extra(files.temp, "extra", "ced", true), other(files.temp, "other", "ced", false);
+    other.item("a", "9").publish();
+    publishHub(listing(extra.entry() + "," + boost::algorithm::replace_first_copy(other.entry(), "other\"", "tcl\"")));
+    const auto planHub = [&] {
+        std::string text;
+        for (const HSCPlazStoreResult& result : HSCPlazTaskMgr::planRefresh(hub(), nullptr).stores)
+            text += describe(result) + " " + result.changes.url + ";";
+        return boost::algorithm::replace_all_copy(text, "file://" + files.temp.path(""), "");
+    };
+    EXPECT_EQ(planHub(), "extra new repos/extra;tcl outdated repos/other;");
+    publishHub(listing(extra.entry()));
+    EXPECT_EQ(planHub(), "extra new repos/extra;tcl withdrawn ;");
+    EXPECT_FALSE(HUTFile::exists(refreshed));
+    ASSERT_TRUE(refresh());
+    EXPECT_EQ(plan(), "tcl up-to-date");
+}
+
 // A store, or an item or a catalog of it, in the place of another store or of the hub itself: the other one's items and
 // records gone, whichever of them is listed first and whatever decides on their places; the store behind it left out.
 TEST_F(HubRefreshTest, NoAreaLiesInAnother) {

@@ -46,18 +46,26 @@ std::unique_ptr<HSCPlazModel> requireHub(HSCPlazTask& task, const std::string& f
     return fresh;
 }
 
-/// Fetches the hub's metadata into the user area. @return what it says; null on failure
-std::unique_ptr<HSCPlazModel> fetchHub(HSCPlazTask& task, const HSCPlazModel& hub) {
+/// Fetches the hub's metadata into a staging directory. @return what it says; null on failure
+std::unique_ptr<HSCPlazModel> stageHub(HSCPlazTask& task, const HSCPlazModel& hub, const HSCPlazFetchedFiles& staging) {
     if (!Catalog::hasRepository(updateName) || task.isCancelled()) return nullptr;
-    HSCPlazWorkspace& workspace = task.getWorkspace();
     const std::string& name = hub.getMetadataFile();
-    const HSCPlazFetchedFiles staging(workspace.paths.getStagingPath(hub.getRoot()));
     const bool isFetched = Catalog::settle(task, [&] {
-        return HSCPlazGitCatalog::loadHubFiles(hub, staging.getDir(), {name}, workspace.config.getConfigModel());
+        return HSCPlazGitCatalog::loadHubFiles(hub, staging.getDir(), {name},
+                                               task.getWorkspace().config.getConfigModel());
     });
     if (!isFetched) return nullptr;
     auto fresh = requireHub(task, staging.getFile(name), hub);
-    if (task.isCancelled()) return nullptr;
+    return task.isCancelled() ? nullptr : std::move(fresh);
+}
+
+/// The same into the user area.
+std::unique_ptr<HSCPlazModel> fetchHub(HSCPlazTask& task, const HSCPlazModel& hub) {
+    HSCPlazWorkspace& workspace = task.getWorkspace();
+    const std::string& name = hub.getMetadataFile();
+    const HSCPlazFetchedFiles staging(workspace.paths.getStagingPath(hub.getRoot()));
+    auto fresh = stageHub(task, hub, staging);
+    if (!fresh) return nullptr;
     const std::string area = workspace.paths.getUserAreaRoot(hub.getRoot(), true);
     const std::string obstacle = HSCPlazFetchedFiles::take(staging.getDir(), area, {name});
     if (!obstacle.empty()) {
@@ -114,6 +122,13 @@ bool HSCPlazRefreshHubTask::refresh(HSCPlazTask& task, std::map<std::string, HSC
         task.tell(Msg::ownStoreHidden, MsgSeverity::warning, store);
     task.show("Refreshed", hub.getRoot(), 100);
     return true;
+}
+
+std::unique_ptr<HSCPlazModel> HSCPlazRefreshHubTask::look(HSCPlazTask& task) {
+    const HSCPlazModel& hub = *task.getHub().getModel();
+    task.show("Looking at", hub.getRoot(), 0);
+    setRemote(task);
+    return stageHub(task, hub, HSCPlazFetchedFiles(task.getWorkspace().paths.getStagingPath(hub.getRoot())));
 }
 
 bool HSCPlazRefreshHubTask::forget(HSCPlazTask& task) {

@@ -3,8 +3,10 @@
 #include "plaz/base/HSCPlazReport.h"
 
 #include <map>
+#include <memory>
 #include <string>
 
+class HSCPlazModel;
 class HSCPlazTask;
 
 /// Refreshes the hub. To be called within a task that runs (HSCPlazTask::run).
@@ -18,6 +20,11 @@ namespace HSCPlazRefreshHubTask {
 ///         been fetched by then stay fetched.
 /// @throws HEXAll Msg::hubFileInvalid when the fetched metadata is not whole
 bool refresh(HSCPlazTask& task, std::map<std::string, HSCPlazReport>& failed);
+
+/// What the hub's metadata says at its remote; nothing of it counts. Null where that cannot be had; the reason has been
+/// told.
+/// @throws HEXAll as refresh
+std::unique_ptr<HSCPlazModel> look(HSCPlazTask& task);
 
 /// Lets the shipped metadata be in force again, for what a refresh has brought is that of a hub that was left.
 /// @return false, with the reason told, when what was refreshed could not be removed

@@ -109,15 +109,14 @@ bool HSCPlazStoreCatalog::settle(HSCPlazTask& task, const std::function<HSCPlazG
     });
 }
 
-bool HSCPlazStoreCatalog::fetch(HSCPlazTask& task, HSCPlazQStoreModel& store) {
-    if (!hasRepository(loadName) || task.isCancelled() || !task.requirePlace(store)) return false;
-    const HSCPlazStoreLayout layout = task.getWorkspace().paths.getStoreLayout(store);
-    const HSCPlazFetchedFiles staging(layout.getStaging());
+std::optional<std::vector<std::string>> HSCPlazStoreCatalog::stage(HSCPlazTask& task, HSCPlazQStoreModel& store) {
+    if (!hasRepository(loadName) || task.isCancelled() || !task.requirePlace(store)) return std::nullopt;
+    const std::string staging = task.getWorkspace().paths.getStoreLayout(store).getStaging() + "/";
     std::vector<std::string> files{store.getMetadataFile()};
     if (!store.getCatalogFile().empty()) files.push_back(store.getCatalogFile());
-    if (!fetchFiles(task, store, files)) return false;
+    if (!fetchFiles(task, store, files)) return std::nullopt;
     // What the metadata says, before anything of it counts.
-    const std::string metadataFile = staging.getFile(store.getMetadataFile());
+    const std::string metadataFile = staging + store.getMetadataFile();
     requireUsable(task, Msg::storeFileInvalid, store, metadataFile);
     HSCPlazQStoreModel fetched;
     fetched.setName(store.getName());
@@ -129,18 +128,25 @@ bool HSCPlazStoreCatalog::fetch(HSCPlazTask& task, HSCPlazQStoreModel& store) {
     const bool namesOther =
         fetched.getCatalogFile() != store.getCatalogFile() || fetched.getBranchToSync() != store.getBranchToSync();
     if (namesOther && !fetched.getCatalogFile().empty()) {
-        if (task.isCancelled()) return false;
+        if (task.isCancelled()) return std::nullopt;
         store.setBranchToSync(fetched.getBranchToSync());
-        if (!fetchFiles(task, store, {store.getMetadataFile(), fetched.getCatalogFile()})) return false;
+        if (!fetchFiles(task, store, {store.getMetadataFile(), fetched.getCatalogFile()})) return std::nullopt;
     }
     files = {store.getMetadataFile()};
     if (!fetched.getCatalogFile().empty()) {
-        requireUsable(task, Msg::catalogFileInvalid, store, staging.getFile(fetched.getCatalogFile()));
+        requireUsable(task, Msg::catalogFileInvalid, store, staging + fetched.getCatalogFile());
         files.insert(files.begin(), fetched.getCatalogFile()); // what the metadata names is there before it
     }
-    if (task.isCancelled()) return false;
-    requireFree(task, store, layout.getArea(), files);
-    if (!putInForce(task, store.getName(), staging.getDir(), layout, files)) return false;
+    return task.isCancelled() ? std::nullopt : std::optional(files);
+}
+
+bool HSCPlazStoreCatalog::fetch(HSCPlazTask& task, HSCPlazQStoreModel& store) {
+    const HSCPlazStoreLayout layout = task.getWorkspace().paths.getStoreLayout(store);
+    const HSCPlazFetchedFiles staging(layout.getStaging());
+    const auto files = stage(task, store);
+    if (!files) return false;
+    requireFree(task, store, layout.getArea(), *files);
+    if (!putInForce(task, store.getName(), staging.getDir(), layout, *files)) return false;
     requireUsable(task, Msg::storeFileInvalid, store, layout.getArea() + "/" + store.getMetadataFile());
     return HSCPlazStoreLayout::markComplete(layout.getArea());
 }

@@ -3,6 +3,7 @@
 #include "plaz/model/repo/git/HSCPlazGitOutcome.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -21,7 +22,13 @@ bool hasRepository(const char* operation);
 /// is told, too.
 bool settle(HSCPlazTask& task, const std::function<HSCPlazGitOutcome()>& operation);
 
-/// Fetches a store's metadata file and the item catalog that it names into the store's area. What was there stays until
+/// Fetches a store's metadata file and the item catalog that it names into the store's staging directory, which the
+/// caller removes. Where the metadata names another branch than the one known until now, the store follows it.
+/// @return the two files, the catalog first; empty where they have not come, or on cancellation
+/// @throws HEXAll as fetch
+std::optional<std::vector<std::string>> stage(HSCPlazTask& task, HSCPlazQStoreModel& store);
+
+/// The same into the store's area. What was there stays until
 /// everything has come and is whole.
 /// @throws HEXAll Msg::storeFileInvalid, catalogFileInvalid when what was fetched is not whole
 bool fetch(HSCPlazTask& task, HSCPlazQStoreModel& store);

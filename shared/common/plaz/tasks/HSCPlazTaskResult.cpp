@@ -74,8 +74,20 @@ std::string HSCPlazFilesResult::describe() const {
     return text;
 }
 
+const char* HSCPlazCatalogChanges::nameOf(Kind kind) {
+    switch (kind) {
+    case Kind::added:
+        return "new";
+    case Kind::changed:
+        return "changed";
+    case Kind::withdrawn:
+        break;
+    }
+    return "withdrawn";
+}
+
 HSCPlazStoreResult HSCPlazStoreResult::of(const HSCPlazQStore& store, Outcome outcome) {
-    return {store.getName(), store.getLocalRootDir(), store.countItems(), outcome, {}};
+    return {store.getName(), store.getLocalRootDir(), store.countItems(), outcome, {}, {}};
 }
 
 const char* HSCPlazStoreResult::nameOf(Outcome outcome) {
@@ -90,6 +102,10 @@ const char* HSCPlazStoreResult::nameOf(Outcome outcome) {
         return "unknown";
     case Outcome::moved:
         return "moved";
+    case Outcome::added:
+        return "new";
+    case Outcome::withdrawn:
+        return "withdrawn";
     case Outcome::failed:
         break;
     }

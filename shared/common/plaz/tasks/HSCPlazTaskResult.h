@@ -82,6 +82,31 @@ struct PLAZ_API HSCPlazFilesResult {
     static std::string join(const std::vector<std::string>& files);
 };
 
+/// How what is known of a store would change with its next refresh.
+struct PLAZ_API HSCPlazCatalogChanges {
+    enum class Kind {
+        added,
+        changed, ///< another revision takes its place, or the same one was published anew
+        withdrawn
+    };
+    struct Item {
+        Kind kind;
+        std::string name;
+        std::string revision;
+        std::string previousRevision; ///< of a change: what is offered now
+        bool isInstalled;
+    };
+
+    std::string url;            ///< without secrets, of a store that is new, or is fetched from there from then on
+    std::string previousCommit; ///< that the catalog in force is of; empty where that is not known
+    std::string commit;         ///< empty where nothing was fetched
+    std::vector<std::string> subjects; ///< of the commits between them, the newest first, 20 at most
+    std::vector<Item> items;
+
+    /// "new", "changed", "withdrawn".
+    static const char* nameOf(Kind kind);
+};
+
 /// What became of one store.
 struct PLAZ_API HSCPlazStoreResult {
     enum class Outcome {
@@ -90,6 +115,8 @@ struct PLAZ_API HSCPlazStoreResult {
         upToDate,
         unknown, ///< the remote gave no answer
         moved,
+        added,     ///< of a plan: the hub does not list it yet
+        withdrawn, ///< of a plan: the hub will list it no more
         failed
     };
 
@@ -97,7 +124,8 @@ struct PLAZ_API HSCPlazStoreResult {
     std::string directory; ///< the store's area
     std::size_t items;     ///< how many its catalog lists, whatever the number of their revisions
     Outcome outcome;
-    HSCPlazReport report; ///< all that was told; its first error is the reason of a failure
+    HSCPlazReport report;          ///< all that was told; its first error is the reason of a failure
+    HSCPlazCatalogChanges changes; ///< of a plan
 
     static HSCPlazStoreResult of(const HSCPlazQStore& store, Outcome outcome);
     /// "refreshed", "up-to-date" and so on.
@@ -110,4 +138,5 @@ struct PLAZ_API HSCPlazHubResult {
     bool isDone = false;
     HSCPlazReport report;                   ///< all that was told; its first error is the reason of a failure
     std::vector<HSCPlazStoreResult> failed; ///< the stores whose catalogs have not come
+    std::vector<HSCPlazStoreResult> stores; ///< of a plan: those that come, stay and go
 };

@@ -67,6 +67,12 @@ std::vector<std::string> HSCPlazGitHead::listBranches(const std::string& dir) {
     return {names.begin(), names.end()};
 }
 
+std::string HSCPlazGitHead::getOwn(const std::string& dir) {
+    const std::string text = readText(gitFile(dir, "HEAD"));
+    const std::string commit = text.substr(0, text.find('\n'));
+    return HSCPlazTrust::isCommitId(commit) ? commit : std::string();
+}
+
 bool HSCPlazGitHead::isAt(const std::string& dir, const std::string& branch) {
     return readText(gitFile(dir, "HEAD")) == "ref: refs/heads/" + branch + "\n";
 }

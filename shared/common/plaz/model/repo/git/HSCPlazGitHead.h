@@ -15,6 +15,8 @@ std::string findBranch(const std::string& dir, const std::string& branch);
 /// The names of the remote's branches, sorted.
 std::vector<std::string> listBranches(const std::string& dir);
 
+/// The commit that the working copy stands at, since moveTo() put it there; empty where that is not known.
+std::string getOwn(const std::string& dir);
 /// Whether @p dir has the local branch checked out.
 bool isAt(const std::string& dir, const std::string& branch);
 /// Gives @p dir a local branch that stands where the remote's does, so that a checkout by its name can find nothing
