@@ -17,8 +17,7 @@ import javax.swing.plaf.nimbus.NimbusLookAndFeel;
 /** The JDK's Nimbus in colours of ours, with plain areas in the place of its shining ones. */
 final class FlatLook extends NimbusLookAndFeel {
     private static final long serialVersionUID = 1;
-    private static final Pattern PAINTER =
-            Pattern.compile("(.+)\\[(.*)\\]\\.(background|border|foreground|icon|expandedIcon|collapsedIcon)Painter");
+    private static final Pattern PAINTER = Pattern.compile("(.+)\\[(.*)\\]\\.(background|border|foreground)Painter");
 
     private final transient Palette colours;
     private final transient Font font;
@@ -47,7 +46,23 @@ final class FlatLook extends NimbusLookAndFeel {
         defaults.put("Table.showGrid", false);
         defaults.put("Tree.drawHorizontalLines", false);
         defaults.put("Tree.drawVerticalLines", false);
+        putSigns(defaults);
         return defaults;
+    }
+
+    /** Nimbus draws them in one size, however large the texts are. */
+    private void putSigns(UIDefaults defaults) {
+        defaults.put("CheckBox.icon", new FlatTick(colours, scaled(18), true));
+        defaults.put("RadioButtonMenuItem.checkIcon", new FlatTick(colours, scaled(14), false));
+        defaults.put("Tree.expandedIcon", new FlatSign(colours, scaled(18), true));
+        defaults.put("Tree.collapsedIcon", new FlatSign(colours, scaled(18), false));
+        defaults.put("Tree.leftChildIndent", scaled(12));
+        defaults.put("Tree.rightChildIndent", scaled(4));
+    }
+
+    /** @param pixels for texts of the usual size */
+    private int scaled(int pixels) {
+        return Math.round(pixels * font.getSize2D() / Look.USUAL_SIZE);
     }
 
     private void putColours(UIDefaults defaults) {
@@ -93,26 +108,30 @@ final class FlatLook extends NimbusLookAndFeel {
         boolean isBackground = key.endsWith("backgroundPainter"); // all else is painted over the text
         boolean isFocused = state.contains("Focused");
         Color edge = isFocused ? colours.mark() : colours.line();
-        return switch (component) {
-            case "Button", "ToggleButton", "ComboBox" -> new FlatPainter(buttonFace(state), edge, 6, 2, isFocused);
-            case "TextField", "FormattedTextField" ->
-                new FlatPainter(isBackground ? fieldFace(state) : null, edge, 6, 2, isFocused);
-            case "ScrollPane" -> new FlatPainter(null, edge, 0, 0, isFocused);
-            case "ScrollBar:ScrollBarTrack", "SplitPane:SplitPaneDivider" -> plain(colours.ground());
-            case "ScrollBar:ScrollBarThumb" ->
-                new FlatPainter(Palette.mix(colours.line(), colours.quiet(), isHot(state) ? 0.6 : 0.2), null, 8, 3, false);
-            case "TableHeader:\"TableHeader.renderer\"" -> FlatPainter.underlined(headerFace(state), colours.line());
-                    case "ProgressBar" -> progress(isBackground, state);
-                    case "MenuBar" -> FlatPainter.underlined(colours.ground(), colours.line());
-                    case "MenuBar:Menu", "Menu", "MenuItem", "CheckBoxMenuItem",
-                    "RadioButtonMenuItem" -> isBackground && !state.contains("Disabled") ? plain(colours.mark()):
-                null;
-            case "PopupMenu" -> new FlatPainter(colours.raised(), colours.line(), 0, 0, false);
-                    case "Tree" -> key.contains("IconPainter") ? sign(key, state):
-                null;
-            case "CheckBox" -> tick(state);
-            default -> null;
-        };
+        switch (component) {
+            case "Button", "ToggleButton", "ComboBox":
+                return new FlatPainter(buttonFace(state), edge, 6, 2, isFocused);
+            case "TextField", "FormattedTextField":
+                return new FlatPainter(isBackground ? fieldFace(state) : null, edge, 6, 2, isFocused);
+            case "ScrollPane":
+                return new FlatPainter(null, edge, 0, 0, isFocused);
+            case "ScrollBar:ScrollBarTrack", "SplitPane:SplitPaneDivider":
+                return plain(colours.ground());
+            case "ScrollBar:ScrollBarThumb":
+                return new FlatPainter(thumbFace(state), null, 8, 3, false);
+            case "TableHeader:\"TableHeader.renderer\"":
+                return FlatPainter.underlined(headerFace(state), colours.line());
+            case "ProgressBar":
+                return progress(isBackground, state);
+            case "MenuBar":
+                return FlatPainter.underlined(colours.ground(), colours.line());
+            case "MenuBar:Menu", "Menu", "MenuItem", "CheckBoxMenuItem", "RadioButtonMenuItem":
+                return isBackground && !state.contains("Disabled") ? plain(colours.mark()) : null;
+            case "PopupMenu":
+                return new FlatPainter(colours.raised(), colours.line(), 0, 0, false);
+            default:
+                return null;
+        }
     }
 
     private static boolean isHot(String state) {
@@ -125,34 +144,28 @@ final class FlatLook extends NimbusLookAndFeel {
 
     private Color buttonFace(String state) {
         if (state.contains("Disabled")) return colours.ground();
-        Color face = state.contains("Default") ? Palette.mix(colours.raised(), colours.mark(), 0.25) :
-                colours.raised();
-                return isHot(state) ? Palette.mix(face, colours.mark(), state.contains("Pressed") ? 0.35 : 0.15) : face;
-        }
-
-        private Color fieldFace(String state) {
-            return state.contains("Disabled") ? colours.ground() : colours.surface();
-        }
-
-        private Color headerFace(String state) {
-            return isHot(state) ? Palette.mix(colours.ground(), colours.mark(), 0.2) : colours.ground();
-        }
-
-        private FlatPainter progress(boolean isBackground, String state) {
-            if (isBackground) return new FlatPainter(colours.surface(), colours.line(), 6, 2, false);
-            if (state.contains("Indeterminate")) return null;
-            return new FlatPainter(Palette.mix(colours.surface(), colours.mark(), 0.45), null, 4, 3, false);
-        }
-
-        private FlatSign sign(String key, String state) {
-            return new FlatSign(
-                    state.contains("Selected") ? colours.onMark() : colours.quiet(), key.contains("expanded"));
-        }
-
-        private FlatTick tick(String state) {
-            boolean isTicked = state.contains("Selected");
-            return new FlatTick(isTicked ? colours.mark() : colours.surface(),
-                    state.contains("Focused") || isHot(state) ? colours.mark() : colours.quiet(),
-                    isTicked ? colours.onMark() : null);
-        }
+        Color face = colours.raised();
+        if (state.contains("Default")) face = Palette.mix(face, colours.mark(), 0.25);
+        if (state.contains("Pressed")) return Palette.mix(face, colours.mark(), 0.35);
+        if (state.contains("MouseOver")) return Palette.mix(face, colours.mark(), 0.15);
+        return face;
     }
+
+    private Color fieldFace(String state) {
+        return state.contains("Disabled") ? colours.ground() : colours.surface();
+    }
+
+    private Color thumbFace(String state) {
+        return Palette.mix(colours.line(), colours.quiet(), isHot(state) ? 0.6 : 0.2);
+    }
+
+    private Color headerFace(String state) {
+        return isHot(state) ? Palette.mix(colours.ground(), colours.mark(), 0.2) : colours.ground();
+    }
+
+    private FlatPainter progress(boolean isBackground, String state) {
+        if (isBackground) return new FlatPainter(colours.surface(), colours.line(), 6, 2, false);
+        if (state.contains("Indeterminate")) return null;
+        return new FlatPainter(Palette.mix(colours.surface(), colours.mark(), 0.45), null, 4, 3, false);
+    }
+}

@@ -27,7 +27,9 @@ final class Look {
     /** Names that the virtual machine itself knows: a look chosen there stays, and so does the font. */
     private static final String CHOSEN_LOOK = "swing.defaultlaf";
     private static final String CHOSEN_FONT = "swing.plaf.metal.controlFont";
-    private static final int USUAL_SIZE = 13;
+
+    /** Of texts, in pixels. */
+    static final int USUAL_SIZE = 13;
 
     private static Palette colours = Palette.LIGHT;
 
