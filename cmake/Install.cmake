@@ -25,6 +25,10 @@ set(guides
     docs/json.md
     docs/messages.md
     docs/when-something-goes-wrong.md)
+# The browser shows them, that of the build tree as well.
+foreach(guide IN LISTS guides)
+  configure_file(${guide} ${PROJECT_BINARY_DIR}/share/doc/plaz/ COPYONLY)
+endforeach()
 
 if(WIN32)
   install(TARGETS plazhost plaz_lib RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})

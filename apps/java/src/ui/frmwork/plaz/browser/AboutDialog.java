@@ -11,6 +11,6 @@ final class AboutDialog {
     static void show(Frame owner, String git) {
         String text = "Catalog browser " + Version.TEXT + "\n\n" + git + "\nJava " + Runtime.version();
         JOptionPane.showMessageDialog(owner, Look.readOnlyText("about", text), "About", JOptionPane.PLAIN_MESSAGE,
-                new ImageIcon(Installation.icons().get(4)));
+                new ImageIcon(ProgramIcon.sizes().get(4)));
     }
 }

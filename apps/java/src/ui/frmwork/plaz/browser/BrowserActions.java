@@ -32,7 +32,6 @@ final class BrowserActions {
     final Action check;
     final Action cancel;
     final Action settings;
-    private final Action guide;
     private final JMenuBar menus = new JMenuBar();
 
     BrowserActions(BrowserWindow window) {
@@ -47,7 +46,6 @@ final class BrowserActions {
         check = action("Check", 'K', "F6", () -> window.submitForStores(Operation::check));
         cancel = action("Cancel", 'C', "", window::cancel); // Esc, which also clears the search
         settings = action("Settings ...", 'S', "control COMMA", window::openSettings);
-        guide = action("User guide", 'G', "F1", window::openGuide);
         addMenu("File", 'F', settings, action("Quit", 'Q', "control Q", window::close));
         addMenu("Item", 'I', action("Find", 'F', "control F", window::find), install, uninstall, update, verify, repair,
                 verifyAll);
@@ -59,11 +57,8 @@ final class BrowserActions {
         addTheme(view, themes, window, "As the desktop", 'D', Theme.SYSTEM);
         addTheme(view, themes, window, "Light", 'I', Theme.LIGHT);
         addTheme(view, themes, window, "Dark", 'K', Theme.DARK);
-        addMenu("Help", 'H', guide, action("About", 'A', "", window::showAbout));
-    }
-
-    void openGuide() {
-        guide.actionPerformed(null);
+        addMenu("Help", 'H', action("User guide", 'G', "F1", window::openGuide),
+                action("About", 'A', "", window::showAbout));
     }
 
     JMenuBar menus() {

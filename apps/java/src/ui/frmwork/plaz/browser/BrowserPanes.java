@@ -56,12 +56,12 @@ final class BrowserPanes extends JPanel {
     private boolean isCramped;
     private boolean haveColumnsWidths;
 
-    BrowserPanes(BrowserActions actions, Consumer<Key> jump, Consumer<URI> openPage) {
+    BrowserPanes(BrowserActions actions, Consumer<Key> jump, Consumer<URI> openPage, Consumer<Message> advise) {
         super(new BorderLayout());
         this.actions = actions;
         details = new DetailPane(logos, jump, openPage);
         status = new StatusBar(actions.cancel);
-        failure = new ErrorBar(actions::openGuide);
+        failure = new ErrorBar(advise);
         chooseHub = Look.named("chooseHub", new JButton(actions.settings));
         chooseHub.setText("Choose a hub ...");
         installed.setMnemonic('L');

@@ -56,8 +56,9 @@ final class BrowserWindow extends JFrame implements HubListener {
         theme = Theme.values()[state.number("theme", 0, Theme.values().length - 1).orElse(0)];
         Look.apply(desktop, theme, textSize);
         actions = new BrowserActions(this);
-        panes = new BrowserPanes(actions, this::jump, page -> told(WebLink.open(page)));
-        setIconImages(Installation.icons());
+        panes = new BrowserPanes(actions, this::jump,
+                page -> told(WebLink.open(page)), failure -> GuideDialog.showAdvice(this, failure));
+        setIconImages(ProgramIcon.sizes());
         setContentPane(panes);
         setJMenuBar(actions.menus());
         SwingUtilities.updateComponentTreeUI(this); // what was made before the look was set
@@ -161,7 +162,7 @@ final class BrowserWindow extends JFrame implements HubListener {
     }
 
     void openGuide() {
-        told(Installation.openGuide());
+        GuideDialog.showUserGuide(this);
     }
 
     void showAbout() {

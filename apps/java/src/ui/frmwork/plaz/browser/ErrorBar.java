@@ -5,6 +5,7 @@ import java.awt.Dimension;
 import java.awt.FlowLayout;
 import java.awt.Toolkit;
 import java.awt.datatransfer.StringSelection;
+import java.util.function.Consumer;
 import javax.swing.BorderFactory;
 import javax.swing.JButton;
 import javax.swing.JPanel;
@@ -15,20 +16,17 @@ final class ErrorBar extends JPanel {
     private static final long serialVersionUID = 1;
 
     private final JTextArea text = Look.readOnlyText("error", "");
-    private final JButton advice = Look.named("advice", new JButton("What to do"));
     private final JPanel buttons = new JPanel(new FlowLayout(FlowLayout.TRAILING, Look.gap(this), 0));
-    private final transient Runnable openGuide;
     private transient Message shown;
 
-    /** @param openGuide called where a message does not say what to do */
-    ErrorBar(Runnable openGuide) {
-        this.openGuide = openGuide;
+    /** @param advise tells what to do about a message */
+    ErrorBar(Consumer<Message> advise) {
         setLayout(new BorderLayout(Look.gap(this), 0));
         text.setMinimumSize(new Dimension(0, 0));
         add(text);
         add(buttons, BorderLayout.LINE_END);
         button(Look.named("copy", new JButton("Copy")), 'Y', this::copy);
-        button(advice, 'W', this::advise);
+        button(Look.named("advice", new JButton("What to do")), 'W', () -> advise.accept(shown));
         button(Look.named("read", new JButton("Close")), 'X', () -> setVisible(false));
         setVisible(false);
     }
@@ -42,20 +40,12 @@ final class ErrorBar extends JPanel {
     void show(Message failure) {
         shown = failure;
         text.setText(failure.what());
-        advice.setEnabled(true);
         setVisible(true);
         revalidate();
     }
 
     private void copy() {
         Toolkit.getDefaultToolkit().getSystemClipboard().setContents(new StringSelection(shown.toString()), null);
-    }
-
-    private void advise() {
-        if (shown.advice().isEmpty()) openGuide.run();
-        else text.setText(shown.text());
-        advice.setEnabled(shown.advice().isEmpty());
-        revalidate();
     }
 
     @Override

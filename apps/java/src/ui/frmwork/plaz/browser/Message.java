@@ -26,11 +26,6 @@ record Message(Severity severity, String id, String text) {
         return end.find() ? text.substring(0, end.start()) : text;
     }
 
-    /** What else there is to know, mostly what to do; may be empty. */
-    String advice() {
-        return text.substring(what().length()).strip();
-    }
-
     static Message info(String text) {
         return new Message(Severity.INFO, "", text);
     }
