@@ -5,6 +5,7 @@
 #include "HubParams.h"
 #include "HubQueries.h"
 #include "InputChecks.h"
+#include "ItemReasons.h"
 #include "ShellMsg.h"
 #include "TclCommands.h"
 #include "TclObjects.h"
@@ -222,6 +223,11 @@ std::vector<std::string> plan(const std::string& kind, const std::string& refere
     return texts;
 }
 
+std::vector<std::string> findReasons(const std::string& reference) {
+    HSCPlazQItem& item = HubQueries(requireHub()).resolveInstalled(requireReference(reference), "");
+    return ItemReason::of(requireHub(), item).describe();
+}
+
 void addStore(const std::string& name, const std::string& url, const std::string& metadataFile, bool isOfBoards) {
     HSCPlazNewStore wanted;
     wanted.name = name;
@@ -400,5 +406,11 @@ JNIEXPORT jobjectArray JNICALL Java_ui_frmwork_plaz_host_PlazHost_planChange(JNI
     isPlanning() = true;
     guard(env, [&] { texts = toJava(env, plan(jni::toNative(env, kind), jni::toNative(env, item))); });
     isPlanning() = false;
+    return texts;
+}
+
+JNIEXPORT jobjectArray JNICALL Java_ui_frmwork_plaz_host_PlazHost_findReasons(JNIEnv* env, jclass, jstring item) {
+    jobjectArray texts = nullptr;
+    guard(env, [&] { texts = toJava(env, findReasons(jni::toNative(env, item))); });
     return texts;
 }

@@ -222,9 +222,45 @@ class HubTest {
         assertFalse(item("tclscripts", "string-kit").IsInstalled());
     }
 
-    /** Catches: settings that are not kept or are mixed up, and items that outlive a move. */
+    /**
+       Catches: steps, reasons or entries that are cut wrongly or are of other items, a hold that holds nothing or
+       cannot be ended, and an undo that changes nothing, or more.
+     */
     @Test
     @Order(4)
+    void whatIsDoneIsToldAndTakenBack() {
+        List<PlazHost.Step> steps = PlazHost.plan(PlazHost.Change.INSTALL, "tclscripts::csv-kit");
+        assertEquals(List.of("tclscripts::csv-kit@1.1", "tclscripts::string-kit@1.0"),
+                steps.stream().map(PlazHost.Step::item).toList());
+        assertEquals(List.of(true, false), steps.stream().map(PlazHost.Step::isAskedFor).toList());
+        assertTrue(
+                steps.get(0).kind().equals("install") && steps.get(1).neededBy().contains("csv-kit"), steps::toString);
+        assertTrue(PlazSwigIntf.install(item("tclscripts", "tclscripts::csv-kit@1.1"), STATUS, RECORD), TOLD::toString);
+        assertEquals(List.of("You asked for tclscripts::csv-kit@1.1."), PlazHost.why("tclscripts::csv-kit"));
+        assertEquals(List.of("You asked for tclscripts::csv-kit@1.1, which needs tclscripts::string-kit@1.0."),
+                PlazHost.why("tclscripts::string-kit"));
+        assertThrows(CommandFailedException.class, () -> PlazHost.why("boards::aurora"));
+
+        PlazHost.Entry entry = PlazHost.history().get(0);
+        assertEquals("install tclscripts::csv-kit", entry.command());
+        assertEquals(Set.of(new PlazHost.ItemChange("tclscripts::csv-kit@1.1", "installed"),
+                             new PlazHost.ItemChange("tclscripts::string-kit@1.0", "installed as a dependency")),
+                Set.copyOf(entry.changes()));
+        PlazHost.hold("tclscripts::csv-kit");
+        assertTrue(PlazHost.isHeld("tclscripts::csv-kit") && !PlazHost.isHeld("boards::aurora"));
+        assertThrows(CommandFailedException.class, () -> PlazHost.undo(entry.number()));
+        PlazHost.unhold("tclscripts::csv-kit");
+        assertThrows(CommandFailedException.class, () -> PlazHost.unhold("tclscripts::csv-kit"));
+        PlazHost.undo();
+        assertFalse(item("tclscripts", "tclscripts::csv-kit@1.1").IsInstalled());
+        assertEquals(List.of(entry.number() + 1, "undo " + entry.number()),
+                List.of(PlazHost.history().get(0).number(), PlazHost.history().get(0).command()));
+        assertThrows(CommandFailedException.class, () -> PlazHost.undo(entry.number()), "a second time");
+    }
+
+    /** Catches: settings that are not kept or are mixed up, and items that outlive a move. */
+    @Test
+    @Order(5)
     void settingsAreKept() {
         PlazSwigIntf.setHttpProxy("http://proxy.example.org:3128");
         Path stores = SAMPLE.resolve("ställe");

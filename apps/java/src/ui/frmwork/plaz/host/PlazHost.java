@@ -302,7 +302,20 @@ public final class PlazHost {
         return List.copyOf(steps);
     }
 
+    /**
+     * Why an installed item is there. Needs no network.
+     *
+     * @param item such as "boards::aurora"
+     * @return a sentence for each reason, such as "You asked for boards::aurora@2.0, which needs boards::io-panel@1.0."
+     * @throws ui.frmwork.cmd.CommandFailedException when it is not installed
+     */
+    public static List<String> why(String item) {
+        return List.of(findReasons(item));
+    }
+
     private static native String[] planChange(String change, String item);
+
+    private static native String[] findReasons(String item);
 
     private static native String[] describeHub();
 
