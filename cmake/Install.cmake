@@ -27,7 +27,8 @@ set(guides
     docs/when-something-goes-wrong.md)
 # The browser shows them, that of the build tree as well.
 foreach(guide IN LISTS guides)
-  configure_file(${guide} ${PROJECT_BINARY_DIR}/share/doc/plaz/ COPYONLY)
+  cmake_path(GET guide FILENAME name)
+  configure_file(${guide} ${PROJECT_BINARY_DIR}/share/doc/plaz/${name} COPYONLY)
 endforeach()
 
 if(WIN32)

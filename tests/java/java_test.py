@@ -45,7 +45,7 @@ def run_display():
 
 class JavaTest(HubTest):
     def run_tests(self, classes, options=(), selection=()):
-        machine = [JAVA, "-ea", f"-Djava.library.path={BUILD}/lib", f"-Dscratch={self.dir}"]
+        machine = [JAVA, "-ea", f"-Djava.library.path={BUILD}/lib", f"-Dplaz.home={BUILD}", f"-Dscratch={self.dir}"]
         machine += [*options, "-cp", os.pathsep.join(map(str, JARS)), *LAUNCHER, *selection]
         selected = [f"--select-class=ui.frmwork.plaz.{name}" for name in classes]
         told = {"encoding": "utf-8", "stdout": subprocess.PIPE, "stderr": subprocess.STDOUT}

@@ -9,6 +9,7 @@ import java.awt.Rectangle;
 import java.awt.event.ComponentAdapter;
 import java.awt.event.ComponentEvent;
 import java.net.URI;
+import java.util.List;
 import java.util.function.Consumer;
 import javax.swing.Action;
 import javax.swing.BorderFactory;
@@ -47,6 +48,7 @@ final class BrowserPanes extends JPanel {
     private final JButton chooseHub;
     private final JPanel itemCards = new JPanel(new CardLayout());
     private final BrowserActions actions;
+    private final JPanel top = new JPanel(new BorderLayout());
     private JSplitPane left;
     private JSplitPane right;
     private JSplitPane bottom;
@@ -56,7 +58,7 @@ final class BrowserPanes extends JPanel {
     private boolean isCramped;
     private boolean haveColumnsWidths;
 
-    BrowserPanes(BrowserActions actions, Consumer<Key> jump, Consumer<URI> openPage, Consumer<Message> advise) {
+    BrowserPanes(BrowserActions actions, Consumer<Key> jump, Consumer<URI> openPage, Consumer<List<Message>> advise) {
         super(new BorderLayout());
         this.actions = actions;
         details = new DetailPane(logos, jump, openPage);
@@ -90,7 +92,7 @@ final class BrowserPanes extends JPanel {
                 pane("Details", 'A', details, scrolled(details), null), 0.6);
         left = split(JSplitPane.HORIZONTAL_SPLIT, pane("Stores", 'O', stores, scrolled(stores), null), right, 0);
         bottom = split(JSplitPane.VERTICAL_SPLIT, left, pane("Messages", 'M', messages, scrolled(messages), null), 1);
-        JPanel top = new JPanel(new BorderLayout());
+        top.removeAll();
         top.add(toolBar());
         top.add(failure, BorderLayout.PAGE_END);
         add(top, BorderLayout.PAGE_START);
@@ -130,9 +132,11 @@ final class BrowserPanes extends JPanel {
         setSize(width, 1); // what is arranged goes by it
         arrange();
         int height = getTopLevelAncestor().getHeight();
-        left.setDividerLocation(state.number("left", 20, 4000).orElse(width / 6));
+        left.setDividerLocation(state.number("left", 20, 4000).orElse(width / 5));
         right.setDividerLocation(state.number("right", 20, 4000).orElse(width * 46 / 100));
-        bottom.setDividerLocation(state.number("bottom", 20, 4000).orElse(height * 66 / 100));
+        int room = height - top.getPreferredSize().height - status.getPreferredSize().height;
+        int highest = room - (MESSAGE_LINES - 1) * Look.lineHeight(this);
+        bottom.setDividerLocation(state.number("bottom", 20, 4000).orElse(Math.min(height * 66 / 100, highest)));
         haveColumnsWidths = state.applyColumns(items);
     }
 

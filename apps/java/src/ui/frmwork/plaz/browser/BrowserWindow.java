@@ -57,7 +57,7 @@ final class BrowserWindow extends JFrame implements HubListener {
         Look.apply(desktop, theme, textSize);
         actions = new BrowserActions(this);
         panes = new BrowserPanes(actions, this::jump,
-                page -> told(WebLink.open(page)), failure -> GuideDialog.showAdvice(this, failure));
+                page -> told(WebLink.open(page)), failures -> GuideDialog.showAdvice(this, failures));
         setIconImages(ProgramIcon.sizes());
         setContentPane(panes);
         setJMenuBar(actions.menus());
@@ -287,6 +287,7 @@ final class BrowserWindow extends JFrame implements HubListener {
     public void working(String title, int waiting) {
         isWorking = !title.isEmpty() || waiting > 0;
         if (isEnding) return;
+        if (!title.isEmpty()) panes.failure.beginOperation();
         if (!title.isEmpty()) panes.status.begin(title, waiting);
         else if (!isWorking) panes.status.rest();
         enableActions();

@@ -5,28 +5,32 @@ import java.awt.Dimension;
 import java.awt.FlowLayout;
 import java.awt.Toolkit;
 import java.awt.datatransfer.StringSelection;
+import java.util.ArrayList;
+import java.util.List;
 import java.util.function.Consumer;
+import java.util.stream.Collectors;
 import javax.swing.BorderFactory;
 import javax.swing.JButton;
 import javax.swing.JPanel;
 import javax.swing.JTextArea;
 
-/** The last failure, until it was read. */
+/** The last failure, until it was read. What was told before it of the same operation is often its reason. */
 final class ErrorBar extends JPanel {
     private static final long serialVersionUID = 1;
 
     private final JTextArea text = Look.readOnlyText("error", "");
     private final JPanel buttons = new JPanel(new FlowLayout(FlowLayout.TRAILING, Look.gap(this), 0));
-    private transient Message shown;
+    private final transient List<Message> failures = new ArrayList<>();
+    private boolean isOfOldOperation;
 
-    /** @param advise tells what to do about a message */
-    ErrorBar(Consumer<Message> advise) {
+    /** @param advise tells what to do about failures */
+    ErrorBar(Consumer<List<Message>> advise) {
         setLayout(new BorderLayout(Look.gap(this), 0));
         text.setMinimumSize(new Dimension(0, 0));
         add(text);
         add(buttons, BorderLayout.LINE_END);
         button(Look.named("copy", new JButton("Copy")), 'Y', this::copy);
-        button(Look.named("advice", new JButton("What to do")), 'W', () -> advise.accept(shown));
+        button(Look.named("advice", new JButton("What to do")), 'W', () -> advise.accept(List.copyOf(failures)));
         button(Look.named("read", new JButton("Close")), 'X', () -> setVisible(false));
         setVisible(false);
     }
@@ -37,15 +41,25 @@ final class ErrorBar extends JPanel {
         buttons.add(button);
     }
 
+    /** What fails from now on has nothing to do with what failed before. */
+    void beginOperation() {
+        isOfOldOperation = true;
+    }
+
     void show(Message failure) {
-        shown = failure;
+        if (isOfOldOperation) failures.clear();
+        isOfOldOperation = false;
+        failures.add(failure);
         text.setText(failure.what());
+        // Before it is laid out it would be taken to be as narrow as can be, and so high that nothing else has room.
+        text.setSize(getParent().getWidth() - buttons.getPreferredSize().width, Short.MAX_VALUE);
         setVisible(true);
         revalidate();
     }
 
     private void copy() {
-        Toolkit.getDefaultToolkit().getSystemClipboard().setContents(new StringSelection(shown.toString()), null);
+        String lines = failures.stream().map(Message::toString).collect(Collectors.joining("\n"));
+        Toolkit.getDefaultToolkit().getSystemClipboard().setContents(new StringSelection(lines), null);
     }
 
     @Override
@@ -58,6 +72,6 @@ final class ErrorBar extends JPanel {
         if (text == null) return; // while the constructor of what this extends runs
         text.updateUI();
         text.setForeground(Look.colours().error());
-        text.setBorder(BorderFactory.createEmptyBorder(gap / 2, gap, 0, 0));
+        text.setBorder(BorderFactory.createEmptyBorder(gap, gap, 0, 0));
     }
 }

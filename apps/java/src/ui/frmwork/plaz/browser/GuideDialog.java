@@ -37,12 +37,14 @@ final class GuideDialog extends JDialog {
         dialog.open(40);
     }
 
-    /** The whole message, and what the guides say of it. */
-    static void showAdvice(Frame owner, Message message) {
+    /** Each message as a whole, and what the guides say of it. */
+    static void showAdvice(Frame owner, List<Message> messages) {
         GuideDialog dialog = new GuideDialog(owner, "What to do");
-        dialog.text.addHeading(message.id().isEmpty() ? "What to do" : message.id());
-        dialog.text.addPlain(message.text());
-        dialog.text.addMarkdown(Guides.explain(message.id()));
+        for (Message message : messages) {
+            dialog.text.addHeading(message.id().isEmpty() ? "Without a number" : message.id());
+            dialog.text.addPlain(message.text());
+            dialog.text.addMarkdown(Guides.explain(message.id()));
+        }
         dialog.open(24);
     }
 
@@ -64,7 +66,7 @@ final class GuideDialog extends JDialog {
         Dimension screen = getToolkit().getScreenSize();
         int width = Math.min(44 * line, screen.width);
         text.setSize(width - 4 * gap, Short.MAX_VALUE); // how high it is, its width decides
-        int height = text.getPreferredSize().height + 8 * line;
+        int height = text.getPreferredSize().height + 5 * line;
         setSize(width, Math.min(Math.min(height, lines * line), screen.height));
         setLocationRelativeTo(getOwner());
         setVisible(true);

@@ -21,6 +21,7 @@ final class GuideText extends JTextPane {
     /** The lines of the source that make one of what is shown. */
     private final StringBuilder paragraph = new StringBuilder();
     private boolean isCode;
+    private boolean isBelowHeading = true;
 
     GuideText() {
         setEditable(false);
@@ -36,14 +37,17 @@ final class GuideText extends JTextPane {
     }
 
     void addHeading(String text) {
+        addSpace();
+        isBelowHeading = true;
         SimpleAttributeSet style = new SimpleAttributeSet();
         StyleConstants.setBold(style, true);
         StyleConstants.setFontSize(style, Math.round(getFont().getSize2D() * 1.2f));
-        append((getDocument().getLength() > 0 ? "\n" : "") + text + "\n", style);
+        append(text + "\n", style);
     }
 
     /** A text that is shown as it is. */
     void addPlain(String text) {
+        isBelowHeading = false;
         append(text + "\n", new SimpleAttributeSet());
     }
 
@@ -62,8 +66,13 @@ final class GuideText extends JTextPane {
         else if (line.startsWith("    ")) addCode(line.substring(4));
         else if (line.startsWith("#")) addHeading(line.replaceFirst("#+ ", ""));
         else if (line.startsWith("|")) addRow(line);
-        else if (line.isBlank()) addPlain("");
+        else if (line.isBlank()) addSpace();
         else paragraph.append(paragraph.isEmpty() ? "" : " ").append(isList ? "• " + line.substring(2) : line.strip());
+    }
+
+    /** One line at most, between what belongs together. */
+    private void addSpace() {
+        if (!isBelowHeading && !getText().endsWith("\n\n")) append("\n", new SimpleAttributeSet());
     }
 
     private void addRow(String line) {
@@ -75,6 +84,7 @@ final class GuideText extends JTextPane {
     }
 
     private void addCode(String line) {
+        isBelowHeading = false;
         append("    " + line + "\n", code());
     }
 
@@ -84,6 +94,7 @@ final class GuideText extends JTextPane {
     }
 
     private void addMarked(String text) {
+        isBelowHeading = false;
         Matcher marked = MARKED.matcher(text);
         int from = 0;
         for (; marked.find(); from = marked.end()) {

@@ -126,6 +126,26 @@ class BrowserPartsTest {
         assertFalse(Drawing.isHarmless("<!DOCTYPE svg [<!ENTITY e 'x'>]>" + drawing));
     }
 
+    /**
+     * Catches: a message whose entry leads nowhere, or to more than its section; marks of the source that are shown.
+     */
+    @Test
+    void explainsMessages() {
+        List<String> section = Guides.explain("17-2260");
+        assertEquals("## A certificate that is not trusted", section.get(0));
+        assertEquals(1, section.stream().filter(line -> line.startsWith("#")).count());
+        assertTrue(Guides.explain("17-1573").isEmpty() && Guides.explain("").isEmpty());
+        String number = "";
+        for (String line : Guides.read("messages.md")) {
+            if (line.startsWith("## ")) number = line.substring(3);
+            if (line.startsWith("See [")) assertFalse(Guides.explain(number).isEmpty(), number);
+        }
+        GuideText text = new GuideText();
+        text.addMarkdown(
+                List.of("## A", "", "- one **two**", "  [three](four.md)", "", "| k | *v* |", "|---|---|", "    * c"));
+        assertEquals("A\n• one two three\n\nk – v\n    * c\n", text.getText());
+    }
+
     private static Item item(String store, String name, State state, String description, List<String> categories,
             List<String> keywords) {
         return new Item(new Key(store, name), "", description, "1.0",
