@@ -29,6 +29,12 @@ final class CheckedField extends JPanel {
         return field;
     }
 
+    /** That of the field, whatever stands below it. */
+    @Override
+    public int getBaseline(int width, int height) {
+        return field.getBaseline(width, field.getPreferredSize().height);
+    }
+
     String getText() {
         return field.getText().strip();
     }

@@ -31,6 +31,7 @@ final class DetailPane extends ScrolledPanel {
     private static final long serialVersionUID = 1;
 
     private static final int NARROW_LINES = 24;
+    private static final int TIGHT_LINES = 14;
 
     private final transient Consumer<Key> jump;
     private final transient Consumer<URI> openPage;
@@ -41,6 +42,7 @@ final class DetailPane extends ScrolledPanel {
     private transient Snapshot snapshot = Snapshot.NOTHING;
     private transient Runnable picture = () -> {};
     private boolean isNarrow;
+    private boolean isTight;
     private int row;
 
     /**
@@ -139,6 +141,11 @@ final class DetailPane extends ScrolledPanel {
         names.setOpaque(false);
         names.add(title);
         names.add(Look.readOnlyText("Item", item.key().at(item.revision())), BorderLayout.PAGE_END);
+        if (isTight) {
+            ++row;
+            addWide(names);
+            return;
+        }
         GridBagConstraints beside = place(1, 1);
         beside.anchor = GridBagConstraints.LINE_START;
         add(names, beside);
@@ -221,11 +228,13 @@ final class DetailPane extends ScrolledPanel {
         ++row;
     }
 
-    /** Where there is little room, names stand above what they name. */
+    /** Where there is little room, names stand above what they name, and the picture above the name of the item. */
     private void widthChanged() {
-        if (getWidth() < NARROW_LINES * Look.lineHeight(this) == isNarrow) return;
-        isNarrow = !isNarrow;
-        build(snapshot);
+        boolean wasNarrow = isNarrow;
+        boolean wasTight = isTight;
+        isNarrow = getWidth() < NARROW_LINES * Look.lineHeight(this);
+        isTight = getWidth() < TIGHT_LINES * Look.lineHeight(this);
+        if (isNarrow != wasNarrow || isTight != wasTight) build(snapshot);
     }
 
     private void addWide(Component component) {

@@ -54,10 +54,11 @@ final class FlatLook extends NimbusLookAndFeel {
     private void putSigns(UIDefaults defaults) {
         defaults.put("CheckBox.icon", new FlatTick(colours, scaled(18), true));
         defaults.put("RadioButtonMenuItem.checkIcon", new FlatTick(colours, scaled(14), false));
+        defaults.put("ComboBox:\"ComboBox.arrowButton\".size", scaled(19));
         defaults.put("Tree.expandedIcon", new FlatSign(colours, scaled(18), true));
         defaults.put("Tree.collapsedIcon", new FlatSign(colours, scaled(18), false));
-        defaults.put("Tree.leftChildIndent", scaled(12));
-        defaults.put("Tree.rightChildIndent", scaled(4));
+        defaults.put("Tree.leftChildIndent", scaled(6));
+        defaults.put("Tree.rightChildIndent", scaled(10));
     }
 
     /** @param pixels for texts of the usual size */
@@ -127,6 +128,9 @@ final class FlatLook extends NimbusLookAndFeel {
                 return FlatPainter.underlined(colours.ground(), colours.line());
             case "MenuBar:Menu", "Menu", "MenuItem", "CheckBoxMenuItem", "RadioButtonMenuItem":
                 return isBackground && !state.contains("Disabled") ? plain(colours.mark()) : null;
+            case "ComboBox:\"ComboBox.arrowButton\"":
+                return isBackground ? null
+                                    : new FlatArrow(state.contains("Disabled") ? colours.line() : colours.text());
             case "PopupMenu":
                 return new FlatPainter(colours.raised(), colours.line(), 0, 0, false);
             default:
@@ -165,7 +169,7 @@ final class FlatLook extends NimbusLookAndFeel {
 
     private FlatPainter progress(boolean isBackground, String state) {
         if (isBackground) return new FlatPainter(colours.surface(), colours.line(), 6, 2, false);
-        if (state.contains("Indeterminate")) return null;
-        return new FlatPainter(Palette.mix(colours.surface(), colours.mark(), 0.45), null, 4, 3, false);
+        Color face = Palette.mix(colours.surface(), colours.mark(), 0.45);
+        return new FlatPainter(face, null, 4, 3, false);
     }
 }

@@ -97,7 +97,7 @@ final class Look {
 
     /** A text that wraps, to be read, selected and copied. */
     static JTextArea readOnlyText(String name, String text) {
-        JTextArea area = named(name, new JTextArea(text) {
+        JTextArea area = named(name, new JTextArea() {
             private static final long serialVersionUID = 1;
 
             @Override
@@ -107,7 +107,9 @@ final class Look {
             }
         });
         area.setEditable(false);
-        ((DefaultCaret) area.getCaret()).setUpdatePolicy(DefaultCaret.NEVER_UPDATE); // new text must not scroll
+        // Else its caret would have what scrolls scroll to it, once it is shown and with each new text.
+        ((DefaultCaret) area.getCaret()).setUpdatePolicy(DefaultCaret.NEVER_UPDATE);
+        area.setText(text);
         area.setLineWrap(true);
         area.setWrapStyleWord(true);
         area.setOpaque(false);

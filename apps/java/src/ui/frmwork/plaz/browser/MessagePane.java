@@ -29,7 +29,7 @@ final class MessagePane extends JTextPane {
     void add(Message message) {
         shown.add(message);
         append(message);
-        if (shown.size() > MOST) removeFirst(line(shown.remove()).length());
+        if (shown.size() > MOST) removeFirst((shown.remove() + "\n").length());
     }
 
     /** In the colours that are in force by now. */
@@ -42,7 +42,8 @@ final class MessagePane extends JTextPane {
     private void append(Message message) {
         try {
             Document document = getDocument();
-            document.insertString(document.getLength(), line(message), style(message.severity()));
+            String text = (document.getLength() > 0 ? "\n" : "") + message;
+            document.insertString(document.getLength(), text, style(message.severity()));
             setCaretPosition(document.getLength());
         } catch (BadLocationException e) {
             throw new IllegalStateException(e);
@@ -55,10 +56,6 @@ final class MessagePane extends JTextPane {
         } catch (BadLocationException e) {
             throw new IllegalStateException(e);
         }
-    }
-
-    private static String line(Message message) {
-        return message + "\n";
     }
 
     private static SimpleAttributeSet style(Severity severity) {

@@ -1,6 +1,7 @@
 package ui.frmwork.plaz.browser;
 
 import java.awt.BorderLayout;
+import java.awt.Component;
 import java.awt.Dimension;
 import java.awt.FlowLayout;
 import java.awt.Frame;
@@ -18,11 +19,13 @@ import javax.swing.JTextArea;
 import javax.swing.KeyStroke;
 import javax.swing.table.DefaultTableCellRenderer;
 import javax.swing.table.DefaultTableModel;
+import javax.swing.table.TableColumn;
 import ui.frmwork.plaz.host.PlazHost.Step;
 
 /** What a change brings and takes besides the item itself, before it is made. */
 final class PlanDialog extends JDialog {
     private static final long serialVersionUID = 1;
+    private static final int WHY = 2;
 
     PlanDialog(Frame owner, String title, List<Step> steps, Runnable go) {
         super(owner, title, true);
@@ -41,7 +44,7 @@ final class PlanDialog extends JDialog {
                 event -> dispose(), KeyStroke.getKeyStroke(KeyEvent.VK_ESCAPE, 0), JComponent.WHEN_IN_FOCUSED_WINDOW);
         int line = Look.lineHeight(table);
         Dimension screen = getToolkit().getScreenSize();
-        setSize(Math.min(46 * line, screen.width),
+        setSize(Math.min(Math.max(46 * line, table.getPreferredSize().width + 4 * gap), screen.width),
                 Math.min((10 + 2 * Math.min(steps.size(), 14)) * line, screen.height));
         setLocationRelativeTo(owner);
     }
@@ -67,7 +70,7 @@ final class PlanDialog extends JDialog {
         Object[][] rows = steps.stream()
                                   .map(step -> new Object[] {verb(step), step.item(), reason(step), size(step.bytes())})
                                   .toArray(Object[][] ::new);
-        JTable table = new JTable(new DefaultTableModel(rows, new Object[] {"", "Item", "Why", "Size"}) {
+        JTable table = new JTable(new DefaultTableModel(rows, new Object[] {"What", "Item", "Why", "Size"}) {
             private static final long serialVersionUID = 1;
 
             @Override
@@ -75,16 +78,44 @@ final class PlanDialog extends JDialog {
                 return false;
             }
         });
-        table.setDefaultRenderer(Object.class, Look.plain(new DefaultTableCellRenderer()));
+        table.setDefaultRenderer(Object.class, new Cell());
         table.setRowHeight(Look.lineHeight(table) + 2 * Look.gap(table));
         table.setFillsViewportHeight(true);
         table.setBackground(Look.colours().surface());
         table.setFocusable(false);
         table.getAccessibleContext().setAccessibleName("What would be done");
-        int[] parts = {12, 36, 38, 14};
-        for (int i = 0; i < parts.length; ++i)
-            table.getColumnModel().getColumn(i).setPreferredWidth(parts[i] * Look.lineHeight(table) / 2);
+        for (int i = 0; i < table.getColumnCount(); ++i) {
+            TableColumn column = table.getColumnModel().getColumn(i);
+            int width = widest(table, i) + 2 * Look.gap(table);
+            column.setPreferredWidth(width);
+            // Where there is little room, it is the reasons that are cut.
+            if (i != WHY) column.setMinWidth(Math.min(width, 12 * Look.lineHeight(table)));
+        }
         return table;
+    }
+
+    private static int widest(JTable table, int column) {
+        int widest = table.getFontMetrics(table.getFont()).stringWidth(table.getColumnName(column));
+        for (int row = 0; row < table.getRowCount(); ++row) {
+            Component cell = table.prepareRenderer(table.getCellRenderer(row, column), row, column);
+            widest = Math.max(widest, cell.getPreferredSize().width);
+        }
+        return widest;
+    }
+
+    /** Tells the whole of a text for which there is no room. */
+    private static final class Cell extends DefaultTableCellRenderer {
+        private static final long serialVersionUID = 1;
+
+        Cell() {
+            Look.plain(this);
+        }
+
+        @Override
+        protected void setValue(Object value) {
+            super.setValue(value);
+            setToolTipText(value.toString().startsWith("<") ? null : value.toString());
+        }
     }
 
     private static String verb(Step step) {

@@ -74,6 +74,9 @@ final class SettingsDialog extends JDialog {
         pack();
         Dimension screen = getToolkit().getScreenSize();
         setSize(Math.min(getWidth() + 2 * Look.lineHeight(this), screen.width), Math.min(getHeight(), screen.height));
+        validate();
+        int hidden = form.getPreferredSize().height - scrolled.getViewport().getHeight(); // texts wrap as wide as this
+        setSize(getWidth(), Math.min(getHeight() + Math.max(hidden, 0), screen.height));
         setLocationRelativeTo(owner);
     }
 
@@ -91,7 +94,8 @@ final class SettingsDialog extends JDialog {
 
     private static BasicComboBoxRenderer plainRenderer() {
         BasicComboBoxRenderer renderer = Look.plain(new BasicComboBoxRenderer());
-        renderer.setBorder(BorderFactory.createEmptyBorder(1, Look.gap(renderer), 1, Look.gap(renderer)));
+        int gap = Look.gap(renderer);
+        renderer.setBorder(BorderFactory.createEmptyBorder(gap / 2, gap, gap / 2, gap));
         return renderer;
     }
 

@@ -12,6 +12,9 @@ import javax.swing.JLabel;
 final class SettingsForm extends ScrolledPanel {
     private static final long serialVersionUID = 1;
 
+    private static final int NARROW_LINES = 34;
+
+    private final boolean isNarrow = getToolkit().getScreenSize().width < NARROW_LINES * Look.lineHeight(this);
     private int row;
 
     SettingsForm() {
@@ -29,15 +32,28 @@ final class SettingsForm extends ScrolledPanel {
         ++row;
     }
 
-    /** @param beside null for nothing */
+    /**
+     * On a narrow screen the name stands above.
+     *
+     * @param beside null for nothing
+     */
     void addRow(String text, char mnemonic, JComponent field, JComponent beside) {
         JComponent labelled = field instanceof CheckedField checked ? checked.field() : field;
         GridBagConstraints place = place(Look.gap(this) / 2);
+        if (isNarrow) place.gridwidth = 3;
         add(Look.label(text, mnemonic, labelled), place);
+        if (isNarrow) {
+            ++row;
+            place = place(0);
+            place.gridx = 0;
+            place.gridwidth = 2;
+        }
         place.fill = GridBagConstraints.HORIZONTAL;
         place.weightx = 1;
         add(field, place);
         place.weightx = 0;
+        place.gridx = 2;
+        place.gridwidth = 1;
         if (beside != null) add(beside, place);
         ++row;
     }
@@ -46,7 +62,7 @@ final class SettingsForm extends ScrolledPanel {
         GridBagConstraints place = new GridBagConstraints();
         place.gridy = row;
         place.insets = new Insets(above, 0, Look.gap(this) / 2, Look.gap(this));
-        place.anchor = GridBagConstraints.LINE_START;
+        place.anchor = GridBagConstraints.BASELINE_LEADING;
         return place;
     }
 }

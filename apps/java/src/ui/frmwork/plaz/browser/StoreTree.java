@@ -1,5 +1,6 @@
 package ui.frmwork.plaz.browser;
 
+import java.awt.Rectangle;
 import java.util.ArrayList;
 import java.util.Collections;
 import java.util.List;
@@ -41,6 +42,12 @@ final class StoreTree extends JTree {
         renderer.setClosedIcon(null);
         setCellRenderer(renderer);
         setRowHeight(Look.lineHeight(this) + Look.gap(this));
+    }
+
+    /** Only up or down: the beginnings of names stay in sight. */
+    @Override
+    public void scrollRectToVisible(Rectangle place) {
+        super.scrollRectToVisible(new Rectangle(0, place.y, 1, place.height));
     }
 
     Scope chosen() {

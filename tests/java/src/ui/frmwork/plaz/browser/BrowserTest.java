@@ -16,6 +16,8 @@ import java.nio.file.Files;
 import java.nio.file.Path;
 import java.util.List;
 import java.util.stream.Stream;
+import javax.swing.JComponent;
+import javax.swing.UIManager;
 import javax.swing.text.JTextComponent;
 import org.junit.jupiter.api.BeforeAll;
 import org.junit.jupiter.api.Tag;
@@ -118,6 +120,8 @@ class BrowserTest extends Person {
         await("the plan", () -> exists("plan") && text("summary").contains(" to come "));
         click(find("go"));
         awaitRest("Installed \"Aurora Entwicklungsplatine\".");
+        assertFalse(
+                ask(() -> ((JComponent) find("Name")).getVisibleRect().isEmpty()), "scrolled by what was shown anew");
         assertEquals(State.INSTALLED, state("boards", "aurora"));
         assertEquals("needed by others", item("tclscripts", "board-check").stateText());
         assertEquals("boards::aurora", item("tclscripts", "board-check").standing().neededBy().get(0).key().toString());
@@ -229,6 +233,10 @@ class BrowserTest extends Person {
         awaitRest("Uninstalled \"Aurora Entwicklungsplatine\".");
         assertEquals(2, count("[17-2231]"), "the notes, too");
         assertTrue(find("error").isShowing()); // what was damaged: nobody has closed it
+        click(find("advice"));
+        await("the guide", () -> exists("guideDialog") && text("guide").contains("Uninstall those first."));
+        assertFalse(text("guide").contains("is not as it was installed"), "which is of another operation");
+        click(find("closeGuide"));
         click(find("read"));
         focusSearch();
         assertEquals(State.NONE, state("tclscripts", "csv-kit"));
@@ -276,8 +284,10 @@ class BrowserTest extends Person {
         Rectangle heading = ask(() -> items().getTableHeader().getHeaderRect(0));
         click(ask(() -> items().getTableHeader()), heading.x + heading.width / 2, heading.height / 2);
         int size = ask(() -> items().getFont().getSize());
+        int box = ask(() -> UIManager.getIcon("CheckBox.icon").getIconHeight());
         press(KeyEvent.VK_CONTROL, KeyEvent.VK_EQUALS);
         await("larger text", () -> items().getFont().getSize() > size);
+        assertTrue(ask(() -> UIManager.getIcon("CheckBox.icon").getIconHeight()) > box);
         Files.writeString(SIZE, "" + ask(() -> items().getFont().getSize()));
         Files.createFile(HANG);
         press(KeyEvent.VK_F5);
