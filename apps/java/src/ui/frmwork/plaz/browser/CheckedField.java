@@ -1,6 +1,7 @@
 package ui.frmwork.plaz.browser;
 
 import java.awt.BorderLayout;
+import javax.swing.BorderFactory;
 import javax.swing.JPanel;
 import javax.swing.JTextArea;
 import javax.swing.JTextField;
@@ -20,6 +21,7 @@ final class CheckedField extends JPanel {
         field = Look.named(name, new JTextField(28));
         refusal = Look.readOnlyText(name + "Refusal", "");
         refusal.setForeground(Look.colours().error());
+        refusal.setBorder(BorderFactory.createEmptyBorder(0, 2, 0, 0)); // as far in as the field is drawn
         refusal.setVisible(false);
         add(field);
         add(refusal, BorderLayout.PAGE_END);

@@ -49,6 +49,7 @@ final class SettingsDialog extends JDialog {
     private final CheckedField directory = new CheckedField("storeDirectory", Input.DIRECTORY);
     private final transient Map<String, String> typed = new HashMap<>();
     private final SettingsForm form = new SettingsForm();
+    private final JScrollPane scrolled = new JScrollPane(form);
 
     SettingsDialog(Frame owner, Snapshot snapshot, Consumer<Operation> submit) {
         super(owner, "Settings", true);
@@ -58,7 +59,6 @@ final class SettingsDialog extends JDialog {
         fill();
         addHubRows();
         addPlaceRows();
-        JScrollPane scrolled = new JScrollPane(form);
         scrolled.setBorder(null);
         scrolled.getVerticalScrollBar().setUnitIncrement(Look.lineHeight(this));
         add(scrolled);
@@ -74,10 +74,16 @@ final class SettingsDialog extends JDialog {
         pack();
         Dimension screen = getToolkit().getScreenSize();
         setSize(Math.min(getWidth() + 2 * Look.lineHeight(this), screen.width), Math.min(getHeight(), screen.height));
-        validate();
-        int hidden = form.getPreferredSize().height - scrolled.getViewport().getHeight(); // texts wrap as wide as this
-        setSize(getWidth(), Math.min(getHeight() + Math.max(hidden, 0), screen.height));
+        showWhole();
         setLocationRelativeTo(owner);
+    }
+
+    /** Gets as high as its texts need, which wrap as wide as it is, where the screen has room. */
+    private void showWhole() {
+        validate();
+        int hidden = form.getPreferredSize().height - scrolled.getViewport().getHeight();
+        int room = getToolkit().getScreenSize().height - getY() - getHeight();
+        if (hidden > 0) setSize(getWidth(), getHeight() + Math.max(0, Math.min(hidden, room)));
     }
 
     private void fill() {
@@ -159,10 +165,12 @@ final class SettingsDialog extends JDialog {
 
     private void chooseHub() {
         if (hub.getText().equals(SAMPLE) || hub.isGiven()) act(Operation.chooseHub(hub.getText()));
+        else showWhole();
     }
 
     private void addStore() {
-        if (newName.isGiven() & newUrl.isGiven())
+        if (!(newName.isGiven() & newUrl.isGiven())) showWhole();
+        else
             act(Operation.addStore(
                     newName.getText(), newUrl.getText(), newFile.getText().strip(), ofBoards.isSelected()));
     }
@@ -175,7 +183,10 @@ final class SettingsDialog extends JDialog {
         typed.put((String) store.getSelectedItem(), directory.getText());
         boolean areFit = proxy.isUnchangedOrFit(snapshot.proxy()) & storesPath.isUnchangedOrFit(snapshot.storesPath());
         for (Store each : snapshot.stores()) areFit &= isFit(each);
-        if (!areFit) return;
+        if (!areFit) {
+            showWhole();
+            return;
+        }
         if (!proxy.getText().equals(snapshot.proxy())) submit.accept(Operation.setProxy(proxy.getText()));
         if (!storesPath.getText().equals(snapshot.storesPath()))
             submit.accept(Operation.setStoresPath(storesPath.getText()));
