@@ -9,7 +9,7 @@
 #   share/plaz/data                     data root: messages, schemas, shipped metadata; the sample hub
 #   share/plaz/tps                      third-party programs: links to the system's
 #   share/applications, share/icons     the browser's entry in a desktop's menu
-#   share/man, share/doc/plaz           manual page, guides
+#   share/man, share/doc/plaz           manual page, guides with the examples that they refer to
 #   share/bash-completion, zsh, fish    completion for these shells
 #
 # On Windows the DLLs lie in bin beside the program, Tcl's scripts in lib, the third-party programs are the user's to add,
@@ -54,6 +54,7 @@ else()
   install(FILES ${completion}/plaz.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
   install(FILES docs/man/plaz.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
   list(APPEND guides docs/embedding-guide.md)
+  install(DIRECTORY docs/examples/embed DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
 
   set(headers ${CMAKE_INSTALL_INCLUDEDIR}/plaz)
   # What the rooms keep to themselves stays out.
@@ -107,3 +108,4 @@ endif()
 
 install(FILES ${guides} DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs/images DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(DIRECTORY docs/examples/sample-hub DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)

@@ -38,7 +38,7 @@ class InstalledTreeTest(unittest.TestCase):
     def test_embedding(self):
         """Catches: a package file that leads nowhere, a library or a data file that is not installed."""
         flags = [f"-DCMAKE_CXX_COMPILER={COMPILER}", f"-DCMAKE_CXX_FLAGS={SANITIZE and f'-fsanitize={SANITIZE}' or ''}"]
-        example = ["-S", TREE / "examples/embed", "-B", "example", "-G", "Ninja"]
+        example = ["-S", TREE / "docs/examples/embed", "-B", "example", "-G", "Ninja"]
         self.succeed(CMAKE, *example, f"-DCMAKE_PREFIX_PATH={self.prefix}", *flags)
         self.succeed(CMAKE, "--build", "example")
         listing = self.succeed(self.dir / "example/list_hub", "install", "pin-report").splitlines()
@@ -75,6 +75,12 @@ class InstalledTreeTest(unittest.TestCase):
                 env.update(LD_PRELOAD=":".join(runtime), ASAN_OPTIONS="detect_leaks=0")
             shown = self.succeed(sys.executable, "-B", "-c", "import plaz; print(plaz.stores())", **env)
             self.assertIn("plaz.Store tclscripts", shown)
+
+    def test_links(self):
+        """Catches: a guide that leads to what is not installed."""
+        guides = [*self.prefix.glob("share/doc/plaz/**/*.md")]
+        self.assertGreater(len(guides), 7)
+        succeed(TREE / "scripts/check-links", *guides)
 
     def test_libraries(self):
         """Catches: a library in the current directory that is loaded."""
