@@ -19,6 +19,7 @@ install(TARGETS plaz)
 install(DIRECTORY platform/data/ DESTINATION ${CMAKE_INSTALL_DATADIR}/plaz/data/plaz)
 set(guides
     docs/user-guide.md
+    docs/scripting-guide.md
     docs/store-authors-guide.md
     docs/security.md
     docs/windows.md

@@ -1,14 +1,25 @@
-"""Catches: an example of the user guide that does not work, or prints something else (any more).
+"""Catches: a sample of the guides that does not run as it is printed, or prints something else (any more).
 
-In the guide "..." stands for anything, on a line of its own for any lines. Columns may be wider or narrower.
+Each guide is gone through from its beginning to its end, in one shell, by somebody with an empty home who has nothing
+but the installed tree, which was moved after it was installed. In a guide's fenced samples
+
+    ```python find.py    is a file of that name
+    ```sh                are lines for the shell, each of which is to succeed
+    ```console           are lines for the shell behind "$ ", and what each prints below it
+
+"..." stands for anything there, on a line of its own for any lines; columns may be wider or narrower. What is indented
+is shown only: it needs a server, a terminal or a display, or shows what lies where.
 """
 
-import os
+import pathlib
 import re
+import tempfile
+import unittest
 
-from support.hubtest import PLAZ, PRODUCT_DATA, TREE, HubTest, run
+from support.hubtest import BUILD, SCRATCH, TREE, read_cache, run, succeed
 
-GUIDE = dict(part.split("\n", 1) for part in (TREE / "docs/user-guide.md").read_text("utf-8").split("\n## "))
+SAMPLE = re.compile(r"^```(\w*)(?: (\S+))?\n(.*?)^```$", re.M | re.S)
+MARK = "---- sample"
 
 
 def pattern_of(printed):
@@ -16,23 +27,56 @@ def pattern_of(printed):
     return "".join("(?:.*\n)*" if line == r"\.\.\." else line.replace(r"\.\.\.", ".*") + r"\s*\n" for line in lines)
 
 
-class GuideTest(HubTest):
-    def setUp(self):
-        super().setUp()
-        self.env["GDA_DATA_DIR"] = str(PRODUCT_DATA)
-        self.run_plaz("hub set sample")
+def list_commands(language, text):
+    """@return the commands of a sample, with what each prints, or None where it is to succeed"""
+    if language == "sh":
+        return [(f"set -e\n{text}set +e\n", None)]
+    return re.findall(r"^\$ (.*\n)((?:(?!\$ ).*\n)*)", text, re.M)
 
-    def test_commands(self):
-        self.env["PATH"] = f"{PLAZ.parent}{os.pathsep}{self.env['PATH']}"
-        text = "".join(GUIDE[section] for section in ("See what there is", "Name an item", "Install"))
-        examples = re.findall(r"^    \$ (plaz .*)\n((?:    .*\n)+)", text, re.M)
-        self.assertGreater(len(examples), 4)
-        for command, printed in examples:
+
+class GuideTest(unittest.TestCase):
+    maxDiff = None
+
+    @classmethod
+    def setUpClass(cls):
+        directory = pathlib.Path(SCRATCH.name)
+        succeed(read_cache()["CMAKE_COMMAND"], "--install", BUILD, "--prefix", directory / "first")
+        cls.prefix = (directory / "first").rename(directory / "moved here")
+
+    def follow(self, *guides):
+        home = pathlib.Path(tempfile.mkdtemp(dir=SCRATCH.name))
+        guide = "\n".join((TREE / name).read_text("utf-8") for name in guides)
+        commands = []
+        for language, file, text in SAMPLE.findall(guide.replace("PREFIX=/opt/plaz", f"PREFIX='{self.prefix}'")):
+            if file:
+                (home / file).parent.mkdir(parents=True, exist_ok=True)
+                (home / file).write_text(text, "utf-8")
+            elif language in ("sh", "console"):
+                commands += list_commands(language, text)
+        self.assertGreater(len(commands), 1)
+        script = home / "script.sh"
+        script.write_text("exec 2>&1\n" + "".join(f"{command}echo '{MARK}' $?\n" for command, _ in commands), "utf-8")
+        env = {"HOME": str(home), "PATH": "/usr/bin:/bin", "LC_ALL": "C.UTF-8"}
+        found = re.split(rf"{MARK} (\d+)\n", run("sh", script, cwd=home, env=env, timeout=280).stdout)
+        self.assertEqual(len(found), 2 * len(commands) + 1, found[-1])
+        for (command, printed), shown, status in zip(commands, found[::2], found[1::2]):
             with self.subTest(command):
-                found = run("sh", "-c", f"exec 2>&1; {command}", env=self.env).stdout
-                self.assertRegex(found, rf"\A{pattern_of(re.sub('^    ', '', printed, flags=re.M))}\Z")
+                if printed is None:
+                    self.assertEqual(status, "0", shown)
+                else:
+                    self.assertRegex(shown, rf"\A{pattern_of(printed)}\Z")
 
-    def test_tcl_script(self):
-        ((script, printed),) = re.findall(r"```tcl\n(.*?)```\n\n```\n(.*?)```", GUIDE["In Tcl"], re.S)
-        (self.dir / "script.tcl").write_text(script, "utf-8")
-        self.assertEqual(self.run_plaz("shell script.tcl").stdout, printed)
+    def test_readme(self):
+        self.follow("README.md")
+
+    def test_user_guide(self):
+        self.follow("docs/user-guide.md", "docs/when-something-goes-wrong.md")
+
+    def test_scripting_guide(self):
+        self.follow("docs/scripting-guide.md")
+
+    def test_embedding_guide(self):
+        self.follow("docs/embedding-guide.md")
+
+    def test_store_authors_guide(self):
+        self.follow("docs/store-authors-guide.md")

@@ -6,7 +6,6 @@ import contextlib
 import functools
 import gc
 import inspect
-import io
 import logging
 import os
 import pathlib
@@ -368,12 +367,3 @@ class PythonTest(HubTest):
                 self.check(f"members of {name}", members, public(vars(real)) - fields)
                 for member in members & public(vars(real)):
                     check_thing(f"{name}.{member}", vars(stub)[member], vars(real)[member], examples.get(name))
-
-    def test_runs_the_example_of_the_guide(self):
-        """Catches: an example that does not work (any more)."""
-        example = (TREE / "docs/user-guide.md").read_text("utf-8").split("```python\n")[1].split("```")[0]
-        with contextlib.redirect_stdout(io.StringIO()) as printed:
-            exec(compile(example, "docs/user-guide.md", "exec"), {})
-        found, ambiguous = "tclscripts::pin-report@1.0", "clocking: boards::clocking@1.1, tclscripts::clocking@1.0"
-        self.check_shown(printed.getvalue(), found, ambiguous)
-        self.check("installed", plaz.item("aurora").installed, True)
