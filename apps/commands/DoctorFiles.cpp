@@ -28,11 +28,12 @@ constexpr std::uintmax_t fewBytes = 100'000'000;
 
 enum class Need { written, read };
 
-/// What is needed of a directory of that name; other paths are looked at elsewhere, or need not be there.
+/// What is needed of a directory of that name; other paths are looked at elsewhere, or need not be there: that of the
+/// stores' shipped data where a hub ships none.
 const std::map<std::string, Need> needs{
     {"application data", Need::written}, {"user area", Need::written},     {"user repository", Need::written},
     {"store area", Need::written},       {"application root", Need::read}, {"data root", Need::read},
-    {"stores data", Need::read},         {"schema root", Need::read},
+    {"schema root", Need::read},
 };
 
 /// The nearest path above that is there: what has to be written to where @p path is to be made.
