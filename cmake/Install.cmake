@@ -9,7 +9,7 @@
 #   share/plaz/data                     data root: messages, schemas, shipped metadata; the sample hub
 #   share/plaz/tps                      third-party programs: links to the system's
 #   share/applications, share/icons     the browser's entry in a desktop's menu
-#   share/man, share/doc/plaz           manual page, guides with the examples that they refer to
+#   share/man, share/doc/plaz           manual page, guides with the example that they refer to
 #   share/bash-completion, zsh, fish    completion for these shells
 #
 # On Windows the DLLs lie in bin beside the program, Tcl's scripts in lib, the third-party programs are the user's to add,
@@ -109,4 +109,3 @@ endif()
 
 install(FILES ${guides} DESTINATION ${CMAKE_INSTALL_DOCDIR})
 install(DIRECTORY docs/images DESTINATION ${CMAKE_INSTALL_DOCDIR})
-install(DIRECTORY docs/examples/sample-hub DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
