@@ -55,7 +55,7 @@ else()
   install(FILES ${completion}/plaz.fish DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d)
   install(FILES docs/man/plaz.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
   list(APPEND guides docs/embedding-guide.md)
-  install(DIRECTORY docs/examples/embed DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
+  install(DIRECTORY examples/embed DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples)
 
   set(headers ${CMAKE_INSTALL_INCLUDEDIR}/plaz)
   # What the rooms keep to themselves stays out.

@@ -1,6 +1,6 @@
 # What "plaz hub set sample" makes its repositories of.
 set(sample_hub ${PROJECT_BINARY_DIR}/share/plaz/data/sample-hub)
-file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/examples/sample-hub/*)
+file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/examples/sample-hub/*)
 add_custom_command(
   OUTPUT ${sample_hub}/plaz.json
   COMMAND ${CMAKE_COMMAND} -E rm -rf ${sample_hub}

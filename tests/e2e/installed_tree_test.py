@@ -38,7 +38,7 @@ class InstalledTreeTest(unittest.TestCase):
     def test_embedding(self):
         """Catches: a package file that leads nowhere, a library or a data file that is not installed."""
         flags = [f"-DCMAKE_CXX_COMPILER={COMPILER}", f"-DCMAKE_CXX_FLAGS={SANITIZE and f'-fsanitize={SANITIZE}' or ''}"]
-        example = ["-S", TREE / "docs/examples/embed", "-B", "example", "-G", "Ninja"]
+        example = ["-S", TREE / "examples" / "embed", "-B", "example", "-G", "Ninja"]
         self.succeed(CMAKE, *example, f"-DCMAKE_PREFIX_PATH={self.prefix}", *flags)
         self.succeed(CMAKE, "--build", "example")
         listing = self.succeed(self.dir / "example/list_hub", "install", "pin-report").splitlines()
