@@ -31,7 +31,7 @@ namespace {
 
 /// An item that is not found may be in a store of which nothing is known here.
 void tellUnknownStores(const HSCPlaz& hub) {
-    for (const HSCPlazQStore* store : hub.getStores())
+    for (HSCPlazQStore* store : hub.getStores())
         if (store->getModel()->isUnread() || (store->getItems().empty() && !HSCPlazTaskMgr::isRefreshed(store)))
             ComMsgMgr::send(ShellMsg::storeItemsUnknown, MsgSeverity::info, store->getName(), store->getName());
 }
