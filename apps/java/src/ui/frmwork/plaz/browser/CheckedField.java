@@ -1,10 +1,12 @@
 package ui.frmwork.plaz.browser;
 
 import java.awt.BorderLayout;
+import java.awt.Rectangle;
 import javax.swing.BorderFactory;
 import javax.swing.JPanel;
 import javax.swing.JTextArea;
 import javax.swing.JTextField;
+import javax.swing.SwingUtilities;
 import ui.frmwork.plaz.host.PlazHost.Input;
 
 /** A text to type in, and below it why it is of no use, where that is so. */
@@ -60,8 +62,11 @@ final class CheckedField extends JPanel {
     private boolean show(String why) {
         refusal.setText(why);
         refusal.setVisible(!why.isEmpty());
-        if (!why.isEmpty()) field.requestFocusInWindow();
         revalidate();
+        if (!why.isEmpty()) {
+            field.requestFocusInWindow();
+            SwingUtilities.invokeLater(() -> scrollRectToVisible(new Rectangle(getSize()))); // once it is laid out
+        }
         return why.isEmpty();
     }
 }

@@ -132,6 +132,7 @@ class BrowserTest extends Person {
         search("aurora");
         ask(() -> find("tclscripts::pin-report").requestFocusInWindow());
         awaitFocus("tclscripts::pin-report");
+        await("it in sight", () -> !((JComponent) find("tclscripts::pin-report")).getVisibleRect().isEmpty());
         press(KeyEvent.VK_ENTER);
         await("the other store's item", () -> chosen().equals("pin-report"));
         assertEquals("", text("search"));
