@@ -2,6 +2,7 @@ package ui.frmwork.plaz.browser;
 
 import java.awt.Dimension;
 import java.awt.Rectangle;
+import java.awt.Window;
 import java.awt.event.WindowAdapter;
 import java.awt.event.WindowEvent;
 import java.io.IOException;
@@ -194,6 +195,7 @@ final class BrowserWindow extends JFrame implements HubListener {
         Look.apply(desktop, theme, textSize);
         panes.arrangeAnew(snapshot == null ? Snapshot.NOTHING : snapshot);
         SwingUtilities.updateComponentTreeUI(this);
+        for (Window each : getOwnedWindows()) SwingUtilities.updateComponentTreeUI(each);
     }
 
     /** Asks nothing: what runs is cancelled, and the window goes when the hub has come to rest. */
