@@ -12,7 +12,8 @@ CACHE = read_cache()
 CMAKE, COMPILER, SANITIZE = CACHE["CMAKE_COMMAND"], CACHE["CMAKE_CXX_COMPILER"], CACHE.get("PLAZ_SANITIZE")
 
 # Classes that embedding tools need, and what comes with them.
-EXPORTED = """HSCPlaz HSCPlazBaseModel HSCPlazCategory HSCPlazCommand HSCPlazConfigMgr HSCPlazFileCheck
+EXPORTED = """HSCPlaz HSCPlazBaseModel HSCPlazCatalogChanges HSCPlazCategory HSCPlazCommand HSCPlazConfigMgr
+    HSCPlazFileCheck
     HSCPlazFilesResult HSCPlazGit HSCPlazHostCommands HSCPlazInspection HSCPlazItemResult
     HSCPlazJsonReadWriteUtils HSCPlazLocalDBMgr HSCPlazLogger HSCPlazMgr HSCPlazModel HSCPlazPathMgr
     HSCPlazPathsInForce HSCPlazPlan HSCPlazPlannedStep HSCPlazProduct HSCPlazQItem HSCPlazQItemModel

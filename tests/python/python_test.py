@@ -208,8 +208,14 @@ class PythonTest(HubTest):
         """Catches: an update that leaves the old revision as the newest, a failed refresh that is passed over."""
         plaz.install("aurora@1.1", quiet=True)
         self.check("before", plaz.store("boards").check().outcome, "outdated")
+        planned = plaz.refresh("boards", dry_run=True)[0]
+        self.check("plan", (planned.outcome, planned.changes.items), ("outdated", ()))
         self.check("refresh", [r.outcome for r in plaz.refresh()], ["refreshed"] * 2)
+        self.check("plan again", [r.outcome for r in plaz.refresh(hub=True, dry_run=True)], ["up-to-date"] * 2)
         self.check("update", plaz.item("aurora").update().previous_revision, "1.1")
+        self.check("history", [entry.command for entry in plaz.history()][0], "update boards::aurora@1.1")
+        self.check("undo", [r.outcome for r in plaz.undo()], ["removed"] * 6)
+        plaz.undo(plaz.history()[0].number)
         self.check("update again", plaz.update("aurora")[0].outcome, "up-to-date")
         shutil.rmtree(self.repositories / "tcl-store.git")
         steps = []

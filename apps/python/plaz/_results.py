@@ -133,8 +133,8 @@ class StoreResult(NamedTuple):
 class PlannedStep(NamedTuple):
     """What would be done to one item.
 
-    step: "install", "update", "take over" (its files are there already), "restore", "remove", "adopt" (what came for others becomes the user's own) or "keep"
-    (what the user asked for stays, for others).
+    step: "install", "update", "take over" (its files are there already), "restore", "remove", "adopt" (what came for
+    others becomes the user's own) or "keep" (what the user asked for stays, for others).
     previous_revision, previous_commit_id: of an update, what is there now.
     needed_by: who needs it then, such as "boards::aurora@2.0, tools::kit@1.0".
     local_directory: where its files are, or will be.

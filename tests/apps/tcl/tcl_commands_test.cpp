@@ -155,7 +155,11 @@ TEST_F(TclCommandsTest, actsOnObjectsAndNames) {
          {"plaz::install [lindex $gone 0]", "!PLAZ STALE: \"kit\" is gone..."},
          {"get_property NAME $gone", "!PLAZ STALE..."},
          {"plaz::get_qitems x $gone", "!PLAZ STALE..."},
-         {"plaz::uninstall -quiet tool; plaz::get_qitems -installed", "x {my board}"}});
+         {"plaz::uninstall -quiet tool; plaz::get_qitems -installed", "x {my board}"},
+         {"dict get [lindex [plaz::history] 0] command; plaz::undo -quiet", "2"},
+         {"lmap store [plaz::refresh_catalog -dry_run tcl] {dict get $store outcome}", "up-to-date"},
+         {"plaz::undo -quiet [dict get [lindex [plaz::history] 0] number]; plaz::get_qitems -installed",
+          "x {my board}"}});
     const Names ids = takeIds();
     EXPECT_EQ(std::count(ids.begin(), ids.end(), "17-2239"), 1) << "what was kept for others";
     status.cancel();

@@ -91,7 +91,8 @@ public final class PlazHost {
     /**
      * One thing that a change would do.
      *
-     * @param kind "install", "update", "restore", "remove", "adopt" (from now on the user's own) or "keep" (for others)
+     * @param kind "install", "update", "take over" (its files are there already), "restore", "remove", "adopt" (from now
+     *     on the user's own) or "keep" (for others)
      * @param item such as "boards::aurora@2.0"
      * @param before the revision in whose place it comes; empty for none
      * @param bytes of its files; below 0 where that would have to be fetched
