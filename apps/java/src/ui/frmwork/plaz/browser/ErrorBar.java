@@ -14,7 +14,7 @@ import javax.swing.JButton;
 import javax.swing.JPanel;
 import javax.swing.JTextArea;
 
-/** The last failure, until it was read. What was told before it of the same operation is often its reason. */
+/** What an operation failed of, until it was read: the first failure is the reason of those behind it. */
 final class ErrorBar extends JPanel {
     private static final long serialVersionUID = 1;
 
@@ -50,7 +50,7 @@ final class ErrorBar extends JPanel {
         if (isOfOldOperation) failures.clear();
         isOfOldOperation = false;
         failures.add(failure);
-        text.setText(failure.what());
+        text.setText(failures.get(0).what());
         // Before it is laid out it would be taken to be as narrow as can be, and so high that nothing else has room.
         text.setSize(getParent().getWidth() - buttons.getPreferredSize().width, Short.MAX_VALUE);
         setVisible(true);
