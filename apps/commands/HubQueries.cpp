@@ -8,6 +8,8 @@
 #include "plaz/HSCPlazInspection.h"
 #include "plaz/HSCPlazTaskMgr.h"
 #include "plaz/base/HSCPlazMsg.h"
+#include "plaz/base/HSCPlazProduct.h"
+#include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazModel.h"
 #include "plaz/model/HSCPlazQItem.h"
@@ -148,7 +150,12 @@ bool HubQueries::isListed(const HSCPlazQStore& store) {
 
 void HubQueries::requireStores() const {
     if (m_hub.getModel() && m_hub.getModel()->isUnread()) failWith(ShellMsg::hubNotFound);
-    if (isEmpty(m_hub)) ComMsgMgr::send(ShellMsg::hubEmpty, MsgSeverity::warning);
+    if (!isEmpty(m_hub)) return;
+    const std::string url = HSCPlazTrust::maskSecrets(HSCPlazInspection::findHubSource().url);
+    if (url.empty())
+        ComMsgMgr::send(ShellMsg::hubEmpty, MsgSeverity::warning);
+    else
+        ComMsgMgr::send(ShellMsg::hubNotFetched, MsgSeverity::warning, url, HSCPlazProduct::get().version);
 }
 
 HSCPlazQStore& HubQueries::getStore(const std::string& name) const {

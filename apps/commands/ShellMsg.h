@@ -47,6 +47,7 @@ inline constexpr MsgId<1> nothingInTheWay{"@17-2290@%s"};     ///< reference of 
 inline constexpr MsgId<2> storeItemsUnknown{"@17-2339@%s%s"}; ///< store, store
 inline constexpr MsgId<0> doctorKnows{"@17-2366@"};
 inline constexpr MsgId<0> hubEmpty{"@17-2336@"};
+inline constexpr MsgId<2> hubNotFetched{"@17-2360@%s%s"};       ///< URL, release
 inline constexpr MsgId<3> nameUnknown{"@17-2300@%s%s%s"};       ///< kind of name, name, those there are
 inline constexpr MsgId<4> nameUnknownNear{"@17-2301@%s%s%s%s"}; ///< kind of name, name, similar ones, those there are
 inline constexpr MsgId<1> termsSearched{"@17-2302@%s"};         ///< what was typed

@@ -257,7 +257,8 @@ py::list readHistory() {
                     ::toPython(change.item.store), ::toPython(change.item.name), ::toPython(change.item.revision),
                     change.describe(), *sideOf(change.before), *sideOf(change.after)));
             history.append(results.attr("HistoryEntry")(entry.number, ::toPython(entry.time), ::toPython(entry.command),
-                                                        entry.undone, entry.isPart, py::tuple(changes)));
+                                                        entry.undone, entry.isPart, py::tuple(changes),
+                                                        entry.isTakenBack));
         }
         return history;
     });

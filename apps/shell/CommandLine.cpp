@@ -9,6 +9,7 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <limits>
 #include <map>
 
 namespace {
@@ -85,7 +86,7 @@ void addItems(CLI::App& command, Options& options, bool isRequired) {
 void addLimit(CLI::App& command, Options& options, const char* description) {
     command.add_option("--limit", options.limit, description)
         ->type_name("N")
-        ->check(CLI::PositiveNumber.description(""));
+        ->check(CLI::Range(1, std::numeric_limits<int>::max()).description(""));
 }
 
 void addOrder(CLI::App& items, Options& options) {
@@ -185,7 +186,7 @@ void addHistoryCommands(CLI::App& app, Options& options) {
     CLI::App* undo = app.add_subcommand("undo", "Take back what a command has changed of what is installed");
     undo->add_option("NUMBER", options.entry, "The command's number in the history; the newest without")
         ->type_name("")
-        ->check(CLI::PositiveNumber.description(""));
+        ->check(CLI::Range(1, std::numeric_limits<int>::max()).description(""));
     addFlag(*undo, commandOptions::discardChanges, options.discardChanges);
     undo->footer(
         std::string("The newest is one that was not taken back yet, so that twice goes two steps back. To take "

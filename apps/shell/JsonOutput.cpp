@@ -371,7 +371,8 @@ void JsonOutput::showHistory(const std::vector<HSCPlazHistoryEntry>& entries) {
     add(m_document, "history", arrayOf(m_document, entries, [&](Object& object, const HSCPlazHistoryEntry& entry) {
             object.number("number", entry.number).text("time", entry.time).text("command", entry.command);
             if (entry.undone != 0) object.number("undone", entry.undone).flag("is_part", entry.isPart);
-            object.value("changes", arrayOf(m_document, entry.changes, fillChange));
+            object.flag("is_undone", entry.isTakenBack)
+                .value("changes", arrayOf(m_document, entry.changes, fillChange));
         }));
 }
 

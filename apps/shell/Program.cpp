@@ -16,6 +16,7 @@
 #include "plaz/model/HSCPlazQStore.h"
 #include "support/HPAParamMgr.h"
 #include "support/HUTEnv.h"
+#include "support/HUTText.h"
 
 #include <algorithm>
 #include <iostream>
@@ -81,7 +82,8 @@ int Program::run() {
 
 int Program::refuse(const std::string& problem) {
     const std::string command = m_options.command.empty() ? "" : " " + m_options.command;
-    std::cerr << "plaz: " << problem << "\nTry \"plaz" << command << " --help\"." << std::endl;
+    std::cerr << "plaz: " << HUTText::printable(problem, true) << "\nTry \"plaz" << command << " --help\"."
+              << std::endl;
     return finish(exitStatus::wrongUsage, problem);
 }
 
@@ -119,6 +121,8 @@ int Program::runDiverted() {
 }
 
 void Program::nameDoctor() {
+    // What could not be fetched there is none of the hub's stores yet, and nothing that it would look at.
+    if (m_options.command == "hub set" || m_options.command == "hub add-store") return;
     const std::vector<ComMsgMgr::Message>& said = m_log.getMessages();
     const std::set<std::string> ofGit{messageOf(Msg::gitErrors, "", "").getId(), messageOf(Msg::gitFailed).getId()};
     if (std::any_of(said.begin(), said.end(), [&](const auto& message) { return ofGit.count(message.id) != 0; }))

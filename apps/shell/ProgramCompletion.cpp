@@ -43,11 +43,13 @@ std::vector<Word> findNames(const std::vector<ListedItem>& items, const std::str
 
 std::vector<Word> findItems(HSCPlaz& hub, Kind kind, const std::string& begun) {
     ItemQuery query;
-    query.installed = kind == Kind::installedItem;
+    query.installed = kind == Kind::installedItem || kind == Kind::heldItem;
     query.allRevisions = begun.find('@') != std::string::npos;
     std::vector<ListedItem> items = HubQueries(hub).findItems(query);
     const auto isThere = [](const ListedItem& listed) { return listed.item->IsInstalled(); };
     if (kind == Kind::newItem) items.erase(std::remove_if(items.begin(), items.end(), isThere), items.end());
+    const auto isFree = [](const ListedItem& listed) { return !listed.isHeld; };
+    if (kind == Kind::heldItem) items.erase(std::remove_if(items.begin(), items.end(), isFree), items.end());
     return findNames(items, begun);
 }
 
@@ -60,6 +62,7 @@ std::vector<Word> findWords(HSCPlaz& hub, const WordCompletion& asked) {
     case Kind::item:
     case Kind::newItem:
     case Kind::installedItem:
+    case Kind::heldItem:
         return findItems(hub, asked.kind, asked.begun);
     case Kind::category:
         for (const std::string& name : findCategoryNames(hub.getStores())) words.push_back({name, ""});

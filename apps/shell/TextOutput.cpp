@@ -91,6 +91,10 @@ std::string shownSize(std::uint64_t bytes) {
     return text.str();
 }
 
+std::string counted(std::size_t count, const char* what) {
+    return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
 std::string sizeOf(const HSCPlazPlannedStep& step) {
     if (step.size) return shownSize(*step.size);
     return step.isComing() ? "to be fetched" : "";
@@ -251,7 +255,8 @@ void TextOutput::showStoreResults(const std::vector<HSCPlazStoreResult>& results
     if (m_quiet) return;
     TextTable table({});
     for (const HSCPlazStoreResult& result : results)
-        table.addRow({HSCPlazStoreResult::nameOf(result.outcome), result.store, std::to_string(result.items) + " items",
+        table.addRow({HSCPlazStoreResult::nameOf(result.outcome), result.store,
+                      result.outcome == HSCPlazStoreResult::Outcome::added ? "" : counted(result.items, "item"),
                       result.directory});
     printPainted(table);
     for (const HSCPlazStoreResult& result : results) showChanges(result);
@@ -261,7 +266,7 @@ void TextOutput::showChanges(const HSCPlazStoreResult& result) {
     const HSCPlazCatalogChanges& changes = result.changes;
     const std::string store = HUTText::printable(result.store);
     if (!changes.url.empty()) m_out << '\n' << store << " from " << HUTText::printable(changes.url) << '\n';
-    if (changes.commit == changes.previousCommit) return;
+    if (changes.commit == changes.previousCommit && changes.items.empty()) return;
     m_out << '\n'
           << store << ' ' << changes.previousCommit.substr(0, shownCommit)
           << (changes.previousCommit.empty() ? "" : "..") << changes.commit.substr(0, shownCommit) << '\n';
@@ -283,7 +288,8 @@ void TextOutput::showHistory(const std::vector<HSCPlazHistoryEntry>& entries) {
         std::replace(time.begin(), time.end(), 'T', ' ');
         const std::string command =
             entry.command.empty() ? "(interrupted, or changed by something else)" : entry.command;
-        table.addRow({std::to_string(entry.number), time, command + (entry.isPart ? " (in part)" : "")});
+        table.addRow({std::to_string(entry.number), time,
+                      command + (entry.isPart ? " (in part)" : "") + (entry.isTakenBack ? " (taken back)" : "")});
         for (const HSCPlazRecordedChange& change : entry.changes)
             table.addRow({"", "", "  " + change.item.toText() + " " + change.describe()});
     }

@@ -23,8 +23,9 @@ Kind kindOf(const std::string& value, const std::string& command) {
         {"STORE", Kind::store},         {"ITEM", Kind::item},   {"WORD", Kind::item},
         {"CATEGORY", Kind::category},   {"PARAM", Kind::param}, {"PATTERN", Kind::param},
         {"PARAM=VALUE", Kind::setting}, {"FILE", Kind::file},   {"DIRECTORY", Kind::directory}};
-    static const std::set<std::string> ofInstalled{"uninstall", "update", "verify", "repair", "why", "hold", "unhold"};
+    static const std::set<std::string> ofInstalled{"uninstall", "update", "verify", "repair", "why", "hold"};
     if (value == "ITEM" && command == "install") return Kind::newItem;
+    if (value == "ITEM" && command == "unhold") return Kind::heldItem;
     if (value == "ITEM" && ofInstalled.count(command) != 0) return Kind::installedItem;
     if (value == "STORE" && command == "remove-store") return Kind::ownStore;
     const auto found = kinds.find(value);

@@ -9,7 +9,20 @@ class App;
 
 /// What a shell may offer for the word that somebody has begun.
 struct WordCompletion {
-    enum class Kind { words, store, ownStore, item, newItem, installedItem, category, param, setting, file, directory };
+    enum class Kind {
+        words,
+        store,
+        ownStore,
+        item,
+        newItem,
+        installedItem,
+        heldItem,
+        category,
+        param,
+        setting,
+        file,
+        directory
+    };
     struct Word {
         std::string text;
         std::string description;

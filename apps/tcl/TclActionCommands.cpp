@@ -212,8 +212,8 @@ Tcl_Obj* history(const TclCall& call) {
         Tcl_Obj* changes = Tcl_NewListObj(0, nullptr);
         for (const HSCPlazRecordedChange& change : entry.changes)
             Tcl_ListObjAppendElement(nullptr, changes, makeList({change.item.toText(), change.describe()}));
-        Tcl_Obj* told =
-            makeList({"number", std::to_string(entry.number), "time", entry.time, "command", entry.command, "changes"});
+        Tcl_Obj* told = makeList({"number", std::to_string(entry.number), "time", entry.time, "command", entry.command,
+                                  "is_undone", entry.isTakenBack ? "1" : "0", "changes"});
         Tcl_ListObjAppendElement(nullptr, told, changes);
         Tcl_ListObjAppendElement(nullptr, entries, told);
     }
@@ -325,7 +325,7 @@ const std::vector<TclCommand>& actionCommands() {
                       {quiet, discardChanges}, repair),
         {"plaz::history", "",
          "What was done to what is installed, the newest first. The result is a list of dictionaries: number, time, "
-         "command, and changes, a list of pairs of an item and what became of it.",
+         "command, is_undone, and changes, a list of pairs of an item and what became of it.",
          tclOptions({}), TclSubject::nothing, false, history},
         {"plaz::undo", "?number?",
          "Takes back what the command of that number in the history has changed, without one the newest that was not "

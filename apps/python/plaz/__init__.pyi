@@ -35,6 +35,7 @@ class HistoryEntry(NamedTuple):
     undone: int
     is_part: bool
     changes: tuple[HistoryChange, ...]
+    is_undone: bool = False
 
 class PlannedStep(NamedTuple):
     step: str

@@ -53,6 +53,7 @@ class HistoryEntry(NamedTuple):
 
     command: as a person would write it; empty where it was interrupted, or something else made the changes.
     undone: the number of the entry that it took back, 0 for none; is_part: it could not take back all of it.
+    is_undone: another one took it back as a whole.
     """
 
     number: int
@@ -61,6 +62,7 @@ class HistoryEntry(NamedTuple):
     undone: int
     is_part: bool
     changes: Tuple[HistoryChange, ...]
+    is_undone: bool = False
 
 
 class FilesResult(NamedTuple):

@@ -123,9 +123,12 @@ bool HSCPlazInspection::isHeld(const HSCPlazQItem& item) {
 
 std::vector<HSCPlazHistoryEntry> HSCPlazInspection::readHistory() {
     HSCPlazReport problem;
+    const HSCPlazHistory& history = workspace().history;
     const std::vector<HSCPlazHistoryEntry>& entries = workspace().history.read(problem);
     if (!problem.isEmpty()) throw HEXAll(problem.getNotes().front().message);
-    return {entries.rbegin(), entries.rend()};
+    std::vector<HSCPlazHistoryEntry> shown(entries.rbegin(), entries.rend());
+    for (HSCPlazHistoryEntry& entry : shown) entry.isTakenBack = history.isUndone(entry.number);
+    return shown;
 }
 
 bool HSCPlazInspection::isRecordGone(const HSCPlazQStoreModel& store) {

@@ -331,6 +331,7 @@ HSCPlazStoreResult HSCPlazTaskMgr::checkStore(HSCPlazQStore& store, HDGUIStatus*
     bool isFetched = false;
     task.guard([&] {
         if (!HSCPlazRefreshStoreTask::requireOffered(task, *store.getModel())) return false;
+        if (!HSCPlazGitParams::isRemoteAccessEnabled()) return task.fail(Msg::remoteAccessOff);
         isFetched = isRefreshed(&store) && hasWorkingCopy(store);
         if (isFetched) check = HSCPlazUpdateCheckTask::look(task, *store.getModel(), "");
         return true;

@@ -2,6 +2,7 @@
 #include "plaz/hub_fixture.h"
 
 #include <boost/algorithm/string/join.hpp>
+#include <boost/algorithm/string/replace.hpp>
 
 #include <set>
 
@@ -42,18 +43,22 @@ protected:
 } // namespace
 
 // A held revision that goes with an update, an installation or what another item needs, or because nobody knows what is
-// held; something fetched before that is refused; a hold that outlives its item.
+// held; something fetched before that is refused; an item refused that the held one serves; a hold that outlives its
+// item.
 TEST_F(HistoryTasksTest, HeldRevisionStays) {
     StoreOnDisk& shipped = files.addStore("tcl", "ced", false).item("a", "1");
     files.ship();
     ASSERT_TRUE(install("a") && hold("a").isDone());
-    shipped.item("a", "2").item("b", "1", {{"tcl", "a", ""}}).item("c", "1", {{"tcl", "b", ""}});
+    shipped.item("a", "2").item("b", "1", {{"tcl", "a", "2"}}).item("c", "1", {{"tcl", "b", ""}});
+    shipped.item("d", "1", {{"tcl", "a", ""}});
     reload();
     takeIds();
     EXPECT_EQ(outcome(HSCPlazTaskMgr::updateItem(hub(), *store().getItem("a", "1"), {}, nullptr).isDone()),
               "! 17-2342");
     EXPECT_EQ(outcome(install("a")), "! 17-2342 17-1567");
     EXPECT_EQ(outcome(install("c")), "! 17-2342 17-1567");
+    ASSERT_TRUE(install("d") && HSCPlazTaskMgr::uninstall(&hub(), &find("d"), true)) << "the held one serves";
+    takeIds();
     const std::string held = files.area("plaz_held.json"), whole = readFile(held);
     files.temp.write("appdata/2024.2/plaz/plaz_held.json", "[");
     EXPECT_EQ(outcome(install("a")), "! 17-2340 17-1567");
@@ -101,6 +106,13 @@ TEST_F(HistoryTasksTest, UndoLeavesWhatWasBefore) {
     takeIds();
     EXPECT_EQ(outcome(undo()), "! 17-2342");
     HSCPlazTaskMgr::unholdItem(hub(), {"tcl", "a"}, nullptr);
+    const std::string trees = files.area("ced_store/.plaz/.trees"), updated = installed();
+    HUTFile::rename(trees, trees + ".away");
+    files.temp.write("appdata/2024.2/plaz/ced_store/.plaz/.trees", "no place for what has come");
+    EXPECT_FALSE(undo());
+    EXPECT_EQ(installed(), updated) << "nothing came, so nothing goes";
+    HUTFile::rmRecursive(trees);
+    HUTFile::rename(trees + ".away", trees);
     for (std::size_t step = 3; step < before.size(); --step) {
         EXPECT_TRUE(undo());
         EXPECT_EQ(installed(), before[step]) << step;
@@ -128,7 +140,8 @@ TEST_F(HistoryTasksTest, HistoryLosesNothing) {
     const std::string commit = find("c").getCommitId();
     std::string forged = readFile(history); // by whoever may write there
     for (std::size_t at; (at = forged.find(commit)) != std::string::npos;) forged.replace(at, commit.size(), "--all");
-    for (const std::string& unusable : {std::string("["), forged}) {
+    const std::string repeated = boost::algorithm::replace_all_copy(kept, "\"number\": 1", "\"number\": 7");
+    for (const std::string& unusable : {std::string("["), forged, repeated}) {
         files.temp.write("appdata/2024.2/plaz/plaz_history.json", unusable);
         ASSERT_TRUE(install("c"));
         takeIds();

@@ -54,6 +54,7 @@ struct HSCPlazHistoryEntry {
     int undone = 0;      ///< the number of the entry that it took back; 0 for none
     bool isPart = false; ///< it could not take back all of that
     std::vector<HSCPlazRecordedChange> changes;
+    bool isTakenBack = false; ///< derived: another one took it back as a whole
 };
 
 /// What is installed of one store.

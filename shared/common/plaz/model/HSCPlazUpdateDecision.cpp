@@ -18,5 +18,6 @@ bool HSCPlazUpdateDecision::isOutdated(const HSCPlazQItem& item) {
 }
 
 bool HSCPlazUpdateDecision::isHeldBack(const HSCPlazQItem& item) {
-    return item.IsInstalled() && !item.isLatest() && item.getMode() == HSCPlazInstallationMode::tool;
+    return item.IsInstalled() && !item.isLatest() && item.getMode() == HSCPlazInstallationMode::tool &&
+           decide(item) == Step::none;
 }

@@ -19,7 +19,8 @@ PLAZ_API Step decide(const HSCPlazQItem& item);
 /// Whether an update would do something for this installed revision.
 PLAZ_API bool isOutdated(const HSCPlazQItem& item);
 
-/// Whether it is there for other items alone, and is not the latest revision: they keep it where it is.
+/// Whether it is there for other items alone, and is not the latest revision: they keep it where it is. In a store that
+/// keeps one revision of an item nobody does.
 PLAZ_API bool isHeldBack(const HSCPlazQItem& item);
 
 } // namespace HSCPlazUpdateDecision

@@ -76,6 +76,7 @@ const std::vector<Entry>& HSCPlazHistory::read(HSCPlazReport& problem) {
 void HSCPlazHistory::readFile() {
     m_stamp = HUTFile::getStamp(m_file);
     m_content = {};
+    m_undone.clear();
     m_damage.clear();
     std::string text;
     const HIOStream::Status status = HIOStream::read(m_file, text);
@@ -85,6 +86,7 @@ void HSCPlazHistory::readFile() {
         return;
     }
     if (auto content = HSCPlazHistoryFile::parse(std::move(text), m_damage)) m_content = std::move(*content);
+    m_undone = findUndone(m_content.entries);
 }
 
 bool HSCPlazHistory::beginCommand(const std::string& text) {
@@ -133,8 +135,11 @@ void HSCPlazHistory::record(const HSCPlazInstalledFacts& first, const HSCPlazIns
     read(problem);
     if (!m_damage.empty()) return;
     Content content = m_content;
+    // Who only brings another one to its end does that one's work.
+    Command finished = m_content.pending;
+    Command& command = m_command.text.empty() && finished.undone != 0 ? finished : m_command;
     addUnrecorded(content, first, before);
-    m_command.entry = add(content, m_command, compare(before, after));
+    command.entry = add(content, command, compare(before, after));
     for (const auto& [name, store] : after) content.installed[name] = store;
     trim(content);
     if (!write(std::move(content))) problem.add(Msg::historyNotSaved, MsgSeverity::warning, m_file);
@@ -145,6 +150,7 @@ bool HSCPlazHistory::write(Content content) {
     m_stamp = HUTFile::getStamp(m_file);
     m_content = std::move(content);
     m_content.isKnown = true;
+    m_undone = findUndone(m_content.entries);
     return true;
 }
 
@@ -155,11 +161,11 @@ const Entry* HSCPlazHistory::find(int number) const {
     return found == entries.end() ? nullptr : &*found;
 }
 
-bool HSCPlazHistory::isUndone(int number) const {
-    const auto& entries = m_content.entries;
-    return std::any_of(entries.begin(), entries.end(), [&](const Entry& entry) {
-        return entry.undone == number && !entry.isPart && !isUndone(entry.number);
-    });
+std::set<int> HSCPlazHistory::findUndone(const std::vector<Entry>& entries) {
+    std::set<int> undone; // what takes an entry back stands behind it
+    for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry)
+        if (entry->undone != 0 && !entry->isPart && undone.count(entry->number) == 0) undone.insert(entry->undone);
+    return undone;
 }
 
 const Entry* HSCPlazHistory::findNewest() const {

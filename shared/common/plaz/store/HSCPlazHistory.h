@@ -3,6 +3,7 @@
 #include "plaz/base/HSCPlazReport.h"
 #include "plaz/store/HSCPlazHistoryFile.h"
 
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -43,7 +44,7 @@ public:
     /// Of the entries read; null where there is none of that number.
     const HSCPlazHistoryEntry* find(int number) const;
     /// Another one, that was not taken back itself, took it back as a whole.
-    bool isUndone(int number) const;
+    bool isUndone(int number) const { return m_undone.count(number) != 0; }
     /// The newest one that is neither undone nor an undo; null for none.
     const HSCPlazHistoryEntry* findNewest() const;
     /// Those behind an entry that have changed the same items, and were not taken back.
@@ -62,11 +63,13 @@ private:
     /// Adds what was changed since the last entry, by a command that was interrupted or by something else.
     static void addUnrecorded(Content& content, const HSCPlazInstalledFacts& first, const HSCPlazInstalledFacts& now);
     static void trim(Content& content);
+    static std::set<int> findUndone(const std::vector<HSCPlazHistoryEntry>& entries);
     bool write(Content content);
 
     std::string m_file;
     std::string m_stamp; ///< of the file when it was read or written; empty where it was not there
     Content m_content;
-    std::string m_damage; ///< why the file cannot be used
+    std::set<int> m_undone; ///< the numbers of entries of the content
+    std::string m_damage;   ///< why the file cannot be used
     Command m_command;
 };

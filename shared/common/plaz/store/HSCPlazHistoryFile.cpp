@@ -29,6 +29,9 @@ constexpr const char* storeKey = "store";
 constexpr const char* timeKey = "time";
 constexpr const char* undoneKey = "undone";
 
+/// Of an entry; nobody's commands come near it.
+constexpr int greatestNumber = 1'000'000'000;
+
 /// What is in the file and should not be.
 struct Unusable {};
 
@@ -178,7 +181,13 @@ std::optional<HSCPlazHistoryContent> HSCPlazHistoryFile::parse(std::string text,
         content.installed = readInstalled(plaz);
         const Value& pending = require(Json::FindObject(plaz, pendingKey));
         content.pending = {requireText(pending, commandKey), requireNumber(pending, undoneKey), false, 0};
-        for (const Value& entry : requireList(plaz, historyKey).GetArray()) content.entries.push_back(readEntry(entry));
+        int before = 0;
+        for (const Value& value : requireList(plaz, historyKey).GetArray()) {
+            content.entries.push_back(readEntry(value));
+            if (content.entries.back().number <= before) throw Unusable();
+            before = content.entries.back().number;
+        }
+        if (content.last < before || content.last > greatestNumber) throw Unusable();
         return content;
     } catch (const Unusable&) {
         problem = "it is no history, or something in it is not what it should be";

@@ -9,6 +9,7 @@
 #include "plaz/tasks/HSCPlazItemSteps.h"
 #include "plaz/tasks/HSCPlazRepairTask.h"
 #include "plaz/tasks/HSCPlazTask.h"
+#include "plaz/tasks/HSCPlazUserHolds.h"
 
 using HSCPlazDebugLog::inside;
 namespace Dependencies = HSCPlazDependencies;
@@ -98,7 +99,7 @@ bool HSCPlazDependencyWalk::installAll(const HSCPlazQItem& item) {
 bool HSCPlazDependencyWalk::install(const HSCPlazQItemDependency& dependency) {
     m_isCut = m_isCut || m_task.isCancelled();
     if (m_isCut) return false;
-    const HSCPlazFoundItem found = Dependencies::findOfferedOrInstalled(m_hub, dependency);
+    const HSCPlazFoundItem found = HSCPlazUserHolds::findFor(m_task, dependency);
     if (!found) {
         inside(installName, " couldn't find the qitem ptr");
         return fail({Msg::dependencyUnknown, MsgSeverity::error, dependency.getItem(), dependency.getStore()});

@@ -7,6 +7,7 @@
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/reader/HSCPlazJsonDocument.h"
 #include "plaz/model/reader/HSCPlazQItemReader.h"
+#include "plaz/model/repo/git/HSCPlazGitParams.h"
 #include "plaz/model/repo/git/HSCPlazGitTree.h"
 #include "plaz/store/HSCPlazHolds.h"
 #include "plaz/store/HSCPlazInstalledFiles.h"
@@ -51,6 +52,10 @@ std::string changesSince(const std::string& log, const std::string& older) {
     return boost::algorithm::starts_with(log, older) ? log.substr(older.size()) : log;
 }
 
+std::string below(const std::string& folder, const std::string& file) {
+    return folder.empty() ? file : folder + "/" + file;
+}
+
 bool isOf(const HSCPlazQItemModel& description, const HSCPlazQItemModel& item) {
     return description.getName() == item.getName() && description.getRevision() == item.getRevision();
 }
@@ -82,7 +87,7 @@ bool describeByCatalog(const HSCPlazWorkspace& workspace, const HSCPlazFoundItem
 /// An item is described by its files at the commit, where the working copy has them; else by what its catalog says.
 void describe(const HSCPlazWorkspace& workspace, const HSCPlazFoundItem& found, const Trees::Place& place) {
     HSCPlazQItemModel& item = *found.item->getModel();
-    const std::string file = (place.root.empty() ? "" : place.root + "/") + item.getMetadataFile();
+    const std::string file = below(place.root, item.getMetadataFile());
     auto text = Tree::readFile(place.layout, place.commit, file);
     if (!text) {
         describeByCatalog(workspace, found);
@@ -98,6 +103,8 @@ void describe(const HSCPlazWorkspace& workspace, const HSCPlazFoundItem& found, 
 
 bool HSCPlazPlannedChanges::run(HSCPlazTask& task, HSCPlazPlan& plan,
                                 const std::function<bool(HSCPlazItemSteps&)>& work) {
+    const HSCPlazWorkspace& workspace = task.getWorkspace();
+    if (workspace.places.isUnreadable()) return task.fail(Msg::placesNotSaved, workspace.places.getFile());
     HSCPlazPlannedChanges changes(task, plan);
     const std::size_t before = plan.m_steps.size();
     const bool isDone = work(changes);
@@ -124,11 +131,15 @@ void HSCPlazPlannedChanges::addSource(HSCPlazPlannedStep& step, const HSCPlazFou
     step.size = HSCPlazGitTree::measure(place.layout, place.commit, place.root);
 }
 
-void HSCPlazPlannedChanges::addChanges(HSCPlazPlannedStep& step, const HSCPlazFoundItem& found) const {
+void HSCPlazPlannedChanges::addChanges(HSCPlazPlannedStep& step, const HSCPlazFoundItem& found,
+                                       const HSCPlazQItemModel& record) const {
     const HSCPlazQItem* known = HSCPlazDependencies::findNewestInstalled(*found.store, found.item->getName());
     if (!known) return;
-    const std::string log = found.item->getHistory(); // each call takes the place of the one before
-    step.changes = changesSince(log, known->getHistory());
+    // In a store that keeps one revision, what is installed lies where the new one's change log is looked for.
+    const Trees::Place place = Trees::placeOf(m_task.getWorkspace(), found, record);
+    auto log = Tree::readFile(place.layout, place.commit, below(place.root, HSCPlazStoreLayout::changeLogFile));
+    if (!log) log = found.item->getHistory(); // each call takes the place of the one before
+    step.changes = changesSince(*log, known->getHistory());
 }
 
 bool HSCPlazPlannedChanges::install(const HSCPlazFoundItem& found, Mode mode, bool isAskedFor) {
@@ -151,7 +162,7 @@ bool HSCPlazPlannedChanges::fetch(const HSCPlazFoundItem& found, Mode mode, bool
     if (!m_task.requirePlain(*found.store->getModel())) return false;
     const auto record = Pending::toInstallation(m_task, found, mode).item;
     if (!HSCPlazUserHolds::requireReplaceable(m_task, found, *record) || !Files::requireReachable(m_task, found) ||
-        !Files::requireFree(m_task, found, record->getLocalDir()))
+        !Files::requireFree(m_task, found, record->getLocalDir()) || !requireFetchable())
         return false;
     const std::vector<HSCPlazQItem*> replaced = Files::findReplaced(found, *record);
     const HSCPlazQItem* older = !replaced.empty() ? replaced.front() : found.item->IsInstalled() ? found.item : nullptr;
@@ -162,7 +173,7 @@ bool HSCPlazPlannedChanges::fetch(const HSCPlazFoundItem& found, Mode mode, bool
         step.previousRevision = older->getRevision();
         step.previousCommit = older->getModel()->getInstalledCommitId();
     }
-    addChanges(step, found);
+    addChanges(step, found, *record);
     m_plan.m_coming.insert(found.item);
     put(found, *record, std::move(step));
     return true;
@@ -203,11 +214,16 @@ bool HSCPlazPlannedChanges::remove(const HSCPlazFoundItem& found, bool isAskedFo
     return true;
 }
 
+bool HSCPlazPlannedChanges::requireFetchable() {
+    return HSCPlazGitParams::isRemoteAccessEnabled() || m_task.fail(Msg::remoteAccessOff);
+}
+
 bool HSCPlazPlannedChanges::restore(const HSCPlazFoundItem& found, bool /*areEditsKept*/) {
     HSCPlazPlannedStep step = toStep(Kind::restore, found);
     HSCPlazQItemModel record;
     record.setCommitId(step.commit);
     record.setLocalDir(step.directory);
+    if (!requireFetchable()) return false;
     addSource(step, found, record);
     m_plan.m_steps.push_back(std::move(step));
     return true;

@@ -29,7 +29,9 @@ private:
     HSCPlazPlannedStep toStep(HSCPlazPlannedStep::Kind kind, const HSCPlazFoundItem& found) const;
     /// Where files come from, and how large they are.
     void addSource(HSCPlazPlannedStep& step, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record) const;
-    void addChanges(HSCPlazPlannedStep& step, const HSCPlazFoundItem& found) const;
+    void addChanges(HSCPlazPlannedStep& step, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record) const;
+    /// As fetching does, wherever the files would come from (Msg::remoteAccessOff).
+    bool requireFetchable();
     void put(const HSCPlazFoundItem& found, const HSCPlazQItemModel& record, HSCPlazPlannedStep step);
     void tellWhy();
 

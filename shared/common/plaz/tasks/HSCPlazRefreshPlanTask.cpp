@@ -57,13 +57,15 @@ std::vector<HSCPlazCatalogChanges::Item> compare(const HSCPlazQStoreModel& known
     return changes;
 }
 
-void readStaged(const HSCPlazFetchedFiles& staging, const HSCPlazQStoreModel& store, HSCPlazQStoreModel& fresh) {
+void readStaged(HSCPlazTask& task, const HSCPlazFetchedFiles& staging, const HSCPlazQStoreModel& store,
+                HSCPlazQStoreModel& fresh) {
     fresh.setName(store.getName());
-    HSCPlazFindings found; // the refresh tells of them
+    HSCPlazFindings found;
     HSCPlazQStoreReader::read(staging.getFile(store.getMetadataFile()), fresh, found);
     const std::string& catalog = fresh.getCatalogFile();
     if (fresh.isProductSpecific() && !catalog.empty())
         HSCPlazQItemCatalogReader::read(staging.getFile(catalog), fresh, found);
+    task.mentionBrought(found.toReport("items in the catalog of the store \"" + store.getName() + '"'));
 }
 
 /// The metadata may name another branch, which is followed for the plan alone.
@@ -90,9 +92,11 @@ bool compareWithRemote(HSCPlazTask& task, HSCPlazQStoreModel& store, HSCPlazStor
         HSCPlazGitHead::getCommit(staging.getDir(), HSCPlazGitHead::findBranch(staging.getDir(), store.getBranch()));
     changes.subjects = HSCPlazGitHistory::listSubjects(layout.getIndex(), changes.previousCommit, changes.commit);
     HSCPlazQStoreModel fresh;
-    readStaged(staging, store, fresh);
+    readStaged(task, staging, store, fresh);
     changes.items = compare(store, fresh);
-    result.outcome = changes.commit == changes.previousCommit ? Outcome::upToDate : Outcome::outdated;
+    // A catalog that was damaged here comes whole again.
+    const bool isSame = changes.commit == changes.previousCommit && changes.items.empty() && !store.isUnread();
+    result.outcome = isSame ? Outcome::upToDate : Outcome::outdated;
     return true;
 }
 

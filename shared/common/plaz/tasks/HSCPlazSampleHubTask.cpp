@@ -17,6 +17,7 @@ constexpr const char* shippedMetadata = "sample-hub/plaz.json";
 constexpr const char* repositoriesMark = "@REPOSITORIES@";
 constexpr const char* bundleEnding = ".bundle";
 constexpr const char* ownRepository = "/hub";
+constexpr const char* hubFile = "plaz.json";
 
 /// Where the repositories are, as their URLs begin.
 std::string urlOf(const std::string& dir) {
@@ -35,9 +36,9 @@ bool makeOwn(const std::string& dir, const std::string& metadata) {
     const std::string text =
         boost::algorithm::replace_all_copy(metadata, repositoriesMark, urlOf(HSCPlazPathMgr::getSampleHubDir()));
     const std::string repository = dir + ownRepository;
-    if (!HUTFile::mkDirRecursive(repository) || !HUTFile::writeAtomically(repository + "/plaz.json", text))
+    if (!HUTFile::mkDirRecursive(repository) || !HUTFile::writeAtomically(repository + "/" + hubFile, text))
         return false;
-    HSCPlazGitRepositories::commitAll(repository, "The sample hub");
+    HSCPlazGitRepositories::commit(repository, hubFile, "The sample hub");
     return true;
 }
 

@@ -42,7 +42,12 @@ public:
         if (!chosen) return false;
         const Entry entry = *chosen; // what is recorded meanwhile moves it
         m_number = std::to_string(entry.number);
-        if (!requireUntouched(entry) || !collect(entry) || !provideFiles() || m_task.isCancelled()) return false;
+        if (!requireUntouched(entry) || !collect(entry)) return false;
+        // What nobody needs goes whenever a task is brought to its end, so what is needed comes behind whoever needs
+        // it.
+        std::stable_partition(m_toReturn.begin(), m_toReturn.end(),
+                              [](const Return& one) { return one.record->getMode() == Mode::user; });
+        if (!provideFiles() || m_task.isCancelled()) return false;
         if (!m_history.beginUndo(entry.number, m_now)) return m_task.fail(Msg::historyNotSaved, m_history.getFile());
         if (!takeBack()) return m_task.fail(Msg::undoIncomplete, m_number, m_number);
         m_history.finishUndo();
@@ -156,6 +161,7 @@ private:
             m_task.show("Bringing back", Files::shownName(*one.found.item), 0);
             isWhole = note(one.found, m_changes.bringBack(one.found, *one.record), Outcome::installed) && isWhole;
         }
+        if (!isWhole) return false; // what stands in the place of what has not come back stays
         for (const auto& [found, mode] : m_toSet)
             isWhole =
                 note(found, found.item->IsInstalled() && m_changes.setMode(found, mode), Outcome::kept) && isWhole;

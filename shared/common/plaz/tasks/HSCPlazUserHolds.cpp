@@ -54,6 +54,15 @@ bool HSCPlazUserHolds::requireReplaceable(HSCPlazTask& task, const HSCPlazFoundI
            std::all_of(replaced.begin(), replaced.end(), isReachable);
 }
 
+HSCPlazFoundItem HSCPlazUserHolds::findFor(HSCPlazTask& task, const HSCPlazQItemDependency& dependency) {
+    HSCPlazReport unknown; // told where something held would be replaced
+    const auto& held = task.getWorkspace().held.read(unknown);
+    const HSCPlazFoundItem installed =
+        held.empty() ? HSCPlazFoundItem() : Dependencies::findInstalled(task.getHub(), dependency);
+    if (installed && dependency.getRevision().empty() && held.count(nameOf(*installed.item)) != 0) return installed;
+    return Dependencies::findOfferedOrInstalled(task.getHub(), dependency);
+}
+
 bool HSCPlazUserHolds::requireReleasedNeeds(HSCPlazTask& task, const HSCPlazQItem& item) {
     if (isNothingHeld(task)) return true;
     std::set<const HSCPlazQItem*> seen{&item};
@@ -62,7 +71,7 @@ bool HSCPlazUserHolds::requireReleasedNeeds(HSCPlazTask& task, const HSCPlazQIte
         const HSCPlazQItem& next = *pending.back();
         pending.pop_back();
         for (const HSCPlazQItemDependency* dependency : next.getItemDependencies()) {
-            const HSCPlazFoundItem found = Dependencies::findOfferedOrInstalled(task.getHub(), *dependency);
+            const HSCPlazFoundItem found = findFor(task, *dependency);
             if (!found || !seen.insert(found.item).second) continue;
             const HSCPlazQItem* replaced = findReplaced(found);
             if (replaced && !requireReleased(task, *replaced)) return false;

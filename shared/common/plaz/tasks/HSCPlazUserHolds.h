@@ -3,6 +3,7 @@
 #include "plaz/store/HSCPlazDependencies.h"
 #include "plaz/tasks/HSCPlazTaskResult.h"
 
+class HSCPlazQItemDependency;
 class HSCPlazQItemModel;
 class HSCPlazTask;
 
@@ -15,6 +16,9 @@ bool requireReleased(HSCPlazTask& task, const HSCPlazQItem& item);
 /// where files of such a revision are out of reach.
 /// @param record  as the item will be recorded
 bool requireReplaceable(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record);
+/// The item that comes for a dependency: what is installed and held where that serves it, else what the catalog offers,
+/// else what is installed.
+HSCPlazFoundItem findFor(HSCPlazTask& task, const HSCPlazQItemDependency& dependency);
 /// The same, before anything is fetched, of all that an installation of the item would bring in the place of another
 /// revision.
 bool requireReleasedNeeds(HSCPlazTask& task, const HSCPlazQItem& item);

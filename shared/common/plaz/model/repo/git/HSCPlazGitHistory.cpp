@@ -2,8 +2,15 @@
 
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/repo/git/HSCPlazGitRunner.h"
+#include "support/HUTText.h"
 
 #include <sstream>
+
+namespace {
+
+constexpr std::size_t longestSubject = 500;
+
+} // namespace
 
 std::vector<std::string> HSCPlazGitHistory::listSubjects(const std::string& dir, const std::string& from,
                                                          const std::string& to) {
@@ -12,6 +19,7 @@ std::vector<std::string> HSCPlazGitHistory::listSubjects(const std::string& dir,
     const HSCPlazGitAnswer answer =
         HSCPlazGitRunner::ask({"log", "--format=%s", "--max-count=20", from + ".." + to, "--"}, dir);
     std::istringstream lines(answer.status == 0 ? answer.text : std::string());
-    for (std::string line; std::getline(lines, line);) subjects.push_back(line);
+    for (std::string line; std::getline(lines, line);)
+        subjects.push_back(HUTText::repaired(line.substr(0, longestSubject)));
     return subjects;
 }

@@ -9,8 +9,8 @@ void HSCPlazGitRepositories::unpack(const std::string& bundle, const std::string
     HSCPlazGitRunner::run({"clone", "--quiet", "--bare", bundle, dir}, parent, true);
 }
 
-void HSCPlazGitRepositories::commitAll(const std::string& dir, const std::string& message) {
+void HSCPlazGitRepositories::commit(const std::string& dir, const std::string& file, const std::string& message) {
     HSCPlazGitRunner::run({"init"}, dir, true);
-    HSCPlazGitRunner::run({"add", "--all"}, dir, true);
+    HSCPlazGitRunner::run({"add", "--", file}, dir, true);
     HSCPlazGitRunner::run({"commit", "--quiet", "--no-gpg-sign", "--message", message}, dir, true);
 }
