@@ -21,7 +21,7 @@ NO_FAULT = "nothing"
 HOLDS = ("hold", "lock", "hold-once")
 KINDS = ("kill", *ERRORS, *HOLDS) if WINDOWS else (*ENDS, *ERRORS, "full")
 SCOPES = ("alone",) if WINDOWS else ("alone", "children")
-ALREADY_GONE = "is not installed"
+ALREADY_DONE = ("is not installed", "taken back already")
 FINDINGS = ("neither old nor new", "leftovers", "not completed", "exit 0 too early", "bad end", "lost")
 
 
@@ -73,6 +73,8 @@ SCENARIOS = (
     Scenario("restore", INSTALLED, (), "install pin-report", stays=(CHANGED, ADDED, CHANGED_BELOW)),
     Scenario("reinstall", INSTALLED, (), "install --reinstall pin-report", stays=(CHANGED_BELOW,)),
     Scenario("uninstall-own", INSTALLED, (), "uninstall pin-report", stays=(CHANGED_BELOW, MISSING_BELOW)),
+    Scenario("undo", (*INSTALLED, "uninstall pin-report"), (), "undo 2"),
+    Scenario("undo-update", ("refresh tclscripts", *INSTALLED), ("refresh tclscripts", "update pin-report"), "undo 2"),
     Scenario("update-own", INSTALLED, ("refresh tclscripts",), "update pin-report", stays=(CHANGED_BELOW,)),
 )
 
@@ -320,7 +322,7 @@ class Stage:
         status, error, _ = self.run_plaz(home, scenario.command)
         again = Home(home, self.origin)
         yield from ((lost, f"{fault}, after the same again: {text}") for text in again.judge_own(old.own))
-        if status and lacking and ALREADY_GONE not in error:  # the start itself may have finished a removal
+        if status and lacking and not any(text in error for text in ALREADY_DONE):  # a start may have finished it
             yield unfinished, f"{fault}, the same again fails: {error}"
         for text in again.describe_difference(new, old):
             yield unfinished, f"{fault}, after the same again (exit {status}): {text}"

@@ -30,6 +30,7 @@ METADATA = ("/item.json", "/about.json")
 AREAS = {SEVERAL: "2024.2/plaz/board_store", ONE: "2024.2/plaz/ced_store"}
 KEPT = "2024.2/plaz/plaz_kept"
 DONE, FAILED, CANCELLED = 0, 1, 130
+PLANNED = ("install", "uninstall", "update", "update_all")
 
 
 def write_words(action, arguments):
@@ -102,6 +103,8 @@ class History(HubTest):
         if self.model.count() is None:
             return False
         run = self.run_program if is_program else self.run_module
+        is_planned = not amount and action in PLANNED
+        plan = self.plan(write_words(action, arguments), before) if is_planned else None
         status, shown = run(write_words(action, arguments), amount)
         if amount and status == CANCELLED:
             facts = self.compare_cancelled(before, action)
@@ -114,6 +117,8 @@ class History(HubTest):
         elif status != (DONE if went_well else FAILED):
             self.problems.append(f"ends with {status} in spite of {'success' if went_well else 'failure'}")
         facts, counts = self.read_databases()
+        if plan is not None:
+            self.compare("planned", plan, {"exit": status} | {item: fact.commit for item, fact in facts.items()})
         self.compare("recorded", facts, self.model.installed)
         self.compare("counted", counts, expected := self.model.count())
         self.compare_files(facts, self.model)
@@ -124,6 +129,21 @@ class History(HubTest):
         if how in ("program", "restart") and not (before.own or self.model.own or self.problems):
             self.go_back_and_forth(before)
         return not self.problems
+
+    def plan(self, words, before):
+        """@return the exit status of a command, and the commits of what would be installed then, by its plan"""
+        files = self.read_files()
+        result = run(PLAZ, "--json", *words, "--dry-run", env=self.env)
+        self.compare("written by a plan", self.read_files() | self.read_databases()[0], files | before.installed)
+        planned = {item: fact.commit for item, fact in before.installed.items()}
+        for step in json.loads(result.stdout).get("steps", []):
+            item = (step["store"], step["name"], step["revision"])
+            if step["step"] == "remove":
+                planned.pop(item, None)
+            elif step["step"] in ("install", "update", "take over"):
+                planned.pop((*item[:2], step.get("previous_revision")), None)
+                planned[item] = step["commit_id"]
+        return {"exit": result.returncode} | planned
 
     def go_back_and_forth(self, before):
         """Takes the last step back, where it has changed anything, and then that."""
@@ -170,7 +190,7 @@ class History(HubTest):
         return facts, counts
 
     def compare(self, what, found, expected):
-        differing = [key for key in sorted({*found, *expected}) if found.get(key) != expected.get(key)]
+        differing = [key for key in sorted({*found, *expected}, key=str) if found.get(key) != expected.get(key)]
         self.problems += [f"{what}: {key} {found.get(key)} instead of {expected.get(key)}" for key in differing]
 
     def edit(self, number, name, text):
