@@ -10,6 +10,7 @@ import java.awt.event.WindowAdapter;
 import java.awt.event.WindowEvent;
 import java.io.File;
 import java.util.HashMap;
+import java.util.List;
 import java.util.Map;
 import java.util.function.Consumer;
 import javax.swing.BorderFactory;
@@ -110,7 +111,7 @@ final class SettingsDialog extends JDialog {
         String shown = url.isEmpty() ? snapshot.hub().metadata() : url + "  (" + snapshot.hub().chooser() + ")";
         form.addHeading("Hub");
         form.addRow("In force:", 'F', Look.readOnlyText("hubInForce", shown),
-                button("unsetHub", "Use the installation's", 'I', () -> act(Operation.leaveHub())));
+                button("unsetHub", "Use the installation's", 'I', this::leaveHub));
         form.addRow("URL, or \"sample\":", 'U', hub, button("setHub", "Use this", 'T', this::chooseHub));
         form.addHeading("Your own stores");
         JButton remove = button("removeStore", "Remove", 'M', this::removeStore);
@@ -148,7 +149,7 @@ final class SettingsDialog extends JDialog {
     }
 
     private JPanel buttons() {
-        JButton apply = button("apply", "OK", 'O', this::apply);
+        JButton apply = button("apply", "OK", 'O', () -> apply(List.of()));
         getRootPane().setDefaultButton(apply);
         int gap = 2 * Look.gap(form);
         JPanel buttons = new JPanel(new FlowLayout(FlowLayout.TRAILING, gap, gap));
@@ -158,41 +159,68 @@ final class SettingsDialog extends JDialog {
         return buttons;
     }
 
-    private void act(Operation operation) {
-        submit.accept(operation);
-        dispose();
+    private void leaveHub() {
+        hub.setText(""); // one way or the other
+        apply(List.of(Operation.leaveHub()));
     }
 
     private void chooseHub() {
-        if (hub.getText().equals(SAMPLE) || hub.isGiven()) act(Operation.chooseHub(hub.getText()));
+        if (isHubTyped() || hub.isGiven()) apply(List.of());
         else showWhole();
     }
 
     private void addStore() {
-        if (!(newName.isGiven() & newUrl.isGiven())) showWhole();
-        else
-            act(Operation.addStore(
-                    newName.getText(), newUrl.getText(), newFile.getText().strip(), ofBoards.isSelected()));
+        if (isStoreTyped() || newName.isGiven() & newUrl.isGiven()) apply(List.of());
+        else showWhole();
     }
 
     private void removeStore() {
-        if (ownStores.getSelectedItem() instanceof String name) act(Operation.removeStore(name));
+        if (ownStores.getSelectedItem() instanceof String name) apply(List.of(Operation.removeStore(name)));
     }
 
-    private void apply() {
+    private boolean isHubTyped() {
+        return !hub.getText().isEmpty();
+    }
+
+    private boolean isStoreTyped() {
+        return !(newName.getText() + newUrl.getText() + newFile.getText()).isBlank();
+    }
+
+    /**
+     * Does all that was typed, whichever button it stands beside, or nothing: what is left out would seem to be done.
+     *
+     * @param asked what a button does besides
+     */
+    private void apply(List<Operation> asked) {
         typed.put((String) store.getSelectedItem(), directory.getText());
-        boolean areFit = proxy.isUnchangedOrFit(snapshot.proxy()) & storesPath.isUnchangedOrFit(snapshot.storesPath());
-        for (Store each : snapshot.stores()) areFit &= isFit(each);
-        if (!areFit) {
+        if (!areAllFit()) {
             showWhole();
             return;
         }
+        changePlaces();
+        asked.forEach(submit);
+        if (isHubTyped()) submit.accept(Operation.chooseHub(hub.getText()));
+        if (isStoreTyped())
+            submit.accept(Operation.addStore(
+                    newName.getText(), newUrl.getText(), newFile.getText().strip(), ofBoards.isSelected()));
+        dispose();
+    }
+
+    private boolean areAllFit() {
+        boolean areFit = hub.isUnchangedOrFit(SAMPLE);
+        areFit &= isStoreTyped() ? newName.isGiven() & newUrl.isGiven()
+                                 : newName.isUnchangedOrFit("") & newUrl.isUnchangedOrFit("");
+        areFit &= proxy.isUnchangedOrFit(snapshot.proxy()) & storesPath.isUnchangedOrFit(snapshot.storesPath());
+        for (Store each : snapshot.stores()) areFit &= isFit(each);
+        return areFit;
+    }
+
+    private void changePlaces() {
         if (!proxy.getText().equals(snapshot.proxy())) submit.accept(Operation.setProxy(proxy.getText()));
         if (!storesPath.getText().equals(snapshot.storesPath()))
             submit.accept(Operation.setStoresPath(storesPath.getText()));
         for (Store each : snapshot.stores())
             if (isMoved(each)) submit.accept(Operation.move(each.name(), typed.get(each.name())));
-        dispose();
     }
 
     private boolean isMoved(Store each) {

@@ -244,15 +244,21 @@ class BrowserTest extends Person {
     }
 
     /**
-       Catches: settings that are lost or told of with their password, and a store that stays where it was; objects of
-        before that are used once the hub was built anew.
+       Catches: settings that are lost, as where no button of their own was pressed, or told of with their password, and
+        a store that stays where it was; objects of before that are used once the hub was built anew.
      */
     private static void changesSettings() throws Exception {
         openSettings();
         fill("newStoreName", "mine");
         fill("newStoreUrl", "file://" + SCRATCH.resolve("repos/tcl-store.git"));
         fill("newStoreFile", "tcl_store.json");
-        click(find("addStore"));
+        fill("hub", "ext::x");
+        click(find("apply"));
+        await("why not", () -> !text("hubRefusal").isEmpty() && exists("settings"));
+        fill("hub", "");
+        ask(() -> ((JComponent) find("newStoreUrl")).requestFocusInWindow());
+        awaitFocus("newStoreUrl");
+        press(KeyEvent.VK_ENTER);
         await("one's own store", () -> stores().choose(Scope.of("mine")) && items().getRowCount() > 0);
         focusSearch();
         openSettings();
