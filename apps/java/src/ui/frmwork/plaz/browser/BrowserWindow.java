@@ -137,7 +137,7 @@ final class BrowserWindow extends JFrame implements HubListener {
     public void planned(Operation operation, List<Step> steps) {
         if (isEnding) return;
         if (steps.size() < 2) submit(operation);
-        else new PlanDialog(this, operation.title(), steps, () -> submit(operation)).setVisible(true);
+        else new PlanDialog(this, operation.title(), steps).ask(() -> submit(operation));
     }
 
     void verifyAll() {

@@ -136,7 +136,7 @@ record Operation(String title, boolean isSetting, Action action) {
         return new Operation("Setting the directory of the stores", true, (status, failure) -> {
             PlazSwigIntf.setQStoresPath(path);
             String place = path.isEmpty() ? "at their default place" : "below \"" + path + "\"";
-            return Outcome.of("Stores lie " + place + ".");
+            return Outcome.of("From the next start on, stores lie " + place + "; until then, where they are.");
         });
     }
 

@@ -25,6 +25,7 @@ import javax.swing.JScrollPane;
 import javax.swing.JTextField;
 import javax.swing.KeyStroke;
 import javax.swing.plaf.basic.BasicComboBoxRenderer;
+import ui.frmwork.plaz.browser.Snapshot.Item;
 import ui.frmwork.plaz.browser.Snapshot.Store;
 import ui.frmwork.plaz.host.PlazHost.Input;
 
@@ -35,6 +36,9 @@ import ui.frmwork.plaz.host.PlazHost.Input;
 final class SettingsDialog extends JDialog {
     private static final long serialVersionUID = 1;
     private static final String SAMPLE = "sample";
+    private static final String STORES_PATH_NOTE =
+            "Holds from the next start on. What is installed now stays in the old place and is not listed from the new "
+            + "one; leave the field empty, and from the start after that it is again.";
 
     private final transient Snapshot snapshot;
     private final transient Consumer<Operation> submit;
@@ -128,6 +132,7 @@ final class SettingsDialog extends JDialog {
         form.addHeading("Network and places");
         form.addRow("Proxy:", 'P', proxy, null);
         form.addRow("Keep all stores below:", 'K', storesPath, browse('B', storesPath));
+        form.addNote("storesPathNote", STORES_PATH_NOTE);
         form.addRow("Store:", 'S', store, null);
         form.addRow("Keep it in:", 'E', directory, browse('R', directory));
     }
@@ -197,6 +202,28 @@ final class SettingsDialog extends JDialog {
             showWhole();
             return;
         }
+        if (isStoresPathChanged() && snapshot.items().anyMatch(Item::isInstalled)) askToLeaveItems(() -> take(asked));
+        else take(asked);
+    }
+
+    private boolean isStoresPathChanged() {
+        return !storesPath.getText().equals(snapshot.storesPath());
+    }
+
+    private void askToLeaveItems(Runnable go) {
+        long count = snapshot.items().filter(Item::isInstalled).count();
+        String place = storesPath.getText().isEmpty() ? "at their default place" : "below " + storesPath.getText();
+        String before = snapshot.storesPath().isEmpty() ? "an empty field" : "the old directory in the field";
+        new DecisionDialog(this, "leaveItems", "Keep all stores elsewhere",
+                "From the next start on, stores are kept " + place + ". What is installed now (" + count
+                        + (count == 1 ? " item" : " items")
+                        + ") stays where it is, and is listed no more from then on, "
+                        + "unless its store is kept in a directory of its own. With " + before + " it is listed again.",
+                "Go ahead")
+                .ask(go);
+    }
+
+    private void take(List<Operation> asked) {
         changePlaces();
         asked.forEach(submit);
         if (isHubTyped()) submit.accept(Operation.chooseHub(hub.getText()));
@@ -217,8 +244,7 @@ final class SettingsDialog extends JDialog {
 
     private void changePlaces() {
         if (!proxy.getText().equals(snapshot.proxy())) submit.accept(Operation.setProxy(proxy.getText()));
-        if (!storesPath.getText().equals(snapshot.storesPath()))
-            submit.accept(Operation.setStoresPath(storesPath.getText()));
+        if (isStoresPathChanged()) submit.accept(Operation.setStoresPath(storesPath.getText()));
         for (Store each : snapshot.stores())
             if (isMoved(each)) submit.accept(Operation.move(each.name(), typed.get(each.name())));
     }

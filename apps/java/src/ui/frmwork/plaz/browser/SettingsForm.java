@@ -7,6 +7,7 @@ import java.awt.Insets;
 import javax.swing.BorderFactory;
 import javax.swing.JComponent;
 import javax.swing.JLabel;
+import javax.swing.JTextArea;
 
 /** Rows of a name, what is chosen, and a button, below headings; as wide as there is room. */
 final class SettingsForm extends ScrolledPanel {
@@ -55,6 +56,19 @@ final class SettingsForm extends ScrolledPanel {
         place.gridx = 2;
         place.gridwidth = 1;
         if (beside != null) add(beside, place);
+        ++row;
+    }
+
+    /** What the field of the row above means. */
+    void addNote(String name, String text) {
+        JTextArea note = Look.readOnlyText(name, text);
+        note.setForeground(Look.colours().quiet());
+        note.setColumns(1); // else it wants to be as wide as its text
+        GridBagConstraints place = place(0);
+        place.gridx = isNarrow ? 0 : 1;
+        place.gridwidth = 2;
+        place.fill = GridBagConstraints.HORIZONTAL;
+        add(note, place);
         ++row;
     }
 
