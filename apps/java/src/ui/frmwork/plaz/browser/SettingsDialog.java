@@ -224,12 +224,14 @@ final class SettingsDialog extends JDialog {
     }
 
     private void take(List<Operation> asked) {
-        changePlaces();
+        moveStores();
         asked.forEach(submit);
         if (isHubTyped()) submit.accept(Operation.chooseHub(hub.getText()));
         if (isStoreTyped())
             submit.accept(Operation.addStore(
                     newName.getText(), newUrl.getText(), newFile.getText().strip(), ofBoards.isSelected()));
+        // Last: another hub that is built by then would look for its stores there already.
+        if (isStoresPathChanged()) submit.accept(Operation.setStoresPath(storesPath.getText()));
         dispose();
     }
 
@@ -242,9 +244,8 @@ final class SettingsDialog extends JDialog {
         return areFit;
     }
 
-    private void changePlaces() {
+    private void moveStores() {
         if (!proxy.getText().equals(snapshot.proxy())) submit.accept(Operation.setProxy(proxy.getText()));
-        if (isStoresPathChanged()) submit.accept(Operation.setStoresPath(storesPath.getText()));
         for (Store each : snapshot.stores())
             if (isMoved(each)) submit.accept(Operation.move(each.name(), typed.get(each.name())));
     }
