@@ -21,7 +21,7 @@
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
-#include "plaz/tasks/HSCPlazPlan.h"
+#include "plaz/model/HSCPlazUpdateDecision.h"
 #include "scripting/task_manager.h"
 #include "support/ComMsgMgr.h"
 #include "support/HDGUIStatus.h"
@@ -132,7 +132,7 @@ std::vector<HSCPlazQItem*> resolve(const std::vector<std::string>& references) {
     return items;
 }
 
-void require(const StoresResult& result) {
+template <typename Result> void require(const CommandResult<Result>& result) {
     if (commandStatus().isCanceled()) failWith(ShellMsg::cancelled);
     if (result.reason) throw ExplainedFailure(*result.reason);
     if (!result.isDone) failWith(Msg::unexpectedFailure, "no reason was given");
@@ -161,7 +161,7 @@ std::vector<std::string> compare(const std::vector<std::string>& references) {
     return triples;
 }
 
-/// Triples of a fact ("inactive", "tool", "user", "needed by"), an item, and the other item or "".
+/// Triples of a fact ("inactive", "outdated", "tool", "user", "held", "needed by"), an item, and the other item or "".
 std::vector<std::string> describeItems() {
     std::vector<std::string> triples;
     const auto add = [&](const char* fact, const HSCPlazQItem& item, const std::string& other) {
@@ -169,10 +169,13 @@ std::vector<std::string> describeItems() {
     };
     const HSCPlaz& hub = requireHub();
     for (const HSCPlazQStore* store : hub.getStores())
-        for (const HSCPlazQItem* item : store->getItems())
+        for (const HSCPlazQItem* item : store->getItems()) {
             if (item->isInactive()) add("inactive", *item, "");
+            if (HSCPlazUpdateDecision::isOutdated(*item)) add("outdated", *item, "");
+        }
     for (const HSCPlazQItem* item : HubQueries(requireHub()).findRecorded("")) {
         add(toText(item->getMode()), *item, "");
+        if (HSCPlazInspection::isHeld(*item)) add("held", *item, "");
         for (const HSCPlazQItem* holder : HSCPlazInspection::findHolders(hub, *item))
             add("needed by", *item, ItemReference::of(*holder).toText());
     }
@@ -201,26 +204,37 @@ std::string findRefusal(const std::string& kind, const std::string& value) {
 }
 
 /// Six texts for each step: what is done, the item, the revision before, bytes, who needs it, whether it was asked for.
-std::vector<std::string> plan(const std::string& kind, const std::string& reference) {
-    const HubQueries queries(requireHub());
-    const ItemReference wanted = requireReference(reference);
-    HSCPlazPlan plan(requireHub());
-    HSCPlazTaskOptions options;
-    options.plan = &plan;
-    const HubActions actions(requireHub(), commandStatus(), options);
-    if (kind == "INSTALL")
-        actions.install({&queries.resolve(wanted, "")});
-    else if (kind == "UNINSTALL")
-        actions.uninstall({&queries.resolveInstalled(wanted, "")});
-    else
-        actions.update({&queries.resolveForUpdate(wanted, "")});
+std::vector<std::string> plan(HubActions::Change change, const std::vector<HSCPlazQItem*>& items) {
     std::vector<std::string> texts;
-    for (const HSCPlazPlannedStep& step : plan.getSteps())
+    for (const HSCPlazPlannedStep& step : actions().plan(change, items).parts)
         texts.insert(texts.end(),
                      {HSCPlazPlannedStep::nameOf(step.kind),
                       ItemReference{step.store, step.name, step.revision}.toText(), step.previousRevision,
                       step.size ? std::to_string(*step.size) : "", step.neededBy, step.isAskedFor ? "asked for" : ""});
     return texts;
+}
+
+std::vector<std::string> plan(const std::string& kind, const std::string& reference) {
+    const HubQueries queries(requireHub());
+    const ItemReference wanted = requireReference(reference);
+    if (kind == "INSTALL") return plan(&HubActions::install, {&queries.resolve(wanted, "")});
+    if (kind == "UNINSTALL") return plan(&HubActions::uninstall, {&queries.resolveInstalled(wanted, "")});
+    return plan(&HubActions::update, {&queries.resolveForUpdate(wanted, "")});
+}
+
+std::vector<std::string> planUpdates() {
+    return plan(&HubActions::update, HubQueries(requireHub()).findOutdated());
+}
+
+/// What the user holds is passed over without a word: facts tell of it.
+void updateAll() {
+    const HubQueries queries(requireHub());
+    const std::vector<HSCPlazQItem*> outdated = queries.findOutdated();
+    if (outdated.empty() && queries.describePassedOver().empty())
+        ComMsgMgr::send(ShellMsg::nothingToUpdate, MsgSeverity::info);
+    const ItemsResult result = actions().update(outdated);
+    for (const ComMsgMgrInstance& held : queries.describeHeld()) ComMsgMgr::send(held, MsgSeverity::info);
+    require(result);
 }
 
 std::vector<std::string> findReasons(const std::string& reference) {
@@ -258,12 +272,15 @@ bool isHeld(const std::string& reference) {
     return HSCPlazInspection::findHeld().count({item.getStoreName(), item.getName()}) != 0;
 }
 
-/// Of each entry its number, time, command and how many changes it has, then an item and what became of it for each.
+/// Of each entry its number, time, command, "undone", "undo" or "", and how many changes it has, then an item and what
+/// became of it for each.
 std::vector<std::string> readHistory() {
     std::vector<std::string> texts;
-    for (const HSCPlazHistoryEntry& entry : HSCPlazInspection::readHistory()) {
-        texts.insert(texts.end(),
-                     {std::to_string(entry.number), entry.time, entry.command, std::to_string(entry.changes.size())});
+    const std::vector<HSCPlazHistoryEntry> entries = HSCPlazInspection::readHistory();
+    for (const HSCPlazHistoryEntry& entry : entries) {
+        const char* const standing = entry.isTakenBack ? "undone" : entry.undone != 0 ? "undo" : "";
+        texts.insert(texts.end(), {std::to_string(entry.number), entry.time, entry.command, standing,
+                                   std::to_string(entry.changes.size())});
         for (const HSCPlazRecordedChange& change : entry.changes)
             texts.insert(texts.end(), {change.item.toText(), change.describe()});
     }
@@ -407,6 +424,18 @@ JNIEXPORT jobjectArray JNICALL Java_ui_frmwork_plaz_host_PlazHost_planChange(JNI
     guard(env, [&] { texts = toJava(env, plan(jni::toNative(env, kind), jni::toNative(env, item))); });
     isPlanning() = false;
     return texts;
+}
+
+JNIEXPORT jobjectArray JNICALL Java_ui_frmwork_plaz_host_PlazHost_planUpdates(JNIEnv* env, jclass) {
+    jobjectArray texts = nullptr;
+    isPlanning() = true;
+    guard(env, [&] { texts = toJava(env, planUpdates()); });
+    isPlanning() = false;
+    return texts;
+}
+
+JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_updateAll(JNIEnv* env, jclass) {
+    guard(env, [] { updateAll(); });
 }
 
 JNIEXPORT jobjectArray JNICALL Java_ui_frmwork_plaz_host_PlazHost_findReasons(JNIEnv* env, jclass, jstring item) {

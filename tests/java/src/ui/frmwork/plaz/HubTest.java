@@ -246,7 +246,9 @@ class HubTest {
         assertEquals(Set.of(new PlazHost.ItemChange("tclscripts::csv-kit@1.1", "installed"),
                              new PlazHost.ItemChange("tclscripts::string-kit@1.0", "installed as a dependency")),
                 Set.copyOf(entry.changes()));
+        assertFalse(entry.isUndone() || entry.isUndo());
         PlazHost.hold("tclscripts::csv-kit");
+        assertTrue(PlazHost.facts().contains(new PlazHost.Fact("held", "tclscripts::csv-kit@1.1", "")));
         assertTrue(PlazHost.isHeld("tclscripts::csv-kit") && !PlazHost.isHeld("boards::aurora"));
         assertThrows(CommandFailedException.class, () -> PlazHost.undo(entry.number()));
         PlazHost.unhold("tclscripts::csv-kit");
@@ -255,6 +257,7 @@ class HubTest {
         assertFalse(item("tclscripts", "tclscripts::csv-kit@1.1").IsInstalled());
         assertEquals(List.of(entry.number() + 1, "undo " + entry.number()),
                 List.of(PlazHost.history().get(0).number(), PlazHost.history().get(0).command()));
+        assertTrue(PlazHost.history().get(0).isUndo() && PlazHost.history().get(1).isUndone());
         assertThrows(CommandFailedException.class, () -> PlazHost.undo(entry.number()), "a second time");
     }
 

@@ -60,12 +60,16 @@ public final class PlazHost {
      *
      * @param time such as "2026-11-28T08:01:56+0100"
      * @param command as a person would write it; empty where it was interrupted, or something else made the changes
+     * @param isUndone whether it was taken back
+     * @param isUndo whether it took back another one
      */
-    public record Entry(int number, String time, String command, List<ItemChange> changes) {}
+    public record Entry(
+            int number, String time, String command, boolean isUndone, boolean isUndo, List<ItemChange> changes) {}
 
     /**
      * What the hub's objects do not tell of an item: that it is "inactive", that it is installed because a "user" asked
-     * for it or as the "tool" of others, or the installed item that it is "needed by".
+     * for it or as the "tool" of others, that it is "outdated", so that an update would do something, or "held" in its
+     * revision, or the installed item that it is "needed by".
      *
      * @param item such as "boards::aurora@2.0"
      * @param other an item likewise; empty where there is none to tell of
@@ -91,7 +95,8 @@ public final class PlazHost {
     /**
      * One thing that a change would do.
      *
-     * @param kind "install", "update", "take over" (its files are there already), "restore", "remove", "adopt" (from now
+     * @param kind "install", "update", "take over" (its files are there already), "restore", "remove", "adopt" (from
+     *         now
      *     on the user's own) or "keep" (for others)
      * @param item such as "boards::aurora@2.0"
      * @param before the revision in whose place it comes; empty for none
@@ -191,11 +196,13 @@ public final class PlazHost {
             int number = Integer.parseInt(texts.next());
             String time = texts.next();
             String command = texts.next();
+            String standing = texts.next();
             List<ItemChange> changes = new ArrayList<>();
             for (int left = Integer.parseInt(texts.next()); left > 0; --left) {
                 changes.add(new ItemChange(texts.next(), texts.next()));
             }
-            entries.add(new Entry(number, time, command, List.copyOf(changes)));
+            entries.add(new Entry(
+                    number, time, command, standing.equals("undone"), standing.equals("undo"), List.copyOf(changes)));
         }
         return List.copyOf(entries);
     }
@@ -295,13 +302,28 @@ public final class PlazHost {
      * @throws ui.frmwork.cmd.CommandFailedException when there is no such item
      */
     public static List<Step> plan(Change change, String item) {
-        String[] texts = planChange(change.name(), item);
+        return steps(planChange(change.name(), item));
+    }
+
+    private static List<Step> steps(String[] texts) {
         List<Step> steps = new ArrayList<>();
         for (int i = 0; i < texts.length; i += 6)
             steps.add(new Step(texts[i], texts[i + 1], texts[i + 2],
                     texts[i + 3].isEmpty() ? -1 : Long.parseLong(texts[i + 3]), texts[i + 4], !texts[i + 5].isEmpty()));
         return List.copyOf(steps);
     }
+
+    /** The same of {@link #updateAll}. */
+    public static List<Step> planUpdateAll() {
+        return steps(planUpdates());
+    }
+
+    /**
+     * Updates what is outdated and not held, and brings what installed items lack.
+     *
+     * @throws ui.frmwork.cmd.CommandFailedException when it failed, or was cancelled
+     */
+    public static native void updateAll();
 
     /**
      * Why an installed item is there. Needs no network.
@@ -315,6 +337,8 @@ public final class PlazHost {
     }
 
     private static native String[] planChange(String change, String item);
+
+    private static native String[] planUpdates();
 
     private static native String[] findReasons(String item);
 
