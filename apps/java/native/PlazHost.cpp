@@ -276,8 +276,7 @@ bool isHeld(const std::string& reference) {
 /// became of it for each.
 std::vector<std::string> readHistory() {
     std::vector<std::string> texts;
-    const std::vector<HSCPlazHistoryEntry> entries = HSCPlazInspection::readHistory();
-    for (const HSCPlazHistoryEntry& entry : entries) {
+    for (const HSCPlazHistoryEntry& entry : HSCPlazInspection::readHistory()) {
         const char* const standing = entry.isTakenBack ? "undone" : entry.undone != 0 ? "undo" : "";
         texts.insert(texts.end(), {std::to_string(entry.number), entry.time, entry.command, standing,
                                    std::to_string(entry.changes.size())});

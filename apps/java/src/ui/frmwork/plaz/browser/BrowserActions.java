@@ -9,6 +9,7 @@ import javax.swing.AbstractAction;
 import javax.swing.Action;
 import javax.swing.ButtonGroup;
 import javax.swing.JButton;
+import javax.swing.JCheckBoxMenuItem;
 import javax.swing.JMenu;
 import javax.swing.JMenuBar;
 import javax.swing.JMenuItem;
@@ -17,7 +18,6 @@ import javax.swing.KeyStroke;
 import ui.frmwork.plaz.browser.Look.Theme;
 import ui.frmwork.plaz.browser.Snapshot.Item;
 import ui.frmwork.plaz.browser.Snapshot.Key;
-import ui.frmwork.plaz.browser.Snapshot.State;
 import ui.frmwork.plaz.host.PlazHost.Change;
 
 /** What a person can do, each once for button, menu and key. */
@@ -25,6 +25,9 @@ final class BrowserActions {
     final Action install;
     final Action uninstall;
     final Action update;
+    final Action updateAll;
+    final Action hold;
+    final Action undo;
     final Action verify;
     final Action repair;
     final Action verifyAll;
@@ -39,6 +42,9 @@ final class BrowserActions {
         uninstall = action(
                 "Uninstall", 'U', "control DELETE", () -> window.planForItem(Change.UNINSTALL, Operation::uninstall));
         update = action("Update", 'P', "control U", () -> window.planForItem(Change.UPDATE, Operation::update));
+        updateAll = action("Update all", 'L', "control shift A", window::updateAll);
+        hold = action("Hold", 'H', "control K", window::toggleHold);
+        undo = action("Undo ...", 'D', "control Z", window::openHistory);
         verify = action("Verify", 'V', "F7", () -> window.submitForItem(Operation::verify));
         repair = action("Repair", 'R', "control R", () -> window.submitForItem(Operation::repair));
         verifyAll = action("Verify all", 'A', "shift F7", window::verifyAll);
@@ -47,8 +53,11 @@ final class BrowserActions {
         cancel = action("Cancel", 'C', "", window::cancel); // Esc, which also clears the search
         settings = action("Settings ...", 'S', "control COMMA", window::openSettings);
         addMenu("File", 'F', settings, action("Quit", 'Q', "control Q", window::close));
-        addMenu("Item", 'I', action("Find", 'F', "control F", window::find), install, uninstall, update, verify, repair,
-                verifyAll);
+        JMenu item = addMenu("Item", 'I', action("Find", 'F', "control F", window::find), install, uninstall, update);
+        item.add(new JCheckBoxMenuItem(hold));
+        for (Action each : new Action[] {verify, repair}) item.add(each);
+        item.addSeparator();
+        for (Action each : new Action[] {updateAll, verifyAll, undo}) item.add(each);
         addMenu("Store", 'T', refresh, check, cancel);
         JMenu view = addMenu("View", 'V', action("Larger text", 'L', "control EQUALS", () -> window.resizeText(10)),
                 action("Smaller text", 'S', "control MINUS", () -> window.resizeText(-10)));
@@ -75,7 +84,11 @@ final class BrowserActions {
     void enable(HubThread hub, Optional<Item> item, List<String> chosenStores, boolean isWorking) {
         enableItem(install, hub, item.filter(it -> !it.isLatestInstalled()), Operation::install);
         enableItem(uninstall, hub, item.filter(Item::isInstalled), Operation::uninstall);
-        enableItem(update, hub, item.filter(it -> it.state() == State.OUTDATED), Operation::update);
+        enableItem(update, hub, item.filter(Item::isUpdatable), Operation::update);
+        boolean isHeld = item.filter(it -> it.standing().isHeld()).isPresent();
+        enableItem(hold, hub, item.filter(Item::isInstalled), isHeld ? Operation::unhold : Operation::hold);
+        hold.putValue(Action.SELECTED_KEY, isHeld); // what is so, not what was clicked
+        updateAll.setEnabled(!hub.isUnderway(Operation.updateAll().title()));
         enableItem(verify, hub, item.filter(Item::isInstalled), Operation::verify);
         enableItem(repair, hub, item.filter(Item::isInstalled), Operation::repair);
         verifyAll.setEnabled(!hub.isUnderway(Operation.verifyAll().title()));
@@ -86,8 +99,8 @@ final class BrowserActions {
 
     /** Nothing can be begun any more. */
     void disable() {
-        List<Action> all =
-                List.of(install, uninstall, update, verify, repair, verifyAll, refresh, check, cancel, settings);
+        List<Action> all = List.of(install, uninstall, update, updateAll, hold, undo, verify, repair, verifyAll,
+                refresh, check, cancel, settings);
         for (Action each : all) each.setEnabled(false);
     }
 

@@ -24,6 +24,7 @@ import ui.frmwork.plaz.browser.Snapshot.Item;
 import ui.frmwork.plaz.browser.Snapshot.Key;
 import ui.frmwork.plaz.browser.Snapshot.Store;
 import ui.frmwork.plaz.host.PlazHost.Change;
+import ui.frmwork.plaz.host.PlazHost.Entry;
 import ui.frmwork.plaz.host.PlazHost.Severity;
 import ui.frmwork.plaz.host.PlazHost.Step;
 
@@ -138,6 +139,27 @@ final class BrowserWindow extends JFrame implements HubListener {
         if (isEnding) return;
         if (steps.size() < 2) submit(operation);
         else new PlanDialog(this, operation.title(), steps).ask(() -> submit(operation));
+    }
+
+    void updateAll() {
+        hub.planUpdateAll(Operation.updateAll());
+    }
+
+    /** Holds the chosen item, or does so no longer. */
+    void toggleHold() {
+        panes.items.chosen().ifPresent(
+                item -> submit(item.standing().isHeld() ? Operation.unhold(item.key()) : Operation.hold(item.key())));
+    }
+
+    void openHistory() {
+        hub.readEntries();
+    }
+
+    @Override
+    public void entries(List<Entry> entries) {
+        if (isEnding) return;
+        HistoryDialog dialog = new HistoryDialog(this, entries);
+        dialog.ask(() -> dialog.chosen().ifPresent(entry -> submit(Operation.undo(entry.number()))));
     }
 
     void verifyAll() {

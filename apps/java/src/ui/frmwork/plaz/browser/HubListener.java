@@ -3,6 +3,7 @@ package ui.frmwork.plaz.browser;
 import java.util.List;
 import java.util.Map;
 import ui.frmwork.plaz.browser.Snapshot.Key;
+import ui.frmwork.plaz.host.PlazHost.Entry;
 import ui.frmwork.plaz.host.PlazHost.Step;
 
 /** Told by {@link HubThread} what happens, on the thread of the windows. */
@@ -17,6 +18,9 @@ interface HubListener {
 
     /** @param steps what the operation would do; none where that is not known */
     void planned(Operation operation, List<Step> steps);
+
+    /** @param entries what was done to what is installed, the newest first */
+    void entries(List<Entry> entries);
 
     /** @param version which git it is, and where */
     void git(String version);

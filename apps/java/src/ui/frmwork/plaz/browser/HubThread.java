@@ -14,6 +14,7 @@ import java.util.concurrent.Executors;
 import java.util.concurrent.Future;
 import java.util.concurrent.atomic.AtomicReference;
 import java.util.function.Consumer;
+import java.util.function.Supplier;
 import javax.swing.SwingUtilities;
 import ui.frmwork.cmd.CommandFailedException;
 import ui.frmwork.plaz.PlazException;
@@ -23,6 +24,7 @@ import ui.frmwork.plaz.browser.Operation.Outcome;
 import ui.frmwork.plaz.browser.Snapshot.Key;
 import ui.frmwork.plaz.host.PlazHost;
 import ui.frmwork.plaz.host.PlazHost.Change;
+import ui.frmwork.plaz.host.PlazHost.Entry;
 import ui.frmwork.plaz.host.PlazHost.Input;
 import ui.frmwork.plaz.host.PlazHost.Severity;
 import ui.frmwork.plaz.host.PlazHost.Step;
@@ -91,19 +93,34 @@ final class HubThread {
 
     /** Asks what an operation would do to an item. */
     void plan(Change change, Key key, Operation operation) {
-        read(() -> {
-            List<Step> steps = plan(change, key);
-            post(to -> to.planned(operation, steps));
-        });
+        plan(() -> PlazHost.plan(change, key.toString()), operation);
+    }
+
+    /** The same of all that is outdated. */
+    void planUpdateAll(Operation operation) {
+        plan(PlazHost::planUpdateAll, operation);
     }
 
     /** What is in the way, the operation will tell. */
-    private static List<Step> plan(Change change, Key key) {
-        try {
-            return PlazHost.plan(change, key.toString());
-        } catch (CommandFailedException e) {
-            return List.of();
-        }
+    private void plan(Supplier<List<Step>> ask, Operation operation) {
+        read(() -> {
+            List<Step> steps = List.of();
+            try {
+                steps = ask.get();
+            } catch (CommandFailedException e) {
+                // There is none then.
+            }
+            List<Step> found = steps;
+            post(to -> to.planned(operation, found));
+        });
+    }
+
+    /** Reads what was done to what is installed. */
+    void readEntries() {
+        read(() -> {
+            List<Entry> entries = PlazHost.history();
+            post(to -> to.entries(entries));
+        });
     }
 
     /** Asks which git the hub runs. */

@@ -2,6 +2,8 @@ package ui.frmwork.plaz.browser;
 
 import java.util.List;
 import java.util.Map;
+import java.util.stream.Collectors;
+import java.util.stream.Stream;
 import ui.frmwork.cmd.CommandFailedException;
 import ui.frmwork.plaz.PlazException;
 import ui.frmwork.plaz.PlazItem;
@@ -10,6 +12,7 @@ import ui.frmwork.plaz.PlazSwigIntf;
 import ui.frmwork.plaz.TaskStatus;
 import ui.frmwork.plaz.browser.Snapshot.Key;
 import ui.frmwork.plaz.host.PlazHost;
+import ui.frmwork.plaz.host.PlazHost.Fact;
 
 /**
  * Something to be done with the hub, once; {@link HubThread} runs it.
@@ -53,6 +56,41 @@ record Operation(String title, boolean isSetting, Action action) {
 
     static Operation update(Key key) {
         return onItem("Updating", key, PlazSwigIntf::update);
+    }
+
+    /** What is held the hub would tell with a command of its program. */
+    static Operation updateAll() {
+        return new Operation("Updating all that is outdated", false, (status, failure) -> {
+            PlazHost.updateAll();
+            List<Fact> facts = PlazHost.facts();
+            String held = itemsOf(facts, "outdated")
+                                  .filter(itemsOf(facts, "held").collect(Collectors.toSet())::contains)
+                                  .collect(Collectors.joining(", "));
+            return Outcome.of(held.isEmpty() ? "" : "Not updated, because you hold them (menu Item, Hold): " + held);
+        });
+    }
+
+    private static Stream<String> itemsOf(List<Fact> facts, String kind) {
+        return facts.stream().filter(fact -> fact.kind().equals(kind)).map(Fact::item);
+    }
+
+    static Operation hold(Key key) {
+        return new Operation("Holding " + key, false, (status, failure) -> {
+            PlazHost.hold(key.toString());
+            return Outcome.of("\"" + key + "\" stays in its revision until you no longer hold it.");
+        });
+    }
+
+    static Operation unhold(Key key) {
+        return new Operation("Holding no longer " + key, false, (status, failure) -> {
+            PlazHost.unhold(key.toString());
+            return Outcome.of("You hold \"" + key + "\" no longer.");
+        });
+    }
+
+    /** @param number of an entry of the history */
+    static Operation undo(int number) {
+        return onHub("Taking back the entry " + number, false, () -> PlazHost.undo(number));
     }
 
     static Operation verify(Key key) {

@@ -37,8 +37,8 @@ final class PlanDialog extends DecisionDialog {
         List<Step> going = steps.stream().filter(step -> step.kind().equals("remove")).toList();
         List<Step> coming =
                 steps.stream().filter(step -> List.of("install", "update", "restore").contains(step.kind())).toList();
-        return "This changes more than the item itself: " + coming.size() + " to come (" + sizes(coming) + "), "
-                + going.size() + " to go (" + sizes(going) + ").";
+        return "This changes more than one item: " + coming.size() + " to come (" + sizes(coming) + "), " + going.size()
+                + " to go (" + sizes(going) + ").";
     }
 
     private static String sizes(List<Step> steps) {

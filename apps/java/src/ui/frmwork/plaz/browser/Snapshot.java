@@ -54,11 +54,12 @@ record Snapshot(List<Store> stores, String proxy, String storesPath, Hub hub) {
      *
      * @param installed the revisions that are, the latest first
      * @param isForOthers whether it is installed because others need it, not because one asked for it
+     * @param isHeld whether a person holds it in its revision
      * @param isInactive whether it is no longer kept up
      * @param neededBy installed items that need it
      */
-    record Standing(
-            State state, List<String> installed, boolean isForOthers, boolean isInactive, List<Dependency> neededBy) {}
+    record Standing(State state, List<String> installed, boolean isForOthers, boolean isHeld, boolean isInactive,
+            List<Dependency> neededBy) {}
 
     /**
      * An item as its latest revision describes it.
@@ -77,6 +78,11 @@ record Snapshot(List<Store> stores, String proxy, String storesPath, Hub hub) {
             return state() != State.NONE;
         }
 
+        /** Whether an update would change something. */
+        boolean isUpdatable() {
+            return state() == State.OUTDATED && !standing.isHeld();
+        }
+
         boolean isLatestInstalled() {
             return standing.installed().contains(revision);
         }
@@ -90,6 +96,7 @@ record Snapshot(List<Store> stores, String proxy, String storesPath, Hub hub) {
                     "outdated";
             };
             if (isInstalled() && !isLatestInstalled()) text += " (" + standing.installed().get(0) + ")";
+            if (standing.isHeld()) text += ", held";
             if (standing.isInactive()) text += text.isEmpty() ? "inactive" : ", inactive";
             return text;
         }

@@ -78,27 +78,22 @@ final class SnapshotReader {
                 map(latest.getItemDependencies(), SnapshotReader::dependency));
     }
 
-    /** An older revision is out of date only while the latest one is not there beside it. */
-    private static State state(List<PlazItem> entries) {
-        PlazItem latest = entries.get(0);
-        if (latest.IsInstalled()) return latest.NeedsRefresh() ? State.OUTDATED : State.INSTALLED;
-        List<PlazItem> installed = entries.stream().filter(PlazItem::IsInstalled).toList();
-        if (installed.isEmpty()) return State.NONE;
-        return installed.stream().anyMatch(PlazItem::NeedsRefresh) ? State.OUTDATED : State.INSTALLED;
-    }
-
     private Standing standing(List<PlazItem> entries) {
         List<PlazItem> installed = entries.stream().filter(PlazItem::IsInstalled).toList();
         List<Fact> known = installed.stream().flatMap(entry -> facts(entry.toString())).toList();
-        return new Standing(state(entries), installed.stream().map(PlazItem::getRevision).toList(),
-                known.stream().anyMatch(fact -> fact.kind().equals("tool"))
-                        && known.stream().noneMatch(fact -> fact.kind().equals("user")),
-                facts(entries.get(0).toString()).anyMatch(fact -> fact.kind().equals("inactive")),
+        State state = isAny(known, "outdated") ? State.OUTDATED : State.INSTALLED;
+        return new Standing(installed.isEmpty() ? State.NONE : state,
+                installed.stream().map(PlazItem::getRevision).toList(), isAny(known, "tool") && !isAny(known, "user"),
+                isAny(known, "held"), isAny(facts(entries.get(0).toString()).toList(), "inactive"),
                 known.stream()
                         .filter(fact -> fact.kind().equals("needed by"))
                         .map(fact -> reference(fact.other()))
                         .distinct()
                         .toList());
+    }
+
+    private static boolean isAny(List<Fact> known, String kind) {
+        return known.stream().anyMatch(fact -> fact.kind().equals(kind));
     }
 
     private Stream<Fact> facts(String entry) {

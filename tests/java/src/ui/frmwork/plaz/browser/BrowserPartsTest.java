@@ -149,7 +149,7 @@ class BrowserPartsTest {
     private static Item item(String store, String name, State state, String description, List<String> categories,
             List<String> keywords) {
         return new Item(new Key(store, name), "", description, "1.0",
-                new Standing(state, List.of(), false, false, List.of()), "Maker", "", "", "", categories, keywords,
-                List.of(), List.of());
+                new Standing(state, List.of(), false, false, false, List.of()), "Maker", "", "", "", categories,
+                keywords, List.of(), List.of());
     }
 }

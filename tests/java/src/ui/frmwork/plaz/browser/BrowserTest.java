@@ -17,6 +17,7 @@ import java.nio.file.Path;
 import java.util.List;
 import java.util.stream.Stream;
 import javax.swing.JComponent;
+import javax.swing.JTable;
 import javax.swing.UIManager;
 import javax.swing.text.JTextComponent;
 import org.junit.jupiter.api.BeforeAll;
@@ -46,6 +47,7 @@ class BrowserTest extends Person {
         showsCatalogTextsAsTheyAre();
         refreshesAndFilters();
         updatesWhatIsOutdated();
+        takesBack();
         installsWithWhatIsNeededAndFollowsLinks();
         verifiesAndRepairs();
         actsInTheStoreOfTheItem();
@@ -104,12 +106,43 @@ class BrowserTest extends Person {
         assertEquals("1.1\n1.0  (installed)", text("Revisions"));
         assertEquals("outdated (1.0)", item("boards", "io-panel").stateText());
         assertEquals(List.of(true, true, true), enabled());
-        press(KeyEvent.VK_CONTROL, KeyEvent.VK_U);
+        press(KeyEvent.VK_CONTROL, KeyEvent.VK_K);
+        await("held", () -> text("State").equals("outdated (1.0), held"));
+        assertEquals(List.of(true, true, false), enabled());
+        press(KeyEvent.VK_CONTROL, KeyEvent.VK_SHIFT, KeyEvent.VK_A);
+        awaitRest("because you hold them (menu Item, Hold): boards::io-panel");
+        press(KeyEvent.VK_CONTROL, KeyEvent.VK_K);
+        await("free", () -> text("State").equals("outdated (1.0)"));
+        press(KeyEvent.VK_CONTROL, KeyEvent.VK_SHIFT, KeyEvent.VK_A);
         await("nothing", () -> shown().isEmpty());
         click(find("outdated"));
         choose("boards", "io-panel");
         assertEquals("1.1  (installed)\n1.0  (installed)", text("Revisions"));
         assertEquals(List.of(false, true, false), enabled());
+    }
+
+    /** Catches: an undo of another entry, or that is on offer again. */
+    private static void takesBack() throws Exception {
+        press(KeyEvent.VK_CONTROL, KeyEvent.VK_Z);
+        await("the update", () -> exists("history") && text("changes").startsWith("boards::io-panel@1.1 installed"));
+        ask(() -> find("entries").requestFocusInWindow());
+        awaitFocus("entries");
+        press(KeyEvent.VK_ENTER);
+        await("the older one", () -> state("boards", "io-panel") == State.OUTDATED);
+        focusSearch();
+        press(KeyEvent.VK_CONTROL, KeyEvent.VK_Z);
+        await("the one before", () -> exists("history") && text("changes").contains("boards::io-panel@1.0 installed"));
+        perform(() -> ((JTable) find("entries")).setRowSelectionInterval(1, 1));
+        assertFalse(find("go").isEnabled(), "taken back already");
+        press(KeyEvent.VK_ESCAPE);
+        await("no dialog", () -> !exists("history"));
+        focusSearch();
+        choose("boards", "io-panel");
+        click(find("uninstall"));
+        await("the plan", () -> exists("plan"));
+        click(find("go"));
+        await("it gone", () -> state("boards", "io-panel") == State.NONE);
+        focusSearch();
     }
 
     /** Catches: an install that is not shown, told or complete, and actions on offer that make no sense. */
@@ -124,6 +157,7 @@ class BrowserTest extends Person {
                 ask(() -> ((JComponent) find("Name")).getVisibleRect().isEmpty()), "scrolled by what was shown anew");
         assertEquals(State.INSTALLED, state("boards", "aurora"));
         assertEquals("needed by others", item("tclscripts", "board-check").stateText());
+        assertEquals("needed by others (1.0)", item("boards", "io-panel").stateText(), "an update would do nothing");
         assertEquals("boards::aurora", item("tclscripts", "board-check").standing().neededBy().get(0).key().toString());
         assertEquals(List.of(false, true, false), enabled());
         assertTrue(Files.isRegularFile(Path.of(text("Installed in"), "item.json")));
