@@ -28,6 +28,7 @@ final class ItemTable extends JTable {
     private static final long serialVersionUID = 1;
 
     private static final int MEASURED_ROWS = 1000;
+    private static final String USUAL_STATE = "needed by others (1.0)";
 
     private final transient TableRowSorter<ItemTableModel> sorter;
     private final transient LogoCache logos;
@@ -59,13 +60,15 @@ final class ItemTable extends JTable {
         return getParent() == null || getPreferredSize().width < getParent().getWidth();
     }
 
-    /** Makes each column as wide as what stands in it, within reason. */
+    /** Makes each column as wide as what stands in it, within reason, or soon will. */
     void fitColumns() {
         for (int column = 0; column < getColumnCount(); ++column) {
             int width = widthOf(getTableHeader().getDefaultRenderer(), getColumnName(column), 0, column)
                     + Look.lineHeight(this); // for the arrow of the sorting
             for (int row = 0; row < Math.min(getRowCount(), MEASURED_ROWS); ++row)
                 width = Math.max(width, widthOf(getCellRenderer(row, column), getValueAt(row, column), row, column));
+            if (getColumnClass(column) == Item.class)
+                width = Math.max(width, getFontMetrics(getFont()).stringWidth(USUAL_STATE) + 3 * Look.gap(this));
             getColumnModel().getColumn(column).setPreferredWidth(Math.min(width, 20 * Look.lineHeight(this)));
         }
     }

@@ -79,6 +79,16 @@ class BrowserPartsTest {
         assertEquals(ordered, ordered.stream().sorted(Comparator.reverseOrder()).sorted(Revisions.ORDER).toList());
     }
 
+    /** Catches: states that are cut off once something is installed. */
+    @Test
+    void hasRoomForStates() {
+        ItemTable table = new ItemTable(new LogoCache());
+        table.show(List.of(item("boards", "aurora", State.NONE, "", List.of(), List.of())));
+        table.fitColumns();
+        int room = table.getColumn("State").getPreferredWidth();
+        assertTrue(room > table.getFontMetrics(table.getFont()).stringWidth("needed by others (1.0)"), () -> "" + room);
+    }
+
     /** Catches: an address that could start a program. */
     @ParameterizedTest
     @CsvSource({"file:///etc/passwd, false", "javascript:alert(1), false", "https:, false", "'', false", "x y, false",
