@@ -13,7 +13,7 @@ final class PlainTable extends JTable {
     private static final int LEAST_WIDTH = 44; // in lines' heights, as the next
     private static final int MOST_COLUMN_WIDTH = 12;
 
-    /** @param cut the column whose texts are cut where there is little room */
+    /** @param cut the column that gets the room that is left; where that is little, its texts are cut */
     PlainTable(String meaning, Object[] headings, Object[][] rows, int cut, int mostRows) {
         super(new DefaultTableModel(rows, headings) {
             private static final long serialVersionUID = 1;
@@ -32,7 +32,9 @@ final class PlainTable extends JTable {
             TableColumn column = getColumnModel().getColumn(i);
             int width = widest(i) + 2 * Look.gap(this);
             column.setPreferredWidth(width);
-            if (i != cut) column.setMinWidth(Math.min(width, MOST_COLUMN_WIDTH * Look.lineHeight(this)));
+            if (i == cut) continue;
+            column.setMinWidth(Math.min(width, MOST_COLUMN_WIDTH * Look.lineHeight(this)));
+            column.setMaxWidth(width);
         }
         setPreferredScrollableViewportSize(
                 new Dimension(Math.max(LEAST_WIDTH * Look.lineHeight(this), getPreferredSize().width),

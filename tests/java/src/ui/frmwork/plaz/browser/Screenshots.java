@@ -72,6 +72,7 @@ final class Screenshots extends Person {
         click(find("go"));
         awaitRest("Installed \"Aurora Entwicklungsplatine\".");
         keep("installed");
+        takeQuestions();
         takeProgress();
         takeFailure();
         takeRefusal("settings");
@@ -85,6 +86,23 @@ final class Screenshots extends Person {
         open(16);
         press(KeyEvent.VK_F5);
         awaitRest("Refreshed \"tclscripts\".");
+    }
+
+    private static void takeQuestions() {
+        perform(window::openHistory);
+        await("what was done", () -> exists("history"));
+        keep("history");
+        press(KeyEvent.VK_ESCAPE);
+        focusSearch();
+        openSettings();
+        fill("storesPath", SCRATCH.resolve("elsewhere").toString());
+        click(find("apply"));
+        await("what it means", () -> exists("leaveItems"));
+        keep("leave-items");
+        press(KeyEvent.VK_ESCAPE);
+        await("no question", () -> !exists("leaveItems"));
+        click(find("leave"));
+        await("no dialog", () -> !exists("settings"));
     }
 
     /** While git stands still. */
