@@ -123,8 +123,8 @@ bool HSCPlazInspection::isHeld(const HSCPlazQItem& item) {
 
 std::vector<HSCPlazHistoryEntry> HSCPlazInspection::readHistory() {
     HSCPlazReport problem;
-    const HSCPlazHistory& history = workspace().history;
-    const std::vector<HSCPlazHistoryEntry>& entries = workspace().history.read(problem);
+    HSCPlazHistory& history = workspace().history;
+    const std::vector<HSCPlazHistoryEntry>& entries = history.read(problem);
     if (!problem.isEmpty()) throw HEXAll(problem.getNotes().front().message);
     std::vector<HSCPlazHistoryEntry> shown(entries.rbegin(), entries.rend());
     for (HSCPlazHistoryEntry& entry : shown) entry.isTakenBack = history.isUndone(entry.number);
