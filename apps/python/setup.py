@@ -1,7 +1,10 @@
-"""Builds the wheel: CMake builds and lays out the package, setuptools packs it."""
+"""Builds the wheel: CMake builds and lays out the package, setuptools packs it. The environment's CMAKE_ARGS are further
+arguments of the configuration."""
 
+import os
 import pathlib
 import re
+import shlex
 import subprocess
 import sys
 import tempfile
@@ -19,9 +22,10 @@ class BuildWithCMake(build_ext):
         tree = pathlib.Path(SCRATCH.name) / "cmake"
         target = pathlib.Path(self.build_lib).resolve()
         options = ["-DCMAKE_BUILD_TYPE=Release", "-DPLAZ_TESTS=OFF", f"-DPython3_EXECUTABLE={sys.executable}"]
+        options += shlex.split(os.environ.get("CMAKE_ARGS", ""))
         self.call("-S", ROOT, "-B", tree, "-G", "Ninja", *options)
         self.call("--build", tree, "--target", "_plaz")
-        self.call("--install", tree, "--component", "wheel", "--prefix", target)
+        self.call("--install", tree, "--component", "wheel", "--prefix", target, "--strip")
         # A wheel holds no links. Each library is there once, by the name under which it is loaded.
         for link in (target / "plaz/lib").iterdir():
             if link.is_symlink():

@@ -2,10 +2,11 @@
 
 import os
 import pathlib
+import shlex
 import sys
 import unittest
 
-from support.hubtest import BUILD, SCRATCH, TREE, make_env, make_hub, succeed
+from support.hubtest import BUILD, SCRATCH, TREE, make_env, make_hub, read_cache, succeed
 
 PACKAGE = TREE / "apps/python"
 USE = """
@@ -19,10 +20,12 @@ assert (home / "__init__.pyi").is_file() and (home / "py.typed").is_file()
 """
 
 
-# What was compiled before is taken from the compiler's cache: the user's, and below the tree its keys are the same in
-# every checkout.
+# What was compiled before, also for this build, is taken from the compiler's cache: the user's, and below the tree its
+# keys are the same in every checkout.
+ALIKE = ("CMAKE_BUILD_TYPE", "CMAKE_CXX_FLAGS_RELWITHDEBINFO", "PLAZ_WERROR")
 COMPILING = {
     "CCACHE_DIR": os.environ.get("CCACHE_DIR", str(pathlib.Path.home() / ".cache/ccache")),
+    "CMAKE_ARGS": shlex.join(f"-D{name}={value}" for name, value in read_cache().items() if name in ALIKE),
     "TMPDIR": str(BUILD),
 }
 

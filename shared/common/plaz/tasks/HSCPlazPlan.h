@@ -73,5 +73,6 @@ private:
     HSCPlaz& m_hub;
     std::vector<HSCPlazPlannedStep> m_steps;
     std::map<HSCPlazQItemModel*, Before> m_before;
-    std::set<const HSCPlazQItem*> m_coming; ///< items whose files are not there yet
+    std::set<const HSCPlazQItem*> m_coming;   ///< items whose files are not there yet
+    std::set<const HSCPlazQItem*> m_restored; ///< items of whose files some are not there yet
 };

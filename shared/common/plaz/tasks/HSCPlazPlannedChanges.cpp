@@ -207,6 +207,7 @@ bool HSCPlazPlannedChanges::remove(const HSCPlazFoundItem& found, bool isAskedFo
     step.isAskedFor = isAskedFor;
     if (!isComing) step.size = sizeOf(dir, Files::findRemains(found, dir));
     m_plan.m_coming.erase(found.item);
+    m_plan.m_restored.erase(found.item);
     m_plan.keep(*found.item->getModel());
     found.item->getModel()->clearInstallation();
     HSCPlazHolds::apply(m_task.getHub());
@@ -219,12 +220,15 @@ bool HSCPlazPlannedChanges::requireFetchable() {
 }
 
 bool HSCPlazPlannedChanges::restore(const HSCPlazFoundItem& found, bool /*areEditsKept*/) {
+    // Nothing has come yet: what several others need is found lacking, or as its older revision left it, each time.
+    if (m_plan.m_coming.count(found.item) != 0 || m_plan.m_restored.count(found.item) != 0) return true;
     HSCPlazPlannedStep step = toStep(Kind::restore, found);
     HSCPlazQItemModel record;
     record.setCommitId(step.commit);
     record.setLocalDir(step.directory);
     if (!requireFetchable()) return false;
     addSource(step, found, record);
+    m_plan.m_restored.insert(found.item);
     m_plan.m_steps.push_back(std::move(step));
     return true;
 }
