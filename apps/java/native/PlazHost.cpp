@@ -267,6 +267,24 @@ bool check(const std::string& name) {
     return result.parts.front().outcome == HSCPlazStoreResult::Outcome::outdated;
 }
 
+/// Of each store its name, what would become of it, its URL, both commits; how many subjects there are, and these; how
+/// many items would change, and five texts for each: how, its name, both revisions, whether it is installed.
+std::vector<std::string> describe(const StoresResult& plan) {
+    require(plan);
+    std::vector<std::string> texts;
+    for (const HSCPlazStoreResult& store : plan.parts) {
+        const HSCPlazCatalogChanges& changes = store.changes;
+        texts.insert(texts.end(), {store.store, HSCPlazStoreResult::nameOf(store.outcome), changes.url,
+                                   changes.previousCommit, changes.commit, std::to_string(changes.subjects.size())});
+        texts.insert(texts.end(), changes.subjects.begin(), changes.subjects.end());
+        texts.push_back(std::to_string(changes.items.size()));
+        for (const HSCPlazCatalogChanges::Item& item : changes.items)
+            texts.insert(texts.end(), {HSCPlazCatalogChanges::nameOf(item.kind), item.name, item.revision,
+                                       item.previousRevision, item.isInstalled ? "installed" : ""});
+    }
+    return texts;
+}
+
 bool isHeld(const std::string& reference) {
     const HSCPlazQItem& item = HubQueries(requireHub()).resolve(requireReference(reference), "");
     return HSCPlazInspection::findHeld().count({item.getStoreName(), item.getName()}) != 0;
@@ -359,6 +377,21 @@ JNIEXPORT jobjectArray JNICALL Java_ui_frmwork_plaz_host_PlazHost_describeItems(
 
 JNIEXPORT jboolean JNICALL Java_ui_frmwork_plaz_host_PlazHost_check(JNIEnv* env, jclass, jstring store) {
     return guard(env, [&] { return check(jni::toNative(env, store)); });
+}
+
+JNIEXPORT jobjectArray JNICALL Java_ui_frmwork_plaz_host_PlazHost_planStores(JNIEnv* env, jclass, jobjectArray names) {
+    jobjectArray texts = nullptr;
+    guard(env, [&] {
+        const HubQueries queries(requireHub());
+        texts = toJava(env, describe(actions().planRefresh(queries.getStores(toNative(env, names)))));
+    });
+    return texts;
+}
+
+JNIEXPORT jobjectArray JNICALL Java_ui_frmwork_plaz_host_PlazHost_planHub(JNIEnv* env, jclass) {
+    jobjectArray texts = nullptr;
+    guard(env, [&] { texts = toJava(env, describe(actions().planRefreshHub())); });
+    return texts;
 }
 
 JNIEXPORT jobjectArray JNICALL Java_ui_frmwork_plaz_host_PlazHost_readHistory(JNIEnv* env, jclass) {

@@ -153,6 +153,28 @@ class HubTest {
         assertEquals(stream(store("boards").getItems()).toList(), walked);
     }
 
+    /** Catches: a plan that is cut wrongly, is of other stores, or changes what is known. */
+    private static void assertPlansTellOfWhatIsPublished() {
+        PlazItem panel = item("boards", "io-panel");
+        List<PlazHost.StorePlan> plans = PlazHost.planRefresh(List.of());
+        PlazHost.StorePlan plan = plans.get(0);
+        assertEquals(List.of("boards", "outdated", "", List.of("more")),
+                List.of(plan.store(), plan.outcome(), plan.url(), plan.subjects()));
+        assertTrue((plan.previousCommit() + plan.commit()).matches("[0-9a-f]{80}"), plan::toString);
+        List<PlazHost.CatalogChange> items = new ArrayList<>();
+        for (String revision : List.of("1.0", "1.1")) {
+            items.add(new PlazHost.CatalogChange("new", "new", revision, "", false));
+            items.add(new PlazHost.CatalogChange("withdrawn", "io-panel", revision, "", false));
+        }
+        assertEquals(Set.copyOf(items), Set.copyOf(plan.items()));
+        assertEquals(List.of("tclscripts", "up-to-date"), List.of(plans.get(1).store(), plans.get(1).outcome()));
+        assertEquals(plans, PlazHost.planRefreshHub());
+        assertEquals(List.of(plan), PlazHost.planRefresh(List.of("boards")));
+        assertThrows(CommandFailedException.class, () -> PlazHost.planRefresh(List.of("boar")));
+        assertEquals(panel, item("boards", "io-panel"));
+        assertTrue(PlazHost.check("boards"));
+    }
+
     /**
        Catches: items that outlive their refresh, a proxy that holds until the program ends, progress that is not told,
        a listener that stops the hub, a check that sees no change, or takes silence for an answer.
@@ -173,13 +195,18 @@ class HubTest {
         Path config = Path.of(boards.getLocalRootDir(), ".plaz/.index/.git/config");
         assertTrue(Files.readString(config).contains("proxy = http://proxy.invalid"), config::toString);
         assertFalse(PlazSwigIntf.hasUpdate(boards, STATUS, RECORD));
-        String commit = "git -c user.name=A -c user.email=a@b.c commit-tree -p main -m more main^{tree}";
+        String publish =
+                "catalog=$(git show main:boards_catalog.json | sed 's/\"io-panel\"/\"new\"/' | git hash-object -w "
+                + "--stdin) && git read-tree main && git update-index --cacheinfo 100644,$catalog,boards_catalog.json "
+                + "&& git update-ref refs/heads/main $(git -c user.name=A -c user.email=a@b.c commit-tree -p main "
+                + "-m more $(git write-tree))";
         assertEquals(0,
-                new ProcessBuilder("sh", "-c", "git update-ref refs/heads/main $(" + commit + ")")
+                new ProcessBuilder("sh", "-c", publish)
                         .directory(SAMPLE.resolve("repos/boards-store.git").toFile())
                         .start()
                         .waitFor());
-        assertTrue(PlazSwigIntf.hasUpdate(boards, STATUS, RECORD) && PlazHost.check("boards"));
+        assertTrue(PlazSwigIntf.hasUpdate(boards, STATUS, RECORD));
+        assertPlansTellOfWhatIsPublished();
         String url = boards.getUrl();
         boards.setUrl(url + ".gone");
         CommandFailedException failure = assertThrows(CommandFailedException.class, () -> PlazHost.check("boards"));

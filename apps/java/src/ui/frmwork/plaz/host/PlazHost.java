@@ -5,6 +5,7 @@ import java.util.Iterator;
 import java.util.List;
 import java.util.Locale;
 import java.util.Objects;
+import java.util.function.Supplier;
 
 /**
  * The design tool's part, for programs in Java that are no design tool: starts the hub in this process and tells what
@@ -105,6 +106,29 @@ public final class PlazHost {
      */
     public record Step(String kind, String item, String before, long bytes, String neededBy, boolean isAskedFor) {}
 
+    /**
+     * What a refresh would change of what is known of an item.
+     *
+     * @param kind "new", "changed" (another revision takes its place, or the same one was published anew) or
+     *         "withdrawn"
+     * @param previousRevision of a change: what is offered now; else empty
+     * @param isInstalled whether this revision is installed; of a store that keeps one of each item, whether any is
+     */
+    public record CatalogChange(
+            String kind, String name, String revision, String previousRevision, boolean isInstalled) {}
+
+    /**
+     * What a refresh would change of what is known of a store.
+     *
+     * @param outcome "up-to-date", "outdated", or of what the hub would begin, or cease, to list, "new" and "withdrawn"
+     * @param url without secrets, of a store that is new, or is fetched from there from then on; else empty
+     * @param previousCommit that the catalog in force is of; empty where that is not known
+     * @param commit that it would be of; empty where nothing was fetched, as of a store that was never refreshed
+     * @param subjects of the commits between them, the newest first, 20 at most
+     */
+    public record StorePlan(String store, String outcome, String url, String previousCommit, String commit,
+            List<String> subjects, List<CatalogChange> items) {}
+
     private static Listener listener;
 
     static {
@@ -197,14 +221,17 @@ public final class PlazHost {
             String time = texts.next();
             String command = texts.next();
             String standing = texts.next();
-            List<ItemChange> changes = new ArrayList<>();
-            for (int left = Integer.parseInt(texts.next()); left > 0; --left) {
-                changes.add(new ItemChange(texts.next(), texts.next()));
-            }
-            entries.add(new Entry(
-                    number, time, command, standing.equals("undone"), standing.equals("undo"), List.copyOf(changes)));
+            List<ItemChange> changes = readList(texts, () -> new ItemChange(texts.next(), texts.next()));
+            entries.add(new Entry(number, time, command, standing.equals("undone"), standing.equals("undo"), changes));
         }
         return List.copyOf(entries);
+    }
+
+    /** As many as the next text says. */
+    private static <E> List<E> readList(Iterator<String> texts, Supplier<E> readOne) {
+        List<E> list = new ArrayList<>();
+        for (int left = Integer.parseInt(texts.next()); left > 0; --left) list.add(readOne.get());
+        return List.copyOf(list);
     }
 
     /** Takes back the newest command that is neither taken back nor took back another; see {@link #undo(int)}. */
@@ -227,6 +254,45 @@ public final class PlazHost {
      *         when it was cancelled
      */
     public static native boolean check(String store);
+
+    /**
+     * What a refresh of stores would change. Fetches for that, and leaves in force what is known and installed.
+     *
+     * @param stores their names; empty for all
+     * @return one for each, in their order
+     * @throws ui.frmwork.cmd.CommandFailedException when there is no such store, or that is not known of one, with the
+     *         reason, which is told, too; or when it was cancelled
+     */
+    public static List<StorePlan> planRefresh(List<String> stores) {
+        return storePlans(planStores(stores.toArray(String[] ::new)));
+    }
+
+    /**
+     * The same of a refresh of the hub itself and with it of all stores, those that it would begin, or cease, to list
+     * included.
+     *
+     * @throws ui.frmwork.cmd.CommandFailedException as {@link #planRefresh}
+     */
+    public static List<StorePlan> planRefreshHub() {
+        return storePlans(planHub());
+    }
+
+    private static List<StorePlan> storePlans(String[] all) {
+        Iterator<String> texts = List.of(all).iterator();
+        List<StorePlan> plans = new ArrayList<>();
+        while (texts.hasNext())
+            plans.add(new StorePlan(texts.next(), texts.next(), texts.next(), texts.next(), texts.next(),
+                    readList(texts, texts::next), readList(texts, () -> readCatalogChange(texts))));
+        return List.copyOf(plans);
+    }
+
+    private static CatalogChange readCatalogChange(Iterator<String> texts) {
+        return new CatalogChange(texts.next(), texts.next(), texts.next(), texts.next(), !texts.next().isEmpty());
+    }
+
+    private static native String[] planStores(String... stores);
+
+    private static native String[] planHub();
 
     private static native String[] readHistory();
 
