@@ -2,10 +2,12 @@
 #include "HubParams.h"
 #include "Program.h"
 
+#include "plaz/HSCPlazInspection.h"
 #include "plaz/HSCPlazMgr.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
+#include "support/ComMsgMgr.h"
 #include "support/HPAParamMgr.h"
 
 #include <algorithm>
@@ -53,6 +55,18 @@ std::vector<Word> findItems(HSCPlaz& hub, Kind kind, const std::string& begun) {
     return findNames(items, begun);
 }
 
+/// What can be taken back, the newest first.
+std::vector<Word> findEntries() {
+    std::vector<Word> words;
+    for (const HSCPlazHistoryEntry& entry : HSCPlazInspection::readHistory()) {
+        std::string done = entry.command;
+        if (done.empty() && !entry.changes.empty()) // it was interrupted, say
+            done = entry.changes.front().item.toText() + " " + entry.changes.front().describe();
+        if (!entry.isTakenBack) words.push_back({std::to_string(entry.number), done});
+    }
+    return words;
+}
+
 std::vector<Word> findWords(HSCPlaz& hub, const WordCompletion& asked) {
     std::vector<Word> words = asked.words;
     switch (asked.kind) {
@@ -72,6 +86,8 @@ std::vector<Word> findWords(HSCPlaz& hub, const WordCompletion& asked) {
         for (const HPAParam* param : findParams("", true))
             words.push_back({param->getName() + (asked.kind == Kind::setting ? "=" : ""), param->getDescription()});
         break;
+    case Kind::entry:
+        return findEntries();
     case Kind::words:
     case Kind::file:
     case Kind::directory:
@@ -83,12 +99,17 @@ std::vector<Word> findWords(HSCPlaz& hub, const WordCompletion& asked) {
 } // namespace
 
 int Program::runComplete() {
+    // RATIONALE: messages would stand in the midst of the line that somebody types, and every other command tells them;
+    // the log would be taken for words.
+    ComMsgMgr::setVerbosity(-1);
+    HPAParamMgr::getParamMgr().setValue("plaz.enableLog", "false");
     WordCompletion completion = m_options.completion;
     const bool isKnown =
         completion.kind == Kind::words || completion.kind == Kind::file || completion.kind == Kind::directory;
     if (!isKnown) completion.words = findWords(HSCPlazMgr::getInstance().getHub(), completion);
     std::vector<Word>& words = completion.words;
-    std::sort(words.begin(), words.end(), [](const Word& a, const Word& b) { return a.text < b.text; });
+    if (completion.kind != Kind::entry)
+        std::sort(words.begin(), words.end(), [](const Word& a, const Word& b) { return a.text < b.text; });
     words.erase(std::unique(words.begin(), words.end(), [](const Word& a, const Word& b) { return a.text == b.text; }),
                 words.end());
     m_output->showText("completion", completion.print());

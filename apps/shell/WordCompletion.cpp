@@ -1,5 +1,7 @@
 #include "WordCompletion.h"
 
+#include "HubActions.h"
+
 #include "support/HUTText.h"
 
 #include <CLI/CLI.hpp>
@@ -19,10 +21,11 @@ using Word = WordCompletion::Word;
 
 /// By what the help calls a value.
 Kind kindOf(const std::string& value, const std::string& command) {
-    static const std::map<std::string, Kind> kinds{
-        {"STORE", Kind::store},         {"ITEM", Kind::item},   {"WORD", Kind::item},
-        {"CATEGORY", Kind::category},   {"PARAM", Kind::param}, {"PATTERN", Kind::param},
-        {"PARAM=VALUE", Kind::setting}, {"FILE", Kind::file},   {"DIRECTORY", Kind::directory}};
+    static const std::map<std::string, Kind> kinds{{"STORE", Kind::store},         {"ITEM", Kind::item},
+                                                   {"WORD", Kind::item},           {"CATEGORY", Kind::category},
+                                                   {"PARAM", Kind::param},         {"PATTERN", Kind::param},
+                                                   {"PARAM=VALUE", Kind::setting}, {"FILE", Kind::file},
+                                                   {"DIRECTORY", Kind::directory}, {"NUMBER", Kind::entry}};
     static const std::set<std::string> ofInstalled{"uninstall", "update", "verify", "repair", "why", "hold"};
     if (value == "ITEM" && command == "install") return Kind::newItem;
     if (value == "ITEM" && command == "unhold") return Kind::heldItem;
@@ -107,6 +110,8 @@ private:
         WordCompletion completion{kindOf(value, m_command->get_name()), before, begun};
         std::vector<std::string> choices;
         if (value == "COMMAND") completion.words = commandsOf(m_program);
+        if (value == "URL" && m_command->get_name() == "set")
+            completion.words = {{HubActions::sampleHub, "The hub that comes with plaz"}};
         if (value.find('|') != std::string::npos)
             boost::algorithm::split(choices, value, [](char c) { return c == '|'; });
         for (const std::string& choice : choices) completion.words.push_back({choice, ""});

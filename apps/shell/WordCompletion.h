@@ -20,6 +20,7 @@ struct WordCompletion {
         category,
         param,
         setting,
+        entry,
         file,
         directory
     };

@@ -1,10 +1,11 @@
 """Catches: completion that offers nothing, the wrong thing or too much, in the shells that people have."""
 
 import os
+import shutil
 
 import pexpect
 
-from support.hubtest import PLAZ, TREE, HubTest
+from support.hubtest import PLAZ, TREE, HubTest, run
 
 SCRIPTS = TREE / "apps/shell/completion"
 SHELLS = {
@@ -16,6 +17,7 @@ SHELLS = {
 COMPLETED = {
     "plaz unin": "uninstall",
     "plaz hub remo": "remove-store",
+    "plaz hub set sa": "sample",
     "plaz items --st": "--store",
     "plaz items --sort=rel": "relevance",
     "plaz --set plaz.hu": "plaz.hub=",
@@ -28,6 +30,29 @@ COMPLETED = {
 
 
 class CompletionTest(HubTest):
+    def complete(self, command):
+        """@return what may stand behind the command; nothing else may be said"""
+        env = {**self.env, "PLAZ_ENABLELOG": "true"}
+        result = run(PLAZ, "complete", "plaz", *command.split(), "", cwd=self.dir, env=env)
+        self.check(command, result.stderr, "")
+        return result.stdout
+
+    def test_offers_what_is_there(self):
+        """Catches: commands offered that were taken back, or the oldest first; damage, or the log, told amid a line."""
+        for command in ("install string-kit", "uninstall string-kit", "undo", "set plaz.gitTimeout 30"):
+            self.run_plaz(command)
+        entries = "3\tundo 2\n1\tinstall tclscripts::string-kit\n"
+        self.check("entries", self.complete("undo"), entries)
+        files = [*self.home.rglob("*.json"), *self.data.rglob("*_catalog.json")]
+        self.assertIn("preferences.json", [file.name for file in files])
+        for file in files:
+            shutil.copy(file, self.dir / "kept")
+            file.write_text("{")
+            for command in ("undo", "uninstall", "unhold", "items --category", "--set"):
+                self.complete(command)
+            self.check(file.name, self.complete("refresh"), "boards\tSample boards\ntclscripts\tSample Tcl scripts\n")
+            shutil.copy(self.dir / "kept", file)
+
     def test_shells(self):
         self.run_plaz("install string-kit")
         env = {

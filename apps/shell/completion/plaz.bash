@@ -19,6 +19,7 @@ _plaz() {
         [[ $current != *[:=]* ]] || value=${value#"${current%"${current##*[:=]}"}"}
         COMPREPLY+=("$value")
     done < <("${words[0]/#\~/$HOME}" complete "${words[@]}" 2>/dev/null)
+    compopt -o nosort
     [[ ${#COMPREPLY[@]} != 1 || ${COMPREPLY[0]} != *= ]] || compopt -o nospace
 }
 

@@ -16,4 +16,4 @@ function __plaz_complete
     end
 end
 
-complete -c plaz -f -a '(__plaz_complete)'
+complete -c plaz -f -k -a '(__plaz_complete)'
