@@ -21,5 +21,8 @@ inline constexpr CommandOption reinstall{"reinstall", nullptr,
 inline constexpr CommandOption discardChanges{
     "discard-changes", nullptr, "Do not keep what you have changed or added in the folders of items that go"};
 inline constexpr CommandOption dryRun{"dry-run", nullptr, "Show what would be done, and do nothing"};
+/// Of a refresh, which fetches for that.
+inline constexpr CommandOption dryRefresh{"dry-run", nullptr,
+                                          "Tell what would change; nothing that is installed or listed changes"};
 inline constexpr CommandOption hidden{"hidden", nullptr, "List hidden parameters too"};
 } // namespace commandOptions

@@ -235,7 +235,7 @@ void addCommands(CLI::App& app, Options& options) {
     for (CLI::App* command : {refresh, check, doctor})
         command->add_option("STORE", options.stores, "The stores; all of them when none is named")->type_name("");
     addFlag(*refresh, commandOptions::hub, options.hub);
-    addFlag(*refresh, commandOptions::dryRun, options.dryRun);
+    addFlag(*refresh, commandOptions::dryRefresh, options.dryRun);
     refresh->footer(std::string("A catalog that does not come whole leaves the one known until now in force.\n") +
                     sharedNote);
     check->footer(std::string("Outcomes: up-to-date, outdated (refresh the store), unknown (the remote gave no answer; "

@@ -272,7 +272,7 @@ Tcl_Obj* refresh(const TclCall& call) {
         if (!isHub) addOnce(stores, requireStore(meant));
     }
     if (!words.empty() && names.empty()) failWith(ShellMsg::nothingNamed);
-    const bool isPlanned = call.has(commandOptions::dryRun);
+    const bool isPlanned = call.has(commandOptions::dryRefresh);
     const HubActions actions = makeActions(call);
     if (isHub) return isPlanned ? makePlan(call, actions.planRefreshHub()) : answer(call, actions.refreshHub(names));
     const Stores meant = requireSome(words.empty() ? HubQueries(requireHub()).getStores({}) : stores);
@@ -335,7 +335,7 @@ const std::vector<TclCommand>& actionCommands() {
          "Fetches the catalogs of stores, all without a word, and what they say of items, which are new objects then; "
          "with -hub the stores are, too. The result is how many stores were fetched; with -dry_run a dictionary for "
          "each store, of what would change.",
-         tclOptions({quiet, hub, dryRun}), TclSubject::stores, false, refresh},
+         tclOptions({quiet, hub, dryRefresh}), TclSubject::stores, false, refresh},
     };
     return commands;
 }

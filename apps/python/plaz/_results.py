@@ -90,7 +90,7 @@ class CatalogChange(NamedTuple):
 
     change: "new", "changed" (another revision takes its place, or the same one was published anew) or "withdrawn".
     previous_revision: of a change, what is offered now.
-    is_installed: whether that is installed.
+    is_installed: whether this revision is installed; in a store that keeps one of each item, whether any is.
     """
 
     change: str

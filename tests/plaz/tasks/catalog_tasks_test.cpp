@@ -377,6 +377,11 @@ TEST_F(HubRefreshTest, PlanTellsWhatARefreshWouldChange) {
     EXPECT_FALSE(HUTFile::exists(refreshed));
     ASSERT_TRUE(refresh());
     EXPECT_EQ(plan(), "tcl up-to-date");
+    tcl.item("a", "3").publish(); // what is installed is not offered any more by then
+    EXPECT_EQ(plan(), "tcl outdated, changed a@3 was 2 installed by change");
+    tcl.withdraw("a");
+    tcl.publish();
+    EXPECT_EQ(plan(), "tcl outdated, withdrawn a@2 installed by change");
 }
 
 // A store, or an item or a catalog of it, in the place of another store or of the hub itself: the other one's items and

@@ -24,7 +24,8 @@ namespace Catalog = HSCPlazStoreCatalog;
 
 namespace {
 
-using Offers = std::map<std::pair<std::string, std::string>, const HSCPlazQItemModel*>; // by name and revision
+using Key = std::pair<std::string, std::string>; // name and revision
+using Offers = std::map<Key, const HSCPlazQItemModel*>;
 
 Offers offersOf(const HSCPlazQStoreModel& store) {
     Offers offers;
@@ -39,21 +40,39 @@ const HSCPlazQItemModel* findOther(const Offers& offers, const std::string& name
     return found != offers.end() && found->first.first == name ? found->second : nullptr;
 }
 
+/// What is installed, by its revision or, of a store that keeps one, whatever that is: the catalog may offer it no
+/// more.
+class InstalledItems {
+public:
+    InstalledItems(const HSCPlazQStoreModel& known, bool isByRevision) : m_isByRevision(isByRevision) {
+        for (const auto& item : known.getItems())
+            if (item->isInstalled()) m_keys.insert(keyOf({item->getName(), item->getRevision()}));
+    }
+    bool holds(const Key& key) const { return m_keys.count(keyOf(key)) != 0; }
+
+private:
+    Key keyOf(const Key& key) const { return {key.first, m_isByRevision ? key.second : std::string()}; }
+
+    bool m_isByRevision;
+    std::set<Key> m_keys;
+};
+
 /// What comes with a new catalog, and what goes with the old one.
 std::vector<HSCPlazCatalogChanges::Item> compare(const HSCPlazQStoreModel& known, const HSCPlazQStoreModel& fresh) {
     std::vector<HSCPlazCatalogChanges::Item> changes;
     const Offers before = offersOf(known), after = offersOf(fresh);
+    const InstalledItems installed(known, fresh.isMultiRevisionSupported());
     for (const auto& [key, item] : after) {
         const auto same = before.find(key);
         const HSCPlazQItemModel* older = same != before.end() ? same->second : findOther(before, key.first, fresh);
         if (older == nullptr)
-            changes.push_back({Kind::added, key.first, key.second, "", false});
+            changes.push_back({Kind::added, key.first, key.second, "", installed.holds(key)});
         else if (same == before.end() || older->getCommitId() != item->getCommitId())
-            changes.push_back({Kind::changed, key.first, key.second, older->getRevision(), older->isInstalled()});
+            changes.push_back({Kind::changed, key.first, key.second, older->getRevision(), installed.holds(key)});
     }
     for (const auto& [key, item] : before)
         if (after.count(key) == 0 && findOther(after, key.first, fresh) == nullptr)
-            changes.push_back({Kind::withdrawn, key.first, key.second, "", item->isInstalled()});
+            changes.push_back({Kind::withdrawn, key.first, key.second, "", installed.holds(key)});
     return changes;
 }
 

@@ -94,7 +94,7 @@ struct PLAZ_API HSCPlazCatalogChanges {
         std::string name;
         std::string revision;
         std::string previousRevision; ///< of a change: what is offered now
-        bool isInstalled;
+        bool isInstalled;             ///< this revision; in a store that keeps one of each item, any
     };
 
     std::string url;            ///< without secrets, of a store that is new, or is fetched from there from then on
