@@ -16,6 +16,9 @@
 
 namespace {
 
+constexpr const char* installGit =
+    "Install git (Debian: the package \"git\"). If it is installed somewhere else, have the "
+    "one along PATH taken: plaz set plaz.useGitOnSearchPath true.";
 constexpr const char* repairGit = "Check what chose it, or repair the installation.";
 /// What git's environment needs.
 constexpr std::pair<int, int> oldestGit{2, 32};
@@ -65,7 +68,7 @@ std::string getProxiesOfEnvironment() {
 } // namespace
 
 Finding doctor::checkGit(const HSCPlazPathsInForce::Path& git) {
-    if (!git.exists) return problem("git", "there is no git executable (" + git.chosen + ")", repairGit);
+    if (!git.exists) return problem("git", "there is no git executable (" + git.chosen + ")", installGit);
     const std::string where = git.path + " (" + git.chosen + ")";
     const HSCPlazInspection::Answer answer = HSCPlazInspection::askVersion();
     if (!answer.isGiven) return problem("git", where + " does not run: " + answer.reason, repairGit);
