@@ -355,7 +355,9 @@ HSCPlazStoreResult HSCPlazTaskMgr::moveStore(HSCPlazQStore& store, const std::st
 }
 
 bool HSCPlazTaskMgr::install(HSCPlaz* hub, HSCPlazQItem* item, bool quiet, HDGUIStatus* status) {
-    return hub && item && item->getModel() && installItem(*hub, *item, {quiet}, status).isDone();
+    HSCPlazTaskOptions options{quiet};
+    options.isStartTold = true;
+    return hub && item && item->getModel() && installItem(*hub, *item, options, status).isDone();
 }
 
 bool HSCPlazTaskMgr::uninstall(HSCPlaz* hub, HSCPlazQItem* item, bool quiet) {
