@@ -265,6 +265,8 @@ class ShellTest(HubTest):
         """Catches: a hub that is switched off, or gone, and looks empty."""
         self.expect("--set plaz.enableDataAccess=false items", "messages: id", "17-1557")
         self.expect("--set plaz.enableDataAccess=false items", "items: name")
+        self.catalog_file.write_text("{")
+        self.check_shown(self.run_plaz("why-not zzzz", status=1).stderr, "17-2339", "plaz refresh tclscripts")
         self.hub_file.unlink()
         self.expect("items", "messages: id", "17-1569", status=1)
 
@@ -335,6 +337,7 @@ class ShellTest(HubTest):
         self.run_plaz("hub unset")
         hub, tcl = ((self.repositories / f"{name}.git").as_uri() for name in ("hub", "tcl-store"))
         self.expect(f"hub set {hub}", "qstores: name outcome", "boards refreshed", "tclscripts refreshed")
+        self.check_shown(self.run_plaz("--product-version 2025.1 stores").stderr, "17-2360", hub, never=["17-2336"])
         self.check_shown(self.run_plaz("hub add-store a https://me:geheim@h/x", status=1).stderr, never=["geheim"])
         self.run_plaz(f"hub add-store mine {tcl}", status=1)  # its metadata file has no usual name
         self.run_plaz("hub add-store mine file:///nowhere --metadata-file a.json", status=1)
@@ -373,8 +376,11 @@ class ShellTest(HubTest):
                 self.expect("stores", "qstores: name", "boards", "tclscripts")
 
     def test_check_without_an_answer_is_no_good_news(self):
-        """Catches: a remote that is gone, or has lost the branch, told as up to date."""
+        """Catches: a remote that is gone, has lost the branch, or may not be asked, told as up to date."""
         self.run_plaz("refresh")
+        offline = "--set plaz.enableRemoteAccess=false check boards"
+        self.expect(offline, "qstores: outcome", "unknown", status=1)
+        self.expect(offline, "messages: id", "17-1559", status=1)
         self.edit_stores({"url": (self.dir / "nowhere").as_uri()}, first=1)
         self.expect("check", "qstores: outcome", "up-to-date", "unknown", status=1)
         self.check_shown(self.run_json("check", status=1)["error"], "nowhere")
@@ -434,6 +440,7 @@ class ShellTest(HubTest):
                 self.assertEqual([c for c in checks if bool(c["advice"]) == (c["state"] == "ok")], [])
                 self.assertNotIn("geheim", json.dumps(checks))
                 self.assertEqual("right to read" in json.dumps(checks), name == "record")
+                self.assertEqual("Debian" in json.dumps(checks), name in ("no git", "preference"))
                 self.assertEqual(sorted(self.dir.rglob("*")), before)
         last = self.run_plaz("doctor --quiet").stdout
         self.assertRegex(last, r"^\d+ checks: \d+ ok, 0 with a warning, 0 with a problem\n$")

@@ -56,6 +56,7 @@ protected:
         const std::string before = known() + recorded();
         std::string planned;
         {
+            HSCPlazTaskMgr::takeOverRecords(); // as whoever plans does
             HSCPlazPlan steps(hub());
             const HSCPlazTaskOptions options{true, false, false, &steps};
             HSCPlazQItem& item = find(task + 1);

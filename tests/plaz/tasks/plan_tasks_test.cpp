@@ -31,6 +31,14 @@ TEST_F(PlanTasksTest, OlderRevisionIsDescribedByItsCommit) {
     EXPECT_EQ(sizes, "install a@1 238, asked for;install b@1 193, needed by tcl::a@1;");
 }
 
+// A plan where nobody knows where things would land.
+TEST_F(PlanTasksTest, NothingIsPlannedWhilePlacesAreUnknown) {
+    ship("x");
+    files.temp.makeDir("appdata/2024.2/plaz/plaz_stores.json");
+    EXPECT_EQ(steps(HSCPlazTaskMgr::installItem, find("x")), "");
+    EXPECT_EQ(takeIds(), (Names{"12-101", "17-2224"}));
+}
+
 // Files fetched that are there; what stays of an item counted as what goes; a revision in a folder of its own that
 // leaves without a step.
 TEST_F(PlanTasksTest, FilesThatAreThereAndFilesThatGo) {

@@ -103,8 +103,7 @@ void describe(const HSCPlazWorkspace& workspace, const HSCPlazFoundItem& found, 
 
 bool HSCPlazPlannedChanges::run(HSCPlazTask& task, HSCPlazPlan& plan,
                                 const std::function<bool(HSCPlazItemSteps&)>& work) {
-    const HSCPlazWorkspace& workspace = task.getWorkspace();
-    if (workspace.places.isUnreadable()) return task.fail(Msg::placesNotSaved, workspace.places.getFile());
+    if (!task.requireRecords(nullptr)) return false;
     HSCPlazPlannedChanges changes(task, plan);
     const std::size_t before = plan.m_steps.size();
     const bool isDone = work(changes);

@@ -60,8 +60,12 @@ bool HSCPlazTask::runLocked(const std::function<bool()>& work, const HSCPlazQSto
     if (!moved.empty()) return fail(Msg::storeMovedMeanwhile, moved);
     HSCPlazInstalledState(m_workspace, databases).update();
     mention(databases);
+    return requireRecords(only) && work();
+}
+
+bool HSCPlazTask::requireRecords(const HSCPlazQStore* only) {
     const std::string unreadable = m_workspace.findUnreadableRecord(m_hub, only);
-    if (unreadable.empty()) return work();
+    if (unreadable.empty()) return true;
     const std::string link = HSCPlazStoreLayout::findLinkAbove(unreadable);
     return link.empty() ? fail(Msg::databaseUnreadable, unreadable) : fail(Msg::linkInPlace, link);
 }

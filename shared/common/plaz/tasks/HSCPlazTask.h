@@ -66,8 +66,12 @@ public:
     /// Of that the links alone. @param isFetched  whether the working copy is needed as well
     bool requirePlain(const HSCPlazQStoreModel& store, bool isFetched = true);
 
+    /// Fails where it cannot be read what is installed, and where (Msg::databaseUnreadable, linkInPlace).
+    /// @param only  the one store whose record is needed; null for all
+    bool requireRecords(const HSCPlazQStore* only);
+
     /// Does the work while this process holds the hub's lock. What other processes have done is taken over first.
-    /// Without a look at the record of what is installed nothing is done (Msg::databaseUnreadable).
+    /// Without the records nothing is done (requireRecords()).
     /// @param only  the one store whose record the work may change; null where it may be that of any
     /// @throws HEXAll what the work throws, and when the hub has no area that exists
     bool run(const std::function<bool()>& work, const HSCPlazQStore* only = nullptr);
