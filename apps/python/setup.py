@@ -19,7 +19,7 @@ SCRATCH = tempfile.TemporaryDirectory(prefix="plaz-wheel-")
 
 class BuildWithCMake(build_ext):
     def run(self):
-        tree = pathlib.Path(SCRATCH.name) / "cmake"
+        tree = pathlib.Path(SCRATCH.name)
         target = pathlib.Path(self.build_lib).resolve()
         options = ["-DCMAKE_BUILD_TYPE=Release", "-DPLAZ_TESTS=OFF", f"-DPython3_EXECUTABLE={sys.executable}"]
         options += shlex.split(os.environ.get("CMAKE_ARGS", ""))

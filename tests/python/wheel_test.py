@@ -20,13 +20,13 @@ assert (home / "__init__.pyi").is_file() and (home / "py.typed").is_file()
 """
 
 
-# What was compiled before, also for this build, is taken from the compiler's cache: the user's, and below the tree its
-# keys are the same in every checkout.
+# What was compiled before, also for this build, is taken from the compiler's cache: the user's, where keys are the same
+# for all builds that lie side by side in a checkout.
 ALIKE = ("CMAKE_BUILD_TYPE", "CMAKE_CXX_FLAGS_RELWITHDEBINFO", "PLAZ_WERROR")
 COMPILING = {
     "CCACHE_DIR": os.environ.get("CCACHE_DIR", str(pathlib.Path.home() / ".cache/ccache")),
     "CMAKE_ARGS": shlex.join(f"-D{name}={value}" for name, value in read_cache().items() if name in ALIKE),
-    "TMPDIR": str(BUILD),
+    "TMPDIR": str(BUILD.parent),
 }
 
 
