@@ -59,7 +59,7 @@ late = type("Late", (), {"__del__": lambda self, sleep=time.sleep: sleep(0.3)})(
 def work():
     while True:
         try: plaz.refresh()
-        except plaz.Error: pass
+        except Exception: pass  # what it would say then, Python itself would die of
 class Last:
     def __del__(self, refresh=plaz.refresh): refresh()
 plaz.last = Last(), plaz.items()
