@@ -1,4 +1,4 @@
-"""Builds the wheel: CMake builds and lays out the package, setuptools packs it. The environment's CMAKE_ARGS are further
+"""Builds the wheel: CMake builds and lays out the package, setuptools packs it. The environment's CMAKE_ARGS are more
 arguments of the configuration."""
 
 import os
