@@ -17,7 +17,7 @@ if(NOT failed)
 endif()
 # What Wine cannot show, or Windows does not have: links, processes that begin in the midst of a test, a current
 # directory that is gone, how long a job has computed. The machine's own git is held to no limit of memory, and would
-# take all.
+# take all. Left out as well is what takes minutes there and is the same on every system.
 string(
   JOIN
   ":"
@@ -28,6 +28,11 @@ string(
   StartUpTest.StoreFilesAreNotReadThroughLinks
   GitRunner.RunsWithoutCurrentDirectory
   GitClone.RepositoryWithoutEndIsGivenUp
-  LimitTest.KnowsWork)
+  LimitTest.KnowsWork
+  CatalogTasksTest.TellsOfManyItemsInOneMessage
+  CatalogTasksTest.WhatIsTooMuchLeavesTheOldCatalogInForce
+  HoldsTest.LongCircleEnds
+  ItemTasksTest.DamagedItemsComeBackWhateverTheCatalogSays
+  ItemTasksTest.LongWaysEnd)
 # Nothing is started under Wine before the tests are.
 set(CMAKE_GTEST_DISCOVER_TESTS_DISCOVERY_MODE PRE_TEST)
