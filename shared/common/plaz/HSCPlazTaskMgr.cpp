@@ -355,9 +355,7 @@ HSCPlazStoreResult HSCPlazTaskMgr::moveStore(HSCPlazQStore& store, const std::st
 }
 
 bool HSCPlazTaskMgr::install(HSCPlaz* hub, HSCPlazQItem* item, bool quiet, HDGUIStatus* status) {
-    HSCPlazTaskOptions options{quiet};
-    options.isStartTold = true;
-    return hub && item && item->getModel() && installItem(*hub, *item, options, status).isDone();
+    return hub && item && item->getModel() && installItem(*hub, *item, {quiet}, status).isDone();
 }
 
 bool HSCPlazTaskMgr::uninstall(HSCPlaz* hub, HSCPlazQItem* item, bool quiet) {

@@ -28,7 +28,7 @@ public:
     ///
     /// @param hub     the hub that holds the item's store
     /// @param item    the item; null, or one without a model, gives false
-    /// @param quiet   leaves out the good news but for Msg::itemInstalling; errors are always sent
+    /// @param quiet   leaves out the good news; errors are always sent
     /// @param status  progress and cancellation; may be null
     /// @return false when the item or one of its direct dependencies could not be installed or recorded, or on
     ///         cancellation (nothing is sent then). What was installed before a failure stays installed.

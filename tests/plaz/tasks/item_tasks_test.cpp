@@ -385,7 +385,6 @@ TEST_F(ItemTasksTest, CancelledWorkIsSilentAndQuietWorkTellsErrorsOnly) {
     EXPECT_TRUE(takeIds().empty());
     EXPECT_EQ(outcome(HSCPlazTaskMgr::install(&hub(), &find("b"), true, nullptr)), " 17-1570");
     EXPECT_TRUE(HSCPlazTaskMgr::uninstall(&hub(), &find("b"), true));
-    EXPECT_TRUE(HSCPlazTaskMgr::installItem(hub(), find("b"), {true}, nullptr).isDone());
     EXPECT_TRUE(takeIds().empty());
     HPAParamMgr::getParamMgr().setValue("plaz.enableRemoteAccess", "false");
     EXPECT_EQ(outcome(HSCPlazTaskMgr::install(&hub(), &find("c"), true, nullptr)), "! 17-1570 17-1559 17-1567");

@@ -223,8 +223,7 @@ bool HSCPlazItemFiles::takeOver(HSCPlazTask& task, const HSCPlazFoundItem& found
 bool HSCPlazItemFiles::fetch(HSCPlazTask& task, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record,
                              bool isAskedFor, bool isLocal) {
     const std::string url = found.store->getUrl();
-    const HSCPlazTaskOptions& options = task.getOptions();
-    if (isAskedFor && (!options.isQuiet || options.isStartTold))
+    if (isAskedFor)
         task.tell(Msg::itemInstalling, MsgSeverity::warning, shownName(*found.item),
                   url.empty() ? layoutOf(task, found).getIndex() : HSCPlazTrust::maskSecrets(url));
     const std::string& dir = record.getLocalDir();

@@ -20,5 +20,4 @@ struct HSCPlazTaskOptions {
     bool isReinstallation = false;    ///< of an installation: fetches also what is there already
     /// What would be done goes there, and nothing is done. Null where it is to be done.
     HSCPlazPlan* plan = nullptr;
-    bool isStartTold = false; ///< that an installation begins is told also where good news is left out
 };
