@@ -129,6 +129,11 @@ class HubTest(unittest.TestCase):
         succeed("cp", "-r", whole, self.dir)
         self.data, self.home, self.repositories = (self.dir / name for name in ("data", "home", "repos"))
         self.env = make_env(self.home, self.data, PRODUCT_DATA)
+        self.hub_file, self.config_file = self.data / "plaz/plaz.json", self.data / "plaz/plaz_config.json"
+        self.catalog_file = self.data / "plaz/storesdata/tcl-store/scripts_catalog.json"
+
+    def edit_stores(self, change, first=0):
+        edit(self.hub_file, lambda hub: [store.update(change) for store in hub["plaz"]["qstores"][first:]])
 
     def run_plaz(self, command, status=0, **env):
         """Runs the program, which is to end with @p status."""
