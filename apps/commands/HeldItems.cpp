@@ -42,7 +42,7 @@ std::vector<HSCPlazQItem*> HubQueries::findHeld() const {
     for (const HSCPlazItemName& name : HSCPlazInspection::findHeld()) {
         const std::size_t before = items.size();
         for (HSCPlazQItem* item : entriesOf(m_hub, name))
-            if (item->isRecorded()) items.push_back(item);
+            if (HSCPlazInspection::isHeld(*item)) items.push_back(item);
         if (items.size() == before)
             ComMsgMgr::send(ShellMsg::heldNotInstalled, MsgSeverity::info, toText(name), toText(name));
     }
@@ -53,7 +53,7 @@ std::vector<ComMsgMgrInstance> HubQueries::describePassedOver() const {
     std::vector<ComMsgMgrInstance> messages;
     for (const HSCPlazItemName& name : HSCPlazInspection::findHeld())
         for (const HSCPlazQItem* item : entriesOf(m_hub, name))
-            if (HSCPlazUpdateDecision::isOutdated(*item))
+            if (HSCPlazInspection::isHeld(*item) && HSCPlazUpdateDecision::isOutdated(*item))
                 messages.push_back(messageOf(ShellMsg::heldPassedOver, item->getName(), item->getRevision(),
                                              item->getLatestRevision(), toText(name)));
     return messages;

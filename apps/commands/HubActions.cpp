@@ -106,11 +106,19 @@ template <typename Subject, typename Action> auto HubActions::doEach(std::vector
 }
 
 PlanResult HubActions::plan(Change change, const Items& items) const {
+    return plan([&](const HubActions& planned) { return (planned.*change)(items); });
+}
+
+PlanResult HubActions::planUndo(int number) const {
+    return plan([&](const HubActions& planned) { return planned.undo(number); });
+}
+
+PlanResult HubActions::plan(const std::function<ItemsResult(const HubActions&)>& act) const {
     HSCPlazTaskMgr::takeOverRecords(); // as each task does before it begins
     HSCPlazPlan plan(m_hub);
     HSCPlazTaskOptions options = m_options;
     options.plan = &plan;
-    const ItemsResult result = (HubActions(m_hub, m_status, options, m_begin).*change)(items);
+    const ItemsResult result = act(HubActions(m_hub, m_status, options, m_begin));
     return {plan.getSteps(), result.isDone, result.reason};
 }
 
@@ -160,12 +168,18 @@ ItemsResult HubActions::uninstall(const Items& items) const {
 }
 
 ItemsResult HubActions::hold(const Items& items) const {
+    const HSCPlazCommand command("hold", items);
     return doEach(items, [&](HSCPlazQItem& item) { return HSCPlazTaskMgr::holdItem(m_hub, item, &m_status); });
 }
 
 ItemsResult HubActions::unhold(const std::vector<HSCPlazItemName>& names) const {
     std::vector<const HSCPlazItemName*> subjects;
-    for (const HSCPlazItemName& name : names) subjects.push_back(&name);
+    std::string text = "unhold";
+    for (const HSCPlazItemName& name : names) {
+        subjects.push_back(&name);
+        text += " " + name.first + "::" + name.second;
+    }
+    const HSCPlazCommand command(text);
     return doEach(subjects, [&](const auto& name) { return HSCPlazTaskMgr::unholdItem(m_hub, name, &m_status); });
 }
 

@@ -69,6 +69,8 @@ public:
     ItemsResult unhold(const std::vector<HSCPlazItemName>& names) const;
     /// Takes back what a command has changed. @param number  of the entry in the history; 0 for the newest
     ItemsResult undo(int number) const;
+    /// What it would do; changes and asks as little as plan().
+    PlanResult planUndo(int number) const;
     /// Compares the files of installed items with those of their recorded commits. Changes nothing.
     FilesResult verify(const std::vector<HSCPlazQItem*>& items) const;
     /// Brings back what verify() finds changed or missing.
@@ -104,6 +106,7 @@ public:
     StoresResult relocate(HSCPlazQStore& store, const std::string& dir) const;
 
 private:
+    PlanResult plan(const std::function<ItemsResult(const HubActions& planned)>& act) const;
     StoresResult describeAll(const HSCPlazHubResult& hub, const std::vector<std::string>& names) const;
     /// @param subjects  a list of its own: tasks may add stores to the hub
     template <typename Subject, typename Action> auto doEach(std::vector<Subject*> subjects, Action act) const;

@@ -36,9 +36,14 @@ int rankOf(const HSCPlazQItem& item) {
     return item.IsInstalled() ? 1 : 0;
 }
 
-/// The entry that stands for all of one item: the first of the highest rank. Null for no entries.
+/// The same rank have the installed ones, of which the newest counts, and the others, of which the first does.
+bool isLower(const HSCPlazQItem& a, const HSCPlazQItem& b) {
+    return rankOf(a) != rankOf(b) ? rankOf(a) < rankOf(b) : rankOf(a) == 1 && HSCPlazInspection::isNewer(b, a);
+}
+
+/// The entry that stands for all of one item. Null for no entries.
 HSCPlazQItem* pickEntry(const std::vector<HSCPlazQItem*>& entries) {
-    const auto isLower = [](const HSCPlazQItem* a, const HSCPlazQItem* b) { return rankOf(*a) < rankOf(*b); };
+    const auto isLower = [](const HSCPlazQItem* a, const HSCPlazQItem* b) { return ::isLower(*a, *b); };
     const auto picked = std::max_element(entries.begin(), entries.end(), isLower);
     return picked == entries.end() ? nullptr : *picked;
 }
@@ -47,12 +52,15 @@ bool isForOthers(const HSCPlazQItem& item) {
     return item.getMode() == HSCPlazInstallationMode::tool;
 }
 
-/// The entry of one item that is to be updated; null when none has an update.
+/// The entry of one item that is to be updated: the newest, and the user's own before others. Null when none has an
+/// update.
 HSCPlazQItem* pickOutdated(const std::vector<HSCPlazQItem*>& entries) {
+    const auto isBetter = [](const HSCPlazQItem& a, const HSCPlazQItem& b) {
+        return isForOthers(a) != isForOthers(b) ? isForOthers(b) : HSCPlazInspection::isNewer(a, b);
+    };
     HSCPlazQItem* picked = nullptr;
     for (HSCPlazQItem* item : entries)
-        if (HSCPlazUpdateDecision::isOutdated(*item) && (!picked || (isForOthers(*picked) && !isForOthers(*item))))
-            picked = item;
+        if (HSCPlazUpdateDecision::isOutdated(*item) && (!picked || isBetter(*item, *picked))) picked = item;
     return picked;
 }
 
@@ -127,7 +135,7 @@ template <typename Rank> void addBestEntries(const HSCPlazQStore& store, Rank ra
         std::optional<Fitting> best;
         for (std::size_t entry = first; entry < items.size(); entry = store.getNextOfName(entry)) {
             isDone[entry] = true;
-            if (best && rankOf(*items[entry]) <= rankOf(*best->item)) continue;
+            if (best && !isLower(*best->item, *items[entry])) continue;
             if (const auto rankOfEntry = rank(*items[entry])) best = Fitting{items[entry], *rankOfEntry};
         }
         if (best) found.push_back(*best);
@@ -255,8 +263,8 @@ HSCPlazQItem& HubQueries::resolveForUpdate(const ItemReference& reference, const
     const std::string first = candidates.front()->getStoreName();
     if (std::any_of(candidates.begin(), candidates.end(), [&](auto* item) { return item->getStoreName() != first; }))
         failWith(ShellMsg::itemAmbiguous, reference.toText(), joinReferences(candidates));
-    HSCPlazQItem* outdated = pickOutdated(candidates);
-    return outdated ? *outdated : *candidates.front();
+    HSCPlazQItem* const outdated = pickOutdated(candidates);
+    return outdated ? *outdated : *pickEntry(candidates);
 }
 
 std::vector<ComMsgMgrInstance> HubQueries::describeHeld() const {

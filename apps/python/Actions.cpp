@@ -264,11 +264,13 @@ py::list readHistory() {
     });
 }
 
-py::list undo(std::optional<int> number, bool quiet, bool discardChanges, py::object progress) {
+py::list undo(std::optional<int> number, bool quiet, bool discardChanges, py::object progress, bool dryRun) {
     if (number && *number < 1) throw py::value_error("a number in the history is 1 or more");
     return callHub(
         [&](Call& call) {
-            return answer(call, makeActions(call, {quiet, discardChanges}).undo(number.value_or(0)));
+            const HubActions actions = makeActions(call, {quiet, discardChanges});
+            const int entry = number.value_or(0);
+            return dryRun ? answer(call, actions.planUndo(entry)) : answer(call, actions.undo(entry));
         },
         std::move(progress));
 }

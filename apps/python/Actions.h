@@ -18,7 +18,7 @@ pybind11::list hold(const pybind11::object& items, const OptionalText& store);
 pybind11::list unhold(const pybind11::object& items, const OptionalText& store);
 /// The newest first.
 pybind11::list readHistory();
-pybind11::list undo(std::optional<int> number, bool quiet, bool discardChanges, pybind11::object progress);
+pybind11::list undo(std::optional<int> number, bool quiet, bool discardChanges, pybind11::object progress, bool dryRun);
 /// Damage is part of the answer. @param items  None for all that is installed
 pybind11::list verify(const pybind11::object& items, const OptionalText& store, pybind11::object progress);
 /// @param items  None for all that is installed

@@ -121,15 +121,17 @@ void defineActions(py::module_& module) {
     module.def(
         "history", &readHistory,
         "history()\n--\n\nWhat was done to what is installed: a HistoryEntry for each command, the newest first.");
-    module.def("undo", &undo, "number"_a = py::none(), py::kw_only(), "quiet"_a = false, "discard_changes"_a = false,
-               "progress"_a = py::none(),
-               "undo(number=None, *, quiet=False, discard_changes=False, progress=None)\n--\n\n"
-               "Takes back what a command has changed of what is installed.\n\n"
-               "number: of its entry in the history; without one, the newest that is neither taken back nor took back "
-               "another.\n"
-               "The other arguments are those of install().\n\n"
-               "Returns an ActionResult for each item. Raises Error, with nothing changed, where later commands have "
-               "changed the same items, or files are not to be had.");
+    module.def(
+        "undo", &undo, "number"_a = py::none(), py::kw_only(), "quiet"_a = false, "discard_changes"_a = false,
+        "progress"_a = py::none(), "dry_run"_a = false,
+        "undo(number=None, *, quiet=False, discard_changes=False, progress=None, dry_run=False)\n--\n\n"
+        "Takes back what a command has changed of what is installed.\n\n"
+        "number: of its entry in the history; without one, the newest that is neither taken back nor took back "
+        "another.\n"
+        "The other arguments are those of install().\n\n"
+        "Returns an ActionResult for each item, or with dry_run a PlannedStep for each step and nothing changed. "
+        "Raises Error, with nothing changed, where later commands have "
+        "changed the same items, or files are not to be had.");
     module.def("why", &findWhy, "items"_a, py::kw_only(), "store"_a = py::none(),
                "why(items, *, store=None)\n--\n\n"
                "Why installed items are there: a sentence for each reason. Raises Error for one that is not "

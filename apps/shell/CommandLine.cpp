@@ -175,7 +175,8 @@ void addHoldCommands(CLI::App& app, Options& options) {
     CLI::App* hold = app.add_subcommand("hold", "Keep installed items in the revision that they are in");
     addItems(*hold, options, false);
     hold->footer(std::string("Without ITEM it lists what you hold. Updates pass over it, and installations that would "
-                             "replace it are refused, until you say plaz unhold. Uninstalling ends it, too.\n") +
+                             "replace it, or bring a newer revision beside it, are refused, until you say plaz unhold. "
+                             "Uninstalling ends it, too.\n") +
                  sharedNote);
     addItems(*app.add_subcommand("unhold", "Let items that you hold change again"), options, true);
 }
@@ -187,6 +188,7 @@ void addHistoryCommands(CLI::App& app, Options& options) {
     undo->add_option("NUMBER", options.entry, "The command's number in the history; the newest without")
         ->type_name("")
         ->check(CLI::Range(1, std::numeric_limits<int>::max()).description(""));
+    addFlag(*undo, commandOptions::dryRun, options.dryRun);
     addFlag(*undo, commandOptions::discardChanges, options.discardChanges);
     undo->footer(
         std::string("The newest is one that was not taken back yet, so that twice goes two steps back. To take "

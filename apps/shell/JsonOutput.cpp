@@ -225,7 +225,7 @@ void fillCatalogChange(Object& object, const HSCPlazCatalogChanges::Item& item) 
 void fillFact(Document& document, Object& object, const char* key, const std::optional<HSCPlazInstalledFact>& fact) {
     if (!fact) return;
     Object side(document);
-    side.text("commit_id", fact->commit).text("installation_mode", fact->mode);
+    side.text("commit_id", fact->commit).text("installation_mode", fact->mode).flag("held", fact->isHeld);
     object.value(key, std::move(side.get()));
 }
 

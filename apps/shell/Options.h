@@ -27,7 +27,7 @@ struct Options {
     std::string store;
     bool all = false;                 ///< update
     bool reinstall = false;           ///< install
-    bool dryRun = false;              ///< install, uninstall, update, refresh
+    bool dryRun = false;              ///< install, uninstall, update, undo, refresh
     bool discardChanges = false;      ///< install, uninstall, update, repair
     bool allRevisions = false;        ///< uninstall
     bool oldRevisions = false;        ///< uninstall

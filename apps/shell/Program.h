@@ -95,6 +95,7 @@ private:
     /// Show what became of a command.
     int show(const ItemsResult& result);
     int show(const StoresResult& result);
+    int show(const PlanResult& result);
     /// @return the exit status of a command that has come to that
     template <typename Result> int conclude(const CommandResult<Result>& result) {
         if (result.isDone) return exitStatus::done;

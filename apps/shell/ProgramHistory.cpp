@@ -21,6 +21,7 @@ int Program::runHistory() {
 }
 
 int Program::runUndo() {
+    if (m_options.dryRun) return show(makeActions().planUndo(m_options.entry));
     return show(makeActions().undo(m_options.entry));
 }
 

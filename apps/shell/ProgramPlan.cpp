@@ -11,8 +11,10 @@
 #include "plaz/tasks/HSCPlazPlan.h"
 
 int Program::change(HubActions::Change action, const std::vector<HSCPlazQItem*>& items) {
-    if (!m_options.dryRun) return show((makeActions().*action)(items));
-    const PlanResult result = makeActions().plan(action, items);
+    return m_options.dryRun ? show(makeActions().plan(action, items)) : show((makeActions().*action)(items));
+}
+
+int Program::show(const PlanResult& result) {
     m_progress.erase();
     m_output->showPlan(result.parts);
     if (result.parts.empty() && result.isDone) ComMsgMgr::send(ShellMsg::nothingPlanned, MsgSeverity::info);

@@ -226,7 +226,9 @@ Tcl_Obj* undo(const TclCall& call) {
     int number = 0;
     if (!word.empty() && (Tcl_GetIntFromObj(nullptr, call.getWords().front(), &number) != TCL_OK || number < 1))
         failWith(Msg::undoUnknown, word);
-    return answer(call, makeActions(call).undo(number));
+    const HubActions actions = makeActions(call);
+    return call.has(commandOptions::dryRun) ? makePlan(call, actions.planUndo(number))
+                                            : answer(call, actions.undo(number));
 }
 
 /// Every installed revision of what words mean, of all items without a word.
@@ -329,8 +331,8 @@ const std::vector<TclCommand>& actionCommands() {
          tclOptions({}), TclSubject::nothing, false, history},
         {"plaz::undo", "?number?",
          "Takes back what the command of that number in the history has changed, without one the newest that was not "
-         "taken back yet. The result is how many items that were.",
-         tclOptions({quiet, discardChanges}), TclSubject::nothing, false, undo},
+         "taken back yet. The result is how many items that were; with -dry_run a dictionary for each step.",
+         tclOptions({quiet, discardChanges, dryRun}), TclSubject::nothing, false, undo},
         {"plaz::refresh_catalog", "?stores ...?",
          "Fetches the catalogs of stores, all without a word, and what they say of items, which are new objects then; "
          "with -hub the stores are, too. The result is how many stores were fetched; with -dry_run a dictionary for "

@@ -196,7 +196,7 @@ class ShellTest(HubTest):
         self.run_plaz("unhold aurora")
         self.expect("update --all", "items: revision previous_revision outcome", "2.0 1.1 updated")
         self.expect("items --outdated", "items: name")
-        held = '17-2230] "io-panel" is held at 1.0 by boards::aurora@2.0, boards::aurora@1.1'
+        held = '17-2230] "io-panel" stays in the revision "1.0", which is there for boards::aurora@2.0, boards::aurora@1.1'
         self.check_shown(self.run_plaz("update --all").stderr, "17-2186", held)
         for file in self.home.glob("*/plaz/board_store/boards/aurora/*/board.xml"):
             file.unlink()

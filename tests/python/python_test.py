@@ -214,6 +214,7 @@ class PythonTest(HubTest):
         self.check("plan again", [r.outcome for r in plaz.refresh(hub=True, dry_run=True)], ["up-to-date"] * 2)
         self.check("update", plaz.item("aurora").update().previous_revision, "1.1")
         self.check("history", [entry.command for entry in plaz.history()][0], "update boards::aurora@1.1")
+        self.check("planned undo", [step.step for step in plaz.undo(dry_run=True)], ["remove"] * 6)
         self.check("undo", [r.outcome for r in plaz.undo()], ["removed"] * 6)
         plaz.undo(plaz.history()[0].number)
         self.check("update again", plaz.update("aurora")[0].outcome, "up-to-date")

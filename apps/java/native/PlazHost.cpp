@@ -204,14 +204,18 @@ std::string findRefusal(const std::string& kind, const std::string& value) {
 }
 
 /// Six texts for each step: what is done, the item, the revision before, bytes, who needs it, whether it was asked for.
-std::vector<std::string> plan(HubActions::Change change, const std::vector<HSCPlazQItem*>& items) {
+std::vector<std::string> toTexts(const std::vector<HSCPlazPlannedStep>& steps) {
     std::vector<std::string> texts;
-    for (const HSCPlazPlannedStep& step : actions().plan(change, items).parts)
+    for (const HSCPlazPlannedStep& step : steps)
         texts.insert(texts.end(),
                      {HSCPlazPlannedStep::nameOf(step.kind),
                       ItemReference{step.store, step.name, step.revision}.toText(), step.previousRevision,
                       step.size ? std::to_string(*step.size) : "", step.neededBy, step.isAskedFor ? "asked for" : ""});
     return texts;
+}
+
+std::vector<std::string> plan(HubActions::Change change, const std::vector<HSCPlazQItem*>& items) {
+    return toTexts(actions().plan(change, items).parts);
 }
 
 std::vector<std::string> plan(const std::string& kind, const std::string& reference) {
@@ -462,6 +466,14 @@ JNIEXPORT jobjectArray JNICALL Java_ui_frmwork_plaz_host_PlazHost_planUpdates(JN
     jobjectArray texts = nullptr;
     isPlanning() = true;
     guard(env, [&] { texts = toJava(env, planUpdates()); });
+    isPlanning() = false;
+    return texts;
+}
+
+JNIEXPORT jobjectArray JNICALL Java_ui_frmwork_plaz_host_PlazHost_planUndoOf(JNIEnv* env, jclass, jint number) {
+    jobjectArray texts = nullptr;
+    isPlanning() = true;
+    guard(env, [&] { texts = toJava(env, toTexts(actions().planUndo(number).parts)); });
     isPlanning() = false;
     return texts;
 }

@@ -34,8 +34,8 @@ class ActionResult(NamedTuple):
 class HistoryChange(NamedTuple):
     """What became of one revision of an item.
 
-    change: "installed", "installed as a dependency", "removed", "updated", "becomes a dependency", "becomes yours" or
-    "changed". Commits and modes are empty where it was not, or is not, installed.
+    change: "installed", "installed as a dependency", "removed", "updated", "becomes a dependency", "becomes yours",
+    "held", "held no more" or "changed". Commits and modes are empty where it was not, or is not, installed.
     """
 
     store: str
@@ -136,7 +136,7 @@ class PlannedStep(NamedTuple):
     """What would be done to one item.
 
     step: "install", "update", "take over" (its files are there already), "restore", "remove", "adopt" (what came for
-    others becomes the user's own) or "keep" (what the user asked for stays, for others).
+    others becomes the user's own), "keep" (what the user asked for stays, for others), "hold" or "unhold" (of an undo).
     previous_revision, previous_commit_id: of an update, what is there now.
     needed_by: who needs it then, such as "boards::aurora@2.0, tools::kit@1.0".
     local_directory: where its files are, or will be.

@@ -101,6 +101,10 @@ bool HSCPlazInspection::isNewestInstalled(const HSCPlazQItem& item) {
     return item.getStore() && HSCPlazDependencies::findNewestInstalled(*item.getStore(), item.getName()) == &item;
 }
 
+bool HSCPlazInspection::isNewer(const HSCPlazQItem& item, const HSCPlazQItem& than) {
+    return HSCPlazDependencies::isNewer(item, than);
+}
+
 std::vector<HSCPlazQItem*> HSCPlazInspection::findIncomplete(const HSCPlaz& hub) {
     return HSCPlazInstalledTrees::findIncomplete(workspace(), hub);
 }
@@ -111,14 +115,17 @@ HSCPlazFilesResult HSCPlazInspection::compareFiles(HSCPlazQItem& item) {
 
 std::set<HSCPlazItemName> HSCPlazInspection::findHeld() {
     HSCPlazReport problem;
-    std::set<HSCPlazItemName> held = workspace().held.read(problem);
+    const HSCPlazHeldItems::Items& held = workspace().held.read(problem);
     if (const ComMsgMgrInstance* unknown = problem.findProblem()) throw HEXAll(*unknown);
-    return held;
+    std::set<HSCPlazItemName> names;
+    for (const auto& [name, revision] : held) names.insert(name);
+    return names;
 }
 
 bool HSCPlazInspection::isHeld(const HSCPlazQItem& item) {
     HSCPlazReport unknown;
-    return item.isRecorded() && workspace().held.read(unknown).count({item.getStoreName(), item.getName()}) != 0;
+    return item.isRecorded() && HSCPlazHeldItems::isAmong(workspace().held.read(unknown),
+                                                          {item.getStoreName(), item.getName(), item.getRevision()});
 }
 
 std::vector<HSCPlazHistoryEntry> HSCPlazInspection::readHistory() {

@@ -60,6 +60,8 @@ PLAZ_API std::vector<HSCPlazQItem*> findHolders(const HSCPlaz& hub, const HSCPla
 
 /// Of an item's revisions that are installed, this is the newest one.
 PLAZ_API bool isNewestInstalled(const HSCPlazQItem& item);
+/// Of two revisions of an item.
+PLAZ_API bool isNewer(const HSCPlazQItem& item, const HSCPlazQItem& than);
 
 /// The installed items that lack files of their own, or something that they need at however many steps, as far as that
 /// shows without opening files.
@@ -73,7 +75,7 @@ PLAZ_API std::optional<ComMsgMgrInstance> describeUnknownRecord(const HSCPlaz& h
 /// The items that the user holds in their revision (HSCPlazTaskMgr::holdItem).
 /// @throws HEXAll Msg::heldUnknown where that is not known
 PLAZ_API std::set<HSCPlazItemName> findHeld();
-/// Whether an item is installed and among them; false where that is not known.
+/// Whether it is installed, and held in this very revision; false where that is not known.
 PLAZ_API bool isHeld(const HSCPlazQItem& item);
 
 /// What was done to what is installed, the newest first.

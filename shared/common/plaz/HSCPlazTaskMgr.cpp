@@ -205,16 +205,17 @@ std::vector<HSCPlazItemResult> HSCPlazTaskMgr::repairItems(HSCPlaz& hub, const s
 }
 
 HSCPlazItemResult HSCPlazTaskMgr::holdItem(HSCPlaz& hub, HSCPlazQItem& item, HDGUIStatus* status) {
+    const HSCPlazCommand command("hold", {&item});
     HSCPlazTask task(workspace(), hub, status);
-    const bool isDone = task.guard(
-        [&] { return task.run([&] { return HSCPlazUserHolds::hold(task, HSCPlazDependencies::findCurrent(item)); }); });
+    const bool isDone =
+        carryOut(task, [&](Changes&) { return HSCPlazUserHolds::hold(task, HSCPlazDependencies::findCurrent(item)); });
     return resultOf(task, HSCPlazDependencies::findCurrent(item), isDone ? ItemOutcome::held : ItemOutcome::failed);
 }
 
 HSCPlazItemResult HSCPlazTaskMgr::unholdItem(HSCPlaz& hub, const HSCPlazItemName& item, HDGUIStatus* status) {
+    const HSCPlazCommand command("unhold " + item.first + "::" + item.second);
     HSCPlazTask task(workspace(), hub, status);
-    const bool isDone =
-        task.guard([&] { return task.withLock([&] { return HSCPlazUserHolds::release(task, item); }); });
+    const bool isDone = carryOut(task, [&](Changes&) { return HSCPlazUserHolds::release(task, item); });
     HSCPlazItemResult result{
         item.first, item.second, {}, {}, {}, isDone ? ItemOutcome::unheld : ItemOutcome::failed, task.getReport(), {}};
     return result;
@@ -224,8 +225,8 @@ HSCPlazUndoResult HSCPlazTaskMgr::undo(HSCPlaz& hub, int number, HSCPlazTaskOpti
     const HSCPlazCommand command("undo");
     HSCPlazTask task(workspace(), hub, status, options);
     HSCPlazUndoResult result;
-    result.isDone =
-        carryOut(task, [&](Changes& changes) { return HSCPlazUndoTask::undo(task, changes, number, result.items); });
+    result.isDone = carryOutSteps(
+        task, [&](HSCPlazItemSteps& steps) { return HSCPlazUndoTask::undo(task, steps, number, result.items); });
     result.report = task.getReport();
     return result;
 }

@@ -114,12 +114,12 @@ public:
     /// before anything is changed.
     /// @param number  of the entry in the history; 0 for the newest that is neither taken back nor took back another
     /// Sends Msg::undone unless quiet; else, with nothing changed, undoNothing, undoUnknown, undoneAlready, undoBarred,
-    /// undoChanged, undoNotFetched, undoOutOfSight, itemIsHeld, heldUnknown, historyUnknown or historyNotSaved; and
+    /// undoChanged, undoNotFetched, undoOutOfSight, heldUnknown, historyUnknown or historyNotSaved; and
     /// undoIncomplete where only a part could be taken back.
     static HSCPlazUndoResult undo(HSCPlaz& hub, int number, HSCPlazTaskOptions options, HDGUIStatus* status);
     /// Has an installed item stay in the revision, and at the commit, that it is in, until unholdItem(): updates and
-    /// installations that would change that are refused (Msg::itemIsHeld). It can be uninstalled, and is held no more
-    /// once no revision of it is installed. Holding what is held changes nothing. Sends Msg::itemNotInstalled,
+    /// installations that would change that, or bring a newer revision beside it that nothing needs, are refused
+    /// (Msg::itemIsHeld). It can be uninstalled, and is held no more then. Holding what is held changes nothing. Sends Msg::itemNotInstalled,
     /// heldUnknown or heldNotSaved where that fails.
     static HSCPlazItemResult holdItem(HSCPlaz& hub, HSCPlazQItem& item, HDGUIStatus* status);
     /// Sends Msg::itemNotHeld where it was not held. @param item  need not be installed, nor be the hub's

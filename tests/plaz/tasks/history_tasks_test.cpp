@@ -55,13 +55,13 @@ TEST_F(HistoryTasksTest, HeldRevisionStays) {
     takeIds();
     EXPECT_EQ(outcome(HSCPlazTaskMgr::updateItem(hub(), *store().getItem("a", "1"), {}, nullptr).isDone()),
               "! 17-2342");
-    EXPECT_EQ(outcome(install("a")), "! 17-2342 17-1567");
+    EXPECT_EQ(outcome(install("a")), "! 17-2342");
     EXPECT_EQ(outcome(install("c")), "! 17-2342 17-1567");
     ASSERT_TRUE(install("d") && HSCPlazTaskMgr::uninstall(&hub(), &find("d"), true)) << "the held one serves";
     takeIds();
     const std::string held = files.area("plaz_held.json"), whole = readFile(held);
     files.temp.write("appdata/2024.2/plaz/plaz_held.json", "[");
-    EXPECT_EQ(outcome(install("a")), "! 17-2340 17-1567");
+    EXPECT_EQ(outcome(install("a")), "! 17-2340");
     EXPECT_EQ(outcome(hold("a").isDone()), "! 17-2340");
     EXPECT_EQ(readFile(held), "[");
     EXPECT_EQ(installed(), "a@1 user a 1\n");
@@ -99,13 +99,9 @@ TEST_F(HistoryTasksTest, UndoLeavesWhatWasBefore) {
     HUTFile::rename(index, index + ".away");
     EXPECT_EQ(outcome(undo()), "! 17-1559 17-2355");
     HUTFile::rename(index + ".away", index);
-    ASSERT_TRUE(hold("a").isDone());
     EXPECT_TRUE(undo());
     EXPECT_EQ(installed(), before[4]);
     files.temp.write("appdata/2024.2/plaz/ced_store/items/a/body.txt", "mine");
-    takeIds();
-    EXPECT_EQ(outcome(undo()), "! 17-2342");
-    HSCPlazTaskMgr::unholdItem(hub(), {"tcl", "a"}, nullptr);
     const std::string trees = files.area("ced_store/.plaz/.trees"), updated = installed();
     HUTFile::rename(trees, trees + ".away");
     files.temp.write("appdata/2024.2/plaz/ced_store/.plaz/.trees", "no place for what has come");
@@ -123,6 +119,44 @@ TEST_F(HistoryTasksTest, UndoLeavesWhatWasBefore) {
     EXPECT_EQ(installed(), before[1]);
     EXPECT_TRUE(undo());
     EXPECT_EQ(installed(), "");
+}
+
+// A hold that its history does not know, or that does not come back with its item; a revision held that is not the one;
+// what is held forgotten because its file is damaged.
+TEST_F(HistoryTasksTest, HoldsComeBack) {
+    StoreOnDisk& shipped = files.addStore("tcl", "ced", true).item("a", "1").item("b", "1");
+    files.ship();
+    const auto isHeld = [](const char* revision) { return HSCPlazInspection::isHeld(*store().getItem("a", revision)); };
+    ASSERT_TRUE(install("a") && hold("a").isDone());
+    shipped.item("a", "2").item("d", "1", {{"tcl", "a", "2"}});
+    reload();
+    takeIds();
+    EXPECT_EQ(outcome(install("a")), "! 17-2342") << "it would come after the held one";
+    ASSERT_TRUE(install("d")) << "which needs another revision, beside it";
+    EXPECT_TRUE(isHeld("1") && !isHeld("2"));
+    takeIds();
+    EXPECT_EQ(outcome(undo(2)), "! 17-2353");
+    EXPECT_TRUE(undo());
+    ASSERT_TRUE(HSCPlazTaskMgr::uninstall(&hub(), store().getItem("a", "1"), true));
+    EXPECT_FALSE(isHeld("1"));
+    EXPECT_TRUE(undo());
+    EXPECT_TRUE(isHeld("1"));
+    const std::string held = files.area("plaz_held.json"), whole = readFile(held);
+    files.temp.write("appdata/2024.2/plaz/plaz_held.json", "[");
+    ASSERT_TRUE(install("b"));
+    takeIds();
+    EXPECT_EQ(outcome(undo()), "! 17-2340");
+    files.temp.write("appdata/2024.2/plaz/plaz_held.json", whole);
+    EXPECT_TRUE(undo() && undo()) << "the installation of b, and the hold";
+    EXPECT_FALSE(isHeld("1"));
+    EXPECT_TRUE(undo(9)) << "the undo of that";
+    EXPECT_TRUE(isHeld("1"));
+    HSCPlazTaskMgr::unholdItem(hub(), {"tcl", "a"}, nullptr);
+    EXPECT_EQ(told(), "install tcl::a: installed a@1\nhold tcl::a: held a@1\n"
+                      "install tcl::d: installed as a dependency a@2 installed d@1\n"
+                      "undo 3: removed a@2 removed d@1\nuninstall tcl::a@1: removed a@1\nundo 5: installed a@1\n"
+                      "install tcl::b: installed b@1\nundo 7: removed b@1\nundo 2: held no more a@1\n"
+                      "undo 9: held a@1\nunhold tcl::a: held no more a@1\n");
 }
 
 // What a killed process has changed lost, or told of the next command; a file that cannot be read overwritten, or a

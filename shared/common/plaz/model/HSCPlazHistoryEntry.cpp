@@ -9,6 +9,7 @@ const char* HSCPlazRecordedChange::describe() const {
     if (!after) return "removed";
     if (!before) return isTool(*after) ? "installed as a dependency" : "installed";
     if (before->commit != after->commit) return "updated";
-    if (before->mode == after->mode) return "changed";
-    return isTool(*after) ? "becomes a dependency" : "becomes yours";
+    if (before->mode != after->mode) return isTool(*after) ? "becomes a dependency" : "becomes yours";
+    if (before->isHeld != after->isHeld) return after->isHeld ? "held" : "held no more";
+    return "changed";
 }

@@ -29,10 +29,11 @@ struct HSCPlazInstalledFact {
     std::string mode;   ///< as in HSCPlazQItemModel
     std::string folder; ///< relative to the store's area; empty where it is not there
     std::string company;
+    bool isHeld = false; ///< the user holds it in this revision
 
     bool operator==(const HSCPlazInstalledFact& other) const {
-        return std::tie(commit, mode, folder, company) ==
-               std::tie(other.commit, other.mode, other.folder, other.company);
+        return std::tie(commit, mode, folder, company, isHeld) ==
+               std::tie(other.commit, other.mode, other.folder, other.company, other.isHeld);
     }
 };
 
@@ -41,8 +42,8 @@ struct PLAZ_API HSCPlazRecordedChange {
     HSCPlazRevisionName item;
     std::optional<HSCPlazInstalledFact> before, after; ///< empty: not installed
 
-    /// "installed", "installed as a dependency", "removed", "updated", "becomes a dependency", "becomes yours" or
-    /// "changed".
+    /// "installed", "installed as a dependency", "removed", "updated", "becomes a dependency", "becomes yours", "held",
+    /// "held no more" or "changed".
     const char* describe() const;
 };
 

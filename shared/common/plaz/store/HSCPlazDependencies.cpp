@@ -15,17 +15,10 @@ std::string keyOf(const std::string& store, const std::string& item, const std::
     return store + "::" + item + "::" + revision;
 }
 
-bool isNewer(const HSCPlazQItem& item, const HSCPlazQItem& than) {
-    const auto rankOf = [](const HSCPlazQItem& one) {
-        if (!one.getModel()->isListed()) return 2;
-        return one.getRevision() == one.getLatestRevision() ? 0 : 1;
-    };
-    if (rankOf(item) != rankOf(than)) return rankOf(item) < rankOf(than);
-    return HUTText::compareNumbers(item.getRevision(), than.getRevision()) > 0;
-}
-
 HSCPlazQItem* findNewest(const std::vector<HSCPlazQItem*>& items) {
-    const auto isOlder = [](const HSCPlazQItem* a, const HSCPlazQItem* b) { return isNewer(*b, *a); };
+    const auto isOlder = [](const HSCPlazQItem* a, const HSCPlazQItem* b) {
+        return HSCPlazDependencies::isNewer(*b, *a);
+    };
     const auto newest = std::max_element(items.begin(), items.end(), isOlder);
     return newest == items.end() ? nullptr : *newest;
 }
@@ -82,6 +75,15 @@ HSCPlazFoundItem HSCPlazDependencies::findInstalled(const HSCPlaz& hub, const HS
         if (store->IsMultiRevisionSupported()) return {};
     }
     return {store, findNewest(items)};
+}
+
+bool HSCPlazDependencies::isNewer(const HSCPlazQItem& item, const HSCPlazQItem& than) {
+    const auto rankOf = [](const HSCPlazQItem& one) {
+        if (!one.getModel()->isListed()) return 2;
+        return one.getRevision() == one.getLatestRevision() ? 0 : 1;
+    };
+    if (rankOf(item) != rankOf(than)) return rankOf(item) < rankOf(than);
+    return HUTText::compareNumbers(item.getRevision(), than.getRevision()) > 0;
 }
 
 HSCPlazQItem* HSCPlazDependencies::findNewestInstalled(const HSCPlazQStore& store, const std::string& name) {

@@ -37,6 +37,8 @@ HSCPlazFoundItem findOfferedOrInstalled(const HSCPlaz& hub, const HSCPlazQItemDe
 /// newest that is installed. The newest is the latest in the catalog's order; after that one the number decides, first
 /// among those that the catalog lists, then among others.
 HSCPlazFoundItem findInstalled(const HSCPlaz& hub, const HSCPlazQItemDependency& dependency);
+/// Of two revisions of an item, by the same order.
+bool isNewer(const HSCPlazQItem& item, const HSCPlazQItem& than);
 /// Of the installed revisions of an item of that name; null when there is none.
 HSCPlazQItem* findNewestInstalled(const HSCPlazQStore& store, const std::string& name);
 /// The item; where another program has meanwhile installed another revision in its place, that one.

@@ -27,16 +27,17 @@ const rapidjson::Value* findItems(const rapidjson::Document& document) {
     return items && std::all_of(items->Begin(), items->End(), isItem) ? items : nullptr;
 }
 
-bool write(const std::string& file, const std::set<HSCPlazHeldItems::Item>& held) {
+bool write(const std::string& file, const HSCPlazHeldItems::Items& held) {
     rapidjson::Document document(rapidjson::kObjectType);
     rapidjson::Value plaz(rapidjson::kObjectType);
     Json::AddStringProperty(document, plaz, Key::majorVersion, "1");
     Json::AddStringProperty(document, plaz, Key::minorVersion, "0");
     rapidjson::Value items(rapidjson::kArrayType);
-    for (const auto& [store, name] : held) {
+    for (const auto& [named, revision] : held) {
         rapidjson::Value item(rapidjson::kObjectType);
-        Json::AddStringProperty(document, item, storeKey, store);
-        Json::AddStringProperty(document, item, Key::name, name);
+        Json::AddStringProperty(document, item, storeKey, named.first);
+        Json::AddStringProperty(document, item, Key::name, named.second);
+        Json::AddStringProperty(document, item, Key::revision, revision);
         items.PushBack(item, document.GetAllocator());
     }
     Json::AddGenericValueProperty(document, plaz, Key::items, items);
@@ -46,7 +47,7 @@ bool write(const std::string& file, const std::set<HSCPlazHeldItems::Item>& held
 
 } // namespace
 
-const std::set<HSCPlazHeldItems::Item>& HSCPlazHeldItems::read(HSCPlazReport& problem) {
+const HSCPlazHeldItems::Items& HSCPlazHeldItems::read(HSCPlazReport& problem) {
     if (!m_damage.empty() || m_stamp != HUTFile::getStamp(m_file)) readFile();
     if (!m_damage.empty()) problem.add(Msg::heldUnknown, MsgSeverity::error, m_file, m_damage);
     return m_items;
@@ -68,20 +69,29 @@ void HSCPlazHeldItems::readFile() {
         m_damage = isJson ? "it holds no list of items" : Json::GetErrorMsgFromDocument(document);
     else
         for (const rapidjson::Value& item : items->GetArray())
-            m_items.emplace(item[storeKey].GetString(), item[Key::name].GetString());
+            m_items[{item[storeKey].GetString(), item[Key::name].GetString()}] =
+                Json::GetStringProperty(item, Key::revision);
 }
 
-void HSCPlazHeldItems::hold(const Item& item, HSCPlazReport& problem) {
-    std::set<Item> items = read(problem);
-    if (m_damage.empty() && items.insert(item).second) replace(std::move(items), problem);
+bool HSCPlazHeldItems::isAmong(const Items& held, const HSCPlazRevisionName& item) {
+    if (held.empty()) return false;
+    const auto found = held.find({item.store, item.name});
+    return found != held.end() && (found->second.empty() || found->second == item.revision);
+}
+
+void HSCPlazHeldItems::hold(const HSCPlazRevisionName& item, HSCPlazReport& problem) {
+    Items items = read(problem);
+    if (!m_damage.empty() || isAmong(items, item)) return;
+    items[{item.store, item.name}] = item.revision;
+    replace(std::move(items), problem);
 }
 
 void HSCPlazHeldItems::release(const Item& item, HSCPlazReport& problem) {
-    std::set<Item> items = read(problem);
+    Items items = read(problem);
     if (m_damage.empty() && items.erase(item) != 0) replace(std::move(items), problem);
 }
 
-void HSCPlazHeldItems::replace(std::set<Item> items, HSCPlazReport& problem) {
+void HSCPlazHeldItems::replace(Items items, HSCPlazReport& problem) {
     if (!write(m_file, items)) return problem.add(Msg::heldNotSaved, MsgSeverity::error, m_file);
     m_stamp = HUTFile::getStamp(m_file);
     m_items = std::move(items);

@@ -154,6 +154,13 @@ bool HSCPlazHistory::write(Content content) {
     return true;
 }
 
+bool HSCPlazHistory::wasHeld(const HSCPlazRevisionName& item) const {
+    const auto store = m_content.installed.find(item.store);
+    if (store == m_content.installed.end()) return false;
+    const auto fact = store->second.items.find(item);
+    return fact != store->second.items.end() && fact->second.isHeld;
+}
+
 const Entry* HSCPlazHistory::find(int number) const {
     const auto& entries = m_content.entries;
     const auto found =

@@ -50,6 +50,8 @@ public:
     /// Those behind an entry that have changed the same items, and were not taken back.
     std::vector<const HSCPlazHistoryEntry*> findLater(const HSCPlazHistoryEntry& entry) const;
 
+    /// As the last entry has left it.
+    bool wasHeld(const HSCPlazRevisionName& item) const;
     /// What differs. Stores that were not in sight on one side, or are in another place, have no part in it.
     static std::vector<HSCPlazRecordedChange> compare(const HSCPlazInstalledFacts& before,
                                                       const HSCPlazInstalledFacts& after);

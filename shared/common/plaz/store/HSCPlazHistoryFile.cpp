@@ -19,6 +19,7 @@ constexpr const char* changesKey = "changes";
 constexpr const char* commandKey = "command";
 constexpr const char* directoryKey = "directory";
 constexpr const char* folderKey = "folder";
+constexpr const char* heldKey = "held";
 constexpr const char* historyKey = "history";
 constexpr const char* installedKey = "installed";
 constexpr const char* lastKey = "last";
@@ -63,7 +64,7 @@ template <typename Rule> std::string requireSafe(const Value& object, const char
 
 HSCPlazInstalledFact readFact(const Value& fact) {
     return {requireSafe(fact, Key::commitId, Rules::gitRef), requireText(fact, Key::installationMode),
-            requireText(fact, folderKey), requireText(fact, Key::company)};
+            requireText(fact, folderKey), requireText(fact, Key::company), Json::GetBooleanProperty(fact, heldKey)};
 }
 
 std::optional<HSCPlazInstalledFact> readSide(const Value& change, const char* key) {
@@ -113,6 +114,7 @@ void addFact(Document& document, Value& object, const HSCPlazInstalledFact& fact
     addText(document, object, Key::installationMode, fact.mode);
     addText(document, object, folderKey, fact.folder);
     addText(document, object, Key::company, fact.company);
+    if (fact.isHeld) Json::AddBooleanProperty(document, object, heldKey, true);
 }
 
 void addSide(Document& document, Value& change, const char* key, const std::optional<HSCPlazInstalledFact>& fact) {

@@ -166,14 +166,6 @@ bool HSCPlazItemChanges::bringBack(const HSCPlazFoundItem& found, const HSCPlazQ
            put(found, change, {Msg::dirNotWritable, MsgSeverity::error, item->getLocalDir()});
 }
 
-HSCPlazFoundItem HSCPlazItemChanges::list(HSCPlazQStore& store, const HSCPlazQItemModel& record) {
-    const auto find = [&] { return HSCPlazFoundItem{&store, store.getItem(record.getName(), record.getRevision())}; };
-    if (find() || !apply(store, record).empty()) return find();
-    store.addMissingItems();
-    if (const HSCPlazFoundItem added = find()) added.item->getModel()->clearInstallation();
-    return find();
-}
-
 bool HSCPlazItemChanges::setMode(const HSCPlazFoundItem& found, Mode mode) {
     // A note that still waits would be taken for newer than the record.
     if (const auto note = m_note.exists() ? readNote() : std::nullopt; note && Pending::isOf(*note, found)) {
@@ -182,6 +174,11 @@ bool HSCPlazItemChanges::setMode(const HSCPlazFoundItem& found, Mode mode) {
     }
     found.item->getModel()->setMode(mode);
     return save(*found.store) || giveUp(*found.store);
+}
+
+bool HSCPlazItemChanges::setHeld(const HSCPlazFoundItem& found, bool isHeld) {
+    return isHeld ? HSCPlazUserHolds::hold(m_task, *found.item)
+                  : HSCPlazUserHolds::release(m_task, {found.store->getName(), found.item->getName()});
 }
 
 HSCPlazPendingChange HSCPlazItemChanges::toRemoval(const HSCPlazFoundItem& found, const std::string& dir) const {

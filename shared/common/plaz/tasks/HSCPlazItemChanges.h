@@ -40,13 +40,10 @@ public:
     bool remove(const HSCPlazFoundItem& found, bool isAskedFor) override;
     bool restore(const HSCPlazFoundItem& found, bool areEditsKept) override;
     bool setMode(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode) override;
+    bool bringBack(const HSCPlazFoundItem& found, const HSCPlazQItemModel& record) override;
+    bool setHeld(const HSCPlazFoundItem& found, bool isHeld) override;
     bool removeUnneeded() override { return m_removal.run(); }
     bool areThere(const HSCPlazQItem& item) const override;
-    /// Installs what was installed before: a record's commit, in its folder and for whom it was there, out of the
-    /// store's working copy. @param record  commit, local directory and mode
-    bool bringBack(const HSCPlazFoundItem& found, const HSCPlazQItemModel& record);
-    /// The item that a record means; where the catalog has left it out, it is listed again, as what is installed is.
-    HSCPlazFoundItem list(HSCPlazQStore& store, const HSCPlazQItemModel& record);
     /// What nobody seems to need in a store that is kept in another place from now on becomes the user's: what was
     /// there before may be needed by somebody who is not known here, or not yet.
     /// @return false when that could not be recorded; the reason has been told

@@ -3,6 +3,8 @@
 #include "plaz/base/HSCPlazInstallationMode.h"
 #include "plaz/store/HSCPlazDependencies.h"
 
+class HSCPlazQItemModel;
+
 /// The steps by which what is installed changes. The tasks take them in an order that is theirs, and they are carried
 /// out (HSCPlazItemChanges) or planned (HSCPlazPlannedChanges), so that a plan is what will be done.
 class HSCPlazItemSteps {
@@ -22,6 +24,11 @@ public:
     virtual bool restore(const HSCPlazFoundItem& found, bool areEditsKept) = 0;
     /// Says for whom an installed item is there.
     virtual bool setMode(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode) = 0;
+    /// Installs what was installed before: a record's commit, in its folder and for whom it was there, out of the
+    /// store's working copy. @param record  commit, local directory and mode
+    virtual bool bringBack(const HSCPlazFoundItem& found, const HSCPlazQItemModel& record) = 0;
+    /// Has the user hold an installed item in its revision, or no more.
+    virtual bool setHeld(const HSCPlazFoundItem& found, bool isHeld) = 0;
     /// Removes what nobody asked for and nobody needs (Msg::dependencyRemoved), as the end of the task does. Nothing
     /// goes while what an installed item needs is not known (Msg::needsUnknown, needsUnreadable); where records were
     /// lost they become the user's.

@@ -34,9 +34,13 @@ const char* HSCPlazPlannedStep::nameOf(Kind kind) {
     case Kind::adopt:
         return "adopt";
     case Kind::keepForOthers:
+        return "keep";
+    case Kind::hold:
+        return "hold";
+    case Kind::release:
         break;
     }
-    return "keep";
+    return "unhold";
 }
 
 std::string HSCPlazPlannedStep::describeWhy() const {

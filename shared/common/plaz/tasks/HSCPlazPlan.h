@@ -17,12 +17,14 @@ class HSCPlazQItemModel;
 struct PLAZ_API HSCPlazPlannedStep {
     enum class Kind {
         install,
-        update,       ///< in the place of another revision, or of the same one at another commit
-        takeOver,     ///< its files are there already, and nobody knew of them
-        restore,      ///< files that are missing come back
-        remove,       ///< its files go
-        adopt,        ///< what came for others becomes the user's own
-        keepForOthers ///< what the user asked for stays, for others
+        update,        ///< in the place of another revision, or of the same one at another commit
+        takeOver,      ///< its files are there already, and nobody knew of them
+        restore,       ///< files that are missing come back
+        remove,        ///< its files go
+        adopt,         ///< what came for others becomes the user's own
+        keepForOthers, ///< what the user asked for stays, for others
+        hold,          ///< the user holds it in its revision again
+        release        ///< and no more
     };
 
     Kind kind = Kind::install;
@@ -42,7 +44,7 @@ struct PLAZ_API HSCPlazPlannedStep {
     /// What its change log says beyond that of the revision that is installed; empty where none is.
     std::string changes = {};
 
-    /// "install", "update", "take over", "restore", "remove", "adopt", "keep".
+    /// "install", "update", "take over", "restore", "remove", "adopt", "keep", "hold", "unhold".
     static const char* nameOf(Kind kind);
     /// For people: "asked for", "needed by boards::aurora@2.0", "needed no more".
     std::string describeWhy() const;

@@ -163,23 +163,39 @@ bool HSCPlazPlannedChanges::fetch(const HSCPlazFoundItem& found, Mode mode, bool
     if (!HSCPlazUserHolds::requireReplaceable(m_task, found, *record) || !Files::requireReachable(m_task, found) ||
         !Files::requireFree(m_task, found, record->getLocalDir()) || !requireFetchable())
         return false;
-    const std::vector<HSCPlazQItem*> replaced = Files::findReplaced(found, *record);
-    const HSCPlazQItem* older = !replaced.empty() ? replaced.front() : found.item->IsInstalled() ? found.item : nullptr;
-    HSCPlazPlannedStep step = toStep(older ? Kind::update : Kind::install, found);
-    addSource(step, found, *record);
+    HSCPlazPlannedStep step = toComing(found, *record);
     step.isAskedFor = isAskedFor;
-    if (older) {
-        step.previousRevision = older->getRevision();
-        step.previousCommit = older->getModel()->getInstalledCommitId();
-    }
     addChanges(step, found, *record);
-    m_plan.m_coming.insert(found.item);
     put(found, *record, std::move(step));
     return true;
 }
 
+bool HSCPlazPlannedChanges::bringBack(const HSCPlazFoundItem& found, const HSCPlazQItemModel& record) {
+    if (!m_task.requirePlain(*found.store->getModel()) || !HSCPlazUserHolds::requireReplaceable(m_task, found, record))
+        return false;
+    HSCPlazPlannedStep step = toComing(found, record);
+    step.isAskedFor = record.getMode() == Mode::user;
+    if (!step.size && !requireFetchable()) return false;
+    put(found, record, std::move(step));
+    return true;
+}
+
+HSCPlazPlannedStep HSCPlazPlannedChanges::toComing(const HSCPlazFoundItem& found,
+                                                   const HSCPlazQItemModel& record) const {
+    const std::vector<HSCPlazQItem*> replaced = Files::findReplaced(found, record);
+    const HSCPlazQItem* older = !replaced.empty() ? replaced.front() : found.item->IsInstalled() ? found.item : nullptr;
+    HSCPlazPlannedStep step = toStep(older ? Kind::update : Kind::install, found);
+    addSource(step, found, record);
+    if (older) {
+        step.previousRevision = older->getRevision();
+        step.previousCommit = older->getModel()->getInstalledCommitId();
+    }
+    return step;
+}
+
 void HSCPlazPlannedChanges::put(const HSCPlazFoundItem& found, const HSCPlazQItemModel& record,
                                 HSCPlazPlannedStep step) {
+    if (step.isComing()) m_plan.m_coming.insert(found.item);
     for (const HSCPlazQItem* other : Files::findReplaced(found, record)) m_plan.keep(*other->getModel());
     HSCPlazQItemModel& item = *found.item->getModel();
     m_plan.keep(item);
@@ -238,6 +254,13 @@ bool HSCPlazPlannedChanges::setMode(const HSCPlazFoundItem& found, Mode mode) {
     m_plan.keep(*found.item->getModel());
     found.item->getModel()->setMode(mode);
     HSCPlazHolds::apply(m_task.getHub());
+    m_plan.m_steps.push_back(std::move(step));
+    return true;
+}
+
+bool HSCPlazPlannedChanges::setHeld(const HSCPlazFoundItem& found, bool isHeld) {
+    HSCPlazPlannedStep step = toStep(isHeld ? Kind::hold : Kind::release, found);
+    step.isAskedFor = true;
     m_plan.m_steps.push_back(std::move(step));
     return true;
 }

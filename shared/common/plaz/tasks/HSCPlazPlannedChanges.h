@@ -21,6 +21,8 @@ public:
     bool remove(const HSCPlazFoundItem& found, bool isAskedFor) override;
     bool restore(const HSCPlazFoundItem& found, bool areEditsKept) override;
     bool setMode(const HSCPlazFoundItem& found, HSCPlazInstallationMode mode) override;
+    bool bringBack(const HSCPlazFoundItem& found, const HSCPlazQItemModel& record) override;
+    bool setHeld(const HSCPlazFoundItem& found, bool isHeld) override;
     bool removeUnneeded() override { return m_removal.run(); }
     bool areThere(const HSCPlazQItem& item) const override;
 
@@ -32,6 +34,8 @@ private:
     void addChanges(HSCPlazPlannedStep& step, const HSCPlazFoundItem& found, const HSCPlazQItemModel& record) const;
     /// As fetching does, wherever the files would come from (Msg::remoteAccessOff).
     bool requireFetchable();
+    /// The step that brings files, where they take the place of others an update.
+    HSCPlazPlannedStep toComing(const HSCPlazFoundItem& found, const HSCPlazQItemModel& record) const;
     void put(const HSCPlazFoundItem& found, const HSCPlazQItemModel& record, HSCPlazPlannedStep step);
     void tellWhy();
 

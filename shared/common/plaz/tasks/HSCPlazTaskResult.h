@@ -47,7 +47,7 @@ struct PLAZ_API HSCPlazItemResult {
 /// What became of taking back a command.
 struct PLAZ_API HSCPlazUndoResult {
     bool isDone = false;
-    std::vector<HSCPlazItemResult> items; ///< installed, removed, kept or failed
+    std::vector<HSCPlazItemResult> items; ///< installed, removed, kept, held, unheld or failed
     HSCPlazReport report;                 ///< all that was told; its first error is the reason of a failure
 };
 

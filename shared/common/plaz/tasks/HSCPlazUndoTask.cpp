@@ -6,12 +6,12 @@
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/repo/git/HSCPlazGitInstall.h"
+#include "plaz/store/HSCPlazInstalledItems.h"
 #include "plaz/store/HSCPlazWorkspace.h"
 #include "plaz/tasks/HSCPlazChangeRecorder.h"
-#include "plaz/tasks/HSCPlazItemChanges.h"
 #include "plaz/tasks/HSCPlazItemFiles.h"
+#include "plaz/tasks/HSCPlazItemSteps.h"
 #include "plaz/tasks/HSCPlazTask.h"
-#include "plaz/tasks/HSCPlazUserHolds.h"
 
 #include <algorithm>
 #include <map>
@@ -26,15 +26,24 @@ namespace Files = HSCPlazItemFiles;
 
 namespace {
 
-bool areSame(const std::optional<Fact>& one, const std::optional<Fact>& other) {
+/// Installed alike, or neither of them is.
+bool areAlike(const std::optional<Fact>& one, const std::optional<Fact>& other) {
     return one && other ? one->commit == other->commit && one->mode == other->mode : !one && !other;
+}
+
+bool isHeld(const std::optional<Fact>& fact) {
+    return fact && fact->isHeld;
+}
+
+bool areSame(const std::optional<Fact>& one, const std::optional<Fact>& other) {
+    return areAlike(one, other) && isHeld(one) == isHeld(other);
 }
 
 /// One entry on its way back. Nothing changes before all that can be known beforehand is in order.
 class Undo {
 public:
-    Undo(HSCPlazTask& task, HSCPlazItemChanges& changes, std::vector<HSCPlazItemResult>& results)
-        : m_task(task), m_changes(changes), m_results(results), m_history(task.getWorkspace().history),
+    Undo(HSCPlazTask& task, HSCPlazItemSteps& steps, std::vector<HSCPlazItemResult>& results)
+        : m_task(task), m_steps(steps), m_results(results), m_history(task.getWorkspace().history),
           m_now(HSCPlazChangeRecorder::take(task)) {}
 
     bool run(int number) {
@@ -42,11 +51,12 @@ public:
         if (!chosen) return false;
         const Entry entry = *chosen; // what is recorded meanwhile moves it
         m_number = std::to_string(entry.number);
-        if (!requireUntouched(entry) || !collect(entry)) return false;
+        if (!requireHoldsKnown() || !requireUntouched(entry) || !collect(entry)) return false;
         // What nobody needs goes whenever a task is brought to its end, so what is needed comes behind whoever needs
         // it.
         std::stable_partition(m_toReturn.begin(), m_toReturn.end(),
                               [](const Return& one) { return one.record->getMode() == Mode::user; });
+        if (m_task.getOptions().plan) return takeBack();
         if (!provideFiles() || m_task.isCancelled()) return false;
         if (!m_history.beginUndo(entry.number, m_now)) return m_task.fail(Msg::historyNotSaved, m_history.getFile());
         if (!takeBack()) return m_task.fail(Msg::undoIncomplete, m_number, m_number);
@@ -81,6 +91,13 @@ private:
         return nullptr;
     }
 
+    /// Else what the user holds would be recorded as held no more.
+    bool requireHoldsKnown() {
+        HSCPlazReport unknown;
+        m_task.getWorkspace().held.read(unknown);
+        return unknown.isEmpty() || m_task.fail(unknown);
+    }
+
     bool requireUntouched(const Entry& entry) {
         std::string later;
         for (const Entry* one : m_history.findLater(entry))
@@ -101,20 +118,25 @@ private:
                 return m_task.fail(Msg::undoOutOfSight, m_number, change.item.store);
             const std::optional<Fact> now = findNow(change);
             if (areSame(now, change.before)) continue;
-            if (!areSame(now, change.after)) return m_task.fail(Msg::undoChanged, m_number, change.item.toText());
-            if (!collect(change)) return false;
+            // Of what an interrupted attempt has brought back only the hold may be missing.
+            const bool isInstalled = areAlike(now, change.before) && isHeld(now) == isHeld(change.after);
+            if (!isInstalled && !areSame(now, change.after))
+                return m_task.fail(Msg::undoChanged, m_number, change.item.toText());
+            if (!collect(change, isInstalled)) return false;
         }
         return true;
     }
 
-    bool collect(const Change& change) {
+    bool collect(const Change& change, bool isInstalled) {
         HSCPlazQStore& store = *m_task.getHub().getStore(change.item.store);
         auto record = change.before ? toRecord(store, change) : nullptr;
         const HSCPlazFoundItem found =
-            record ? m_changes.list(store, *record)
+            record ? list(store, *record)
                    : HSCPlazFoundItem{&store, store.getItem(change.item.name, change.item.revision)};
         if (!found) return m_task.fail(Msg::undoChanged, m_number, change.item.toText());
-        if (!HSCPlazUserHolds::requireReleased(m_task, *found.item)) return false;
+        if (change.before && isHeld(change.before) != isHeld(change.after))
+            m_toHold.emplace_back(found, change.before->isHeld);
+        if (isInstalled) return true;
         if (!record)
             m_toRemove.push_back(found);
         else if (change.after && change.after->commit == change.before->commit)
@@ -122,6 +144,18 @@ private:
         else
             m_toReturn.push_back({found, std::move(record)});
         return true;
+    }
+
+    /// The item that a record means; where the catalog has left it out, it is listed again, as what is installed is.
+    HSCPlazFoundItem list(HSCPlazQStore& store, const HSCPlazQItemModel& record) {
+        const auto find = [&] {
+            return HSCPlazFoundItem{&store, store.getItem(record.getName(), record.getRevision())};
+        };
+        HSCPlazInstalledItems listed(*store.getModel(), m_task.getWorkspace().paths, {record.getName()});
+        if (find() || !listed.apply(record).empty()) return find();
+        store.addMissingItems();
+        if (const HSCPlazFoundItem added = find()) added.item->getModel()->clearInstallation();
+        return find();
     }
 
     std::unique_ptr<HSCPlazQItemModel> toRecord(const HSCPlazQStore& store, const Change& change) const {
@@ -159,12 +193,14 @@ private:
         for (const Return& one : m_toReturn) {
             if (m_task.isCancelled()) return false;
             m_task.show("Bringing back", Files::shownName(*one.found.item), 0);
-            isWhole = note(one.found, m_changes.bringBack(one.found, *one.record), Outcome::installed) && isWhole;
+            isWhole = note(one.found, m_steps.bringBack(one.found, *one.record), Outcome::installed) && isWhole;
         }
         if (!isWhole) return false; // what stands in the place of what has not come back stays
         for (const auto& [found, mode] : m_toSet)
+            isWhole = note(found, found.item->IsInstalled() && m_steps.setMode(found, mode), Outcome::kept) && isWhole;
+        for (const auto& [found, isWanted] : m_toHold)
             isWhole =
-                note(found, found.item->IsInstalled() && m_changes.setMode(found, mode), Outcome::kept) && isWhole;
+                note(found, m_steps.setHeld(found, isWanted), isWanted ? Outcome::held : Outcome::unheld) && isWhole;
         return removeAll() && isWhole;
     }
 
@@ -179,7 +215,7 @@ private:
             if (m_task.isCancelled()) return false;
             const HSCPlazFoundItem found = *next;
             m_toRemove.erase(next);
-            isWhole = note(found, m_changes.remove(found, true), Outcome::removed) && isWhole;
+            isWhole = note(found, m_steps.remove(found, true), Outcome::removed) && isWhole;
         }
         for (const HSCPlazFoundItem& needed : m_toRemove) isWhole = leave(needed) && isWhole;
         return isWhole;
@@ -188,7 +224,7 @@ private:
     /// What others need stays for them.
     bool leave(const HSCPlazFoundItem& found) {
         const std::string holders = Files::joinHolders(m_task.getHub(), *found.item);
-        const bool isLeft = found.item->getMode() == Mode::tool || m_changes.setMode(found, Mode::tool);
+        const bool isLeft = found.item->getMode() == Mode::tool || m_steps.setMode(found, Mode::tool);
         m_task.tellNews(Msg::undoKept, Files::shownName(*found.item), holders);
         note(found, isLeft, Outcome::kept);
         m_results.back().neededBy = holders;
@@ -201,19 +237,20 @@ private:
     }
 
     HSCPlazTask& m_task;
-    HSCPlazItemChanges& m_changes;
+    HSCPlazItemSteps& m_steps;
     std::vector<HSCPlazItemResult>& m_results;
     HSCPlazHistory& m_history;
     const HSCPlazInstalledFacts m_now;
     std::string m_number;
     std::vector<Return> m_toReturn;
     std::vector<std::pair<HSCPlazFoundItem, Mode>> m_toSet;
+    std::vector<std::pair<HSCPlazFoundItem, bool>> m_toHold;
     std::vector<HSCPlazFoundItem> m_toRemove;
 };
 
 } // namespace
 
-bool HSCPlazUndoTask::undo(HSCPlazTask& task, HSCPlazItemChanges& changes, int number,
+bool HSCPlazUndoTask::undo(HSCPlazTask& task, HSCPlazItemSteps& steps, int number,
                            std::vector<HSCPlazItemResult>& results) {
-    return Undo(task, changes, results).run(number);
+    return Undo(task, steps, results).run(number);
 }

@@ -4,7 +4,7 @@
 
 #include <vector>
 
-class HSCPlazItemChanges;
+class HSCPlazItemSteps;
 class HSCPlazTask;
 
 /// Takes back what a command has made of what is installed.
@@ -13,6 +13,6 @@ namespace HSCPlazUndoTask {
 /// @param number   of its entry in the history; 0 for the newest that is neither taken back nor took back another
 /// @param results  what has become of each item that had to change
 /// @return false when something was left as it is; the reason has been told
-bool undo(HSCPlazTask& task, HSCPlazItemChanges& changes, int number, std::vector<HSCPlazItemResult>& results);
+bool undo(HSCPlazTask& task, HSCPlazItemSteps& steps, int number, std::vector<HSCPlazItemResult>& results);
 
 } // namespace HSCPlazUndoTask

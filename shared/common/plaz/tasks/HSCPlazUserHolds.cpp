@@ -17,8 +17,8 @@ namespace Files = HSCPlazItemFiles;
 
 namespace {
 
-HSCPlazItemName nameOf(const HSCPlazQItem& item) {
-    return {item.getStoreName(), item.getName()};
+HSCPlazRevisionName nameOf(const HSCPlazQItem& item) {
+    return {item.getStoreName(), item.getName(), item.getRevision()};
 }
 
 /// The installed revision whose place an item would take that is not there; null for none.
@@ -36,10 +36,17 @@ bool isNothingHeld(HSCPlazTask& task) {
 
 bool HSCPlazUserHolds::requireReleased(HSCPlazTask& task, const HSCPlazQItem& item) {
     HSCPlazReport unknown;
-    const bool isHeld = task.getWorkspace().held.read(unknown).count(nameOf(item)) != 0;
+    const bool isHeld = HSCPlazHeldItems::isAmong(task.getWorkspace().held.read(unknown), nameOf(item));
     if (!unknown.isEmpty()) return task.fail(unknown);
     return !isHeld || task.fail(Msg::itemIsHeld, Files::shownName(item), item.getRevision(),
                                 item.getStoreName() + "::" + item.getName());
+}
+
+bool HSCPlazUserHolds::requireNoOlderHeld(HSCPlazTask& task, const HSCPlazFoundItem& found) {
+    if (found.item->IsInstalled()) return true;
+    for (HSCPlazQItem* other : found.store->getInstalledItems(found.item->getName()))
+        if (Dependencies::isNewer(*found.item, *other) && !requireReleased(task, *other)) return false;
+    return true;
 }
 
 bool HSCPlazUserHolds::requireReplaceable(HSCPlazTask& task, const HSCPlazFoundItem& found,
@@ -59,7 +66,8 @@ HSCPlazFoundItem HSCPlazUserHolds::findFor(HSCPlazTask& task, const HSCPlazQItem
     const auto& held = task.getWorkspace().held.read(unknown);
     const HSCPlazFoundItem installed =
         held.empty() ? HSCPlazFoundItem() : Dependencies::findInstalled(task.getHub(), dependency);
-    if (installed && dependency.getRevision().empty() && held.count(nameOf(*installed.item)) != 0) return installed;
+    if (installed && dependency.getRevision().empty() && HSCPlazHeldItems::isAmong(held, nameOf(*installed.item)))
+        return installed;
     return Dependencies::findOfferedOrInstalled(task.getHub(), dependency);
 }
 
@@ -98,11 +106,10 @@ bool HSCPlazUserHolds::release(HSCPlazTask& task, const HSCPlazItemName& item) {
 }
 
 void HSCPlazUserHolds::forgetGone(HSCPlazTask& task, const HSCPlazFoundItem& found) {
-    const auto revisions = found.store->getInstalledItems(found.item->getName());
-    const bool isThere = std::any_of(revisions.begin(), revisions.end(), [](auto* one) { return one->isRecorded(); });
     HSCPlazReport unknown, problem;
     HSCPlazHeldItems& held = task.getWorkspace().held;
-    if (isThere || held.read(unknown).count(nameOf(*found.item)) == 0) return;
-    held.release(nameOf(*found.item), problem);
+    const HSCPlazRevisionName name = nameOf(*found.item);
+    if (found.item->isRecorded() || !HSCPlazHeldItems::isAmong(held.read(unknown), name)) return;
+    held.release({name.store, name.name}, problem);
     if (!problem.isEmpty()) task.tell(problem);
 }

@@ -10,8 +10,10 @@ class HSCPlazTask;
 /// What the user holds in its revision, as tasks go by it (HSCPlazHeldItems).
 namespace HSCPlazUserHolds {
 
-/// Fails where the user holds the item (Msg::itemIsHeld), and where nobody knows (Msg::heldUnknown).
+/// Fails where the user holds the item in this revision (Msg::itemIsHeld), and where nobody knows (Msg::heldUnknown).
 bool requireReleased(HSCPlazTask& task, const HSCPlazQItem& item);
+/// Fails where an item that is not installed would come after a revision that the user holds, be it beside that one.
+bool requireNoOlderHeld(HSCPlazTask& task, const HSCPlazFoundItem& found);
 /// The same of what an item would take the place of: another revision, or its own files of another commit. Fails also
 /// where files of such a revision are out of reach.
 /// @param record  as the item will be recorded
@@ -25,7 +27,7 @@ bool requireReleasedNeeds(HSCPlazTask& task, const HSCPlazQItem& item);
 
 bool hold(HSCPlazTask& task, const HSCPlazQItem& item);
 bool release(HSCPlazTask& task, const HSCPlazItemName& item);
-/// Of an item of which no revision is installed any more.
+/// Of a revision that is not installed any more.
 void forgetGone(HSCPlazTask& task, const HSCPlazFoundItem& found);
 
 } // namespace HSCPlazUserHolds

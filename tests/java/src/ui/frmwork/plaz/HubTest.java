@@ -281,10 +281,15 @@ class HubTest {
         PlazHost.unhold("tclscripts::csv-kit");
         assertThrows(CommandFailedException.class, () -> PlazHost.unhold("tclscripts::csv-kit"));
         PlazHost.undo();
+        assertEquals(List.of("unhold"), PlazHost.planUndo(entry.number() + 1).stream().map(PlazHost.Step::kind).toList());
+        PlazHost.undo();
+        assertEquals(List.of("remove tclscripts::csv-kit@1.1", "remove tclscripts::string-kit@1.0"),
+                PlazHost.planUndo(entry.number()).stream().map(step -> step.kind() + " " + step.item()).toList());
+        PlazHost.undo();
         assertFalse(item("tclscripts", "tclscripts::csv-kit@1.1").IsInstalled());
-        assertEquals(List.of(entry.number() + 1, "undo " + entry.number()),
+        assertEquals(List.of(entry.number() + 5, "undo " + entry.number()),
                 List.of(PlazHost.history().get(0).number(), PlazHost.history().get(0).command()));
-        assertTrue(PlazHost.history().get(0).isUndo() && PlazHost.history().get(1).isUndone());
+        assertTrue(PlazHost.history().get(0).isUndo() && PlazHost.history().get(5).isUndone());
         assertThrows(CommandFailedException.class, () -> PlazHost.undo(entry.number()), "a second time");
     }
 

@@ -97,8 +97,7 @@ public final class PlazHost {
      * One thing that a change would do.
      *
      * @param kind "install", "update", "take over" (its files are there already), "restore", "remove", "adopt" (from
-     *         now
-     *     on the user's own) or "keep" (for others)
+     *     now on the user's own), "keep" (for others), "hold" or "unhold" (of an undo)
      * @param item such as "boards::aurora@2.0"
      * @param before the revision in whose place it comes; empty for none
      * @param bytes of its files; below 0 where that would have to be fetched
@@ -384,6 +383,11 @@ public final class PlazHost {
         return steps(planUpdates());
     }
 
+    /** The same of {@link #undo(int)}. */
+    public static List<Step> planUndo(int number) {
+        return steps(planUndoOf(number));
+    }
+
     /**
      * Updates what is outdated and not held, and brings what installed items lack.
      *
@@ -405,6 +409,8 @@ public final class PlazHost {
     private static native String[] planChange(String change, String item);
 
     private static native String[] planUpdates();
+
+    private static native String[] planUndoOf(int number);
 
     private static native String[] findReasons(String item);
 

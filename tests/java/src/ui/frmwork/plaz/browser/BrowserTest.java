@@ -131,7 +131,7 @@ class BrowserTest extends Person {
         await("the older one", () -> state("boards", "io-panel") == State.OUTDATED);
         focusSearch();
         press(KeyEvent.VK_CONTROL, KeyEvent.VK_Z);
-        await("the one before", () -> exists("history") && text("changes").contains("boards::io-panel@1.0 installed"));
+        await("the one before", () -> exists("history") && text("changes").equals("boards::io-panel@1.0 held no more"));
         perform(() -> ((JTable) find("entries")).setRowSelectionInterval(1, 1));
         assertFalse(find("go").isEnabled(), "taken back already");
         press(KeyEvent.VK_ESCAPE);
