@@ -53,6 +53,7 @@ inline constexpr MsgId<2> branchReplaced{"@17-2170@%s%s"};      ///< store, bran
 inline constexpr MsgId<3> branchMissing{"@17-2171@%s%s%s"};     ///< store, what it lacks, what it has
 inline constexpr MsgId<1> repositoryEmpty{"@17-2172@%s"};       ///< store
 inline constexpr MsgId<2> commitGone{"@17-2173@%s%s"};          ///< item, commit
+inline constexpr MsgId<2> contentMissing{"@17-2361@%s%s"};      ///< item, file
 inline constexpr MsgId<1> credentialsWithheld{"@17-2174@%s"};   ///< URL without user part
 inline constexpr MsgId<1> storeMovedMeanwhile{"@17-2175@%s"};   ///< store
 inline constexpr MsgId<3> itemsLeftBehind{"@17-2176@%s%s%s"};   ///< store, directory, where to move it back to

@@ -1,4 +1,6 @@
+#include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/model/repo/git/HSCPlazGitConfigText.h"
+#include "plaz/model/repo/git/HSCPlazGitInstall.h"
 #include "plaz/model/repo/git/HSCPlazGitTree.h"
 #include "plaz/model/repo/git/git_fixture.h"
 
@@ -8,6 +10,16 @@
 #include <fstream>
 
 namespace {
+
+struct Item : HSCPlazQItemModel {
+    explicit Item(const std::string& commit, const std::string& root = "boards/a") {
+        setName("a");
+        setStoreName("store");
+        setRoot(root);
+        setMetadataFile("item.json");
+        setCommitId(commit);
+    }
+};
 
 class GitInstall : public GitRemoteTest {
 protected:
@@ -23,16 +35,22 @@ protected:
         EXPECT_FALSE(HUTFile::exists(temp.path("area/.plaz/.incoming")));
     }
     bool install(const std::string& commit, const std::string& root = "boards/a", const std::string& revision = "") {
-        HSCPlazQItemModel item;
-        item.setName("a");
-        item.setStoreName("store");
-        item.setRoot(root);
+        Item item(commit, root);
         item.setRevision(revision);
-        item.setMetadataFile("item.json");
-        item.setCommitId(commit);
         return git.install(&hub, &item);
     }
     std::string installed(const std::string& file) const { return readFile(temp.path("area/" + file)); }
+    /// What else may become of it: git checks out what is left, and says that it has done so.
+    void loseOldFile() const {
+        const std::string dir = test_system::toShellName(index + "/.git");
+        writeScript("lose", "cd " + dir +
+                                "/objects && mv pack/*.pack . && rm -f pack/* && for p in *.pack; do git -C .. " +
+                                "unpack-objects -q < $p; done; rm -f *.pack $(git -C .. rev-parse " + first +
+                                ":boards/a/old | sed 's,..,&/,')");
+        HUTFork lose;
+        lose.setProg(temp.path("lose"), false);
+        ASSERT_EQ(lose.launch(true, true, true, true), 0);
+    }
     Names list(const std::string& dir) const { return HUTFile::createFileIter(temp.path(dir)); }
     std::string first, second;
 };
@@ -204,8 +222,8 @@ TEST_F(GitInstall, IndexListsAsGitDoes) {
     EXPECT_EQ(HSCPlazGitTree::listIndex(inParts, "boards/a"), "") << "most of it stands in another file";
 }
 
-// Faults: noise or a long search for a commit that is nowhere; damage that nothing mends; either costs what is
-// installed.
+// Faults: noise or a long search for a commit that is nowhere; damage that nothing mends; an item without a file that
+// cannot be read; either costs what is installed.
 TEST_F(GitInstall, LostCommitIsToldAndDamageIsMended) {
     ASSERT_TRUE(install(first));
     remote.git({"reset", "--hard", first});
@@ -216,6 +234,7 @@ TEST_F(GitInstall, LostCommitIsToldAndDamageIsMended) {
         {"gone from the remote, still here", [] {}, second, true, false},
         {"packs lost", [&] { HUTFile::rmRecursive(packs); }, first, true, true},
         {"gone with the old working copy", [] {}, second, false, false},
+        {"one file lost", [&] { loseOldFile(); }, first, true, true},
         {"pack emptied", [&] { emptyPacks(); }, first, true, true}};
     replaceGit(R"(exec git "$@")");
     for (const auto& [what, change, commit, isPlaced, isSearched] : cases) {
@@ -224,8 +243,15 @@ TEST_F(GitInstall, LostCommitIsToldAndDamageIsMended) {
         EXPECT_EQ(install(commit), isPlaced);
         EXPECT_EQ(takeIds(), isPlaced ? Names{} : Names{"17-2173"});
         EXPECT_EQ(takeCalls().find("fsck") != std::string::npos, isSearched);
-        EXPECT_NE(installed("boards/a/item.json"), "");
+        EXPECT_EQ(installed("boards/a/old"), installed("boards/a/item.json") == "{\"v\": 1}" ? "x" : "");
     }
+    loseOldFile();
+    const HSCPlazGitOutcome local =
+        HSCPlazGitInstall::install(HSCPlazGitStore::of(model, context.getWorkLayout(model), nullptr), Item(first),
+                                   {temp.path("area/boards/a"), temp.path("area/.plaz/.incoming"), true});
+    ASSERT_EQ(local.report.getNotes().size(), 1U);
+    EXPECT_EQ(local.report.getNotes().front().message.getId(), "17-2361");
+    EXPECT_EQ(installed("boards/a/old"), "x");
 }
 
 // Fault: names from a catalog reach git, or lead out of the store's area or into the hub's own directories; a branch is

@@ -18,6 +18,7 @@
 #include <boost/filesystem/path.hpp>
 
 #include <algorithm>
+#include <sstream>
 
 namespace fs = boost::filesystem;
 
@@ -105,7 +106,20 @@ private:
         std::string index;
         if (HIOStream::read(m_staging + "/" + HSCPlazStoreLayout::gitDir + "/index", index) == HIOStatus::ok)
             m_listing = HSCPlazGitTree::listIndex(index, m_item.getRoot());
+        requireFiles();
         return true;
+    }
+
+    // Git leaves out what it cannot read, and takes that for a success.
+    void requireFiles() const {
+        static constexpr const char* submodule = "160000 ";
+        std::istringstream entries(m_listing);
+        for (std::string entry; std::getline(entries, entry, '\0');) {
+            const std::string path = entry.substr(entry.find('\t') + 1);
+            if (entry.rfind(submodule, 0) == 0 || HUTFile::exists(m_staging + "/" + path)) continue;
+            throw HSCPlazGitFailure(ComMsgMgrInstance(__FILE__, __LINE__, "common", Msg::gitFailed),
+                                    {Msg::contentMissing, MsgSeverity::error, m_item.getName(), path});
+        }
     }
 
     // A working copy from which a commit that is there cannot be checked out, or which lacks one that it has fetched,

@@ -36,7 +36,7 @@ HSCPlazGitOutcome provide(const HSCPlazGitStore& store, const std::vector<const 
 /// directory. A working copy that is complete is used as it stands; it is fetched only when it lacks the commit.
 /// @return not done, with what was installed untouched: Msg::remoteAccessOff, commitIdMissing, commitGone (in the
 ///         remote, too), itemRefused, storeRefused, dirNotWritable, and ended by Msg::fetchedItemInvalid when the
-///         fetched metadata file cannot be trusted
+///         fetched metadata file cannot be trusted, Msg::gitFailed (contentMissing) when git has left out a file
 Fetched fetch(const HSCPlazGitStore& store, const HSCPlazQItemModel& item, const Place& place);
 /// The same, and puts the files into their place, in one step, so that an interruption leaves the old ones or the new
 /// ones.
