@@ -1,8 +1,10 @@
 #include "Doctor.h"
 
 #include "DoctorChecks.h"
+#include "Failure.h"
 #include "HubQueries.h"
 
+#include "plaz/base/HSCPlazMsg.h"
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazModel.h"
@@ -84,6 +86,10 @@ void examineStore(Round& round, const HSCPlaz& hub, HSCPlazQStore& store, const 
 }
 
 } // namespace
+
+bool isOfGit(const std::string& messageId) {
+    return messageId == messageOf(Msg::gitErrors, "", "").getId() || messageId == messageOf(Msg::gitFailed).getId();
+}
 
 std::vector<Finding> Doctor::examine(const std::vector<HSCPlazQStore*>& stores) const {
     Round round(m_status);

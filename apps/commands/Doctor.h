@@ -2,11 +2,15 @@
 
 #include "Finding.h"
 
+#include <string>
 #include <vector>
 
 class HDGUIStatus;
 class HSCPlaz;
 class HSCPlazQStore;
+
+/// Whether a message of that number tells that git has failed, so that the doctor may find the cause.
+bool isOfGit(const std::string& messageId);
 
 /// Looks at what the hub stands on: git, certificates, proxy, switches, directories, files, stores and remotes. Changes
 /// nothing but for a directory in the system's temporary one that is gone at the end. Sends what the hub's files make

@@ -22,7 +22,6 @@
 #include <iostream>
 #include <map>
 #include <optional>
-#include <set>
 
 namespace {
 
@@ -124,8 +123,7 @@ void Program::nameDoctor() {
     // What could not be fetched there is none of the hub's stores yet, and nothing that it would look at.
     if (m_options.command == "hub set" || m_options.command == "hub add-store") return;
     const std::vector<ComMsgMgr::Message>& said = m_log.getMessages();
-    const std::set<std::string> ofGit{messageOf(Msg::gitErrors, "", "").getId(), messageOf(Msg::gitFailed).getId()};
-    if (std::any_of(said.begin(), said.end(), [&](const auto& message) { return ofGit.count(message.id) != 0; }))
+    if (std::any_of(said.begin(), said.end(), [](const auto& message) { return isOfGit(message.id); }))
         ComMsgMgr::send(ShellMsg::doctorKnows, MsgSeverity::info);
 }
 

@@ -1,5 +1,6 @@
 // What a design tool does for the hub, done for a program in Java: see PlazHost.java.
 
+#include "Doctor.h"
 #include "Failure.h"
 #include "HubActions.h"
 #include "HubParams.h"
@@ -46,6 +47,12 @@ HDGUIStatus& commandStatus() {
 bool& isPlanning() {
     static bool planning = false;
     return planning;
+}
+
+/// Whether git has failed since the operation began.
+bool& hasGitFailed() {
+    static bool failed = false;
+    return failed;
 }
 
 /// The class PlazHost, told of what the hub says and does.
@@ -136,6 +143,12 @@ template <typename Result> void require(const CommandResult<Result>& result) {
     if (commandStatus().isCanceled()) failWith(ShellMsg::cancelled);
     if (result.reason) throw ExplainedFailure(*result.reason);
     if (!result.isDone) failWith(Msg::unexpectedFailure, "no reason was given");
+}
+
+/// What cannot be fetched there is none of the hub's stores yet, and nothing that the doctor would look at.
+template <typename Result> void requireBeforeDoctor(const CommandResult<Result>& result) {
+    hasGitFailed() = false;
+    require(result);
 }
 
 HubActions actions() {
@@ -252,7 +265,7 @@ void addStore(const std::string& name, const std::string& url, const std::string
     wanted.url = url;
     wanted.metadataFile = metadataFile;
     if (isOfBoards) wanted.type = "board";
-    require(actions().addStore(wanted));
+    requireBeforeDoctor(actions().addStore(wanted));
 }
 
 /// As the program keeps it.
@@ -322,6 +335,7 @@ JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_startHub(JNIEnv* env, 
         if (env->ExceptionCheck()) return;
         plaz_startup();
         ComMsgMgr::setSink([listener](const ComMsgMgr::Message& message) {
+            hasGitFailed() |= isOfGit(message.id);
             if (!isPlanning()) listener.tellMessage(message);
         });
         commandStatus().setObserver([listener](const HDGUIStatus& status) { listener.tellProgress(status); });
@@ -332,6 +346,7 @@ JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_startHub(JNIEnv* env, 
 JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_begin(JNIEnv* env, jclass) {
     guard(env, [] {
         HUTFork::clearInterrupt();
+        hasGitFailed() = false;
         commandStatus().setState(HDGUIStatus::running);
         commandStatus().forgetProgress();
     });
@@ -341,6 +356,12 @@ JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_cancel(JNIEnv* env, jc
     guard(env, [] {
         commandStatus().cancel();
         HUTFork::interruptAll();
+    });
+}
+
+JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_nameDoctor(JNIEnv* env, jclass) {
+    guard(env, [] {
+        if (hasGitFailed()) ComMsgMgr::send(ShellMsg::doctorKnows, MsgSeverity::info);
     });
 }
 
@@ -424,7 +445,7 @@ JNIEXPORT jstring JNICALL Java_ui_frmwork_plaz_host_PlazHost_findRefusal(JNIEnv*
 }
 
 JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_chooseHub(JNIEnv* env, jclass, jstring url) {
-    guard(env, [&] { require(actions().chooseHub(jni::toNative(env, url))); });
+    guard(env, [&] { requireBeforeDoctor(actions().chooseHub(jni::toNative(env, url))); });
 }
 
 JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_leaveHub(JNIEnv* env, jclass) {

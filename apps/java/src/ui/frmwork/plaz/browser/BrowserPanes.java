@@ -48,7 +48,8 @@ final class BrowserPanes extends JPanel {
     private final JButton chooseHub;
     private final JPanel itemCards = new JPanel(new CardLayout());
     private final BrowserActions actions;
-    private final JPanel top = new JPanel(new BorderLayout());
+    private final JPanel below = new JPanel(new BorderLayout());
+    private JPanel tools;
     private JSplitPane left;
     private JSplitPane right;
     private JSplitPane bottom;
@@ -92,12 +93,13 @@ final class BrowserPanes extends JPanel {
                 pane("Details", 'A', details, scrolled(details), null), 0.6);
         left = split(JSplitPane.HORIZONTAL_SPLIT, pane("Stores", 'O', stores, scrolled(stores), null), right, 0);
         bottom = split(JSplitPane.VERTICAL_SPLIT, left, pane("Messages", 'M', messages, scrolled(messages), null), 1);
-        top.removeAll();
-        top.add(toolBar());
-        top.add(failure, BorderLayout.PAGE_END);
-        add(top, BorderLayout.PAGE_START);
+        below.removeAll();
+        below.add(failure); // where it comes and goes without moving what one is about to click on
+        below.add(status, BorderLayout.PAGE_END);
+        tools = toolBar();
+        add(tools, BorderLayout.PAGE_START);
         add(bottom);
-        add(status, BorderLayout.PAGE_END);
+        add(below, BorderLayout.PAGE_END);
         setBorder(BorderFactory.createEmptyBorder(0, gap, gap, gap));
     }
 
@@ -134,7 +136,7 @@ final class BrowserPanes extends JPanel {
         int height = getTopLevelAncestor().getHeight();
         left.setDividerLocation(state.number("left", 20, 4000).orElse(width / 5));
         right.setDividerLocation(state.number("right", 20, 4000).orElse(width * 46 / 100));
-        int room = height - top.getPreferredSize().height - status.getPreferredSize().height;
+        int room = height - tools.getPreferredSize().height - status.getPreferredSize().height;
         int highest = room - (MESSAGE_LINES - 1) * Look.lineHeight(this);
         bottom.setDividerLocation(state.number("bottom", 20, 4000).orElse(Math.min(height * 66 / 100, highest)));
         haveColumnsWidths = state.applyColumns(items);
@@ -153,7 +155,7 @@ final class BrowserPanes extends JPanel {
     void keep(WindowState state) {
         state.set("left", left.getDividerLocation());
         state.set("right", right.getDividerLocation());
-        state.set("bottom", bottom.getDividerLocation());
+        state.set("bottom", bottom.getDividerLocation() + (failure.isVisible() ? failure.getHeight() : 0));
         state.setColumns(items);
     }
 

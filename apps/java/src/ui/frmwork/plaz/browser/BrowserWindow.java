@@ -171,8 +171,14 @@ final class BrowserWindow extends JFrame implements HubListener {
     }
 
     private void submit(Operation operation) {
-        if (!hub.isUnderway(operation.title())) hub.submit(operation);
+        if (!hub.isUnderway(operation.title())) begin(operation);
         enableActions();
+    }
+
+    /** Whoever begins something has read what failed before. */
+    private void begin(Operation operation) {
+        panes.failure.setVisible(false);
+        hub.submit(operation);
     }
 
     void cancel() {
@@ -181,7 +187,7 @@ final class BrowserWindow extends JFrame implements HubListener {
     }
 
     void openSettings() {
-        if (snapshot != null) new SettingsDialog(this, snapshot, hub::submit).setVisible(true);
+        if (snapshot != null) new SettingsDialog(this, snapshot, this::begin).setVisible(true);
     }
 
     void openGuide() {
@@ -300,6 +306,7 @@ final class BrowserWindow extends JFrame implements HubListener {
     public void told(Message message) {
         panes.messages.add(message);
         if (message.severity() == Severity.ERROR) panes.failure.show(message);
+        else if (message.namesDoctor()) panes.failure.showDoctor(message);
     }
 
     @Override

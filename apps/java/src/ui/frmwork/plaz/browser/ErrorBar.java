@@ -14,7 +14,10 @@ import javax.swing.JButton;
 import javax.swing.JPanel;
 import javax.swing.JTextArea;
 
-/** What an operation failed of, until it was read: the first failure is the reason of those behind it. */
+/**
+ * What an operation failed of, until it was read or a person goes on to something else: the first failure is the reason
+ * of those behind it.
+ */
 final class ErrorBar extends JPanel {
     private static final long serialVersionUID = 1;
 
@@ -49,8 +52,17 @@ final class ErrorBar extends JPanel {
     void show(Message failure) {
         if (isOfOldOperation) failures.clear();
         isOfOldOperation = false;
-        failures.add(failure);
-        text.setText(failures.get(0).what());
+        add(failure, failures.isEmpty() ? failure.what() : text.getText());
+    }
+
+    /** @param doctor says who looks for the cause of what was shown last */
+    void showDoctor(Message doctor) {
+        if (isVisible() && !isOfOldOperation) add(doctor, text.getText() + "\n" + doctor.text());
+    }
+
+    private void add(Message told, String shown) {
+        failures.add(told);
+        text.setText(shown);
         // Before it is laid out it would be taken to be as narrow as can be, and so high that nothing else has room.
         text.setSize(getParent().getWidth() - buttons.getPreferredSize().width, Short.MAX_VALUE);
         setVisible(true);

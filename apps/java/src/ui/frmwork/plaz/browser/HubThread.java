@@ -214,6 +214,7 @@ final class HubThread {
         } catch (RuntimeException | Error e) {
             tellFailure(e);
         } finally {
+            if (hasToldError && !status.isCanceled()) PlazHost.nameDoctor();
             synchronized (running) {
                 isRunning = false;
             }

@@ -20,6 +20,11 @@ record Message(Severity severity, String id, String text) {
         text = Readable.of(USER_PART.matcher(text).replaceAll("://***@"));
     }
 
+    /** Whether it names the doctor, who looks for the cause of what has failed before it. */
+    boolean namesDoctor() {
+        return id.equals("17-2366");
+    }
+
     /** The sentence that says what happened. */
     String what() {
         Matcher end = SENTENCE.matcher(text);

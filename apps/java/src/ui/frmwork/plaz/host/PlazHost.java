@@ -153,6 +153,9 @@ public final class PlazHost {
     /** Cancels what the hub is at, and all that comes before {@link #begin}. May be called from any thread. */
     public static native void cancel();
 
+    /** Where git has failed since {@link #begin}: tells who looks for the cause. For the end of what has failed. */
+    public static native void nameDoctor();
+
     /** The directory of the user's own files: preferences, history, stores. */
     public static native String getUserDirectory();
 
