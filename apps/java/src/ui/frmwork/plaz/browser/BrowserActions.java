@@ -82,12 +82,14 @@ final class BrowserActions {
 
     /** Enables what makes sense now. */
     void enable(HubThread hub, Optional<Item> item, List<String> chosenStores, boolean isWorking) {
-        enableItem(install, hub, item.filter(it -> !it.isLatestInstalled()), Operation::install);
+        enableItem(install, hub, item.filter(it -> !it.isLatestInstalled() && !it.isKeptBack()), Operation::install);
         enableItem(uninstall, hub, item.filter(Item::isInstalled), Operation::uninstall);
         enableItem(update, hub, item.filter(Item::isUpdatable), Operation::update);
         boolean isHeld = item.filter(it -> it.standing().isHeld()).isPresent();
         enableItem(hold, hub, item.filter(Item::isInstalled), isHeld ? Operation::unhold : Operation::hold);
         hold.putValue(Action.SELECTED_KEY, isHeld); // what is so, not what was clicked
+        String reason = item.filter(Item::isKeptBack).map(BrowserActions::describeHold).orElse(null);
+        for (Action each : List.of(install, update)) each.putValue(Action.SHORT_DESCRIPTION, reason);
         updateAll.setEnabled(!hub.isUnderway(Operation.updateAll().title()));
         enableItem(verify, hub, item.filter(Item::isInstalled), Operation::verify);
         enableItem(repair, hub, item.filter(Item::isInstalled), Operation::repair);
@@ -95,6 +97,11 @@ final class BrowserActions {
         refresh.setEnabled(chosenStores.stream().anyMatch(it -> !hub.isUnderway(Operation.refresh(it).title())));
         check.setEnabled(chosenStores.stream().anyMatch(it -> !hub.isUnderway(Operation.check(it).title())));
         cancel.setEnabled(isWorking);
+    }
+
+    private static String describeHold(Item item) {
+        return "\"" + item.title() + "\" stays in the revision \"" + item.standing().installed().get(0)
+                + "\", because you hold it there. To let it change: Hold, in the menu Item.";
     }
 
     /** Nothing can be begun any more. */

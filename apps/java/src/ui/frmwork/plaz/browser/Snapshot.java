@@ -83,11 +83,18 @@ record Snapshot(List<Store> stores, String proxy, String storesPath, Hub hub) {
             return state() == State.OUTDATED && !standing.isHeld();
         }
 
+        /** Whether another revision could come, if no person held the one that is installed. */
+        boolean isKeptBack() {
+            return standing.isHeld() && !isLatestInstalled();
+        }
+
         boolean isLatestInstalled() {
             return standing.installed().contains(revision);
         }
 
-        /** The state in words, with the revision that is installed where that is not the latest. */
+        /**
+         * The state in words, with the revisions that are installed, the latest first, where the latest of all is not.
+         */
         String stateText() {
             String text = switch (state()) {
                 case NONE -> ""; case INSTALLED -> standing.isForOthers() ? "needed by others":
@@ -95,7 +102,7 @@ record Snapshot(List<Store> stores, String proxy, String storesPath, Hub hub) {
                 case OUTDATED -> standing.isForOthers() ? "outdated, needed by others":
                     "outdated";
             };
-            if (isInstalled() && !isLatestInstalled()) text += " (" + standing.installed().get(0) + ")";
+            if (isInstalled() && !isLatestInstalled()) text += " (" + String.join(", ", standing.installed()) + ")";
             if (standing.isHeld()) text += ", held";
             if (standing.isInactive()) text += text.isEmpty() ? "inactive" : ", inactive";
             return text;

@@ -79,6 +79,16 @@ class BrowserPartsTest {
         assertEquals(ordered, ordered.stream().sorted(Comparator.reverseOrder()).sorted(Revisions.ORDER).toList());
     }
 
+    /** Catches: an older revision that is named in the place of the newest one of those that are installed. */
+    @Test
+    void namesWhatIsInstalled() {
+        Standing standing = new Standing(State.OUTDATED, List.of("1.10", "1.9"), false, true, false, List.of());
+        Item item = new Item(new Key("boards", "aurora"), "", "", "2.0", standing, "", "", "", "", List.of(), List.of(),
+                List.of(), List.of());
+        assertEquals("outdated (1.10, 1.9), held", item.stateText());
+        assertTrue(item.isKeptBack());
+    }
+
     /** Catches: states that are cut off once something is installed. */
     @Test
     void hasRoomForStates() {

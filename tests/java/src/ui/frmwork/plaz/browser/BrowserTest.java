@@ -110,7 +110,9 @@ class BrowserTest extends Person {
         assertEquals(List.of(true, true, true), enabled());
         press(KeyEvent.VK_CONTROL, KeyEvent.VK_K);
         await("held", () -> text("State").equals("outdated (1.0), held"));
-        assertEquals(List.of(true, true, false), enabled());
+        assertEquals(List.of(false, true, false), enabled());
+        String why = ask(() -> ((JComponent) find("install")).getToolTipText());
+        assertTrue(why.contains("stays in the revision \"1.0\", because you hold it there."), why);
         press(KeyEvent.VK_CONTROL, KeyEvent.VK_SHIFT, KeyEvent.VK_A);
         awaitRest("because you hold them (menu Item, Hold): boards::io-panel");
         press(KeyEvent.VK_CONTROL, KeyEvent.VK_K);
