@@ -354,6 +354,6 @@ final class BrowserWindow extends JFrame implements HubListener {
 
     private List<String> chosenStores() {
         if (snapshot == null) return List.of();
-        return snapshot.stores(panes.stores.chosen()).stream().map(Store::name).toList();
+        return snapshot.listedStores(panes.stores.chosen()).stream().map(Store::name).toList();
     }
 }

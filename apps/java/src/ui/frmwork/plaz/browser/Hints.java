@@ -23,7 +23,7 @@ final class Hints {
         List<Store> stores = snapshot.stores(scope);
         boolean isEmpty = stores.stream().allMatch(store -> store.items().isEmpty());
         if (!isEmpty) return "No item fits. Clear the search (Esc), the boxes beside it, or choose \"All stores\".";
-        return stores.stream().allMatch(Store::refreshed)
+        return stores.stream().allMatch(store -> store.refreshed() || !store.isListed())
                 ? "There are no items here. Choose Refresh (F5) to see whether some have been published."
                 : "Nothing is known of the items here, because the catalog was never fetched. Choose Refresh (F5).";
     }
@@ -33,7 +33,8 @@ final class Hints {
         if (snapshot == null) return "";
         List<Store> stores = snapshot.stores(scope);
         int all = stores.stream().mapToInt(store -> store.items().size()).sum();
-        List<String> never = stores.stream().filter(store -> !store.refreshed()).map(Store::name).toList();
+        List<String> never =
+                stores.stream().filter(store -> store.isListed() && !store.refreshed()).map(Store::name).toList();
         String count = seen + " of " + all;
         return never.isEmpty() ? count : count + "; never refreshed: " + String.join(", ", never);
     }

@@ -95,7 +95,7 @@ final class SettingsDialog extends JDialog {
         proxy.setText(snapshot.proxy());
         storesPath.setText(snapshot.storesPath());
         snapshot.hub().ownStores().forEach(ownStores::addItem);
-        snapshot.stores().forEach(each -> store.addItem(each.name()));
+        snapshot.listedStores(Scope.ALL).forEach(each -> store.addItem(each.name()));
         ownStores.setRenderer(plainRenderer());
         store.setRenderer(plainRenderer());
         snapshot.stores().forEach(each -> typed.put(each.name(), each.directory()));

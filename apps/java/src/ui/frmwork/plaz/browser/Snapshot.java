@@ -20,9 +20,13 @@ record Snapshot(List<Store> stores, String proxy, String storesPath, Hub hub) {
      */
     record Hub(String url, String chooser, String metadata, List<String> ownStores) {}
 
-    /** A store, its items each by one entry. */
-    record Store(String name, String title, String directory, boolean refreshed, List<Category> categories,
-            List<Item> items) {}
+    /**
+     * A store, its items each by one entry.
+     *
+     * @param isListed whether the hub lists it; of others there is but what is installed, and nothing to fetch
+     */
+    record Store(String name, String title, String directory, boolean isListed, boolean refreshed,
+            List<Category> categories, List<Item> items) {}
 
     /** A node of a store's tree of categories. */
     record Category(String name, String title, List<Category> below) {
@@ -117,6 +121,11 @@ record Snapshot(List<Store> stores, String proxy, String storesPath, Hub hub) {
 
     /** Before anything is known. */
     static final Snapshot NOTHING = new Snapshot(List.of(), "", "", new Hub("", "", "", List.of()));
+
+    /** Those from which something can be fetched. */
+    List<Store> listedStores(Scope scope) {
+        return stores(scope).stream().filter(Store::isListed).toList();
+    }
 
     List<Store> stores(Scope scope) {
         return stores.stream().filter(store -> scope.isOf(store.name())).toList();

@@ -35,8 +35,10 @@ final class SnapshotReader {
 
     static Snapshot read() {
         SnapshotReader reader = new SnapshotReader();
-        return new Snapshot(map(PlazSwigIntf.getStores(), reader::store), PlazSwigIntf.getHttpProxy(),
-                PlazSwigIntf.getQStoresPath(), hub(PlazHost.hub()));
+        List<Store> stores = new ArrayList<>(map(PlazSwigIntf.getStores(), reader::store));
+        stores.removeIf(store -> !store.isListed() && store.items().isEmpty()); // the next start has none of them
+        return new Snapshot(
+                List.copyOf(stores), PlazSwigIntf.getHttpProxy(), PlazSwigIntf.getQStoresPath(), hub(PlazHost.hub()));
     }
 
     private static Hub hub(PlazHost.Hub hub) {
@@ -56,9 +58,16 @@ final class SnapshotReader {
         Map<String, List<PlazItem>> entries = new LinkedHashMap<>();
         for (PlazItem entry : store.getItems())
             entries.computeIfAbsent(entry.getName(), name -> new ArrayList<>()).add(entry);
+        boolean isListed = isListed(store);
+        List<Item> items =
+                entries.values().stream().map(this::item).filter(item -> isListed || item.isInstalled()).toList();
         return new Store(store.getName(), either(store.getDisplayName(), store.getName()), store.getLocalRootDir(),
-                PlazSwigIntf.isRefreshed(store), map(store.getCategories(), SnapshotReader::category),
-                entries.values().stream().map(this::item).toList());
+                isListed, PlazSwigIntf.isRefreshed(store), map(store.getCategories(), SnapshotReader::category), items);
+    }
+
+    /** What the hub does not list any more has lost what it is fetched by. */
+    private static boolean isListed(PlazStore store) {
+        return !store.getUrl().isEmpty() || !store.getMetadataFile().isEmpty();
     }
 
     private static Category category(PlazCategory category) {

@@ -87,9 +87,14 @@ final class StoreTree extends JTree {
 
     private static DefaultMutableTreeNode storeNode(Store store) {
         Scope scope = Scope.of(store.name());
-        DefaultMutableTreeNode node = node(scope, store.title() + " (" + store.items().size() + ")");
+        DefaultMutableTreeNode node = node(scope, title(store));
         addCategories(node, scope, store.categories());
         return node;
+    }
+
+    private static String title(Store store) {
+        String count = store.title() + " (" + store.items().size();
+        return count + (store.isListed() ? ")" : ", no longer offered)");
     }
 
     private static void addCategories(DefaultMutableTreeNode node, Scope scope, List<Category> categories) {

@@ -325,10 +325,20 @@ class BrowserTest extends Person {
         awaitFocus("newStoreUrl");
         press(KeyEvent.VK_ENTER);
         await("one's own store", () -> stores().choose(Scope.of("mine")) && items().getRowCount() > 0);
+        choose("mine", "string-kit");
+        click(find("install"));
+        await("it", () -> state("mine", "string-kit") == State.INSTALLED);
         focusSearch();
         openSettings();
         click(find("removeStore"));
-        await("it gone", () -> !stores().choose(Scope.of("mine")));
+        await("what is left",
+                ()
+                        -> stores().choose(Scope.of("mine"))
+                        && stores().getSelectionPath().toString().contains("(1, no longer offered)"));
+        assertFalse(ask(() -> find("refresh").isEnabled()));
+        choose("mine", "string-kit");
+        click(find("uninstall"));
+        await("nothing left", () -> !stores().choose(Scope.of("mine")));
         ask(() -> stores().choose(Scope.ALL));
         focusSearch();
         openSettings();
