@@ -6,7 +6,9 @@ import java.awt.FlowLayout;
 import java.awt.Frame;
 import java.awt.Window;
 import java.awt.event.KeyEvent;
+import java.util.HashSet;
 import java.util.List;
+import java.util.Set;
 import javax.swing.BorderFactory;
 import javax.swing.JButton;
 import javax.swing.JComponent;
@@ -37,13 +39,15 @@ final class GuideDialog extends JDialog {
         dialog.open(40);
     }
 
-    /** Each message as a whole, and what the guides say of it. */
+    /** Each message as a whole, and what the guides say of it, once where that is the same. */
     static void showAdvice(Frame owner, List<Message> messages) {
         GuideDialog dialog = new GuideDialog(owner, "What to do");
+        Set<List<String>> told = new HashSet<>();
         for (Message message : messages) {
             dialog.text.addHeading(message.id().isEmpty() ? "Without a number" : message.id());
             dialog.text.addPlain(message.text());
-            dialog.text.addMarkdown(Guides.explain(message.id()));
+            List<String> explanation = Guides.explain(message.id());
+            if (told.add(explanation)) dialog.text.addMarkdown(explanation);
         }
         dialog.open(24);
     }
