@@ -2,6 +2,7 @@
 
 #include "Doctor.h"
 #include "Failure.h"
+#include "HostTexts.h"
 #include "HubActions.h"
 #include "HubParams.h"
 #include "HubQueries.h"
@@ -216,19 +217,8 @@ std::string findRefusal(const std::string& kind, const std::string& value) {
     return refusal + ".";
 }
 
-/// Six texts for each step: what is done, the item, the revision before, bytes, who needs it, whether it was asked for.
-std::vector<std::string> toTexts(const std::vector<HSCPlazPlannedStep>& steps) {
-    std::vector<std::string> texts;
-    for (const HSCPlazPlannedStep& step : steps)
-        texts.insert(texts.end(),
-                     {HSCPlazPlannedStep::nameOf(step.kind),
-                      ItemReference{step.store, step.name, step.revision}.toText(), step.previousRevision,
-                      step.size ? std::to_string(*step.size) : "", step.neededBy, step.isAskedFor ? "asked for" : ""});
-    return texts;
-}
-
 std::vector<std::string> plan(HubActions::Change change, const std::vector<HSCPlazQItem*>& items) {
-    return toTexts(actions().plan(change, items).parts);
+    return hostTexts::of(actions().plan(change, items).parts);
 }
 
 std::vector<std::string> plan(const std::string& kind, const std::string& reference) {
@@ -241,6 +231,11 @@ std::vector<std::string> plan(const std::string& kind, const std::string& refere
 
 std::vector<std::string> planUpdates() {
     return plan(&HubActions::update, HubQueries(requireHub()).findOutdated());
+}
+
+std::vector<std::string> describe(const StoresResult& plan) {
+    require(plan);
+    return hostTexts::of(plan.parts);
 }
 
 /// What the user holds is passed over without a word: facts tell of it.
@@ -284,40 +279,22 @@ bool check(const std::string& name) {
     return result.parts.front().outcome == HSCPlazStoreResult::Outcome::outdated;
 }
 
-/// Of each store its name, what would become of it, its URL, both commits; how many subjects there are, and these; how
-/// many items would change, and five texts for each: how, its name, both revisions, whether it is installed.
-std::vector<std::string> describe(const StoresResult& plan) {
-    require(plan);
-    std::vector<std::string> texts;
-    for (const HSCPlazStoreResult& store : plan.parts) {
-        const HSCPlazCatalogChanges& changes = store.changes;
-        texts.insert(texts.end(), {store.store, HSCPlazStoreResult::nameOf(store.outcome), changes.url,
-                                   changes.previousCommit, changes.commit, std::to_string(changes.subjects.size())});
-        texts.insert(texts.end(), changes.subjects.begin(), changes.subjects.end());
-        texts.push_back(std::to_string(changes.items.size()));
-        for (const HSCPlazCatalogChanges::Item& item : changes.items)
-            texts.insert(texts.end(), {HSCPlazCatalogChanges::nameOf(item.kind), item.name, item.revision,
-                                       item.previousRevision, item.isInstalled ? "installed" : ""});
-    }
-    return texts;
-}
-
 bool isHeld(const std::string& reference) {
     const HSCPlazQItem& item = HubQueries(requireHub()).resolve(requireReference(reference), "");
     return HSCPlazInspection::findHeld().count({item.getStoreName(), item.getName()}) != 0;
 }
 
-/// Of each entry its number, time, command, "undone", "undo" or "", and how many changes it has, then an item and what
-/// became of it for each.
-std::vector<std::string> readHistory() {
-    std::vector<std::string> texts;
-    for (const HSCPlazHistoryEntry& entry : HSCPlazInspection::readHistory()) {
-        const char* const standing = entry.isTakenBack ? "undone" : entry.undone != 0 ? "undo" : "";
-        texts.insert(texts.end(), {std::to_string(entry.number), entry.time, entry.command, standing,
-                                   std::to_string(entry.changes.size())});
-        for (const HSCPlazRecordedChange& change : entry.changes)
-            texts.insert(texts.end(), {change.item.toText(), change.describe()});
-    }
+/// What @p find gives, as an array of Java's.
+template <typename Find> jobjectArray answer(JNIEnv* env, Find find) {
+    jobjectArray texts = nullptr;
+    guard(env, [&] { texts = toJava(env, find()); });
+    return texts;
+}
+
+template <typename Plan> jobjectArray answerPlan(JNIEnv* env, Plan plan) {
+    isPlanning() = true;
+    jobjectArray texts = answer(env, plan);
+    isPlanning() = false;
     return texts;
 }
 
@@ -405,24 +382,18 @@ JNIEXPORT jboolean JNICALL Java_ui_frmwork_plaz_host_PlazHost_check(JNIEnv* env,
 }
 
 JNIEXPORT jobjectArray JNICALL Java_ui_frmwork_plaz_host_PlazHost_planStores(JNIEnv* env, jclass, jobjectArray names) {
-    jobjectArray texts = nullptr;
-    guard(env, [&] {
+    return answer(env, [&] {
         const HubQueries queries(requireHub());
-        texts = toJava(env, describe(actions().planRefresh(queries.getStores(toNative(env, names)))));
+        return describe(actions().planRefresh(queries.getStores(toNative(env, names))));
     });
-    return texts;
 }
 
 JNIEXPORT jobjectArray JNICALL Java_ui_frmwork_plaz_host_PlazHost_planHub(JNIEnv* env, jclass) {
-    jobjectArray texts = nullptr;
-    guard(env, [&] { texts = toJava(env, describe(actions().planRefreshHub())); });
-    return texts;
+    return answer(env, [&] { return describe(actions().planRefreshHub()); });
 }
 
 JNIEXPORT jobjectArray JNICALL Java_ui_frmwork_plaz_host_PlazHost_readHistory(JNIEnv* env, jclass) {
-    jobjectArray texts = nullptr;
-    guard(env, [&] { texts = toJava(env, readHistory()); });
-    return texts;
+    return answer(env, [&] { return hostTexts::ofHistory(); });
 }
 
 JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_undo__(JNIEnv* env, jclass) {
@@ -434,9 +405,7 @@ JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_undo__I(JNIEnv* env, j
 }
 
 JNIEXPORT jobjectArray JNICALL Java_ui_frmwork_plaz_host_PlazHost_describeHub(JNIEnv* env, jclass) {
-    jobjectArray texts = nullptr;
-    guard(env, [&] { texts = toJava(env, describeHub()); });
-    return texts;
+    return answer(env, [&] { return describeHub(); });
 }
 
 JNIEXPORT jstring JNICALL Java_ui_frmwork_plaz_host_PlazHost_findRefusal(JNIEnv* env, jclass, jstring kind,
@@ -476,27 +445,15 @@ JNIEXPORT jstring JNICALL Java_ui_frmwork_plaz_host_PlazHost_gitVersion(JNIEnv* 
 
 JNIEXPORT jobjectArray JNICALL Java_ui_frmwork_plaz_host_PlazHost_planChange(JNIEnv* env, jclass, jstring kind,
                                                                              jstring item) {
-    jobjectArray texts = nullptr;
-    isPlanning() = true;
-    guard(env, [&] { texts = toJava(env, plan(jni::toNative(env, kind), jni::toNative(env, item))); });
-    isPlanning() = false;
-    return texts;
+    return answerPlan(env, [&] { return plan(jni::toNative(env, kind), jni::toNative(env, item)); });
 }
 
 JNIEXPORT jobjectArray JNICALL Java_ui_frmwork_plaz_host_PlazHost_planUpdates(JNIEnv* env, jclass) {
-    jobjectArray texts = nullptr;
-    isPlanning() = true;
-    guard(env, [&] { texts = toJava(env, planUpdates()); });
-    isPlanning() = false;
-    return texts;
+    return answerPlan(env, planUpdates);
 }
 
 JNIEXPORT jobjectArray JNICALL Java_ui_frmwork_plaz_host_PlazHost_planUndoOf(JNIEnv* env, jclass, jint number) {
-    jobjectArray texts = nullptr;
-    isPlanning() = true;
-    guard(env, [&] { texts = toJava(env, toTexts(actions().planUndo(number).parts)); });
-    isPlanning() = false;
-    return texts;
+    return answerPlan(env, [&] { return hostTexts::of(actions().planUndo(number).parts); });
 }
 
 JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_updateAll(JNIEnv* env, jclass) {
@@ -504,7 +461,5 @@ JNIEXPORT void JNICALL Java_ui_frmwork_plaz_host_PlazHost_updateAll(JNIEnv* env,
 }
 
 JNIEXPORT jobjectArray JNICALL Java_ui_frmwork_plaz_host_PlazHost_findReasons(JNIEnv* env, jclass, jstring item) {
-    jobjectArray texts = nullptr;
-    guard(env, [&] { texts = toJava(env, findReasons(jni::toNative(env, item))); });
-    return texts;
+    return answer(env, [&] { return findReasons(jni::toNative(env, item)); });
 }
