@@ -255,7 +255,7 @@ void addCommands(CLI::App& app, Options& options) {
         ->type_name("")
         ->required();
     CLI::App* help = app.add_subcommand("help", "Show the help of a command, or of plaz, and end");
-    help->add_option("COMMAND", options.topic, "The command")->type_name("");
+    help->add_option("COMMAND", options.topic, "The command, such as install or hub set")->type_name("");
     app.add_subcommand("version", "Show the version and end");
     app.add_subcommand("paths", "Show every directory and file in force, and what chose it");
     CLI::App* params = app.add_subcommand("params", "List parameters with value, default and description");
@@ -345,16 +345,30 @@ void checkUninstall(const Options& options) {
 void turnIntoOption(const CLI::App& app, const Options& options) {
     if (options.command == "version") throw CLI::CallForVersion(versionText, CLI::ExitCodes::Success);
     if (options.command != "help") return;
-    const auto isNamed = [&](const CLI::App* command) { return command->get_name() == options.topic; };
-    const std::vector<const CLI::App*> commands = app.get_subcommands({});
-    if (options.topic.empty() || std::any_of(commands.begin(), commands.end(), isNamed)) throw CLI::CallForHelp();
-    throw CLI::ValidationError("help", "there is no command \"" + options.topic + "\"" +
-                                           Suggestions::ofCommand(options.topic, app));
+    const CLI::App* command = &app;
+    std::string name;
+    for (const std::string& word : options.topic) {
+        const CLI::App* next = findCommand(*command, word);
+        name += (name.empty() ? "" : " ") + word;
+        if (!next)
+            throw CLI::ValidationError("help", "there is no command \"" + name + "\"" +
+                                                   Suggestions::ofCommand(word, *command));
+        command = next;
+    }
+    throw CLI::CallForHelp();
 }
 
 /// Of the command that was chosen, or that "help" names, or else of the program.
 std::string helpOf(const CLI::App& app, const Options& options) {
-    if (!options.topic.empty()) return app.get_subcommand(options.topic)->help(app.get_name());
+    if (!options.topic.empty()) {
+        const CLI::App* command = &app;
+        std::string parents;
+        for (const std::string& word : options.topic) {
+            parents += (parents.empty() ? "" : " ") + command->get_name();
+            command = findCommand(*command, word);
+        }
+        return command->help(parents);
+    }
     const bool isOfAll = app.get_subcommands().empty() || options.command == "help";
     return isOfAll ? app.get_formatter()->make_help(&app, app.get_name(), CLI::AppFormatMode::Normal) : app.help();
 }
@@ -403,7 +417,8 @@ CommandLine CommandLine::parse(const std::vector<std::string>& args) {
         line.kind = Kind::wrong;
         line.text = describe(error, app);
     }
-    options.command.clear();
+    const bool isMisused = line.kind == Kind::wrong && !app.get_subcommands().empty();
+    options.command = isMisused ? nameOf(*app.get_subcommands().front()) : "";
     options.json = asksForJson(args);
     return line;
 }

@@ -12,7 +12,8 @@
 
 /// What the command line asks for.
 struct Options {
-    std::string command; ///< name of the command; empty when help or version was asked for, or the line is wrong
+    std::string command; ///< name of the command, "hub set" for one of another; empty when help or version was asked
+                         ///< for, or none could be read
     bool json = false;
     bool quiet = false;
     bool noProgress = false;
@@ -41,7 +42,7 @@ struct Options {
     HSCPlazNewStore newStore;         ///< hub add-store
     bool hidden = false;              ///< params
     std::vector<std::string> files;   ///< validate
-    std::string topic;                ///< help: a command; empty for all
+    std::vector<std::string> topic;   ///< help: a command's words; empty for all
     WordCompletion completion;        ///< complete: what may stand there
     std::vector<std::string> script;  ///< shell: a script and its arguments; empty for none
 };

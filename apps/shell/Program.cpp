@@ -80,7 +80,9 @@ int Program::run() {
 }
 
 int Program::refuse(const std::string& problem) {
-    const std::string command = m_options.command.empty() ? "" : " " + m_options.command;
+    // What "help" does not find is listed by the help of plaz.
+    const bool isOfAll = m_options.command.empty() || m_options.command == "help";
+    const std::string command = isOfAll ? "" : " " + m_options.command;
     std::cerr << "plaz: " << HUTText::printable(problem, true) << "\nTry \"plaz" << command << " --help\"."
               << std::endl;
     return finish(exitStatus::wrongUsage, problem);

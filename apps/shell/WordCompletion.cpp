@@ -45,7 +45,7 @@ std::vector<Word> commandsOf(const CLI::App& app) {
 /// The line up to the word to complete.
 class Line {
 public:
-    explicit Line(const CLI::App& program) : m_program(program), m_command(&program) {}
+    explicit Line(const CLI::App& program) : m_command(&program), m_topic(&program) {}
 
     void pass(const std::string& word) {
         if (m_asking) {
@@ -54,10 +54,11 @@ public:
             const CLI::Option* option = findOption(word);
             if (option && takesValue(*option) && word.find('=') == std::string::npos) m_asking = option;
             m_isEnded = word == "--";
-        } else if (const CLI::App* command = findCommand(word)) {
+        } else if (const CLI::App* command = m_values == 0 ? findCommand(*m_command, word) : nullptr) {
             m_command = command;
         } else {
             ++m_values;
+            if (m_topic) m_topic = findCommand(*m_topic, word);
         }
     }
 
@@ -87,12 +88,6 @@ private:
         return nullptr;
     }
 
-    const CLI::App* findCommand(const std::string& word) const {
-        const std::vector<const CLI::App*> found = m_command->get_subcommands(
-            [&](const CLI::App* command) { return m_values == 0 && command->get_name() == word; });
-        return found.empty() ? nullptr : found.front();
-    }
-
     WordCompletion ofOption(const std::string& word) const {
         const std::size_t equals = word.find('=');
         const CLI::Option* option = equals == std::string::npos ? nullptr : findOption(word);
@@ -109,7 +104,7 @@ private:
     WordCompletion ofValue(const std::string& value, const std::string& before, const std::string& begun) const {
         WordCompletion completion{kindOf(value, m_command->get_name()), before, begun};
         std::vector<std::string> choices;
-        if (value == "COMMAND") completion.words = commandsOf(m_program);
+        if (value == "COMMAND" && m_topic) completion.words = commandsOf(*m_topic);
         if (value == "URL" && m_command->get_name() == "set")
             completion.words = {{HubActions::sampleHub, "The hub that comes with plaz"}};
         if (value.find('|') != std::string::npos)
@@ -118,14 +113,20 @@ private:
         return completion;
     }
 
-    const CLI::App& m_program;
     const CLI::App* m_command;
+    const CLI::App* m_topic; ///< whose commands may stand where "help" asks for one; null where there are none
     const CLI::Option* m_asking = nullptr; ///< the option whose value comes next
     std::size_t m_values = 0;              ///< of the command, without those of options
     bool m_isEnded = false;                ///< no options come any more
 };
 
 } // namespace
+
+const CLI::App* findCommand(const CLI::App& app, const std::string& name) {
+    const std::vector<const CLI::App*> found =
+        app.get_subcommands([&](const CLI::App* command) { return command->get_name() == name; });
+    return found.empty() ? nullptr : found.front();
+}
 
 WordCompletion WordCompletion::of(const CLI::App& program, const std::vector<std::string>& words) {
     Line line(program);

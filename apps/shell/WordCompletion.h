@@ -7,6 +7,9 @@ namespace CLI {
 class App;
 }
 
+/// The command of that name; null where @p app, the program or a command, has none.
+const CLI::App* findCommand(const CLI::App& app, const std::string& name);
+
 /// What a shell may offer for the word that somebody has begun.
 struct WordCompletion {
     enum class Kind {

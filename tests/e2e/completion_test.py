@@ -17,6 +17,7 @@ SHELLS = {
 COMPLETED = {
     "plaz unin": "uninstall",
     "plaz hub remo": "remove-store",
+    "plaz help hub remo": "remove-store",
     "plaz hub set sa": "sample",
     "plaz items --st": "--store",
     "plaz items --sort=rel": "relevance",

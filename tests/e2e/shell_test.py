@@ -219,7 +219,11 @@ class ShellTest(HubTest):
         meant = {"instal x": "install", "serach x": "plaz items WORD...", "items --outdted": "--outdated"}
         for command, word in {**meant, "help instal": "install", "hub sett": "set"}.items():
             self.check_shown(self.run_plaz(command, status=2).stderr, f"Did you mean `{word}`?")
-        self.check("help", self.run_plaz("help items").stdout, self.run_plaz("items --help").stdout)
+        for command in ("", "items", "hub", "hub add-store"):
+            self.check("help", self.run_plaz(f"help {command}").stdout, self.run_plaz(f"{command} --help").stdout)
+        pointed = {"update": "update", "hub add-store a": "hub add-store", "hub sett": "hub", "help hub sett": "", "x": ""}
+        for command, name in pointed.items():
+            self.check_shown(self.run_plaz(command, status=2).stderr, f'Try "{" ".join(["plaz", *name.split()])} --help"')
         for command in ("--help", "install --help", "--version", "help", "version"):
             with self.subTest(command):
                 self.run_plaz(command)
