@@ -132,6 +132,7 @@ void fillStore(Object& object, const HSCPlazQStore& store) {
         .text("catalog_revision", store.getItemCatalogRevision())
         .flag("multi_revision_supported", store.IsMultiRevisionSupported())
         .flag("is_product_specific", store.isProductSpecific())
+        .flag("is_listed", HubQueries::isListed(store))
         .number("item_count", static_cast<int>(summary.items))
         .number("installed_count", static_cast<int>(summary.installed));
 }
@@ -196,6 +197,7 @@ void fillRevision(Object& object, const HSCPlazRevisionModel& revision) {
 void fillAction(Object& object, const HSCPlazItemResult& result) {
     object.text("store", result.store).text("name", result.name).text("revision", result.revision);
     if (!result.previousRevision.empty()) object.text("previous_revision", result.previousRevision);
+    if (result.isPreviousKept) object.text("beside_revision", result.previousRevision);
     object.text("outcome", HSCPlazItemResult::nameOf(result.outcome)).text("local_directory", result.directory);
     if (!result.neededBy.empty()) object.text("needed_by", result.neededBy);
 }
@@ -208,6 +210,7 @@ void fillStep(Object& object, const HSCPlazPlannedStep& step) {
         .text("commit_id", step.commit);
     if (!step.previousRevision.empty())
         object.text("previous_revision", step.previousRevision).text("previous_commit_id", step.previousCommit);
+    if (!step.formerRevision.empty()) object.text("beside_revision", step.formerRevision);
     object.flag("asked_for", step.isAskedFor).text("needed_by", step.neededBy).text("local_directory", step.directory);
     if (!step.url.empty()) object.text("url", step.url);
     if (step.size) object.size("size", *step.size);

@@ -1,6 +1,7 @@
 #include "TextOutput.h"
 
 #include "HubParams.h"
+#include "HubQueries.h"
 #include "ItemReasons.h"
 #include "ItemReference.h"
 #include "StoreSummary.h"
@@ -69,16 +70,40 @@ std::string offerOf(const ListedItem& listed) {
     return listed.offered + (listed.offered == listed.item->getRevision() ? " again" : "");
 }
 
+/// Where a store's catalog comes from.
+std::string sourceOf(const HSCPlazQStore& store) {
+    if (!HubQueries::isListed(store)) return "(no longer offered; what is installed stays)";
+    return HSCPlazTrust::maskSecrets(store.getUrl());
+}
+
 void addField(TextTable& table, const std::string& name, const std::string& value) {
     if (!value.empty()) table.addRow({name, value});
 }
 
+/// Of an update, the revision before it.
+std::string formerOf(const std::string& revision, bool isKept) {
+    return " (was " + revision + (isKept ? ", which stays)" : ")");
+}
+
 std::string whatOf(const HSCPlazPlannedStep& step) {
     const std::string what = ItemReference{step.store, step.name, step.revision}.toText();
+    if (!step.formerRevision.empty()) return what + formerOf(step.formerRevision, true);
     if (step.previousRevision.empty()) return what;
     const bool isSame = step.previousRevision == step.revision;
     const std::string was = isSame ? step.previousCommit.substr(0, shownCommit) : step.previousRevision;
     return what + (isSame ? " " + step.commit.substr(0, shownCommit) : "") + " (was " + was + ")";
+}
+
+/// As the result of the update calls it.
+const char* wordOf(const HSCPlazPlannedStep& step) {
+    return HSCPlazPlannedStep::nameOf(step.formerRevision.empty() ? step.kind : HSCPlazPlannedStep::Kind::update);
+}
+
+/// Without empty lines around it.
+std::string textOf(const std::string& changes) {
+    const std::size_t first = changes.find_first_not_of("\r\n");
+    const std::size_t last = changes.find_last_not_of(" \t\r\n");
+    return first == std::string::npos || last == std::string::npos ? "" : changes.substr(first, last + 1 - first);
 }
 
 std::string shownSize(std::uint64_t bytes) {
@@ -108,7 +133,7 @@ void TextOutput::showStores(const std::vector<HSCPlazQStore*>& stores) {
         const StoreSummary summary = StoreSummary::of(*store);
         table.addRow({store->getName(), store->getStoreType(), std::to_string(summary.items),
                       std::to_string(summary.installed), store->getDisplayName(),
-                      HSCPlazTrust::maskSecrets(store->getUrl())});
+                      sourceOf(*store)});
     }
     table.print(m_out);
 }
@@ -204,7 +229,7 @@ void TextOutput::showActions(const std::vector<HSCPlazItemResult>& results) {
     for (const HSCPlazItemResult& result : results) {
         std::string what = ItemReference{result.store, result.name, result.revision}.toText();
         if (!result.previousRevision.empty() && result.previousRevision != result.revision)
-            what += " (was " + result.previousRevision + ")";
+            what += formerOf(result.previousRevision, result.isPreviousKept);
         if (!result.neededBy.empty()) what += " (needed by " + result.neededBy + ")";
         table.addRow({HSCPlazItemResult::nameOf(result.outcome), what, result.directory});
     }
@@ -217,14 +242,14 @@ void TextOutput::showPlan(const std::vector<HSCPlazPlannedStep>& steps) {
     std::uint64_t coming = 0, going = 0;
     for (const HSCPlazPlannedStep& step : steps) {
         (step.isComing() ? coming : going) += step.size.value_or(0);
-        table.addRow({HSCPlazPlannedStep::nameOf(step.kind), whatOf(step), step.describeWhy(), sizeOf(step),
+        table.addRow({wordOf(step), whatOf(step), step.describeWhy(), sizeOf(step),
                       step.url.empty() ? "" : "from " + step.url});
     }
     table.print(m_out);
     for (const HSCPlazPlannedStep& step : steps)
-        if (!step.changes.empty())
+        if (const std::string changes = textOf(step.changes); !changes.empty())
             m_out << "\nChanges of " << HUTText::printable(whatOf(step)) << '\n'
-                  << HUTText::printable(step.changes, true) << '\n';
+                  << HUTText::printable(changes, true) << '\n';
     const auto count = [&](bool isComing) {
         return std::count_if(steps.begin(), steps.end(), [&](const HSCPlazPlannedStep& step) {
             return isComing ? step.isComing() : step.kind == HSCPlazPlannedStep::Kind::remove;
@@ -321,7 +346,7 @@ void TextOutput::showHub(const HubInForce& hub) {
     m_out << '\n';
     TextTable stores({"STORE", "OF", "URL"});
     for (const HSCPlazQStore* store : hub.stores)
-        stores.addRow({store->getName(), HubInForce::ownerOf(*store), HSCPlazTrust::maskSecrets(store->getUrl())});
+        stores.addRow({store->getName(), HubInForce::ownerOf(*store), sourceOf(*store)});
     for (const std::string& name : hub.hidden) stores.addRow({name, "yours, not used", ""});
     stores.print(m_out);
 }

@@ -164,6 +164,7 @@ HSCPlazItemResult HSCPlazTaskMgr::updateItem(HSCPlaz& hub, HSCPlazQItem& asked, 
     const HSCPlazQItem* latest = item.getStore() ? item.getStore()->getItem(item.getName()) : nullptr;
     HSCPlazItemResult result = resultOf(task, latest ? *latest : item, outcome);
     result.previousRevision = previous;
+    result.isPreviousKept = outcome == ItemOutcome::updated && latest != &item && item.IsInstalled();
     return result;
 }
 

@@ -12,6 +12,7 @@ inline constexpr MsgId<0> dataAccessOff{"@17-1557@"};
 inline constexpr MsgId<0> remoteAccessOff{"@17-1559@"};
 inline constexpr MsgId<1> dependencyInstallFailed{"@17-1560@%s"}; ///< item
 inline constexpr MsgId<1> itemInstallFailed{"@17-1567@%s"};       ///< display name
+inline constexpr MsgId<1> itemNotPlanned{"@17-2291@%s"};          ///< display name
 inline constexpr MsgId<1> itemHeld{"@17-1568@%s"};                ///< display name
 inline constexpr MsgId<0> hubMetadataMissing{"@17-1569@"};
 inline constexpr MsgId<2> itemInstalling{"@17-1570@%s%s"};     ///< display name, store URL
@@ -59,6 +60,9 @@ inline constexpr MsgId<1> storeMovedMeanwhile{"@17-2175@%s"};   ///< store
 inline constexpr MsgId<3> itemsLeftBehind{"@17-2176@%s%s%s"};   ///< store, directory, where to move it back to
 inline constexpr MsgId<1> placesNotSaved{"@17-2177@%s"};        ///< file
 inline constexpr MsgId<2> storeWithdrawn{"@17-2178@%s%s"};      ///< store, its area
+inline constexpr MsgId<3> ownStoreHeld{"@17-2292@%s%s%s"};      ///< store, its area, store
+inline constexpr MsgId<2> placeNotText{"@17-2293@%s%s"};        ///< store, directory
+inline constexpr MsgId<2> ownFilesLeft{"@17-2295@%s%s"};        ///< store, its area
 inline constexpr MsgId<2> textNotForTcl{"@17-2179@%s%s"};       ///< name, path or proxy, why
 inline constexpr MsgId<2> nameInSeveralStores{"@17-2285@%s%s"}; ///< name, references
 inline constexpr MsgId<2> dependencyTooDeep{"@17-2286@%s%s"};   ///< item, how many

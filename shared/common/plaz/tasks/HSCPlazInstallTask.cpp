@@ -57,10 +57,10 @@ bool HSCPlazInstallTask::install(HSCPlazTask& task, HSCPlazItemSteps& steps, con
     const HSCPlazFoundItem found = Walk::find(task.getHub(), &asked);
     if (found && !HSCPlazDependencies::isToBeHad(found))
         task.fail(Msg::itemWithdrawn, asked.getStoreName(), Files::shownName(asked));
-    if (!HSCPlazDependencies::isToBeHad(found)) return task.fail(Msg::itemInstallFailed, Files::shownName(asked));
+    if (!HSCPlazDependencies::isToBeHad(found)) return Files::failInstallation(task, asked);
     if (mode == Mode::user && !HSCPlazUserHolds::requireNoOlderHeld(task, found)) return false;
     const bool isThere = !task.getOptions().isReinstallation && steps.areThere(*found.item);
     if (!isThere && task.isCancelled()) return false;
     const bool isDone = isThere ? completeInstalled(task, steps, found) : installFiles(task, steps, found, mode);
-    return isDone || task.fail(Msg::itemInstallFailed, Files::shownName(*found.item));
+    return isDone || Files::failInstallation(task, *found.item);
 }

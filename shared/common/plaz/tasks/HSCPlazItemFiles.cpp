@@ -152,6 +152,10 @@ std::string HSCPlazItemFiles::referenceOf(const HSCPlazQItem& item) {
     return item.getStoreName() + "::" + item.getName() + (revision.empty() ? "" : "@" + revision);
 }
 
+bool HSCPlazItemFiles::failInstallation(HSCPlazTask& task, const HSCPlazQItem& item) {
+    return task.fail(task.getOptions().plan ? Msg::itemNotPlanned : Msg::itemInstallFailed, shownName(item));
+}
+
 std::string HSCPlazItemFiles::joinHolders(const HSCPlaz& hub, const HSCPlazQItem& item) {
     constexpr std::size_t shownHolders = 10;
     std::string text;

@@ -18,6 +18,9 @@ std::string shownName(const HSCPlazQItem& item);
 std::string referenceOf(const HSCPlazQItem& item);
 /// Who needs an installed item, for people: "boards::aurora@2.0, tools::kit". Empty when nobody does.
 std::string joinHolders(const HSCPlaz& hub, const HSCPlazQItem& item);
+/// Tells that an item is not installed completely (Msg::itemInstallFailed), or would not be (Msg::itemNotPlanned).
+/// @return false
+bool failInstallation(HSCPlazTask& task, const HSCPlazQItem& item);
 /// Where the item is, or is to be, installed; empty where its names may not be used.
 std::string directoryOf(const HSCPlazWorkspace& workspace, const HSCPlazFoundItem& found);
 

@@ -1,6 +1,7 @@
 #include "plaz/tasks/HSCPlazPlan.h"
 
 #include "plaz/model/HSCPlaz.h"
+#include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQItemModel.h"
 #include "plaz/store/HSCPlazHolds.h"
 
@@ -57,4 +58,11 @@ HSCPlazPlan::~HSCPlazPlan() {
 
 void HSCPlazPlan::keep(HSCPlazQItemModel& item) {
     m_before.emplace(&item, item);
+}
+
+void HSCPlazPlan::noteFormer(const HSCPlazQItem& item, const std::string& revision) {
+    for (HSCPlazPlannedStep& step : m_steps)
+        if (step.kind == HSCPlazPlannedStep::Kind::install && step.store == item.getStoreName() &&
+            step.name == item.getName() && step.revision == item.getRevision())
+            step.formerRevision = revision;
 }

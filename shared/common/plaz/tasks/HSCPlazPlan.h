@@ -34,6 +34,7 @@ struct PLAZ_API HSCPlazPlannedStep {
     std::string commit = {};
     std::string previousRevision = {}; ///< of an update: what it takes the place of
     std::string previousCommit = {};
+    std::string formerRevision = {}; ///< of an update: what it comes beside
     bool isAskedFor = false;
     std::string neededBy = {};  ///< for people: "boards::aurora@2.0, tools::kit"; empty where nobody needs it
     std::string directory = {}; ///< where its files are, or will be
@@ -64,6 +65,8 @@ public:
     HSCPlazPlan& operator=(const HSCPlazPlan&) = delete;
 
     const std::vector<HSCPlazPlannedStep>& getSteps() const { return m_steps; }
+    /// Says of an item that is to be installed that it is an update, beside a revision that stays.
+    void noteFormer(const HSCPlazQItem& item, const std::string& revision);
 
 private:
     friend class HSCPlazPlannedChanges;

@@ -36,6 +36,7 @@ struct PLAZ_API HSCPlazItemResult {
     Outcome outcome;
     HSCPlazReport report; ///< all that was told; its first error is the reason of a failure
     std::string neededBy; ///< why an item was not removed, for people: "boards::aurora@2.0, tools::kit"
+    bool isPreviousKept = false; ///< of an update: the revision before stays installed beside the new one
 
     /// That an item as it is now has come to @p outcome.
     static HSCPlazItemResult of(const HSCPlazQItem& item, Outcome outcome);

@@ -11,6 +11,7 @@
 #include "plaz/tasks/HSCPlazInstallTask.h"
 #include "plaz/tasks/HSCPlazItemFiles.h"
 #include "plaz/tasks/HSCPlazItemSteps.h"
+#include "plaz/tasks/HSCPlazPlan.h"
 #include "plaz/tasks/HSCPlazRepairTask.h"
 #include "plaz/tasks/HSCPlazTask.h"
 #include "plaz/tasks/HSCPlazUserHolds.h"
@@ -33,7 +34,7 @@ bool fetchAgain(HSCPlazTask& task, HSCPlazItemSteps& steps, HSCPlazQItem& item) 
     task.show("Updating", Files::shownName(item), 0);
     const bool isDone =
         steps.fetch({item.getStore(), &item}, modeAfter(item), true) && Walk(task, steps, item).installMissing(item);
-    if (!isDone) return task.fail(Msg::itemInstallFailed, Files::shownName(item));
+    if (!isDone) return Files::failInstallation(task, item);
     const bool areGone = steps.removeUnneeded();
     task.tellNews(Msg::itemFetchedAgain, Files::shownName(item));
     return areGone;
@@ -46,7 +47,15 @@ bool complete(HSCPlazTask& task, HSCPlazItemSteps& steps, HSCPlazQItem& item) {
     const bool isDone = (isThere ? HSCPlazRepairTask::restoreLost(task, steps, found, false)
                                  : steps.fetch(found, modeAfter(item), true)) &&
                         Walk(task, steps, item).installMissing(item);
-    return isDone || task.fail(Msg::itemInstallFailed, Files::shownName(item));
+    return isDone || Files::failInstallation(task, item);
+}
+
+bool installLatest(HSCPlazTask& task, HSCPlazItemSteps& steps, HSCPlazQItem& item) {
+    HSCPlazQItem& latest = *item.getStore()->getItem(item.getName());
+    if (!HSCPlazInstallTask::install(task, steps, latest, modeAfter(item))) return false;
+    if (!item.IsInstalled()) return true; // the new one has taken its place
+    if (HSCPlazPlan* plan = task.getOptions().plan) plan->noteFormer(latest, item.getRevision());
+    return complete(task, steps, item);
 }
 
 } // namespace
@@ -64,8 +73,7 @@ Outcome HSCPlazUpdateTask::update(HSCPlazTask& task, HSCPlazItemSteps& steps, HS
     case Step::fetchAgain:
         return outcomeOf(fetchAgain(task, steps, item));
     case Step::installLatest:
-        return outcomeOf(
-            HSCPlazInstallTask::install(task, steps, *item.getStore()->getItem(item.getName()), modeAfter(item)));
+        return outcomeOf(installLatest(task, steps, item));
     case Step::none:
         break;
     }

@@ -195,13 +195,14 @@ class Model:
         item = self.find_server(*key)
         if not item:
             return False
-        fact, latest = self.installed[item], self.find_offer(*item[:2], "")
+        former, fact, latest = item, self.installed[item], self.find_offer(*item[:2], "")
         is_new = bool(latest) and latest not in self.installed and fact.mode == "user"
         if latest and (latest[0] == ONE or latest == item or is_new):
             item, fact = latest, self.installed.get(latest, fact._replace(commit=""))
             if fact.commit != self.catalogs[item[0]][item[1]].commits[item[2]] and not self.put(item, fact.mode):
                 return False
-        return self.complete(item, is_new)
+        stays = former != item and former in self.installed
+        return self.complete(item, is_new) and (not stays or self.complete(former, False))
 
     def update_all(self):
         names = [(store, name) for store, catalog in self.catalogs.items() for name in catalog]
