@@ -351,10 +351,17 @@ class ShellTest(HubTest):
         self.expect("hub", "hub qstores: name of", "boards hub", "mine hub")
         self.run_plaz("hub unset")
         self.expect("hub", "hub qstores: name of", "mine yours")
-        self.run_plaz("hub remove-store mine")
+        self.check_shown(self.run_plaz("hub remove-store mine").stderr, "17-2292", never=["17-2178"])
+        self.check_shown(self.run_plaz("stores").stdout, "no longer offered")
         self.expect("hub", "hub qstores: name of", "mine nobody")
         self.expect("items --installed", "items: store name", "mine string-kit")
         self.run_plaz("hub remove-store mine", status=1)
+        for kind, folder in ("", "ced_store_lab"), (" --type board", "board_store_lab"):
+            self.run_plaz(f"hub add-store lab {tcl} --metadata-file tcl_store.json{kind}")
+            area = self.home / "2024.2/plaz" / folder
+            self.check(folder, (area / "scripts_catalog.json").exists(), True)
+            self.run_plaz("hub remove-store lab")
+            self.check("gone", area.exists(), False)
 
     def test_a_hub_that_cannot_be_used_is_no_empty_one(self):
         """Catches: success where nobody knows which stores there are, and no way back from there."""

@@ -153,6 +153,15 @@ bool HSCPlazRepoInfoMgr::addDefaultFolders(const Records& folders, HSCPlazReport
     return content.defaults.size() == m_content.defaults.size() || replace(std::move(content));
 }
 
+bool HSCPlazRepoInfoMgr::removeDefaultFolder(const std::string& storeName, HSCPlazReport& report) {
+    readAgain(report);
+    Content content = m_content;
+    const auto known = findStore(content.defaults, storeName);
+    if (known == content.defaults.end()) return true;
+    content.defaults.erase(known);
+    return replace(std::move(content));
+}
+
 std::string HSCPlazRepoInfoMgr::findMovedStore(HSCPlazReport& report) {
     if (!m_read || (!m_unreadable && m_stamp == HUTFile::getStamp(m_file))) return "";
     HSCPlazRepoInfoMgr today(m_file);

@@ -14,6 +14,7 @@
 #include "plaz/tasks/HSCPlazItemChanges.h"
 #include "plaz/tasks/HSCPlazStoreCatalog.h"
 #include "plaz/tasks/HSCPlazTask.h"
+#include "support/HUTText.h"
 
 using HSCPlazDebugLog::inside;
 
@@ -70,6 +71,7 @@ bool HSCPlazMoveStoreTask::move(HSCPlazTask& task, HSCPlazItemChanges& changes, 
     inside(moveName, " store - ", store.getName(), " local_root_dir - ", dir);
     // Nothing would be left to list it by, and it could not be brought back.
     if (!store.getModel()->isOffered()) return task.fail(Msg::storeWithdrawn, store.getName(), store.getLocalRootDir());
+    if (!HUTText::isUtf8(dir)) return task.fail(Msg::placeNotText, store.getName(), dir);
     HSCPlazWorkspace& workspace = task.getWorkspace();
     const HSCPlazPlaces places(workspace);
     const bool goesHome = isSameName(dir, places.getDefaultPlace(*store.getModel()));

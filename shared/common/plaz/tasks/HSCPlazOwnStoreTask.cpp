@@ -4,6 +4,7 @@
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/repo/git/HSCPlazGitCatalog.h"
 #include "plaz/model/repo/git/HSCPlazGitCredentials.h"
+#include "plaz/store/HSCPlazCatalogLoader.h"
 #include "plaz/store/HSCPlazHubBuilder.h"
 #include "plaz/store/HSCPlazOwnStores.h"
 #include "plaz/store/HSCPlazPlaces.h"
@@ -18,6 +19,7 @@
 #include <algorithm>
 
 namespace Catalog = HSCPlazStoreCatalog;
+using Layout = HSCPlazStoreLayout;
 
 namespace {
 
@@ -99,6 +101,13 @@ bool complete(HSCPlazTask& task, HSCPlazModel& own, const HSCPlazQStoreModel& st
     return fetch(task, name);
 }
 
+/// Of a store that has left nothing there: another one of its name may be of another type.
+void forgetFolder(HSCPlazTask& task, const std::string& name) {
+    HSCPlazReport report;
+    task.getWorkspace().places.removeDefaultFolder(name, report);
+    task.mention(report);
+}
+
 /// What cannot be completed leaves nothing where nothing was.
 bool completeOrClear(HSCPlazTask& task, HSCPlazModel& own, const std::string& name) {
     HSCPlazQStoreModel& store = *task.getWorkspace().hubModel->findStore(name);
@@ -108,8 +117,10 @@ bool completeOrClear(HSCPlazTask& task, HSCPlazModel& own, const std::string& na
     const std::string area = store.getLocalRootDir();
     const bool wasThere = HUTFile::exists(area);
     const bool isComplete = task.guard([&] { return complete(task, own, store, name); });
-    if (!isComplete && !wasThere && !area.empty()) HUTFile::rmRecursive(area);
-    return isComplete;
+    if (isComplete || wasThere) return isComplete;
+    if (!area.empty()) HUTFile::rmRecursive(area);
+    forgetFolder(task, name);
+    return false;
 }
 
 std::unique_ptr<HSCPlazModel> without(const HSCPlazModel& own, const std::string& name) {
@@ -117,6 +128,33 @@ std::unique_ptr<HSCPlazModel> without(const HSCPlazModel& own, const std::string
     for (const auto& store : own.getStores())
         if (store->getName() != name) rest->addStore(store);
     return rest;
+}
+
+/// Removes what the hub has fetched and made of a store from which nothing is installed. Other files are somebody's.
+void clear(HSCPlazTask& task, const HSCPlazQStoreModel& store, const Layout& layout) {
+    if (!HUTFile::isDirectory(layout.getArea())) return;
+    if (layout.findLink().empty()) {
+        Layout::unmark(layout.getArea());
+        for (const std::string& name : {store.getCatalogFile(), store.getMetadataFile()})
+            if (HSCPlazTrust::isSafeRelativePath(name)) HUTFile::rmRecursive(layout.getArea() + "/" + name);
+        for (const std::string& dir : {layout.getStaging(), layout.getHiddenDir()}) HUTFile::rmRecursive(dir);
+        if (HUTFile::createFileIter(layout.getArea()).empty()) HUTFile::rmRecursive(layout.getArea());
+    }
+    if (HUTFile::exists(layout.getArea()))
+        task.tellNews(Msg::ownFilesLeft, store.getName(), layout.getArea());
+    else
+        forgetFolder(task, store.getName());
+}
+
+/// The user's store of that name; null where the hub's own is used instead.
+std::shared_ptr<HSCPlazQStoreModel> findInForce(const HSCPlazTask& task, const std::string& name) {
+    for (const auto& store : task.getWorkspace().hubModel->getStores())
+        if (store->getName() == name && store->isUserRepository()) return store;
+    return nullptr;
+}
+
+bool isRecordKnown(const HSCPlazTask& task, const Layout& layout) {
+    return !task.getWorkspace().databases.isUnreadable(layout.getDatabase());
 }
 
 } // namespace
@@ -138,9 +176,19 @@ bool HSCPlazOwnStoreTask::remove(HSCPlazTask& task, const std::string& name) {
     const auto own = readOwn(task);
     if (!own) return false;
     if (!own->findStore(name)) return task.fail(Msg::storeNotOwn, name);
-    const std::vector<Catalog::Holding> holdings = Catalog::findHoldings(task);
+    const auto store = findInForce(task, name);
+    const bool isHeld = store && Catalog::holdsSomething(*store);
+    const Layout layout = store ? task.getWorkspace().paths.getStoreLayout(*store) : Layout();
+    std::vector<Catalog::Holding> holdings = Catalog::findHoldings(task);
+    if (isHeld)
+        holdings.erase(std::remove_if(holdings.begin(), holdings.end(), [&](auto& one) { return one.store == name; }),
+                       holdings.end());
     if (!putInForce(task, *without(*own, name))) return false;
     Catalog::tellWithdrawn(task, holdings);
+    if (isHeld)
+        task.tellNews(Msg::ownStoreHeld, name, layout.getArea(), name);
+    else if (store && HSCPlazCatalogLoader::hasOwnArea(*store) && isRecordKnown(task, layout))
+        clear(task, *store, layout);
     task.tellNews(Msg::storeTakenAway, name);
     return true;
 }
