@@ -1,6 +1,7 @@
 // Git and what it takes to reach a remote.
 
 #include "DoctorChecks.h"
+#include "UserSettings.h"
 
 #include "plaz/HSCPlazInspection.h"
 #include "plaz/base/HSCPlazNames.h"
@@ -130,11 +131,12 @@ std::vector<Finding> doctor::checkSwitches() {
     std::vector<Finding> findings;
     for (const Switch& one : switches)
         if (!params.getValueAsBool(one.param))
-            findings.push_back(
-                problem("parameter " + std::string(one.param), std::string("false: ") + one.effect, "Set it to true."));
+            findings.push_back(problem("parameter " + std::string(one.param), std::string("false: ") + one.effect,
+                                       adviseValue(*params.findParam(one.param), "true")));
     if (!params.getValueAsBool("plaz.enableCertificateCheck"))
         findings.push_back(warning("parameter plaz.enableCertificateCheck",
-                                   "false: whoever poses as a server is believed", "Set it to true."));
+                                   "false: whoever poses as a server is believed",
+                                   adviseValue(*params.findParam("plaz.enableCertificateCheck"), "true")));
     const std::string authorities = params.getValueAsString("plaz.certificateFile");
     if (!authorities.empty() && countCertificates(authorities) == 0)
         findings.push_back(problem("parameter plaz.certificateFile",

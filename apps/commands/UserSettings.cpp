@@ -104,3 +104,11 @@ const char* sourceOf(const HPAParam& param) {
     }
     return "default";
 }
+
+std::string adviseValue(const HPAParam& param, const std::string& value) {
+    if (param.getSource() == HPAParam::Source::environment)
+        return "Unset the variable " + param.getVariable() + ", or set it to " + value + ".";
+    if (param.getSource() == HPAParam::Source::session)
+        return "Leave its --set out, or have it say " + param.getName() + "=" + value + ".";
+    return "Set it: plaz set " + param.getName() + " " + value;
+}

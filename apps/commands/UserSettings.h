@@ -24,3 +24,5 @@ void forgetSetting(const HPAParam& param);
 bool tellsSecret(const HPAParam& param, const std::string& value);
 /// What chose the parameter's value: "default", "user", "environment", "command line".
 const char* sourceOf(const HPAParam& param);
+/// How the parameter comes to have the value, given what chose the one that it has.
+std::string adviseValue(const HPAParam& param, const std::string& value);

@@ -62,6 +62,16 @@ class InspectionTest(HubTest):
                 self.assertEqual("right to read" in json.dumps(checks), name == "record")
                 self.assertEqual("Debian" in json.dumps(checks), name in ("no git", "preference"))
                 self.assertEqual(sorted(self.dir.rglob("*")), before)
+        ways = {
+            "variable PLAZ_ENABLEREMOTEACCESS": ("doctor", {"PLAZ_ENABLEREMOTEACCESS": "no"}),
+            "--set": (f"doctor --set {switch}=false", {}),
+            f"plaz set {switch} true": ("doctor", {}),
+        }
+        self.run_plaz(f"set {switch} false")
+        for way, (command, env) in ways.items():
+            advice = [c["advice"] for c in self.run_json(command, 1, **env)["checks"] if c["subject"].endswith(switch)]
+            self.check(way, way in advice[0], True)
+        self.run_plaz(f"unset {switch}")
         last = self.run_plaz("doctor --quiet").stdout
         self.assertRegex(last, r"^\d+ checks: \d+ ok, 0 with a warning, 0 with a problem\n$")
 
