@@ -44,6 +44,7 @@ inline constexpr MsgId<2> urlHoldsLogin{"@17-2337@%s%s"};      ///< store, URL
 inline constexpr MsgId<0> nothingPlanned{"@17-2288@"};
 inline constexpr MsgId<1> isInstalled{"@17-2289@%s"};         ///< reference of an item
 inline constexpr MsgId<1> nothingInTheWay{"@17-2290@%s"};     ///< reference of an item
+inline constexpr MsgId<1> installBrings{"@17-2294@%s"};       ///< reference of an item
 inline constexpr MsgId<2> storeItemsUnknown{"@17-2339@%s%s"}; ///< store, store
 inline constexpr MsgId<0> doctorKnows{"@17-2366@"};
 inline constexpr MsgId<0> hubEmpty{"@17-2336@"};

@@ -106,7 +106,10 @@ int Program::runComplete() {
     WordCompletion completion = m_options.completion;
     const bool isKnown =
         completion.kind == Kind::words || completion.kind == Kind::file || completion.kind == Kind::directory;
-    if (!isKnown) completion.words = findWords(HSCPlazMgr::getInstance().getHub(), completion);
+    try {
+        if (!isKnown) completion.words = findWords(HSCPlazMgr::getInstance().getHub(), completion);
+    } catch (const HEXAll&) { // of a file that cannot be read nothing is offered
+    }
     std::vector<Word>& words = completion.words;
     if (completion.kind != Kind::entry)
         std::sort(words.begin(), words.end(), [](const Word& a, const Word& b) { return a.text < b.text; });

@@ -1,9 +1,11 @@
+#include "Failure.h"
 #include "ItemReasons.h"
 #include "ItemReference.h"
 #include "Program.h"
 #include "ShellMsg.h"
 
 #include "plaz/HSCPlazTaskMgr.h"
+#include "plaz/base/HSCPlazMsg.h"
 #include "plaz/model/HSCPlaz.h"
 #include "plaz/model/HSCPlazQItem.h"
 #include "plaz/model/HSCPlazQStore.h"
@@ -23,10 +25,16 @@ int Program::show(const PlanResult& result) {
 
 int Program::runWhy() {
     HSCPlaz& hub = getHub();
-    HSCPlazQItem& item =
-        HubQueries(hub).resolveInstalled(*ItemReference::parse(m_options.items.front()), m_options.store);
-    m_output->showReason(ItemReason::of(hub, item));
-    return exitStatus::done;
+    const ItemReference wanted = *ItemReference::parse(m_options.items.front());
+    try {
+        m_output->showReason(ItemReason::of(hub, HubQueries(hub).resolveInstalled(wanted, m_options.store)));
+        return exitStatus::done;
+    } catch (const HEXAll& failure) {
+        fail(failure.getMsg());
+        if (failure.getMsg().getId() == messageOf(Msg::itemNotInstalled, "").getId())
+            ComMsgMgr::send(ShellMsg::installBrings, MsgSeverity::info, wanted.toText());
+        return exitStatus::failed;
+    }
 }
 
 namespace {

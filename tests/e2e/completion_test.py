@@ -35,7 +35,7 @@ class CompletionTest(HubTest):
         """@return what may stand behind the command; nothing else may be said"""
         env = {**self.env, "PLAZ_ENABLELOG": "true"}
         result = run(PLAZ, "complete", "plaz", *command.split(), "", cwd=self.dir, env=env)
-        self.check(command, result.stderr, "")
+        self.check(command, (result.stderr, result.returncode), ("", 0))
         return result.stdout
 
     def test_offers_what_is_there(self):

@@ -98,10 +98,13 @@ bool HSCPlazHistory::beginCommand(const std::string& text) {
 bool HSCPlazHistory::beginUndo(int number, const HSCPlazInstalledFacts& now) {
     Content content = m_content;
     addUnrecorded(content, now, now);
-    m_command.undone = number;
-    m_command.text = "undo " + std::to_string(number);
-    content.pending = m_command;
-    return write(std::move(content));
+    Command undo = m_command;
+    undo.undone = number;
+    undo.text = "undo " + std::to_string(number);
+    content.pending = undo;
+    if (!write(std::move(content))) return false; // then it is none, of which the task's end would have to tell
+    m_command = undo;
+    return true;
 }
 
 int HSCPlazHistory::add(Content& content, const Command& command, Changes changes) {
