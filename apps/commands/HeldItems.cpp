@@ -22,7 +22,7 @@ std::vector<HSCPlazQItem*> entriesOf(const HSCPlaz& hub, const HSCPlazItemName& 
 
 } // namespace
 
-HSCPlazItemName HubQueries::resolveHeld(const ItemReference& reference, const std::string& store) const {
+HSCPlazRevisionName HubQueries::resolveHeld(const ItemReference& reference, const std::string& store) const {
     const std::string& scope = store.empty() ? reference.store : store;
     std::vector<HSCPlazItemName> found;
     std::string candidates;
@@ -33,7 +33,7 @@ HSCPlazItemName HubQueries::resolveHeld(const ItemReference& reference, const st
     }
     if (found.empty()) failWith(Msg::itemNotHeld, toText({scope, reference.name}));
     if (found.size() > 1) failWith(ShellMsg::itemAmbiguous, reference.toText(), candidates);
-    return found.front();
+    return {found.front().first, found.front().second, reference.revision};
 }
 
 std::vector<HSCPlazQItem*> HubQueries::findHeld() const {

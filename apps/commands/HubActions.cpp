@@ -172,12 +172,12 @@ ItemsResult HubActions::hold(const Items& items) const {
     return doEach(items, [&](HSCPlazQItem& item) { return HSCPlazTaskMgr::holdItem(m_hub, item, &m_status); });
 }
 
-ItemsResult HubActions::unhold(const std::vector<HSCPlazItemName>& names) const {
-    std::vector<const HSCPlazItemName*> subjects;
+ItemsResult HubActions::unhold(const std::vector<HSCPlazRevisionName>& names) const {
+    std::vector<const HSCPlazRevisionName*> subjects;
     std::string text = "unhold";
-    for (const HSCPlazItemName& name : names) {
+    for (const HSCPlazRevisionName& name : names) {
         subjects.push_back(&name);
-        text += " " + name.first + "::" + name.second;
+        text += " " + name.toText();
     }
     const HSCPlazCommand command(text);
     return doEach(subjects, [&](const auto& name) { return HSCPlazTaskMgr::unholdItem(m_hub, name, &m_status); });

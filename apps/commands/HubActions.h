@@ -2,6 +2,7 @@
 
 #include "Failure.h"
 
+#include "plaz/model/HSCPlazHistoryEntry.h"
 #include "plaz/tasks/HSCPlazPlan.h"
 #include "plaz/tasks/HSCPlazTaskOptions.h"
 #include "plaz/tasks/HSCPlazTaskResult.h"
@@ -66,7 +67,7 @@ public:
     ItemsResult uninstall(const std::vector<HSCPlazQItem*>& items) const;
     /// Has installed items stay in their revision, and lets them change again.
     ItemsResult hold(const std::vector<HSCPlazQItem*>& items) const;
-    ItemsResult unhold(const std::vector<HSCPlazItemName>& names) const;
+    ItemsResult unhold(const std::vector<HSCPlazRevisionName>& names) const;
     /// Takes back what a command has changed. @param number  of the entry in the history; 0 for the newest
     ItemsResult undo(int number) const;
     /// What it would do; changes and asks as little as plan().

@@ -3,7 +3,7 @@
 #include "ItemQuery.h"
 #include "ItemReference.h"
 
-#include "plaz/tasks/HSCPlazTaskResult.h"
+#include "plaz/model/HSCPlazHistoryEntry.h"
 #include "support/ComMsgMgr.h"
 
 #include <functional>
@@ -124,9 +124,9 @@ public:
     /// @throws HEXAll Msg::databaseUnreadable, recordAway where it is not known what is installed; heldUnknown
     std::vector<HSCPlazQItem*> findOutdated() const;
 
-    /// The items that the user holds in their revision and that a reference means: one.
+    /// The one item that the user holds and that a reference means, in the revision that this names.
     /// @throws HEXAll Msg::itemNotHeld, or ShellMsg::itemAmbiguous where it means several
-    HSCPlazItemName resolveHeld(const ItemReference& reference, const std::string& store) const;
+    HSCPlazRevisionName resolveHeld(const ItemReference& reference, const std::string& store) const;
     /// Of what the user holds in its revision, what is installed; the rest is told (ShellMsg::heldNotInstalled).
     std::vector<HSCPlazQItem*> findHeld() const;
     /// One line for each of these items.

@@ -231,13 +231,15 @@ py::list hold(const py::object& items, const OptionalText& store) {
 py::list unhold(const py::object& items, const OptionalText& store) {
     const std::vector<NamedItem> named = readItems(listNamed(items));
     return callHub([&](Call& call) {
-        std::vector<HSCPlazItemName> names;
+        std::vector<HSCPlazRevisionName> names;
         for (const NamedItem& one : named) {
-            const auto* object = std::get_if<const ItemHandle*>(&one);
-            names.push_back(
-                object
-                    ? HSCPlazItemName{(*object)->get().getStoreName(), (*object)->get().getName()}
-                    : HubQueries(call.getHub()).resolveHeld(std::get<ItemReference>(one), store ? store->value : ""));
+            if (const auto* object = std::get_if<const ItemHandle*>(&one)) {
+                const HSCPlazQItem& item = (*object)->get();
+                names.push_back({item.getStoreName(), item.getName(), item.getRevision()});
+            } else {
+                names.push_back(
+                    HubQueries(call.getHub()).resolveHeld(std::get<ItemReference>(one), store ? store->value : ""));
+            }
         }
         return answer(call, makeActions(call).unhold(names));
     });

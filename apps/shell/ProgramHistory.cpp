@@ -27,7 +27,7 @@ int Program::runUndo() {
 
 int Program::runUnhold() {
     const HubQueries queries(getHub());
-    std::vector<HSCPlazItemName> names;
+    std::vector<HSCPlazRevisionName> names;
     for (const std::string& text : m_options.items)
         names.push_back(queries.resolveHeld(*ItemReference::parse(text), m_options.store));
     return show(makeActions().unhold(names));

@@ -194,11 +194,12 @@ Tcl_Obj* hold(const TclCall& call) {
 }
 
 Tcl_Obj* unhold(const TclCall& call) {
-    std::vector<HSCPlazItemName> names;
+    std::vector<HSCPlazRevisionName> names;
     for (const Meant& meant : readItems(call)) {
         if (meant.store) requireItem(meant);
-        names.push_back(meant.item ? HSCPlazItemName{meant.item->getStoreName(), meant.item->getName()}
-                                   : HubQueries(requireHub()).resolveHeld(requireReference(meant.getText()), ""));
+        const HSCPlazQItem* item = meant.item;
+        names.push_back(item ? HSCPlazRevisionName{item->getStoreName(), item->getName(), item->getRevision()}
+                             : HubQueries(requireHub()).resolveHeld(requireReference(meant.getText()), ""));
     }
     if (names.empty()) failWith(ShellMsg::nothingNamed);
     return answer(call, makeActions(call).unhold(names));

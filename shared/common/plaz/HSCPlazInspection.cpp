@@ -118,7 +118,7 @@ std::set<HSCPlazItemName> HSCPlazInspection::findHeld() {
     const HSCPlazHeldItems::Items& held = workspace().held.read(problem);
     if (const ComMsgMgrInstance* unknown = problem.findProblem()) throw HEXAll(*unknown);
     std::set<HSCPlazItemName> names;
-    for (const auto& [name, revision] : held) names.insert(name);
+    for (const HSCPlazRevisionName& one : held) names.insert({one.store, one.name});
     return names;
 }
 

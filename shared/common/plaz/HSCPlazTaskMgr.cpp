@@ -213,12 +213,12 @@ HSCPlazItemResult HSCPlazTaskMgr::holdItem(HSCPlaz& hub, HSCPlazQItem& item, HDG
     return resultOf(task, HSCPlazDependencies::findCurrent(item), isDone ? ItemOutcome::held : ItemOutcome::failed);
 }
 
-HSCPlazItemResult HSCPlazTaskMgr::unholdItem(HSCPlaz& hub, const HSCPlazItemName& item, HDGUIStatus* status) {
-    const HSCPlazCommand command("unhold " + item.first + "::" + item.second);
+HSCPlazItemResult HSCPlazTaskMgr::unholdItem(HSCPlaz& hub, const HSCPlazRevisionName& item, HDGUIStatus* status) {
+    const HSCPlazCommand command("unhold " + item.toText());
     HSCPlazTask task(workspace(), hub, status);
     const bool isDone = carryOut(task, [&](Changes&) { return HSCPlazUserHolds::release(task, item); });
     HSCPlazItemResult result{
-        item.first, item.second, {}, {}, {}, isDone ? ItemOutcome::unheld : ItemOutcome::failed, task.getReport(), {}};
+        item.store, item.name, {}, {}, {}, isDone ? ItemOutcome::unheld : ItemOutcome::failed, task.getReport(), {}};
     return result;
 }
 

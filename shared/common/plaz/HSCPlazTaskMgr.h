@@ -2,6 +2,7 @@
 
 #include "plaz/base/HSCPlazUpdateCheck.h"
 #include "plaz/base/PlazExport.h"
+#include "plaz/model/HSCPlazHistoryEntry.h"
 #include "plaz/tasks/HSCPlazTaskOptions.h"
 #include "plaz/tasks/HSCPlazTaskResult.h"
 
@@ -119,11 +120,12 @@ public:
     static HSCPlazUndoResult undo(HSCPlaz& hub, int number, HSCPlazTaskOptions options, HDGUIStatus* status);
     /// Has an installed item stay in the revision, and at the commit, that it is in, until unholdItem(): updates and
     /// installations that would change that, or bring a newer revision beside it that nothing needs, are refused
-    /// (Msg::itemIsHeld). It can be uninstalled, and is held no more then. Holding what is held changes nothing. Sends Msg::itemNotInstalled,
-    /// heldUnknown or heldNotSaved where that fails.
+    /// (Msg::itemIsHeld). It can be uninstalled, and is held no more then. Holding what is held changes nothing. Sends
+    /// Msg::itemNotInstalled, heldUnknown or heldNotSaved where that fails.
     static HSCPlazItemResult holdItem(HSCPlaz& hub, HSCPlazQItem& item, HDGUIStatus* status);
-    /// Sends Msg::itemNotHeld where it was not held. @param item  need not be installed, nor be the hub's
-    static HSCPlazItemResult unholdItem(HSCPlaz& hub, const HSCPlazItemName& item, HDGUIStatus* status);
+    /// Sends Msg::itemNotHeld where it was not held.
+    /// @param item  need not be installed, nor be the hub's; without a revision: whichever of its are held
+    static HSCPlazItemResult unholdItem(HSCPlaz& hub, const HSCPlazRevisionName& item, HDGUIStatus* status);
     /// Takes over what other processes have recorded since the hub was read, as each task does before it begins.
     static void takeOverRecords();
     /// Compares the files of an installed item with those of the commit that is recorded of it. Changes nothing and

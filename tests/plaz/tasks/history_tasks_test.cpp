@@ -121,8 +121,8 @@ TEST_F(HistoryTasksTest, UndoLeavesWhatWasBefore) {
     EXPECT_EQ(installed(), "");
 }
 
-// A hold that its history does not know, or that does not come back with its item; a revision held that is not the one;
-// what is held forgotten because its file is damaged.
+// A hold that its history does not know, or that does not come back with its item; a revision held that is not the one,
+// or held no more because another one is; what is held forgotten because its file is damaged.
 TEST_F(HistoryTasksTest, HoldsComeBack) {
     StoreOnDisk& shipped = files.addStore("tcl", "ced", true).item("a", "1").item("b", "1");
     files.ship();
@@ -133,6 +133,12 @@ TEST_F(HistoryTasksTest, HoldsComeBack) {
     takeIds();
     EXPECT_EQ(outcome(install("a")), "! 17-2342") << "it would come after the held one";
     ASSERT_TRUE(install("d")) << "which needs another revision, beside it";
+    EXPECT_TRUE(isHeld("1") && !isHeld("2"));
+    ASSERT_TRUE(HSCPlazTaskMgr::holdItem(hub(), *store().getItem("a", "2"), nullptr).isDone());
+    EXPECT_TRUE(isHeld("1") && isHeld("2"));
+    takeIds();
+    EXPECT_EQ(outcome(HSCPlazTaskMgr::unholdItem(hub(), {"tcl", "a", "3"}, nullptr).isDone()), "! 17-2343");
+    EXPECT_TRUE(undo());
     EXPECT_TRUE(isHeld("1") && !isHeld("2"));
     takeIds();
     EXPECT_EQ(outcome(undo(2)), "! 17-2353");
@@ -149,14 +155,15 @@ TEST_F(HistoryTasksTest, HoldsComeBack) {
     files.temp.write("appdata/2024.2/plaz/plaz_held.json", whole);
     EXPECT_TRUE(undo() && undo()) << "the installation of b, and the hold";
     EXPECT_FALSE(isHeld("1"));
-    EXPECT_TRUE(undo(9)) << "the undo of that";
+    EXPECT_TRUE(undo(11)) << "the undo of that";
     EXPECT_TRUE(isHeld("1"));
-    HSCPlazTaskMgr::unholdItem(hub(), {"tcl", "a"}, nullptr);
+    HSCPlazTaskMgr::unholdItem(hub(), {"tcl", "a", ""}, nullptr);
     EXPECT_EQ(told(), "install tcl::a: installed a@1\nhold tcl::a: held a@1\n"
                       "install tcl::d: installed as a dependency a@2 installed d@1\n"
-                      "undo 3: removed a@2 removed d@1\nuninstall tcl::a@1: removed a@1\nundo 5: installed a@1\n"
-                      "install tcl::b: installed b@1\nundo 7: removed b@1\nundo 2: held no more a@1\n"
-                      "undo 9: held a@1\nunhold tcl::a: held no more a@1\n");
+                      "hold tcl::a: held a@2\nundo 4: held no more a@2\n"
+                      "undo 3: removed a@2 removed d@1\nuninstall tcl::a@1: removed a@1\nundo 7: installed a@1\n"
+                      "install tcl::b: installed b@1\nundo 9: removed b@1\nundo 2: held no more a@1\n"
+                      "undo 11: held a@1\nunhold tcl::a: held no more a@1\n");
 }
 
 // What a killed process has changed lost, or told of the next command; a file that cannot be read overwritten, or a

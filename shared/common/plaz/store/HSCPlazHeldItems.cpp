@@ -20,6 +20,10 @@ bool isItem(const rapidjson::Value& item) {
     return item.IsObject() && isText(storeKey) && isText(Key::name);
 }
 
+bool isMeant(const HSCPlazRevisionName& one, const HSCPlazRevisionName& by) {
+    return one.isOfSameItem(by) && (one.revision.empty() || by.revision.empty() || one.revision == by.revision);
+}
+
 /// The list of items; null where something else stands in the file.
 const rapidjson::Value* findItems(const rapidjson::Document& document) {
     const rapidjson::Value* plaz = Json::FindObject(document, Key::plaz);
@@ -33,11 +37,11 @@ bool write(const std::string& file, const HSCPlazHeldItems::Items& held) {
     Json::AddStringProperty(document, plaz, Key::majorVersion, "1");
     Json::AddStringProperty(document, plaz, Key::minorVersion, "0");
     rapidjson::Value items(rapidjson::kArrayType);
-    for (const auto& [named, revision] : held) {
+    for (const HSCPlazRevisionName& one : held) {
         rapidjson::Value item(rapidjson::kObjectType);
-        Json::AddStringProperty(document, item, storeKey, named.first);
-        Json::AddStringProperty(document, item, Key::name, named.second);
-        Json::AddStringProperty(document, item, Key::revision, revision);
+        Json::AddStringProperty(document, item, storeKey, one.store);
+        Json::AddStringProperty(document, item, Key::name, one.name);
+        Json::AddStringProperty(document, item, Key::revision, one.revision);
         items.PushBack(item, document.GetAllocator());
     }
     Json::AddGenericValueProperty(document, plaz, Key::items, items);
@@ -69,26 +73,26 @@ void HSCPlazHeldItems::readFile() {
         m_damage = isJson ? "it holds no list of items" : Json::GetErrorMsgFromDocument(document);
     else
         for (const rapidjson::Value& item : items->GetArray())
-            m_items[{item[storeKey].GetString(), item[Key::name].GetString()}] =
-                Json::GetStringProperty(item, Key::revision);
+            m_items.insert({item[storeKey].GetString(), item[Key::name].GetString(),
+                            Json::GetStringProperty(item, Key::revision)});
 }
 
 bool HSCPlazHeldItems::isAmong(const Items& held, const HSCPlazRevisionName& item) {
-    if (held.empty()) return false;
-    const auto found = held.find({item.store, item.name});
-    return found != held.end() && (found->second.empty() || found->second == item.revision);
+    return std::any_of(held.begin(), held.end(), [&](const HSCPlazRevisionName& one) { return isMeant(one, item); });
 }
 
 void HSCPlazHeldItems::hold(const HSCPlazRevisionName& item, HSCPlazReport& problem) {
     Items items = read(problem);
     if (!m_damage.empty() || isAmong(items, item)) return;
-    items[{item.store, item.name}] = item.revision;
+    items.insert(item);
     replace(std::move(items), problem);
 }
 
-void HSCPlazHeldItems::release(const Item& item, HSCPlazReport& problem) {
-    Items items = read(problem);
-    if (m_damage.empty() && items.erase(item) != 0) replace(std::move(items), problem);
+void HSCPlazHeldItems::release(const HSCPlazRevisionName& item, HSCPlazReport& problem) {
+    Items items;
+    for (const HSCPlazRevisionName& one : read(problem))
+        if (!isMeant(one, item)) items.insert(one);
+    if (m_damage.empty() && items.size() != m_items.size()) replace(std::move(items), problem);
 }
 
 void HSCPlazHeldItems::replace(Items items, HSCPlazReport& problem) {

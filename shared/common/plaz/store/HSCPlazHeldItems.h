@@ -3,7 +3,7 @@
 #include "plaz/base/HSCPlazReport.h"
 #include "plaz/model/HSCPlazHistoryEntry.h"
 
-#include <map>
+#include <set>
 #include <string>
 #include <utility>
 
@@ -15,8 +15,7 @@
 /// used stays, and nobody knows what is held then.
 class HSCPlazHeldItems {
 public:
-    using Item = std::pair<std::string, std::string>; ///< store, name
-    using Items = std::map<Item, std::string>;        ///< with the revision; empty for whichever is there
+    using Items = std::set<HSCPlazRevisionName>; ///< an empty revision is whichever is there
 
     /// @param file  need not exist
     explicit HSCPlazHeldItems(std::string file) : m_file(std::move(file)) {}
@@ -24,11 +23,13 @@ public:
     const std::string& getFile() const { return m_file; }
     /// As the file has them now. @param problem  Msg::heldUnknown where it cannot be used
     const Items& read(HSCPlazReport& problem);
+    /// @param item  without a revision: is any of its held
     static bool isAmong(const Items& held, const HSCPlazRevisionName& item);
     /// Changes one of them, by whoever has the hub's lock.
     /// @param problem  Msg::heldUnknown or heldNotSaved where it failed; nothing has changed then
     void hold(const HSCPlazRevisionName& item, HSCPlazReport& problem);
-    void release(const Item& item, HSCPlazReport& problem);
+    /// @param item  without a revision: all of its
+    void release(const HSCPlazRevisionName& item, HSCPlazReport& problem);
 
 private:
     void readFile();

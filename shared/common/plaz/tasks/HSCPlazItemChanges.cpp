@@ -177,8 +177,9 @@ bool HSCPlazItemChanges::setMode(const HSCPlazFoundItem& found, Mode mode) {
 }
 
 bool HSCPlazItemChanges::setHeld(const HSCPlazFoundItem& found, bool isHeld) {
-    return isHeld ? HSCPlazUserHolds::hold(m_task, *found.item)
-                  : HSCPlazUserHolds::release(m_task, {found.store->getName(), found.item->getName()});
+    const HSCPlazQItem& item = *found.item;
+    return isHeld ? HSCPlazUserHolds::hold(m_task, item)
+                  : HSCPlazUserHolds::release(m_task, {found.store->getName(), item.getName(), item.getRevision()});
 }
 
 HSCPlazPendingChange HSCPlazItemChanges::toRemoval(const HSCPlazFoundItem& found, const std::string& dir) const {
@@ -276,8 +277,12 @@ bool HSCPlazItemChanges::record(const HSCPlazFoundItem& found, const HSCPlazPend
         restoreShipped(found);
     }
     if (!save(*found.store)) return false;
-    HSCPlazUserHolds::forgetGone(m_task, found);
+    if (!change.isInstalled) forgetHold(change);
     return true;
+}
+
+void HSCPlazItemChanges::forgetHold(const HSCPlazPendingChange& change) {
+    HSCPlazUserHolds::forgetGone(m_task, {change.store, change.item->getName(), change.item->getRevision()});
 }
 
 bool HSCPlazItemChanges::removeFormer(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change) {

@@ -69,6 +69,7 @@ private:
     /// Marks the item as installed. @return why it may not be recorded; empty when it may
     std::string apply(HSCPlazQStore& store, const HSCPlazQItemModel& record) const;
     bool record(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change);
+    void forgetHold(const HSCPlazPendingChange& change);
     /// What a recorded change has left in another directory, where that was interrupted.
     void finishFormer(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change);
     bool removeFormer(const HSCPlazFoundItem& found, const HSCPlazPendingChange& change);

@@ -96,20 +96,19 @@ bool HSCPlazUserHolds::hold(HSCPlazTask& task, const HSCPlazQItem& item) {
     return problem.isEmpty() || task.fail(problem);
 }
 
-bool HSCPlazUserHolds::release(HSCPlazTask& task, const HSCPlazItemName& item) {
+bool HSCPlazUserHolds::release(HSCPlazTask& task, const HSCPlazRevisionName& item) {
     HSCPlazHeldItems& held = task.getWorkspace().held;
     HSCPlazReport problem;
-    if (held.read(problem).count(item) == 0 && problem.isEmpty())
-        return task.fail(Msg::itemNotHeld, item.first + "::" + item.second);
+    if (!HSCPlazHeldItems::isAmong(held.read(problem), item) && problem.isEmpty())
+        return task.fail(Msg::itemNotHeld, item.toText());
     if (problem.isEmpty()) held.release(item, problem);
     return problem.isEmpty() || task.fail(problem);
 }
 
-void HSCPlazUserHolds::forgetGone(HSCPlazTask& task, const HSCPlazFoundItem& found) {
+void HSCPlazUserHolds::forgetGone(HSCPlazTask& task, const HSCPlazRevisionName& item) {
     HSCPlazReport unknown, problem;
     HSCPlazHeldItems& held = task.getWorkspace().held;
-    const HSCPlazRevisionName name = nameOf(*found.item);
-    if (found.item->isRecorded() || !HSCPlazHeldItems::isAmong(held.read(unknown), name)) return;
-    held.release({name.store, name.name}, problem);
+    if (!HSCPlazHeldItems::isAmong(held.read(unknown), item)) return;
+    held.release(item, problem);
     if (!problem.isEmpty()) task.tell(problem);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "plaz/model/HSCPlazHistoryEntry.h"
 #include "plaz/store/HSCPlazDependencies.h"
 #include "plaz/tasks/HSCPlazTaskResult.h"
 
@@ -26,8 +27,9 @@ HSCPlazFoundItem findFor(HSCPlazTask& task, const HSCPlazQItemDependency& depend
 bool requireReleasedNeeds(HSCPlazTask& task, const HSCPlazQItem& item);
 
 bool hold(HSCPlazTask& task, const HSCPlazQItem& item);
-bool release(HSCPlazTask& task, const HSCPlazItemName& item);
+/// @param item  without a revision: all of its
+bool release(HSCPlazTask& task, const HSCPlazRevisionName& item);
 /// Of a revision that is not installed any more.
-void forgetGone(HSCPlazTask& task, const HSCPlazFoundItem& found);
+void forgetGone(HSCPlazTask& task, const HSCPlazRevisionName& item);
 
 } // namespace HSCPlazUserHolds
