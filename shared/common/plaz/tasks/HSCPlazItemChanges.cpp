@@ -374,6 +374,7 @@ void HSCPlazItemChanges::finishInterrupted() {
     }
     const HSCPlazFoundItem known{store, store->getItem(name, change.item->getRevision())};
     if (Pending::isRecorded(known, change)) {
+        if (!change.isInstalled) forgetHold(change);
         describeReturned(m_task, *store);
         return finishFormer(known, change);
     }
