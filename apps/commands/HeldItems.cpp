@@ -9,6 +9,8 @@
 #include "plaz/model/HSCPlazQStore.h"
 #include "plaz/model/HSCPlazUpdateDecision.h"
 
+#include <algorithm>
+
 namespace {
 
 std::string toText(const HSCPlazItemName& name) {
@@ -51,10 +53,20 @@ std::vector<HSCPlazQItem*> HubQueries::findHeld() const {
 
 std::vector<ComMsgMgrInstance> HubQueries::describePassedOver() const {
     std::vector<ComMsgMgrInstance> messages;
-    for (const HSCPlazItemName& name : HSCPlazInspection::findHeld())
-        for (const HSCPlazQItem* item : entriesOf(m_hub, name))
-            if (HSCPlazInspection::isHeld(*item) && HSCPlazUpdateDecision::isOutdated(*item))
-                messages.push_back(messageOf(ShellMsg::heldPassedOver, item->getName(), item->getRevision(),
-                                             item->getLatestRevision(), toText(name)));
+    for (const HSCPlazItemName& name : HSCPlazInspection::findHeld()) {
+        const std::vector<HSCPlazQItem*> entries = entriesOf(m_hub, name);
+        const HSCPlazQItem* newer = pickOutdated(entries);
+        if (const HSCPlazQItem* item = newer ? findHolding(entries, *newer) : nullptr)
+            messages.push_back(messageOf(ShellMsg::heldPassedOver, item->getName(), item->getRevision(),
+                                         item->getLatestRevision(), toText(name)));
+    }
     return messages;
+}
+
+const HSCPlazQItem* HubQueries::findHolding(const std::vector<HSCPlazQItem*>& entries, const HSCPlazQItem& outdated) {
+    if (HSCPlazInspection::isHeld(outdated)) return &outdated;
+    if (HSCPlazUpdateDecision::decide(outdated) == HSCPlazUpdateDecision::Step::fetchAgain) return nullptr;
+    const auto isHeld = [](const HSCPlazQItem* item) { return HSCPlazInspection::isHeld(*item); };
+    const auto holding = std::find_if(entries.begin(), entries.end(), isHeld);
+    return holding == entries.end() ? nullptr : *holding;
 }

@@ -52,18 +52,6 @@ bool isForOthers(const HSCPlazQItem& item) {
     return item.getMode() == HSCPlazInstallationMode::tool;
 }
 
-/// The entry of one item that is to be updated: the newest, and the user's own before others. Null when none has an
-/// update.
-HSCPlazQItem* pickOutdated(const std::vector<HSCPlazQItem*>& entries) {
-    const auto isBetter = [](const HSCPlazQItem& a, const HSCPlazQItem& b) {
-        return isForOthers(a) != isForOthers(b) ? isForOthers(b) : HSCPlazInspection::isNewer(a, b);
-    };
-    HSCPlazQItem* picked = nullptr;
-    for (HSCPlazQItem* item : entries)
-        if (HSCPlazUpdateDecision::isOutdated(*item) && (!picked || isBetter(*item, *picked))) picked = item;
-    return picked;
-}
-
 HSCPlazQItem* findEntry(const HSCPlazQStore& store, const ItemReference& reference) {
     if (!reference.revision.empty()) return store.getItem(reference.name, reference.revision);
     return pickEntry(store.getItems(reference.name));
@@ -232,6 +220,16 @@ std::vector<HSCPlazQItem*> HubQueries::selectItems(const ItemQuery& query,
     return items;
 }
 
+HSCPlazQItem* HubQueries::pickOutdated(const std::vector<HSCPlazQItem*>& entries) {
+    const auto isBetter = [](const HSCPlazQItem& a, const HSCPlazQItem& b) {
+        return isForOthers(a) != isForOthers(b) ? isForOthers(b) : HSCPlazInspection::isNewer(a, b);
+    };
+    HSCPlazQItem* picked = nullptr;
+    for (HSCPlazQItem* item : entries)
+        if (HSCPlazUpdateDecision::isOutdated(*item) && (!picked || isBetter(*item, *picked))) picked = item;
+    return picked;
+}
+
 HSCPlazQItem& HubQueries::resolve(const ItemReference& reference, const std::string& store) const {
     std::vector<HSCPlazQItem*> candidates;
     for (const HSCPlazQStore* one : getScope(scopeOf(reference, store)))
@@ -303,7 +301,8 @@ std::vector<HSCPlazQItem*> HubQueries::findOutdated() const {
     for (const HSCPlazQStore* store : m_hub.getStores())
         for (const auto& entries : groupByName(store->getItems())) {
             HSCPlazQItem* const newer = pickOutdated(entries);
-            if (newer && held.count({store->getName(), newer->getName()}) == 0) outdated.push_back(newer);
+            const bool isAnyHeld = newer && held.count({store->getName(), newer->getName()}) != 0;
+            if (newer && !(isAnyHeld && findHolding(entries, *newer))) outdated.push_back(newer);
             std::copy_if(entries.begin(), entries.end(), std::back_inserter(outdated),
                          [&](const HSCPlazQItem* item) { return item != newer && isIncomplete(item); });
         }

@@ -147,6 +147,11 @@ public:
 
 private:
     std::vector<HSCPlazQItem*> findInstalled(const ItemReference& reference, const std::string& store) const;
+    /// The entry of one item that is to be updated: the newest, and the user's own before others. Null when none has an
+    /// update.
+    static HSCPlazQItem* pickOutdated(const std::vector<HSCPlazQItem*>& entries);
+    /// Of the entries of one item, what the user holds and its update would change or come after; null for none.
+    static const HSCPlazQItem* findHolding(const std::vector<HSCPlazQItem*>& entries, const HSCPlazQItem& outdated);
     [[noreturn]] void throwUnknown(const ItemReference& reference, const std::string& store) const;
     /// That there is no item of that name, with similar names. @param shown  as people wrote it
     ComMsgMgrInstance describeUnknown(const std::string& shown, const std::string& name,
