@@ -351,8 +351,8 @@ void turnIntoOption(const CLI::App& app, const Options& options) {
         const CLI::App* next = findCommand(*command, word);
         name += (name.empty() ? "" : " ") + word;
         if (!next)
-            throw CLI::ValidationError("help", "there is no command \"" + name + "\"" +
-                                                   Suggestions::ofCommand(word, *command));
+            throw CLI::ValidationError("help",
+                                       "there is no command \"" + name + "\"" + Suggestions::ofCommand(word, *command));
         command = next;
     }
     throw CLI::CallForHelp();

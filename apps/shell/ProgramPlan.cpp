@@ -26,13 +26,15 @@ int Program::show(const PlanResult& result) {
 int Program::runWhy() {
     HSCPlaz& hub = getHub();
     const ItemReference wanted = *ItemReference::parse(m_options.items.front());
+    const std::string& store = wanted.store.empty() ? m_options.store : wanted.store;
     try {
         m_output->showReason(ItemReason::of(hub, HubQueries(hub).resolveInstalled(wanted, m_options.store)));
         return exitStatus::done;
     } catch (const HEXAll& failure) {
         fail(failure.getMsg());
         if (failure.getMsg().getId() == messageOf(Msg::itemNotInstalled, "").getId())
-            ComMsgMgr::send(ShellMsg::installBrings, MsgSeverity::info, wanted.toText());
+            ComMsgMgr::send(ShellMsg::installBrings, MsgSeverity::info,
+                            ItemReference{store, wanted.name, wanted.revision}.toText());
         return exitStatus::failed;
     }
 }

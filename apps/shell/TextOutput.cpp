@@ -132,8 +132,7 @@ void TextOutput::showStores(const std::vector<HSCPlazQStore*>& stores) {
     for (const HSCPlazQStore* store : stores) {
         const StoreSummary summary = StoreSummary::of(*store);
         table.addRow({store->getName(), store->getStoreType(), std::to_string(summary.items),
-                      std::to_string(summary.installed), store->getDisplayName(),
-                      sourceOf(*store)});
+                      std::to_string(summary.installed), store->getDisplayName(), sourceOf(*store)});
     }
     table.print(m_out);
 }
@@ -242,8 +241,8 @@ void TextOutput::showPlan(const std::vector<HSCPlazPlannedStep>& steps) {
     std::uint64_t coming = 0, going = 0;
     for (const HSCPlazPlannedStep& step : steps) {
         (step.isComing() ? coming : going) += step.size.value_or(0);
-        table.addRow({wordOf(step), whatOf(step), step.describeWhy(), sizeOf(step),
-                      step.url.empty() ? "" : "from " + step.url});
+        table.addRow(
+            {wordOf(step), whatOf(step), step.describeWhy(), sizeOf(step), step.url.empty() ? "" : "from " + step.url});
     }
     table.print(m_out);
     for (const HSCPlazPlannedStep& step : steps)

@@ -56,6 +56,7 @@ class ShellTest(HubTest):
         self.run_plaz("install csv-kit")
         self.assertTrue((self.dir / file).is_file())
         self.run_plaz(f"relocate boards {file}", status=1)
+        self.check_shown(self.run_plaz("relocate boards no\udcff", status=1).stderr, "17-2293", never=["17-2177"])
 
     def test_keeps_others_out_of_the_user_area(self):
         """Catches: rights in the user's area that follow the mask, or in a directory that was chosen that do not."""
@@ -194,7 +195,13 @@ class ShellTest(HubTest):
         self.check_shown(self.run_plaz("update --all").stderr, '17-2345] "aurora" stays', never=["17-2186"])
         self.expect("hold", "items: revision held outdated", "1.1 True True")
         self.run_plaz("unhold aurora")
-        self.expect("update --all", "items: revision previous_revision outcome", "2.0 1.1 updated")
+        next(self.home.glob("*/plaz/board_store/boards/aurora/1.1/board.xml")).unlink()
+        plan = self.run_plaz("update aurora --dry-run").stdout
+        self.check_shown(plan, "update   boards::aurora@2.0 (was 1.1, which stays)", never=["\n\n\n"])
+        self.assertIn("restore aurora 1.1", self.ask("update --all --dry-run", "steps: step name revision"))
+        members = "items: revision previous_revision beside_revision outcome"
+        self.expect("update --all", members, "2.0 1.1 1.1 updated")
+        self.run_plaz("verify")
         self.expect("items --outdated", "items: name")
         held = '17-2230] "io-panel" stays in the revision "1.0", which is there for boards::aurora@2.0, boards::aurora@1.1'
         self.check_shown(self.run_plaz("update --all").stderr, "17-2186", held)
@@ -263,6 +270,10 @@ class ShellTest(HubTest):
         self.expect("--set plaz.enableDataAccess=false items", "items: name")
         self.catalog_file.write_text("{")
         self.check_shown(self.run_plaz("why-not zzzz", status=1).stderr, "17-2339", "plaz refresh tclscripts")
+        self.check_shown(self.run_plaz("why boards::hikari", status=1).stderr, "17-2165", "plaz install boards::hikari")
+        for command in ("why-not", "install --dry-run"):
+            told = self.run_plaz(f"--set plaz.enableRemoteAccess=false {command} hikari", status=1).stderr
+            self.check_shown(told, "17-1559", "17-2291", never=["17-1567"])
         self.hub_file.unlink()
         self.expect("items", "messages: id", "17-1569", status=1)
 
@@ -351,17 +362,23 @@ class ShellTest(HubTest):
         self.expect("hub", "hub qstores: name of", "boards hub", "mine hub")
         self.run_plaz("hub unset")
         self.expect("hub", "hub qstores: name of", "mine yours")
-        self.check_shown(self.run_plaz("hub remove-store mine").stderr, "17-2292", never=["17-2178"])
-        self.check_shown(self.run_plaz("stores").stdout, "no longer offered")
+        told = self.run_plaz("hub remove-store mine").stderr
+        self.check_shown(told, "17-2331", "17-2292", "--store mine", never=["17-2178", "17-2295"])
+        self.check_shown(self.run_plaz("stores").stdout, "(no longer offered; what is installed stays)")
+        self.expect("stores", "qstores: name is_listed", "mine False")
         self.expect("hub", "hub qstores: name of", "mine nobody")
         self.expect("items --installed", "items: store name", "mine string-kit")
         self.run_plaz("hub remove-store mine", status=1)
-        for kind, folder in ("", "ced_store_lab"), (" --type board", "board_store_lab"):
-            self.run_plaz(f"hub add-store lab {tcl} --metadata-file tcl_store.json{kind}")
-            area = self.home / "2024.2/plaz" / folder
-            self.check(folder, (area / "scripts_catalog.json").exists(), True)
-            self.run_plaz("hub remove-store lab")
-            self.check("gone", area.exists(), False)
+        boards, area = (self.repositories / "boards-store.git").as_uri(), self.home / "2024.2/plaz"
+        for kind, folder in (("", "ced_store_b"), ("--type board", "board_store_b")):
+            self.run_plaz(f"hub add-store b {boards} --metadata-file boards_store.json {kind}")
+            self.assertTrue((area / folder / "boards_store.json").is_file())
+            self.check_shown(self.run_plaz("hub remove-store b").stderr, never=["17-2295"])
+            self.check("left", (area / folder).exists(), False)
+        self.run_plaz(f"hub add-store b {boards} --metadata-file boards_store.json --type board")
+        (area / "board_store_b/mine.txt").write_text("mine")
+        self.check_shown(self.run_plaz("hub remove-store b").stderr, "17-2295", str(area / "board_store_b"))
+        self.check("mine", sorted(file.name for file in (area / "board_store_b").iterdir()), ["mine.txt"])
 
     def test_a_hub_that_cannot_be_used_is_no_empty_one(self):
         """Catches: success where nobody knows which stores there are, and no way back from there."""

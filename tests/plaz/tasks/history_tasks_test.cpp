@@ -1,5 +1,6 @@
 #include "plaz/HSCPlazInspection.h"
 #include "plaz/hub_fixture.h"
+#include "plaz/store/HSCPlazHistory.h"
 
 #include <boost/algorithm/string/join.hpp>
 #include <boost/algorithm/string/replace.hpp>
@@ -168,6 +169,14 @@ TEST_F(HistoryTasksTest, HoldsComeBack) {
 
 // What a killed process has changed lost, or told of the next command; a file that cannot be read overwritten, or a
 // reason to fail.
+TEST_F(HistoryTasksTest, WhatCannotBeBegunIsToldOnce) {
+    HSCPlazHistory history(files.temp.path("nowhere/history.json"));
+    HSCPlazReport atTheEnd;
+    EXPECT_FALSE(history.beginUndo(1, {}));
+    history.record({}, {}, {}, atTheEnd);
+    EXPECT_TRUE(atTheEnd.isEmpty());
+}
+
 TEST_F(HistoryTasksTest, HistoryLosesNothing) {
     files.addStore("tcl", "ced", false).item("a", "1").item("b", "1").item("c", "1", {{"tcl", "b", ""}});
     files.ship();

@@ -153,7 +153,7 @@ bool HSCPlazRepoInfoMgr::addDefaultFolders(const Records& folders, HSCPlazReport
     return content.defaults.size() == m_content.defaults.size() || replace(std::move(content));
 }
 
-bool HSCPlazRepoInfoMgr::removeDefaultFolder(const std::string& storeName, HSCPlazReport& report) {
+bool HSCPlazRepoInfoMgr::forgetDefaultFolder(const std::string& storeName, HSCPlazReport& report) {
     readAgain(report);
     Content content = m_content;
     const auto known = findStore(content.defaults, storeName);

@@ -49,9 +49,8 @@ public:
     /// @param report  as setStoreDirectory
     /// @return as setStoreDirectory
     bool addDefaultFolders(const std::vector<Record>& folders, HSCPlazReport& report);
-
-    /// Forgets that of a store; without one nothing is written. @return as setStoreDirectory
-    bool removeDefaultFolder(const std::string& storeName, HSCPlazReport& report);
+    /// The store has none any more. @param report  as setStoreDirectory @return as setStoreDirectory
+    bool forgetDefaultFolder(const std::string& storeName, HSCPlazReport& report);
 
     /// A store whose chosen directory another process has changed since it was read here; empty when there is none.
     /// @param report  as setStoreDirectory

@@ -71,7 +71,7 @@ bool HSCPlazMoveStoreTask::move(HSCPlazTask& task, HSCPlazItemChanges& changes, 
     inside(moveName, " store - ", store.getName(), " local_root_dir - ", dir);
     // Nothing would be left to list it by, and it could not be brought back.
     if (!store.getModel()->isOffered()) return task.fail(Msg::storeWithdrawn, store.getName(), store.getLocalRootDir());
-    if (!HUTText::isUtf8(dir)) return task.fail(Msg::placeNotText, store.getName(), dir);
+    if (!HUTText::isUtf8(dir)) return task.fail(Msg::placeNotText, store.getName(), HUTText::repaired(dir));
     HSCPlazWorkspace& workspace = task.getWorkspace();
     const HSCPlazPlaces places(workspace);
     const bool goesHome = isSameName(dir, places.getDefaultPlace(*store.getModel()));

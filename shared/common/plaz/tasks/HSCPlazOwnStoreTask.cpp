@@ -4,7 +4,6 @@
 #include "plaz/base/HSCPlazTrust.h"
 #include "plaz/model/repo/git/HSCPlazGitCatalog.h"
 #include "plaz/model/repo/git/HSCPlazGitCredentials.h"
-#include "plaz/store/HSCPlazCatalogLoader.h"
 #include "plaz/store/HSCPlazHubBuilder.h"
 #include "plaz/store/HSCPlazOwnStores.h"
 #include "plaz/store/HSCPlazPlaces.h"
@@ -13,13 +12,13 @@
 #include "plaz/tasks/HSCPlazRefreshStoreTask.h"
 #include "plaz/tasks/HSCPlazStoreCatalog.h"
 #include "plaz/tasks/HSCPlazTask.h"
+#include "support/HUTFileTree.h"
 
 #include <boost/algorithm/string/join.hpp>
 
 #include <algorithm>
 
 namespace Catalog = HSCPlazStoreCatalog;
-using Layout = HSCPlazStoreLayout;
 
 namespace {
 
@@ -54,6 +53,19 @@ bool accept(HSCPlazTask& task, const HSCPlazNewStore& wanted) {
         return task.fail(Msg::newStoreRefused, wanted.name, "its name cannot be that of a folder");
     const std::string refusal = HSCPlazGitUrl::findRefusal(wanted.url);
     return refusal.empty() || task.fail(Msg::newStoreRefused, wanted.name, refusal);
+}
+
+/// Where an earlier store of that name lay, which is gone, does not decide where this one is.
+bool forgetFormerPlace(HSCPlazTask& task, const std::string& name) {
+    HSCPlazWorkspace& workspace = task.getWorkspace();
+    HSCPlazQStoreModel named;
+    named.setName(name);
+    const std::string place = HSCPlazPlaces(workspace).getDefaultPlace(named);
+    if (place.empty() || HUTFile::exists(place) || HUTFileTree::isLink(place)) return true;
+    HSCPlazReport report;
+    const bool isForgotten = workspace.places.forgetDefaultFolder(name, report);
+    task.mention(report);
+    return isForgotten || task.fail(Msg::placesNotSaved, workspace.places.getFile());
 }
 
 void append(HSCPlazModel& own, const HSCPlazNewStore& wanted) {
@@ -101,13 +113,6 @@ bool complete(HSCPlazTask& task, HSCPlazModel& own, const HSCPlazQStoreModel& st
     return fetch(task, name);
 }
 
-/// Of a store that has left nothing there: another one of its name may be of another type.
-void forgetFolder(HSCPlazTask& task, const std::string& name) {
-    HSCPlazReport report;
-    task.getWorkspace().places.removeDefaultFolder(name, report);
-    task.mention(report);
-}
-
 /// What cannot be completed leaves nothing where nothing was.
 bool completeOrClear(HSCPlazTask& task, HSCPlazModel& own, const std::string& name) {
     HSCPlazQStoreModel& store = *task.getWorkspace().hubModel->findStore(name);
@@ -117,10 +122,48 @@ bool completeOrClear(HSCPlazTask& task, HSCPlazModel& own, const std::string& na
     const std::string area = store.getLocalRootDir();
     const bool wasThere = HUTFile::exists(area);
     const bool isComplete = task.guard([&] { return complete(task, own, store, name); });
-    if (isComplete || wasThere) return isComplete;
-    if (!area.empty()) HUTFile::rmRecursive(area);
-    forgetFolder(task, name);
-    return false;
+    if (!isComplete && !wasThere && !area.empty()) HUTFile::rmRecursive(area);
+    return isComplete;
+}
+
+/// What there is of a store in force.
+struct Fetched {
+    HSCPlazStoreLayout layout;
+    std::vector<std::string> files; ///< of the catalog, in its area
+    bool isHeld = false;            ///< something is installed from it, or nobody knows
+};
+
+/// Nothing where the hub has a store of that name, which is used instead.
+Fetched findFetched(HSCPlazTask& task, const std::string& name) {
+    const HSCPlazQStoreModel* store = task.getWorkspace().hubModel->findStore(name);
+    if (!store || !store->isUserRepository()) return {};
+    Fetched fetched{task.getWorkspace().paths.getStoreLayout(*store), {}};
+    for (const std::string& file : {store->getMetadataFile(), store->getCatalogFile()})
+        if (!file.empty()) fetched.files.push_back(fetched.layout.getArea() + "/" + file);
+    const std::string database = fetched.layout.getDatabase();
+    HSCPlazLocalDBMgr& databases = task.getWorkspace().databases;
+    fetched.isHeld = Catalog::holdsSomething(*store) || databases.findRecord(database, name) ||
+                     !databases.canBeRead(database) ||
+                     (HUTFile::exists(database) && !databases.isValidForProductAndRelease(database));
+    return fetched;
+}
+
+/// Removes what was fetched of a store that is gone, where nothing else lies there. A directory that somebody has
+/// chosen, or laid a link into, may be others' too.
+/// @return false where something stays
+bool clear(HSCPlazTask& task, const std::string& name, const Fetched& fetched) {
+    const HSCPlazStoreLayout& layout = fetched.layout;
+    const std::string& area = layout.getArea();
+    if (!task.getWorkspace().places.getStoreDirectory(name).empty() || HUTFileTree::isLink(area) ||
+        !layout.findLink().empty())
+        return false;
+    HSCPlazStoreLayout::unmark(area);
+    HSCPlazStoreLayout::removeOrPutAside(layout.getHiddenDir());
+    HSCPlazStoreLayout::removeOrPutAside(layout.getStaging());
+    for (const std::string& file : fetched.files)
+        if (HUTFile::isBeneath(area, file)) HUTFile::rmRecursive(file);
+    const auto rest = HUTFile::readDirectory(area);
+    return rest && rest->empty() && HUTFile::rmRecursive(area);
 }
 
 std::unique_ptr<HSCPlazModel> without(const HSCPlazModel& own, const std::string& name) {
@@ -130,39 +173,13 @@ std::unique_ptr<HSCPlazModel> without(const HSCPlazModel& own, const std::string
     return rest;
 }
 
-/// Removes what the hub has fetched and made of a store from which nothing is installed. Other files are somebody's.
-void clear(HSCPlazTask& task, const HSCPlazQStoreModel& store, const Layout& layout) {
-    if (!HUTFile::isDirectory(layout.getArea())) return;
-    if (layout.findLink().empty()) {
-        Layout::unmark(layout.getArea());
-        for (const std::string& name : {store.getCatalogFile(), store.getMetadataFile()})
-            if (HSCPlazTrust::isSafeRelativePath(name)) HUTFile::rmRecursive(layout.getArea() + "/" + name);
-        for (const std::string& dir : {layout.getStaging(), layout.getHiddenDir()}) HUTFile::rmRecursive(dir);
-        if (HUTFile::createFileIter(layout.getArea()).empty()) HUTFile::rmRecursive(layout.getArea());
-    }
-    if (HUTFile::exists(layout.getArea()))
-        task.tellNews(Msg::ownFilesLeft, store.getName(), layout.getArea());
-    else
-        forgetFolder(task, store.getName());
-}
-
-/// The user's store of that name; null where the hub's own is used instead.
-std::shared_ptr<HSCPlazQStoreModel> findInForce(const HSCPlazTask& task, const std::string& name) {
-    for (const auto& store : task.getWorkspace().hubModel->getStores())
-        if (store->getName() == name && store->isUserRepository()) return store;
-    return nullptr;
-}
-
-bool isRecordKnown(const HSCPlazTask& task, const Layout& layout) {
-    return !task.getWorkspace().databases.isUnreadable(layout.getDatabase());
-}
-
 } // namespace
 
 bool HSCPlazOwnStoreTask::add(HSCPlazTask& task, const HSCPlazNewStore& wanted) {
     const auto own = readOwn(task);
     if (!own || !accept(task, wanted)) return false;
     if (own->findStore(wanted.name)) return task.fail(Msg::storeNameTaken, wanted.name);
+    if (!forgetFormerPlace(task, wanted.name)) return false;
     append(*own, wanted);
     if (putInForce(task, *own) && completeOrClear(task, *own, wanted.name)) {
         task.tellNews(Msg::storeAdded, wanted.name);
@@ -176,19 +193,13 @@ bool HSCPlazOwnStoreTask::remove(HSCPlazTask& task, const std::string& name) {
     const auto own = readOwn(task);
     if (!own) return false;
     if (!own->findStore(name)) return task.fail(Msg::storeNotOwn, name);
-    const auto store = findInForce(task, name);
-    const bool isHeld = store && Catalog::holdsSomething(*store);
-    const Layout layout = store ? task.getWorkspace().paths.getStoreLayout(*store) : Layout();
-    std::vector<Catalog::Holding> holdings = Catalog::findHoldings(task);
-    if (isHeld)
-        holdings.erase(std::remove_if(holdings.begin(), holdings.end(), [&](auto& one) { return one.store == name; }),
-                       holdings.end());
+    const Fetched fetched = findFetched(task, name);
     if (!putInForce(task, *without(*own, name))) return false;
-    Catalog::tellWithdrawn(task, holdings);
-    if (isHeld)
-        task.tellNews(Msg::ownStoreHeld, name, layout.getArea(), name);
-    else if (store && HSCPlazCatalogLoader::hasOwnArea(*store) && isRecordKnown(task, layout))
-        clear(task, *store, layout);
     task.tellNews(Msg::storeTakenAway, name);
+    const std::string& area = fetched.layout.getArea();
+    if (fetched.isHeld)
+        task.tellNews(Msg::ownStoreHeld, name, area, name);
+    else if (HUTFile::exists(area) && !clear(task, name, fetched))
+        task.tellNews(Msg::ownFilesLeft, name, area);
     return true;
 }

@@ -34,8 +34,8 @@ struct PLAZ_API HSCPlazItemResult {
     std::string previousRevision; ///< of an update: the one that was installed before
     std::string directory;        ///< where the item is installed; empty when it is not
     Outcome outcome;
-    HSCPlazReport report; ///< all that was told; its first error is the reason of a failure
-    std::string neededBy; ///< why an item was not removed, for people: "boards::aurora@2.0, tools::kit"
+    HSCPlazReport report;        ///< all that was told; its first error is the reason of a failure
+    std::string neededBy;        ///< why an item was not removed, for people: "boards::aurora@2.0, tools::kit"
     bool isPreviousKept = false; ///< of an update: the revision before stays installed beside the new one
 
     /// That an item as it is now has come to @p outcome.
