@@ -53,14 +53,15 @@ def work(env, words, steps):
     logging.disable()
     action, *words = words
     more = {"progress": lambda *_, left=iter(range(steps)): next(left, None) is not None} if steps else {}
-    more.update({"hub": "--hub" in words} if action == "refresh" else {"quiet": True})
+    if action not in ("hold", "unhold"):
+        more.update({"hub": "--hub" in words} if action == "refresh" else {"quiet": True})
     try:
         getattr(plaz, action)([word for word in words if word != "--hub"] or None, **more)
         status = DONE
     except plaz.Error as error:
         status = CANCELLED if isinstance(error, plaz.Cancelled) else FAILED
     items = plaz.items(installed=True, all_revisions=True)
-    return status, {(i.store, i.name, i.revision): (i.installation_mode, i.reference_count) for i in items}
+    return status, {(i.store, i.name, i.revision): (i.installation_mode, i.reference_count, i.held) for i in items}
 
 
 class History(HubTest):
@@ -108,6 +109,7 @@ class History(HubTest):
         status, shown = run(write_words(action, arguments), amount)
         if amount and status == CANCELLED:
             facts = self.compare_cancelled(before, action)
+            self.compare_held(*(Model(self.publisher, (), facts, held=one.held) for one in (before, self.model)))
             if action != "refresh":  # it goes on from there
                 self.model = before
                 before.take_over(facts)
@@ -118,25 +120,29 @@ class History(HubTest):
             self.problems.append(f"ends with {status} in spite of {'success' if went_well else 'failure'}")
         facts, counts = self.read_databases()
         if plan is not None and GONE not in plan.values():  # whether that can be fetched shows when it is
-            self.compare("planned", plan, {"exit": status} | {item: fact.commit for item, fact in facts.items()})
+            expected = {item: fact.commit for item, fact in facts.items()} | self.read_held()
+            self.compare("planned", plan, {"exit": status} | expected)
         self.compare("recorded", facts, self.model.installed)
+        self.compare_held(self.model)
         self.compare("counted", counts, expected := self.model.count())
         self.compare_files(facts, self.model)
         self.compare_own()
         if shown is not None:
-            modes = {item: (fact.mode, expected[item]) for item, fact in self.model.installed.items()}
+            held = self.model.held
+            modes = {item: (fact.mode, expected[item], item in held) for item, fact in self.model.installed.items()}
             self.compare("shown", shown, modes)
         if how in ("program", "restart") and not (before.own or self.model.own or self.problems):
             self.go_back_and_forth(before)
         return not self.problems
 
     def plan(self, words, before):
-        """@return the exit status of a command, and the commits of what would be installed then, by its plan"""
-        files = self.read_files()
+        """@return the exit status of a command, the commits of what would be installed then, and what would be held, by
+        its plan"""
+        files, records = self.read_files(), self.read_records()
         result = run(PLAZ, "--json", *words, "--dry-run", env=self.env)
-        self.compare("written by a plan", self.read_files() | self.read_databases()[0], files | before.installed)
+        self.compare("written by a plan", self.read_files() | self.read_records(), files | records)
         planned = {item: fact.commit for item, fact in before.installed.items()}
-        restored = set()
+        restored, held = set(), set(before.held)
         for step in json.loads(result.stdout).get("steps", []):
             item = (step["store"], step["name"], step["revision"])
             if step["step"] == "restore":
@@ -144,20 +150,29 @@ class History(HubTest):
                 restored.add(item)
             elif step["step"] == "remove":
                 planned.pop(item, None)
+            elif step["step"] in ("hold", "unhold"):
+                held ^= {item}
             elif step["step"] in ("install", "update", "take over"):
                 planned.pop((*item[:2], step.get("previous_revision")), None)
                 planned[item] = step["commit_id"]
-        return {"exit": result.returncode} | planned
+        return {"exit": result.returncode} | planned | {(*item, "held"): True for item in held & planned.keys()}
 
     def go_back_and_forth(self, before):
         """Takes the last step back, where it has changed anything, and then that."""
         self.end_worker()
-        for expected in (before, self.model) if before.installed != self.model.installed else ():
+        if (before.installed, before.held) == (self.model.installed, self.model.held):
+            return
+        for now, expected in ((self.model, before), (before, self.model)):
             number = json.loads(run(PLAZ, "--json", "history", "--limit", "1", env=self.env).stdout)["history"][0][
                 "number"
             ]
+            plan = self.plan(["undo", str(number)], now)
             undo = run(PLAZ, "--json", "undo", str(number), env=self.env)
-            self.compare("undone", self.read_databases()[0], expected.installed)
+            facts = self.read_databases()[0]
+            undone = {item: fact.commit for item, fact in facts.items()} | self.read_held()
+            self.compare("planned to be undone", plan, {"exit": undo.returncode} | undone)
+            self.compare("undone", facts, expected.installed)
+            self.compare_held(expected)
             if undo.returncode != DONE:
                 self.problems.append(f"undo ends with {undo.returncode}: {json.loads(undo.stdout)['error']}")
 
@@ -192,6 +207,22 @@ class History(HubTest):
                 facts[item] = Fact(entry["commit_id"], entry["installation_mode"], str(folder))
                 counts[item] = entry["reference_count"]
         return facts, counts
+
+    def read_records(self):
+        patterns = ("plaz_*.json", "*/.plaz/plaz_local_db.json")
+        files = [file for pattern in patterns for file in (self.home / "2024.2/plaz").glob(pattern)]
+        return {str(file.relative_to(self.home)): file.read_bytes() for file in files}
+
+    def read_held(self):
+        file = self.home / "2024.2/plaz/plaz_held.json"
+        items = json.loads(file.read_text())["plaz"]["items"] if file.exists() else []
+        return {(item["store"], item["name"], item["revision"], "held"): True for item in items}
+
+    def compare_held(self, *models):
+        """By one of the models, of what is installed by the first one."""
+        held = [{(*item, "held"): True for item in model.held & models[0].installed.keys()} for model in models]
+        found = self.read_held()
+        self.compare("held", found, found if found in held else held[0])
 
     def compare(self, what, found, expected):
         differing = [key for key in sorted({*found, *expected}, key=str) if found.get(key) != expected.get(key)]

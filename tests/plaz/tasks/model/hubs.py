@@ -9,7 +9,7 @@ import subprocess
 from rules import ONE, SEVERAL, Entry
 
 REVISIONS = ("1.0", "1.1", "2.0", "10.0")
-CHANCES = dict(install=6, uninstall=4, update=3, update_all=1, publish=4, refresh=2, edit=8, repair=4)
+CHANCES = dict(install=6, uninstall=4, update=3, update_all=1, publish=4, refresh=2, edit=8, repair=4, hold=4, unhold=1)
 OWN = ("data.txt", "notes.txt", "own.txt")
 EDITS = (("data.txt", None), ("data.txt", ""), ("own.txt", None), *((name, "mine") for name in OWN))
 GONE = "0" * 39 + "1"  # a commit that no repository has
@@ -35,8 +35,8 @@ class Publisher:
             for kind, name, *more in changes:
                 if kind == "put":  # a revision with its dependencies, as the latest one
                     is_taken = f"items/{name}" in [entry.folder for entry in catalog.values()]
-                    new = ("", {}, f"items/{name}-new" if is_taken else f"items/{name}")
-                    _, commits, folder = catalog.get(name, new)
+                    new = ("", {}, f"items/{name}-new" if is_taken else f"items/{name}", "")
+                    _, commits, folder, _ = catalog.get(name, new)
                     metadata = "about.json" if store == ONE and len(self.files) % 4 == 0 else "item.json"
                     self.metadata[store][folder] = metadata
                     files = make_files(metadata, name, *more, len(self.files))
@@ -44,7 +44,7 @@ class Publisher:
                         git, {f"{folder}/{file}": text for file, text in files.items()}, f"D {folder}\n"
                     )
                     self.files[commit], self.contents[commit], self.names[commit] = files, more[1], name
-                    catalog[name] = Entry(more[0], {**commits, more[0]: commit}, folder)
+                    catalog[name] = Entry(more[0], {**commits, more[0]: commit}, folder, commit)
                 elif entry := catalog.pop(name, None):  # or it is withdrawn
                     latest = entry.latest
                     if kind == "rename":  # with its folder
@@ -79,7 +79,7 @@ def make_catalog(catalog, keeps_several, metadata):
         {"name": name, "root": folder, "company": "c", "latest_revision": latest, "commit_id": commits[latest]}
         | {"config": {"root": folder, "metadata_file": metadata[folder]}}
         | {"revisions": [{"revision": revision, "commit_id": commit} for revision, commit in commits.items()]}
-        for name, (latest, commits, folder) in catalog.items()
+        for name, (latest, commits, folder, _) in catalog.items()
     ]
     content = {"multi_revision_supported": keeps_several, "items": items, "categories": []}
     return json.dumps({"_major": 1, "_minor": 0, "catalog": content})
@@ -119,6 +119,8 @@ def make_history(random, length):
             steps.append(("program", 0, action) if how == "cancel" else (how, amount, action))
         else:
             name += "-b" if random.random() < 0.03 else ""
+            if how == "cancel" and action in ("hold", "unhold"):  # too short for that
+                how, amount = "program", 0
             is_exact = store == SEVERAL and (action != "install" or random.random() < 0.6)
             steps.append((how, amount, action, store, name, random.choice(REVISIONS[:3]) if is_exact else ""))
     return steps

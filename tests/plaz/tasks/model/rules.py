@@ -7,24 +7,26 @@ from collections import namedtuple
 
 SEVERAL, ONE = "boards", "tclscripts"  # the stores, by how many revisions of an item they keep
 TOO_MANY = 20000  # ways along dependencies, beyond which they are not counted
-Entry = namedtuple("Entry", "latest commits folder")  # of a catalog; commits by revision, in the catalog's order
+Entry = namedtuple("Entry", "latest commits folder head")  # commits by revision; head: of what describes the item
 Fact = namedtuple("Fact", "commit mode folder")  # of an installed item
 
 
 class Model:
     """catalogs: what the user's hub offers, as it was published when last refreshed. own: what the user has made of an
-    item's files, None where one is removed. kept: what of that is put aside."""
+    item's files, None where one is removed. kept: what of that is put aside. held: the installed items that stay."""
 
-    def __init__(self, published, catalogs=(), installed=(), own=(), kept=()):
+    def __init__(self, published, catalogs=(), installed=(), own=(), kept=(), held=()):
         self.published, self.catalogs = published, {SEVERAL: {}, ONE: {}, **dict(catalogs)}
-        self.installed, self.own, self.kept = dict(installed), dict(own), set(kept)
+        self.installed, self.own, self.kept, self.held = dict(installed), dict(own), set(kept), set(held)
+
+    def rank(self, item):
+        """@return what sorts the newest revision of an item first"""
+        latest, commits, *_ = self.catalogs[item[0]].get(item[1], ("", {}))
+        return (item[2] != latest) + (item[2] not in commits), *(-int(part) for part in item[2].split("."))
 
     def list_revisions(self, store, name):
         """@return the installed ones as items, the newest first"""
-        latest, commits, _ = self.catalogs[store].get(name, ("", {}, ""))
-        items = [item for item in self.installed if item[:2] == (store, name)]
-        ranks = {item: (item[2] != latest) + (item[2] not in commits) for item in items}
-        return sorted(items, key=lambda item: (ranks[item], *(-int(part) for part in item[2].split("."))))
+        return sorted((item for item in self.installed if item[:2] == (store, name)), key=self.rank)
 
     def find_server(self, store, name, revision):
         """@return the installed item that serves a key, or None"""
@@ -33,13 +35,22 @@ class Model:
 
     def find_offer(self, store, name, revision):
         """@return the item that the catalog offers for a key, or None"""
-        latest, commits, _ = self.catalogs[store].get(name, ("", {}, ""))
+        latest, commits, *_ = self.catalogs[store].get(name, ("", {}))
         item = (store, name, revision or latest)
         return item if item[2] in (commits if store == SEVERAL else [latest]) and item[2] else None
 
+    def find_coming(self, key):
+        """@return the item that comes, or stays, for a key that an item needs, or None"""
+        server = self.find_server(*key)
+        return server if server in self.held and not key[2] else self.find_offer(*key) or server
+
     def get_needs(self, item):
-        commit = self.installed[item].commit
-        return self.published.contents[commit] if self.published.names[commit] == item[1] else ()  # not of another item
+        """@return the keys that an item needs, by its description in the catalog where it is not installed"""
+        offered = self.catalogs[item[0]].get(item[1])
+        commit = self.installed[item].commit if item in self.installed else offered and offered.head
+        return (
+            self.published.contents[commit] if self.published.names.get(commit) == item[1] else ()
+        )  # not of another item
 
     def list_asked_for(self):
         return [item for item, fact in self.installed.items() if fact.mode == "user"]
@@ -100,6 +111,7 @@ class Model:
         for item in self.installed.keys() - reached:
             self.put_aside(item)
             del self.installed[item]
+        self.held &= self.installed.keys()
 
     def put(self, item, mode):
         """Fetches an offered item. Where one revision is kept it takes the place of another, and its mode "user"."""
@@ -108,7 +120,7 @@ class Model:
         commit, folder = entry.commits[revision], entry.folder + (f"/{revision}" if store == SEVERAL else "")
         replaced = {other for other in self.installed if other[:2] == (store, name) and (store == ONE or other == item)}
         taken = [fact.folder for other, fact in self.installed.items() if other[0] == store and other not in replaced]
-        if commit not in self.published.contents or folder in taken:
+        if commit not in self.published.contents or folder in taken or replaced & self.held:
             return False
         for other in replaced:
             self.put_aside(other)
@@ -132,7 +144,7 @@ class Model:
             return went_well
 
         def bring(key):
-            item = self.find_offer(*key) or self.find_server(*key)
+            item = self.find_coming(key)
             if not item or (item not in self.installed and not self.put(item, "tool")):
                 lacking.append(key)
                 return False
@@ -161,12 +173,34 @@ class Model:
                 follow(key, look)
         return not lacking
 
+    def is_barred(self, top):
+        """@return whether what the user holds keeps away an item that is asked for: of another revision, or needed"""
+        older = [item for item in self.held if item[:2] == top[:2] and self.rank(top) < self.rank(item)]
+        if top not in self.installed and older:
+            return True
+        ways, seen = [top], {top}
+        for item in ways:
+            for coming in {self.find_coming(key) for key in self.get_needs(item)} - {None, *seen}:
+                if (
+                    coming[0] == ONE
+                    and coming not in self.installed
+                    and self.held & {*self.list_revisions(*coming[:2])}
+                ):
+                    return True
+                seen.add(coming)
+                ways.append(coming)
+        return False
+
     # The tasks: each gives whether all went well
 
     def install(self, store, name, revision):
         newest = self.find_offer(store, name, "") or self.find_server(store, name, "")
         item = (store, name, revision) if revision else newest
         was_users = item in self.list_asked_for()
+        if item in self.installed:
+            self.restore(item)
+        if item and not was_users and self.is_barred(item):
+            return False
         if item in self.installed:
             self.installed[item] = self.installed[item]._replace(mode="user")
         elif not (item and self.find_offer(*item) and self.put(item, "user")):
@@ -198,8 +232,12 @@ class Model:
         former, fact, latest = item, self.installed[item], self.find_offer(*item[:2], "")
         is_new = bool(latest) and latest not in self.installed and fact.mode == "user"
         if latest and (latest[0] == ONE or latest == item or is_new):
-            item, fact = latest, self.installed.get(latest, fact._replace(commit=""))
-            if fact.commit != self.catalogs[item[0]][item[1]].commits[item[2]] and not self.put(item, fact.mode):
+            fact = self.installed.get(latest, fact._replace(commit=""))
+            is_outdated = fact.commit != self.catalogs[latest[0]][latest[1]].commits[latest[2]]
+            if is_outdated and (item in self.held or (is_new and self.is_barred(latest))):
+                return False
+            item = latest
+            if is_outdated and not self.put(item, fact.mode):
                 return False
         stays = former != item and former in self.installed
         return self.complete(item, is_new) and (not stays or self.complete(former, False))
@@ -212,6 +250,16 @@ class Model:
             went_well = (item not in self.installed or self.update(*item)) and went_well
             self.collect()
         return went_well
+
+    def hold(self, *key):
+        item = self.find_server(*key)
+        self.held |= {item} - {None}
+        return item is not None
+
+    def unhold(self, store, name, revision):
+        freed = {item for item in self.held if item[:2] == (store, name) and revision in ("", item[2])}
+        self.held -= freed
+        return bool(freed)
 
     def refresh(self, *stores):
         chosen = [store for store in stores if store != "--hub"] or [SEVERAL, ONE]
