@@ -74,6 +74,9 @@ SCENARIOS = (
     Scenario("reinstall", INSTALLED, (), "install --reinstall pin-report", stays=(CHANGED_BELOW,)),
     Scenario("uninstall-own", INSTALLED, (), "uninstall pin-report", stays=(CHANGED_BELOW, MISSING_BELOW)),
     Scenario("undo", (*INSTALLED, "uninstall pin-report"), (), "undo 2"),
+    Scenario("hold", ("install aurora resistances",), (), "hold aurora"),
+    Scenario("uninstall-held", ("install aurora resistances", "hold aurora"), (), "uninstall aurora"),
+    Scenario("undo-held", ("install aurora resistances", "hold aurora", "uninstall aurora"), (), "undo 3"),
     Scenario("undo-update", ("refresh tclscripts", *INSTALLED), ("refresh tclscripts", "update pin-report"), "undo 2"),
     Scenario("update-own", INSTALLED, ("refresh tclscripts",), "update pin-report", stays=(CHANGED_BELOW,)),
 )
