@@ -187,6 +187,12 @@ TEST_F(HistoryTasksTest, HistoryLosesNothing) {
     files.temp.write("appdata/2024.2/plaz/plaz_history.json", kept); // as if it had been killed before that
     ASSERT_TRUE(install("a") && install("c"));
     EXPECT_EQ(told(), "install tcl::a: installed a@1\n: installed b@1\ninstall tcl::c: installed c@1\n");
+    const std::string three = readFile(history);
+    ASSERT_TRUE(uninstall("c"));
+    files.temp.write("appdata/2024.2/plaz/plaz_history.json", three); // killed again
+    EXPECT_TRUE(undo()) << "that, and not the one before";
+    EXPECT_TRUE(find("c").IsInstalled());
+    files.temp.write("appdata/2024.2/plaz/plaz_history.json", three);
     const std::string commit = find("c").getCommitId();
     std::string forged = readFile(history); // by whoever may write there
     for (std::size_t at; (at = forged.find(commit)) != std::string::npos;) forged.replace(at, commit.size(), "--all");

@@ -73,6 +73,13 @@ const std::vector<Entry>& HSCPlazHistory::read(HSCPlazReport& problem) {
     return m_content.entries;
 }
 
+void HSCPlazHistory::readWithUnrecorded(const HSCPlazInstalledFacts& now, HSCPlazReport& problem) {
+    read(problem);
+    if (!m_damage.empty() || !m_content.isKnown) return;
+    addUnrecorded(m_content, now, now);
+    m_undone = findUndone(m_content.entries);
+}
+
 void HSCPlazHistory::readFile() {
     m_stamp = HUTFile::getStamp(m_file);
     m_content = {};

@@ -74,7 +74,7 @@ private:
 
     const Entry* choose(int number) {
         HSCPlazReport problem;
-        m_history.read(problem);
+        m_history.readWithUnrecorded(m_now, problem);
         if (!problem.isEmpty()) {
             HSCPlazReport reason;
             reason.add(HEXAll(problem.getNotes().front().message));
