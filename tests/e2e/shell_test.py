@@ -203,7 +203,9 @@ class ShellTest(HubTest):
         self.expect("update --all", members, "2.0 1.1 1.1 updated")
         self.run_plaz("verify")
         self.expect("items --outdated", "items: name")
-        held = '17-2230] "io-panel" stays in the revision "1.0", which is there for boards::aurora@2.0, boards::aurora@1.1'
+        held = (
+            '17-2230] "io-panel" stays in the revision "1.0", which is there for boards::aurora@2.0, boards::aurora@1.1'
+        )
         self.check_shown(self.run_plaz("update --all").stderr, "17-2186", held)
         for file in self.home.glob("*/plaz/board_store/boards/aurora/*/board.xml"):
             file.unlink()
@@ -228,9 +230,17 @@ class ShellTest(HubTest):
             self.check_shown(self.run_plaz(command, status=2).stderr, f"Did you mean `{word}`?")
         for command in ("", "items", "hub", "hub add-store"):
             self.check("help", self.run_plaz(f"help {command}").stdout, self.run_plaz(f"{command} --help").stdout)
-        pointed = {"update": "update", "hub add-store a": "hub add-store", "hub sett": "hub", "help hub sett": "", "x": ""}
+        pointed = {
+            "update": "update",
+            "hub add-store a": "hub add-store",
+            "hub sett": "hub",
+            "help hub sett": "",
+            "x": "",
+        }
         for command, name in pointed.items():
-            self.check_shown(self.run_plaz(command, status=2).stderr, f'Try "{" ".join(["plaz", *name.split()])} --help"')
+            self.check_shown(
+                self.run_plaz(command, status=2).stderr, f'Try "{" ".join(["plaz", *name.split()])} --help"'
+            )
         for command in ("--help", "install --help", "--version", "help", "version"):
             with self.subTest(command):
                 self.run_plaz(command)
