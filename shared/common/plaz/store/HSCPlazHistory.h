@@ -23,8 +23,8 @@ public:
     /// The entries as the file has them now, the oldest first. @param problem  Msg::historyUnknown, a warning
     const std::vector<HSCPlazHistoryEntry>& read(HSCPlazReport& problem);
 
-    /// Reads the entries, with what was changed since the last one: of a killed command, say, that nobody has brought to
-    /// its end. The file has that with the next change. @param now  what is installed
+    /// Reads the entries, with what was changed since the last one: of a killed command, say, that nobody has brought
+    /// to its end. The file has that with the next change. @param now  what is installed
     void readWithUnrecorded(const HSCPlazInstalledFacts& now, HSCPlazReport& problem);
 
     /// All that is recorded until endCommand() is one entry. @return false where a command is under way already
