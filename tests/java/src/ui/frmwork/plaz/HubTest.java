@@ -281,7 +281,8 @@ class HubTest {
         PlazHost.unhold("tclscripts::csv-kit");
         assertThrows(CommandFailedException.class, () -> PlazHost.unhold("tclscripts::csv-kit"));
         PlazHost.undo();
-        assertEquals(List.of("unhold"), PlazHost.planUndo(entry.number() + 1).stream().map(PlazHost.Step::kind).toList());
+        assertEquals(
+                List.of("unhold"), PlazHost.planUndo(entry.number() + 1).stream().map(PlazHost.Step::kind).toList());
         PlazHost.undo();
         assertEquals(List.of("remove tclscripts::csv-kit@1.1", "remove tclscripts::string-kit@1.0"),
                 PlazHost.planUndo(entry.number()).stream().map(step -> step.kind() + " " + step.item()).toList());
