@@ -15,6 +15,9 @@
 #include "plaz/tasks/HSCPlazPlan.h"
 #include "support/HUTText.h"
 
+#include <boost/algorithm/string/classification.hpp>
+#include <boost/algorithm/string/trim.hpp>
+
 #include <algorithm>
 #include <iomanip>
 #include <iterator>
@@ -101,9 +104,8 @@ const char* wordOf(const HSCPlazPlannedStep& step) {
 
 /// Without empty lines around it.
 std::string textOf(const std::string& changes) {
-    const std::size_t first = changes.find_first_not_of("\r\n");
-    const std::size_t last = changes.find_last_not_of(" \t\r\n");
-    return first == std::string::npos || last == std::string::npos ? "" : changes.substr(first, last + 1 - first);
+    return boost::algorithm::trim_right_copy(
+        boost::algorithm::trim_left_copy_if(changes, boost::algorithm::is_any_of("\r\n")));
 }
 
 std::string shownSize(std::uint64_t bytes) {
