@@ -78,7 +78,10 @@ void HSCPlazHeldItems::readFile() {
 }
 
 bool HSCPlazHeldItems::isAmong(const Items& held, const HSCPlazRevisionName& item) {
-    return std::any_of(held.begin(), held.end(), [&](const HSCPlazRevisionName& one) { return isMeant(one, item); });
+    if (held.empty()) return false;
+    for (auto one = held.lower_bound({item.store, item.name, ""}); one != held.end() && one->isOfSameItem(item); ++one)
+        if (isMeant(*one, item)) return true;
+    return false;
 }
 
 void HSCPlazHeldItems::hold(const HSCPlazRevisionName& item, HSCPlazReport& problem) {
