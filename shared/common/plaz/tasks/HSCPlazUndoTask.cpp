@@ -151,8 +151,9 @@ private:
         const auto find = [&] {
             return HSCPlazFoundItem{&store, store.getItem(record.getName(), record.getRevision())};
         };
-        HSCPlazInstalledItems listed(*store.getModel(), m_task.getWorkspace().paths, {record.getName()});
-        if (find() || !listed.apply(record).empty()) return find();
+        if (const HSCPlazFoundItem known = find()) return known;
+        HSCPlazInstalledItems items(*store.getModel(), m_task.getWorkspace().paths, {record.getName()});
+        if (!items.apply(record).empty()) return {};
         store.addMissingItems();
         if (const HSCPlazFoundItem added = find()) added.item->getModel()->clearInstallation();
         return find();
