@@ -280,7 +280,7 @@ class ShellTest(HubTest):
         self.expect("--set plaz.enableDataAccess=false items", "items: name")
         self.catalog_file.write_text("{")
         self.check_shown(self.run_plaz("why-not zzzz", status=1).stderr, "17-2339", "plaz refresh tclscripts")
-        self.check_shown(self.run_plaz("why boards::hikari", status=1).stderr, "17-2165", "plaz install boards::hikari")
+        self.check_shown(self.run_plaz("why boards::hikari", status=1).stderr, "17-2165", "17-2294")
         for command in ("why-not", "install --dry-run"):
             told = self.run_plaz(f"--set plaz.enableRemoteAccess=false {command} hikari", status=1).stderr
             self.check_shown(told, "17-1559", "17-2291", never=["17-1567"])
